@@ -1,0 +1,54 @@
+// Questions to the file system that only look: existence, kind, size, listings. They never write, follow
+// links as stat() does, and take a failed look as told at each function. Thread-safe.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvane::platform {
+
+enum class EntryKind { regularFile, directory, other };
+
+struct DirectoryEntry {
+    std::string name;
+    // Of the link's target for a symbolic link; `other` when it can't be told.
+    EntryKind kind = EntryKind::other;
+};
+
+bool fileExists(const std::string& path) noexcept;
+bool isDirectory(const std::string& path) noexcept;
+bool isRegularFile(const std::string& path) noexcept;
+bool isExecutableFile(const std::string& path) noexcept;
+
+// Size in bytes of a regular file; nothing when there is none or it can't be told.
+std::optional<std::int64_t> fileSize(const std::string& path) noexcept;
+
+// Opens the file and reads one byte: true only when a byte came.
+bool canReadAByte(const std::string& path) noexcept;
+
+enum class HiddenEntries { skip, include };
+
+// The entries in ascending byte order of their names, without "." and "..". Hidden entries begin with a dot.
+// Nothing when the directory can't be opened or read to its end; `error` then takes the reason.
+std::optional<std::vector<DirectoryEntry>> listDirectory(const std::string& path, HiddenEntries hidden,
+                                                         std::string* error = nullptr);
+
+// Calls `visit` for the name and the raw d_type of each entry, in the order of the disk and without a copy:
+// for folders of tens of thousands of files. False when the directory can't be opened or read to its end.
+bool visitDirectory(const std::string& path,
+                    const std::function<void(std::string_view name, unsigned char dType)>& visit);
+
+// The whole file; nothing when it can't be opened or read to its end. A file larger than `limit` bytes gives
+// nothing too, before anything is read. `error` takes the reason.
+std::optional<std::string> readFile(const std::string& path, std::int64_t limit = INT64_MAX,
+                                    std::string* error = nullptr);
+
+// At most `limit` bytes from the start.
+std::optional<std::string> readFilePrefix(const std::string& path, std::int64_t limit,
+                                          std::string* error = nullptr);
+
+} // namespace corvane::platform

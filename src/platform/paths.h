@@ -1,0 +1,33 @@
+// Paths as UTF-8 text with '/' as separator, taken apart and put together without touching the disk.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace corvane::platform {
+
+// One '/' between both parts; an absolute or empty part isn't treated specially.
+std::string joinPath(std::string_view base, std::string_view part);
+
+// The text behind the last '/', trailing slashes left out; "/" gives "/".
+std::string_view lastPathComponent(std::string_view path) noexcept;
+
+// The path without its last component: "/a/b" gives "/a", "/a" gives "/", "a" gives "".
+std::string_view parentPath(std::string_view path) noexcept;
+
+// The text behind the last '.' of the last component; empty when there is none or the name begins with its
+// only dot.
+std::string_view pathExtension(std::string_view path) noexcept;
+
+// The path without the extension and its dot.
+std::string_view withoutExtension(std::string_view path) noexcept;
+
+// "." and ".." and repeated slashes resolved as text, made absolute against the working directory, without a
+// trailing slash. Links aren't resolved.
+std::string standardizedPath(std::string_view path);
+
+// Whether a relative path from an untrusted source stays below its root: not empty, not absolute, without NUL,
+// and never leaving by "..".
+bool isSafeRelativePath(std::string_view path) noexcept;
+
+} // namespace corvane::platform

@@ -1,0 +1,82 @@
+// What the system asks of an operating system. One object a program run, made by the entry and handed down by
+// reference; it outlives everything. Tests derive from it to script any answer. All operations may be called
+// from any thread, and those that touch a disk may block: never call them on the main thread unless said.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace corvane::platform {
+
+struct Volume {
+    std::string path; // mount point
+    std::string name; // empty when the volume has none
+    // Unknown flags are absent.
+    std::optional<bool> removable;
+    std::optional<bool> ejectable;
+    std::optional<bool> internal;
+    std::optional<bool> browsable;
+};
+
+enum class MountEvent { mounted, unmounted };
+
+// Ends the subscription when it goes.
+class MountSubscription {
+  public:
+    virtual ~MountSubscription() = default;
+};
+
+class Platform {
+  public:
+    virtual ~Platform() = default;
+
+    // The user's real home, without a trailing slash. Never blocks.
+    [[nodiscard]] virtual std::string realUserHomeDirectory() const = 0;
+
+    // The folder that holds "Corvane", the application's own data. It need not exist. Never blocks.
+    [[nodiscard]] virtual std::string applicationSupportDirectory() const = 0;
+
+    // The file of the settings. Never blocks.
+    [[nodiscard]] virtual std::string settingsPath() const = 0;
+
+    [[nodiscard]] virtual std::string temporaryDirectory() const = 0;
+
+    // The sqlite3 command-line shell and the Python runtimes to try, in order.
+    [[nodiscard]] virtual std::string sqliteShellPath() const = 0;
+
+    // Mounted volumes; nothing when the system can't tell.
+    [[nodiscard]] virtual std::optional<std::vector<Volume>> mountedVolumes() const = 0;
+
+    // The volume that holds a path; nothing when it can't be told.
+    [[nodiscard]] virtual std::optional<Volume> volumeOf(const std::string& path) const = 0;
+
+    // Whether a path lies where this system mounts removable media ("/Volumes/", "/media/", "/run/media/"), and
+    // then the path of its mount point. Text only, never blocks.
+    [[nodiscard]] virtual std::optional<std::string> removableMountPoint(const std::string& path) const = 0;
+
+    // Type name as the system spells it ("msdos", "exfat", "apfs", "ext4"); nothing when it can't be told.
+    [[nodiscard]] virtual std::optional<std::string> fileSystemTypeName(const std::string& path) const = 0;
+
+    // Bytes available to the user at a path, or at its nearest existing parent; nothing when unreadable.
+    [[nodiscard]] virtual std::optional<std::int64_t> availableCapacity(const std::string& path) const = 0;
+
+    // Whether a cloud provider holds only a placeholder of this file.
+    [[nodiscard]] virtual bool isCloudPlaceholder(const std::string& path) const = 0;
+
+    // Hides a file from listings where the system has such a flag; without it nothing happens.
+    virtual void markHidden(const std::string& path) const = 0;
+
+    // `handler` runs on a thread of the platform for every volume that comes or goes.
+    [[nodiscard]] virtual std::unique_ptr<MountSubscription>
+    subscribeToMounts(std::function<void(MountEvent)> handler) const = 0;
+};
+
+// The platform of this system. `home` replaces the user's home for the whole run (support folder and settings
+// below it, no XDG variables); empty for the real one.
+std::unique_ptr<Platform> makePlatform(const std::string& home);
+
+} // namespace corvane::platform

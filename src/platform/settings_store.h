@@ -1,0 +1,43 @@
+// The settings of the user: named values in one file that a person can read (JSON, UTF-8, indented), written
+// atomically at every change. A file that isn't there, or isn't such a file, counts as empty; a value of
+// another type than asked for counts as absent. A damaged file is kept beside the new one as "<name>.damaged".
+//
+// Single-threaded: it belongs to the main thread. Values of keys that this version doesn't know are kept.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/file_layer.h"
+
+namespace corvane::platform {
+
+class SettingsStore {
+  public:
+    SettingsStore(std::string path, FileLayer& files = posixFileLayer());
+    SettingsStore(SettingsStore&&) noexcept;
+    ~SettingsStore();
+
+    [[nodiscard]] std::optional<std::string> text(const std::string& key) const;
+    [[nodiscard]] std::optional<std::vector<std::string>> textList(const std::string& key) const;
+    [[nodiscard]] std::optional<std::map<std::string, std::string>> textMap(const std::string& key) const;
+
+    void setText(const std::string& key, const std::string& value);
+    void setTextList(const std::string& key, const std::vector<std::string>& value);
+    void setTextMap(const std::string& key, const std::map<std::string, std::string>& value);
+    void remove(const std::string& key);
+
+  private:
+    struct Document;
+
+    void save();
+
+    std::string path_;
+    FileLayer& files_;
+    std::unique_ptr<Document> document_;
+};
+
+} // namespace corvane::platform
