@@ -1,0 +1,115 @@
+// What an archive holds and how a run of the archiver reports.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "records/mail_message_record.h"
+
+namespace corvane {
+
+// One row of archive-index.json, one .eml in an archive.
+struct ArchivedEmailRecord {
+    SharedText id; // stable id, with "#v" and a number for each of several differing copies
+    std::optional<SharedText> messageIdentifier;
+    std::optional<std::vector<SharedText>> referencedMessageIdentifiers;
+    SharedText subject;
+    SharedText sender;
+    SharedText recipients;
+    std::optional<SharedText> ccRecipients;
+    std::optional<Date> date;
+    SharedText mailbox;
+    std::optional<SharedText> accountIdentifier;
+    std::optional<SharedText> accountName;
+    std::int64_t sizeBytes = 0;
+    std::vector<SharedText> attachmentNames;
+    SharedText emlRelativePath;
+    Date archivedAt{};
+    std::int64_t sourceCopyCount = 0;
+    bool sourceCopiesIdentical = false;
+
+    friend bool operator==(const ArchivedEmailRecord&, const ArchivedEmailRecord&) = default;
+};
+
+struct ArchivedEntry {
+    ArchivedEmailRecord record;
+    SharedText locationRootPath;
+
+    // Root, U+0001 and record id: unique over all archives, and never split again.
+    [[nodiscard]] std::string id() const;
+
+    friend bool operator==(const ArchivedEntry&, const ArchivedEntry&) = default;
+};
+
+using SharedEntryList = std::shared_ptr<const std::vector<ArchivedEntry>>;
+
+struct EmailArchiveIndex {
+    Date createdAt{};
+    Date updatedAt{};
+    std::vector<ArchivedEmailRecord> records;
+
+    // Both dates of the moment of the first use, no records.
+    static const EmailArchiveIndex& empty();
+
+    friend bool operator==(const EmailArchiveIndex&, const EmailArchiveIndex&) = default;
+};
+
+struct ArchiveLocation {
+    enum class Kind { cloud, removable, local };
+
+    std::string rootPath;
+    std::string displayName;
+    Kind kind = Kind::local;
+    bool isConnected = false;
+    std::int64_t count = 0;
+
+    [[nodiscard]] const std::string& id() const { return rootPath; }
+
+    // The symbol's name on the screens.
+    [[nodiscard]] const char* symbol() const;
+
+    friend bool operator==(const ArchiveLocation&, const ArchiveLocation&) = default;
+};
+
+struct EmailArchiveProgress {
+    std::int64_t completed = 0;
+    std::int64_t total = 0;
+    std::optional<std::string> currentSubject;
+    std::string statusText;
+
+    // 0 for an empty run; not clamped.
+    [[nodiscard]] double fraction() const {
+        return total < 1 ? 0.0 : static_cast<double>(completed) / static_cast<double>(total);
+    }
+
+    friend bool operator==(const EmailArchiveProgress&, const EmailArchiveProgress&) = default;
+};
+
+struct EmailArchiveFailure {
+    Uuid id;
+    std::string subject;
+    FileURL messageFileURL;
+    std::string reason; // for the user
+
+    friend bool operator==(const EmailArchiveFailure&, const EmailArchiveFailure&) = default;
+};
+
+struct EmailArchiveRunResult {
+    std::int64_t archivedCount = 0;
+    std::int64_t skippedAlreadyArchived = 0;
+    std::int64_t failedCount = 0;
+    std::int64_t archivedBytes = 0;
+    FileURL indexURL;
+    bool wasCancelled = false;
+    std::vector<std::string> variantWarnings;
+    std::vector<EmailArchiveFailure> failures;
+
+    // A run that was only cancelled has none.
+    [[nodiscard]] bool hasIssues() const { return failedCount > 0 || !variantWarnings.empty(); }
+};
+
+enum class ArchivedOriginalPresenceStatus { unknown, present, missing };
+
+} // namespace corvane
