@@ -11,7 +11,9 @@ constexpr std::string_view scheme = "file://";
 
 } // namespace
 
-std::string_view FileURL::lastPathComponent() const { return platform::lastPathComponent(path_); }
+std::string_view FileURL::lastPathComponent() const {
+    return platform::lastPathComponent(path_);
+}
 
 std::string FileURL::absoluteString() const {
     return std::string(scheme) + text::percentEncodedPath(path_);

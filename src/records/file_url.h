@@ -13,7 +13,8 @@ class FileURL {
   public:
     FileURL() = default;
 
-    explicit FileURL(SharedText path) : path_(std::move(path)) {}
+    explicit FileURL(SharedText path)
+      : path_(std::move(path)) {}
 
     // The decoded file-system path. Two URLs are equal when these are.
     [[nodiscard]] const SharedText& path() const { return path_; }

@@ -5,8 +5,8 @@
 //     };
 //
 // Reading is strict: every field that isn't std::optional must be present with the right type; null reads as
-// absent; an unknown key is ignored; of a repeated key the last one counts. An empty optional is left out when
-// writing. The order of the table is the order of the keys, unless the writer is told to sort them.
+// absent; an unknown key is ignored; of a repeated key the last one counts. An empty optional is left out
+// when writing. The order of the table is the order of the keys, unless the writer is told to sort them.
 #pragma once
 
 #include <stdexcept>
@@ -26,13 +26,13 @@ enum class TextSharing { own, repeated };
 template <class Record, class Member>
 struct JsonField {
     std::string_view name;
-    Member Record::*member;
+    Member Record::* member;
     // `repeated` marks texts that recur in most records: a reader gives equal ones the same characters.
     TextSharing sharing = TextSharing::own;
 };
 
 template <class Record, class Member>
-constexpr JsonField<Record, Member> jsonField(std::string_view name, Member Record::*member,
+constexpr JsonField<Record, Member> jsonField(std::string_view name, Member Record::* member,
                                               TextSharing sharing = TextSharing::own) {
     return {name, member, sharing};
 }

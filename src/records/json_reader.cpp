@@ -4,11 +4,13 @@
 
 namespace corvane {
 
-simdjson::ondemand::document JsonReader::begin(std::string_view json) {
-    buffer_.reserve(json.size() + simdjson::SIMDJSON_PADDING);
-    buffer_.assign(json);
+simdjson::ondemand::document JsonReader::begin(std::string_view before, std::string_view json,
+                                               std::string_view after) {
+    buffer_.clear();
+    buffer_.reserve(before.size() + json.size() + after.size() + simdjson::SIMDJSON_PADDING);
+    buffer_.append(before).append(json).append(after);
     simdjson::ondemand::document document;
-    require(parser_.iterate(simdjson::padded_string_view(buffer_.data(), json.size(), buffer_.capacity()))
+    require(parser_.iterate(simdjson::padded_string_view(buffer_.data(), buffer_.size(), buffer_.capacity()))
                 .get(document));
     return document;
 }
@@ -20,10 +22,14 @@ JsonReader::Value JsonReader::rootValue(simdjson::ondemand::document& document) 
 }
 
 void JsonReader::requireEnd(simdjson::ondemand::document& document) {
-    if (!document.at_end()) fail("content behind the end");
+    // There is a location only while tokens are left.
+    const char* location = nullptr;
+    if (document.current_location().get(location) == simdjson::SUCCESS) fail("content behind the end");
 }
 
-void JsonReader::fail(std::string_view what) { throw JsonError(fmt::format("JSON: {}", what)); }
+void JsonReader::fail(std::string_view what) {
+    throw JsonError(fmt::format("JSON: {}", what));
+}
 
 void JsonReader::require(simdjson::error_code error) {
     if (error != simdjson::SUCCESS) fail(simdjson::error_message(error));

@@ -24,17 +24,28 @@ class JsonReader {
   public:
     template <class Record>
     Record read(std::string_view json) {
-        simdjson::ondemand::document document = begin(json);
+        simdjson::ondemand::document document = begin({}, json, {});
         simdjson::ondemand::value root = rootValue(document);
         Record record = readValue<Record>(root, TextSharing::own);
         requireEnd(document);
         return record;
     }
 
+    // The elements of an array whose text comes without its brackets.
+    template <class T>
+    std::vector<T> readElements(std::string_view elements, TextSharing sharing = TextSharing::own) {
+        simdjson::ondemand::document document = begin("[", elements, "]");
+        simdjson::ondemand::value root = rootValue(document);
+        auto list = readValue<std::vector<T>>(root, sharing);
+        requireEnd(document);
+        return list;
+    }
+
   private:
     using Value = simdjson::ondemand::value;
 
-    simdjson::ondemand::document begin(std::string_view json);
+    simdjson::ondemand::document begin(std::string_view before, std::string_view json,
+                                       std::string_view after);
     static Value rootValue(simdjson::ondemand::document& document);
     static void requireEnd(simdjson::ondemand::document& document);
     [[noreturn]] static void fail(std::string_view what);
@@ -53,7 +64,8 @@ class JsonReader {
     template <class Record>
     Record readObject(Value& value);
     template <class Record>
-    bool readField(Record& record, std::string_view key, std::size_t& hint, std::uint64_t& seen, Value& value);
+    bool readField(Record& record, std::string_view key, std::size_t& hint, std::uint64_t& seen,
+                   Value& value);
     template <class Record, std::size_t... Index>
     static void requireFields(std::uint64_t seen, std::index_sequence<Index...> indices);
 

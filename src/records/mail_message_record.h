@@ -73,7 +73,9 @@ struct MailMessageRecord {
 
     [[nodiscard]] bool hasDuplicateMessageFiles() const { return duplicateMessageFileCount() >= 2; }
 
-    [[nodiscard]] bool hasMailVisibilityHints() const { return importedMailbox() || hasDuplicateMessageFiles(); }
+    [[nodiscard]] bool hasMailVisibilityHints() const {
+        return importedMailbox() || hasDuplicateMessageFiles();
+    }
 
     [[nodiscard]] std::string formattedDate() const;
     [[nodiscard]] std::string ageText() const;

@@ -30,7 +30,9 @@ constexpr std::string_view rawValue(MailSortMode mode) {
     return mode == MailSortMode::newest ? "newest" : "messageSize";
 }
 
-constexpr std::string_view title(MailSortMode mode) { return mode == MailSortMode::newest ? "最新" : "邮件体积"; }
+constexpr std::string_view title(MailSortMode mode) {
+    return mode == MailSortMode::newest ? "最新" : "邮件体积";
+}
 
 constexpr std::string_view rawValue(MigratedFilter filter) {
     constexpr std::array<std::string_view, 3> values = {"all", "notMigrated", "onlyMigrated"};
@@ -42,7 +44,9 @@ constexpr std::string_view title(MigratedFilter filter) {
     return values[static_cast<std::size_t>(filter)];
 }
 
-constexpr std::int64_t minimumBytes(TransferSizePreset preset) { return static_cast<std::int64_t>(preset); }
+constexpr std::int64_t minimumBytes(TransferSizePreset preset) {
+    return static_cast<std::int64_t>(preset);
+}
 
 // Nothing for a number that is no preset.
 constexpr std::optional<TransferSizePreset> sizePreset(std::int64_t bytes) {

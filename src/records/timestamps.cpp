@@ -15,7 +15,8 @@ using std::chrono::seconds;
 using std::chrono::sys_days;
 using std::chrono::sys_seconds;
 
-// std::chrono::year ends at 32767, a mail's date may not; the algorithm is the usual one over eras of 400 years.
+// std::chrono::year ends at 32767, a mail's date may not; the algorithm is the usual one over eras of 400
+// years.
 struct CivilDate {
     std::int64_t year;
     unsigned month;
@@ -39,8 +40,8 @@ std::int64_t daysFromCivil(std::int64_t year, unsigned month, unsigned day) {
     const std::int64_t era = (year >= 0 ? year : year - 399) / 400;
     const auto yearOfEra = static_cast<unsigned>(year - era * 400);
     const unsigned dayOfYear = (153 * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
-    return era * 146097 + static_cast<std::int64_t>(yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear) -
-           719468;
+    return era * 146097 +
+           static_cast<std::int64_t>(yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear) - 719468;
 }
 
 std::string formatDateTime(sys_seconds date) {
@@ -52,8 +53,8 @@ std::string formatDateTime(sys_seconds date) {
         --dayCount;
     }
     const CivilDate civil = civilFromDays(dayCount);
-    const auto format = civil.year > 9999 ? "{:+}-{:02}-{:02}T{:02}:{:02}:{:02}"
-                                          : "{:04}-{:02}-{:02}T{:02}:{:02}:{:02}";
+    const auto format =
+        civil.year > 9999 ? "{:+}-{:02}-{:02}T{:02}:{:02}:{:02}" : "{:04}-{:02}-{:02}T{:02}:{:02}:{:02}";
     return fmt::format(fmt::runtime(format), civil.year, civil.month, civil.day, rest / 3600, rest / 60 % 60,
                        rest % 60);
 }
@@ -101,7 +102,9 @@ std::tm localTime(sys_seconds date) {
 
 } // namespace
 
-std::string formatTimestamp(sys_seconds date) { return formatDateTime(date) + "Z"; }
+std::string formatTimestamp(sys_seconds date) {
+    return formatDateTime(date) + "Z";
+}
 
 std::string formatTimestampWithMilliseconds(std::chrono::system_clock::time_point moment) {
     const auto milliseconds = std::chrono::floor<std::chrono::milliseconds>(moment);
@@ -125,16 +128,22 @@ std::optional<sys_seconds> parseTimestamp(std::string_view text) {
     if (!second || text != "Z") return std::nullopt;
     if (*month < 1 || *month > 12 || *day < 1 || *day > daysInMonth(*year, *month)) return std::nullopt;
     if (*hour > 23 || *minute > 59 || *second > 60) return std::nullopt;
-    return sys_seconds(seconds(daysFromCivil(*year, *month, *day) * 86400 + *hour * 3600 + *minute * 60 + *second));
+    return sys_seconds(
+        seconds(daysFromCivil(*year, *month, *day) * 86400 + *hour * 3600 + *minute * 60 + *second));
 }
 
-sys_seconds currentTimestamp() { return std::chrono::floor<seconds>(std::chrono::system_clock::now()); }
+sys_seconds currentTimestamp() {
+    return std::chrono::floor<seconds>(std::chrono::system_clock::now());
+}
 
-std::int64_t localYear(sys_seconds date) { return std::int64_t{localTime(date).tm_year} + 1900; }
+std::int64_t localYear(sys_seconds date) {
+    return std::int64_t{localTime(date).tm_year} + 1900;
+}
 
 std::string localDay(sys_seconds date) {
     const std::tm parts = localTime(date);
-    return fmt::format("{:04}-{:02}-{:02}", std::int64_t{parts.tm_year} + 1900, parts.tm_mon + 1, parts.tm_mday);
+    return fmt::format("{:04}-{:02}-{:02}", std::int64_t{parts.tm_year} + 1900, parts.tm_mon + 1,
+                       parts.tm_mday);
 }
 
 } // namespace corvane

@@ -8,7 +8,8 @@
 
 namespace corvane {
 
-// "2024-01-31T08:15:00Z" (ISO 8601, whole seconds). Years beyond 9999 get a sign and as many digits as needed.
+// "2024-01-31T08:15:00Z" (ISO 8601, whole seconds). Years beyond 9999 get a sign and as many digits as
+// needed.
 std::string formatTimestamp(std::chrono::sys_seconds date);
 
 // Nothing for any other form; a fraction of a second doesn't read.

@@ -1,0 +1,37 @@
+#include "records/account_cache_store.h"
+
+#include "records/cache_file.h"
+#include "records/record_forms.h"
+
+namespace corvane {
+
+template <>
+struct JsonForm<MailAccountCache> {
+    using R = MailAccountCache;
+    static constexpr auto fields =
+        std::tuple{jsonField("cachedAt", &R::cachedAt), jsonField("mailRootPath", &R::mailRootPath),
+                   jsonField("accounts", &R::accounts)};
+};
+
+namespace {
+
+constexpr std::string_view fileName = "mail-account-cache.json";
+
+} // namespace
+
+std::optional<std::vector<MailAccount>> MailAccountCacheStore::load(const std::string& mailRootPath) const {
+    auto cache = readRecordFile<MailAccountCache>(support_.filePath(fileName));
+    if (!cache || cache->mailRootPath != mailRootPath) return std::nullopt;
+    return std::move(cache->accounts);
+}
+
+void MailAccountCacheStore::save(const std::string& mailRootPath,
+                                 const std::vector<MailAccount>& accounts) const {
+    try {
+        support_.writeFile(fileName,
+                           encodeJson(MailAccountCache{currentTimestamp(), mailRootPath, accounts}));
+    } catch (const std::system_error&) { // a later start is slower, no more
+    }
+}
+
+} // namespace corvane

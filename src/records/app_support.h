@@ -1,0 +1,37 @@
+// The application's private folder: caches, search databases and logs. Nothing in it is a source of truth,
+// every file may be deleted at any time. A value; all operations from any thread.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/file_layer.h"
+#include "platform/platform.h"
+
+namespace corvane {
+
+class CorvaneAppSupport {
+  public:
+    explicit CorvaneAppSupport(const platform::Platform& platform,
+                               platform::FileLayer& files = platform::posixFileLayer());
+
+    // Path of the folder. Writers ask for its creation; throws std::system_error when that fails.
+    std::string baseDirectory(bool createDirectory) const;
+
+    // Path of a file directly in the folder, which need not exist.
+    [[nodiscard]] std::string filePath(std::string_view name) const;
+
+    // Creates the folder and writes the file atomically; throws std::system_error.
+    void writeFile(std::string_view name, std::string_view content) const;
+
+    [[nodiscard]] platform::FileLayer& files() const { return *files_; }
+
+    // True when a test bundle runs in this process: the folder then lies in the temporary directory.
+    static bool isRunningTests();
+
+  private:
+    std::string base_;
+    platform::FileLayer* files_;
+};
+
+} // namespace corvane

@@ -1,0 +1,24 @@
+#include "records/archive_index_file.h"
+
+#include "records/cache_file.h"
+#include "records/record_forms.h"
+
+namespace corvane {
+
+std::optional<EmailArchiveIndex> readArchiveIndex(const std::string& path) {
+    return readRecordFileIfUsable<EmailArchiveIndex>(path);
+}
+
+std::optional<EmailArchiveIndex> decodeArchiveIndex(std::string_view json) {
+    try {
+        return JsonReader().read<EmailArchiveIndex>(json);
+    } catch (const JsonError&) {
+        return std::nullopt;
+    }
+}
+
+std::string encodeArchiveIndex(const EmailArchiveIndex& index) {
+    return encodePrettyJson(index);
+}
+
+} // namespace corvane

@@ -1,0 +1,77 @@
+#include "records/performance_log.h"
+
+#include <chrono>
+#include <system_error>
+
+#include <fmt/format.h>
+
+#include "records/append_line.h"
+#include "records/console_log.h"
+#include "records/timestamps.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr std::string_view fileName = "performance.log";
+
+void appendMark(const CorvaneAppSupport& support, const std::string& line) {
+    try {
+        support.baseDirectory(true);
+        if (appendLine(support.filePath(fileName), line, MissingFile::create)) return;
+    } catch (const std::system_error&) { // told below
+    }
+    systemLogLine("[CorvanePerf] " + line);
+}
+
+void emptyLog(const CorvaneAppSupport& support) {
+    try {
+        support.writeFile(fileName, "");
+    } catch (const std::system_error& error) {
+        systemLogLine(fmt::format("[CorvanePerf] reset failed: {}", error.what()));
+    }
+}
+
+} // namespace
+
+MailPerformanceLog::MailPerformanceLog(CorvaneAppSupport support)
+  : support_(std::move(support))
+  , thread_([this](const std::stop_token& stop) { run(stop); }) {}
+
+MailPerformanceLog::~MailPerformanceLog() {
+    thread_.request_stop();
+    thread_.join();
+}
+
+void MailPerformanceLog::mark(std::string_view message) {
+    enqueue(
+        [this, line = fmt::format("{} {}", formatTimestampWithMilliseconds(std::chrono::system_clock::now()),
+                                  message)] { appendMark(support_, line); });
+}
+
+void MailPerformanceLog::reset() {
+    enqueue([this] { emptyLog(support_); });
+}
+
+void MailPerformanceLog::enqueue(std::function<void()> job) {
+    {
+        const std::scoped_lock lock(mutex_);
+        jobs_.push_back(std::move(job));
+    }
+    wake_.notify_one();
+}
+
+void MailPerformanceLog::run(const std::stop_token& stop) {
+    std::unique_lock lock(mutex_);
+    while (true) {
+        wake_.wait(lock, stop, [this] { return !jobs_.empty(); });
+        if (jobs_.empty()) return;
+        const auto job = std::move(jobs_.front());
+        jobs_.pop_front();
+        lock.unlock();
+        job();
+        lock.lock();
+    }
+}
+
+} // namespace corvane

@@ -1,0 +1,38 @@
+#include "records/presence_cache_store.h"
+
+#include "records/cache_file.h"
+#include "records/record_forms.h"
+
+namespace corvane {
+
+template <>
+struct JsonForm<ArchivedOriginalPresenceCache> {
+    using R = ArchivedOriginalPresenceCache;
+    static constexpr auto fields =
+        std::tuple{jsonField("cachedAt", &R::cachedAt), jsonField("signature", &R::signature),
+                   jsonField("statusesByEntryID", &R::statusesByEntryID)};
+};
+
+namespace {
+
+constexpr std::string_view fileName = "archived-original-presence-cache.json";
+
+} // namespace
+
+std::optional<PresenceByEntryID>
+ArchivedOriginalPresenceCacheStore::load(const std::string& signature) const {
+    auto cache = readRecordFile<ArchivedOriginalPresenceCache>(support_.filePath(fileName));
+    if (!cache || cache->signature != signature) return std::nullopt;
+    return std::move(cache->statusesByEntryID);
+}
+
+void ArchivedOriginalPresenceCacheStore::save(const std::string& signature,
+                                              const PresenceByEntryID& statuses) const {
+    try {
+        support_.writeFile(
+            fileName, encodeJson(ArchivedOriginalPresenceCache{currentTimestamp(), signature, statuses}));
+    } catch (const std::system_error&) { // the comparison is made again, no more
+    }
+}
+
+} // namespace corvane

@@ -1,0 +1,36 @@
+// "archived-original-presence-cache.json": which originals were still in Mail at the last comparison.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+
+#include "records/app_support.h"
+#include "records/archive_records.h"
+
+namespace corvane {
+
+using PresenceByEntryID = std::map<std::string, ArchivedOriginalPresenceStatus>;
+
+struct ArchivedOriginalPresenceCache {
+    Date cachedAt{};
+    std::string signature;
+    PresenceByEntryID statusesByEntryID;
+};
+
+class ArchivedOriginalPresenceCacheStore {
+  public:
+    explicit ArchivedOriginalPresenceCacheStore(CorvaneAppSupport support)
+      : support_(std::move(support)) {}
+
+    // Nothing when there is no file or its signature differs. Throws std::system_error or JsonError.
+    [[nodiscard]] std::optional<PresenceByEntryID> load(const std::string& signature) const;
+
+    // A failure is ignored.
+    void save(const std::string& signature, const PresenceByEntryID& statuses) const;
+
+  private:
+    CorvaneAppSupport support_;
+};
+
+} // namespace corvane

@@ -1,0 +1,32 @@
+// The JSON forms of the files of a scan.
+#pragma once
+
+#include "records/record_forms.h"
+#include "records/scan_cache_file.h"
+
+namespace corvane {
+
+template <>
+struct JsonForm<MailScanCache> {
+    using R = MailScanCache;
+    static constexpr auto fields =
+        std::tuple{jsonField("scannedAt", &R::scannedAt),
+                   jsonField("summary", &R::summary),
+                   jsonField("messages", &R::messages),
+                   jsonField("locallyAvailableMessageIDs", &R::locallyAvailableMessageIDs),
+                   jsonField("localYearStats", &R::localYearStats),
+                   jsonField("localAccountYearStats", &R::localAccountYearStats)};
+};
+
+template <>
+struct JsonForm<MailHomeSnapshot> {
+    using R = MailHomeSnapshot;
+    static constexpr auto fields = std::tuple{jsonField("scannedAt", &R::scannedAt),
+                                              jsonField("summary", &R::summary),
+                                              jsonField("localMessageCount", &R::localMessageCount),
+                                              jsonField("localMessageBytes", &R::localMessageBytes),
+                                              jsonField("localYearStats", &R::localYearStats),
+                                              jsonField("localAccountYearStats", &R::localAccountYearStats)};
+};
+
+} // namespace corvane

@@ -1,0 +1,69 @@
+#include "records/scan_cache_store.h"
+
+#include <system_error>
+
+#include "records/cache_file.h"
+#include "records/scan_cache_forms.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr std::string_view cacheFileName = "last-scan-cache.json";
+constexpr std::string_view snapshotFileName = "home-scan-snapshot.json";
+
+std::vector<SharedText> availableIDs(const std::vector<MailMessageRecord>& messages) {
+    std::vector<SharedText> ids;
+    for (const MailMessageRecord& message : messages) {
+        if (message.isLocallyAvailable()) ids.push_back(message.id);
+    }
+    return ids;
+}
+
+} // namespace
+
+void MailScanCacheStore::save(const std::vector<MailMessageRecord>& messages, const MailScanSummary& summary,
+                              const std::vector<SharedText>* locallyAvailableMessageIDs,
+                              const std::vector<YearStat>* localYearStats,
+                              const std::vector<AccountYearStatGroup>* localAccountYearStats) const {
+    std::vector<SharedText> found;
+    if (locallyAvailableMessageIDs == nullptr) {
+        found = availableIDs(messages);
+        locallyAvailableMessageIDs = &found;
+    }
+    const ScanCacheContent content{currentTimestamp(),         &summary,       &messages,
+                                   locallyAvailableMessageIDs, localYearStats, localAccountYearStats};
+    support_.baseDirectory(true);
+    const std::string path = support_.filePath(cacheFileName);
+    const auto produce = [&](const platform::ByteSink& sink) { encodeScanCache(content, sink); };
+    if (const auto error = platform::writeFileAtomically(support_.files(), path, produce)) {
+        throw std::system_error(error, path);
+    }
+    if (localYearStats != nullptr && localAccountYearStats != nullptr) {
+        saveHomeSnapshot(content.scannedAt, summary, *localYearStats, *localAccountYearStats);
+    }
+}
+
+void MailScanCacheStore::saveHomeSnapshot(
+    Date scannedAt, const MailScanSummary& summary, const std::vector<YearStat>& localYearStats,
+    const std::vector<AccountYearStatGroup>& localAccountYearStats) const {
+    MailHomeSnapshot snapshot{scannedAt, summary, 0, 0, localYearStats, localAccountYearStats};
+    for (const YearStat& stat : localYearStats) {
+        snapshot.localMessageCount += stat.messageCount;
+        snapshot.localMessageBytes += stat.messageBytes;
+    }
+    try {
+        support_.writeFile(snapshotFileName, encodeJson(snapshot));
+    } catch (const std::system_error&) { // the next start reads the scan cache instead
+    }
+}
+
+std::optional<MailScanCache> MailScanCacheStore::load() const {
+    return readScanCacheFile(support_.filePath(cacheFileName));
+}
+
+std::optional<MailHomeSnapshot> MailScanCacheStore::loadHomeSnapshot() const {
+    return readRecordFileIfUsable<MailHomeSnapshot>(support_.filePath(snapshotFileName));
+}
+
+} // namespace corvane

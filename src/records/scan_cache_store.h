@@ -1,0 +1,40 @@
+// "last-scan-cache.json" and "home-scan-snapshot.json" in the support folder. Large work: background only.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "records/app_support.h"
+#include "records/scan_cache_file.h"
+
+namespace corvane {
+
+class MailScanCacheStore {
+  public:
+    explicit MailScanCacheStore(CorvaneAppSupport support)
+      : support_(std::move(support)) {}
+
+    // Writes the scan cache and, when both lists of statistics are given, the home snapshot. Without
+    // available ids every message is looked for on the disk. Throws std::system_error when the scan cache
+    // can't be written; a failure of the snapshot isn't reported.
+    void save(const std::vector<MailMessageRecord>& messages, const MailScanSummary& summary,
+              const std::vector<SharedText>* locallyAvailableMessageIDs,
+              const std::vector<YearStat>* localYearStats,
+              const std::vector<AccountYearStatGroup>* localAccountYearStats) const;
+
+    // Writes only the snapshot of the given moment; a failure isn't reported.
+    void saveHomeSnapshot(Date scannedAt, const MailScanSummary& summary,
+                          const std::vector<YearStat>& localYearStats,
+                          const std::vector<AccountYearStatGroup>& localAccountYearStats) const;
+
+    // Nothing when there is no file. Throws std::system_error or JsonError.
+    [[nodiscard]] std::optional<MailScanCache> load() const;
+
+    // Nothing when there is no usable file.
+    [[nodiscard]] std::optional<MailHomeSnapshot> loadHomeSnapshot() const;
+
+  private:
+    CorvaneAppSupport support_;
+};
+
+} // namespace corvane

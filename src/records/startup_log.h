@@ -1,0 +1,28 @@
+// "archive-library-startup.log": the path from launch to the library. The file is emptied at each launch; a
+// mark never creates it. Marks do their file work on the calling thread and are few.
+#pragma once
+
+#include <string_view>
+
+#include "records/app_support.h"
+#include "records/performance_log.h"
+
+namespace corvane {
+
+class ArchiveLibraryStartupLog {
+  public:
+    ArchiveLibraryStartupLog(CorvaneAppSupport support, MailPerformanceLog& performanceLog)
+      : support_(std::move(support))
+      , performanceLog_(performanceLog) {}
+
+    void mark(std::string_view message) const;
+
+    // Writes the file empty: called once, at launch.
+    void reset() const;
+
+  private:
+    CorvaneAppSupport support_;
+    MailPerformanceLog& performanceLog_;
+};
+
+} // namespace corvane
