@@ -15,7 +15,7 @@
 namespace corvane::platform {
 
 struct ChildProcessOptions {
-    std::string executable;             // absolute path, no search
+    std::string executable; // absolute path, no search
     std::vector<std::string> arguments; // without the program's name
     // Descriptors of this process that become the child's 0, 1 and 2; -1 is /dev/null.
     int standardInput = -1;
@@ -41,7 +41,7 @@ class ChildProcess {
 
     [[nodiscard]] bool isRunning();
     void terminate() noexcept; // SIGTERM
-    void kill() noexcept;      // SIGKILL
+    void kill() noexcept; // SIGKILL
 
     // SIGTERM, a short grace, SIGKILL, and the wait for the end.
     void terminateAndWait();

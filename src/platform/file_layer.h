@@ -27,8 +27,8 @@ class FileLayer {
     // The strongest flush that the system has, down to the medium.
     virtual int fullSync(int descriptor) = 0;
 
-    // Makes the next reads of the descriptor come from the storage and not from the cache of the write, as
-    // far as the system can: the file's pages are dropped after they are clean. Failure is not an error.
+    // Makes the next reads of the descriptor come from the storage and not from the cache of the write, as far
+    // as the system can: the file's pages are dropped after they are clean. Failure is not an error.
     virtual void bypassCache(int descriptor) = 0;
 
     virtual int stat(const std::string& path, struct stat& result) = 0;

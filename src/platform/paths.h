@@ -26,8 +26,8 @@ std::string_view withoutExtension(std::string_view path) noexcept;
 // trailing slash. Links aren't resolved.
 std::string standardizedPath(std::string_view path);
 
-// Whether a relative path from an untrusted source stays below its root: not empty, not absolute, without
-// NUL, and never leaving by "..".
+// Whether a relative path from an untrusted source stays below its root: not empty, not absolute, without NUL,
+// and never leaving by "..".
 bool isSafeRelativePath(std::string_view path) noexcept;
 
 } // namespace corvane::platform

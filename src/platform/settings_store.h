@@ -1,7 +1,6 @@
 // The settings of the user: named values in one file that a person can read (JSON, UTF-8, indented), written
 // atomically at every change. A file that isn't there, or isn't such a file, counts as empty; a value of
-// another type than asked for counts as absent. A damaged file is kept beside the new one as
-// "<name>.damaged".
+// another type than asked for counts as absent. A damaged file is kept beside the new one as "<name>.damaged".
 //
 // Single-threaded: it belongs to the main thread. Values of keys that this version doesn't know are kept.
 #pragma once
