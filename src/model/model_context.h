@@ -1,0 +1,28 @@
+// What every component of the model is built on. Made once by the entry of the program; outlives the model.
+// Components take it by reference and keep the reference.
+#pragma once
+
+#include <string>
+
+#include "model/task_runner.h"
+#include "platform/platform.h"
+#include "platform/settings_store.h"
+#include "records/app_support.h"
+#include "records/performance_log.h"
+#include "records/startup_log.h"
+
+namespace corvane {
+
+struct ModelContext {
+    explicit ModelContext(const platform::Platform& system);
+
+    const platform::Platform& platform;
+    CorvaneAppSupport support;
+    MailPerformanceLog performanceLog;
+    ArchiveLibraryStartupLog startupLog;
+    platform::SettingsStore settings; // main thread only
+    std::string mailRootPath; // "Library/Mail" of the user's real home
+    TaskRunner tasks;
+};
+
+} // namespace corvane
