@@ -1,4 +1,5 @@
-// Bytes to text and back. Text is UTF-8 in std::string. Thread-safe; nothing here throws but bad_alloc.
+// Bytes to text and back. Text is UTF-8 in std::string. Thread-safe; nothing here throws but bad_alloc, and
+// UnicodeError on a system whose ICU lacks its data.
 #pragma once
 
 #include <optional>

@@ -1,5 +1,6 @@
 // Reading and writing points in time by Unicode date patterns (UTS #35) in the Gregorian calendar. The time
-// zone is the one of the process (TZ), unless the text names its own. Thread-safe.
+// zone is the one that the process had (TZ, else the system's) when the pattern was made, unless the text
+// names its own. Making one costs some 50 microseconds, a use 5. Thread-safe.
 #pragma once
 
 #include <chrono>
@@ -18,8 +19,9 @@ class DatePattern {
     DatePattern& operator=(DatePattern&&) noexcept;
     ~DatePattern();
 
-    // The pattern must take the whole text, and "yyyy" takes exactly four digits. A time without a zone is
-    // local time.
+    // The pattern must take the whole text, with ASCII digits and blanks. "yyyy" takes exactly four digits,
+    // and "yy" two, for the years 1950 to 2049 (RFC 5322 section 4.3). No field rolls over: there is no
+    // February 30. A weekday that is not that of the date is let pass. A time without a zone is local time.
     [[nodiscard]] std::optional<std::chrono::sys_seconds> parse(std::string_view text) const;
 
     [[nodiscard]] std::string format(std::chrono::sys_seconds date) const;

@@ -15,7 +15,8 @@ std::optional<std::string> percentDecoded(std::string_view text);
 // Encodes every byte but the unreserved and sub-delimiter characters, ':', '@' and '/'; ';' is encoded too.
 std::string percentEncodedPath(std::string_view path);
 
-// RFC 4648 section 4, strict: the alphabet, right padding, nothing else.
+// RFC 4648 section 4, strict: the alphabet, right padding, nothing else. Bits that padding leaves over in the
+// last digit may be set, as some mail programs do.
 std::optional<std::string> base64Decoded(std::string_view text);
 std::string base64Encoded(std::string_view bytes);
 

@@ -1,5 +1,6 @@
 // Regular expressions of ICU syntax over UTF-8. A pattern is compiled once and may be used from many threads
-// at a time. Matching has a step limit, so that a hostile text costs bounded time: past it there is no match.
+// at a time. Matching has a step limit that grows with the text, so that a hostile text costs bounded time:
+// past it, or past ICU's limit of 8 MB for backtracking, there is no further match.
 #pragma once
 
 #include <cstddef>
@@ -40,7 +41,9 @@ class Regex {
     [[nodiscard]] std::optional<RegexMatch> firstMatch(std::string_view text) const;
     [[nodiscard]] std::vector<RegexMatch> allMatches(std::string_view text) const;
 
-    // ICU replacement syntax: $1, and backslash to escape.
+    // In the replacement $1 stands for a group, and a backslash takes the meaning from the character behind
+    // it. What is not matched is copied byte by byte. Throws std::invalid_argument for a group that isn't
+    // there.
     [[nodiscard]] std::string replacingAll(std::string_view text, std::string_view replacement) const;
 
     // The text with every character that has a meaning in a pattern escaped.

@@ -1,0 +1,72 @@
+#include "text/case.h"
+
+#include <algorithm>
+#include <string.h>
+
+#include <unicode/bytestream.h>
+#include <unicode/casemap.h>
+
+#include "text/ascii.h"
+#include "text/charset.h"
+#include "text/icu_text.h"
+
+namespace corvane::text {
+
+namespace {
+
+std::string caseFolded(std::string_view text) {
+    if (isAscii(text)) return asciiLowercased(text);
+    std::string folded;
+    folded.reserve(text.size());
+    icu::StringByteSink<std::string> sink(&folded);
+    UErrorCode status = U_ZERO_ERROR;
+    icu::CaseMap::utf8Fold(U_FOLD_CASE_DEFAULT, icuPiece(text), sink, nullptr, status);
+    requireSuccess(status, "CaseMap::utf8Fold");
+    return folded;
+}
+
+bool asciiEqualsIgnoringCase(std::string_view a, std::string_view b) {
+    return std::ranges::equal(a, b, {}, asciiLower, asciiLower);
+}
+
+} // namespace
+
+std::string asciiLowercased(std::string_view text) {
+    std::string result(text);
+    std::ranges::transform(result, result.begin(), asciiLower);
+    return result;
+}
+
+std::string asciiUppercased(std::string_view text) {
+    std::string result(text);
+    for (char& character : result)
+        if (character >= 'a' && character <= 'z') character = static_cast<char>(character & ~0x20);
+    return result;
+}
+
+std::string lowercased(std::string_view text) {
+    if (isAscii(text)) return asciiLowercased(text);
+    // ICU passes ill-formed bytes on.
+    if (!isValidUtf8(text)) return lowercased(repairedUtf8(text));
+    std::string lower;
+    lower.reserve(text.size());
+    icu::StringByteSink<std::string> sink(&lower);
+    UErrorCode status = U_ZERO_ERROR;
+    icu::CaseMap::utf8ToLower("", 0, icuPiece(text), sink, nullptr, status);
+    requireSuccess(status, "CaseMap::utf8ToLower");
+    return lower;
+}
+
+bool equalsIgnoringCase(std::string_view a, std::string_view b) {
+    if (isAscii(a) && isAscii(b)) return asciiEqualsIgnoringCase(a, b);
+    return caseFolded(a) == caseFolded(b);
+}
+
+bool containsIgnoringCase(std::string_view text, std::string_view part) {
+    const std::string foldedText = caseFolded(text);
+    const std::string foldedPart = caseFolded(part);
+    // Two-way search: std::string::find takes quadratic time on repetitive text.
+    return memmem(foldedText.data(), foldedText.size(), foldedPart.data(), foldedPart.size()) != nullptr;
+}
+
+} // namespace corvane::text

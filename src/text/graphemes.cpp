@@ -1,0 +1,78 @@
+#include "text/graphemes.h"
+
+#include <limits>
+#include <memory>
+
+#include <unicode/brkiter.h>
+
+#include "text/ascii.h"
+#include "text/icu_text.h"
+
+namespace corvane::text {
+
+namespace {
+
+std::unique_ptr<icu::BreakIterator> makeClusterBreaks() {
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<icu::BreakIterator> breaks(
+        icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
+    requireSuccess(status, "BreakIterator::createCharacterInstance");
+    return breaks;
+}
+
+struct Prefix {
+    std::size_t clusters = 0;
+    std::size_t bytes = 0;
+};
+
+// The clusters at the start that are surely complete: an ASCII character is one, with CR LF as the exception,
+// unless what follows it might extend it.
+Prefix asciiClusters(std::string_view text, std::size_t maxClusters, std::size_t maxBytes) noexcept {
+    Prefix prefix;
+    while (prefix.clusters < maxClusters && prefix.bytes < text.size()) {
+        const std::size_t length = text.substr(prefix.bytes, 2) == "\r\n" ? 2 : 1;
+        const std::size_t end = prefix.bytes + length;
+        if (end > maxBytes || !isAscii(text.substr(prefix.bytes, length + 1))) break;
+        prefix = {prefix.clusters + 1, end};
+    }
+    return prefix;
+}
+
+// The longest prefix of whole clusters within both limits.
+Prefix clusterPrefix(std::string_view text, std::size_t maxClusters, std::size_t maxBytes) {
+    Prefix prefix = asciiClusters(text, maxClusters, maxBytes);
+    if (prefix.bytes == text.size() || prefix.clusters == maxClusters || prefix.bytes >= maxBytes)
+        return prefix;
+    // Break iterators aren't thread-safe and cost much more to make than to use.
+    thread_local const std::unique_ptr<icu::BreakIterator> breaks = makeClusterBreaks();
+    const std::size_t start = prefix.bytes;
+    Utf8Text rest(text.substr(start));
+    UErrorCode status = U_ZERO_ERROR;
+    breaks->setText(rest.get(), status);
+    requireSuccess(status, "BreakIterator::setText");
+    while (prefix.clusters < maxClusters) {
+        const std::int32_t end = breaks->next();
+        if (end == icu::BreakIterator::DONE || start + static_cast<std::size_t>(end) > maxBytes) break;
+        prefix = {prefix.clusters + 1, start + static_cast<std::size_t>(end)};
+    }
+    return prefix;
+}
+
+constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
+
+} // namespace
+
+std::size_t graphemeCount(std::string_view text) {
+    return clusterPrefix(text, unlimited, unlimited).clusters;
+}
+
+std::string_view graphemePrefix(std::string_view text, std::size_t count) {
+    return text.substr(0, clusterPrefix(text, count, unlimited).bytes);
+}
+
+std::string_view graphemePrefixWithinBytes(std::string_view text, std::size_t bytes) {
+    if (text.size() <= bytes) return text;
+    return text.substr(0, clusterPrefix(text, unlimited, bytes).bytes);
+}
+
+} // namespace corvane::text
