@@ -37,17 +37,19 @@ enum class HiddenEntries { skip, include };
 std::optional<std::vector<DirectoryEntry>> listDirectory(const std::string& path, HiddenEntries hidden,
                                                          std::string* error = nullptr);
 
-// Calls `visit` for the name and the raw d_type of each entry, in the order of the disk and without a copy:
-// for folders of tens of thousands of files. False when the directory can't be opened or read to its end.
+// Calls `visit` for the name and the raw d_type of each entry but "." and "..", in the order of the disk and
+// without a copy: for folders of tens of thousands of files. False when the directory can't be opened or read
+// to its end.
 bool visitDirectory(const std::string& path,
                     const std::function<void(std::string_view name, unsigned char dType)>& visit);
 
-// The whole file; nothing when it can't be opened or read to its end. A file larger than `limit` bytes gives
-// nothing too, before anything is read. `error` takes the reason.
+// The whole content of a regular file; nothing when it isn't one (a FIFO can't hang the call), or can't be
+// opened or read to its end. A file larger than `limit` bytes gives nothing too, before anything is read.
+// `error` takes the reason.
 std::optional<std::string> readFile(const std::string& path, std::int64_t limit = INT64_MAX,
                                     std::string* error = nullptr);
 
-// At most `limit` bytes from the start.
+// At most `limit` bytes from the start of a regular file.
 std::optional<std::string> readFilePrefix(const std::string& path, std::int64_t limit,
                                           std::string* error = nullptr);
 

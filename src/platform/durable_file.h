@@ -13,19 +13,22 @@ namespace corvane::platform {
 // Takes chunks of a file's content in order.
 using ByteSink = std::function<void(std::string_view)>;
 
-// Writes a temporary file in the target's folder, syncs it and renames it over the target. On a failure the
-// target is untouched and the temporary file is gone. Returns the error, or a falsy code.
+// Writes a temporary file in the target's folder, syncs it, renames it over the target and syncs the folder.
+// The new file has the permissions of the old one, 0644 without one. A target that is a symbolic link is
+// itself replaced, not the file that it leads to: the folder may be somebody else's.
+// Returns the error, or a falsy code. On a failure the temporary file is gone and the target is untouched,
+// save for a failed sync of the folder: then the new content is in place but may not outlive a power cut.
 std::error_code writeFileAtomically(FileLayer& files, const std::string& path, std::string_view content);
 
-// The same for content that is produced in chunks; `produce` calls the sink and may throw, which removes the
-// temporary file and passes on.
+// The same for content that is produced in chunks, gathered to 1 MiB. `produce` calls the sink and may throw,
+// which removes the temporary file and passes on. After a failed write the sink drops what it is given.
 std::error_code writeFileAtomically(FileLayer& files, const std::string& path,
                                     const std::function<void(const ByteSink&)>& produce);
 
 // The folder with its missing parents. An existing folder is a success.
 std::error_code createDirectories(FileLayer& files, const std::string& path);
 
-// A name next to `path` that no other process or thread uses.
+// A hidden name next to `path` that no other process or thread uses.
 std::string temporarySiblingPath(const std::string& path);
 
 } // namespace corvane::platform

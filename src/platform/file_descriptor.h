@@ -11,9 +11,11 @@ class FileDescriptor {
   public:
     FileDescriptor() noexcept = default;
 
-    explicit FileDescriptor(int descriptor) noexcept : descriptor_(descriptor) {}
+    explicit FileDescriptor(int descriptor) noexcept
+      : descriptor_(descriptor) {}
 
-    FileDescriptor(FileDescriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+    FileDescriptor(FileDescriptor&& other) noexcept
+      : descriptor_(std::exchange(other.descriptor_, -1)) {}
 
     FileDescriptor& operator=(FileDescriptor&& other) noexcept {
         if (this != &other) reset(std::exchange(other.descriptor_, -1));

@@ -1,10 +1,11 @@
 // The file operations that archiving and saving are made of, behind one interface, so that tests can fail,
 // delay or interrupt any of them. Everything that the program writes outside of SQLite goes through here.
 //
-// Results follow POSIX: -1 and errno for a failure. Implementations are called from several threads at once.
+// Results follow POSIX: -1 and errno for a failure, EINTR and short counts included; a path with a NUL is
+// EINVAL. Nothing throws. Implementations are called from several threads at once.
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <string>
 
 #include <sys/stat.h>
@@ -16,6 +17,7 @@ class FileLayer {
   public:
     virtual ~FileLayer() = default;
 
+    // The descriptor is close-on-exec.
     virtual int open(const std::string& path, int flags, mode_t mode) = 0;
     virtual ssize_t write(int descriptor, const void* bytes, std::size_t count) = 0;
     virtual ssize_t read(int descriptor, void* bytes, std::size_t count) = 0;
@@ -27,8 +29,8 @@ class FileLayer {
     // The strongest flush that the system has, down to the medium.
     virtual int fullSync(int descriptor) = 0;
 
-    // Makes the next reads of the descriptor come from the storage and not from the cache of the write, as far
-    // as the system can: the file's pages are dropped after they are clean. Failure is not an error.
+    // Makes the next reads of the descriptor come from the storage and not from the cache of the write, as
+    // far as the system can: the file's pages are dropped after they are clean. Failure is not an error.
     virtual void bypassCache(int descriptor) = 0;
 
     virtual int stat(const std::string& path, struct stat& result) = 0;

@@ -6,7 +6,7 @@
 
 namespace corvane::platform {
 
-// One '/' between both parts; an absolute or empty part isn't treated specially.
+// One '/' between both; an absolute or empty part isn't treated specially, an empty base adds nothing.
 std::string joinPath(std::string_view base, std::string_view part);
 
 // The text behind the last '/', trailing slashes left out; "/" gives "/".
@@ -19,15 +19,16 @@ std::string_view parentPath(std::string_view path) noexcept;
 // only dot.
 std::string_view pathExtension(std::string_view path) noexcept;
 
-// The path without the extension and its dot.
+// The path without the extension and its dot; unchanged when there is no extension.
 std::string_view withoutExtension(std::string_view path) noexcept;
 
 // "." and ".." and repeated slashes resolved as text, made absolute against the working directory, without a
 // trailing slash. Links aren't resolved.
 std::string standardizedPath(std::string_view path);
 
-// Whether a relative path from an untrusted source stays below its root: not empty, not absolute, without NUL,
-// and never leaving by "..".
+// Whether a relative path from an untrusted source stays below its root: not absolute, without NUL, never
+// leaving by ".." even for a moment, and not naming the root itself ("", ".", "a/.."). Links aren't looked
+// at.
 bool isSafeRelativePath(std::string_view path) noexcept;
 
 } // namespace corvane::platform

@@ -54,8 +54,8 @@ class Platform {
     // The volume that holds a path; nothing when it can't be told.
     [[nodiscard]] virtual std::optional<Volume> volumeOf(const std::string& path) const = 0;
 
-    // Whether a path lies where this system mounts removable media ("/Volumes/", "/media/", "/run/media/"), and
-    // then the path of its mount point. Text only, never blocks.
+    // Whether a path lies where this system mounts removable media ("/Volumes/", "/media/", "/run/media/"),
+    // and then the path of its mount point. Text only, never blocks.
     [[nodiscard]] virtual std::optional<std::string> removableMountPoint(const std::string& path) const = 0;
 
     // Type name as the system spells it ("msdos", "exfat", "apfs", "ext4"); nothing when it can't be told.

@@ -1,8 +1,11 @@
 // The settings of the user: named values in one file that a person can read (JSON, UTF-8, indented), written
 // atomically at every change. A file that isn't there, or isn't such a file, counts as empty; a value of
-// another type than asked for counts as absent. A damaged file is kept beside the new one as "<name>.damaged".
+// another type than asked for counts as absent. A damaged file is kept beside the new one as
+// "<name>.damaged".
 //
-// Single-threaded: it belongs to the main thread. Values of keys that this version doesn't know are kept.
+// Single-threaded: it belongs to the main thread. Values of keys that this version doesn't know are kept, and
+// so are those that another process saved meanwhile: a change is made to the file as it then is. A save that
+// fails leaves the file and is tried again with the next change; this object answers with the new value.
 #pragma once
 
 #include <map>
@@ -17,7 +20,7 @@ namespace corvane::platform {
 
 class SettingsStore {
   public:
-    SettingsStore(std::string path, FileLayer& files = posixFileLayer());
+    explicit SettingsStore(std::string path, FileLayer& files = posixFileLayer());
     SettingsStore(SettingsStore&&) noexcept;
     ~SettingsStore();
 
@@ -33,7 +36,12 @@ class SettingsStore {
   private:
     struct Document;
 
+    void load();
+    void reloadIfChanged();
     void save();
+
+    template <typename MakeValue>
+    void change(const std::string& key, const MakeValue& makeValue);
 
     std::string path_;
     FileLayer& files_;

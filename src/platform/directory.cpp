@@ -1,0 +1,221 @@
+#include "platform/directory.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <system_error>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/file_descriptor.h"
+
+namespace corvane::platform {
+
+namespace {
+
+struct CloseDirectory {
+    void operator()(DIR* directory) const noexcept { ::closedir(directory); }
+};
+
+using DirectoryStream = std::unique_ptr<DIR, CloseDirectory>;
+
+// The system calls would stop at a NUL and look at another file than the one named.
+bool isNameable(const std::string& path) noexcept {
+    if (path.find('\0') == std::string::npos) return true;
+    errno = EINVAL;
+    return false;
+}
+
+bool statOf(const std::string& path, struct stat& result) noexcept {
+    return isNameable(path) && ::stat(path.c_str(), &result) == 0;
+}
+
+// O_NONBLOCK: the open of a FIFO without a writer must not hang; it has no effect on regular files.
+FileDescriptor openToRead(const std::string& path) noexcept {
+    if (!isNameable(path)) return {};
+    int descriptor = -1;
+    do {
+        descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    } while (descriptor < 0 && errno == EINTR);
+    return FileDescriptor(descriptor);
+}
+
+ssize_t readSome(int descriptor, char* bytes, std::size_t count) noexcept {
+    ssize_t got = 0;
+    do {
+        got = ::read(descriptor, bytes, count);
+    } while (got < 0 && errno == EINTR);
+    return got;
+}
+
+void tell(std::string* error, int number) {
+    if (error != nullptr) *error = std::generic_category().message(number);
+}
+
+bool isDotOrDotDot(std::string_view name) noexcept {
+    return name == "." || name == "..";
+}
+
+EntryKind kindOfMode(mode_t mode) noexcept {
+    if (S_ISREG(mode)) return EntryKind::regularFile;
+    if (S_ISDIR(mode)) return EntryKind::directory;
+    return EntryKind::other;
+}
+
+EntryKind kindOfEntry(int directory, const dirent& entry) noexcept {
+    if (entry.d_type == DT_REG) return EntryKind::regularFile;
+    if (entry.d_type == DT_DIR) return EntryKind::directory;
+    struct stat target{};
+    if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN) return EntryKind::other;
+    if (::fstatat(directory, entry.d_name, &target, 0) != 0) return EntryKind::other;
+    return kindOfMode(target.st_mode);
+}
+
+// Calls `visit` for each entry but "." and ".."; 0, or the errno of the failure.
+template <typename Visit>
+int forEachEntry(const std::string& path, const Visit& visit) {
+    if (!isNameable(path)) return errno;
+    const DirectoryStream stream(::opendir(path.c_str()));
+    if (!stream) return errno;
+    const int descriptor = ::dirfd(stream.get());
+    while (true) {
+        errno = 0;
+        const dirent* entry = ::readdir(stream.get());
+        if (entry == nullptr) return errno;
+        if (!isDotOrDotDot(entry->d_name)) visit(descriptor, *entry);
+    }
+}
+
+// Grows the text by what comes, up to `limit` bytes in all; 0 at the end of the file or the limit.
+int readUpTo(int descriptor, std::string& content, std::size_t expected, std::size_t limit) {
+    // One byte more than expected, so that the end of an unchanged file is found without another growth.
+    std::size_t room = std::min(expected, limit - 1) + 1;
+    while (content.size() < limit) {
+        const std::size_t filled = content.size();
+        ssize_t got = 0;
+        content.resize_and_overwrite(room, [&](char* bytes, std::size_t size) {
+            got = readSome(descriptor, bytes + filled, size - filled);
+            return filled + static_cast<std::size_t>(std::max<ssize_t>(got, 0));
+        });
+        if (got < 0) return errno;
+        if (got == 0) return 0;
+        if (content.size() == room) room = std::min(limit, room + std::max<std::size_t>(room / 2, 64 * 1024));
+    }
+    return 0;
+}
+
+// Opens a regular file. An invalid descriptor and errno otherwise.
+FileDescriptor openRegularFile(const std::string& path, std::int64_t& size) noexcept {
+    FileDescriptor file = openToRead(path);
+    struct stat status{};
+    if (!file || ::fstat(file.get(), &status) != 0) return {};
+    if (!S_ISREG(status.st_mode)) {
+        errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+        return {};
+    }
+    size = status.st_size;
+    return file;
+}
+
+std::optional<std::string> contentOf(int descriptor, std::size_t expected, std::size_t limit,
+                                     std::string* error) {
+    std::string content;
+    int number = 0;
+    try {
+        if (limit > 0) number = readUpTo(descriptor, content, expected, limit);
+    } catch (const std::bad_alloc&) {
+        number = ENOMEM;
+    } catch (const std::length_error&) {
+        number = EFBIG;
+    }
+    if (number == 0) return content;
+    tell(error, number);
+    return std::nullopt;
+}
+
+} // namespace
+
+bool fileExists(const std::string& path) noexcept {
+    struct stat status{};
+    return statOf(path, status);
+}
+
+bool isDirectory(const std::string& path) noexcept {
+    struct stat status{};
+    return statOf(path, status) && S_ISDIR(status.st_mode);
+}
+
+bool isRegularFile(const std::string& path) noexcept {
+    struct stat status{};
+    return statOf(path, status) && S_ISREG(status.st_mode);
+}
+
+bool isExecutableFile(const std::string& path) noexcept {
+    return isRegularFile(path) && ::access(path.c_str(), X_OK) == 0;
+}
+
+std::optional<std::int64_t> fileSize(const std::string& path) noexcept {
+    struct stat status{};
+    if (!statOf(path, status) || !S_ISREG(status.st_mode)) return std::nullopt;
+    return status.st_size;
+}
+
+bool canReadAByte(const std::string& path) noexcept {
+    const FileDescriptor file = openToRead(path);
+    char byte = 0;
+    return file && readSome(file.get(), &byte, 1) == 1;
+}
+
+std::optional<std::vector<DirectoryEntry>> listDirectory(const std::string& path, HiddenEntries hidden,
+                                                         std::string* error) {
+    std::vector<DirectoryEntry> entries;
+    const int number = forEachEntry(path, [&](int directory, const dirent& entry) {
+        if (hidden == HiddenEntries::skip && entry.d_name[0] == '.') return;
+        entries.push_back({entry.d_name, kindOfEntry(directory, entry)});
+    });
+    if (number != 0) {
+        tell(error, number);
+        return std::nullopt;
+    }
+    std::ranges::sort(entries, {}, &DirectoryEntry::name);
+    return entries;
+}
+
+bool visitDirectory(const std::string& path,
+                    const std::function<void(std::string_view name, unsigned char dType)>& visit) {
+    return forEachEntry(path, [&](int, const dirent& entry) { visit(entry.d_name, entry.d_type); }) == 0;
+}
+
+std::optional<std::string> readFile(const std::string& path, std::int64_t limit, std::string* error) {
+    std::int64_t size = 0;
+    const FileDescriptor file = openRegularFile(path, size);
+    if (!file || size > limit) {
+        tell(error, file ? EFBIG : errno);
+        return std::nullopt;
+    }
+    // One byte above the limit shows a file that grew past it meanwhile.
+    const std::size_t most = limit == INT64_MAX ? INT64_MAX : static_cast<std::size_t>(limit) + 1;
+    auto content = contentOf(file.get(), static_cast<std::size_t>(size), most, error);
+    if (content && content->size() > static_cast<std::size_t>(limit)) {
+        tell(error, EFBIG);
+        return std::nullopt;
+    }
+    return content;
+}
+
+std::optional<std::string> readFilePrefix(const std::string& path, std::int64_t limit, std::string* error) {
+    std::int64_t size = 0;
+    const FileDescriptor file = openRegularFile(path, size);
+    if (!file) {
+        tell(error, errno);
+        return std::nullopt;
+    }
+    return contentOf(file.get(), static_cast<std::size_t>(size), static_cast<std::size_t>(limit), error);
+}
+
+} // namespace corvane::platform

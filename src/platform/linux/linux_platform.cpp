@@ -1,0 +1,164 @@
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+
+#include <pwd.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include "platform/directory.h"
+#include "platform/linux/mount_table.h"
+#include "platform/linux/mount_watch.h"
+#include "platform/paths.h"
+#include "platform/platform.h"
+
+namespace corvane::platform {
+
+namespace {
+
+std::string environmentText(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+std::string homeOfUser() {
+    std::vector<char> buffer(4096);
+    passwd entry{};
+    passwd* found = nullptr;
+    while (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) == ERANGE) {
+        buffer.resize(buffer.size() * 2);
+    }
+    std::string home = found != nullptr && found->pw_dir != nullptr ? found->pw_dir : "";
+    if (!home.starts_with('/')) home = environmentText("HOME");
+    return standardizedPath(home.starts_with('/') ? home : "/");
+}
+
+// XDG Base Directory Specification: a relative path there is to be ignored.
+std::string baseFolder(const char* variable, const std::string& fallback) {
+    const std::string folder = environmentText(variable);
+    return folder.starts_with('/') ? standardizedPath(folder) : fallback;
+}
+
+// Nothing when the file system doesn't answer, which is not the same as "isn't there".
+std::optional<std::string> nearestExisting(std::string_view path) {
+    std::string current = standardizedPath(path);
+    struct stat status{};
+    while (::stat(current.c_str(), &status) != 0) {
+        if ((errno != ENOENT && errno != ENOTDIR) || current == "/") return std::nullopt;
+        current = parentPath(current);
+    }
+    return current;
+}
+
+std::vector<MountEntry> mountTable() {
+    return parseMountTable(readFile("/proc/self/mountinfo").value_or(""));
+}
+
+// Some file systems (btrfs) have a device number of their own and name the disk only as the source.
+std::string diskOf(const MountEntry& mount) {
+    struct stat source{};
+    if (!mount.device.starts_with("0:") || !mount.source.starts_with("/dev/")) return mount.device;
+    if (::stat(mount.source.c_str(), &source) != 0 || !S_ISBLK(source.st_mode)) return mount.device;
+    return std::to_string(major(source.st_rdev)) + ":" + std::to_string(minor(source.st_rdev));
+}
+
+Volume describedVolume(const MountEntry& mount) {
+    return volumeOfMount(mount, deviceTraits("/sys", diskOf(mount)));
+}
+
+std::optional<MountEntry> mountOf(const std::string& path) {
+    const auto existing = nearestExisting(path);
+    if (!existing) return std::nullopt;
+    std::array<char, PATH_MAX> resolved{};
+    if (::realpath(existing->c_str(), resolved.data()) == nullptr) return std::nullopt;
+    const auto table = mountTable();
+    const MountEntry* mount = mountHolding(table, resolved.data());
+    if (mount == nullptr) return std::nullopt;
+    return *mount;
+}
+
+class LinuxPlatform final : public Platform {
+  public:
+    explicit LinuxPlatform(const std::string& home) {
+        home_ = home.empty() ? homeOfUser() : standardizedPath(home);
+        support_ = joinPath(home_, ".local/share");
+        std::string configuration = joinPath(home_, ".config");
+        if (home.empty()) {
+            support_ = baseFolder("XDG_DATA_HOME", support_);
+            configuration = baseFolder("XDG_CONFIG_HOME", configuration);
+        }
+        settings_ = joinPath(configuration, "Corvane.conf");
+        temporary_ = baseFolder("TMPDIR", "/tmp");
+    }
+
+    [[nodiscard]] std::string realUserHomeDirectory() const override { return home_; }
+
+    [[nodiscard]] std::string applicationSupportDirectory() const override { return support_; }
+
+    [[nodiscard]] std::string settingsPath() const override { return settings_; }
+
+    [[nodiscard]] std::string temporaryDirectory() const override { return temporary_; }
+
+    [[nodiscard]] std::string sqliteShellPath() const override { return "/usr/bin/sqlite3"; }
+
+    [[nodiscard]] std::optional<std::vector<Volume>> mountedVolumes() const override {
+        const auto table = mountTable();
+        if (table.empty()) return std::nullopt;
+        std::vector<Volume> volumes;
+        for (const auto& mount : visibleMounts(table)) volumes.push_back(describedVolume(mount));
+        return volumes;
+    }
+
+    [[nodiscard]] std::optional<Volume> volumeOf(const std::string& path) const override {
+        const auto mount = mountOf(path);
+        if (!mount) return std::nullopt;
+        return describedVolume(*mount);
+    }
+
+    [[nodiscard]] std::optional<std::string> removableMountPoint(const std::string& path) const override {
+        return removableMountPointOf(path);
+    }
+
+    [[nodiscard]] std::optional<std::string> fileSystemTypeName(const std::string& path) const override {
+        const auto mount = mountOf(path);
+        if (!mount) return std::nullopt;
+        return fileSystemName(mount->fileSystemType);
+    }
+
+    [[nodiscard]] std::optional<std::int64_t> availableCapacity(const std::string& path) const override {
+        const auto existing = nearestExisting(path);
+        struct statvfs space{};
+        if (!existing || ::statvfs(existing->c_str(), &space) != 0) return std::nullopt;
+        std::int64_t bytes = 0;
+        // Some network file systems report an endless disk.
+        if (__builtin_mul_overflow(space.f_bavail, space.f_frsize, &bytes)) return INT64_MAX;
+        return bytes;
+    }
+
+    // No file system here keeps placeholders of files that lie elsewhere.
+    [[nodiscard]] bool isCloudPlaceholder(const std::string&) const override { return false; }
+
+    void markHidden(const std::string&) const override {}
+
+    [[nodiscard]] std::unique_ptr<MountSubscription>
+    subscribeToMounts(std::function<void(MountEvent)> handler) const override {
+        return watchMounts(std::move(handler));
+    }
+
+  private:
+    std::string home_;
+    std::string support_;
+    std::string settings_;
+    std::string temporary_;
+};
+
+} // namespace
+
+std::unique_ptr<Platform> makePlatform(const std::string& home) {
+    return std::make_unique<LinuxPlatform>(home);
+}
+
+} // namespace corvane::platform

@@ -1,0 +1,225 @@
+#include "platform/process_start.h"
+
+#include <array>
+#include <cerrno>
+#include <condition_variable>
+#include <csignal>
+#include <deque>
+#include <future>
+#include <mutex>
+#include <system_error>
+#include <thread>
+
+#include <fcntl.h>
+#include <linux/close_range.h>
+#include <sys/pidfd.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+
+namespace corvane::platform {
+
+namespace {
+
+// Everything that the child needs, made before it exists: it shares this process's memory until its exec, so
+// it may only call what is safe in a signal handler.
+struct Launch {
+    std::string executable;
+    std::vector<std::string> argumentTexts;
+    std::vector<std::string> environmentTexts;
+    std::vector<char*> arguments;
+    std::vector<char*> environment;
+    std::array<FileDescriptor, 3> standardStreams;
+    FileDescriptor errorWriter;
+    pid_t parent = -1;
+};
+
+[[noreturn]] void throwLastError(const std::string& what) {
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
+// A close-on-exec copy that isn't one of the standard streams, which the child is about to replace.
+FileDescriptor copyAboveStandardStreams(int descriptor) {
+    FileDescriptor copy(::fcntl(descriptor, F_DUPFD_CLOEXEC, 3));
+    if (!copy) throwLastError("fcntl");
+    return copy;
+}
+
+FileDescriptor sourceOfStream(int descriptor) {
+    if (descriptor >= 0) return copyAboveStandardStreams(descriptor);
+    const FileDescriptor nothing(::open("/dev/null", O_RDWR | O_CLOEXEC));
+    if (!nothing) throwLastError("/dev/null");
+    return copyAboveStandardStreams(nothing.get());
+}
+
+bool isVariable(std::string_view entry, const std::string& name) {
+    return entry.size() > name.size() && entry.starts_with(name) && entry[name.size()] == '=';
+}
+
+std::vector<std::string> environmentWith(const std::vector<std::pair<std::string, std::string>>& added) {
+    std::vector<std::string> result;
+    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
+        bool isReplaced = false;
+        for (const auto& [name, value] : added) isReplaced = isReplaced || isVariable(*entry, name);
+        if (!isReplaced) result.emplace_back(*entry);
+    }
+    for (const auto& [name, value] : added) result.push_back(name + "=" + value);
+    return result;
+}
+
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    for (auto& text : texts) pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+void rejectNul(const std::vector<std::string>& texts) {
+    for (const auto& text : texts) {
+        if (text.find('\0') != std::string::npos) {
+            throw std::system_error(EINVAL, std::generic_category(), "NUL in an argument");
+        }
+    }
+}
+
+void prepare(Launch& launch, const ChildProcessOptions& options, int errorWriter) {
+    launch.executable = options.executable;
+    launch.argumentTexts = {options.executable};
+    launch.argumentTexts.insert(launch.argumentTexts.end(), options.arguments.begin(),
+                                options.arguments.end());
+    launch.environmentTexts = environmentWith(options.environment);
+    rejectNul(launch.argumentTexts);
+    rejectNul(launch.environmentTexts);
+    launch.arguments = pointersTo(launch.argumentTexts);
+    launch.environment = pointersTo(launch.environmentTexts);
+    launch.standardStreams = {sourceOfStream(options.standardInput), sourceOfStream(options.standardOutput),
+                              sourceOfStream(options.standardError)};
+    launch.errorWriter = copyAboveStandardStreams(errorWriter);
+    launch.parent = ::getpid();
+}
+
+// exec() resets handlers but keeps ignored signals ignored, and the mask.
+void restoreDefaultSignals() noexcept {
+    struct sigaction defaultAction{};
+    defaultAction.sa_handler = SIG_DFL;
+    for (int signal = 1; signal < NSIG; ++signal) ::sigaction(signal, &defaultAction, nullptr);
+    sigset_t none;
+    ::sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+bool takeStandardStreams(const Launch& launch) noexcept {
+    for (int target = 0; target < 3; ++target) {
+        if (::dup2(launch.standardStreams[static_cast<std::size_t>(target)].get(), target) < 0) return false;
+    }
+    return true;
+}
+
+[[noreturn]] void runInChild(const Launch& launch) noexcept {
+    ::setpgid(0, 0);
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // The parent may have gone before the line above.
+    if (::getppid() != launch.parent) ::_exit(127);
+    if (takeStandardStreams(launch)) {
+        // Descriptors of libraries that forgot to set the flag. Kernels before 5.11 refuse, and nothing is
+        // lost.
+        ::close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);
+        restoreDefaultSignals();
+        ::execve(launch.executable.c_str(), launch.arguments.data(), launch.environment.data());
+    }
+    const int error = errno;
+    [[maybe_unused]] const ssize_t written = ::write(launch.errorWriter.get(), &error, sizeof error);
+    ::_exit(127);
+}
+
+// vfork: a fork would copy the page tables of a process that may hold millions of records.
+// The caller's signals are blocked, so no handler of ours can run in the child on shared memory.
+[[gnu::noinline]] pid_t startChild(const Launch& launch) noexcept {
+    const pid_t pid = ::vfork();
+    if (pid == 0) runInChild(launch);
+    return pid;
+}
+
+// The error that kept the child from its program; 0 when it runs.
+int startError(int errorReader) noexcept {
+    int error = 0;
+    ssize_t got = 0;
+    do {
+        got = ::read(errorReader, &error, sizeof error);
+    } while (got < 0 && errno == EINTR);
+    return got == sizeof error ? error : 0;
+}
+
+void reapFailedChild(pid_t pid) noexcept {
+    while (::waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+    }
+}
+
+StartedProcess startHere(const ChildProcessOptions& options) {
+    Pipe errorPipe = makePipe();
+    Launch launch;
+    prepare(launch, options, errorPipe.writeEnd.get());
+    errorPipe.writeEnd.reset();
+    const pid_t pid = startChild(launch);
+    if (pid < 0) throwLastError("vfork");
+    launch.errorWriter.reset();
+    if (const int error = startError(errorPipe.readEnd.get()); error != 0) {
+        reapFailedChild(pid);
+        throw std::system_error(error, std::generic_category(), options.executable);
+    }
+    return {pid, FileDescriptor(::pidfd_open(pid, 0))};
+}
+
+// The one thread that starts children. The death signal of PR_SET_PDEATHSIG comes when the starting *thread*
+// ends, so a child started by a short task would be killed in the middle of its work; this thread ends with
+// the process and not before.
+class Starter {
+  public:
+    // Never destroyed: the thread uses it to the last moment.
+    static Starter& instance() {
+        static auto* const starter = new Starter;
+        return *starter;
+    }
+
+    StartedProcess start(const ChildProcessOptions& options) {
+        std::packaged_task<StartedProcess()> task([&options] { return startHere(options); });
+        std::future<StartedProcess> result = task.get_future();
+        {
+            const std::lock_guard lock(mutex_);
+            tasks_.push_back(std::move(task));
+        }
+        added_.notify_one();
+        return result.get();
+    }
+
+  private:
+    Starter() {
+        std::thread([this] { run(); }).detach();
+    }
+
+    [[noreturn]] void run() {
+        sigset_t all;
+        ::sigfillset(&all);
+        ::pthread_sigmask(SIG_SETMASK, &all, nullptr);
+        while (true) next()();
+    }
+
+    std::packaged_task<StartedProcess()> next() {
+        std::unique_lock lock(mutex_);
+        added_.wait(lock, [this] { return !tasks_.empty(); });
+        auto task = std::move(tasks_.front());
+        tasks_.pop_front();
+        return task;
+    }
+
+    std::mutex mutex_;
+    std::condition_variable added_;
+    std::deque<std::packaged_task<StartedProcess()>> tasks_;
+};
+
+} // namespace
+
+StartedProcess startProcess(const ChildProcessOptions& options) {
+    return Starter::instance().start(options);
+}
+
+} // namespace corvane::platform

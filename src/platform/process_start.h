@@ -1,0 +1,19 @@
+// The start of a child process, as child_process.h promises it, by the means of the system.
+#pragma once
+
+#include <sys/types.h>
+
+#include "platform/child_process.h"
+
+namespace corvane::platform {
+
+struct StartedProcess {
+    pid_t pid = -1;
+    // Readable when the process has ended; invalid where the system has no such descriptor.
+    FileDescriptor endDescriptor;
+};
+
+// Returns when the new program runs. Throws std::system_error.
+StartedProcess startProcess(const ChildProcessOptions& options);
+
+} // namespace corvane::platform
