@@ -6,6 +6,7 @@ from __future__ import annotations
 
 import argparse
 import os
+import sqlite3
 import sys
 import time
 
@@ -71,7 +72,7 @@ def main() -> int:
     began = time.monotonic()
     try:
         counts = SampleStore(options.home, settings, options.quiet).make()
-    except OSError as error:
+    except (OSError, sqlite3.Error) as error:
         raise SystemExit(f"make_sample_store: {error}") from error
     if not options.quiet:
         told = ", ".join(f"{name} {count}" for name, count in sorted(counts.items()))

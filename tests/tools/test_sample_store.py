@@ -178,6 +178,26 @@ class DefaultStore(unittest.TestCase):
                              message["tag"])
         self.assertGreaterEqual(uncuttable, 7)
 
+    def test_broken_files_are_broken_as_their_tags_say(self):
+        broken = {
+            "file-empty": lambda count, rest: count is None,
+            "file-negative": lambda count, rest: count < 0,
+            "file-zero-count": lambda count, rest: count == 0 < len(rest),
+            "file-too-large": lambda count, rest: count > len(rest) and b"</plist>" in rest,
+            "file-cut-short": lambda count, rest: count > len(rest) and b"</plist>" not in rest,
+            "file-overflow": lambda count, rest: count >= 2 ** 63,
+            "file-letters": lambda count, rest: count is None,
+            "file-not-utf8": lambda count, rest: count is None,
+            "file-no-line-feed": lambda count, rest: count is None and not rest,
+            "file-headers-only": lambda count, rest: b"\n\n" not in rest[:count],
+            "file-crlf-message": lambda count, rest: b"\n" not in rest[:count].replace(b"\r\n", b""),
+        }
+        files = {message["tag"]: message["file"] for message in self.messages}
+        for tag, is_broken in broken.items():
+            line, _, rest = read(self.home, files[tag]).partition(b"\n")
+            count = int(line) if re.fullmatch(rb"-?\d+ *", line) else None
+            self.assertTrue(is_broken(count, rest), tag)
+
     def test_everyday_files_say_what_the_index_says(self):
         checked = 0
         for message in self.messages:

@@ -35,7 +35,7 @@ def write_accounts_db(path: str, accounts: dict[str, Account]) -> None:
         (7, 4, None, "no identifier", None, "nobody@unifield.example"),
     ]
     db = sqlite3.connect(path, isolation_level=None)
-    db.executescript("PRAGMA journal_mode=OFF; BEGIN;" + SCHEMA)
+    db.executescript("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; BEGIN;" + SCHEMA)
     db.executemany("INSERT INTO ZACCOUNTTYPE VALUES (?, 4, 1, ?, ?)",
                    [(i, name.rpartition(".")[2], name) for i, name in enumerate(TYPES, 1)])
     db.executemany("INSERT INTO ZACCOUNT(Z_PK, Z_ENT, Z_OPT, ZACTIVE, ZAUTHENTICATED, ZVISIBLE, "

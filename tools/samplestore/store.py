@@ -5,7 +5,6 @@ from __future__ import annotations
 
 import os
 import random
-import sqlite3
 import sys
 from collections.abc import Iterator
 from dataclasses import asdict, dataclass
@@ -24,7 +23,7 @@ from .wording import Wording
 
 FEWEST_MESSAGES = 50
 MOST_MESSAGES = 1_000_000
-# A pass over the oddities for each so many messages; a small store has room for part of one only.
+# A pass over the oddities for each so many messages; below 530 messages there is room for part of one.
 MESSAGES_PER_ODD_PASS = 4000
 LARGEST_ODD_SHARE = 0.25
 # Both sides of each place where the path of a file changes its shape.
