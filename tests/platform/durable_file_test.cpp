@@ -108,6 +108,10 @@ TEST_P(DurableFile, Write_CutByACrashOrAPowerLossAnywhereLeavesOldOrNew) {
         EXPECT_TRUE(content == old_ || content == new_) << "crash at operation " << k;
         home_.write("folder/index.json", old_);
     }
+    FaultyFileLayer files;
+    ASSERT_FALSE(write(files, path_, new_, GetParam()));
+    files.losePower();
+    EXPECT_EQ(readFile(path_), new_) << "a save that was reported as done";
 }
 
 TEST_P(DurableFile, Write_ToleratesFoldersThatCannotBeSynced) {
