@@ -38,7 +38,7 @@ class DurableFile : public ::testing::TestWithParam<bool> {
   protected:
     const TemporaryHome home_;
     const std::string old_ = std::string(3'000'000, 'o');
-    const std::string new_ = std::string(2'500'000, 'n') + "end";
+    const std::string new_ = std::string(2'500'000, 'n').append("end");
     const std::string path_ = home_.write("folder/index.json", old_);
     const std::string folder_ = home_.at("folder");
 };
