@@ -209,6 +209,12 @@ class Starter {
 
 } // namespace
 
+Pipe makePipe() {
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) throwLastError("pipe");
+    return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
+}
+
 StartedProcess startProcess(const ChildProcessOptions& options) {
     Pipe errorPipe = makePipe();
     Launch launch;
