@@ -4,7 +4,7 @@
 #include <map>
 #include <unordered_set>
 
-#include "mailstore/mailbox_names.h"
+#include "mailstore/trash_junk_mailboxes.h"
 #include "records/timestamps.h"
 
 namespace corvane {

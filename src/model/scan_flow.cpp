@@ -138,8 +138,8 @@ void ScanFlow::clearDisplay() {
 }
 
 ScanFlow::ScanJob ScanFlow::makeScanJob() const {
-    ScanJob job{{}, {}, mailStoreOf(context_)};
-    job.scanner.rootURL = context_.mailRootPath;
+    const MailStore store = mailStoreOf(context_);
+    ScanJob job{MailDataScanner{store.context, store.rootPath, {}, {}, {}}, {}, store};
     if (filters_.onlyBeforeCutoff()) job.scanner.maximumYear = filters_.yearCutoff();
     for (const MailAccount& account : accounts_.availableAccounts()) {
         if (!accounts_.selectedAccountPrefixes().contains(account.urlPrefix)) continue;
@@ -180,8 +180,7 @@ void ScanFlow::runScan(const TaskHandle& task, const ScanJob& job) {
     };
     try {
         job.scanner.scanBatches(
-            job.store.context,
-            [&](MailDataScanner::Batch batch) {
+            [&](MailDataScanner::Batch&& batch) {
                 progress.take(std::move(batch));
                 if (!task.isCancelled() && progress.isDisplayDue()) show();
             },
