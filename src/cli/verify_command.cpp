@@ -49,8 +49,10 @@ void printReadable(const ArchiveVerification& verification) {
 
 int runVerify(const std::string& root, bool json) {
     const ArchiveVerification verification = verifyArchive(platform::standardizedPath(root));
-    if (json) printJson(verification);
-    else printReadable(verification);
+    if (json)
+        printJson(verification);
+    else
+        printReadable(verification);
     return done;
 }
 
