@@ -1,0 +1,69 @@
+#include "model/destinations.h"
+
+#include <fmt/format.h>
+
+#include "model/cloud_providers.h"
+#include "model/known_locations.h"
+#include "model/settings_keys.h"
+#include "platform/durable_file.h"
+#include "records/console_log.h"
+
+namespace corvane {
+
+ArchiveDestinations::ArchiveDestinations(ModelContext& context, QObject* parent)
+  : QObject(parent)
+  , context_(context)
+  , prepareTask_(context.tasks)
+  , factsTask_(context.tasks) {
+    const std::string stored = context.settings.text(transferDestinationKey).value_or("");
+    if (!stored.empty()) {
+        destination_ = canonicalPath(stored);
+        facts_.destinationCloudName = cloudProviderName(*destination_);
+        rememberLocation(context.settings, *destination_);
+    }
+    refreshFacts();
+}
+
+void ArchiveDestinations::setTransferDestination(const std::string& path) {
+    const std::string root = canonicalPath(path);
+    consoleLine(fmt::format("[HangTrace] setTransferDestination begin {}", root));
+    destination_ = root;
+    context_.settings.setText(transferDestinationKey, root);
+    rememberLocation(context_.settings, root);
+    DestinationFacts known;
+    known.destinationCloudName = cloudProviderName(root);
+    known.rememberedManualDestinations = facts_.rememberedManualDestinations;
+    factsTask_.cancel();
+    prepareTask_.start(TaskPriority::userInitiated,
+                       [this, root, &files = context_.support.files()](const TaskHandle& task) {
+                           consoleLine("[HangTrace] setTransferDestination createDirectory begin(bg)");
+                           // A folder that can't be made shows in its facts and in the run.
+                           std::ignore = platform::createDirectories(files, root);
+                           consoleLine("[HangTrace] setTransferDestination createDirectory end(bg)");
+                           task.onMain([this] {
+                               refreshFacts();
+                               Q_EMIT destinationPrepared();
+                           });
+                       });
+    Q_EMIT transferDestinationChanged();
+    setFacts(std::move(known));
+    consoleLine("[HangTrace] setTransferDestination end(main)");
+}
+
+void ArchiveDestinations::refreshFacts() {
+    factsTask_.start(TaskPriority::utility,
+                     [this, &platform = context_.platform, destination = destination_,
+                      known = knownLocations(context_.settings)](const TaskHandle& task) {
+                         task.onMain([this, facts = computeDestinationFacts(platform, destination, known)] {
+                             setFacts(facts);
+                         });
+                     });
+}
+
+void ArchiveDestinations::setFacts(DestinationFacts facts) {
+    if (facts_ == facts) return;
+    facts_ = std::move(facts);
+    Q_EMIT factsChanged();
+}
+
+} // namespace corvane

@@ -1,0 +1,57 @@
+// The folder to which every archive run writes, as the user chose it. Main thread; nothing here touches a
+// disk on it, since a cloud folder may hang.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include <QObject>
+
+#include "model/destination_facts.h"
+#include "model/model_context.h"
+
+namespace corvane {
+
+// Texts of the folder picker. It takes one folder, which may be made in it.
+inline constexpr const char* chooseDestinationTitle = "选择附件转移位置";
+inline constexpr const char* chooseDestinationPrompt = "使用此位置";
+inline constexpr const char* chooseDestinationMessage =
+    "归档会直接放进所选文件夹，建议新建一个专用空文件夹（例如坚果云同步目录里的一个文件夹）。";
+
+class ArchiveDestinations : public QObject {
+    Q_OBJECT
+
+  public:
+    // Reads the stored choice and remembers it among the known locations.
+    explicit ArchiveDestinations(ModelContext& context, QObject* parent = nullptr);
+
+    // Path of the folder, canonical; nothing before the first choice.
+    [[nodiscard]] const std::optional<std::string>& transferDestination() const { return destination_; }
+
+    // Publishes and stores the choice at once and makes the folder in the background; `destinationPrepared`
+    // follows.
+    void setTransferDestination(const std::string& path);
+
+    // As last asked. Right after a choice only what its path tells.
+    [[nodiscard]] const DestinationFacts& facts() const { return facts_; }
+
+    // Asks again in the background.
+    void refreshFacts();
+
+  Q_SIGNALS:
+    void transferDestinationChanged();
+    // The folder has been made, if it could be.
+    void destinationPrepared();
+    void factsChanged();
+
+  private:
+    void setFacts(DestinationFacts facts);
+
+    ModelContext& context_;
+    std::optional<std::string> destination_;
+    DestinationFacts facts_;
+    TaskSlot prepareTask_;
+    TaskSlot factsTask_;
+};
+
+} // namespace corvane

@@ -1,0 +1,47 @@
+// The archives as one load found them, and the library that is made of them. Pure values, made in the
+// background.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "records/archive_records.h"
+#include "text/shared_text.h"
+
+namespace corvane {
+
+struct LoadedArchive {
+    std::string rootPath;
+    bool connected = false; // and holds files
+    EmailArchiveIndex index;
+};
+
+// Two folders are the same archive when their indexes have the same `createdAt`: a copied folder, or one seen
+// through two paths. The first stays, but one that is connected beats one that isn't. Order is kept.
+std::vector<LoadedArchive> dedupeLoadedArchives(std::vector<LoadedArchive> archives);
+
+// All archived mail with its lookups. Immutable, shared between threads.
+struct ArchivedLibrary {
+    SharedEntryList entries = std::make_shared<const std::vector<ArchivedEntry>>();
+    std::shared_ptr<const SharedTextSet> baseIDs = std::make_shared<const SharedTextSet>();
+    // Positions in `entries`, the last of each base id. The keys are characters of the entries.
+    std::unordered_map<std::string_view, std::size_t> positionByBaseID;
+
+    // Entry ids are unique from here on: of repeated record ids of one root, which no sound index has, the
+    // first stays.
+    static std::shared_ptr<const ArchivedLibrary> make(std::vector<ArchivedEntry> entries);
+
+    [[nodiscard]] const ArchivedEntry* entryByBaseID(std::string_view baseID) const;
+};
+
+using SharedLibrary = std::shared_ptr<const ArchivedLibrary>;
+
+// Sets each location's count to the entries that it has in the library.
+void countEntries(std::vector<ArchiveLocation>& locations, const ArchivedLibrary& library);
+
+} // namespace corvane
