@@ -30,7 +30,8 @@ int make(std::size_t count, const std::string& folder) {
 
 MessageList messagesOf(const std::string& folder) {
     MessageList messages;
-    for (const auto& entry : platform::listDirectory(folder, platform::HiddenEntries::skip).value()) {
+    const auto entries = platform::listDirectory(folder, platform::HiddenEntries::skip);
+    for (const auto& entry : entries.value()) {
         MailMessageRecord record;
         record.id = platform::joinPath(folder, entry.name);
         record.fileURL = FileURL(record.id);

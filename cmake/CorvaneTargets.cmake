@@ -14,7 +14,6 @@ target_compile_definitions(corvane_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_F
 # stands in headers.
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
     target_compile_options(corvane_options INTERFACE -march=x86-64-v2 -mpclmul)
-    target_compile_definitions(corvane_options INTERFACE RAPIDJSON_SSE42)
 endif()
 if(CORVANE_WERROR)
     target_compile_options(corvane_options INTERFACE -Werror)

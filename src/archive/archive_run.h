@@ -36,7 +36,8 @@ class ArchiveRun {
 
     struct Times {
         Clock::duration read{};
-        Clock::duration place{};
+        Clock::duration write{};
+        Clock::duration verify{};
         Clock::duration find{};
         Clock::duration group{};
         Clock::duration flush{};

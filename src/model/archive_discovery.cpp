@@ -22,11 +22,11 @@ bool holdsArchive(const std::string& folder) {
 std::vector<std::string> spots(const platform::Platform& platform) {
     std::vector<std::string> paths = {
         platform::joinPath(platform.realUserHomeDirectory(), "Library/Mobile Documents/com~apple~CloudDocs")};
-    for (const auto& provider : CloudStorageProvider::detect(platform)) {
-        paths.push_back(provider.url.path().str());
+    for (const auto& provider : detectCloudStorage(platform)) {
+        paths.push_back(provider.path);
     }
-    for (const auto& volume : CloudStorageProvider::detectRemovableVolumes(platform)) {
-        paths.push_back(volume.url.path().str());
+    for (const auto& volume : detectRemovableVolumes(platform)) {
+        paths.push_back(volume.path);
     }
     return paths;
 }

@@ -1,4 +1,4 @@
-// What the text of a path tells about the cloud provider that holds it. Never touches a disk; any thread.
+// Which cloud provider a path belongs to, by its text alone, and the one form of a path that lists compare.
 #pragma once
 
 #include <optional>
@@ -7,16 +7,13 @@
 
 namespace corvane {
 
-// Name of the provider for the screens.
+// The provider's name as shown; nothing for a path of none.
 std::optional<std::string> cloudProviderName(std::string_view path);
 
-// From the name of the folder under "/Library/CloudStorage/", for providers that nobody listed.
+// From the folder's name behind "/Library/CloudStorage/".
 std::optional<std::string> cloudStorageFolderProviderName(std::string_view path);
 
-// The brand as its owner spells it, where the system's folder names spell it otherwise.
-std::string storageBrandName(std::string_view brand);
-
-// The form in which roots are compared and kept: absolute, without "." and "..", without a trailing slash.
+// Standardized, without a closing slash.
 std::string canonicalPath(std::string_view path);
 
 // Where the system keeps its own and other providers' folders, in anybody's home.

@@ -33,18 +33,18 @@ DestinationFacts computeDestinationFacts(const platform::Platform& platform,
     DestinationFacts facts;
     facts.rememberedManualDestinations = manualDestinations(platform, knownLocations);
     if (!destination) return facts;
-    facts.destinationConnected = platform::fileExists(*destination);
-    facts.destinationCloudName = cloudProviderName(*destination);
-    facts.destinationInSymlinkContainer = isInSymlinkContainer(*destination);
-    if (!facts.destinationConnected) return facts;
+    facts.connected = platform::fileExists(*destination);
+    facts.cloudName = cloudProviderName(*destination);
+    facts.inSymlinkContainer = isInSymlinkContainer(*destination);
+    if (!facts.connected) return facts;
     if (const auto type = platform.fileSystemTypeName(*destination)) {
-        facts.destinationFilesystemName = filesystemDisplayName(*type);
+        facts.filesystemName = shownFileSystemName(*type);
     }
-    facts.destinationOnInternalDisk = isOnInternalVolume(platform, *destination);
+    facts.onInternalDisk = isOnInternalVolume(platform, *destination);
     return facts;
 }
 
-std::string filesystemDisplayName(const std::string& typeName) {
+std::string shownFileSystemName(const std::string& typeName) {
     static const std::map<std::string, std::string> names = {
         {"msdos", "FAT32"}, {"exfat", "exFAT"}, {"apfs", "APFS"}, {"hfs", "Mac OS 扩展"}};
     const auto known = names.find(typeName);

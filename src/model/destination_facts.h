@@ -11,11 +11,11 @@
 namespace corvane {
 
 struct DestinationFacts {
-    bool destinationConnected = true; // also without a destination: nothing is lost then
-    std::optional<std::string> destinationCloudName;
-    std::optional<std::string> destinationFilesystemName; // as people know it; a FAT disk wants a warning
-    bool destinationInSymlinkContainer = false;           // a provider's shortcuts, which aren't synchronised
-    bool destinationOnInternalDisk = false;
+    bool connected = true; // also without a destination: nothing is lost then
+    std::optional<std::string> cloudName;
+    std::optional<std::string> filesystemName; // as people know it; a FAT disk wants a warning
+    bool inSymlinkContainer = false;           // a provider's shortcuts, which aren't synchronised
+    bool onInternalDisk = false;
     std::vector<std::string> rememberedManualDestinations; // earlier folders that no detection finds
 
     friend bool operator==(const DestinationFacts&, const DestinationFacts&) = default;
@@ -26,6 +26,6 @@ DestinationFacts computeDestinationFacts(const platform::Platform& platform,
                                          const std::vector<std::string>& knownLocations);
 
 // For the type name that the system gives.
-std::string filesystemDisplayName(const std::string& typeName);
+std::string shownFileSystemName(const std::string& typeName);
 
 } // namespace corvane

@@ -18,7 +18,7 @@ ArchiveDestinations::ArchiveDestinations(ModelContext& context, QObject* parent)
     const std::string stored = context.settings.text(transferDestinationKey).value_or("");
     if (!stored.empty()) {
         destination_ = canonicalPath(stored);
-        facts_.destinationCloudName = cloudProviderName(*destination_);
+        facts_.cloudName = cloudProviderName(*destination_);
         rememberLocation(context.settings, *destination_);
     }
     refreshFacts();
@@ -31,7 +31,7 @@ void ArchiveDestinations::setTransferDestination(const std::string& path) {
     context_.settings.setText(transferDestinationKey, root);
     rememberLocation(context_.settings, root);
     DestinationFacts known;
-    known.destinationCloudName = cloudProviderName(root);
+    known.cloudName = cloudProviderName(root);
     known.rememberedManualDestinations = facts_.rememberedManualDestinations;
     factsTask_.cancel();
     prepareTask_.start(TaskPriority::userInitiated,
@@ -45,7 +45,7 @@ void ArchiveDestinations::setTransferDestination(const std::string& path) {
                                Q_EMIT destinationPrepared();
                            });
                        });
-    Q_EMIT transferDestinationChanged();
+    Q_EMIT destinationChanged();
     setFacts(std::move(known));
     consoleLine("[HangTrace] setTransferDestination end(main)");
 }

@@ -39,7 +39,7 @@ class ArchiveDestinations : public QObject {
     void refreshFacts();
 
   Q_SIGNALS:
-    void transferDestinationChanged();
+    void destinationChanged();
     // The folder has been made, if it could be.
     void destinationPrepared();
     void factsChanged();

@@ -91,7 +91,7 @@ void LibraryLoad::fill(std::vector<LoadedArchive> archives) {
             entries.push_back({std::move(record), root});
         archive.index.records = {};
     }
-    result_.library = ArchivedLibrary::make(std::move(entries));
+    result_.library = ArchivedLibrary::make(std::move(entries), input_.publishedBaseIDs);
     countEntries(result_.locations, *result_.library);
 }
 

@@ -21,6 +21,7 @@ struct LibraryLoadInput {
     RootList candidates;
     std::set<std::string> forgotten;               // canonical
     std::optional<std::string> currentDestination; // canonical
+    std::shared_ptr<const SharedTextSet> publishedBaseIDs;
 };
 
 // What the entries don't tell of the current destination's index.

@@ -61,6 +61,7 @@ void LibraryLoader::loadEmailArchiveIndex(const std::optional<std::string>& curr
     const std::string signature = fmt::format("{}", fmt::join(input.candidates.roots(), "\x1f"));
     if (!force && isLoadNeedless(signature)) return;
     input.forgotten = forgottenLocations(context_.settings);
+    input.publishedBaseIDs = library_->baseIDs;
     startLoad(std::move(input), signature);
 }
 
@@ -124,13 +125,15 @@ void LibraryLoader::adoptLocations(const LibraryLoadResult& result) {
 void LibraryLoader::publish(SharedLibrary library, std::vector<ArchiveLocation> locations) {
     library_.swap(library);
     locations_ = std::move(locations);
-    ++baseIDsToken_;
+    // Equal sets have equal consequences, and those cost a pass over all messages.
+    const bool sameBaseIDs = library_->baseIDs == library->baseIDs;
+    if (!sameBaseIDs) ++baseIDsToken_;
     // Hundreds of thousands of records take their time to go.
     context_.tasks.run(TaskPriority::utility, std::stop_source(std::nostopstate),
                        [old = std::move(library)] {});
     Q_EMIT archivedEntriesChanged();
     Q_EMIT archiveLocationsChanged();
-    Q_EMIT archivedBaseIDsChanged();
+    if (!sameBaseIDs) Q_EMIT archivedBaseIDsChanged();
 }
 
 void LibraryLoader::loadCachedArchiveLibraryIfNeeded() {

@@ -51,7 +51,7 @@ class LibraryLoader : public QObject {
         return library_->baseIDs;
     }
 
-    // Raised each time the base ids are set.
+    // Raised each time the base ids become others.
     [[nodiscard]] std::int64_t archivedEmailBaseIDsToken() const { return baseIDsToken_; }
 
     // Of several variants or archives of one message, one. Null when it isn't archived; valid until the next

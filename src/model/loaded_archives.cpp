@@ -56,7 +56,8 @@ std::vector<LoadedArchive> dedupeLoadedArchives(std::vector<LoadedArchive> archi
     return kept;
 }
 
-SharedLibrary ArchivedLibrary::make(std::vector<ArchivedEntry> entries) {
+SharedLibrary ArchivedLibrary::make(std::vector<ArchivedEntry> entries,
+                                    const std::shared_ptr<const SharedTextSet>& earlierBaseIDs) {
     dropRepeatedEntries(entries);
     auto library = std::make_shared<ArchivedLibrary>();
     auto baseIDs = std::make_shared<SharedTextSet>();
@@ -68,7 +69,8 @@ SharedLibrary ArchivedLibrary::make(std::vector<ArchivedEntry> entries) {
         if (!baseIDs->contains(base)) baseIDs->insert(sharedBaseID(entries[i].record, base));
     }
     library->entries = std::make_shared<const std::vector<ArchivedEntry>>(std::move(entries));
-    library->baseIDs = std::move(baseIDs);
+    const bool isEqual = earlierBaseIDs && *earlierBaseIDs == *baseIDs;
+    library->baseIDs = isEqual ? earlierBaseIDs : std::move(baseIDs);
     return library;
 }
 

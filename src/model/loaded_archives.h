@@ -34,7 +34,11 @@ struct ArchivedLibrary {
 
     // Entry ids are unique from here on: of repeated record ids of one root, which no sound index has, the
     // first stays.
-    static std::shared_ptr<const ArchivedLibrary> make(std::vector<ArchivedEntry> entries);
+    // A set of base ids that equals `earlierBaseIDs` is that very set, which tells cheaply that nothing
+    // follows.
+    static std::shared_ptr<const ArchivedLibrary>
+    make(std::vector<ArchivedEntry> entries,
+         const std::shared_ptr<const SharedTextSet>& earlierBaseIDs = nullptr);
 
     [[nodiscard]] const ArchivedEntry* entryByBaseID(std::string_view baseID) const;
 };
