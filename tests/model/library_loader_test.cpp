@@ -33,6 +33,15 @@ struct LibraryRun {
         waitUntilIdle(context.tasks);
     }
 
+    // For loads beside something that hangs.
+    void loadUntilFinished(const std::string& destination) {
+        QEventLoop loop;
+        QObject::connect(&loader, &LibraryLoader::loadFinished, &loop, &QEventLoop::quit);
+        QTimer::singleShot(60s, &loop, &QEventLoop::quit);
+        loader.loadEmailArchiveIndex(destination, false);
+        loop.exec();
+    }
+
     [[nodiscard]] std::vector<std::string> ids() const {
         std::vector<std::string> ids;
         for (const ArchivedEntry& entry : *loader.archivedEntries()) ids.push_back(entry.record.id.str());
@@ -50,6 +59,26 @@ struct LibraryRun {
     LibraryLoader loader{context, nullptr, [this] { return now; }};
     int finishedLoads = 0;
     int baseIDChanges = 0;
+};
+
+// Holds up the next question for the mounted volumes.
+class Hang {
+  public:
+    explicit Hang(testing::ScriptedPlatform& platform) {
+        platform.onMountedVolumes([this, next = platform.mountedVolumesCalls() + 1](int call) {
+            if (call != next) return;
+            reached_.set_value();
+            released_.get_future().wait();
+        });
+    }
+
+    void waitUntilReached() { EXPECT_EQ(reached_.get_future().wait_for(60s), std::future_status::ready); }
+
+    void release() { released_.set_value(); }
+
+  private:
+    std::promise<void> reached_;
+    std::promise<void> released_;
 };
 
 using Ids = std::vector<std::string>;
@@ -220,22 +249,13 @@ TEST_F(Library, ALoadIsNotRepeatedWhileItRunsOrShortlyAfter) {
 TEST_F(Library, ALoadThatHangsIsOvertakenAndNeverPublished) {
     const std::string slow = writeArchive(home_, "slow", sampleIndex(1, {"mid:slow"}));
     const std::string fast = writeArchive(home_, "fast", sampleIndex(2, {"mid:fast"}));
-    std::promise<void> hanging, release;
-    platform_.onMountedVolumes([&](int call) {
-        if (call != 1) return;
-        hanging.set_value();
-        release.get_future().wait();
-    });
     LibraryRun run(platform_);
+    Hang hang(platform_);
     run.loader.loadEmailArchiveIndex(slow, false);
-    ASSERT_EQ(hanging.get_future().wait_for(60s), std::future_status::ready);
-    QEventLoop loop;
-    QObject::connect(&run.loader, &LibraryLoader::loadFinished, &loop, &QEventLoop::quit);
-    QTimer::singleShot(60s, &loop, &QEventLoop::quit);
-    run.loader.loadEmailArchiveIndex(fast, false);
-    loop.exec();
+    hang.waitUntilReached();
+    run.loadUntilFinished(fast);
     EXPECT_EQ(run.ids(), Ids{"mid:fast"});
-    release.set_value();
+    hang.release();
     waitUntilIdle(run.context.tasks);
     EXPECT_EQ(run.ids(), Ids{"mid:fast"});
     EXPECT_EQ(run.finishedLoads, 1);
@@ -338,29 +358,37 @@ TEST_F(Library, ADiskPulledDuringALoadDoesNotShowAsConnected) {
     platform_.plugIn("STICK");
     LibraryRun run(platform_);
     run.load(root);
-    // The last question of a load for the disks comes before its result.
-    const int questionsOfALoad = platform_.mountedVolumesCalls();
-    platform_.onMountedVolumes([&](int call) {
-        if (call != 2 * questionsOfALoad) return;
+    // A load asks for the volume at its end, when it has found the archive connected.
+    std::promise<void> shown;
+    platform_.onVolumeOf([&] {
         run.context.tasks.postToMain([&] {
             std::filesystem::rename(home_.at("Volumes"), home_.at("Pulled"));
             platform_.unplug();
             run.loader.refreshArchiveLocationConnectionStates();
         });
+        EXPECT_EQ(shown.get_future().wait_for(60s), std::future_status::ready);
     });
+    QObject::connect(
+        &run.loader, &LibraryLoader::archiveLocationsChanged, &run.loader, [&] { shown.set_value(); },
+        Qt::SingleShotConnection);
     run.load(root);
     EXPECT_FALSE(run.isConnected(root));
 }
 
 TEST_F(Library, ALateConnectionTestLeavesANewerLibraryAlone) {
-    const std::string old = writeArchive(home_, "old", sampleIndex(1, {"mid:old"}));
+    const std::string old = writeArchive(home_, "Volumes/STICK/Mail", sampleIndex(1, {"mid:old"}));
+    platform_.plugIn("STICK");
     LibraryRun run(platform_);
     run.load(old);
     const std::string fresh = writeArchive(home_, "fresh", sampleIndex(2, {"mid:fresh"}));
     std::filesystem::remove_all(old);
-    std::filesystem::remove_all(run.context.support.filePath("index-cache"));
+    Hang hang(platform_);
     run.loader.refreshArchiveLocationConnectionStates();
-    run.load(fresh);
+    hang.waitUntilReached();
+    run.loadUntilFinished(fresh);
+    platform_.unplug();
+    hang.release();
+    waitUntilIdle(run.context.tasks);
     EXPECT_EQ(run.loader.archiveLocations().size(), 1U);
     EXPECT_TRUE(run.isConnected(fresh));
 

@@ -176,6 +176,7 @@ TEST_F(LoadedArchives, UnsafePathsCountAsMissingAndAreNeverLookedAt) {
     EXPECT_TRUE(allGone(index, root));
     EXPECT_EQ(files_.operationCount(), 0U);
 
+    home_.makeFolder("archive/2019/a");
     index.records.push_back(sampleRecord(std::string(300, 'n')));
     EXPECT_TRUE(allGone(index, root)) << "no file has so long a name";
 }

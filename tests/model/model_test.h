@@ -49,6 +49,9 @@ class ScriptedPlatform : public platform::Platform {
     // Runs at each question for the mounted volumes, with its number from 1 on.
     void onMountedVolumes(std::function<void(int)> hook) { hook_ = std::move(hook); }
 
+    // Runs at each question for the volume of a path.
+    void onVolumeOf(std::function<void()> hook) { volumeOfHook_ = std::move(hook); }
+
     [[nodiscard]] int mountedVolumesCalls() const { return calls_; }
 
     [[nodiscard]] std::string realUserHomeDirectory() const override { return real_.realUserHomeDirectory(); }
@@ -71,6 +74,7 @@ class ScriptedPlatform : public platform::Platform {
     }
 
     [[nodiscard]] std::optional<platform::Volume> volumeOf(const std::string&) const override {
+        if (volumeOfHook_) volumeOfHook_();
         return volumeOfPaths_;
     }
 
@@ -106,6 +110,7 @@ class ScriptedPlatform : public platform::Platform {
     std::optional<platform::Volume> volumeOfPaths_;
     std::optional<std::string> fileSystemTypeName_;
     std::function<void(int)> hook_;
+    std::function<void()> volumeOfHook_;
     mutable std::atomic<int> calls_ = 0;
 };
 
