@@ -1,5 +1,8 @@
 #include "model/archive_index_cache.h"
 
+#include <fstream>
+#include <vector>
+
 #include <fmt/format.h>
 
 #include "model/archive_locations.h"
@@ -8,8 +11,6 @@
 #include "platform/durable_file.h"
 #include "platform/paths.h"
 #include "records/archive_index_file.h"
-#include "records/json_writer.h"
-#include "records/record_forms.h"
 #include "records/stable_hash.h"
 
 namespace corvane {
@@ -21,14 +22,26 @@ constexpr std::string_view folderName = "index-cache";
 // Room for millions of records. An index comes from outside and is read whole.
 constexpr std::int64_t largestIndexBytes = std::int64_t{2} << 30;
 
-std::optional<EmailArchiveIndex> readIndex(const std::string& path) {
-    if (platform::fileSize(path).value_or(0) > largestIndexBytes) return std::nullopt;
-    return readArchiveIndex(path);
+std::optional<std::string> contentOf(const std::string& path) {
+    return platform::readFile(path, largestIndexBytes);
 }
 
-bool fileHolds(const std::string& path, const std::string& content) {
-    const auto size = static_cast<std::int64_t>(content.size());
-    return platform::fileSize(path) == size && platform::readFile(path, size) == content;
+std::optional<EmailArchiveIndex> decoded(const std::optional<std::string>& content) {
+    return content ? decodeArchiveIndex(*content) : std::nullopt;
+}
+
+// In pieces: an index may be as large as the memory that is left.
+bool fileHolds(const std::string& path, std::string_view content) {
+    if (platform::fileSize(path) != static_cast<std::int64_t>(content.size())) return false;
+    std::ifstream file(path, std::ios::binary);
+    std::vector<char> piece(std::size_t{1} << 20);
+    while (!content.empty()) {
+        const std::string_view expected = content.substr(0, piece.size());
+        file.read(piece.data(), static_cast<std::streamsize>(expected.size()));
+        if (!file || std::string_view(piece.data(), expected.size()) != expected) return false;
+        content.remove_prefix(expected.size());
+    }
+    return true;
 }
 
 } // namespace
@@ -36,12 +49,13 @@ bool fileHolds(const std::string& path, const std::string& content) {
 std::optional<EmailArchiveIndex> ArchiveIndexCache::loadIndexWithCache(const std::string& archiveRoot,
                                                                        std::string_view key,
                                                                        bool connected) const {
-    if (!connected) return readIndex(indexCachePath(key));
+    if (!connected) return decoded(contentOf(indexCachePath(key)));
     const std::string indexPath = platform::joinPath(archiveRoot, archiveIndexFileName);
     const FilePresence presence = filePresence(support_.files(), indexPath);
     if (presence == FilePresence::present) {
-        auto index = readIndex(indexPath);
-        if (index) store(key, *index);
+        const auto content = contentOf(indexPath);
+        auto index = decoded(content);
+        if (index) store(key, *content);
         return index;
     }
     // Asked again, since a disk pulled a moment ago answers like a deleted folder.
@@ -58,8 +72,7 @@ void ArchiveIndexCache::remove(std::string_view key) const {
 }
 
 // An index seldom changes from one load to the next, and a durable write of a large one is dear.
-void ArchiveIndexCache::store(std::string_view key, const EmailArchiveIndex& index) const {
-    const std::string content = encodeJson(index);
+void ArchiveIndexCache::store(std::string_view key, const std::string& content) const {
     const std::string path = indexCachePath(key);
     if (fileHolds(path, content)) return;
     if (platform::createDirectories(support_.files(), support_.filePath(folderName))) return;

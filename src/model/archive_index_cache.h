@@ -30,7 +30,7 @@ class ArchiveIndexCache {
     void remove(std::string_view key) const;
 
   private:
-    void store(std::string_view key, const EmailArchiveIndex& index) const;
+    void store(std::string_view key, const std::string& content) const;
 
     const platform::Platform& platform_;
     CorvaneAppSupport support_;

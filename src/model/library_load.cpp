@@ -75,7 +75,10 @@ bool LibraryLoad::comesBack(const std::string& root, bool hasContent) {
 }
 
 void LibraryLoad::fill(std::vector<LoadedArchive> archives) {
+    std::size_t total = 0;
+    for (const LoadedArchive& archive : archives) total += archive.index.records.size();
     std::vector<ArchivedEntry> entries;
+    entries.reserve(total);
     for (LoadedArchive& archive : archives) {
         if (archive.rootPath == input_.currentDestination) {
             result_.destination = {archive.rootPath, archive.index.createdAt, archive.index.updatedAt};
