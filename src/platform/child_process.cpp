@@ -240,8 +240,7 @@ CapturedOutput runAndCapture(const std::string& executable, const std::vector<st
                         .arguments = arguments,
                         .standardInput = inputPipe.readEnd.get(),
                         .standardOutput = outputPipe.writeEnd.get(),
-                        .standardError = errorPipe.writeEnd.get(),
-                        .environment = {}});
+                        .standardError = errorPipe.writeEnd.get()});
     inputPipe.readEnd.reset();
     outputPipe.writeEnd.reset();
     errorPipe.writeEnd.reset();

@@ -23,15 +23,15 @@
 namespace corvane::platform {
 
 struct ChildProcessOptions {
-    std::string executable;             // absolute path, no search
-    std::vector<std::string> arguments; // without the program's name
+    std::string executable{};             // absolute path, no search
+    std::vector<std::string> arguments{}; // without the program's name
     // Descriptors of this process that become the child's 0, 1 and 2; -1 is /dev/null. They stay the
     // caller's.
     int standardInput = -1;
     int standardOutput = -1;
     int standardError = -1;
     // Added to this process's environment, in place of a variable of the same name.
-    std::vector<std::pair<std::string, std::string>> environment;
+    std::vector<std::pair<std::string, std::string>> environment{};
 };
 
 class ChildProcess {

@@ -12,8 +12,8 @@
 
 #include <fcntl.h>
 #include <linux/close_range.h>
-#include <sys/pidfd.h>
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 
 namespace corvane::platform {
@@ -154,6 +154,11 @@ void reapFailedChild(pid_t pid) noexcept {
     }
 }
 
+// Not by glibc's function: the header of 2.36 declares it without C linkage.
+FileDescriptor openProcessDescriptor(pid_t pid) noexcept {
+    return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0)));
+}
+
 StartedProcess startHere(const ChildProcessOptions& options) {
     Pipe errorPipe = makePipe();
     Launch launch;
@@ -166,7 +171,7 @@ StartedProcess startHere(const ChildProcessOptions& options) {
         reapFailedChild(pid);
         throw std::system_error(error, std::generic_category(), options.executable);
     }
-    return {pid, FileDescriptor(::pidfd_open(pid, 0))};
+    return {pid, openProcessDescriptor(pid)};
 }
 
 // The one thread that starts children. The death signal of PR_SET_PDEATHSIG comes when the starting *thread*

@@ -1,0 +1,108 @@
+#include "platform/file_layer.h"
+
+#include <algorithm>
+#include <regex>
+#include <vector>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/vfs.h>
+#include <unistd.h>
+
+#include "platform/directory.h"
+#include "platform/file_descriptor.h"
+#include "platform/temporary_file.h"
+#include "support/temporary_home.h"
+
+namespace corvane::platform {
+namespace {
+
+using testing::TemporaryHome;
+
+// Pages of the file that are in the page cache.
+std::size_t cachedPages(const std::string& path, std::size_t bytes) {
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY));
+    void* mapped = ::mmap(nullptr, bytes, PROT_READ, MAP_SHARED, file.get(), 0);
+    const auto pageSize = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    std::vector<unsigned char> resident((bytes + pageSize - 1) / pageSize);
+    EXPECT_EQ(::mincore(mapped, bytes, resident.data()), 0);
+    ::munmap(mapped, bytes);
+    return static_cast<std::size_t>(
+        std::ranges::count_if(resident, [](unsigned char page) { return page & 1; }));
+}
+
+bool keepsFilesInMemory(const std::string& folder) {
+    struct statfs status{};
+    return ::statfs(folder.c_str(), &status) != 0 || status.f_type == 0x01021994 ||
+           status.f_type == 0x794c7630;
+}
+
+TEST(FileLayer, BypassCache_LeavesNoPageOfAFileJustWritten) {
+    const TemporaryHome home;
+    if (keepsFilesInMemory(home.path()))
+        GTEST_SKIP() << "the temporary folder has no storage below its cache";
+    FileLayer& files = posixFileLayer();
+    constexpr std::size_t size = 300'000;
+    const std::string path = home.write("mail.eml", std::string(size, 'x'));
+    for (const bool isSynced : {true, false}) {
+        const FileDescriptor written(files.open(path, O_WRONLY | O_TRUNC, 0));
+        ASSERT_EQ(files.write(written.get(), std::string(size, 'y').data(), size),
+                  static_cast<ssize_t>(size));
+        ASSERT_EQ(isSynced ? files.sync(written.get()) : 0, 0);
+        ASSERT_GT(cachedPages(path, size), 0U);
+        const FileDescriptor reader(files.open(path, O_RDONLY, 0));
+        files.bypassCache(reader.get());
+        EXPECT_EQ(cachedPages(path, size), 0U) << "synced: " << isSynced;
+        EXPECT_EQ(readFile(path), std::string(size, 'y'));
+    }
+}
+
+TEST(FileLayer, RefusesNamesThatASystemCallWouldCutShort) {
+    const TemporaryHome home;
+    FileLayer& files = posixFileLayer();
+    const std::string victim = home.write("victim", "precious");
+    const std::string name = victim + std::string("\0.eml", 5);
+    struct stat status{};
+    EXPECT_EQ(files.open(name, O_WRONLY | O_TRUNC, 0), -1);
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_EQ(files.unlink(name), -1);
+    EXPECT_EQ(files.stat(name, status), -1);
+    EXPECT_EQ(files.rename(name, home.at("other")), -1);
+    EXPECT_EQ(files.rename(home.write("other", ""), name), -1);
+    EXPECT_EQ(files.makeDirectory(home.at("folder") + std::string("\0x", 2), 0755), -1);
+    EXPECT_EQ(readFile(victim), "precious");
+}
+
+TEST(FileLayer, OpensCloseOnExec) {
+    const TemporaryHome home;
+    const FileDescriptor file(posixFileLayer().open(home.at("f"), O_WRONLY | O_CREAT, 0644));
+    EXPECT_NE(::fcntl(file.get(), F_GETFD) & FD_CLOEXEC, 0);
+}
+
+TEST(TemporaryFile, IsPrivateAndGoesWithItsLastOwner) {
+    const TemporaryHome home;
+    std::string path;
+    {
+        TemporaryFile first(home.path(), "corvane-lines-", ".txt");
+        path = first.path();
+        EXPECT_TRUE(std::regex_match(
+            path.substr(home.path().size()),
+            std::regex(
+                "/corvane-lines-[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}\\.txt")));
+        struct stat status{};
+        ASSERT_EQ(::stat(path.c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 0777, 0600U);
+        TemporaryFile second(home.path(), "corvane-lines-", ".txt");
+        const std::string replaced = second.path();
+        second = std::move(first);
+        EXPECT_FALSE(fileExists(replaced));
+        EXPECT_EQ(::write(second.descriptor(), "x", 1), 1);
+        EXPECT_TRUE(fileExists(path));
+    }
+    EXPECT_FALSE(fileExists(path));
+    EXPECT_THROW(TemporaryFile(home.at("nothing"), "a", "b"), std::system_error);
+}
+
+} // namespace
+} // namespace corvane::platform

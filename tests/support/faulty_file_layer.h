@@ -1,0 +1,121 @@
+// A file layer over the real one that fails, shortens, falsifies, holds up or ends chosen operations, and
+// keeps a record of all. Thread-safe. It has to outlive every thread that uses it.
+//
+//     FaultyFileLayer files;
+//     files.inject({.at = 3, .effect = Effect::fail, .operation = FileOperation::write, .error = ENOSPC});
+//
+// To interrupt something at each of its operations: run it once to learn operationCount(), then once for each
+// k with Effect::crash at k, and losePower() before looking at what is left.
+#pragma once
+
+#include <cerrno>
+#include <condition_variable>
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/file_layer.h"
+
+namespace corvane::testing {
+
+enum class FileOperation {
+    open,
+    write,
+    read,
+    close,
+    sync,
+    fullSync,
+    bypassCache,
+    stat,
+    makeDirectory,
+    rename,
+    unlink
+};
+
+enum class Effect {
+    fail,         // -1 with `error`, and nothing happens
+    failFromHere, // this operation and all later ones that the fault applies to
+    shorten,      // a read or write moves half of its bytes (at least one)
+    corrupt,      // a read or write moves its bytes with one bit of the first one changed, and succeeds
+    hang,         // blocks until release(), then goes on as usual
+    crash,        // a write stops half way; from here on no operation has an effect, and all fail with EIO
+};
+
+struct Fault {
+    std::size_t at = 1; // counts from 1, among the operations that the fault applies to
+    Effect effect = Effect::fail;
+    std::optional<FileOperation> operation{}; // nothing: any
+    int error = EIO;
+};
+
+struct RecordedOperation {
+    FileOperation operation;
+    std::string path; // of the descriptor's open, for an operation on one
+};
+
+class FaultyFileLayer final : public platform::FileLayer {
+  public:
+    explicit FaultyFileLayer(platform::FileLayer& real = platform::posixFileLayer())
+      : real_(real) {}
+
+    // Counts from now on, whatever came before.
+    void inject(const Fault& fault);
+
+    // Called before each operation, on its thread and without a lock; set it before any operation.
+    void observe(std::function<void(const RecordedOperation&)> observer) { observer_ = std::move(observer); }
+
+    [[nodiscard]] std::size_t operationCount() const;
+    [[nodiscard]] std::size_t operationCount(FileOperation operation) const;
+    [[nodiscard]] std::vector<RecordedOperation> record() const;
+    [[nodiscard]] bool hasCrashed() const;
+
+    void waitUntilHanging(); // for the first operation that hangs
+    void release();          // lets all that hang go on, and takes such faults away
+
+    // Ends the layer as a crash does, and with it what only the cache held: files with writes that no sync
+    // followed are cut to nothing.
+    void losePower();
+
+    int open(const std::string& path, int flags, mode_t mode) override;
+    ssize_t write(int descriptor, const void* bytes, std::size_t count) override;
+    ssize_t read(int descriptor, void* bytes, std::size_t count) override;
+    int close(int descriptor) override;
+    int sync(int descriptor) override;
+    int fullSync(int descriptor) override;
+    void bypassCache(int descriptor) override;
+    int stat(const std::string& path, struct stat& result) override;
+    int makeDirectory(const std::string& path, mode_t mode) override;
+    int rename(const std::string& from, const std::string& to) override;
+    int unlink(const std::string& path) override;
+
+  private:
+    struct Pending {
+        Fault fault;
+        std::size_t seen = 0;
+    };
+
+    // The effect on this operation, after a hang if there is one. `crash` for every one after a crash.
+    std::optional<Fault> begin(FileOperation operation, const std::string& path);
+    std::optional<Fault> dueFault(FileOperation operation);
+    std::string pathOf(int descriptor) const;
+    int synced(FileOperation operation, int descriptor, int (platform::FileLayer::*call)(int));
+
+    platform::FileLayer& real_;
+    std::function<void(const RecordedOperation&)> observer_;
+    mutable std::mutex mutex_;
+    std::condition_variable changed_;
+    std::vector<Pending> faults_;
+    std::vector<RecordedOperation> record_;
+    std::map<int, std::string> openPaths_;
+    std::set<std::string> unsynced_;
+    std::size_t hanging_ = 0;
+    std::size_t releases_ = 0;
+    bool hasCrashed_ = false;
+};
+
+} // namespace corvane::testing
