@@ -215,17 +215,6 @@ void ChildProcess::terminateAndWait() {
     wait();
 }
 
-Pipe makePipe() {
-    std::array<int, 2> ends{};
-#ifdef __APPLE__
-    if (::pipe(ends.data()) != 0) throwLastError("pipe");
-    for (const int end : ends) ::fcntl(end, F_SETFD, FD_CLOEXEC);
-#else
-    if (::pipe2(ends.data(), O_CLOEXEC) != 0) throwLastError("pipe");
-#endif
-    return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
-}
-
 ssize_t writeToPipe(int descriptor, std::string_view bytes) noexcept {
     const PipeSignalBlock block;
     return ::write(descriptor, bytes.data(), bytes.size());

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -13,6 +14,7 @@
 #include <unistd.h>
 
 #include "platform/file_descriptor.h"
+#include "platform/nameable_path.h"
 
 namespace corvane::platform {
 
@@ -23,13 +25,6 @@ struct CloseDirectory {
 };
 
 using DirectoryStream = std::unique_ptr<DIR, CloseDirectory>;
-
-// The system calls would stop at a NUL and look at another file than the one named.
-bool isNameable(const std::string& path) noexcept {
-    if (path.find('\0') == std::string::npos) return true;
-    errno = EINVAL;
-    return false;
-}
 
 bool statOf(const std::string& path, struct stat& result) noexcept {
     return isNameable(path) && ::stat(path.c_str(), &result) == 0;
@@ -169,6 +164,13 @@ bool canReadAByte(const std::string& path) noexcept {
     const FileDescriptor file = openToRead(path);
     char byte = 0;
     return file && readSome(file.get(), &byte, 1) == 1;
+}
+
+std::optional<std::string> resolvedPath(const std::string& path) {
+    if (!isNameable(path)) return std::nullopt;
+    const std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(path.c_str(), nullptr), &std::free);
+    if (!resolved) return std::nullopt;
+    return resolved.get();
 }
 
 std::optional<std::vector<DirectoryEntry>> listDirectory(const std::string& path, HiddenEntries hidden,

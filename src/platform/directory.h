@@ -30,6 +30,9 @@ std::optional<std::int64_t> fileSize(const std::string& path) noexcept;
 // Opens the file and reads one byte: true only when a byte came.
 bool canReadAByte(const std::string& path) noexcept;
 
+// The absolute path with all links resolved; nothing when it leads nowhere or can't be followed.
+std::optional<std::string> resolvedPath(const std::string& path);
+
 enum class HiddenEntries { skip, include };
 
 // The entries in ascending byte order of their names, without "." and "..". Hidden entries begin with a dot.

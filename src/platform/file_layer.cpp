@@ -1,23 +1,16 @@
 #include "platform/file_layer.h"
 
-#include <cerrno>
 #include <cstdio>
 
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "platform/nameable_path.h"
 #include "platform/storage_flush.h"
 
 namespace corvane::platform {
 
 namespace {
-
-// A NUL would cut the name and let the call reach another file.
-bool isNameable(const std::string& path) noexcept {
-    if (path.find('\0') == std::string::npos) return true;
-    errno = EINVAL;
-    return false;
-}
 
 class PosixFileLayer final : public FileLayer {
   public:

@@ -1,4 +1,5 @@
-// The start of a child process, as child_process.h promises it, by the means of the system.
+// The start of a child process, as child_process.h promises it, by the means of the system. makePipe() of
+// that header is defined beside it, since systems differ there too.
 #pragma once
 
 #include <sys/types.h>

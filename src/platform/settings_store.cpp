@@ -1,9 +1,9 @@
 #include "platform/settings_store.h"
 
 #include <algorithm>
-#include <climits>
-#include <cstdlib>
+#include <filesystem>
 #include <string_view>
+#include <tuple>
 
 #include <rapidjson/document.h>
 #include <rapidjson/prettywriter.h>
@@ -104,35 +104,15 @@ std::string serialized(const Json& json) {
     return std::string(buffer.GetString(), buffer.GetSize()) + "\n";
 }
 
-// People keep their configuration elsewhere and link to it; the link then stays.
-std::string throughLinks(const std::string& path) {
-    const std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(path.c_str(), nullptr), &std::free);
-    return resolved ? resolved.get() : path;
-}
-
-// What tells one content of the file from the next without reading it.
-struct FileStamp {
-    bool exists = false;
-    dev_t device = 0;
-    ino_t inode = 0;
-    off_t size = 0;
-    timespec modified{};
-
-    bool operator==(const FileStamp& other) const {
-        return exists == other.exists && device == other.device && inode == other.inode &&
-               size == other.size && modified.tv_sec == other.modified.tv_sec &&
-               modified.tv_nsec == other.modified.tv_nsec;
-    }
-};
+// What tells one content of the file from the next without reading it; nothing when there is no file.
+using FileStamp = std::optional<std::tuple<dev_t, ino_t, off_t, std::filesystem::file_time_type>>;
 
 FileStamp stampOf(FileLayer& files, const std::string& path) {
     struct stat status{};
-    if (files.stat(path, status) != 0) return {};
-#ifdef __APPLE__
-    return {true, status.st_dev, status.st_ino, status.st_size, status.st_mtimespec};
-#else
-    return {true, status.st_dev, status.st_ino, status.st_size, status.st_mtim};
-#endif
+    std::error_code ignored;
+    if (files.stat(path, status) != 0) return std::nullopt;
+    return std::tuple(status.st_dev, status.st_ino, status.st_size,
+                      std::filesystem::last_write_time(path, ignored));
 }
 
 } // namespace
@@ -160,7 +140,7 @@ void SettingsStore::load() {
     document_->stamp = stampOf(files_, path_);
     const auto content = readFile(path_, sizeLimitBytes);
     auto json = content ? parsedSettings(*content) : nullptr;
-    document_->isDamaged = !json && document_->stamp.exists;
+    document_->isDamaged = !json && document_->stamp;
     if (json) document_->json = std::move(json);
 }
 
@@ -238,7 +218,8 @@ void SettingsStore::reloadIfChanged() {
 }
 
 void SettingsStore::save() {
-    const std::string target = throughLinks(path_);
+    // People keep their configuration elsewhere and link to it; the link then stays.
+    const std::string target = resolvedPath(path_).value_or(path_);
     if (createDirectories(files_, std::string(parentPath(target)))) return;
     if (document_->isDamaged && files_.rename(target, target + ".damaged") != 0) return;
     document_->isDamaged = false;

@@ -22,6 +22,7 @@ std::string FileURL::absoluteString() const {
 std::optional<FileURL> FileURL::fromAbsoluteString(std::string_view text) {
     if (!text.starts_with(scheme)) return std::nullopt;
     text.remove_prefix(scheme.size());
+    if (text.empty()) return FileURL();
     if (text.starts_with("localhost/")) text.remove_prefix(9);
     if (!text.starts_with('/')) return std::nullopt;
     auto path = text::percentDecoded(text);

@@ -25,10 +25,6 @@ std::string caseFolded(std::string_view text) {
     return folded;
 }
 
-bool asciiEqualsIgnoringCase(std::string_view a, std::string_view b) {
-    return std::ranges::equal(a, b, {}, asciiLower, asciiLower);
-}
-
 } // namespace
 
 std::string asciiLowercased(std::string_view text) {
@@ -58,7 +54,7 @@ std::string lowercased(std::string_view text) {
 }
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {
-    if (isAscii(a) && isAscii(b)) return asciiEqualsIgnoringCase(a, b);
+    if (isAscii(a) && isAscii(b)) return std::ranges::equal(a, b, {}, asciiLower, asciiLower);
     return caseFolded(a) == caseFolded(b);
 }
 

@@ -48,29 +48,6 @@ Converter openStrict(const char* name) {
     return converter;
 }
 
-std::optional<std::string> convertStrictly(UConverter* to, UConverter* from, std::string_view bytes) {
-    std::array<UChar, 1024> pivot;
-    UChar* pivotSource = pivot.data();
-    UChar* pivotTarget = pivot.data();
-    const char* source = bytes.data();
-    const char* const sourceEnd = source + bytes.size();
-    std::string result(bytes.size() + bytes.size() / 2 + 16, '\0');
-    std::size_t written = 0;
-    for (UBool reset = true;; reset = false) {
-        char* target = result.data() + written;
-        UErrorCode status = U_ZERO_ERROR;
-        ucnv_convertEx(to, from, &target, result.data() + result.size(), &source, sourceEnd, pivot.data(),
-                       &pivotSource, &pivotTarget, pivot.data() + pivot.size(), reset, true, &status);
-        written = static_cast<std::size_t>(target - result.data());
-        if (status != U_BUFFER_OVERFLOW_ERROR) {
-            if (U_FAILURE(status)) return std::nullopt;
-            result.resize(written);
-            return result;
-        }
-        result.resize(result.size() * 2);
-    }
-}
-
 } // namespace
 
 bool isValidUtf8(std::string_view bytes) noexcept {
@@ -130,7 +107,20 @@ std::optional<std::string> fromGb18030(std::string_view bytes) {
     // ICU's converters keep state between calls and are no more than thread-local for it.
     thread_local const Converter gb18030 = openStrict("gb18030");
     thread_local const Converter utf8 = openStrict("UTF-8");
-    return convertStrictly(utf8.get(), gb18030.get(), bytes);
+    std::array<UChar, 1024> pivot;
+    UChar* pivotSource = pivot.data();
+    UChar* pivotTarget = pivot.data();
+    const char* source = bytes.data();
+    // No sequence grows by more than from two bytes to three.
+    std::string text(bytes.size() + bytes.size() / 2 + 1, '\0');
+    char* target = text.data();
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_convertEx(utf8.get(), gb18030.get(), &target, text.data() + text.size(), &source,
+                   source + bytes.size(), pivot.data(), &pivotSource, &pivotTarget,
+                   pivot.data() + pivot.size(), true, true, &status);
+    if (U_FAILURE(status)) return std::nullopt;
+    text.resize(static_cast<std::size_t>(target - text.data()));
+    return text;
 }
 
 } // namespace corvane::text

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <mutex>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -54,8 +55,7 @@ class IdlePool {
         const std::lock_guard lock(mutex_);
         try {
             idle_.push_back(std::move(object));
-        } catch (const std::bad_alloc&) {
-            object.reset();
+        } catch (const std::bad_alloc&) { // NOLINT: then there is one idle object less
         }
     }
 

@@ -71,11 +71,14 @@ std::vector<ReplacementPiece> parseReplacement(std::string_view replacement, std
     return pieces;
 }
 
-// In ICU's unit, 10,000 saved backtracking states: a million for any text, and 100 a byte.
+// In ICU's unit, 10,000 saved backtracking states: a million for any text, and 16 more a byte.
 std::int32_t stepLimit(std::size_t textSize) {
     return static_cast<std::int32_t>(
-        std::min<std::size_t>(100 + textSize / 100, std::numeric_limits<std::int32_t>::max()));
+        std::min<std::size_t>(100 + textSize / 625, std::numeric_limits<std::int32_t>::max()));
 }
+
+constexpr std::int32_t backtrackingBytes = 8'000'000;
+constexpr std::int32_t idleBacktrackingBytes = 65'536;
 
 } // namespace
 
@@ -103,11 +106,15 @@ void Regex::Compiled::forEachMatch(std::string_view text, Use use) const {
     const auto matcher = matchers.take([this] { return newMatcher(); });
     Utf8Text input(text);
     UErrorCode status = U_ZERO_ERROR;
-    matcher->reset(input.get());
+    matcher->setStackLimit(backtrackingBytes, status);
     matcher->setTimeLimit(stepLimit(text.size()), status);
     requireSuccess(status, "RegexMatcher::setTimeLimit");
+    matcher->reset(input.get());
     while (matcher->find(status) && U_SUCCESS(status) && use(currentMatch(*matcher))) {
     }
+    // One hostile text would otherwise leave megabytes with every idle matcher.
+    UErrorCode ignored = U_ZERO_ERROR;
+    matcher->setStackLimit(idleBacktrackingBytes, ignored);
 }
 
 std::string_view RegexMatch::group(std::size_t index, std::string_view text) const {

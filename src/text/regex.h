@@ -1,6 +1,6 @@
 // Regular expressions of ICU syntax over UTF-8. A pattern is compiled once and may be used from many threads
 // at a time. Matching has a step limit that grows with the text, so that a hostile text costs bounded time:
-// past it, or past ICU's limit of 8 MB for backtracking, there is no further match.
+// past it, or past 8 MB of backtracking state, there is no further match.
 #pragma once
 
 #include <cstddef>

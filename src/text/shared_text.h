@@ -24,15 +24,22 @@ class SharedText {
   public:
     SharedText() noexcept = default;
 
-    SharedText(std::string_view text) : block_(text.empty() ? nullptr : makeBlock(text)) {} // NOLINT: implicit
+    SharedText(std::string_view text)
+      : block_(text.empty() ? nullptr : makeBlock(text)) {} // NOLINT: implicit
 
-    SharedText(const std::string& text) : SharedText(std::string_view(text)) {} // NOLINT: implicit
+    SharedText(const std::string& text)
+      : SharedText(std::string_view(text)) {} // NOLINT: implicit
 
-    SharedText(const char* text) : SharedText(std::string_view(text)) {} // NOLINT: implicit
+    SharedText(const char* text)
+      : SharedText(std::string_view(text)) {} // NOLINT: implicit
 
-    SharedText(const SharedText& other) noexcept : block_(other.block_) { retain(); }
+    SharedText(const SharedText& other) noexcept
+      : block_(other.block_) {
+        retain();
+    }
 
-    SharedText(SharedText&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
+    SharedText(SharedText&& other) noexcept
+      : block_(std::exchange(other.block_, nullptr)) {}
 
     SharedText& operator=(SharedText other) noexcept {
         std::swap(block_, other.block_);
@@ -92,7 +99,8 @@ class SharedText {
     }
 
     void release() noexcept {
-        if (block_ != nullptr && block_->references.fetch_sub(1, std::memory_order_acq_rel) == 1) destroy(block_);
+        if (block_ != nullptr && block_->references.fetch_sub(1, std::memory_order_acq_rel) == 1)
+            destroy(block_);
     }
 
     Block* block_ = nullptr;
@@ -102,7 +110,9 @@ class SharedText {
 struct TextHash {
     using is_transparent = void;
 
-    std::size_t operator()(std::string_view text) const noexcept { return std::hash<std::string_view>()(text); }
+    std::size_t operator()(std::string_view text) const noexcept {
+        return std::hash<std::string_view>()(text);
+    }
 };
 
 using TextEqual = std::equal_to<>;

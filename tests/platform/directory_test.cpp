@@ -74,7 +74,8 @@ TEST(Directory, FailuresAreToldFromEmptyResults) {
 
 TEST(Directory, ReadFile_TakesOnlyRegularFilesWithinTheLimit) {
     const TemporaryHome home;
-    const std::string content = "a\0b"s + std::string(300'000, 'x');
+    std::string content = "a\0b"s;
+    content.append(300'000, 'x');
     home.write("file", content);
     home.write("empty", "");
     ASSERT_EQ(::mkfifo(home.at("x.emlx").c_str(), 0600), 0);

@@ -38,7 +38,7 @@ class DurableFile : public ::testing::TestWithParam<bool> {
   protected:
     const TemporaryHome home_;
     const std::string old_ = std::string(3'000'000, 'o');
-    const std::string new_ = std::string(2'500'000, 'n') + "end";
+    const std::string new_ = std::string(2'500'000, 'n').append("end");
     const std::string path_ = home_.write("folder/index.json", old_);
     const std::string folder_ = home_.at("folder");
 };
@@ -108,6 +108,10 @@ TEST_P(DurableFile, Write_CutByACrashOrAPowerLossAnywhereLeavesOldOrNew) {
         EXPECT_TRUE(content == old_ || content == new_) << "crash at operation " << k;
         home_.write("folder/index.json", old_);
     }
+    FaultyFileLayer files;
+    ASSERT_FALSE(write(files, path_, new_, GetParam()));
+    files.losePower();
+    EXPECT_EQ(readFile(path_), new_) << "a save that was reported as done";
 }
 
 TEST_P(DurableFile, Write_ToleratesFoldersThatCannotBeSynced) {

@@ -1,10 +1,10 @@
 #include "platform/file_layer.h"
 
 #include <algorithm>
-#include <regex>
 #include <vector>
 
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/vfs.h>
@@ -86,10 +86,9 @@ TEST(TemporaryFile, IsPrivateAndGoesWithItsLastOwner) {
     {
         TemporaryFile first(home.path(), "corvane-lines-", ".txt");
         path = first.path();
-        EXPECT_TRUE(std::regex_match(
-            path.substr(home.path().size()),
-            std::regex(
-                "/corvane-lines-[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}\\.txt")));
+        EXPECT_THAT(path.substr(home.path().size()),
+                    ::testing::MatchesRegex("/corvane-lines-[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB]"
+                                            "[0-9A-F]{3}-[0-9A-F]{12}\\.txt"));
         struct stat status{};
         ASSERT_EQ(::stat(path.c_str(), &status), 0);
         EXPECT_EQ(status.st_mode & 0777, 0600U);

@@ -1,9 +1,14 @@
 #include "support/faulty_file_layer.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <ranges>
 
 #include <fcntl.h>
-#include <unistd.h>
+
+#include "platform/directory.h"
+#include "platform/paths.h"
 
 namespace corvane::testing {
 
@@ -66,8 +71,11 @@ void FaultyFileLayer::release() {
 void FaultyFileLayer::losePower() {
     const std::lock_guard lock(mutex_);
     hasCrashed_ = true;
-    for (const auto& path : unsynced_) [[maybe_unused]]
-        const int ignored = ::truncate(path.c_str(), 0);
+    for (const auto& path : unsynced_) std::ofstream(path, std::ios::trunc);
+    for (const Rename& rename : std::views::reverse(unsyncedRenames_)) {
+        ::rename(rename.to.c_str(), rename.from.c_str());
+        if (rename.replaced) std::ofstream(rename.to, std::ios::binary) << *rename.replaced;
+    }
 }
 
 std::optional<Fault> FaultyFileLayer::dueFault(FileOperation operation) {
@@ -161,7 +169,10 @@ int FaultyFileLayer::synced(FileOperation operation, int descriptor, int (platfo
     if (prevents(begin(operation, path))) return -1;
     const int result = (real_.*call)(descriptor);
     const std::lock_guard lock(mutex_);
-    if (result == 0) unsynced_.erase(path);
+    if (result != 0) return result;
+    unsynced_.erase(path);
+    std::erase_if(unsyncedRenames_,
+                  [&](const Rename& rename) { return platform::parentPath(rename.to) == path; });
     return result;
 }
 
@@ -187,9 +198,11 @@ int FaultyFileLayer::makeDirectory(const std::string& path, mode_t mode) {
 
 int FaultyFileLayer::rename(const std::string& from, const std::string& to) {
     if (prevents(begin(FileOperation::rename, from))) return -1;
+    Rename done{from, to, platform::readFile(to)};
     const int result = real_.rename(from, to);
     const std::lock_guard lock(mutex_);
     if (result != 0) return result;
+    unsyncedRenames_.push_back(std::move(done));
     unsynced_.erase(to);
     if (unsynced_.erase(from) > 0) unsynced_.insert(to);
     return result;

@@ -78,7 +78,7 @@ class FaultyFileLayer final : public platform::FileLayer {
     void release();          // lets all that hang go on, and takes such faults away
 
     // Ends the layer as a crash does, and with it what only the cache held: files with writes that no sync
-    // followed are cut to nothing.
+    // followed are cut to nothing, renames that no sync of the folder followed are undone.
     void losePower();
 
     int open(const std::string& path, int flags, mode_t mode) override;
@@ -99,6 +99,11 @@ class FaultyFileLayer final : public platform::FileLayer {
         std::size_t seen = 0;
     };
 
+    struct Rename {
+        std::string from, to;
+        std::optional<std::string> replaced; // the content that was at `to`
+    };
+
     // The effect on this operation, after a hang if there is one. `crash` for every one after a crash.
     std::optional<Fault> begin(FileOperation operation, const std::string& path);
     std::optional<Fault> dueFault(FileOperation operation);
@@ -113,6 +118,7 @@ class FaultyFileLayer final : public platform::FileLayer {
     std::vector<RecordedOperation> record_;
     std::map<int, std::string> openPaths_;
     std::set<std::string> unsynced_;
+    std::vector<Rename> unsyncedRenames_;
     std::size_t hanging_ = 0;
     std::size_t releases_ = 0;
     bool hasCrashed_ = false;

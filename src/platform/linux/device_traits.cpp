@@ -1,8 +1,6 @@
 #include "platform/linux/mount_table.h"
 
 #include <cctype>
-#include <cstdlib>
-#include <memory>
 
 #include "platform/directory.h"
 #include "platform/paths.h"
@@ -13,11 +11,6 @@ namespace {
 
 // dm-crypt on LVM on RAID is three deep.
 constexpr int stackingLimit = 8;
-
-std::string resolvedPath(const std::string& path) {
-    const std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(path.c_str(), nullptr), &std::free);
-    return resolved ? resolved.get() : "";
-}
 
 // One word of an attribute file; empty when there is none.
 std::string attribute(const std::string& path) {
@@ -57,8 +50,8 @@ void addTraits(const std::string& sysRoot, const std::string& device, DeviceTrai
     const auto below = listDirectory(joinPath(disk, "slaves"), HiddenEntries::skip);
     if (below && !below->empty() && depth < stackingLimit) {
         for (const auto& entry : *below) {
-            const std::string slave = resolvedPath(joinPath(joinPath(disk, "slaves"), entry.name));
-            if (!slave.empty()) addTraits(sysRoot, slave, traits, depth + 1);
+            const auto slave = resolvedPath(joinPath(joinPath(disk, "slaves"), entry.name));
+            if (slave) addTraits(sysRoot, *slave, traits, depth + 1);
         }
         return;
     }
@@ -70,9 +63,9 @@ void addTraits(const std::string& sysRoot, const std::string& device, DeviceTrai
 
 DeviceTraits deviceTraits(const std::string& sysRoot, const std::string& device) {
     DeviceTraits traits;
-    const std::string root = resolvedPath(sysRoot);
-    const std::string folder = resolvedPath(joinPath(sysRoot, "dev/block/" + device));
-    if (!root.empty() && !folder.empty()) addTraits(root, folder, traits, 0);
+    const auto root = resolvedPath(sysRoot);
+    const auto folder = resolvedPath(joinPath(sysRoot, "dev/block/" + device));
+    if (root && folder) addTraits(*root, *folder, traits, 0);
     return traits;
 }
 

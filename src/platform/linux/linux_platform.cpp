@@ -1,6 +1,5 @@
-#include <array>
 #include <cerrno>
-#include <climits>
+#include <cstdint>
 #include <cstdlib>
 
 #include <pwd.h>
@@ -71,11 +70,10 @@ Volume describedVolume(const MountEntry& mount) {
 
 std::optional<MountEntry> mountOf(const std::string& path) {
     const auto existing = nearestExisting(path);
-    if (!existing) return std::nullopt;
-    std::array<char, PATH_MAX> resolved{};
-    if (::realpath(existing->c_str(), resolved.data()) == nullptr) return std::nullopt;
+    const auto resolved = existing ? resolvedPath(*existing) : std::nullopt;
+    if (!resolved) return std::nullopt;
     const auto table = mountTable();
-    const MountEntry* mount = mountHolding(table, resolved.data());
+    const MountEntry* mount = mountHolding(table, *resolved);
     if (mount == nullptr) return std::nullopt;
     return *mount;
 }

@@ -136,7 +136,7 @@ bool takeStandardStreams(const Launch& launch) noexcept {
 [[gnu::noinline]] pid_t startChild(const Launch& launch) noexcept {
     const pid_t pid = ::vfork();
     if (pid == 0) runInChild(launch);
-    return pid;
+    return pid < 0 ? -errno : pid;
 }
 
 // The error that kept the child from its program; 0 when it runs.
@@ -159,21 +159,6 @@ FileDescriptor openProcessDescriptor(pid_t pid) noexcept {
     return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0)));
 }
 
-StartedProcess startHere(const ChildProcessOptions& options) {
-    Pipe errorPipe = makePipe();
-    Launch launch;
-    prepare(launch, options, errorPipe.writeEnd.get());
-    errorPipe.writeEnd.reset();
-    const pid_t pid = startChild(launch);
-    if (pid < 0) throwLastError("vfork");
-    launch.errorWriter.reset();
-    if (const int error = startError(errorPipe.readEnd.get()); error != 0) {
-        reapFailedChild(pid);
-        throw std::system_error(error, std::generic_category(), options.executable);
-    }
-    return {pid, openProcessDescriptor(pid)};
-}
-
 // The one thread that starts children. The death signal of PR_SET_PDEATHSIG comes when the starting *thread*
 // ends, so a child started by a short task would be killed in the middle of its work; this thread ends with
 // the process and not before.
@@ -185,9 +170,10 @@ class Starter {
         return *starter;
     }
 
-    StartedProcess start(const ChildProcessOptions& options) {
-        std::packaged_task<StartedProcess()> task([&options] { return startHere(options); });
-        std::future<StartedProcess> result = task.get_future();
+    // As vfork(2), with errno as a negative result.
+    pid_t start(const Launch& launch) {
+        std::packaged_task<pid_t()> task([&launch] { return startChild(launch); });
+        std::future<pid_t> result = task.get_future();
         {
             const std::lock_guard lock(mutex_);
             tasks_.push_back(std::move(task));
@@ -208,7 +194,7 @@ class Starter {
         while (true) next()();
     }
 
-    std::packaged_task<StartedProcess()> next() {
+    std::packaged_task<pid_t()> next() {
         std::unique_lock lock(mutex_);
         added_.wait(lock, [this] { return !tasks_.empty(); });
         auto task = std::move(tasks_.front());
@@ -218,13 +204,28 @@ class Starter {
 
     std::mutex mutex_;
     std::condition_variable added_;
-    std::deque<std::packaged_task<StartedProcess()>> tasks_;
+    std::deque<std::packaged_task<pid_t()>> tasks_;
 };
 
 } // namespace
 
+Pipe makePipe() {
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) throwLastError("pipe");
+    return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
+}
+
 StartedProcess startProcess(const ChildProcessOptions& options) {
-    return Starter::instance().start(options);
+    Pipe errorPipe = makePipe();
+    Launch launch;
+    prepare(launch, options, errorPipe.writeEnd.get());
+    errorPipe.writeEnd.reset();
+    const pid_t pid = Starter::instance().start(launch);
+    launch.errorWriter.reset();
+    const int error = pid < 0 ? -pid : startError(errorPipe.readEnd.get());
+    if (error == 0) return {pid, openProcessDescriptor(pid)};
+    if (pid > 0) reapFailedChild(pid);
+    throw std::system_error(error, std::generic_category(), options.executable);
 }
 
 } // namespace corvane::platform

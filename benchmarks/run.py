@@ -1,0 +1,160 @@
+#!/usr/bin/env python3
+"""Runs the measures beside their floors, alternating within one run, in fresh folders. Absolute times mean nothing from
+one machine to the next; the ratios do."""
+
+import argparse
+import json
+import os
+import pathlib
+import shutil
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+BIN = ROOT / "build" / "release" / "bin"
+
+
+def run(command, stdout=subprocess.PIPE):
+    """Wall seconds, standard output and peak memory in bytes of a program that must succeed."""
+    start = time.perf_counter()
+    with tempfile.TemporaryFile() as errors:
+        child = subprocess.Popen([str(part) for part in command], stdout=stdout, stderr=errors)
+        output = child.stdout.read() if child.stdout else b""
+        _, status, usage = os.wait4(child.pid, 0)
+        child.returncode = os.waitstatus_to_exitcode(status)
+        if child.returncode not in (0, 3):
+            errors.seek(0)
+            sys.exit(f"{command}: exit {child.returncode}\n{errors.read()[-2000:].decode(errors='replace')}")
+    return time.perf_counter() - start, output, usage.ru_maxrss * 1024
+
+
+def printed_seconds(command):
+    """Seconds that the program itself measured and printed."""
+    _, output, peak = run(command)
+    return float(output), peak
+
+
+class Bench:
+    def __init__(self, work, rounds, messages):
+        self.work = work
+        self.rounds = rounds
+        self.messages = messages
+        self.results = []
+        self.counter = 0
+
+    def fresh(self, name):
+        """A path that didn't exist before: creating files in a tree just deleted is slow."""
+        self.counter += 1
+        return self.work / f"{name}-{self.counter}"
+
+    def compare(self, name, ours, floor, goal, per_message_of=None):
+        times, floors, peaks = [], [], []
+        for _ in range(self.rounds):
+            seconds, _ = floor()
+            floors.append(seconds)
+            seconds, peak = ours()
+            times.append(seconds)
+            peaks.append(peak)
+        result = {
+            "measure": name,
+            "ours": round(statistics.median(times), 4),
+            "floor": round(statistics.median(floors), 4),
+            "ratio": round(statistics.median(times) / statistics.median(floors), 3),
+            "goal": goal,
+            "peakBytes": max(peaks),
+        }
+        if per_message_of:
+            result["peakBytesPerMessage"] = round(max(peaks) / per_message_of)
+        self.results.append(result)
+        print(f"{name}: {result['ours']} s, floor {result['floor']} s, ratio {result['ratio']}", file=sys.stderr)
+
+    def store(self, count):
+        home = self.work / f"home-{count}"
+        if not home.exists():
+            maker = [sys.executable, ROOT / "tools" / "make_sample_store.py", "--messages", count, "--no-manifest",
+                     "--quiet", home]
+            run(maker)
+        return home
+
+    def refresh(self):
+        home = self.store(self.messages)
+        index = home / "Library/Mail/V10/MailData/Envelope Index"
+        query = (ROOT / "benchmarks" / "candidate_query.sql").read_text(encoding="utf-8")
+        target = self.work / "rows.json"
+
+        def floor():
+            with open(target, "wb") as output:
+                seconds, _, peak = run(["/usr/bin/sqlite3", "-readonly", "-json", index, query], stdout=output)
+            return seconds, peak
+
+        def ours(command):
+            def measured():
+                shutil.rmtree(home / ".local", ignore_errors=True)
+                if command == "scan":
+                    run([BIN / "corvane-cli", "--home", home, "--json", "accounts"])
+                _, output, peak = run([BIN / "corvane-cli", "--home", home, "--json", command])
+                return json.loads(output)["scanSeconds"], peak
+            return measured
+
+        self.compare(f"scan of {self.messages} messages to the published list", ours("scan"), floor, "<= 1.35",
+                     self.messages)
+        self.compare(f"refresh of {self.messages} messages, accounts included", ours("refresh"), floor, "<= 1.35",
+                     self.messages)
+
+    def archive(self):
+        count = 5000
+        source = self.work / "emlx"
+        if not source.exists():
+            run([BIN / "measure_archive_run", "make", count, source])
+        self.compare(
+            f"archive run of {count} files of 6 KB",
+            lambda: printed_seconds([BIN / "measure_archive_run", "run", source, self.fresh("archive")]),
+            lambda: printed_seconds([BIN / "floor_archive_writes", source, self.fresh("floor")]), "<= 1.3")
+
+    def cache(self):
+        count = 500000
+        cache = self.work / "cache.json"
+        if not cache.exists():
+            run([BIN / "measure_scan_cache", "make", count, cache])
+        self.compare(f"scan cache of {count} messages, read",
+                     lambda: printed_seconds([BIN / "measure_scan_cache", "read", cache]),
+                     lambda: printed_seconds([BIN / "floor_scan_cache_read", cache]), "<= 1.5", count)
+        self.compare(f"scan cache of {count} messages, written",
+                     lambda: printed_seconds([BIN / "measure_scan_cache", "write", cache, self.fresh("cache")]),
+                     lambda: printed_seconds([BIN / "floor_scan_cache_write", cache, self.fresh("cache")]), "<= 1.3",
+                     count)
+
+    def table(self):
+        print(f"{'measure':58} {'ours':>9} {'floor':>9} {'ratio':>7} {'goal':>8} {'peak MB':>8} {'B/message':>10}")
+        for row in self.results:
+            per_message = row.get("peakBytesPerMessage", "")
+            print(f"{row['measure']:58} {row['ours']:>9} {row['floor']:>9} {row['ratio']:>7} {row['goal']:>8} "
+                  f"{row['peakBytes'] // 1000000:>8} {per_message:>10}")
+        print(json.dumps(self.results, ensure_ascii=False))
+
+
+def main():
+    measures = ["refresh", "archive", "cache"]
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("measure", nargs="*", choices=[[], *measures], help="all when none is named")
+    parser.add_argument("--messages", type=int, default=200000, help="messages of the refresh")
+    parser.add_argument("--rounds", type=int, default=3)
+    parser.add_argument("--work", type=pathlib.Path, help="a folder to keep between runs")
+    options = parser.parse_args()
+    work = options.work or pathlib.Path(tempfile.mkdtemp(prefix="corvane-bench-"))
+    work.mkdir(parents=True, exist_ok=True)
+    try:
+        bench = Bench(work, options.rounds, options.messages)
+        for name in options.measure or measures:
+            getattr(bench, name)()
+        bench.table()
+    finally:
+        if not options.work:
+            shutil.rmtree(work, ignore_errors=True)
+
+
+if __name__ == "__main__":
+    main()

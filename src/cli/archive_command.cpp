@@ -1,0 +1,111 @@
+#include <fmt/format.h>
+
+#include "cli/commands.h"
+#include "cli/exit_status.h"
+#include "cli/output.h"
+#include "cli/progress_line.h"
+#include "platform/paths.h"
+#include "records/console_log.h"
+#include "records/formatters.h"
+
+namespace corvane::cli {
+
+namespace {
+
+// An archive run needs a scan; a first run makes it.
+void provideScan(Session& session) {
+    session.restoreLastScan();
+    ScanFlow& scan = session.model().scanFlow();
+    if (scan.state().kind == MailScanState::Kind::finished) return;
+    consoleLine("还没有扫描结果，先扫描全部邮件。");
+    scan.refreshAllMailData();
+    session.waitUntilIdle();
+    if (scan.state().kind == MailScanState::Kind::failed) throw CommandFailure(scan.state().text);
+}
+
+void select(Session& session, const ArchiveOptions& options) {
+    CorvaneViewModel& model = session.model();
+    ModelFilters& filters = model.filters();
+    filters.setFilterAccountPrefixes({options.accounts.begin(), options.accounts.end()});
+    filters.setArchiveFilterYears({options.years.begin(), options.years.end()});
+    filters.setMinimumCandidateBytes(options.minimumBytes);
+    filters.setTransferMaxYear(options.maximumYear);
+    model.destinations().setTransferDestination(platform::standardizedPath(options.destination));
+    session.waitUntilIdle();
+    if (options.limit) {
+        model.archive().selectFirstArchiveCandidates(static_cast<std::size_t>(*options.limit));
+    } else {
+        model.archive().selectAllArchiveCandidates();
+    }
+}
+
+EmailArchiveRunResult runToEnd(Session& session) {
+    CorvaneViewModel& model = session.model();
+    ProgressLine line;
+    const auto shown = QObject::connect(&model.archive(), &ArchiveControl::progressChanged, [&] {
+        const auto& progress = model.archive().emailArchiveProgress();
+        if (progress) line.show(progress->statusText, progress->fraction());
+    });
+    std::optional<ArchiveControl::RunOutcome> outcome;
+    model.archiveSelectedEmails([&](ArchiveControl::RunOutcome value) { outcome = std::move(value); });
+    session.waitUntilIdle([&] { model.archive().cancelEmailArchive(); });
+    QObject::disconnect(shown);
+    if (!outcome) throw CommandFailure("归档任务没有返回结果。");
+    if (!*outcome) throw CommandFailure(outcome->error());
+    return std::move(**outcome);
+}
+
+void printJson(const EmailArchiveRunResult& result) {
+    JsonDocument document;
+    document.object([&] {
+        document.member("archivedCount", result.archivedCount);
+        document.member("skippedAlreadyArchived", result.skippedAlreadyArchived);
+        document.member("failedCount", result.failedCount);
+        document.member("archivedBytes", result.archivedBytes);
+        document.member("indexPath", result.indexURL.path());
+        document.member("wasCancelled", result.wasCancelled);
+        document.member("variantWarnings", result.variantWarnings);
+        document.key("failures");
+        document.array([&] {
+            for (const EmailArchiveFailure& failure : result.failures) {
+                document.object([&] {
+                    document.member("subject", failure.subject);
+                    document.member("messageFilePath", failure.messageFileURL.path());
+                    document.member("reason", failure.reason);
+                });
+            }
+        });
+    });
+    document.print();
+}
+
+void printReadable(const EmailArchiveRunResult& result) {
+    printText(fmt::format("{}：归档 {} 封（{}），已在归档中 {} 封，失败 {} 封", result.wasCancelled ? "已中止" : "归档完成",
+                          result.archivedCount, formatByteCount(result.archivedBytes), result.skippedAlreadyArchived,
+                          result.failedCount));
+    for (const EmailArchiveFailure& failure : result.failures) {
+        printText(fmt::format("失败：{} — {}（{}）", failure.subject, failure.reason, failure.messageFileURL.path()));
+    }
+    for (const std::string& warning : result.variantWarnings) printText(fmt::format("注意：{}", warning));
+    printText(fmt::format("索引：{}", result.indexURL.path()));
+}
+
+} // namespace
+
+int runArchive(Session& session, const ArchiveOptions& options, bool json) {
+    provideScan(session);
+    select(session, options);
+    EmailArchiveRunResult result;
+    if (session.model().archive().selectedArchiveMessageIDs().empty()) {
+        const std::string root = platform::standardizedPath(options.destination);
+        result.indexURL = FileURL(platform::joinPath(root, archiveIndexFileName));
+    } else {
+        result = runToEnd(session);
+    }
+    if (json) printJson(result);
+    else printReadable(result);
+    if (session.wasInterrupted()) return interrupted;
+    return result.hasIssues() ? doneWithIssues : done;
+}
+
+} // namespace corvane::cli

@@ -1,0 +1,156 @@
+#include "cli/command_line.h"
+
+#include <functional>
+#include <map>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "cli/commands.h"
+#include "cli/exit_status.h"
+#include "cli/output.h"
+#include "platform/directory.h"
+#include "records/console_log.h"
+
+namespace corvane::cli {
+
+namespace {
+
+struct CommonOptions {
+    std::string home;
+    bool json = false;
+};
+
+using Action = std::function<int()>;
+
+// Holds everything that the parser writes into; each command notes what is to be run.
+class CommandLine {
+  public:
+    CommandLine() {
+        app_.require_subcommand(1);
+        app_.fallthrough();
+        app_.add_option("--home", common_.home, "本次运行使用的用户主目录")->check(CLI::ExistingDirectory);
+        app_.add_flag("--json", common_.json, "在标准输出上给出一个 JSON 文档");
+        addScanCommands();
+        addArchiveCommands();
+        addLibraryCommands();
+    }
+
+    int run(int argc, char** argv) {
+        try {
+            app_.parse(argc, argv);
+        } catch (const CLI::ParseError& error) {
+            const bool isHelp = error.get_exit_code() == 0;
+            app_.exit(error);
+            return isHelp ? done : wrongUsage;
+        }
+        return runAction();
+    }
+
+  private:
+    int runAction() {
+        try {
+            return action_();
+        } catch (const Interrupted& interruption) {
+            consoleLine(interruption.what());
+            return interrupted;
+        } catch (const std::exception& error) {
+            return reportFailure(error.what());
+        }
+    }
+
+    int reportFailure(const std::string& message) const {
+        consoleLine(message);
+        if (common_.json) {
+            JsonDocument document;
+            document.object([&] { document.member("error", message); });
+            document.print();
+        }
+        return failed;
+    }
+
+    template <class Run>
+    void command(CLI::App* subcommand, Run run) {
+        subcommand->callback([this, run] {
+            action_ = [this, run] {
+                Session session(common_.home);
+                return run(session);
+            };
+        });
+    }
+
+    void addScanCommands() {
+        command(app_.add_subcommand("accounts", "从 Mail 存储读取账户"),
+                [this](Session& session) { return runAccounts(session, common_.json); });
+        command(app_.add_subcommand("refresh", "完整刷新：账户，然后扫描全部邮件"),
+                [this](Session& session) { return runRefresh(session, common_.json); });
+        auto* scan = app_.add_subcommand("scan", "扫描所选账户");
+        scan->add_option("--max-year", scanYear_, "只扫描这一年及以前的邮件");
+        command(scan, [this](Session& session) { return runScan(session, scanYear_, common_.json); });
+        addMessages();
+        auto* stats = app_.add_subcommand("stats", "上次扫描的统计");
+        stats->add_option("--year", statsYears_, "限定年份")->allow_extra_args(false);
+        command(stats, [this](Session& session) { return runStats(session, statsYears_, common_.json); });
+    }
+
+    void addMessages() {
+        static const std::map<std::string, MailSortMode> sorts = {{"newest", MailSortMode::newest},
+                                                                  {"messageSize", MailSortMode::messageSize}};
+        static const std::map<std::string, MigratedFilter> filters = {
+            {"all", MigratedFilter::all},
+            {"notMigrated", MigratedFilter::notMigrated},
+            {"onlyMigrated", MigratedFilter::onlyMigrated}};
+        auto* messages = app_.add_subcommand("messages", "上次扫描的邮件列表");
+        messages->add_option("--account", messages_.accounts, "账户前缀")->allow_extra_args(false);
+        messages->add_option("--year", messages_.years, "年份")->allow_extra_args(false);
+        messages->add_option("--query", messages_.query, "搜索文字");
+        messages->add_option("--min-attachments", messages_.minimumAttachments, "最少附件数");
+        messages->add_option("--sort", messages_.sort, "排序：newest 或 messageSize")
+            ->transform(CLI::CheckedTransformer(sorts));
+        messages->add_flag("--ascending", messages_.ascending, "升序");
+        messages->add_option("--filter", messages_.filter, "all、notMigrated 或 onlyMigrated")
+            ->transform(CLI::CheckedTransformer(filters));
+        command(messages, [this](Session& session) { return runMessages(session, messages_, common_.json); });
+    }
+
+    void addArchiveCommands() {
+        auto* archive = app_.add_subcommand("archive", "把候选邮件归档到一个文件夹");
+        archive->add_option("--to", archive_.destination, "归档文件夹")->required();
+        archive->add_option("--account", archive_.accounts, "账户前缀")->allow_extra_args(false);
+        archive->add_option("--year", archive_.years, "年份")->allow_extra_args(false);
+        archive->add_option("--min-size", archive_.minimumBytes, "最小字节数")->check(CLI::NonNegativeNumber);
+        archive->add_option("--max-year", archive_.maximumYear, "这一年及以前");
+        archive->add_option("--limit", archive_.limit, "最多归档的封数")->check(CLI::NonNegativeNumber);
+        archive->add_flag("--no-index", "不建立正文索引");
+        command(archive, [this](Session& session) { return runArchive(session, archive_, common_.json); });
+        auto* verify = app_.add_subcommand("verify", "重新读取整个归档并与索引核对");
+        verify->add_option("root", verifyRoot_, "归档文件夹")->required();
+        verify->callback([this] { action_ = [this] { return runVerify(verifyRoot_, common_.json); }; });
+    }
+
+    void addLibraryCommands() {
+        command(app_.add_subcommand("locations", "已知的归档位置"),
+                [this](Session& session) { return runLocations(session, common_.json); });
+        auto* library = app_.add_subcommand("library", "已归档的邮件");
+        library->add_option("--location", library_.location, "归档位置");
+        library->add_option("--mailbox", library_.mailbox, "邮箱名称");
+        library->add_flag("--ascending", library_.ascending, "旧邮件在前");
+        command(library, [this](Session& session) { return runLibrary(session, library_, common_.json); });
+    }
+
+    CLI::App app_{"Corvane：把多年的邮件从 Apple Mail 归档出来"};
+    CommonOptions common_;
+    std::optional<std::int64_t> scanYear_;
+    std::vector<std::int64_t> statsYears_;
+    MessagesOptions messages_;
+    ArchiveOptions archive_;
+    LibraryOptions library_;
+    std::string verifyRoot_;
+    Action action_;
+};
+
+} // namespace
+
+int runCommandLine(int argc, char** argv) { return CommandLine().run(argc, argv); }
+
+} // namespace corvane::cli

@@ -1,0 +1,53 @@
+// The commands of corvane-cli. Each takes a session and its options, prints its answer and returns the exit status;
+// a failure for the user is thrown as CommandFailure.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/session.h"
+#include "records/model_enums.h"
+
+namespace corvane::cli {
+
+int runAccounts(Session& session, bool json);
+int runRefresh(Session& session, bool json);
+int runScan(Session& session, std::optional<std::int64_t> maximumYear, bool json);
+
+struct MessagesOptions {
+    std::vector<std::string> accounts;
+    std::vector<std::int64_t> years;
+    std::string query;
+    std::int64_t minimumAttachments = 0;
+    MailSortMode sort = MailSortMode::newest;
+    bool ascending = false;
+    MigratedFilter filter = MigratedFilter::all;
+};
+
+int runMessages(Session& session, const MessagesOptions& options, bool json);
+int runStats(Session& session, const std::vector<std::int64_t>& years, bool json);
+
+struct ArchiveOptions {
+    std::string destination;
+    std::vector<std::string> accounts;
+    std::vector<std::int64_t> years;
+    std::int64_t minimumBytes = 0;
+    std::optional<std::int64_t> maximumYear;
+    std::optional<std::int64_t> limit;
+};
+
+int runArchive(Session& session, const ArchiveOptions& options, bool json);
+int runLocations(Session& session, bool json);
+
+struct LibraryOptions {
+    std::string location;
+    std::string mailbox;
+    bool ascending = false;
+};
+
+int runLibrary(Session& session, const LibraryOptions& options, bool json);
+int runVerify(const std::string& root, bool json);
+
+} // namespace corvane::cli

@@ -1,0 +1,14 @@
+// The exit statuses of corvane-cli.
+#pragma once
+
+namespace corvane::cli {
+
+enum ExitStatus : int {
+    done = 0,
+    failed = 1,
+    wrongUsage = 2,
+    doneWithIssues = 3, // an archive run with failures or variant warnings
+    interrupted = 130,
+};
+
+} // namespace corvane::cli

@@ -1,0 +1,73 @@
+// What a command answers: one JSON document on standard output, or readable text. Everything else of the program
+// goes to standard error.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include "records/json_writer.h"
+#include "records/record_forms.h"
+
+namespace corvane::cli {
+
+// Builds one JSON document; values of records take their JSON forms.
+class JsonDocument {
+  public:
+    using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
+
+    JsonDocument() : writer_(buffer_) {}
+
+    void object(const std::function<void()>& members);
+    void array(const std::function<void()>& elements);
+    void key(std::string_view name);
+
+    template <class T>
+    void value(const T& content) {
+        json_detail::writeValue<KeyOrder::table>(writer_, content);
+    }
+
+    template <class T>
+    void member(std::string_view name, const T& content) {
+        key(name);
+        value(content);
+    }
+
+    // The members of a record, inside an object that gets further ones.
+    template <class Record>
+    void membersOf(const Record& record) {
+        json_detail::writeFields<KeyOrder::table>(writer_, record);
+    }
+
+    // Writes the document and a line feed to standard output. Throws std::system_error when it can't.
+    void print() const;
+
+  private:
+    rapidjson::StringBuffer buffer_;
+    Writer writer_;
+};
+
+void printText(std::string_view text);
+
+// Rows of columns, the first row a heading. Columns of numbers are aligned to the right; wide characters count two.
+class TextTable {
+  public:
+    enum class Align { left, right };
+
+    explicit TextTable(std::vector<Align> columns) : columns_(std::move(columns)) {}
+
+    void row(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
+
+    void print() const;
+
+  private:
+    std::vector<Align> columns_;
+    std::vector<std::vector<std::string>> rows_;
+};
+
+} // namespace corvane::cli

@@ -1,0 +1,44 @@
+#include "cli/progress_line.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include "records/console_log.h"
+#include "text/graphemes.h"
+
+namespace corvane::cli {
+
+namespace {
+
+constexpr int barWidth = 24;
+constexpr std::size_t textClusters = 40;
+
+std::string bar(double fraction) {
+    const int filled = static_cast<int>(std::clamp(fraction, 0.0, 1.0) * barWidth);
+    return fmt::format("[{:#<{}}{:.<{}}] {:3.0f}% ", "", filled, "", barWidth - filled, fraction * 100);
+}
+
+} // namespace
+
+ProgressLine::ProgressLine() : isTerminal_(::isatty(STDERR_FILENO) == 1) {}
+
+ProgressLine::~ProgressLine() {
+    if (isOpen_) consoleLine("");
+}
+
+void ProgressLine::show(std::string_view text, double fraction) {
+    std::string line = (fraction >= 0 ? bar(fraction) : "") + std::string(text);
+    if (line == last_) return;
+    if (isTerminal_) {
+        const std::string shown = fmt::format("\r\x1b[K{}{}", fraction >= 0 ? bar(fraction) : "",
+                                              text::graphemePrefix(text, textClusters));
+        isOpen_ = ::write(STDERR_FILENO, shown.data(), shown.size()) > 0;
+    } else {
+        consoleLine(line);
+    }
+    last_ = std::move(line);
+}
+
+} // namespace corvane::cli

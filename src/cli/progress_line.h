@@ -1,0 +1,26 @@
+// The progress of a long run on standard error: a line that is written over where that is a terminal, a plain line
+// for each change otherwise.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace corvane::cli {
+
+class ProgressLine {
+  public:
+    ProgressLine();
+
+    // Leaves the last state standing.
+    ~ProgressLine();
+
+    // `fraction` below 0: not known.
+    void show(std::string_view text, double fraction = -1);
+
+  private:
+    bool isTerminal_;
+    bool isOpen_ = false;
+    std::string last_;
+};
+
+} // namespace corvane::cli

@@ -1,0 +1,55 @@
+// One run of the program without a display: the application's model and the event loop around it.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "model/corvane_view_model.h"
+#include "model/model_context.h"
+#include "platform/platform.h"
+
+namespace corvane::cli {
+
+// The operation failed; the message is for the user.
+class CommandFailure : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+class Session {
+  public:
+    // `home` replaces the user's home; empty for the real one.
+    explicit Session(const std::string& home);
+
+    [[nodiscard]] CorvaneViewModel& model() { return *model_; }
+
+    [[nodiscard]] const platform::Platform& platform() const { return *platform_; }
+
+    // Runs the event loop until everything that was started has ended. `onInterrupt` is called at SIGINT and
+    // SIGTERM; without one the wait ends there with an Interrupted.
+    void waitUntilIdle(const std::function<void()>& onInterrupt = {});
+
+    [[nodiscard]] bool wasInterrupted() const;
+
+    // Restores the last scan with what is archived, and waits for it. Throws CommandFailure when the cache can't be
+    // read.
+    void restoreLastScan();
+
+  private:
+    std::unique_ptr<platform::Platform> platform_;
+    std::unique_ptr<ModelContext> context_;
+    std::unique_ptr<CorvaneViewModel> model_;
+};
+
+// SIGINT or SIGTERM came while a command waited that has nothing to bring in order.
+class Interrupted : public std::runtime_error {
+  public:
+    Interrupted() : std::runtime_error("已中断") {}
+};
+
+// From here on SIGINT and SIGTERM are noted instead of ending the process.
+void noteInterrupts();
+
+} // namespace corvane::cli

@@ -1,0 +1,65 @@
+// The accounts of the Mail store and which of them a scan covers. Main thread.
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <QObject>
+
+#include "model/model_context.h"
+#include "records/account_cache_store.h"
+#include "records/mail_account.h"
+
+namespace corvane {
+
+class AccountDirectory : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit AccountDirectory(ModelContext& context, QObject* parent = nullptr);
+
+    [[nodiscard]] const std::vector<MailAccount>& availableAccounts() const { return availableAccounts_; }
+
+    [[nodiscard]] const std::optional<std::string>& accountLoadFailureMessage() const { return loadFailure_; }
+
+    [[nodiscard]] const std::set<std::string>& selectedAccountPrefixes() const { return selectedPrefixes_; }
+
+    // Stores the choice under its settings key.
+    void setSelectedAccountPrefixes(std::set<std::string> prefixes);
+
+    // True when accounts came from the cache of this Mail root. Reads one small file.
+    bool loadCachedAccounts();
+
+    // Reads the accounts from the store in the background; without any, those that are known stay.
+    void refreshAccountsFromMail();
+
+    // The same for a full refresh, which starts without accounts when there are none. One of both is told.
+    void readForFullRefresh();
+
+  Q_SIGNALS:
+    void accountsChanged();
+    void loadFailureChanged();
+    void selectionChanged();
+    void fullRefreshFoundAccounts();
+    void fullRefreshFoundNone(const QString& message);
+
+  private:
+    enum class Purpose { upkeep, fullRefresh };
+
+    void start(Purpose purpose);
+    void takeAccounts(Purpose purpose, std::vector<MailAccount> accounts, const std::string& emptyMessage);
+    void adopt(std::vector<MailAccount> accounts);
+    void setLoadFailure(std::optional<std::string> message);
+    void keepSelectionWithinAccounts();
+
+    ModelContext& context_;
+    MailAccountCacheStore cache_;
+    std::vector<MailAccount> availableAccounts_;
+    std::optional<std::string> loadFailure_;
+    std::set<std::string> selectedPrefixes_;
+    TaskSlot readTask_;
+};
+
+} // namespace corvane

@@ -1,0 +1,162 @@
+#include "model/corvane_view_model.h"
+
+#include <algorithm>
+
+#include <QPointer>
+#include <fmt/format.h>
+
+namespace corvane {
+
+CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
+  : QObject(parent)
+  , context_(context)
+  , accounts_(context)
+  , destinations_(context)
+  , library_(context)
+  , catalog_(context,
+             [this] {
+                 return AvailabilityInputs{library_.archivedEmailBaseIDs(),
+                                           {filters_.minimumCandidateBytes(), filters_.transferMaxYear()},
+                                           accounts_.availableAccounts()};
+             })
+  , visible_(context, catalog_, filters_)
+  , counts_(context, accounts_, catalog_)
+  , space_(accounts_, catalog_)
+  , scanFlow_(context, accounts_, catalog_, counts_, filters_)
+  , archive_(context, catalog_, filters_)
+  , diskAccess_(context) {
+    wireScan();
+    wireAvailability();
+    wireFilters();
+    wireArchive();
+    startUp();
+    wireVolumes();
+}
+
+void CorvaneViewModel::startUp() {
+    const auto start = std::chrono::steady_clock::now();
+    const auto elapsed = [&] {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    };
+    context_.startupLog.mark("viewModel init start");
+    if (!accounts_.loadCachedAccounts()) accounts_.refreshAccountsFromMail();
+    context_.startupLog.mark(fmt::format("viewModel after accounts elapsed={:.3f}s accounts={}", elapsed(),
+                                         accounts_.availableAccounts().size()));
+    library_.loadCachedArchiveLibraryIfNeeded();
+    library_.refreshArchiveLocationConnectionStates();
+    context_.startupLog.mark(fmt::format("viewModel init finish elapsed={:.3f}s cachedEntries={}", elapsed(),
+                                         library_.archivedEntries()->size()));
+    diskAccess_.refreshFullDiskAccessState();
+}
+
+void CorvaneViewModel::wireScan() {
+    connect(&scanFlow_, &ScanFlow::scanStarted, this, [this] { visible_.setSelectedMessageID(std::nullopt); });
+    connect(&scanFlow_, &ScanFlow::scanFinished, this, [this] {
+        pruneFilterYears();
+        counts_.refreshIndexedYearCounts();
+    });
+    connect(&scanFlow_, &ScanFlow::earlierMessagesRestored, this, [this] { visible_.rebuildVisibleMessages(); });
+    connect(&scanFlow_, &ScanFlow::homeSnapshotApplied, this,
+            [this] { archive_.setKnownCandidateCount(catalog_.localMessageCount()); });
+    connect(&scanFlow_, &ScanFlow::cachedScanRestored, this, [this](bool loadIndex) {
+        if (loadIndex) loadArchiveIndex(false);
+        pruneFilterYears();
+        counts_.refreshIndexedYearCounts();
+    });
+}
+
+void CorvaneViewModel::wireAvailability() {
+    connect(&catalog_, &MessageCatalog::messagesChanged, this, [this] {
+        if (!catalog_.isAvailabilityKnown()) visible_.clear();
+        archive_.markArchiveCandidateCountStale();
+        if (!scanFlow_.state().isScanning()) archive_.refreshArchiveCandidateCountAsync();
+    });
+    connect(&catalog_, &MessageCatalog::availabilityPublished, this, [this] {
+        visible_.rebuildVisibleMessages();
+        archive_.refreshArchiveCandidateCountAsync();
+    });
+    connect(&visible_, &VisibleMessages::visibleMessagesChanged, this, [this] { archive_.pruneArchiveSelection(); });
+}
+
+void CorvaneViewModel::wireFilters() {
+    // Queued, so that several changes of one event make one rebuild.
+    connect(
+        &filters_, &ModelFilters::listFilterChanged, this, [this] { visible_.rebuildVisibleMessages(); },
+        Qt::QueuedConnection);
+    connect(&filters_, &ModelFilters::candidateFilterChanged, this, [this] {
+        archive_.markArchiveCandidateCountStale();
+        archive_.refreshArchiveCandidateCountAsync();
+    });
+}
+
+void CorvaneViewModel::wireArchive() {
+    connect(&library_, &LibraryLoader::archivedBaseIDsChanged, this, [this] { archivedBaseIDsReplaced(); });
+    connect(&destinations_, &ArchiveDestinations::destinationPrepared, this, [this] { loadArchiveIndex(false); });
+    connect(&archive_, &ArchiveControl::archiveRunFinished, this, [this] { loadArchiveIndex(true); });
+}
+
+void CorvaneViewModel::archivedBaseIDsReplaced() {
+    archive_.setArchivedBaseIDs(library_.archivedEmailBaseIDs());
+    catalog_.rebuildArchivedMessageStatusCache();
+    archive_.archivedMessagesReplaced();
+    context_.tasks.postToMain([model = QPointer(this)] {
+        if (!model) return;
+        model->archive_.pruneArchiveSelection();
+        if (model->filters_.migratedFilter() != MigratedFilter::all) model->visible_.rebuildVisibleMessages();
+    });
+    catalog_.refreshAvailabilityCacheAsync(true);
+    archive_.refreshArchiveCandidateCountAsync();
+}
+
+void CorvaneViewModel::wireVolumes() {
+    mounts_ = context_.platform.subscribeToMounts([model = QPointer(this), &tasks = context_.tasks](auto event) {
+        tasks.postToMain([model, event] {
+            if (!model) return;
+            model->library_.refreshArchiveLocationConnectionStates();
+            if (event == platform::MountEvent::mounted) model->loadArchiveIndex(false);
+        });
+    });
+}
+
+void CorvaneViewModel::loadArchiveIndex(bool force) {
+    library_.loadEmailArchiveIndex(destinations_.transferDestination(), force);
+}
+
+// A filter on a year that no longer exists would hide all the mail.
+void CorvaneViewModel::pruneFilterYears() {
+    std::set<std::int64_t> known;
+    for (const YearStat& stat : catalog_.yearStats()) known.insert(stat.year);
+    const auto cut = [&](const std::set<std::int64_t>& years) {
+        std::set<std::int64_t> kept;
+        std::set_intersection(years.begin(), years.end(), known.begin(), known.end(), std::inserter(kept, kept.end()));
+        return kept;
+    };
+    filters_.setFilterYears(cut(filters_.filterYears()));
+    filters_.setArchiveFilterYears(cut(filters_.archiveFilterYears()));
+}
+
+bool CorvaneViewModel::hasScanDisplayData() const {
+    return !catalog_.messages()->empty() || !catalog_.cachedAccountYearStats().empty() ||
+           !catalog_.cachedLocalYearStats().empty() || catalog_.summary().scannedMessages > 0;
+}
+
+DeletionSafety CorvaneViewModel::deletionSafety(const std::set<std::int64_t>& years) {
+    if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
+    return corvane::deletionSafety({*catalog_.messages(), *catalog_.locallyAvailableIDs(),
+                                    *library_.archivedEmailBaseIDs(), *catalog_.messageYearByID(),
+                                    accounts_.selectedAccountPrefixes(), counts_.indexedYearCounts(),
+                                    counts_.indexedYearCountsByAccount()},
+                                   years);
+}
+
+void CorvaneViewModel::applyHomeScope(const std::optional<std::string>& accountPrefix,
+                                      const std::set<std::int64_t>& years) {
+    filters_.applyHomeScope(accountPrefix, years);
+    archive_.setKnownCandidateCount(archive_.cachedCandidateCount(accountPrefix, years));
+}
+
+void CorvaneViewModel::archiveSelectedEmails(ArchiveControl::Completion completion) {
+    archive_.archiveSelectedEmails(destinations_.transferDestination(), std::move(completion));
+}
+
+} // namespace corvane

@@ -1,0 +1,93 @@
+// The one long-lived object of the program: the state that more than one screen sees, and all long work. Main thread
+// only, without locks.
+//
+// It owns one component a flow and wires the reactions that join them; whoever looks for "what happens when the scan
+// ends" finds it in corvane_view_model.cpp. Screens and the command line use the components' operations and signals
+// directly.
+#pragma once
+
+#include <QObject>
+
+#include "model/account_directory.h"
+#include "model/archive_control.h"
+#include "model/destinations.h"
+#include "model/index_counts.h"
+#include "model/library_loader.h"
+#include "model/mail_access.h"
+#include "model/message_catalog.h"
+#include "model/model_filters.h"
+#include "model/scan_flow.h"
+#include "model/visible_messages.h"
+
+namespace corvane {
+
+class CorvaneViewModel : public QObject {
+    Q_OBJECT
+
+  public:
+    // Reads the settings and the small caches: accounts and the library snapshot. `context` must outlive the model.
+    explicit CorvaneViewModel(ModelContext& context, QObject* parent = nullptr);
+
+    // There is something to show: messages, or the statistics of a snapshot.
+    [[nodiscard]] bool hasScanDisplayData() const;
+
+    // Local, archived and server-only counts of the selected accounts; all years when `years` is empty.
+    [[nodiscard]] DeletionSafety deletionSafety(const std::set<std::int64_t>& years);
+
+    // Narrows everything to one account (or none in particular) and some years.
+    void applyHomeScope(const std::optional<std::string>& accountPrefix, const std::set<std::int64_t>& years);
+
+    // Archives the ticked candidates to the chosen destination.
+    void archiveSelectedEmails(ArchiveControl::Completion completion);
+
+    [[nodiscard]] ModelContext& context() const { return context_; }
+
+    [[nodiscard]] ModelFilters& filters() { return filters_; }
+
+    [[nodiscard]] AccountDirectory& accounts() { return accounts_; }
+
+    [[nodiscard]] LibraryLoader& library() { return library_; }
+
+    [[nodiscard]] MessageCatalog& catalog() { return catalog_; }
+
+    [[nodiscard]] VisibleMessages& visible() { return visible_; }
+
+    [[nodiscard]] IndexCounts& counts() { return counts_; }
+
+    [[nodiscard]] SpaceUsage& space() { return space_; }
+
+    [[nodiscard]] ScanFlow& scanFlow() { return scanFlow_; }
+
+    [[nodiscard]] ArchiveDestinations& destinations() { return destinations_; }
+
+    [[nodiscard]] ArchiveControl& archive() { return archive_; }
+
+    [[nodiscard]] FullDiskAccess& diskAccess() { return diskAccess_; }
+
+  private:
+    void startUp();
+    void wireScan();
+    void wireAvailability();
+    void wireFilters();
+    void wireArchive();
+    void wireVolumes();
+    void archivedBaseIDsReplaced();
+    void pruneFilterYears();
+    void loadArchiveIndex(bool force);
+
+    ModelContext& context_;
+    ModelFilters filters_;
+    AccountDirectory accounts_;
+    ArchiveDestinations destinations_;
+    LibraryLoader library_;
+    MessageCatalog catalog_;
+    VisibleMessages visible_;
+    IndexCounts counts_;
+    SpaceUsage space_;
+    ScanFlow scanFlow_;
+    ArchiveControl archive_;
+    FullDiskAccess diskAccess_;
+    std::unique_ptr<platform::MountSubscription> mounts_;
+};
+
+} // namespace corvane

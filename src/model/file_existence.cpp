@@ -1,0 +1,40 @@
+#include "model/file_existence.h"
+
+#include <dirent.h>
+
+#include "platform/directory.h"
+#include "platform/paths.h"
+
+namespace corvane {
+
+const FileExistence::Folder& FileExistence::folder(std::string_view path) {
+    if (last_ != nullptr && lastPath_ == path) return *last_;
+    auto known = folders_.find(path);
+    if (known == folders_.end()) {
+        known = folders_.emplace(std::string(path), Folder()).first;
+        platform::visitDirectory(known->first, [&](std::string_view name, unsigned char dType) {
+            known->second.needsLook.emplace(name, dType == DT_LNK || dType == DT_UNKNOWN);
+        });
+    }
+    lastPath_ = known->first;
+    last_ = &known->second;
+    return *last_;
+}
+
+bool FileExistence::exists(const SharedText& path) {
+    const Folder& listing = folder(platform::parentPath(path));
+    const auto entry = listing.needsLook.find(platform::lastPathComponent(path));
+    if (entry == listing.needsLook.end()) return false;
+    return !entry->second || platform::fileExists(path.str());
+}
+
+bool FileExistence::isLocallyAvailable(const MailMessageRecord& message) {
+    if (exists(message.fileURL.path())) return true;
+    if (!message.relatedMessageFileURLs) return false;
+    for (const FileURL& url : *message.relatedMessageFileURLs) {
+        if (exists(url.path())) return true;
+    }
+    return false;
+}
+
+} // namespace corvane

@@ -1,0 +1,225 @@
+#include "model/message_catalog.h"
+
+#include <stdexcept>
+
+#include "model/file_existence.h"
+#include "records/stable_id.h"
+
+namespace corvane {
+
+namespace {
+
+struct AvailabilityJob {
+    SharedMessageSet set;
+    AvailabilityInputs inputs;
+    std::shared_ptr<const SharedTextSet> knownAvailable; // null when the files have to be looked for
+};
+
+// Nothing when cancelled.
+std::shared_ptr<const SharedTextSet> findAvailable(const MessageList& messages, const TaskHandle& task) {
+    auto available = std::make_shared<SharedTextSet>();
+    available->reserve(messages.size());
+    FileExistence files;
+    for (const MailMessageRecord& message : messages) {
+        if (task.isCancelled()) return nullptr;
+        if (files.isLocallyAvailable(message)) available->insert(message.id);
+    }
+    return available;
+}
+
+bool isWithinLimits(const MailMessageRecord& message, const CandidateLimits& limits, const YearByID& years) {
+    if (message.messageSize < limits.minimumBytes) return false;
+    if (!limits.maximumYear) return true;
+    const auto year = years.find(message.id);
+    return year != years.end() && year->second <= *limits.maximumYear;
+}
+
+std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job, const TaskHandle& task) {
+    const MessageList& messages = *job.set->messages;
+    AvailabilityResult result;
+    result.yearByID = std::make_shared<const YearByID>(computeMessageYears(messages));
+    result.locallyAvailableIDs = job.knownAvailable ? job.knownAvailable : findAvailable(messages, task);
+    if (!result.locallyAvailableIDs) return std::nullopt;
+    MessageRefs local;
+    MessageRefs unbacked;
+    for (const MailMessageRecord& message : messages) {
+        if (task.isCancelled()) return std::nullopt;
+        if (job.inputs.archivedBaseIDs->contains(stableID(message))) continue;
+        unbacked.push_back(&message);
+        if (!result.locallyAvailableIDs->contains(message.id)) continue;
+        if (!isWithinLimits(message, job.inputs.limits, *result.yearByID)) continue;
+        local.push_back(&message);
+        result.localBytes += message.messageSize;
+    }
+    result.localCount = static_cast<std::int64_t>(local.size());
+    result.localYearStats = computeYearStats(local);
+    result.accountYearStats = computeAccountYearStats(local, job.inputs.accounts);
+    result.mailAccountYearStats = computeAccountYearStats(allOf(messages), job.inputs.accounts);
+    result.unbackedAccountYearStats = computeAccountYearStats(unbacked, job.inputs.accounts);
+    return result;
+}
+
+} // namespace
+
+std::shared_ptr<const MessageSet> MessageSet::make(SharedMessageList messages, bool isComplete) {
+    auto set = std::make_shared<MessageSet>();
+    set->messages = std::move(messages);
+    set->isComplete = isComplete;
+    set->positionByID.reserve(set->messages->size());
+    for (std::size_t position = 0; position < set->messages->size(); ++position) {
+        if (!set->positionByID.emplace((*set->messages)[position].id.view(), position).second) {
+            throw std::logic_error("a message id stands twice in one list");
+        }
+    }
+    return set;
+}
+
+MessageCatalog::MessageCatalog(ModelContext& context, InputsProvider inputs, QObject* parent)
+  : QObject(parent)
+  , context_(context)
+  , inputs_(std::move(inputs))
+  , cacheWriter_(context)
+  , availabilityRefreshTask_(context.tasks) {}
+
+const MailMessageRecord* MessageCatalog::messageByID(std::string_view id) const {
+    const auto position = set_->positionByID.find(id);
+    return position == set_->positionByID.end() ? nullptr : &(*set_->messages)[position->second];
+}
+
+const std::vector<YearStat>& MessageCatalog::yearStats() const {
+    if (yearStatsToken_ != messagesToken_) {
+        cachedYearStats_ = computeYearStats(allOf(*messages()));
+        yearStatsToken_ = messagesToken_;
+    }
+    return cachedYearStats_;
+}
+
+MessageCatalog::CountAndBytes MessageCatalog::mailMessageSummary() const {
+    if (mailMessageSummaryToken_ != messagesToken_) {
+        cachedMailMessageSummary_ = {static_cast<std::int64_t>(messages()->size()), 0};
+        for (const MailMessageRecord& message : *messages()) cachedMailMessageSummary_.bytes += message.messageSize;
+        mailMessageSummaryToken_ = messagesToken_;
+    }
+    return cachedMailMessageSummary_;
+}
+
+void MessageCatalog::setSet(SharedMessageSet set) {
+    // The years refer to the ids of the earlier list.
+    derived_.yearByID = std::make_shared<const YearByID>();
+    set_ = std::move(set);
+}
+
+void MessageCatalog::setSummary(MailScanSummary summary) {
+    summary_ = std::move(summary);
+    Q_EMIT summaryChanged();
+}
+
+void MessageCatalog::setMessages(SharedMessageSet set, MailScanSummary summary) {
+    setSet(std::move(set));
+    setSummary(std::move(summary));
+    ++messagesToken_;
+    availabilityToken_ = -1;
+    availabilityRefreshTokenInFlight_.reset();
+    derived_.locallyAvailableIDs = std::make_shared<const SharedTextSet>();
+    rebuildArchivedMessageStatusCache();
+    Q_EMIT messagesChanged();
+    refreshAvailabilityCacheAsync(false);
+}
+
+void MessageCatalog::showProgress(SharedMessageSet set, MailScanSummary summary) {
+    setSet(std::move(set));
+    setSummary(std::move(summary));
+    Q_EMIT messagesChanged();
+}
+
+void MessageCatalog::restore(SharedMessageSet set, MailScanSummary summary, std::optional<AvailabilityResult> known) {
+    setSet(std::move(set));
+    setSummary(std::move(summary));
+    ++messagesToken_;
+    availabilityRefreshTokenInFlight_.reset();
+    rebuildArchivedMessageStatusCache();
+    if (known) {
+        availabilityToken_ = messagesToken_;
+        known->mailAccountYearStats = std::move(derived_.mailAccountYearStats);
+        known->unbackedAccountYearStats = std::move(derived_.unbackedAccountYearStats);
+        derived_ = std::move(*known);
+        ++statsRevision_;
+        Q_EMIT statisticsChanged();
+    }
+    Q_EMIT messagesChanged();
+    if (known) Q_EMIT availabilityPublished();
+    refreshAvailabilityCacheAsync(true);
+}
+
+void MessageCatalog::applyHomeSnapshot(const MailHomeSnapshot& snapshot) {
+    setSummary(snapshot.summary);
+    derived_.localYearStats = snapshot.localYearStats;
+    derived_.accountYearStats = snapshot.localAccountYearStats;
+    derived_.localCount = snapshot.localMessageCount;
+    derived_.localBytes = snapshot.localMessageBytes;
+    Q_EMIT statisticsChanged();
+}
+
+void MessageCatalog::refreshAvailabilityCacheAsync(bool force) {
+    const std::int64_t token = messagesToken_;
+    if (!force && (availabilityToken_ == token || availabilityRefreshTokenInFlight_ == token)) return;
+    availabilityRefreshTask_.cancel();
+    availabilityRefreshTokenInFlight_ = token;
+    deleteSafetyStatsReady_ = false;
+    if (messages()->empty()) {
+        clearDerivedOfNoMessages();
+        return;
+    }
+    AvailabilityJob job{set_, inputs_(), nullptr};
+    if (availabilityToken_ == token && !derived_.locallyAvailableIDs->empty()) {
+        job.knownAvailable = derived_.locallyAvailableIDs;
+    }
+    availabilityRefreshTask_.start(TaskPriority::utility, [this, token, job](const TaskHandle& task) {
+        auto result = computeAvailability(job, task);
+        if (!result) return;
+        auto shared = std::make_shared<AvailabilityResult>(std::move(*result));
+        task.onMain([this, token, shared] { publish(token, std::move(*shared)); });
+    });
+}
+
+void MessageCatalog::clearDerivedOfNoMessages() {
+    availabilityToken_ = messagesToken_;
+    availabilityRefreshTokenInFlight_.reset();
+    derived_.locallyAvailableIDs = std::make_shared<const SharedTextSet>();
+    derived_.unbackedAccountYearStats.clear();
+    Q_EMIT availabilityPublished();
+}
+
+void MessageCatalog::publish(std::int64_t token, AvailabilityResult result) {
+    if (token != messagesToken_) return;
+    derived_ = std::move(result);
+    availabilityToken_ = token;
+    availabilityRefreshTokenInFlight_.reset();
+    deleteSafetyStatsReady_ = true;
+    ++statsRevision_;
+    Q_EMIT statisticsChanged();
+    Q_EMIT availabilityPublished();
+    saveCache();
+}
+
+// The list shows before its cache is written: what is shown doesn't depend on the file, and a large file would hold
+// the list back for longer than everything else of a scan together.
+void MessageCatalog::saveCache() {
+    if (!set_->isComplete) return;
+    cacheWriter_.save({messages(), summary_, derived_.locallyAvailableIDs, derived_.localYearStats,
+                       derived_.accountYearStats});
+}
+
+void MessageCatalog::rebuildArchivedMessageStatusCache() {
+    auto archived = std::make_shared<SharedTextSet>();
+    const auto baseIDs = inputs_().archivedBaseIDs;
+    if (!baseIDs->empty()) {
+        for (const MailMessageRecord& message : *messages()) {
+            if (baseIDs->contains(stableID(message))) archived->insert(message.id);
+        }
+    }
+    archivedMessageIDs_ = std::move(archived);
+    Q_EMIT archivedMessagesChanged();
+}
+
+} // namespace corvane

@@ -1,0 +1,157 @@
+#include "model/message_statistics.h"
+
+#include <algorithm>
+#include <map>
+#include <unordered_set>
+
+#include "mailstore/mailbox_names.h"
+#include "records/timestamps.h"
+
+namespace corvane {
+
+namespace {
+
+std::int64_t knownAttachmentBytes(const MailMessageRecord& message) {
+    std::int64_t bytes = 0;
+    for (const MailAttachmentRecord& attachment : message.attachments) bytes += attachment.estimatedSize.value_or(0);
+    return bytes;
+}
+
+// Mailboxes repeat in nearly every message, so each name is looked at once.
+class TrashTest {
+  public:
+    bool operator()(const SharedText& mailbox) {
+        const auto [entry, isNew] = known_.try_emplace(mailbox.view(), false);
+        if (isNew) {
+            entry->second = mailstore::trashJunkMailboxNames().contains(mailstore::normalizedMailboxName(mailbox));
+        }
+        return entry->second;
+    }
+
+  private:
+    std::unordered_map<std::string_view, bool> known_;
+};
+
+std::string_view countingKey(const MailMessageRecord& message) {
+    const auto& identifier = message.messageIdentifier;
+    return identifier && !identifier->empty() ? identifier->view() : message.id.view();
+}
+
+AccountYearStatGroup makeGroup(std::string prefix, std::string name, const MessageRefs& messages) {
+    AccountYearStatGroup group{std::move(prefix), std::move(name), computeYearStats(messages), 0, 0};
+    for (const YearStat& year : group.years) {
+        group.messageCount += year.messageCount;
+        group.messageBytes += year.messageBytes;
+    }
+    return group;
+}
+
+// The name of a group that no known account explains.
+std::string nameOfUnknown(std::string_view prefix, const MessageRefs& messages) {
+    const auto& name = messages.front()->accountName;
+    return name ? name->str() : std::string(prefix);
+}
+
+} // namespace
+
+MessageRefs allOf(const MessageList& messages) {
+    MessageRefs refs;
+    refs.reserve(messages.size());
+    for (const MailMessageRecord& message : messages) refs.push_back(&message);
+    return refs;
+}
+
+YearByID computeMessageYears(const MessageList& messages) {
+    YearByID years;
+    years.reserve(messages.size());
+    for (const MailMessageRecord& message : messages) {
+        if (message.date) years.emplace(message.id.view(), localYear(*message.date));
+    }
+    return years;
+}
+
+MessageRefs countableMessages(const MessageRefs& messages) {
+    MessageRefs counted;
+    counted.reserve(messages.size());
+    std::unordered_set<std::string_view> seen;
+    seen.reserve(messages.size());
+    TrashTest isTrash;
+    for (const MailMessageRecord* message : messages) {
+        if (!isTrash(message->mailbox) && seen.insert(countingKey(*message)).second) counted.push_back(message);
+    }
+    return counted;
+}
+
+std::vector<YearStat> computeYearStats(const MessageRefs& messages) {
+    std::map<std::int64_t, YearStat, std::greater<>> byYear;
+    for (const MailMessageRecord* message : countableMessages(messages)) {
+        if (!message->date) continue;
+        const std::int64_t year = localYear(*message->date);
+        if (year < 1) continue;
+        YearStat& stat = byYear[year];
+        stat.year = year;
+        stat.messageCount += 1;
+        stat.withAttachmentCount += message->attachments.empty() ? 0 : 1;
+        stat.attachmentCount += static_cast<std::int64_t>(message->attachments.size());
+        stat.messageBytes += message->messageSize;
+        stat.attachmentBytes += knownAttachmentBytes(*message);
+    }
+    std::vector<YearStat> stats;
+    for (auto& [year, stat] : byYear) stats.push_back(stat);
+    return stats;
+}
+
+std::vector<AccountYearStatGroup> computeAccountYearStats(const MessageRefs& messages,
+                                                          const std::vector<MailAccount>& accounts) {
+    std::map<std::string_view, MessageRefs> byAccount;
+    for (const MailMessageRecord* message : messages) {
+        byAccount[message->accountIdentifier ? message->accountIdentifier->view() : std::string_view()].push_back(
+            message);
+    }
+    std::vector<AccountYearStatGroup> groups;
+    const auto add = [&](std::string prefix, std::string name, const MessageRefs& members) {
+        AccountYearStatGroup group = makeGroup(std::move(prefix), std::move(name), members);
+        if (!group.years.empty() || !countableMessages(members).empty()) groups.push_back(std::move(group));
+    };
+    for (const MailAccount& account : accounts) {
+        if (auto members = byAccount.extract(account.urlPrefix)) {
+            add(account.urlPrefix, account.distinguishedLabel(), members.mapped());
+        }
+    }
+    if (auto members = byAccount.extract(std::string_view())) {
+        add(unclassifiedAccountKey, "未识别邮箱", members.mapped());
+    }
+    for (const auto& [prefix, members] : byAccount) add(std::string(prefix), nameOfUnknown(prefix, members), members);
+    std::stable_sort(groups.begin(), groups.end(), [](const auto& a, const auto& b) {
+        return a.messageBytes != b.messageBytes ? a.messageBytes > b.messageBytes : a.accountName < b.accountName;
+    });
+    return groups;
+}
+
+MailScanSummary makeSummary(const MessageRefs& messages, std::int64_t scannedCount) {
+    MailScanSummary summary;
+    summary.scannedMessages = scannedCount;
+    summary.matchedMessages = static_cast<std::int64_t>(messages.size());
+    for (const MailMessageRecord* message : messages) {
+        summary.attachmentMessages += message->attachments.empty() ? 0 : 1;
+        summary.attachments += static_cast<std::int64_t>(message->attachments.size());
+        summary.bytes += message->messageSize;
+        summary.attachmentBytes += knownAttachmentBytes(*message);
+        if (!message->date) continue;
+        if (!summary.newestDate || *message->date > *summary.newestDate) summary.newestDate = message->date;
+        if (!summary.oldestDate || *message->date < *summary.oldestDate) summary.oldestDate = message->date;
+    }
+    return summary;
+}
+
+bool compareByDate(const MailMessageRecord& a, const MailMessageRecord& b, bool ascending) {
+    if (a.date.has_value() != b.date.has_value()) return a.date.has_value();
+    if (a.date == b.date) return a.subject < b.subject;
+    return ascending ? *a.date < *b.date : *a.date > *b.date;
+}
+
+std::string_view accountFilterKey(const MailMessageRecord& message) {
+    return message.accountIdentifier ? message.accountIdentifier->view() : std::string_view(unclassifiedAccountKey);
+}
+
+} // namespace corvane

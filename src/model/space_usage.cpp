@@ -1,0 +1,167 @@
+#include "model/space_usage.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+#include "records/stable_id.h"
+#include "text/case.h"
+#include "text/trim.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr std::size_t senderLimit = 200;
+
+std::string_view spaceAccountKey(const MailMessageRecord& message) {
+    const auto& identifier = message.accountIdentifier;
+    return identifier && !identifier->empty() ? identifier->view() : std::string_view(unclassifiedAccountKey);
+}
+
+bool holdsAt(std::string_view text) { return text.find('@') != std::string_view::npos; }
+
+// The senders of one account, each sender's text taken apart once.
+class SenderTable {
+  public:
+    void add(const MailMessageRecord& message) {
+        const auto [known, isNew] = partsBySender_.try_emplace(message.sender.view());
+        if (isNew) known->second = spaceSenderParts(message.sender);
+        const SpaceSenderParts& parts = known->second;
+        const auto [entry, isFirst] = statByKey_.try_emplace(parts.key);
+        SpaceSenderStat& stat = entry->second;
+        if (isFirst) {
+            stat.senderKey = parts.key;
+            stat.displayName = parts.display;
+        } else if (holdsAt(stat.displayName) && !holdsAt(parts.display)) {
+            stat.displayName = parts.display;
+        }
+        stat.messageCount += 1;
+        stat.bytes += message.messageSize;
+    }
+
+    [[nodiscard]] std::vector<SpaceSenderStat> largest() const {
+        std::vector<SpaceSenderStat> stats;
+        for (const auto& [key, stat] : statByKey_) stats.push_back(stat);
+        std::sort(stats.begin(), stats.end(), [](const SpaceSenderStat& a, const SpaceSenderStat& b) {
+            if (a.bytes != b.bytes) return a.bytes > b.bytes;
+            return a.displayName != b.displayName ? a.displayName < b.displayName : a.senderKey < b.senderKey;
+        });
+        if (stats.size() > senderLimit) stats.resize(senderLimit);
+        return stats;
+    }
+
+  private:
+    std::unordered_map<std::string_view, SpaceSenderParts> partsBySender_;
+    std::unordered_map<std::string, SpaceSenderStat> statByKey_;
+};
+
+std::string accountName(std::string_view key, const MailAccount* account, const MailMessageRecord& first) {
+    std::string name;
+    if (account != nullptr) {
+        name = account->distinguishedLabel();
+    } else if (key == unclassifiedAccountKey) {
+        name = "未识别邮箱";
+    } else if (first.accountName) {
+        name = text::trimWhitespaceAndNewlines(*first.accountName);
+    }
+    return name.empty() ? std::string(key) : name;
+}
+
+SpaceAccountUsage usageOf(std::string_view key, const MessageRefs& messages, const MailAccount* account,
+                          const SharedTextSet* locallyAvailableIDs) {
+    SpaceAccountUsage usage;
+    usage.accountPrefix = key;
+    usage.accountName = accountName(key, account, *messages.front());
+    usage.isIMAP = account != nullptr && account->scheme == "imap";
+    SenderTable senders;
+    for (const MailMessageRecord* message : messages) {
+        if (locallyAvailableIDs != nullptr && !locallyAvailableIDs->contains(message->id)) {
+            usage.cloudOnlyCount += 1;
+            usage.cloudOnlyBytes += message->messageSize;
+            continue;
+        }
+        usage.localCount += 1;
+        usage.localBytes += message->messageSize;
+        senders.add(*message);
+    }
+    usage.topSenders = senders.largest();
+    return usage;
+}
+
+std::int64_t indexedTotal(const CountByYear& counts, const std::set<std::int64_t>& years) {
+    std::int64_t total = 0;
+    for (const auto& [year, count] : counts) {
+        if (years.empty() || years.contains(year)) total += count;
+    }
+    return total;
+}
+
+std::int64_t indexedTotal(const DeletionSafetyInput& input, const std::set<std::int64_t>& years) {
+    if (input.selectedAccountPrefixes.empty()) return indexedTotal(input.indexedYearCounts, years);
+    std::int64_t total = 0;
+    for (const std::string& prefix : input.selectedAccountPrefixes) {
+        const auto counts = input.indexedYearCountsByAccount.find(prefix);
+        if (counts != input.indexedYearCountsByAccount.end()) total += indexedTotal(counts->second, years);
+    }
+    return total;
+}
+
+bool isInScope(const DeletionSafetyInput& input, const std::set<std::int64_t>& years,
+               const MailMessageRecord& message) {
+    if (!input.locallyAvailableIDs.contains(message.id)) return false;
+    const auto& accounts = input.selectedAccountPrefixes;
+    if (!accounts.empty() && !accounts.contains(std::string(accountFilterKey(message)))) return false;
+    if (years.empty()) return true;
+    const auto year = input.yearByID.find(message.id);
+    return year != input.yearByID.end() && years.contains(year->second);
+}
+
+} // namespace
+
+SpaceSenderParts spaceSenderParts(std::string_view sender) {
+    const std::string_view text = text::trimWhitespaceAndNewlines(sender);
+    const std::size_t open = text.rfind('<');
+    const std::size_t close = text.rfind('>');
+    if (open != std::string_view::npos && close != std::string_view::npos && close > open) {
+        std::string address = text::lowercased(text::trimBlanks(text.substr(open + 1, close - open - 1)));
+        const std::string_view display = text::trimCharacters(text.substr(0, open), " \"'");
+        if (!address.empty()) {
+            std::string shown = display.empty() ? address : std::string(display);
+            return {std::move(address), std::move(shown)};
+        }
+    }
+    return {text::lowercased(text), std::string(text)};
+}
+
+std::vector<SpaceAccountUsage> computeSpaceUsage(const MessageList& messages,
+                                                 const SharedTextSet* locallyAvailableIDs,
+                                                 const std::vector<MailAccount>& accounts) {
+    std::map<std::string_view, MessageRefs> byAccount;
+    for (const MailMessageRecord& message : messages) byAccount[spaceAccountKey(message)].push_back(&message);
+    std::vector<SpaceAccountUsage> usages;
+    for (const auto& [key, all] : byAccount) {
+        const MessageRefs counted = countableMessages(all);
+        if (counted.empty()) continue;
+        const auto account = std::find_if(accounts.begin(), accounts.end(),
+                                          [&](const MailAccount& candidate) { return candidate.urlPrefix == key; });
+        usages.push_back(
+            usageOf(key, counted, account == accounts.end() ? nullptr : &*account, locallyAvailableIDs));
+    }
+    std::stable_sort(usages.begin(), usages.end(), [](const SpaceAccountUsage& a, const SpaceAccountUsage& b) {
+        return a.localBytes != b.localBytes ? a.localBytes > b.localBytes : a.accountName < b.accountName;
+    });
+    return usages;
+}
+
+DeletionSafety deletionSafety(const DeletionSafetyInput& input, const std::set<std::int64_t>& years) {
+    DeletionSafety safety;
+    for (const MailMessageRecord& message : input.messages) {
+        if (!isInScope(input, years, message)) continue;
+        safety.local += 1;
+        if (input.archivedBaseIDs.contains(stableID(message))) safety.archived += 1;
+    }
+    safety.serverOnly = std::max<std::int64_t>(0, indexedTotal(input, years) - safety.local);
+    return safety;
+}
+
+} // namespace corvane

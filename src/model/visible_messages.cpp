@@ -1,0 +1,130 @@
+#include "model/visible_messages.h"
+
+#include <algorithm>
+
+#include "text/case.h"
+#include "text/trim.h"
+
+namespace corvane {
+
+namespace {
+
+bool holdsQuery(std::string_view field, std::string_view query) {
+    return text::lowercased(field).find(query) != std::string::npos;
+}
+
+bool matchesQuery(const MailMessageRecord& message, std::string_view query) {
+    if (query.empty() || holdsQuery(message.subject, query) || holdsQuery(message.sender, query) ||
+        holdsQuery(message.recipients, query) || holdsQuery(message.mailbox, query)) {
+        return true;
+    }
+    return std::any_of(message.attachments.begin(), message.attachments.end(),
+                       [&](const MailAttachmentRecord& attachment) { return holdsQuery(attachment.fileName, query); });
+}
+
+bool matchesYear(const MailMessageRecord& message, const ListRules& rules, const YearByID& years) {
+    if (rules.years.empty() && !rules.newestYear) return true;
+    const auto year = years.find(message.id);
+    if (year == years.end()) return false;
+    if (!rules.years.empty() && !rules.years.contains(year->second)) return false;
+    return !rules.newestYear || year->second <= *rules.newestYear;
+}
+
+bool matchesMigration(const MailMessageRecord& message, MigratedFilter filter, const SharedTextSet& archived) {
+    return filter == MigratedFilter::all ||
+           archived.contains(message.id) == (filter == MigratedFilter::onlyMigrated);
+}
+
+bool passes(const MailMessageRecord& message, const ListInput& input, const ListRules& rules) {
+    if (!input.locallyAvailableIDs->contains(message.id)) return false;
+    if (!rules.accountPrefixes.empty() && !rules.accountPrefixes.contains(std::string(accountFilterKey(message)))) {
+        return false;
+    }
+    if (static_cast<std::int64_t>(message.attachments.size()) < rules.minimumAttachmentCount) return false;
+    return matchesYear(message, rules, *input.yearByID) &&
+           matchesMigration(message, rules.migrated, *input.archivedMessageIDs) && matchesQuery(message, rules.query);
+}
+
+bool goesBefore(const MailMessageRecord& a, const MailMessageRecord& b, const ListRules& rules) {
+    if (rules.sortMode == MailSortMode::messageSize && a.messageSize != b.messageSize) {
+        return rules.ascending ? a.messageSize < b.messageSize : a.messageSize > b.messageSize;
+    }
+    return compareByDate(a, b, rules.ascending);
+}
+
+} // namespace
+
+ListRules ListRules::of(const ModelFilters& filters) {
+    ListRules rules;
+    rules.query = text::lowercased(text::trimWhitespaceAndNewlines(filters.searchText()));
+    rules.minimumAttachmentCount = filters.minimumAttachmentCount();
+    rules.years = filters.filterYears();
+    rules.accountPrefixes = filters.filterAccountPrefixes();
+    if (filters.onlyBeforeCutoff()) rules.newestYear = filters.yearCutoff();
+    rules.migrated = filters.migratedFilter();
+    rules.sortMode = filters.sortMode();
+    rules.ascending = filters.sortAscending();
+    return rules;
+}
+
+std::optional<MessageList> makeVisibleMessages(const ListInput& input, const ListRules& rules,
+                                               const std::stop_token& stop) {
+    MessageRefs kept;
+    kept.reserve(input.messages->size());
+    for (const MailMessageRecord& message : *input.messages) {
+        if (stop.stop_requested()) return std::nullopt;
+        if (passes(message, input, rules)) kept.push_back(&message);
+    }
+    std::stable_sort(kept.begin(), kept.end(),
+                     [&](const auto* a, const auto* b) { return goesBefore(*a, *b, rules); });
+    MessageList list;
+    list.reserve(kept.size());
+    for (const MailMessageRecord* message : kept) list.push_back(*message);
+    return list;
+}
+
+VisibleMessages::VisibleMessages(ModelContext& context, MessageCatalog& catalog, ModelFilters& filters,
+                                 QObject* parent)
+  : QObject(parent)
+  , context_(context)
+  , catalog_(catalog)
+  , filters_(filters)
+  , rebuildTask_(context.tasks) {}
+
+void VisibleMessages::setSelectedMessageID(std::optional<std::string> id) {
+    if (selectedMessageID_ == id) return;
+    selectedMessageID_ = std::move(id);
+    Q_EMIT selectedMessageChanged();
+}
+
+void VisibleMessages::rebuildVisibleMessages() {
+    if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
+    ListInput input{catalog_.messages(), catalog_.locallyAvailableIDs(), catalog_.archivedMessageIDs(),
+                    catalog_.messageYearByID()};
+    rebuildTask_.start(TaskPriority::userInitiated,
+                       [this, input = std::move(input), rules = ListRules::of(filters_)](const TaskHandle& task) {
+                           auto list = makeVisibleMessages(input, rules, task.stopToken());
+                           if (!list) return;
+                           auto shared = std::make_shared<const MessageList>(std::move(*list));
+                           task.onMain([this, shared] { publish(shared); });
+                       });
+}
+
+void VisibleMessages::clear() {
+    rebuildTask_.cancel();
+    visibleMessages_ = std::make_shared<const MessageList>();
+    Q_EMIT visibleMessagesChanged();
+}
+
+void VisibleMessages::publish(SharedMessageList list) {
+    visibleMessages_ = std::move(list);
+    Q_EMIT visibleMessagesChanged();
+    const bool selectionStays =
+        selectedMessageID_ && std::any_of(visibleMessages_->begin(), visibleMessages_->end(),
+                                          [&](const auto& message) { return message.id == *selectedMessageID_; });
+    if (selectionStays) return;
+    setSelectedMessageID(visibleMessages_->empty() ? std::nullopt
+                                                   : std::optional(visibleMessages_->front().id.str()));
+}
+
+} // namespace corvane

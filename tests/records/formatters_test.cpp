@@ -1,0 +1,67 @@
+#include "records/archive_records.h"
+#include "records/formatters.h"
+#include "records/mail_account.h"
+#include "records/mail_message_record.h"
+#include "records/model_enums.h"
+#include "records/timestamps.h"
+#include "support/temporary_home.h"
+
+namespace corvane {
+namespace {
+
+Date at(std::int64_t seconds) {
+    return Date(std::chrono::seconds(seconds));
+}
+
+TEST(Formatters, ByteCountsAreDecimalAndNeverBytes) {
+    const std::vector<std::pair<std::int64_t, std::string>> cases = {{0, "0 KB"},
+                                                                     {1, "1 KB"},
+                                                                     {500, "1 KB"},
+                                                                     {1499, "1 KB"},
+                                                                     {1500, "2 KB"},
+                                                                     {999499, "999 KB"},
+                                                                     {999500, "1 MB"},
+                                                                     {1260000, "1.3 MB"},
+                                                                     {12000000, "12 MB"},
+                                                                     {1250000000, "1.25 GB"},
+                                                                     {5000000000000, "5000 GB"},
+                                                                     {999950000, "1 GB"}};
+    for (const auto& [bytes, text] : cases) EXPECT_EQ(formatByteCount(bytes), text) << bytes;
+}
+
+TEST(Formatters, DatesFollowTheTimeZone) {
+    const testing::TimeZoneGuard zone("Asia/Shanghai");
+    EXPECT_EQ(formatListDate(at(1704038400)), "2024-01-01 00:00");
+    EXPECT_EQ(localYear(at(1704038399)), 2023);
+    EXPECT_EQ(localDay(at(1704038400)), "2024-01-01");
+    const testing::TimeZoneGuard other("America/New_York");
+    EXPECT_EQ(localYear(at(1704038400)), 2023);
+}
+
+TEST(Formatters, TextsOfRecordsWithoutValues) {
+    const MailMessageRecord message;
+    EXPECT_EQ(message.formattedDate(), "日期未知");
+    EXPECT_EQ(message.ageText(), "未知时间");
+    EXPECT_EQ(MailAttachmentRecord().displaySize(), "大小待估算");
+    MailAccount account;
+    account.emailAddress = "a";
+    account.isLocalStore = true;
+    EXPECT_EQ(account.distinguishedLabel(), "a（Mail 本机归档文件夹）");
+    account.linkedAccountEmail = "b";
+    EXPECT_EQ(account.distinguishedLabel(), "b（Mail 本机归档文件夹）");
+}
+
+TEST(Records, AnswersOfRunsAndPresets) {
+    EXPECT_EQ(EmailArchiveProgress().fraction(), 0.0);
+    EXPECT_EQ((EmailArchiveProgress{3, 2, {}, {}}).fraction(), 1.5);
+    EmailArchiveRunResult result;
+    result.wasCancelled = true;
+    EXPECT_FALSE(result.hasIssues());
+    result.variantWarnings = {"x"};
+    EXPECT_TRUE(result.hasIssues());
+    EXPECT_EQ(sizePreset(50'000'000), TransferSizePreset::fiftyMB);
+    EXPECT_FALSE(sizePreset(1));
+}
+
+} // namespace
+} // namespace corvane

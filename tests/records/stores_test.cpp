@@ -1,0 +1,97 @@
+#include "records/account_cache_store.h"
+#include "records/json_form.h"
+#include "records/library_snapshot_store.h"
+#include "records/performance_log.h"
+#include "records/presence_cache_store.h"
+#include "records/startup_log.h"
+#include "support/temporary_home.h"
+
+namespace corvane {
+namespace {
+
+using testing::readWhole;
+using testing::TemporaryHome;
+
+constexpr const char* supportFolder = ".local/share/Corvane/";
+
+TEST(AccountCache, BelongsToOneMailRoot) {
+    const TemporaryHome home;
+    const MailAccountCacheStore store{CorvaneAppSupport(home.platform())};
+    EXPECT_FALSE(store.load("/a"));
+    MailAccount account;
+    account.urlPrefix = "imap://X";
+    account.folders = {{"收件箱", 3}};
+    account.duplicationNote = "与「b」高度重复";
+    store.save("/a", {account});
+    EXPECT_EQ(store.load("/a"), std::vector{account});
+    EXPECT_FALSE(store.load("/b"));
+    home.write(std::string(supportFolder) + "mail-account-cache.json", "{\"cachedAt\":1}");
+    EXPECT_THROW(store.load("/a"), JsonError);
+}
+
+TEST(PresenceCache, BelongsToOneSignature) {
+    const TemporaryHome home;
+    const ArchivedOriginalPresenceCacheStore store{CorvaneAppSupport(home.platform())};
+    const PresenceByEntryID statuses = {{"root\x01mid:a", ArchivedOriginalPresenceStatus::missing},
+                                        {"root\x01mid:b", ArchivedOriginalPresenceStatus::unknown}};
+    store.save("s", statuses);
+    EXPECT_EQ(store.load("s"), statuses);
+    EXPECT_FALSE(store.load("t"));
+    home.write(std::string(supportFolder) + "archived-original-presence-cache.json",
+               R"({"cachedAt":"2024-01-01T00:00:00Z","signature":"s","statusesByEntryID":{"a":"gone"}})");
+    EXPECT_THROW(store.load("s"), JsonError);
+}
+
+TEST(LibrarySnapshot, KeepsEntriesAndLocations) {
+    const TemporaryHome home;
+    const ArchiveLibrarySnapshotStore store{CorvaneAppSupport(home.platform())};
+    ArchivedEntry entry;
+    entry.record.id = "mid:a";
+    entry.locationRootPath = "/archive";
+    const std::vector<ArchiveLocation> locations = {
+        {"/archive", "归档", ArchiveLocation::Kind::removable, false, 1}};
+    store.save({entry}, locations, {"mid:a"});
+    const auto snapshot = store.load();
+    ASSERT_TRUE(snapshot);
+    EXPECT_EQ(snapshot->entries, std::vector{entry});
+    EXPECT_EQ(snapshot->locations, locations);
+    EXPECT_EQ(entry.id(), std::string("/archive\x01mid:a"));
+}
+
+TEST(Caches, ThatCannotBeWrittenAreIgnored) {
+    const TemporaryHome home;
+    home.write(".local/share/Corvane", "a file where the folder should be");
+    const CorvaneAppSupport support(home.platform());
+    MailAccountCacheStore(support).save("/a", {});
+    EXPECT_THROW(support.baseDirectory(true), std::system_error);
+}
+
+TEST(PerformanceLog, HoldsTheLinesOfOneRunInOrder) {
+    const TemporaryHome home;
+    const CorvaneAppSupport support(home.platform());
+    {
+        MailPerformanceLog log(support);
+        log.mark("earlier");
+        log.reset();
+        for (int line = 0; line < 100; ++line) log.mark("line " + std::to_string(line));
+    }
+    const std::string content = readWhole(support.filePath("performance.log"));
+    EXPECT_EQ(content.find("earlier"), std::string::npos);
+    EXPECT_EQ(std::count(content.begin(), content.end(), '\n'), 100);
+    EXPECT_LT(content.find("line 7\n"), content.find("line 70\n"));
+}
+
+TEST(StartupLog, IsNeverCreatedByAMark) {
+    const TemporaryHome home;
+    const CorvaneAppSupport support(home.platform());
+    MailPerformanceLog performance(support);
+    const ArchiveLibraryStartupLog log(support, performance);
+    log.mark("before");
+    EXPECT_EQ(readWhole(support.filePath("archive-library-startup.log")), "");
+    log.reset();
+    log.mark("after");
+    EXPECT_NE(readWhole(support.filePath("archive-library-startup.log")).find(" after\n"), std::string::npos);
+}
+
+} // namespace
+} // namespace corvane

@@ -1,0 +1,71 @@
+#include "text/graphemes.h"
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace corvane::text {
+namespace {
+
+// Texts with their clusters.
+const std::vector<std::vector<std::string>> clusteredTexts = {
+    {},
+    {"a", "b"},
+    {"\r\n", "\r", "a", "\n", "\n"},
+    {"a", "e\u0301", "x"},
+    {"e\u0301\u0323\u0308", "f"},
+    {"\r", "\u0301"},
+    {"你", "好", "a"},
+    {"👨‍👩‍👧‍👦", "👍🏽", "!"},
+    {"🇨🇳", "🇫🇷", "🇩"},
+    {"한", "\u1112\u1161\u11AB", "z"},
+    {"R", "e", ":", " ", "#️⃣", "1️⃣"},
+    {"a", "\xFF", "b", "\xE4\xBD", "c"},
+};
+
+std::string joined(const std::vector<std::string>& clusters, std::size_t count) {
+    std::string text;
+    for (std::size_t index = 0; index < std::min(count, clusters.size()); ++index) text += clusters[index];
+    return text;
+}
+
+TEST(Graphemes, CountAndCutByWholeClusters) {
+    for (const auto& clusters : clusteredTexts) {
+        const std::string text = joined(clusters, clusters.size());
+        EXPECT_EQ(graphemeCount(text), clusters.size()) << text;
+        for (std::size_t count = 0; count <= clusters.size() + 1; ++count)
+            EXPECT_EQ(graphemePrefix(text, count), joined(clusters, count)) << text;
+    }
+}
+
+TEST(Graphemes, ByteLimitKeepsTheLongestWholePrefix) {
+    for (const auto& clusters : clusteredTexts) {
+        const std::string text = joined(clusters, clusters.size());
+        for (std::size_t limit = 0; limit <= text.size() + 1; ++limit) {
+            std::size_t fitting = 0;
+            while (fitting < clusters.size() && joined(clusters, fitting + 1).size() <= limit) ++fitting;
+            EXPECT_EQ(graphemePrefixWithinBytes(text, limit), joined(clusters, fitting)) << text << limit;
+        }
+    }
+}
+
+TEST(Graphemes, OneEndlessClusterIsLeftOutWhole) {
+    std::string text = "abc";
+    for (int mark = 0; mark < 200'000; ++mark) text += "\u0301";
+    EXPECT_EQ(graphemePrefixWithinBytes(text, 255), "ab");
+    EXPECT_EQ(graphemePrefix(text, 2), "ab");
+    EXPECT_EQ(graphemeCount(text), 3U);
+}
+
+TEST(Graphemes, CountOnManyThreads) {
+    std::string family;
+    for (int index = 0; index < 2'000; ++index) family += "👨‍👩‍👧‍👦";
+    std::vector<std::jthread> threads;
+    for (int thread = 0; thread < 4; ++thread)
+        threads.emplace_back([&] { EXPECT_EQ(graphemeCount(family), 2'000U); });
+}
+
+} // namespace
+} // namespace corvane::text
