@@ -1,5 +1,5 @@
-// Floor of the archive run: reads each file of a folder, writes its bytes into another one with fsync, and reads them
-// back past the cache. Usage: floor_archive_writes SOURCE TARGET. Prints the seconds.
+// Floor of the archive run: reads each file of a folder, writes its bytes into another one with fsync, and
+// reads them back past the cache. Usage: floor_archive_writes SOURCE TARGET. Prints the seconds.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -20,7 +20,7 @@ namespace {
 }
 
 std::vector<char> readWhole(int file) {
-    struct stat info {};
+    struct stat info{};
     if (::fstat(file, &info) != 0) die("fstat");
     std::vector<char> bytes(static_cast<std::size_t>(info.st_size));
     if (::read(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) die("read");

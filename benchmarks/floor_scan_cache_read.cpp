@@ -1,5 +1,5 @@
-// Floor of reading a scan cache: simdjson's on-demand parser over the whole file, every field of every message into a
-// plain struct of strings. Usage: floor_scan_cache_read FILE. Prints the seconds.
+// Floor of reading a scan cache: simdjson's on-demand parser over the whole file, every field of every
+// message into a plain struct of strings. Usage: floor_scan_cache_read FILE. Prints the seconds.
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
@@ -11,7 +11,8 @@
 namespace {
 
 struct Message {
-    std::string id, subject, sender, recipients, date, mailbox, account, accountName, fileURL, identifier, preview;
+    std::string id, subject, sender, recipients, date, mailbox, account, accountName, fileURL, identifier,
+        preview;
     std::vector<std::string> related;
     std::vector<std::string> attachmentNames;
     std::int64_t size = 0;
@@ -25,25 +26,39 @@ void put(std::string& target, simdjson::ondemand::value value) {
 void readAttachments(Message& message, simdjson::ondemand::value value) {
     for (auto attachment : value.get_array()) {
         for (auto field : attachment.get_object()) {
-            if (field.key() == "fileName") message.attachmentNames.emplace_back(std::string_view(field.value()));
+            if (field.key() == "fileName")
+                message.attachmentNames.emplace_back(std::string_view(field.value()));
         }
     }
 }
 
 void readField(Message& message, std::string_view key, simdjson::ondemand::value value) {
-    if (key == "id") put(message.id, value);
-    else if (key == "subject") put(message.subject, value);
-    else if (key == "sender") put(message.sender, value);
-    else if (key == "recipients") put(message.recipients, value);
-    else if (key == "date") put(message.date, value);
-    else if (key == "mailbox") put(message.mailbox, value);
-    else if (key == "accountIdentifier") put(message.account, value);
-    else if (key == "accountName") put(message.accountName, value);
-    else if (key == "fileURL") put(message.fileURL, value);
-    else if (key == "messageIdentifier") put(message.identifier, value);
-    else if (key == "preview") put(message.preview, value);
-    else if (key == "messageSize") message.size = value.get_int64();
-    else if (key == "attachments") readAttachments(message, value);
+    if (key == "id")
+        put(message.id, value);
+    else if (key == "subject")
+        put(message.subject, value);
+    else if (key == "sender")
+        put(message.sender, value);
+    else if (key == "recipients")
+        put(message.recipients, value);
+    else if (key == "date")
+        put(message.date, value);
+    else if (key == "mailbox")
+        put(message.mailbox, value);
+    else if (key == "accountIdentifier")
+        put(message.account, value);
+    else if (key == "accountName")
+        put(message.accountName, value);
+    else if (key == "fileURL")
+        put(message.fileURL, value);
+    else if (key == "messageIdentifier")
+        put(message.identifier, value);
+    else if (key == "preview")
+        put(message.preview, value);
+    else if (key == "messageSize")
+        message.size = value.get_int64();
+    else if (key == "attachments")
+        readAttachments(message, value);
     else if (key == "relatedMessageFileURLs") {
         for (auto url : value.get_array()) message.related.emplace_back(std::string_view(url));
     }

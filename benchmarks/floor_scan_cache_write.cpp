@@ -1,5 +1,5 @@
-// Floor of writing a scan cache: the texts of every message, read beforehand, formatted with fmt into a large buffer
-// that goes to the file. They are written as they stood in the file, so nothing has to be escaped.
+// Floor of writing a scan cache: the texts of every message, read beforehand, formatted with fmt into a large
+// buffer that goes to the file. They are written as they stood in the file, so nothing has to be escaped.
 // Usage: floor_scan_cache_write FILE TARGET. Prints the seconds of the writing.
 #include <chrono>
 #include <cstdio>
@@ -34,7 +34,8 @@ std::vector<Fields> readMessages(const char* path) {
 }
 
 void flush(int file, fmt::memory_buffer& buffer) {
-    if (::write(file, buffer.data(), buffer.size()) != static_cast<ssize_t>(buffer.size())) std::perror("write");
+    if (::write(file, buffer.data(), buffer.size()) != static_cast<ssize_t>(buffer.size()))
+        std::perror("write");
     buffer.clear();
 }
 

@@ -1,5 +1,5 @@
-// The scan cache, read or written: measure_scan_cache read FILE | write FILE TARGET | make COUNT FILE. Prints the
-// seconds; `make` writes a cache of made-up messages.
+// The scan cache, read or written: measure_scan_cache read FILE | write FILE TARGET | make COUNT FILE. Prints
+// the seconds; `make` writes a cache of made-up messages.
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -17,9 +17,10 @@ using namespace corvane;
 
 MailMessageRecord madeUp(std::size_t number) {
     MailMessageRecord record;
-    record.id = fmt::format("/Users/somebody/Library/Mail/V10/6F2A9C1E-0B1D-4E57-9C0A-1D2E3F4A5B6C/INBOX.mbox/"
-                            "8A1B2C3D-1111-2222-3333-444455556666/Data/{}/{}/Messages/{}.emlx",
-                            number / 1000 % 10, number / 10000 % 10, number);
+    record.id =
+        fmt::format("/Users/somebody/Library/Mail/V10/6F2A9C1E-0B1D-4E57-9C0A-1D2E3F4A5B6C/INBOX.mbox/"
+                    "8A1B2C3D-1111-2222-3333-444455556666/Data/{}/{}/Messages/{}.emlx",
+                    number / 1000 % 10, number / 10000 % 10, number);
     record.fileURL = FileURL(record.id);
     record.subject = fmt::format("关于第 {} 号合同的补充说明与付款安排", number);
     record.sender = fmt::format("张三 <sender{}@example.com>", number % 4000);
@@ -28,19 +29,22 @@ MailMessageRecord madeUp(std::size_t number) {
     record.mailbox = "INBOX";
     record.accountIdentifier = "imap://6F2A9C1E-0B1D-4E57-9C0A-1D2E3F4A5B6C";
     record.accountName = "somebody@example.com";
-    record.messageIdentifier = fmt::format("caf{:016x}.{}@mail.example.com", number * 0x9E3779B97F4A7C15ULL, number);
+    record.messageIdentifier =
+        fmt::format("caf{:016x}.{}@mail.example.com", number * 0x9E3779B97F4A7C15ULL, number);
     record.messageSize = static_cast<std::int64_t>(number % 100000);
     record.preview = "正在加载正文预览...";
     if (number % 4 == 0) {
-        record.attachments.push_back({Uuid::random(), SharedText(fmt::format("附件{}.pdf", number)), "PDF 文档", 120000,
-                                      FileURL(SharedText("/Users/somebody/Library/Mail/V10/Attachments/1/2/附件.pdf"))});
+        record.attachments.push_back(
+            {Uuid::random(), SharedText(fmt::format("附件{}.pdf", number)), "PDF 文档", 120000,
+             FileURL(SharedText("/Users/somebody/Library/Mail/V10/Attachments/1/2/附件.pdf"))});
     }
     return record;
 }
 
 void write(const MailScanCache& cache, const std::string& path) {
-    const ScanCacheContent content{cache.scannedAt, &cache.summary, &cache.messages,
-                                   &*cache.locallyAvailableMessageIDs, nullptr, nullptr};
+    const ScanCacheContent content{cache.scannedAt, &cache.summary,
+                                   &cache.messages, &*cache.locallyAvailableMessageIDs,
+                                   nullptr,         nullptr};
     const auto produce = [&](const platform::ByteSink& sink) { encodeScanCache(content, sink); };
     if (const auto error = platform::writeFileAtomically(platform::posixFileLayer(), path, produce)) {
         std::fprintf(stderr, "%s\n", error.message().c_str());

@@ -80,11 +80,13 @@ void printJson(const EmailArchiveRunResult& result) {
 }
 
 void printReadable(const EmailArchiveRunResult& result) {
-    printText(fmt::format("{}：归档 {} 封（{}），已在归档中 {} 封，失败 {} 封", result.wasCancelled ? "已中止" : "归档完成",
-                          result.archivedCount, formatByteCount(result.archivedBytes), result.skippedAlreadyArchived,
+    printText(fmt::format("{}：归档 {} 封（{}），已在归档中 {} 封，失败 {} 封",
+                          result.wasCancelled ? "已中止" : "归档完成", result.archivedCount,
+                          formatByteCount(result.archivedBytes), result.skippedAlreadyArchived,
                           result.failedCount));
     for (const EmailArchiveFailure& failure : result.failures) {
-        printText(fmt::format("失败：{} — {}（{}）", failure.subject, failure.reason, failure.messageFileURL.path()));
+        printText(fmt::format("失败：{} — {}（{}）", failure.subject, failure.reason,
+                              failure.messageFileURL.path()));
     }
     for (const std::string& warning : result.variantWarnings) printText(fmt::format("注意：{}", warning));
     printText(fmt::format("索引：{}", result.indexURL.path()));
@@ -102,8 +104,10 @@ int runArchive(Session& session, const ArchiveOptions& options, bool json) {
     } else {
         result = runToEnd(session);
     }
-    if (json) printJson(result);
-    else printReadable(result);
+    if (json)
+        printJson(result);
+    else
+        printReadable(result);
     if (session.wasInterrupted()) return interrupted;
     return result.hasIssues() ? doneWithIssues : done;
 }

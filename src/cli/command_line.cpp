@@ -151,6 +151,8 @@ class CommandLine {
 
 } // namespace
 
-int runCommandLine(int argc, char** argv) { return CommandLine().run(argc, argv); }
+int runCommandLine(int argc, char** argv) {
+    return CommandLine().run(argc, argv);
+}
 
 } // namespace corvane::cli

@@ -1,5 +1,5 @@
-// The commands of corvane-cli. Each takes a session and its options, prints its answer and returns the exit status;
-// a failure for the user is thrown as CommandFailure.
+// The commands of corvane-cli. Each takes a session and its options, prints its answer and returns the exit
+// status; a failure for the user is thrown as CommandFailure.
 #pragma once
 
 #include <cstdint>

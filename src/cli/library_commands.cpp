@@ -30,7 +30,8 @@ std::vector<const ArchivedEntry*> selectEntries(const std::vector<ArchivedEntry>
     std::vector<const ArchivedEntry*> selected;
     for (const ArchivedEntry& entry : entries) {
         const bool isThere = options.location.empty() || entry.locationRootPath == options.location;
-        if (isThere && (options.mailbox.empty() || entry.record.mailbox == options.mailbox)) selected.push_back(&entry);
+        if (isThere && (options.mailbox.empty() || entry.record.mailbox == options.mailbox))
+            selected.push_back(&entry);
     }
     std::stable_sort(selected.begin(), selected.end(),
                      [&](const auto* a, const auto* b) { return goesFirst(*a, *b, options.ascending); });
@@ -48,11 +49,12 @@ int runLocations(Session& session, bool json) {
         document.print();
         return done;
     }
-    TextTable table({TextTable::Align::left, TextTable::Align::right, TextTable::Align::left, TextTable::Align::left});
+    TextTable table(
+        {TextTable::Align::left, TextTable::Align::right, TextTable::Align::left, TextTable::Align::left});
     table.row({"位置", "邮件", "状态", "路径"});
     for (const ArchiveLocation& location : locations) {
-        table.row({location.displayName, fmt::format("{}", location.count), location.isConnected ? "已连接" : "未连接",
-                   location.rootPath});
+        table.row({location.displayName, fmt::format("{}", location.count),
+                   location.isConnected ? "已连接" : "未连接", location.rootPath});
     }
     table.print();
     return done;
@@ -75,7 +77,8 @@ int runLibrary(Session& session, const LibraryOptions& options, bool json) {
         document.print();
         return done;
     }
-    TextTable table({TextTable::Align::left, TextTable::Align::right, TextTable::Align::left, TextTable::Align::left});
+    TextTable table(
+        {TextTable::Align::left, TextTable::Align::right, TextTable::Align::left, TextTable::Align::left});
     table.row({"日期", "大小", "发件人", "主题"});
     for (const ArchivedEntry* entry : selected) {
         const ArchivedEmailRecord& record = entry->record;

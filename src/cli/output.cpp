@@ -61,8 +61,10 @@ void TextTable::print() const {
         for (std::size_t column = 0; column < cells.size(); ++column) {
             const std::string padding(widths[column] - text::displayWidth(cells[column]), ' ');
             const bool isLast = column + 1 == cells.size();
-            if (columns_[column] == Align::right) whole += padding + cells[column];
-            else whole += cells[column] + (isLast ? "" : padding);
+            if (columns_[column] == Align::right)
+                whole += padding + cells[column];
+            else
+                whole += cells[column] + (isLast ? "" : padding);
             whole += isLast ? "\n" : "  ";
         }
     }

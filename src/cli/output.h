@@ -1,5 +1,5 @@
-// What a command answers: one JSON document on standard output, or readable text. Everything else of the program
-// goes to standard error.
+// What a command answers: one JSON document on standard output, or readable text. Everything else of the
+// program goes to standard error.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,8 @@ class JsonDocument {
   public:
     using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
 
-    JsonDocument() : writer_(buffer_) {}
+    JsonDocument()
+      : writer_(buffer_) {}
 
     void object(const std::function<void()>& members);
     void array(const std::function<void()>& elements);
@@ -54,12 +55,14 @@ class JsonDocument {
 
 void printText(std::string_view text);
 
-// Rows of columns, the first row a heading. Columns of numbers are aligned to the right; wide characters count two.
+// Rows of columns, the first row a heading. Columns of numbers are aligned to the right; wide characters
+// count two.
 class TextTable {
   public:
     enum class Align { left, right };
 
-    explicit TextTable(std::vector<Align> columns) : columns_(std::move(columns)) {}
+    explicit TextTable(std::vector<Align> columns)
+      : columns_(std::move(columns)) {}
 
     void row(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
 

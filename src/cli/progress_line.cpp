@@ -22,7 +22,8 @@ std::string bar(double fraction) {
 
 } // namespace
 
-ProgressLine::ProgressLine() : isTerminal_(::isatty(STDERR_FILENO) == 1) {}
+ProgressLine::ProgressLine()
+  : isTerminal_(::isatty(STDERR_FILENO) == 1) {}
 
 ProgressLine::~ProgressLine() {
     if (isOpen_) consoleLine("");

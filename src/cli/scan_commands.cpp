@@ -14,9 +14,12 @@ namespace {
 
 std::string_view stateName(const MailScanState& state) {
     switch (state.kind) {
-    case MailScanState::Kind::finished: return "finished";
-    case MailScanState::Kind::failed: return "failed";
-    default: return "idle";
+    case MailScanState::Kind::finished:
+        return "finished";
+    case MailScanState::Kind::failed:
+        return "failed";
+    default:
+        return "idle";
     }
 }
 
@@ -46,9 +49,8 @@ int runScanToEnd(Session& session, bool json, const std::function<void()>& start
     });
     const auto begin = std::chrono::steady_clock::now();
     auto published = begin;
-    const auto notePublished =
-        QObject::connect(&model.visible(), &VisibleMessages::visibleMessagesChanged,
-                         [&] { published = std::chrono::steady_clock::now(); });
+    const auto notePublished = QObject::connect(&model.visible(), &VisibleMessages::visibleMessagesChanged,
+                                                [&] { published = std::chrono::steady_clock::now(); });
     start();
     session.waitUntilIdle([&] { model.scanFlow().cancelScan(); });
     QObject::disconnect(showState);
@@ -57,15 +59,19 @@ int runScanToEnd(Session& session, bool json, const std::function<void()>& start
     if (session.wasInterrupted()) throw Interrupted();
     const MailScanState& state = model.scanFlow().state();
     const bool isFailure = state.kind == MailScanState::Kind::failed;
-    if (json) printScanJson(model, seconds);
-    else if (isFailure) throw CommandFailure(state.text);
-    else printText(fmt::format("扫描完成：{} 封邮件，{}，用时 {:.2f} 秒", model.catalog().messages()->size(),
-                               formatByteCount(model.catalog().summary().bytes), seconds));
+    if (json)
+        printScanJson(model, seconds);
+    else if (isFailure)
+        throw CommandFailure(state.text);
+    else
+        printText(fmt::format("扫描完成：{} 封邮件，{}，用时 {:.2f} 秒", model.catalog().messages()->size(),
+                              formatByteCount(model.catalog().summary().bytes), seconds));
     return isFailure ? failed : done;
 }
 
 void printAccountsTable(const std::vector<MailAccount>& accounts) {
-    TextTable table({TextTable::Align::left, TextTable::Align::left, TextTable::Align::right, TextTable::Align::left});
+    TextTable table(
+        {TextTable::Align::left, TextTable::Align::left, TextTable::Align::right, TextTable::Align::left});
     table.row({"账户", "类型", "邮件", "说明"});
     for (const MailAccount& account : accounts) {
         std::int64_t count = 0;
@@ -77,12 +83,13 @@ void printAccountsTable(const std::vector<MailAccount>& accounts) {
 }
 
 void printMessagesTable(const MessageList& messages) {
-    TextTable table({TextTable::Align::left, TextTable::Align::right, TextTable::Align::right, TextTable::Align::left,
-                     TextTable::Align::left});
+    TextTable table({TextTable::Align::left, TextTable::Align::right, TextTable::Align::right,
+                     TextTable::Align::left, TextTable::Align::left});
     table.row({"日期", "大小", "附件", "发件人", "主题"});
     for (const MailMessageRecord& message : messages) {
         table.row({message.formattedDate(), formatByteCount(message.messageSize),
-                   fmt::format("{}", message.attachmentCount()), message.sender.str(), message.subject.str()});
+                   fmt::format("{}", message.attachmentCount()), message.sender.str(),
+                   message.subject.str()});
     }
     table.print();
 }
@@ -117,7 +124,8 @@ void printStatsJson(CorvaneViewModel& model, const std::set<std::int64_t>& years
         document.member("mailAccountYearStats", model.catalog().cachedMailAccountYearStats());
         document.member("unbackedAccountYearStats", model.catalog().cachedUnbackedAccountYearStats());
         document.member("indexedYearCounts", withTextKeys(model.counts().indexedYearCounts()));
-        document.member("indexedYearCountsByAccount", withTextKeys(model.counts().indexedYearCountsByAccount()));
+        document.member("indexedYearCountsByAccount",
+                        withTextKeys(model.counts().indexedYearCountsByAccount()));
         document.member("undownloadedYearCountsByAccount",
                         withTextKeys(model.counts().undownloadedYearCountsByAccount()));
         document.member("spaceUsage", model.space().spaceUsage());
@@ -137,8 +145,8 @@ void printStatsJson(CorvaneViewModel& model, const std::set<std::int64_t>& years
 }
 
 void printStatsTable(CorvaneViewModel& model, const std::set<std::int64_t>& years) {
-    TextTable table({TextTable::Align::right, TextTable::Align::right, TextTable::Align::right,
-                     TextTable::Align::right});
+    TextTable table(
+        {TextTable::Align::right, TextTable::Align::right, TextTable::Align::right, TextTable::Align::right});
     table.row({"年份", "邮件", "含附件", "大小"});
     for (const YearStat& stat : model.catalog().yearStats()) {
         table.row({stat.displayYear(), fmt::format("{}", stat.messageCount),
@@ -147,8 +155,9 @@ void printStatsTable(CorvaneViewModel& model, const std::set<std::int64_t>& year
     table.print();
     const DeletionSafety safety = model.deletionSafety(years);
     const MailScanSummary candidates = model.archive().archiveCandidateSummary();
-    printText(fmt::format("本机 {} 封，已归档 {} 封，仅在服务器 {} 封；可归档 {} 封，{}", safety.local, safety.archived,
-                          safety.serverOnly, candidates.matchedMessages, formatByteCount(candidates.bytes)));
+    printText(fmt::format("本机 {} 封，已归档 {} 封，仅在服务器 {} 封；可归档 {} 封，{}", safety.local,
+                          safety.archived, safety.serverOnly, candidates.matchedMessages,
+                          formatByteCount(candidates.bytes)));
 }
 
 } // namespace
@@ -209,8 +218,10 @@ int runStats(Session& session, const std::vector<std::int64_t>& years, bool json
     session.restoreLastScan();
     session.model().filters().setArchiveFilterYears(asSet(years));
     session.waitUntilIdle();
-    if (json) printStatsJson(session.model(), asSet(years));
-    else printStatsTable(session.model(), asSet(years));
+    if (json)
+        printStatsJson(session.model(), asSet(years));
+    else
+        printStatsTable(session.model(), asSet(years));
     return done;
 }
 

@@ -33,7 +33,7 @@ void noteInterrupts() {
     interruptWriteEnd = pipe.writeEnd.release();
     ::fcntl(interruptWriteEnd, F_SETFL, O_NONBLOCK);
     ::fcntl(interruptReadEnd, F_SETFL, O_NONBLOCK);
-    struct sigaction action {};
+    struct sigaction action{};
     action.sa_handler = noteSignal;
     action.sa_flags = SA_RESTART;
     ::sigaction(SIGINT, &action, nullptr);
@@ -48,13 +48,16 @@ Session::Session(const std::string& home)
     model_ = std::make_unique<CorvaneViewModel>(*context_);
 }
 
-bool Session::wasInterrupted() const { return interruptCount > 0; }
+bool Session::wasInterrupted() const {
+    return interruptCount > 0;
+}
 
 void Session::waitUntilIdle(const std::function<void()>& onInterrupt) {
     bool handled = false;
     const auto lookForInterrupt = [&] {
         char byte = 0;
-        while (::read(interruptReadEnd, &byte, 1) > 0) {}
+        while (::read(interruptReadEnd, &byte, 1) > 0) {
+        }
         if (!wasInterrupted() || handled) return;
         handled = true;
         if (onInterrupt) onInterrupt();
@@ -62,7 +65,8 @@ void Session::waitUntilIdle(const std::function<void()>& onInterrupt) {
     QSocketNotifier notifier(interruptReadEnd, QSocketNotifier::Read);
     QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, lookForInterrupt);
     lookForInterrupt();
-    // The notifications of the library may queue steps that aren't jobs, so the queue is emptied once more at the end.
+    // The notifications of the library may queue steps that aren't jobs, so the queue is emptied once more at
+    // the end.
     do {
         if (handled && !onInterrupt) throw Interrupted();
         QCoreApplication::processEvents(context_->tasks.isIdle() ? QEventLoop::AllEvents

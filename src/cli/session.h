@@ -33,8 +33,8 @@ class Session {
 
     [[nodiscard]] bool wasInterrupted() const;
 
-    // Restores the last scan with what is archived, and waits for it. Throws CommandFailure when the cache can't be
-    // read.
+    // Restores the last scan with what is archived, and waits for it. Throws CommandFailure when the cache
+    // can't be read.
     void restoreLastScan();
 
   private:
@@ -46,7 +46,8 @@ class Session {
 // SIGINT or SIGTERM came while a command waited that has nothing to bring in order.
 class Interrupted : public std::runtime_error {
   public:
-    Interrupted() : std::runtime_error("已中断") {}
+    Interrupted()
+      : std::runtime_error("已中断") {}
 };
 
 // From here on SIGINT and SIGTERM are noted instead of ending the process.

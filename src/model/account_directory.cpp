@@ -54,7 +54,8 @@ AccountDirectory::AccountDirectory(ModelContext& context, QObject* parent)
 
 void AccountDirectory::setSelectedAccountPrefixes(std::set<std::string> prefixes) {
     selectedPrefixes_ = std::move(prefixes);
-    context_.settings.setTextList(selectedAccountPrefixesKey, {selectedPrefixes_.begin(), selectedPrefixes_.end()});
+    context_.settings.setTextList(selectedAccountPrefixesKey,
+                                  {selectedPrefixes_.begin(), selectedPrefixes_.end()});
     Q_EMIT selectionChanged();
 }
 
@@ -70,21 +71,31 @@ bool AccountDirectory::loadCachedAccounts() {
     return true;
 }
 
-void AccountDirectory::refreshAccountsFromMail() { start(Purpose::upkeep); }
+void AccountDirectory::refreshAccountsFromMail() {
+    start(Purpose::upkeep);
+}
 
-void AccountDirectory::readForFullRefresh() { start(Purpose::fullRefresh); }
+void AccountDirectory::readForFullRefresh() {
+    start(Purpose::fullRefresh);
+}
 
 void AccountDirectory::start(Purpose purpose) {
+    // The queries cost seconds on a large store, so a full refresh takes over a read that has just begun.
+    const bool takesOver = readingFor_ == Purpose::upkeep && readTask_.isRunning();
+    readingFor_ = purpose;
+    if (takesOver) return;
     const auto priority = purpose == Purpose::upkeep ? TaskPriority::utility : TaskPriority::userInitiated;
-    readTask_.start(priority, [this, purpose, cache = cache_, store = mailStoreOf(context_)](const TaskHandle& task) {
+    readTask_.start(priority, [this, cache = cache_, store = mailStoreOf(context_)](const TaskHandle& task) {
         std::vector<MailAccount> accounts = readAccounts(store);
         std::string emptyMessage;
         if (accounts.empty()) emptyMessage = emptyScanFailureMessage(store, std::nullopt).text;
-        task.onMain([=, this] { takeAccounts(purpose, accounts, emptyMessage); });
+        task.onMain([this, accounts, emptyMessage] { takeAccounts(accounts, emptyMessage); });
         if (task.isCancelled()) return;
         cache.save(store.rootPath, accounts);
         if (accounts.size() < 2) return;
-        if (!addNotes(accounts, mailstore::analyzeDuplication(store.context, accounts, store.rootPath)) || task.isCancelled()) return;
+        if (!addNotes(accounts, mailstore::analyzeDuplication(store.context, accounts, store.rootPath)) ||
+            task.isCancelled())
+            return;
         task.onMain([this, accounts] {
             availableAccounts_ = accounts;
             Q_EMIT accountsChanged();
@@ -93,8 +104,8 @@ void AccountDirectory::start(Purpose purpose) {
     });
 }
 
-void AccountDirectory::takeAccounts(Purpose purpose, std::vector<MailAccount> accounts,
-                                    const std::string& emptyMessage) {
+void AccountDirectory::takeAccounts(std::vector<MailAccount> accounts, const std::string& emptyMessage) {
+    const Purpose purpose = std::exchange(readingFor_, std::nullopt).value_or(Purpose::upkeep);
     if (!accounts.empty()) {
         adopt(std::move(accounts));
         if (purpose == Purpose::fullRefresh) Q_EMIT fullRefreshFoundAccounts();

@@ -49,7 +49,7 @@ class AccountDirectory : public QObject {
     enum class Purpose { upkeep, fullRefresh };
 
     void start(Purpose purpose);
-    void takeAccounts(Purpose purpose, std::vector<MailAccount> accounts, const std::string& emptyMessage);
+    void takeAccounts(std::vector<MailAccount> accounts, const std::string& emptyMessage);
     void adopt(std::vector<MailAccount> accounts);
     void setLoadFailure(std::optional<std::string> message);
     void keepSelectionWithinAccounts();
@@ -59,6 +59,8 @@ class AccountDirectory : public QObject {
     std::vector<MailAccount> availableAccounts_;
     std::optional<std::string> loadFailure_;
     std::set<std::string> selectedPrefixes_;
+    // What the running read is for; nothing once its accounts have been taken.
+    std::optional<Purpose> readingFor_;
     TaskSlot readTask_;
 };
 

@@ -14,7 +14,9 @@ namespace {
 
 constexpr double capacityMargin = 1.15;
 
-std::string joined(const auto& values) { return fmt::format("{}", fmt::join(values, ",")); }
+std::string joined(const auto& values) {
+    return fmt::format("{}", fmt::join(values, ","));
+}
 
 // A snapshot for the count, which must not walk the messages on the main thread.
 struct CountJob {
@@ -34,7 +36,8 @@ std::optional<std::int64_t> countCandidates(const CountJob& job, const TaskHandl
         if (task.isCancelled()) return std::nullopt;
         const bool isAvailable = job.locallyAvailableIDs ? job.locallyAvailableIDs->contains(message.id)
                                                          : files.isLocallyAvailable(message);
-        if (isAvailable && job.rules.passes(message, years) && !job.archivedBaseIDs->contains(stableID(message))) {
+        if (isAvailable && job.rules.passes(message, years) &&
+            !job.archivedBaseIDs->contains(stableID(message))) {
             ++count;
         }
     }
@@ -50,7 +53,8 @@ CandidateRules CandidateRules::of(const ModelFilters& filters) {
 
 bool CandidateRules::passes(const MailMessageRecord& message, const YearByID& yearByID) const {
     if (message.messageSize < minimumBytes) return false;
-    if (!accountPrefixes.empty() && !accountPrefixes.contains(std::string(accountFilterKey(message)))) return false;
+    if (!accountPrefixes.empty() && !accountPrefixes.contains(std::string(accountFilterKey(message))))
+        return false;
     if (!maximumYear && years.empty()) return true;
     const auto year = yearByID.find(message.id);
     if (year == yearByID.end()) return false;
@@ -64,12 +68,14 @@ std::optional<std::string> archiveCapacityShortfall(const MessageList& messages,
     const auto estimate = static_cast<std::int64_t>(bytes * capacityMargin);
     const auto available = platform.availableCapacity(path);
     if (!available || *available >= estimate) return std::nullopt;
-    return fmt::format("目的地可用空间不足：归档这 {} 封约需 {}，当前仅剩 {}。请清理空间或更换归档位置后重试。\n\n（归档到 "
-                       "iCloud 时文件会先占用本地磁盘再上传，也请确认 iCloud 云端还有足够空间。）",
-                       messages.size(), formatByteCount(estimate), formatByteCount(*available));
+    return fmt::format(
+        "目的地可用空间不足：归档这 {} 封约需 {}，当前仅剩 {}。请清理空间或更换归档位置后重试。\n\n（归档到 "
+        "iCloud 时文件会先占用本地磁盘再上传，也请确认 iCloud 云端还有足够空间。）",
+        messages.size(), formatByteCount(estimate), formatByteCount(*available));
 }
 
-ArchiveControl::ArchiveControl(ModelContext& context, MessageCatalog& catalog, ModelFilters& filters, QObject* parent)
+ArchiveControl::ArchiveControl(ModelContext& context, MessageCatalog& catalog, ModelFilters& filters,
+                               QObject* parent)
   : QObject(parent)
   , context_(context)
   , catalog_(catalog)
@@ -80,8 +86,9 @@ ArchiveControl::ArchiveControl(ModelContext& context, MessageCatalog& catalog, M
 std::string ArchiveControl::signature() const {
     const CandidateRules rules = CandidateRules::of(filters_);
     return fmt::format("{}|{}|{}|{}|{}|{}|{}|{}", catalog_.messagesToken(), catalog_.availabilityToken(),
-                       catalog_.locallyAvailableIDs()->size(), rules.minimumBytes, rules.maximumYear.value_or(-1),
-                       joined(rules.accountPrefixes), joined(rules.years), archivedRevision_);
+                       catalog_.locallyAvailableIDs()->size(), rules.minimumBytes,
+                       rules.maximumYear.value_or(-1), joined(rules.accountPrefixes), joined(rules.years),
+                       archivedRevision_);
 }
 
 const SharedMessageList& ArchiveControl::archiveCandidates() {
@@ -143,7 +150,9 @@ void ArchiveControl::toggleArchiveSelection(std::string_view id) {
     Q_EMIT selectionChanged();
 }
 
-void ArchiveControl::selectAllArchiveCandidates() { selectFirstArchiveCandidates(archiveCandidates()->size()); }
+void ArchiveControl::selectAllArchiveCandidates() {
+    selectFirstArchiveCandidates(archiveCandidates()->size());
+}
 
 void ArchiveControl::selectFirstArchiveCandidates(std::size_t count) {
     selection_.clear();
@@ -157,7 +166,8 @@ void ArchiveControl::selectFirstArchiveCandidates(std::size_t count) {
 void ArchiveControl::selectArchiveRange(std::string_view from, std::string_view to) {
     const MessageList& candidates = *archiveCandidates();
     const auto find = [&](std::string_view id) {
-        return std::find_if(candidates.begin(), candidates.end(), [&](const auto& message) { return message.id == id; });
+        return std::find_if(candidates.begin(), candidates.end(),
+                            [&](const auto& message) { return message.id == id; });
     };
     const auto [low, high] = std::minmax(find(from), find(to));
     if (high == candidates.end()) return;
@@ -213,7 +223,9 @@ void ArchiveControl::refreshArchiveCandidateCountAsync() {
                      });
 }
 
-void ArchiveControl::setKnownCandidateCount(std::int64_t count) { setCount(count, true); }
+void ArchiveControl::setKnownCandidateCount(std::int64_t count) {
+    setCount(count, true);
+}
 
 void ArchiveControl::setArchivedBaseIDs(std::shared_ptr<const SharedTextSet> baseIDs) {
     archivedBaseIDs_ = std::move(baseIDs);
@@ -230,7 +242,8 @@ void ArchiveControl::setProgress(std::optional<EmailArchiveProgress> progress) {
     Q_EMIT progressChanged();
 }
 
-void ArchiveControl::archiveSelectedEmails(const std::optional<std::string>& destination, Completion completion) {
+void ArchiveControl::archiveSelectedEmails(const std::optional<std::string>& destination,
+                                           Completion completion) {
     if (isArchiving()) {
         completion(std::unexpected("已有归档任务正在进行，请等待其完成。"));
         return;

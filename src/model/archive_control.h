@@ -1,5 +1,5 @@
-// What may be archived, what the user has ticked, and the one archive run at a time. Main thread; the count for the
-// screens and the run itself are background tasks.
+// What may be archived, what the user has ticked, and the one archive run at a time. Main thread; the count
+// for the screens and the run itself are background tasks.
 #pragma once
 
 #include <expected>
@@ -29,8 +29,8 @@ struct CandidateRules {
     [[nodiscard]] bool passes(const MailMessageRecord& message, const YearByID& yearByID) const;
 };
 
-// The user's message when the place at `path` is too small for the messages and a margin of 15 percent; nothing when
-// it isn't, or can't be told.
+// The user's message when the place at `path` is too small for the messages and a margin of 15 percent;
+// nothing when it isn't, or can't be told.
 std::optional<std::string> archiveCapacityShortfall(const MessageList& messages, const std::string& path,
                                                     const platform::Platform& platform);
 
@@ -42,7 +42,8 @@ class ArchiveControl : public QObject {
     using RunOutcome = std::expected<EmailArchiveRunResult, std::string>;
     using Completion = std::function<void(RunOutcome)>;
 
-    ArchiveControl(ModelContext& context, MessageCatalog& catalog, ModelFilters& filters, QObject* parent = nullptr);
+    ArchiveControl(ModelContext& context, MessageCatalog& catalog, ModelFilters& filters,
+                   QObject* parent = nullptr);
 
     // In the order of the messages; computed at most once a state of everything it depends on.
     [[nodiscard]] const SharedMessageList& archiveCandidates();
@@ -61,7 +62,9 @@ class ArchiveControl : public QObject {
     [[nodiscard]] std::int64_t cachedCandidateCount(const std::optional<std::string>& accountPrefix,
                                                     const std::set<std::int64_t>& years);
 
-    [[nodiscard]] const std::optional<EmailArchiveProgress>& emailArchiveProgress() const { return progress_; }
+    [[nodiscard]] const std::optional<EmailArchiveProgress>& emailArchiveProgress() const {
+        return progress_;
+    }
 
     [[nodiscard]] bool isArchiving() const { return completion_ != nullptr; }
 
@@ -84,7 +87,8 @@ class ArchiveControl : public QObject {
     // What is archived has changed: candidates and count are stale.
     void archivedMessagesReplaced();
 
-    // Archives the selection. `completion` is called once, on the main thread, after the run's place is free again.
+    // Archives the selection. `completion` is called once, on the main thread, after the run's place is free
+    // again.
     void archiveSelectedEmails(const std::optional<std::string>& destination, Completion completion);
 
     // The run stops after the message at work and reports through its completion.

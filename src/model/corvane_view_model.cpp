@@ -50,12 +50,14 @@ void CorvaneViewModel::startUp() {
 }
 
 void CorvaneViewModel::wireScan() {
-    connect(&scanFlow_, &ScanFlow::scanStarted, this, [this] { visible_.setSelectedMessageID(std::nullopt); });
+    connect(&scanFlow_, &ScanFlow::scanStarted, this,
+            [this] { visible_.setSelectedMessageID(std::nullopt); });
     connect(&scanFlow_, &ScanFlow::scanFinished, this, [this] {
         pruneFilterYears();
         counts_.refreshIndexedYearCounts();
     });
-    connect(&scanFlow_, &ScanFlow::earlierMessagesRestored, this, [this] { visible_.rebuildVisibleMessages(); });
+    connect(&scanFlow_, &ScanFlow::earlierMessagesRestored, this,
+            [this] { visible_.rebuildVisibleMessages(); });
     connect(&scanFlow_, &ScanFlow::homeSnapshotApplied, this,
             [this] { archive_.setKnownCandidateCount(catalog_.localMessageCount()); });
     connect(&scanFlow_, &ScanFlow::cachedScanRestored, this, [this](bool loadIndex) {
@@ -75,7 +77,8 @@ void CorvaneViewModel::wireAvailability() {
         visible_.rebuildVisibleMessages();
         archive_.refreshArchiveCandidateCountAsync();
     });
-    connect(&visible_, &VisibleMessages::visibleMessagesChanged, this, [this] { archive_.pruneArchiveSelection(); });
+    connect(&visible_, &VisibleMessages::visibleMessagesChanged, this,
+            [this] { archive_.pruneArchiveSelection(); });
 }
 
 void CorvaneViewModel::wireFilters() {
@@ -91,7 +94,8 @@ void CorvaneViewModel::wireFilters() {
 
 void CorvaneViewModel::wireArchive() {
     connect(&library_, &LibraryLoader::archivedBaseIDsChanged, this, [this] { archivedBaseIDsReplaced(); });
-    connect(&destinations_, &ArchiveDestinations::destinationPrepared, this, [this] { loadArchiveIndex(false); });
+    connect(&destinations_, &ArchiveDestinations::destinationPrepared, this,
+            [this] { loadArchiveIndex(false); });
     connect(&archive_, &ArchiveControl::archiveRunFinished, this, [this] { loadArchiveIndex(true); });
 }
 
@@ -109,13 +113,14 @@ void CorvaneViewModel::archivedBaseIDsReplaced() {
 }
 
 void CorvaneViewModel::wireVolumes() {
-    mounts_ = context_.platform.subscribeToMounts([model = QPointer(this), &tasks = context_.tasks](auto event) {
-        tasks.postToMain([model, event] {
-            if (!model) return;
-            model->library_.refreshArchiveLocationConnectionStates();
-            if (event == platform::MountEvent::mounted) model->loadArchiveIndex(false);
+    mounts_ =
+        context_.platform.subscribeToMounts([model = QPointer(this), &tasks = context_.tasks](auto event) {
+            tasks.postToMain([model, event] {
+                if (!model) return;
+                model->library_.refreshArchiveLocationConnectionStates();
+                if (event == platform::MountEvent::mounted) model->loadArchiveIndex(false);
+            });
         });
-    });
 }
 
 void CorvaneViewModel::loadArchiveIndex(bool force) {
@@ -128,7 +133,8 @@ void CorvaneViewModel::pruneFilterYears() {
     for (const YearStat& stat : catalog_.yearStats()) known.insert(stat.year);
     const auto cut = [&](const std::set<std::int64_t>& years) {
         std::set<std::int64_t> kept;
-        std::set_intersection(years.begin(), years.end(), known.begin(), known.end(), std::inserter(kept, kept.end()));
+        std::set_intersection(years.begin(), years.end(), known.begin(), known.end(),
+                              std::inserter(kept, kept.end()));
         return kept;
     };
     filters_.setFilterYears(cut(filters_.filterYears()));

@@ -1,9 +1,9 @@
-// The one long-lived object of the program: the state that more than one screen sees, and all long work. Main thread
-// only, without locks.
+// The one long-lived object of the program: the state that more than one screen sees, and all long work. Main
+// thread only, without locks.
 //
-// It owns one component a flow and wires the reactions that join them; whoever looks for "what happens when the scan
-// ends" finds it in corvane_view_model.cpp. Screens and the command line use the components' operations and signals
-// directly.
+// It owns one component a flow and wires the reactions that join them; whoever looks for "what happens when
+// the scan ends" finds it in corvane_view_model.cpp. Screens and the command line use the components'
+// operations and signals directly.
 #pragma once
 
 #include <QObject>
@@ -25,7 +25,8 @@ class CorvaneViewModel : public QObject {
     Q_OBJECT
 
   public:
-    // Reads the settings and the small caches: accounts and the library snapshot. `context` must outlive the model.
+    // Reads the settings and the small caches: accounts and the library snapshot. `context` must outlive the
+    // model.
     explicit CorvaneViewModel(ModelContext& context, QObject* parent = nullptr);
 
     // There is something to show: messages, or the statistics of a snapshot.

@@ -1,5 +1,5 @@
-// Whether files exist, for long lists of files that lie in few folders: each folder is listed once instead of one
-// look a file. The answer is that of the moment of the listing. For one job on one thread.
+// Whether files exist, for long lists of files that lie in few folders: each folder is listed once instead of
+// one look a file. The answer is that of the moment of the listing. For one job on one thread.
 #pragma once
 
 #include <string>
@@ -21,7 +21,8 @@ class FileExistence {
 
   private:
     struct Folder {
-        std::unordered_map<std::string, bool, TextHash, TextEqual> needsLook; // by name: a link, or of unknown kind
+        std::unordered_map<std::string, bool, TextHash, TextEqual>
+            needsLook; // by name: a link, or of unknown kind
     };
 
     const Folder& folder(std::string_view path);

@@ -26,17 +26,20 @@ void IndexCounts::refreshIndexedYearCounts() {
     std::vector<std::string> selection(selected.begin(), selected.end());
     std::vector<std::string> prefixes;
     for (const MailAccount& account : accounts_.availableAccounts()) prefixes.push_back(account.urlPrefix);
-    countTask_.start(TaskPriority::utility, [this, selection = std::move(selection), prefixes = std::move(prefixes),
+    countTask_.start(TaskPriority::utility, [this, selection = std::move(selection),
+                                             prefixes = std::move(prefixes),
                                              store = mailStoreOf(context_)](const TaskHandle& task) {
         auto counts = std::make_shared<Counts>();
         counts->indexed = mailstore::indexedYearDistinctCounts(store.context, store.rootPath, selection);
         for (const std::string& prefix : prefixes) {
             if (task.isCancelled()) return;
-            counts->indexedByAccount[prefix] = mailstore::indexedYearDistinctCounts(store.context, store.rootPath, {prefix});
+            counts->indexedByAccount[prefix] =
+                mailstore::indexedYearDistinctCounts(store.context, store.rootPath, {prefix});
         }
         for (const std::string& prefix : prefixes) {
             if (task.isCancelled()) return;
-            counts->undownloadedByAccount[prefix] = mailstore::undownloadedYearCounts(store.context, store.rootPath, {prefix});
+            counts->undownloadedByAccount[prefix] =
+                mailstore::undownloadedYearCounts(store.context, store.rootPath, {prefix});
         }
         task.onMain([this, counts] {
             counts_ = std::move(*counts);
@@ -47,12 +50,14 @@ void IndexCounts::refreshIndexedYearCounts() {
 
 const std::vector<SpaceAccountUsage>& SpaceUsage::spaceUsage() {
     if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
-    const std::string signature = fmt::format("{}|{}", catalog_.messagesToken(), catalog_.availabilityToken());
+    const std::string signature =
+        fmt::format("{}|{}", catalog_.messagesToken(), catalog_.availabilityToken());
     if (signature != spaceUsageSignature_) {
         spaceUsageSignature_ = signature;
-        cachedSpaceUsage_ = computeSpaceUsage(
-            *catalog_.messages(), catalog_.isAvailabilityKnown() ? catalog_.locallyAvailableIDs().get() : nullptr,
-            accounts_.availableAccounts());
+        cachedSpaceUsage_ =
+            computeSpaceUsage(*catalog_.messages(),
+                              catalog_.isAvailabilityKnown() ? catalog_.locallyAvailableIDs().get() : nullptr,
+                              accounts_.availableAccounts());
     }
     return cachedSpaceUsage_;
 }
@@ -68,8 +73,9 @@ SharedTextSet SpaceUsage::localMessageIDs(std::string_view accountPrefix, std::s
     SharedTextSet ids;
     for (const MailMessageRecord& message : *catalog_.messages()) {
         const auto& identifier = message.accountIdentifier;
-        const std::string_view key =
-            identifier && !identifier->empty() ? identifier->view() : std::string_view(unclassifiedAccountKey);
+        const std::string_view key = identifier && !identifier->empty()
+                                         ? identifier->view()
+                                         : std::string_view(unclassifiedAccountKey);
         if (key != accountPrefix || !catalog_.locallyAvailableIDs()->contains(message.id)) continue;
         if (spaceSenderParts(message.sender).key == senderKey) ids.insert(message.id);
     }

@@ -1,5 +1,5 @@
-// Counts by year that only the store's index knows, and the figures of safety made from them. Main thread; the
-// queries run in the background.
+// Counts by year that only the store's index knows, and the figures of safety made from them. Main thread;
+// the queries run in the background.
 #pragma once
 
 #include <map>
@@ -23,7 +23,9 @@ class IndexCounts : public QObject {
 
     [[nodiscard]] const CountByYear& indexedYearCounts() const { return counts_.indexed; }
 
-    [[nodiscard]] const CountByAccountAndYear& indexedYearCountsByAccount() const { return counts_.indexedByAccount; }
+    [[nodiscard]] const CountByAccountAndYear& indexedYearCountsByAccount() const {
+        return counts_.indexedByAccount;
+    }
 
     [[nodiscard]] const CountByAccountAndYear& undownloadedYearCountsByAccount() const {
         return counts_.undownloadedByAccount;
@@ -61,7 +63,9 @@ class IndexCounts : public QObject {
 // The space that accounts occupy, kept while messages and availability stay as they are. Main thread.
 class SpaceUsage {
   public:
-    SpaceUsage(const AccountDirectory& accounts, MessageCatalog& catalog) : accounts_(accounts), catalog_(catalog) {}
+    SpaceUsage(const AccountDirectory& accounts, MessageCatalog& catalog)
+      : accounts_(accounts)
+      , catalog_(catalog) {}
 
     [[nodiscard]] const std::vector<SpaceAccountUsage>& spaceUsage();
     [[nodiscard]] std::int64_t spaceUsageLocalTotalBytes();

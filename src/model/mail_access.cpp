@@ -35,8 +35,7 @@ bool canReadMailData(const std::string& mailRootPath) {
     return !platform::fileExists(index) || platform::canReadAByte(index);
 }
 
-EmptyScanMessage emptyScanFailureMessage(const MailStore& store,
-                                         std::optional<std::int64_t> maximumYear) {
+EmptyScanMessage emptyScanFailureMessage(const MailStore& store, std::optional<std::int64_t> maximumYear) {
     if (!platform::fileExists(store.rootPath)) return {missingMailRootMessage};
     if (!platform::fileExists(mailstore::envelopeIndexPath(store.rootPath))) {
         return {"Mail 目录可以读取，但没有找到 Mail 索引文件。请先打开 Apple Mail "

@@ -97,7 +97,8 @@ const std::vector<YearStat>& MessageCatalog::yearStats() const {
 MessageCatalog::CountAndBytes MessageCatalog::mailMessageSummary() const {
     if (mailMessageSummaryToken_ != messagesToken_) {
         cachedMailMessageSummary_ = {static_cast<std::int64_t>(messages()->size()), 0};
-        for (const MailMessageRecord& message : *messages()) cachedMailMessageSummary_.bytes += message.messageSize;
+        for (const MailMessageRecord& message : *messages())
+            cachedMailMessageSummary_.bytes += message.messageSize;
         mailMessageSummaryToken_ = messagesToken_;
     }
     return cachedMailMessageSummary_;
@@ -132,7 +133,8 @@ void MessageCatalog::showProgress(SharedMessageSet set, MailScanSummary summary)
     Q_EMIT messagesChanged();
 }
 
-void MessageCatalog::restore(SharedMessageSet set, MailScanSummary summary, std::optional<AvailabilityResult> known) {
+void MessageCatalog::restore(SharedMessageSet set, MailScanSummary summary,
+                             std::optional<AvailabilityResult> known) {
     setSet(std::move(set));
     setSummary(std::move(summary));
     ++messagesToken_;
@@ -202,8 +204,8 @@ void MessageCatalog::publish(std::int64_t token, AvailabilityResult result) {
     saveCache();
 }
 
-// The list shows before its cache is written: what is shown doesn't depend on the file, and a large file would hold
-// the list back for longer than everything else of a scan together.
+// The list shows before its cache is written: what is shown doesn't depend on the file, and a large file
+// would hold the list back for longer than everything else of a scan together.
 void MessageCatalog::saveCache() {
     if (!set_->isComplete) return;
     cacheWriter_.save({messages(), summary_, derived_.locallyAvailableIDs, derived_.localYearStats,

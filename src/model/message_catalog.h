@@ -1,6 +1,6 @@
 // The messages of the current scan or cache, and everything that is derived from them alone and from what is
-// archived: lookups, availability on this machine, statistics. Main thread; the large work happens in one background
-// run, the availability run, whose results arrive in one step.
+// archived: lookups, availability on this machine, statistics. Main thread; the large work happens in one
+// background run, the availability run, whose results arrive in one step.
 //
 // Every change of the messages starts a new generation (`messagesToken`). The derived state is valid while
 // `availabilityToken` equals it.
@@ -56,8 +56,8 @@ struct AvailabilityResult {
     std::shared_ptr<const SharedTextSet> locallyAvailableIDs = std::make_shared<const SharedTextSet>();
     std::shared_ptr<const YearByID> yearByID = std::make_shared<const YearByID>();
     std::vector<YearStat> localYearStats;
-    std::vector<AccountYearStatGroup> accountYearStats; // of the local candidates
-    std::vector<AccountYearStatGroup> mailAccountYearStats; // of all messages
+    std::vector<AccountYearStatGroup> accountYearStats;         // of the local candidates
+    std::vector<AccountYearStatGroup> mailAccountYearStats;     // of all messages
     std::vector<AccountYearStatGroup> unbackedAccountYearStats; // of those not archived
     std::int64_t localCount = 0;
     std::int64_t localBytes = 0;
@@ -97,7 +97,9 @@ class MessageCatalog : public QObject {
 
     [[nodiscard]] const MailScanSummary& summary() const { return summary_; }
 
-    [[nodiscard]] const std::vector<YearStat>& cachedLocalYearStats() const { return derived_.localYearStats; }
+    [[nodiscard]] const std::vector<YearStat>& cachedLocalYearStats() const {
+        return derived_.localYearStats;
+    }
 
     [[nodiscard]] const std::vector<AccountYearStatGroup>& cachedAccountYearStats() const {
         return derived_.accountYearStats;

@@ -4,7 +4,7 @@
 #include <map>
 #include <unordered_set>
 
-#include "mailstore/mailbox_names.h"
+#include "mailstore/trash_junk_mailboxes.h"
 #include "records/timestamps.h"
 
 namespace corvane {
@@ -13,7 +13,8 @@ namespace {
 
 std::int64_t knownAttachmentBytes(const MailMessageRecord& message) {
     std::int64_t bytes = 0;
-    for (const MailAttachmentRecord& attachment : message.attachments) bytes += attachment.estimatedSize.value_or(0);
+    for (const MailAttachmentRecord& attachment : message.attachments)
+        bytes += attachment.estimatedSize.value_or(0);
     return bytes;
 }
 
@@ -23,7 +24,8 @@ class TrashTest {
     bool operator()(const SharedText& mailbox) {
         const auto [entry, isNew] = known_.try_emplace(mailbox.view(), false);
         if (isNew) {
-            entry->second = mailstore::trashJunkMailboxNames().contains(mailstore::normalizedMailboxName(mailbox));
+            entry->second =
+                mailstore::trashJunkMailboxNames().contains(mailstore::normalizedMailboxName(mailbox));
         }
         return entry->second;
     }
@@ -77,7 +79,8 @@ MessageRefs countableMessages(const MessageRefs& messages) {
     seen.reserve(messages.size());
     TrashTest isTrash;
     for (const MailMessageRecord* message : messages) {
-        if (!isTrash(message->mailbox) && seen.insert(countingKey(*message)).second) counted.push_back(message);
+        if (!isTrash(message->mailbox) && seen.insert(countingKey(*message)).second)
+            counted.push_back(message);
     }
     return counted;
 }
@@ -105,8 +108,8 @@ std::vector<AccountYearStatGroup> computeAccountYearStats(const MessageRefs& mes
                                                           const std::vector<MailAccount>& accounts) {
     std::map<std::string_view, MessageRefs> byAccount;
     for (const MailMessageRecord* message : messages) {
-        byAccount[message->accountIdentifier ? message->accountIdentifier->view() : std::string_view()].push_back(
-            message);
+        byAccount[message->accountIdentifier ? message->accountIdentifier->view() : std::string_view()]
+            .push_back(message);
     }
     std::vector<AccountYearStatGroup> groups;
     const auto add = [&](std::string prefix, std::string name, const MessageRefs& members) {
@@ -121,9 +124,11 @@ std::vector<AccountYearStatGroup> computeAccountYearStats(const MessageRefs& mes
     if (auto members = byAccount.extract(std::string_view())) {
         add(unclassifiedAccountKey, "未识别邮箱", members.mapped());
     }
-    for (const auto& [prefix, members] : byAccount) add(std::string(prefix), nameOfUnknown(prefix, members), members);
+    for (const auto& [prefix, members] : byAccount)
+        add(std::string(prefix), nameOfUnknown(prefix, members), members);
     std::stable_sort(groups.begin(), groups.end(), [](const auto& a, const auto& b) {
-        return a.messageBytes != b.messageBytes ? a.messageBytes > b.messageBytes : a.accountName < b.accountName;
+        return a.messageBytes != b.messageBytes ? a.messageBytes > b.messageBytes
+                                                : a.accountName < b.accountName;
     });
     return groups;
 }
@@ -151,7 +156,8 @@ bool compareByDate(const MailMessageRecord& a, const MailMessageRecord& b, bool 
 }
 
 std::string_view accountFilterKey(const MailMessageRecord& message) {
-    return message.accountIdentifier ? message.accountIdentifier->view() : std::string_view(unclassifiedAccountKey);
+    return message.accountIdentifier ? message.accountIdentifier->view()
+                                     : std::string_view(unclassifiedAccountKey);
 }
 
 } // namespace corvane

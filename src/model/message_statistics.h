@@ -1,5 +1,5 @@
-// Totals of messages by year and by account, and the order of lists. Pure functions, safe on any thread, linear in
-// the messages.
+// Totals of messages by year and by account, and the order of lists. Pure functions, safe on any thread,
+// linear in the messages.
 #pragma once
 
 #include <cstdint>
@@ -24,7 +24,8 @@ MessageRefs allOf(const MessageList& messages);
 using YearByID = std::unordered_map<std::string_view, std::int64_t>;
 YearByID computeMessageYears(const MessageList& messages);
 
-// What every statistic counts: without trash and junk, and each message once, the first one of its Message-ID.
+// What every statistic counts: without trash and junk, and each message once, the first one of its
+// Message-ID.
 MessageRefs countableMessages(const MessageRefs& messages);
 
 // One entry a year from year 1 on, newest first; undated messages are left out.

@@ -21,7 +21,7 @@ struct ModelContext {
     MailPerformanceLog performanceLog;
     ArchiveLibraryStartupLog startupLog;
     platform::SettingsStore settings; // main thread only
-    std::string mailRootPath; // "Library/Mail" of the user's real home
+    std::string mailRootPath;         // "Library/Mail" of the user's real home
     TaskRunner tasks;
 };
 

@@ -1,5 +1,5 @@
-// Everything by which the user narrows lists and candidates. Main thread. Every setter that changes a value says so
-// by the signals of what depends on it; several values set together are told once.
+// Everything by which the user narrows lists and candidates. Main thread. Every setter that changes a value
+// says so by the signals of what depends on it; several values set together are told once.
 #pragma once
 
 #include <cstdint>
@@ -37,7 +37,9 @@ class ModelFilters : public QObject {
     [[nodiscard]] const std::set<std::int64_t>& filterYears() const { return filterYears_; }
 
     // The list and the candidates.
-    [[nodiscard]] const std::set<std::string>& filterAccountPrefixes() const { return filterAccountPrefixes_; }
+    [[nodiscard]] const std::set<std::string>& filterAccountPrefixes() const {
+        return filterAccountPrefixes_;
+    }
 
     // The candidates.
     [[nodiscard]] const std::set<std::int64_t>& archiveFilterYears() const { return archiveFilterYears_; }

@@ -26,7 +26,9 @@ void write(const MailScanCacheStore& store, const ScanCacheState& state) {
 
 } // namespace
 
-ScanCacheWriter::ScanCacheWriter(ModelContext& context) : store_(context.support), task_(context.tasks) {}
+ScanCacheWriter::ScanCacheWriter(ModelContext& context)
+  : store_(context.support)
+  , task_(context.tasks) {}
 
 void ScanCacheWriter::save(ScanCacheState state) {
     waiting_ = std::move(state);

@@ -1,5 +1,6 @@
-// Writes the scan cache in the background, one state at a time: a newer state that comes while one is being written
-// waits for it and replaces any other that waits, so an older state never ends up on the disk. Main thread.
+// Writes the scan cache in the background, one state at a time: a newer state that comes while one is being
+// written waits for it and replaces any other that waits, so an older state never ends up on the disk. Main
+// thread.
 #pragma once
 
 #include <memory>

@@ -13,11 +13,14 @@ namespace corvane {
 
 namespace {
 
-std::string normalized(std::string_view text) { return text::lowercased(text::trimWhitespaceAndNewlines(text)); }
+std::string normalized(std::string_view text) {
+    return text::lowercased(text::trimWhitespaceAndNewlines(text));
+}
 
 std::int64_t knownSizes(const MailMessageRecord& record) {
     std::int64_t sum = 0;
-    for (const MailAttachmentRecord& attachment : record.attachments) sum += attachment.estimatedSize.value_or(0);
+    for (const MailAttachmentRecord& attachment : record.attachments)
+        sum += attachment.estimatedSize.value_or(0);
     return sum;
 }
 

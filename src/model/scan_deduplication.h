@@ -1,6 +1,6 @@
-// Merging the records of a scan into one a message. Mail holds one message in several files: in several mailboxes,
-// under another account, after a rebuild of its index. The record that is kept remembers all of them. Pure
-// functions; they read neither the disk nor the model.
+// Merging the records of a scan into one a message. Mail holds one message in several files: in several
+// mailboxes, under another account, after a rebuild of its index. The record that is kept remembers all of
+// them. Pure functions; they read neither the disk nor the model.
 #pragma once
 
 #include <string>

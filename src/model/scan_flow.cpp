@@ -10,6 +10,7 @@
 #include "model/scan_deduplication.h"
 #include "platform/directory.h"
 #include "records/console_log.h"
+#include "records/timestamps.h"
 
 namespace corvane {
 
@@ -31,7 +32,8 @@ void sortForDisplay(MessageList& messages) {
     }
 }
 
-std::string progressLine(const MailDataScanner& scanner, const MailDataScanner::Batch& batch, std::size_t found) {
+std::string progressLine(const MailDataScanner& scanner, const MailDataScanner::Batch& batch,
+                         std::size_t found) {
     if (!scanner.maximumYear) {
         return fmt::format("已扫描 {} 封邮件，发现 {} 封含附件邮件", batch.scannedCount, found);
     }
@@ -50,7 +52,8 @@ struct ScanFlow::ScanJob {
 // What the scan task alone holds while batches come.
 class ScanFlow::ScanProgress {
   public:
-    explicit ScanProgress(const ScanJob& job) : job_(job) {}
+    explicit ScanProgress(const ScanJob& job)
+      : job_(job) {}
 
     void take(MailDataScanner::Batch batch) {
         records_.merge(std::move(batch.records));
@@ -80,7 +83,8 @@ class ScanFlow::ScanProgress {
     [[nodiscard]] SharedMessageSet finalSet() {
         MessageList messages = std::move(records_).take();
         sortForDisplay(messages);
-        return MessageSet::make(std::make_shared<const MessageList>(std::move(messages)), !job_.scanner.maximumYear);
+        return MessageSet::make(std::make_shared<const MessageList>(std::move(messages)),
+                                !job_.scanner.maximumYear);
     }
 
     [[nodiscard]] const MailDataScanner::Batch& last() const { return last_; }
@@ -96,8 +100,8 @@ class ScanFlow::ScanProgress {
     std::optional<Clock::time_point> lastDisplay_;
 };
 
-ScanFlow::ScanFlow(ModelContext& context, AccountDirectory& accounts, MessageCatalog& catalog, IndexCounts& counts,
-                   ModelFilters& filters, QObject* parent)
+ScanFlow::ScanFlow(ModelContext& context, AccountDirectory& accounts, MessageCatalog& catalog,
+                   IndexCounts& counts, ModelFilters& filters, QObject* parent)
   : QObject(parent)
   , context_(context)
   , accounts_(accounts)
@@ -138,12 +142,13 @@ void ScanFlow::clearDisplay() {
 }
 
 ScanFlow::ScanJob ScanFlow::makeScanJob() const {
-    ScanJob job{{}, {}, mailStoreOf(context_)};
-    job.scanner.rootURL = context_.mailRootPath;
+    const MailStore store = mailStoreOf(context_);
+    ScanJob job{MailDataScanner{store.context, store.rootPath, {}, {}, {}}, {}, store};
     if (filters_.onlyBeforeCutoff()) job.scanner.maximumYear = filters_.yearCutoff();
     for (const MailAccount& account : accounts_.availableAccounts()) {
         if (!accounts_.selectedAccountPrefixes().contains(account.urlPrefix)) continue;
-        const std::string& name = account.linkedAccountEmail ? *account.linkedAccountEmail : account.emailAddress;
+        const std::string& name =
+            account.linkedAccountEmail ? *account.linkedAccountEmail : account.emailAddress;
         job.scanner.accountURLPrefixes.push_back(account.urlPrefix);
         job.scanner.accountNamesByPrefix[account.urlPrefix] = name;
         job.accountNames.push_back(name);
@@ -180,8 +185,7 @@ void ScanFlow::runScan(const TaskHandle& task, const ScanJob& job) {
     };
     try {
         job.scanner.scanBatches(
-            job.store.context,
-            [&](MailDataScanner::Batch batch) {
+            [&](MailDataScanner::Batch&& batch) {
                 progress.take(std::move(batch));
                 if (!task.isCancelled() && progress.isDisplayDue()) show();
             },

@@ -1,5 +1,5 @@
-// The scan of the Mail store and the restore of the last one. Main thread; one background task a scan, the only
-// holder of the growing list.
+// The scan of the Mail store and the restore of the last one. Main thread; one background task a scan, the
+// only holder of the growing list.
 #pragma once
 
 #include <optional>
@@ -39,7 +39,8 @@ class ScanFlow : public QObject {
     // Reads the accounts, makes the scan cover everything, and scans.
     void refreshAllMailData();
 
-    // Restores the last result, unless there are messages or a scan runs. Asks for the archive index where told.
+    // Restores the last result, unless there are messages or a scan runs. Asks for the archive index where
+    // told.
     void loadCachedScanIfNeeded(bool loadArchiveIndex);
 
   Q_SIGNALS:
@@ -64,6 +65,8 @@ class ScanFlow : public QObject {
 
     struct ScanJob;
     class ScanProgress;
+    struct RestoreJob;
+    struct RestoredScan;
 
     void setState(MailScanState state);
     void clearDisplay();
@@ -73,6 +76,11 @@ class ScanFlow : public QObject {
     void failScan(const std::string& message);
     void fail(const std::string& message, bool isYearRangeInfo = false);
     [[nodiscard]] bool mayRestore() const;
+    bool restoreSnapshot(const TaskHandle& task, const RestoreJob& job);
+    void restoreCache(const TaskHandle& task, const RestoreJob& job, bool hasSnapshot);
+    static RestoredScan makeRestored(MailScanCache cache, const std::vector<MailAccount>& accounts,
+                                     std::size_t& counted);
+    void applyRestored(RestoredScan& restored, bool loadArchiveIndex);
 
     ModelContext& context_;
     AccountDirectory& accounts_;

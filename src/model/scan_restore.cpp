@@ -2,7 +2,7 @@
 #include <fmt/format.h>
 
 #include "model/scan_flow.h"
-#include "records/console_log.h"
+#include "records/json_form.h"
 #include "records/scan_cache_store.h"
 
 namespace corvane {
@@ -14,9 +14,12 @@ using Clock = std::chrono::steady_clock;
 constexpr double applyLogThreshold = 0.02; // seconds
 constexpr double totalLogThreshold = 0.05; // seconds
 
-double secondsSince(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
+double secondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
 
-// Local statistics hold only messages with attachments; a snapshot that says otherwise was made under other rules.
+// Local statistics hold only messages with attachments; a snapshot that says otherwise was made under other
+// rules.
 bool isCurrent(const MailHomeSnapshot& snapshot) {
     for (const AccountYearStatGroup& group : snapshot.localAccountYearStats) {
         for (const YearStat& stat : group.years) {
@@ -26,7 +29,9 @@ bool isCurrent(const MailHomeSnapshot& snapshot) {
     return true;
 }
 
-struct RestoredScan {
+} // namespace
+
+struct ScanFlow::RestoredScan {
     SharedMessageSet set;
     MailScanSummary summary;
     Date scannedAt{};
@@ -35,6 +40,8 @@ struct RestoredScan {
     std::optional<std::vector<YearStat>> localYearStats;
     std::optional<std::vector<AccountYearStatGroup>> localAccountYearStats;
 };
+
+namespace {
 
 void sumLocal(AvailabilityResult& result) {
     for (const YearStat& stat : result.localYearStats) {
@@ -62,8 +69,12 @@ AvailabilityResult knownAvailability(const MessageList& messages, std::vector<Sh
     return result;
 }
 
-// Throws JsonError for a repeated id: such a cache is damaged.
-RestoredScan makeRestored(MailScanCache cache, const std::vector<MailAccount>& accounts, std::size_t& counted) {
+} // namespace
+
+// Throws JsonError for a repeated id: such a cache is damaged. `counted` takes the number of local
+// candidates.
+ScanFlow::RestoredScan ScanFlow::makeRestored(MailScanCache cache, const std::vector<MailAccount>& accounts,
+                                              std::size_t& counted) {
     RestoredScan restored;
     restored.summary = std::move(cache.summary);
     restored.scannedAt = cache.scannedAt;
@@ -73,8 +84,8 @@ RestoredScan makeRestored(MailScanCache cache, const std::vector<MailAccount>& a
         throw JsonError(error.what());
     }
     if (cache.locallyAvailableMessageIDs) {
-        restored.known = knownAvailability(*restored.set->messages, std::move(*cache.locallyAvailableMessageIDs),
-                                           accounts, counted);
+        restored.known = knownAvailability(*restored.set->messages,
+                                           std::move(*cache.locallyAvailableMessageIDs), accounts, counted);
         restored.localYearStats = restored.known->localYearStats;
         restored.localAccountYearStats = restored.known->accountYearStats;
     } else {
@@ -84,78 +95,101 @@ RestoredScan makeRestored(MailScanCache cache, const std::vector<MailAccount>& a
     return restored;
 }
 
-} // namespace
+struct ScanFlow::RestoreJob {
+    ModelContext& context;
+    MailScanCacheStore store;
+    std::vector<MailAccount> accounts;
+    bool loadArchiveIndex = false;
+    Clock::time_point start = Clock::now();
 
-bool ScanFlow::mayRestore() const { return catalog_.messages()->empty() && !state_.isScanning(); }
+    void mark(const std::string& text) const {
+        context.startupLog.mark(fmt::format("{} elapsed={:.3f}s", text, secondsSince(start)));
+    }
+};
+
+bool ScanFlow::mayRestore() const {
+    return catalog_.messages()->empty() && !state_.isScanning();
+}
 
 void ScanFlow::loadCachedScanIfNeeded(bool loadArchiveIndex) {
     if (!mayRestore()) return;
-    const auto job = [this, loadArchiveIndex, store = MailScanCacheStore(context_.support), &context = context_,
-                      accounts = accounts_.availableAccounts()](const TaskHandle& task) {
-        const auto start = Clock::now();
-        const auto mark = [&](const std::string& text) {
-            context.startupLog.mark(fmt::format("{} elapsed={:.3f}s", text, secondsSince(start)));
-        };
-        context.startupLog.mark("loadCachedScan begin");
-        auto snapshot = store.loadHomeSnapshot();
-        if (snapshot) mark("loadCachedScan homeSnapshot decoded");
-        const bool hasSnapshot = snapshot && isCurrent(*snapshot);
-        if (hasSnapshot) {
-            task.onMain([this, snapshot = std::make_shared<const MailHomeSnapshot>(std::move(*snapshot))] {
-                if (!mayRestore()) return;
-                catalog_.applyHomeSnapshot(*snapshot);
-                cacheLoadedAt_ = snapshot->scannedAt;
-                setState(MailScanState::finished());
-                Q_EMIT homeSnapshotApplied();
-                context_.performanceLog.mark(
-                    fmt::format("[Perf] loadHomeSnapshot applied messages={} local={} accounts={}",
-                                snapshot->summary.scannedMessages, snapshot->localMessageCount,
-                                snapshot->localAccountYearStats.size()));
+    const RestoreJob job{context_, MailScanCacheStore(context_.support), accounts_.availableAccounts(),
+                         loadArchiveIndex};
+    restoreTask_.start(TaskPriority::userInitiated, [this, job](const TaskHandle& task) {
+        job.context.startupLog.mark("loadCachedScan begin");
+        const bool hasSnapshot = restoreSnapshot(task, job);
+        restoreCache(task, job, hasSnapshot);
+    });
+}
+
+// The three below run on the restore's thread and touch this object only by steps on the main thread, each of
+// which tests again that no scan has come meanwhile.
+bool ScanFlow::restoreSnapshot(const TaskHandle& task, const RestoreJob& job) {
+    const auto snapshot = job.store.loadHomeSnapshot();
+    if (!snapshot) return false;
+    job.mark("loadCachedScan homeSnapshot decoded");
+    if (!isCurrent(*snapshot)) return false;
+    task.onMain([this, snapshot = *snapshot] {
+        if (!mayRestore()) return;
+        catalog_.applyHomeSnapshot(snapshot);
+        cacheLoadedAt_ = snapshot.scannedAt;
+        setState(MailScanState::finished());
+        Q_EMIT homeSnapshotApplied();
+        context_.performanceLog.mark(
+            fmt::format("[Perf] loadHomeSnapshot applied messages={} local={} accounts={}",
+                        snapshot.summary.scannedMessages, snapshot.localMessageCount,
+                        snapshot.localAccountYearStats.size()));
+    });
+    return true;
+}
+
+void ScanFlow::restoreCache(const TaskHandle& task, const RestoreJob& job, bool hasSnapshot) {
+    auto restored = std::make_shared<RestoredScan>();
+    try {
+        auto cache = job.store.load();
+        if (!cache) {
+            job.mark("loadCachedScan cache empty");
+            task.onMain([this] {
+                if (mayRestore()) setState(MailScanState::idle());
             });
-        }
-        auto restored = std::make_shared<RestoredScan>();
-        try {
-            auto cache = store.load();
-            if (!cache) {
-                mark("loadCachedScan cache empty");
-                task.onMain([this] { setState(MailScanState::idle()); });
-                return;
-            }
-            mark(fmt::format("loadCachedScan cache decoded messages={}", cache->messages.size()));
-            std::size_t counted = 0;
-            *restored = makeRestored(std::move(*cache), accounts, counted);
-            if (restored->known) mark(fmt::format("loadCachedScan recompute stats msgs={}", counted));
-        } catch (const std::exception& error) {
-            task.onMain([this, message = fmt::format("读取上次扫描结果失败：{}", error.what())] { fail(message); });
             return;
         }
-        if (!hasSnapshot && restored->localYearStats && restored->localAccountYearStats) {
-            store.saveHomeSnapshot(restored->scannedAt, restored->summary, *restored->localYearStats,
-                                   *restored->localAccountYearStats);
-        }
-        task.onMain([this, restored, loadArchiveIndex] {
-            if (!mayRestore()) return;
-            const auto applyStart = Clock::now();
-            const std::size_t localStats = restored->localYearStats ? restored->localYearStats->size() : 0;
-            const std::size_t accountStats =
-                restored->localAccountYearStats ? restored->localAccountYearStats->size() : 0;
-            catalog_.restore(restored->set, restored->summary, std::move(restored->known));
-            cacheLoadedAt_ = restored->scannedAt;
-            setState(MailScanState::finished());
-            Q_EMIT cachedScanRestored(loadArchiveIndex);
-            const double seconds = secondsSince(applyStart);
-            if (seconds < applyLogThreshold) return;
-            context_.performanceLog.mark(
-                fmt::format("[Perf] loadCachedScan.apply {:.3f}s messages={} localStats={} accountStats={}", seconds,
-                            restored->set->messages->size(), localStats, accountStats));
+        job.mark(fmt::format("loadCachedScan cache decoded messages={}", cache->messages.size()));
+        std::size_t counted = 0;
+        *restored = makeRestored(std::move(*cache), job.accounts, counted);
+        if (restored->known) job.mark(fmt::format("loadCachedScan recompute stats msgs={}", counted));
+    } catch (const std::exception& error) {
+        task.onMain([this, message = fmt::format("读取上次扫描结果失败：{}", error.what())] {
+            if (mayRestore()) fail(message);
         });
-        const double total = secondsSince(start);
-        if (total >= totalLogThreshold) {
-            context.performanceLog.mark(fmt::format("[Perf] loadCachedScan.total {:.3f}s messages={}", total,
-                                                    restored->set->messages->size()));
-        }
-    };
-    restoreTask_.start(TaskPriority::userInitiated, job);
+        return;
+    }
+    if (!hasSnapshot && restored->localYearStats && restored->localAccountYearStats) {
+        job.store.saveHomeSnapshot(restored->scannedAt, restored->summary, *restored->localYearStats,
+                                   *restored->localAccountYearStats);
+    }
+    task.onMain([this, restored, loadIndex = job.loadArchiveIndex] { applyRestored(*restored, loadIndex); });
+    const double total = secondsSince(job.start);
+    if (total < totalLogThreshold) return;
+    job.context.performanceLog.mark(fmt::format("[Perf] loadCachedScan.total {:.3f}s messages={}", total,
+                                                restored->set->messages->size()));
+}
+
+void ScanFlow::applyRestored(RestoredScan& restored, bool loadArchiveIndex) {
+    if (!mayRestore()) return;
+    const auto start = Clock::now();
+    const std::size_t localStats = restored.localYearStats ? restored.localYearStats->size() : 0;
+    const std::size_t accountStats =
+        restored.localAccountYearStats ? restored.localAccountYearStats->size() : 0;
+    catalog_.restore(restored.set, restored.summary, std::move(restored.known));
+    cacheLoadedAt_ = restored.scannedAt;
+    setState(MailScanState::finished());
+    Q_EMIT cachedScanRestored(loadArchiveIndex);
+    const double seconds = secondsSince(start);
+    if (seconds < applyLogThreshold) return;
+    context_.performanceLog.mark(
+        fmt::format("[Perf] loadCachedScan.apply {:.3f}s messages={} localStats={} accountStats={}", seconds,
+                    restored.set->messages->size(), localStats, accountStats));
 }
 
 } // namespace corvane

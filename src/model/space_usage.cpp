@@ -18,7 +18,9 @@ std::string_view spaceAccountKey(const MailMessageRecord& message) {
     return identifier && !identifier->empty() ? identifier->view() : std::string_view(unclassifiedAccountKey);
 }
 
-bool holdsAt(std::string_view text) { return text.find('@') != std::string_view::npos; }
+bool holdsAt(std::string_view text) {
+    return text.find('@') != std::string_view::npos;
+}
 
 // The senders of one account, each sender's text taken apart once.
 class SenderTable {
@@ -142,14 +144,16 @@ std::vector<SpaceAccountUsage> computeSpaceUsage(const MessageList& messages,
     for (const auto& [key, all] : byAccount) {
         const MessageRefs counted = countableMessages(all);
         if (counted.empty()) continue;
-        const auto account = std::find_if(accounts.begin(), accounts.end(),
-                                          [&](const MailAccount& candidate) { return candidate.urlPrefix == key; });
+        const auto account =
+            std::find_if(accounts.begin(), accounts.end(),
+                         [&](const MailAccount& candidate) { return candidate.urlPrefix == key; });
         usages.push_back(
             usageOf(key, counted, account == accounts.end() ? nullptr : &*account, locallyAvailableIDs));
     }
-    std::stable_sort(usages.begin(), usages.end(), [](const SpaceAccountUsage& a, const SpaceAccountUsage& b) {
-        return a.localBytes != b.localBytes ? a.localBytes > b.localBytes : a.accountName < b.accountName;
-    });
+    std::stable_sort(
+        usages.begin(), usages.end(), [](const SpaceAccountUsage& a, const SpaceAccountUsage& b) {
+            return a.localBytes != b.localBytes ? a.localBytes > b.localBytes : a.accountName < b.accountName;
+        });
     return usages;
 }
 

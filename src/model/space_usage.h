@@ -1,5 +1,5 @@
-// What each account occupies on this machine, with its largest senders, and what a set of years would lose if its
-// originals were deleted. Pure functions, linear in the messages.
+// What each account occupies on this machine, with its largest senders, and what a set of years would lose if
+// its originals were deleted. Pure functions, linear in the messages.
 #pragma once
 
 #include <cstdint>
@@ -33,8 +33,8 @@ std::vector<SpaceAccountUsage> computeSpaceUsage(const MessageList& messages,
                                                  const std::vector<MailAccount>& accounts);
 
 struct DeletionSafety {
-    std::int64_t local = 0; // messages with a local file
-    std::int64_t archived = 0; // those of them that an archive holds: what may be deleted by hand
+    std::int64_t local = 0;      // messages with a local file
+    std::int64_t archived = 0;   // those of them that an archive holds: what may be deleted by hand
     std::int64_t serverOnly = 0; // messages the index knows beyond the local ones
 
     friend bool operator==(const DeletionSafety&, const DeletionSafety&) = default;

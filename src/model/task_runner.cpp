@@ -12,7 +12,8 @@ constexpr int threadsOfPool = 8;
 
 } // namespace
 
-TaskRunner::TaskRunner(QObject* parent) : QObject(parent) {
+TaskRunner::TaskRunner(QObject* parent)
+  : QObject(parent) {
     userPool_.setMaxThreadCount(threadsOfPool);
     utilityPool_.setMaxThreadCount(threadsOfPool);
     utilityPool_.setThreadPriority(QThread::LowPriority);

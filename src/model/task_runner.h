@@ -1,13 +1,13 @@
 // Background work of the model: one pattern for every long job.
 //
-// A component copies its inputs on the main thread and starts a job through its TaskSlot. Starting cancels the
-// slot's earlier job. The job runs detached on a thread of the runner, looks at its stop token in loops, and
-// comes back in short steps on the main thread. A step runs only while its slot still lives and the job hasn't
-// been cancelled or replaced: a result that isn't wanted any more is dropped without a trace. Jobs hold values,
-// never the component.
+// A component copies its inputs on the main thread and starts a job through its TaskSlot. Starting cancels
+// the slot's earlier job. The job runs detached on a thread of the runner, looks at its stop token in loops,
+// and comes back in short steps on the main thread. A step runs only while its slot still lives and the job
+// hasn't been cancelled or replaced: a result that isn't wanted any more is dropped without a trace. Jobs
+// hold values, never the component.
 //
-// The runner knows how many jobs and steps are under way, which is how a program without a window finds out that
-// everything it started has ended.
+// The runner knows how many jobs and steps are under way, which is how a program without a window finds out
+// that everything it started has ended.
 #pragma once
 
 #include <atomic>
@@ -22,7 +22,7 @@ namespace corvane {
 
 enum class TaskPriority {
     userInitiated, // the user waits for it
-    utility, // upkeep
+    utility,       // upkeep
 };
 
 // Lives on the main thread, before and after everything that uses it.
@@ -85,7 +85,8 @@ class TaskHandle {
 // The place of one kind of job. Lives with its component on the main thread; its end cancels the job.
 class TaskSlot {
   public:
-    explicit TaskSlot(TaskRunner& runner) : runner_(runner) {}
+    explicit TaskSlot(TaskRunner& runner)
+      : runner_(runner) {}
 
     TaskSlot(const TaskSlot&) = delete;
     TaskSlot& operator=(const TaskSlot&) = delete;

@@ -18,8 +18,9 @@ bool matchesQuery(const MailMessageRecord& message, std::string_view query) {
         holdsQuery(message.recipients, query) || holdsQuery(message.mailbox, query)) {
         return true;
     }
-    return std::any_of(message.attachments.begin(), message.attachments.end(),
-                       [&](const MailAttachmentRecord& attachment) { return holdsQuery(attachment.fileName, query); });
+    return std::any_of(
+        message.attachments.begin(), message.attachments.end(),
+        [&](const MailAttachmentRecord& attachment) { return holdsQuery(attachment.fileName, query); });
 }
 
 bool matchesYear(const MailMessageRecord& message, const ListRules& rules, const YearByID& years) {
@@ -30,19 +31,22 @@ bool matchesYear(const MailMessageRecord& message, const ListRules& rules, const
     return !rules.newestYear || year->second <= *rules.newestYear;
 }
 
-bool matchesMigration(const MailMessageRecord& message, MigratedFilter filter, const SharedTextSet& archived) {
+bool matchesMigration(const MailMessageRecord& message, MigratedFilter filter,
+                      const SharedTextSet& archived) {
     return filter == MigratedFilter::all ||
            archived.contains(message.id) == (filter == MigratedFilter::onlyMigrated);
 }
 
 bool passes(const MailMessageRecord& message, const ListInput& input, const ListRules& rules) {
     if (!input.locallyAvailableIDs->contains(message.id)) return false;
-    if (!rules.accountPrefixes.empty() && !rules.accountPrefixes.contains(std::string(accountFilterKey(message)))) {
+    if (!rules.accountPrefixes.empty() &&
+        !rules.accountPrefixes.contains(std::string(accountFilterKey(message)))) {
         return false;
     }
     if (static_cast<std::int64_t>(message.attachments.size()) < rules.minimumAttachmentCount) return false;
     return matchesYear(message, rules, *input.yearByID) &&
-           matchesMigration(message, rules.migrated, *input.archivedMessageIDs) && matchesQuery(message, rules.query);
+           matchesMigration(message, rules.migrated, *input.archivedMessageIDs) &&
+           matchesQuery(message, rules.query);
 }
 
 bool goesBefore(const MailMessageRecord& a, const MailMessageRecord& b, const ListRules& rules) {
@@ -101,13 +105,14 @@ void VisibleMessages::rebuildVisibleMessages() {
     if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
     ListInput input{catalog_.messages(), catalog_.locallyAvailableIDs(), catalog_.archivedMessageIDs(),
                     catalog_.messageYearByID()};
-    rebuildTask_.start(TaskPriority::userInitiated,
-                       [this, input = std::move(input), rules = ListRules::of(filters_)](const TaskHandle& task) {
-                           auto list = makeVisibleMessages(input, rules, task.stopToken());
-                           if (!list) return;
-                           auto shared = std::make_shared<const MessageList>(std::move(*list));
-                           task.onMain([this, shared] { publish(shared); });
-                       });
+    rebuildTask_.start(
+        TaskPriority::userInitiated,
+        [this, input = std::move(input), rules = ListRules::of(filters_)](const TaskHandle& task) {
+            auto list = makeVisibleMessages(input, rules, task.stopToken());
+            if (!list) return;
+            auto shared = std::make_shared<const MessageList>(std::move(*list));
+            task.onMain([this, shared] { publish(shared); });
+        });
 }
 
 void VisibleMessages::clear() {
@@ -120,8 +125,9 @@ void VisibleMessages::publish(SharedMessageList list) {
     visibleMessages_ = std::move(list);
     Q_EMIT visibleMessagesChanged();
     const bool selectionStays =
-        selectedMessageID_ && std::any_of(visibleMessages_->begin(), visibleMessages_->end(),
-                                          [&](const auto& message) { return message.id == *selectedMessageID_; });
+        selectedMessageID_ &&
+        std::any_of(visibleMessages_->begin(), visibleMessages_->end(),
+                    [&](const auto& message) { return message.id == *selectedMessageID_; });
     if (selectionStays) return;
     setSelectedMessageID(visibleMessages_->empty() ? std::nullopt
                                                    : std::optional(visibleMessages_->front().id.str()));

@@ -1,5 +1,6 @@
-// The filtered and sorted list, and the message in the detail pane. Main thread. The list is rebuilt by a background
-// job on shared values and published in one step; nothing is listed while availability isn't known.
+// The filtered and sorted list, and the message in the detail pane. Main thread. The list is rebuilt by a
+// background job on shared values and published in one step; nothing is listed while availability isn't
+// known.
 #pragma once
 
 #include <optional>
@@ -41,7 +42,8 @@ class VisibleMessages : public QObject {
     Q_OBJECT
 
   public:
-    VisibleMessages(ModelContext& context, MessageCatalog& catalog, ModelFilters& filters, QObject* parent = nullptr);
+    VisibleMessages(ModelContext& context, MessageCatalog& catalog, ModelFilters& filters,
+                    QObject* parent = nullptr);
 
     [[nodiscard]] const SharedMessageList& visibleMessages() const { return visibleMessages_; }
 

@@ -1,0 +1,59 @@
+#include <fmt/format.h>
+
+#include "archive/archive_verification.h"
+#include "cli/commands.h"
+#include "cli/exit_status.h"
+#include "cli/output.h"
+#include "platform/paths.h"
+#include "records/formatters.h"
+
+namespace corvane::cli {
+
+namespace {
+
+struct Finding {
+    const char* key;
+    const char* title;
+    const std::vector<std::string>& paths;
+};
+
+std::vector<Finding> findingsOf(const ArchiveVerification& verification) {
+    return {{"missing", "索引中有、磁盘上没有", verification.missing},
+            {"sizeMismatch", "大小与索引不符", verification.sizeMismatch},
+            {"unindexed", "磁盘上有、索引中没有", verification.unindexed},
+            {"identityMismatch", "内容不是索引所说的邮件", verification.identityMismatch},
+            {"duplicatePaths", "索引中重复的路径", verification.duplicatePaths}};
+}
+
+void printJson(const ArchiveVerification& verification) {
+    JsonDocument document;
+    document.object([&] {
+        document.member("checked", verification.checked);
+        document.member("bytes", verification.bytes);
+        for (const Finding& finding : findingsOf(verification)) document.member(finding.key, finding.paths);
+    });
+    document.print();
+}
+
+void printReadable(const ArchiveVerification& verification) {
+    printText(fmt::format("已核对 {} 封，{}", verification.checked, formatByteCount(verification.bytes)));
+    bool isClean = true;
+    for (const Finding& finding : findingsOf(verification)) {
+        for (const std::string& path : finding.paths) printText(fmt::format("{}：{}", finding.title, path));
+        isClean = isClean && finding.paths.empty();
+    }
+    if (isClean) printText("归档与索引完全一致。");
+}
+
+} // namespace
+
+int runVerify(const std::string& root, bool json) {
+    const ArchiveVerification verification = verifyArchive(platform::standardizedPath(root));
+    if (json)
+        printJson(verification);
+    else
+        printReadable(verification);
+    return done;
+}
+
+} // namespace corvane::cli

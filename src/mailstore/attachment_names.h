@@ -1,0 +1,28 @@
+// Names of attachments, however they reach us, and what they tell. Pure functions, any thread.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvane::mailstore {
+
+// The readable name: trimmed, RFC 2231 and RFC 2047 decoded, without a content identifier in front and
+// without blanks around its dots. May be empty. It may still hold anything a file system doesn't take.
+std::string cleanAttachmentName(std::string_view name);
+
+// A short label in the user's language by the extension of the name, which is not always a MIME type.
+// `contentType` is empty when unknown.
+std::string mimeTypeGuess(std::string_view name, std::string_view contentType);
+
+// By the extension. A picture isn't reported as an attachment from its name alone.
+bool hasImageExtension(std::string_view name);
+
+// Bytes from which a stored picture counts as an attachment: smaller ones are signatures and inline logos.
+inline constexpr std::int64_t smallestImageAttachmentBytes = 500'000;
+
+// Names that reached the index joined by "^_", the spelling of U+001F, taken apart: only where every piece
+// looks like a file name.
+std::vector<std::string> splitCaretJoinedName(std::string_view name);
+
+} // namespace corvane::mailstore

@@ -1,0 +1,24 @@
+// Pieces of SQL that the questions to the index share. The shell takes no parameters, so values stand in the
+// text.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvane::mailstore {
+
+// With every "'" doubled; the quotes around it are the caller's.
+std::string quotedText(std::string_view value);
+
+// The account's part of the mailbox urls: the key without "imap://".
+std::string withoutImapScheme(std::string_view accountURLPrefix);
+
+// "AND (...)" over `mb.url`; empty for no prefixes, which is every account.
+std::string accountCondition(const std::vector<std::string>& accountURLPrefixes);
+
+// The date of a message in `messages m`, 0 for none.
+inline constexpr std::string_view messageDateExpression =
+    "COALESCE(NULLIF(m.display_date,0), NULLIF(m.date_received,0), NULLIF(m.date_sent,0), 0)";
+
+} // namespace corvane::mailstore

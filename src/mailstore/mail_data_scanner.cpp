@@ -1,0 +1,151 @@
+#include "mailstore/mail_data_scanner.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+#include <fmt/format.h>
+#include <tbb/parallel_for.h>
+
+#include "records/console_log.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr std::size_t chunkSize = 160;
+constexpr std::size_t fullBatch = 40;
+constexpr std::int64_t progressStep = 100;
+constexpr std::chrono::seconds longestSilence{1};
+
+// Collects records and hands them over by the three rules: enough records, enough messages visited, or enough
+// time since the last batch.
+class BatchStream {
+  public:
+    BatchStream(const MailDataScanner::BatchHandler& handle, const ScanTimingMetrics& timing)
+      : handle_(handle)
+      , timing_(timing) {}
+
+    void addVisited(std::optional<MailMessageRecord> record) {
+        ++visited_;
+        if (record) pending_.push_back(std::move(*record));
+        if (pending_.size() >= fullBatch || visited_ % progressStep == 0 ||
+            ScanTimingMetrics::Clock::now() - lastBatch_ >= longestSilence)
+            flush();
+    }
+
+    void flush() {
+        MailDataScanner::Batch batch{.scannedCount = visited_,
+                                     .visitedCount = visited_,
+                                     .records = std::exchange(pending_, {}),
+                                     .timingLog = summary()};
+        pending_.reserve(fullBatch);
+        handle_(std::move(batch));
+        lastBatch_ = ScanTimingMetrics::Clock::now();
+    }
+
+    [[nodiscard]] std::string summary() const {
+        return timing_.summary(visited_, visited_, timing_.matchedMessages);
+    }
+
+  private:
+    const MailDataScanner::BatchHandler& handle_;
+    const ScanTimingMetrics& timing_;
+    MessageList pending_;
+    std::int64_t visited_ = 0;
+    ScanTimingMetrics::Clock::time_point lastBatch_ = ScanTimingMetrics::Clock::now();
+};
+
+// The labels of every mailbox, made once before the lanes start and then only read.
+class LabelsByMailbox {
+  public:
+    LabelsByMailbox(const std::vector<IndexedMessageCandidate>& candidates,
+                    const mailstore::AccountNames& names) {
+        for (const auto& candidate : candidates) {
+            if (labels_.contains(candidate.mailboxURL)) continue;
+            labels_.emplace(candidate.mailboxURL, mailstore::mailboxLabels(candidate.mailboxURL, names));
+        }
+    }
+
+    [[nodiscard]] const mailstore::MailboxLabels& of(const SharedText& mailboxURL) const {
+        return labels_.at(mailboxURL);
+    }
+
+  private:
+    std::unordered_map<SharedText, mailstore::MailboxLabels> labels_;
+};
+
+// A scan by the index. The candidates are given up as their records are made.
+class IndexScan {
+  public:
+    IndexScan(const MailDataScanner& scanner, IndexedMessageFiles found, ScanTimingMetrics& timing)
+      : found_(std::move(found))
+      , timing_(timing)
+      , attachments_(indexAttachments())
+      , labels_(found_.candidates, scanner.accountNamesByPrefix) {}
+
+    // False when a stop was requested.
+    bool run(BatchStream& batches, const std::stop_token& stop) {
+        for (std::size_t start = 0; start < found_.files.size(); start += chunkSize) {
+            if (stop.stop_requested()) return false;
+            for (auto& record : parseChunk(start, std::min(start + chunkSize, found_.files.size()))) {
+                if (record) {
+                    ++timing_.matchedMessages;
+                    record->sender = repeated_(record->sender);
+                }
+                batches.addVisited(std::move(record));
+            }
+        }
+        return true;
+    }
+
+  private:
+    using Outcomes = std::vector<std::optional<MailMessageRecord>>;
+
+    MailAttachmentFileLocator::Index indexAttachments() {
+        const SecondsCounter elapsed(timing_.attachmentIndexSeconds);
+        auto index = MailAttachmentFileLocator::makeIndex(found_.files);
+        timing_.indexedAttachmentFolders = static_cast<std::int64_t>(index.folderCount());
+        return index;
+    }
+
+    Outcomes parseChunk(std::size_t start, std::size_t end) {
+        const SecondsCounter elapsed(timing_.enumerationSeconds);
+        Outcomes outcomes(end - start);
+        tbb::parallel_for(start, end, [&](std::size_t i) {
+            try {
+                const IndexedMessageCandidate candidate = std::move(found_.candidates[i]);
+                outcomes[i - start] = mailstore::parseIndexedMessage(
+                    found_.files[i], candidate, attachments_, labels_.of(candidate.mailboxURL), timing_);
+            } catch (const std::exception&) {
+                outcomes[i - start].reset(); // one message that can't be parsed doesn't stop a scan
+            }
+        });
+        return outcomes;
+    }
+
+    IndexedMessageFiles found_;
+    ScanTimingMetrics& timing_;
+    MailAttachmentFileLocator::Index attachments_;
+    LabelsByMailbox labels_;
+    TextInterner repeated_;
+};
+
+} // namespace
+
+void MailDataScanner::scanBatches(const BatchHandler& handle, const std::stop_token& stop) const {
+    ScanTimingMetrics timing;
+    BatchStream batches(handle, timing);
+    try {
+        auto found =
+            mailstore::indexedMessages(context, rootPath, maximumYear, accountURLPrefixes, &timing, stop);
+        IndexScan scan(*this, std::move(found).value_or(IndexedMessageFiles()), timing);
+        batches.flush();
+        if (!scan.run(batches, stop)) return;
+    } catch (const ScanStopped&) {
+        return;
+    }
+    consoleLine("[Corvane][scan-done] " + batches.summary());
+    batches.flush();
+}
+
+} // namespace corvane

@@ -1,0 +1,57 @@
+#include "mailstore/message_identifiers.h"
+
+#include <unordered_set>
+
+#include <fmt/format.h>
+
+#include "mailstore/header_decoding.h"
+#include "text/case.h"
+#include "text/trim.h"
+
+namespace corvane::mailstore {
+
+std::optional<std::string> normalizedMessageIdentifier(std::string_view header) {
+    const std::string decoded = decodeHeaderValue(header);
+    const std::string_view trimmed = text::trimCharacters(text::trimWhitespaceAndNewlines(decoded), "<>");
+    if (trimmed.empty()) return std::nullopt;
+    return text::lowercased(trimmed);
+}
+
+std::vector<std::string> normalizedMessageIdentifiers(std::string_view header) {
+    std::vector<std::string> identifiers;
+    std::unordered_set<std::string> seen;
+    std::size_t position = 0;
+    while (true) {
+        const std::size_t open = header.find('<', position);
+        const std::size_t close = open == std::string_view::npos ? open : header.find('>', open + 1);
+        if (close == std::string_view::npos) break;
+        auto identifier = normalizedMessageIdentifier(header.substr(open + 1, close - open - 1));
+        if (identifier && seen.insert(*identifier).second) identifiers.push_back(std::move(*identifier));
+        position = close + 1;
+    }
+    if (identifiers.empty()) {
+        if (auto whole = normalizedMessageIdentifier(header)) identifiers.push_back(std::move(*whole));
+    }
+    return identifiers;
+}
+
+std::optional<std::vector<std::string>> normalizedReferencedMessageIdentifiers(std::string_view references,
+                                                                               std::string_view inReplyTo) {
+    auto identifiers = normalizedMessageIdentifiers(references);
+    if (identifiers.empty()) {
+        identifiers = normalizedMessageIdentifiers(inReplyTo);
+        if (identifiers.size() > 1) identifiers.resize(1);
+    }
+    if (identifiers.empty()) return std::nullopt;
+    return identifiers;
+}
+
+std::string formattedAddress(std::string_view name, std::string_view address) {
+    name = text::trimWhitespaceAndNewlines(name);
+    address = text::trimWhitespaceAndNewlines(address);
+    if (name.empty()) return std::string(address);
+    if (address.empty()) return std::string(name);
+    return fmt::format("{} <{}>", name, address);
+}
+
+} // namespace corvane::mailstore

@@ -1,0 +1,66 @@
+#include <unordered_map>
+
+#include "mailstore/attachment_names.h"
+#include "mailstore/mail_data_scanner.h"
+#include "platform/directory.h"
+#include "text/case.h"
+
+namespace corvane::mailstore {
+
+namespace {
+
+// Attachments by name without regard to case, in the order in which the names were first met.
+class AttachmentList {
+  public:
+    void addNamed(std::string_view indexedName) {
+        const std::string name = cleanAttachmentName(indexedName);
+        if (name.empty() || hasImageExtension(name)) return;
+        const auto [known, isNew] = places_.try_emplace(text::lowercased(name), attachments_.size());
+        if (isNew) attachments_.push_back(attachment(name));
+    }
+
+    void addStored(const FileURL& file) {
+        const std::string name = cleanAttachmentName(file.lastPathComponent());
+        if (name.empty()) return;
+        const auto size = platform::fileSize(file.path().str());
+        if (hasImageExtension(name) && size.value_or(0) < smallestImageAttachmentBytes) return;
+        MailAttachmentRecord stored = attachment(name);
+        stored.estimatedSize = size;
+        stored.sourceFileURL = file;
+        const auto [known, isNew] = places_.try_emplace(text::lowercased(name), attachments_.size());
+        if (isNew)
+            attachments_.push_back(std::move(stored));
+        else
+            attachments_[known->second] = std::move(stored);
+    }
+
+    std::vector<MailAttachmentRecord> take() { return std::move(attachments_); }
+
+  private:
+    static MailAttachmentRecord attachment(const std::string& name) {
+        return {.id = Uuid::random(),
+                .fileName = name,
+                .mimeType = mimeTypeGuess(name, {}),
+                .estimatedSize = {},
+                .sourceFileURL = {}};
+    }
+
+    std::vector<MailAttachmentRecord> attachments_;
+    std::unordered_map<std::string, std::size_t> places_;
+};
+
+} // namespace
+
+MailMessageRecord parseIndexedMessage(const FileURL& file, const IndexedMessageCandidate& candidate,
+                                      const MailAttachmentFileLocator::Index& attachmentIndex,
+                                      const MailboxLabels& labels, ScanTimingMetrics& timing) {
+    timing.parsedMessages.fetch_add(1, std::memory_order_relaxed);
+    AttachmentList attachments;
+    for (const SharedText& name : candidate.attachmentNames) attachments.addNamed(name);
+    for (const FileURL& stored : attachmentIndex.attachmentFiles(file)) attachments.addStored(stored);
+    auto list = attachments.take();
+    if (list.empty()) timing.noAttachmentMessages.fetch_add(1, std::memory_order_relaxed);
+    return recordFromCandidate(candidate, file, std::move(list), labels);
+}
+
+} // namespace corvane::mailstore

@@ -1,0 +1,40 @@
+#include "mailstore/reader_logs.h"
+
+#include <chrono>
+#include <system_error>
+
+#include <fmt/format.h>
+
+#include "records/append_line.h"
+#include "records/console_log.h"
+#include "records/timestamps.h"
+
+namespace corvane::mailstore {
+
+namespace {
+
+void writeLine(const CorvaneAppSupport& support, std::string_view fileName, std::string_view text,
+               LogStart start) {
+    try {
+        support.baseDirectory(true);
+        if (start == LogStart::reset) support.writeFile(fileName, {});
+        const auto time = formatTimestampWithMilliseconds(std::chrono::system_clock::now());
+        appendLine(support.filePath(fileName), fmt::format("[{}] {}", time, text), MissingFile::create);
+    } catch (const std::system_error&) {
+        return; // the console has the line
+    }
+}
+
+} // namespace
+
+void debugLog(const CorvaneAppSupport& support, std::string_view text) {
+    consoleLine(fmt::format("[TrashPlanDebug] {}", text));
+    writeLine(support, "trash-plan-debug.log", text, LogStart::append);
+}
+
+void restoredMailDiagnosticLog(const CorvaneAppSupport& support, std::string_view text, LogStart start) {
+    consoleLine(fmt::format("[RestoreScanDiagnostic] {}", text));
+    writeLine(support, "restore-scan-diagnostic.log", text, start);
+}
+
+} // namespace corvane::mailstore

@@ -1,0 +1,20 @@
+// The private logs of the store's reader, in the application support folder. Failures of a log are ignored.
+// Any thread.
+#pragma once
+
+#include <string_view>
+
+#include "records/app_support.h"
+
+namespace corvane::mailstore {
+
+// One line with its time into "trash-plan-debug.log", and the text to the console.
+void debugLog(const CorvaneAppSupport& support, std::string_view text);
+
+enum class LogStart { append, reset };
+
+// The same for "restore-scan-diagnostic.log"; `reset` empties the file first.
+void restoredMailDiagnosticLog(const CorvaneAppSupport& support, std::string_view text,
+                               LogStart start = LogStart::append);
+
+} // namespace corvane::mailstore

@@ -1,0 +1,58 @@
+// What one scan did and how long it took, for a line that people read. The counters that the parallel lanes
+// touch are atomic; the rest belongs to the scan's thread.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace corvane {
+
+struct ScanTimingMetrics {
+    using Clock = std::chrono::steady_clock;
+
+    Clock::time_point startedAt = Clock::now();
+    double attachmentIndexSeconds = 0;
+    double enumerationSeconds = 0;
+    double readMessageSeconds = 0;
+    double externalAttachmentLookupSeconds = 0;
+    double envelopeIndexSeconds = 0;
+    double pythonAttachmentSeconds = 0;
+    double nativeAttachmentExtractSeconds = 0;
+    std::int64_t indexedAttachmentFolders = 0;
+    std::int64_t envelopeIndexedMessages = 0;
+    std::atomic<std::int64_t> parsedMessages = 0;
+    std::int64_t matchedMessages = 0;
+    std::int64_t yearSkippedMessages = 0;
+    std::atomic<std::int64_t> noAttachmentMessages = 0;
+    std::int64_t markerSkippedMessages = 0;
+    std::int64_t embeddedAttachmentCandidates = 0;
+    std::int64_t externalAttachmentHits = 0;
+    std::int64_t pythonAttachmentRequests = 0;
+
+    // The line, its items joined by "｜".
+    [[nodiscard]] std::string summary(std::int64_t scanned, std::int64_t visited, std::int64_t matched,
+                                      std::optional<double> uiSeconds = {}) const;
+};
+
+// Adds the time of its life to a sum of seconds.
+class SecondsCounter {
+  public:
+    explicit SecondsCounter(double& total)
+      : total_(total) {}
+
+    SecondsCounter(const SecondsCounter&) = delete;
+    SecondsCounter& operator=(const SecondsCounter&) = delete;
+
+    ~SecondsCounter() {
+        total_ += std::chrono::duration<double>(ScanTimingMetrics::Clock::now() - start_).count();
+    }
+
+  private:
+    double& total_;
+    ScanTimingMetrics::Clock::time_point start_ = ScanTimingMetrics::Clock::now();
+};
+
+} // namespace corvane

@@ -1,0 +1,40 @@
+// The counts around a list of local messages: how many messages the index knows a year, how many of them have
+// no file, and how far back the store goes. Counts are of distinct messages, so copies in several mailboxes
+// count once, without trash and junk. Years are local years. Without a usable index everything is empty.
+// Background work without a time limit; any thread.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "mailstore/mail_store_context.h"
+
+namespace corvane::mailstore {
+
+using YearCounts = std::map<std::int64_t, std::int64_t>;
+
+YearCounts indexedYearDistinctCounts(const MailStoreContext& context, const std::string& rootPath,
+                                     const std::vector<std::string>& accountURLPrefixes);
+
+// Messages of which no copy has a file. Years without any are left out.
+YearCounts undownloadedYearCounts(const MailStoreContext& context, const std::string& rootPath,
+                                  const std::vector<std::string>& accountURLPrefixes);
+
+// Over all accounts, trash too; the year is of UTC.
+std::optional<std::int64_t> queryOldestIndexedYear(const MailStoreContext& context,
+                                                   const std::string& rootPath);
+
+struct FilePresenceSample {
+    std::int64_t present = 0;
+    std::int64_t missing = 0;
+    std::int64_t checked = 0;
+};
+
+// Looks for the files of some rows of one mailbox.
+FilePresenceSample sampleMessageFilePresence(const std::string& rootPath, const std::string& mailboxURL,
+                                             const std::vector<std::int64_t>& rowIDs);
+
+} // namespace corvane::mailstore
