@@ -1,8 +1,6 @@
 #include "archive/archive_paths.h"
 
-#include <filesystem>
-#include <system_error>
-
+#include "platform/directory.h"
 #include "platform/paths.h"
 
 namespace corvane::archive {
@@ -11,11 +9,8 @@ namespace {
 
 // With a '/' at the end, so that one folder's text can't be the beginning of its neighbour's.
 std::string resolved(const std::string& folder) {
-    std::error_code error;
-    std::string path = std::filesystem::canonical(folder, error).string();
-    if (error) return {};
-    if (!path.ends_with('/')) path += '/';
-    return path;
+    const auto path = platform::resolvedPath(folder);
+    return path ? platform::joinPath(*path, "") : std::string();
 }
 
 } // namespace

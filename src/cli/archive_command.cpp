@@ -5,6 +5,7 @@
 #include "cli/output.h"
 #include "cli/progress_line.h"
 #include "platform/paths.h"
+#include "records/archive_index_file.h"
 #include "records/console_log.h"
 #include "records/formatters.h"
 

@@ -121,7 +121,7 @@ class CommandLine {
         archive->add_option("--min-size", archive_.minimumBytes, "最小字节数")->check(CLI::NonNegativeNumber);
         archive->add_option("--max-year", archive_.maximumYear, "这一年及以前");
         archive->add_option("--limit", archive_.limit, "最多归档的封数")->check(CLI::NonNegativeNumber);
-        archive->add_flag("--no-index", "不建立正文索引");
+        archive->add_flag("--no-index", archive_.withoutIndex, "不建立正文索引");
         command(archive, [this](Session& session) { return runArchive(session, archive_, common_.json); });
         auto* verify = app_.add_subcommand("verify", "重新读取整个归档并与索引核对");
         verify->add_option("root", verifyRoot_, "归档文件夹")->required();

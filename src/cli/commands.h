@@ -36,6 +36,7 @@ struct ArchiveOptions {
     std::int64_t minimumBytes = 0;
     std::optional<std::int64_t> maximumYear;
     std::optional<std::int64_t> limit;
+    bool withoutIndex = false; // of bodies
 };
 
 int runArchive(Session& session, const ArchiveOptions& options, bool json);

@@ -119,7 +119,7 @@ void visitIndexedCandidates(const MailStoreContext& context, const std::string& 
     const platform::TemporaryFile output = requireOutput(
         context, runShell(context,
                           {.databasePath = index,
-                           .sql = candidateQuery(filter, messageIdHeaderColumnExists(context, index)),
+                           .sql = candidateQuery(filter, messageIdHeaderColumnExists(context, index, stop)),
                            .format = ShellQuery::Format::json,
                            .outputPrefix = "corvane-envelope-",
                            .outputExtension = ".tsv",

@@ -153,8 +153,8 @@ std::vector<std::int64_t> runIntSetQuery(const MailStoreContext& context, const 
 }
 
 std::optional<std::string> runUnlimitedQuery(const MailStoreContext& context, const std::string& sql,
-                                             const std::string& databasePath) {
-    return outputText(runShell(context, {.databasePath = databasePath, .sql = sql, .timeLimit = {}}));
+                                             const std::string& databasePath, const std::stop_token& stop) {
+    return outputText(runShell(context, {.databasePath = databasePath, .sql = sql, .timeLimit = {}}, stop));
 }
 
 bool runJSONRows(const MailStoreContext& context, const std::string& sql, const std::string& databasePath,
@@ -177,11 +177,12 @@ bool runJSONRows(const MailStoreContext& context, const std::string& sql, const 
     }
 }
 
-bool messageIdHeaderColumnExists(const MailStoreContext& context, const std::string& envelopeIndexPath) {
+bool messageIdHeaderColumnExists(const MailStoreContext& context, const std::string& envelopeIndexPath,
+                                 const std::stop_token& stop) {
     const auto output = runUnlimitedQuery(
         context,
         "SELECT COUNT(*) FROM pragma_table_info('message_global_data') WHERE name='message_id_header';",
-        envelopeIndexPath);
+        envelopeIndexPath, stop);
     const auto count = text::parseInteger(text::trimWhitespaceAndNewlines(output.value_or("0")));
     return count.value_or(0) > 0;
 }

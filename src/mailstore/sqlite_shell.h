@@ -67,7 +67,8 @@ std::vector<std::int64_t> runIntSetQuery(const MailStoreContext& context, const 
 
 // Without a time limit. The text of the answer.
 std::optional<std::string> runUnlimitedQuery(const MailStoreContext& context, const std::string& sql,
-                                             const std::string& databasePath);
+                                             const std::string& databasePath,
+                                             const std::stop_token& stop = {});
 
 // Without a time limit. Visits the rows in order; false for a failure, and what was visited then doesn't
 // count.
@@ -75,6 +76,7 @@ bool runJSONRows(const MailStoreContext& context, const std::string& sql, const 
                  const JsonRowVisitor& visit);
 
 // Whether the index has the column with the Message-ID header, which some stores lack.
-bool messageIdHeaderColumnExists(const MailStoreContext& context, const std::string& envelopeIndexPath);
+bool messageIdHeaderColumnExists(const MailStoreContext& context, const std::string& envelopeIndexPath,
+                                 const std::stop_token& stop = {});
 
 } // namespace corvane::mailstore

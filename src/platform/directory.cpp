@@ -93,8 +93,9 @@ int readUpTo(int descriptor, std::string& content, std::size_t expected, std::si
     while (content.size() < limit) {
         const std::size_t filled = content.size();
         ssize_t got = 0;
-        content.resize_and_overwrite(room, [&](char* bytes, std::size_t size) {
-            got = readSome(descriptor, bytes + filled, size - filled);
+        // The library of GCC 12 offers the whole capacity, which may be more than was asked for.
+        content.resize_and_overwrite(room, [&](char* bytes, std::size_t) {
+            got = readSome(descriptor, bytes + filled, room - filled);
             return filled + static_cast<std::size_t>(std::max<ssize_t>(got, 0));
         });
         if (got < 0) return errno;

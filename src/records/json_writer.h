@@ -2,6 +2,10 @@
 // repaired on the way, so that what is written can always be read back. Stateless and thread-safe.
 #pragma once
 
+#if defined(RAPIDJSON_SSE2) || defined(RAPIDJSON_SSE42)
+#error "RapidJSON 1.1 leaves the controls U+001A to U+001F unescaped in its SSE writers"
+#endif
+
 #include <array>
 #include <cstdint>
 #include <map>

@@ -1,5 +1,8 @@
 #include "text/graphemes.h"
 
+#include <unicode/uchar.h>
+#include <unicode/utf8.h>
+
 #include <limits>
 #include <memory>
 
@@ -73,6 +76,21 @@ std::string_view graphemePrefix(std::string_view text, std::size_t count) {
 std::string_view graphemePrefixWithinBytes(std::string_view text, std::size_t bytes) {
     if (text.size() <= bytes) return text;
     return text.substr(0, clusterPrefix(text, unlimited, bytes).bytes);
+}
+
+std::size_t displayWidth(std::string_view text) {
+    std::size_t width = 0;
+    const auto length = static_cast<std::int32_t>(text.size());
+    for (std::int32_t at = 0; at < length;) {
+        UChar32 character = 0;
+        U8_NEXT_OR_FFFD(text.data(), at, length, character);
+        const int category = u_charType(character);
+        if (category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK || category == U_FORMAT_CHAR)
+            continue;
+        const int eastAsian = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
+        width += eastAsian == U_EA_WIDE || eastAsian == U_EA_FULLWIDTH ? 2 : 1;
+    }
+    return width;
 }
 
 } // namespace corvane::text

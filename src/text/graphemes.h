@@ -14,4 +14,8 @@ std::string_view graphemePrefix(std::string_view text, std::size_t count);
 // The longest prefix of whole clusters that has at most `bytes` bytes.
 std::string_view graphemePrefixWithinBytes(std::string_view text, std::size_t bytes);
 
+// Columns of a terminal that the text takes: two for a wide character (East Asian Width W and F), none for a
+// mark.
+std::size_t displayWidth(std::string_view text);
+
 } // namespace corvane::text

@@ -88,7 +88,9 @@ TEST(Directory, ReadFile_TakesOnlyRegularFilesWithinTheLimit) {
     EXPECT_EQ(readFile(home.at("empty"), 0), "");
     EXPECT_EQ(readFile(home.at("file"), size), content);
     EXPECT_EQ(readFilePrefix(home.at("file"), 3), "a\0b"s);
-    EXPECT_EQ(readFilePrefix(home.at("file"), 0), "");
+    for (std::size_t limit = 0; limit < 200; ++limit)
+        EXPECT_EQ(readFilePrefix(home.at("file"), static_cast<std::int64_t>(limit)),
+                  content.substr(0, limit));
     EXPECT_EQ(readFilePrefix(home.at("file"), size + 10), content);
 
     struct {

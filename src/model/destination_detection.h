@@ -1,0 +1,39 @@
+// The places of this machine where an archive may lie: the iCloud folder, the folders of cloud providers,
+// external volumes. They may hang, so every step is marked in the log, and nothing here runs on the main
+// thread. No state.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/platform.h"
+
+namespace corvane {
+
+struct CloudStorageProvider {
+    std::string id;
+    std::string name;
+    std::optional<std::string> detail;
+    std::string path;
+    std::string icon; // name of a symbol
+
+    friend bool operator==(const CloudStorageProvider&, const CloudStorageProvider&) = default;
+};
+
+// iCloud first, then the folders in the order of their names.
+std::vector<CloudStorageProvider> detectCloudStorage(const platform::Platform& platform);
+
+std::vector<CloudStorageProvider> detectRemovableVolumes(const platform::Platform& platform);
+
+// Name, detail and path for a folder under "Library/CloudStorage"; icon and id are left to the caller.
+CloudStorageProvider providerInfo(const std::string& folder);
+
+std::string prettyBrandName(std::string_view brand);
+
+// Where a Google Drive folder holds the user's files: one level down, under a name that depends on the
+// language.
+std::string googleDriveActivePath(const std::string& root);
+
+} // namespace corvane

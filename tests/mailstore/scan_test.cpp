@@ -1,0 +1,310 @@
+#include "mailstore/mail_data_scanner.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "mailstore/mail_index_query_error.h"
+#include "mailstore/sample_mail_store.h"
+
+namespace corvane::mailstore {
+namespace {
+
+namespace fs = std::filesystem;
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using testing::SampleMailStore;
+using testing::startOf2024;
+using Batch = MailDataScanner::Batch;
+using Kind = MailIndexQueryError::Kind;
+
+struct Inbox : SampleMailStore {
+    explicit Inbox(IdentifierColumn column = IdentifierColumn::present)
+      : SampleMailStore(column) {
+        addMailbox(std::string("imap://") + testing::firstAccount + "/INBOX",
+                   std::string(testing::firstAccount) + "/INBOX.mbox/X/Data");
+    }
+
+    [[nodiscard]] MailDataScanner scanner() const {
+        return {.context = context,
+                .rootPath = root,
+                .maximumYear = {},
+                .accountURLPrefixes = {},
+                .accountNamesByPrefix = {{std::string("imap://") + testing::firstAccount, "me@example.org"}}};
+    }
+
+    [[nodiscard]] std::vector<Batch> scan() {
+        close();
+        return scan(scanner());
+    }
+
+    [[nodiscard]] static std::vector<Batch> scan(const MailDataScanner& scanner) {
+        std::vector<Batch> batches;
+        scanner.scanBatches([&](Batch&& batch) { batches.push_back(std::move(batch)); });
+        return batches;
+    }
+
+    // The kind of the error with which a scan ends before any batch.
+    [[nodiscard]] std::optional<MailIndexQueryError> failure() {
+        std::vector<Batch> batches;
+        try {
+            scanner().scanBatches([&](Batch&& batch) { batches.push_back(std::move(batch)); });
+        } catch (const MailIndexQueryError& error) {
+            EXPECT_THAT(batches, IsEmpty());
+            EXPECT_THAT(leftovers(), IsEmpty());
+            return error;
+        }
+        return std::nullopt;
+    }
+};
+
+std::vector<std::string> subjects(const std::vector<Batch>& batches) {
+    std::vector<std::string> result;
+    for (const auto& batch : batches) {
+        for (const auto& record : batch.records) result.push_back(record.subject.str());
+    }
+    return result;
+}
+
+TEST(Scan, RecordsHoldWhatTheIndexTells) {
+    Inbox store;
+    store.add({.rowID = 1234,
+               .messageID = 7,
+               .subject = "你好 \"x\"\n",
+               .senderName = " 张三 ",
+               .recipients = {"a@x", "b@x"},
+               .date = startOf2024,
+               .size = 0,
+               .header = "<ID@X>",
+               .attachments = {"a.txt^_b.pdf", "logo.png", ""}});
+    const auto batches = store.scan();
+    ASSERT_EQ(batches.size(), 2U);
+    EXPECT_EQ(batches[0].visitedCount, 0);
+    EXPECT_THAT(batches[0].records, IsEmpty());
+    ASSERT_EQ(batches[1].records.size(), 1U);
+    const MailMessageRecord& record = batches[1].records[0];
+    EXPECT_EQ(record.id,
+              store.mailPath(std::string(testing::firstAccount) + "/INBOX.mbox/X/Data/1/Messages/1234.emlx"));
+    EXPECT_EQ(record.fileURL.path(), record.id);
+    EXPECT_EQ(record.subject, "你好 \"x\"\n");
+    EXPECT_EQ(record.sender, "张三 <sender@example.org>");
+    EXPECT_EQ(record.recipients, "a@x, b@x");
+    EXPECT_EQ(record.date->time_since_epoch().count(), startOf2024);
+    EXPECT_EQ(record.mailbox, "INBOX");
+    EXPECT_EQ(*record.accountIdentifier, std::string("imap://") + testing::firstAccount);
+    EXPECT_EQ(*record.accountName, "me@example.org");
+    EXPECT_EQ(record.isImportedMailbox, std::nullopt);
+    EXPECT_EQ(*record.messageIdentifier, "id@x");
+    EXPECT_EQ(record.messageSize, 7); // of the file, since the index has none
+    EXPECT_EQ(record.preview, "正在加载正文预览...");
+    ASSERT_EQ(record.attachments.size(), 2U);
+    EXPECT_EQ(record.attachments[0].fileName, "a.txt");
+    EXPECT_EQ(record.attachments[1].mimeType, "PDF 文档");
+    EXPECT_THAT(batches[1].timingLog,
+                ::testing::MatchesRegex("总 .*s｜已访问 1｜已纳入 1｜含附件 1｜Mail索引 .*s/1 封｜.*"
+                                        "｜无附件快跳 0｜年份跳过 0"));
+}
+
+TEST(Scan, OnlyDownloadedMessagesOfKnownMailboxesAreListedNewestFirst) {
+    Inbox store;
+    store.addMailbox("imap://gone/INBOX", "");
+    store.add({.rowID = 1, .subject = "old", .senderAddress = "", .date = startOf2024 - 9});
+    store.add({.rowID = 999, .subject = "", .date = startOf2024 + 5});
+    store.add({.rowID = 1000, .subject = "new", .date = startOf2024 + 9});
+    store.add({.rowID = 1001, .subject = "server only", .date = startOf2024 + 8, .hasFile = false});
+    store.add({.rowID = 3, .mailbox = 2, .subject = "no folder"});
+    store.add({.rowID = 4, .subject = "no date", .date = 0});
+    const auto batches = store.scan();
+    EXPECT_THAT(subjects(batches), ElementsAre("new", "无主题", "old"));
+    EXPECT_EQ(batches.back().records[2].sender, "发件人未知");
+    EXPECT_THAT(batches.back().timingLog, ::testing::HasSubstr("s/5 封｜"));
+    EXPECT_THAT(store.leftovers(), IsEmpty());
+}
+
+TEST(Scan, BatchesComeByRecordsAndByVisits) {
+    Inbox store;
+    store.execute("BEGIN");
+    for (int i = 0; i < 250; ++i)
+        store.add({.rowID = 2000 - i, .subject = std::to_string(i), .date = startOf2024 - i});
+    store.execute("COMMIT");
+    const auto batches = store.scan();
+    std::vector<std::pair<std::int64_t, std::size_t>> shape;
+    for (const auto& batch : batches) {
+        EXPECT_EQ(batch.scannedCount, batch.visitedCount);
+        shape.emplace_back(batch.visitedCount, batch.records.size());
+    }
+    using Shape = std::vector<std::pair<std::int64_t, std::size_t>>;
+    EXPECT_EQ(
+        shape,
+        (Shape{
+            {0, 0}, {40, 40}, {80, 40}, {100, 20}, {140, 40}, {180, 40}, {200, 20}, {240, 40}, {250, 10}}));
+    const auto all = subjects(batches);
+    for (int i = 0; i < 250; ++i) EXPECT_EQ(all[static_cast<std::size_t>(i)], std::to_string(i));
+}
+
+TEST(Scan, NothingToListIsTheFirstAndTheLastBatch) {
+    Inbox empty;
+    EXPECT_EQ(empty.scan().size(), 2U);
+    fs::remove(empty.indexPath());
+    EXPECT_EQ(empty.scan().size(), 2U);
+    Inbox noShell;
+    noShell.platform.shell = noShell.home.at("missing");
+    EXPECT_EQ(noShell.scan().size(), 2U);
+}
+
+TEST(Scan, YearsEndAtMidnightUTCInAnyZone) {
+    const testing::TimeZoneGuard zone("Asia/Shanghai");
+    Inbox store;
+    store.add({.rowID = 1, .subject = "last second", .date = startOf2024 - 1});
+    store.add({.rowID = 2, .subject = "first second", .date = startOf2024});
+    store.close();
+    MailDataScanner scanner = store.scanner();
+    scanner.maximumYear = 2023;
+    EXPECT_THAT(subjects(Inbox::scan(scanner)), ElementsAre("last second"));
+    scanner.maximumYear = 99'999;
+    try {
+        scanner.scanBatches([](Batch&&) {});
+        FAIL();
+    } catch (const MailIndexQueryError& error) {
+        EXPECT_EQ(error.errorDescription(), "读取 Mail 索引失败：年份筛选无效。");
+    }
+}
+
+TEST(Scan, AccountsAreChosenByWhateverTheirPrefixHolds) {
+    Inbox store;
+    store.addMailbox(std::string("ews://") + testing::secondAccount + "/INBOX",
+                     std::string(testing::secondAccount) + "/INBOX.mbox/Data");
+    store.add({.rowID = 1, .subject = "first"});
+    store.add({.rowID = 2, .mailbox = 2, .subject = "second"});
+    store.close();
+    MailDataScanner scanner = store.scanner();
+    scanner.accountURLPrefixes = {std::string("imap://") + testing::secondAccount, "imap://it's"};
+    const auto batches = Inbox::scan(scanner);
+    EXPECT_THAT(subjects(batches), ElementsAre("second"));
+    EXPECT_EQ(batches.back().records[0].accountIdentifier, std::nullopt);
+}
+
+TEST(Scan, AStoreWithoutTheIdentifierColumnIsListed) {
+    Inbox store(SampleMailStore::IdentifierColumn::missing);
+    store.add({.rowID = 1, .messageID = 5, .header = "<a@x>"});
+    const auto batches = store.scan();
+    ASSERT_EQ(batches.back().records.size(), 1U);
+    EXPECT_EQ(batches.back().records[0].messageIdentifier, std::nullopt);
+}
+
+TEST(Scan, HostileRowsCostOnlyThemselves) {
+    Inbox store;
+    store.addMailbox("imap://../../..", "");
+    store.add({.rowID = 1, .subject = "good"});
+    store.add({.rowID = 2, .subject = "bytes", .date = startOf2024 - 1});
+    store.add({.rowID = 3, .mailbox = 2, .subject = "outside"});
+    store.execute("UPDATE subjects SET subject = CAST(x'61FF62' AS TEXT) WHERE subject = 'bytes'");
+    store.execute("UPDATE messages SET size = 'big', date_received = 1e9 WHERE rowid = 1");
+    EXPECT_THAT(subjects(store.scan()), ElementsAre("a\uFFFD"
+                                                    "b",
+                                                    "good"));
+}
+
+TEST(Scan, FailuresOfTheIndexAreToldBeforeAnyBatch) {
+    Inbox store;
+    store.add({.rowID = 1});
+    store.close();
+    {
+        const testing::LockingWriter writer(store.indexPath());
+        const auto locked = store.failure();
+        ASSERT_TRUE(locked);
+        EXPECT_THAT(*locked->errorDescription(),
+                    ::testing::MatchesRegex("读取 Mail 索引失败：.*database is locked.*"));
+    }
+    EXPECT_EQ(store.failure(), std::nullopt);
+    store.reopen();
+    store.execute("DROP TABLE recipients");
+    store.close();
+    EXPECT_EQ(store.failure()->kind(), Kind::queryFailed);
+    std::ofstream(store.indexPath(), std::ios::trunc) << "not a database, and long enough to be looked at";
+    EXPECT_EQ(store.failure()->kind(), Kind::queryFailed);
+    std::ofstream(store.indexPath(), std::ios::trunc).flush();
+    EXPECT_EQ(store.failure()->kind(), Kind::queryFailed);
+    store.platform.setShellScript("exit 9");
+    EXPECT_EQ(store.failure()->errorDescription(), "读取 Mail 索引失败，请稍后重试。");
+    for (const char* output : {"{}", "[1]", "[{", "rowid|url"}) {
+        store.platform.setShellScript(fmt::format("echo '{}'", output));
+        EXPECT_EQ(store.failure(), MailIndexQueryError(Kind::unreadableOutput)) << output;
+    }
+    store.platform.shell = store.home.write("not-executable-by-format", "\x7F");
+    fs::permissions(store.platform.shell, fs::perms::owner_all);
+    EXPECT_EQ(store.failure()->kind(), Kind::launchFailed);
+    store.platform.temporary = store.home.at("missing");
+    EXPECT_EQ(store.failure(), MailIndexQueryError(Kind::unreadableOutput));
+}
+
+TEST(Scan, ALockedIndexEndsItWithTheWordsForTheUser) {
+    Inbox store;
+    store.close();
+    // Only the query itself hangs, so its line in the log is from it.
+    store.platform.setShellScript(
+        "case \"$2\" in -json) exec sleep 60;; *) exec /usr/bin/sqlite3 \"$@\";; esac");
+    store.context.queryTimeLimit = std::chrono::milliseconds(100);
+    const auto error = store.failure();
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->errorDescription(), "Apple Mail 正在更新邮件索引，当前扫描已停止。请先等待 Mail "
+                                         "同步完成，或完全退出 Apple Mail 后再点“更新 Mail 数据”。");
+    EXPECT_THAT(
+        testing::readWhole(store.support.filePath("trash-plan-debug.log")),
+        ::testing::HasSubstr("] indexedMessageCandidates timed out after 0.1s; likely Mail Envelope Index is "
+                             "locked\n"));
+}
+
+TEST(Scan, AStopEndsTheShellAndTheBatches) {
+    Inbox store;
+    for (int i = 1; i <= 400; ++i) store.add({.rowID = i});
+    store.close();
+    std::stop_source stop;
+    std::int64_t visited = 0;
+    store.scanner().scanBatches(
+        [&](Batch&& batch) {
+            visited = batch.visitedCount;
+            if (visited >= 40) stop.request_stop();
+        },
+        stop.get_token());
+    EXPECT_EQ(visited, 140); // the rest of the chunk makes no batch any more
+    store.platform.setShellScript("exec sleep 60");
+    int batches = 0;
+    store.scanner().scanBatches([&](Batch&&) { ++batches; }, stop.get_token());
+    EXPECT_EQ(batches, 0);
+    EXPECT_THAT(store.leftovers(), IsEmpty());
+}
+
+TEST(Scan, LeavesTheStoreAsItWas) {
+    Inbox store;
+    for (int i = 1; i <= 20; ++i) store.add({.rowID = i * 700, .attachments = {"a.pdf"}});
+    store.home.write("Library/Mail/V10/" + std::string(testing::firstAccount) +
+                         "/INBOX.mbox/X/Data/Attachments/700/2/a.pdf",
+                     "x");
+    store.execute("PRAGMA journal_mode=WAL");
+    store.close();
+    const auto before = store.tree();
+    EXPECT_EQ(subjects(store.scan()).size(), 20U);
+    EXPECT_THAT(store.changesSince(before), IsEmpty());
+}
+
+TEST(Candidates, RowsWithoutNamesAreLeftOutWhenAttachmentsAreRequired) {
+    Inbox store;
+    store.add({.rowID = 1, .attachments = {"a.pdf", "b.txt"}, .hasFile = false});
+    store.add({.rowID = 2, .attachments = {""}});
+    store.add({.rowID = 3});
+    store.close();
+    const auto candidates = indexedMessageCandidates(
+        store.context, store.root,
+        {.maximumYear = {}, .requireIndexedAttachments = true, .accountURLPrefixes = {}});
+    ASSERT_EQ(candidates.size(), 1U);
+    EXPECT_EQ(candidates[0].rowID, 1);
+    EXPECT_THAT(candidates[0].attachmentNames, ElementsAre("a.pdf", "b.txt"));
+    EXPECT_EQ(indexedMessageCandidates(store.context, store.root, {}).size(), 3U);
+}
+
+} // namespace
+} // namespace corvane::mailstore
