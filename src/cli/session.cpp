@@ -40,6 +40,10 @@ void noteInterrupts() {
     ::sigaction(SIGTERM, &action, nullptr);
 }
 
+bool wasInterrupted() {
+    return interruptCount > 0;
+}
+
 Session::Session(const std::string& home)
   : platform_(platform::makePlatform(home))
   , context_(std::make_unique<ModelContext>(*platform_)) {
