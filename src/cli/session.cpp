@@ -52,10 +52,6 @@ Session::Session(const std::string& home)
     model_ = std::make_unique<CorvaneViewModel>(*context_);
 }
 
-bool Session::wasInterrupted() const {
-    return interruptCount > 0;
-}
-
 void Session::waitUntilIdle(const std::function<void()>& onInterrupt) {
     bool handled = false;
     const auto lookForInterrupt = [&] {

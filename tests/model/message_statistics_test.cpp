@@ -2,6 +2,7 @@
 #include "model/scan_deduplication.h"
 #include "model/space_usage.h"
 #include "model/visible_messages.h"
+#include "records/timestamps.h"
 #include "support/temporary_home.h"
 
 namespace corvane {
