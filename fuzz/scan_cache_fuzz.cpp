@@ -1,5 +1,5 @@
-// The scan cache read in pieces: never anything but a value or a JsonError, and what is read can be written and read
-// again.
+// The scan cache read in pieces: never anything but a value or a JsonError, and what is read can be written
+// and read again.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
