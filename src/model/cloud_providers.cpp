@@ -64,4 +64,9 @@ std::string canonicalPath(std::string_view path) {
     return standard;
 }
 
+bool isInCloudFolder(std::string_view path) {
+    return path.find("Mobile Documents") != std::string_view::npos ||
+           path.find("Library/CloudStorage") != std::string_view::npos;
+}
+
 } // namespace corvane

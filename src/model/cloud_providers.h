@@ -16,4 +16,7 @@ std::optional<std::string> cloudStorageFolderProviderName(std::string_view path)
 // Standardized, without a closing slash.
 std::string canonicalPath(std::string_view path);
 
+// Where the system keeps its own and other providers' folders, in anybody's home.
+bool isInCloudFolder(std::string_view path);
+
 } // namespace corvane

@@ -9,6 +9,7 @@
 #include "platform/paths.h"
 #include "records/console_log.h"
 #include "text/case.h"
+#include "text/collation.h"
 
 namespace corvane {
 
@@ -59,7 +60,8 @@ CloudStorageProvider providerInfo(const std::string& folder) {
     const std::size_t dash = name.find('-');
     const std::string_view brand = name.substr(0, dash);
     CloudStorageProvider provider{folder, prettyBrandName(brand), std::nullopt, folder, {}};
-    if (dash != std::string_view::npos) provider.detail = std::string(name.substr(dash + 1));
+    if (dash != std::string_view::npos && dash + 1 < name.size())
+        provider.detail = std::string(name.substr(dash + 1));
     if (text::equalsIgnoringCase(brand, "GoogleDrive")) provider.path = googleDriveActivePath(folder);
     return provider;
 }
@@ -81,8 +83,10 @@ std::string googleDriveActivePath(const std::string& root) {
     const auto entries = platform::listDirectory(root, platform::HiddenEntries::skip);
     if (!entries) return root;
     for (const platform::DirectoryEntry& entry : *entries) {
-        const bool isForeign = std::find(foreignDriveNames.begin(), foreignDriveNames.end(), entry.name) !=
-                               foreignDriveNames.end();
+        // A disk may keep the accents of a name apart from their letters.
+        const std::string name = text::canonicallyComposed(entry.name);
+        const bool isForeign =
+            std::find(foreignDriveNames.begin(), foreignDriveNames.end(), name) != foreignDriveNames.end();
         if (entry.kind == platform::EntryKind::directory && !isForeign)
             return platform::joinPath(root, entry.name);
     }

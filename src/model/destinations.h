@@ -1,67 +1,52 @@
-// The folder that archive runs write into, and what is to be said of it. Main thread; everything that touches
-// the folder happens in the background, since a cloud folder may hang.
+// The folder to which every archive run writes, as the user chose it. Main thread; nothing here touches a
+// disk on it, since a cloud folder may hang.
 #pragma once
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include <QObject>
 
+#include "model/destination_facts.h"
 #include "model/model_context.h"
 
 namespace corvane {
 
-// What the screens say of a destination.
-struct DestinationFacts {
-    bool connected = true; // also without a destination: there is no lost disk to warn of
-    std::optional<std::string> cloudName;
-    std::optional<std::string> filesystemName;
-    bool inSymlinkContainer = false;
-    bool onInternalDisk = false;
-    std::vector<std::string>
-        rememberedManualDestinations; // earlier ones on this machine's own disks that exist
-
-    friend bool operator==(const DestinationFacts&, const DestinationFacts&) = default;
-};
-
-// Touches disks: background work. `knownRoots` are all places ever used.
-DestinationFacts computeDestinationFacts(const platform::Platform& platform,
-                                         const std::optional<std::string>& destination,
-                                         const std::vector<std::string>& knownRoots);
-
-// The name of a file system type as a person knows it.
-std::string shownFileSystemName(std::string_view typeName);
+// Texts of the folder picker. It takes one folder, which may be made in it.
+inline constexpr const char* chooseDestinationTitle = "选择附件转移位置";
+inline constexpr const char* chooseDestinationPrompt = "使用此位置";
+inline constexpr const char* chooseDestinationMessage =
+    "归档会直接放进所选文件夹，建议新建一个专用空文件夹（例如坚果云同步目录里的一个文件夹）。";
 
 class ArchiveDestinations : public QObject {
     Q_OBJECT
 
   public:
-    // Takes the stored destination.
+    // Reads the stored choice and remembers it among the known locations.
     explicit ArchiveDestinations(ModelContext& context, QObject* parent = nullptr);
 
-    // Path of the chosen folder.
+    // Path of the folder, canonical; nothing before the first choice.
     [[nodiscard]] const std::optional<std::string>& transferDestination() const { return destination_; }
 
-    // Every archive root ever used, in the order of their first use.
-    [[nodiscard]] std::vector<std::string> knownLocationRoots() const;
-
-    [[nodiscard]] const DestinationFacts& facts() const { return facts_; }
-
-    // Stores the choice, then creates the folder in the background; `destinationPrepared` follows.
+    // Publishes and stores the choice at once and makes the folder in the background; `destinationPrepared`
+    // follows.
     void setTransferDestination(const std::string& path);
 
-    // Adds a root to the known ones.
-    void rememberLocation(const std::string& path);
+    // As last asked. Right after a choice only what its path tells.
+    [[nodiscard]] const DestinationFacts& facts() const { return facts_; }
 
+    // Asks again in the background.
     void refreshFacts();
 
   Q_SIGNALS:
     void destinationChanged();
+    // The folder has been made, if it could be.
     void destinationPrepared();
     void factsChanged();
 
   private:
+    void setFacts(DestinationFacts facts);
+
     ModelContext& context_;
     std::optional<std::string> destination_;
     DestinationFacts facts_;

@@ -1,86 +1,120 @@
-// All mail that was ever archived, over all archive folders that are known or can be found, also on disks
-// that aren't connected. Main thread; the loading is one background job, and a newer one replaces it.
+// What is archived, over all archives that are known or can be found, also on disks that aren't connected.
+// Main thread; disks are touched by background tasks only, but for the snapshot that is read at start.
+//
+// The library shows in turn nothing, the snapshot of the last run, the live state. All fields of one state
+// change in one step, before any signal. One load runs at a time: a new one cancels the old, whose late
+// result is dropped.
 #pragma once
 
 #include <chrono>
+#include <cstdint>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <QObject>
 
+#include "model/library_load.h"
+#include "model/library_snapshot_writer.h"
 #include "model/loaded_archives.h"
 #include "model/model_context.h"
-#include "records/library_snapshot_store.h"
 
 namespace corvane {
+
+// Filters of the library's list; absent means all.
+struct LibraryFilters {
+    std::optional<std::string> location;
+    std::optional<std::string> account;
+    std::optional<std::string> mailbox;
+
+    friend bool operator==(const LibraryFilters&, const LibraryFilters&) = default;
+};
 
 class LibraryLoader : public QObject {
     Q_OBJECT
 
   public:
-    explicit LibraryLoader(ModelContext& context, QObject* parent = nullptr);
+    using Clock = std::function<std::chrono::steady_clock::time_point()>;
 
-    [[nodiscard]] const SharedEntryList& archivedEntries() const { return content_.entries; }
+    explicit LibraryLoader(ModelContext& context, QObject* parent = nullptr,
+                           Clock clock = &std::chrono::steady_clock::now);
 
-    [[nodiscard]] const std::vector<ArchiveLocation>& archiveLocations() const { return content_.locations; }
+    [[nodiscard]] const SharedEntryList& archivedEntries() const { return library_->entries; }
 
-    // Base ids of everything archived: the only link between a scan and an archive.
+    [[nodiscard]] const std::vector<ArchiveLocation>& archiveLocations() const { return locations_; }
+
+    // The base ids of everything archived; never null.
     [[nodiscard]] const std::shared_ptr<const SharedTextSet>& archivedEmailBaseIDs() const {
-        return content_.baseIDs;
+        return library_->baseIDs;
     }
 
+    // Raised each time the base ids become others.
     [[nodiscard]] std::int64_t archivedEmailBaseIDsToken() const { return baseIDsToken_; }
 
-    // The entry of a message's base id; null without one.
-    [[nodiscard]] const ArchivedEntry* archivedEntryByBaseID(std::string_view baseID) const;
-
-    // Index of the current destination; null without one.
-    [[nodiscard]] const std::shared_ptr<const EmailArchiveIndex>& emailArchiveIndex() const {
-        return content_.destinationIndex;
+    // Of several variants or archives of one message, one. Null when it isn't archived; valid until the next
+    // change.
+    [[nodiscard]] const ArchivedEntry* archivedEntryByBaseID(std::string_view baseID) const {
+        return library_->entryByBaseID(baseID);
     }
 
-    // Reads all archives. Unless forced, nothing happens while the same roots are being read, or were within
-    // the last two seconds.
-    void loadEmailArchiveIndex(const std::optional<std::string>& destination, bool force);
+    // The index of the destination of the last load; nothing when the library doesn't hold it. A copy.
+    [[nodiscard]] std::optional<EmailArchiveIndex> emailArchiveIndex() const;
 
-    // Publishes the snapshot of the last load, unless entries are there already. Reads its file on the main
-    // thread: the library is to be there with the first frame.
+    // The first location with that root; null when there is none.
+    [[nodiscard]] const ArchiveLocation* location(std::string_view rootPath) const;
+
+    [[nodiscard]] const LibraryFilters& libraryFilters() const { return filters_; }
+
+    void setLibraryFilters(LibraryFilters filters);
+
+    // Starts a live load. Unless forced, none is started over the same roots while one runs or shortly after
+    // one.
+    void loadEmailArchiveIndex(const std::optional<std::string>& currentDestination, bool force);
+
+    [[nodiscard]] bool isLoading() const { return isLoading_; }
+
+    // Shows the snapshot of the last run while nothing else is there. Reads it on the calling thread.
     void loadCachedArchiveLibraryIfNeeded();
 
-    // Tests in the background which locations can be reached.
+    // Tests again which locations are connected.
     void refreshArchiveLocationConnectionStates();
-
-    [[nodiscard]] const ArchiveLocation* location(const std::string& rootPath) const;
 
   Q_SIGNALS:
     void archivedEntriesChanged();
     void archiveLocationsChanged();
     void archivedBaseIDsChanged();
+    void libraryFiltersChanged();
+    // A live load has been published.
     void loadFinished();
 
   private:
-    struct LoadJob;
-    struct LoadResult;
+    using ConnectionStates = std::map<std::string, bool>; // by root
 
-    static std::optional<LoadResult> load(const LoadJob& job, const std::stop_token& stop);
-    static std::optional<LoadedArchive> loadRoot(const LoadJob& job, const std::string& root,
-                                                 LoadResult& result);
-    void applyLoadedArchiveIndex(LoadResult& result, const std::string& signature,
-                                 std::chrono::steady_clock::time_point start);
-    void publish(LibraryContent content);
-    void unforget(const std::vector<std::string>& roots);
-    [[nodiscard]] std::vector<std::string>
-    candidateRoots(const std::optional<std::string>& destination) const;
+    [[nodiscard]] bool isLoadNeedless(const std::string& signature) const;
+    void startLoad(LibraryLoadInput input, const std::string& signature);
+    void applyLoadedArchiveIndex(LibraryLoadResult result, const std::string& signature, double seconds);
+    void adoptLocations(const LibraryLoadResult& result);
+    [[nodiscard]] std::optional<ArchiveLibrarySnapshot> readSnapshot() const;
+    void publish(SharedLibrary library, std::vector<ArchiveLocation> locations);
+    void applyConnectionStates(const ConnectionStates& states);
 
     ModelContext& context_;
-    ArchiveLibrarySnapshotStore snapshots_;
-    LibraryContent content_;
+    Clock clock_;
+    SharedLibrary library_ = std::make_shared<const ArchivedLibrary>();
+    std::vector<ArchiveLocation> locations_;
     std::int64_t baseIDsToken_ = 0;
-    std::string loadSignature_; // of the running load
-    std::string lastLoadSignature_;
-    std::optional<std::chrono::steady_clock::time_point> lastLoadFinishedAt_;
-    TaskSlot loadTask_;
+    std::optional<DestinationIndex> destination_;
+    LibraryFilters filters_;
+    bool isLoading_ = false;
+    bool testConnectionsAfterLoad_ = false;
+    std::string archiveIndexLoadSignature_;
+    std::string lastArchiveIndexLoadSignature_;
+    std::optional<std::chrono::steady_clock::time_point> lastArchiveIndexLoadFinishedAt_;
+    LibrarySnapshotWriter snapshotWriter_;
+    TaskSlot archiveIndexLoadTask_;
     TaskSlot connectionTask_;
 };
 

@@ -1,0 +1,28 @@
+// Whether an archive's root can be reached, and what is shown of it. Stateless; all but the name touch a disk
+// and belong on a background task.
+#pragma once
+
+#include <string>
+
+#include "platform/platform.h"
+#include "records/archive_records.h"
+
+namespace corvane {
+
+// Whether the removable disk that holds the path is there, be its folders there or not. False for a path
+// elsewhere.
+bool volumeMounted(const platform::Platform& platform, const std::string& path);
+
+// The disk is there for a root on a removable disk, the folder itself for any other.
+bool isLocationConnected(const platform::Platform& platform, const std::string& rootPath);
+
+// Touches no disk.
+std::string locationDisplayName(const platform::Platform& platform, const std::string& rootPath);
+
+ArchiveLocation::Kind locationKind(const platform::Platform& platform, const std::string& rootPath,
+                                   bool connected);
+
+// Whether the volume that holds the path is built in; one that can't be told counts as such.
+bool isOnInternalVolume(const platform::Platform& platform, const std::string& path);
+
+} // namespace corvane

@@ -1,0 +1,54 @@
+#include "model/destination_facts.h"
+
+#include <map>
+
+#include "model/archive_locations.h"
+#include "model/cloud_providers.h"
+#include "platform/directory.h"
+#include "text/case.h"
+
+namespace corvane {
+
+namespace {
+
+bool isInSymlinkContainer(const std::string& path) {
+    return platform::resolvedPath(path).value_or(path).find("/.symlinks/") != std::string::npos;
+}
+
+std::vector<std::string> manualDestinations(const platform::Platform& platform,
+                                            const std::vector<std::string>& knownLocations) {
+    std::vector<std::string> manual;
+    for (const std::string& path : knownLocations) {
+        if (isInCloudFolder(path) || platform.removableMountPoint(path)) continue;
+        if (platform::fileExists(path)) manual.push_back(path);
+    }
+    return manual;
+}
+
+} // namespace
+
+DestinationFacts computeDestinationFacts(const platform::Platform& platform,
+                                         const std::optional<std::string>& destination,
+                                         const std::vector<std::string>& knownLocations) {
+    DestinationFacts facts;
+    facts.rememberedManualDestinations = manualDestinations(platform, knownLocations);
+    if (!destination) return facts;
+    facts.connected = platform::fileExists(*destination);
+    facts.cloudName = cloudProviderName(*destination);
+    facts.inSymlinkContainer = isInSymlinkContainer(*destination);
+    if (!facts.connected) return facts;
+    if (const auto type = platform.fileSystemTypeName(*destination)) {
+        facts.filesystemName = shownFileSystemName(*type);
+    }
+    facts.onInternalDisk = isOnInternalVolume(platform, *destination);
+    return facts;
+}
+
+std::string shownFileSystemName(const std::string& typeName) {
+    static const std::map<std::string, std::string> names = {
+        {"msdos", "FAT32"}, {"exfat", "exFAT"}, {"apfs", "APFS"}, {"hfs", "Mac OS 扩展"}};
+    const auto known = names.find(typeName);
+    return known == names.end() ? text::asciiUppercased(typeName) : known->second;
+}
+
+} // namespace corvane

@@ -1,0 +1,31 @@
+// What the screens say about the chosen destination. Asking touches disks that may hang: background tasks
+// only.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/platform.h"
+
+namespace corvane {
+
+struct DestinationFacts {
+    bool connected = true; // also without a destination: nothing is lost then
+    std::optional<std::string> cloudName;
+    std::optional<std::string> filesystemName; // as people know it; a FAT disk wants a warning
+    bool inSymlinkContainer = false;           // a provider's shortcuts, which aren't synchronised
+    bool onInternalDisk = false;
+    std::vector<std::string> rememberedManualDestinations; // earlier folders that no detection finds
+
+    friend bool operator==(const DestinationFacts&, const DestinationFacts&) = default;
+};
+
+DestinationFacts computeDestinationFacts(const platform::Platform& platform,
+                                         const std::optional<std::string>& destination,
+                                         const std::vector<std::string>& knownLocations);
+
+// For the type name that the system gives.
+std::string shownFileSystemName(const std::string& typeName);
+
+} // namespace corvane

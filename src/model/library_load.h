@@ -1,0 +1,74 @@
+// The background part of one live load of the library: finds the archives, reads their indexes and makes one
+// library of them. Touches disks that may hang and no published state.
+#pragma once
+
+#include <optional>
+#include <set>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+#include "model/archive_index_cache.h"
+#include "model/known_locations.h"
+#include "model/loaded_archives.h"
+#include "platform/platform.h"
+#include "records/app_support.h"
+#include "records/startup_log.h"
+
+namespace corvane {
+
+struct LibraryLoadInput {
+    RootList candidates;
+    std::set<std::string> forgotten;               // canonical
+    std::optional<std::string> currentDestination; // canonical
+    std::shared_ptr<const SharedTextSet> publishedBaseIDs;
+};
+
+// What the entries don't tell of the current destination's index.
+struct DestinationIndex {
+    std::string rootPath;
+    Date createdAt{};
+    Date updatedAt{};
+};
+
+struct LibraryLoadResult {
+    std::vector<std::string> roots;    // candidates and found ones, for the known locations
+    std::set<std::string> removed;     // forgotten ones that didn't come back
+    std::set<std::string> broughtBack; // forgotten ones that are there again with their files
+    SharedLibrary library;
+    std::vector<ArchiveLocation> locations;
+    std::optional<DestinationIndex> destination; // when it is among the locations
+};
+
+class LibraryLoad {
+  public:
+    // The platform and the log must outlive the load.
+    LibraryLoad(const platform::Platform& platform, const CorvaneAppSupport& support,
+                const ArchiveLibraryStartupLog& log, LibraryLoadInput input)
+      : platform_(platform)
+      , files_(support.files())
+      , log_(log)
+      , cache_(platform, support)
+      , input_(std::move(input)) {}
+
+    // Nothing after a stop.
+    std::optional<LibraryLoadResult> run(const std::stop_token& stop);
+
+  private:
+    void addDiscoveredRoots(const std::stop_token& stop);
+    void loadRoot(const std::string& root, const std::stop_token& stop);
+
+    // Whether a forgotten root counts again; notes what becomes of it.
+    bool comesBack(const std::string& root, bool hasContent);
+    void fill(std::vector<LoadedArchive> archives);
+
+    const platform::Platform& platform_;
+    platform::FileLayer& files_;
+    const ArchiveLibraryStartupLog& log_;
+    ArchiveIndexCache cache_;
+    LibraryLoadInput input_;
+    std::vector<LoadedArchive> archives_;
+    LibraryLoadResult result_;
+};
+
+} // namespace corvane
