@@ -212,8 +212,7 @@ def decode_shifted(data, codec):
     def high(match):
         return match.group(1).translate(HIGH_BITS)
     if codec == "hz":
-        data = re.sub(rb"~\{([^~\n]*)(?:~\})?", high, data).replace(b"~\n", b"").replace(b"~~", b"~")
-        return data.decode("gb18030", "replace_bad")
+        return strictly(data, "hz") or re.sub(rb"~\{([^~\n]*)(?:~\})?", high, data).decode("gb18030", "replace_bad")
     if b"\x0e" in data or b"\x1b$)" in data:
         family = "gb18030" if b"\x1b$)A" in data or b"\x1b$)G" in data else "cp949"
         data = re.sub(rb"\x1b\$[()*+][A-Z]", b"", data)
@@ -526,7 +525,7 @@ def decode_base64_text(raw):
     """A text body in base64; what a mailing list wrote behind it, or all of it where the label lies, is text."""
     lines = re.match(rb"(?:[A-Za-z0-9+/]+=*[ \t]*\r*\n|[ \t\r]*\n)*", raw).end()
     rest = raw[lines:].strip()
-    if rest.count(b" ") * 20 <= len(rest) and not rest.startswith(b"--"):
+    if len(rest.translate(None, BASE64_DIGITS + b"=\r\n\t")) * 20 <= len(rest) and not rest.startswith(b"--"):
         return decode_base64(raw)
     return decode_base64(raw[:lines]) + b"\n" + rest if lines > 40 else raw
 
@@ -743,8 +742,8 @@ class Scanner:
         line = self.data[at + 3:end].rstrip(b" \t\r") if end - at < 1000 else b""
         closing = line not in self.boundaries
         if closing:
-            line = line.rpartition(b"--")[0]
-            if line not in self.boundaries:
+            line, _, junk = line.rpartition(b"--")
+            if line not in self.boundaries or b" " in junk:
                 return True
         while self.awaited:
             self._enter(at, at)
@@ -927,8 +926,9 @@ class HtmlText:
         name = match.group().lower()
         if "@" in name or name in ("http:", "https:"):
             return "<" + piece
-        if head.count('"') & 1 and '"' in text:
-            head, text = reopened(head, text)
+        for quote in "\"'":
+            if head.count(quote) & 1 and quote in text and re.search("=\\s*" + quote + "[^" + quote + "]*$", head):
+                head, text = reopened(head, text, quote)
         if name[0] == "/":
             self._close(name[1:], head)
         elif name in UNSHOWN:
@@ -1093,9 +1093,9 @@ class HtmlText:
         return {SIGNATURE_OFF: SIGNATURE_ON, QUOTE_OFF: QUOTE_ON}.get(end_mark, "")
 
 
-def reopened(head, text):
+def reopened(head, text, quote):
     """Takes into a tag the rest of a quoted attribute that holds ">"."""
-    value, quote, rest = text.partition('"')
+    value, _, rest = text.partition(quote)
     more, close, behind = rest.partition(">")
     return (head + ">" + value + quote + more, behind) if close and len(value) < 2000 else (head, text)
 
@@ -1132,7 +1132,7 @@ ENTITIES = {"nbsp": " ", "amp": "&", "lt": "<", "gt": ">", "quot": '"', "apos": 
             "hellip": "…", "mdash": "—", "ndash": "–", "lsquo": "‘", "rsquo": "’", "ldquo": "“", "rdquo": "”",
             "bull": "•", "middot": "·", "trade": "™", "times": "×", "raquo": "»", "laquo": "«", "zwnj": ""}
 ENTITY = re.compile(r"&(?:#[xX]([0-9a-fA-F]{1,8})|#([0-9]{1,9})|([a-zA-Z][a-zA-Z0-9]{1,31}));?")
-INVISIBLE = re.compile("[\u00ad\u034f\u200b\u200c\u200e\u200f\u2060\ufeff]")
+INVISIBLE = re.compile("[\u00ad\u034f\u200b\u200e\u200f\u2060\ufeff]|\u200c(?=[\\s\u034f\u200c]|$)")
 GAP = re.compile(" ?[\x01-\x06][\x01-\x06 ]*")
 
 
@@ -1146,6 +1146,14 @@ def entity(match):
     if code < 32 or code == 0x7F or 0xF0F0 <= code <= 0xF0F3:
         return " " if code in (9, 10, 13) else ""
     return chr(code) if code <= 0x10FFFF else "\ufffd"
+
+
+def unescaped(text):
+    if "&" in text:
+        text = ENTITY.sub(entity, text)
+    if text.isascii():
+        return text
+    return INVISIBLE.sub("", repair_surrogates(text) if re.search("[\ud800-\udfff]", text) else text)
 
 
 def rare_entity(name, written):
@@ -1168,12 +1176,7 @@ def gap(run):
 
 def arrange(text):
     """Lines of text from what HtmlText wrote."""
-    if "&" in text:
-        text = ENTITY.sub(entity, text)
-        if not text.isascii() and re.search("[\ud800-\udfff]", text):
-            text = repair_surrogates(text)
-    if not text.isascii():
-        text = INVISIBLE.sub("", text)
+    text = unescaped(text)
     text = re.sub(r"[ \t\r\n\f\v\u00a0\u2002\u2003\u2009]+", " ", text) if "\u3000" in text else " ".join(text.split())
     if BULLET in text:
         bullet = BULLET + "([^" + BULLET_END + "]*)" + BULLET_END + "[\x01-\x06 ]*"
@@ -1188,22 +1191,26 @@ def place_marks(text):
     A quote counts only when nothing but quotes and signatures follows it: behind its marker the
     reader folds everything away, and an answer written below or between quotes must not go with it.
     """
-    pieces, depth, signed = [], 0, False
+    pieces, depth, signed, main = [], 0, False, -1
     for piece in re.split("([\uf0f0-\uf0f3])", text):
         if piece in (QUOTE_ON, QUOTE_OFF):
             depth = max(0, depth + (1 if piece == QUOTE_ON else -1))
         elif piece in (SIGNATURE_ON, SIGNATURE_OFF):
             signed = piece == SIGNATURE_ON
-        elif piece.strip():
-            pieces.append((piece.strip("\n"), depth, signed))
-    main = max((i for i, (_, depth, signed) in enumerate(pieces) if not depth and not signed), default=-1)
-    written, kind = [piece for piece, _, _ in pieces[:main + 1]], (0, False)
+        else:
+            main = len(pieces) if piece.strip() and not depth and not signed else main
+            pieces.append((piece, depth, signed))
+    if main < 0:
+        return re.sub("[\uf0f0-\uf0f3]", "", text)
+    written, kind = [re.sub("\n{3,}", "\n\n", "".join(piece for piece, _, _ in pieces[:main + 1])).strip("\n")], (0, False)
     for piece, depth, signed in pieces[main + 1:]:
-        if main >= 0 and signed and not kind[1]:
+        if not piece.strip():
+            continue
+        if signed and not kind[1]:
             written.append(SIGNATURE_MARK)
-        elif main >= 0 and not signed and (kind[1] or depth > kind[0]):
+        elif not signed and (kind[1] or depth > kind[0]):
             written.append(QUOTE_MARK)
-        written.append(piece)
+        written.append(piece.strip("\n"))
         kind = (depth, signed)
     return "\n".join(written)
 
@@ -1219,9 +1226,7 @@ def html_text(html):
 def unix_lines(text):
     if "\r" in text:
         text = text.replace("\r\r\n", "\n").replace("\r\n", "\n").replace("\r", "\n")
-    if "\xa0" in text:
-        text = text.replace("\xa0", " ")
-    return text
+    return text if text.isascii() else INVISIBLE.sub("", text.replace("\xa0", " "))
 
 
 def bare_ends(text):
@@ -1403,7 +1408,7 @@ class Body:
             label = meta.group(1) if meta and codec_for(meta.group(1)) else label
         self.html = True
         html = decode_text(data, label)
-        return html_text(html) if "<" in html else bare_ends(ENTITY.sub(entity, unix_lines(html))).strip("\n")
+        return html_text(html) if "<" in html else bare_ends(unescaped(unix_lines(html))).strip("\n")
 
 
 def shown_parts(related):
@@ -1427,7 +1432,8 @@ def html_source(part):
 
 def may_be_poorer(plain, source):
     """Whether the rich alternative must be looked at: a cheap test that most mail passes."""
-    if len(plain) * 8 < len(source) or not plain.strip() or is_damaged(plain) or "\ufffd" in plain or is_stub(plain):
+    own = without_links(plain)
+    if len(own) * 8 < len(source) or not own.strip() or is_damaged(plain) or "\ufffd" in plain or is_stub(plain):
         return True
     low = source.lower()
     return any(mark in low for mark in KNOWN_MARKUP)
@@ -1448,7 +1454,11 @@ def is_better(rich, plain):
         return rich_size >= 10
     if is_damaged(plain) or QUOTE_MARK in rich or SIGNATURE_MARK in rich:
         return True
-    return len("".join(re.sub(r"https?://\S+", "", plain).split())) < rich_size * 0.6
+    return len("".join(without_links(plain).split())) < rich_size * 0.6
+
+
+def without_links(plain):
+    return re.sub(r"https?://\S+", "", plain) if "://" in plain else plain
 
 
 def body_text(data):
@@ -1499,7 +1509,7 @@ class Attachment:
             return int(elsewhere[:15])
         if self.is_cut(cut):
             rest = max(file_size - part.start, 0)
-            return rest * 57 // 78 if part.encoding == b"base64" else rest
+            return rest * 57 // 77 if part.encoding == b"base64" else rest
         return len(self.data())
 
 
@@ -1643,8 +1653,8 @@ def message_bytes(data, is_emlx, cut):
     count = re.match(rb"\n[ \t]*([+-]?\d{1,18})[ \t]*\r?\n", data)
     if count and (is_emlx or first_field.match(data, count.end())):
         data = cut_emlx(data, count.end(), int(count.group(1)), cut)
-    elif is_emlx and not first_field.match(data, 1):
-        data = cut_emlx(data, data.find(b"\n", 1) + 1, -1, cut)
+    elif is_emlx:
+        data = cut_emlx(data, 1 if first_field.match(data, 1) else data.find(b"\n", 1) + 1, -1, cut)
     if data[1:3] in (b"\xff\xfe", b"\xfe\xff"):
         data = b"\n" + data[1:].decode("utf-16", "replace").encode("utf-8", "replace")
     if b"\n" not in data[1:8192] and b"\r" in data[1:8192]:
