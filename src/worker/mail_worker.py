@@ -238,18 +238,20 @@ def decode_utf16(data, codec):
 
 @lru_cache(maxsize=None)
 def common_characters(codec):
+    """The characters to expect of a set; of "" those of any East Asian writing."""
     if codec in ("koi8_r", "cp1251"):
         return frozenset("оеаинтсрвлкмпд")
-    return frozenset(HANGUL if codec == "cp949" else HAN + KANA if codec in ("euc_jp", "cp932") else HAN)
+    japanese = HAN + KANA
+    return frozenset({"": japanese + HANGUL, "cp949": HANGUL, "euc_jp": japanese, "cp932": japanese}.get(codec, HAN))
 
 
-def likeness(text, codec, data):
+def likeness(text, codec, data=b""):
     """How much decoded text looks like writing of that set, 0 to about 1."""
-    wide = [c for c in text[:800] if c > "\x7f"]
+    wide = [c for c in text[:400] if c > "\x7f"] or [c for c in text[:16384] if c > "\x7f"][:400]
     if not wide:
         return 0.0
     score = sum(map(common_characters(codec).__contains__, wide)) / len(wide)
-    score -= len(re.findall("[\ue000-\uf8ff\ufffd\uff61-\uff9f]", text[:800])) / len(wide)
+    score -= len(re.findall("[\ue000-\uf8ff\ufffd\uff61-\uff9f]", "".join(wide))) / len(wide)
     if score < 0.3 and CANDIDATES.get(codec):
         pairs = re.findall(rb"[\x80-\xff].?", data[:1000], re.S)
         usual = sum(map(bool, map(re.compile(CANDIDATES[codec], re.S).fullmatch, pairs)))
@@ -287,7 +289,7 @@ def decode_text(data, label, hint=""):
         return data.translate(None, CONTROLS).decode("ascii")
     else:
         text = decode_eight_bit(data.translate(None, CONTROLS), codec, hint)
-        if not any(mark in text for mark in "\uf0f0\uf0f1\uf0f2\uf0f3\ufeff"):
+        if not any(map(text.__contains__, "\uf0f0\uf0f1\uf0f2\uf0f3\ufeff")):
             return text
     return re.sub(UNWANTED, "", repair_surrogates(text)).lstrip("\ufeff")
 
@@ -298,20 +300,21 @@ def decode_seven_bit(data, codec):
     shifted = b"\x1b" in data or codec == "hz" and b"~{" in data or codec == "iso2022" and b"\x0e" in data
     if shifted and (data.isascii() or codec == "iso2022" and utf8(data) is None):
         return decode_shifted(data, codec)
-    return data.decode("ascii") if data.isascii() else decode_eight_bit(data, "", "")
+    if data.isascii():
+        return data.decode("ascii")
+    return decode_eight_bit(data, "" if codec in ("utf-7", "hz", "iso2022") else codec, "")
 
 
 def decode_eight_bit(data, codec, hint):
     unicode_text = utf8(data)
-    if unicode_text is not None and utf8_is_meant(data, codec):
+    if unicode_text is not None and utf8_is_meant(unicode_text, data, codec):
         return undo_double_encoding(unicode_text)
     if codec in EAST_ASIAN:
         return decode_east_asian(data, codec)
-    if codec == "utf-8":
-        text = data.decode("utf-8", "replace_lone")
-        if text.count("\ufffd") * 4 <= sum(c > "\xff" for c in text):
-            return text
-        codec = ""
+    text = damaged_utf8(data, 0 if codec == "utf-8" else 4)
+    if text is not None:
+        return text
+    codec = "" if codec == "utf-8" else codec
     found = guess(data, codec, hint) if codec in ("", "cp1252", "iso8859-15") else None
     if found:
         return found[0]
@@ -331,9 +334,23 @@ def utf8(data):
         return head.decode("utf-8") if cut else None
 
 
-def utf8_is_meant(data, codec):
+def utf8_is_meant(text, data, codec):
     """Whether valid UTF-8 is that, against a label: two GBK characters can be it by chance, not several."""
-    return codec not in EAST_ASIAN or len(re.findall(rb"[\xe0-\xf4][\x80-\xbf]{2,3}", data[:4000])) >= 3
+    if codec not in EAST_ASIAN or len(re.findall(rb"[\xe0-\xf4][\x80-\xbf]{2,3}", data[:4000])) >= 3:
+        return True
+    declared = strictly(data, codec)
+    return declared is None or likeness(text, "") > likeness(declared, codec)
+
+
+def damaged_utf8(data, least):
+    """Text of data that is UTF-8 but for some bytes: at least that many wide characters, few bad bytes; else None."""
+    text = data.decode("utf-8", "replace")
+    bad = text.count("\ufffd")
+    wide = sum(c > "\u024f" for c in text) - bad
+    if wide < least or wide and bad > wide:
+        return None
+    text = data.decode("utf-8", "replace_lone")
+    return text if text.count("\ufffd") * 4 <= wide else None
 
 
 def decode_east_asian(data, codec):
@@ -346,6 +363,9 @@ def decode_east_asian(data, codec):
     text = data.decode(codec, "replace_bad") if broken else text
     score = likeness(text, codec, data)
     if score < 0.12 and (broken or len(text) >= 20):
+        other = damaged_utf8(data, 4)
+        if other is not None:
+            return other
         other = guess(data)
         if other and other[1] > max(0.3, 3 * score):
             return other[0]
@@ -366,7 +386,7 @@ def repair_surrogates(text):
 
 def undo_double_encoding(text):
     """UTF-8 that was taken for windows-1252 and encoded once more."""
-    if not any(c in text for c in "Ãâãäåæçèéêëìíîï") or max(text) > "\u2122":
+    if not any(map(text.__contains__, "Ãâãäåæçèéêëìíîï")) or max(text) > "\u2122":
         return text
     try:
         once = b"".join(c.encode("latin-1" if c < "\u0100" else "cp1252") for c in text).decode("utf-8")
@@ -401,7 +421,7 @@ def decode_words(value, hint=""):
         return decode_text(value, b"", hint)
     payload = rb"(.{0,998}?)" if value.count(b"=?") <= 64 else rb"([^?]*)"
     texts, label, pending, end = [], b"", b"", 0
-    for word in re.finditer(rb"=\?([^?\s]{1,80})\?\s*([BbQq])\s*\?" + payload + rb"\?=", value, re.S):
+    for word in re.finditer(rb"=\?([^?\s]{1,80})\?\s*([BbQq])\s*\?" + payload + rb"(?:\?=|$)", value, re.S):
         between, charset = value[end:word.start()], word.group(1).lower()
         apart = not end or between.strip()
         if apart or charset != label:
@@ -570,8 +590,8 @@ def uu_files(data):
 
 # A line of blanks alone ends the header where what follows can't be more of it.
 BLANK_LINE = re.compile(rb"\n(?:\r*|[ \t][ \t\r]*(?=\n(?![ \t]|[!-9;-~]+:)))\n")
-FIELDS = re.compile(rb"\n(content-(?:type|transfer-encoding|disposition|id)|x-apple-content-length|from|to|subject|date)"
-                    rb"[ \t]*:[ \t]*([^\n]*(?:\n[ \t][^\n]*)*)", re.I)
+FIELDS = re.compile(rb"\n(?=[cdfstx])(content-(?:type|transfer-encoding|disposition|id)|x-apple-content-length|from|to"
+                    rb"|subject|date)[ \t]*:[ \t]*([^\n]*(?:\n[ \t][^\n]*)*)", re.I)
 NO_FIELD = re.compile(rb"\n(?![!-9;-~]+[ \t]*:|[ \t\r\n])")
 KNOWN_FIELD = (rb"(?i)\n(?:content-|mime-version|from|to|cc|subject|date|received|message-id|return-path|reply-to"
                rb"|delivered-to|x-)[^\s:]*[ \t]*:")
@@ -763,8 +783,10 @@ class Scanner:
 
     def _innermost(self, boundary, at):
         """The innermost multipart with this boundary that hasn't ended, else the innermost; ends those inside it."""
-        matching = [i for i, multipart in enumerate(self.open) if multipart[0] == boundary]
-        index = max((i for i in matching if not self.open[i][2]), default=matching[-1])
+        index = len(self.open) - 1
+        if self.open[index][0] != boundary or self.open[index][2]:
+            matching = [i for i, multipart in enumerate(self.open) if multipart[0] == boundary]
+            index = max((i for i in matching if not self.open[i][2]), default=matching[-1])
         self._unwind(index + 1, at)
         return self.open[index]
 
@@ -1436,7 +1458,7 @@ def may_be_poorer(plain, source):
     if len(own) * 8 < len(source) or not own.strip() or is_damaged(plain) or "\ufffd" in plain or is_stub(plain):
         return True
     low = source.lower()
-    return any(mark in low for mark in KNOWN_MARKUP)
+    return any(map(low.__contains__, KNOWN_MARKUP))
 
 
 def is_damaged(plain):
@@ -1650,6 +1672,8 @@ class Mail:
 def message_bytes(data, is_emlx, cut):
     """The message itself, whatever stands before or behind it in its file."""
     first_field = re.compile(FIRST_FIELD)
+    if not is_emlx and data[1:2].isalpha() and not data.startswith(b"\nFrom ") and b"\n" in data[1:8192]:
+        return data
     count = re.match(rb"\n[ \t]*([+-]?\d{1,18})[ \t]*\r?\n", data)
     if count and (is_emlx or first_field.match(data, count.end())):
         data = cut_emlx(data, count.end(), int(count.group(1)), cut)

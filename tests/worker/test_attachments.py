@@ -63,7 +63,7 @@ class Names(unittest.TestCase):
                 ("\"C:\\Documents\\a.pdf\"", "a.pdf"), ("\"../../etc/passwd\"", "passwd"), ("\"/tmp/a.pdf\"", "a.pdf"),
                 ("\"2024/01 a.pdf\"", "2024/01 a.pdf"), ("\"a\x01\x02b.pdf\"", "ab.pdf"), ("\"e\u0301.pdf\"", "é.pdf"),
                 ("\"\u202efdp.exe\"", "fdp.exe"), ("\"=?utf-8?Q?a_b=2Epdf?=\"", "a b.pdf"), ("\"=?utf-8?Q?What?s_up.pdf?=\"", "What?s up.pdf"),
-                ("\"=?x?Z?a?=.pdf\"", "=?x?Z?a?=.pdf"), ("\"100%25.pdf\"", "100%25.pdf")):
+                ("\"=?x?Z?a?=.pdf\"", "=?x?Z?a?=.pdf"), ("=?utf-8?B?5oql5ZGKLnBkZg", "报告.pdf"), ("\"100%25.pdf\"", "100%25.pdf")):
             self.check("Content-Disposition: attachment; filename=" + value, expected)
 
 

@@ -38,6 +38,9 @@ class Charsets(unittest.TestCase):
                 self.check(text, codec, label)
         for label in ("gb2312", "big5", "euc-kr", "windows-1251", "iso-2022-jp"):
             self.check(SIMPLIFIED, "utf-8", label)
+            self.check("您好" if label == "gb2312" else SIMPLIFIED[3:], "utf-8", label)
+            damaged = part(SIMPLIFIED.encode()[:-3] + b"\xe3\x80 ok", charset=label)
+            self.assertIn(SIMPLIFIED[:-1], body(mail(damaged)), label)
         self.check(TRADITIONAL, "cp950", "gb2312")
         self.check(RUSSIAN, "koi8_r", "")
         self.check(RUSSIAN, "cp1251", "")
