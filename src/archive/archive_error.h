@@ -1,20 +1,31 @@
-// Why a message couldn't be archived, with the text for the user.
+// What can go wrong in an archive, as the user is told. what() is the text to show.
 #pragma once
 
 #include <stdexcept>
+#include <string>
+#include <string_view>
 
 namespace corvane {
 
+// One message could not be archived.
 class ArchiveError : public std::runtime_error {
   public:
-    enum class Kind { emlxParseFailed, writeVerificationFailed, writeFailed, writeTimedOut };
+    enum class Case { emlxParseFailed, writeVerificationFailed, writeFailed, writeTimedOut };
 
-    explicit ArchiveError(Kind kind);
+    explicit ArchiveError(Case kind);
 
-    [[nodiscard]] Kind kind() const noexcept { return kind_; }
+    [[nodiscard]] Case kind() const noexcept { return kind_; }
 
   private:
-    Kind kind_;
+    Case kind_;
+};
+
+// The archive as a whole can't be used: its folder can't be made, its index can't be read or saved.
+class ArchiveAccessError : public std::runtime_error {
+  public:
+    // "<what> “<path>”：<reason>".
+    ArchiveAccessError(std::string_view what, std::string_view path, std::string_view reason);
+    ArchiveAccessError(std::string_view what, std::string_view path, int errorNumber);
 };
 
 } // namespace corvane

@@ -1,9 +1,12 @@
 #include "archive/archive_naming.h"
 
+#include <algorithm>
+
 #include <fmt/format.h>
 
 #include "platform/temporary_file.h"
 #include "records/timestamps.h"
+#include "text/charset.h"
 #include "text/collation.h"
 #include "text/graphemes.h"
 #include "text/trim.h"
@@ -12,76 +15,89 @@ namespace corvane::archive {
 
 namespace {
 
-constexpr std::size_t fragmentLength = 30;  // user-perceived characters
-constexpr std::size_t componentBytes = 255; // of the common file systems
-constexpr std::string_view extension = ".eml";
-constexpr std::string_view unsafeCharacters{"/:\\?*\"<>|\0", 10};
-constexpr std::string_view trimmedCharacters = "-. ";
+using namespace std::string_view_literals;
 
-std::string yearFolder(const MailMessageRecord& message) {
-    return message.date ? fmt::format("{}", localYear(*message.date)) : "未知年份";
+constexpr std::size_t subjectCharacters = 30;
+constexpr std::string_view fileExtension = ".eml";
+
+// The same as safeFileName, but empty when nothing is left.
+std::string safeText(std::string_view text) {
+    std::string safe = text::repairedUtf8(text);
+    const auto isRefused = [](char byte) { return "/:\\?*\"<>|\0"sv.find(byte) != std::string_view::npos; };
+    std::ranges::replace_if(safe, isRefused, '-');
+    return std::string(text::trimCharacters(safe, "-. "));
 }
 
-// A message without an account gets a folder with a random name of its own.
+std::string namedOrRandom(std::string name) {
+    return name.empty() ? platform::randomUuid() : std::move(name);
+}
+
 std::string accountFolder(const MailMessageRecord& message) {
-    std::string name = safeFileName(message.accountName ? message.accountName->view() : std::string_view());
-    if (name.size() <= componentBytes) return name;
-    const std::string cut(
-        text::trimCharacters(text::graphemePrefixWithinBytes(name, componentBytes), trimmedCharacters));
-    return cut.empty() ? "未分类邮箱" : cut;
+    std::string name = safeText(message.accountName.value_or(SharedText()));
+    if (name.size() > maximumNameBytes) {
+        name = safeText(text::graphemePrefixWithinBytes(name, maximumNameBytes));
+    }
+    return namedOrRandom(std::move(name));
 }
 
-// The stem with as much of the fragment as leaves `reserved` bytes of a component free.
-std::string stemWithin(std::string_view prefix, std::string_view fragment, std::string_view suffix,
-                       std::size_t reserved) {
-    std::string stem = safeFileName(fmt::format("{}{}{}", prefix, fragment, suffix));
-    while (stem.size() + reserved > componentBytes && !fragment.empty()) {
-        const std::size_t excess = stem.size() + reserved - componentBytes;
-        const std::size_t kept = fragment.size() > excess ? fragment.size() - excess : 0;
-        fragment = text::graphemePrefixWithinBytes(fragment, kept);
-        stem = safeFileName(fmt::format("{}{}{}", prefix, fragment, suffix));
+// What makes up the name of a message's file, before it is cut to what fits.
+struct FileStem {
+    std::string prefix;
+    std::string subject;
+    std::string_view suffix;
+
+    [[nodiscard]] std::string fitting(std::size_t bytes) const {
+        std::string name = safeText(prefix + subject + std::string(suffix));
+        if (name.size() <= bytes) return name;
+        for (std::size_t count = text::graphemeCount(subject); count-- > 0 && name.size() > bytes;) {
+            name = safeText(fmt::format("{}{}{}", prefix, text::graphemePrefix(subject, count), suffix));
+        }
+        return name;
     }
-    return stem;
-}
+};
 
 } // namespace
 
 std::string safeFileName(std::string_view text) {
-    std::string name(text);
-    for (char& character : name) {
-        if (unsafeCharacters.find(character) != std::string_view::npos) character = '-';
-    }
-    const std::string_view trimmed = text::trimCharacters(name, trimmedCharacters);
-    return trimmed.empty() ? platform::randomUuid() : std::string(trimmed);
+    return namedOrRandom(safeText(text));
 }
 
 std::string datePrefix(const MailMessageRecord& message) {
-    return message.date ? localDay(*message.date) + " " : "";
+    return message.date ? localDay(*message.date) + " " : std::string();
 }
 
 std::string subjectFragment(const MailMessageRecord& message) {
-    const std::string_view subject = text::trimWhitespaceAndNewlines(message.subject);
-    return std::string(subject.empty() ? "（无主题）" : text::graphemePrefix(subject, fragmentLength));
+    const std::string subject = text::repairedUtf8(message.subject);
+    const std::string_view trimmed = text::trimWhitespaceAndNewlines(subject);
+    if (trimmed.empty()) return "（无主题）";
+    return std::string(text::graphemePrefix(trimmed, subjectCharacters));
 }
 
-bool UsedPaths::insert(std::string_view relativePath) {
-    return composed_.insert(text::canonicallyComposed(relativePath)).second;
+void ArchivePaths::markUsed(const SharedText& relativePath) {
+    use(relativePath);
 }
 
-std::string uniqueRelativePath(const MailMessageRecord& message, std::string_view suffix, UsedPaths& used) {
-    const std::string folder = fmt::format("{}/{}", yearFolder(message), accountFolder(message));
-    const std::string prefix = datePrefix(message);
-    const std::string fragment = subjectFragment(message);
-    // A stem without any text is random: all numbers of one message share it.
-    const std::string whole = stemWithin(prefix, fragment, suffix, extension.size());
-    for (std::size_t number = 1;; ++number) {
-        const std::string numeral = number == 1 ? "" : fmt::format("-{}", number);
-        const std::size_t reserved = numeral.size() + extension.size();
-        const std::string stem = whole.size() + reserved <= componentBytes
-                                     ? whole
-                                     : stemWithin(prefix, fragment, suffix, reserved);
-        std::string path = fmt::format("{}/{}{}{}", folder, stem, numeral, extension);
-        if (used.insert(path)) return path;
+bool ArchivePaths::use(const SharedText& relativePath) {
+    const std::string composed = text::canonicallyComposed(relativePath);
+    // Nearly every path is composed already, and then shares the record's characters.
+    return used_.insert(relativePath == composed ? relativePath : SharedText(composed)).second;
+}
+
+std::string ArchivePaths::uniqueRelativePath(const MailMessageRecord& message, std::string_view suffix) {
+    const std::string year = message.date ? std::to_string(localYear(*message.date)) : "未知年份";
+    const std::string folder = fmt::format("{}/{}/", year, accountFolder(message));
+    const FileStem stem{datePrefix(message), subjectFragment(message), suffix};
+    const std::size_t room = maximumNameBytes - fileExtension.size();
+    const std::string plain = namedOrRandom(stem.fitting(room));
+    std::string path = folder + plain + std::string(fileExtension);
+    if (use(SharedText(path))) return path;
+    std::int64_t& number = nextNumbers_.try_emplace(folder + plain, 2).first->second;
+    while (true) {
+        const std::string tail = fmt::format("-{}", number++);
+        // Only a name that is too long with its number is cut again.
+        std::string name = plain.size() + tail.size() <= room ? plain : stem.fitting(room - tail.size());
+        path = folder + namedOrRandom(std::move(name)) + tail + std::string(fileExtension);
+        if (use(SharedText(path))) return path;
     }
 }
 

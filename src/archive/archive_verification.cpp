@@ -1,135 +1,206 @@
 #include "archive/archive_verification.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
 #include <optional>
-#include <stdexcept>
+#include <set>
 #include <unordered_set>
+#include <utility>
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
+#include "archive/archive_error.h"
+#include "archive/archive_paths.h"
+#include "archive/durable_write.h"
 #include "mailstore/header_decoding.h"
 #include "mailstore/message_identifiers.h"
 #include "platform/directory.h"
-#include "platform/file_descriptor.h"
-#include "platform/file_layer.h"
 #include "platform/paths.h"
 #include "records/archive_index_file.h"
+#include "records/stable_id.h"
+#include "text/case.h"
 #include "text/collation.h"
 
 namespace corvane {
 
 namespace {
 
+namespace fs = std::filesystem;
+
+// As much as the decoding of a header field looks at.
 constexpr std::size_t headerBytes = 65536;
-constexpr std::size_t chunkBytes = std::size_t{1} << 18;
 
-struct FileContent {
-    std::int64_t bytes = 0;
-    std::string start; // as much as a header is looked for in
-};
-
-// Nothing when the file isn't a regular file or can't be read to its end.
-std::optional<FileContent> readThrough(const std::string& path) {
-    const platform::FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    struct stat info{};
-    if (!file || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
-    platform::posixFileLayer().bypassCache(file.get());
-    FileContent content;
-    std::string buffer(chunkBytes, '\0');
-    while (true) {
-        const ssize_t count = ::read(file.get(), buffer.data(), buffer.size());
-        if (count < 0) return std::nullopt;
-        if (count == 0) return content;
-        content.bytes += count;
-        if (content.start.size() < headerBytes) {
-            const std::size_t wanted = headerBytes - content.start.size();
-            content.start.append(buffer, 0, std::min(wanted, static_cast<std::size_t>(count)));
-        }
+EmailArchiveIndex indexOf(const std::string& root) {
+    const std::string path = platform::joinPath(root, archiveIndexFileName);
+    std::error_code error;
+    if (!fs::exists(path, error)) {
+        throw ArchiveAccessError("找不到归档索引", path, error ? error.value() : ENOENT);
     }
+    auto index = readArchiveIndex(path);
+    if (!index) throw ArchiveAccessError("无法使用归档索引", path, "文件无法读取，或内容已损坏");
+    return std::move(*index);
 }
 
-// Only what both sides say can be compared: a store may know an identifier that the file lacks, and the other
-// way round. A file that has no header at all is no mail.
-bool isAnotherMessage(const ArchivedEmailRecord& record, const std::string& start) {
-    if (!record.messageIdentifier || record.messageIdentifier->empty() || record.sizeBytes == 0) return false;
+// Whether a record's id isn't that of its own fields.
+bool contradictsItself(const ArchivedEmailRecord& record) {
+    MailMessageRecord message;
+    message.messageIdentifier = record.messageIdentifier;
+    message.date = record.date;
+    message.sender = record.sender;
+    message.subject = record.subject;
+    return baseID(record.id) != baseID(stableID(message));
+}
+
+// Whether the header of the file says that it is another message. A message may lack a Message-ID that Mail
+// knows it by, so its absence says nothing as long as there is a header at all.
+bool holdsAnotherMessage(const ArchivedEmailRecord& record, std::string_view start) {
+    if (!record.messageIdentifier || record.messageIdentifier->empty()) return false;
     const auto header = mailstore::decodedHeaderField("message-id", start);
-    const auto identifier = header ? mailstore::normalizedMessageIdentifier(*header) : std::nullopt;
-    if (identifier) return *identifier != record.messageIdentifier->view();
-    return start.find(':') == std::string::npos;
+    if (!header) return !start.empty() && start.find(':') == std::string_view::npos;
+    return mailstore::normalizedMessageIdentifier(*header) != record.messageIdentifier->view();
 }
 
-// The real path below the real root; nothing for a path from the index that leads out or to nothing.
-std::optional<std::string> pathInside(const std::string& resolvedRoot, std::string_view relativePath) {
-    if (!platform::isSafeRelativePath(relativePath)) return std::nullopt;
-    const auto resolved = platform::resolvedPath(platform::joinPath(resolvedRoot, relativePath));
-    if (!resolved || !resolved->starts_with(platform::joinPath(resolvedRoot, ""))) return std::nullopt;
-    return resolved;
+// One spelling for the paths that name one file.
+std::string pathKey(std::string_view relativePath) {
+    return text::canonicallyComposed(fs::path(relativePath).lexically_normal().string());
 }
 
 class Verification {
   public:
-    explicit Verification(const std::string& root)
-      : root_(root) {}
+    Verification(platform::FileLayer& files, std::string root)
+      : files_(files)
+      , root_(std::move(root)) {}
 
-    ArchiveVerification run(const EmailArchiveIndex& index) {
-        for (const ArchivedEmailRecord& record : index.records) check(record);
-        findUnindexed("");
-        return std::move(found_);
-    }
+    void check(const ArchivedEmailRecord& record);
+    void findUnindexed(const std::stop_token& stop);
+
+    ArchiveVerification result;
 
   private:
-    void check(const ArchivedEmailRecord& record) {
-        found_.checked += 1;
-        const std::string relativePath = record.emlRelativePath.str();
-        if (!indexed_.insert(text::canonicallyComposed(relativePath)).second) {
-            found_.duplicatePaths.push_back(relativePath);
-        }
-        const auto path = pathInside(root_, relativePath);
-        if (!path || !platform::isRegularFile(*path)) {
-            found_.missing.push_back(relativePath);
-            return;
-        }
-        const auto content = readThrough(*path);
-        if (content) found_.bytes += content->bytes;
-        if (!content || content->bytes != record.sizeBytes) {
-            found_.sizeMismatch.push_back(relativePath);
-        } else if (isAnotherMessage(record, content->start)) {
-            found_.identityMismatch.push_back(relativePath);
-        }
-    }
+    enum class Look { file, nothing, failed };
 
-    // Hidden files are no mail: "._*" of foreign disks among them.
-    void findUnindexed(const std::string& folder, int depth = 0) {
-        constexpr int levels = 2; // folders of the year and of the account
-        const auto entries =
-            platform::listDirectory(platform::joinPath(root_, folder), platform::HiddenEntries::skip);
-        if (!entries) return;
-        for (const platform::DirectoryEntry& entry : *entries) {
-            const std::string path = folder.empty() ? entry.name : platform::joinPath(folder, entry.name);
-            if (entry.kind == platform::EntryKind::directory) {
-                if (depth < levels) findUnindexed(path, depth + 1);
-            } else if (platform::pathExtension(entry.name) == "eml" &&
-                       !indexed_.contains(text::canonicallyComposed(path))) {
-                found_.unindexed.push_back(path);
-            }
-        }
-    }
+    Look lookFor(const std::string& relativePath);
+    bool readsAsRecorded(const ArchivedEmailRecord& record, const std::string& path);
+    void listFolder(const std::string& folder, std::vector<std::string>& subfolders);
+    bool isIndexed(const std::string& relativePath);
 
-    const std::string& root_;
-    ArchiveVerification found_;
-    std::unordered_set<std::string> indexed_;
+    platform::FileLayer& files_;
+    archive::ArchiveRoot root_;
+    std::unordered_set<std::string> indexedPaths_; // keys
+    std::unordered_set<std::string> duplicates_;
+    std::set<std::pair<dev_t, ino_t>> indexedFiles_;
 };
+
+void Verification::check(const ArchivedEmailRecord& record) {
+    ++result.checked;
+    const std::string path = record.emlRelativePath.str();
+    bool isNamedBefore = !indexedPaths_.insert(pathKey(path)).second;
+    bool isAnother = contradictsItself(record);
+    switch (lookFor(path)) {
+    case Look::nothing:
+        result.missing.push_back(path);
+        break;
+    case Look::failed:
+        result.unreadable.push_back(path);
+        break;
+    case Look::file:
+        struct stat status{};
+        if (files_.stat(root_.at(path), status) == 0 &&
+            !indexedFiles_.emplace(status.st_dev, status.st_ino).second) {
+            isNamedBefore = true;
+        }
+        isAnother = !readsAsRecorded(record, path) || isAnother;
+    }
+    if (isNamedBefore && duplicates_.insert(path).second) result.duplicatePaths.push_back(path);
+    if (isAnother) result.identityMismatch.push_back(path);
+}
+
+Verification::Look Verification::lookFor(const std::string& relativePath) {
+    if (!platform::isSafeRelativePath(relativePath)) return Look::nothing;
+    const std::string path = root_.at(relativePath);
+    std::error_code error;
+    const fs::file_status status = fs::symlink_status(path, error);
+    if (status.type() == fs::file_type::none) return Look::failed;
+    if (!fs::is_regular_file(status)) return Look::nothing;
+    return root_.holdsFolder(std::string(platform::parentPath(path))) ? Look::file : Look::nothing;
+}
+
+// Reads the file through; false when it holds another message.
+bool Verification::readsAsRecorded(const ArchivedEmailRecord& record, const std::string& path) {
+    std::string start;
+    std::int64_t size = 0;
+    const bool wasRead = archive::readUncached(
+        files_, root_.at(path), archive::BeforeReading::nothing, [&](std::string_view piece) {
+            start.append(piece.substr(0, headerBytes - std::min(headerBytes, start.size())));
+            size += static_cast<std::int64_t>(piece.size());
+            return true;
+        });
+    result.bytes += size;
+    if (!wasRead) {
+        result.unreadable.push_back(path);
+        return true;
+    }
+    if (size != record.sizeBytes) result.sizeMismatch.push_back(path);
+    return !holdsAnotherMessage(record, start);
+}
+
+void Verification::findUnindexed(const std::stop_token& stop) {
+    std::vector<std::string> folders{""};
+    while (!folders.empty() && !stop.stop_requested()) {
+        const std::string folder = std::move(folders.back());
+        folders.pop_back();
+        listFolder(folder, folders);
+    }
+    std::ranges::sort(result.unindexed);
+}
+
+void Verification::listFolder(const std::string& folder, std::vector<std::string>& subfolders) {
+    const auto entries = platform::listDirectory(root_.at(folder), platform::HiddenEntries::skip);
+    if (!entries) {
+        result.unreadable.push_back(folder);
+        return;
+    }
+    for (const platform::DirectoryEntry& entry : *entries) {
+        std::string path = platform::joinPath(folder, entry.name);
+        std::error_code ignored;
+        if (entry.kind == platform::EntryKind::directory) {
+            // A link could lead out of the archive, or round in it.
+            if (!fs::is_symlink(root_.at(path), ignored)) subfolders.push_back(std::move(path));
+        } else if (text::asciiLowercased(platform::pathExtension(entry.name)) == "eml" && !isIndexed(path)) {
+            result.unindexed.push_back(std::move(path));
+        }
+    }
+}
+
+bool Verification::isIndexed(const std::string& relativePath) {
+    if (indexedPaths_.contains(pathKey(relativePath))) return true;
+    // On a disk without case the record may spell it differently.
+    struct stat status{};
+    return files_.stat(root_.at(relativePath), status) == 0 &&
+           indexedFiles_.contains({status.st_dev, status.st_ino});
+}
 
 } // namespace
 
-ArchiveVerification verifyArchive(const std::string& root) {
-    const auto resolvedRoot = platform::resolvedPath(root);
-    if (!resolvedRoot) throw std::runtime_error(fmt::format("归档文件夹不存在或无法访问：{}", root));
-    const auto index = readArchiveIndex(platform::joinPath(*resolvedRoot, archiveIndexFileName));
-    if (!index) throw std::runtime_error(fmt::format("归档索引缺失或无法读取：{}", root));
-    return Verification(*resolvedRoot).run(*index);
+bool ArchiveVerification::isClean() const {
+    return missing.empty() && sizeMismatch.empty() && unindexed.empty() && identityMismatch.empty() &&
+           duplicatePaths.empty() && unreadable.empty() && !wasCancelled;
+}
+
+ArchiveVerification verifyArchive(const std::string& root,
+                                  const std::function<void(std::size_t, std::size_t)>& progress,
+                                  const std::stop_token& stop, platform::FileLayer& files) {
+    const EmailArchiveIndex index = indexOf(root);
+    Verification verification(files, root);
+    for (std::size_t position = 0; position < index.records.size() && !stop.stop_requested(); ++position) {
+        verification.check(index.records[position]);
+        if (progress) progress(position + 1, index.records.size());
+    }
+    // After a stop the records that weren't looked at would make their files unindexed ones.
+    if (!stop.stop_requested()) verification.findUnindexed(stop);
+    verification.result.wasCancelled = stop.stop_requested();
+    return std::move(verification.result);
 }
 
 } // namespace corvane

@@ -1,26 +1,44 @@
-// Re-reads a whole archive from the disk and compares it with its index. Blocking and long; memory doesn't
-// grow with the messages' sizes. Nothing is changed. It sees what is missing, cut, grown, another message or
-// not listed; the index holds no checksum, so a flipped bit inside a body of the right size is beyond it.
+// Re-reads a whole archive from the storage and compares it with its index. It sees lost, cut, grown,
+// unreadable and swapped files; it can't see a changed byte that leaves size and Message-ID as they are,
+// since an index holds no checksums. Only reads; blocks, on a background thread. Memory grows with the index
+// alone.
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
+#include "platform/file_layer.h"
+
 namespace corvane {
 
-// Lists of paths relative to the root, as the index or the disk spells them.
+// Paths are relative to the root: in the order of the index, those of no record sorted.
 struct ArchiveVerification {
-    std::int64_t checked = 0;                  // records
-    std::int64_t bytes = 0;                    // read from the disk
-    std::vector<std::string> missing;          // no such file, or a path that no archive writes
-    std::vector<std::string> sizeMismatch;     // another size, or not readable to its end
-    std::vector<std::string> unindexed;        // mail files that no record names
-    std::vector<std::string> identityMismatch; // the file's Message-ID is another one than the record's
-    std::vector<std::string> duplicatePaths;   // named by more than one record
+    std::int64_t checked = 0; // records
+    std::int64_t bytes = 0;   // read back
+    // No regular file below the root: also for a path that is absolute, leaves the root or is a link.
+    std::vector<std::string> missing;
+    std::vector<std::string> sizeMismatch;
+    // .eml files that no record names; hidden ones, and with them the "._" files of macOS, aren't mail.
+    std::vector<std::string> unindexed;
+    // The file holds another message than its record says, or the record contradicts itself.
+    std::vector<std::string> identityMismatch;
+    // Paths, or one file under two spellings, named by more than one record.
+    std::vector<std::string> duplicatePaths;
+    // Files and folders that are there and couldn't be read: nothing is known of them.
+    std::vector<std::string> unreadable;
+    bool wasCancelled = false;
+
+    [[nodiscard]] bool isClean() const;
 };
 
-// Throws std::runtime_error with the user's text when there is no readable index.
-ArchiveVerification verifyArchive(const std::string& root);
+// `progress` gets the numbers of records checked and of all. A stop is looked at between files. Throws
+// ArchiveAccessError when there is no index or it can't be used.
+ArchiveVerification verifyArchive(const std::string& root,
+                                  const std::function<void(std::size_t, std::size_t)>& progress = {},
+                                  const std::stop_token& stop = {},
+                                  platform::FileLayer& files = platform::posixFileLayer());
 
 } // namespace corvane

@@ -1,23 +1,28 @@
 #include "archive/durable_write.h"
 
 #include <algorithm>
-#include <cstring>
-#include <vector>
+#include <cerrno>
+#include <memory>
+#include <system_error>
 
 #include <fcntl.h>
+#include <fmt/format.h>
 
 #include "archive/archive_error.h"
+#include "records/console_log.h"
 
 namespace corvane::archive {
 
 namespace {
 
-// An open file of a file layer.
+constexpr std::size_t pieceBytes = std::size_t{1} << 20;
+
+// Closes a descriptor of a file layer.
 class OpenFile {
   public:
     OpenFile(platform::FileLayer& files, const std::string& path, int flags)
       : files_(files)
-      , descriptor_(files.open(path, flags | O_CLOEXEC, 0644)) {}
+      , descriptor_(files.open(path, flags, 0644)) {}
 
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
@@ -26,60 +31,103 @@ class OpenFile {
         if (descriptor_ >= 0) files_.close(descriptor_);
     }
 
-    explicit operator bool() const { return descriptor_ >= 0; }
+    [[nodiscard]] int get() const noexcept { return descriptor_; }
 
-    [[nodiscard]] int get() const { return descriptor_; }
-
-    // The result of the close, which some network file systems use to tell of a failed write.
-    bool close() { return files_.close(std::exchange(descriptor_, -1)) == 0; }
+    explicit operator bool() const noexcept { return descriptor_ >= 0; }
 
   private:
     platform::FileLayer& files_;
     int descriptor_;
 };
 
-constexpr std::size_t compareChunk = std::size_t{1} << 18;
+// The user's text names no cause, the log does.
+[[noreturn]] void failWrite(const char* step, const std::string& path) {
+    consoleLine(fmt::format("[archive] {} {}: {}", step, path, std::generic_category().message(errno)));
+    throw ArchiveError(ArchiveError::Case::writeFailed);
+}
+
+// Where the pieces of a file differ from the bytes that it should hold.
+class Comparison {
+  public:
+    explicit Comparison(std::string_view expected)
+      : rest_(expected) {}
+
+    bool take(std::string_view piece) {
+        const std::string_view expected = rest_.substr(0, piece.size());
+        rest_.remove_prefix(expected.size());
+        if (piece == expected) return true;
+        isSame_ = false;
+        isPart_ =
+            piece.size() == expected.size() &&
+            std::ranges::equal(piece, expected, [](char got, char due) { return got == due || got == 0; });
+        return isPart_;
+    }
+
+    [[nodiscard]] DiskContent result() const {
+        if (isSame_ && rest_.empty()) return DiskContent::same;
+        return isPart_ ? DiskContent::unfinished : DiskContent::other;
+    }
+
+  private:
+    std::string_view rest_;
+    bool isSame_ = true;
+    bool isPart_ = true;
+};
 
 } // namespace
 
 void writePOSIXBlocking(platform::FileLayer& files, std::string_view bytes, const std::string& path) {
-    OpenFile file(files, path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW);
-    if (!file) throw ArchiveError(ArchiveError::Kind::writeFailed);
+    // Exclusively: a write that hung and comes back late must not cut a file that was proved meanwhile.
+    const OpenFile file(files, path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
+    if (!file) failWrite("open", path);
     while (!bytes.empty()) {
         const ssize_t written = files.write(file.get(), bytes.data(), bytes.size());
-        if (written < 1) throw ArchiveError(ArchiveError::Kind::writeFailed);
+        if (written < 1) failWrite("write", path);
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
-    if (files.sync(file.get()) != 0 || !file.close()) throw ArchiveError(ArchiveError::Kind::writeFailed);
+    if (files.sync(file.get()) != 0) failWrite("fsync", path);
 }
 
-bool verifyOnDisk(platform::FileLayer& files, std::string_view bytes, const std::string& path) {
+bool readUncached(platform::FileLayer& files, const std::string& path, BeforeReading before,
+                  const std::function<bool(std::string_view)>& take) {
+    struct stat status{};
+    if (files.stat(path, status) != 0 || !S_ISREG(status.st_mode)) return false;
     const OpenFile file(files, path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
     if (!file) return false;
+    if (before == BeforeReading::flush && files.sync(file.get()) != 0) return false;
     files.bypassCache(file.get());
-    // In chunks, so that a message of gigabytes isn't held twice; one byte more than is left, to see a longer
-    // file.
-    std::vector<char> buffer(std::min(compareChunk, bytes.size() + 1));
+    // Room for one byte more than the file has, so that a file of one piece is read in one go.
+    const auto room = std::min(pieceBytes, static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) + 1);
+    const auto buffer = std::make_unique_for_overwrite<char[]>(room);
     while (true) {
-        const ssize_t count =
-            files.read(file.get(), buffer.data(), std::min(buffer.size(), bytes.size() + 1));
-        if (count < 0 || static_cast<std::size_t>(count) > bytes.size()) return false;
-        if (count == 0) return bytes.empty();
-        if (std::memcmp(buffer.data(), bytes.data(), static_cast<std::size_t>(count)) != 0) return false;
-        bytes.remove_prefix(static_cast<std::size_t>(count));
+        const ssize_t got = files.read(file.get(), buffer.get(), room);
+        if (got <= 0) return got == 0;
+        if (!take({buffer.get(), static_cast<std::size_t>(got)})) return true;
     }
 }
 
-void syncDirectories(platform::FileLayer& files, const std::set<std::string>& paths) {
+DiskContent contentOnDisk(platform::FileLayer& files, std::string_view bytes, const std::string& path,
+                          BeforeReading before, const std::function<void()>& onProgress) {
+    Comparison comparison(bytes);
+    const bool wasRead = readUncached(files, path, before, [&](std::string_view piece) {
+        if (onProgress) onProgress();
+        return comparison.take(piece);
+    });
+    return wasRead ? comparison.result() : DiskContent::unreadable;
+}
+
+bool verifyOnDisk(platform::FileLayer& files, std::string_view bytes, const std::string& path,
+                  const std::function<void()>& onProgress) {
+    return contentOnDisk(files, bytes, path, BeforeReading::nothing, onProgress) == DiskContent::same;
+}
+
+void syncDirectories(platform::FileLayer& files, const std::set<std::string>& paths,
+                     const std::function<void()>& onProgress) {
     for (const std::string& path : paths) {
-        const OpenFile file(files, path, O_RDONLY);
+        if (onProgress) onProgress();
+        const OpenFile file(files, path, O_RDONLY | O_NONBLOCK);
         if (file && files.fullSync(file.get()) != 0) files.sync(file.get());
     }
-}
-
-bool syncFile(platform::FileLayer& files, const std::string& path) {
-    const OpenFile file(files, path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
-    return file && files.sync(file.get()) == 0;
 }
 
 } // namespace corvane::archive

@@ -1,9 +1,9 @@
-// Turns scanned messages into verified .eml files in an archive folder, and records them in the folder's
-// index.
+// The archive run: copies messages out of Mail's store into an archive folder as .eml files, proves each on
+// the storage, and records it in the archive's index. Mail's store is only read.
 //
-// A file is named in the index only after its sync and an uncached read-back that compared every byte. The
-// index changes once a run, at its end, and at once; files of a run that died before that are found by the
-// next run over the same messages. Nothing in Mail's store is ever changed. One run at a time for an archive.
+// Between two consistent states of the index the folder may hold files that no record names, and never a
+// record without its file: the index is replaced once, at the end. A run that was killed loses nothing; the
+// next one with the same messages finds the files in place. One run at a time for each archive.
 #pragma once
 
 #include <chrono>
@@ -17,39 +17,36 @@
 
 namespace corvane {
 
+struct ArchiverOptions {
+    // How long a step of a write may take before its message is given up.
+    std::chrono::nanoseconds timeLimit = std::chrono::seconds(25);
+    std::function<std::chrono::steady_clock::time_point()> clock = std::chrono::steady_clock::now;
+    std::function<Date()> now;                          // empty: the system's
+    std::function<void(const std::string&)> markHidden; // empty: nothing is hidden
+};
+
 class MailEmailArchiver {
   public:
-    using Progress = std::function<void(const EmailArchiveProgress&)>;
+    // `files` has to outlive writes that hung (archive::waitForAbandonedJobs).
+    explicit MailEmailArchiver(platform::FileLayer& files = platform::posixFileLayer(),
+                               ArchiverOptions options = {});
 
-    struct Options {
-        // How long the place may take for one message before it counts as unresponsive.
-        std::chrono::milliseconds placeTimeLimit{25000};
-        std::chrono::milliseconds progressInterval{1000};
-    };
-
-    // `files` serves everything that is written, and must outlive the process's writes: a write that hangs
-    // goes on after the run.
-    explicit MailEmailArchiver(platform::FileLayer& files = platform::posixFileLayer())
-      : files_(files) {}
-
-    MailEmailArchiver(platform::FileLayer& files, Options options)
-      : files_(files)
-      , options_(options) {}
-
-    // Runs on the calling thread, which is a background task; a requested stop is looked at between messages
-    // only. `progress` is called on this thread. Throws std::system_error or ArchiveError when the folder
-    // can't be created or the index not be written; what fails with a message is told in the result.
+    // Blocks; on a background thread only. `root` is made when it is missing. `progress` is called on this
+    // thread, at most once a second in the loop. A stop is looked at between messages, and what was done
+    // until then is saved. Failures of single messages are in the result; throws ArchiveAccessError when the
+    // root can't be made or the index can't be saved.
     EmailArchiveRunResult archive(const MessageList& messages, const std::string& root,
-                                  const Progress& progress, const std::stop_token& stop = {});
+                                  const std::function<void(const EmailArchiveProgress&)>& progress,
+                                  const std::stop_token& stop = {});
 
   private:
     platform::FileLayer& files_;
-    Options options_;
+    ArchiverOptions options_;
 };
 
 namespace archive {
 
-// A path in Mail's store at which no file exists.
+// Whether the file lies in Mail's store and isn't there: Mail hasn't downloaded the message.
 bool isLikelyNotDownloaded(const FileURL& url);
 
 } // namespace archive

@@ -1,7 +1,8 @@
 #include "archive/message_extraction.h"
 
 #include <algorithm>
-#include <map>
+#include <cstdint>
+#include <utility>
 
 #include "text/charset.h"
 #include "text/encoding.h"
@@ -11,23 +12,20 @@ namespace corvane::archive {
 
 namespace {
 
-// Bodies that first differ behind these bytes count as identical: the settled trade of speed against
-// certainty.
-constexpr std::size_t comparedBytes = 8192;
+constexpr std::size_t comparedBodyBytes = 8192;
 
-struct Fingerprint {
-    std::size_t bodyLength;
-    std::string_view bodyStart;
-
-    friend auto operator<=>(const Fingerprint&, const Fingerprint&) = default;
-};
-
-Fingerprint fingerprintOf(std::string_view message) {
-    const std::string_view body = message.substr(bodyStartIndex(message));
-    return {body.size(), body.substr(0, comparedBytes)};
+bool haveEqualBodies(std::string_view a, std::string_view b) noexcept {
+    return a.size() == b.size() && a.substr(0, comparedBodyBytes) == b.substr(0, comparedBodyBytes);
 }
 
 } // namespace
+
+std::optional<MessageBytes> MessageBytes::fromEmlx(std::string file) {
+    auto shared = std::make_shared<const std::string>(std::move(file));
+    const auto bytes = messageData(*shared);
+    if (!bytes) return std::nullopt;
+    return MessageBytes{std::move(shared), *bytes};
+}
 
 std::optional<std::string_view> messageData(std::string_view emlx) {
     const std::size_t lineEnd = emlx.find('\n');
@@ -36,33 +34,29 @@ std::optional<std::string_view> messageData(std::string_view emlx) {
     if (!text::isValidUtf8(line)) return std::nullopt;
     const auto count = text::parseInteger(text::trimWhitespaceAndNewlines(line));
     if (!count || *count < 0) return std::nullopt;
-    const std::string_view rest = emlx.substr(lineEnd + 1);
-    return rest.substr(0, std::min<std::uint64_t>(static_cast<std::uint64_t>(*count), rest.size()));
+    return emlx.substr(lineEnd + 1, static_cast<std::uint64_t>(*count));
 }
 
-std::size_t bodyStartIndex(std::string_view message) {
-    for (std::size_t at = message.find_first_of("\r\n"); at != std::string_view::npos;
-         at = message.find_first_of("\r\n", at + 1)) {
-        const std::string_view rest = message.substr(at);
-        if (rest.starts_with("\r\n\r\n")) return at + 4;
-        if (rest.starts_with("\n\n")) return at + 2;
+std::size_t bodyStartIndex(std::string_view message) noexcept {
+    std::size_t feed = message.find('\n');
+    while (feed != std::string_view::npos) {
+        const std::string_view rest = message.substr(feed);
+        if (rest.starts_with("\n\n")) return feed + 2;
+        if (feed > 0 && message[feed - 1] == '\r' && rest.starts_with("\n\r\n")) return feed + 3;
+        feed = message.find('\n', feed + 1);
     }
     return message.size();
 }
 
-std::vector<std::vector<StoredCopy>> groupByBody(std::vector<StoredCopy> copies) {
-    std::vector<std::vector<StoredCopy>> groups;
-    if (copies.size() == 1) {
-        groups.push_back(std::move(copies));
-        return groups;
+void groupByBody(MessageBytes copy, std::vector<BodyGroup>& groups) {
+    const std::string_view body = copy.bytes.substr(bodyStartIndex(copy.bytes));
+    const auto group = std::ranges::find_if(
+        groups, [&](const BodyGroup& known) { return haveEqualBodies(known.body, body); });
+    if (group == groups.end()) {
+        groups.push_back({std::move(copy), body});
+    } else if (copy.bytes.size() > group->largest.bytes.size()) {
+        *group = {std::move(copy), body};
     }
-    std::map<Fingerprint, std::size_t> groupOf;
-    for (StoredCopy& copy : copies) {
-        const auto [known, isNew] = groupOf.try_emplace(fingerprintOf(copy.data), groups.size());
-        if (isNew) groups.emplace_back();
-        groups[known->second].push_back(std::move(copy));
-    }
-    return groups;
 }
 
 } // namespace corvane::archive

@@ -1,33 +1,77 @@
-// Runs jobs that may hang in the system, one at a time, and waits for each no longer than a limit. A job that
-// passes the limit can't be stopped: its thread is left to it, and the next job gets a fresh one. So a job
-// must own what it uses, or use what lives as long as the process.
+// Runs blocking jobs one at a time on a thread of its own and stops waiting for one that hangs. A call into a
+// dead disk or cloud folder can't be cancelled: such a job is abandoned with its thread, which goes on until
+// the system gives up, and the next job gets a fresh one. A job therefore owns all that it touches, and
+// changes nothing any more once it is abandoned (AbandonableFileLayer).
 #pragma once
 
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <string>
+
+#include "platform/file_layer.h"
 
 namespace corvane::archive {
 
+// What a job and the one who waits for it share.
+class JobLimit {
+  public:
+    virtual ~JobLimit() = default;
+
+    // Gives the job its whole time again: called at the beginning of each step.
+    virtual void restart() = 0;
+
+    [[nodiscard]] virtual bool isAbandoned() const noexcept = 0;
+};
+
+// Used by one thread at a time.
 class TimeLimitedWorker {
   public:
-    explicit TimeLimitedWorker(std::chrono::milliseconds limit)
-      : limit_(limit) {}
-
+    TimeLimitedWorker() = default;
     TimeLimitedWorker(const TimeLimitedWorker&) = delete;
     TimeLimitedWorker& operator=(const TimeLimitedWorker&) = delete;
     ~TimeLimitedWorker();
 
-    // False when the limit passed first. The job must not throw.
-    bool run(std::function<void()> job);
+    // False when a step of the job took longer than `limit`, and it was abandoned. Jobs don't throw: they
+    // tell their outcome through what they share with the caller.
+    bool run(std::chrono::nanoseconds limit, std::function<void(JobLimit&)> job);
 
   private:
-    struct Shared;
+    class Lane;
 
-    void dismiss();
-
-    std::chrono::milliseconds limit_;
-    std::shared_ptr<Shared> thread_; // null without one
+    std::shared_ptr<Lane> lane_;
 };
+
+// The file layer of one job: once that is abandoned, everything that could change a file fails with
+// ECANCELED. What hung may come back after another run has written the same file and proved it.
+class AbandonableFileLayer final : public platform::FileLayer {
+  public:
+    AbandonableFileLayer(platform::FileLayer& files, const JobLimit& limit)
+      : files_(files)
+      , limit_(limit) {}
+
+    int open(const std::string& path, int flags, mode_t mode) override;
+    ssize_t write(int descriptor, const void* bytes, std::size_t count) override;
+    ssize_t read(int descriptor, void* bytes, std::size_t count) override;
+    int close(int descriptor) override;
+    int sync(int descriptor) override;
+    int fullSync(int descriptor) override;
+    void bypassCache(int descriptor) override;
+    int stat(const std::string& path, struct stat& result) override;
+    int makeDirectory(const std::string& path, mode_t mode) override;
+    int rename(const std::string& from, const std::string& to) override;
+    int unlink(const std::string& path) override;
+
+  private:
+    // False, and errno, once the job is abandoned.
+    [[nodiscard]] bool mayGoOn() const noexcept;
+
+    platform::FileLayer& files_;
+    const JobLimit& limit_;
+};
+
+// Returns when no abandoned job is left in the process. What such jobs use by reference, such as the file
+// layer of a test, may go only after that.
+void waitForAbandonedJobs();
 
 } // namespace corvane::archive

@@ -109,7 +109,7 @@ int runArchive(Session& session, const ArchiveOptions& options, bool json) {
         printJson(result);
     else
         printReadable(result);
-    if (session.wasInterrupted()) return interrupted;
+    if (wasInterrupted()) return interrupted;
     return result.hasIssues() ? doneWithIssues : done;
 }
 

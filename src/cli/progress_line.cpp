@@ -29,9 +29,18 @@ ProgressLine::~ProgressLine() {
     if (isOpen_) consoleLine("");
 }
 
+// Long runs report far more often than anybody reads.
+bool ProgressLine::isDue() {
+    constexpr std::chrono::milliseconds interval{200};
+    const auto now = std::chrono::steady_clock::now();
+    if (lastShown_ && now - *lastShown_ < interval) return false;
+    lastShown_ = now;
+    return true;
+}
+
 void ProgressLine::show(std::string_view text, double fraction) {
     std::string line = (fraction >= 0 ? bar(fraction) : "") + std::string(text);
-    if (line == last_) return;
+    if (line == last_ || !isDue()) return;
     if (isTerminal_) {
         const std::string shown = fmt::format("\r\x1b[K{}{}", fraction >= 0 ? bar(fraction) : "",
                                               text::graphemePrefix(text, textClusters));

@@ -2,6 +2,8 @@
 // line for each change otherwise.
 #pragma once
 
+#include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,9 +20,12 @@ class ProgressLine {
     void show(std::string_view text, double fraction = -1);
 
   private:
+    bool isDue();
+
     bool isTerminal_;
     bool isOpen_ = false;
     std::string last_;
+    std::optional<std::chrono::steady_clock::time_point> lastShown_;
 };
 
 } // namespace corvane::cli

@@ -56,7 +56,7 @@ int runScanToEnd(Session& session, bool json, const std::function<void()>& start
     QObject::disconnect(showState);
     QObject::disconnect(notePublished);
     const double seconds = std::chrono::duration<double>(published - begin).count();
-    if (session.wasInterrupted()) throw Interrupted();
+    if (wasInterrupted()) throw Interrupted();
     const MailScanState& state = model.scanFlow().state();
     const bool isFailure = state.kind == MailScanState::Kind::failed;
     if (json)

@@ -40,16 +40,16 @@ void noteInterrupts() {
     ::sigaction(SIGTERM, &action, nullptr);
 }
 
+bool wasInterrupted() {
+    return interruptCount > 0;
+}
+
 Session::Session(const std::string& home)
   : platform_(platform::makePlatform(home))
   , context_(std::make_unique<ModelContext>(*platform_)) {
     context_->performanceLog.reset();
     context_->startupLog.reset();
     model_ = std::make_unique<CorvaneViewModel>(*context_);
-}
-
-bool Session::wasInterrupted() const {
-    return interruptCount > 0;
 }
 
 void Session::waitUntilIdle(const std::function<void()>& onInterrupt) {

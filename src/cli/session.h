@@ -31,8 +31,6 @@ class Session {
     // SIGTERM; without one the wait ends there with an Interrupted.
     void waitUntilIdle(const std::function<void()>& onInterrupt = {});
 
-    [[nodiscard]] bool wasInterrupted() const;
-
     // Restores the last scan with what is archived, and waits for it. Throws CommandFailure when the cache
     // can't be read.
     void restoreLastScan();
@@ -52,5 +50,8 @@ class Interrupted : public std::runtime_error {
 
 // From here on SIGINT and SIGTERM are noted instead of ending the process.
 void noteInterrupts();
+
+// One of them came.
+bool wasInterrupted();
 
 } // namespace corvane::cli

@@ -4,6 +4,7 @@
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/output.h"
+#include "cli/progress_line.h"
 #include "platform/paths.h"
 #include "records/formatters.h"
 
@@ -22,7 +23,8 @@ std::vector<Finding> findingsOf(const ArchiveVerification& verification) {
             {"sizeMismatch", "大小与索引不符", verification.sizeMismatch},
             {"unindexed", "磁盘上有、索引中没有", verification.unindexed},
             {"identityMismatch", "内容不是索引所说的邮件", verification.identityMismatch},
-            {"duplicatePaths", "索引中重复的路径", verification.duplicatePaths}};
+            {"duplicatePaths", "索引中重复的路径", verification.duplicatePaths},
+            {"unreadable", "无法读取，情况未知", verification.unreadable}};
 }
 
 void printJson(const ArchiveVerification& verification) {
@@ -30,7 +32,12 @@ void printJson(const ArchiveVerification& verification) {
     document.object([&] {
         document.member("checked", verification.checked);
         document.member("bytes", verification.bytes);
-        for (const Finding& finding : findingsOf(verification)) document.member(finding.key, finding.paths);
+        for (const Finding& finding : findingsOf(verification)) {
+            // Only told where it occurs: usually everything can be read.
+            if (&finding.paths != &verification.unreadable || !finding.paths.empty()) {
+                document.member(finding.key, finding.paths);
+            }
+        }
     });
     document.print();
 }
@@ -48,12 +55,21 @@ void printReadable(const ArchiveVerification& verification) {
 } // namespace
 
 int runVerify(const std::string& root, bool json) {
-    const ArchiveVerification verification = verifyArchive(platform::standardizedPath(root));
+    ProgressLine line;
+    std::stop_source stop;
+    const auto showProgress = [&](std::size_t checked, std::size_t all) {
+        if (wasInterrupted()) stop.request_stop();
+        line.show(fmt::format("已核对 {} / {}", checked, all),
+                  all == 0 ? 1.0 : double(checked) / double(all));
+    };
+    const ArchiveVerification verification =
+        verifyArchive(platform::standardizedPath(root), showProgress, stop.get_token());
+    if (verification.wasCancelled) throw Interrupted();
     if (json)
         printJson(verification);
     else
         printReadable(verification);
-    return done;
+    return verification.isClean() ? done : doneWithIssues;
 }
 
 } // namespace corvane::cli

@@ -14,6 +14,8 @@ struct MailStoreContext {
     const CorvaneAppSupport& support;
     // How long a time-limited query may take: Mail may hold the index locked.
     std::chrono::milliseconds queryTimeLimit{5000};
+    // Nobody waits for these reads: their processes yield to those of a scan.
+    bool isUpkeep = false;
 };
 
 } // namespace corvane

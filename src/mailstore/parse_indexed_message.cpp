@@ -4,10 +4,16 @@
 #include "mailstore/mail_data_scanner.h"
 #include "platform/directory.h"
 #include "text/case.h"
+#include "text/collation.h"
 
 namespace corvane::mailstore {
 
 namespace {
+
+// Names are one whatever their case and normal form: the disk often has the decomposed one.
+std::string placeKey(std::string_view name) {
+    return text::canonicallyComposed(text::lowercased(name));
+}
 
 // Attachments by name without regard to case, in the order in which the names were first met.
 class AttachmentList {
@@ -15,7 +21,7 @@ class AttachmentList {
     void addNamed(std::string_view indexedName) {
         const std::string name = cleanAttachmentName(indexedName);
         if (name.empty() || hasImageExtension(name)) return;
-        const auto [known, isNew] = places_.try_emplace(text::lowercased(name), attachments_.size());
+        const auto [known, isNew] = places_.try_emplace(placeKey(name), attachments_.size());
         if (isNew) attachments_.push_back(attachment(name));
     }
 
@@ -27,7 +33,7 @@ class AttachmentList {
         MailAttachmentRecord stored = attachment(name);
         stored.estimatedSize = size;
         stored.sourceFileURL = file;
-        const auto [known, isNew] = places_.try_emplace(text::lowercased(name), attachments_.size());
+        const auto [known, isNew] = places_.try_emplace(placeKey(name), attachments_.size());
         if (isNew)
             attachments_.push_back(std::move(stored));
         else

@@ -71,7 +71,8 @@ ShellResult runShellOnce(const MailStoreContext& context, const ShellQuery& quer
                                       .arguments = shellArguments(query, databaseName),
                                       .standardOutput = output->descriptor(),
                                       .standardError = errorOutput->descriptor(),
-                                      .environment = {}});
+                                      .environment = {},
+                                      .isUpkeep = context.isUpkeep});
         return superviseShell(std::move(shell), query, std::move(*output), std::move(*errorOutput), stop);
     } catch (const std::system_error& error) {
         return {.kind = Kind::launchFailed, .detail = error.what(), .output = {}};

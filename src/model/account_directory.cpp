@@ -85,7 +85,8 @@ void AccountDirectory::start(Purpose purpose) {
     readingFor_ = purpose;
     if (takesOver) return;
     const auto priority = purpose == Purpose::upkeep ? TaskPriority::utility : TaskPriority::userInitiated;
-    readTask_.start(priority, [this, cache = cache_, store = mailStoreOf(context_)](const TaskHandle& task) {
+    readTask_.start(priority, [this, cache = cache_, store = mailStoreOf(context_),
+                               upkeep = upkeepMailStoreOf(context_)](const TaskHandle& task) {
         std::vector<MailAccount> accounts = readAccounts(store);
         std::string emptyMessage;
         if (accounts.empty()) emptyMessage = emptyScanFailureMessage(store, std::nullopt).text;
@@ -93,7 +94,7 @@ void AccountDirectory::start(Purpose purpose) {
         if (task.isCancelled()) return;
         cache.save(store.rootPath, accounts);
         if (accounts.size() < 2) return;
-        if (!addNotes(accounts, mailstore::analyzeDuplication(store.context, accounts, store.rootPath)) ||
+        if (!addNotes(accounts, mailstore::analyzeDuplication(upkeep.context, accounts, store.rootPath)) ||
             task.isCancelled())
             return;
         task.onMain([this, accounts] {

@@ -279,7 +279,10 @@ void ArchiveControl::startRun(std::shared_ptr<const MessageList> messages, const
             task.onMain([this, progress] { setProgress(progress); });
         };
         try {
-            finish(MailEmailArchiver().archive(*messages, destination, report, stop));
+            ArchiverOptions options;
+            options.markHidden = [&platform](const std::string& path) { platform.markHidden(path); };
+            finish(MailEmailArchiver(platform::posixFileLayer(), options)
+                       .archive(*messages, destination, report, stop));
         } catch (const std::exception& error) {
             finish(std::unexpected(std::string(error.what())));
         }

@@ -28,7 +28,7 @@ void IndexCounts::refreshIndexedYearCounts() {
     for (const MailAccount& account : accounts_.availableAccounts()) prefixes.push_back(account.urlPrefix);
     countTask_.start(TaskPriority::utility, [this, selection = std::move(selection),
                                              prefixes = std::move(prefixes),
-                                             store = mailStoreOf(context_)](const TaskHandle& task) {
+                                             store = upkeepMailStoreOf(context_)](const TaskHandle& task) {
         auto counts = std::make_shared<Counts>();
         counts->indexed = mailstore::indexedYearDistinctCounts(store.context, store.rootPath, selection);
         for (const std::string& prefix : prefixes) {

@@ -29,6 +29,12 @@ MailStore mailStoreOf(const ModelContext& context) {
     return {{context.platform, context.support}, context.mailRootPath};
 }
 
+MailStore upkeepMailStoreOf(const ModelContext& context) {
+    MailStore store = mailStoreOf(context);
+    store.context.isUpkeep = true;
+    return store;
+}
+
 bool canReadMailData(const std::string& mailRootPath) {
     if (!platform::fileExists(mailRootPath)) return true;
     const std::string index = mailstore::envelopeIndexPath(mailRootPath);

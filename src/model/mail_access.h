@@ -20,6 +20,9 @@ struct MailStore {
 
 MailStore mailStoreOf(const ModelContext& context);
 
+// The same for reads that nobody waits for.
+MailStore upkeepMailStoreOf(const ModelContext& context);
+
 // A store that isn't there is no lack of permission: only an index that exists and gives no byte is.
 bool canReadMailData(const std::string& mailRootPath);
 

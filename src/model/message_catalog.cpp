@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include <tbb/parallel_invoke.h>
+
 #include "model/file_existence.h"
 #include "records/stable_id.h"
 
@@ -27,35 +29,64 @@ std::shared_ptr<const SharedTextSet> findAvailable(const MessageList& messages, 
     return available;
 }
 
-bool isWithinLimits(const MailMessageRecord& message, const CandidateLimits& limits, const YearByID& years) {
-    if (message.messageSize < limits.minimumBytes) return false;
-    if (!limits.maximumYear) return true;
-    const auto year = years.find(message.id);
-    return year != years.end() && year->second <= *limits.maximumYear;
+bool isWithinLimits(const CountedMessage& counted, const CandidateLimits& limits) {
+    if (counted.message->messageSize < limits.minimumBytes) return false;
+    return !limits.maximumYear || (counted.year && *counted.year <= *limits.maximumYear);
 }
 
+YearByID yearsByID(const CountedMessages& messages) {
+    YearByID years;
+    years.reserve(messages.size());
+    for (const CountedMessage& counted : messages) {
+        if (counted.year) years.emplace(counted.message->id.view(), *counted.year);
+    }
+    return years;
+}
+
+struct Selections {
+    CountedMessages local; // candidates
+    CountedMessages unbacked;
+};
+
+Selections selectCounted(const AvailabilityJob& job, const CountedMessages& all,
+                         const SharedTextSet& available) {
+    Selections selections;
+    for (const CountedMessage& counted : all) {
+        if (job.inputs.archivedBaseIDs->contains(stableID(*counted.message))) continue;
+        selections.unbacked.push_back(counted);
+        if (available.contains(counted.message->id) && isWithinLimits(counted, job.inputs.limits)) {
+            selections.local.push_back(counted);
+        }
+    }
+    return selections;
+}
+
+// The list waits for this, so what doesn't depend on each other runs at a time.
 std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job, const TaskHandle& task) {
     const MessageList& messages = *job.set->messages;
+    const auto& accounts = job.inputs.accounts;
     AvailabilityResult result;
-    result.yearByID = std::make_shared<const YearByID>(computeMessageYears(messages));
-    result.locallyAvailableIDs = job.knownAvailable ? job.knownAvailable : findAvailable(messages, task);
-    if (!result.locallyAvailableIDs) return std::nullopt;
-    MessageRefs local;
-    MessageRefs unbacked;
-    for (const MailMessageRecord& message : messages) {
-        if (task.isCancelled()) return std::nullopt;
-        if (job.inputs.archivedBaseIDs->contains(stableID(message))) continue;
-        unbacked.push_back(&message);
-        if (!result.locallyAvailableIDs->contains(message.id)) continue;
-        if (!isWithinLimits(message, job.inputs.limits, *result.yearByID)) continue;
-        local.push_back(&message);
-        result.localBytes += message.messageSize;
-    }
-    result.localCount = static_cast<std::int64_t>(local.size());
-    result.localYearStats = computeYearStats(local);
-    result.accountYearStats = computeAccountYearStats(local, job.inputs.accounts);
-    result.mailAccountYearStats = computeAccountYearStats(allOf(messages), job.inputs.accounts);
-    result.unbackedAccountYearStats = computeAccountYearStats(unbacked, job.inputs.accounts);
+    CountedMessages all;
+    tbb::parallel_invoke(
+        [&] {
+            result.locallyAvailableIDs =
+                job.knownAvailable ? job.knownAvailable : findAvailable(messages, task);
+        },
+        [&] {
+            all = countedMessages(allOf(messages));
+            result.yearByID = std::make_shared<const YearByID>(yearsByID(all));
+            result.mailAccountYearStats = computeAccountYearStats(all, accounts);
+        });
+    if (!result.locallyAvailableIDs || task.isCancelled()) return std::nullopt;
+    const Selections selections = selectCounted(job, all, *result.locallyAvailableIDs);
+    tbb::parallel_invoke(
+        [&] {
+            result.localYearStats = computeYearStats(selections.local);
+            result.accountYearStats = computeAccountYearStats(selections.local, accounts);
+        },
+        [&] { result.unbackedAccountYearStats = computeAccountYearStats(selections.unbacked, accounts); });
+    result.localCount = static_cast<std::int64_t>(selections.local.size());
+    for (const CountedMessage& counted : selections.local) result.localBytes += counted.message->messageSize;
     return result;
 }
 
@@ -71,6 +102,13 @@ std::shared_ptr<const MessageSet> MessageSet::make(SharedMessageList messages, b
             throw std::logic_error("a message id stands twice in one list");
         }
     }
+    return set;
+}
+
+std::shared_ptr<const MessageSet> MessageSet::passing(SharedMessageList messages) {
+    auto set = std::make_shared<MessageSet>();
+    set->messages = std::move(messages);
+    set->isComplete = false;
     return set;
 }
 

@@ -35,6 +35,9 @@ struct MessageSet {
 
     // Throws std::logic_error for a repeated id, which no scan and no sound cache has.
     static std::shared_ptr<const MessageSet> make(SharedMessageList messages, bool isComplete);
+
+    // The growing list of a running scan: without the lookup, which would cost more than showing it.
+    static std::shared_ptr<const MessageSet> passing(SharedMessageList messages);
 };
 
 using SharedMessageSet = std::shared_ptr<const MessageSet>;

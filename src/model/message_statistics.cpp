@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <unordered_set>
 
 #include "mailstore/trash_junk_mailboxes.h"
 #include "records/timestamps.h"
@@ -39,7 +38,20 @@ std::string_view countingKey(const MailMessageRecord& message) {
     return identifier && !identifier->empty() ? identifier->view() : message.id.view();
 }
 
-AccountYearStatGroup makeGroup(std::string prefix, std::string name, const MessageRefs& messages) {
+// Walks the messages that count, each once.
+template <class Visit>
+void forEachCountable(const CountedMessages& messages, Visit visit) {
+    std::uint32_t highest = 0;
+    for (const CountedMessage& counted : messages) highest = std::max(highest, counted.key);
+    std::vector<bool> seen(std::size_t{highest} + 1, false);
+    for (const CountedMessage& counted : messages) {
+        if (counted.isTrash || seen[counted.key]) continue;
+        seen[counted.key] = true;
+        visit(counted);
+    }
+}
+
+AccountYearStatGroup makeGroup(std::string prefix, std::string name, const CountedMessages& messages) {
     AccountYearStatGroup group{std::move(prefix), std::move(name), computeYearStats(messages), 0, 0};
     for (const YearStat& year : group.years) {
         group.messageCount += year.messageCount;
@@ -49,8 +61,8 @@ AccountYearStatGroup makeGroup(std::string prefix, std::string name, const Messa
 }
 
 // The name of a group that no known account explains.
-std::string nameOfUnknown(std::string_view prefix, const MessageRefs& messages) {
-    const auto& name = messages.front()->accountName;
+std::string nameOfUnknown(std::string_view prefix, const CountedMessages& messages) {
+    const auto& name = messages.front().message->accountName;
     return name ? name->str() : std::string(prefix);
 }
 
@@ -72,49 +84,63 @@ YearByID computeMessageYears(const MessageList& messages) {
     return years;
 }
 
-MessageRefs countableMessages(const MessageRefs& messages) {
-    MessageRefs counted;
+CountedMessages countedMessages(const MessageRefs& messages) {
+    CountedMessages counted;
     counted.reserve(messages.size());
-    std::unordered_set<std::string_view> seen;
-    seen.reserve(messages.size());
+    std::unordered_map<std::string_view, std::uint32_t> keys;
+    keys.reserve(messages.size());
     TrashTest isTrash;
     for (const MailMessageRecord* message : messages) {
-        if (!isTrash(message->mailbox) && seen.insert(countingKey(*message)).second)
-            counted.push_back(message);
+        const auto next = static_cast<std::uint32_t>(keys.size());
+        const std::uint32_t key = keys.try_emplace(countingKey(*message), next).first->second;
+        const auto year = message->date ? std::optional(localYear(*message->date)) : std::nullopt;
+        counted.push_back({message, year, key, isTrash(message->mailbox)});
     }
     return counted;
 }
 
-std::vector<YearStat> computeYearStats(const MessageRefs& messages) {
+MessageRefs countableMessages(const MessageRefs& messages) {
+    MessageRefs countable;
+    countable.reserve(messages.size());
+    forEachCountable(countedMessages(messages),
+                     [&](const CountedMessage& counted) { countable.push_back(counted.message); });
+    return countable;
+}
+
+std::vector<YearStat> computeYearStats(const CountedMessages& messages) {
     std::map<std::int64_t, YearStat, std::greater<>> byYear;
-    for (const MailMessageRecord* message : countableMessages(messages)) {
-        if (!message->date) continue;
-        const std::int64_t year = localYear(*message->date);
-        if (year < 1) continue;
-        YearStat& stat = byYear[year];
-        stat.year = year;
+    forEachCountable(messages, [&](const CountedMessage& counted) {
+        if (!counted.year || *counted.year < 1) return;
+        const MailMessageRecord& message = *counted.message;
+        YearStat& stat = byYear[*counted.year];
+        stat.year = *counted.year;
         stat.messageCount += 1;
-        stat.withAttachmentCount += message->attachments.empty() ? 0 : 1;
-        stat.attachmentCount += static_cast<std::int64_t>(message->attachments.size());
-        stat.messageBytes += message->messageSize;
-        stat.attachmentBytes += knownAttachmentBytes(*message);
-    }
+        stat.withAttachmentCount += message.attachments.empty() ? 0 : 1;
+        stat.attachmentCount += static_cast<std::int64_t>(message.attachments.size());
+        stat.messageBytes += message.messageSize;
+        stat.attachmentBytes += knownAttachmentBytes(message);
+    });
     std::vector<YearStat> stats;
     for (auto& [year, stat] : byYear) stats.push_back(stat);
     return stats;
 }
 
-std::vector<AccountYearStatGroup> computeAccountYearStats(const MessageRefs& messages,
+std::vector<YearStat> computeYearStats(const MessageRefs& messages) {
+    return computeYearStats(countedMessages(messages));
+}
+
+std::vector<AccountYearStatGroup> computeAccountYearStats(const CountedMessages& messages,
                                                           const std::vector<MailAccount>& accounts) {
-    std::map<std::string_view, MessageRefs> byAccount;
-    for (const MailMessageRecord* message : messages) {
-        byAccount[message->accountIdentifier ? message->accountIdentifier->view() : std::string_view()]
-            .push_back(message);
+    std::map<std::string_view, CountedMessages> byAccount;
+    for (const CountedMessage& counted : messages) {
+        const auto& identifier = counted.message->accountIdentifier;
+        byAccount[identifier ? identifier->view() : std::string_view()].push_back(counted);
     }
     std::vector<AccountYearStatGroup> groups;
-    const auto add = [&](std::string prefix, std::string name, const MessageRefs& members) {
-        AccountYearStatGroup group = makeGroup(std::move(prefix), std::move(name), members);
-        if (!group.years.empty() || !countableMessages(members).empty()) groups.push_back(std::move(group));
+    const auto add = [&](std::string prefix, std::string name, const CountedMessages& members) {
+        const bool hasCountable = std::any_of(members.begin(), members.end(),
+                                              [](const CountedMessage& counted) { return !counted.isTrash; });
+        if (hasCountable) groups.push_back(makeGroup(std::move(prefix), std::move(name), members));
     };
     for (const MailAccount& account : accounts) {
         if (auto members = byAccount.extract(account.urlPrefix)) {
@@ -131,6 +157,11 @@ std::vector<AccountYearStatGroup> computeAccountYearStats(const MessageRefs& mes
                                                 : a.accountName < b.accountName;
     });
     return groups;
+}
+
+std::vector<AccountYearStatGroup> computeAccountYearStats(const MessageRefs& messages,
+                                                          const std::vector<MailAccount>& accounts) {
+    return computeAccountYearStats(countedMessages(messages), accounts);
 }
 
 MailScanSummary makeSummary(const MessageRefs& messages, std::int64_t scannedCount) {

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -19,6 +19,18 @@ using MessageRefs = std::vector<const MailMessageRecord*>;
 
 MessageRefs allOf(const MessageList& messages);
 
+// What the statistics need of each message of a list, found out once for all of them.
+struct CountedMessage {
+    const MailMessageRecord* message = nullptr;
+    std::optional<std::int64_t> year; // local
+    std::uint32_t key = 0;            // equal for copies of one message, below the size of the list
+    bool isTrash = false;
+};
+
+using CountedMessages = std::vector<CountedMessage>;
+
+CountedMessages countedMessages(const MessageRefs& messages);
+
 // Id to calendar year in the time zone of the process; an undated message has no entry. The keys refer to the
 // ids of the list, which must outlive the map.
 using YearByID = std::unordered_map<std::string_view, std::int64_t>;
@@ -29,9 +41,12 @@ YearByID computeMessageYears(const MessageList& messages);
 MessageRefs countableMessages(const MessageRefs& messages);
 
 // One entry a year from year 1 on, newest first; undated messages are left out.
+std::vector<YearStat> computeYearStats(const CountedMessages& messages);
 std::vector<YearStat> computeYearStats(const MessageRefs& messages);
 
 // One entry an account with countable messages, most bytes first, then by name.
+std::vector<AccountYearStatGroup> computeAccountYearStats(const CountedMessages& messages,
+                                                          const std::vector<MailAccount>& accounts);
 std::vector<AccountYearStatGroup> computeAccountYearStats(const MessageRefs& messages,
                                                           const std::vector<MailAccount>& accounts);
 

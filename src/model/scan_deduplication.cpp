@@ -55,14 +55,24 @@ std::vector<FileURL> mergedMessageFileURLs(std::vector<FileURL> a, const std::ve
     return merged;
 }
 
+std::pair<std::size_t, bool> DeduplicatedRecords::positionOf(const MailMessageRecord& record) {
+    if (record.messageIdentifier && !record.messageIdentifier->empty()) {
+        const auto [entry, isNew] =
+            positionByIdentifier_.try_emplace(*record.messageIdentifier, records_.size());
+        return {entry->second, isNew};
+    }
+    const auto [entry, isNew] = positionByFallbackKey_.try_emplace(duplicateKey(record), records_.size());
+    return {entry->second, isNew};
+}
+
 void DeduplicatedRecords::merge(std::vector<MailMessageRecord> records) {
     for (MailMessageRecord& record : records) {
-        const auto [entry, isNew] = positionByKey_.try_emplace(duplicateKey(record), records_.size());
+        const auto [position, isNew] = positionOf(record);
         if (isNew) {
             records_.push_back(std::move(record));
             continue;
         }
-        MailMessageRecord& existing = records_[entry->second];
+        MailMessageRecord& existing = records_[position];
         auto urls = mergedMessageFileURLs(existing.allMessageFileURLs(), record.allMessageFileURLs());
         if (isBetterDuplicate(record, existing)) existing = std::move(record);
         existing.relatedMessageFileURLs = std::move(urls);

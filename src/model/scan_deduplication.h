@@ -5,6 +5,7 @@
 
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "records/mail_message_record.h"
@@ -31,8 +32,13 @@ class DeduplicatedRecords {
     [[nodiscard]] MessageList take() && { return std::move(records_); }
 
   private:
+    // The place of the record's message, and whether it is new. Equal to a look-up by `duplicateKey`, without
+    // making the text for the messages that have an identifier.
+    std::pair<std::size_t, bool> positionOf(const MailMessageRecord& record);
+
     MessageList records_;
-    std::unordered_map<std::string, std::size_t> positionByKey_;
+    std::unordered_map<SharedText, std::size_t> positionByIdentifier_;
+    std::unordered_map<std::string, std::size_t> positionByFallbackKey_;
 };
 
 MessageList deduplicatedRecords(MessageList records);

@@ -76,7 +76,7 @@ class ScanFlow::ScanProgress {
     }
 
     [[nodiscard]] SharedMessageSet displayedSet() const {
-        return MessageSet::make(std::make_shared<const MessageList>(records_.records()), false);
+        return MessageSet::passing(std::make_shared<const MessageList>(records_.records()));
     }
 
     // One record a message stands in the store already, so nothing is left to merge at the end.

@@ -79,8 +79,8 @@ std::optional<MessageList> makeVisibleMessages(const ListInput& input, const Lis
         if (stop.stop_requested()) return std::nullopt;
         if (passes(message, input, rules)) kept.push_back(&message);
     }
-    std::stable_sort(kept.begin(), kept.end(),
-                     [&](const auto* a, const auto* b) { return goesBefore(*a, *b, rules); });
+    const auto order = [&](const auto* a, const auto* b) { return goesBefore(*a, *b, rules); };
+    if (!std::is_sorted(kept.begin(), kept.end(), order)) std::stable_sort(kept.begin(), kept.end(), order);
     MessageList list;
     list.reserve(kept.size());
     for (const MailMessageRecord* message : kept) list.push_back(*message);

@@ -32,6 +32,8 @@ struct ChildProcessOptions {
     int standardError = -1;
     // Added to this process's environment, in place of a variable of the same name.
     std::vector<std::pair<std::string, std::string>> environment{};
+    // Upkeep: it yields the processor to what the user waits for.
+    bool isUpkeep = false;
 };
 
 class ChildProcess {

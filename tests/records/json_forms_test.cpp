@@ -115,7 +115,8 @@ TEST(JsonForms, DatesReadOnlyInTheOneForm) {
 TEST(JsonForms, EscapeEveryControlCharacter) {
     MailMessageRecord message;
     std::string controls;
-    for (char control = 0; control < 0x20; ++control) controls += std::string(20, control) + "text of some length";
+    for (char control = 0; control < 0x20; ++control)
+        controls += std::string(20, control) + "text of some length";
     message.subject = controls;
     const std::string json = encodeJson(message);
     EXPECT_TRUE(std::none_of(json.begin(), json.end(), [](char byte) { return byte >= 0 && byte < 0x20; }));

@@ -30,7 +30,8 @@ std::string TemporaryHome::at(std::string_view relativePath) const {
 std::string TemporaryHome::write(std::string_view relativePath, std::string_view content) const {
     const fs::path target = at(relativePath);
     fs::create_directories(target.parent_path());
-    std::ofstream(target, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
+    std::ofstream(target, std::ios::binary)
+        .write(content.data(), static_cast<std::streamsize>(content.size()));
     return target.string();
 }
 

@@ -35,7 +35,7 @@ std::string homeOfUser() {
     return standardizedPath(home.starts_with('/') ? home : "/");
 }
 
-// XDG Base Directory Specification: a relative path there is to be ignored.
+// The XDG base directories: a relative path there is to be ignored.
 std::string baseFolder(const char* variable, const std::string& fallback) {
     const std::string folder = environmentText(variable);
     return folder.starts_with('/') ? standardizedPath(folder) : fallback;

@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <linux/close_range.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 
@@ -31,6 +32,7 @@ struct Launch {
     std::array<FileDescriptor, 3> standardStreams;
     FileDescriptor errorWriter;
     pid_t parent = -1;
+    bool isUpkeep = false;
 };
 
 [[noreturn]] void throwLastError(const std::string& what) {
@@ -91,6 +93,7 @@ void prepare(Launch& launch, const ChildProcessOptions& options, int errorWriter
     rejectNul(launch.environmentTexts);
     launch.arguments = pointersTo(launch.argumentTexts);
     launch.environment = pointersTo(launch.environmentTexts);
+    launch.isUpkeep = options.isUpkeep;
     launch.standardStreams = {sourceOfStream(options.standardInput), sourceOfStream(options.standardOutput),
                               sourceOfStream(options.standardError)};
     launch.errorWriter = copyAboveStandardStreams(errorWriter);
@@ -115,7 +118,9 @@ bool takeStandardStreams(const Launch& launch) noexcept {
 }
 
 [[noreturn]] void runInChild(const Launch& launch) noexcept {
+    constexpr int upkeepNiceness = 10;
     ::setpgid(0, 0);
+    if (launch.isUpkeep) ::setpriority(PRIO_PROCESS, 0, upkeepNiceness);
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     // The parent may have gone before the line above.
     if (::getppid() != launch.parent) ::_exit(127);

@@ -1,0 +1,57 @@
+// Cutting messages out of files, grouping copies, and naming by what a message says.
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "archive/archive_naming.h"
+#include "archive/message_extraction.h"
+#include "platform/paths.h"
+#include "text/charset.h"
+
+using namespace corvane;
+
+namespace {
+
+void require(bool condition) {
+    if (!condition) std::abort();
+}
+
+void checkGroups(std::string_view file) {
+    std::vector<archive::BodyGroup> groups;
+    const std::string_view half = file.substr(0, file.size() / 2);
+    for (const std::string_view part : {file, half, file}) {
+        const auto message = archive::MessageBytes::fromEmlx(std::string(part));
+        if (!message) continue;
+        require(archive::bodyStartIndex(message->bytes) <= message->bytes.size());
+        archive::groupByBody(*message, groups);
+    }
+    require(groups.size() <= 2);
+    for (const archive::BodyGroup& group : groups) require(group.largest.bytes.ends_with(group.body));
+}
+
+void checkName(std::string_view text) {
+    MailMessageRecord message;
+    message.subject = text;
+    message.accountName = SharedText(text.substr(text.size() / 2));
+    archive::ArchivePaths paths;
+    const std::string first = paths.uniqueRelativePath(message, "（变体1）");
+    const std::string second = paths.uniqueRelativePath(message, "（变体1）");
+    require(first != second);
+    for (const std::string& path : {first, second}) {
+        require(platform::isSafeRelativePath(path) && text::isValidUtf8(path));
+        require(std::ranges::count(path, '/') == 2);
+        require(platform::lastPathComponent(path).size() <= archive::maximumNameBytes);
+        require(platform::lastPathComponent(platform::parentPath(path)).size() <= archive::maximumNameBytes);
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    checkGroups(bytes);
+    checkName(bytes);
+    return 0;
+}

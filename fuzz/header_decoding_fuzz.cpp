@@ -1,0 +1,52 @@
+// Everything that turns bytes of a message or of the store's small files into text.
+#include <cstdint>
+#include <cstdlib>
+#include <set>
+#include <string_view>
+
+#include "mailstore/attachment_names.h"
+#include "mailstore/emlx.h"
+#include "mailstore/header_decoding.h"
+#include "mailstore/mail_date.h"
+#include "mailstore/mailbox_url.h"
+#include "mailstore/message_identifiers.h"
+#include "mailstore/property_list.h"
+#include "text/charset.h"
+
+using namespace corvane;
+
+namespace {
+
+void require(bool condition) {
+    if (!condition) std::abort();
+}
+
+void checkDecoded(std::string_view text) {
+    const std::string decoded = mailstore::decodeHeaderValue(text);
+    require(text.find("=?") != std::string_view::npos ? decoded.find('_') == std::string::npos
+                                                      : decoded == text);
+    // A byte of GB 18030 or ISO Latin 1 gives at most as many bytes of UTF-8 as its encoding had characters.
+    require(decoded.size() <= text.size() * 2 + 4);
+    require(text::isValidUtf8(decoded) || !text::isValidUtf8(text));
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    checkDecoded(bytes);
+    for (const auto& [name, value] : mailstore::headerText(mailstore::decodeEmlx(bytes))) {
+        require(name.find(':') == std::string::npos);
+        require(value.find('\n') == std::string::npos);
+        checkDecoded(value);
+    }
+    mailstore::decodedHeaderField("subject", bytes);
+    mailstore::looksLikeMojibake(bytes);
+    mailstore::parseMailDate(bytes.substr(0, 200));
+    mailstore::cleanAttachmentName(bytes);
+    mailstore::parsePropertyList(bytes);
+    mailstore::mailboxName(bytes);
+    const auto identifiers = mailstore::normalizedMessageIdentifiers(bytes);
+    require(std::set<std::string>(identifiers.begin(), identifiers.end()).size() == identifiers.size());
+    return 0;
+}

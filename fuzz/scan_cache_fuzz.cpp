@@ -1,0 +1,21 @@
+// The scan cache read in pieces: never anything but a value or a JsonError, and what is read can be written
+// and read again.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "records/json_form.h"
+#include "records/json_writer.h"
+#include "records/scan_cache_forms.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view json(reinterpret_cast<const char*>(data), size);
+    try {
+        const corvane::MailScanCache cache = corvane::decodeScanCache(json);
+        if (!(corvane::decodeScanCache(corvane::encodeJson(cache)) == cache)) std::abort();
+    } catch (const corvane::JsonError&) { // what damaged files give
+    }
+    return 0;
+}

@@ -1,0 +1,218 @@
+#include "archive/archive_verification.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "archive/archive_error.h"
+#include "archive/archive_fixture.h"
+
+namespace corvane {
+namespace {
+
+using testing::FaultyFileLayer;
+using testing::FileOperation;
+using testing::mailText;
+using testing::readWhole;
+
+class VerificationOfAnArchive : public testing::ArchiveFixture {
+  protected:
+    void SetUp() override {
+        archive({store("a", "一"), store("b", "二"), store("", "三", {"From: x\n\nno id"}),
+                 store("v", "四", {mailText("v", "one"), mailText("v", "other")})});
+    }
+
+    void rewriteIndex(const std::function<void(EmailArchiveIndex&)>& change) {
+        EmailArchiveIndex changed = index();
+        change(changed);
+        home.write("Archive/archive-index.json", encodeArchiveIndex(changed));
+    }
+
+    const std::string first = "2020/工作/2020-09-13 一.eml";
+    const std::string second = "2020/工作/2020-09-13 二.eml";
+    const std::string third = "2020/工作/2020-09-13 三.eml";
+};
+
+using Paths = std::vector<std::string>;
+using Findings = std::map<std::string, Paths>;
+
+// Without the empty ones.
+Findings findingsOf(const ArchiveVerification& found) {
+    Findings findings{{"missing", found.missing},
+                      {"sizeMismatch", found.sizeMismatch},
+                      {"unindexed", found.unindexed},
+                      {"identityMismatch", found.identityMismatch},
+                      {"duplicatePaths", found.duplicatePaths},
+                      {"unreadable", found.unreadable}};
+    std::erase_if(findings, [](const auto& finding) { return finding.second.empty(); });
+    return findings;
+}
+
+TEST_F(VerificationOfAnArchive, OfAnArchiveAsWrittenFindsNothing) {
+    home.write("Archive/app-backup.json", "{}");
+    home.write("Archive/2020/工作/._2020-09-13 一.eml", "AppleDouble");
+    home.write("Archive/.Trash/x.eml", "hidden");
+    const ArchiveVerification found = verifyArchive(root);
+    EXPECT_TRUE(found.isClean());
+    EXPECT_EQ(found.checked, 5);
+    std::int64_t bytes = 0;
+    for (const ArchivedEmailRecord& record : index().records) bytes += record.sizeBytes;
+    EXPECT_EQ(found.bytes, bytes);
+}
+
+TEST_F(VerificationOfAnArchive, NamesExactlyTheDamage) {
+    const std::string text = readWhole(at(first));
+
+    struct {
+        const char* what;
+        std::function<void()> damage;
+        Findings expected;
+    } cases[] = {
+        {"lost", [&] { std::filesystem::remove(at(first)); }, {{"missing", {first}}}},
+        {"a folder in its place",
+         [&] {
+             std::filesystem::remove(at(first));
+             std::filesystem::create_directory(at(first));
+         },
+         {{"missing", {first}}}},
+        {"cut",
+         [&] { std::filesystem::resize_file(at(first), text.size() - 1); },
+         {{"sizeMismatch", {first}}}},
+        {"grown",
+         [&] { std::filesystem::resize_file(at(first), text.size() + 1); },
+         {{"sizeMismatch", {first}}}},
+        {"swapped for another mail",
+         [&] {
+             std::filesystem::copy_file(at(second), at(first),
+                                        std::filesystem::copy_options::overwrite_existing);
+         },
+         {{"identityMismatch", {first}}}},
+        {"zeros",
+         [&] { home.write("Archive/" + first, std::string(text.size(), '\0')); },
+         {{"identityMismatch", {first}}}},
+        {"mail of nobody",
+         [&] {
+             home.write("Archive/2020/工作/more.EML", "x");
+             home.write("Archive/more.eml", "x");
+             home.write("Archive/2020/工作/notes.txt", "x");
+         },
+         {{"unindexed", {"2020/工作/more.EML", "more.eml"}}}},
+        {"two records of one file",
+         [&] {
+             rewriteIndex([&](EmailArchiveIndex& changed) {
+                 for (const char* path : {"2020/工作/2020-09-13 一.eml", "2020//工作/2020-09-13 一.eml"}) {
+                     auto copy = changed.records[0];
+                     copy.id = "mid:a#v9";
+                     copy.emlRelativePath = path;
+                     changed.records.push_back(copy);
+                 }
+             });
+         },
+         {{"duplicatePaths", {first, "2020//工作/2020-09-13 一.eml"}}}},
+        {"a record that contradicts itself",
+         [&] { rewriteIndex([](EmailArchiveIndex& changed) { changed.records[2].sender = "other"; }); },
+         {{"identityMismatch", {third}}}},
+        {"hard-linked to another record's file",
+         [&] {
+             std::filesystem::remove(at(first));
+             std::filesystem::create_hard_link(at(second), at(first));
+         },
+         {{"identityMismatch", {first}}, {"duplicatePaths", {second}}}},
+    };
+
+    std::filesystem::copy(root, home.at("Start"), std::filesystem::copy_options::recursive);
+    for (auto& [what, damage, expected] : cases) {
+        SCOPED_TRACE(what);
+        std::filesystem::remove_all(root);
+        std::filesystem::copy(home.at("Start"), root, std::filesystem::copy_options::recursive);
+        damage();
+        const ArchiveVerification found = verifyArchive(root);
+        EXPECT_FALSE(found.isClean());
+        EXPECT_EQ(findingsOf(found), expected);
+    }
+}
+
+// An index holds sizes and identities, no checksums.
+TEST_F(VerificationOfAnArchive, CannotSeeAChangedByteOfTheBody) {
+    std::string text = readWhole(at(first));
+    text.back() ^= 1;
+    home.write("Archive/" + first, text);
+    EXPECT_TRUE(verifyArchive(root).isClean());
+}
+
+TEST_F(VerificationOfAnArchive, NeverOpensAPathThatLeavesTheRoot) {
+    const std::string outside = home.write("outside/x.eml", mailText("a", "body of a\n"));
+    ASSERT_EQ(::symlink(home.at("outside").c_str(), at("planted").c_str()), 0);
+    ASSERT_EQ(::symlink(outside.c_str(), at("link.eml").c_str()), 0);
+    const Paths hostile{outside,
+                        "../outside/x.eml",
+                        "planted/x.eml",
+                        "link.eml",
+                        "",
+                        "2020/../../outside/x.eml",
+                        std::string("2020\0/x.eml", 11)};
+    rewriteIndex([&](EmailArchiveIndex& changed) {
+        const auto sample = changed.records[0];
+        changed.records.clear();
+        for (const std::string& path : hostile) {
+            changed.records.push_back(sample);
+            changed.records.back().emlRelativePath = path;
+        }
+    });
+    FaultyFileLayer files;
+    const ArchiveVerification found = verifyArchive(root, {}, {}, files);
+    EXPECT_EQ(found.missing, hostile);
+    EXPECT_EQ(found.bytes, 0);
+    EXPECT_EQ(files.operationCount(FileOperation::open), 0U);
+}
+
+TEST_F(VerificationOfAnArchive, TellsWhatCouldNotBeReadFromWhatIsMissing) {
+    for (const FileOperation operation : {FileOperation::open, FileOperation::read}) {
+        FaultyFileLayer files;
+        files.inject({.at = 1, .effect = testing::Effect::fail, .operation = operation});
+        const ArchiveVerification found = verifyArchive(root, {}, {}, files);
+        EXPECT_EQ(found.unreadable, Paths{first});
+        EXPECT_TRUE(found.missing.empty() && found.sizeMismatch.empty() && found.unindexed.empty());
+    }
+}
+
+TEST_F(VerificationOfAnArchive, WithoutAUsableIndexIsAnError) {
+    const auto errorOf = [](const std::string& folder) -> std::string {
+        try {
+            verifyArchive(folder);
+        } catch (const ArchiveAccessError& error) {
+            return error.what();
+        }
+        return {};
+    };
+    EXPECT_EQ(errorOf(home.at("none")),
+              "找不到归档索引“" + home.at("none/archive-index.json") + "”：位置不存在或磁盘未连接");
+    home.write("Archive/archive-index.json", "{");
+    EXPECT_EQ(errorOf(root),
+              "无法使用归档索引“" + at("archive-index.json") + "”：文件无法读取，或内容已损坏");
+}
+
+TEST_F(VerificationOfAnArchive, StopsBetweenFilesWithoutCallingTheRestUnindexed) {
+    std::stop_source stop;
+    const auto found = verifyArchive(
+        root,
+        [&](std::size_t checked, std::size_t total) {
+            EXPECT_EQ(total, 5U);
+            if (checked == 2) stop.request_stop();
+        },
+        stop.get_token());
+    EXPECT_TRUE(found.wasCancelled);
+    EXPECT_EQ(found.checked, 2);
+    EXPECT_TRUE(found.unindexed.empty());
+}
+
+TEST_F(VerificationOfAnArchive, AMessageWithoutMessageIDInItsHeaderIsNoMismatch) {
+    archive({store("from-the-index@x", "五", {"From: a\n\nbody"}),
+             store("case@x", "六", {"From: a\r\nMessage-ID:\r\n <CASE@x>\r\n\r\nMessage-ID: <other@x>"})});
+    EXPECT_TRUE(verifyArchive(root).isClean());
+}
+
+} // namespace
+} // namespace corvane

@@ -1,0 +1,216 @@
+#include "archive/durable_write.h"
+
+#include <condition_variable>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "archive/archive_error.h"
+#include "archive/time_limited_worker.h"
+#include "platform/directory.h"
+#include "support/faulty_file_layer.h"
+#include "support/temporary_home.h"
+
+namespace corvane::archive {
+namespace {
+
+using testing::Effect;
+using testing::FaultyFileLayer;
+using testing::FileOperation;
+using testing::TemporaryHome;
+using namespace std::chrono_literals;
+
+std::optional<ArchiveError::Case> writeError(platform::FileLayer& files, std::string_view bytes,
+                                             const std::string& path) {
+    try {
+        writePOSIXBlocking(files, bytes, path);
+        return std::nullopt;
+    } catch (const ArchiveError& error) {
+        return error.kind();
+    }
+}
+
+class DurableWrite : public ::testing::Test {
+  protected:
+    const TemporaryHome home_;
+    const std::string path_ = home_.at("x.eml");
+};
+
+TEST_F(DurableWrite, Write_HoldsExactlyTheBytesAfterAFlushAndReadsThemBack) {
+    for (const std::size_t size :
+         {std::size_t{0}, std::size_t{1}, std::size_t{1} << 20, (std::size_t{3} << 20) + 7}) {
+        FaultyFileLayer files;
+        files.inject({.at = 1, .effect = Effect::shorten, .operation = FileOperation::write});
+        const std::string bytes(size, 'm');
+        EXPECT_EQ(writeError(files, bytes, path_), std::nullopt);
+        EXPECT_EQ(files.operationCount(FileOperation::sync), 1U);
+        EXPECT_TRUE(verifyOnDisk(files, bytes, path_)) << size;
+        std::filesystem::remove(path_);
+    }
+}
+
+TEST_F(DurableWrite, Write_NeverTouchesWhatIsAtThePlaceAlready) {
+    const std::string victim = home_.write("victim", "precious");
+    home_.write("existing", "precious");
+    home_.makeFolder("folder");
+    ASSERT_EQ(::symlink(victim.c_str(), home_.at("link").c_str()), 0);
+    ASSERT_EQ(::symlink(home_.at("nothing").c_str(), home_.at("dangling").c_str()), 0);
+    ASSERT_EQ(::link(victim.c_str(), home_.at("hardlink").c_str()), 0);
+    ASSERT_EQ(::mkfifo(home_.at("fifo").c_str(), 0644), 0);
+    for (const char* name : {"existing", "folder", "link", "dangling", "hardlink", "fifo", "no/parent"}) {
+        EXPECT_EQ(writeError(platform::posixFileLayer(), "evil", home_.at(name)),
+                  ArchiveError::Case::writeFailed);
+    }
+    EXPECT_EQ(testing::readWhole(victim), "precious");
+    EXPECT_EQ(testing::readWhole(home_.at("existing")), "precious");
+    EXPECT_FALSE(platform::fileExists(home_.at("nothing")));
+}
+
+TEST_F(DurableWrite, Write_FailsWhenAnyOperationBeforeTheCloseFails) {
+    for (const FileOperation operation : {FileOperation::open, FileOperation::write, FileOperation::sync}) {
+        FaultyFileLayer files;
+        files.inject({.at = 1, .effect = Effect::fail, .operation = operation, .error = ENOSPC});
+        EXPECT_EQ(writeError(files, "bytes", path_), ArchiveError::Case::writeFailed);
+        EXPECT_EQ(files.operationCount(FileOperation::open),
+                  files.operationCount(FileOperation::close) + (operation == FileOperation::open ? 1 : 0));
+        std::filesystem::remove(path_);
+    }
+}
+
+TEST_F(DurableWrite, ContentOnDisk_TellsWhatAnInterruptedWriteLeavesFromAnythingElse) {
+    std::string bytes;
+    bytes.resize(1'500'003, 'a');
+    std::string changed = bytes;
+    changed[1'400'000] = 'b';
+    std::string holed = bytes;
+    std::fill_n(holed.begin() + 1'000'000, 300'000, '\0');
+
+    struct {
+        const char* what;
+        std::string content;
+        DiskContent expected;
+    } const cases[] = {
+        {"equal", bytes, DiskContent::same},
+        {"nothing yet", "", DiskContent::unfinished},
+        {"cut", bytes.substr(0, 1'200'000), DiskContent::unfinished},
+        {"blocks that never came", holed, DiskContent::unfinished},
+        {"cut, with such blocks", holed.substr(0, 1'200'000), DiskContent::unfinished},
+        {"one byte", changed, DiskContent::other},
+        {"cut behind that byte", changed.substr(0, 1'450'000), DiskContent::other},
+        {"longer", bytes + "x", DiskContent::other},
+        {"longer by a zero", bytes + '\0', DiskContent::other},
+    };
+
+    FaultyFileLayer files;
+    files.inject({.at = 2, .effect = Effect::shorten, .operation = FileOperation::read});
+    for (const auto& [what, content, expected] : cases) {
+        home_.write("x.eml", content);
+        EXPECT_EQ(contentOnDisk(files, bytes, path_, BeforeReading::flush, {}), expected) << what;
+        EXPECT_EQ(verifyOnDisk(files, bytes, path_), expected == DiskContent::same) << what;
+    }
+    EXPECT_EQ(contentOnDisk(files, bytes, home_.at("none"), BeforeReading::flush, {}),
+              DiskContent::unreadable);
+}
+
+TEST_F(DurableWrite, Verify_DoesntTrustWhatCannotBeReadOrIsALink) {
+    home_.write("x.eml", "bytes");
+    ASSERT_EQ(::symlink(path_.c_str(), home_.at("link").c_str()), 0);
+    ASSERT_EQ(::mkfifo(home_.at("fifo").c_str(), 0644), 0);
+    for (const char* name : {"link", "fifo", "", "none"}) {
+        EXPECT_FALSE(verifyOnDisk(platform::posixFileLayer(), "bytes", home_.at(name))) << name;
+    }
+    for (const auto& [operation, effect] :
+         {std::pair{FileOperation::open, Effect::fail}, std::pair{FileOperation::read, Effect::fail},
+          std::pair{FileOperation::read, Effect::corrupt}}) {
+        FaultyFileLayer files;
+        files.inject({.at = 1, .effect = effect, .operation = operation});
+        EXPECT_FALSE(verifyOnDisk(files, "bytes", path_));
+    }
+}
+
+TEST_F(DurableWrite, SyncDirectories_GoesOnPastWhatIsGoneAndFallsBackToFsync) {
+    home_.write("a/x", "");
+    home_.write("c/x", "");
+    FaultyFileLayer files;
+    files.inject({.at = 1, .effect = Effect::fail, .operation = FileOperation::fullSync, .error = ENOTSUP});
+    syncDirectories(files, {home_.at("a"), home_.at("b"), home_.at("c"), home_.at("c/x")});
+    EXPECT_EQ(files.operationCount(FileOperation::fullSync), 3U);
+    EXPECT_EQ(files.operationCount(FileOperation::sync), 1U);
+    EXPECT_EQ(files.operationCount(FileOperation::close), 3U);
+}
+
+// Blocks a job until the test lets it go on.
+struct Gate {
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool isOpen = false;
+
+    void pass() {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [this] { return isOpen; });
+    }
+
+    void open() {
+        const std::lock_guard lock(mutex);
+        isOpen = true;
+        changed.notify_all();
+    }
+};
+
+TEST(TimeLimitedWorker, LeavesAJobThatHangsAndGoesOnWithAFreshThread) {
+    const auto gate = std::make_shared<Gate>();
+    const auto wasAbandoned = std::make_shared<bool>(false);
+    TimeLimitedWorker worker;
+    const auto hang = [gate, wasAbandoned](JobLimit& limit) {
+        gate->pass();
+        *wasAbandoned = limit.isAbandoned();
+    };
+    EXPECT_FALSE(worker.run(20ms, hang));
+    std::thread::id first;
+    std::thread::id second;
+    EXPECT_TRUE(worker.run(10s, [&](JobLimit&) { first = std::this_thread::get_id(); }));
+    EXPECT_TRUE(worker.run(10s, [&](JobLimit&) { second = std::this_thread::get_id(); }));
+    EXPECT_EQ(first, second);
+    gate->open();
+    waitForAbandonedJobs();
+    EXPECT_TRUE(*wasAbandoned);
+}
+
+TEST(TimeLimitedWorker, GivesEachStepTheWholeTime) {
+    TimeLimitedWorker worker;
+    const auto start = std::chrono::steady_clock::now();
+    const bool hasEnded = worker.run(100ms, [&](JobLimit& limit) {
+        while (std::chrono::steady_clock::now() - start < 250ms) limit.restart();
+    });
+    EXPECT_TRUE(hasEnded);
+}
+
+TEST(TimeLimitedWorker, AnAbandonedJobChangesNothingAnyMore) {
+    const TemporaryHome home;
+    home.write("victim", "precious");
+    const auto gate = std::make_shared<Gate>();
+    TimeLimitedWorker worker;
+    EXPECT_FALSE(worker.run(20ms, [gate, &home](JobLimit& limit) {
+        AbandonableFileLayer files(platform::posixFileLayer(), limit);
+        const int descriptor = files.open(home.at("new"), O_WRONLY | O_CREAT, 0644);
+        gate->pass();
+        EXPECT_EQ(files.write(descriptor, "x", 1), -1);
+        EXPECT_EQ(errno, ECANCELED);
+        EXPECT_EQ(files.close(descriptor), 0);
+        EXPECT_EQ(files.open(home.at("victim"), O_WRONLY | O_TRUNC, 0644), -1);
+        EXPECT_EQ(files.makeDirectory(home.at("folder"), 0755), -1);
+        EXPECT_EQ(files.rename(home.at("new"), home.at("victim")), -1);
+        EXPECT_EQ(files.unlink(home.at("victim")), -1);
+    }));
+    gate->open();
+    waitForAbandonedJobs();
+    EXPECT_EQ(testing::readWhole(home.at("victim")), "precious");
+    EXPECT_EQ(testing::readWhole(home.at("new")), "");
+    EXPECT_FALSE(platform::fileExists(home.at("folder")));
+}
+
+} // namespace
+} // namespace corvane::archive

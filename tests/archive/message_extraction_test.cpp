@@ -1,0 +1,111 @@
+#include "archive/message_extraction.h"
+
+#include <gtest/gtest.h>
+
+namespace corvane::archive {
+namespace {
+
+using namespace std::string_literals;
+
+TEST(MessageData, CutsByTheCountAndGivesNothingWithoutOne) {
+    struct {
+        std::string file;
+        std::optional<std::string> message;
+    } const cases[] = {
+        {"4\nabcd<plist>", "abcd"},
+        {"4   \r\nab\r\n<plist>", "ab\r\n"},
+        {"\t\u3000+4\u2028\nabcd!", "abcd"},
+        {"0\n<plist>", ""},
+        {"-0\nabc", ""},
+        {"0\n", ""},
+        {"9\nabc", "abc"},
+        {"9223372036854775807\nabc", "abc"},
+        {"00003\nabcd", "abc"},
+        {"3\n\n\0a"s, "\n\0a"s},
+        {"3\n\xFF\xFE\x00"s, "\xFF\xFE\x00"s},
+        {"-1\nabc", std::nullopt},
+        {"9223372036854775808\nabc", std::nullopt},
+        {"+-3\nabc", std::nullopt},
+        {"3 3\nabc", std::nullopt},
+        {"0x3\nabc", std::nullopt},
+        {"３\nabc", std::nullopt},
+        {"3\xFF\nabc", std::nullopt},
+        {"3", std::nullopt},
+        {"", std::nullopt},
+        {"\nabc", std::nullopt},
+        {" \nabc", std::nullopt},
+        {"3a\nabc", std::nullopt},
+    };
+
+    for (const auto& [file, message] : cases) {
+        const auto got = messageData(file);
+        EXPECT_EQ(got.has_value(), message.has_value()) << file;
+        if (got && message) {
+            EXPECT_EQ(*got, *message) << file;
+        }
+    }
+}
+
+TEST(BodyStartIndex, EndsAtTheFirstBlankLineOfOneKindOfEnding) {
+    struct {
+        std::string message;
+        std::size_t start;
+    } const cases[] = {
+        {"", 0},
+        {"\n", 1},
+        {"x", 1},
+        {"\n\n", 2},
+        {"\r\n\r\n", 4},
+        {"\r\n\r", 3},
+        {"a: b\n\nbody\n\n", 6},
+        {"a: b\r\n\r\nbody\n\n", 8},
+        {"a\r\n\nbody", 4},  // LF LF counts, whatever stands before it
+        {"a\n\r\nbody", 8},  // LF CR LF isn't a blank line
+        {"a\n\r\n\r\nb", 6}, // but CR LF CR LF behind it is
+        {"a\r\rb\r\n", 6},
+        {"no blank line\n", 14},
+        {"a\n\n", 3},
+    };
+
+    for (const auto& [message, start] : cases) EXPECT_EQ(bodyStartIndex(message), start) << message;
+}
+
+std::vector<std::string> largestOfGroups(const std::vector<std::string>& messages) {
+    std::vector<BodyGroup> groups;
+    for (const std::string& message : messages) {
+        groupByBody(*MessageBytes::fromEmlx(std::to_string(message.size()) + "\n" + message), groups);
+    }
+    std::vector<std::string> largest;
+    for (const BodyGroup& group : groups) largest.emplace_back(group.largest.bytes);
+    return largest;
+}
+
+TEST(GroupByBody, ComparesLengthAndTheFirst8192BytesAndKeepsTheLargestCopy) {
+    const std::string start(8192, 'b');
+
+    struct {
+        const char* what;
+        std::vector<std::string> copies;
+        std::vector<std::string> largest;
+    } const cases[] = {
+        {"one copy", {"a: b\n\nx"}, {"a: b\n\nx"}},
+        {"headers play no part", {"a: b\n\nx", "a: bcd\n\nx", "c: de\r\n\r\nx"}, {"c: de\r\n\r\nx"}},
+        {"the earliest of equals stays", {"a: 1\n\nx", "a: 2\n\nx"}, {"a: 1\n\nx"}},
+        {"order of first appearance",
+         {"h\n\nx", "h\n\ny", "h: long\n\nx", "h\n\nz"},
+         {"h: long\n\nx", "h\n\ny", "h\n\nz"}},
+        {"another length",
+         {"\n\n" + start + "1", "\n\n" + start + "12"},
+         {"\n\n" + start + "1", "\n\n" + start + "12"}},
+        {"a difference at the last byte that counts",
+         {"\n\n" + start.substr(1) + "1tail", "\n\n" + start.substr(1) + "2tail"},
+         {"\n\n" + start.substr(1) + "1tail", "\n\n" + start.substr(1) + "2tail"}},
+        {"a difference behind it", {"\n\n" + start + "1", "\n\n" + start + "2"}, {"\n\n" + start + "1"}},
+        {"no blank line is an empty body", {"abc", "abcdef\n", ""}, {"abcdef\n"}},
+    };
+
+    for (const auto& [what, copies, largest] : cases) EXPECT_EQ(largestOfGroups(copies), largest) << what;
+}
+
+} // namespace
+} // namespace corvane::archive

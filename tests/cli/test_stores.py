@@ -1,0 +1,90 @@
+"""Stores that are locked, broken, foreign or not there: each with the text for its user and an exit status."""
+
+import pathlib
+import sqlite3
+import subprocess
+import unittest
+
+from cli_support import CLI, CliCase, INDEX, tree_state
+
+NO_MAIL = "没有找到本机 Mail 数据目录"
+NO_INDEX = "没有找到 Mail 索引文件"
+NO_ACCESS = "没有读取权限"
+NOTHING_FOUND = "没有定位到可扫描的邮件文件"
+
+
+class Stores(CliCase):
+    def failure_text(self, home, *command):
+        return self.run_cli(home, *command, expect=1)["error"]
+
+    def test_homes_without_a_usable_store(self):
+        empty = self.folder / "empty"
+        empty.mkdir()
+        without_index = self.folder / "without-index"
+        (without_index / "Library/Mail/V10/MailData").mkdir(parents=True)
+        blank = self.folder / "blank"
+        (blank / INDEX).parent.mkdir(parents=True)
+        (blank / INDEX).touch()
+        garbage = self.folder / "garbage"
+        (garbage / INDEX).parent.mkdir(parents=True)
+        (garbage / INDEX).write_bytes(b"no database " * 1000)
+        for home, text in ((empty, NO_MAIL), (without_index, NO_INDEX), (blank, NO_ACCESS), (garbage, NOTHING_FOUND)):
+            before = tree_state(home / "Library") if (home / "Library").exists() else None
+            for command in (("accounts",), ("refresh",)):
+                self.assertIn(text, self.failure_text(home, *command), (home.name, command))
+            if before is not None:
+                self.assertEqual(tree_state(home / "Library"), before)
+        self.assertIn("读取 Mail 索引失败", self.failure_text(garbage, "scan"))
+
+    def test_a_locked_index_fails_a_scan_and_keeps_the_last_one(self):
+        home = self.home("home", "--messages", "100", "--no-odd")
+        self.run_cli(home, "refresh")
+        known = len(self.run_cli(home, "messages"))
+        lock = sqlite3.connect(home / INDEX, isolation_level=None)
+        lock.execute("BEGIN EXCLUSIVE")
+        try:
+            self.assertIn("读取 Mail 索引失败", self.failure_text(home, "scan"))
+        finally:
+            lock.close()
+        self.assertEqual(len(self.run_cli(home, "messages")), known)
+        self.assertEqual(self.run_cli(home, "scan")["state"], "finished")
+
+    def test_a_store_without_message_ids_and_one_in_wal_mode_are_read(self):
+        for options in (("--no-message-id-header",), ("--wal",)):
+            home = self.home(options[0].strip("-"), "--messages", "200", *options)
+            before = tree_state(home / "Library")
+            result = self.run_cli(home, "refresh")
+            self.assertEqual(result["summary"]["scannedMessages"], self.manifest(home)["counts"]["local"])
+            changed = {name for name, state in tree_state(home / "Library").items() if before.get(name) != state}
+            self.assertTrue(all(name.endswith("-shm") for name in changed), changed)
+
+    def test_a_year_limit_beyond_the_store_is_advice(self):
+        home = self.home("home", "--messages", "100", "--no-odd")
+        self.run_cli(home, "refresh")
+        text = self.run_cli(home, "scan", "--max-year", "1990", expect=1)["message"]
+        self.assertIn("请将年份调整为", text)
+        self.assertGreater(len(self.run_cli(home, "messages")), 50, "the cache of the whole scan stays")
+
+    def test_rows_with_hostile_texts_cost_only_themselves(self):
+        home = self.home("home", "--messages", "100", "--no-odd")
+        store = sqlite3.connect(home / INDEX)
+        store.execute("UPDATE subjects SET subject = CAST(X'41FFFE42C3' AS TEXT) WHERE ROWID = 1")
+        store.execute("UPDATE mailboxes SET url = 'imap://../../../../etc/passwd' WHERE ROWID = 2")
+        store.commit()
+        store.close()
+        result = self.run_cli(home, "refresh")
+        self.assertEqual(result["state"], "finished")
+        self.assertGreater(result["messages"], 10)
+
+
+class Usage(unittest.TestCase):
+    def test_wrong_usage_exits_with_two(self):
+        for arguments in ((), ("nothing",), ("archive",), ("--home", "/does/not/exist", "accounts"),
+                          ("messages", "--sort", "size")):
+            done = subprocess.run([CLI, *arguments], capture_output=True, timeout=30)
+            self.assertEqual((done.returncode, done.stdout), (2, b""), arguments)
+        self.assertTrue(pathlib.Path(CLI).exists())
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,210 @@
+"""Charsets, transfer encodings and the structure of messages: is all text found and read rightly?"""
+
+import base64
+import unittest
+
+from mail_kit import attached, body, encode, mail, multipart, part, worker
+
+SIMPLIFIED = "您好，附件是上周的会议纪要，请查收。镕喆也会参加，如有问题请联系我们。"
+TRADITIONAL = "您好，附件是上週的會議紀要，請查收。如有問題請與我們聯繫，謝謝！"
+JAPANESE = "お世話になっております。会議の資料を添付しましたのでご確認ください。"
+KOREAN = "안녕하세요. 회의 자료를 첨부하였으니 확인하여 주시기 바랍니다."
+RUSSIAN = "Добрый день, высылаю вам материалы к нашей встрече в понедельник."
+
+
+class Charsets(unittest.TestCase):
+    def check(self, text, codec, declared, encoding="8bit"):
+        content = part(text.encode(codec), charset=declared, encoding=encoding)
+        self.assertEqual(body(mail(content)), text, (codec, declared, encoding))
+
+    def test_declared_sets_are_read(self):
+        for text, codec, labels in (
+                (SIMPLIFIED, "gb18030", ("gb2312", "GBK", "gb18030", "GB_2312-80", "x-gbk", "cp936")),
+                (TRADITIONAL, "cp950", ("big5", "Big5-HKSCS", "x-x-big5", "cp950")),
+                (JAPANESE, "cp932", ("shift_jis", "x-sjis", "Windows-31J")), (JAPANESE, "euc_jp", ("euc-jp", "x-euc-jp")),
+                (JAPANESE, "iso2022_jp", ("iso-2022-jp", "ISO-2022-JP-MS", "csISO2022JP")),
+                (KOREAN, "cp949", ("euc-kr", "ks_c_5601-1987", "KS_C_5601", "uhc")), (KOREAN, "iso2022_kr", ("iso-2022-kr",)),
+                (SIMPLIFIED.replace("镕喆", ""), "hz", ("hz-gb-2312",)), (RUSSIAN, "koi8_r", ("koi8-r",)),
+                (RUSSIAN, "cp1251", ("windows-1251",)), ("Größe “ok” €", "cp1252", ("iso-8859-1", "windows-1252")),
+                (JAPANESE, "utf-7", ("utf-7", "unicode-1-1-utf-7")), (JAPANESE, "utf-16", ("utf-16", "unicode"))):
+            for label in labels:
+                for encoding in ("8bit", "base64") if codec != "utf-16" else ("base64",):
+                    self.check(text, codec, label, encoding)
+
+    def test_wrong_or_missing_declarations_are_seen_through(self):
+        for text, codec in ((SIMPLIFIED, "gb18030"), (TRADITIONAL, "cp950"), (JAPANESE, "cp932"), (JAPANESE, "euc_jp"),
+                            (KOREAN, "cp949"), (SIMPLIFIED, "utf-8"), (JAPANESE, "iso2022_jp")):
+            for label in ("", "us-ascii", "iso-8859-1", "unknown-8bit", "default", "x-nothing", "base64", "utf-8"):
+                self.check(text, codec, label)
+        for label in ("gb2312", "big5", "euc-kr", "windows-1251", "iso-2022-jp"):
+            self.check(SIMPLIFIED, "utf-8", label)
+            self.check("您好" if label == "gb2312" else SIMPLIFIED[3:], "utf-8", label)
+            damaged = part(SIMPLIFIED.encode()[:-3] + b"\xe3\x80 ok", charset=label)
+            self.assertIn(SIMPLIFIED[:-1], body(mail(damaged)), label)
+        self.check(TRADITIONAL, "cp950", "gb2312")
+        self.check(RUSSIAN, "koi8_r", "")
+        self.check(RUSSIAN, "cp1251", "")
+
+    def test_western_text_is_not_taken_for_east_asian(self):
+        for text in ("Schöne Grüße aus München, wir hören uns nächste Woche über die Fußnote",
+                     "L’été dernier, le musée a fermé; “déjà vu”", "Today’s news", "£5 – all in", "één café"):
+            for label in ("", "us-ascii", "iso-8859-1"):
+                self.check(text, "cp1252", label)
+
+    def test_damage_stays_local(self):
+        data = SIMPLIFIED.encode("gb18030")
+        text = body(mail(part(data + b"\xff\n" + data, charset="gb2312")))
+        self.assertTrue(text.startswith(SIMPLIFIED) and text.endswith(SIMPLIFIED), text)
+        unassigned = KOREAN.encode("cp949") + b"\xc9\xa1" + KOREAN.encode("cp949")
+        self.assertEqual(body(mail(part(unassigned, charset="euc-kr"))), KOREAN + "\ufffd" + KOREAN)
+        self.assertEqual(body(mail(part("日本語の文章 caf".encode() + b"\xe9 ok", charset="utf-8"))), "日本語の文章 café ok")
+
+    def test_vendor_rows_of_japanese_sets(self):
+        euc = b"\xad\xa1\xfc\xe2" + "橋様のご確認をお願いします".encode("euc_jp")
+        self.assertEqual(body(mail(part(euc, charset="euc-jp"))), "①髙橋様のご確認をお願いします")
+        jis = b"\x1b$B\x2d\x21\x7c\x62\x1b(B ok"
+        self.assertEqual(body(mail(part(jis, charset="iso-2022-jp"))), "①髙 ok")
+
+    def test_form_of_the_text(self):
+        for data, expected in ((b"a\r\nb\rc\nd \t\ne", "a\nb\nc\nd\ne"), (b"a\0b\x07c\x7f", "abc"),
+                               ("e\u0301 \u1100\u1161".encode(), "é 가"), ("a\u00a0b".encode(), "a b"),
+                               ("x \uf0f1QUOTE\uf0f1 y".encode(), "x QUOTE y"), ("\ufeffbom".encode(), "bom"),
+                               ("请查收".encode("utf-8").decode("latin-1").encode("utf-8"), "请查收")):
+            self.assertEqual(body(mail(part(data))), expected)
+
+    def test_html_tells_its_charset_where_the_header_does_not(self):
+        markup = "<html><head><meta http-equiv=Content-Type content='text/html; charset=gb2312'></head><body>您好吗</body>"
+        for label in ("", "us-ascii", "iso-8859-1"):
+            self.assertEqual(body(mail(part(markup.encode("gb18030"), "text/html", label))), "您好吗")
+
+
+class TransferEncodings(unittest.TestCase):
+    def test_names_and_damage(self):
+        raw = SIMPLIFIED.encode()
+        b64 = base64.encodebytes(raw)
+        soft = encode(raw, "quoted-printable")
+        for field, data in (("base64", b64), ("BASE64", b64), (" \"base64\"", b64), ("base64 (comment)", b64), ("base-64", b64),
+                            ("base64", b64.replace(b"\n", b"\r\n")), ("base64", b64.rstrip(b"=\n")), ("base64", b"!" + b64),
+                            ("base64", b64[:20] + b"\n*-*\n\n" + b64[20:]), ("base64", base64.b64encode(raw[:1]) +
+                                                                              b"\n" + base64.b64encode(raw[1:])),
+                            ("Quoted-Printable", soft), ("quoted-printable", soft.replace(b"=\n", b"= \t\r\n")),
+                            ("quoted-printable", soft.lower()), ("x-unknown", raw), ("", raw), ("8bit;", raw), ("base64", raw)):
+            head = "Content-Type: text/plain; charset=utf-8\nContent-Transfer-Encoding: %s\n\n" % field
+            self.assertEqual(body(head.encode() + data), SIMPLIFIED, (field, data[:30]))
+
+    def test_text_behind_base64_is_kept(self):
+        data = base64.encodebytes(b"hello world, this is the body of it all\n" * 2) + b"\n_______\nlist footer of some words\n"
+        text = body(b"Content-Transfer-Encoding: base64\n\n" + data)
+        self.assertEqual(text.split("\n\n\n")[0].count("hello"), 2)
+        self.assertIn("list footer of some words", text)
+
+    def test_uuencoded_text_and_files_inside_text(self):
+        block = b"begin 644 a.txt\n%:&5L;&\\\n`\nend\n"
+        self.assertEqual(body(b"Content-Transfer-Encoding: x-uuencode\n\n" + block), "hello")
+        self.assertEqual(body(b"\nbefore\n" + block + b"after"), "before\n[a.txt]\nafter")
+        self.assertEqual(body(b"\nbegin 5 things\nthe end"), "begin 5 things\nthe end")
+
+
+class Structure(unittest.TestCase):
+    def test_text_is_found_in_every_shape(self):
+        text, other = part("第一段文字"), part("second text")
+        inner = multipart("alternative", text, part("<p>第一段文字</p>", "text/html"), boundary="b0undary-2")
+        no_end = multipart("mixed", text)[:-len("--b0undary--\n")]
+        for name, message in (
+                ("mixed", multipart("mixed", text, other)), ("prefix boundary", multipart("mixed", inner, other)),
+                ("crlf", multipart("mixed", inner, other).replace(b"\n", b"\r\n")), ("no end", no_end + b"\n"),
+                ("cr only", multipart("mixed", inner).replace(b"\n", b"\r")), ("no final line end", no_end[:-1]),
+                ("inner not ended", multipart("mixed", inner.replace(b"--b0undary-2--\n", b""), other)),
+                ("same boundary", multipart("mixed", multipart("alternative", text), other)),
+                ("quoted", multipart("mixed", text, boundary="=_(a):b/c?'+,-. d")), ("unquoted odd", multipart(
+                    "mixed", text, boundary="=_a:b(c)").replace(b'"=_a:b(c)"', b"=_a:b(c)")),
+                ("no parameter", multipart("mixed", text).replace(b'; boundary="b0undary"', b"")),
+                ("wrong parameter", multipart("mixed", text).replace(b'="b0undary"', b'="other"')),
+                ("case of names", multipart("mixed", text).replace(b"Content-Type: multipart/mixed; boundary",
+                                                                   b"CONTENT-TYPE : Multipart/MIXED; BOUNDARY")),
+                ("folded", multipart("mixed", text).replace(b"; boundary", b";\n\t boundary")),
+                ("blanks behind", multipart("mixed", text).replace(b"--b0undary\n", b"--b0undary \t\n")),
+                ("junk behind the end", multipart("mixed", text).replace(b"--b0undary--\n", b"--b0undary-->\nx")),
+                ("part after the end", multipart("mixed", text) + b"--b0undary\n" + other),
+                ("encoded multipart", b"Content-Type: multipart/mixed; boundary=b0undary\nContent-Transfer-Encoding: base64\n\n" +
+                 base64.encodebytes(multipart("mixed", text).partition(b"\n\n")[2])),
+                ("digest", multipart("digest", b"\n" + mail(text))), ("signed", multipart("signed", text, attached(b"", kind=(
+                    "application/pkcs7-signature")))), ("related", multipart("related", text, part(b"x", "image/png"))),
+                ("forwarded", part(mail(text), "message/rfc822")),
+                ("forwarded encoded", part(mail(text), "message/rfc822", encoding="base64")),
+                ("forwarded in forwarded", part(mail(part(mail(multipart("mixed", text)), "message/rfc822")), "message/rfc822")),
+                ("blank line of blanks", multipart("mixed", text).replace(b"\n\n", b"\n \n", 1)),
+                ("no blank line", b"Subject: x\n" + "第一段文字".encode()), ("no header", "\n第一段文字".encode()),
+                ("only text", "第一段文字，没有标题".encode()), ("bad line in the header", b"garbage line\n" + mail(text))):
+            with self.subTest(name):
+                self.assertIn("第一段文字", body(mail(message) if name not in ("only text", "no header") else message))
+                if b"second text" in message:
+                    self.assertIn("second text", body(mail(message)))
+
+    def test_what_is_not_body(self):
+        for hidden in (part("secret", extra="Content-Disposition: attachment; filename=a.txt\n"),
+                       part("secret", "text/rtf"), part("secret", "application/json"), part("secret", "text/css"),
+                       part("secret", extra="Content-Disposition: ATTACHMENT\n")):
+            self.assertEqual(body(mail(multipart("mixed", part("shown"), hidden))), "shown")
+        preamble = multipart("mixed", part("shown")).replace(b"\n\n", b"\n\nsecret\n", 1) + b"secret\n"
+        self.assertEqual(body(mail(preamble)), "shown")
+
+    def test_the_alternative_that_a_reader_would_choose(self):
+        long_html = "<p>%s</p>" % ("正文内容很长。" * 40)
+        for name, plain, markup, expected in (
+                ("plain wins", "plain text of the message", "<p>plain text of the message</p>", "plain text of the message"),
+                ("stub loses", "Your mail client does not support HTML messages.", "<p>The real text of it</p>", "real text"),
+                ("chinese stub loses", "您的邮件客户端不支持HTML格式，请升级。", long_html, "正文内容很长"),
+                ("empty loses", " \n ", "<p>real</p>", "real"), ("teaser loses", "Hello", long_html, "正文内容很长"),
+                ("links do not count", "See https://example.com/" + "x" * 400, long_html, "正文内容很长"),
+                ("question marks lose", "??????? ???? ??", "<p>您好，会议改期</p>", "您好，会议改期"),
+                ("markup in plain loses", "<div>您好&nbsp;</div>", "<p>您好</p>", "您好")):
+            with self.subTest(name):
+                text = body(mail(multipart("alternative", part(plain), part(markup, "text/html"))))
+                self.assertIn(expected, text)
+                self.assertEqual(name == "plain wins", text == plain)
+
+    def test_special_types(self):
+        event = ("BEGIN:VCALENDAR\nBEGIN:VEVENT\nSUMMARY:项目评审\\, 第二次\nDTSTART;TZID=Asia/Shanghai:20240102T100000\n"
+                 "DTEND:20240102T030000Z\nLOCATION:三楼会\n 议室\nDESCRIPTION:带材料\\n准时\nEND:VEVENT\nEND:VCALENDAR\n")
+        text = body(mail(multipart("alternative", part("邀请"), part(event, "text/calendar"))))
+        self.assertEqual(text, "邀请\n\n日程：项目评审, 第二次\n时间：2024-01-02 10:00 – 2024-01-02 03:00 UTC\n"
+                               "地点：三楼会议室\n带材料\n准时")
+        self.assertEqual(body(mail(part("<bold>Hi</bold> <<you\nthere\n\nnext", "text/enriched"))), "Hi <you there\nnext")
+        report = multipart("report", part("failed"), part("Final-Recipient: rfc822; x@example.com", "message/delivery-status"))
+        self.assertIn("Final-Recipient", body(mail(report)))
+        flowed = b"Content-Type: text/plain; format=flowed\n\none \ntwo\n> a \n> b\n>> c\n-- \nsig \n stuffed"
+        self.assertEqual(body(flowed), "one two\n> a b\n>> c\n--\nsig stuffed")
+        self.assertEqual(body(b"Content-Type: text/plain; format=flowed; delsp=yes\n\n\xe4\xbd\xa0 \n\xe5\xa5\xbd"), "你好")
+        entity = part("opaque text")
+        der = b"\x30\x80\x06\x09\x2a\x86\x48\x86\xf7\x0d\x01\x07\x01\xa0\x80\x24\x80\x04\x10" + entity[:16] + \
+              b"\x04\x81" + bytes([len(entity) - 16]) + entity[16:] + b"\0\0\0\0\0\0"
+        self.assertEqual(body(mail(part(der, "application/pkcs7-mime", encoding="base64"))), "opaque text")
+
+    def test_forwarded_headers_are_told(self):
+        inner = mail(part("正文"), "From: =?gb2312?B?1cXI/Q==?= <z@example.com>\nTo: 李四 <l@example.com>\nSubject: 会议\n"
+                                   "Date: Mon, 1 Jan 2024 10:00:00 +0800\n".encode())
+        text = body(mail(multipart("mixed", part("请看"), part(inner, "message/rfc822"))))
+        self.assertEqual(text, "请看\n\n发件人：张三 <z@example.com>\n主题：会议\n日期：Mon, 1 Jan 2024 10:00:00 +0800\n"
+                               "收件人：李四 <l@example.com>\n\n正文")
+
+
+class Emlx(unittest.TestCase):
+    PLIST = b"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist>\n<plist version=\"1.0\"></plist>\n"
+
+    def test_the_count_cuts_and_a_wrong_one_does_no_harm(self):
+        message = mail(part("正文"))
+        size = len(message)
+        for count in (b"%d" % size, b"%d      " % size, b" %d\r" % size, b"+%d" % size, b"%d" % (size - 4), b"%d" % (size + 9),
+                      b"99999999999", b"-1", b"abc", b""):
+            data = b"\n" + count + b"\n" + message + self.PLIST
+            text = worker.body_text(worker.message_bytes(data, True, False))[0]
+            self.assertEqual(text, "正文", count)
+
+    def test_what_stands_before_a_message(self):
+        for lead in (b"", b"From a@example.com Mon Jan  1 10:00:00 2024\n", b"\xef\xbb\xbf", b"\r\n\n", b">From x\n"):
+            self.assertEqual(worker.body_text(worker.message_bytes(b"\n" + lead + mail(part("正文")), False, False))[0], "正文")
+
+
+if __name__ == "__main__":
+    unittest.main()
