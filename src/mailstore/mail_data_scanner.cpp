@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 #include <tbb/parallel_for.h>
+#include <tbb/task_group.h>
 
 #include "records/console_log.h"
 
@@ -83,17 +84,19 @@ class IndexScan {
       , attachments_(indexAttachments())
       , labels_(found_.candidates, scanner.accountNamesByPrefix) {}
 
-    // False when a stop was requested.
+    // False when a stop was requested. While a chunk is handed over, which happens on the calling thread, the
+    // lanes are at work on the next one.
     bool run(BatchStream& batches, const std::stop_token& stop) {
+        Outcomes current = parseChunk(0);
         for (std::size_t start = 0; start < found_.files.size(); start += chunkSize) {
             if (stop.stop_requested()) return false;
-            for (auto& record : parseChunk(start, std::min(start + chunkSize, found_.files.size()))) {
-                if (record) {
-                    ++timing_.matchedMessages;
-                    record->sender = repeated_(record->sender);
-                }
-                batches.addVisited(std::move(record));
-            }
+            Outcomes next;
+            tbb::task_group ahead;
+            ahead.run([&] { next = parseChunk(start + chunkSize); });
+            handOver(current, batches);
+            const SecondsCounter elapsed(timing_.enumerationSeconds);
+            ahead.wait();
+            current = std::move(next);
         }
         return true;
     }
@@ -108,8 +111,20 @@ class IndexScan {
         return index;
     }
 
-    Outcomes parseChunk(std::size_t start, std::size_t end) {
-        const SecondsCounter elapsed(timing_.enumerationSeconds);
+    void handOver(Outcomes& outcomes, BatchStream& batches) {
+        for (auto& record : outcomes) {
+            if (record) {
+                ++timing_.matchedMessages;
+                record->sender = repeated_(record->sender);
+            }
+            batches.addVisited(std::move(record));
+        }
+    }
+
+    // Empty behind the last file.
+    Outcomes parseChunk(std::size_t first) {
+        const std::size_t start = std::min(first, found_.files.size());
+        const std::size_t end = std::min(start + chunkSize, found_.files.size());
         Outcomes outcomes(end - start);
         tbb::parallel_for(start, end, [&](std::size_t i) {
             try {

@@ -1,5 +1,7 @@
 #include "model/file_existence.h"
 
+#include <algorithm>
+
 #include <dirent.h>
 
 #include "platform/directory.h"
@@ -13,8 +15,9 @@ const FileExistence::Folder& FileExistence::folder(std::string_view path) {
     if (known == folders_.end()) {
         known = folders_.emplace(std::string(path), Folder()).first;
         platform::visitDirectory(known->first, [&](std::string_view name, unsigned char dType) {
-            known->second.needsLook.emplace(name, dType == DT_LNK || dType == DT_UNKNOWN);
+            known->second.push_back({std::string(name), dType == DT_LNK || dType == DT_UNKNOWN});
         });
+        std::ranges::sort(known->second, {}, &Entry::name);
     }
     lastPath_ = known->first;
     last_ = &known->second;
@@ -23,9 +26,10 @@ const FileExistence::Folder& FileExistence::folder(std::string_view path) {
 
 bool FileExistence::exists(const SharedText& path) {
     const Folder& listing = folder(platform::parentPath(path));
-    const auto entry = listing.needsLook.find(platform::lastPathComponent(path));
-    if (entry == listing.needsLook.end()) return false;
-    return !entry->second || platform::fileExists(path.str());
+    const std::string_view name = platform::lastPathComponent(path);
+    const auto entry = std::ranges::lower_bound(listing, name, {}, &Entry::name);
+    if (entry == listing.end() || entry->name != name) return false;
+    return !entry->needsLook || platform::fileExists(path.str());
 }
 
 bool FileExistence::isLocallyAvailable(const MailMessageRecord& message) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "records/mail_message_record.h"
 #include "text/shared_text.h"
@@ -20,10 +21,12 @@ class FileExistence {
     bool isLocallyAvailable(const MailMessageRecord& message);
 
   private:
-    struct Folder {
-        std::unordered_map<std::string, bool, TextHash, TextEqual>
-            needsLook; // by name: a link, or of unknown kind
+    struct Entry {
+        std::string name;       // of a message file: short enough to lie in the string itself
+        bool needsLook = false; // a link, or of unknown kind
     };
+
+    using Folder = std::vector<Entry>; // by name
 
     const Folder& folder(std::string_view path);
 

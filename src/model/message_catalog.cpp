@@ -51,8 +51,9 @@ struct Selections {
 Selections selectCounted(const AvailabilityJob& job, const CountedMessages& all,
                          const SharedTextSet& available) {
     Selections selections;
+    const SharedTextSet& archived = *job.inputs.archivedBaseIDs;
     for (const CountedMessage& counted : all) {
-        if (job.inputs.archivedBaseIDs->contains(stableID(*counted.message))) continue;
+        if (!archived.empty() && archived.contains(stableID(*counted.message))) continue;
         selections.unbacked.push_back(counted);
         if (available.contains(counted.message->id) && isWithinLimits(counted, job.inputs.limits)) {
             selections.local.push_back(counted);
