@@ -7,7 +7,6 @@ build=(g++ cmake ninja-build pkg-config git ca-certificates
 run=(sqlite3 python3)
 tests=(libgtest-dev libgmock-dev)
 checks=(clang-format-19 clang-tidy-19 clang-19 libclang-rt-19-dev lld-19)
-benchmarks=(libbenchmark-dev)
 
 for group in "$@"; do
     declare -n packages=$group
