@@ -6,7 +6,8 @@ target_compile_options(corvane_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # g++ 12 sees these where there are none, in std::optional and std::string of the standard library.
-    target_compile_options(corvane_options INTERFACE -Wno-maybe-uninitialized -Wno-array-bounds -Wno-restrict)
+    target_compile_options(corvane_options INTERFACE -Wno-maybe-uninitialized -Wno-array-bounds -Wno-restrict
+        -Wno-stringop-overflow)
 endif()
 target_compile_definitions(corvane_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII)
 # simdjson's on-demand parser is chosen at compile time, and its portable form is several times slower. The
