@@ -1,25 +1,98 @@
 #include "mailstore/quiet_database.h"
 
+#include <cerrno>
+#include <cstdlib>
 #include <filesystem>
+#include <mutex>
 #include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include "platform/directory.h"
+#include "platform/paths.h"
 #include "text/encoding.h"
 
 namespace corvane::mailstore {
 
-QuietDatabase::QuietDatabase(std::string path)
+// A database and its log in a folder of their own, removed with their last user.
+class DatabaseCopy {
+  public:
+    // Throws std::system_error or std::filesystem::filesystem_error when the files can't be copied.
+    DatabaseCopy(const std::string& path, const std::string& temporaryFolder)
+      : folder_(platform::joinPath(temporaryFolder, "corvane-index-XXXXXX")) {
+        if (::mkdtemp(folder_.data()) == nullptr)
+            throw std::system_error(errno, std::generic_category(), folder_);
+        try {
+            std::filesystem::copy_file(path, this->path());
+            std::filesystem::copy_file(path + "-wal", this->path() + "-wal");
+        } catch (...) {
+            remove();
+            throw;
+        }
+    }
+
+    DatabaseCopy(const DatabaseCopy&) = delete;
+    DatabaseCopy& operator=(const DatabaseCopy&) = delete;
+
+    ~DatabaseCopy() { remove(); }
+
+    [[nodiscard]] std::string path() const { return platform::joinPath(folder_, "index"); }
+
+  private:
+    void remove() noexcept {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder_, ignored);
+    }
+
+    std::string folder_;
+};
+
+namespace {
+
+// One copy serves all questions to a database, as long as it and its log stay as they are.
+std::shared_ptr<const DatabaseCopy> sharedCopy(const std::string& path, const std::string& temporaryFolder) {
+    static std::mutex mutex;
+    static std::string key;
+    static std::shared_ptr<const DatabaseCopy> copy;
+    std::error_code error;
+    const auto modified = std::filesystem::last_write_time(path + "-wal", error);
+    const std::string wanted = fmt::format("{}|{}|{}", path, platform::fileSize(path + "-wal").value_or(0),
+                                           modified.time_since_epoch().count());
+    const std::scoped_lock lock(mutex);
+    if (!copy || key != wanted) {
+        copy = std::make_shared<const DatabaseCopy>(path, temporaryFolder);
+        key = wanted;
+    }
+    return copy;
+}
+
+} // namespace
+
+QuietDatabase::QuietDatabase(std::string path, const std::string& temporaryFolder)
   : path_(std::move(path))
   , name_(path_) {
-    if (isInWalMode()) before_ = settledState();
+    if (!isInWalMode()) return;
+    if (hasUnreachableLog()) {
+        try {
+            copy_ = sharedCopy(path_, temporaryFolder);
+            name_ = copy_->path();
+        } catch (const std::system_error&) { // the plain path then tells the user why it can't be read
+        }
+        return;
+    }
+    before_ = settledState();
     if (before_) name_ = fmt::format("file:{}?immutable=1", text::percentEncodedPath(path_));
 }
 
 bool QuietDatabase::wasDisturbed() const {
     return before_ && settledState() != before_;
+}
+
+bool QuietDatabase::hasUnreachableLog() const {
+    return platform::fileSize(path_ + "-wal").value_or(0) > 0 && !platform::fileExists(path_ + "-shm") &&
+           ::access(std::string(platform::parentPath(path_)).c_str(), W_OK) != 0;
 }
 
 std::optional<QuietDatabase::State> QuietDatabase::settledState() const {

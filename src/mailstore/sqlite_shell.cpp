@@ -101,7 +101,7 @@ ShellResult runLimited(const MailStoreContext& context, const std::string& sql,
 } // namespace
 
 ShellResult runShell(const MailStoreContext& context, const ShellQuery& query, const std::stop_token& stop) {
-    const QuietDatabase database(query.databasePath);
+    const QuietDatabase database(query.databasePath, context.platform.temporaryDirectory());
     ShellResult result = runShellOnce(context, query, database.name(), stop);
     const bool hasRead = result.kind == Kind::succeeded || result.kind == Kind::failed;
     if (!hasRead || !database.wasDisturbed()) return result;

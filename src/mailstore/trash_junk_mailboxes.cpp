@@ -31,14 +31,15 @@ std::set<std::int64_t> readTrashAndJunk(const std::string& name, ReadOnlyConnect
     return ids;
 }
 
-std::set<std::int64_t> readTrashAndJunkQuietly(const std::string& path) {
+std::set<std::int64_t> readTrashAndJunkQuietly(const std::string& path, const std::string& temporaryFolder) {
     using NameKind = ReadOnlyConnection::NameKind;
-    const QuietDatabase database(path);
+    const QuietDatabase database(path, temporaryFolder);
     if (database.isURI()) {
         auto ids = readTrashAndJunk(database.name(), NameKind::uri);
         if (!database.wasDisturbed()) return ids;
+        return readTrashAndJunk(path, NameKind::path);
     }
-    return readTrashAndJunk(path, NameKind::path);
+    return readTrashAndJunk(database.name(), NameKind::path);
 }
 
 } // namespace
@@ -61,7 +62,7 @@ std::string normalizedMailboxName(std::string_view name) {
 std::set<std::int64_t> trashAndJunkMailboxIDs(const MailStoreContext& context,
                                               const std::string& envelopeIndexPath) {
     try {
-        return readTrashAndJunkQuietly(envelopeIndexPath);
+        return readTrashAndJunkQuietly(envelopeIndexPath, context.platform.temporaryDirectory());
     } catch (const SqliteError& error) {
         const char* step = error.step() == SqliteError::Step::open ? "open_v2" : "prepare_v2";
         debugLog(context.support,

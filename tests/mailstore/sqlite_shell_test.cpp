@@ -172,7 +172,7 @@ TEST(IndexReads, SeeWhatAWriterHasInItsLog) {
     SampleMailStore store;
     store.execute("PRAGMA journal_mode=WAL");
     store.addMailbox("imap://U/Trash", "");
-    EXPECT_FALSE(QuietDatabase(store.indexPath()).isURI());
+    EXPECT_FALSE(QuietDatabase(store.indexPath(), "/tmp").isURI());
     EXPECT_THAT(runRawQuery(store.context, "SELECT count(*) FROM mailboxes", store.indexPath()),
                 Optional("1"s));
     EXPECT_THAT(trashAndJunkMailboxIDs(store.context, store.indexPath()), ElementsAre(1));
