@@ -4,8 +4,12 @@ set -euo pipefail
 
 build=(g++ cmake ninja-build pkg-config git ca-certificates
     qt6-base-dev libicu-dev libsqlite3-dev libsimdjson-dev rapidjson-dev libcli11-dev libtbb-dev libfmt-dev)
+window=(qt6-declarative-dev qt6-declarative-dev-tools qml6-module-qtqml qml6-module-qtqml-models
+    qml6-module-qtqml-workerscript qml6-module-qtquick qml6-module-qtquick-window qml6-module-qtquick-templates
+    qml6-module-qtquick-controls qml6-module-qtquick-layouts qml6-module-qtquick-dialogs
+    qml6-module-qt-labs-folderlistmodel libqt6svg6 qt6-qpa-plugins qt6-translations-l10n fonts-noto-cjk)
 run=(sqlite3 python3)
-tests=(libgtest-dev libgmock-dev)
+tests=(libgtest-dev libgmock-dev qml6-module-qttest xvfb xauth xdotool)
 checks=(clang-format-19 clang-tidy-19 clang-19 libclang-rt-19-dev lld-19)
 
 for group in "$@"; do
