@@ -1,0 +1,54 @@
+#include "screens/appearance.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QJSEngine>
+#include <QPalette>
+
+namespace corvane {
+
+namespace {
+
+Appearance* theAppearance = nullptr;
+
+// The palette is what every platform theme sets, also those that know no colour schemes.
+bool desktopIsDark() {
+    const QPalette palette = QGuiApplication::palette();
+    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
+}
+
+} // namespace
+
+Appearance::Appearance(std::optional<Scheme> forced, QObject* parent)
+  : QObject(parent)
+  , forced_(forced)
+  , reducedMotion_(qEnvironmentVariableIsSet("CORVANE_REDUCED_MOTION")) {
+    theAppearance = this;
+    qGuiApp->installEventFilter(this);
+    follow();
+}
+
+Appearance::~Appearance() {
+    theAppearance = nullptr;
+}
+
+Appearance* Appearance::create(QQmlEngine* /*qmlEngine*/, QJSEngine* /*jsEngine*/) {
+    // The entry owns it, not the engine.
+    if (theAppearance == nullptr) new Appearance(std::nullopt, qGuiApp);
+    QJSEngine::setObjectOwnership(theAppearance, QJSEngine::CppOwnership);
+    return theAppearance;
+}
+
+bool Appearance::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange) follow();
+    return QObject::eventFilter(watched, event);
+}
+
+void Appearance::follow() {
+    const bool dark = forced_ ? *forced_ == Scheme::dark : desktopIsDark();
+    if (dark == dark_) return;
+    dark_ = dark;
+    Q_EMIT darkChanged();
+}
+
+} // namespace corvane

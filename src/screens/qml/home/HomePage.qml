@@ -1,0 +1,7 @@
+// The screen 归档邮件.
+import QtQuick
+import Corvane
+
+ScreenPage {
+    objectName: "homePage"
+}

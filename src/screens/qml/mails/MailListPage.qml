@@ -1,0 +1,7 @@
+// The screen 邮件列表.
+import QtQuick
+import Corvane
+
+ScreenPage {
+    objectName: "mailListPage"
+}

@@ -1,0 +1,8 @@
+# QML files of this folder, and the C++ sources behind them (paths from src/screens).
+set(shell_qml
+    ContentView.qml
+    Main.qml
+    ScreenPage.qml
+)
+set(shell_sources
+)
