@@ -1,12 +1,13 @@
 """Measures the mail worker's body extraction beside its floor and beside the standard parser.
 
-Four ways over the same generated messages, alternating, best of the rounds:
+Four ways over the same generated messages, alternating, best of the rounds, by processor time:
   batches    the worker as the program runs it, one process for 150 messages, its start included
   worker     the same worker serving all messages in one process
   floor      a splitter on bytes: header, boundary lines, one decoded text part; nothing else
   email      email.message_from_bytes with its default policy, get_body and get_content
 
-Usage: python3 benchmarks/body_extraction.py [--messages 1500] [--rounds 3] [--python PATH] [--json FILE]
+Usage: python3 benchmarks/body_extraction.py [--messages 1500] [--rounds 3] [--python PATH] [--worker PATH] [--json FILE]
+The worker measured is the built one (build/release, else build/dev), else that of the sources, which compiles itself.
 """
 
 import argparse
@@ -22,10 +23,10 @@ import resource
 import subprocess
 import sys
 import tempfile
-import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-WORKER = os.path.join(ROOT, "src", "worker", "mail_worker.py")
+WORKERS = [os.path.join(ROOT, *folder, "mail_worker.py")
+           for folder in (("build", "release", "bin"), ("build", "dev", "bin"), ("src", "worker"))]
 BATCH = 150
 MAX_BYTES = 2097152
 
@@ -115,16 +116,16 @@ def make_messages(folder, count):
     return paths
 
 
-def by_worker(python, paths):
+def by_worker(command, paths):
     request = json.dumps({"command": "bodytext_batch", "file_paths": paths, "max_bytes": MAX_BYTES}).encode()
-    run = subprocess.run([python, "-I", "-B", WORKER], input=request, stdout=subprocess.PIPE, check=True)
+    run = subprocess.run(command, input=request, stdout=subprocess.PIPE, check=True)
     items = json.loads(run.stdout)["items"]
     assert len(items) == len(paths) and all(item["text"] for item in items)
 
 
-def by_batches(python, paths):
+def by_batches(command, paths):
     for start in range(0, len(paths), BATCH):
-        by_worker(python, paths[start:start + BATCH])
+        by_worker(command, paths[start:start + BATCH])
 
 
 def first_text(data):
@@ -142,13 +143,13 @@ def first_text(data):
     return body.decode(charset.group(1).decode() if charset else "ascii", "replace")
 
 
-def by_floor(_python, paths):
+def by_floor(_command, paths):
     for path in paths:
         with open(path, "rb") as file:
             first_text(file.read(MAX_BYTES))
 
 
-def by_email(_python, paths):
+def by_email(_command, paths):
     for path in paths:
         with open(path, "rb") as file:
             message = email.message_from_bytes(file.read(MAX_BYTES), policy=email.policy.default)
@@ -158,13 +159,18 @@ def by_email(_python, paths):
 WAYS = {"batches": by_batches, "worker": by_worker, "floor": by_floor, "email": by_email}
 
 
-def measure(paths, rounds, python):
+def processor_seconds():
+    usages = resource.getrusage(resource.RUSAGE_SELF), resource.getrusage(resource.RUSAGE_CHILDREN)
+    return sum(usage.ru_utime + usage.ru_stime for usage in usages)
+
+
+def measure(paths, rounds, command):
     best = dict.fromkeys(WAYS, float("inf"))
     for _ in range(rounds):
         for name, way in WAYS.items():
-            start = time.perf_counter()
-            way(python, paths)
-            best[name] = min(best[name], time.perf_counter() - start)
+            start = processor_seconds()
+            way(command, paths)
+            best[name] = min(best[name], processor_seconds() - start)
     return {name: len(paths) / seconds for name, seconds in best.items()}
 
 
@@ -173,12 +179,13 @@ def main():
     options.add_argument("--messages", type=int, default=1500)
     options.add_argument("--rounds", type=int, default=3)
     options.add_argument("--python", default="/usr/bin/python3" if os.path.exists("/usr/bin/python3") else sys.executable)
+    options.add_argument("--worker", default=next(filter(os.path.exists, WORKERS)))
     options.add_argument("--json", metavar="FILE")
     chosen = options.parse_args()
     with tempfile.TemporaryDirectory() as folder:
         paths = make_messages(folder, chosen.messages)
         size = sum(map(os.path.getsize, paths)) / len(paths)
-        rates = measure(paths, chosen.rounds, chosen.python)
+        rates = measure(paths, chosen.rounds, [chosen.python, "-I", "-B", chosen.worker])
     peak = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss
     print("%d messages of %.1f KB on average, batches of %d" % (chosen.messages, size / 1024, BATCH))
     print("%-9s %10s %14s %14s" % ("way", "bodies/s", "of the floor", "of email"))

@@ -1,7 +1,6 @@
 """Builders of mail and ways to reach the worker, for the tests beside this file."""
 
 import base64
-import importlib.util
 import json
 import os
 import quopri
@@ -11,16 +10,11 @@ import tempfile
 import unittest
 
 WORKER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "src", "worker", "mail_worker.py")
+sys.path.insert(0, os.path.dirname(WORKER))
 
-
-def load_worker():
-    spec = importlib.util.spec_from_file_location("mail_worker", WORKER)
-    module = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(module)
-    return module
-
-
-worker = load_worker()
+from corvane_mail.attachments import attachments_of  # noqa: E402
+from corvane_mail.body import body_text  # noqa: E402
+from corvane_mail.structure import Scanner  # noqa: E402
 
 
 def encode(data, encoding):
@@ -54,7 +48,7 @@ def mail(entity, head=b"From: a@example.com\nSubject: s\nMIME-Version: 1.0\n"):
 
 
 def body(message):
-    return worker.body_text(b"\n" + message)[0]
+    return body_text(b"\n" + message)[0]
 
 
 def html_body(markup):
@@ -62,7 +56,7 @@ def html_body(markup):
 
 
 def attachments(message):
-    return worker.attachments_of(worker.Scanner(b"\n" + message).run())
+    return attachments_of(Scanner(b"\n" + message).run())
 
 
 def run_worker(request, *options, python=sys.executable):

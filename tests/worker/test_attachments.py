@@ -3,7 +3,10 @@
 import base64
 import unittest
 
-from mail_kit import attached, attachments, mail, multipart, part, worker
+from mail_kit import attached, attachments, mail, multipart, part
+
+from corvane_mail.attachments import attachments_of, find_attachment
+from corvane_mail.structure import Scanner
 
 PDF = bytes(range(256)) * 5
 
@@ -101,7 +104,7 @@ class Listing(unittest.TestCase):
 
     def test_a_file_read_in_part_gives_an_estimate(self):
         message = mail(multipart("mixed", part("b"), attached(b"Content-Disposition: attachment; filename=a", PDF * 40)))
-        found = worker.attachments_of(worker.Scanner(b"\n" + message[:4000]).run())
+        found = attachments_of(Scanner(b"\n" + message[:4000]).run())
         self.assertAlmostEqual(found[0].size(True, len(message)), len(PDF) * 40, delta=300)
 
     def test_found_by_any_form_of_its_name(self):
@@ -109,9 +112,9 @@ class Listing(unittest.TestCase):
                                                       for name in ("a b_c.pdf", "é .pdf", "b\\c.doc", "合同.PDF")))))
         for wanted, name in (("a b_c.pdf", "a b_c.pdf"), ("a b c.pdf", "a b_c.pdf"), ("e\u0301.pdf", "é .pdf"), ("bc.doc", "b\\c.doc"),
                              ("utf-8''%E5%90%88%E5%90%8C.pdf", "合同.PDF"), ("=?utf-8?B?5ZCI5ZCMLlBERg==?=", "合同.PDF"), ("\"合同.pdf\"", "合同.PDF")):
-            self.assertEqual(worker.find_attachment(found, wanted).name, name, wanted)
+            self.assertEqual(find_attachment(found, wanted).name, name, wanted)
         for wanted in ("", "x.pdf", "....", "a.pdf"):
-            self.assertIsNone(worker.find_attachment(found, wanted))
+            self.assertIsNone(find_attachment(found, wanted))
 
 
 if __name__ == "__main__":

@@ -2,8 +2,15 @@
 
 import random
 import unittest
+from unittest import mock
 
-from mail_kit import attached, mail, multipart, part, worker
+from mail_kit import attached, mail, multipart, part
+
+from corvane_mail import full_parser
+from corvane_mail.attachments import attachments_of
+from corvane_mail.body import Body, body_text
+from corvane_mail.full_parser import full_parse
+from corvane_mail.structure import Scanner
 
 WORDS = ("会议 report 您好 price 報告書 ありがとう 안녕하세요 Grüße the of and 附件 -- --x > quoted =3D = . From "
          "begin <b> &amp; 100% ------ --b --b-- -").split()
@@ -57,28 +64,23 @@ class SameText(unittest.TestCase):
         spoke = listed = 0
         for seed in range(1500):
             data = b"\n" + Generator(seed).message()
-            scanner = worker.Scanner(data)
-            ours, full = scanner.run(), worker.full_parse(data)
-            text = worker.Body().text(ours)
-            self.assertEqual(text, worker.Body().text(full), "seed %d" % seed)
-            names = [(each.name, each.data()) for each in worker.attachments_of(ours) if not each.part.is_message]
-            self.assertEqual(names, [(each.name, each.data()) for each in worker.attachments_of(full)
+            scanner = Scanner(data)
+            ours, full = scanner.run(), full_parse(data)
+            text = Body().text(ours)
+            self.assertEqual(text, Body().text(full), "seed %d" % seed)
+            names = [(each.name, each.data()) for each in attachments_of(ours) if not each.part.is_message]
+            self.assertEqual(names, [(each.name, each.data()) for each in attachments_of(full)
                                      if not each.part.is_message], "seed %d" % seed)
             spoke, listed = spoke + bool(text.strip()), listed + len(names)
         self.assertGreater(spoke, 1000)
         self.assertGreater(listed, 500)
 
     def test_odd_mail_without_text_asks_the_full_parser(self):
-        asked = []
-        original = worker.full_parse
-        worker.full_parse = lambda data: asked.append(1) or original(data)
-        try:
-            worker.body_text(b"\n" + mail(multipart("mixed", part("text"))))
-            self.assertEqual(asked, [])
-            worker.body_text(b"\nContent-Type: multipart/mixed; boundary=x\n\n")
-            self.assertEqual(asked, [1])
-        finally:
-            worker.full_parse = original
+        with mock.patch.object(full_parser, "full_parse", side_effect=full_parse) as asked:
+            body_text(b"\n" + mail(multipart("mixed", part("text"))))
+            asked.assert_not_called()
+            body_text(b"\nContent-Type: multipart/mixed; boundary=x\n\n")
+            asked.assert_called_once()
 
 
 if __name__ == "__main__":

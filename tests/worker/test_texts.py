@@ -3,7 +3,10 @@
 import base64
 import unittest
 
-from mail_kit import attached, body, encode, mail, multipart, part, worker
+from mail_kit import attached, body, encode, mail, multipart, part
+
+from corvane_mail.body import body_text
+from corvane_mail.mail_file import message_bytes
 
 SIMPLIFIED = "您好，附件是上周的会议纪要，请查收。镕喆也会参加，如有问题请联系我们。"
 TRADITIONAL = "您好，附件是上週的會議紀要，請查收。如有問題請與我們聯繫，謝謝！"
@@ -198,12 +201,12 @@ class Emlx(unittest.TestCase):
         for count in (b"%d" % size, b"%d      " % size, b" %d\r" % size, b"+%d" % size, b"%d" % (size - 4), b"%d" % (size + 9),
                       b"99999999999", b"-1", b"abc", b""):
             data = b"\n" + count + b"\n" + message + self.PLIST
-            text = worker.body_text(worker.message_bytes(data, True, False))[0]
+            text = body_text(message_bytes(data, True, False))[0]
             self.assertEqual(text, "正文", count)
 
     def test_what_stands_before_a_message(self):
         for lead in (b"", b"From a@example.com Mon Jan  1 10:00:00 2024\n", b"\xef\xbb\xbf", b"\r\n\n", b">From x\n"):
-            self.assertEqual(worker.body_text(worker.message_bytes(b"\n" + lead + mail(part("正文")), False, False))[0], "正文")
+            self.assertEqual(body_text(message_bytes(b"\n" + lead + mail(part("正文")), False, False))[0], "正文")
 
 
 if __name__ == "__main__":

@@ -1,0 +1,23 @@
+# The mail worker beside the programs: its sources, and their bytecode, which halves the time that a run takes to start.
+# The interpreter takes bytecode only from its own version and only where its hash is that of the source beside it, so
+# neither another Python nor an edited file runs anything else than the sources.
+find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter)
+
+set(worker_source ${PROJECT_SOURCE_DIR}/src/worker)
+set(worker_copy ${PROJECT_BINARY_DIR}/bin)
+file(GLOB worker_modules CONFIGURE_DEPENDS ${worker_source}/corvane_mail/*.py)
+
+add_custom_command(OUTPUT ${worker_copy}/corvane_mail/__pycache__/made
+    COMMAND ${CMAKE_COMMAND} -E rm -rf ${worker_copy}/corvane_mail
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${worker_copy}/corvane_mail
+    COMMAND ${CMAKE_COMMAND} -E copy ${worker_source}/mail_worker.py ${worker_copy}
+    COMMAND ${CMAKE_COMMAND} -E copy ${worker_modules} ${worker_copy}/corvane_mail
+    COMMAND ${Python3_EXECUTABLE} -I -m compileall -q --invalidation-mode checked-hash ${worker_copy}/corvane_mail
+    COMMAND ${CMAKE_COMMAND} -E touch ${worker_copy}/corvane_mail/__pycache__/made
+    DEPENDS ${worker_source}/mail_worker.py ${worker_modules}
+    COMMENT "Mail worker" VERBATIM)
+add_custom_target(mail_worker_script ALL DEPENDS ${worker_copy}/corvane_mail/__pycache__/made)
+
+include(GNUInstallDirs)
+install(FILES ${worker_copy}/mail_worker.py DESTINATION ${CMAKE_INSTALL_DATADIR}/corvane)
+install(DIRECTORY ${worker_copy}/corvane_mail DESTINATION ${CMAKE_INSTALL_DATADIR}/corvane PATTERN made EXCLUDE)

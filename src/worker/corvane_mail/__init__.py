@@ -1,0 +1,1 @@
+"""Readable text and attachments out of messages; the program is mail_worker.py beside this folder."""

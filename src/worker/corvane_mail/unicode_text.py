@@ -1,0 +1,38 @@
+"""Repairs of decoded text."""
+
+import re
+
+INVISIBLE = re.compile("[\u00ad\u034f\u200b\u200e\u200f\u2060\ufeff]|\u200c(?=[\\s\u034f\u200c]|$)")
+
+
+def repair_surrogates(text):
+    """Joins surrogate pairs and drops halves, which no UTF-8 answer could hold."""
+    return text.encode("utf-16-le", "surrogatepass").decode("utf-16-le", "replace")
+
+
+def undo_double_encoding(text):
+    """UTF-8 that was taken for windows-1252 and encoded once more."""
+    if not any(map(text.__contains__, "Ãâãäåæçèéêëìíîï")) or max(text) > "\u2122":
+        return text
+    try:
+        once = b"".join(c.encode("latin-1" if c < "\u0100" else "cp1252") for c in text).decode("utf-8")
+    except UnicodeError:
+        return text
+    return once if sum(c > "\xff" for c in once) >= 2 else text
+
+
+def nfc(text):
+    """Normal form C in linear time: endless runs of combining marks, which cost their square, are cut."""
+    if text.isascii():
+        return text
+    from unicodedata import normalize
+    if max(map(len, text.split("\n"))) <= 500:
+        return normalize("NFC", text)
+    pieces, start = [], 0
+    while start < len(text):
+        end = start + 400
+        while end < min(len(text), start + 500) and not (text[end] < "\u0300" or "\u3400" <= text[end] <= "\u9fff"):
+            end += 1
+        pieces.append(normalize("NFC", text[start:end]))
+        start = end
+    return "".join(pieces)
