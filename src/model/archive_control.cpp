@@ -44,6 +44,41 @@ std::optional<std::int64_t> countCandidates(const CountJob& job, const TaskHandl
     return count;
 }
 
+// Everything that the candidates depend on.
+struct CandidateJob {
+    SharedMessageList messages;
+    CandidateRules rules;
+    std::shared_ptr<const SharedTextSet> locallyAvailableIDs;
+    std::shared_ptr<const SharedTextSet> archivedMessageIDs;
+    std::shared_ptr<const YearByID> yearByID;
+};
+
+CandidateJob candidateJob(const MessageCatalog& catalog, const ModelFilters& filters) {
+    return {catalog.messages(), CandidateRules::of(filters), catalog.locallyAvailableIDs(),
+            catalog.archivedMessageIDs(), catalog.messageYearByID()};
+}
+
+// Null when stopped.
+SharedMessageList makeCandidates(const CandidateJob& job, const std::stop_token& stop = {}) {
+    MessageList candidates;
+    for (const MailMessageRecord& message : *job.messages) {
+        if (stop.stop_requested()) return nullptr;
+        if (job.locallyAvailableIDs->contains(message.id) && !job.archivedMessageIDs->contains(message.id) &&
+            job.rules.passes(message, *job.yearByID)) {
+            candidates.push_back(message);
+        }
+    }
+    return std::make_shared<const MessageList>(std::move(candidates));
+}
+
+MessageList selectedOf(const MessageList& candidates, const SharedTextSet& selection) {
+    MessageList selected;
+    for (const MailMessageRecord& message : candidates) {
+        if (selection.contains(message.id)) selected.push_back(message);
+    }
+    return selected;
+}
+
 } // namespace
 
 CandidateRules CandidateRules::of(const ModelFilters& filters) {
@@ -61,11 +96,15 @@ bool CandidateRules::passes(const MailMessageRecord& message, const YearByID& ye
     return (!maximumYear || year->second <= *maximumYear) && (years.empty() || years.contains(year->second));
 }
 
+std::int64_t estimatedArchiveBytes(double bytes) {
+    return static_cast<std::int64_t>(bytes * capacityMargin);
+}
+
 std::optional<std::string> archiveCapacityShortfall(const MessageList& messages, const std::string& path,
                                                     const platform::Platform& platform) {
     double bytes = 0;
     for (const MailMessageRecord& message : messages) bytes += static_cast<double>(message.messageSize);
-    const auto estimate = static_cast<std::int64_t>(bytes * capacityMargin);
+    const std::int64_t estimate = estimatedArchiveBytes(bytes);
     const auto available = platform.availableCapacity(path);
     if (!available || *available >= estimate) return std::nullopt;
     return fmt::format(
@@ -81,6 +120,7 @@ ArchiveControl::ArchiveControl(ModelContext& context, MessageCatalog& catalog, M
   , catalog_(catalog)
   , filters_(filters)
   , countTask_(context.tasks)
+  , candidatesTask_(context.tasks)
   , runTask_(context.tasks) {}
 
 std::string ArchiveControl::signature() const {
@@ -96,17 +136,27 @@ const SharedMessageList& ArchiveControl::archiveCandidates() {
     std::string current = signature();
     if (current == candidatesSignature_) return candidatesCache_;
     candidatesSignature_ = std::move(current);
-    const CandidateRules rules = CandidateRules::of(filters_);
-    MessageList candidates;
-    for (const MailMessageRecord& message : *catalog_.messages()) {
-        if (catalog_.locallyAvailableIDs()->contains(message.id) &&
-            !catalog_.archivedMessageIDs()->contains(message.id) &&
-            rules.passes(message, *catalog_.messageYearByID())) {
-            candidates.push_back(message);
-        }
-    }
-    candidatesCache_ = std::make_shared<const MessageList>(std::move(candidates));
+    candidatesCache_ = makeCandidates(candidateJob(catalog_, filters_));
     return candidatesCache_;
+}
+
+void ArchiveControl::refreshArchiveCandidatesAsync() {
+    if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
+    candidatesTask_.start(
+        TaskPriority::userInitiated, [this, job = candidateJob(catalog_, filters_), made = signature(),
+                                      isKnown = signature() == candidatesSignature_](const TaskHandle& task) {
+            const SharedMessageList candidates = isKnown ? nullptr : makeCandidates(job, task.stopToken());
+            if (!candidates && !isKnown) return;
+            task.onMain([this, candidates, made] {
+                // Whoever changed an input since has asked again or will ask for the list itself.
+                if (made != signature()) return;
+                if (candidates && made != candidatesSignature_) {
+                    candidatesSignature_ = made;
+                    candidatesCache_ = candidates;
+                }
+                Q_EMIT archiveCandidatesReady();
+            });
+        });
 }
 
 MailScanSummary ArchiveControl::archiveCandidateSummary() {
@@ -120,11 +170,7 @@ MailScanSummary ArchiveControl::selectedArchiveSummary() {
 }
 
 MessageList ArchiveControl::selectedArchiveMessages() {
-    MessageList selected;
-    for (const MailMessageRecord& message : *archiveCandidates()) {
-        if (selection_.contains(message.id)) selected.push_back(message);
-    }
-    return selected;
+    return selectedOf(*archiveCandidates(), *selection_);
 }
 
 std::int64_t ArchiveControl::cachedCandidateCount(const std::optional<std::string>& accountPrefix,
@@ -140,12 +186,25 @@ std::int64_t ArchiveControl::cachedCandidateCount(const std::optional<std::strin
     return count;
 }
 
+SharedTextSet& ArchiveControl::changeableSelection() {
+    if (isSelectionOfARun_) selection_ = std::make_shared<SharedTextSet>(*selection_);
+    isSelectionOfARun_ = false;
+    return *selection_;
+}
+
+void ArchiveControl::setArchiveSelection(SharedTextSet ids) {
+    selection_ = std::make_shared<SharedTextSet>(std::move(ids));
+    isSelectionOfARun_ = false;
+    Q_EMIT selectionChanged();
+}
+
 void ArchiveControl::toggleArchiveSelection(std::string_view id) {
-    const auto selected = selection_.find(id);
-    if (selected == selection_.end()) {
-        selection_.insert(SharedText(id));
+    SharedTextSet& selection = changeableSelection();
+    const auto selected = selection.find(id);
+    if (selected == selection.end()) {
+        selection.insert(SharedText(id));
     } else {
-        selection_.erase(selected);
+        selection.erase(selected);
     }
     Q_EMIT selectionChanged();
 }
@@ -155,12 +214,12 @@ void ArchiveControl::selectAllArchiveCandidates() {
 }
 
 void ArchiveControl::selectFirstArchiveCandidates(std::size_t count) {
-    selection_.clear();
+    SharedTextSet ids;
     for (const MailMessageRecord& message : *archiveCandidates()) {
-        if (selection_.size() >= count) break;
-        selection_.insert(message.id);
+        if (ids.size() >= count) break;
+        ids.insert(message.id);
     }
-    Q_EMIT selectionChanged();
+    setArchiveSelection(std::move(ids));
 }
 
 void ArchiveControl::selectArchiveRange(std::string_view from, std::string_view to) {
@@ -171,19 +230,18 @@ void ArchiveControl::selectArchiveRange(std::string_view from, std::string_view 
     };
     const auto [low, high] = std::minmax(find(from), find(to));
     if (high == candidates.end()) return;
-    for (auto message = low; message <= high; ++message) selection_.insert(message->id);
+    SharedTextSet& selection = changeableSelection();
+    for (auto message = low; message <= high; ++message) selection.insert(message->id);
     Q_EMIT selectionChanged();
 }
 
 void ArchiveControl::pruneArchiveSelection() {
-    if (selection_.empty()) return;
+    if (selection_->empty()) return;
     SharedTextSet kept;
     for (const MailMessageRecord& message : *archiveCandidates()) {
-        if (selection_.contains(message.id)) kept.insert(message.id);
+        if (selection_->contains(message.id)) kept.insert(message.id);
     }
-    if (kept.size() == selection_.size()) return;
-    selection_ = std::move(kept);
-    Q_EMIT selectionChanged();
+    if (kept.size() != selection_->size()) setArchiveSelection(std::move(kept));
 }
 
 void ArchiveControl::setCount(std::int64_t count, bool ready) {
@@ -252,26 +310,31 @@ void ArchiveControl::archiveSelectedEmails(const std::optional<std::string>& des
         completion(std::unexpected("您没有将文件存储到该位置的权限：请先选择归档位置。"));
         return;
     }
-    auto messages = std::make_shared<const MessageList>(selectedArchiveMessages());
-    if (messages->empty()) {
+    const MessageList& candidates = *archiveCandidates();
+    if (std::none_of(candidates.begin(), candidates.end(),
+                     [this](const auto& message) { return selection_->contains(message.id); })) {
         completion(std::unexpected("文件不存在：没有选择要归档的邮件。"));
         return;
     }
     completion_ = std::move(completion);
-    startRun(std::move(messages), *destination);
+    startRun(*destination);
 }
 
-void ArchiveControl::startRun(std::shared_ptr<const MessageList> messages, const std::string& destination) {
+void ArchiveControl::startRun(const std::string& destination) {
     runStop_ = std::stop_source();
-    runTask_.start(TaskPriority::userInitiated, [this, messages, destination, stop = runStop_.get_token(),
+    isSelectionOfARun_ = true;
+    runTask_.start(TaskPriority::userInitiated, [this, candidates = archiveCandidates(),
+                                                 selection = std::shared_ptr<const SharedTextSet>(selection_),
+                                                 destination, stop = runStop_.get_token(),
                                                  &platform = context_.platform](const TaskHandle& task) {
+        const MessageList messages = selectedOf(*candidates, *selection);
         const auto finish = [&](RunOutcome outcome) {
             task.onMain([this, destination, outcome = std::make_shared<RunOutcome>(std::move(outcome))] {
                 finishRun(std::move(*outcome), destination);
             });
         };
         // The place may be a sleeping disk, so it isn't asked on the main thread.
-        if (const auto shortfall = archiveCapacityShortfall(*messages, destination, platform)) {
+        if (const auto shortfall = archiveCapacityShortfall(messages, destination, platform)) {
             finish(std::unexpected(*shortfall));
             return;
         }
@@ -282,7 +345,7 @@ void ArchiveControl::startRun(std::shared_ptr<const MessageList> messages, const
             ArchiverOptions options;
             options.markHidden = [&platform](const std::string& path) { platform.markHidden(path); };
             finish(MailEmailArchiver(platform::posixFileLayer(), options)
-                       .archive(*messages, destination, report, stop));
+                       .archive(messages, destination, report, stop));
         } catch (const std::exception& error) {
             finish(std::unexpected(std::string(error.what())));
         }

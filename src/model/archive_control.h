@@ -29,6 +29,9 @@ struct CandidateRules {
     [[nodiscard]] bool passes(const MailMessageRecord& message, const YearByID& yearByID) const;
 };
 
+// What messages of `bytes` in all need at their destination: a margin of 15 percent is added.
+std::int64_t estimatedArchiveBytes(double bytes);
+
 // The user's message when the place at `path` is too small for the messages and a margin of 15 percent;
 // nothing when it isn't, or can't be told.
 std::optional<std::string> archiveCapacityShortfall(const MessageList& messages, const std::string& path,
@@ -47,11 +50,16 @@ class ArchiveControl : public QObject {
 
     // In the order of the messages; computed at most once a state of everything it depends on.
     [[nodiscard]] const SharedMessageList& archiveCandidates();
+
+    // Makes the candidates in the background for whoever must not wait for them; `archiveCandidatesReady`
+    // follows, also when they are known already. From then on `archiveCandidates` costs nothing.
+    void refreshArchiveCandidatesAsync();
+
     [[nodiscard]] MailScanSummary archiveCandidateSummary();
     [[nodiscard]] MailScanSummary selectedArchiveSummary();
     [[nodiscard]] MessageList selectedArchiveMessages();
 
-    [[nodiscard]] const SharedTextSet& selectedArchiveMessageIDs() const { return selection_; }
+    [[nodiscard]] const SharedTextSet& selectedArchiveMessageIDs() const { return *selection_; }
 
     // The count for screens, made in the background.
     [[nodiscard]] std::int64_t archiveCandidateCount() const { return candidateCount_; }
@@ -70,6 +78,11 @@ class ArchiveControl : public QObject {
 
     void toggleArchiveSelection(std::string_view id);
     void selectAllArchiveCandidates();
+
+    void selectNoArchiveCandidates() { setArchiveSelection({}); }
+
+    // Replaces what was selected. Ids of no candidate are dropped at the next prune and never archived.
+    void setArchiveSelection(SharedTextSet ids);
 
     // The first `count` candidates.
     void selectFirstArchiveCandidates(std::size_t count);
@@ -99,6 +112,7 @@ class ArchiveControl : public QObject {
   Q_SIGNALS:
     void selectionChanged();
     void candidateCountChanged();
+    void archiveCandidatesReady();
     void progressChanged();
     // A run has ended with a result.
     void archiveRunFinished(const corvane::EmailArchiveRunResult& result, const QString& destination);
@@ -107,7 +121,9 @@ class ArchiveControl : public QObject {
     [[nodiscard]] std::string signature() const;
     void setCount(std::int64_t count, bool ready);
     void setProgress(std::optional<EmailArchiveProgress> progress);
-    void startRun(std::shared_ptr<const MessageList> messages, const std::string& destination);
+    // For changes in place: a run reads its selection on its own thread, and keeps it.
+    SharedTextSet& changeableSelection();
+    void startRun(const std::string& destination);
     void finishRun(RunOutcome outcome, const std::string& destination);
 
     ModelContext& context_;
@@ -117,7 +133,8 @@ class ArchiveControl : public QObject {
     std::int64_t archivedRevision_ = 0;
     SharedMessageList candidatesCache_ = std::make_shared<const MessageList>();
     std::string candidatesSignature_;
-    SharedTextSet selection_;
+    std::shared_ptr<SharedTextSet> selection_ = std::make_shared<SharedTextSet>();
+    bool isSelectionOfARun_ = false;
     std::int64_t candidateCount_ = 0;
     bool candidateCountReady_ = true;
     std::string candidateCountSignature_;
@@ -125,6 +142,7 @@ class ArchiveControl : public QObject {
     Completion completion_;
     std::stop_source runStop_{std::nostopstate};
     TaskSlot countTask_;
+    TaskSlot candidatesTask_;
     TaskSlot runTask_;
 };
 

@@ -96,7 +96,10 @@ void CorvaneViewModel::wireArchive() {
     connect(&library_, &LibraryLoader::archivedBaseIDsChanged, this, [this] { archivedBaseIDsReplaced(); });
     connect(&destinations_, &ArchiveDestinations::destinationPrepared, this,
             [this] { loadArchiveIndex(false); });
-    connect(&archive_, &ArchiveControl::archiveRunFinished, this, [this] { loadArchiveIndex(true); });
+    connect(&archive_, &ArchiveControl::archiveRunFinished, this, [this] {
+        loadArchiveIndex(true);
+        destinations_.refreshFacts();
+    });
 }
 
 void CorvaneViewModel::archivedBaseIDsReplaced() {
@@ -118,6 +121,7 @@ void CorvaneViewModel::wireVolumes() {
             tasks.postToMain([model, event] {
                 if (!model) return;
                 model->library_.refreshArchiveLocationConnectionStates();
+                model->destinations_.refreshFacts();
                 if (event == platform::MountEvent::mounted) model->loadArchiveIndex(false);
             });
         });

@@ -41,6 +41,7 @@ DestinationFacts computeDestinationFacts(const platform::Platform& platform,
         facts.filesystemName = shownFileSystemName(*type);
     }
     facts.onInternalDisk = isOnInternalVolume(platform, *destination);
+    facts.availableBytes = platform.availableCapacity(*destination);
     return facts;
 }
 

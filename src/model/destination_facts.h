@@ -2,6 +2,7 @@
 // only.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,6 +17,7 @@ struct DestinationFacts {
     std::optional<std::string> filesystemName; // as people know it; a FAT disk wants a warning
     bool inSymlinkContainer = false;           // a provider's shortcuts, which aren't synchronised
     bool onInternalDisk = false;
+    std::optional<std::int64_t> availableBytes;
     std::vector<std::string> rememberedManualDestinations; // earlier folders that no detection finds
 
     friend bool operator==(const DestinationFacts&, const DestinationFacts&) = default;
