@@ -16,6 +16,7 @@
 #include "records/console_log.h"
 #include "text/case.h"
 #include "text/encoding.h"
+#include "text/graphemes.h"
 #include "text/regex.h"
 
 namespace corvane::mailstore {
@@ -217,8 +218,8 @@ std::string displayDomain(std::string_view address) {
     const std::size_t at = address.find('@');
     if (at != std::string_view::npos) address.remove_prefix(at + 1);
     std::string name(address.substr(0, address.find('.')));
-    if (!name.empty()) name.replace(0, 1, text::asciiUppercased(name.substr(0, 1)));
-    return name;
+    const std::size_t initial = text::graphemePrefix(name, 1).size();
+    return text::uppercased(name.substr(0, initial)) + name.substr(initial);
 }
 
 std::vector<MailAccount> queryAccounts(const MailStoreContext& context, const std::string& rootPath) {

@@ -89,7 +89,7 @@ std::string mimeTypeGuess(std::string_view name, std::string_view contentType) {
     }
     if (!contentType.empty() && !text::equalsIgnoringCase(contentType, "application/octet-stream"))
         return std::string(contentType);
-    return written.empty() ? "附件" : text::asciiUppercased(written);
+    return written.empty() ? "附件" : text::uppercased(written);
 }
 
 bool hasImageExtension(std::string_view name) {

@@ -25,6 +25,21 @@ std::string caseFolded(std::string_view text) {
     return folded;
 }
 
+using CaseMapping = void (*)(const char*, std::uint32_t, icu::StringPiece, icu::ByteSink&, icu::Edits*,
+                             UErrorCode&);
+
+std::string mapped(std::string_view text, CaseMapping mapping) {
+    // ICU passes ill-formed bytes on.
+    if (!isValidUtf8(text)) return mapped(repairedUtf8(text), mapping);
+    std::string result;
+    result.reserve(text.size());
+    icu::StringByteSink<std::string> sink(&result);
+    UErrorCode status = U_ZERO_ERROR;
+    mapping("", 0, icuPiece(text), sink, nullptr, status);
+    requireSuccess(status, "CaseMap");
+    return result;
+}
+
 } // namespace
 
 std::string asciiLowercased(std::string_view text) {
@@ -41,16 +56,11 @@ std::string asciiUppercased(std::string_view text) {
 }
 
 std::string lowercased(std::string_view text) {
-    if (isAscii(text)) return asciiLowercased(text);
-    // ICU passes ill-formed bytes on.
-    if (!isValidUtf8(text)) return lowercased(repairedUtf8(text));
-    std::string lower;
-    lower.reserve(text.size());
-    icu::StringByteSink<std::string> sink(&lower);
-    UErrorCode status = U_ZERO_ERROR;
-    icu::CaseMap::utf8ToLower("", 0, icuPiece(text), sink, nullptr, status);
-    requireSuccess(status, "CaseMap::utf8ToLower");
-    return lower;
+    return isAscii(text) ? asciiLowercased(text) : mapped(text, icu::CaseMap::utf8ToLower);
+}
+
+std::string uppercased(std::string_view text) {
+    return isAscii(text) ? asciiUppercased(text) : mapped(text, icu::CaseMap::utf8ToUpper);
 }
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {

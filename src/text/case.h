@@ -7,8 +7,9 @@
 
 namespace corvane::text {
 
-// Full lower-case mapping; ill-formed bytes become U+FFFD.
+// Full case mappings; ill-formed bytes become U+FFFD.
 std::string lowercased(std::string_view text);
+std::string uppercased(std::string_view text);
 
 // Only A to Z.
 std::string asciiLowercased(std::string_view text);

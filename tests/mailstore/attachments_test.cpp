@@ -45,6 +45,7 @@ TEST(AttachmentNames, LabelsGoByExtensionThenContentType) {
     EXPECT_EQ(mimeTypeGuess("a.7z", ""), "压缩/安装包");
     EXPECT_EQ(mimeTypeGuess("a.bmp", ""), "BMP");
     EXPECT_EQ(mimeTypeGuess("a.xyz", "Application/Octet-Stream"), "XYZ");
+    EXPECT_EQ(mimeTypeGuess("a.é1", ""), "É1");
     EXPECT_EQ(mimeTypeGuess("a.xyz", "text/calendar"), "text/calendar");
     EXPECT_EQ(mimeTypeGuess("plain", ""), "附件");
 }

@@ -24,6 +24,7 @@ TEST(Case, LowersByTheRootLocaleWhateverTheProcessSpeaks) {
     uloc_setDefault(earlier.c_str(), &status);
     EXPECT_EQ(asciiLowercased("[ÄZ@`{"), "[Äz@`{");
     EXPECT_EQ(asciiUppercased("[äz@`{"), "[äZ@`{");
+    EXPECT_EQ(uppercased("é-ß1"), "É-SS1");
 }
 
 TEST(Case, ComparesWithFullFolding) {
