@@ -1,11 +1,11 @@
-// What stands in a record's preview when there is no text of the message in it.
+// The placeholders of a record's preview, under the names of the store's reader.
 #pragma once
 
-#include <string_view>
+#include "records/preview_placeholders.h"
 
 namespace corvane::mailstore {
 
-inline constexpr std::string_view lazyPreviewPlaceholder = "正在加载正文预览...";
-inline constexpr std::string_view emptyBodyPreviewPlaceholder = "暂无正文预览";
+using corvane::emptyBodyPreviewPlaceholder;
+using corvane::lazyPreviewPlaceholder;
 
 } // namespace corvane::mailstore

@@ -21,18 +21,9 @@ ReadOnlyConnection::ReadOnlyConnection(const std::string& name, NameKind kind) {
     sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
 }
 
-Statement::Statement(const ReadOnlyConnection& connection, const char* sql) {
-    sqlite3_stmt* handle = nullptr;
-    const int result = sqlite3_prepare_v2(connection.handle(), sql, -1, &handle, nullptr);
-    handle_.reset(handle);
-    if (result != SQLITE_OK) throw SqliteError(SqliteError::Step::prepare, lastMessage(connection.handle()));
-}
-
-std::optional<std::string_view> Statement::text(int column) const {
-    const auto* characters = sqlite3_column_text(handle_.get(), column);
-    if (characters == nullptr) return std::nullopt;
-    return std::string_view(reinterpret_cast<const char*>(characters),
-                            static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column)));
+Statement::Statement(const ReadOnlyConnection& connection, const char* sql)
+  : SqliteStatement(connection.handle(), sql) {
+    if (!*this) throw SqliteError(SqliteError::Step::prepare, lastMessage(connection.handle()));
 }
 
 } // namespace corvane::mailstore

@@ -1,0 +1,40 @@
+#include "platform/sqlite.h"
+
+namespace corvane::platform {
+
+SqliteStatement::SqliteStatement(sqlite3* connection, const char* sql, unsigned flags) {
+    sqlite3_stmt* handle = nullptr;
+    status_ = sqlite3_prepare_v3(connection, sql, -1, flags, &handle, nullptr);
+    handle_.reset(handle);
+    if (status_ == SQLITE_OK) status_ = SQLITE_MISUSE;
+}
+
+void SqliteStatement::bindText(int index, std::string_view text) {
+    // SQLite takes a null pointer for NULL, which an empty text isn't.
+    sqlite3_bind_text64(handle_.get(), index, text.empty() ? "" : text.data(), text.size(), SQLITE_TRANSIENT,
+                        SQLITE_UTF8);
+}
+
+void SqliteStatement::bindInteger(int index, std::int64_t value) {
+    sqlite3_bind_int64(handle_.get(), index, value);
+}
+
+bool SqliteStatement::step() {
+    status_ = sqlite3_step(handle_.get());
+    return status_ == SQLITE_ROW;
+}
+
+void SqliteStatement::reset() {
+    if (!handle_) return;
+    sqlite3_reset(handle_.get());
+    sqlite3_clear_bindings(handle_.get());
+}
+
+std::optional<std::string_view> SqliteStatement::text(int column) const {
+    const auto* characters = sqlite3_column_text(handle_.get(), column);
+    if (characters == nullptr) return std::nullopt;
+    return std::string_view(reinterpret_cast<const char*>(characters),
+                            static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column)));
+}
+
+} // namespace corvane::platform
