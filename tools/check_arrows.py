@@ -15,7 +15,7 @@ ARROWS = {
     "records": {"text", "platform"},
     "worker": {"text", "platform", "records"},
     "mailstore": {"text", "platform", "records", "worker"},
-    "search": {"text", "platform", "records", "mailstore"},
+    "search": {"text", "platform", "records"},
     "archive": {"text", "platform", "records", "worker", "mailstore", "search"},
     "library": {"text", "platform", "records", "mailstore"},
     "model": {"text", "platform", "records", "worker", "mailstore", "search", "archive", "library"},

@@ -1,0 +1,224 @@
+#include "search/mail_search_index.h"
+
+#include <charconv>
+
+#include "records/preview_placeholders.h"
+#include "search/search_database.h"
+#include "search/search_index_files.h"
+#include "search/substring_search.h"
+#include "text/trim.h"
+
+namespace corvane {
+
+namespace {
+
+using platform::SqliteStatement;
+
+constexpr std::string_view recordMapBuiltKey = "record_map_built";
+constexpr std::string_view extractorVersionKey = "extractor_version";
+constexpr std::int64_t extractorVersion = 9;
+
+bool countsAsEmpty(std::string_view body) {
+    const std::string_view trimmed = text::trimWhitespaceAndNewlines(body);
+    return trimmed.empty() || trimmed == emptyBodyPreviewPlaceholder;
+}
+
+std::optional<std::int64_t> decimalInteger(std::string_view text) {
+    if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
+    std::int64_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return value;
+}
+
+} // namespace
+
+MailSearchIndex::MailSearchIndex(platform::SqliteConnection database)
+  : database_(std::move(database))
+  , hasTrigrams_(search::hasTrigramTable(database_.get()))
+  , rowIDOfRecord_(database_.get(), "SELECT fts_rowid FROM record_map WHERE record_id = ?;",
+                   SQLITE_PREPARE_PERSISTENT)
+  , bodyOfRow_(database_.get(), "SELECT body FROM email_fts WHERE rowid = ?;", SQLITE_PREPARE_PERSISTENT) {
+    provideRecordMap();
+    if (metaInt(extractorVersionKey) != extractorVersion)
+        setMeta(extractorVersionKey, std::to_string(extractorVersion));
+}
+
+std::unique_ptr<MailSearchIndex> MailSearchIndex::make(platform::SqliteConnection database) {
+    return database ? std::unique_ptr<MailSearchIndex>(new MailSearchIndex(std::move(database))) : nullptr;
+}
+
+std::unique_ptr<MailSearchIndex> MailSearchIndex::open(const CorvaneAppSupport& support,
+                                                       std::string_view archiveRoot) {
+    const auto url = search::databaseURL(support, archiveRoot);
+    bool isFileDamaged = false;
+    return url ? make(search::openSearchDatabase(url->path().str(), isFileDamaged)) : nullptr;
+}
+
+std::unique_ptr<MailSearchIndex> MailSearchIndex::openOrReset(const CorvaneAppSupport& support,
+                                                              std::string_view archiveRoot) {
+    const auto url = search::databaseURL(support, archiveRoot);
+    if (!url) return nullptr;
+    bool isFileDamaged = false;
+    auto index = make(search::openSearchDatabase(url->path().str(), isFileDamaged));
+    return isFileDamaged || (index && index->isDamaged()) ? openReset(support, archiveRoot)
+                                                          : std::move(index);
+}
+
+std::unique_ptr<MailSearchIndex> MailSearchIndex::openReset(const CorvaneAppSupport& support,
+                                                            std::string_view archiveRoot) {
+    const auto url = search::databaseURL(support, archiveRoot);
+    return url ? make(search::openAfterReset(url->path().str())) : nullptr;
+}
+
+// Only a map that was filled counts as built: another try costs less than bodies that can't be found.
+void MailSearchIndex::provideRecordMap() {
+    if (metaInt(recordMapBuiltKey) == 1) return;
+    const int status =
+        search::execute(database_.get(), "INSERT OR REPLACE INTO record_map(record_id, fts_rowid) SELECT "
+                                         "record_id, rowid FROM email_fts;");
+    noteStatus(status);
+    if (status == SQLITE_OK) setMeta(recordMapBuiltKey, "1");
+}
+
+void MailSearchIndex::bulkInsert(std::span<const SearchIndexRow> rows) {
+    if (rows.empty()) return;
+    const std::scoped_lock lock(writing_);
+    search::execute(database_.get(), "BEGIN;");
+    insertRows(rows);
+    // What did work stays.
+    noteStatus(search::execute(database_.get(), "COMMIT;"));
+}
+
+void MailSearchIndex::insertRows(std::span<const SearchIndexRow> rows) {
+    SqliteStatement insert(database_.get(), "INSERT INTO email_fts(record_id,subject,sender,recipients,"
+                                            "attachments,body) VALUES(?,?,?,?,?,?);");
+    SqliteStatement map(database_.get(),
+                        "INSERT OR REPLACE INTO record_map(record_id, fts_rowid) VALUES(?,?);");
+    if (!insert || !map) return;
+    for (const SearchIndexRow& row : rows) {
+        int column = 0;
+        for (const std::string_view text :
+             {row.id.view(), row.subject.view(), row.sender.view(), row.recipients.view(),
+              std::string_view(row.attachments), std::string_view(row.body)})
+            insert.bindText(++column, text);
+        insert.step();
+        noteStatus(insert.status());
+        const bool isInserted = insert.status() == SQLITE_DONE;
+        const std::int64_t rowID = sqlite3_last_insert_rowid(database_.get());
+        insert.reset();
+        if (!isInserted) continue;
+        map.bindText(1, row.id);
+        map.bindInteger(2, rowID);
+        map.step();
+        noteStatus(map.status());
+        map.reset();
+    }
+}
+
+SharedTextSet MailSearchIndex::search(std::string_view query) const {
+    const std::string_view text = text::trimWhitespaceAndNewlines(query);
+    if (text.empty()) return {};
+    if (hasTrigrams_) {
+        if (auto ids = search::idsByTrigrams(database_.get(), text)) return std::move(*ids);
+    }
+    return search::idsByScan(database_.get(), text).value_or(SharedTextSet());
+}
+
+std::optional<std::string> MailSearchIndex::body(std::string_view id) const {
+    const std::scoped_lock lock(lookingUp_);
+    const auto rowID = rowIDLocked(id);
+    if (!rowID) return std::nullopt;
+    bodyOfRow_.bindInteger(1, *rowID);
+    std::optional<std::string> body;
+    if (bodyOfRow_.step()) {
+        const auto text = bodyOfRow_.text(0);
+        if (text && !countsAsEmpty(*text)) body = std::string(*text);
+    }
+    noteStatus(bodyOfRow_.status());
+    bodyOfRow_.reset();
+    return body;
+}
+
+std::optional<std::int64_t> MailSearchIndex::ftsRowID(std::string_view recordID) const {
+    const std::scoped_lock lock(lookingUp_);
+    return rowIDLocked(recordID);
+}
+
+std::optional<std::int64_t> MailSearchIndex::rowIDLocked(std::string_view recordID) const {
+    rowIDOfRecord_.bindText(1, recordID);
+    std::optional<std::int64_t> rowID;
+    if (rowIDOfRecord_.step()) rowID = rowIDOfRecord_.integer(0);
+    noteStatus(rowIDOfRecord_.status());
+    rowIDOfRecord_.reset();
+    return rowID;
+}
+
+void MailSearchIndex::remove(std::string_view id) {
+    const std::scoped_lock lock(writing_);
+    if (const auto rowID = ftsRowID(id)) {
+        SqliteStatement row(database_.get(), "DELETE FROM email_fts WHERE rowid = ?;");
+        row.bindInteger(1, *rowID);
+        row.step();
+        noteStatus(row.status());
+    }
+    SqliteStatement map(database_.get(), "DELETE FROM record_map WHERE record_id = ?;");
+    map.bindText(1, id);
+    map.step();
+    noteStatus(map.status());
+}
+
+void MailSearchIndex::clear() {
+    const std::scoped_lock lock(writing_);
+    if (search::makeTablesAnew(database_.get())) hasTrigrams_ = true;
+}
+
+std::optional<SharedTextSet> MailSearchIndex::indexedIDs() const {
+    SqliteStatement query(database_.get(), "SELECT record_id FROM email_fts;");
+    SharedTextSet ids;
+    while (query.step()) {
+        if (const auto id = query.text(0)) ids.insert(SharedText(*id));
+    }
+    noteStatus(query.status());
+    if (query.status() != SQLITE_DONE) return std::nullopt;
+    return ids;
+}
+
+std::optional<IndexedBodyStates> MailSearchIndex::bodyStates() const {
+    SqliteStatement query(database_.get(), "SELECT record_id, body FROM email_fts;");
+    IndexedBodyStates states;
+    while (query.step()) {
+        const auto id = query.text(0);
+        if (!id) continue;
+        const auto body = query.text(1);
+        (body && !countsAsEmpty(*body) ? states.withBody : states.withoutBody).insert(SharedText(*id));
+    }
+    noteStatus(query.status());
+    if (query.status() != SQLITE_DONE) return std::nullopt;
+    return states;
+}
+
+std::int64_t MailSearchIndex::metaInt(std::string_view key) const {
+    SqliteStatement query(database_.get(), "SELECT value FROM meta WHERE key = ?;");
+    query.bindText(1, key);
+    if (!query.step()) return noMetaValue;
+    return decimalInteger(query.text(0).value_or("")).value_or(noMetaValue);
+}
+
+void MailSearchIndex::setMeta(std::string_view key, std::string_view value) {
+    const std::scoped_lock lock(writing_);
+    SqliteStatement statement(database_.get(), "INSERT OR REPLACE INTO meta(key,value) VALUES(?,?);");
+    statement.bindText(1, key);
+    statement.bindText(2, value);
+    statement.step();
+}
+
+void MailSearchIndex::pruneOrphans(const CorvaneAppSupport& support, std::span<const std::string> liveRoots) {
+    search::pruneOrphans(support, liveRoots);
+}
+
+void MailSearchIndex::noteStatus(int status) const {
+    if (search::meansDamage(status)) isDamaged_ = true;
+}
+
+} // namespace corvane

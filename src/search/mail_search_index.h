@@ -1,0 +1,123 @@
+// The full-text store of one archive: subject, sender, recipients, attachment names and body of every
+// archived message. It finds messages by any part of these texts, and hands back a body without reading the
+// archive. A derived cache on the local disk, which can be rebuilt from the archive at any time.
+//
+// One instance owns one connection and may be used from several threads at once; several instances, in other
+// processes too, may be open on one archive. Writers wait up to 5 seconds for each other. No operation throws
+// or tells of a failure: a failed one gives the empty result or leaves the data as it was. All of them touch
+// the disk, and those marked so read every row.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "platform/sqlite.h"
+#include "records/app_support.h"
+#include "text/shared_text.h"
+
+namespace corvane {
+
+struct SearchIndexRow {
+    SharedText id; // of the archived record
+    SharedText subject;
+    SharedText sender;
+    SharedText recipients;
+    std::string attachments; // names joined by single blanks
+    std::string body;
+};
+
+// The ids of an index by whether their rows have a text. An id with several rows may be in both.
+struct IndexedBodyStates {
+    SharedTextSet withBody;
+    SharedTextSet withoutBody;
+};
+
+class MailSearchIndex {
+  public:
+    static constexpr std::int64_t noMetaValue = std::numeric_limits<std::int64_t>::min();
+
+    // Opens or creates the index of an archive, which need not be connected; null when that fails.
+    static std::unique_ptr<MailSearchIndex> open(const CorvaneAppSupport& support,
+                                                 std::string_view archiveRoot);
+
+    // The same, but a file that turns out at once to be no database, or a damaged one, is begun anew.
+    static std::unique_ptr<MailSearchIndex> openOrReset(const CorvaneAppSupport& support,
+                                                        std::string_view archiveRoot);
+
+    // Begins anew whatever the file holds, in place. Null when that fails, as while another one writes.
+    static std::unique_ptr<MailSearchIndex> openReset(const CorvaneAppSupport& support,
+                                                      std::string_view archiveRoot);
+
+    // Adds the rows in one transaction. A row whose id is there already is added beside it, and the later one
+    // answers for the id.
+    void bulkInsert(std::span<const SearchIndexRow> rows);
+
+    // The ids of all records that hold the text in one of their columns, white space around it left out; none
+    // for an empty text. ASCII letters match in either case, nothing has a special meaning. Reads every row
+    // for fewer than three characters, and where most rows match.
+    [[nodiscard]] SharedTextSet search(std::string_view query) const;
+
+    // The body as it was stored; nothing when there is none or it counts as empty.
+    [[nodiscard]] std::optional<std::string> body(std::string_view id) const;
+
+    // Removes the row that answers for the id.
+    void remove(std::string_view id);
+
+    // Removes all rows.
+    void clear();
+
+    // Nothing after an error: who takes that for an empty index would add all rows a second time. Reads every
+    // row, but no texts.
+    [[nodiscard]] std::optional<SharedTextSet> indexedIDs() const;
+
+    // Nothing after an error. Reads every row.
+    [[nodiscard]] std::optional<IndexedBodyStates> bodyStates() const;
+
+    [[nodiscard]] SharedTextSet indexedIDsWithNonEmptyBody() const {
+        return bodyStates().value_or(IndexedBodyStates()).withBody;
+    }
+
+    [[nodiscard]] SharedTextSet emptyBodyIDs() const {
+        return bodyStates().value_or(IndexedBodyStates()).withoutBody;
+    }
+
+    // noMetaValue when there is none, or no decimal number.
+    [[nodiscard]] std::int64_t metaInt(std::string_view key) const;
+    void setMeta(std::string_view key, std::string_view value);
+
+    [[nodiscard]] std::optional<std::int64_t> ftsRowID(std::string_view recordID) const;
+
+    // An operation met a damaged place of the file. The others go on with what can be read.
+    [[nodiscard]] bool isDamaged() const { return isDamaged_; }
+
+    // Removes the databases of all archives but these.
+    static void pruneOrphans(const CorvaneAppSupport& support, std::span<const std::string> liveRoots);
+
+  private:
+    explicit MailSearchIndex(platform::SqliteConnection database);
+
+    // Null for none.
+    static std::unique_ptr<MailSearchIndex> make(platform::SqliteConnection database);
+    void provideRecordMap();
+    void insertRows(std::span<const SearchIndexRow> rows);
+    [[nodiscard]] std::optional<std::int64_t> rowIDLocked(std::string_view recordID) const;
+    void noteStatus(int status) const;
+
+    platform::SqliteConnection database_;
+    std::atomic<bool> hasTrigrams_;
+    mutable std::atomic<bool> isDamaged_ = false;
+    std::mutex writing_; // a transaction belongs to the connection, not to a thread
+    // Preparing costs several times what a look-up does, so these two are kept, and used under `lookingUp_`.
+    mutable std::mutex lookingUp_;
+    mutable platform::SqliteStatement rowIDOfRecord_;
+    mutable platform::SqliteStatement bodyOfRow_;
+};
+
+} // namespace corvane

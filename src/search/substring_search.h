@@ -1,0 +1,39 @@
+// Finding the rows of the full-text table that hold a text in one of their five columns, as SQL's LIKE tells
+// it: without regard to the case of ASCII letters, everything else exactly.
+//
+// LIKE has to read every row. From three characters on, the index of trigrams says which rows come into
+// question, and LIKE is asked of those only. The index may name more rows than LIKE finds, never fewer:
+// - both read a text's bytes as the same characters, ill-formed ones too, and both stop at U+0000;
+// - the tokenizer folds one character to one, and folds the ASCII letters as LIKE does, so characters that
+// are
+//   equal for LIKE have equal folds, and what LIKE finds in a column is in its sequence of trigrams.
+// A text is left to LIKE alone when it has fewer than three characters (no trigram), holds U+0000 (where LIKE
+// takes the pattern to end) or isn't UTF-8, when the table isn't ours, when the index names so many rows that
+// looking them up takes longer than reading all, and whenever anything fails.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/sqlite.h"
+#include "text/shared_text.h"
+
+namespace corvane::search {
+
+// The pattern of LIKE that means: contains the text.
+std::string likePattern(std::string_view text);
+
+// A query of FTS5's own language for rows that may hold the text; nothing for a text that the index can't be
+// asked for. It has a bounded number of trigrams, however long the text is.
+std::optional<std::string> trigramQuery(std::string_view text);
+
+// The record ids of all rows that hold the text. Nothing after an error, whose code `database` then knows.
+std::optional<SharedTextSet> idsByScan(sqlite3* database, std::string_view text);
+
+// The same by way of the index. Nothing when that can't be done, failed or isn't worth it.
+std::optional<SharedTextSet> idsByTrigrams(sqlite3* database, std::string_view text);
+
+} // namespace corvane::search
