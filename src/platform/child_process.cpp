@@ -11,6 +11,7 @@
 #include <sys/wait.h>
 
 #include "platform/process_start.h"
+#include "platform/timed_poll.h"
 
 namespace corvane::platform {
 
@@ -23,36 +24,6 @@ constexpr std::chrono::seconds terminationGrace{1};
 [[noreturn]] void throwLastError(const char* what) {
     throw std::system_error(errno, std::generic_category(), what);
 }
-
-// Milliseconds for poll(2), rounded up so that a wait never ends just before its deadline.
-int pollTimeout(Clock::time_point deadline) {
-    const auto now = Clock::now();
-    if (deadline <= now) return 0;
-    if (deadline - now > std::chrono::hours(1)) return 3'600'000;
-    return static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(deadline - now).count());
-}
-
-// Becomes readable when the stop is requested; without a possible stop it has no descriptor.
-class StopSignal {
-  public:
-    explicit StopSignal(std::stop_token stop) {
-        if (!stop.stop_possible()) return;
-        pipe_ = makePipe();
-        callback_.emplace(std::move(stop), CloseWriteEnd{&pipe_});
-    }
-
-    [[nodiscard]] int descriptor() const noexcept { return pipe_.readEnd.get(); }
-
-  private:
-    struct CloseWriteEnd {
-        Pipe* pipe;
-
-        void operator()() const noexcept { pipe->writeEnd.reset(); }
-    };
-
-    Pipe pipe_;
-    std::optional<std::stop_callback<CloseWriteEnd>> callback_;
-};
 
 // Keeps SIGPIPE from this thread for one write, and takes away the one that the write raised.
 class PipeSignalBlock {
@@ -201,11 +172,11 @@ bool ChildProcess::isRunning() {
 }
 
 void ChildProcess::terminate() noexcept {
-    if (!reap(WNOHANG)) ::kill(pid_, SIGTERM);
+    if (!reap(WNOHANG)) ::kill(-pid_, SIGTERM);
 }
 
 void ChildProcess::kill() noexcept {
-    if (!reap(WNOHANG)) ::kill(pid_, SIGKILL);
+    if (!reap(WNOHANG)) ::kill(-pid_, SIGKILL);
 }
 
 void ChildProcess::terminateAndWait() {

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -34,6 +35,9 @@ struct ChildProcessOptions {
     std::vector<std::pair<std::string, std::string>> environment{};
     // Upkeep: it yields the processor to what the user waits for.
     bool isUpkeep = false;
+    // No file that the child writes grows beyond this: the write fails, and a child that doesn't handle that
+    // dies.
+    std::optional<std::int64_t> fileSizeLimitBytes{};
 };
 
 class ChildProcess {
@@ -51,6 +55,7 @@ class ChildProcess {
     std::optional<int> waitUntil(std::chrono::steady_clock::time_point deadline, std::stop_token stop = {});
 
     [[nodiscard]] bool isRunning();
+    // To the child while it runs, and to what it started in its process group.
     void terminate() noexcept; // SIGTERM
     void kill() noexcept;      // SIGKILL
 

@@ -45,8 +45,15 @@ class Platform {
 
     [[nodiscard]] virtual std::string temporaryDirectory() const = 0;
 
-    // The sqlite3 command-line shell and the Python runtimes to try, in order.
+    // The sqlite3 command-line shell.
     [[nodiscard]] virtual std::string sqliteShellPath() const = 0;
+
+    // Folders that may hold files that belong to the program, in the order in which to look. They need not
+    // exist. Never blocks.
+    [[nodiscard]] virtual std::vector<std::string> programResourceFolders() const { return {}; }
+
+    // Where this system keeps a Python 3 runtime, in the order in which to look. Never blocks.
+    [[nodiscard]] virtual std::vector<std::string> pythonRuntimes() const { return {}; }
 
     // Mounted volumes; nothing when the system can't tell.
     [[nodiscard]] virtual std::optional<std::vector<Volume>> mountedVolumes() const = 0;

@@ -9,6 +9,11 @@ simdjson::ondemand::document JsonReader::begin(std::string_view before, std::str
     buffer_.clear();
     buffer_.reserve(before.size() + json.size() + after.size() + simdjson::SIMDJSON_PADDING);
     buffer_.append(before).append(json).append(after);
+    return beginBuffer();
+}
+
+simdjson::ondemand::document JsonReader::beginBuffer() {
+    buffer_.reserve(buffer_.size() + simdjson::SIMDJSON_PADDING);
     simdjson::ondemand::document document;
     require(parser_.iterate(simdjson::padded_string_view(buffer_.data(), buffer_.size(), buffer_.capacity()))
                 .get(document));

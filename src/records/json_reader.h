@@ -25,20 +25,22 @@ class JsonReader {
     template <class Record>
     Record read(std::string_view json) {
         simdjson::ondemand::document document = begin({}, json, {});
-        simdjson::ondemand::value root = rootValue(document);
-        Record record = readValue<Record>(root, TextSharing::own);
-        requireEnd(document);
-        return record;
+        return readRoot<Record>(document);
+    }
+
+    // The same for a large text, without a second copy of it.
+    template <class Record>
+    Record readTaking(std::string json) {
+        buffer_ = std::move(json);
+        simdjson::ondemand::document document = beginBuffer();
+        return readRoot<Record>(document);
     }
 
     // The elements of an array whose text comes without its brackets.
     template <class T>
     std::vector<T> readElements(std::string_view elements, TextSharing sharing = TextSharing::own) {
         simdjson::ondemand::document document = begin("[", elements, "]");
-        simdjson::ondemand::value root = rootValue(document);
-        auto list = readValue<std::vector<T>>(root, sharing);
-        requireEnd(document);
-        return list;
+        return readRoot<std::vector<T>>(document, sharing);
     }
 
   private:
@@ -46,6 +48,7 @@ class JsonReader {
 
     simdjson::ondemand::document begin(std::string_view before, std::string_view json,
                                        std::string_view after);
+    simdjson::ondemand::document beginBuffer();
     static Value rootValue(simdjson::ondemand::document& document);
     static void requireEnd(simdjson::ondemand::document& document);
     [[noreturn]] static void fail(std::string_view what);
@@ -58,6 +61,14 @@ class JsonReader {
     static Date dateOf(Value& value);
     static FileURL urlOf(Value& value);
     static Uuid uuidOf(Value& value);
+
+    template <class T>
+    T readRoot(simdjson::ondemand::document& document, TextSharing sharing = TextSharing::own) {
+        Value root = rootValue(document);
+        T value = readValue<T>(root, sharing);
+        requireEnd(document);
+        return value;
+    }
 
     template <class T>
     T readValue(Value& value, TextSharing sharing);

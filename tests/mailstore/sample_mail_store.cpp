@@ -28,15 +28,6 @@ CREATE TABLE attachments(message INTEGER, name TEXT);
 
 } // namespace
 
-ScriptedPlatform::ScriptedPlatform(const TemporaryHome& home)
-  : temporary(home.makeFolder("tmp"))
-  , home_(home) {}
-
-void ScriptedPlatform::setShellScript(const std::string& lines) {
-    shell = home_.write("shell.sh", "#!/bin/sh\n" + lines + "\n");
-    fs::permissions(shell, fs::perms::owner_all);
-}
-
 SampleMailStore::SampleMailStore(IdentifierColumn column)
   : hasIdentifierColumn_(column == IdentifierColumn::present) {
     fs::create_directories(fs::path(indexPath()).parent_path());
@@ -123,11 +114,7 @@ std::vector<std::string> SampleMailStore::changesSince(const Tree& before) const
 }
 
 std::vector<std::string> SampleMailStore::leftovers() const {
-    std::vector<std::string> names;
-    std::error_code noFolder;
-    for (const auto& entry : fs::directory_iterator(platform.temporary, noFolder))
-        names.push_back(entry.path().string());
-    return names;
+    return leftoversIn(platform);
 }
 
 LockingWriter::LockingWriter(const std::string& databasePath)

@@ -1,11 +1,8 @@
-// A small Mail store made through SQLite itself, and a platform whose shell and temporary folder a test
-// chooses.
+// A small Mail store made through SQLite itself.
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <map>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,6 +12,7 @@
 
 #include "mailstore/mail_store_context.h"
 #include "platform/child_process.h"
+#include "support/scripted_platform.h"
 #include "support/temporary_home.h"
 
 namespace corvane::testing {
@@ -25,55 +23,6 @@ inline constexpr const char* localAccount = "CCCCCCCC-1111-2222-3333-44444444444
 
 // 2024-01-01 00:00:00 UTC.
 inline constexpr std::int64_t startOf2024 = 1'704'067'200;
-
-class ScriptedPlatform final : public platform::Platform {
-  public:
-    explicit ScriptedPlatform(const TemporaryHome& home);
-
-    std::string shell = "/usr/bin/sqlite3";
-    std::string temporary;
-
-    // Makes the shell a script of these lines.
-    void setShellScript(const std::string& lines);
-
-    [[nodiscard]] std::string realUserHomeDirectory() const override { return home_.path(); }
-
-    [[nodiscard]] std::string applicationSupportDirectory() const override { return home_.at("support"); }
-
-    [[nodiscard]] std::string settingsPath() const override { return home_.at("settings.json"); }
-
-    [[nodiscard]] std::string temporaryDirectory() const override { return temporary; }
-
-    [[nodiscard]] std::string sqliteShellPath() const override { return shell; }
-
-    [[nodiscard]] std::optional<std::vector<platform::Volume>> mountedVolumes() const override { return {}; }
-
-    [[nodiscard]] std::optional<platform::Volume> volumeOf(const std::string&) const override { return {}; }
-
-    [[nodiscard]] std::optional<std::string> removableMountPoint(const std::string&) const override {
-        return {};
-    }
-
-    [[nodiscard]] std::optional<std::string> fileSystemTypeName(const std::string&) const override {
-        return {};
-    }
-
-    [[nodiscard]] std::optional<std::int64_t> availableCapacity(const std::string&) const override {
-        return {};
-    }
-
-    [[nodiscard]] bool isCloudPlaceholder(const std::string&) const override { return false; }
-
-    void markHidden(const std::string&) const override {}
-
-    [[nodiscard]] std::unique_ptr<platform::MountSubscription>
-    subscribeToMounts(std::function<void(platform::MountEvent)>) const override {
-        return nullptr;
-    }
-
-  private:
-    const TemporaryHome& home_;
-};
 
 struct SampleMessage {
     std::int64_t rowID = 0;

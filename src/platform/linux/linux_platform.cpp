@@ -78,6 +78,12 @@ std::optional<MountEntry> mountOf(const std::string& path) {
     return *mount;
 }
 
+// Nothing when the system doesn't tell.
+std::string folderOfProgram() {
+    const auto program = resolvedPath("/proc/self/exe");
+    return program ? std::string(parentPath(*program)) : std::string();
+}
+
 class LinuxPlatform final : public Platform {
   public:
     explicit LinuxPlatform(const std::string& home) {
@@ -90,6 +96,7 @@ class LinuxPlatform final : public Platform {
         }
         settings_ = joinPath(configuration, "Corvane.conf");
         temporary_ = baseFolder("TMPDIR", "/tmp");
+        program_ = folderOfProgram();
     }
 
     [[nodiscard]] std::string realUserHomeDirectory() const override { return home_; }
@@ -101,6 +108,16 @@ class LinuxPlatform final : public Platform {
     [[nodiscard]] std::string temporaryDirectory() const override { return temporary_; }
 
     [[nodiscard]] std::string sqliteShellPath() const override { return "/usr/bin/sqlite3"; }
+
+    // Beside the program, and where packages put data: <prefix>/bin goes with <prefix>/share.
+    [[nodiscard]] std::vector<std::string> programResourceFolders() const override {
+        if (program_.empty()) return {};
+        return {program_, joinPath(parentPath(program_), "share/corvane")};
+    }
+
+    [[nodiscard]] std::vector<std::string> pythonRuntimes() const override {
+        return {"/usr/local/bin/python3", "/usr/bin/python3"};
+    }
 
     [[nodiscard]] std::optional<std::vector<Volume>> mountedVolumes() const override {
         const auto table = mountTable();
@@ -151,6 +168,7 @@ class LinuxPlatform final : public Platform {
     std::string support_;
     std::string settings_;
     std::string temporary_;
+    std::string program_;
 };
 
 } // namespace

@@ -33,6 +33,7 @@ struct Launch {
     FileDescriptor errorWriter;
     pid_t parent = -1;
     bool isUpkeep = false;
+    std::optional<rlimit> fileSizeLimit;
 };
 
 [[noreturn]] void throwLastError(const std::string& what) {
@@ -94,6 +95,10 @@ void prepare(Launch& launch, const ChildProcessOptions& options, int errorWriter
     launch.arguments = pointersTo(launch.argumentTexts);
     launch.environment = pointersTo(launch.environmentTexts);
     launch.isUpkeep = options.isUpkeep;
+    if (options.fileSizeLimitBytes) {
+        const auto bytes = static_cast<rlim_t>(*options.fileSizeLimitBytes);
+        launch.fileSizeLimit = rlimit{.rlim_cur = bytes, .rlim_max = bytes};
+    }
     launch.standardStreams = {sourceOfStream(options.standardInput), sourceOfStream(options.standardOutput),
                               sourceOfStream(options.standardError)};
     launch.errorWriter = copyAboveStandardStreams(errorWriter);
@@ -121,6 +126,7 @@ bool takeStandardStreams(const Launch& launch) noexcept {
     constexpr int upkeepNiceness = 10;
     ::setpgid(0, 0);
     if (launch.isUpkeep) ::setpriority(PRIO_PROCESS, 0, upkeepNiceness);
+    if (launch.fileSizeLimit) ::setrlimit(RLIMIT_FSIZE, &*launch.fileSizeLimit);
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     // The parent may have gone before the line above.
     if (::getppid() != launch.parent) ::_exit(127);

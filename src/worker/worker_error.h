@@ -1,0 +1,32 @@
+// Why the mail worker gave no result.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace corvane {
+
+class WorkerError : public std::runtime_error {
+  public:
+    enum class Kind { launchFailed, invalidResponse, workerFailed, workerNotFound, pythonNotFound };
+
+    // `detail` stands behind the text of the first three kinds; the others have none.
+    explicit WorkerError(Kind kind, std::string detail = {});
+
+    [[nodiscard]] Kind kind() const noexcept { return kind_; }
+
+    [[nodiscard]] const std::string& detail() const noexcept { return detail_; }
+
+    // The text for the user.
+    [[nodiscard]] std::string errorDescription() const;
+
+    friend bool operator==(const WorkerError& a, const WorkerError& b) {
+        return a.kind_ == b.kind_ && a.detail_ == b.detail_;
+    }
+
+  private:
+    Kind kind_;
+    std::string detail_;
+};
+
+} // namespace corvane
