@@ -96,7 +96,7 @@ std::string ArchivePaths::uniqueRelativePath(const MailMessageRecord& message, s
         const std::string tail = fmt::format("-{}", number++);
         // Only a name that is too long with its number is cut again.
         std::string name = plain.size() + tail.size() <= room ? plain : stem.fitting(room - tail.size());
-        path = folder + namedOrRandom(std::move(name)) + tail + std::string(fileExtension);
+        path = fmt::format("{}{}{}{}", folder, namedOrRandom(std::move(name)), tail, fileExtension);
         if (use(SharedText(path))) return path;
     }
 }

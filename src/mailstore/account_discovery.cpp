@@ -278,6 +278,7 @@ std::map<std::string, std::string> analyzeDuplication(const MailStoreContext& co
     if (accounts.size() < 2) return notes;
     const std::string index = envelopeIndexPath(rootPath);
     std::vector<std::vector<std::int64_t>> messages; // ascending, by account
+    messages.reserve(accounts.size());
     for (const MailAccount& account : accounts) {
         messages.push_back(runIntSetQuery(
             context,

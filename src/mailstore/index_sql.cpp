@@ -17,6 +17,7 @@ std::string withoutImapScheme(std::string_view accountURLPrefix) {
 std::string accountCondition(const std::vector<std::string>& accountURLPrefixes) {
     if (accountURLPrefixes.empty()) return {};
     std::vector<std::string> conditions;
+    conditions.reserve(accountURLPrefixes.size());
     for (const std::string& prefix : accountURLPrefixes)
         conditions.push_back(fmt::format("mb.url LIKE '%{}%'", quotedText(withoutImapScheme(prefix))));
     return fmt::format("AND ({})", fmt::join(conditions, " OR "));

@@ -17,11 +17,11 @@ class Cursor {
 
     int digits(std::size_t count) {
         int value = 0;
-        const char* end = rest_.data() + std::min(count, rest_.size());
-        const auto [stop, error] = std::from_chars(rest_.data(), end, value);
-        if (rest_.size() < count || rest_.front() == '-' || error != std::errc() || stop != end)
+        const std::string_view taken = rest_.substr(0, count);
+        const auto [stop, error] = std::from_chars(taken.begin(), taken.end(), value);
+        if (taken.size() < count || taken.front() == '-' || error != std::errc() || stop != taken.end())
             fits_ = false;
-        rest_.remove_prefix(std::min(count, rest_.size()));
+        rest_.remove_prefix(taken.size());
         return value;
     }
 

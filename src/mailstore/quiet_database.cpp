@@ -51,7 +51,8 @@ class DatabaseCopy {
 
 namespace {
 
-// One copy serves all questions to a database, as long as it and its log stay as they are.
+// One copy serves all questions to a database, as long as it and its log stay as they are. Null when there
+// can be none.
 std::shared_ptr<const DatabaseCopy> sharedCopy(const std::string& path, const std::string& temporaryFolder) {
     static std::mutex mutex;
     static std::string key;
@@ -61,10 +62,13 @@ std::shared_ptr<const DatabaseCopy> sharedCopy(const std::string& path, const st
     const std::string wanted = fmt::format("{}|{}|{}", path, platform::fileSize(path + "-wal").value_or(0),
                                            modified.time_since_epoch().count());
     const std::scoped_lock lock(mutex);
-    if (!copy || key != wanted) {
+    if (copy && key == wanted) return copy;
+    try {
         copy = std::make_shared<const DatabaseCopy>(path, temporaryFolder);
-        key = wanted;
+    } catch (const std::system_error&) {
+        return nullptr;
     }
+    key = wanted;
     return copy;
 }
 
@@ -75,11 +79,9 @@ QuietDatabase::QuietDatabase(std::string path, const std::string& temporaryFolde
   , name_(path_) {
     if (!isInWalMode()) return;
     if (hasUnreachableLog()) {
-        try {
-            copy_ = sharedCopy(path_, temporaryFolder);
-            name_ = copy_->path();
-        } catch (const std::system_error&) { // the plain path then tells the user why it can't be read
-        }
+        copy_ = sharedCopy(path_, temporaryFolder);
+        // Without a copy the plain path tells the user why it can't be read.
+        if (copy_) name_ = copy_->path();
         return;
     }
     before_ = settledState();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <ranges>
 
 #include "mailstore/trash_junk_mailboxes.h"
 #include "records/timestamps.h"
@@ -120,9 +121,8 @@ std::vector<YearStat> computeYearStats(const CountedMessages& messages) {
         stat.messageBytes += message.messageSize;
         stat.attachmentBytes += knownAttachmentBytes(message);
     });
-    std::vector<YearStat> stats;
-    for (auto& [year, stat] : byYear) stats.push_back(stat);
-    return stats;
+    const auto stats = std::views::values(byYear);
+    return {stats.begin(), stats.end()};
 }
 
 std::vector<YearStat> computeYearStats(const MessageRefs& messages) {

@@ -1,6 +1,7 @@
 #include "model/space_usage.h"
 
 #include <algorithm>
+#include <ranges>
 #include <unordered_map>
 
 #include "records/stable_id.h"
@@ -42,8 +43,8 @@ class SenderTable {
     }
 
     [[nodiscard]] std::vector<SpaceSenderStat> largest() const {
-        std::vector<SpaceSenderStat> stats;
-        for (const auto& [key, stat] : statByKey_) stats.push_back(stat);
+        const auto values = std::views::values(statByKey_);
+        std::vector<SpaceSenderStat> stats(values.begin(), values.end());
         std::sort(stats.begin(), stats.end(), [](const SpaceSenderStat& a, const SpaceSenderStat& b) {
             if (a.bytes != b.bytes) return a.bytes > b.bytes;
             return a.displayName != b.displayName ? a.displayName < b.displayName : a.senderKey < b.senderKey;

@@ -5,10 +5,10 @@
 #include <memory>
 
 #include <unicode/ucnv.h>
-#include <unicode/utf8.h>
 
 #include "text/ascii.h"
 #include "text/unicode_error.h"
+#include "text/utf8_step.h"
 
 namespace corvane::text {
 
@@ -18,14 +18,11 @@ constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
 
 // The start of the first ill-formed sequence at or behind `position`, or the size.
 std::size_t wellFormedEnd(std::string_view bytes, std::size_t position) noexcept {
-    const char* data = bytes.data();
     for (;;) {
         position += asciiPrefixLength(bytes.substr(position));
-        while (position < bytes.size() && static_cast<unsigned char>(data[position]) >= 0x80) {
+        while (position < bytes.size() && static_cast<unsigned char>(bytes[position]) >= 0x80) {
             const std::size_t start = position;
-            UChar32 character = 0;
-            U8_NEXT(data, position, bytes.size(), character);
-            if (character < 0) return start;
+            if (nextScalar(bytes, position) < 0) return start;
         }
         if (position == bytes.size()) return position;
     }
@@ -63,8 +60,7 @@ std::string repairedUtf8(std::string_view bytes) {
         result.append(bytes.substr(position, end - position));
         if (end == bytes.size()) return result;
         position = end;
-        UChar32 character = 0;
-        U8_NEXT(bytes.data(), position, bytes.size(), character);
+        nextScalar(bytes, position);
         result.append(replacementCharacter);
     }
 }
@@ -94,8 +90,7 @@ std::optional<std::string> toLatin1(std::string_view text) {
         result.append(text.substr(position, ascii));
         position += ascii;
         if (position == text.size()) break;
-        UChar32 character = 0;
-        U8_NEXT(text.data(), position, text.size(), character);
+        const UChar32 character = nextScalar(text, position);
         if (character < 0 || character > 0xFF) return std::nullopt;
         result.push_back(static_cast<char>(character));
     }

@@ -1,15 +1,14 @@
 #include "text/graphemes.h"
 
-#include <unicode/uchar.h>
-#include <unicode/utf8.h>
-
 #include <limits>
 #include <memory>
 
 #include <unicode/brkiter.h>
+#include <unicode/uchar.h>
 
 #include "text/ascii.h"
 #include "text/icu_text.h"
+#include "text/utf8_step.h"
 
 namespace corvane::text {
 
@@ -80,10 +79,9 @@ std::string_view graphemePrefixWithinBytes(std::string_view text, std::size_t by
 
 std::size_t displayWidth(std::string_view text) {
     std::size_t width = 0;
-    const auto length = static_cast<std::int32_t>(text.size());
-    for (std::int32_t at = 0; at < length;) {
-        UChar32 character = 0;
-        U8_NEXT_OR_FFFD(text.data(), at, length, character);
+    for (std::size_t at = 0; at < text.size();) {
+        UChar32 character = nextScalar(text, at);
+        if (character < 0) character = 0xFFFD;
         const int category = u_charType(character);
         if (category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK || category == U_FORMAT_CHAR)
             continue;

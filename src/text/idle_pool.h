@@ -55,7 +55,7 @@ class IdlePool {
         const std::lock_guard lock(mutex_);
         try {
             idle_.push_back(std::move(object));
-        } catch (const std::bad_alloc&) { // NOLINT: then there is one idle object less
+        } catch (const std::bad_alloc&) { // NOLINT(bugprone-empty-catch): then there is one idle object less
         }
     }
 

@@ -8,6 +8,8 @@
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>
 
+#include "text/utf8_step.h"
+
 namespace corvane::text {
 
 namespace {
@@ -17,8 +19,7 @@ using CharacterSet = bool (*)(char32_t) noexcept;
 // The text behind its first character, or nothing when that is no member.
 std::optional<std::string_view> withoutFirst(std::string_view text, CharacterSet isMember) noexcept {
     std::size_t next = 0;
-    UChar32 character = 0;
-    U8_NEXT(text.data(), next, text.size(), character);
+    const UChar32 character = nextScalar(text, next);
     if (character < 0 || !isMember(static_cast<char32_t>(character))) return std::nullopt;
     return text.substr(next);
 }

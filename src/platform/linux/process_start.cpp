@@ -11,6 +11,7 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <linux/close_range.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -65,12 +66,13 @@ std::vector<std::string> environmentWith(const std::vector<std::pair<std::string
         for (const auto& [name, value] : added) isReplaced = isReplaced || isVariable(*entry, name);
         if (!isReplaced) result.emplace_back(*entry);
     }
-    for (const auto& [name, value] : added) result.push_back(name + "=" + value);
+    for (const auto& [name, value] : added) result.push_back(fmt::format("{}={}", name, value));
     return result;
 }
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (auto& text : texts) pointers.push_back(text.data());
     pointers.push_back(nullptr);
     return pointers;
@@ -145,7 +147,8 @@ bool takeStandardStreams(const Launch& launch) noexcept {
 // vfork: a fork would copy the page tables of a process that may hold millions of records.
 // The caller's signals are blocked, so no handler of ours can run in the child on shared memory.
 [[gnu::noinline]] pid_t startChild(const Launch& launch) noexcept {
-    const pid_t pid = ::vfork();
+    const pid_t pid =
+        ::vfork(); // NOLINT(bugprone-unsafe-functions, clang-analyzer-security.insecureAPI.vfork)
     if (pid == 0) runInChild(launch);
     return pid < 0 ? -errno : pid;
 }
