@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-#include <tbb/parallel_for.h>
-
 #include "platform/directory.h"
+#include "platform/parallel.h"
 #include "platform/paths.h"
 #include "text/collation.h"
 
@@ -71,8 +70,8 @@ MailAttachmentFileLocator::makeIndex(const std::vector<FileURL>& messageFiles) {
         }
         candidatesByFolder.emplace(folder, std::move(candidates));
     }
-    tbb::parallel_for(std::size_t{0}, roots.size(),
-                      [&](std::size_t i) { roots[i].messageFolders = directoriesIn(roots[i].path); });
+    platform::parallelFor(0, roots.size(),
+                          [&](std::size_t i) { roots[i].messageFolders = directoriesIn(roots[i].path); });
 
     Index index;
     index.roots_ = std::move(roots);

@@ -4,9 +4,8 @@
 #include <unordered_map>
 
 #include <fmt/format.h>
-#include <tbb/parallel_for.h>
-#include <tbb/task_group.h>
 
+#include "platform/parallel.h"
 #include "records/console_log.h"
 
 namespace corvane {
@@ -91,8 +90,7 @@ class IndexScan {
         for (std::size_t start = 0; start < found_.files.size(); start += chunkSize) {
             if (stop.stop_requested()) return false;
             Outcomes next;
-            tbb::task_group ahead;
-            ahead.run([&] { next = parseChunk(start + chunkSize); });
+            platform::CallAhead ahead([&] { next = parseChunk(start + chunkSize); });
             handOver(current, batches);
             const SecondsCounter elapsed(timing_.enumerationSeconds);
             ahead.wait();
@@ -126,7 +124,7 @@ class IndexScan {
         const std::size_t start = std::min(first, found_.files.size());
         const std::size_t end = std::min(start + chunkSize, found_.files.size());
         Outcomes outcomes(end - start);
-        tbb::parallel_for(start, end, [&](std::size_t i) {
+        platform::parallelFor(start, end, [&](std::size_t i) {
             try {
                 const IndexedMessageCandidate candidate = std::move(found_.candidates[i]);
                 outcomes[i - start] = mailstore::parseIndexedMessage(

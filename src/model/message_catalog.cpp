@@ -2,9 +2,8 @@
 
 #include <stdexcept>
 
-#include <tbb/parallel_invoke.h>
-
 #include "model/file_existence.h"
+#include "platform/parallel.h"
 #include "records/stable_id.h"
 
 namespace corvane {
@@ -68,7 +67,7 @@ std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job
     const auto& accounts = job.inputs.accounts;
     AvailabilityResult result;
     CountedMessages all;
-    tbb::parallel_invoke(
+    platform::parallelCalls(
         [&] {
             result.locallyAvailableIDs =
                 job.knownAvailable ? job.knownAvailable : findAvailable(messages, task);
@@ -80,7 +79,7 @@ std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job
         });
     if (!result.locallyAvailableIDs || task.isCancelled()) return std::nullopt;
     const Selections selections = selectCounted(job, all, *result.locallyAvailableIDs);
-    tbb::parallel_invoke(
+    platform::parallelCalls(
         [&] {
             result.localYearStats = computeYearStats(selections.local);
             result.accountYearStats = computeAccountYearStats(selections.local, accounts);

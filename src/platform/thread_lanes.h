@@ -1,0 +1,121 @@
+// The functions of parallel.h over threads that are made for each call. Only for builds with the thread
+// sanitizer, where being simple and seen counts more than being fast.
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <exception>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace corvane::platform::thread_lanes {
+
+// Keeps the first exception of several threads.
+class FirstFailure {
+  public:
+    // False when the call threw.
+    template <class Call>
+    bool guard(const Call& call) {
+        try {
+            call();
+            return true;
+        } catch (...) {
+            const std::scoped_lock lock(mutex_);
+            if (!failure_) failure_ = std::current_exception();
+            return false;
+        }
+    }
+
+    void rethrow() const {
+        if (failure_) std::rethrow_exception(failure_);
+    }
+
+  private:
+    std::mutex mutex_;
+    std::exception_ptr failure_;
+};
+
+class CallAhead {
+  public:
+    template <class Call>
+    explicit CallAhead(const Call& call)
+      : thread_([this, call] { failure_.guard(call); }) {}
+
+    void wait() {
+        thread_.join();
+        failure_.rethrow();
+    }
+
+  private:
+    FirstFailure failure_;
+    std::jthread thread_;
+};
+
+// lane() on several threads at a time.
+template <class Lane>
+void onLanes(const Lane& lane) {
+    constexpr int count = 4;
+    FirstFailure failure;
+    {
+        std::vector<std::jthread> threads;
+        for (int number = 0; number < count; ++number) threads.emplace_back([&] { failure.guard(lane); });
+    }
+    failure.rethrow();
+}
+
+template <class Body>
+void parallelFor(std::size_t begin, std::size_t end, const Body& body) {
+    std::atomic<std::size_t> next{begin};
+    onLanes([&] {
+        for (std::size_t index = next++; index < end; index = next++) body(index);
+    });
+}
+
+template <class First, class Second>
+void parallelCalls(const First& first, const Second& second) {
+    CallAhead ahead(second);
+    first();
+    ahead.wait();
+}
+
+// An item in its lane waits for its turn; as many are in flight as there are lanes.
+template <class Next, class Work, class Pass>
+void orderedPipeline(std::size_t /*inFlight*/, const Next& next, const Work& work, const Pass& pass) {
+    std::mutex mutex;
+    std::condition_variable turnChanged;
+    std::size_t taken = 0;
+    std::size_t turn = 0;
+    bool hasFailed = false;
+    const auto step = [&] {
+        std::unique_lock lock(mutex);
+        const auto item = hasFailed ? std::nullopt : next();
+        if (!item) return false;
+        const std::size_t number = taken++;
+        lock.unlock();
+        auto made = work(*item);
+        lock.lock();
+        turnChanged.wait(lock, [&] { return turn == number || hasFailed; });
+        if (hasFailed) return false;
+        pass(std::move(made));
+        ++turn;
+        turnChanged.notify_all();
+        return true;
+    };
+    onLanes([&] {
+        try {
+            while (step()) {
+            }
+        } catch (...) {
+            const std::scoped_lock lock(mutex);
+            hasFailed = true;
+            turnChanged.notify_all();
+            throw;
+        }
+    });
+}
+
+} // namespace corvane::platform::thread_lanes
