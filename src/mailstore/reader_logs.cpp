@@ -1,7 +1,6 @@
 #include "mailstore/reader_logs.h"
 
 #include <chrono>
-#include <system_error>
 
 #include <fmt/format.h>
 
@@ -15,14 +14,11 @@ namespace {
 
 void writeLine(const CorvaneAppSupport& support, std::string_view fileName, std::string_view text,
                LogStart start) {
-    try {
-        support.baseDirectory(true);
-        if (start == LogStart::reset) support.writeFile(fileName, {});
-        const auto time = formatTimestampWithMilliseconds(std::chrono::system_clock::now());
-        appendLine(support.filePath(fileName), fmt::format("[{}] {}", time, text), MissingFile::create);
-    } catch (const std::system_error&) {
-        return; // the console has the line
-    }
+    const auto error =
+        start == LogStart::reset ? support.writeFile(fileName, "") : support.createBaseDirectory();
+    if (error) return; // the console has the line
+    const auto time = formatTimestampWithMilliseconds(std::chrono::system_clock::now());
+    appendLine(support.filePath(fileName), fmt::format("[{}] {}", time, text), MissingFile::create);
 }
 
 } // namespace

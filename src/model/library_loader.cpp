@@ -102,7 +102,7 @@ void LibraryLoader::applyLoadedArchiveIndex(LibraryLoadResult result, const std:
     lastArchiveIndexLoadFinishedAt_ = clock_();
     adoptLocations(result);
     destination_ = result.destination;
-    snapshotWriter_.save(result.library, result.locations);
+    snapshotWriter_.save({result.library, result.locations});
     publish(std::move(result.library), std::move(result.locations));
     context_.startupLog.mark(fmt::format("live index load finish entries={} locations={} unindexed=deferred",
                                          library_->entries->size(), locations_.size()));
@@ -193,7 +193,7 @@ void LibraryLoader::applyConnectionStates(const ConnectionStates& states) {
     }
     if (!changed) return;
     Q_EMIT archiveLocationsChanged();
-    snapshotWriter_.save(library_, locations_);
+    snapshotWriter_.save({library_, locations_});
     context_.startupLog.mark(
         fmt::format("archive location connection states refreshed locations={}", locations_.size()));
 }

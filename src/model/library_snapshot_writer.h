@@ -1,38 +1,23 @@
-// Writes the library snapshot in the background, one state at a time: a newer state that comes while one is
-// being written waits for it and replaces any other that waits, so an older state never ends up on the disk.
-// Main thread.
+// Keeps the library snapshot up to date. A failed write is ignored: a later start shows an older library, no
+// more.
 #pragma once
 
-#include <optional>
 #include <vector>
 
+#include "model/latest_state_writer.h"
 #include "model/loaded_archives.h"
 #include "model/model_context.h"
-#include "records/library_snapshot_store.h"
 
 namespace corvane {
 
-class LibrarySnapshotWriter {
+struct LibrarySnapshotState {
+    SharedLibrary library;
+    std::vector<ArchiveLocation> locations;
+};
+
+class LibrarySnapshotWriter : public LatestStateWriter<LibrarySnapshotState> {
   public:
-    explicit LibrarySnapshotWriter(ModelContext& context)
-      : store_(context.support)
-      , task_(context.tasks) {}
-
-    // A failed write is ignored: a later start shows an older library, no more.
-    void save(SharedLibrary library, std::vector<ArchiveLocation> locations);
-
-  private:
-    struct State {
-        SharedLibrary library;
-        std::vector<ArchiveLocation> locations;
-    };
-
-    void startNext();
-
-    ArchiveLibrarySnapshotStore store_;
-    std::optional<State> waiting_;
-    bool isWriting_ = false;
-    TaskSlot task_;
+    explicit LibrarySnapshotWriter(ModelContext& context);
 };
 
 } // namespace corvane

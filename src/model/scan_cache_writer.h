@@ -1,14 +1,13 @@
-// Writes the scan cache in the background, one state at a time: a newer state that comes while one is being
-// written waits for it and replaces any other that waits, so an older state never ends up on the disk. Main
-// thread.
+// Keeps the scan cache up to date. A failed write is ignored: a later start is slower, no more.
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <vector>
 
+#include "model/latest_state_writer.h"
 #include "model/model_context.h"
-#include "records/scan_cache_store.h"
+#include "records/mail_message_record.h"
+#include "records/statistics_records.h"
 
 namespace corvane {
 
@@ -20,20 +19,9 @@ struct ScanCacheState {
     std::vector<AccountYearStatGroup> localAccountYearStats;
 };
 
-class ScanCacheWriter {
+class ScanCacheWriter : public LatestStateWriter<ScanCacheState> {
   public:
     explicit ScanCacheWriter(ModelContext& context);
-
-    // A failed write is ignored: a later start is slower, no more.
-    void save(ScanCacheState state);
-
-  private:
-    void startNext();
-
-    MailScanCacheStore store_;
-    std::optional<ScanCacheState> waiting_;
-    bool isWriting_ = false;
-    TaskSlot task_;
 };
 
 } // namespace corvane

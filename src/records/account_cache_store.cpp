@@ -27,11 +27,7 @@ std::optional<std::vector<MailAccount>> MailAccountCacheStore::load(const std::s
 
 void MailAccountCacheStore::save(const std::string& mailRootPath,
                                  const std::vector<MailAccount>& accounts) const {
-    try {
-        support_.writeFile(fileName,
-                           encodeJson(MailAccountCache{currentTimestamp(), mailRootPath, accounts}));
-    } catch (const std::system_error&) { // a later start is slower, no more
-    }
+    support_.writeFile(fileName, encodeJson(MailAccountCache{currentTimestamp(), mailRootPath, accounts}));
 }
 
 } // namespace corvane

@@ -6,7 +6,6 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include "platform/durable_file.h"
 #include "platform/paths.h"
 
 namespace corvane {
@@ -26,20 +25,28 @@ CorvaneAppSupport::CorvaneAppSupport(const platform::Platform& platform, platfor
 
 std::string CorvaneAppSupport::baseDirectory(bool createDirectory) const {
     if (createDirectory) {
-        if (const auto error = platform::createDirectories(*files_, base_))
-            throw std::system_error(error, base_);
+        if (const auto error = createBaseDirectory()) throw std::system_error(error, base_);
     }
     return base_;
+}
+
+std::error_code CorvaneAppSupport::createBaseDirectory() const {
+    return platform::createDirectories(*files_, base_);
 }
 
 std::string CorvaneAppSupport::filePath(std::string_view name) const {
     return platform::joinPath(base_, name);
 }
 
-void CorvaneAppSupport::writeFile(std::string_view name, std::string_view content) const {
-    const std::string path = platform::joinPath(baseDirectory(true), name);
-    if (const auto error = platform::writeFileAtomically(*files_, path, content))
-        throw std::system_error(error, path);
+std::error_code CorvaneAppSupport::writeFile(std::string_view name, std::string_view content) const {
+    return writeFile(name, [&](const platform::ByteSink& sink) { sink(content); });
+}
+
+std::error_code
+CorvaneAppSupport::writeFile(std::string_view name,
+                             const std::function<void(const platform::ByteSink&)>& produce) const {
+    if (const auto error = createBaseDirectory()) return error;
+    return platform::writeFileAtomically(*files_, filePath(name), produce);
 }
 
 bool CorvaneAppSupport::isRunningTests() {

@@ -2,9 +2,12 @@
 // every file may be deleted at any time. A value; all operations from any thread.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
+#include "platform/durable_file.h"
 #include "platform/file_layer.h"
 #include "platform/platform.h"
 
@@ -21,8 +24,16 @@ class CorvaneAppSupport {
     // Path of a file directly in the folder, which need not exist.
     [[nodiscard]] std::string filePath(std::string_view name) const;
 
-    // Creates the folder and writes the file atomically; throws std::system_error.
-    void writeFile(std::string_view name, std::string_view content) const;
+    // Creates the folder where it is missing. Returns the error, or a falsy code.
+    std::error_code createBaseDirectory() const;
+
+    // Creates the folder and writes the file atomically. Returns the error, or a falsy code, which a writer
+    // of what can be made again may ignore.
+    std::error_code writeFile(std::string_view name, std::string_view content) const;
+
+    // The same for content that is produced in chunks, see platform/durable_file.h.
+    std::error_code writeFile(std::string_view name,
+                              const std::function<void(const platform::ByteSink&)>& produce) const;
 
     [[nodiscard]] platform::FileLayer& files() const { return *files_; }
 

@@ -29,9 +29,10 @@ std::optional<Record> readRecordFileIfUsable(const std::string& path) {
     try {
         return readRecordFile<Record>(path);
     } catch (const JsonError&) {
+        return std::nullopt;
     } catch (const std::system_error&) {
+        return std::nullopt;
     }
-    return std::nullopt;
 }
 
 } // namespace corvane

@@ -5,8 +5,9 @@
 //     };
 //
 // Reading is strict: every field that isn't std::optional must be present with the right type; null reads as
-// absent; an unknown key is ignored; of a repeated key the last one counts. An empty optional is left out
-// when writing. The order of the table is the order of the keys, unless the writer is told to sort them.
+// absent; an unknown key is ignored; of a repeated key the last one counts. An empty optional or a null
+// pointer is left out when writing. The order of the table is the order of the keys, unless the writer is
+// told to sort them.
 #pragma once
 
 #include <stdexcept>

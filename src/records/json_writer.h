@@ -99,20 +99,22 @@ void writeValue(Writer& writer, const T& value) {
     }
 }
 
+// Calls use(value) unless the member is an empty optional or a null pointer.
+template <class Member, class Use>
+void ifPresent(const Member& member, const Use& use) {
+    if constexpr (requires { *member; }) {
+        if (member) use(*member);
+    } else {
+        use(member);
+    }
+}
+
 template <KeyOrder Order, class Writer, class Record, class Member>
 void writeField(Writer& writer, const Record& record, const JsonField<Record, Member>& field) {
-    const Member& value = record.*(field.member);
-    const auto key = [&] {
+    ifPresent(record.*(field.member), [&](const auto& value) {
         writer.Key(field.name.data(), static_cast<rapidjson::SizeType>(field.name.size()));
-    };
-    if constexpr (requires { value.has_value(); }) {
-        if (!value.has_value()) return;
-        key();
-        writeValue<Order>(writer, *value);
-    } else {
-        key();
         writeValue<Order>(writer, value);
-    }
+    });
 }
 
 // The fields of the object without its braces, for objects that get further keys.

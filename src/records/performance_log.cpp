@@ -1,7 +1,6 @@
 #include "records/performance_log.h"
 
 #include <chrono>
-#include <system_error>
 
 #include <fmt/format.h>
 
@@ -16,20 +15,14 @@ namespace {
 constexpr std::string_view fileName = "performance.log";
 
 void appendMark(const CorvaneAppSupport& support, const std::string& line) {
-    try {
-        support.baseDirectory(true);
-        if (appendLine(support.filePath(fileName), line, MissingFile::create)) return;
-    } catch (const std::system_error&) { // told below
-    }
-    systemLogLine("[CorvanePerf] " + line);
+    const bool isWritten =
+        !support.createBaseDirectory() && appendLine(support.filePath(fileName), line, MissingFile::create);
+    if (!isWritten) systemLogLine("[CorvanePerf] " + line);
 }
 
 void emptyLog(const CorvaneAppSupport& support) {
-    try {
-        support.writeFile(fileName, "");
-    } catch (const std::system_error& error) {
-        systemLogLine(fmt::format("[CorvanePerf] reset failed: {}", error.what()));
-    }
+    if (const auto error = support.writeFile(fileName, ""))
+        systemLogLine(fmt::format("[CorvanePerf] reset failed: {}", error.message()));
 }
 
 } // namespace

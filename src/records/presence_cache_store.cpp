@@ -28,11 +28,8 @@ ArchivedOriginalPresenceCacheStore::load(const std::string& signature) const {
 
 void ArchivedOriginalPresenceCacheStore::save(const std::string& signature,
                                               const PresenceByEntryID& statuses) const {
-    try {
-        support_.writeFile(
-            fileName, encodeJson(ArchivedOriginalPresenceCache{currentTimestamp(), signature, statuses}));
-    } catch (const std::system_error&) { // the comparison is made again, no more
-    }
+    support_.writeFile(fileName,
+                       encodeJson(ArchivedOriginalPresenceCache{currentTimestamp(), signature, statuses}));
 }
 
 } // namespace corvane

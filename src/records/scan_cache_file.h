@@ -1,5 +1,5 @@
 // The two files of a finished scan: the whole result, which may be hundreds of megabytes, and what the home
-// screen needs of it, which is small. The large one is encoded and decoded in pieces, on several threads.
+// screen needs of it, which is small. The large one is encoded and decoded in pieces.
 #pragma once
 
 #include <cstdint>

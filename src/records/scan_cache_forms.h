@@ -6,16 +6,23 @@
 
 namespace corvane {
 
+template <class R>
+constexpr auto scanCacheFields =
+    std::tuple{jsonField("scannedAt", &R::scannedAt),
+               jsonField("summary", &R::summary),
+               jsonField("messages", &R::messages),
+               jsonField("locallyAvailableMessageIDs", &R::locallyAvailableMessageIDs),
+               jsonField("localYearStats", &R::localYearStats),
+               jsonField("localAccountYearStats", &R::localAccountYearStats)};
+
 template <>
 struct JsonForm<MailScanCache> {
-    using R = MailScanCache;
-    static constexpr auto fields =
-        std::tuple{jsonField("scannedAt", &R::scannedAt),
-                   jsonField("summary", &R::summary),
-                   jsonField("messages", &R::messages),
-                   jsonField("locallyAvailableMessageIDs", &R::locallyAvailableMessageIDs),
-                   jsonField("localYearStats", &R::localYearStats),
-                   jsonField("localAccountYearStats", &R::localAccountYearStats)};
+    static constexpr auto fields = scanCacheFields<MailScanCache>;
+};
+
+template <>
+struct JsonForm<ScanCacheContent> {
+    static constexpr auto fields = scanCacheFields<ScanCacheContent>;
 };
 
 template <>

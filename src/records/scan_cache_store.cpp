@@ -1,7 +1,5 @@
 #include "records/scan_cache_store.h"
 
-#include <system_error>
-
 #include "records/cache_file.h"
 #include "records/scan_cache_forms.h"
 
@@ -22,10 +20,11 @@ std::vector<SharedText> availableIDs(const std::vector<MailMessageRecord>& messa
 
 } // namespace
 
-void MailScanCacheStore::save(const std::vector<MailMessageRecord>& messages, const MailScanSummary& summary,
-                              const std::vector<SharedText>* locallyAvailableMessageIDs,
-                              const std::vector<YearStat>* localYearStats,
-                              const std::vector<AccountYearStatGroup>* localAccountYearStats) const {
+std::error_code
+MailScanCacheStore::save(const std::vector<MailMessageRecord>& messages, const MailScanSummary& summary,
+                         const std::vector<SharedText>* locallyAvailableMessageIDs,
+                         const std::vector<YearStat>* localYearStats,
+                         const std::vector<AccountYearStatGroup>* localAccountYearStats) const {
     std::vector<SharedText> found;
     if (locallyAvailableMessageIDs == nullptr) {
         found = availableIDs(messages);
@@ -33,15 +32,12 @@ void MailScanCacheStore::save(const std::vector<MailMessageRecord>& messages, co
     }
     const ScanCacheContent content{currentTimestamp(),         &summary,       &messages,
                                    locallyAvailableMessageIDs, localYearStats, localAccountYearStats};
-    support_.baseDirectory(true);
-    const std::string path = support_.filePath(cacheFileName);
-    const auto produce = [&](const platform::ByteSink& sink) { encodeScanCache(content, sink); };
-    if (const auto error = platform::writeFileAtomically(support_.files(), path, produce)) {
-        throw std::system_error(error, path);
-    }
-    if (localYearStats != nullptr && localAccountYearStats != nullptr) {
+    const auto error = support_.writeFile(
+        cacheFileName, [&](const platform::ByteSink& sink) { encodeScanCache(content, sink); });
+    if (!error && localYearStats != nullptr && localAccountYearStats != nullptr) {
         saveHomeSnapshot(content.scannedAt, summary, *localYearStats, *localAccountYearStats);
     }
+    return error;
 }
 
 void MailScanCacheStore::saveHomeSnapshot(
@@ -52,10 +48,7 @@ void MailScanCacheStore::saveHomeSnapshot(
         snapshot.localMessageCount += stat.messageCount;
         snapshot.localMessageBytes += stat.messageBytes;
     }
-    try {
-        support_.writeFile(snapshotFileName, encodeJson(snapshot));
-    } catch (const std::system_error&) { // the next start reads the scan cache instead
-    }
+    support_.writeFile(snapshotFileName, encodeJson(snapshot));
 }
 
 std::optional<MailScanCache> MailScanCacheStore::load() const {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <system_error>
 #include <vector>
 
 #include "records/app_support.h"
@@ -15,12 +16,12 @@ class MailScanCacheStore {
       : support_(std::move(support)) {}
 
     // Writes the scan cache and, when both lists of statistics are given, the home snapshot. Without
-    // available ids every message is looked for on the disk. Throws std::system_error when the scan cache
-    // can't be written; a failure of the snapshot isn't reported.
-    void save(const std::vector<MailMessageRecord>& messages, const MailScanSummary& summary,
-              const std::vector<SharedText>* locallyAvailableMessageIDs,
-              const std::vector<YearStat>* localYearStats,
-              const std::vector<AccountYearStatGroup>* localAccountYearStats) const;
+    // available ids every message is looked for on the disk. Returns the error when the scan cache can't be
+    // written, or a falsy code; a failure of the snapshot isn't reported.
+    std::error_code save(const std::vector<MailMessageRecord>& messages, const MailScanSummary& summary,
+                         const std::vector<SharedText>* locallyAvailableMessageIDs,
+                         const std::vector<YearStat>* localYearStats,
+                         const std::vector<AccountYearStatGroup>* localAccountYearStats) const;
 
     // Writes only the snapshot of the given moment; a failure isn't reported.
     void saveHomeSnapshot(Date scannedAt, const MailScanSummary& summary,

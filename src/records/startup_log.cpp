@@ -1,7 +1,6 @@
 #include "records/startup_log.h"
 
 #include <chrono>
-#include <system_error>
 
 #include <fmt/format.h>
 
@@ -20,20 +19,13 @@ void ArchiveLibraryStartupLog::mark(std::string_view message) const {
     performanceLog_.mark(fmt::format("[ArchiveStartup] {}", message));
     const std::chrono::duration<double> now = std::chrono::system_clock::now().time_since_epoch();
     const std::string line = fmt::format("{:.6f} {}", now.count(), message);
-    try {
-        support_.baseDirectory(true);
-        if (appendLine(support_.filePath(fileName), line, MissingFile::fail)) return;
-    } catch (const std::system_error&) { // told below
-    }
-    systemLogLine(fmt::format("[ArchiveLibraryStartup] {}", message));
+    if (!appendLine(support_.filePath(fileName), line, MissingFile::fail))
+        systemLogLine(fmt::format("[ArchiveLibraryStartup] {}", message));
 }
 
 void ArchiveLibraryStartupLog::reset() const {
-    try {
-        support_.writeFile(fileName, "");
-    } catch (const std::system_error& error) {
-        systemLogLine(fmt::format("[ArchiveLibraryStartup] {}", error.what()));
-    }
+    if (const auto error = support_.writeFile(fileName, ""))
+        systemLogLine(fmt::format("[ArchiveLibraryStartup] {}", error.message()));
 }
 
 } // namespace corvane

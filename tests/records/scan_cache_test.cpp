@@ -48,6 +48,9 @@ TEST(ScanCacheFile, InPiecesAndInOneGoAgree) {
         EXPECT_EQ(pieces, encodeJson(cache));
         EXPECT_TRUE(decodeScanCache(pieces) == cache) << count;
         EXPECT_TRUE(decodeScanCache(pieces) == JsonReader().read<MailScanCache>(pieces)) << count;
+        std::string escaped = pieces;
+        escaped.replace(escaped.find(R"("messages")"), 2, R"("\u006d)");
+        EXPECT_TRUE(decodeScanCache(escaped) == cache) << count;
     }
 }
 

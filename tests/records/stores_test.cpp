@@ -55,6 +55,7 @@ TEST(LibrarySnapshot, KeepsEntriesAndLocations) {
     ASSERT_TRUE(snapshot);
     EXPECT_EQ(snapshot->entries, std::vector{entry});
     EXPECT_EQ(snapshot->locations, locations);
+    EXPECT_EQ(snapshot->archivedBaseIDs, std::vector{entry.record.id});
     EXPECT_EQ(entry.id(), std::string("/archive\x01mid:a"));
 }
 
