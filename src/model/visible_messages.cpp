@@ -117,12 +117,14 @@ void VisibleMessages::rebuildVisibleMessages() {
 
 void VisibleMessages::clear() {
     rebuildTask_.cancel();
+    listedToken_ = -1;
     visibleMessages_ = std::make_shared<const MessageList>();
     Q_EMIT visibleMessagesChanged();
 }
 
 void VisibleMessages::publish(SharedMessageList list) {
     visibleMessages_ = std::move(list);
+    listedToken_ = catalog_.messagesToken();
     Q_EMIT visibleMessagesChanged();
     const bool selectionStays =
         selectedMessageID_ &&

@@ -47,6 +47,9 @@ class VisibleMessages : public QObject {
 
     [[nodiscard]] const SharedMessageList& visibleMessages() const { return visibleMessages_; }
 
+    // The list is that of the present messages, not still empty for them.
+    [[nodiscard]] bool isCurrent() const { return listedToken_ == catalog_.messagesToken(); }
+
     [[nodiscard]] const std::optional<std::string>& selectedMessageID() const { return selectedMessageID_; }
 
     void setSelectedMessageID(std::optional<std::string> id);
@@ -67,6 +70,7 @@ class VisibleMessages : public QObject {
     MessageCatalog& catalog_;
     ModelFilters& filters_;
     SharedMessageList visibleMessages_ = std::make_shared<const MessageList>();
+    std::int64_t listedToken_ = -1;
     std::optional<std::string> selectedMessageID_;
     TaskSlot rebuildTask_;
 };
