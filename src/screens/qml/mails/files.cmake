@@ -3,4 +3,18 @@ set(mails_qml
     MailListPage.qml
 )
 set(mails_sources
+    attachment_list_model.cpp
+    attachment_symbol.cpp
+    desktop_actions.cpp
+    filter_options.cpp
+    list_selection.cpp
+    listed_counts.cpp
+    mail_list_actions.cpp
+    mail_list_filters.cpp
+    mail_list_screen.cpp
+    message_detail.cpp
+    message_list_model.cpp
+    row_changes.cpp
+    row_ranges.cpp
+    shown_text.cpp
 )

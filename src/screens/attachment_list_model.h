@@ -1,0 +1,33 @@
+// The attachments of the message that a detail shows. Another message is another list. Main thread.
+#pragma once
+
+#include <vector>
+
+#include <QAbstractListModel>
+#include <QtQml/qqmlregistration.h>
+
+#include "records/mail_message_record.h"
+
+namespace corvane {
+
+class AttachmentListModel : public QAbstractListModel {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("belongs to a message")
+
+  public:
+    enum Role { NameRole = Qt::UserRole + 1, SizeTextRole, SymbolRole };
+
+    using QAbstractListModel::QAbstractListModel;
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
+
+    void setAttachments(std::vector<MailAttachmentRecord> attachments);
+
+  private:
+    std::vector<MailAttachmentRecord> attachments_;
+};
+
+} // namespace corvane

@@ -1,0 +1,140 @@
+// What the user can do with the selected messages of the mail list.
+#include <QUrl>
+
+#include "records/formatters.h"
+#include "screens/mail_list_screen.h"
+#include "screens/shown_text.h"
+
+namespace corvane {
+
+namespace {
+
+// The date goes first: a table program that takes the line in sees no formula.
+void appendLine(QString& lines, const MailMessageRecord& message) {
+    lines += screens::wholeText(message.formattedDate()) + QStringLiteral(" · ") +
+             screens::shownLine(message.sender) + QStringLiteral(" · ") +
+             screens::shownLine(message.subject) + QStringLiteral(" · ") +
+             screens::wholeText(formatByteCount(message.messageSize)) + u'\n';
+}
+
+// Percent-encoded but for letters, digits and what stands in every Message-ID.
+QUrl mailURL(std::string_view messageID) {
+    const QByteArray encoded =
+        QUrl::toPercentEncoding(screens::wholeText(messageID), QByteArrayLiteral("@+="), {});
+    return QUrl::fromEncoded(QByteArrayLiteral("message://%3C") + encoded + QByteArrayLiteral("%3E"),
+                             QUrl::StrictMode);
+}
+
+// The address in "name <address>", or the whole.
+std::string_view addressOf(std::string_view sender) {
+    const std::size_t open = sender.rfind('<');
+    if (open == std::string_view::npos || !sender.ends_with('>')) return sender;
+    return sender.substr(open + 1, sender.size() - open - 2);
+}
+
+} // namespace
+
+void MailListScreen::copySelection() {
+    copyTask_.start(TaskPriority::userInitiated, [this, rows = list_.selection().rows(),
+                                                  messages = list_.messages()](const TaskHandle& task) {
+        auto lines = std::make_shared<QString>();
+        for (const auto& range : rows.ranges()) {
+            for (int row = range.first; row < range.end; ++row) {
+                if (task.isCancelled()) return;
+                appendLine(*lines, (*messages)[static_cast<std::size_t>(row)]);
+            }
+        }
+        lines->chop(1);
+        task.onMain([this, lines] {
+            if (!lines->isEmpty()) desktop_.copy(*lines);
+        });
+    });
+}
+
+void MailListScreen::copySubject() {
+    if (const auto* message = current()) desktop_.copy(screens::wholeText(message->subject));
+}
+
+void MailListScreen::copyMessageID() {
+    const auto* message = current();
+    if (message != nullptr && message->messageIdentifier) {
+        desktop_.copy(screens::wholeText(*message->messageIdentifier));
+    }
+}
+
+void MailListScreen::copyPath() {
+    if (const auto* message = current()) desktop_.copy(screens::wholeText(message->fileURL.path()));
+}
+
+void MailListScreen::revealFile() {
+    const auto* message = current();
+    if (message != nullptr && !desktop_.reveal(screens::wholeText(message->fileURL.path()))) {
+        Q_EMIT actionFailed(QStringLiteral("无法在文件管理器中显示这封邮件的文件。"));
+    }
+}
+
+bool MailListScreen::openOrTell(const QUrl& url) {
+    if (desktop_.open(url)) return true;
+    Q_EMIT actionFailed(QStringLiteral("系统没有能打开这封邮件的程序。"));
+    return false;
+}
+
+void MailListScreen::openFile() {
+    if (const auto* message = current()) {
+        openOrTell(QUrl::fromLocalFile(screens::wholeText(message->fileURL.path())));
+    }
+}
+
+void MailListScreen::openInMail() {
+    const auto* message = current();
+    if (message == nullptr) return;
+    if (message->messageIdentifier && desktop_.open(mailURL(*message->messageIdentifier))) return;
+    openFile();
+}
+
+void MailListScreen::filterBySender() {
+    const auto* message = current();
+    if (message == nullptr) return;
+    filters_.setQuery(screens::wholeText(addressOf(message->sender)));
+    filters_.applyQuery();
+}
+
+void MailListScreen::filterByYear() {
+    const auto* message = current();
+    if (message == nullptr) return;
+    const auto& years = *model_.catalog().messageYearByID();
+    const auto year = years.find(message->id.view());
+    if (year != years.end()) model_.filters().setFilterYears({year->second});
+}
+
+void MailListScreen::archiveSelection() {
+    auto ids = std::make_shared<SharedTextSet>();
+    for (const auto& range : selection()->rows().ranges()) {
+        for (int row = range.first; row < range.end; ++row) {
+            const MailMessageRecord& message = *list_.message(row);
+            if (!list_.isArchived(message)) ids->insert(message.id);
+        }
+    }
+    if (!ids->empty()) Q_EMIT archiveRequested(std::move(ids));
+}
+
+void MailListScreen::refresh() {
+    if (!model_.scanFlow().state().isScanning()) model_.scanFlow().refreshAllMailData();
+}
+
+void MailListScreen::cancelScan() {
+    model_.scanFlow().cancelScan();
+}
+
+void MailListScreen::recheckAccess() {
+    model_.diskAccess().refreshFullDiskAccessState();
+}
+
+void MailListScreen::openAccessSettings() {
+    if (!desktop_.open(QUrl(
+            QStringLiteral("x-apple.systempreferences:com.apple.preference.security?Privacy_AllFiles")))) {
+        Q_EMIT actionFailed(QStringLiteral("无法打开系统设置，请手动打开「完全磁盘访问权限」。"));
+    }
+}
+
+} // namespace corvane

@@ -1,0 +1,138 @@
+// The screen 邮件列表: the list over the model's visible messages, its selection and filters, the detail of
+// the current row, and what can be done with the selected messages. Main thread.
+//
+// A new list of the model is compared with the shown one in the background and applied in one step, so that
+// rows come and go in place.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+#include "model/corvane_view_model.h"
+#include "screens/desktop_actions.h"
+#include "screens/mail_list_filters.h"
+#include "screens/message_detail.h"
+#include "screens/message_list_model.h"
+
+namespace corvane {
+
+class MailListScreen : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("belongs to the window")
+    Q_PROPERTY(State state READ state NOTIFY stateChanged)
+    Q_PROPERTY(QString stateText READ stateText NOTIFY stateChanged)
+    Q_PROPERTY(QString summaryText READ summaryText NOTIFY summaryChanged)
+    Q_PROPERTY(QString selectionText READ selectionText NOTIFY summaryChanged)
+    Q_PROPERTY(bool canArchive READ canArchive NOTIFY canArchiveChanged)
+    Q_PROPERTY(corvane::MessageListModel* list READ list CONSTANT)
+    Q_PROPERTY(corvane::ListSelection* selection READ selection CONSTANT)
+    Q_PROPERTY(corvane::MailListFilters* filters READ filters CONSTANT)
+    Q_PROPERTY(corvane::MessageDetail* detail READ detail CONSTANT)
+
+  public:
+    enum class State {
+        listed,
+        loading,      // there are messages, and what of them to list isn't known yet
+        noMatch,      // the filters hide all messages
+        nothingLocal, // no message has its file on this machine
+        scanning,
+        noAccess,
+        failed,
+        neverScanned,
+    };
+    Q_ENUM(State)
+
+    // Both must outlive the screen.
+    MailListScreen(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent = nullptr);
+
+    [[nodiscard]] State state() const { return state_; }
+
+    // The line of progress or the failure's message; empty in other states.
+    [[nodiscard]] QString stateText() const;
+
+    // Count and size of the list.
+    [[nodiscard]] QString summaryText() const;
+
+    // Count and size of the selection, when it is more than one row.
+    [[nodiscard]] QString selectionText() const;
+
+    // One of the selected messages isn't archived, and no run is under way.
+    [[nodiscard]] bool canArchive() const { return canArchive_; }
+
+    [[nodiscard]] MessageListModel* list() { return &list_; }
+
+    [[nodiscard]] ListSelection* selection() { return &list_.selection(); }
+
+    [[nodiscard]] MailListFilters* filters() { return &filters_; }
+
+    [[nodiscard]] MessageDetail* detail() { return &detail_; }
+
+    // Makes the current row that of this message, if it is listed.
+    Q_INVOKABLE void showMessage(const QString& id);
+
+    Q_INVOKABLE void refresh();
+    Q_INVOKABLE void cancelScan();
+    Q_INVOKABLE void recheckAccess();
+    Q_INVOKABLE void openAccessSettings();
+
+    // The selected rows as lines of text. Large selections arrive a moment later.
+    Q_INVOKABLE void copySelection();
+    Q_INVOKABLE void copySubject();
+    Q_INVOKABLE void copyMessageID();
+    Q_INVOKABLE void copyPath();
+    Q_INVOKABLE void revealFile();
+    Q_INVOKABLE void openFile();
+
+    // The message in the mail program, by its Message-ID; its file where that can't be done.
+    Q_INVOKABLE void openInMail();
+    Q_INVOKABLE void filterBySender();
+    Q_INVOKABLE void filterByYear();
+
+    // Hands the selected messages that aren't archived to the archive screen.
+    Q_INVOKABLE void archiveSelection();
+
+  Q_SIGNALS:
+    void stateChanged();
+    void summaryChanged();
+    void canArchiveChanged();
+    void archiveRequested(std::shared_ptr<const corvane::SharedTextSet> ids);
+    // An action didn't work; the text says what and why.
+    void actionFailed(const QString& text);
+
+  private:
+    struct Update;
+
+    void wire();
+    void followList();
+    void apply(Update& update);
+    void followSelectedMessage();
+    void takeCurrentRow();
+    void showDetail();
+    void followArchived();
+    void recount();
+    void updateState();
+    void updateCanArchive();
+    [[nodiscard]] State currentState() const;
+    [[nodiscard]] const MailMessageRecord* current() const;
+    bool openOrTell(const QUrl& url);
+
+    CorvaneViewModel& model_;
+    DesktopActions& desktop_;
+    MessageListModel list_;
+    MailListFilters filters_;
+    MessageDetail detail_;
+    State state_ = State::neverScanned;
+    bool canArchive_ = false;
+    bool isUpdating_ = false;
+    bool isApplying_ = false;
+    std::int64_t listedBytes_ = 0;
+    TaskSlot updateTask_;
+    TaskSlot countTask_;
+    TaskSlot copyTask_;
+};
+
+} // namespace corvane
