@@ -17,11 +17,11 @@ void appendLine(QString& lines, const MailMessageRecord& message) {
              screens::wholeText(formatByteCount(message.messageSize)) + u'\n';
 }
 
-// Percent-encoded but for letters, digits and what stands in every Message-ID.
+// Apple Mail's scheme. Without "//": an identifier is no name of a host that QUrl would take.
 QUrl mailURL(std::string_view messageID) {
     const QByteArray encoded =
         QUrl::toPercentEncoding(screens::wholeText(messageID), QByteArrayLiteral("@+="), {});
-    return QUrl::fromEncoded(QByteArrayLiteral("message://%3C") + encoded + QByteArrayLiteral("%3E"),
+    return QUrl::fromEncoded(QByteArrayLiteral("message:%3C") + encoded + QByteArrayLiteral("%3E"),
                              QUrl::StrictMode);
 }
 

@@ -1,0 +1,303 @@
+#include "screens/mail_list_screen.h"
+
+#include <QTest>
+
+#include "model/model_test.h"
+#include "screens/mails/mail_samples.h"
+
+namespace corvane {
+namespace {
+
+using testing::dateIn;
+using testing::sampleMessage;
+using testing::texts;
+using testing::waitUntilIdle;
+using State = MailListScreen::State;
+
+class RecordingDesktop : public DesktopActions {
+  public:
+    bool open(const QUrl& url) override {
+        opened += url.toString(QUrl::FullyEncoded);
+        return opens;
+    }
+
+    bool reveal(const QString& path) override {
+        revealed += path;
+        return opens;
+    }
+
+    void copy(const QString& text) override { copied = text; }
+
+    bool opens = true;
+    QStringList opened;
+    QStringList revealed;
+    QString copied;
+};
+
+class MailListScreenTest : public testing::ModelTest {
+  protected:
+    // A message whose file exists.
+    MailMessageRecord local(const std::string& name, int year = 2021) {
+        MailMessageRecord message = sampleMessage(home_.write("Library/Mail/V10/A/收件箱.mbox/" + name, "x"));
+        message.subject = name;
+        message.date = dateIn(year);
+        message.messageIdentifier = SharedText(name + "@a.example");
+        return message;
+    }
+
+    void publish(MessageList messages) {
+        model_.catalog().setMessages(
+            MessageSet::make(std::make_shared<const MessageList>(std::move(messages)), false), {});
+        waitUntilIdle(context_.tasks);
+    }
+
+    void settle() {
+        QCoreApplication::processEvents();
+        waitUntilIdle(context_.tasks);
+    }
+
+    [[nodiscard]] QStringList subjects() const {
+        QStringList all;
+        for (const auto& message : *screen_.list()->messages())
+            all += QString::fromStdString(message.subject.str());
+        return all;
+    }
+
+    ModelContext context_{platform_};
+    CorvaneViewModel model_{context_};
+    RecordingDesktop desktop_;
+    mutable MailListScreen screen_{model_, desktop_};
+};
+
+TEST_F(MailListScreenTest, EveryReasonForAnEmptyListIsToldApart) {
+    waitUntilIdle(context_.tasks);
+    EXPECT_EQ(screen_.state(), State::neverScanned);
+
+    model_.catalog().setMessages(
+        MessageSet::make(std::make_shared<const MessageList>(MessageList{local("a")}), false), {});
+    EXPECT_EQ(screen_.state(), State::loading);
+    waitUntilIdle(context_.tasks);
+    EXPECT_EQ(screen_.state(), State::listed);
+
+    screen_.filters()->setQuery(QStringLiteral("没有这样的邮件"));
+    screen_.filters()->applyQuery();
+    settle();
+    EXPECT_EQ(screen_.state(), State::noMatch);
+    screen_.filters()->clear();
+    settle();
+    EXPECT_EQ(screen_.state(), State::listed);
+
+    publish({sampleMessage("/nowhere/1.emlx")});
+    EXPECT_EQ(screen_.state(), State::nothingLocal);
+
+    publish({});
+    model_.scanFlow().scan(); // this home has no Mail index
+    EXPECT_EQ(screen_.state(), State::scanning);
+    EXPECT_EQ(screen_.stateText(), QStringLiteral("正在准备扫描..."));
+    waitUntilIdle(context_.tasks);
+    EXPECT_EQ(screen_.state(), State::failed);
+    EXPECT_FALSE(screen_.stateText().isEmpty());
+}
+
+TEST_F(MailListScreenTest, AStoreThatCannotBeReadAsksForAccess) {
+    home_.write("Library/Mail/V10/MailData/Envelope Index", "");
+    screen_.recheckAccess();
+    waitUntilIdle(context_.tasks);
+    EXPECT_EQ(screen_.state(), State::noAccess);
+}
+
+TEST_F(MailListScreenTest, DetailFollowsTheRowAndTheModelKnowsIt) {
+    publish({local("a"), local("b"), local("c")});
+    EXPECT_EQ(screen_.detail()->subject(), QStringLiteral("a"));
+    screen_.selection()->select(1);
+    EXPECT_EQ(screen_.detail()->subject(), QStringLiteral("b"));
+    EXPECT_TRUE(model_.visible().selectedMessageID()->ends_with("/b"));
+
+    publish({local("a1"), local("a2"), local("b")}); // another generation
+    EXPECT_EQ(screen_.detail()->subject(), QStringLiteral("b"));
+    EXPECT_EQ(screen_.selection()->currentRow(), 2);
+    publish({local("x")});
+    EXPECT_EQ(screen_.detail()->subject(), QStringLiteral("x"));
+    publish({});
+    EXPECT_FALSE(screen_.detail()->hasMessage());
+}
+
+TEST_F(MailListScreenTest, TheSelectedMessageIsKeptThroughFiltersThatKeepIt) {
+    publish({local("a1", 2020), local("b1", 2021), local("b2", 2021), local("c1", 2022)});
+    screen_.showMessage(QString::fromStdString(local("b2").id.str()));
+    screen_.filters()->setQuery(QStringLiteral(" B "));
+    screen_.filters()->applyQuery();
+    settle();
+    EXPECT_EQ(subjects(), texts({"b1", "b2"}));
+    EXPECT_EQ(screen_.detail()->subject(), QStringLiteral("b2"));
+    EXPECT_EQ(screen_.selection()->currentRow(), 1);
+    screen_.filters()->setQuery(QStringLiteral("c"));
+    screen_.filters()->applyQuery();
+    settle();
+    EXPECT_EQ(screen_.detail()->subject(), QStringLiteral("c1"));
+    EXPECT_EQ(screen_.selection()->rows().ranges(), (std::vector<RowRanges::Range>{{0, 1}}));
+}
+
+TEST_F(MailListScreenTest, ARowChosenWhileTheNextListIsMadeStaysChosen) {
+    publish({local("a"), local("b"), local("c")});
+    screen_.filters()->setAscending(true);
+    screen_.filters()->setMinimumAttachments(0);
+    QObject::connect(&model_.visible(), &VisibleMessages::visibleMessagesChanged,
+                     [&] { screen_.selection()->select(2); });
+    settle();
+    EXPECT_EQ(screen_.detail()->subject(), QStringLiteral("c"));
+}
+
+TEST_F(MailListScreenTest, FiltersShowWhatTheyHoldAndGoBothWays) {
+    auto other = local("o", 2018);
+    other.accountIdentifier = SharedText("imap://B");
+    other.accountName = SharedText("b@b.example");
+    other.messageSize = 5;
+    auto lost = local("u", 2021);
+    lost.accountIdentifier.reset();
+    lost.accountName.reset();
+    lost.messageSize = 3;
+    publish({local("a", 2020), local("b", 2021), other, lost, sampleMessage("/gone")});
+    MailListFilters& filters = *screen_.filters();
+
+    const auto& accounts = filters.accounts()->options();
+    ASSERT_EQ(accounts.size(), 3U);
+    EXPECT_EQ(accounts[0], (FilterOption{"imap://A", QStringLiteral("a@a.example"), 2, false}));
+    EXPECT_EQ(accounts[2], (FilterOption{"legacy-unclassified", QStringLiteral("未识别邮箱"), 1, false}));
+    ASSERT_EQ(filters.years()->count(), 3);
+    EXPECT_EQ(filters.years()->options()[0], (FilterOption{"2021", QStringLiteral("2021 年"), 2, false}));
+
+    filters.toggleAccount(0);
+    filters.toggleYear(0);
+    filters.toggleYear(1);
+    settle();
+    EXPECT_EQ(subjects(), texts({"b", "a"}));
+    EXPECT_EQ(filters.chips(), texts({"a@a.example", "2020–2021 年"}));
+    filters.removeChip(0);
+    filters.setMinimumAttachments(1);
+    settle();
+    EXPECT_EQ(filters.chips(), texts({"至少 1 个附件", "2020–2021 年"}));
+    EXPECT_TRUE(subjects().isEmpty());
+    filters.clear();
+    settle();
+    EXPECT_EQ(subjects().size(), 4);
+
+    model_.applyHomeScope("imap://B", {2018}); // another screen narrows the list
+    settle();
+    EXPECT_EQ(filters.chips(), texts({"b@b.example", "2018 年"}));
+    EXPECT_TRUE(filters.accounts()->options()[1].isTicked);
+}
+
+TEST_F(MailListScreenTest, TypingReachesTheModelWhenItPauses) {
+    publish({local("a"), local("b")});
+    int told = 0;
+    QObject::connect(&model_.filters(), &ModelFilters::listFilterChanged, [&] { ++told; });
+    for (const char* typed : {"b", "bx", "b"}) screen_.filters()->setQuery(QString::fromLatin1(typed));
+    // Something else changes meanwhile: the field keeps what was typed.
+    screen_.filters()->setAscending(true);
+    EXPECT_EQ(screen_.filters()->query(), QStringLiteral("b"));
+    EXPECT_EQ(told, 1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return told == 2; }));
+    settle();
+    EXPECT_EQ(subjects(), texts({"b"}));
+}
+
+TEST_F(MailListScreenTest, ArchivedMessagesAreMarkedAndNotHandedOver) {
+    publish({local("a"), local("b"), local("c")});
+    std::shared_ptr<const SharedTextSet> handed;
+    QObject::connect(&screen_, &MailListScreen::archiveRequested, [&](const auto& ids) { handed = ids; });
+    screen_.list()->setArchivedIDs(std::make_shared<const SharedTextSet>(SharedTextSet{local("b").id}));
+
+    screen_.selection()->selectAll();
+    EXPECT_TRUE(screen_.canArchive());
+    EXPECT_TRUE(screen_.selectionText().startsWith(QStringLiteral("已选 3 封 · 3 MB")));
+    screen_.archiveSelection();
+    ASSERT_NE(handed, nullptr);
+    EXPECT_EQ(*handed, (SharedTextSet{local("a").id, local("c").id}));
+
+    handed = nullptr;
+    screen_.selection()->select(1);
+    EXPECT_FALSE(screen_.canArchive());
+    EXPECT_EQ(screen_.selectionText(), QString());
+    screen_.archiveSelection();
+    EXPECT_EQ(handed, nullptr);
+}
+
+TEST_F(MailListScreenTest, CopiesAndOpensWhatIsSelected) {
+    const testing::TimeZoneGuard zone("UTC");
+    auto formula = local("=HYPERLINK(1)\n第二行");
+    formula.messageIdentifier = SharedText("a b/c?d#\"@x");
+    publish({local("a"), formula});
+    screen_.selection()->selectAll();
+    screen_.copySelection();
+    waitUntilIdle(context_.tasks);
+    EXPECT_EQ(desktop_.copied.toStdString(),
+              "2021-06-15 04:00 · 周明哲 <zhou@a.example> · =HYPERLINK(1) 第二行 · 1 MB\n"
+              "2021-06-15 04:00 · 周明哲 <zhou@a.example> · a · 1 MB");
+
+    screen_.selection()->select(0);
+    screen_.openInMail();
+    EXPECT_EQ(desktop_.opened, texts({"message:%3Ca%20b%2Fc%3Fd%23%22@x%3E"}));
+    screen_.copySubject();
+    EXPECT_EQ(desktop_.copied, QStringLiteral("=HYPERLINK(1)\n第二行"));
+
+    desktop_.opens = false; // a system without such programs
+    QStringList told;
+    QObject::connect(&screen_, &MailListScreen::actionFailed, [&](const QString& text) { told += text; });
+    screen_.openInMail();
+    screen_.revealFile();
+    EXPECT_EQ(told.size(), 2);
+    EXPECT_TRUE(desktop_.opened.last().startsWith(QStringLiteral("file:///")));
+}
+
+TEST_F(MailListScreenTest, FiltersCanBeTakenFromTheMessage) {
+    auto other = local("b", 2019);
+    other.sender = "陈思远 <chen@a.example>";
+    publish({local("a"), other, local("c")});
+    screen_.selection()->select(0);
+    screen_.filterBySender();
+    EXPECT_EQ(screen_.filters()->query(), QStringLiteral("zhou@a.example"));
+    settle();
+    EXPECT_EQ(subjects(), texts({"a", "c"}));
+    screen_.filterByYear();
+    EXPECT_EQ(screen_.filters()->chips(), texts({"2021 年"}));
+}
+
+TEST_F(MailListScreenTest, DetailNamesCopiesAttachmentsAndAPreviewThatIsNone) {
+    auto message = local("a");
+    message.relatedMessageFileURLs =
+        std::vector<FileURL>{message.fileURL, FileURL("/m/V10/A/全部邮件.mbox/1/Data/Messages/7.emlx"),
+                             FileURL("/m/V10/A/全部邮件.mbox/1/Data/Messages/9.emlx")};
+    message.preview = "正在加载正文预览...";
+    message.attachments = {{Uuid::random(),
+                            "图\xE2\x80\xAE"
+                            "fdp.exe",
+                            "application/pdf",
+                            11'800'000,
+                            {}},
+                           {Uuid::random(), "b.zip", "application/zip", std::nullopt, {}}};
+    publish({message});
+    const MessageDetail& detail = *screen_.detail();
+    EXPECT_EQ(detail.copiesTitle(), QStringLiteral("本机有 3 个文件保存着这封邮件"));
+    EXPECT_EQ(detail.copiesPlaces(), QStringLiteral("收件箱、全部邮件。"));
+    EXPECT_EQ(detail.files().size(), 3);
+    EXPECT_FALSE(detail.hasPreview());
+    EXPECT_EQ(detail.place(), QStringLiteral("a@a.example · 收件箱 · 1 MB"));
+    EXPECT_EQ(detail.attachmentCount(), 2);
+    EXPECT_EQ(detail.attachmentsSize(), QStringLiteral("已知 11.8 MB"));
+    AttachmentListModel& attachments = *screen_.detail()->attachments();
+    const auto role = [&](int row, int which) {
+        return attachments.data(attachments.index(row), which).toString();
+    };
+    EXPECT_EQ(role(0, AttachmentListModel::NameRole), QStringLiteral("图fdp.exe"));
+    EXPECT_EQ(role(0, AttachmentListModel::SymbolRole), QStringLiteral("shippingbox"));
+    EXPECT_EQ(role(1, AttachmentListModel::SizeTextRole), QStringLiteral("大小待估算"));
+}
+
+TEST(MailListFilters, YearsReadAsRanges) {
+    EXPECT_EQ(yearRangesText({2020}), QStringLiteral("2020 年"));
+    EXPECT_EQ(yearRangesText({2015, 2018, 2019, 2020, 2022}), QStringLiteral("2015、2018–2020、2022 年"));
+}
+
+} // namespace
+} // namespace corvane

@@ -1,0 +1,176 @@
+#include "screens/message_list_model.h"
+
+#include <random>
+
+#include <QAbstractItemModelTester>
+
+#include "screens/mails/mail_samples.h"
+#include "screens/shown_text.h"
+#include "support/temporary_home.h"
+
+namespace corvane {
+namespace {
+
+using testing::messagesOf;
+using testing::texts;
+
+// What a view holds that hears only the model's signals.
+class Mirror {
+  public:
+    explicit Mirror(MessageListModel& model)
+      : model_(model) {
+        QObject::connect(&model, &QAbstractItemModel::rowsInserted, [this](const auto&, int first, int last) {
+            for (int row = first; row <= last; ++row) subjects_.insert(row, subjectAt(row));
+        });
+        QObject::connect(&model, &QAbstractItemModel::rowsRemoved, [this](const auto&, int first, int last) {
+            subjects_.remove(first, last - first + 1);
+        });
+        QObject::connect(&model, &QAbstractItemModel::modelReset, [this] {
+            ++resets;
+            subjects_.clear();
+            for (int row = 0; row < model_.rowCount(); ++row) subjects_ += subjectAt(row);
+        });
+        QObject::connect(&model, &QAbstractItemModel::dataChanged,
+                         [this](const auto& first, const auto& last) {
+                             for (int row = first.row(); row <= last.row(); ++row)
+                                 subjects_[row] = subjectAt(row);
+                         });
+    }
+
+    [[nodiscard]] const QStringList& subjects() const { return subjects_; }
+
+    int resets = 0;
+
+  private:
+    [[nodiscard]] QString subjectAt(int row) const {
+        return model_.data(model_.index(row), MessageListModel::SubjectRole).toString();
+    }
+
+    MessageListModel& model_;
+    QStringList subjects_;
+};
+
+QStringList subjectsOf(const MessageList& messages) {
+    QStringList subjects;
+    for (const auto& message : messages) subjects += screens::shownLine(message.subject);
+    return subjects;
+}
+
+void become(MessageListModel& model, const SharedMessageList& next, std::size_t mostRuns = mostRunsTold) {
+    model.apply(next, rowChanges(*model.messages(), *next, mostRuns));
+}
+
+TEST(MessageList, RowsThatStayAreNeverTakenAway) {
+    const struct {
+        const char* from;
+        const char* to;
+        std::vector<RowRun> removed, inserted;
+    } cases[] = {
+        {"", "abc", {}, {{0, 3}}},
+        {"abc", "", {{0, 3}}, {}},
+        {"abc", "abc", {}, {}},
+        {"abc", "xabc", {}, {{0, 1}}},
+        {"abcdef", "acxyf", {{1, 1}, {3, 2}}, {{2, 2}}},
+        {"abc", "xyz", {{0, 3}}, {{0, 3}}},
+    };
+
+    for (const auto& [from, to, removed, inserted] : cases) {
+        const RowChanges changes = rowChanges(*messagesOf(from), *messagesOf(to));
+        EXPECT_FALSE(changes.isReset) << from << " " << to;
+        EXPECT_EQ(changes.removed, removed) << from << " " << to;
+        EXPECT_EQ(changes.inserted, inserted) << from << " " << to;
+        EXPECT_TRUE(changes.changed.empty());
+    }
+}
+
+TEST(MessageList, AnotherOrderOrTooManyChangesBeginAnewAndKnowWhereEachRowWent) {
+    const RowChanges sorted = rowChanges(*messagesOf("abc"), *messagesOf("cxa"));
+    EXPECT_TRUE(sorted.isReset);
+    EXPECT_EQ(sorted.newRows, (std::vector<int>{2, -1, 0}));
+    EXPECT_FALSE(rowChanges(*messagesOf("abcde"), *messagesOf("ace"), 2).isReset);
+    EXPECT_TRUE(rowChanges(*messagesOf("abcde"), *messagesOf("ace"), 1).isReset);
+}
+
+TEST(MessageList, AMessageThatShowsSomethingElseChangesItsRowOnly) {
+    auto next = std::make_shared<MessageList>(*messagesOf("abc"));
+    (*next)[1].preview = "新的正文";
+    (*next)[2].recipients = "不在行里显示";
+    const RowChanges changes = rowChanges(*messagesOf("abc"), *next);
+    EXPECT_EQ(changes.changed, (std::vector<RowRun>{{1, 1}}));
+    EXPECT_TRUE(changes.removed.empty());
+}
+
+TEST(MessageList, AViewThatHearsOnlyTheSignalsHoldsTheSameRows) {
+    MessageListModel model;
+    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    Mirror mirror(model);
+    std::mt19937 random(7);
+    for (int round = 0; round < 300; ++round) {
+        std::string letters;
+        for (char letter = 'a'; letter <= 'z'; ++letter) {
+            if (random() % 3 != 0) letters += letter;
+        }
+        if (round % 10 == 0) std::shuffle(letters.begin(), letters.end(), random);
+        become(model, messagesOf(letters), 8);
+        ASSERT_EQ(mirror.subjects(), subjectsOf(*model.messages())) << letters;
+    }
+    EXPECT_GT(mirror.resets, 0);
+    EXPECT_LT(mirror.resets, 300);
+}
+
+TEST(MessageList, SelectionAndCurrentRowFollowTheirMessages) {
+    MessageListModel model;
+    become(model, messagesOf("abcdef"));
+    model.selection().select(1);
+    model.selection().extendTo(3); // b c d
+
+    become(model, messagesOf("xabdef")); // c goes, x comes
+    EXPECT_EQ(model.selection().rows().ranges(), (std::vector<RowRanges::Range>{{2, 4}}));
+    EXPECT_EQ(model.selection().currentRow(), 3);
+
+    become(model, messagesOf("fedba")); // turned round
+    EXPECT_EQ(model.selection().rows().ranges(), (std::vector<RowRanges::Range>{{2, 4}}));
+    EXPECT_EQ(model.selection().currentRow(), 2);
+    model.selection().extendTo(4); // the anchor is still b
+    EXPECT_EQ(model.selection().rows().ranges(), (std::vector<RowRanges::Range>{{3, 5}}));
+
+    become(model, messagesOf("fed"));
+    EXPECT_EQ(model.selection().count(), 0);
+    EXPECT_EQ(model.selection().currentRow(), -1);
+}
+
+TEST(MessageList, NoRowShowsASelectionThatIsNotItsOwn) {
+    MessageListModel model;
+    become(model, messagesOf("abcd"));
+    model.selection().select(3);
+    QStringList seen = texts({"", "", "", ""});
+    QObject::connect(&model, &QAbstractItemModel::rowsInserted, [&](const auto&, int first, int) {
+        // A view makes rows as they come, while others are still to come.
+        seen.insert(first, model.data(model.index(first), MessageListModel::SelectedRole).toString());
+    });
+    QObject::connect(&model, &QAbstractItemModel::rowsRemoved,
+                     [&](const auto&, int first, int last) { seen.remove(first, last - first + 1); });
+    QObject::connect(&model, &QAbstractItemModel::dataChanged, [&](const auto& first, const auto& last) {
+        for (int row = first.row(); row <= last.row(); ++row) {
+            seen[row] = model.data(model.index(row), MessageListModel::SelectedRole).toString();
+        }
+    });
+    become(model, messagesOf("bcxd"));
+    EXPECT_EQ(seen, texts({"false", "false", "false", "true"}));
+}
+
+TEST(MessageList, ARowIsSpokenWithItsState) {
+    const testing::TimeZoneGuard zone("UTC");
+    MessageListModel model;
+    auto list = std::make_shared<MessageList>(*messagesOf("ab"));
+    (*list)[0].subject = "施工图";
+    (*list)[0].date = testing::dateIn(2021);
+    become(model, list);
+    model.setArchivedIDs(std::make_shared<const SharedTextSet>(SharedTextSet{"/m/a"}));
+    EXPECT_EQ(model.spokenName(0).toStdString(), "施工图，周明哲，2021-06-15 04:00，1 MB，已归档");
+    EXPECT_TRUE(model.spokenName(1).endsWith(QStringLiteral("日期未知，1 MB，未归档")));
+    EXPECT_EQ(model.spokenName(2), QString());
+}
+
+} // namespace
+} // namespace corvane
