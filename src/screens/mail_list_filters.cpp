@@ -158,6 +158,7 @@ QString MailListFilters::accountTitle(const std::string& key) const {
 std::vector<FilterOption> MailListFilters::makeAccountOptions() const {
     const std::set<std::string>& chosen = filters_.filterAccountPrefixes();
     std::vector<std::pair<std::int64_t, FilterOption>> sized;
+    sized.reserve(counts_.byAccount.size() + chosen.size());
     for (const auto& [key, account] : counts_.byAccount) {
         sized.emplace_back(account.bytes,
                            FilterOption{key, accountTitle(key), account.count, chosen.contains(key)});
@@ -169,6 +170,7 @@ std::vector<FilterOption> MailListFilters::makeAccountOptions() const {
     std::stable_sort(sized.begin(), sized.end(),
                      [](const auto& a, const auto& b) { return a.first > b.first; });
     std::vector<FilterOption> options;
+    options.reserve(sized.size());
     for (auto& [bytes, option] : sized) options.push_back(std::move(option));
     return options;
 }
@@ -178,6 +180,7 @@ std::vector<FilterOption> MailListFilters::makeYearOptions() const {
     auto counts = counts_.byYear;
     for (const std::int64_t year : chosen) counts.try_emplace(year, 0);
     std::vector<FilterOption> options;
+    options.reserve(counts.size());
     for (auto each = counts.rbegin(); each != counts.rend(); ++each) {
         options.push_back({std::to_string(each->first), yearTitle(each->first), each->second,
                            chosen.contains(each->first)});

@@ -1,10 +1,10 @@
 #include "screens/message_detail.h"
 
-#include "mailstore/mailbox_url.h"
-#include "mailstore/preview_placeholders.h"
 #include "platform/paths.h"
 #include "records/formatters.h"
+#include "records/preview_placeholders.h"
 #include "screens/shown_text.h"
+#include "text/case.h"
 
 namespace corvane {
 
@@ -22,12 +22,19 @@ std::vector<FileURL> shownFiles(const MailMessageRecord& message) {
     return files;
 }
 
+// The name of the nearest ".mbox" folder around a file.
 QString mailboxOf(const FileURL& file) {
-    const auto folder = mailstore::mailboxFolder(file);
-    if (!folder) return {};
-    QString name = screens::shownLine(platform::lastPathComponent(*folder));
-    name.chop(QStringLiteral(".mbox").size());
-    return name;
+    std::string_view folder = platform::parentPath(file.path());
+    while (folder.size() > 1) {
+        const std::string_view extension = platform::pathExtension(folder);
+        if (text::equalsIgnoringCase(extension, "mbox")) {
+            std::string_view name = platform::lastPathComponent(folder);
+            name.remove_suffix(extension.size() + 1);
+            return screens::shownLine(name);
+        }
+        folder = platform::parentPath(folder);
+    }
+    return {};
 }
 
 } // namespace
@@ -73,8 +80,8 @@ QString MessageDetail::preview() const {
 }
 
 bool MessageDetail::hasPreview() const {
-    return message_ && !message_->preview.empty() && message_->preview != mailstore::lazyPreviewPlaceholder &&
-           message_->preview != mailstore::emptyBodyPreviewPlaceholder;
+    return message_ && !message_->preview.empty() && message_->preview != lazyPreviewPlaceholder &&
+           message_->preview != emptyBodyPreviewPlaceholder;
 }
 
 QString MessageDetail::copiesTitle() const {
