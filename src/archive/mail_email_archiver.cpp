@@ -162,6 +162,7 @@ void ArchiveRun::archiveMessages(const std::stop_token& stop) {
             lastProgress = moment;
         }
         archiveMessage(message);
+        ++result_.triedCount;
     }
     times_.loop = watch.elapsed();
 }

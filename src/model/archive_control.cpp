@@ -10,6 +10,20 @@
 
 namespace corvane {
 
+struct CandidateJob {
+    SharedMessageList messages;
+    CandidateRules rules;
+    std::shared_ptr<const SharedTextSet> offer; // null: all
+    std::shared_ptr<const SharedTextSet> locallyAvailableIDs;
+    std::shared_ptr<const SharedTextSet> archivedMessageIDs;
+    std::shared_ptr<const YearByID> yearByID;
+
+    [[nodiscard]] bool passes(const MailMessageRecord& message) const {
+        return (!offer || offer->contains(message.id)) && locallyAvailableIDs->contains(message.id) &&
+               !archivedMessageIDs->contains(message.id) && rules.passes(message, *yearByID);
+    }
+};
+
 namespace {
 
 constexpr double capacityMargin = 1.15;
@@ -44,29 +58,12 @@ std::optional<std::int64_t> countCandidates(const CountJob& job, const TaskHandl
     return count;
 }
 
-// Everything that the candidates depend on.
-struct CandidateJob {
-    SharedMessageList messages;
-    CandidateRules rules;
-    std::shared_ptr<const SharedTextSet> locallyAvailableIDs;
-    std::shared_ptr<const SharedTextSet> archivedMessageIDs;
-    std::shared_ptr<const YearByID> yearByID;
-};
-
-CandidateJob candidateJob(const MessageCatalog& catalog, const ModelFilters& filters) {
-    return {catalog.messages(), CandidateRules::of(filters), catalog.locallyAvailableIDs(),
-            catalog.archivedMessageIDs(), catalog.messageYearByID()};
-}
-
 // Null when stopped.
 SharedMessageList makeCandidates(const CandidateJob& job, const std::stop_token& stop = {}) {
     MessageList candidates;
     for (const MailMessageRecord& message : *job.messages) {
         if (stop.stop_requested()) return nullptr;
-        if (job.locallyAvailableIDs->contains(message.id) && !job.archivedMessageIDs->contains(message.id) &&
-            job.rules.passes(message, *job.yearByID)) {
-            candidates.push_back(message);
-        }
+        if (job.passes(message)) candidates.push_back(message);
     }
     return std::make_shared<const MessageList>(std::move(candidates));
 }
@@ -131,32 +128,53 @@ std::string ArchiveControl::signature() const {
                        archivedRevision_);
 }
 
+std::string ArchiveControl::candidatesSignature() const {
+    return fmt::format("{}|{}", signature(), offerRevision_);
+}
+
+CandidateJob ArchiveControl::candidateJob() const {
+    CandidateRules rules = CandidateRules::of(filters_);
+    if (offer_) {
+        rules.accountPrefixes.clear();
+        rules.years.clear();
+    }
+    return {catalog_.messages(),           std::move(rules),          offer_, catalog_.locallyAvailableIDs(),
+            catalog_.archivedMessageIDs(), catalog_.messageYearByID()};
+}
+
+void ArchiveControl::setCandidateOffer(std::shared_ptr<const SharedTextSet> ids) {
+    offer_ = std::move(ids);
+    ++offerRevision_;
+}
+
 const SharedMessageList& ArchiveControl::archiveCandidates() {
     if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
-    std::string current = signature();
+    std::string current = candidatesSignature();
     if (current == candidatesSignature_) return candidatesCache_;
     candidatesSignature_ = std::move(current);
-    candidatesCache_ = makeCandidates(candidateJob(catalog_, filters_));
+    candidatesCache_ = makeCandidates(candidateJob());
     return candidatesCache_;
 }
 
 void ArchiveControl::refreshArchiveCandidatesAsync() {
     if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
-    candidatesTask_.start(
-        TaskPriority::userInitiated, [this, job = candidateJob(catalog_, filters_), made = signature(),
-                                      isKnown = signature() == candidatesSignature_](const TaskHandle& task) {
-            const SharedMessageList candidates = isKnown ? nullptr : makeCandidates(job, task.stopToken());
-            if (!candidates && !isKnown) return;
-            task.onMain([this, candidates, made] {
-                // Whoever changed an input since has asked again or will ask for the list itself.
-                if (made != signature()) return;
-                if (candidates && made != candidatesSignature_) {
-                    candidatesSignature_ = made;
-                    candidatesCache_ = candidates;
-                }
-                Q_EMIT archiveCandidatesReady();
-            });
-        });
+    candidatesTask_.start(TaskPriority::userInitiated,
+                          [this, job = candidateJob(), made = candidatesSignature(),
+                           isKnown = candidatesSignature() == candidatesSignature_](const TaskHandle& task) {
+                              const SharedMessageList candidates =
+                                  isKnown ? nullptr : makeCandidates(job, task.stopToken());
+                              if (!candidates && !isKnown) return;
+                              task.onMain([this, candidates, made] {
+                                  // Whoever changed an input since has asked again or will ask for the list
+                                  // itself.
+                                  if (made != candidatesSignature()) return;
+                                  if (candidates && made != candidatesSignature_) {
+                                      candidatesSignature_ = made;
+                                      candidatesCache_ = candidates;
+                                  }
+                                  Q_EMIT archiveCandidatesReady();
+                              });
+                          });
 }
 
 MailScanSummary ArchiveControl::archiveCandidateSummary() {
@@ -325,8 +343,11 @@ void ArchiveControl::startRun(const std::string& destination) {
     isSelectionOfARun_ = true;
     runTask_.start(TaskPriority::userInitiated, [this, candidates = archiveCandidates(),
                                                  selection = std::shared_ptr<const SharedTextSet>(selection_),
-                                                 destination, stop = runStop_.get_token(),
+                                                 destination, stop = runStop_,
                                                  &platform = context_.platform](const TaskHandle& task) {
+        // At the end of the program a run stops as if cancelled, with its index saved.
+        const std::stop_callback atShutdown(task.stopToken(),
+                                            [stop] { std::stop_source(stop).request_stop(); });
         const MessageList messages = selectedOf(*candidates, *selection);
         const auto finish = [&](RunOutcome outcome) {
             task.onMain([this, destination, outcome = std::make_shared<RunOutcome>(std::move(outcome))] {
@@ -345,7 +366,7 @@ void ArchiveControl::startRun(const std::string& destination) {
             ArchiverOptions options;
             options.markHidden = [&platform](const std::string& path) { platform.markHidden(path); };
             finish(MailEmailArchiver(platform::posixFileLayer(), options)
-                       .archive(messages, destination, report, stop));
+                       .archive(messages, destination, report, stop.get_token()));
         } catch (const std::exception& error) {
             finish(std::unexpected(std::string(error.what())));
         }

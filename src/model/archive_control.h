@@ -29,6 +29,9 @@ struct CandidateRules {
     [[nodiscard]] bool passes(const MailMessageRecord& message, const YearByID& yearByID) const;
 };
 
+// Everything that the candidates depend on.
+struct CandidateJob;
+
 // What messages of `bytes` in all need at their destination: a margin of 15 percent is added.
 std::int64_t estimatedArchiveBytes(double bytes);
 
@@ -54,6 +57,10 @@ class ArchiveControl : public QObject {
     // Makes the candidates in the background for whoever must not wait for them; `archiveCandidatesReady`
     // follows, also when they are known already. From then on `archiveCandidates` costs nothing.
     void refreshArchiveCandidatesAsync();
+
+    // While set, of these messages only are candidates made, whatever accounts and years the filters name;
+    // null gives all back. The count for the screens stays that of the filters.
+    void setCandidateOffer(std::shared_ptr<const SharedTextSet> ids);
 
     [[nodiscard]] MailScanSummary archiveCandidateSummary();
     [[nodiscard]] MailScanSummary selectedArchiveSummary();
@@ -119,6 +126,8 @@ class ArchiveControl : public QObject {
 
   private:
     [[nodiscard]] std::string signature() const;
+    [[nodiscard]] std::string candidatesSignature() const;
+    [[nodiscard]] CandidateJob candidateJob() const;
     void setCount(std::int64_t count, bool ready);
     void setProgress(std::optional<EmailArchiveProgress> progress);
     // For changes in place: a run reads its selection on its own thread, and keeps it.
@@ -131,6 +140,8 @@ class ArchiveControl : public QObject {
     ModelFilters& filters_;
     std::shared_ptr<const SharedTextSet> archivedBaseIDs_ = std::make_shared<const SharedTextSet>();
     std::int64_t archivedRevision_ = 0;
+    std::shared_ptr<const SharedTextSet> offer_;
+    std::int64_t offerRevision_ = 0;
     SharedMessageList candidatesCache_ = std::make_shared<const MessageList>();
     std::string candidatesSignature_;
     std::shared_ptr<SharedTextSet> selection_ = std::make_shared<SharedTextSet>();

@@ -103,6 +103,7 @@ struct EmailArchiveRunResult {
     std::int64_t archivedBytes = 0;
     FileURL indexURL;
     bool wasCancelled = false;
+    std::int64_t triedCount = 0; // messages the run came to; all of them unless cancelled
     std::vector<std::string> variantWarnings;
     std::vector<EmailArchiveFailure> failures;
 

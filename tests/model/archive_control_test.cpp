@@ -4,6 +4,7 @@
 #include "model/model_test.h"
 #include "model/sample_messages.h"
 #include "platform/directory.h"
+#include "records/archive_index_file.h"
 
 namespace corvane {
 namespace {
@@ -100,6 +101,64 @@ TEST_F(ArchiveRuns, IdsOfNoCandidateAreNeverArchived) {
     ASSERT_TRUE(outcome);
     EXPECT_FALSE(*outcome);
     EXPECT_FALSE(platform::fileExists(home_.at("归档")));
+}
+
+TEST_F(ArchiveRuns, AnOfferReplacesAccountsAndYearsUntilItIsTakenBack) {
+    publish({{"a", 2019}, {"b", 2020}, {"c", 0}});
+    const MessageList all = *archive_.archiveCandidates();
+    model_.applyHomeScope("imap://other", {2019});
+    archive_.setCandidateOffer(std::make_shared<const SharedTextSet>(idsOf({all[0], all[2]})));
+    EXPECT_EQ(archive_.archiveCandidates()->size(), 2U);
+    model_.filters().setMinimumCandidateBytes(1 << 20);
+    EXPECT_TRUE(archive_.archiveCandidates()->empty()) << "the smallest size still counts";
+    model_.filters().setMinimumCandidateBytes(0);
+    archive_.setCandidateOffer(nullptr);
+    EXPECT_TRUE(archive_.archiveCandidates()->empty());
+    model_.applyHomeScope(std::nullopt, {});
+    EXPECT_EQ(archive_.archiveCandidates()->size(), 3U);
+}
+
+TEST_F(ArchiveRuns, ACancelledRunTellsHowManyMessagesItCameTo) {
+    std::vector<testing::MessageSketch> sketches;
+    for (int number = 0; number < 300; ++number) sketches.push_back({fmt::format("m{}", number)});
+    publish(sketches);
+    archive_.selectAllArchiveCandidates();
+    std::optional<ArchiveControl::RunOutcome> outcome;
+    QObject::connect(&archive_, &ArchiveControl::progressChanged, [&] { archive_.cancelEmailArchive(); });
+    archive_.archiveSelectedEmails(home_.at("归档"), [&](auto result) { outcome = std::move(result); });
+    waitUntilIdle(context_.tasks);
+    ASSERT_TRUE(outcome && *outcome);
+    const EmailArchiveRunResult& result = **outcome;
+    EXPECT_TRUE(result.wasCancelled);
+    EXPECT_LT(result.triedCount, 300);
+    EXPECT_EQ(result.triedCount, result.archivedCount + result.skippedAlreadyArchived + result.failedCount);
+}
+
+TEST(ArchiveRunAtTheEnd, TheProgramDoesNotWaitForTheWholeRun) {
+    testing::provideEventLoop();
+    const testing::TemporaryHome home;
+    const testing::ScriptedPlatform platform(home);
+    constexpr std::size_t messages = 1500;
+    {
+        ModelContext context(platform);
+        CorvaneViewModel model(context);
+        std::vector<testing::MessageSketch> sketches;
+        for (std::size_t number = 0; number < messages; ++number)
+            sketches.push_back({fmt::format("m{}", number)});
+        publishMessages(model.catalog(), sampleMessages(home, sketches));
+        waitUntilIdle(context.tasks);
+        model.archive().selectAllArchiveCandidates();
+        QEventLoop untilTheRunIsOnItsWay;
+        QObject::connect(&model.archive(), &ArchiveControl::progressChanged, &untilTheRunIsOnItsWay,
+                         &QEventLoop::quit);
+        model.archive().archiveSelectedEmails(home.at("归档"), [](auto) {});
+        untilTheRunIsOnItsWay.exec();
+    }
+    const auto index = readArchiveIndex(home.at("归档/archive-index.json"));
+    ASSERT_TRUE(index);
+    EXPECT_LT(index->records.size(), messages);
+    for (const ArchivedEmailRecord& record : index->records)
+        EXPECT_TRUE(platform::fileExists(home.at("归档/" + record.emlRelativePath.str())));
 }
 
 } // namespace
