@@ -4,6 +4,7 @@ namespace corvane {
 
 WindowModel::WindowModel(CorvaneViewModel& model, QObject* parent)
   : QObject(parent)
-  , model_(model) {}
+  , model_(model)
+  , mails_(model, desktop_) {}
 
 } // namespace corvane

@@ -6,6 +6,8 @@
 #include <QtQml/qqmlregistration.h>
 
 #include "model/corvane_view_model.h"
+#include "screens/desktop_actions.h"
+#include "screens/mail_list_screen.h"
 
 namespace corvane {
 
@@ -13,13 +15,18 @@ class WindowModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the entry of the program")
+    Q_PROPERTY(corvane::MailListScreen* mails READ mails CONSTANT)
 
   public:
     // `model` must outlive the window's model.
     explicit WindowModel(CorvaneViewModel& model, QObject* parent = nullptr);
 
+    [[nodiscard]] MailListScreen* mails() { return &mails_; }
+
   private:
     CorvaneViewModel& model_;
+    DesktopActions desktop_;
+    MailListScreen mails_;
 };
 
 } // namespace corvane
