@@ -20,7 +20,7 @@ void SqliteStatement::bindInteger(int index, std::int64_t value) {
 }
 
 bool SqliteStatement::step() {
-    status_ = sqlite3_step(handle_.get());
+    if (handle_) status_ = sqlite3_step(handle_.get());
     return status_ == SQLITE_ROW;
 }
 

@@ -38,7 +38,8 @@ class SqliteStatement {
     // True while there is a row; anything else ends the rows, and `status` tells which.
     bool step();
 
-    // SQLITE_ROW, SQLITE_DONE or the error of the last step; SQLITE_MISUSE before one.
+    // SQLITE_ROW, SQLITE_DONE or the error of the last step, or of the failed preparation; SQLITE_MISUSE
+    // before any.
     [[nodiscard]] int status() const noexcept { return status_; }
 
     // Ready to be bound and stepped again. Ends the read that a kept statement holds open.

@@ -81,39 +81,51 @@ void MailSearchIndex::provideRecordMap() {
     if (status == SQLITE_OK) setMeta(recordMapBuiltKey, "1");
 }
 
-void MailSearchIndex::bulkInsert(std::span<const SearchIndexRow> rows) {
-    if (rows.empty()) return;
+std::size_t MailSearchIndex::bulkInsert(std::span<const SearchIndexRow> rows) {
+    if (rows.empty()) return 0;
     const std::scoped_lock lock(writing_);
     search::execute(database_.get(), "BEGIN;");
-    insertRows(rows);
+    const std::size_t inserted = insertRows(rows);
     // What did work stays.
-    noteStatus(search::execute(database_.get(), "COMMIT;"));
+    const int status = search::execute(database_.get(), "COMMIT;");
+    noteStatus(status);
+    return status == SQLITE_OK ? inserted : 0;
 }
 
-void MailSearchIndex::insertRows(std::span<const SearchIndexRow> rows) {
+std::size_t MailSearchIndex::insertRows(std::span<const SearchIndexRow> rows) {
     SqliteStatement insert(database_.get(), "INSERT INTO email_fts(record_id,subject,sender,recipients,"
                                             "attachments,body) VALUES(?,?,?,?,?,?);");
     SqliteStatement map(database_.get(),
                         "INSERT OR REPLACE INTO record_map(record_id, fts_rowid) VALUES(?,?);");
-    if (!insert || !map) return;
-    for (const SearchIndexRow& row : rows) {
-        int column = 0;
-        for (const std::string_view text :
-             {row.id.view(), row.subject.view(), row.sender.view(), row.recipients.view(),
-              std::string_view(row.attachments), std::string_view(row.body)})
-            insert.bindText(++column, text);
-        insert.step();
-        noteStatus(insert.status());
-        const bool isInserted = insert.status() == SQLITE_DONE;
-        const std::int64_t rowID = sqlite3_last_insert_rowid(database_.get());
-        insert.reset();
-        if (!isInserted) continue;
-        map.bindText(1, row.id);
-        map.bindInteger(2, rowID);
-        map.step();
-        noteStatus(map.status());
-        map.reset();
+    for (const SqliteStatement* statement : {&insert, &map}) {
+        noteStatus(statement->status());
+        if (!*statement) return 0;
     }
+    std::size_t inserted = 0;
+    for (const SearchIndexRow& row : rows) {
+        if (insertRow(row, insert, map)) ++inserted;
+        if ((insert.status() & 0xFF) == SQLITE_BUSY) break; // 5 seconds a row otherwise
+    }
+    return inserted;
+}
+
+bool MailSearchIndex::insertRow(const SearchIndexRow& row, SqliteStatement& insert, SqliteStatement& map) {
+    int column = 0;
+    for (const std::string_view text :
+         {row.id.view(), row.subject.view(), row.sender.view(), row.recipients.view(),
+          std::string_view(row.attachments), std::string_view(row.body)})
+        insert.bindText(++column, text);
+    insert.step();
+    noteStatus(insert.status());
+    const std::int64_t rowID = sqlite3_last_insert_rowid(database_.get());
+    insert.reset();
+    if (insert.status() != SQLITE_DONE) return false;
+    map.bindText(1, row.id);
+    map.bindInteger(2, rowID);
+    map.step();
+    noteStatus(map.status());
+    map.reset();
+    return true;
 }
 
 SharedTextSet MailSearchIndex::search(std::string_view query) const {
@@ -170,7 +182,9 @@ void MailSearchIndex::remove(std::string_view id) {
 
 void MailSearchIndex::clear() {
     const std::scoped_lock lock(writing_);
-    if (search::makeTablesAnew(database_.get())) hasTrigrams_ = true;
+    const int status = search::makeTablesAnew(database_.get());
+    noteStatus(status);
+    if (status == SQLITE_OK) hasTrigrams_ = true;
 }
 
 std::optional<SharedTextSet> MailSearchIndex::indexedIDs() const {

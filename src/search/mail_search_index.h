@@ -56,8 +56,9 @@ class MailSearchIndex {
                                                       std::string_view archiveRoot);
 
     // Adds the rows in one transaction. A row whose id is there already is added beside it, and the later one
-    // answers for the id.
-    void bulkInsert(std::span<const SearchIndexRow> rows);
+    // answers for the id. The number of rows added: one that fails is left out, and when another one keeps
+    // the lock so are all behind it.
+    std::size_t bulkInsert(std::span<const SearchIndexRow> rows);
 
     // The ids of all records that hold the text in one of their columns, white space around it left out; none
     // for an empty text. ASCII letters match in either case, nothing has a special meaning. Reads every row
@@ -106,7 +107,9 @@ class MailSearchIndex {
     // Null for none.
     static std::unique_ptr<MailSearchIndex> make(platform::SqliteConnection database);
     void provideRecordMap();
-    void insertRows(std::span<const SearchIndexRow> rows);
+    std::size_t insertRows(std::span<const SearchIndexRow> rows);
+    bool insertRow(const SearchIndexRow& row, platform::SqliteStatement& insert,
+                   platform::SqliteStatement& map);
     [[nodiscard]] std::optional<std::int64_t> rowIDLocked(std::string_view recordID) const;
     void noteStatus(int status) const;
 

@@ -77,13 +77,14 @@ bool hasTrigramTable(sqlite3* database) {
     return definition == fullTextDefinition;
 }
 
-bool makeTablesAnew(sqlite3* database) {
-    if (execute(database, "BEGIN IMMEDIATE;") != SQLITE_OK) return false;
-    if (execute(database, "DROP TABLE email_fts; DELETE FROM record_map;") == SQLITE_OK &&
-        execute(database, schema) == SQLITE_OK && execute(database, "COMMIT;") == SQLITE_OK)
-        return true;
-    execute(database, "ROLLBACK;");
-    return false;
+int makeTablesAnew(sqlite3* database) {
+    int status = execute(database, "BEGIN IMMEDIATE;");
+    if (status != SQLITE_OK) return status;
+    for (const char* sql : {"DROP TABLE email_fts; DELETE FROM record_map;", schema, "COMMIT;"}) {
+        if (status == SQLITE_OK) status = execute(database, sql);
+    }
+    if (status != SQLITE_OK) execute(database, "ROLLBACK;");
+    return status;
 }
 
 // https://sqlite.org/c3ref/c_dbconfig_defensive.html, SQLITE_DBCONFIG_RESET_DATABASE.

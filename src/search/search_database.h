@@ -14,10 +14,11 @@ namespace corvane::search {
 // file holds is the cause.
 platform::SqliteConnection openSearchDatabase(const std::string& path, bool& isDamaged);
 
-// The file is no database or a damaged one.
+// The file is no database, a damaged one, or one with other tables: all statements here are constants, so one
+// that SQLite finds wrong isn't ours to blame.
 constexpr bool meansDamage(int sqliteStatus) {
     const int primary = sqliteStatus & 0xFF;
-    return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB;
+    return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB || primary == SQLITE_ERROR;
 }
 
 // Runs statements that give no rows; SQLITE_OK or the first error, which ends them.
@@ -27,8 +28,8 @@ int execute(sqlite3* database, const char* sql);
 bool hasTrigramTable(sqlite3* database);
 
 // Removes all rows in one step. Making the table anew takes no longer for a million rows than for one, and
-// needs nothing of the old one to be sound. False when it can't be done.
-bool makeTablesAnew(sqlite3* database);
+// needs nothing of the old one to be sound. SQLITE_OK, or an error that left everything as it was.
+int makeTablesAnew(sqlite3* database);
 
 // Turns whatever the file holds into an empty database with its tables, in place: others may have it open.
 // Null when that fails.
