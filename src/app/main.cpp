@@ -11,6 +11,7 @@
 #include "model/model_context.h"
 #include "platform/platform.h"
 #include "screens/appearance.h"
+#include "screens/fonts.h"
 #include "screens/window_model.h"
 
 namespace corvane {
@@ -60,5 +61,6 @@ int main(int argc, char** argv) {
     corvane::declareOptions(commandLine, options);
     CLI11_PARSE(commandLine, argc, argv);
     const QGuiApplication application(argc, argv);
+    corvane::useWindowFonts();
     return corvane::runWindow(options);
 }

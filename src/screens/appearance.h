@@ -24,7 +24,7 @@ class Appearance : public QObject {
     enum class Scheme { light, dark };
 
     // Follows the desktop unless a scheme is forced.
-    explicit Appearance(std::optional<Scheme> forced = std::nullopt, QObject* parent = nullptr);
+    explicit Appearance(std::optional<Scheme> forced, QObject* parent = nullptr);
     ~Appearance() override;
 
     // For the QML engine: the one object.

@@ -148,4 +148,48 @@ QtObject {
     readonly property int sheetTravel: moves ? 12 : 0
     readonly property int indeterminatePass: 1600
     readonly property int tooltipDelay: 600
+
+    // By AppText.Role: hero, title, heading, body, note.
+    readonly property var textSizes: [heroSize, titleSize, headingSize, bodySize, noteSize]
+    readonly property var textLines: [heroLine, titleLine, headingLine, bodyLine, noteLine]
+    readonly property var textWeights: [strong, strong, strong, regular, regular]
+
+    // Colours of a kind of statement: "safe", "attention", "danger"; anything else is neutral.
+    function toneText(kind: string): color {
+        return kind === "safe" ? safe : kind === "attention" ? attention : kind === "danger" ? danger : text1;
+    }
+    function toneBackground(kind: string): color {
+        return kind === "safe" ? safeBackground : kind === "attention" ? attentionBackground
+            : kind === "danger" ? dangerBackground : page;
+    }
+    function toneLine(kind: string): color {
+        return kind === "safe" ? safeLine : kind === "attention" ? attentionLine
+            : kind === "danger" ? dangerLine : line;
+    }
+
+    // Looks of a chart's series: "archived", "unarchived", "serverOnly", "share1" to "share4".
+    function seriesFill(series: string): color {
+        switch (series) {
+        case "archived":
+            return seriesArchived;
+        case "unarchived":
+            return seriesUnarchived;
+        case "serverOnly":
+            return seriesServerOnly;
+        case "share1":
+            return share1;
+        case "share2":
+            return share2;
+        case "share3":
+            return share3;
+        default:
+            return share4;
+        }
+    }
+    function seriesHasLine(series: string): bool {
+        return series === "serverOnly" || series === "share4";
+    }
+    function seriesLine(series: string): color {
+        return series === "serverOnly" ? seriesServerOnlyLine : share2;
+    }
 }

@@ -1,6 +1,50 @@
 # QML files of this folder, and the C++ sources behind them (paths from src/screens).
 set(controls_qml
+    AppButton.qml
+    AppMenu.qml
+    AppMenuRow.qml
+    AppScrollBar.qml
+    AppText.qml
+    AppToolTip.qml
+    Banner.qml
+    BottomBar.qml
+    ChartLegend.qml
+    Chip.qml
+    ConfirmSheet.qml
+    CountPill.qml
+    DisclosureArrow.qml
+    EmptyState.qml
+    FilterChip.qml
+    FocusGroup.qml
+    FocusRing.qml
+    IconButton.qml
+    ListRow.qml
+    MenuButton.qml
+    PlainButton.qml
+    PrimaryButton.qml
+    ProgressTrack.qml
+    ReadOut.qml
+    ReadOutPopup.qml
+    ScreenHead.qml
+    SearchField.qml
+    SegmentedControl.qml
+    ShareBar.qml
+    Sheet.qml
+    SheetHead.qml
+    SizeBar.qml
+    Splitter.qml
+    StatTile.qml
+    StepList.qml
+    Swatch.qml
+    Switch.qml
+    TableHead.qml
     Theme.qml
+    TickBox.qml
+    YearChart.qml
+    YearColumn.qml
 )
 set(controls_sources
+    chart_math.cpp
+    keyboard_focus.cpp
+    symbol.cpp
 )

@@ -3,6 +3,7 @@ set(shell_qml
     ContentView.qml
     Main.qml
     ScreenPage.qml
+    SidebarItem.qml
 )
 set(shell_sources
 )

@@ -1,0 +1,33 @@
+// A menu of AppMenuRow.
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+T.Menu {
+    id: menu
+
+    implicitWidth: Math.max(160, contentItem.widestRow)
+    implicitHeight: contentItem.contentHeight + topPadding + bottomPadding
+    verticalPadding: Theme.half
+    margins: Theme.space
+    delegate: AppMenuRow {}
+
+    contentItem: ListView {
+        // The widest row; a ListView knows only its own width.
+        readonly property real widestRow: {
+            let widest = 0;
+            for (let i = 0; i < menu.count; ++i)
+                widest = Math.max(widest, menu.itemAt(i)?.implicitWidth ?? 0);
+            return widest;
+        }
+        implicitHeight: contentHeight
+        model: menu.contentModel
+        interactive: contentHeight > height
+        currentIndex: menu.currentIndex
+    }
+    background: Rectangle {
+        color: Theme.sheet
+        border.color: Theme.lineStrong
+        radius: Theme.radiusSmall
+    }
+}

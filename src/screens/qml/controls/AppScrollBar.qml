@@ -1,0 +1,22 @@
+// The scrollbar of every list and pane.
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+T.ScrollBar {
+    id: bar
+
+    implicitWidth: orientation === Qt.Vertical ? 10 : 40
+    implicitHeight: orientation === Qt.Vertical ? 40 : 10
+    padding: 2
+    minimumSize: 0.04
+    visible: size < 1.0 && policy !== T.ScrollBar.AlwaysOff
+    hoverEnabled: true
+
+    contentItem: Rectangle {
+        implicitWidth: 6
+        implicitHeight: 6
+        radius: 3
+        color: bar.pressed ? Theme.text3 : bar.hovered ? Theme.controlLine : Theme.lineStrong
+    }
+}

@@ -1,0 +1,43 @@
+// Text of the window in one of its five sizes. It is always shown as it stands, never as markup. What is elided has
+// the whole text as its tooltip.
+import QtQuick
+import Corvane
+
+Text {
+    id: label
+
+    enum Role {
+        Hero,
+        Title,
+        Heading,
+        Body,
+        Note
+    }
+    property int role: AppText.Body
+    // The whole text where it isn't what is shown.
+    property string wholeText: text
+
+    textFormat: Text.PlainText
+    color: Theme.text1
+    font.pixelSize: Theme.textSizes[role]
+    font.weight: Theme.textWeights[role]
+    lineHeightMode: Text.FixedHeight
+    lineHeight: Theme.textLines[role]
+    elide: Text.ElideRight
+    verticalAlignment: Text.AlignVCenter
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
+
+    HoverHandler {
+        id: pointer
+        enabled: label.truncated
+    }
+    Loader {
+        active: pointer.hovered && label.truncated
+        sourceComponent: AppToolTip {
+            parent: label
+            text: label.wholeText
+            shown: true
+        }
+    }
+}

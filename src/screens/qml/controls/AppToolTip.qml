@@ -1,0 +1,39 @@
+// A tooltip. `shown` opens it after the usual wait.
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+T.ToolTip {
+    id: tip
+
+    property bool shown: false
+
+    visible: shown
+    delay: Theme.tooltipDelay
+    y: parent ? parent.height + Theme.half : 0
+    x: 0
+    margins: Theme.space
+    horizontalPadding: 12
+    verticalPadding: 8
+    implicitWidth: Math.min(Theme.noteMeasure, content.implicitWidth + leftPadding + rightPadding)
+    implicitHeight: content.implicitHeight + topPadding + bottomPadding
+    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent | T.Popup.CloseOnReleaseOutsideParent
+
+    contentItem: Text {
+        id: content
+        text: tip.text
+        textFormat: Text.PlainText
+        wrapMode: Text.Wrap
+        maximumLineCount: 12
+        elide: Text.ElideRight
+        color: Theme.text1
+        font.pixelSize: Theme.noteSize
+        lineHeightMode: Text.FixedHeight
+        lineHeight: Theme.noteLine
+    }
+    background: Rectangle {
+        color: Theme.sheet
+        border.color: Theme.lineStrong
+        radius: Theme.radiusSmall
+    }
+}

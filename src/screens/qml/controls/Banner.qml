@@ -1,0 +1,75 @@
+// What the user must know before anything else on a screen; at most one a screen. `compact` puts all lines on one.
+// Buttons are its children and stand at the right.
+import QtQuick
+import QtQuick.Layouts
+import Corvane
+
+Rectangle {
+    id: banner
+
+    // "safe", "attention", "danger" or "info".
+    property string kind: "info"
+    property string headline: ""
+    property var lines: []
+    property string symbol: kind === "safe" ? "shield-check" : kind === "attention" ? "triangle-alert"
+        : kind === "danger" ? "octagon-x" : "info"
+    property bool compact: false
+    default property alias actions: actionRow.data
+    readonly property var shownLines: compact && lines.length > 1 ? [lines.join("　")] : lines
+
+    implicitWidth: 400
+    implicitHeight: layout.implicitHeight + 24
+    radius: Theme.radiusLarge
+    color: Theme.toneBackground(kind)
+    border.color: Theme.toneLine(kind)
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: [headline].concat(lines).join("，")
+
+    RowLayout {
+        id: layout
+        anchors.fill: parent
+        anchors.margins: 12
+        anchors.leftMargin: 17
+        anchors.rightMargin: 17
+        spacing: 12
+
+        Symbol {
+            Layout.alignment: Qt.AlignTop
+            Layout.topMargin: 1
+            size: 20
+            name: banner.symbol
+            color: banner.kind === "info" ? Theme.text2 : Theme.toneText(banner.kind)
+        }
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: 0
+
+            AppText {
+                Layout.fillWidth: true
+                visible: text.length > 0
+                text: banner.headline
+                role: AppText.Heading
+                wrapMode: Text.Wrap
+                maximumLineCount: 2
+                color: Theme.toneText(banner.kind)
+                Accessible.ignored: true
+            }
+            Repeater {
+                model: banner.shownLines
+                delegate: AppText {
+                    required property string modelData
+                    Layout.fillWidth: true
+                    text: modelData
+                    wrapMode: Text.Wrap
+                    Accessible.ignored: true
+                }
+            }
+        }
+        RowLayout {
+            id: actionRow
+            Layout.alignment: Qt.AlignVCenter
+            spacing: Theme.space
+            visible: children.length > 0
+        }
+    }
+}

@@ -1,0 +1,72 @@
+// Base of a row: its background, its edge, its ring and the pointer. The keyboard is the list's, not the row's.
+// Content goes above the pointer's area, so that boxes and tooltips in it work.
+import QtQuick
+import Corvane
+
+Item {
+    id: row
+
+    property bool selected: false
+    // The row that the keyboard is at.
+    property bool current: false
+    // Its list has the focus in an active window.
+    property bool listFocused: false
+    property bool showHovered: area.containsMouse
+    property bool separated: false
+    property color restColor: "transparent"
+    readonly property alias down: area.pressed
+    // Dates and captions step up in a selected row.
+    readonly property color captionColor: selected ? Theme.text2 : Theme.text3
+    default property alias content: holder.data
+
+    signal pressed(int modifiers)
+    signal clicked(int modifiers)
+    signal doubleClicked
+    signal menuRequested(real x, real y)
+
+    implicitHeight: Theme.rowDense
+
+    Rectangle {
+        anchors.fill: parent
+        color: row.selected ? (row.listFocused ? Theme.selection : Theme.selectionInactive)
+            : area.pressed ? Theme.pressed : row.showHovered ? Theme.hover : row.restColor
+    }
+    Rectangle {
+        visible: row.selected && row.listFocused
+        width: Theme.selectionEdge
+        height: parent.height
+        color: Theme.accentFill
+    }
+    Rectangle {
+        visible: row.separated
+        anchors.bottom: parent.bottom
+        width: parent.width
+        height: Theme.hairline
+        color: Theme.line
+    }
+    MouseArea {
+        id: area
+        anchors.fill: parent
+        hoverEnabled: true
+        acceptedButtons: Qt.LeftButton | Qt.RightButton
+        onPressed: event => {
+            row.pressed(event.modifiers);
+            if (event.button === Qt.RightButton)
+                row.menuRequested(event.x, event.y);
+        }
+        onClicked: event => {
+            if (event.button === Qt.LeftButton)
+                row.clicked(event.modifiers);
+        }
+        onDoubleClicked: row.doubleClicked()
+    }
+    Item {
+        id: holder
+        anchors.fill: parent
+    }
+    FocusRing {
+        shown: row.current && !row.selected && row.listFocused && KeyboardFocus.inUse
+        inside: true
+        cornerRadius: Theme.radiusInner
+    }
+}

@@ -1,0 +1,86 @@
+// One of several choices, shown as its value; the others in a popup. `activated` says which one was chosen.
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+T.ComboBox {
+    id: button
+
+    property string symbol: ""
+    property string name: ""
+    property bool showHovered: hovered
+    property bool showFocus: visualFocus
+
+    implicitWidth: leftPadding + label.implicitWidth + rightPadding
+    implicitHeight: Theme.controlHeightPane
+    leftPadding: symbol.length > 0 ? 28 : 10
+    rightPadding: 28
+    hoverEnabled: true
+    focusPolicy: Qt.TabFocus
+    Accessible.name: name.length > 0 ? name + "：" + displayText : displayText
+
+    contentItem: Item {
+        implicitWidth: label.implicitWidth
+
+        AppText {
+            id: label
+            anchors.verticalCenter: parent.verticalCenter
+            width: parent.width
+            text: button.displayText
+            color: button.enabled ? Theme.text1 : Theme.disabled
+            Accessible.ignored: true
+        }
+    }
+    indicator: Symbol {
+        x: button.width - width - 8
+        y: (button.height - height) / 2
+        size: 14
+        name: "chevron-down"
+        color: button.enabled ? Theme.text3 : Theme.disabled
+    }
+    background: Rectangle {
+        radius: Theme.radiusSmall
+        color: !button.enabled ? Theme.inset : button.down ? Theme.pressed
+            : button.showHovered ? Theme.controlHover : Theme.control
+        border.color: button.enabled ? Theme.lineStrong : Theme.line
+
+        Symbol {
+            anchors.verticalCenter: parent.verticalCenter
+            x: 10
+            visible: button.symbol.length > 0
+            size: 14
+            name: button.symbol
+            color: button.enabled ? Theme.text3 : Theme.disabled
+        }
+        FocusRing {
+            shown: button.showFocus
+        }
+    }
+    delegate: AppMenuRow {
+        required property int index
+        width: button.popup.availableWidth
+        text: button.textAt(index)
+        marked: button.currentIndex === index
+        highlighted: button.highlightedIndex === index
+    }
+    popup: T.Popup {
+        y: button.height + 2
+        width: Math.max(button.width, 160)
+        height: Math.min(rows.contentHeight + 2 * verticalPadding, 360)
+        verticalPadding: Theme.half
+        margins: Theme.space
+
+        contentItem: ListView {
+            id: rows
+            model: button.delegateModel
+            currentIndex: button.highlightedIndex
+            clip: contentHeight > height
+            T.ScrollBar.vertical: AppScrollBar {}
+        }
+        background: Rectangle {
+            color: Theme.sheet
+            border.color: Theme.lineStrong
+            radius: Theme.radiusSmall
+        }
+    }
+}

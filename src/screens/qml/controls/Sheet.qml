@@ -1,0 +1,175 @@
+// What stands over the window until it is answered: a fixed head and bar, a body between them. It keeps the keyboard
+// and gives it back to what had it. Escape closes it when `dismissable`; Return presses `primary`.
+//
+// The body is a column that scrolls; with `scrolls` off it is one item that fills what is left, such as a list. Items
+// of `barItems` stand at the right of the bar.
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Corvane
+
+T.Popup {
+    id: sheet
+
+    property string title: ""
+    property string subtitle: ""
+    property string symbol: ""
+    property color symbolColor: Theme.text1
+    property string note: ""
+    property string noteLine: ""
+    property int wantedWidth: 580
+    property int wantedHeight: 0
+    property bool dismissable: true
+    property bool scrolls: true
+    property AppButton primary: null
+    default property alias bodyItems: scrollingBody.data
+    property alias fillingItems: fillingBody.data
+    property alias barItems: buttons.data
+    property real offset: 0
+
+    modal: true
+    focus: true
+    closePolicy: dismissable ? T.Popup.CloseOnEscape : T.Popup.NoAutoClose
+    parent: T.Overlay.overlay
+    width: parent ? Math.min(wantedWidth, parent.width - 32) : wantedWidth
+    height: Math.min(wantedHeight > 0 ? wantedHeight : frame.implicitHeight + 2, parent ? parent.height - 32 : 0)
+    x: parent ? Math.round((parent.width - width) / 2) : 0
+    y: parent ? Math.round((parent.height - height) / 2) + offset : 0
+    padding: 1
+
+    onOpened: {
+        if (primary && primary.enabled)
+            primary.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
+    }
+
+    T.Overlay.modal: Rectangle {
+        color: Theme.scrim
+    }
+    enter: Transition {
+        NumberAnimation {
+            property: "offset"
+            from: Theme.sheetTravel
+            to: 0
+            duration: Theme.sheetInDuration
+            easing.type: Easing.OutCubic
+        }
+    }
+    exit: Transition {
+        NumberAnimation {
+            property: "offset"
+            from: 0
+            to: Theme.sheetTravel
+            duration: Theme.sheetOutDuration
+            easing.type: Easing.OutCubic
+        }
+    }
+    background: Rectangle {
+        color: Theme.sheet
+        border.color: Theme.lineStrong
+        radius: Theme.radiusSheet
+    }
+    contentItem: FocusScope {
+        focus: true
+        Accessible.role: Accessible.Dialog
+        Accessible.name: sheet.title
+
+        Keys.onReturnPressed: event => event.accepted = sheet.pressPrimary()
+        Keys.onEnterPressed: event => event.accepted = sheet.pressPrimary()
+
+        ColumnLayout {
+            id: frame
+            anchors.fill: parent
+            spacing: 0
+
+            SheetHead {
+                Layout.fillWidth: true
+                title: sheet.title
+                subtitle: sheet.subtitle
+                symbol: sheet.symbol
+                symbolColor: sheet.symbolColor
+            }
+            Flickable {
+                id: flick
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                visible: sheet.scrolls
+                implicitHeight: scrollingBody.implicitHeight
+                contentHeight: scrollingBody.implicitHeight
+                clip: contentHeight > height
+                boundsBehavior: Flickable.StopAtBounds
+                interactive: contentHeight > height
+                T.ScrollBar.vertical: AppScrollBar {}
+
+                ColumnLayout {
+                    id: scrollingBody
+                    x: 24
+                    width: flick.width - 48
+                    spacing: 0
+                }
+            }
+            Item {
+                id: fillingBody
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.leftMargin: 24
+                Layout.rightMargin: 24
+                visible: !sheet.scrolls
+            }
+            Rectangle {
+                Layout.fillWidth: true
+                Layout.topMargin: 20
+                implicitHeight: Theme.hairline
+                color: Theme.line
+            }
+            Rectangle {
+                Layout.fillWidth: true
+                implicitHeight: 64
+                // The page's colour would show square corners below the sheet's round ones.
+                color: Theme.page
+                radius: Theme.radiusSheet - 1
+
+                Rectangle {
+                    width: parent.width
+                    height: parent.radius
+                    color: parent.color
+                }
+                RowLayout {
+                    anchors.fill: parent
+                    anchors.leftMargin: 24
+                    anchors.rightMargin: 24
+                    spacing: 12
+
+                    ColumnLayout {
+                        Layout.fillWidth: true
+                        spacing: 0
+
+                        AppText {
+                            Layout.fillWidth: true
+                            text: sheet.note
+                            visible: text.length > 0
+                            color: sheet.noteLine.length > 0 ? Theme.text1 : Theme.text2
+                        }
+                        AppText {
+                            Layout.fillWidth: true
+                            text: sheet.noteLine
+                            visible: text.length > 0
+                            role: AppText.Note
+                            color: Theme.text3
+                        }
+                    }
+                    RowLayout {
+                        id: buttons
+                        spacing: 12
+                    }
+                }
+            }
+        }
+    }
+
+    function pressPrimary(): bool {
+        if (!primary || !primary.enabled || !primary.visible)
+            return false;
+        primary.click();
+        return true;
+    }
+}

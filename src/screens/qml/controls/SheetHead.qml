@@ -1,0 +1,52 @@
+// The head of a sheet: title, one line, and an icon where the title states an outcome.
+import QtQuick
+import QtQuick.Layouts
+import Corvane
+
+Item {
+    id: head
+
+    property string title: ""
+    property string subtitle: ""
+    property string symbol: ""
+    property color symbolColor: Theme.text1
+
+    implicitHeight: row.implicitHeight + 34
+
+    RowLayout {
+        id: row
+        x: 24
+        y: 20
+        width: parent.width - 48
+        spacing: 12
+
+        Symbol {
+            Layout.alignment: Qt.AlignTop
+            Layout.topMargin: 2
+            visible: head.symbol.length > 0
+            size: 24
+            name: head.symbol
+            color: head.symbolColor
+        }
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: 0
+
+            AppText {
+                Layout.fillWidth: true
+                text: head.title
+                role: AppText.Title
+                wrapMode: Text.Wrap
+                maximumLineCount: 2
+                Accessible.role: Accessible.Heading
+            }
+            AppText {
+                Layout.fillWidth: true
+                visible: text.length > 0
+                text: head.subtitle
+                wrapMode: Text.Wrap
+                color: Theme.text2
+            }
+        }
+    }
+}
