@@ -15,8 +15,11 @@
 #include <string_view>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
 #include <fmt/format.h>
+
+#include "text/position_table.h"
 
 namespace corvane {
 
@@ -123,12 +126,17 @@ using SharedTextSet = std::unordered_set<SharedText, TextHash, TextEqual>;
 class TextInterner {
   public:
     SharedText operator()(std::string_view text) {
-        if (auto known = texts_.find(text); known != texts_.end()) return *known;
-        return *texts_.insert(SharedText(text)).first;
+        if (text.empty()) return {};
+        const auto next = static_cast<PositionTable::Position>(texts_.size());
+        const auto [position, isNew] = positions_.insert(
+            text, next, [&](PositionTable::Position known) { return texts_[known].view(); });
+        if (isNew) texts_.emplace_back(text);
+        return texts_[position];
     }
 
   private:
-    SharedTextSet texts_;
+    std::vector<SharedText> texts_;
+    PositionTable positions_;
 };
 
 } // namespace corvane
