@@ -136,7 +136,12 @@ sys_seconds currentTimestamp() {
     return std::chrono::floor<seconds>(std::chrono::system_clock::now());
 }
 
+// No zone is days away from UTC, so it is asked only near the turn of a year.
 std::int64_t localYear(sys_seconds date) {
+    const CivilDate utc = civilFromDays(std::chrono::floor<days>(date).time_since_epoch().count());
+    const bool isNearTurn = (utc.month == 1 && utc.day <= 3) || (utc.month == 12 && utc.day >= 29);
+    const bool fitsTm = utc.year >= 0 && utc.year <= 9999;
+    if (fitsTm && !isNearTurn) return utc.year;
     return std::int64_t{localTime(date).tm_year} + 1900;
 }
 

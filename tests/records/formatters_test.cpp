@@ -38,6 +38,21 @@ TEST(Formatters, DatesFollowTheTimeZone) {
     EXPECT_EQ(localYear(at(1704038400)), 2023);
 }
 
+TEST(Formatters, YearsAreThoseOfTheZoneOnEverySideOfTheirTurn) {
+    for (const char* name : {"UTC", "Asia/Shanghai", "Pacific/Kiritimati", "Pacific/Pago_Pago", "<-24>24"}) {
+        const testing::TimeZoneGuard zone(name);
+        for (std::int64_t year = 0; year < 130; ++year) {
+            const std::int64_t turn = (year * 365 + year / 4 - 25567) * 86400;
+            for (std::int64_t hour = -24 * 7; hour <= 24 * 7; ++hour) {
+                const std::time_t time = turn + hour * 3600;
+                std::tm parts{};
+                ASSERT_NE(localtime_r(&time, &parts), nullptr);
+                ASSERT_EQ(localYear(at(time)), parts.tm_year + 1900) << name << " " << time;
+            }
+        }
+    }
+}
+
 TEST(Formatters, TextsOfRecordsWithoutValues) {
     const MailMessageRecord message;
     EXPECT_EQ(message.formattedDate(), "日期未知");
