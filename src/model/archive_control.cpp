@@ -51,7 +51,7 @@ std::optional<std::int64_t> countCandidates(const CountJob& job, const TaskHandl
         const bool isAvailable = job.locallyAvailableIDs ? job.locallyAvailableIDs->contains(message.id)
                                                          : files.isLocallyAvailable(message);
         if (isAvailable && job.rules.passes(message, years) &&
-            !job.archivedBaseIDs->contains(stableID(message))) {
+            (job.archivedBaseIDs->empty() || !job.archivedBaseIDs->contains(stableID(message)))) {
             ++count;
         }
     }

@@ -79,6 +79,7 @@ void CorvaneViewModel::wireAvailability() {
     });
     connect(&visible_, &VisibleMessages::visibleMessagesChanged, this,
             [this] { archive_.pruneArchiveSelection(); });
+    connect(&visible_, &VisibleMessages::visibleMessagesChanged, &catalog_, &MessageCatalog::saveCacheIfDue);
 }
 
 void CorvaneViewModel::wireFilters() {
@@ -133,6 +134,7 @@ void CorvaneViewModel::loadArchiveIndex(bool force) {
 
 // A filter on a year that no longer exists would hide all the mail.
 void CorvaneViewModel::pruneFilterYears() {
+    if (filters_.filterYears().empty() && filters_.archiveFilterYears().empty()) return;
     std::set<std::int64_t> known;
     for (const YearStat& stat : catalog_.yearStats()) known.insert(stat.year);
     const auto cut = [&](const std::set<std::int64_t>& years) {

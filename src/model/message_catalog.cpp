@@ -14,18 +14,24 @@ struct AvailabilityJob {
     SharedMessageSet set;
     AvailabilityInputs inputs;
     std::shared_ptr<const SharedTextSet> knownAvailable; // null when the files have to be looked for
+    bool filesWereSeen = false;
 };
 
 // Nothing when cancelled.
-std::shared_ptr<const SharedTextSet> findAvailable(const MessageList& messages, const TaskHandle& task) {
+std::shared_ptr<const SharedTextSet> findAvailable(const AvailabilityJob& job, const TaskHandle& task) {
+    const MessageList& messages = *job.set->messages;
     auto available = std::make_shared<SharedTextSet>();
     available->reserve(messages.size());
     FileExistence files;
     for (const MailMessageRecord& message : messages) {
         if (task.isCancelled()) return nullptr;
-        if (files.isLocallyAvailable(message)) available->insert(message.id);
+        if (job.filesWereSeen || files.isLocallyAvailable(message)) available->insert(message.id);
     }
     return available;
+}
+
+auto idIn(const MessageList& messages) {
+    return [&messages](PositionTable::Position position) { return messages[position].id.view(); };
 }
 
 bool isWithinLimits(const CountedMessage& counted, const CandidateLimits& limits) {
@@ -63,28 +69,31 @@ Selections selectCounted(const AvailabilityJob& job, const CountedMessages& all,
 
 // The list waits for this, so what doesn't depend on each other runs at a time.
 std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job, const TaskHandle& task) {
-    const MessageList& messages = *job.set->messages;
     const auto& accounts = job.inputs.accounts;
     AvailabilityResult result;
     CountedMessages all;
     platform::parallelCalls(
         [&] {
-            result.locallyAvailableIDs =
-                job.knownAvailable ? job.knownAvailable : findAvailable(messages, task);
+            result.locallyAvailableIDs = job.knownAvailable ? job.knownAvailable : findAvailable(job, task);
         },
         [&] {
-            all = countedMessages(allOf(messages));
+            all = countedMessages(allOf(*job.set->messages));
             result.yearByID = std::make_shared<const YearByID>(yearsByID(all));
             result.mailAccountYearStats = computeAccountYearStats(all, accounts);
         });
     if (!result.locallyAvailableIDs || task.isCancelled()) return std::nullopt;
     const Selections selections = selectCounted(job, all, *result.locallyAvailableIDs);
+    // Nothing archived, or everything on this disk and within the limits: what is selected is all.
+    const auto accountStats = [&](const CountedMessages& selected) {
+        return selected.size() == all.size() ? result.mailAccountYearStats
+                                             : computeAccountYearStats(selected, accounts);
+    };
     platform::parallelCalls(
         [&] {
             result.localYearStats = computeYearStats(selections.local);
-            result.accountYearStats = computeAccountYearStats(selections.local, accounts);
+            result.accountYearStats = accountStats(selections.local);
         },
-        [&] { result.unbackedAccountYearStats = computeAccountYearStats(selections.unbacked, accounts); });
+        [&] { result.unbackedAccountYearStats = accountStats(selections.unbacked); });
     result.localCount = static_cast<std::int64_t>(selections.local.size());
     for (const CountedMessage& counted : selections.local) result.localBytes += counted.message->messageSize;
     return result;
@@ -97,8 +106,9 @@ std::shared_ptr<const MessageSet> MessageSet::make(SharedMessageList messages, b
     set->messages = std::move(messages);
     set->isComplete = isComplete;
     set->positionByID.reserve(set->messages->size());
-    for (std::size_t position = 0; position < set->messages->size(); ++position) {
-        if (!set->positionByID.emplace((*set->messages)[position].id.view(), position).second) {
+    PositionTable::Position position = 0;
+    for (const MailMessageRecord& message : *set->messages) {
+        if (!set->positionByID.insert(message.id, position++, idIn(*set->messages)).second) {
             throw std::logic_error("a message id stands twice in one list");
         }
     }
@@ -120,8 +130,8 @@ MessageCatalog::MessageCatalog(ModelContext& context, InputsProvider inputs, QOb
   , availabilityRefreshTask_(context.tasks) {}
 
 const MailMessageRecord* MessageCatalog::messageByID(std::string_view id) const {
-    const auto position = set_->positionByID.find(id);
-    return position == set_->positionByID.end() ? nullptr : &(*set_->messages)[position->second];
+    const auto position = set_->positionByID.position(id, idIn(*messages()));
+    return position ? &(*messages())[*position] : nullptr;
 }
 
 const std::vector<YearStat>& MessageCatalog::yearStats() const {
@@ -153,10 +163,11 @@ void MessageCatalog::setSummary(MailScanSummary summary) {
     Q_EMIT summaryChanged();
 }
 
-void MessageCatalog::setMessages(SharedMessageSet set, MailScanSummary summary) {
+void MessageCatalog::setMessages(SharedMessageSet set, MailScanSummary summary, Files files) {
     setSet(std::move(set));
     setSummary(std::move(summary));
     ++messagesToken_;
+    if (files == Files::justSeen) filesSeenToken_ = messagesToken_;
     availabilityToken_ = -1;
     availabilityRefreshTokenInFlight_.reset();
     derived_.locallyAvailableIDs = std::make_shared<const SharedTextSet>();
@@ -210,7 +221,7 @@ void MessageCatalog::refreshAvailabilityCacheAsync(bool force) {
         clearDerivedOfNoMessages();
         return;
     }
-    AvailabilityJob job{set_, inputs_(), nullptr};
+    AvailabilityJob job{set_, inputs_(), nullptr, filesSeenToken_ == token};
     if (availabilityToken_ == token && !derived_.locallyAvailableIDs->empty()) {
         job.knownAvailable = derived_.locallyAvailableIDs;
     }
@@ -238,16 +249,15 @@ void MessageCatalog::publish(std::int64_t token, AvailabilityResult result) {
     deleteSafetyStatsReady_ = true;
     ++statsRevision_;
     Q_EMIT statisticsChanged();
+    if (set_->isComplete) {
+        dueCache_ = ScanCacheState{messages(), summary_, derived_.locallyAvailableIDs,
+                                   derived_.localYearStats, derived_.accountYearStats};
+    }
     Q_EMIT availabilityPublished();
-    saveCache();
 }
 
-// The list shows before its cache is written: what is shown doesn't depend on the file, and a large file
-// would hold the list back for longer than everything else of a scan together.
-void MessageCatalog::saveCache() {
-    if (!set_->isComplete) return;
-    cacheWriter_.save({messages(), summary_, derived_.locallyAvailableIDs, derived_.localYearStats,
-                       derived_.accountYearStats});
+void MessageCatalog::saveCacheIfDue() {
+    if (dueCache_) cacheWriter_.save(*std::exchange(dueCache_, std::nullopt));
 }
 
 void MessageCatalog::rebuildArchivedMessageStatusCache() {

@@ -10,7 +10,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include <QObject>
@@ -22,6 +21,7 @@
 #include "records/mail_message_record.h"
 #include "records/scan_cache_file.h"
 #include "records/statistics_records.h"
+#include "text/position_table.h"
 #include "text/shared_text.h"
 
 namespace corvane {
@@ -29,7 +29,7 @@ namespace corvane {
 // One generation of messages with its lookup. Immutable, made in the background.
 struct MessageSet {
     SharedMessageList messages = std::make_shared<const MessageList>();
-    std::unordered_map<std::string_view, std::size_t> positionByID;
+    PositionTable positionByID;
     // False for a list that isn't the whole picture: of a year-limited or cancelled scan. It is never cached.
     bool isComplete = true;
 
@@ -134,8 +134,12 @@ class MessageCatalog : public QObject {
 
     [[nodiscard]] CountAndBytes mailMessageSummary() const;
 
+    // Whether the files of new messages have just been seen by the scan that lists them, or have to be looked
+    // for.
+    enum class Files { unknown, justSeen };
+
     // A new generation with its whole reaction: nothing is available until the availability run has ended.
-    void setMessages(SharedMessageSet set, MailScanSummary summary);
+    void setMessages(SharedMessageSet set, MailScanSummary summary, Files files = Files::unknown);
 
     // The growing list of a running scan, without any reaction.
     void showProgress(SharedMessageSet set, MailScanSummary summary);
@@ -150,6 +154,10 @@ class MessageCatalog : public QObject {
 
     // Unless forced, a generation that is known or being worked on isn't worked on again.
     void refreshAvailabilityCacheAsync(bool force);
+
+    // Writes the scan cache if the last availability run left a new state for it. Called when the list shows:
+    // the writing takes both processors for longer than the list does.
+    void saveCacheIfDue();
 
     // From the stable ids of the messages and the archived base ids.
     void rebuildArchivedMessageStatusCache();
@@ -166,7 +174,6 @@ class MessageCatalog : public QObject {
   private:
     void setSet(SharedMessageSet set);
     void publish(std::int64_t token, AvailabilityResult result);
-    void saveCache();
     void clearDerivedOfNoMessages();
 
     ModelContext& context_;
@@ -176,10 +183,12 @@ class MessageCatalog : public QObject {
     std::int64_t messagesToken_ = 0;
     std::int64_t availabilityToken_ = 0;
     std::optional<std::int64_t> availabilityRefreshTokenInFlight_;
+    std::optional<std::int64_t> filesSeenToken_; // of the generation whose files the scan has just seen
     AvailabilityResult derived_;
     std::shared_ptr<const SharedTextSet> archivedMessageIDs_ = std::make_shared<const SharedTextSet>();
     std::int64_t statsRevision_ = 0;
     bool deleteSafetyStatsReady_ = false;
+    std::optional<ScanCacheState> dueCache_;
     mutable std::int64_t yearStatsToken_ = -1;
     mutable std::vector<YearStat> cachedYearStats_;
     mutable std::int64_t mailMessageSummaryToken_ = -1;

@@ -6,6 +6,7 @@
 
 #include "mailstore/trash_junk_mailboxes.h"
 #include "records/timestamps.h"
+#include "text/position_table.h"
 
 namespace corvane {
 
@@ -22,6 +23,15 @@ std::int64_t knownAttachmentBytes(const MailMessageRecord& message) {
 class TrashTest {
   public:
     bool operator()(const SharedText& mailbox) {
+        if (last_ == nullptr || !mailbox.sharesWith(*last_)) {
+            lastIsTrash_ = isTrash(mailbox);
+            last_ = &mailbox;
+        }
+        return lastIsTrash_;
+    }
+
+  private:
+    bool isTrash(const SharedText& mailbox) {
         const auto [entry, isNew] = known_.try_emplace(mailbox.view(), false);
         if (isNew) {
             entry->second =
@@ -30,8 +40,9 @@ class TrashTest {
         return entry->second;
     }
 
-  private:
     std::unordered_map<std::string_view, bool> known_;
+    const SharedText* last_ = nullptr;
+    bool lastIsTrash_ = false;
 };
 
 std::string_view countingKey(const MailMessageRecord& message) {
@@ -88,12 +99,13 @@ YearByID computeMessageYears(const MessageList& messages) {
 CountedMessages countedMessages(const MessageRefs& messages) {
     CountedMessages counted;
     counted.reserve(messages.size());
-    std::unordered_map<std::string_view, std::uint32_t> keys;
-    keys.reserve(messages.size());
+    PositionTable first;
+    first.reserve(messages.size());
+    const auto keyAt = [&](PositionTable::Position known) { return countingKey(*messages[known]); };
     TrashTest isTrash;
     for (const MailMessageRecord* message : messages) {
-        const auto next = static_cast<std::uint32_t>(keys.size());
-        const std::uint32_t key = keys.try_emplace(countingKey(*message), next).first->second;
+        const auto position = static_cast<PositionTable::Position>(counted.size());
+        const std::uint32_t key = first.insert(countingKey(*message), position, keyAt).first;
         const auto year = message->date ? std::optional(localYear(*message->date)) : std::nullopt;
         counted.push_back({message, year, key, isTrash(message->mailbox)});
     }

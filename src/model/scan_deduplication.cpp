@@ -57,9 +57,9 @@ std::vector<FileURL> mergedMessageFileURLs(std::vector<FileURL> a, const std::ve
 
 std::pair<std::size_t, bool> DeduplicatedRecords::positionOf(const MailMessageRecord& record) {
     if (record.messageIdentifier && !record.messageIdentifier->empty()) {
-        const auto [entry, isNew] =
-            positionByIdentifier_.try_emplace(*record.messageIdentifier, records_.size());
-        return {entry->second, isNew};
+        return positionByIdentifier_.insert(
+            *record.messageIdentifier, static_cast<PositionTable::Position>(records_.size()),
+            [&](PositionTable::Position known) { return records_[known].messageIdentifier->view(); });
     }
     const auto [entry, isNew] = positionByFallbackKey_.try_emplace(duplicateKey(record), records_.size());
     return {entry->second, isNew};

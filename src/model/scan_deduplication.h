@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "records/mail_message_record.h"
+#include "text/position_table.h"
 
 namespace corvane {
 
@@ -37,7 +38,7 @@ class DeduplicatedRecords {
     std::pair<std::size_t, bool> positionOf(const MailMessageRecord& record);
 
     MessageList records_;
-    std::unordered_map<SharedText, std::size_t> positionByIdentifier_;
+    PositionTable positionByIdentifier_;
     std::unordered_map<std::string, std::size_t> positionByFallbackKey_;
 };
 

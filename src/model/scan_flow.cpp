@@ -26,9 +26,22 @@ bool goesFirst(const MailMessageRecord& a, const MailMessageRecord& b) {
 }
 
 // The scanner delivers in this order already but for what duplicates move, so the test saves most sorts.
+// Messages of one second go by subject, which is how the list shows them: it can then be this very list.
 void sortForDisplay(MessageList& messages) {
     if (!std::is_sorted(messages.begin(), messages.end(), goesFirst)) {
         std::stable_sort(messages.begin(), messages.end(), goesFirst);
+    }
+    const auto startsNewSecond = [](const MailMessageRecord& a, const MailMessageRecord& b) {
+        return !a.date || a.date != b.date;
+    };
+    for (auto first = messages.begin(); first != messages.end();) {
+        const auto last = std::ranges::adjacent_find(first, messages.end(), startsNewSecond);
+        const auto end = last == messages.end() ? last : std::next(last);
+        if (end - first > 1) {
+            std::stable_sort(first, end,
+                             [](const auto& a, const auto& b) { return compareByDate(a, b, false); });
+        }
+        first = end;
     }
 }
 
@@ -207,7 +220,7 @@ void ScanFlow::finishScan(const TaskHandle& task, const ScanJob& job, ScanProgre
         beforeScan_.reset();
         scanTimingLog_ = timing;
         Q_EMIT timingChanged();
-        catalog_.setMessages(set, summary);
+        catalog_.setMessages(set, summary, MessageCatalog::Files::justSeen);
         if (!visitedSomething) {
             fail(empty.text, empty.isYearRangeInfo);
             return;

@@ -1,6 +1,7 @@
 #include "model/visible_messages.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "text/case.h"
 #include "text/trim.h"
@@ -49,11 +50,28 @@ bool passes(const MailMessageRecord& message, const ListInput& input, const List
            matchesQuery(message, rules.query);
 }
 
-bool goesBefore(const MailMessageRecord& a, const MailMessageRecord& b, const ListRules& rules) {
-    if (rules.sortMode == MailSortMode::messageSize && a.messageSize != b.messageSize) {
-        return rules.ascending ? a.messageSize < b.messageSize : a.messageSize > b.messageSize;
+// What decides the place of most messages, beside each other in memory.
+struct Ranked {
+    std::int64_t size = 0; // 0 where it doesn't count
+    bool isUndated = false;
+    std::int64_t date = 0;
+    const MailMessageRecord* message = nullptr;
+
+    static Ranked of(const MailMessageRecord& message, const ListRules& rules) {
+        const auto ranked = [&](std::int64_t value) { return rules.ascending ? value : ~value; };
+        const bool bySize = rules.sortMode == MailSortMode::messageSize;
+        return {.size = bySize ? ranked(message.messageSize) : 0,
+                .isUndated = !message.date,
+                .date = message.date ? ranked(message.date->time_since_epoch().count()) : 0,
+                .message = &message};
     }
-    return compareByDate(a, b, rules.ascending);
+
+    [[nodiscard]] auto rank() const { return std::tie(size, isUndated, date); }
+};
+
+bool goesBefore(const Ranked& a, const Ranked& b) {
+    if (a.rank() != b.rank()) return a.rank() < b.rank();
+    return compareByDate(*a.message, *b.message, true);
 }
 
 } // namespace
@@ -71,20 +89,21 @@ ListRules ListRules::of(const ModelFilters& filters) {
     return rules;
 }
 
-std::optional<MessageList> makeVisibleMessages(const ListInput& input, const ListRules& rules,
-                                               const std::stop_token& stop) {
-    MessageRefs kept;
+SharedMessageList makeVisibleMessages(const ListInput& input, const ListRules& rules,
+                                      const std::stop_token& stop) {
+    std::vector<Ranked> kept;
     kept.reserve(input.messages->size());
     for (const MailMessageRecord& message : *input.messages) {
-        if (stop.stop_requested()) return std::nullopt;
-        if (passes(message, input, rules)) kept.push_back(&message);
+        if (stop.stop_requested()) return nullptr;
+        if (passes(message, input, rules)) kept.push_back(Ranked::of(message, rules));
     }
-    const auto order = [&](const auto* a, const auto* b) { return goesBefore(*a, *b, rules); };
-    if (!std::is_sorted(kept.begin(), kept.end(), order)) std::stable_sort(kept.begin(), kept.end(), order);
+    const bool isInOrder = std::is_sorted(kept.begin(), kept.end(), goesBefore);
+    if (isInOrder && kept.size() == input.messages->size()) return input.messages;
+    if (!isInOrder) std::stable_sort(kept.begin(), kept.end(), goesBefore);
     MessageList list;
     list.reserve(kept.size());
-    for (const MailMessageRecord* message : kept) list.push_back(*message);
-    return list;
+    for (const Ranked& ranked : kept) list.push_back(*ranked.message);
+    return std::make_shared<const MessageList>(std::move(list));
 }
 
 VisibleMessages::VisibleMessages(ModelContext& context, MessageCatalog& catalog, ModelFilters& filters,
@@ -108,10 +127,9 @@ void VisibleMessages::rebuildVisibleMessages() {
     rebuildTask_.start(
         TaskPriority::userInitiated,
         [this, input = std::move(input), rules = ListRules::of(filters_)](const TaskHandle& task) {
-            auto list = makeVisibleMessages(input, rules, task.stopToken());
+            const SharedMessageList list = makeVisibleMessages(input, rules, task.stopToken());
             if (!list) return;
-            auto shared = std::make_shared<const MessageList>(std::move(*list));
-            task.onMain([this, shared] { publish(shared); });
+            task.onMain([this, list] { publish(list); });
         });
 }
 

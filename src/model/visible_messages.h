@@ -34,9 +34,10 @@ struct ListInput {
     std::shared_ptr<const YearByID> yearByID;
 };
 
-// Filters and sorts; shares all texts with the input. Nothing when stopped.
-std::optional<MessageList> makeVisibleMessages(const ListInput& input, const ListRules& rules,
-                                               const std::stop_token& stop = {});
+// Filters and sorts; shares all texts with the input, and is the input's own list where that is the result.
+// Null when stopped.
+SharedMessageList makeVisibleMessages(const ListInput& input, const ListRules& rules,
+                                      const std::stop_token& stop = {});
 
 class VisibleMessages : public QObject {
     Q_OBJECT

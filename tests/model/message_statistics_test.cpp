@@ -215,7 +215,7 @@ TEST(VisibleMessages, PassEveryRule) {
         change(rules);
         std::string ids;
         const auto list = makeVisibleMessages(input, rules);
-        for (const auto& message : list.value()) ids += message.id.view();
+        for (const auto& message : *list) ids += message.id.view();
         return ids;
     };
     EXPECT_EQ(shown([](auto&) {}), "bac");
@@ -228,6 +228,9 @@ TEST(VisibleMessages, PassEveryRule) {
     EXPECT_EQ(shown([](auto& rules) { rules.migrated = MigratedFilter::notMigrated; }), "ac");
     EXPECT_EQ(shown([](auto& rules) { rules.query = "äb"; }), "a");
     EXPECT_EQ(shown([](auto& rules) { rules.query = "文件"; }), "a");
+    const MessageList inOrder = *makeVisibleMessages(input, {});
+    input.messages = std::make_shared<const MessageList>(inOrder);
+    EXPECT_EQ(makeVisibleMessages(input, {}), input.messages) << "what is as it should be isn't copied";
     input.locallyAvailableIDs = std::make_shared<const SharedTextSet>();
     EXPECT_EQ(shown([](auto&) {}), "") << "nothing is listed while availability isn't known";
 }
