@@ -5,7 +5,8 @@ import unittest
 
 from mail_kit import attached, attachments, mail, multipart, part
 
-from corvane_mail.attachments import attachments_of, find_attachment
+from corvane_mail.attachment_search import find_attachment
+from corvane_mail.attachments import attachments_of
 from corvane_mail.structure import Scanner
 
 PDF = bytes(range(256)) * 5

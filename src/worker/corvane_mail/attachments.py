@@ -3,35 +3,38 @@
 import re
 
 from .charset_codecs import codec_for
-from .header_values import decode_name, decode_words, unpercent
-from .limits import CLOCK
+from .header_values import decode_name, decode_words
+from .limits import CLOCK, MAX_SEALED
+from .part import HTML_TYPES, SEALED_TYPES, WINMAIL_TYPES
 from .unicode_text import nfc
-from .uuencode import decode_uu, uu_files
 
+OFFICE = "application/vnd.openxmlformats-officedocument."
 EXTENSIONS = {"application/pdf": ".pdf", "application/zip": ".zip", "application/msword": ".doc", "image/jpeg": ".jpg",
-              "image/png": ".png", "image/gif": ".gif", "image/tiff": ".tif", "text/plain": ".txt", "text/html": ".html",
-              "text/calendar": ".ics", "text/csv": ".csv", "text/rtf": ".rtf", "application/rtf": ".rtf",
-              "application/vnd.ms-excel": ".xls", "application/vnd.ms-powerpoint": ".ppt", "audio/mpeg": ".mp3",
-              "text/vcard": ".vcf", "text/x-vcard": ".vcf", "video/mp4": ".mp4"}
-FIXED_NAMES = {"application/pkcs7-mime": "smime.p7m", "application/x-pkcs7-mime": "smime.p7m",
-               "application/ms-tnef": "winmail.dat", "application/vnd.ms-tnef": "winmail.dat"}
+              "image/png": ".png", "image/gif": ".gif", "image/tiff": ".tif", "image/bmp": ".bmp", "image/webp": ".webp",
+              "image/heic": ".heic", "text/plain": ".txt", "text/html": ".html", "text/calendar": ".ics", "text/csv": ".csv",
+              "text/rtf": ".rtf", "application/rtf": ".rtf", "application/vnd.ms-excel": ".xls",
+              "application/vnd.ms-powerpoint": ".ppt", OFFICE + "wordprocessingml.document": ".docx",
+              OFFICE + "spreadsheetml.sheet": ".xlsx", OFFICE + "presentationml.presentation": ".pptx", "audio/mpeg": ".mp3",
+              "text/vcard": ".vcf", "text/x-vcard": ".vcf", "video/mp4": ".mp4", "application/ics": ".ics", "text/xml": ".xml",
+              "application/x-zip-compressed": ".zip", "application/json": ".json", "image/svg+xml": ".svg"}
+FIXED_NAMES = {**dict.fromkeys(SEALED_TYPES, "smime.p7m"), **dict.fromkeys(WINMAIL_TYPES, "winmail.dat")}
 SILENT_TYPES = ("application/pgp-signature", "application/pgp-encrypted", "application/pkcs7-signature",
                 "application/x-pkcs7-signature", "application/applefile")
 
 
 class Attachment:
-    """A named file inside a message, and how to get its bytes."""
+    """A named file inside a message, and how to get its bytes: those of its part, or what contents() gives."""
 
-    __slots__ = ("name", "kind", "part", "lines")
+    __slots__ = ("name", "kind", "part", "contents")
 
-    def __init__(self, name, kind, part, lines=None):
-        self.name, self.kind, self.part, self.lines = name, kind, part, lines
+    def __init__(self, name, kind, part, contents=None):
+        self.name, self.kind, self.part, self.contents = name, kind, part, contents
 
     def data(self):
-        return self.part.payload() if self.lines is None else decode_uu(self.lines)
+        return self.contents() if self.contents else self.part.payload()
 
     def is_cut(self, cut):
-        return cut and self.lines is None and self.part.end == len(self.part.data)
+        return cut and not self.contents and self.part.end == len(self.part.data)
 
     def size(self, cut, file_size):
         """Decoded bytes; an estimate where the file was read in part or Mail keeps the bytes elsewhere."""
@@ -46,23 +49,66 @@ class Attachment:
 
 
 def attachments_of(root):
-    """All attachments in document order, those of forwarded messages included."""
-    found, body_seen, stack = [], False, [(root, "")]
-    hint = codec_for(first_charset(root))
-    while stack:
-        part, group = stack.pop()
-        CLOCK.check()
-        stack.extend((child, part.kind) for child in reversed(part.parts or ()))
-        is_text = part.kind in ("text/plain", "text/html") and not part.is_attachment
-        if is_text and part.kind == "text/plain":
-            found.extend(uu_attachments(part, hint))
-        is_body, body_seen = is_text and not body_seen and b"filename" not in part.named, body_seen or is_text
-        if is_body or part.kind.startswith("multipart/"):
-            continue
-        name = part_name(part, hint)
+    """All attachments in document order, those of forwarded, signed and packed messages included."""
+    return Collector(root).found
+
+
+class Collector:
+    def __init__(self, root):
+        self.found, self.body_seen, self.opened = [], False, 0
+        self.hint = codec_for(first_charset(root))
+        stack = [(root, "")]
+        while stack:
+            part, group = stack.pop()
+            CLOCK.check()
+            self._add(part, group)
+            stack.extend((child, part.kind) for child in reversed(part.parts or self._sealed_parts(part)))
+
+    def _add(self, part, group):
+        if part.kind.startswith("multipart/") or group == "multipart/appledouble" and part.kind == "application/applefile":
+            return
+        if self._is_body(part):
+            return
+        name = part_name(part, self.hint)
         if name or is_nameless_attachment(part, group):
-            found.append(Attachment(name or name_for(part, len(found) + 1), part.kind, part))
-    return found
+            self.found.append(Attachment(name or name_for(part, len(self.found) + 1), part.kind, part))
+        if part.is_winmail:
+            self._add_packed(part)
+
+    def _is_body(self, part):
+        """Whether part is the text of the message; notes the files that stand inside any plain text."""
+        if part.is_attachment or part.parts or part.kind != "text/plain" and part.kind not in HTML_TYPES:
+            return False
+        if part.kind == "text/plain":
+            data = part.payload(text=True)
+            self._add_inline(part, data)
+            if part.is_binary(data):
+                return False
+        first, self.body_seen = not self.body_seen, True
+        return first and b"filename" not in part.named
+
+    def _add_inline(self, part, data):
+        if b"begin " not in data:
+            return
+        from .inline_files import inline_files
+        for file in inline_files(data):
+            name = decode_name(file.name, None, self.hint) or "附件"
+            self.found.append(Attachment(name, "application/octet-stream", part, file.data))
+
+    def _add_packed(self, part):
+        from .tnef import Tnef
+        for name, kind, data in Tnef(part.payload()).files:
+            number = len(self.found) + 1
+            name = decode_name(name.encode("utf-8", "replace"), b"utf-8", "") or "附件%d%s" % (number, EXTENSIONS.get(kind, ""))
+            self.found.append(Attachment(name, kind, part, lambda data=data: data))
+
+    def _sealed_parts(self, part):
+        if not part.is_sealed or self.opened >= MAX_SEALED:
+            return ()
+        from .sealed import unsealed
+        self.opened += 1
+        inner = unsealed(part)
+        return (inner,) if inner else ()
 
 
 def first_charset(root):
@@ -91,41 +137,13 @@ def is_nameless_attachment(part, group):
 
 
 def name_for(part, number):
+    """A name for a part that has none: a subject, a description that reads like a file name, or a number."""
     if part.is_message:
         subject = decode_words(part.parts[0].fields.get(b"subject", b"")) if part.parts else ""
         return (re.sub(r"[\\/:\x00-\x1f]+", "-", nfc(subject)).strip()[:80] or "邮件") + ".eml"
-    return FIXED_NAMES.get(part.kind) or "附件" + str(number) + EXTENSIONS.get(part.kind, "")
-
-
-def uu_attachments(part, hint):
-    data = part.payload(text=True)
-    for _, _, name, lines in uu_files(data) if b"begin " in data else ():
-        yield Attachment(decode_name(name, None, hint) or "附件", "application/octet-stream", part, lines)
-
-
-def cleaned(name):
-    """A name as the program's own cleaning of attachment names leaves it, near enough to compare."""
-    name = name.strip("\"' \t\r\n")
-    head, quotes, rest = name.partition("''")
-    if quotes:
-        known = re.fullmatch(r"(?i)utf-?8|us-ascii|gbk|gb2312|big5|iso-.*|windows-.*", head)
-        name = unpercent((rest if known else name).encode("utf-8", "replace")).decode("utf-8", "replace")
-    if "=?" in name:
-        name = decode_words(name.encode("utf-8", "replace")).replace("_", " ")
-    bracket = re.match(r"<[^>]*@[^>]*>(.*)", name, re.S)
-    name = (bracket.group(1) if bracket else name).replace("\\", "").strip()
-    return ".".join(filter(None, (piece.strip() for piece in name.split(".")))) or name
-
-
-def squeezed(name):
-    return "".join(c for c in nfc(cleaned(name)).casefold() if c.isalnum())
-
-
-def find_attachment(attachments, wanted):
-    """The attachment of that name; the likeness asked for goes from the very name down to letters and digits."""
-    for form in (str, nfc, lambda name: nfc(cleaned(name)), squeezed):
-        key = form(wanted)
-        for attachment in attachments:
-            if key and form(attachment.name) == key:
-                return attachment
-    return None
+    if part.kind in FIXED_NAMES:
+        return FIXED_NAMES[part.kind]
+    described = decode_name(part.fields.get(b"content-description", b"")[:500], None, "")
+    if re.fullmatch(r"[^\\/:]{1,120}\.[A-Za-z0-9]{2,5}", described):
+        return described
+    return "附件" + str(number) + EXTENSIONS.get(part.kind, "")

@@ -25,8 +25,14 @@ CODECS = {label: codec for codec, labels in {
     "cp1254": "iso88599 latin5", "cp874": "iso885911 tis620", "iso8859_8": "iso88598i", "iso8859_6": "iso88596i",
     "mac_roman": "macroman macintosh", "mac_cyrillic": "maccyrillic", "mac_latin2": "macce",
 }.items() for label in labels.split()}
-SHIFTED = frozenset(("iso2022", "hz", "utf-7", "utf-16", "utf-16-le", "utf-16-be"))
+SHIFTED = frozenset("iso2022 hz utf-7 utf-16 utf-16-le utf-16-be utf-32 utf-32-le utf-32-be".split())
 EAST_ASIAN = frozenset(("gb18030", "cp950", "big5hkscs", "cp932", "euc_jp", "cp949", "johab"))
+# UTF-8 of the accented letters and the punctuation of Western writing, and of anything of three bytes.
+WESTERN_UTF8 = rb"((?:\xc2[\xa0-\xbf]|\xc3[\x80-\xbf]|\xe2[\x80-\x82][\x80-\xbf]|[\xe3-\xe9][\x80-\xbf]{2})+)"
+# Characters of GBK that its codec leaves in the private area: the blank A3A0, vertical punctuation, later additions.
+VENDOR_SIGNS = {0xE5E5: 0x3000, 0xE7C7: 0x1E3F, **dict(zip(range(0xE78D, 0xE797), (
+    0xFE10, 0xFE12, 0xFE11, 0xFE13, 0xFE14, 0xFE15, 0xFE16, 0xFE17, 0xFE18, 0xFE19))), **dict(zip(
+        (0xE81E, 0xE826, 0xE82B, 0xE82C, 0xE832, 0xE843, 0xE854, 0xE864), range(0x9FB4, 0x9FBC)))}
 
 
 @lru_cache(maxsize=256)
@@ -63,6 +69,12 @@ def replace_lone(error):
     return data[start:start + 1].decode("cp1252", "replace") if lone else "\ufffd", start + 1
 
 
+def high_controls(error):
+    """A byte that windows-1252 doesn't hold, as the control character that it is elsewhere."""
+    return error.object[error.start:error.start + 1].decode("latin-1"), error.start + 1
+
+
+codecs.register_error("high_controls", high_controls)
 codecs.register_error("replace_bad", replace_bad)
 codecs.register_error("replace_lone", replace_lone)
 
@@ -89,3 +101,9 @@ def utf8(data):
         head = data[:error.start]
         cut = error.reason == "unexpected end of data" and not head.isascii()
         return head.decode("utf-8") if cut else None
+
+
+def western_text(data):
+    """Windows-1252 in which some stretches may be UTF-8, as where a program put texts of others together."""
+    pieces = re.split(WESTERN_UTF8, data)
+    return "".join(piece.decode("utf-8" if at & 1 else "cp1252", "high_controls") for at, piece in enumerate(pieces))

@@ -1,12 +1,16 @@
-"""Which set bytes are written in, told by how usual the characters are that each set makes of them."""
+"""Which set bytes are written in, told by how likely the characters are that each set makes of them.
+
+Every candidate reads the same bytes, and what it makes of them is weighed character by character with
+the logarithm of how often such a character stands in running text of the languages of that set. The
+weights are rough: the frequent characters share the largest part, then come those of the set's first
+level, then its rare ones. Right readings are so much likelier than wrong ones that more isn't needed.
+"""
 
 import re
 from functools import lru_cache
 
-from .charset_codecs import strictly
+from .charset_codecs import EAST_ASIAN, western_text
 
-# The commonest characters of running text and of mail. Text decoded by the right set is made of
-# them to a half or more; read by a wrong set it is made of rare ones.
 HAN = ("的一是不了在人有我他这个们中来上大为和国地到以说时要就出会可也你对生能而子那得于着下自之年过发后作里用道行"
        "所然家种事成方多经么去法学如都同现当没动面起看定天分还进好小部其些主样理心本前开但因只从想实日军者意无力它与"
        "长把机十民第公此已工使情明性知全三又关点正业外将两高间由问很最重并物手应战向头文体政美相见被利什二等产或新己"
@@ -17,52 +21,137 @@ HAN = ("的一是不了在人有我他这个们中来上大为和国地到以说
        "這個們來為國說時會對後裡過發經學現當沒動還進樣開從實軍無與長機業將兩間問應戰頭體見產話門東聲員論義幾認條氣題"
        "爾別總電數報結務場計資許統區隊則聽達強難權設記類據邊張該規萬覺術領確傳師觀讓識帶導爭運請郵謝聯繫價單簡歷檔訂"
        "購劃談費優驗碼戶銀網開会社様件願致申込先日本語文字化返信送受仕事業務連絡担当電話番号部課長株式")
-KANA = "".join(map(chr, (*range(0x3041, 0x3094), *range(0x30A1, 0x30F7)))) + "ー、。"
+PUNCTUATION = "，。、：；！？（）“”《》「」　"
+KANA = "".join(map(chr, (*range(0x3041, 0x3094), *range(0x30A1, 0x30F7)))) + "ー、。「」　"
 HANGUL = ("이다는을의에가고하지니은를로한기도서어나사자시인대해일정있리수것들그게과부보아만스전제상주신여원장동안으요"
           "드합구라공문선계면비관소회경성용세무진습연입내오트없우조유미었개방음실되할간감확메발송님녕")
 
-# Candidates for bytes whose label lies, with the pairs of bytes that make up nearly all text of some.
-CANDIDATES = {"gb18030": rb"[\xa1-\xa3\xb0-\xd7][\xa1-\xfe]", "big5hkscs": rb"[\xa1-\xc6][\x40-\x7e\xa1-\xfe]",
-              "euc_jp": None, "cp932": None, "cp949": rb"[\xa1-\xa3\xb0-\xc8][\xa1-\xfe]", "koi8_r": None, "cp1251": None}
+# Letters of the sets of one byte: the most frequent ones, all others, and what their texts are pointed with.
+CYRILLIC = ("оеаинтсрвлкмдпу", "яыьгзбчйхжшюцщэфёіїєґўђњљћџ")
+GREEK = ("αοιετσνηυρπκς", "λμγδωόίάέήθχφβξζύώψ")
+HEBREW = ("יוהלאמרתבשנ", "עדקפחםטגסזכךןףץצ")
+ARABIC = ("اليمنرتبةعدسفهكقحج", "أإآشصطخضغذثزظئءؤوىپچگژ")
+THAI = ("านรอกเงมยลวดทสต", "ะัาำิีึืุูเแโใไๅ็่้๊๋์ขคจชซญฐฑณถธบปผฝพฟภศษหฬฮฎฏ")
+CENTRAL = ("áéíóöüąęłżśćěščřžőşţăğış", "äńźýůťďňúűđôçĺŕľîâëİ")
+WESTERN = ("éèàäöüßçñóáíêúãåøæ", "âîôûëïìòùõœšžýÿðþÉÈÀÄÖÜÇÑÓÁÍÊÚÃÅØÆÂÔŒŠŽ")
+POINTS = "“”‘’–—…€•«»°§№£©®™´·\xa0"
+LETTERS = {"koi8_u": CYRILLIC, "cp1251": CYRILLIC, "iso8859_5": CYRILLIC, "cp866": CYRILLIC, "mac_cyrillic": CYRILLIC,
+           "cp1253": GREEK, "cp1255": HEBREW, "cp1256": ARABIC, "cp874": THAI, "cp1250": CENTRAL, "iso8859_2": CENTRAL,
+           "cp1254": CENTRAL, "cp1252": WESTERN}
+# What speaks for a set before its bytes are read.
+BEFORE = {"gb18030": 3.0, "cp1252": 4.0, "cp866": -6.0, "mac_cyrillic": -6.0, "iso8859_5": -3.0,
+          "cp1253": -6.0, "cp1255": -4.0, "cp1256": -4.0, "cp874": -4.0}
+TWINS = {"koi8_r": "koi8_u", "cp950": "big5hkscs", "iso8859_7": "cp1253", "iso8859_8": "cp1255", "iso8859-15": "cp1252",
+         "iso8859-5": "iso8859_5", "iso8859-2": "iso8859_2", "iso8859-7": "cp1253", "koi8-r": "koi8_u", "koi8-u": "koi8_u",
+         "iso8859-8": "cp1255", "mac-cyrillic": "mac_cyrillic"}
+# Sets to try; those of Central Europe differ too little from the Western one to be told from it unasked.
+CANDIDATES = ("gb18030", "big5hkscs", "cp932", "euc_jp", "cp949", "cp1252", "koi8_u", "cp1251", "iso8859_5", "cp866",
+              "mac_cyrillic", "cp1253", "cp1255", "cp1256", "cp874")
+# Accented letters of Latin writing seldom stand beside each other, those of other writing beside Latin ones.
+TOUCHING = -2.5
+LATIN = ("cp1252", "cp1250", "iso8859_2", "cp1254")
+ASCII_WEIGHT, BAD_WEIGHT = -3.2, -16.0
+SAMPLE = 600
+ASCII = bytes(range(128))
+
+
+class Weights(dict):
+    """Weights of the characters of one set, those of the rarer ones found by where the set keeps them."""
+
+    def __init__(self, codec):
+        super().__init__((chr(c), ASCII_WEIGHT) for c in range(128))
+        self["\ufffd"] = BAD_WEIGHT
+        self.codec = codec
+        if codec in LETTERS:
+            frequent, others = LETTERS[codec]
+            for letters, weight in ((others.upper(), -6.7), (frequent.upper(), -5.0), (POINTS, -5.6), (others, -4.9), (frequent, -3.0)):
+                self.update((c, weight) for c in letters)
+        elif codec == "cp949":
+            self.update((c, -5.3) for c in HANGUL)
+        else:
+            self.update((c, -7.7 if codec in ("cp932", "euc_jp") else -6.9) for c in HAN)
+            self.update((c, -5.5) for c in (KANA if codec in ("cp932", "euc_jp") else PUNCTUATION))
+            self.update((c, -5.8) for c in KANA + HANGUL if codec == "utf-8")
+
+    def __missing__(self, c):
+        weight = self[c] = -9.5 if self.codec in LETTERS else self._by_place(c)
+        return weight
+
+    def _by_place(self, c):
+        if self.codec == "utf-8":
+            return -9.5 if "\u3000" <= c <= "\u9fff" or "\uac00" <= c <= "\ud7a3" or c <= "\u00ff" else -13.0
+        try:
+            place = c.encode(self.codec)
+        except UnicodeError:
+            return BAD_WEIGHT
+        lead, trail = place[0], place[-1]
+        return -16.0 if len(place) > 2 else FIRST_LEVELS[self.codec](lead, trail)
+
+
+# The weight of a character by its two bytes: first level, second level, signs, additions of vendors.
+FIRST_LEVELS = {
+    "gb18030": lambda lead, trail: (-15.0 if trail < 0xA1 else -6.5 if lead in (0xA4, 0xA5) else -9.3 if 0xB0 <= lead <= 0xD7 else
+                                    -12.2 if 0xD8 <= lead <= 0xF7 else -11.0 if lead <= 0xA9 else -15.0),
+    "big5hkscs": lambda lead, trail: -9.7 if 0xA4 <= lead <= 0xC6 else -10.0 if 0xA1 <= lead <= 0xA3 else
+                 -13.5 if 0xC9 <= lead <= 0xF9 else -16.0,
+    "cp949": lambda lead, trail: (-13.7 if trail < 0xA1 or lead < 0xA1 else -9.4 if 0xB0 <= lead <= 0xC8 else
+                                  -8.0 if lead in (0xAA, 0xAB) else -9.5 if lead <= 0xA3 else -13.1),
+    "euc_jp": lambda lead, trail: (-8.7 if lead == 0x8E else -9.9 if 0xB0 <= lead <= 0xCF else
+                                   -9.5 if lead <= 0xA3 else -13.6 if 0xD0 <= lead <= 0xF4 else -15.0),
+    "cp932": lambda lead, trail: (-8.7 if 0xA1 <= lead <= 0xDF else -9.9 if 0x88 <= lead <= 0x97 else
+                                  -9.5 if lead <= 0x84 else -13.6 if 0x98 <= lead <= 0xEA else -15.0),
+}
 
 
 @lru_cache(maxsize=None)
-def common_characters(codec):
-    """The characters to expect of a set; of "" those of any East Asian writing."""
-    if codec in ("koi8_r", "cp1251"):
-        return frozenset("оеаинтсрвлкмпд")
-    japanese = HAN + KANA
-    return frozenset({"": japanese + HANGUL, "cp949": HANGUL, "euc_jp": japanese, "cp932": japanese}.get(codec, HAN))
+def weights(codec):
+    return Weights(codec)
 
 
-def likeness(text, codec, data=b""):
-    """How much decoded text looks like writing of that set, 0 to about 1."""
-    wide = [c for c in text[:400] if c > "\x7f"] or [c for c in text[:16384] if c > "\x7f"][:400]
-    if not wide:
-        return 0.0
-    score = sum(map(common_characters(codec).__contains__, wide)) / len(wide)
-    score -= len(re.findall("[\ue000-\uf8ff\ufffd\uff61-\uff9f]", "".join(wide))) / len(wide)
-    if score < 0.3 and CANDIDATES.get(codec):
-        pairs = re.findall(rb"[\x80-\xff].?", data[:1000], re.S)
-        usual = sum(map(bool, map(re.compile(CANDIDATES[codec], re.S).fullmatch, pairs)))
-        score += 0.15 if pairs and usual * 10 >= len(pairs) * 9 else 0
-    return score
+def likeliness(text, codec):
+    """(sum of the weights, number of characters beyond ASCII) of a text's beginning."""
+    score = sum(map(weights(codec).__getitem__, text))
+    wide = len(text) - len(text.encode("ascii", "ignore"))
+    if wide and codec in LETTERS:
+        beside = "(?<=[^\x00-\x7f])[^\x00-\x7f]" if codec in LATIN else "(?<=[A-Za-z])[^\x00-\x7f]|[^\x00-\x7f](?=[A-Za-z])"
+        score += TOUCHING * len(re.findall(beside, text))
+    return score, wide
+
+
+def sample_of(data):
+    """Where data begins to be more than ASCII, and more of it where that is little."""
+    start = re.search(rb"[\x80-\xff]|$", data).start()
+    sample = data[start:start + SAMPLE]
+    return sample if len(sample.translate(None, ASCII)) > 40 else data[start:start + 8 * SAMPLE]
+
+
+def reads_well(text, codec):
+    """Whether text that was decoded by a declared set is surely writing of that set."""
+    codec = TWINS.get(codec, codec)
+    if codec not in EAST_ASIAN and codec not in LETTERS:
+        return True
+    score, wide = likeliness(text[:SAMPLE], codec)
+    if codec == "gb18030" and len(re.findall("[\u3041-\u30ff]", text[:SAMPLE])) * 4 > wide:
+        return False  # Japanese, which stands in GBK at the same places as in EUC-JP
+    ascii_score = ASCII_WEIGHT * (min(len(text), SAMPLE) - wide)
+    return not wide or (score - ascii_score) / wide > (-8.0 if codec in EAST_ASIAN else -4.5)
 
 
 def guess(data, declared="", hint=""):
-    """(text, likeness) by the likeliest set for bytes whose label is missing or lies, or None."""
-    runs = [len(run) for run in re.findall(rb"[\x80-\xff]+", data[:16384])]
-    if runs.count(1) * 10 >= len(runs) * 8 and not hint:
-        return None
-    sample = b" ".join(re.findall(rb"[\x80-\xff][\x40-\xff]*", data[:16384]))
-    best, best_score = None, 0.22 if declared else 0.12
-    for codec in CANDIDATES:
-        if codec in ("koi8_r", "cp1251") and (declared or sum(run > 2 for run in runs) * 2 < len(runs)):
-            continue
-        text = strictly(sample, codec) or sample.decode(codec, "replace_bad")
-        if text.count("\ufffd") * 20 > len(text):
-            continue
-        score = likeness(text, codec, sample) + (0.2 if codec == hint else 0)
+    """The likeliest codec of bytes whose label is missing or may lie; declared and hint need less to be it."""
+    sample = sample_of(data)
+    declared, hint = TWINS.get(declared, declared), TWINS.get(hint, hint)
+    best, best_score = "cp1252", float("-inf")
+    for codec in {**dict.fromkeys(CANDIDATES), **dict.fromkeys({declared, hint} & LETTERS.keys())}:
+        text = western_text(sample) if codec == "cp1252" else sample.decode(codec, "replace_bad" if codec in EAST_ASIAN else "replace")
+        score, wide = likeliness(text[:-1] if len(sample) < len(data) and text[-1:] == "\ufffd" else text, codec)
+        score += BEFORE.get(codec, 0.0)
+        if codec == declared:
+            score += 8.0 + 0.3 * wide if codec == "cp1252" else 12.0 + (0.8 if codec in LETTERS else 0.4) * wide
+        elif codec == hint:
+            score += 5.0
+        elif codec in LETTERS and declared in EAST_ASIAN:
+            score -= 8.0
         if score > best_score:
             best, best_score = codec, score
-    return (data.decode(best, "replace_bad"), best_score) if best else None
+    return best

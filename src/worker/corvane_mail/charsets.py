@@ -2,13 +2,16 @@
 
 import re
 
-from .charset_codecs import EAST_ASIAN, SHIFTED, codec_for, strictly, utf8
+from .charset_codecs import EAST_ASIAN, SHIFTED, VENDOR_SIGNS, codec_for, strictly, utf8, western_text
 from .unicode_text import repair_surrogates, undo_double_encoding
 
 UTF16_MARKS = (b"\xff\xfe", b"\xfe\xff")
 # Control characters except tab and the line ends; none is a second byte of a multibyte set.
 CONTROLS = bytes(set(range(32)) - {9, 10, 13}) + b"\x7f"
-UNWANTED = "[\x00-\x08\x0b\x0c\x0e-\x1f\x7f\uf0f0-\uf0f3]"
+# Signs that no text for a reader holds: controls, the in-band marks, byte order marks, the vendors' additions to GBK.
+ODD = re.compile("[\x80-\x9f\ue5e5\ue7c7\ue78d-\ue796\ue81e-\ue864\uf0f0-\uf0f3\ufeff\ud800-\udfff]")
+UNWANTED = "[\x00-\x08\x0b\x0c\x0e-\x1f\x7f-\x9f\uf0f0-\uf0f3]"
+HIGH_CONTROLS = {c: bytes((c,)).decode("cp1252", "ignore") for c in range(0x80, 0xA0)}
 
 
 def decode_text(data, label, hint=""):
@@ -17,7 +20,7 @@ def decode_text(data, label, hint=""):
     hint is a codec to prefer where nothing else tells, such as that of the message's body.
     """
     codec, text = codec_for(label) if label else "", None
-    if codec in SHIFTED or b"\x1b$" in data or b"\x1b(" in data or data[:2] in UTF16_MARKS:
+    if codec in SHIFTED or b"\x1b" in data or b"~{" in data or data[:2] in UTF16_MARKS or b"\0" in data:
         from .shifted_charsets import shifted_text
         text, codec = shifted_text(data, codec), "" if codec in SHIFTED else codec
     if text is None:
@@ -25,40 +28,54 @@ def decode_text(data, label, hint=""):
         if data.isascii():
             return data.decode("ascii")
         text = decode_eight_bit(data, codec, hint)
-        if not any(map(text.__contains__, "\uf0f0\uf0f1\uf0f2\uf0f3\ufeff")):
-            return text
-    return re.sub(UNWANTED, "", repair_surrogates(text)).lstrip("\ufeff")
+        return without_odd_signs(text) if ODD.search(text) else text
+    return without_odd_signs(text)
+
+
+def without_odd_signs(text):
+    text = repair_surrogates(text).translate(HIGH_CONTROLS).translate(VENDOR_SIGNS)
+    return re.sub(UNWANTED, "", text).lstrip("\ufeff")
 
 
 def decode_eight_bit(data, codec, hint):
-    unicode_text = utf8(data)
-    if unicode_text is not None and utf8_is_meant(unicode_text, data, codec):
-        return undo_double_encoding(unicode_text)
-    if codec in EAST_ASIAN:
-        return decode_east_asian(data, codec)
+    text = utf8(data)
+    if text is not None and utf8_is_meant(text, data, codec):
+        return undo_double_encoding(text)
+    if codec and codec != "utf-8":
+        text = declared_text(data, codec)
+        if text is not None:
+            return text
     text = damaged_utf8(data, 0 if codec == "utf-8" else 4)
     if text is not None:
         return text
-    codec = "" if codec == "utf-8" else codec
-    found = None
-    if codec in ("", "cp1252", "iso8859-15"):
-        from .charset_guess import guess
-        found = guess(data, codec, hint)
-    if found:
-        return found[0]
-    try:
-        return data.decode(codec or "cp1252")
-    except UnicodeDecodeError:
-        return data.decode("latin-1" if codec in ("", "cp1252") else codec, "replace")
+    from .charset_guess import guess
+    return decode_by(guess(data, "" if codec == "utf-8" else codec, hint), data)
 
 
 def utf8_is_meant(text, data, codec):
-    """Whether valid UTF-8 is that, against a label: two GBK characters can be it by chance, not several."""
+    """Whether valid UTF-8 is that, against a label: two GBK characters can be it by chance, not several.
+
+    A character of GBK passes as one of two bytes with a chance of 1 in 7, three bytes of it as one with 1 in 50.
+    """
     if codec not in EAST_ASIAN or len(re.findall(rb"[\xe0-\xf4][\x80-\xbf]{2,3}", data[:4000])) >= 3:
         return True
-    from .charset_guess import likeness
+    from .charset_guess import likeliness
     declared = strictly(data, codec)
-    return declared is None or likeness(text, "") > likeness(declared, codec)
+    if declared is None:
+        return True
+    score = likeliness(text[:400], "utf-8")[0]
+    score += sum(4.0 if c > "\u07ff" else 1.9 for c in text[:400] if c > "\x7f")
+    return score > likeliness(declared[:400], "big5hkscs" if codec == "cp950" else codec)[0]
+
+
+def declared_text(data, codec):
+    """Text by the declared set where all bytes are of it and read as its writing, else None."""
+    from .charset_guess import reads_well
+    text = strictly(data, codec)
+    if text is None and codec == "euc_jp":
+        from .shifted_charsets import euc_by_cp932
+        text = euc_by_cp932(data)
+    return text if text is not None and reads_well(text, codec) else None
 
 
 def damaged_utf8(data, least):
@@ -72,22 +89,9 @@ def damaged_utf8(data, least):
     return text if text.count("\ufffd") * 4 <= wide else None
 
 
-def decode_east_asian(data, codec):
-    """Declared two-byte sets; another one only where the declared reading is no writing at all."""
-    from .charset_guess import guess, likeness
-    text = strictly(data, codec)
-    if text is None and codec == "euc_jp":
-        from .shifted_charsets import euc_by_cp932
-        text = euc_by_cp932(data)
-    broken = text is None
-    codec = "big5hkscs" if codec == "cp950" else codec
-    text = data.decode(codec, "replace_bad") if broken else text
-    score = likeness(text, codec, data)
-    if score < 0.12 and (broken or len(text) >= 20):
-        other = damaged_utf8(data, 4)
-        if other is not None:
-            return other
-        other = guess(data)
-        if other and other[1] > max(0.3, 3 * score):
-            return other[0]
-    return text
+def decode_by(codec, data):
+    """Text by a guessed set, whatever bytes it doesn't hold."""
+    if codec in EAST_ASIAN:
+        whole = strictly(data, "cp950") if codec == "big5hkscs" else None
+        return data.decode(codec, "replace_bad") if whole is None else whole
+    return western_text(data) if codec == "cp1252" else data.decode(codec, "replace")

@@ -76,7 +76,8 @@ def attachments(request):
 
 
 def attachment_data(request):
-    from .attachments import attachments_of, find_attachment
+    from .attachment_search import find_attachment
+    from .attachments import attachments_of
     name, limit = required(request, "file_name", str), byte_limit(request, DEFAULT_DATA_BYTES)
     mail = mail_of(request, 2 * limit + DEFAULT_LIST_BYTES)
     found = find_attachment(attachments_of(Scanner(mail.data).run()), name)

@@ -68,6 +68,7 @@ def parse_field(value):
 
     RFC 2231 pieces are joined in their order; an extended parameter wins over the plain one.
     """
+    value = re.sub(rb"^(\s*[^\s;=]+)[ \t]+(?=[\w*-]+=)", rb"\1;", value)
     main = value.partition(b";")[0].strip(b" \t\r\n\"'").lower()
     parameters, pieces = {}, {}
     for name, text in parameter_items(value):

@@ -7,19 +7,25 @@ from .header_values import parameter, parse_field
 from .limits import MAX_FIELD, MAX_HEADER
 from .transfer import decode_base64, decode_base64_text, decode_quoted_printable
 
-FIELDS = re.compile(rb"\n(?=[cdfstx])(content-(?:type|transfer-encoding|disposition|id)|x-apple-content-length|from|to"
+FIELDS = re.compile(rb"\n(?=[cdfstx])(content-(?:type|transfer-encoding|disposition|id|description)|x-apple-content-length|from|to"
                     rb"|subject|date)[ \t]*:[ \t]*([^\n]*(?:\n[ \t][^\n]*)*)", re.I)
 
 
 BARE_TYPES = {b"text": "text/plain", b"plain": "text/plain", b"html": "text/html", b"text/": "text/plain"}
+HTML_TYPES = ("text/html", "application/xhtml+xml", "text/xhtml", "text/watch-html")
 MESSAGE_TYPES = ("message/rfc822", "message/global", "message/news")
+SEALED_TYPES = ("application/pkcs7-mime", "application/x-pkcs7-mime")
+WINMAIL_TYPES = ("application/ms-tnef", "application/vnd.ms-tnef")
 ENCODED = (b"base64", b"quotedprintable")
-UUENCODED = (b"xuuencode", b"uuencode", b"xuue", b"uue")
+FILES_INSIDE = (b"xuuencode", b"uuencode", b"xuue", b"uue", b"xyencode", b"yenc", b"xyenc")
+# How files begin that are sent as text by mistake.
+FILE_STARTS = (b"GIF8", b"\x89PNG", b"\xff\xd8\xff", b"%PDF-", b"PK\x03\x04", b"\xd0\xcf\x11\xe0", b"Rar!", b"\x1f\x8b\x08",
+               b"7z\xbc\xaf", b"MZ\x90\0", b"BZh9", b"\0\0\0\x18ftyp", b"\0\0\0\x20ftyp", b"ID3\x03", b"RIFF")
 
 
 @lru_cache(maxsize=512)
 def media_type(main):
-    kind = re.match(rb"\s*\"?([\w.+-]+/[\w.+-]+)", main)
+    kind = re.match(rb"\s*\"?([\w.+*-]+/[\w.+*-]+)", main)
     return kind.group(1).decode("latin-1") if kind else BARE_TYPES.get(main)
 
 
@@ -40,7 +46,8 @@ class Part:
         self.fields = fields
         if b"content-type" in fields:
             main, self.parameters = parse_field(fields[b"content-type"])
-            self.kind = media_type(main) or self.kind
+            unknown = "application/octet-stream" if main and b"name" in self.parameters else self.kind
+            self.kind = media_type(main) or unknown
         if b"content-disposition" in fields:
             self.disposition, self.named = parse_field(fields[b"content-disposition"])
         if b"content-transfer-encoding" in fields:
@@ -53,7 +60,28 @@ class Part:
 
     @property
     def is_message(self):
-        return self.kind in MESSAGE_TYPES
+        return self.kind in MESSAGE_TYPES or self.kind == "message/partial" and parameter(self.parameters, b"number") == b"1"
+
+    @property
+    def is_sealed(self):
+        return self.kind in SEALED_TYPES or self.kind == "application/octet-stream" and self.name_ends(b".p7m")
+
+    @property
+    def is_winmail(self):
+        return self.kind in WINMAIL_TYPES or self.name_ends(b"winmail.dat")
+
+    @property
+    def is_named(self):
+        return b"filename" in self.named or b"name" in self.parameters
+
+    def name_ends(self, end):
+        return any(parameter(*place).strip().lower().endswith(end)
+                   for place in ((self.named, b"filename"), (self.parameters, b"name")))
+
+    @staticmethod
+    def is_binary(data):
+        """Whether the payload of a text is a file of some other kind."""
+        return data.startswith(FILE_STARTS)
 
     @property
     def charset(self):
@@ -69,9 +97,9 @@ class Part:
             return decode_base64_text(raw) if text else decode_base64(raw)
         if self.encoding == b"quotedprintable":
             return decode_quoted_printable(raw)
-        if self.encoding in UUENCODED:
-            from .uuencode import decode_uu, uu_files
-            return next((decode_uu(lines) for _, _, _, lines in uu_files(raw)), raw)
+        if self.encoding in FILES_INSIDE:
+            from .inline_files import inline_files
+            return next((file.data() for file in inline_files(raw)), raw)
         return raw
 
 

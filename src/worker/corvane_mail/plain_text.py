@@ -1,6 +1,4 @@
-"""Plain texts and their relatives."""
-
-import re
+"""Lines of plain text."""
 
 from .unicode_text import INVISIBLE
 
@@ -32,11 +30,3 @@ def unflow(text, delsp):
         if delsp and not fixed:
             lines[-1][-1] = content[:-1]
     return "\n".join(map("".join, lines))
-
-
-def enriched_text(text):
-    """text/enriched and text/richtext (RFC 1896): commands go, single line ends are blanks."""
-    text = re.sub(r"(?is)<param>[^<]*</param>", "", text.replace("<<", "\0"))
-    text = re.sub(r"(?i)<(?:nl|paragraph|/paragraph)>", "\n\n", text)
-    text = re.sub(r"</?[A-Za-z-]{1,60}>", "", text).replace("\0", "<")
-    return re.sub(r"\n+", lambda match: match.group()[1:] or " ", text)

@@ -5,6 +5,7 @@ import re
 from .charset_codecs import strictly, utf8
 
 HIGH_BITS = bytes(byte | 0x80 if 0x21 <= byte <= 0x7E else byte for byte in range(256))
+HZ_RUN = re.compile(rb"~\{(?:[!-w][!-~])+~\}")
 LOW_BITS = bytes(byte & 0x7F for byte in range(256))
 
 
@@ -22,24 +23,53 @@ def jis_to_sjis(pairs):
 
 def shifted_text(data, codec):
     """Text of data where it is written in such a set, declared or not; else None."""
-    if codec.startswith("utf-16") or data[:2] in (b"\xff\xfe", b"\xfe\xff"):
-        return decode_utf16(data, codec or "utf-16")
+    if codec.startswith(("utf-16", "utf-32")) or data[:2] in (b"\xff\xfe", b"\xfe\xff"):
+        return decode_wide(data, codec)
+    if data.count(0) * 5 > len(data):
+        text = decode_wide(data, "")
+        return text if usual(text) * 2 > len(text[:400]) else None
     if codec == "utf-7" and data.isascii():
-        return data.decode("utf-7", "replace")
-    switches = b"\x1b" in data or codec == "hz" and b"~{" in data or codec == "iso2022" and b"\x0e" in data
+        return decode_utf7(data)
+    if codec == "iso2022" and b"\x1b" not in data and b"$" in data:
+        data = re.sub(rb"\$([@B](?:[!-~]{2}){1,999})\(([BJ])", b"\x1b$\\1\x1b(\\2", data)
+    if b"~{" in data and codec in ("hz", "gb18030", "") and data.isascii() and HZ_RUN.search(data):
+        return decode_switched(data, "hz")
+    switches = b"\x1b" in data or codec == "iso2022" and b"\x0e" in data
     if switches and (data.isascii() or codec == "iso2022" and utf8(data) is None):
         return decode_switched(data, codec)
     return None
 
 
-def decode_utf16(data, codec):
+def decode_wide(data, codec):
+    """UTF-16 or UTF-32; without a byte order mark the order that makes more usual characters wins."""
+    if data[:4] in (b"\xff\xfe\0\0", b"\0\0\xfe\xff"):
+        return data.decode("utf-32", "replace")
     if data[:2] in (b"\xff\xfe", b"\xfe\xff"):
-        codec = "utf-16"
-    elif b"\0" not in data[:2000]:
+        return data.decode("utf-16", "replace")
+    if b"\0" not in data[:2000] and utf8(data) is not None:
         return None
-    elif codec == "utf-16":
-        codec = "utf-16-le" if data[1:400:2].count(0) >= data[0:400:2].count(0) else "utf-16-be"
-    return data.decode(codec, "replace")
+    if codec.endswith("e"):
+        return data.decode(codec, "replace")
+    return max((data.decode((codec or "utf-16") + order, "replace") for order in ("-le", "-be")), key=usual)
+
+
+def usual(text):
+    """How many of the first 400 characters are such as texts are made of."""
+    return sum("\x09" <= c <= "\x7e" or "\u4e00" <= c < "\u9000" or "\u3000" <= c < "\u3100" for c in text[:400])
+
+
+def decode_utf7(data):
+    """UTF-7 run by run, since what mailers call so may hold a plus sign that begins nothing."""
+    def run(match):
+        try:
+            return match.group().decode("utf-7")
+        except UnicodeError:
+            return match.group().decode("ascii")
+    text, end = [], 0
+    for match in re.finditer(rb"\+[A-Za-z0-9+/]*-?", data):
+        text += data[end:match.start()].decode("ascii"), run(match)
+        end = match.end()
+    return "".join(text) + data[end:].decode("ascii")
 
 
 def decode_switched(data, codec):
@@ -52,7 +82,7 @@ def decode_switched(data, codec):
         family = "gb18030" if b"\x1b$)A" in data or b"\x1b$)G" in data else "cp949"
         data = re.sub(rb"\x1b\$[()*+][A-Z]", b"", data)
         return re.sub(rb"\x0e([^\x0f\n]*)\x0f?", high, data).decode(family, "replace_bad")
-    for name in ("iso2022_jp_2", "iso2022_jp_ext"):
+    for name in ("iso2022_jp_2", "iso2022_jp_ext", "iso2022_jp_2004"):
         text = strictly(data, name)
         if text is not None:
             return text

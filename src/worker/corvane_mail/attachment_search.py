@@ -1,0 +1,34 @@
+"""Finds an attachment by a name that may have been cleaned or decoded elsewhere."""
+
+import re
+
+from .header_values import decode_words, unpercent
+from .unicode_text import nfc
+
+
+def cleaned(name):
+    """A name as the program's own cleaning of attachment names leaves it, near enough to compare."""
+    name = name.strip("\"' \t\r\n")
+    head, quotes, rest = name.partition("''")
+    if quotes:
+        known = re.fullmatch(r"(?i)utf-?8|us-ascii|gbk|gb2312|big5|iso-.*|windows-.*", head)
+        name = unpercent((rest if known else name).encode("utf-8", "replace")).decode("utf-8", "replace")
+    if "=?" in name:
+        name = decode_words(name.encode("utf-8", "replace")).replace("_", " ")
+    bracket = re.match(r"<[^>]*@[^>]*>(.*)", name, re.S)
+    name = (bracket.group(1) if bracket else name).replace("\\", "").strip()
+    return ".".join(filter(None, (piece.strip() for piece in name.split(".")))) or name
+
+
+def squeezed(name):
+    return "".join(c for c in nfc(cleaned(name)).casefold() if c.isalnum())
+
+
+def find_attachment(attachments, wanted):
+    """The attachment of that name; the likeness asked for goes from the very name down to letters and digits."""
+    for form in (str, nfc, lambda name: nfc(cleaned(name)), squeezed):
+        key = form(wanted)
+        for attachment in attachments:
+            if key and form(attachment.name) == key:
+                return attachment
+    return None

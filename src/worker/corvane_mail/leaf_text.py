@@ -1,0 +1,44 @@
+"""The text of one part that holds text."""
+
+import re
+
+from .charset_codecs import codec_for
+from .charsets import decode_text
+from .header_values import parameter
+from .html_layout import unescaped
+from .html_text import html_text
+from .plain_text import bare_ends, unflow, unix_lines
+
+HTML_DOCUMENT = r"(?i)\s*<(?:!doctype\s+html|html[\s>]|body[\s>])"
+META_CHARSET = rb"(?i)<meta[^>]{0,300}charset\s*=\s*[\"']?\s*([\w.:-]{1,40})"
+BASE64_LINES = rb"(?:[A-Za-z0-9+/]{60,76}=*\r?\n){3}"
+
+
+def html_leaf(data, label):
+    if codec_for(label) in ("", "cp1252"):
+        meta = re.search(META_CHARSET, data[:8192])
+        label = meta.group(1) if meta and codec_for(meta.group(1)) else label
+    html = decode_text(data, label)
+    return html_text(html) if "<" in html else bare_ends(unescaped(unix_lines(html))).strip("\n")
+
+
+def plain_leaf(part):
+    """(text, whether it was HTML after all) of any other text."""
+    data = part.payload(text=True)
+    if part.is_binary(data) or part.kind == "message/partial" and re.search(BASE64_LINES, data[:4096]):
+        return "", False
+    if part.kind == "text/plain" and b"begin " in data:
+        from .inline_files import without_files
+        data = without_files(data)
+    text = unix_lines(decode_text(data, part.charset))
+    if part.kind == "text/plain" and "<" in text[:200] and re.match(HTML_DOCUMENT, text):
+        return html_leaf(data, part.charset), True
+    if part.kind in ("text/enriched", "text/richtext"):
+        from .enriched_text import enriched_text
+        text = enriched_text(text)
+    elif parameter(part.parameters, b"format").lower() == b"flowed":
+        text = unflow(text, parameter(part.parameters, b"delsp").lower() == b"yes")
+    if text.startswith("-----BEGIN PGP SIGNED") or "\n-----BEGIN PGP SIGNED" in text:
+        from .clear_signed import without_armor
+        text = without_armor(text)
+    return bare_ends(text).strip("\n"), False
