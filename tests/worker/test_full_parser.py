@@ -66,8 +66,8 @@ class SameText(unittest.TestCase):
             data = b"\n" + Generator(seed).message()
             scanner = Scanner(data)
             ours, full = scanner.run(), full_parse(data)
-            text = Body().text(ours)
-            self.assertEqual(text, Body().text(full), "seed %d" % seed)
+            text = Body(ours).text(ours)
+            self.assertEqual(text, Body(full).text(full), "seed %d" % seed)
             names = [(each.name, each.data()) for each in attachments_of(ours) if not each.part.is_message]
             self.assertEqual(names, [(each.name, each.data()) for each in attachments_of(full)
                                      if not each.part.is_message], "seed %d" % seed)

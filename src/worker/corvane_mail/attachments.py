@@ -3,7 +3,7 @@
 import re
 
 from .charset_codecs import codec_for
-from .header_values import decode_name, decode_words
+from .header_values import decode_name, decode_words, declared_in_words
 from .limits import CLOCK, MAX_SEALED
 from .part import HTML_TYPES, SEALED_TYPES, WINMAIL_TYPES
 from .unicode_text import nfc
@@ -56,7 +56,7 @@ def attachments_of(root):
 class Collector:
     def __init__(self, root):
         self.found, self.body_seen, self.opened = [], False, 0
-        self.hint = codec_for(first_charset(root))
+        self.hint = codec_for(first_charset(root)) or declared_in_words(root.fields)
         stack = [(root, "")]
         while stack:
             part, group = stack.pop()

@@ -1,7 +1,7 @@
 """The readable text of a message."""
 
 from .alternatives import html_source, is_better, may_be_poorer, repeats
-from .header_values import decode_words, parameter
+from .header_values import decode_words, declared_in_words, parameter
 from .leaf_text import html_leaf, plain_leaf
 from .limits import CLOCK, MAX_SEALED
 from .part import HTML_TYPES
@@ -23,7 +23,8 @@ class Body:
     came as attachments without a name.
     """
 
-    def __init__(self):
+    def __init__(self, root):
+        self.root, self.hint = root, declared_in_words(root.fields)
         self.html = self.encrypted = False
         self.spare, self.opened = [], 0
 
@@ -71,17 +72,22 @@ class Body:
 
     def _leaf(self, part):
         kind = part.kind
+        if (kind == "text/plain" or kind in HTML_TYPES) and not part.is_attachment:
+            return self._shown(part)
         if part.is_attachment or kind in CALENDAR_TYPES or kind in RTF_TYPES or part.is_winmail:
             self.spare.append(part)
             return ""
-        if kind in HTML_TYPES:
-            self.html = True
-            return html_leaf(part.payload(text=True), part.charset)
         if part.is_sealed:
             return self._sealed(part)
         if not kind.startswith(("text/", "message/")) or kind in NO_BODY_TYPES:
             return ""
-        text, html = plain_leaf(part)
+        return self._shown(part)
+
+    def _shown(self, part):
+        if part.kind in HTML_TYPES:
+            text, html = html_leaf(part.payload(text=True), part.charset, self.hint), True
+        else:
+            text, html = plain_leaf(part, self.hint)
         self.html |= html
         return text
 
@@ -106,14 +112,13 @@ class Body:
             return text
         if part.kind in CALENDAR_TYPES or part.name_ends(b".ics"):
             from .calendar_text import calendar_text
-            return calendar_text(plain_leaf(part)[0])
+            return calendar_text(plain_leaf(part, self.hint)[0])
         if part.kind in RTF_TYPES:
             from .rtf_text import rtf_text
             return rtf_text(part.payload(text=True)[:1 << 20])
         if part.is_named or part.kind not in ("text/plain", *HTML_TYPES):
             return ""
-        text, self.html = (html_leaf(part.payload(text=True), part.charset), True) if part.kind in HTML_TYPES else plain_leaf(part)
-        return text
+        return self._shown(part)
 
 
 def shown_parts(related):
@@ -127,12 +132,13 @@ def shown_parts(related):
 
 def body_text(data):
     """(text, whether from HTML) of a message; data begins with a line feed."""
-    scanner, body = Scanner(data), Body()
-    text = body.text(scanner.run())
+    scanner = Scanner(data)
+    body = Body(scanner.run())
+    text = body.text(body.root)
     if scanner.odd and not text.strip():
         from .full_parser import full_parse
-        body = Body()
-        text = body.text(full_parse(data))
+        body = Body(full_parse(data))
+        text = body.text(body.root)
     if not text.strip():
         text = body.spare_text()
     text = nfc(text).strip("\n")

@@ -90,7 +90,7 @@ class Weights(dict):
 
 # The weight of a character by its two bytes: first level, second level, signs, additions of vendors.
 FIRST_LEVELS = {
-    "gb18030": lambda lead, trail: (-15.0 if trail < 0xA1 else -6.5 if lead in (0xA4, 0xA5) else -9.3 if 0xB0 <= lead <= 0xD7 else
+    "gb18030": lambda lead, trail: (-15.0 if trail < 0xA1 else -6.5 if lead in (0xA4, 0xA5, 0xA7) else -9.3 if 0xB0 <= lead <= 0xD7 else
                                     -12.2 if 0xD8 <= lead <= 0xF7 else -11.0 if lead <= 0xA9 else -15.0),
     "big5hkscs": lambda lead, trail: -9.7 if 0xA4 <= lead <= 0xC6 else -10.0 if 0xA1 <= lead <= 0xA3 else
                  -13.5 if 0xC9 <= lead <= 0xF9 else -16.0,
@@ -130,10 +130,11 @@ def reads_well(text, codec):
     codec = TWINS.get(codec, codec)
     if codec not in EAST_ASIAN and codec not in LETTERS:
         return True
-    score, wide = likeliness(text[:SAMPLE], codec)
-    if codec == "gb18030" and len(re.findall("[\u3041-\u30ff]", text[:SAMPLE])) * 4 > wide:
+    start = text[:200] if not text[:200].isascii() else re.sub("[\x00-\x7f]+", "", text[:65536])[:200]
+    score, wide = likeliness(start, codec)
+    if codec == "gb18030" and len(re.findall("[\u3041-\u30ff]", start)) * 4 > wide:
         return False  # Japanese, which stands in GBK at the same places as in EUC-JP
-    ascii_score = ASCII_WEIGHT * (min(len(text), SAMPLE) - wide)
+    ascii_score = ASCII_WEIGHT * (len(start) - wide)
     return not wide or (score - ascii_score) / wide > (-8.0 if codec in EAST_ASIAN else -4.5)
 
 

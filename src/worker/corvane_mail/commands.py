@@ -7,7 +7,7 @@ import time
 from .body import body_text
 from .html_marks import QUOTE_MARK, SIGNATURE_MARK
 from .limits import BATCH_SECONDS, CLOCK, DEFAULT_DATA_BYTES, DEFAULT_LIST_BYTES, DEFAULT_TEXT_BYTES, SECONDS, Failure
-from .json_lines import log, to_json
+from .json_lines import item_json, log
 from .mail_file import Mail
 from .structure import Scanner
 
@@ -59,7 +59,7 @@ def batch_pieces(paths, limit):
             text = CLOCK.run(seconds, file_text, path, limit) if seconds > 0 else ""
         except Exception as error:
             log(path, error)
-        yield (b", " if i else b"") + to_json({"path": path, "text": text})
+        yield (b", " if i else b"") + item_json(path, text)
     yield b"]}"
 
 

@@ -4,6 +4,7 @@ import binascii
 import re
 from functools import lru_cache
 
+from .charset_codecs import codec_for
 from .charsets import decode_text
 from .transfer import decode_base64
 from .unicode_text import nfc
@@ -25,6 +26,15 @@ def decode_words(value, hint=""):
         pending += decode_base64(text) if word.group(2) in b"Bb" else binascii.a2b_qp(text, header=True)
         end = word.end()
     return "".join(texts) + decode_text(pending, label, hint) + decode_text(value[end:], b"", hint)
+
+
+def declared_in_words(fields):
+    """The codec of the encoded words in a message's subject or sender, a hint for what declares none; else ""."""
+    for name in (b"subject", b"from"):
+        word = re.search(rb"=\?([^?\s]{1,40})\?[BbQq]\?", fields.get(name, b""))
+        if word and codec_for(word.group(1)) not in ("", "utf-8"):
+            return codec_for(word.group(1))
+    return ""
 
 
 def parameter_items(value):
@@ -84,13 +94,17 @@ def parse_field(value):
 
 
 def join_pieces(parts):
-    label, joined = None, b""
+    label, joined, coded = None, b"", b""
     for order in sorted(parts):
         text, extended = parts[order]
-        if extended and not joined and label is None and text.count(b"'") >= 2:
+        if extended and not joined and not coded and text.count(b"'") >= 2:
             label, _, text = text.split(b"'", 2)
-        joined += unpercent(text) if extended else text
-    return joined, label
+        if extended:
+            # Some cut an escape in two.
+            coded += text
+        else:
+            joined, coded = joined + unpercent(coded) + text, b""
+    return joined + unpercent(coded), label
 
 
 def parameter(parameters, name):

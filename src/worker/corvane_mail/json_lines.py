@@ -6,9 +6,17 @@ import sys
 from .limits import Failure
 
 
+ENCODER = json.JSONEncoder(ensure_ascii=False)
+
+
 def to_json(answer):
     """One line of JSON; a half of a surrogate pair, which a path may hold, stays an escape."""
-    return json.dumps(answer, ensure_ascii=False).encode("utf-8", "backslashreplace")
+    return ENCODER.encode(answer).encode("utf-8", "backslashreplace")
+
+
+def item_json(path, text):
+    """An item of a batch; of its parts alone the encoder makes texts several times faster."""
+    return b'{"path": %b, "text": %b}' % (to_json(path), to_json(text))
 
 
 def parse_request(line):

@@ -14,15 +14,16 @@ META_CHARSET = rb"(?i)<meta[^>]{0,300}charset\s*=\s*[\"']?\s*([\w.:-]{1,40})"
 BASE64_LINES = rb"(?:[A-Za-z0-9+/]{60,76}=*\r?\n){3}"
 
 
-def html_leaf(data, label):
+def html_leaf(data, label, hint):
+    """Text of an HTML document; a charset that it tells itself counts where its label tells nothing."""
     if codec_for(label) in ("", "cp1252"):
         meta = re.search(META_CHARSET, data[:8192])
         label = meta.group(1) if meta and codec_for(meta.group(1)) else label
-    html = decode_text(data, label)
+    html = decode_text(data, label, hint)
     return html_text(html) if "<" in html else bare_ends(unescaped(unix_lines(html))).strip("\n")
 
 
-def plain_leaf(part):
+def plain_leaf(part, hint=""):
     """(text, whether it was HTML after all) of any other text."""
     data = part.payload(text=True)
     if part.is_binary(data) or part.kind == "message/partial" and re.search(BASE64_LINES, data[:4096]):
@@ -30,9 +31,9 @@ def plain_leaf(part):
     if part.kind == "text/plain" and b"begin " in data:
         from .inline_files import without_files
         data = without_files(data)
-    text = unix_lines(decode_text(data, part.charset))
+    text = unix_lines(decode_text(data, part.charset, hint))
     if part.kind == "text/plain" and "<" in text[:200] and re.match(HTML_DOCUMENT, text):
-        return html_leaf(data, part.charset), True
+        return html_leaf(data, part.charset, hint), True
     if part.kind in ("text/enriched", "text/richtext"):
         from .enriched_text import enriched_text
         text = enriched_text(text)

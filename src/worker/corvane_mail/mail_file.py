@@ -26,11 +26,13 @@ def read_file(path, limit):
             raise Failure("不是普通文件：" + path)
         chunks, left = [b"\n"], limit
         while left > 0:
-            chunk = os.read(descriptor, min(left, max(status.st_size, 65536), 16 << 20))
-            if not chunk:
-                break
+            # One byte more than the file should have, so that a short read shows its end.
+            asked = min(left, max(status.st_size + 1, 4096), 16 << 20)
+            chunk = os.read(descriptor, asked)
             chunks.append(chunk)
             left -= len(chunk)
+            if len(chunk) < asked:
+                break
         return b"".join(chunks), status.st_size
     except OSError:
         raise Failure("读取邮件文件失败：" + path) from None

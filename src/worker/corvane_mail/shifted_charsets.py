@@ -31,13 +31,27 @@ def shifted_text(data, codec):
     if codec == "utf-7" and data.isascii():
         return decode_utf7(data)
     if codec == "iso2022" and b"\x1b" not in data and b"$" in data:
-        data = re.sub(rb"\$([@B](?:[!-~]{2}){1,999})\(([BJ])", b"\x1b$\\1\x1b(\\2", data)
+        data = with_escapes(data)
     if b"~{" in data and codec in ("hz", "gb18030", "") and data.isascii() and HZ_RUN.search(data):
         return decode_switched(data, "hz")
     switches = b"\x1b" in data or codec == "iso2022" and b"\x0e" in data
     if switches and (data.isascii() or codec == "iso2022" and utf8(data) is None):
         return decode_switched(data, codec)
     return None
+
+
+def with_escapes(data):
+    """ISO-2022-JP whose escape characters an old mail server took away: "$B" and pairs up to "(B" in one line."""
+    pieces, at, start = [], 0, -1
+    for mark in re.finditer(rb"\$[@B]|\([BJ]|\n", data):
+        if mark.group()[:1] == b"$":
+            start = mark.start() if start < 0 else start
+        elif mark.group() == b"\n":
+            start = -1
+        elif start >= 0 and not (mark.start() - start) & 1:
+            pieces += data[at:start], b"\x1b", data[start:mark.start()], b"\x1b"
+            at, start = mark.start(), -1
+    return b"".join(pieces) + data[at:]
 
 
 def decode_wide(data, codec):
