@@ -88,6 +88,10 @@ class CommandLine {
         scan->add_option("--max-year", scanYear_, "只扫描这一年及以前的邮件");
         command(scan, [this](Session& session) { return runScan(session, scanYear_, common_.json); });
         addMessages();
+        auto* preview = app_.add_subcommand("preview", "一封 .emlx 邮件的预览文字");
+        preview->add_option("file", previewFile_, "邮件文件")->required();
+        command(preview,
+                [this](Session& session) { return runPreview(session, previewFile_, common_.json); });
         auto* stats = app_.add_subcommand("stats", "上次扫描的统计");
         stats->add_option("--year", statsYears_, "限定年份")->allow_extra_args(false);
         command(stats, [this](Session& session) { return runStats(session, statsYears_, common_.json); });
@@ -141,6 +145,7 @@ class CommandLine {
     CLI::App app_{"Corvane：把多年的邮件从 Apple Mail 归档出来"};
     CommonOptions common_;
     std::optional<std::int64_t> scanYear_;
+    std::string previewFile_;
     std::vector<std::int64_t> statsYears_;
     MessagesOptions messages_;
     ArchiveOptions archive_;

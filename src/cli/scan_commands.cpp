@@ -6,6 +6,7 @@
 #include "cli/exit_status.h"
 #include "cli/output.h"
 #include "cli/progress_line.h"
+#include "model/message_preview.h"
 #include "records/formatters.h"
 
 namespace corvane::cli {
@@ -210,6 +211,18 @@ int runMessages(Session& session, const MessagesOptions& options, bool json) {
         document.print();
     } else {
         printMessagesTable(messages);
+    }
+    return done;
+}
+
+int runPreview(Session& session, const std::string& file, bool json) {
+    const std::string preview = messagePreview(session.platform(), file);
+    if (json) {
+        JsonDocument document;
+        document.object([&] { document.member("preview", preview); });
+        document.print();
+    } else {
+        printText(preview);
     }
     return done;
 }

@@ -16,10 +16,7 @@ using Clock = std::chrono::steady_clock;
 using Kind = WorkerError::Kind;
 using platform::PipeOutcome;
 
-WorkerError closedError() {
-    WorkerError error(Kind::launchFailed, "worker 已关闭");
-    return error;
-}
+constexpr const char* closedDetail = "worker 已关闭";
 
 // The worker can't be trusted with the next request any more.
 class WorkerLost : public std::exception {
@@ -72,7 +69,7 @@ class MailWorkerClient::Session::Process {
     [[nodiscard]] Clock::time_point nextDeadline() const { return Clock::now() + limits_.sessionRead; }
 
     void requireInTime(PipeOutcome outcome) const {
-        if (outcome == PipeOutcome::stopped) throw WorkerLost(closedError());
+        if (outcome == PipeOutcome::stopped) throw WorkerLost(WorkerError(Kind::launchFailed, closedDetail));
         if (outcome == PipeOutcome::timedOut) {
             const auto seconds =
                 std::chrono::duration_cast<std::chrono::seconds>(limits_.sessionRead).count();
@@ -154,7 +151,7 @@ void MailWorkerClient::Session::relaunch() {
 MailWorkerClient::Response MailWorkerClient::Session::runRequest(const Request& request,
                                                                  const std::stop_token& stop) {
     const std::lock_guard lock(mutex_);
-    if (process_ == nullptr || !process_->isRunning()) throw closedError();
+    if (process_ == nullptr || !process_->isRunning()) throw WorkerError(Kind::launchFailed, closedDetail);
     std::string line;
     try {
         line = process_->exchange(encodeJson(request) + '\n', stop);

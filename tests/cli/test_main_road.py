@@ -7,6 +7,7 @@ import random
 import time
 import unicodedata
 import unittest
+import urllib.parse
 
 from cli_support import CliCase, archive_state, signal, tree_state
 
@@ -41,6 +42,18 @@ class MainRoad(CliCase):
             if entry["size"]:
                 self.assertEqual(message["messageSize"], entry["size"], row)
         self.assertEqual(tree_state(home / "Library"), before, "Mail's store is never written")
+
+    def test_previews_of_scanned_messages_are_readable(self):
+        home = self.home("home", "--messages", "60")
+        self.run_cli(home, "refresh")
+        for message in self.run_cli(home, "messages")[:5]:
+            path = urllib.parse.unquote(message["fileURL"].removeprefix("file://"))
+            for environment in ({}, {"CORVANE_PYTHON": "/usr/bin/false"}):
+                preview = self.run_cli(home, "preview", path, environment=environment)["preview"]
+                self.assertTrue(preview.strip())
+                self.assertNotIn("Content-Type:", preview)
+        missing = self.run_cli(home, "preview", home / "missing.emlx", expect=1)["error"]
+        self.assertIn("读取邮件文件失败", missing)
 
     def test_accounts_have_their_addresses(self):
         home = self.home()

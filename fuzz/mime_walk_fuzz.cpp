@@ -1,0 +1,43 @@
+// The walk through the parts of a message, and its text laid out for a list.
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+#include "mailstore/emlx.h"
+#include "mailstore/mime_walk.h"
+#include "mailstore/preview_layout.h"
+#include "mailstore/preview_text.h"
+#include "mailstore/signature_search.h"
+#include "text/charset.h"
+#include "text/graphemes.h"
+
+using namespace corvane;
+
+namespace {
+
+void require(bool condition) {
+    if (!condition) std::abort();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    const std::string message = mailstore::decodeEmlx(bytes);
+    require(text::isValidUtf8(message));
+    const std::string preview = mailstore::previewText(message);
+    require(!preview.empty() && text::isValidUtf8(preview));
+    require(text::graphemeCount(preview) <= 280);
+    for (const auto& candidate : mailstore::previewCandidates(message, 0)) {
+        require(text::isValidUtf8(candidate.body));
+        require(mailstore::stripSignatureContent(candidate.body).size() <= candidate.body.size());
+    }
+    std::size_t partBytes = 0;
+    for (const std::string& part : mailstore::splitMIMEParts(message, "b")) partBytes += part.size();
+    require(partBytes <= message.size());
+    const std::string normalized = mailstore::normalizedPreviewFormatting(message);
+    require(normalized.size() <= message.size());
+    mailstore::previewLooksCorrupt(message);
+    mailstore::decodeQuotedPrintableData(bytes);
+    return 0;
+}
