@@ -19,12 +19,9 @@ using platform::PipeOutcome;
 constexpr const char* closedDetail = "worker 已关闭";
 
 // The worker can't be trusted with the next request any more.
-class WorkerLost : public std::exception {
+class WorkerLost : public WorkerError {
   public:
-    explicit WorkerLost(WorkerError shownError)
-      : error(std::move(shownError)) {}
-
-    WorkerError error;
+    using WorkerError::WorkerError;
 };
 
 } // namespace
@@ -69,15 +66,15 @@ class MailWorkerClient::Session::Process {
     [[nodiscard]] Clock::time_point nextDeadline() const { return Clock::now() + limits_.sessionRead; }
 
     void requireInTime(PipeOutcome outcome) const {
-        if (outcome == PipeOutcome::stopped) throw WorkerLost(WorkerError(Kind::launchFailed, closedDetail));
+        if (outcome == PipeOutcome::stopped) throw WorkerLost(Kind::launchFailed, closedDetail);
         if (outcome == PipeOutcome::timedOut) {
             const auto seconds =
                 std::chrono::duration_cast<std::chrono::seconds>(limits_.sessionRead).count();
-            throw WorkerLost(WorkerError(
+            throw WorkerLost(
                 Kind::workerFailed,
                 fmt::format(
                     "worker 处理超时（{} 秒无响应），已重启。该附件可能内容异常或正文不在邮件文件内。",
-                    seconds)));
+                    seconds));
         }
     }
 
@@ -88,7 +85,7 @@ class MailWorkerClient::Session::Process {
             if (end != std::string::npos) return takeLine(end);
             searched = received_.size();
             if (static_cast<std::int64_t>(searched) > limits_.sessionAnswerBytes)
-                throw WorkerLost(WorkerError(Kind::invalidResponse, "worker 返回的数据超过上限"));
+                throw WorkerLost(Kind::invalidResponse, "worker 返回的数据超过上限");
             readMore(stop);
         }
     }
@@ -162,7 +159,7 @@ MailWorkerClient::Response MailWorkerClient::Session::runRequest(const Request& 
         } else {
             relaunch();
         }
-        throw WorkerError(lost.error);
+        throw WorkerError(lost.kind(), lost.detail());
     } catch (const std::system_error& error) {
         throw WorkerError(Kind::invalidResponse, error.what());
     }
