@@ -38,7 +38,9 @@ def decode_base64_text(raw):
     lines = re.match(rb"(?:[A-Za-z0-9+/]+=*[ \t]*\r*\n|[ \t\r]*\n)*", raw).end()
     rest = raw[lines:].strip()
     if len(rest.translate(None, BASE64_DIGITS + b"=\r\n\t")) * 20 <= len(rest) and not rest.startswith(b"--"):
-        return decode_base64(raw)
+        data = decode_base64(raw)
+        is_word = len(raw) < 100 and len(b"".join(raw.split())) % 4 and b"=" not in raw and data.translate(None, NO_TEXT) != data
+        return raw if is_word else data
     return decode_base64(raw[:lines]) + b"\n" + rest if lines > 40 else raw
 
 
