@@ -60,4 +60,5 @@ def hidden_base64(raw):
 
 def is_quoted_printable(raw):
     """Whether a body that isn't told to be quoted-printable can be nothing else."""
-    return len(ESCAPED_PAIR.findall(raw[:65536])) >= 2 and raw.isascii() and not NO_ESCAPE.search(raw)
+    hint = b"=E" in raw or b"=C" in raw or b"=D" in raw or b"=B" in raw
+    return hint and len(ESCAPED_PAIR.findall(raw[:65536])) >= 2 and raw.isascii() and not NO_ESCAPE.search(raw)
