@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "mailstore/folder_walk.h"
+#include "mailstore/store_location.h"
 #include "platform/directory.h"
 #include "platform/parallel.h"
 #include "platform/paths.h"
@@ -42,12 +44,23 @@ std::vector<std::string> directoriesIn(const std::string& path) {
 
 } // namespace
 
+std::vector<const MailAttachmentFileLocator::Index::Root*>
+MailAttachmentFileLocator::Index::rootsOf(std::string_view messageFolder) const {
+    const auto known = rootsByFolder_.find(messageFolder);
+    if (known != rootsByFolder_.end()) return known->second;
+    std::vector<const Root*> roots;
+    if (rootsByPath_.empty()) return roots;
+    for (const std::string& path : candidateRootsIn(messageFolder)) {
+        const auto root = rootsByPath_.find(path);
+        if (root != rootsByPath_.end()) roots.push_back(root->second);
+    }
+    return roots;
+}
+
 std::vector<FileURL> MailAttachmentFileLocator::Index::attachmentFiles(const FileURL& messageFile) const {
     const std::string_view path = messageFile.path();
-    const auto known = rootsByFolder_.find(platform::parentPath(path));
-    if (known == rootsByFolder_.end()) return {};
     const std::string_view baseName = platform::withoutExtension(platform::lastPathComponent(path));
-    for (const Root* root : known->second) {
+    for (const Root* root : rootsOf(platform::parentPath(path))) {
         if (!std::ranges::binary_search(root->messageFolders, baseName, std::less<>())) continue;
         auto files = filesInMessageFolder(platform::joinPath(root->path, baseName));
         if (!files.empty()) return files;
@@ -85,6 +98,52 @@ MailAttachmentFileLocator::makeIndex(const std::vector<FileURL>& messageFiles) {
     }
     for (const Index::Root& root : index.roots_) index.folderCount_ += root.messageFolders.size();
     return index;
+}
+
+MailAttachmentFileLocator::Index MailAttachmentFileLocator::makeIndex(const std::string& storeRoot) {
+    Index index;
+    mailstore::walkFolder(mailstore::latestMailVersionDirectory(storeRoot),
+                          {.entersFolder =
+                               [&](const std::string& path, std::string_view name) {
+                                   if (name != "Attachments") return true;
+                                   index.roots_.push_back(
+                                       {.path = path, .messageFolders = directoriesIn(path)});
+                                   return false;
+                               },
+                           .visitsFile = [](const std::string&, std::string_view) { return true; }});
+    std::erase_if(index.roots_, [](const Index::Root& root) { return root.messageFolders.empty(); });
+    for (const Index::Root& root : index.roots_) {
+        index.rootsByPath_.emplace(root.path, &root);
+        index.folderCount_ += root.messageFolders.size();
+    }
+    return index;
+}
+
+std::vector<FileURL> MailAttachmentFileLocator::attachmentFiles(const FileURL& messageFile,
+                                                                std::size_t maxVisitedItems) {
+    const std::string_view path = messageFile.path();
+    const std::string_view baseName = platform::withoutExtension(platform::lastPathComponent(path));
+    for (const std::string& root : candidateAttachmentRoots(path)) {
+        auto files = regularFiles(platform::joinPath(root, baseName), maxVisitedItems);
+        if (!files.empty()) return files;
+    }
+    return {};
+}
+
+std::vector<FileURL> MailAttachmentFileLocator::regularFiles(const std::string& folder,
+                                                             std::size_t maxVisitedItems) {
+    std::vector<FileURL> files;
+    std::size_t visited = 0;
+    const auto isWithinLimit = [&] { return ++visited <= maxVisitedItems; };
+    mailstore::walkFolder(
+        folder, {.entersFolder = [&](const std::string&, std::string_view) { return isWithinLimit(); },
+                 .visitsFile =
+                     [&](const std::string& path, std::string_view) {
+                         if (!isWithinLimit()) return false;
+                         files.emplace_back(SharedText(path));
+                         return true;
+                     }});
+    return files;
 }
 
 std::vector<std::string>

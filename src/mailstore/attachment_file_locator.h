@@ -32,6 +32,9 @@ class MailAttachmentFileLocator {
       private:
         friend class MailAttachmentFileLocator;
 
+        struct Root;
+        [[nodiscard]] std::vector<const Root*> rootsOf(std::string_view messageFolder) const;
+
         struct Root {
             std::string path;
             std::vector<std::string> messageFolders; // ascending
@@ -40,11 +43,20 @@ class MailAttachmentFileLocator {
         std::vector<Root> roots_; // only those with a folder in them
         // The folder of a message to its roots, nearest first; folders without any have no entry.
         std::unordered_map<std::string, std::vector<const Root*>, TextHash, TextEqual> rootsByFolder_;
+        // Where the folders of messages weren't known beforehand: the roots by their paths.
+        std::unordered_map<std::string_view, const Root*> rootsByPath_;
         std::size_t folderCount_ = 0;
     };
 
     // For these message files. Lists the roots in parallel.
     static Index makeIndex(const std::vector<FileURL>& messageFiles);
+
+    // For all messages of the newest version folder of a store, whose folders are walked through.
+    static Index makeIndex(const std::string& storeRoot);
+
+    // Without an index: the files of a message in the nearest place that has any, found by looking at no more
+    // than so many entries of each place.
+    static std::vector<FileURL> attachmentFiles(const FileURL& messageFile, std::size_t maxVisitedItems);
 
     // Where attachments of a message may lie, nearest first: "Attachments" in its folder and up to seven
     // above, and beside a folder "Messages".
@@ -52,6 +64,9 @@ class MailAttachmentFileLocator {
 
     // The regular files in a message's folder and one level below, sorted by name in the human order.
     static std::vector<FileURL> filesInMessageFolder(const std::string& folder);
+
+    // The regular files among the first entries at any depth.
+    static std::vector<FileURL> regularFiles(const std::string& folder, std::size_t maxVisitedItems);
 };
 
 } // namespace corvane

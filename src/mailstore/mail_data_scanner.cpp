@@ -5,6 +5,8 @@
 
 #include <fmt/format.h>
 
+#include "mailstore/batch_stream.h"
+#include "mailstore/walk_scan.h"
 #include "platform/parallel.h"
 #include "records/console_log.h"
 
@@ -12,48 +14,9 @@ namespace corvane {
 
 namespace {
 
+using mailstore::BatchStream;
+
 constexpr std::size_t chunkSize = 160;
-constexpr std::size_t fullBatch = 40;
-constexpr std::int64_t progressStep = 100;
-constexpr std::chrono::seconds longestSilence{1};
-
-// Collects records and hands them over by the three rules: enough records, enough messages visited, or enough
-// time since the last batch.
-class BatchStream {
-  public:
-    BatchStream(const MailDataScanner::BatchHandler& handle, const ScanTimingMetrics& timing)
-      : handle_(handle)
-      , timing_(timing) {}
-
-    void addVisited(std::optional<MailMessageRecord> record) {
-        ++visited_;
-        if (record) pending_.push_back(std::move(*record));
-        if (pending_.size() >= fullBatch || visited_ % progressStep == 0 ||
-            ScanTimingMetrics::Clock::now() - lastBatch_ >= longestSilence)
-            flush();
-    }
-
-    void flush() {
-        MailDataScanner::Batch batch{.scannedCount = visited_,
-                                     .visitedCount = visited_,
-                                     .records = std::exchange(pending_, {}),
-                                     .timingLog = summary()};
-        pending_.reserve(fullBatch);
-        handle_(std::move(batch));
-        lastBatch_ = ScanTimingMetrics::Clock::now();
-    }
-
-    [[nodiscard]] std::string summary() const {
-        return timing_.summary(visited_, visited_, timing_.matchedMessages);
-    }
-
-  private:
-    const MailDataScanner::BatchHandler& handle_;
-    const ScanTimingMetrics& timing_;
-    MessageList pending_;
-    std::int64_t visited_ = 0;
-    ScanTimingMetrics::Clock::time_point lastBatch_ = ScanTimingMetrics::Clock::now();
-};
 
 // The labels of every mailbox, made once before the lanes start and then only read.
 class LabelsByMailbox {
@@ -151,9 +114,13 @@ void MailDataScanner::scanBatches(const BatchHandler& handle, const std::stop_to
     try {
         auto found =
             mailstore::indexedMessages(context, rootPath, maximumYear, accountURLPrefixes, &timing, stop);
-        IndexScan scan(*this, std::move(found).value_or(IndexedMessageFiles()), timing);
-        batches.flush();
-        if (!scan.run(batches, stop)) return;
+        if (found) {
+            IndexScan scan(*this, std::move(*found), timing);
+            batches.flush();
+            if (!scan.run(batches, stop)) return;
+        } else {
+            mailstore::WalkScan(*this, timing).run(batches, stop);
+        }
     } catch (const ScanStopped&) {
         return;
     }

@@ -1,8 +1,7 @@
 #include <unordered_map>
 
-#include "mailstore/attachment_names.h"
+#include "mailstore/attachment_resolution.h"
 #include "mailstore/mail_data_scanner.h"
-#include "platform/directory.h"
 #include "text/case.h"
 #include "text/collation.h"
 
@@ -19,38 +18,25 @@ std::string placeKey(std::string_view name) {
 class AttachmentList {
   public:
     void addNamed(std::string_view indexedName) {
-        const std::string name = cleanAttachmentName(indexedName);
-        if (name.empty() || hasImageExtension(name)) return;
-        const auto [known, isNew] = places_.try_emplace(placeKey(name), attachments_.size());
-        if (isNew) attachments_.push_back(attachment(name));
+        auto named = attachmentFromName(indexedName, {});
+        if (!named) return;
+        const auto [known, isNew] = places_.try_emplace(placeKey(named->fileName), attachments_.size());
+        if (isNew) attachments_.push_back(std::move(*named));
     }
 
     void addStored(const FileURL& file) {
-        const std::string name = cleanAttachmentName(file.lastPathComponent());
-        if (name.empty()) return;
-        const auto size = platform::fileSize(file.path().str());
-        if (hasImageExtension(name) && size.value_or(0) < smallestImageAttachmentBytes) return;
-        MailAttachmentRecord stored = attachment(name);
-        stored.estimatedSize = size;
-        stored.sourceFileURL = file;
-        const auto [known, isNew] = places_.try_emplace(placeKey(name), attachments_.size());
+        auto stored = attachmentFromFile(file);
+        if (!stored) return;
+        const auto [known, isNew] = places_.try_emplace(placeKey(stored->fileName), attachments_.size());
         if (isNew)
-            attachments_.push_back(std::move(stored));
+            attachments_.push_back(std::move(*stored));
         else
-            attachments_[known->second] = std::move(stored);
+            attachments_[known->second] = std::move(*stored);
     }
 
     std::vector<MailAttachmentRecord> take() { return std::move(attachments_); }
 
   private:
-    static MailAttachmentRecord attachment(const std::string& name) {
-        return {.id = Uuid::random(),
-                .fileName = name,
-                .mimeType = mimeTypeGuess(name, {}),
-                .estimatedSize = {},
-                .sourceFileURL = {}};
-    }
-
     std::vector<MailAttachmentRecord> attachments_;
     std::unordered_map<std::string, std::size_t> places_;
 };
