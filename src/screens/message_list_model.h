@@ -69,6 +69,10 @@ class MessageListModel : public QAbstractListModel {
     void aboutToChange();
     void changed();
 
+  protected:
+    // Also while rows go or come.
+    [[nodiscard]] const MailMessageRecord& shownAt(int row) const;
+
   private:
     // The list that is shown while rows go or come: some of its rows aren't there any more, or not yet.
     struct Passage {
@@ -77,7 +81,6 @@ class MessageListModel : public QAbstractListModel {
         int hiddenRows = 0;
     };
 
-    [[nodiscard]] const MailMessageRecord& shownAt(int row) const;
     void removeRows(const std::vector<RowRun>& runs);
     void insertRows(SharedMessageList messages, const std::vector<RowRun>& runs);
     void tellChanged(int first, int last, const QList<int>& roles);
