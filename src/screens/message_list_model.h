@@ -32,6 +32,7 @@ class MessageListModel : public QAbstractListModel {
         AttachmentCountRole,
         ArchivedRole,
         SelectedRole,
+        SpokenNameRole,
     };
 
     explicit MessageListModel(QObject* parent = nullptr);
@@ -54,7 +55,7 @@ class MessageListModel : public QAbstractListModel {
     [[nodiscard]] bool isArchived(const MailMessageRecord& message) const;
 
     // What a screen reader says: subject, sender, date, size, state.
-    [[nodiscard]] Q_INVOKABLE QString spokenName(int row) const;
+    [[nodiscard]] QString spokenName(const MailMessageRecord& message) const;
 
     // `changes` lead from the present messages to the given ones. The selection follows.
     void apply(SharedMessageList messages, const RowChanges& changes);
