@@ -13,6 +13,9 @@
 
 namespace corvane {
 
+// False when a text stands in the place of the message's own.
+bool holdsPreview(const MailMessageRecord& message);
+
 class MessageDetail : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -58,8 +61,7 @@ class MessageDetail : public QObject {
 
     [[nodiscard]] QString preview() const;
 
-    // False when a text stands in its place.
-    [[nodiscard]] bool hasPreview() const;
+    [[nodiscard]] bool hasPreview() const { return message_ && holdsPreview(*message_); }
 
     [[nodiscard]] bool isDated() const { return message_ && message_->date; }
 

@@ -4,6 +4,7 @@
 
 #include "records/formatters.h"
 #include "records/model_enums.h"
+#include "screens/message_detail.h"
 #include "screens/shown_text.h"
 
 namespace corvane {
@@ -16,6 +17,11 @@ const QList<int> shownRoles = {MessageListModel::SenderRole,    MessageListModel
                                MessageListModel::PreviewRole,   MessageListModel::DateTextRole,
                                MessageListModel::SizeTextRole,  MessageListModel::AttachmentCountRole,
                                MessageListModel::SpokenNameRole};
+
+// Until a text was read, where the message lies says more than that it wasn't.
+std::string_view thirdLine(const MailMessageRecord& message) {
+    return holdsPreview(message) ? message.preview.view() : message.mailbox.view();
+}
 
 QString senderName(const MailMessageRecord& message) {
     return screens::shownSender(message.sender);
@@ -52,7 +58,7 @@ QVariant MessageListModel::data(const QModelIndex& index, int role) const {
     case SubjectRole:
         return screens::shownLine(message.subject);
     case PreviewRole:
-        return screens::shownLine(message.preview, previewLimit);
+        return screens::shownLine(thirdLine(message), previewLimit);
     case DateTextRole:
         return screens::wholeText(message.formattedDate());
     case SizeTextRole:

@@ -10,7 +10,7 @@ Rectangle {
     // Only the title.
     property bool compact: false
 
-    implicitHeight: lines.height + (compact ? 18 : 24)
+    implicitHeight: lines.height + (compact ? 18 : 26)
     radius: Theme.radiusLarge
     color: Theme.page
     border.color: Theme.line

@@ -101,7 +101,7 @@ FocusGroup {
                     anchors.verticalCenter: parent.verticalCenter
                     implicitHeight: Theme.minimumTarget
                     visible: pane.filters.narrowsYears
-                    font.pixelSize: Theme.noteSize
+                    labelRole: AppText.Note
                     text: "清除"
                     help: "不按年份筛选"
                     onClicked: pane.filters.clearYears()
@@ -111,6 +111,7 @@ FocusGroup {
                 objectName: "cutoffFilter"
                 width: parent.width
                 title: "只看 " + pane.filters.cutoffYear + " 年及以前"
+                countText: ""
                 ticked: pane.filters.onlyBeforeCutoff
                 onClicked: pane.filters.onlyBeforeCutoff = !ticked
             }

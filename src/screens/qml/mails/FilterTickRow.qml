@@ -8,7 +8,7 @@ T.AbstractButton {
 
     required property string title
     required property bool ticked
-    property string countText: ""
+    required property string countText
 
     implicitHeight: Theme.minimumTarget
     hoverEnabled: true
@@ -26,7 +26,7 @@ T.AbstractButton {
         showFocus: row.visualFocus
         focusPolicy: Qt.NoFocus
         Accessible.ignored: true
-        onClicked: row.click()
+        onClicked: row.clicked()
     }
     AppText {
         anchors.left: box.right

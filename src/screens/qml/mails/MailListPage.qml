@@ -48,7 +48,7 @@ ScreenPage {
             onTextEdited: page.screen.filters.query = text
             onAccepted: page.screen.filters.applyQuery()
             onListRequested: list.view.forceActiveFocus(Qt.TabFocusReason)
-            onLeft: list.view.forceActiveFocus(Qt.TabFocusReason)
+            onLeaving: list.view.forceActiveFocus(Qt.TabFocusReason)
         }
     }
     Rectangle {

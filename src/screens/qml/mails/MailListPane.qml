@@ -21,7 +21,7 @@ FocusScope {
     FocusGroup {
         id: chipBar
         width: parent.width
-        height: visible ? Math.max(chips.implicitHeight, Theme.controlHeightPane) + Theme.space : 0
+        height: visible ? Math.max(chips.implicitHeight, Theme.space + Theme.controlHeightPane) : 0
         visible: pane.showsFilterButton
 
         AppButton {

@@ -97,7 +97,7 @@ FocusScope {
                 AppText {
                     objectName: "detailSubject"
                     width: parent.width
-                    bottomPadding: 6
+                    bottomPadding: 5
                     text: view.detail.subject
                     role: AppText.Title
                     wrapMode: Text.Wrap
