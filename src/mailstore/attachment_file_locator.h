@@ -2,69 +2,71 @@
 // name of the message file>/<part>/<file name>. Only ever looks; what can't be read has no files.
 #pragma once
 
-#include <atomic>
-#include <cstdint>
-#include <optional>
-#include <stop_token>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "records/file_url.h"
+#include "text/shared_text.h"
 
 namespace corvane {
 
-struct StoredAttachment {
-    FileURL url;
-    std::optional<std::int64_t> size; // bytes; nothing when it can't be told
-};
-
-// One "Attachments" folder: which messages have a folder in it, learnt from one listing instead of several
-// looks a message. A message's own folder is read when it is asked for, unless it was read ahead.
-class AttachmentRoot {
+class MailAttachmentFileLocator {
   public:
-    // Lists the folder.
-    explicit AttachmentRoot(std::string path);
+    // Which messages have a folder of attachments, learnt from one listing of each "Attachments" folder
+    // instead of several looks a message. Immutable, so it is shared by threads without a lock; a message's
+    // own folder is read when it is asked for.
+    class Index {
+      public:
+        Index() = default;
+        Index(Index&&) = default;
+        Index& operator=(Index&&) = default;
 
-    // Reads the folders of all messages, until it is told to stop. Before the root is shared between threads.
-    void readAhead(const std::stop_token& stop);
+        // The files of a message, sorted by name in the human order; those of the nearest place that has any.
+        [[nodiscard]] std::vector<FileURL> attachmentFiles(const FileURL& messageFile) const;
 
-    // The files of a message, sorted by name in the human order. Any thread.
-    [[nodiscard]] std::vector<StoredAttachment> files(std::string_view baseName) const;
+        // Folders of messages over all roots.
+        [[nodiscard]] std::size_t folderCount() const { return folderCount_; }
 
-    // Folders of messages.
-    [[nodiscard]] std::size_t folderCount() const { return folders_.size(); }
+      private:
+        friend class MailAttachmentFileLocator;
 
-    // Whether a message may have attachments here. Any thread.
-    void markUsed() const { isUsed_.store(true, std::memory_order_relaxed); }
+        struct Root;
+        [[nodiscard]] std::vector<const Root*> rootsOf(std::string_view messageFolder) const;
 
-    [[nodiscard]] bool isUsed() const { return isUsed_.load(std::memory_order_relaxed); }
+        struct Root {
+            std::string path;
+            std::vector<std::string> messageFolders; // ascending
+        };
 
-  private:
-    struct MessageFolder {
-        std::string name;
-        std::optional<std::vector<StoredAttachment>> files; // where it was read ahead
+        std::vector<Root> roots_; // only those with a folder in them
+        // The folder of a message to its roots, nearest first; folders without any have no entry.
+        std::unordered_map<std::string, std::vector<const Root*>, TextHash, TextEqual> rootsByFolder_;
+        // Where the folders of messages weren't known beforehand: the roots by their paths.
+        std::unordered_map<std::string_view, const Root*> rootsByPath_;
+        std::size_t folderCount_ = 0;
     };
 
-    [[nodiscard]] std::vector<StoredAttachment> read(const MessageFolder& folder) const;
+    // For these message files. Lists the roots in parallel.
+    static Index makeIndex(const std::vector<FileURL>& messageFiles);
 
-    std::string path_;
-    std::vector<MessageFolder> folders_; // ascending
-    mutable std::atomic<bool> isUsed_ = false;
+    // For all messages of the newest version folder of a store, whose folders are walked through.
+    static Index makeIndex(const std::string& storeRoot);
+
+    // Without an index: the files of a message in the nearest place that has any, found by looking at no more
+    // than so many entries of each place.
+    static std::vector<FileURL> attachmentFiles(const FileURL& messageFile, std::size_t maxVisitedItems);
+
+    // Where attachments of a message may lie, nearest first: "Attachments" in its folder and up to seven
+    // above, and beside a folder "Messages".
+    static std::vector<std::string> candidateAttachmentRoots(std::string_view messageFilePath);
+
+    // The regular files in a message's folder and one level below, sorted by name in the human order.
+    static std::vector<FileURL> filesInMessageFolder(const std::string& folder);
+
+    // The regular files among the first entries at any depth.
+    static std::vector<FileURL> regularFiles(const std::string& folder, std::size_t maxVisitedItems);
 };
-
-namespace mailstore {
-
-// Nearest first.
-using AttachmentRoots = std::vector<const AttachmentRoot*>;
-
-// The files of a message; those of the nearest place that has any.
-std::vector<StoredAttachment> attachmentFiles(const AttachmentRoots& roots, std::string_view baseName);
-
-// Where attachments of the messages in a folder may lie, nearest first: "Attachments" in it and up to seven
-// above, and beside a folder "Messages".
-std::vector<std::string> candidateAttachmentRoots(std::string_view messageFolder);
-
-} // namespace mailstore
 
 } // namespace corvane

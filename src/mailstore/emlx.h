@@ -14,8 +14,8 @@ class MessageFileError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// At most `byteLimit` bytes from the start of a file. Throws MessageFileError when it can't be opened or
-// read.
+// At most `byteLimit` bytes from the start of a file, without a UTF-8 character that the limit has cut.
+// Throws MessageFileError when it can't be opened or read.
 std::string readMessagePrefix(const std::string& path, std::int64_t byteLimit);
 
 // The text behind the length line, as UTF-8 when the whole data is that and else as ISO Latin 1. The count

@@ -1,76 +1,110 @@
 #include "mailstore/mail_data_scanner.h"
 
-#include <utility>
+#include <algorithm>
+#include <unordered_map>
 
-#include "mailstore/indexed_records.h"
+#include <fmt/format.h>
+
+#include "mailstore/batch_stream.h"
+#include "mailstore/walk_scan.h"
+#include "platform/parallel.h"
 #include "records/console_log.h"
 
 namespace corvane {
 
 namespace {
 
-constexpr std::size_t recordsBetweenStopTests = 160;
-constexpr std::size_t fullBatch = 40;
-constexpr std::int64_t progressStep = 100;
-constexpr std::chrono::seconds longestSilence{1};
+using mailstore::BatchStream;
 
-// Collects records and hands them over by the three rules: enough records, enough messages visited, or enough
-// time since the last batch.
-class BatchStream {
+constexpr std::size_t chunkSize = 160;
+
+// The labels of every mailbox, made once before the lanes start and then only read.
+class LabelsByMailbox {
   public:
-    BatchStream(const MailDataScanner::BatchHandler& handle, ScanTimingMetrics& timing)
-      : handle_(handle)
-      , timing_(timing) {}
-
-    void expect(std::size_t count) { expected_ += count; }
-
-    void addVisited(std::optional<MailMessageRecord> record) {
-        ++visited_;
-        if (record) {
-            ++timing_.matchedMessages;
-            pending_.push_back(std::move(*record));
+    LabelsByMailbox(const std::vector<IndexedMessageCandidate>& candidates,
+                    const mailstore::AccountNames& names) {
+        for (const auto& candidate : candidates) {
+            if (labels_.contains(candidate.mailboxURL)) continue;
+            labels_.emplace(candidate.mailboxURL, mailstore::mailboxLabels(candidate.mailboxURL, names));
         }
-        if (pending_.size() >= fullBatch || visited_ % progressStep == 0 ||
-            ScanTimingMetrics::Clock::now() - lastBatch_ >= longestSilence)
-            flush();
     }
 
-    void flush() {
-        MailDataScanner::Batch batch{.scannedCount = visited_,
-                                     .visitedCount = visited_,
-                                     .foundCount = expected_,
-                                     .records = std::exchange(pending_, {}),
-                                     .timingLog = summary()};
-        pending_.reserve(fullBatch);
-        handle_(std::move(batch));
-        lastBatch_ = ScanTimingMetrics::Clock::now();
-    }
-
-    [[nodiscard]] std::string summary() const {
-        return timing_.summary(visited_, visited_, timing_.matchedMessages);
+    [[nodiscard]] const mailstore::MailboxLabels& of(const SharedText& mailboxURL) const {
+        return labels_.at(mailboxURL);
     }
 
   private:
-    const MailDataScanner::BatchHandler& handle_;
-    ScanTimingMetrics& timing_;
-    MessageList pending_;
-    std::size_t expected_ = 0;
-    std::int64_t visited_ = 0;
-    ScanTimingMetrics::Clock::time_point lastBatch_ = ScanTimingMetrics::Clock::now();
+    std::unordered_map<SharedText, mailstore::MailboxLabels> labels_;
 };
 
-// False when a stop was requested.
-bool handOver(mailstore::RecordPieces pieces, BatchStream& batches, const std::stop_token& stop) {
-    std::size_t visited = 0;
-    for (auto& piece : pieces) {
-        for (auto& record : piece) {
-            if (visited++ % recordsBetweenStopTests == 0 && stop.stop_requested()) return false;
+// A scan by the index. The candidates are given up as their records are made.
+class IndexScan {
+  public:
+    IndexScan(const MailDataScanner& scanner, IndexedMessageFiles found, ScanTimingMetrics& timing)
+      : found_(std::move(found))
+      , timing_(timing)
+      , attachments_(indexAttachments())
+      , labels_(found_.candidates, scanner.accountNamesByPrefix) {}
+
+    // False when a stop was requested. While a chunk is handed over, which happens on the calling thread, the
+    // lanes are at work on the next one.
+    bool run(BatchStream& batches, const std::stop_token& stop) {
+        Outcomes current = parseChunk(0);
+        for (std::size_t start = 0; start < found_.files.size(); start += chunkSize) {
+            if (stop.stop_requested()) return false;
+            Outcomes next;
+            platform::CallAhead ahead([&] { next = parseChunk(start + chunkSize); });
+            handOver(current, batches);
+            const SecondsCounter elapsed(timing_.enumerationSeconds);
+            ahead.wait();
+            current = std::move(next);
+        }
+        return true;
+    }
+
+  private:
+    using Outcomes = std::vector<std::optional<MailMessageRecord>>;
+
+    MailAttachmentFileLocator::Index indexAttachments() {
+        const SecondsCounter elapsed(timing_.attachmentIndexSeconds);
+        auto index = MailAttachmentFileLocator::makeIndex(found_.files);
+        timing_.indexedAttachmentFolders = static_cast<std::int64_t>(index.folderCount());
+        return index;
+    }
+
+    void handOver(Outcomes& outcomes, BatchStream& batches) {
+        for (auto& record : outcomes) {
+            if (record) {
+                ++timing_.matchedMessages;
+                record->sender = repeated_(record->sender);
+            }
             batches.addVisited(std::move(record));
         }
-        piece = {};
     }
-    return true;
-}
+
+    // Empty behind the last file.
+    Outcomes parseChunk(std::size_t first) {
+        const std::size_t start = std::min(first, found_.files.size());
+        const std::size_t end = std::min(start + chunkSize, found_.files.size());
+        Outcomes outcomes(end - start);
+        platform::parallelFor(start, end, [&](std::size_t i) {
+            try {
+                const IndexedMessageCandidate candidate = std::move(found_.candidates[i]);
+                outcomes[i - start] = mailstore::parseIndexedMessage(
+                    found_.files[i], candidate, attachments_, labels_.of(candidate.mailboxURL), timing_);
+            } catch (const std::exception&) {
+                outcomes[i - start].reset(); // one message that can't be parsed doesn't stop a scan
+            }
+        });
+        return outcomes;
+    }
+
+    IndexedMessageFiles found_;
+    ScanTimingMetrics& timing_;
+    MailAttachmentFileLocator::Index attachments_;
+    LabelsByMailbox labels_;
+    TextInterner repeated_;
+};
 
 } // namespace
 
@@ -78,11 +112,15 @@ void MailDataScanner::scanBatches(const BatchHandler& handle, const std::stop_to
     ScanTimingMetrics timing;
     BatchStream batches(handle, timing);
     try {
-        auto pieces = mailstore::readIndexedRecords(*this, timing, stop);
-        for (const auto& piece : pieces) batches.expect(piece.size());
-        batches.flush();
-        const SecondsCounter elapsed(timing.enumerationSeconds);
-        if (!handOver(std::move(pieces), batches, stop)) return;
+        auto found =
+            mailstore::indexedMessages(context, rootPath, maximumYear, accountURLPrefixes, &timing, stop);
+        if (found) {
+            IndexScan scan(*this, std::move(*found), timing);
+            batches.flush();
+            if (!scan.run(batches, stop)) return;
+        } else {
+            mailstore::WalkScan(*this, timing).run(batches, stop);
+        }
     } catch (const ScanStopped&) {
         return;
     }

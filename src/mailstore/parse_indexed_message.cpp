@@ -1,6 +1,6 @@
 #include <unordered_map>
 
-#include "mailstore/attachment_names.h"
+#include "mailstore/attachment_resolution.h"
 #include "mailstore/mail_data_scanner.h"
 #include "text/case.h"
 #include "text/collation.h"
@@ -18,37 +18,25 @@ std::string placeKey(std::string_view name) {
 class AttachmentList {
   public:
     void addNamed(std::string_view indexedName) {
-        const std::string name = cleanAttachmentName(indexedName);
-        if (name.empty() || hasImageExtension(name)) return;
-        const auto [known, isNew] = places_.try_emplace(placeKey(name), attachments_.size());
-        if (isNew) attachments_.push_back(attachment(name));
+        auto named = attachmentFromName(indexedName, {});
+        if (!named) return;
+        const auto [known, isNew] = places_.try_emplace(placeKey(named->fileName), attachments_.size());
+        if (isNew) attachments_.push_back(std::move(*named));
     }
 
-    void addStored(const StoredAttachment& file) {
-        const std::string name = cleanAttachmentName(file.url.lastPathComponent());
-        if (name.empty()) return;
-        if (hasImageExtension(name) && file.size.value_or(0) < smallestImageAttachmentBytes) return;
-        MailAttachmentRecord stored = attachment(name);
-        stored.estimatedSize = file.size;
-        stored.sourceFileURL = file.url;
-        const auto [known, isNew] = places_.try_emplace(placeKey(name), attachments_.size());
+    void addStored(const FileURL& file) {
+        auto stored = attachmentFromFile(file);
+        if (!stored) return;
+        const auto [known, isNew] = places_.try_emplace(placeKey(stored->fileName), attachments_.size());
         if (isNew)
-            attachments_.push_back(std::move(stored));
+            attachments_.push_back(std::move(*stored));
         else
-            attachments_[known->second] = std::move(stored);
+            attachments_[known->second] = std::move(*stored);
     }
 
     std::vector<MailAttachmentRecord> take() { return std::move(attachments_); }
 
   private:
-    static MailAttachmentRecord attachment(const std::string& name) {
-        return {.id = Uuid::random(),
-                .fileName = name,
-                .mimeType = mimeTypeGuess(name, {}),
-                .estimatedSize = {},
-                .sourceFileURL = {}};
-    }
-
     std::vector<MailAttachmentRecord> attachments_;
     std::unordered_map<std::string, std::size_t> places_;
 };
@@ -56,16 +44,15 @@ class AttachmentList {
 } // namespace
 
 MailMessageRecord parseIndexedMessage(const FileURL& file, const IndexedMessageCandidate& candidate,
-                                      const std::vector<StoredAttachment>& storedAttachments,
-                                      const MailboxLabels& labels, TextInterner& texts,
-                                      ScanTimingMetrics& timing) {
+                                      const MailAttachmentFileLocator::Index& attachmentIndex,
+                                      const MailboxLabels& labels, ScanTimingMetrics& timing) {
     timing.parsedMessages.fetch_add(1, std::memory_order_relaxed);
     AttachmentList attachments;
-    for (const std::string& name : candidate.attachmentNames) attachments.addNamed(name);
-    for (const StoredAttachment& stored : storedAttachments) attachments.addStored(stored);
+    for (const SharedText& name : candidate.attachmentNames) attachments.addNamed(name);
+    for (const FileURL& stored : attachmentIndex.attachmentFiles(file)) attachments.addStored(stored);
     auto list = attachments.take();
     if (list.empty()) timing.noAttachmentMessages.fetch_add(1, std::memory_order_relaxed);
-    return recordFromCandidate(candidate, file, std::move(list), labels, texts);
+    return recordFromCandidate(candidate, file, std::move(list), labels);
 }
 
 } // namespace corvane::mailstore

@@ -33,28 +33,12 @@ std::vector<std::string> shellArguments(const ShellQuery& query, const std::stri
     return arguments;
 }
 
-// Nothing when the shell still runs at the deadline or at a stop. The follower looks in steps: to be woken by
-// each write of the shell, 4 KB, costs more than to read the rows.
-std::optional<int> waitAndFollow(platform::ChildProcess& shell, Clock::time_point deadline,
-                                 const std::stop_token& stop, const std::string& outputPath,
-                                 const OutputFollower& follow) {
-    constexpr std::chrono::milliseconds step{10};
-    if (!follow) return shell.waitUntil(deadline, stop);
-    bool hasMore = false;
-    while (true) {
-        const auto now = Clock::now();
-        const auto status = shell.waitUntil(std::min(deadline, hasMore ? now : now + step), stop);
-        if (status || stop.stop_requested() || Clock::now() >= deadline) return status;
-        hasMore = follow(outputPath);
-    }
-}
-
 // Both streams go to files: a shell that writes much to either can't block.
 ShellResult superviseShell(platform::ChildProcess shell, const ShellQuery& query,
                            platform::TemporaryFile output, platform::TemporaryFile errorOutput,
-                           const std::stop_token& stop, const OutputFollower& follow) {
+                           const std::stop_token& stop) {
     const auto deadline = query.timeLimit ? Clock::now() + *query.timeLimit : Clock::time_point::max();
-    const auto status = waitAndFollow(shell, deadline, stop, output.path(), follow);
+    const auto status = shell.waitUntil(deadline, stop);
     if (!status) {
         shell.terminateAndWait();
         return {.kind = stop.stop_requested() ? Kind::stopped : Kind::timedOut, .detail = {}, .output = {}};
@@ -72,8 +56,7 @@ ShellResult superviseShell(platform::ChildProcess shell, const ShellQuery& query
 }
 
 ShellResult runShellOnce(const MailStoreContext& context, const ShellQuery& query,
-                         const std::string& databaseName, const std::stop_token& stop,
-                         const OutputFollower& follow) {
+                         const std::string& databaseName, const std::stop_token& stop) {
     std::optional<platform::TemporaryFile> output;
     std::optional<platform::TemporaryFile> errorOutput;
     try {
@@ -90,8 +73,7 @@ ShellResult runShellOnce(const MailStoreContext& context, const ShellQuery& quer
                                       .standardError = errorOutput->descriptor(),
                                       .environment = {},
                                       .isUpkeep = context.isUpkeep});
-        return superviseShell(std::move(shell), query, std::move(*output), std::move(*errorOutput), stop,
-                              follow);
+        return superviseShell(std::move(shell), query, std::move(*output), std::move(*errorOutput), stop);
     } catch (const std::system_error& error) {
         return {.kind = Kind::launchFailed, .detail = error.what(), .output = {}};
     }
@@ -118,13 +100,12 @@ ShellResult runLimited(const MailStoreContext& context, const std::string& sql,
 
 } // namespace
 
-ShellResult runShell(const MailStoreContext& context, const ShellQuery& query, const std::stop_token& stop,
-                     const OutputFollower& follow) {
+ShellResult runShell(const MailStoreContext& context, const ShellQuery& query, const std::stop_token& stop) {
     const QuietDatabase database(query.databasePath, context.platform.temporaryDirectory());
-    ShellResult result = runShellOnce(context, query, database.name(), stop, follow);
+    ShellResult result = runShellOnce(context, query, database.name(), stop);
     const bool hasRead = result.kind == Kind::succeeded || result.kind == Kind::failed;
     if (!hasRead || !database.wasDisturbed()) return result;
-    return runShellOnce(context, query, query.databasePath, stop, follow);
+    return runShellOnce(context, query, query.databasePath, stop);
 }
 
 std::optional<std::string> runRawQuery(const MailStoreContext& context, const std::string& sql,

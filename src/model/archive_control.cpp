@@ -246,7 +246,7 @@ void ArchiveControl::selectArchiveRange(std::string_view from, std::string_view 
         return std::find_if(candidates.begin(), candidates.end(),
                             [&](const auto& message) { return message.id == id; });
     };
-    const auto [low, high] = std::minmax(find(from), find(to));
+    const auto [low, high] = std::minmax({find(from), find(to)});
     if (high == candidates.end()) return;
     SharedTextSet& selection = changeableSelection();
     for (auto message = low; message <= high; ++message) selection.insert(message->id);

@@ -29,6 +29,7 @@ QHash<int, QByteArray> AttachmentListModel::roleNames() const {
 }
 
 void AttachmentListModel::setAttachments(std::vector<MailAttachmentRecord> attachments) {
+    if (attachments.size() > mostAttachmentsShown) attachments.resize(mostAttachmentsShown);
     if (attachments_ == attachments) return;
     beginResetModel();
     attachments_ = std::move(attachments);

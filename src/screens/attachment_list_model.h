@@ -1,4 +1,5 @@
-// The attachments of the message that a detail shows. Another message is another list. Main thread.
+// The attachments of the message that a detail shows, up to a number that can be laid out at a time. Another
+// message is another list. Main thread.
 #pragma once
 
 #include <vector>
@@ -9,6 +10,9 @@
 #include "records/mail_message_record.h"
 
 namespace corvane {
+
+// Messages that people write have fewer.
+inline constexpr std::size_t mostAttachmentsShown = 100;
 
 class AttachmentListModel : public QAbstractListModel {
     Q_OBJECT

@@ -11,6 +11,8 @@ namespace corvane {
 
 namespace {
 
+constexpr const char* listWidthKey = "corvaneMailListWidth";
+
 QString countAndSize(std::int64_t count, std::int64_t bytes) {
     return QStringLiteral("%1 封 · %2")
         .arg(QLocale(QLocale::Chinese).toString(count), screens::wholeText(formatByteCount(bytes)));
@@ -48,6 +50,8 @@ MailListScreen::MailListScreen(CorvaneViewModel& model, DesktopActions& desktop,
   , updateTask_(model.context().tasks)
   , countTask_(model.context().tasks)
   , copyTask_(model.context().tasks) {
+    const auto width = model.context().settings.text(listWidthKey);
+    if (width) listWidth_ = std::max(QString::fromStdString(*width).toInt(), 0);
     wire();
     followArchived();
     followList();
@@ -66,7 +70,10 @@ void MailListScreen::wire() {
     connect(&model_.scanFlow(), &ScanFlow::stateChanged, this, &MailListScreen::updateState);
     connect(&model_.diskAccess(), &FullDiskAccess::needsFullDiskAccessChanged, this,
             &MailListScreen::updateState);
-    connect(&model_.filters(), &ModelFilters::listFilterChanged, this, &MailListScreen::updateState);
+    connect(&model_.filters(), &ModelFilters::listFilterChanged, this, [this] {
+        isRearranging_ = true;
+        updateState();
+    });
     connect(&model_.archive(), &ArchiveControl::progressChanged, this, &MailListScreen::updateCanArchive);
     connect(selection(), &ListSelection::currentRowChanged, this, &MailListScreen::takeCurrentRow);
     connect(selection(), &ListSelection::selectionChanged, this, [this] {
@@ -77,6 +84,7 @@ void MailListScreen::wire() {
 
 void MailListScreen::followList() {
     isUpdating_ = true;
+    waiting_.reset();
     updateTask_.start(
         TaskPriority::userInitiated,
         [this, from = list_.messages(), to = model_.visible().visibleMessages()](const auto& task) {
@@ -84,9 +92,31 @@ void MailListScreen::followList() {
             update->changes = rowChanges(*from, *to);
             update->bytes = bytesOf(*to);
             update->messages = to;
-            task.onMain([this, update] { apply(*update); });
+            task.onMain([this, update] { take(update); });
         });
     updateState();
+}
+
+void MailListScreen::take(std::shared_ptr<Update> update) {
+    if (isHeld_) {
+        waiting_ = std::move(update);
+    } else {
+        apply(*update);
+    }
+}
+
+void MailListScreen::setHeld(bool held) {
+    if (isHeld_ == held) return;
+    isHeld_ = held;
+    Q_EMIT heldChanged();
+    if (const auto update = std::exchange(waiting_, nullptr); !held && update) apply(*update);
+}
+
+void MailListScreen::setListWidth(int width) {
+    if (listWidth_ == width) return;
+    listWidth_ = width;
+    model_.context().settings.setText(listWidthKey, std::to_string(width));
+    Q_EMIT listWidthChanged();
 }
 
 void MailListScreen::apply(Update& update) {
@@ -100,6 +130,7 @@ void MailListScreen::apply(Update& update) {
     model_.context().tasks.run(TaskPriority::utility, std::stop_source(),
                                [earlier = std::move(earlier)]() mutable { earlier.reset(); });
     followSelectedMessage();
+    if (std::exchange(isRearranging_, false)) Q_EMIT listRearranged();
     Q_EMIT summaryChanged();
     updateCanArchive();
     updateState();
@@ -159,18 +190,18 @@ void MailListScreen::recount() {
 }
 
 MailListScreen::State MailListScreen::currentState() const {
-    if (list_.count() > 0) return State::listed;
+    if (list_.count() > 0) return State::Listed;
     const ScanFlow& scan = model_.scanFlow();
-    if (scan.state().isScanning()) return State::scanning;
+    if (scan.state().isScanning()) return State::Scanning;
     if (!model_.catalog().messages()->empty()) {
-        if (isUpdating_ || !model_.visible().isCurrent()) return State::loading;
-        return filters_.narrows() ? State::noMatch : State::nothingLocal;
+        if (isUpdating_ || !model_.visible().isCurrent()) return State::Loading;
+        return filters_.narrows() ? State::NoMatch : State::NothingLocal;
     }
-    if (model_.diskAccess().needsFullDiskAccess()) return State::noAccess;
-    if (scan.state().kind == MailScanState::Kind::failed) return State::failed;
+    if (model_.diskAccess().needsFullDiskAccess()) return State::NoAccess;
+    if (scan.state().kind == MailScanState::Kind::failed) return State::Failed;
     // The small snapshot is there, the messages are being read.
-    if (scan.state().kind == MailScanState::Kind::finished) return State::loading;
-    return State::neverScanned;
+    if (scan.state().kind == MailScanState::Kind::finished) return State::Loading;
+    return State::NeverScanned;
 }
 
 void MailListScreen::updateState() {
@@ -179,7 +210,7 @@ void MailListScreen::updateState() {
 }
 
 QString MailListScreen::stateText() const {
-    return state_ == State::scanning || state_ == State::failed
+    return state_ == State::Scanning || state_ == State::Failed
                ? screens::wholeText(model_.scanFlow().state().text)
                : QString();
 }

@@ -27,6 +27,8 @@ class MailListScreen : public QObject {
     Q_PROPERTY(QString stateText READ stateText NOTIFY stateChanged)
     Q_PROPERTY(QString summaryText READ summaryText NOTIFY summaryChanged)
     Q_PROPERTY(QString selectionText READ selectionText NOTIFY summaryChanged)
+    Q_PROPERTY(bool held READ isHeld WRITE setHeld NOTIFY heldChanged)
+    Q_PROPERTY(int listWidth READ listWidth WRITE setListWidth NOTIFY listWidthChanged)
     Q_PROPERTY(bool canArchive READ canArchive NOTIFY canArchiveChanged)
     Q_PROPERTY(corvane::MessageListModel* list READ list CONSTANT)
     Q_PROPERTY(corvane::ListSelection* selection READ selection CONSTANT)
@@ -34,15 +36,16 @@ class MailListScreen : public QObject {
     Q_PROPERTY(corvane::MessageDetail* detail READ detail CONSTANT)
 
   public:
+    // Capitals: QML takes no other names.
     enum class State {
-        listed,
-        loading,      // there are messages, and what of them to list isn't known yet
-        noMatch,      // the filters hide all messages
-        nothingLocal, // no message has its file on this machine
-        scanning,
-        noAccess,
-        failed,
-        neverScanned,
+        Listed,
+        Loading,      // there are messages, and what of them to list isn't known yet
+        NoMatch,      // the filters hide all messages
+        NothingLocal, // no message has its file on this machine
+        Scanning,
+        NoAccess,
+        Failed,
+        NeverScanned,
     };
     Q_ENUM(State)
 
@@ -59,6 +62,16 @@ class MailListScreen : public QObject {
 
     // Count and size of the selection, when it is more than one row.
     [[nodiscard]] QString selectionText() const;
+
+    // While something is pressed or a menu is open, the rows stay as they are.
+    [[nodiscard]] bool isHeld() const { return isHeld_; }
+
+    void setHeld(bool held);
+
+    // The width of the list pane as the user left it, kept from run to run; 0 when it was never moved.
+    [[nodiscard]] int listWidth() const { return listWidth_; }
+
+    void setListWidth(int width);
 
     // One of the selected messages isn't archived, and no run is under way.
     [[nodiscard]] bool canArchive() const { return canArchive_; }
@@ -98,7 +111,11 @@ class MailListScreen : public QObject {
   Q_SIGNALS:
     void stateChanged();
     void summaryChanged();
+    void heldChanged();
+    void listWidthChanged();
     void canArchiveChanged();
+    // The list is another one because filters or order are others: the view shows the current row.
+    void listRearranged();
     void archiveRequested(std::shared_ptr<const corvane::SharedTextSet> ids);
     // An action didn't work; the text says what and why.
     void actionFailed(const QString& text);
@@ -108,6 +125,7 @@ class MailListScreen : public QObject {
 
     void wire();
     void followList();
+    void take(std::shared_ptr<Update> update);
     void apply(Update& update);
     void followSelectedMessage();
     void takeCurrentRow();
@@ -125,10 +143,14 @@ class MailListScreen : public QObject {
     MessageListModel list_;
     MailListFilters filters_;
     MessageDetail detail_;
-    State state_ = State::neverScanned;
+    State state_ = State::NeverScanned;
     bool canArchive_ = false;
     bool isUpdating_ = false;
     bool isApplying_ = false;
+    bool isHeld_ = false;
+    bool isRearranging_ = false;
+    int listWidth_ = 0;
+    std::shared_ptr<Update> waiting_;
     std::int64_t listedBytes_ = 0;
     TaskSlot updateTask_;
     TaskSlot countTask_;

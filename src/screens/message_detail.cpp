@@ -39,6 +39,11 @@ QString mailboxOf(const FileURL& file) {
 
 } // namespace
 
+bool holdsPreview(const MailMessageRecord& message) {
+    return !message.preview.empty() && message.preview != lazyPreviewPlaceholder &&
+           message.preview != emptyBodyPreviewPlaceholder;
+}
+
 void MessageDetail::show(const MailMessageRecord* message, bool archived) {
     const bool isSame = message == nullptr ? !message_ : message_ && message_->id == message->id;
     if (isSame && archived_ == archived && (message == nullptr || *message_ == *message)) return;
@@ -77,11 +82,6 @@ QString MessageDetail::place() const {
 
 QString MessageDetail::preview() const {
     return message_ ? screens::shownText(message_->preview, previewLimit).trimmed() : QString();
-}
-
-bool MessageDetail::hasPreview() const {
-    return message_ && !message_->preview.empty() && message_->preview != lazyPreviewPlaceholder &&
-           message_->preview != emptyBodyPreviewPlaceholder;
 }
 
 QString MessageDetail::copiesTitle() const {

@@ -13,6 +13,9 @@
 
 namespace corvane {
 
+// False when a text stands in the place of the message's own.
+bool holdsPreview(const MailMessageRecord& message);
+
 class MessageDetail : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -26,11 +29,14 @@ class MessageDetail : public QObject {
     Q_PROPERTY(QString place READ place NOTIFY changed)
     Q_PROPERTY(QString preview READ preview NOTIFY changed)
     Q_PROPERTY(bool hasPreview READ hasPreview NOTIFY changed)
+    Q_PROPERTY(bool isDated READ isDated NOTIFY changed)
+    Q_PROPERTY(bool hasMessageID READ hasMessageID NOTIFY changed)
     Q_PROPERTY(QString copiesTitle READ copiesTitle NOTIFY changed)
     Q_PROPERTY(QString copiesPlaces READ copiesPlaces NOTIFY changed)
     Q_PROPERTY(bool imported READ imported NOTIFY changed)
     Q_PROPERTY(QStringList files READ files NOTIFY changed)
     Q_PROPERTY(int attachmentCount READ attachmentCount NOTIFY changed)
+    Q_PROPERTY(int attachmentsLeftOut READ attachmentsLeftOut NOTIFY changed)
     Q_PROPERTY(QString attachmentsSize READ attachmentsSize NOTIFY changed)
     Q_PROPERTY(corvane::AttachmentListModel* attachments READ attachments CONSTANT)
 
@@ -55,8 +61,11 @@ class MessageDetail : public QObject {
 
     [[nodiscard]] QString preview() const;
 
-    // False when a text stands in its place.
-    [[nodiscard]] bool hasPreview() const;
+    [[nodiscard]] bool hasPreview() const { return message_ && holdsPreview(*message_); }
+
+    [[nodiscard]] bool isDated() const { return message_ && message_->date; }
+
+    [[nodiscard]] bool hasMessageID() const { return message_ && message_->messageIdentifier; }
 
     // Empty when one file alone holds the message.
     [[nodiscard]] QString copiesTitle() const;
@@ -69,6 +78,9 @@ class MessageDetail : public QObject {
     [[nodiscard]] QStringList files() const;
 
     [[nodiscard]] int attachmentCount() const;
+
+    // Those that the list has no row for.
+    [[nodiscard]] int attachmentsLeftOut() const { return attachmentCount() - attachments_.rowCount(); }
 
     // The sum of those that are known, and whether that is all.
     [[nodiscard]] QString attachmentsSize() const;

@@ -4,6 +4,7 @@
 
 #include "records/formatters.h"
 #include "records/model_enums.h"
+#include "screens/message_detail.h"
 #include "screens/shown_text.h"
 
 namespace corvane {
@@ -12,9 +13,15 @@ namespace {
 
 constexpr qsizetype previewLimit = 120;
 
-const QList<int> shownRoles = {MessageListModel::SenderRole,   MessageListModel::SubjectRole,
-                               MessageListModel::PreviewRole,  MessageListModel::DateTextRole,
-                               MessageListModel::SizeTextRole, MessageListModel::AttachmentCountRole};
+const QList<int> shownRoles = {MessageListModel::SenderRole,    MessageListModel::SubjectRole,
+                               MessageListModel::PreviewRole,   MessageListModel::DateTextRole,
+                               MessageListModel::SizeTextRole,  MessageListModel::AttachmentCountRole,
+                               MessageListModel::SpokenNameRole};
+
+// Until a text was read, where the message lies says more than that it wasn't.
+std::string_view thirdLine(const MailMessageRecord& message) {
+    return holdsPreview(message) ? message.preview.view() : message.mailbox.view();
+}
 
 QString senderName(const MailMessageRecord& message) {
     return screens::shownSender(message.sender);
@@ -51,7 +58,7 @@ QVariant MessageListModel::data(const QModelIndex& index, int role) const {
     case SubjectRole:
         return screens::shownLine(message.subject);
     case PreviewRole:
-        return screens::shownLine(message.preview, previewLimit);
+        return screens::shownLine(thirdLine(message), previewLimit);
     case DateTextRole:
         return screens::wholeText(message.formattedDate());
     case SizeTextRole:
@@ -70,7 +77,7 @@ QVariant MessageListModel::data(const QModelIndex& index, int role) const {
 QHash<int, QByteArray> MessageListModel::roleNames() const {
     return {{SenderRole, "sender"},     {SubjectRole, "subject"},   {PreviewRole, "preview"},
             {DateTextRole, "dateText"}, {SizeTextRole, "sizeText"}, {AttachmentCountRole, "attachmentCount"},
-            {ArchivedRole, "archived"}, {SelectedRole, "selected"}};
+            {ArchivedRole, "archived"}, {SelectedRole, "selected"}, {SpokenNameRole, "spokenName"}};
 }
 
 const MailMessageRecord* MessageListModel::message(int row) const {
@@ -81,13 +88,12 @@ bool MessageListModel::isArchived(const MailMessageRecord& message) const {
     return archivedIDs_->contains(message.id.view());
 }
 
-QString MessageListModel::spokenName(int row) const {
-    const MailMessageRecord* shown = message(row);
-    if (shown == nullptr) return {};
-    const auto state = title(isArchived(*shown) ? MigratedFilter::onlyMigrated : MigratedFilter::notMigrated);
-    return QStringList{screens::shownLine(shown->subject), senderName(*shown),
-                       screens::wholeText(shown->formattedDate()),
-                       screens::wholeText(formatByteCount(shown->messageSize)), screens::wholeText(state)}
+QString MessageListModel::spokenName(const MailMessageRecord& message) const {
+    const auto state =
+        title(isArchived(message) ? MigratedFilter::onlyMigrated : MigratedFilter::notMigrated);
+    return QStringList{screens::shownLine(message.subject), senderName(message),
+                       screens::wholeText(message.formattedDate()),
+                       screens::wholeText(formatByteCount(message.messageSize)), screens::wholeText(state)}
         .join(u"，");
 }
 
@@ -145,7 +151,7 @@ void MessageListModel::tellChanged(int first, int last, const QList<int>& roles)
 
 void MessageListModel::setArchivedIDs(std::shared_ptr<const SharedTextSet> ids) {
     archivedIDs_ = std::move(ids);
-    tellChanged(0, count() - 1, {ArchivedRole});
+    tellChanged(0, count() - 1, {ArchivedRole, SpokenNameRole});
 }
 
 int MessageListModel::rowAfterChange(int earlierRow) const {

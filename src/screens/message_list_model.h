@@ -32,6 +32,7 @@ class MessageListModel : public QAbstractListModel {
         AttachmentCountRole,
         ArchivedRole,
         SelectedRole,
+        SpokenNameRole,
     };
 
     explicit MessageListModel(QObject* parent = nullptr);
@@ -54,7 +55,7 @@ class MessageListModel : public QAbstractListModel {
     [[nodiscard]] bool isArchived(const MailMessageRecord& message) const;
 
     // What a screen reader says: subject, sender, date, size, state.
-    [[nodiscard]] Q_INVOKABLE QString spokenName(int row) const;
+    [[nodiscard]] QString spokenName(const MailMessageRecord& message) const;
 
     // `changes` lead from the present messages to the given ones. The selection follows.
     void apply(SharedMessageList messages, const RowChanges& changes);
@@ -69,6 +70,10 @@ class MessageListModel : public QAbstractListModel {
     void aboutToChange();
     void changed();
 
+  protected:
+    // Also while rows go or come.
+    [[nodiscard]] const MailMessageRecord& shownAt(int row) const;
+
   private:
     // The list that is shown while rows go or come: some of its rows aren't there any more, or not yet.
     struct Passage {
@@ -77,7 +82,6 @@ class MessageListModel : public QAbstractListModel {
         int hiddenRows = 0;
     };
 
-    [[nodiscard]] const MailMessageRecord& shownAt(int row) const;
     void removeRows(const std::vector<RowRun>& runs);
     void insertRows(SharedMessageList messages, const std::vector<RowRun>& runs);
     void tellChanged(int first, int last, const QList<int>& roles);

@@ -3,6 +3,7 @@
 import pathlib
 import sqlite3
 import subprocess
+import unicodedata
 import unittest
 
 from cli_support import CLI, CliCase, INDEX, tree_state
@@ -57,6 +58,39 @@ class Stores(CliCase):
             self.assertEqual(result["summary"]["scannedMessages"], self.manifest(home)["counts"]["local"])
             changed = {name for name, state in tree_state(home / "Library").items() if before.get(name) != state}
             self.assertTrue(all(name.endswith("-shm") for name in changed), changed)
+
+    def test_a_store_without_an_index_is_read_file_by_file(self):
+        home = self.home("home", "--messages", "150")
+        manifest = self.manifest(home)
+        for path in (home / INDEX).parent.glob("Envelope Index*"):
+            path.unlink()
+        before = tree_state(home / "Library")
+        expected = {str(home / m["file"]): m for m in manifest["messages"] if m["local"] and m["attachmentNames"]}
+        for runtime in ("/usr/bin/python3", str(self.crashing_runtime())):
+            result = self.run_cli(home, "scan", environment={"CORVANE_PYTHON": runtime})
+            self.assertEqual(result["state"], "finished")
+            found = {m["id"]: m for m in self.run_cli(home, "messages")}
+            self.assertGreater(len(found), 15)
+            self.assertTrue(all(m["attachments"] for m in found.values()))
+            known = [path for path in found if path in expected]
+            self.assertGreater(len(known), 15)
+            for path in known:
+                self.assertEqual(found[path].get("messageIdentifier"), expected[path]["messageId"], path)
+                if runtime.startswith("/usr"):
+                    names = {unicodedata.normalize("NFC", a["fileName"]) for a in found[path]["attachments"]}
+                    wanted = {unicodedata.normalize("NFC", name) for name in expected[path]["attachmentNames"]}
+                    self.assertEqual(names, wanted, path)
+        self.assertEqual(tree_state(home / "Library"), before)
+        archive = self.folder / "archive"
+        result = self.run_cli(home, "archive", "--to", archive, expect=3)
+        self.assertEqual((result["failedCount"], len(result["variantWarnings"])), (0, 1))
+        self.assertEqual(self.run_cli(home, "verify", archive)["checked"], result["archivedCount"])
+
+    def crashing_runtime(self):
+        runtime = self.folder / "python3"
+        runtime.write_text("#!/bin/sh\nread line\nkill -9 $$\n")
+        runtime.chmod(0o700)
+        return runtime
 
     def test_a_year_limit_beyond_the_store_is_advice(self):
         home = self.home("home", "--messages", "100", "--no-odd")

@@ -144,6 +144,20 @@ TEST(MessageFiles, AreTextBehindTheLengthLine) {
     const testing::TemporaryHome home;
     EXPECT_EQ(readMessagePrefix(home.write("a.emlx", "0123456789"), 4), "0123");
     EXPECT_EQ(readMessagePrefix(home.write("b.emlx", ""), 4), "");
+    const std::string path = home.write("c.emlx", "a\u00E9\u4E2D\U0001F600\xFF\xFF");
+    const std::vector<std::string> prefixes = {"",
+                                               "a",
+                                               "a",
+                                               "a\u00E9",
+                                               "a\u00E9",
+                                               "a\u00E9",
+                                               "a\u00E9\u4E2D",
+                                               "a\u00E9\u4E2D",
+                                               "a\u00E9\u4E2D",
+                                               "a\u00E9\u4E2D",
+                                               "a\u00E9\u4E2D\U0001F600"};
+    for (std::size_t limit = 0; limit < prefixes.size(); ++limit)
+        EXPECT_EQ(readMessagePrefix(path, static_cast<std::int64_t>(limit)), prefixes[limit]) << limit;
     EXPECT_THROW(readMessagePrefix(home.at("missing.emlx"), 4), MessageFileError);
 }
 

@@ -93,6 +93,17 @@ TEST_F(ArchiveRuns, WhatIsArchivedLeavesCandidatesAndSelection) {
     EXPECT_TRUE(archive_.selectedArchiveMessageIDs().empty());
 }
 
+TEST_F(ArchiveRuns, ARangeIsTickedFromEitherEnd) {
+    publish({{"a"}, {"b"}, {"c"}, {"d"}});
+    const MessageList all = *archive_.archiveCandidates();
+    archive_.selectArchiveRange(all[2].id, all[1].id);
+    EXPECT_EQ(archive_.selectedArchiveMessages().size(), 2U);
+    archive_.selectArchiveRange(all[0].id, "/no/candidate");
+    EXPECT_EQ(archive_.selectedArchiveMessages().size(), 2U);
+    archive_.selectArchiveRange(all[0].id, all[3].id);
+    EXPECT_EQ(archive_.selectedArchiveMessages().size(), 4U);
+}
+
 TEST_F(ArchiveRuns, IdsOfNoCandidateAreNeverArchived) {
     publish({{"a"}});
     archive_.setArchiveSelection({SharedText("/somewhere/else.emlx")});

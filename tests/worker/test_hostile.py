@@ -26,6 +26,10 @@ def typed(fields, data):
     return fields + b"\n\n" + data
 
 
+def winmail(attributes):
+    return part(b"\x78\x9f\x3e\x22\0\0" + attributes, "application/ms-tnef")
+
+
 def nested(count, step):
     entity = part("innermost")
     for number in range(count):
@@ -63,6 +67,18 @@ HOSTILE = {
     "commands": part(fill(b"<param>"), "text/enriched"), "events": part(fill(b"BEGIN:VEVENT\nSUMMARY:x\n"), "text/calendar"),
     "encoded words": typed(b"Content-Type: message/rfc822", b"Subject: " + fill(b"=?a?q? ") + b"\n\nx"),
     "bad bytes": part(fill(b"\xff"), charset="gb2312"), "bad bytes of UTF-8": part(fill(b"a\xff"), charset="utf-8"), "zeros": fill(b"\0"),
+    "clear signed": part(fill(b"-----BEGIN PGP SIGNED MESSAGE-----\n\nx\n") + b"\n-----BEGIN PGP SIGNATURE-----\n-----END PGP SIGNATURE-----\n"),
+    "signed headers": part(fill(b"-----BEGIN PGP SIGNED MESSAGE-----\nA: b\n")), "yEnc heads": part(fill(b"=ybegin name=x\n") + b"=yend\n"),
+    "braces of RTF": part(fill(b"{"), "text/rtf"), "words of RTF": part(fill(b"\\par\\u20013 \\'d6"), "text/rtf"),
+    "winmail files": winmail(fill(b"\2\2\x90\6\0\0\0\0\0\0\0")),
+    "winmail properties": winmail(b"\1\3\x90\6\0" + SIZE.to_bytes(4, "little") + b"\xff\xff\0\0" + fill(b"\x1e\x10\0\x10\xff\xff\0\0\0\0\0\0")),
+    "compressed RTF": winmail(b"\1\3\x90\6\0" + SIZE.to_bytes(4, "little") + b"\1\0\0\0\x02\x01\x09\x10\1\0\0\0" + SIZE.to_bytes(4, "little") +
+                              b"\0\0\0\0\xff\xff\xff\x7fLZFu\0\0\0\0" + fill(b"\xff" + b"\x00\x1f" * 8)),
+    "event parameters": part(b"BEGIN:VEVENT\nX" + fill(b";A=b"), "text/calendar"), "event folds": part(b"BEGIN:VEVENT\nX:" + fill(b"\n "), "text/calendar"),
+    "HZ": part(fill(b"~{"), charset="hz-gb-2312"), "HZ runs": part(b"~{" + fill(b"!!!"), charset=""), "UTF-7": part(fill(b"+A"), charset="utf-7"),
+    "lost escapes": part(fill(b"$B"), charset="iso-2022-jp"), "sets mixed": part(fill("é".encode() + b"\xe9"), charset=""),
+    "all base64": part(fill(b"A" * 76 + b"\n")), "escapes of no sort": part(fill(b"=E4=BD=A0 ")),
+    "pieces of DER": part(b"\x06\x09\x2a\x86\x48\x86\xf7\x0d\x01\x07\x01\xa0\x80" + fill(b"\x04\x00"), "application/pkcs7-mime"),
     "escapes": part(fill(b"\x1b$B"), charset="iso-2022-jp"), "open names": typed(b"Content-Type: application/pdf; name*0=\"" + fill(b"%"), b"x"),
 }
 

@@ -138,7 +138,8 @@ class Structure(unittest.TestCase):
                 ("forwarded in forwarded", part(mail(part(mail(multipart("mixed", text)), "message/rfc822")), "message/rfc822")),
                 ("blank line of blanks", multipart("mixed", text).replace(b"\n\n", b"\n \n", 1)),
                 ("no blank line", b"Subject: x\n" + "第一段文字".encode()), ("no header", "\n第一段文字".encode()),
-                ("only text", "第一段文字，没有标题".encode()), ("bad line in the header", b"garbage line\n" + mail(text))):
+                ("only text", "第一段文字，没有标题".encode()), ("lone fields", multipart("mixed", text).replace(b"\n--b0undary\n", b"\n--b0undry x\n")), ("no boundary line", multipart("mixed", text).replace(
+                    b"--b0undary\n", b"")), ("bad line in the header", b"garbage line\n" + mail(text))):
             with self.subTest(name):
                 self.assertIn("第一段文字", body(mail(message) if name not in ("only text", "no header") else message))
                 if b"second text" in message:

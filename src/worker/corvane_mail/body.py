@@ -51,7 +51,7 @@ class Body:
     def _message(self, inner):
         """A forwarded message: who wrote what to whom and when, then its body."""
         labels = ((b"from", "发件人："), (b"subject", "主题："), (b"date", "日期："), (b"to", "收件人："))
-        head = "\n".join(label + " ".join(decode_words(inner.fields[name]).split())
+        head = "\n".join(label + " ".join(decode_words(inner.fields[name], self.hint).split())
                          for name, label in labels if inner.fields.get(name))
         return "\n\n".join(filter(None, (head, self.text(inner))))
 
@@ -74,11 +74,11 @@ class Body:
         kind = part.kind
         if (kind == "text/plain" or kind in HTML_TYPES) and not part.is_attachment:
             return self._shown(part)
+        if part.is_sealed:
+            return self._sealed(part)
         if part.is_attachment or kind in CALENDAR_TYPES or kind in RTF_TYPES or part.is_winmail:
             self.spare.append(part)
             return ""
-        if part.is_sealed:
-            return self._sealed(part)
         if not kind.startswith(("text/", "message/")) or kind in NO_BODY_TYPES:
             return ""
         return self._shown(part)

@@ -52,7 +52,7 @@ TOUCHING = -2.5
 LATIN = ("cp1252", "cp1250", "iso8859_2", "cp1254")
 ASCII_WEIGHT, BAD_WEIGHT = -3.2, -16.0
 SAMPLE = 600
-ASCII = bytes(range(128))
+STRETCH = re.compile(rb"[A-Za-z]?[\x80-\xff]+(?:[0-~][\x80-\xff]+)*[0-~]?")
 
 
 class Weights(dict):
@@ -119,10 +119,8 @@ def likeliness(text, codec):
 
 
 def sample_of(data):
-    """Where data begins to be more than ASCII, and more of it where that is little."""
-    start = re.search(rb"[\x80-\xff]|$", data).start()
-    sample = data[start:start + SAMPLE]
-    return sample if len(sample.translate(None, ASCII)) > 40 else data[start:start + 8 * SAMPLE]
+    """What in the beginning of data isn't ASCII, with the bytes beside it, which may belong to it."""
+    return b" ".join(STRETCH.findall(data[:65536]))[:SAMPLE]
 
 
 def reads_well(text, codec):
@@ -145,7 +143,7 @@ def guess(data, declared="", hint=""):
     best, best_score = "cp1252", float("-inf")
     for codec in {**dict.fromkeys(CANDIDATES), **dict.fromkeys({declared, hint} & LETTERS.keys())}:
         text = western_text(sample) if codec == "cp1252" else sample.decode(codec, "replace_bad" if codec in EAST_ASIAN else "replace")
-        score, wide = likeliness(text[:-1] if len(sample) < len(data) and text[-1:] == "\ufffd" else text, codec)
+        score, wide = likeliness(text[:-1] if len(sample) == SAMPLE and text[-1:] == "\ufffd" else text, codec)
         score += BEFORE.get(codec, 0.0)
         if codec == declared:
             score += 8.0 + 0.3 * wide if codec == "cp1252" else 12.0 + (0.8 if codec in LETTERS else 0.4) * wide

@@ -82,7 +82,7 @@ def damaged_utf8(data, least):
     """Text of data that is UTF-8 but for some bytes: at least that many wide characters, few bad bytes; else None."""
     text = data.decode("utf-8", "replace")
     bad = text.count("\ufffd")
-    wide = sum(c > "\u024f" for c in text) - bad
+    wide = len(re.findall("[\u0250-\U0010ffff]", text)) - bad
     if wide < least or wide and bad > wide:
         return None
     text = data.decode("utf-8", "replace_lone")

@@ -4,7 +4,7 @@ import re
 from email import message_from_bytes
 
 from .limits import CLOCK, MAX_DEPTH, MAX_FIELD
-from .part import Part
+from .part import DECODED, ENCODED, Part
 
 
 def full_parse(data):
@@ -21,7 +21,7 @@ def part_of(message, depth):
         fields.setdefault(name, value[:MAX_FIELD])
     part = Part(b"", message.get_default_type())
     part.take_fields(fields)
-    part.encoding = b""
+    part.encoding = DECODED if part.encoding in ENCODED else b""
     body = message.get_payload()
     if part.kind == "message/delivery-status" and isinstance(body, list):
         part.data = b"".join(child.as_bytes() for child in body)

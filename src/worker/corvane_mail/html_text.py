@@ -11,6 +11,7 @@ LAYOUT = {name: layout for layout, names in {
     BREAK: "br", CELL: "td th", ROW: "tr thead tbody tfoot caption",
     PARAGRAPH: "p h1 h2 h3 h4 h5 h6 dl blockquote form hr pre",
     BLOCK: "div dt dd center address header footer section article main nav aside figure figcaption fieldset legend"
+           " details summary"
            " option body li"}.items() for name in names.split()}
 UNSHOWN = frozenset("style script title template xml svg".split())
 STATEFUL = frozenset("a li ol ul table img pre".split())
@@ -62,7 +63,7 @@ class HtmlText:
         if not match:
             return self._keep_lines(self._no_tag(piece, head, text))
         name = match.group().lower()
-        if "@" in name or name in ("http:", "https:"):
+        if "@" in name or "." in name or name in ("http:", "https:"):
             return "<" + piece
         for quote in "\"'":
             if head.count(quote) & 1 and quote in text and re.search("=\\s*" + quote + "[^" + quote + "]*$", head):

@@ -9,7 +9,7 @@ from .html_layout import unescaped
 from .html_text import html_text
 from .plain_text import bare_ends, unflow, unix_lines
 
-HTML_DOCUMENT = r"(?i)\s*<(?:!doctype\s+html|html[\s>]|body[\s>])"
+HTML_DOCUMENT = r"(?i)\s*(?:<!--[^>]{0,2000}-->\s*)?<(?:!doctype\s+html|html[\s>]|body[\s>])"
 META_CHARSET = rb"(?i)<meta[^>]{0,300}charset\s*=\s*[\"']?\s*([\w.:-]{1,40})"
 BASE64_LINES = rb"(?:[A-Za-z0-9+/]{60,76}=*\r?\n){3}"
 

@@ -5,7 +5,7 @@ from functools import lru_cache
 
 from .header_values import parameter, parse_field
 from .limits import MAX_FIELD, MAX_HEADER
-from .transfer import decode_base64, decode_base64_text, decode_quoted_printable
+from .transfer import decode_base64, decode_base64_text, decode_quoted_printable, hidden_base64, is_quoted_printable
 
 FIELDS = re.compile(rb"\n(?=[cdfstx])(content-(?:type|transfer-encoding|disposition|id|description)|x-apple-content-length|from|to"
                     rb"|subject|date)[ \t]*:[ \t]*([^\n]*(?:\n[ \t][^\n]*)*)", re.I)
@@ -17,6 +17,7 @@ MESSAGE_TYPES = ("message/rfc822", "message/global", "message/news")
 SEALED_TYPES = ("application/pkcs7-mime", "application/x-pkcs7-mime")
 WINMAIL_TYPES = ("application/ms-tnef", "application/vnd.ms-tnef")
 ENCODED = (b"base64", b"quotedprintable")
+DECODED = b"decoded"
 FILES_INSIDE = (b"xuuencode", b"uuencode", b"xuue", b"uue", b"xyencode", b"yenc", b"xyenc")
 # How files begin that are sent as text by mistake.
 FILE_STARTS = (b"GIF8", b"\x89PNG", b"\xff\xd8\xff", b"%PDF-", b"PK\x03\x04", b"\xd0\xcf\x11\xe0", b"Rar!", b"\x1f\x8b\x08",
@@ -96,11 +97,13 @@ class Part:
         if self.encoding == b"base64":
             return decode_base64_text(raw) if text else decode_base64(raw)
         if self.encoding == b"quotedprintable":
-            return decode_quoted_printable(raw)
+            return text and hidden_base64(raw) or decode_quoted_printable(raw)
         if self.encoding in FILES_INSIDE:
             from .inline_files import inline_files
             return next((file.data() for file in inline_files(raw)), raw)
-        return raw
+        if not text or self.encoding == DECODED:
+            return raw
+        return hidden_base64(raw) or (decode_quoted_printable(raw) if is_quoted_printable(raw) else raw)
 
 
 def read_fields(data, start, end):

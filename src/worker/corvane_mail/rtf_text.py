@@ -115,7 +115,7 @@ LEAD = (b"{\\rtf1\\ansi\\mac\\deff0\\deftab720{\\fonttbl;}{\\f0\\fnil \\froman \
         b"SerifSymbolArialTimes New RomanCourier{\\colortbl\\red0\\green0\\blue0\r\n\\par \\pard\\plain\\f0\\fs20\\b\\i\\u\\tab\\tx")
 
 
-def decompressed(data, limit=4 << 20):
+def decompressed(data, limit=1 << 20):
     """RTF out of its compressed form ([MS-OXRTFCP]), at most limit bytes; b"" for anything else."""
     kind, size = data[8:12], min(int.from_bytes(data[4:8], "little"), limit)
     if kind == b"MELA":

@@ -13,6 +13,8 @@ KNOWN_FIELD = (rb"(?i)\n(?:content-|mime-version|from|to|cc|subject|date|receive
                rb"|delivered-to|x-)[^\s:]*[ \t]*:")
 FIRST_FIELD = rb"\s*[!-9;-~]+:"
 LIKELY_BOUNDARY = rb"(?i)\n--([^\r\n]{1,200}?)[ \t]*\r?\n(?:content-[a-z-]+[ \t]*:|\r?\n)"
+# A multipart without any line of its boundary may still begin with the fields of its only part.
+LONE_FIELDS = rb"(?i)\s{0,100}(?:--[^\n]{0,300}\n)?(?=content-[a-z-]{1,40}[ \t]*:)"
 BOUNDARY_WINDOW = 1 << 16
 
 
@@ -26,7 +28,7 @@ class Scanner:
 
     def __init__(self, data, level=0, count=0):
         self.data, self.level, self.count = data, level, count
-        self.open = []        # multiparts at work: boundary, part, whether it has ended, level
+        self.open = []        # multiparts at work: boundary, part, where it has ended or 0, level
         self.boundaries = {}  # how many of them have a boundary
         self.messages = []    # messages at work, each with the number of multiparts around it
         self.leaf = self.awaited = None
@@ -97,14 +99,14 @@ class Scanner:
                 boundary = likely.group(1)
         if boundary:
             part.parts, self.leaf = [], None
-            self.open.append([boundary, part, False, self.level])
+            self.open.append([boundary, part, 0, self.level])
             self.boundaries[boundary] = self.boundaries.get(boundary, 0) + 1
 
     def _delimiter(self, at):
         """Acts on the line behind data[at] if it delimits an open multipart; False when there are too many parts."""
         end = self.data.find(b"\n", at + 3)
         end = len(self.data) if end < 0 else end
-        line = self.data[at + 3:end].rstrip(b" \t\r") if end - at < 1000 else b""
+        line = self.data[at + 3:end].rstrip(b" \t\r")
         closing = line not in self.boundaries
         if closing:
             line, _, junk = line.rpartition(b"--")
@@ -114,7 +116,7 @@ class Scanner:
             self._enter(at, at)
         self._finish(at)
         multipart = self._innermost(line, at)
-        multipart[2] = closing
+        multipart[2] = at if closing else 0
         if closing:
             return True
         CLOCK.check()
@@ -138,11 +140,11 @@ class Scanner:
     def _unwind(self, size, at):
         """Ends at data[at] what stands inside the first size multiparts at work."""
         while len(self.open) > size:
-            boundary, multipart, _, _ = self.open.pop()
+            boundary, multipart, ended, _ = self.open.pop()
             self.boundaries[boundary] -= 1
             if not self.boundaries[boundary]:
                 del self.boundaries[boundary]
-            self._end(multipart, at)
+            self._end(multipart, at if multipart.parts else ended or at)
         while self.messages and self.messages[-1][1] >= size:
             self._end(self.messages.pop()[0], at)
 
@@ -159,19 +161,26 @@ class Scanner:
         if part.parts or not multipart and not part.is_message:
             return
         part.parts = None
-        if part.encoding in ENCODED and self.level < MAX_DEPTH and self.count < MAX_PARTS:
+        nested = self.level < MAX_DEPTH and self.count < MAX_PARTS
+        if nested and part.encoding in ENCODED:
             self._scan_encoded(part, multipart)
         elif multipart:
-            part.kind = "text/plain"
+            fields = re.compile(LONE_FIELDS).match(self.data, part.start, part.end) if nested else None
+            part.parts = [self._scan_inside(b"\n" + self.data[fields.end():part.end])] if fields else None
+            part.kind = part.kind if fields else "text/plain"
+
+    def _scan_inside(self, data):
+        inner = Scanner(data, self.level + 1, self.count)
+        root = inner.run()
+        self.count, self.capped = inner.count, self.capped or inner.capped
+        return root
 
     def _scan_encoded(self, part, multipart):
         """A multipart or a message that is encoded as a whole, against the rules."""
         data = b"\n" + part.payload()
         if multipart:
             data = b"\nContent-Type: " + part.fields[b"content-type"] + b"\n" + data
-        inner = Scanner(data, self.level + 1, self.count)
-        root = inner.run()
-        self.count, self.capped = inner.count, self.capped or inner.capped
+        root = self._scan_inside(data)
         if not multipart:
             part.parts = [root]
         elif root.parts:

@@ -6,6 +6,10 @@ import re
 BASE64_DIGITS = b"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/"
 BASE64_NOISE = bytes(set(range(256)) - set(BASE64_DIGITS + b"-_"))
 BASE64_SIGNS = bytes.maketrans(b"-_", b"+/")
+ALL_BASE64 = re.compile(rb"\s*(?:[A-Za-z0-9+/]{60,76}\r?\n)+[A-Za-z0-9+/]{0,76}={0,2}\s*")
+ESCAPED_PAIR = re.compile(rb"=[89A-F][0-9A-F]=[89A-F][0-9A-F]")
+NO_ESCAPE = re.compile(rb"=(?![0-9A-F]{2}|[ \t]*\r?\n|$)")
+NO_TEXT = bytes(set(range(32)) - {9, 10, 13, 27})
 
 
 def decode_base64(raw):
@@ -29,10 +33,14 @@ def decode_base64_run(run):
 
 def decode_base64_text(raw):
     """A text body in base64; what a mailing list wrote behind it, or all of it where the label lies, is text."""
+    if raw.count(b"=") > 8 and is_quoted_printable(raw):
+        return decode_quoted_printable(raw)
     lines = re.match(rb"(?:[A-Za-z0-9+/]+=*[ \t]*\r*\n|[ \t\r]*\n)*", raw).end()
     rest = raw[lines:].strip()
     if len(rest.translate(None, BASE64_DIGITS + b"=\r\n\t")) * 20 <= len(rest) and not rest.startswith(b"--"):
-        return decode_base64(raw)
+        data = decode_base64(raw)
+        is_word = len(raw) < 100 and len(b"".join(raw.split())) % 4 and b"=" not in raw and data.translate(None, NO_TEXT) != data
+        return raw if is_word else data
     return decode_base64(raw[:lines]) + b"\n" + rest if lines > 40 else raw
 
 
@@ -40,3 +48,17 @@ def decode_quoted_printable(raw):
     if b"= " in raw or b"=\t" in raw:
         raw = re.sub(rb"=[ \t]+(\r?\n)", rb"=\1", raw)
     return binascii.a2b_qp(raw)
+
+
+def hidden_base64(raw):
+    """The text in a body that is nothing but base64, whatever its field says; None for anything else."""
+    if not ALL_BASE64.fullmatch(raw):
+        return None
+    data = decode_base64(raw)
+    return data if data.translate(None, NO_TEXT) == data else None
+
+
+def is_quoted_printable(raw):
+    """Whether a body that isn't told to be quoted-printable can be nothing else."""
+    hint = b"=E" in raw or b"=C" in raw or b"=D" in raw or b"=B" in raw
+    return hint and len(ESCAPED_PAIR.findall(raw[:65536])) >= 2 and raw.isascii() and not NO_ESCAPE.search(raw)

@@ -4,6 +4,8 @@ import re
 
 INVISIBLE = re.compile("[\u00ad\u034f\u200b\u200e\u200f\u2060\ufeff]|\u200c(?=[\\s\u034f\u200c]|$)")
 
+TO_LATIN1 = {ord(bytes((c,)).decode("cp1252", "replace")): c for c in range(0x80, 0xA0)}
+
 
 def repair_surrogates(text):
     """Joins surrogate pairs and drops halves, which no UTF-8 answer could hold."""
@@ -15,7 +17,7 @@ def undo_double_encoding(text):
     if not any(map(text.__contains__, "Ãâãäåæçèéêëìíîï")) or max(text) > "\u2122":
         return text
     try:
-        once = b"".join(c.encode("latin-1" if c < "\u0100" else "cp1252") for c in text).decode("utf-8")
+        once = text.translate(TO_LATIN1).encode("latin-1").decode("utf-8")
     except UnicodeError:
         return text
     return once if sum(c > "\xff" for c in once) >= 2 else text

@@ -71,31 +71,31 @@ class MailListScreenTest : public testing::ModelTest {
 
 TEST_F(MailListScreenTest, EveryReasonForAnEmptyListIsToldApart) {
     waitUntilIdle(context_.tasks);
-    EXPECT_EQ(screen_.state(), State::neverScanned);
+    EXPECT_EQ(screen_.state(), State::NeverScanned);
 
     model_.catalog().setMessages(
         MessageSet::make(std::make_shared<const MessageList>(MessageList{local("a")}), false), {});
-    EXPECT_EQ(screen_.state(), State::loading);
+    EXPECT_EQ(screen_.state(), State::Loading);
     waitUntilIdle(context_.tasks);
-    EXPECT_EQ(screen_.state(), State::listed);
+    EXPECT_EQ(screen_.state(), State::Listed);
 
     screen_.filters()->setQuery(QStringLiteral("没有这样的邮件"));
     screen_.filters()->applyQuery();
     settle();
-    EXPECT_EQ(screen_.state(), State::noMatch);
+    EXPECT_EQ(screen_.state(), State::NoMatch);
     screen_.filters()->clear();
     settle();
-    EXPECT_EQ(screen_.state(), State::listed);
+    EXPECT_EQ(screen_.state(), State::Listed);
 
     publish({sampleMessage("/nowhere/1.emlx")});
-    EXPECT_EQ(screen_.state(), State::nothingLocal);
+    EXPECT_EQ(screen_.state(), State::NothingLocal);
 
     publish({});
     model_.scanFlow().scan(); // this home has no Mail index
-    EXPECT_EQ(screen_.state(), State::scanning);
+    EXPECT_EQ(screen_.state(), State::Scanning);
     EXPECT_EQ(screen_.stateText(), QStringLiteral("正在准备扫描..."));
     waitUntilIdle(context_.tasks);
-    EXPECT_EQ(screen_.state(), State::failed);
+    EXPECT_EQ(screen_.state(), State::Failed);
     EXPECT_FALSE(screen_.stateText().isEmpty());
 }
 
@@ -103,7 +103,7 @@ TEST_F(MailListScreenTest, AStoreThatCannotBeReadAsksForAccess) {
     home_.write("Library/Mail/V10/MailData/Envelope Index", "");
     screen_.recheckAccess();
     waitUntilIdle(context_.tasks);
-    EXPECT_EQ(screen_.state(), State::noAccess);
+    EXPECT_EQ(screen_.state(), State::NoAccess);
 }
 
 TEST_F(MailListScreenTest, DetailFollowsTheRowAndTheModelKnowsIt) {

@@ -2,4 +2,11 @@
 set(archive_qml
 )
 set(archive_sources
+    archive_candidates_model.cpp
+    archive_progress.cpp
+    archive_result.cpp
+    archive_screen.cpp
+    archive_texts.cpp
+    quick_destinations.cpp
+    run_pace.cpp
 )

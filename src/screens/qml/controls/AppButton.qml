@@ -19,6 +19,7 @@ T.Button {
     property color symbolColor: Theme.text2
     property color disabledFill: Theme.inset
     property color disabledEdge: Theme.line
+    property int labelRole: AppText.Body
     property int labelWeight: Theme.regular
     property bool underlined: false
 
@@ -55,6 +56,7 @@ T.Button {
             x: icon.x + icon.width + gap
             width: Math.min(implicitWidth, parent.width - icon.width - gap)
             text: button.text
+            role: button.labelRole
             color: button.enabled ? button.labelColor : Theme.disabled
             font.weight: button.labelWeight
             font.underline: button.underlined

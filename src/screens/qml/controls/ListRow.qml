@@ -19,7 +19,7 @@ Item {
     readonly property color captionColor: selected ? Theme.text2 : Theme.text3
     default property alias content: holder.data
 
-    signal pressed(int modifiers)
+    signal pressed(int modifiers, int button)
     signal clicked(int modifiers)
     signal doubleClicked
     signal menuRequested(real x, real y)
@@ -50,7 +50,7 @@ Item {
         hoverEnabled: true
         acceptedButtons: Qt.LeftButton | Qt.RightButton
         onPressed: event => {
-            row.pressed(event.modifiers);
+            row.pressed(event.modifiers, event.button);
             if (event.button === Qt.RightButton)
                 row.menuRequested(event.x, event.y);
         }

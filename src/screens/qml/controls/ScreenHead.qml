@@ -23,6 +23,8 @@ FocusGroup {
         spacing: 16
 
         ColumnLayout {
+            // What leads stands right behind the title.
+            Layout.fillWidth: leadingRow.children.length === 0
             Layout.topMargin: head.subtitle.length > 0 ? 4 : 0
             spacing: 0
 

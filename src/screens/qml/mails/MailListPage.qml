@@ -1,7 +1,204 @@
-// The screen 邮件列表.
+// The screen 邮件列表: filters, list, detail. Where the window is too narrow the filters are behind a button.
+pragma ComponentBehavior: Bound
+
 import QtQuick
+import QtQuick.Templates as T
 import Corvane
 
 ScreenPage {
+    id: page
+
+    readonly property MailListScreen screen: app.mails
+    readonly property bool showsPanes: screen.state === MailListScreen.Listed
+        || screen.state === MailListScreen.NoMatch || screen.state === MailListScreen.NothingLocal
+
+    readonly property int filterWidth: 240
+    readonly property int leastListWidth: 352
+    readonly property int mostListWidth: 400
+    readonly property int usualListWidth: 372
+    readonly property int leastDetailWidth: 400
+    readonly property bool showsFilters: width - filterWidth - leastListWidth >= leastDetailWidth
+    readonly property int roomForList: width - (showsFilters ? filterWidth : 0) - leastDetailWidth
+    readonly property int listWidth: Math.max(leastListWidth,
+        Math.min(screen.listWidth || usualListWidth, mostListWidth, roomForList))
+
     objectName: "mailListPage"
+    searchField: search
+    onRefreshRequested: screen.refresh()
+
+    ScreenHead {
+        id: head
+        width: parent.width
+        title: "邮件列表"
+        low: page.low
+        margin: page.margin
+        leading: SegmentedControl {
+            objectName: "migratedFilter"
+            name: "归档状态"
+            options: ["全部", "未归档", "已归档"]
+            currentIndex: page.screen.filters.migrated
+            onActivated: index => page.screen.filters.migrated = index
+        }
+
+        SearchField {
+            id: search
+            objectName: "mailSearch"
+            placeholderText: "搜索主题、发件人、收件人、邮箱、附件名"
+            text: page.screen.filters.query
+            onTextEdited: page.screen.filters.query = text
+            onAccepted: page.screen.filters.applyQuery()
+            onListRequested: list.view.forceActiveFocus(Qt.TabFocusReason)
+            onLeaving: list.view.forceActiveFocus(Qt.TabFocusReason)
+        }
+    }
+    Rectangle {
+        anchors.bottom: head.bottom
+        width: parent.width
+        height: Theme.hairline
+        color: Theme.line
+    }
+
+    FocusScope {
+        id: panes
+        anchors.top: head.bottom
+        anchors.bottom: parent.bottom
+        width: parent.width
+        visible: page.showsPanes
+        focus: visible
+
+        FilterPane {
+            objectName: "filterPane"
+            width: page.filterWidth - Theme.hairline
+            height: parent.height
+            visible: page.showsFilters
+            filters: page.screen.filters
+        }
+        Rectangle {
+            x: page.filterWidth - Theme.hairline
+            width: Theme.hairline
+            height: parent.height
+            visible: page.showsFilters
+            color: Theme.line
+        }
+        MailListPane {
+            id: list
+            objectName: "mailListPane"
+            x: page.showsFilters ? page.filterWidth : 0
+            width: page.listWidth - Theme.hairline
+            height: parent.height
+            focus: true
+            screen: page.screen
+            showsFilterButton: !page.showsFilters
+            onFiltersRequested: button => filterPopup.openAt(button)
+            onMenuRequested: (x, y) => menu.popup(list, x, y)
+            onPageRequested: forward => detail.turnPage(forward)
+        }
+        MessageDetailView {
+            id: detail
+            objectName: "messageDetail"
+            anchors.left: splitter.right
+            anchors.right: parent.right
+            height: parent.height
+            screen: page.screen
+            low: page.low
+            onMenuRequested: button => menu.popup(button, 0, button.height + Theme.half)
+        }
+        Splitter {
+            id: splitter
+            objectName: "listSplitter"
+            x: list.x + list.width
+            height: parent.height
+            paneWidth: page.listWidth
+            minimum: page.leastListWidth
+            maximum: Math.min(page.mostListWidth, page.roomForList)
+            onMoved: width => page.screen.listWidth = width
+            onRestored: page.screen.listWidth = 0
+        }
+    }
+
+    MailListState {
+        anchors.top: head.bottom
+        anchors.bottom: parent.bottom
+        width: parent.width
+        visible: !page.showsPanes
+        focus: visible
+        screen: page.screen
+    }
+
+    MessageMenu {
+        id: menu
+        screen: page.screen
+    }
+    T.Popup {
+        id: filterPopup
+        objectName: "filterPopup"
+
+        function openAt(button: Item) {
+            const place = button.mapToItem(page, 0, button.height + Theme.half);
+            x = place.x;
+            y = place.y;
+            open();
+        }
+
+        width: page.filterWidth + 24
+        height: Math.min(popupPane.contentHeight, page.height - y - Theme.space)
+        focus: true
+        padding: Theme.hairline
+        closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
+        contentItem: FilterPane {
+            id: popupPane
+            filters: page.screen.filters
+        }
+        background: Rectangle {
+            color: Theme.sheet
+            border.color: Theme.lineStrong
+            radius: Theme.radiusLarge
+        }
+    }
+
+    Binding {
+        target: page.screen
+        property: "held"
+        value: list.pressed || menu.opened
+    }
+    Connections {
+        target: page.screen
+        function onActionFailed(text: string) {
+            notice.show(text);
+        }
+    }
+    // What an action couldn't do; goes by itself.
+    Rectangle {
+        id: notice
+        objectName: "notice"
+
+        function show(text: string) {
+            noticeText.text = text;
+            visible = true;
+            noticeTime.restart();
+        }
+
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Theme.margin
+        width: noticeText.implicitWidth + 32
+        height: 36
+        visible: false
+        radius: Theme.radiusLarge
+        color: Theme.sheet
+        border.color: Theme.lineStrong
+        Accessible.role: Accessible.AlertMessage
+        Accessible.name: noticeText.text
+
+        AppText {
+            id: noticeText
+            anchors.centerIn: parent
+            Accessible.ignored: true
+        }
+        Timer {
+            id: noticeTime
+            interval: 6000
+            onTriggered: notice.visible = false
+        }
+    }
 }

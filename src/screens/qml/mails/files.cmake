@@ -1,6 +1,18 @@
 # QML files of this folder, and the C++ sources behind them (paths from src/screens).
 set(mails_qml
+    AttachmentBox.qml
+    CopiesNote.qml
+    DetailField.qml
+    FilterPane.qml
+    FilterTickRow.qml
     MailListPage.qml
+    MailListPane.qml
+    MailListState.qml
+    MessageDetailView.qml
+    MessageFiles.qml
+    MessageMenu.qml
+    MessageRow.qml
+    MessageView.qml
 )
 set(mails_sources
     attachment_list_model.cpp
@@ -17,4 +29,5 @@ set(mails_sources
     row_changes.cpp
     row_ranges.cpp
     shown_text.cpp
+    text_lines.cpp
 )

@@ -1,0 +1,49 @@
+// A value of a filter: its box, its name, its count. The whole row takes the pointer.
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+T.AbstractButton {
+    id: row
+
+    required property string title
+    required property bool ticked
+    required property string countText
+
+    implicitHeight: Theme.minimumTarget
+    hoverEnabled: true
+    focusPolicy: Qt.TabFocus
+    Accessible.role: Accessible.CheckBox
+    Accessible.name: countText.length > 0 ? title + "，" + countText + " 封" : title
+    Accessible.checkable: true
+    Accessible.checked: ticked
+
+    TickBox {
+        id: box
+        anchors.verticalCenter: parent.verticalCenter
+        tick: row.ticked ? 1 : 0
+        showHovered: row.hovered
+        showFocus: row.visualFocus
+        focusPolicy: Qt.NoFocus
+        Accessible.ignored: true
+        onClicked: row.clicked()
+    }
+    AppText {
+        anchors.left: box.right
+        anchors.leftMargin: Theme.space
+        anchors.right: countLabel.left
+        anchors.rightMargin: Theme.space
+        anchors.verticalCenter: parent.verticalCenter
+        text: row.title
+        Accessible.ignored: true
+    }
+    AppText {
+        id: countLabel
+        anchors.right: parent.right
+        anchors.verticalCenter: parent.verticalCenter
+        text: row.countText
+        role: AppText.Note
+        color: Theme.text3
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,202 @@
+// The open message: whether it is archived, what can be done with it, its headers, its text and what hangs on it.
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+FocusScope {
+    id: view
+
+    required property MailListScreen screen
+    readonly property MessageDetail detail: screen.detail
+    property bool low: false
+
+    signal menuRequested(Item button)
+
+    // A page of the message, as Space does in the list.
+    function turnPage(forward: bool) {
+        const step = (scroller.height - 2 * Theme.messageLine) * (forward ? 1 : -1);
+        scroller.contentY = Math.max(0, Math.min(scroller.contentHeight - scroller.height, scroller.contentY + step));
+    }
+
+    FocusGroup {
+        id: toolbar
+        width: parent.width
+        height: Theme.toolbarHeight
+        visible: view.detail.hasMessage
+
+        Chip {
+            objectName: "archivedChip"
+            anchors.verticalCenter: parent.verticalCenter
+            x: Theme.margin
+            kind: view.detail.archived ? "safe" : "attention"
+            symbol: view.detail.archived ? "circle-check" : "circle-dashed"
+            text: view.detail.archived ? "已归档" : "未归档"
+        }
+        Row {
+            anchors.right: parent.right
+            anchors.rightMargin: Theme.margin
+            y: Theme.space
+            spacing: Theme.space
+
+            AppButton {
+                objectName: "openInMail"
+                implicitHeight: Theme.controlHeightPane
+                symbol: "square-arrow-out-up-right"
+                text: "在 Mail 中打开"
+                onClicked: view.screen.openInMail()
+            }
+            AppButton {
+                objectName: "archiveButton"
+                implicitHeight: Theme.controlHeightPane
+                symbol: "archive"
+                text: "归档…"
+                enabled: view.screen.canArchive
+                help: view.screen.selection.count > 1 ? "归档选中的 " + view.screen.selection.count + " 封邮件" : "只归档这一封邮件"
+                onClicked: view.screen.archiveSelection()
+            }
+            IconButton {
+                id: moreButton
+                objectName: "moreActions"
+                implicitHeight: Theme.controlHeightPane
+                symbol: "ellipsis"
+                help: "更多操作"
+                onClicked: view.menuRequested(moreButton)
+            }
+        }
+        Rectangle {
+            anchors.bottom: parent.bottom
+            width: parent.width
+            height: Theme.hairline
+            color: Theme.line
+        }
+    }
+
+    Flickable {
+        id: scroller
+        objectName: "messageScroller"
+        anchors.top: toolbar.bottom
+        anchors.bottom: parent.bottom
+        width: parent.width
+        visible: view.detail.hasMessage
+        contentHeight: page.height + 18 + Theme.margin
+        boundsBehavior: Flickable.StopAtBounds
+        clip: true
+        T.ScrollBar.vertical: AppScrollBar {}
+
+        Column {
+            id: page
+            x: Theme.margin
+            y: 18
+            width: scroller.width - 2 * Theme.margin
+            spacing: Theme.section
+
+            Column {
+                width: parent.width
+                spacing: 2
+
+                AppText {
+                    objectName: "detailSubject"
+                    width: parent.width
+                    bottomPadding: 5
+                    text: view.detail.subject
+                    role: AppText.Title
+                    wrapMode: Text.Wrap
+                    maximumLineCount: 2
+                    Accessible.role: Accessible.Heading
+                }
+                DetailField {
+                    width: parent.width
+                    name: "发件人"
+                    value: view.detail.sender
+                }
+                DetailField {
+                    objectName: "detailRecipients"
+                    width: parent.width
+                    name: "收件人"
+                    value: view.detail.recipients
+                }
+                DetailField {
+                    width: parent.width
+                    name: "日期"
+                    value: view.detail.dateText
+                }
+                DetailField {
+                    width: parent.width
+                    name: "位置"
+                    value: view.detail.place
+                }
+            }
+            CopiesNote {
+                objectName: "copiesNote"
+                width: parent.width
+                visible: title.length > 0
+                compact: view.low
+                title: view.detail.copiesTitle
+                places: view.detail.copiesPlaces
+            }
+            AppText {
+                width: parent.width
+                visible: view.detail.imported
+                text: "这封邮件在一个导入到 Mail 的邮箱里。"
+                role: AppText.Note
+                color: Theme.text3
+            }
+            TextEdit {
+                id: body
+                objectName: "detailPreview"
+                width: Math.min(parent.width, Theme.messageMeasure)
+                visible: view.detail.hasPreview
+                text: view.detail.preview
+                textFormat: TextEdit.PlainText
+                wrapMode: TextEdit.Wrap
+                readOnly: true
+                selectByMouse: true
+                activeFocusOnTab: true
+                color: Theme.text1
+                selectionColor: Theme.accentFill
+                selectedTextColor: Theme.textOnAccent
+                font.pixelSize: Theme.bodySize
+                Accessible.name: "正文预览"
+                Keys.onTabPressed: KeyboardFocus.leave(view, true)
+                Keys.onBacktabPressed: KeyboardFocus.leave(view, false)
+                Keys.onSpacePressed: event => view.turnPage(!(event.modifiers & Qt.ShiftModifier))
+
+                TextLines {
+                    document: body.textDocument
+                    height: Theme.messageLine
+                }
+            }
+            AppText {
+                visible: !view.detail.hasPreview
+                text: view.detail.preview
+                color: Theme.text3
+            }
+            AttachmentBox {
+                width: parent.width
+                visible: view.detail.attachmentCount > 0
+                compact: view.low
+                detail: view.detail
+            }
+            MessageFiles {
+                width: parent.width
+                detail: view.detail
+            }
+        }
+    }
+
+    EmptyState {
+        anchors.centerIn: parent
+        width: parent.width - 2 * Theme.margin
+        visible: !view.detail.hasMessage
+        symbol: "mail"
+        symbolSize: 32
+        title: "没有选中的邮件"
+    }
+
+    Connections {
+        target: view.detail
+        function onMessageChanged() {
+            scroller.contentY = 0;
+        }
+    }
+}

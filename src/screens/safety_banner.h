@@ -1,0 +1,38 @@
+// The banner of the organize home: how far what is looked at is archived, and what that means for the
+// originals.
+#pragma once
+
+#include <QMetaType>
+#include <QString>
+#include <QStringList>
+#include <QtQml/qqmlregistration.h>
+
+#include "model/space_usage.h"
+
+namespace corvane {
+
+struct SafetyBanner {
+    Q_GADGET
+    QML_VALUE_TYPE(safetyBanner)
+    Q_PROPERTY(QString kind MEMBER kind CONSTANT)
+    Q_PROPERTY(QString symbol MEMBER symbol CONSTANT)
+    Q_PROPERTY(QString headline MEMBER headline CONSTANT)
+    Q_PROPERTY(QStringList lines MEMBER lines CONSTANT)
+
+  public:
+    QString kind; // of the banner control: safe, attention, danger, info; empty for none
+    QString symbol;
+    QString headline;
+    QStringList lines;
+
+    friend bool operator==(const SafetyBanner&, const SafetyBanner&) = default;
+};
+
+namespace screens {
+
+// Nothing is called safe but local messages that all have a copy.
+SafetyBanner deletionSafetyBanner(const QString& scopeTitle, const DeletionSafety& safety);
+
+} // namespace screens
+
+} // namespace corvane

@@ -1,0 +1,84 @@
+#include "screens/archive_result.h"
+
+#include <gtest/gtest.h>
+
+namespace corvane {
+namespace {
+
+EmailArchiveFailure failure(const std::string& subject, const std::string& reason) {
+    return {Uuid::random(), subject, FileURL("/m/" + subject + ".emlx"), reason};
+}
+
+TEST(ArchiveResults, EveryMessageCountsOnceAndTheSumIsWhatWasChosen) {
+    struct Case {
+        const char* what;
+        std::int64_t archived, skipped, failed, tried, chosen;
+        ArchiveResultFigures expected;
+    };
+
+    const Case cases[] = {
+        {"plain", 1136, 21, 6, 1163, 1163, {1163, 1136, 21, 6, 0, 0}},
+        {"two messages of two and three versions", 5, 0, 0, 2, 2, {2, 2, 0, 0, 0, 3}},
+        {"versions that an earlier run has written", 0, 3, 0, 2, 2, {2, 0, 2, 0, 0, 1}},
+        {"a version before its message failed", 1, 0, 1, 1, 1, {1, 0, 0, 1, 0, 1}},
+        {"cancelled", 10, 2, 1, 13, 100, {100, 10, 2, 1, 87, 0}},
+        {"cancelled before the first", 0, 0, 0, 0, 7, {7, 0, 0, 0, 7, 0}},
+        {"one version written, one there already", 1, 1, 0, 1, 1, {1, 0, 1, 0, 0, 1}},
+    };
+    for (const Case& example : cases) {
+        EmailArchiveRunResult result;
+        result.archivedCount = example.archived;
+        result.skippedAlreadyArchived = example.skipped;
+        result.failedCount = example.failed;
+        result.triedCount = example.tried;
+        const auto figures = ArchiveResultFigures::of(result, example.chosen);
+        EXPECT_EQ(figures, example.expected) << example.what;
+        EXPECT_EQ(figures.archived + figures.skipped + figures.failed + figures.notTried, figures.chosen)
+            << example.what;
+    }
+}
+
+TEST(ArchiveResults, OnlyARunWithoutIssuesIsCalledSafe) {
+    EmailArchiveRunResult result;
+    result.archivedCount = result.triedCount = 3;
+    auto view = ArchiveResultView::of(result, 3);
+    EXPECT_TRUE(view.isSafe);
+    EXPECT_EQ(view.title, QStringLiteral("归档完成"));
+    EXPECT_TRUE(view.failureTitle.isEmpty() && view.variantTitle.isEmpty() && view.retryTitle.isEmpty());
+
+    result.wasCancelled = true;
+    view = ArchiveResultView::of(result, 5);
+    EXPECT_FALSE(view.isSafe);
+    EXPECT_EQ(view.title, QStringLiteral("归档已取消"));
+    EXPECT_EQ(view.tiles.size(), 5) << "with the figure of those that were not tried";
+
+    result.wasCancelled = false;
+    result.variantWarnings = {"a（2 个内容不一致的副本，已全部保留）"};
+    view = ArchiveResultView::of(result, 3);
+    EXPECT_FALSE(view.isSafe);
+    EXPECT_EQ(view.variantTitle, QStringLiteral("1 封邮件存在内容不一致的多个副本，已全部保留："));
+}
+
+TEST(ArchiveResults, FailuresStandTogetherByReasonInTheOrderInWhichTheyCame) {
+    EmailArchiveRunResult result;
+    for (int number = 0; number < 30; ++number)
+        result.failures.push_back(failure("s" + std::to_string(number), number % 3 == 0 ? "乙" : "甲"));
+    result.failures.push_back(failure("换\n行\tund", "甲"));
+    result.failedCount = 31;
+    result.triedCount = 31;
+    const auto view = ArchiveResultView::of(result, 31);
+    ASSERT_EQ(view.failureGroups.size(), 2);
+    const QVariantMap first = view.failureGroups[0].toMap();
+    EXPECT_EQ(first[QStringLiteral("reason")].toString(), QStringLiteral("乙"));
+    EXPECT_EQ(first[QStringLiteral("subjects")].toStringList().size(), 10);
+    const QVariantMap second = view.failureGroups[1].toMap();
+    EXPECT_EQ(second[QStringLiteral("count")].toString(), QStringLiteral("21"));
+    EXPECT_EQ(second[QStringLiteral("subjects")].toStringList().size(), 20);
+    EXPECT_EQ(second[QStringLiteral("more")].toString(), QStringLiteral("另有 1 封，拷贝清单里有全部。"));
+
+    const QString list = screens::failureList(result.failures);
+    EXPECT_EQ(list.count(u'\n'), 31) << "one line each, whatever stands in a subject";
+}
+
+} // namespace
+} // namespace corvane

@@ -1,0 +1,172 @@
+#include "screens/home_screen.h"
+
+#include <filesystem>
+
+#include <gtest/gtest.h>
+
+#include "screens/home/screens_fixture.h"
+
+namespace corvane {
+namespace {
+
+using State = HomeScreen::State;
+
+class OrganizeHome : public testing::ScreensTest {
+  protected:
+    void publishTwoAccounts() {
+        publish({{"a", 2019, "imap://A", "INBOX", 3000}, {"b", 2020}, {"c", 2020, "imap://B"}});
+    }
+
+    [[nodiscard]] std::vector<int> shownYears() const {
+        std::vector<int> years;
+        for (const QVariant& year : homeScreen_.years())
+            years.push_back(year.toMap()[QStringLiteral("year")].toInt());
+        return years;
+    }
+};
+
+TEST_F(OrganizeHome, BeginsWithTheUpdateAndListsWhatIsThere) {
+    EXPECT_EQ(homeScreen_.state(), State::FirstUse);
+    EXPECT_EQ(homeScreen_.organizeSimpleSummary(),
+              QStringLiteral("把多年的邮件安全放进归档库，再放心腾出空间。"));
+    publishTwoAccounts();
+    EXPECT_EQ(homeScreen_.state(), State::List);
+    EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("3 封需要放入归档库。"));
+    EXPECT_EQ(homeScreen_.banner().headline, QStringLiteral("全部年份：已完成归档 0 封，未归档 3 封"));
+    EXPECT_EQ(shownYears(), (std::vector<int>{2019, 2020}));
+    EXPECT_EQ(homeScreen_.accounts()->rowCount(), 3);
+    EXPECT_NE(rowOf("a@example.org"), -1);
+}
+
+TEST_F(OrganizeHome, ACapturedStartShowsStatisticsAndCallsNothingSafe) {
+    MailHomeSnapshot snapshot;
+    snapshot.summary.scannedMessages = 5;
+    snapshot.localAccountYearStats = {{"imap://A", "a@x", {{2020, 5, 5, 5, 900, 1}}, 5, 900}};
+    model_.catalog().applyHomeSnapshot(snapshot);
+    settle();
+    EXPECT_EQ(homeScreen_.state(), State::List);
+    EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("5 封需要放入归档库。"));
+    EXPECT_EQ(homeScreen_.banner().kind, QStringLiteral("info"));
+    EXPECT_FALSE(homeScreen_.hasFigures());
+    chooseDestination(home_.at("x"));
+    EXPECT_TRUE(homeScreen_.organizePrimaryDisabled());
+    homeScreen_.runOrganizePrimaryAction();
+    EXPECT_EQ(archiveScreen_.stage(), ArchiveScreen::Closed) << "there are no messages yet";
+}
+
+TEST_F(OrganizeHome, ThePrimaryActionStopsAtTheFirstStepThatActs) {
+    homeScreen_.runOrganizePrimaryAction();
+    EXPECT_EQ(archiveScreen_.stage(), ArchiveScreen::Closed);
+    EXPECT_FALSE(homeScreen_.isScanning()) << "without a destination nothing happens";
+
+    publishTwoAccounts();
+    homeScreen_.runOrganizePrimaryAction();
+    EXPECT_EQ(archiveScreen_.stage(), ArchiveScreen::Closed);
+    EXPECT_TRUE(homeScreen_.organizePrimaryDisabled());
+
+    chooseDestination(home_.at("归档"));
+    homeScreen_.runOrganizePrimaryAction();
+    settle();
+    EXPECT_EQ(archiveScreen_.stage(), ArchiveScreen::Confirm);
+    EXPECT_EQ(archiveScreen_.candidates()->selectedCount(), 3) << "nothing ticked: all of them";
+    EXPECT_EQ(archiveScreen_.archiveScopeTitle(), QStringLiteral("全部年份"));
+}
+
+TEST_F(OrganizeHome, WithoutAccountsThePrimaryActionLeadsToThePermission) {
+    testing::publishMessages(model_.catalog(), testing::sampleMessages(home_, {{"a", 2019}}));
+    chooseDestination(home_.at("归档"));
+    model_.scanFlow().refreshAllMailData();
+    settle();
+    ASSERT_TRUE(model_.accounts().availableAccounts().empty());
+    homeScreen_.runOrganizePrimaryAction();
+    EXPECT_EQ(desktop_.opened.size(), 1);
+    EXPECT_EQ(archiveScreen_.stage(), ArchiveScreen::Closed);
+    EXPECT_TRUE(homeScreen_.failureText().contains(QStringLiteral("没有找到 Mail 索引文件")));
+}
+
+TEST_F(OrganizeHome, NarrowingKeepsTicksAndTellsItsScope) {
+    publishTwoAccounts();
+    homeScreen_.tree()->toggleTick(rowOf("2019 年"));
+    EXPECT_EQ(homeScreen_.selectionTitle(), QStringLiteral("已选 3 KB"));
+    EXPECT_EQ(homeScreen_.organizeSelectionSummary(),
+              QStringLiteral("1 封邮件。点击「归档选中」只会归档这些邮件。"));
+
+    homeScreen_.setScopeYear(2020);
+    EXPECT_EQ(homeScreen_.organizeRangeTitle(), QStringLiteral("2020 年"));
+    EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("2 封需要放入归档库。"));
+    EXPECT_EQ(model_.filters().filterYears(), std::set<std::int64_t>{2020});
+    EXPECT_EQ(rowOf("2019 年"), -1);
+    EXPECT_EQ(homeScreen_.selectionLine(), QStringLiteral("已选 1 封 · 3 KB")) << "ticks outside stay";
+    EXPECT_EQ(shownYears().size(), 2U) << "the chart keeps all years to press";
+
+    homeScreen_.chooseAccount(2);
+    EXPECT_EQ(homeScreen_.organizeRangeTitle(), QStringLiteral("imap://B · 2020 年"));
+    homeScreen_.setScopeYear(2018);
+    EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("当前范围暂无邮件。"));
+    homeScreen_.clearScope();
+    EXPECT_EQ(homeScreen_.tree()->rowCount(), 5);
+    EXPECT_TRUE(model_.filters().filterAccountPrefixes().empty());
+}
+
+TEST_F(OrganizeHome, AScopeOfAnAccountThatHasGoneIsGivenUp) {
+    publishTwoAccounts();
+    homeScreen_.chooseAccount(2);
+    publish({{"a", 2019}});
+    EXPECT_FALSE(homeScreen_.isNarrowed());
+    EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("1 封需要放入归档库。"));
+}
+
+TEST_F(OrganizeHome, FiguresChangeAtMostOnceAnInterval) {
+    const std::chrono::milliseconds interval(300);
+    OrganizeData data(model_, interval);
+    QSignalSpy changed(&data, &OrganizeData::overviewChanged);
+    QElapsedTimer clock;
+    clock.start();
+    for (int round = 0; round < 20; ++round)
+        publish({{"r" + std::to_string(round), 2019}, {"s" + std::to_string(round), 2019}});
+    // The empty start doesn't count.
+    EXPECT_LE(changed.size(), 2 + clock.elapsed() / interval.count());
+    while (!data.isUpToDate()) ASSERT_TRUE(changed.wait());
+    EXPECT_EQ(data.overview()->candidateCount(), 2);
+}
+
+TEST_F(OrganizeHome, RowsWaitWhileThePointerIsPressed) {
+    publishTwoAccounts();
+    homeScreen_.setHeld(true);
+    testing::publishMessages(model_.catalog(), testing::sampleMessages(home_, {{"x", 2019}}));
+    testing::waitUntilIdle(context_.tasks);
+    EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("3 封需要放入归档库。"));
+    homeScreen_.setHeld(false);
+    settle();
+    EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("1 封需要放入归档库。"));
+}
+
+TEST_F(OrganizeHome, AfterTheLastMessageTheLibraryIsNext) {
+    publish({{"a", 2019}});
+    chooseDestination(home_.at("归档"));
+    archiveScreen_.open(
+        std::make_shared<const SharedTextSet>(SharedTextSet{model_.catalog().messages()->front().id}));
+    settle();
+    archiveScreen_.start();
+    settle();
+    EXPECT_EQ(homeScreen_.state(), State::NothingToDo);
+    EXPECT_EQ(homeScreen_.banner().kind, QStringLiteral("safe"));
+    EXPECT_EQ(homeScreen_.organizePrimaryTitle(), QStringLiteral("打开归档库"));
+    QSignalSpy library(&homeScreen_, &HomeScreen::libraryRequested);
+    homeScreen_.runOrganizePrimaryAction();
+    EXPECT_EQ(library.size(), 1);
+}
+
+TEST_F(OrganizeHome, AStoreThatCannotBeReadAsksForThePermission) {
+    home_.write("Library/Mail/V10/MailData/Envelope Index", "");
+    homeScreen_.recheckAccess();
+    settle();
+    EXPECT_EQ(homeScreen_.state(), State::NoAccess);
+    home_.write("Library/Mail/V10/MailData/Envelope Index", "x");
+    homeScreen_.recheckAccess();
+    settle();
+    EXPECT_EQ(homeScreen_.state(), State::FirstUse);
+}
+
+} // namespace
+} // namespace corvane

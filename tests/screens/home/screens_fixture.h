@@ -1,0 +1,84 @@
+// The home and the archive sheet over a real model, a real archive folder and messages with their files.
+#pragma once
+
+#include <QSignalSpy>
+
+#include "model/model_test.h"
+#include "model/sample_messages.h"
+#include "records/account_cache_store.h"
+#include "screens/archive_screen.h"
+#include "screens/home_screen.h"
+#include "screens/organize_data.h"
+
+namespace corvane::testing {
+
+class SilentDesktop : public DesktopActions {
+  public:
+    bool open(const QUrl& url) override {
+        opened << url.toString();
+        return true;
+    }
+
+    bool reveal(const QString&) override { return true; }
+
+    void copy(const QString& text) override { copied = text; }
+
+    QStringList opened;
+    QString copied;
+};
+
+class ScreensTest : public ModelTest {
+  protected:
+    ScreensTest() { settle(); }
+
+    // All work has ended, and what was due to be shown is shown.
+    void settle() {
+        waitUntilIdle(context_.tasks);
+        QCoreApplication::processEvents();
+        if (data_.isUpToDate()) return;
+        QEventLoop loop;
+        QObject::connect(&data_, &OrganizeData::overviewChanged, &loop, &QEventLoop::quit);
+        QTimer::singleShot(std::chrono::seconds(10), &loop, &QEventLoop::quit);
+        loop.exec();
+        waitUntilIdle(context_.tasks);
+    }
+
+    void publish(const std::vector<MessageSketch>& sketches) {
+        publishMessages(model_.catalog(), sampleMessages(home_, sketches));
+        settle();
+    }
+
+    void chooseDestination(const std::string& folder) {
+        archiveScreen_.chooseDestination(QUrl::fromLocalFile(QString::fromStdString(folder)));
+        settle();
+    }
+
+    [[nodiscard]] int rowOf(const char* title) {
+        auto& tree = *homeScreen_.tree();
+        for (int row = 0; row < tree.rowCount(); ++row) {
+            if (tree.data(tree.index(row), OrganizeTreeModel::TitleRole).toString() ==
+                QString::fromUtf8(title))
+                return row;
+        }
+        return -1;
+    }
+
+    // What a start finds in the cache of accounts, so that it doesn't ask Mail for them.
+    static ModelContext& withKnownAccount(ModelContext& context) {
+        MailAccount account;
+        account.urlPrefix = "imap://A";
+        account.emailAddress = "a@example.org";
+        account.scheme = "imap";
+        MailAccountCacheStore(context.support).save(context.mailRootPath, {account});
+        return context;
+    }
+
+    ModelContext context_{platform_};
+    CorvaneViewModel model_{withKnownAccount(context_)};
+    SilentDesktop desktop_;
+    OrganizeData data_{model_, std::chrono::milliseconds(0)};
+    ArchiveScreen archiveScreen_{model_, data_, desktop_};
+    HomeScreen homeScreen_{model_, data_, archiveScreen_, desktop_};
+};
+
+} // namespace corvane::testing
