@@ -15,6 +15,9 @@
 #include "platform/paths.h"
 #include "records/archive_index_file.h"
 #include "records/console_log.h"
+#include "records/preview_placeholders.h"
+#include "text/trim.h"
+#include "worker/mail_worker_client.h"
 
 namespace corvane {
 
@@ -50,6 +53,15 @@ std::vector<ArchivedEmailRecord> unfinishedRecords(const EmailArchiveIndex& arch
 }
 
 } // namespace
+
+BodyTextSource workerBodyTexts(const platform::Platform& platform, bool isUpkeep) {
+    constexpr std::int64_t maximumBytesOfFile = 2097152;
+    MailWorkerClient client(platform);
+    client.setUpkeep(isUpkeep);
+    return [client](const std::vector<FileURL>& files, const std::stop_token& stop) {
+        return client.bodyTextBatch(files, maximumBytesOfFile, stop);
+    };
+}
 
 SearchIndexRow searchIndexRow(const ArchivedEmailRecord& record, std::string body) {
     return {record.id,
@@ -89,6 +101,26 @@ std::int64_t BodyIndexing::rebuildSearchIndex(const std::string& archiveRoot, bo
     consoleLine(fmt::format("[index] 正文索引已损坏，重新建立：{}", archiveRoot));
     index = MailSearchIndex::openReset(support_, archiveRoot);
     return index ? fill(archiveRoot, *archive, *index, false, progress, stop) : 0;
+}
+
+std::optional<std::string> BodyIndexing::prepareBody(const std::string& archiveRoot,
+                                                     const ArchivedEmailRecord& record,
+                                                     const std::stop_token& stop) const {
+    const auto index = MailSearchIndex::open(support_, archiveRoot);
+    if (!index) return std::nullopt;
+    if (auto body = index->body(record.id)) return body;
+    const auto items = bodyIndexItems(archiveRoot, {record});
+    if (items.empty()) return std::nullopt;
+    BodyTextByPath texts;
+    try {
+        texts = texts_({items.front().fileURL}, stop);
+    } catch (const std::exception&) { // the library shows what else it knows
+        return std::nullopt;
+    }
+    const std::string_view text = text::trimWhitespaceAndNewlines(texts[items.front().fileURL.path()]);
+    if (text.empty() || text == emptyBodyPreviewPlaceholder) return std::nullopt;
+    index->bulkInsert(std::vector{searchIndexRow(record, std::string(text))});
+    return std::string(text);
 }
 
 std::int64_t BodyIndexing::fill(const std::string& archiveRoot, const EmailArchiveIndex& archive,

@@ -6,11 +6,13 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <stop_token>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "platform/platform.h"
 #include "records/app_support.h"
 #include "records/archive_records.h"
 #include "records/file_url.h"
@@ -31,6 +33,10 @@ using BodyTextByPath = std::unordered_map<SharedText, std::string, TextHash, Tex
 // Called from several threads at once.
 using BodyTextSource =
     std::function<BodyTextByPath(const std::vector<FileURL>& files, const std::stop_token& stop)>;
+
+// The worker's texts, of at most 2 MiB of each file. With `isUpkeep` its processes yield the processor. The
+// platform has to outlive the source.
+BodyTextSource workerBodyTexts(const platform::Platform& platform, bool isUpkeep);
 
 // Numbers done and of all; called on the thread that runs the indexing.
 using BodyIndexProgress = std::function<void(std::int64_t done, std::int64_t total)>;
@@ -62,6 +68,11 @@ class BodyIndexing {
     // Those of the items that the index doesn't have, `batchSize` at a time.
     void indexBodies(const std::vector<BodyIndexItem>& items, MailSearchIndex& index, std::size_t batchSize,
                      const BodyIndexProgress& progress, const std::stop_token& stop = {}) const;
+
+    // The body of one message that the library shows before the indexing has reached it: out of the index, or
+    // out of the file and then put into the index. Nothing when there is no text, or no index can be opened.
+    std::optional<std::string> prepareBody(const std::string& archiveRoot, const ArchivedEmailRecord& record,
+                                           const std::stop_token& stop = {}) const;
 
   private:
     std::int64_t fill(const std::string& archiveRoot, const EmailArchiveIndex& archive,

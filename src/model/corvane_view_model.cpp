@@ -4,6 +4,10 @@
 
 #include <QPointer>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "model/cloud_providers.h"
+#include "records/stable_hash.h"
 
 namespace corvane {
 
@@ -24,6 +28,7 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
   , space_(accounts_, catalog_)
   , scanFlow_(context, accounts_, catalog_, counts_, filters_)
   , archive_(context, catalog_, filters_)
+  , bodyTexts_(context, library_)
   , diskAccess_(context) {
     wireScan();
     wireAvailability();
@@ -97,10 +102,22 @@ void CorvaneViewModel::wireArchive() {
     connect(&library_, &LibraryLoader::archivedBaseIDsChanged, this, [this] { archivedBaseIDsReplaced(); });
     connect(&destinations_, &ArchiveDestinations::destinationPrepared, this,
             [this] { loadArchiveIndex(false); });
-    connect(&archive_, &ArchiveControl::archiveRunFinished, this, [this] {
-        loadArchiveIndex(true);
-        destinations_.refreshFacts();
-    });
+    connect(&archive_, &ArchiveControl::archiveRunFinished, this,
+            [this](const EmailArchiveRunResult& result, const QString& destination) {
+                loadArchiveIndex(true);
+                destinations_.refreshFacts();
+                if (result.archivedCount > 0) indexArchivedBodies(result, destination.toStdString());
+            });
+    connect(&bodyTexts_, &BodyTexts::libraryReloadWanted, this, [this] { loadArchiveIndex(true); });
+}
+
+void CorvaneViewModel::indexArchivedBodies(const EmailArchiveRunResult& result,
+                                           const std::string& destination) {
+    const SharedTextSet& selection = archive_.selectedArchiveMessageIDs();
+    const std::set<SharedText> ids(selection.begin(), selection.end());
+    const std::string run = fmt::format("postArchive:{}:{}", destination, fmt::join(ids, ","));
+    bodyTexts_.scheduleBodyTextIndexRepair({canonicalPath(destination)}, result.archivedCount,
+                                           stableHash(run));
 }
 
 void CorvaneViewModel::archivedBaseIDsReplaced() {

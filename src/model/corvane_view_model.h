@@ -10,6 +10,7 @@
 
 #include "model/account_directory.h"
 #include "model/archive_control.h"
+#include "model/body_texts.h"
 #include "model/destinations.h"
 #include "model/index_counts.h"
 #include "model/library_loader.h"
@@ -63,6 +64,8 @@ class CorvaneViewModel : public QObject {
 
     [[nodiscard]] ArchiveControl& archive() { return archive_; }
 
+    [[nodiscard]] BodyTexts& bodyTexts() { return bodyTexts_; }
+
     [[nodiscard]] FullDiskAccess& diskAccess() { return diskAccess_; }
 
   private:
@@ -71,6 +74,7 @@ class CorvaneViewModel : public QObject {
     void wireAvailability();
     void wireFilters();
     void wireArchive();
+    void indexArchivedBodies(const EmailArchiveRunResult& result, const std::string& destination);
     void wireVolumes();
     void archivedBaseIDsReplaced();
     void pruneFilterYears();
@@ -87,6 +91,7 @@ class CorvaneViewModel : public QObject {
     SpaceUsage space_;
     ScanFlow scanFlow_;
     ArchiveControl archive_;
+    BodyTexts bodyTexts_;
     FullDiskAccess diskAccess_;
     std::unique_ptr<platform::MountSubscription> mounts_;
 };

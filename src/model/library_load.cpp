@@ -60,7 +60,8 @@ void LibraryLoad::loadRoot(const std::string& root, const std::stop_token& stop)
     if (input_.forgotten.contains(root) && !comesBack(root, hasContent)) return;
     log_.mark(fmt::format("liveIndex root done records={} connected={} contentGone={} elapsed={:.3f}s",
                           index->records.size(), connected, contentGone, watch.seconds()));
-    archives_.push_back({root, hasContent, std::move(*index)});
+    // The databases are local, so this goes for a disk that isn't there, too.
+    archives_.push_back({root, hasContent, std::move(*index), MailSearchIndex::open(support_, root)});
 }
 
 bool LibraryLoad::comesBack(const std::string& root, bool hasContent) {
@@ -79,7 +80,9 @@ void LibraryLoad::fill(std::vector<LoadedArchive> archives) {
     for (const LoadedArchive& archive : archives) total += archive.index.records.size();
     std::vector<ArchivedEntry> entries;
     entries.reserve(total);
+    auto searchIndexes = std::make_shared<SearchIndexTable>();
     for (LoadedArchive& archive : archives) {
+        if (archive.searchIndex) searchIndexes->emplace(archive.rootPath, std::move(archive.searchIndex));
         if (archive.rootPath == input_.currentDestination) {
             result_.destination = {archive.rootPath, archive.index.createdAt, archive.index.updatedAt};
         }
@@ -95,6 +98,7 @@ void LibraryLoad::fill(std::vector<LoadedArchive> archives) {
         archive.index.records = {};
     }
     result_.library = ArchivedLibrary::make(std::move(entries), input_.publishedBaseIDs);
+    result_.searchIndexes = std::move(searchIndexes);
     countEntries(result_.locations, *result_.library);
 }
 

@@ -38,6 +38,7 @@ struct LibraryLoadResult {
     SharedLibrary library;
     std::vector<ArchiveLocation> locations;
     std::optional<DestinationIndex> destination; // when it is among the locations
+    SharedSearchIndexes searchIndexes;
 };
 
 class LibraryLoad {
@@ -46,6 +47,7 @@ class LibraryLoad {
     LibraryLoad(const platform::Platform& platform, const CorvaneAppSupport& support,
                 const ArchiveLibraryStartupLog& log, LibraryLoadInput input)
       : platform_(platform)
+      , support_(support)
       , files_(support.files())
       , log_(log)
       , cache_(platform, support)
@@ -63,6 +65,7 @@ class LibraryLoad {
     void fill(std::vector<LoadedArchive> archives);
 
     const platform::Platform& platform_;
+    CorvaneAppSupport support_;
     platform::FileLayer& files_;
     const ArchiveLibraryStartupLog& log_;
     ArchiveIndexCache cache_;

@@ -29,7 +29,8 @@ LibraryLoader::LibraryLoader(ModelContext& context, QObject* parent, Clock clock
   , clock_(std::move(clock))
   , snapshotWriter_(context)
   , archiveIndexLoadTask_(context.tasks)
-  , connectionTask_(context.tasks) {}
+  , connectionTask_(context.tasks)
+  , pruneTask_(context.tasks) {}
 
 std::optional<EmailArchiveIndex> LibraryLoader::emailArchiveIndex() const {
     if (!destination_) return std::nullopt;
@@ -80,6 +81,7 @@ bool LibraryLoader::isLoadNeedless(const std::string& signature) const {
 
 void LibraryLoader::startLoad(LibraryLoadInput input, const std::string& signature) {
     isLoading_ = true;
+    pruneTask_.cancel(); // it knows nothing of what this load may bring
     archiveIndexLoadSignature_ = signature;
     context_.startupLog.mark("live index load start");
     const auto start = std::chrono::steady_clock::now();
@@ -103,7 +105,8 @@ void LibraryLoader::applyLoadedArchiveIndex(LibraryLoadResult result, const std:
     adoptLocations(result);
     destination_ = result.destination;
     snapshotWriter_.save({result.library, result.locations});
-    publish(std::move(result.library), std::move(result.locations));
+    publish(std::move(result.library), std::move(result.locations), std::move(result.searchIndexes));
+    pruneSearchIndexes();
     context_.startupLog.mark(fmt::format("live index load finish entries={} locations={} unindexed=deferred",
                                          library_->entries->size(), locations_.size()));
     context_.performanceLog.mark(fmt::format("[Perf] loadEmailArchiveIndex {:.3f}s", seconds));
@@ -122,15 +125,27 @@ void LibraryLoader::adoptLocations(const LibraryLoadResult& result) {
     setKnownLocations(context_.settings, known.roots());
 }
 
-void LibraryLoader::publish(SharedLibrary library, std::vector<ArchiveLocation> locations) {
+// The index of every root that is known stays, also of one that can't be read at the moment: making it again
+// takes hours.
+void LibraryLoader::pruneSearchIndexes() {
+    pruneTask_.start(
+        TaskPriority::utility,
+        [support = context_.support, roots = knownLocations(context_.settings)](const TaskHandle& task) {
+            if (!task.isCancelled()) MailSearchIndex::pruneOrphans(support, roots);
+        });
+}
+
+void LibraryLoader::publish(SharedLibrary library, std::vector<ArchiveLocation> locations,
+                            SharedSearchIndexes searchIndexes) {
     library_.swap(library);
+    searchIndexes_.swap(searchIndexes);
     locations_ = std::move(locations);
     // Equal sets have equal consequences, and those cost a pass over all messages.
     const bool sameBaseIDs = library_->baseIDs == library->baseIDs;
     if (!sameBaseIDs) ++baseIDsToken_;
-    // Hundreds of thousands of records take their time to go.
+    // Hundreds of thousands of records take their time to go, and a database that is closed is written to.
     context_.tasks.run(TaskPriority::utility, std::stop_source(std::nostopstate),
-                       [old = std::move(library)] {});
+                       [old = std::move(library), oldIndexes = std::move(searchIndexes)] {});
     Q_EMIT archivedEntriesChanged();
     Q_EMIT archiveLocationsChanged();
     if (!sameBaseIDs) Q_EMIT archivedBaseIDsChanged();
@@ -148,7 +163,8 @@ void LibraryLoader::loadCachedArchiveLibraryIfNeeded() {
     if (!snapshot) return;
     SharedLibrary library = ArchivedLibrary::make(std::move(snapshot->entries));
     countEntries(snapshot->locations, *library);
-    publish(std::move(library), std::move(snapshot->locations));
+    // Search waits for the live load.
+    publish(std::move(library), std::move(snapshot->locations), std::make_shared<const SearchIndexTable>());
     log.mark(
         fmt::format("cache applied entries={} locations={}", library_->entries->size(), locations_.size()));
     context_.performanceLog.mark(fmt::format("[Perf] loadCachedArchiveLibrary {:.3f}s", secondsSince(start)));

@@ -64,6 +64,9 @@ class LibraryLoader : public QObject {
     // The index of the destination of the last load; nothing when the library doesn't hold it. A copy.
     [[nodiscard]] std::optional<EmailArchiveIndex> emailArchiveIndex() const;
 
+    // Of the archives of the last live load; never null, and empty before it.
+    [[nodiscard]] const SharedSearchIndexes& locationSearchIndexes() const { return searchIndexes_; }
+
     // The first location with that root; null when there is none.
     [[nodiscard]] const ArchiveLocation* location(std::string_view rootPath) const;
 
@@ -99,13 +102,16 @@ class LibraryLoader : public QObject {
     void applyLoadedArchiveIndex(LibraryLoadResult result, const std::string& signature, double seconds);
     void adoptLocations(const LibraryLoadResult& result);
     [[nodiscard]] std::optional<ArchiveLibrarySnapshot> readSnapshot() const;
-    void publish(SharedLibrary library, std::vector<ArchiveLocation> locations);
+    void publish(SharedLibrary library, std::vector<ArchiveLocation> locations,
+                 SharedSearchIndexes searchIndexes);
+    void pruneSearchIndexes();
     void applyConnectionStates(const ConnectionStates& states);
 
     ModelContext& context_;
     Clock clock_;
     SharedLibrary library_ = std::make_shared<const ArchivedLibrary>();
     std::vector<ArchiveLocation> locations_;
+    SharedSearchIndexes searchIndexes_ = std::make_shared<const SearchIndexTable>();
     std::int64_t baseIDsToken_ = 0;
     std::optional<DestinationIndex> destination_;
     LibraryFilters filters_;
@@ -117,6 +123,7 @@ class LibraryLoader : public QObject {
     LibrarySnapshotWriter snapshotWriter_;
     TaskSlot archiveIndexLoadTask_;
     TaskSlot connectionTask_;
+    TaskSlot pruneTask_;
 };
 
 } // namespace corvane

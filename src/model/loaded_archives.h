@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +12,7 @@
 #include <vector>
 
 #include "records/archive_records.h"
+#include "search/mail_search_index.h"
 #include "text/shared_text.h"
 
 namespace corvane {
@@ -19,7 +21,12 @@ struct LoadedArchive {
     std::string rootPath;
     bool connected = false; // and holds files
     EmailArchiveIndex index;
+    std::shared_ptr<const MailSearchIndex> searchIndex{}; // null when it can't be opened
 };
+
+// The search index of each loaded archive that has one, by root. Immutable, shared between threads.
+using SearchIndexTable = std::map<std::string, std::shared_ptr<const MailSearchIndex>, std::less<>>;
+using SharedSearchIndexes = std::shared_ptr<const SearchIndexTable>;
 
 // Two folders are the same archive when their indexes have the same `createdAt`: a copied folder, or one seen
 // through two paths. The first stays, but one that is connected beats one that isn't. Order is kept.

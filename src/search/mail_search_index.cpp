@@ -1,11 +1,10 @@
 #include "search/mail_search_index.h"
 
-#include <charconv>
-
 #include "records/preview_placeholders.h"
 #include "search/search_database.h"
 #include "search/search_index_files.h"
 #include "search/substring_search.h"
+#include "text/encoding.h"
 #include "text/trim.h"
 
 namespace corvane {
@@ -21,14 +20,6 @@ constexpr std::int64_t extractorVersion = 9;
 bool countsAsEmpty(std::string_view body) {
     const std::string_view trimmed = text::trimWhitespaceAndNewlines(body);
     return trimmed.empty() || trimmed == emptyBodyPreviewPlaceholder;
-}
-
-std::optional<std::int64_t> decimalInteger(std::string_view text) {
-    if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
-    std::int64_t value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-    return value;
 }
 
 } // namespace
@@ -216,7 +207,7 @@ std::int64_t MailSearchIndex::metaInt(std::string_view key) const {
     SqliteStatement query(database_.get(), "SELECT value FROM meta WHERE key = ?;");
     query.bindText(1, key);
     if (!query.step()) return noMetaValue;
-    return decimalInteger(query.text(0).value_or("")).value_or(noMetaValue);
+    return text::parseInteger(query.text(0).value_or("")).value_or(noMetaValue);
 }
 
 void MailSearchIndex::setMeta(std::string_view key, std::string_view value) {
