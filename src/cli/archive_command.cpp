@@ -98,6 +98,8 @@ void printReadable(const EmailArchiveRunResult& result) {
 int runArchive(Session& session, const ArchiveOptions& options, bool json) {
     provideScan(session);
     select(session, options);
+    // Here it follows the run, whether or not that archived anything: an earlier one may have been killed.
+    session.model().bodyTexts().setAutomaticRepair(false);
     EmailArchiveRunResult result;
     if (session.model().archive().selectedArchiveMessageIDs().empty()) {
         const std::string root = platform::standardizedPath(options.destination);
@@ -105,6 +107,10 @@ int runArchive(Session& session, const ArchiveOptions& options, bool json) {
     } else {
         result = runToEnd(session);
     }
+    if (!options.withoutIndex && !wasInterrupted())
+        fillBodyIndex(session, {.roots = {platform::standardizedPath(options.destination)},
+                                .total = result.archivedCount,
+                                .reloadWhenDone = false});
     if (json)
         printJson(result);
     else

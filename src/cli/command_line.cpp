@@ -140,6 +140,25 @@ class CommandLine {
         library->add_option("--mailbox", library_.mailbox, "邮箱名称");
         library->add_flag("--ascending", library_.ascending, "旧邮件在前");
         command(library, [this](Session& session) { return runLibrary(session, library_, common_.json); });
+        addTextCommands();
+    }
+
+    void addTextCommands() {
+        auto* search = app_.add_subcommand("search", "在所有归档中全文搜索");
+        search->add_option("text", searchText_, "要找的文字")->required();
+        command(search, [this](Session& session) { return runSearch(session, searchText_, common_.json); });
+        auto* index = app_.add_subcommand("index", "为所有归档位置准备正文索引");
+        index->add_flag("--force", forcesIndex_, "全部重新建立");
+        command(index, [this](Session& session) { return runIndex(session, forcesIndex_, common_.json); });
+        auto* show = app_.add_subcommand("show", "一封已归档的邮件");
+        show->add_option("entry", entryID_, "library 命令给出的 entryID")->required();
+        command(show, [this](Session& session) { return runShow(session, entryID_, common_.json); });
+        auto* attachment = app_.add_subcommand("attachment", "取出一个附件");
+        attachment->add_option("entry", attachment_.entryID, "library 命令给出的 entryID")->required();
+        attachment->add_option("name", attachment_.name, "附件的名称")->required();
+        attachment->add_option("--to", attachment_.target, "新文件，或已有的文件夹")->required();
+        command(attachment,
+                [this](Session& session) { return runAttachment(session, attachment_, common_.json); });
     }
 
     CLI::App app_{"Corvane：把多年的邮件从 Apple Mail 归档出来"};
@@ -151,6 +170,10 @@ class CommandLine {
     ArchiveOptions archive_;
     LibraryOptions library_;
     std::string verifyRoot_;
+    std::string searchText_;
+    bool forcesIndex_ = false;
+    std::string entryID_;
+    AttachmentOptions attachment_;
     Action action_;
 };
 

@@ -50,6 +50,25 @@ struct LibraryOptions {
 };
 
 int runLibrary(Session& session, const LibraryOptions& options, bool json);
+int runSearch(Session& session, const std::string& text, bool json);
+int runIndex(Session& session, bool force, bool json);
+
+// `entryID` is the root, U+0001 and the record's id.
+int runShow(Session& session, const std::string& entryID, bool json);
+
+struct AttachmentOptions {
+    std::string entryID;
+    std::string name;
+    std::string target; // a new file, or a folder
+};
+
+int runAttachment(Session& session, const AttachmentOptions& options, bool json);
+
+// Fills search indexes to the end, with the progress on standard error; the number of messages handled.
+std::int64_t fillBodyIndex(Session& session, BodyIndexRequest request);
+
+// Makes a live load of the library.
+void loadLibrary(Session& session);
 int runVerify(const std::string& root, bool json);
 
 } // namespace corvane::cli

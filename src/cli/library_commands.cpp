@@ -12,13 +12,6 @@ namespace corvane::cli {
 
 namespace {
 
-void loadLibrary(Session& session) {
-    CorvaneViewModel& model = session.model();
-    session.waitUntilIdle();
-    model.library().loadEmailArchiveIndex(model.destinations().transferDestination(), true);
-    session.waitUntilIdle();
-}
-
 bool goesFirst(const ArchivedEntry& a, const ArchivedEntry& b, bool ascending) {
     if (a.record.date.has_value() != b.record.date.has_value()) return a.record.date.has_value();
     if (a.record.date == b.record.date) return a.record.subject < b.record.subject;
@@ -39,6 +32,13 @@ std::vector<const ArchivedEntry*> selectEntries(const std::vector<ArchivedEntry>
 }
 
 } // namespace
+
+void loadLibrary(Session& session) {
+    CorvaneViewModel& model = session.model();
+    session.waitUntilIdle();
+    model.library().loadEmailArchiveIndex(model.destinations().transferDestination(), true);
+    session.waitUntilIdle();
+}
 
 int runLocations(Session& session, bool json) {
     loadLibrary(session);

@@ -141,13 +141,18 @@ void BodyTexts::searchArchive(std::string query, IDsAnswer answer) {
         [answer = std::move(answer)](const SharedTextSet& ids) { answer(ids); });
 }
 
-void BodyTexts::rebuildBodyTextIndex(bool force) {
+BodyIndexRequest BodyTexts::requestForAllLocations(bool force) const {
     BodyIndexRequest request;
     request.force = force;
     for (const ArchiveLocation& location : library_.archiveLocations()) {
         request.roots.push_back(location.rootPath);
         request.total += location.count;
     }
+    return request;
+}
+
+void BodyTexts::rebuildBodyTextIndex(bool force) {
+    BodyIndexRequest request = requestForAllLocations(force);
     if (!request.roots.empty()) rebuildBodyTextIndex(std::move(request));
 }
 

@@ -57,6 +57,8 @@ class BodyTexts : public QObject {
     // Indexes what is missing in all locations, or everything anew.
     void rebuildBodyTextIndex(bool force);
 
+    [[nodiscard]] BodyIndexRequest requestForAllLocations(bool force) const;
+
     // Begins when earlier requests have ended.
     void rebuildBodyTextIndex(BodyIndexRequest request);
 

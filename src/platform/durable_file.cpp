@@ -140,6 +140,18 @@ std::error_code writeFileAtomically(FileLayer& files, const std::string& path,
     return replacement.commit();
 }
 
+std::error_code writeNewFile(FileLayer& files, const std::string& path, std::string_view content) {
+    const int descriptor =
+        retried([&] { return files.open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0644); });
+    if (descriptor < 0) return lastError();
+    std::error_code error = writeAll(files, descriptor, content);
+    if (!error && retried([&] { return files.sync(descriptor); }) != 0) error = lastError();
+    if (files.close(descriptor) != 0 && errno != EINTR && !error) error = lastError();
+    if (!error) return syncFolderOf(files, path);
+    files.unlink(path);
+    return error;
+}
+
 std::error_code createDirectories(FileLayer& files, const std::string& path) {
     std::vector<std::string> missing;
     std::string current = path;

@@ -25,6 +25,10 @@ std::error_code writeFileAtomically(FileLayer& files, const std::string& path, s
 std::error_code writeFileAtomically(FileLayer& files, const std::string& path,
                                     const std::function<void(const ByteSink&)>& produce);
 
+// Makes a new file of these bytes, syncs it and its folder. EEXIST when anything is there already, a link
+// included. On a failure what was made is gone.
+std::error_code writeNewFile(FileLayer& files, const std::string& path, std::string_view content);
+
 // The folder with its missing parents. An existing folder is a success.
 std::error_code createDirectories(FileLayer& files, const std::string& path);
 
