@@ -6,12 +6,15 @@ import argparse
 import json
 import os
 import pathlib
+import resource
 import shutil
 import statistics
 import subprocess
 import sys
 import tempfile
 import time
+
+import body_extraction
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 BIN = ROOT / "build" / "release" / "bin"
@@ -37,6 +40,36 @@ def printed_seconds(command):
     return float(output), peak
 
 
+def processor_seconds(command):
+    """Of a program and of all that it started, and its peak memory."""
+    before = resource.getrusage(resource.RUSAGE_CHILDREN)
+    _, _, peak = run(command, stdout=subprocess.DEVNULL)
+    after = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime, peak
+
+
+def make_archive(root, count):
+    """An archive of generated mail, as a run would have left it."""
+    folder = root / "2023" / "account"
+    folder.mkdir(parents=True)
+    records = []
+    for path in map(pathlib.Path, body_extraction.make_messages(folder, count)):
+        records.append({
+            "id": f"mid:{path.stem}@example.com", "subject": f"关于第 {path.stem} 次会议的通知",
+            "sender": "张三 <zhang@example.com>", "recipients": "reader@example.org", "mailbox": "INBOX",
+            "sizeBytes": path.stat().st_size, "attachmentNames": [], "emlRelativePath": str(path.relative_to(root)),
+            "archivedAt": "2024-01-01T00:00:00Z", "sourceCopyCount": 1, "sourceCopiesIdentical": True})
+    index = {"createdAt": "2024-01-01T00:00:00Z", "updatedAt": "2024-01-01T00:00:00Z", "records": records}
+    (root / "archive-index.json").write_text(json.dumps(index, ensure_ascii=False), encoding="utf-8")
+
+
+def make_maildir(root, archive):
+    for name in ("cur", "new", "tmp"):
+        (root / name).mkdir(parents=True)
+    for path in archive.rglob("*.eml"):
+        shutil.copy(path, root / "cur" / f"{path.stem}:2,S")
+
+
 class Bench:
     def __init__(self, work, rounds, messages):
         self.work = work
@@ -60,8 +93,8 @@ class Bench:
             peaks.append(peak)
         result = {
             "measure": name,
-            "ours": round(statistics.median(times), 4),
-            "floor": round(statistics.median(floors), 4),
+            "ours": float(f"{statistics.median(times):.4g}"),
+            "floor": float(f"{statistics.median(floors):.4g}"),
             "ratio": round(statistics.median(times) / statistics.median(floors), 3),
             "goal": goal,
             "peakBytes": max(peaks),
@@ -127,6 +160,58 @@ class Bench:
                      lambda: printed_seconds([BIN / "floor_scan_cache_write", cache, self.fresh("cache")]), "<= 1.3",
                      count)
 
+    def index(self):
+        count = 3000
+        archive, home = self.work / "bodies", self.work / "bodies-home"
+        if not archive.exists():
+            make_archive(archive, count)
+            (home / ".config").mkdir(parents=True)
+            settings = {"corvaneKnownLocationRoots": [str(archive)]}
+            (home / ".config/Corvane.conf").write_text(json.dumps(settings), encoding="utf-8")
+
+        def ours():
+            seconds, peak = processor_seconds([BIN / "corvane-cli", "--home", home, "--json", "index", "--force"])
+            return seconds / count, peak
+
+        def insert():
+            database = next((home / ".local/share/Corvane").glob("search-*.sqlite"))
+            return printed_seconds([BIN / "floor_search_index", "insert", database, count, self.fresh("rows")])
+
+        def mu():
+            root = self.fresh("mu")
+            make_maildir(root / "mail", archive)
+            run(["mu", "init", f"--muhome={root / 'home'}", f"--maildir={root / 'mail'}"])
+            seconds, peak = processor_seconds(["mu", "index", f"--muhome={root / 'home'}"])
+            return seconds / count, peak
+
+        ours()
+        self.compare("body index, processor a message, insert of the rows", ours, insert, "1.4 ms")
+        if shutil.which("mu"):
+            self.compare("body index, processor a message, beside mu", ours, mu, "< 1")
+        else:
+            print("body index beside mu: skipped, there is no mu here (package maildir-utils)", file=sys.stderr)
+
+    def search(self):
+        count = 100000
+        home = self.work / f"search-{count}"
+        if not home.exists():
+            home.mkdir()
+            run([BIN / "measure_search_index", "make", count, home])
+        database = run([BIN / "measure_search_index", "path", home])[1].decode().strip()
+        for name, text, way, rounds, goal in (
+                ("a rare word", "zebraquark", "trigram", 200, "<= 2"),
+                ("3 rare Chinese characters", "罕见词", "trigram", 200, "<= 2"),
+                ("what most rows hold", "kind regards", "scan", 2, "<= 1.2"),
+                ("2 rare Chinese characters", "罕见", "scan", 2, "<= 0.05")):
+            self.compare(
+                f"search of {count} messages for {name}",
+                lambda text=text, rounds=rounds: printed_seconds(
+                    [BIN / "measure_search_index", "search", home, rounds, text]),
+                lambda text=text, rounds=rounds, way=way: printed_seconds(
+                    [BIN / "floor_search_index", way, database, rounds, text]), goal)
+        self.compare("body by id", lambda: printed_seconds([BIN / "measure_search_index", "body", home, 20000]),
+                     lambda: printed_seconds([BIN / "floor_search_index", "body", database, 20000]), "50 us")
+
     def table(self):
         print(f"{'measure':58} {'ours':>9} {'floor':>9} {'ratio':>7} {'goal':>8} {'peak MB':>8} {'B/message':>10}")
         for row in self.results:
@@ -137,7 +222,7 @@ class Bench:
 
 
 def main():
-    measures = ["refresh", "archive", "cache"]
+    measures = ["refresh", "archive", "cache", "index", "search"]
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("measure", nargs="*", choices=[[], *measures], help="all when none is named")
     parser.add_argument("--messages", type=int, default=200000, help="messages of the refresh")
