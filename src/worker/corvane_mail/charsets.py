@@ -3,15 +3,15 @@
 import re
 
 from .charset_codecs import EAST_ASIAN, SHIFTED, VENDOR_SIGNS, codec_for, strictly, utf8, western_text
-from .unicode_text import repair_surrogates, undo_double_encoding
+from .unicode_text import CP1252_SIGNS, repair_surrogates, undo_double_encoding
 
 UTF16_MARKS = (b"\xff\xfe", b"\xfe\xff")
 # Control characters except tab and the line ends; none is a second byte of a multibyte set.
 CONTROLS = bytes(set(range(32)) - {9, 10, 13}) + b"\x7f"
 # Signs that no text for a reader holds: controls, the in-band marks, byte order marks, the vendors' additions to GBK.
-ODD = re.compile("[\x80-\x9f\ue5e5\ue7c7\ue78d-\ue796\ue81e-\ue864\uf0f0-\uf0f3\ufeff\ud800-\udfff]")
+ODD = re.compile("[\x80-\x9f\ud800-\uf8ff\ufeff]")
 UNWANTED = "[\x00-\x08\x0b\x0c\x0e-\x1f\x7f-\x9f\uf0f0-\uf0f3]"
-HIGH_CONTROLS = {c: bytes((c,)).decode("cp1252", "ignore") for c in range(0x80, 0xA0)}
+HIGH_CONTROLS = dict(enumerate(CP1252_SIGNS, 0x80))
 
 
 def decode_text(data, label, hint=""):

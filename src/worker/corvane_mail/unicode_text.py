@@ -4,7 +4,9 @@ import re
 
 INVISIBLE = re.compile("[\u00ad\u034f\u200b\u200e\u200f\u2060\ufeff]|\u200c(?=[\\s\u034f\u200c]|$)")
 
-TO_LATIN1 = {ord(bytes((c,)).decode("cp1252", "replace")): c for c in range(0x80, 0xA0)}
+# What windows-1252 holds where Latin 1 has controls; written out, since its codec would have to be loaded.
+CP1252_SIGNS = "€\x81‚ƒ„…†‡ˆ‰Š‹Œ\x8dŽ\x8f\x90‘’“”•–—˜™š›œ\x9džŸ"
+TO_LATIN1 = {ord(c): 0x80 + i for i, c in enumerate(CP1252_SIGNS)}
 
 
 def repair_surrogates(text):
