@@ -19,6 +19,7 @@ TEXTS = {
     "korean": "안녕하세요. 회의 자료를 첨부하였으니\n확인하여 주시기 바랍니다. 감사합니다.",
     "russian": "Добрый день, высылаю вам материалы\nк нашей встрече в понедельник.",
     "greek": "Καλημέρα, σας στέλνω το υλικό για\nτη συνάντησή μας τη Δευτέρα.",
+    "thai": "สวัสดีครับ ผมขอส่งรายงานการประชุมให้คุณตรวจสอบ",
     "western": "Grüße aus München: “schöne” Tage – für 5 € im Café.",
     "ascii": "Please find the minutes of our meeting attached.",
 }
@@ -33,10 +34,11 @@ CHARSETS = (
     ("vendor", "cp932", ("shift_jis", "cp932", "")), ("japanese", "euc_jp", ("euc-jp", "x-euc-jp", "EUCJP", "gb2312", *LIES[:-1])),
     ("japanese", "iso2022_jp", ("iso-2022-jp", "ISO-2022-JP-MS", "csISO2022JP", "gb2312", "utf-8", *LIES[:-1])),
     ("japanese", "gb18030", ("gb2312", "gbk")), ("russian", "gb18030", ("gb2312", "gbk")),
-    ("korean", "cp949", ("euc-kr", "ks_c_5601-1987", "KS_C_5601", "ksc5601", "uhc", "gb2312", *LIES[:-1])),
+    ("korean", "cp949", ("euc-kr", "ks_c_5601-1987", "KS_C_5601", "ksc5601", "uhc", "x-mac-korean", "gb2312", *LIES[:-1])),
     ("korean", "iso2022_kr", ("iso-2022-kr",)), ("russian", "koi8_r", ("koi8-r", "koi8-u", *LIES[:-1])),
     ("russian", "cp1251", ("windows-1251", "cp1251", "iso-8859-1", "")), ("russian", "iso8859_5", ("iso-8859-5", "")),
     ("russian", "mac_cyrillic", ("x-mac-cyrillic",)), ("greek", "cp1253", ("windows-1253", "")), ("greek", "iso8859_7", ("iso-8859-7",)),
+    ("thai", "cp874", ("windows-874", "tis-620", "")),
     ("western", "cp1252", ("iso-8859-1", "windows-1252", "us-ascii", "iso-8859-15 ", *LIES)), ("western", "mac_roman", ("x-mac-roman", "macintosh")),
     *((name, "utf-8", ("utf-8", "UTF8", "unicode-1-1-utf-8", "gb2312", "big5", "euc-kr", "iso-2022-jp", "windows-1251", "shift_jis", *LIES))
       for name in ("simplified", "traditional", "japanese", "korean", "russian", "western")),

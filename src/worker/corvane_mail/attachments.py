@@ -107,7 +107,7 @@ class Collector:
             return ()
         from .sealed import unsealed
         self.opened += 1
-        inner = unsealed(part)
+        inner = unsealed(part, whole=True)
         return (inner,) if inner else ()
 
 

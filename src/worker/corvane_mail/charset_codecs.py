@@ -14,7 +14,7 @@ CODECS = {label: codec for codec, labels in {
     "big5hkscs": "big5hkscs",
     "cp932": "shiftjis sjis cp932 ms932 windows932 windows31j mskanji macjapanese",
     "euc_jp": "eucjp eucjpms cp51932 ujis",
-    "cp949": "euckr ksc56011987 ksc5601 ksc56011989 cp949 windows949 uhc korean ks",
+    "cp949": "euckr ksc56011987 ksc5601 ksc56011989 cp949 windows949 uhc korean ks mackorean",
     "iso2022": "iso2022jp iso2022jpms iso2022jp1 iso2022jp2 iso2022jp3 iso2022jp2004 iso2022jpext cp50220 cp50221"
                " jis iso2022kr iso2022cn iso2022cnext",
     "utf-8": "utf8 unicode11utf8 utf8mb4",
@@ -22,8 +22,9 @@ CODECS = {label: codec for codec, labels in {
     "utf-16": "utf16 unicode ucs2 iso10646ucs2", "utf-16-le": "utf16le", "utf-16-be": "utf16be",
     "": "usascii ascii ansix341968 646 unknown8bit unknown default defaultcharset 8bit binary none userdefined",
     "cp1252": "iso88591 latin1 88591 ansi windows1252 l1 iso885911987",
-    "cp1254": "iso88599 latin5", "cp874": "iso885911 tis620", "iso8859_8": "iso88598i", "iso8859_6": "iso88596i",
+    "cp1254": "iso88599 latin5", "cp874": "iso885911 tis620 windows874 dos874", "iso8859_8": "iso88598i", "iso8859_6": "iso88596i",
     "mac_roman": "macroman macintosh", "mac_cyrillic": "maccyrillic", "mac_latin2": "macce",
+    "mac_iceland": "macicelandic", "koi8_r": "koi8",
 }.items() for label in labels.split()}
 SHIFTED = frozenset("iso2022 hz utf-7 utf-16 utf-16-le utf-16-be utf-32 utf-32-le utf-32-be".split())
 EAST_ASIAN = frozenset(("gb18030", "cp950", "big5hkscs", "cp932", "euc_jp", "cp949", "johab"))

@@ -5,20 +5,21 @@ import zlib
 from .limits import DEFAULT_LIST_BYTES, MAX_DEPTH
 from .structure import Scanner
 
-SIGNED = b"\x06\x09\x2a\x86\x48\x86\xf7\x0d\x01\x07\x02\xa0"
 COMPRESSED = b"\x06\x0b\x2a\x86\x48\x86\xf7\x0d\x01\x09\x10\x01\x09\xa0"
 CONTENT = b"\x06\x09\x2a\x86\x48\x86\xf7\x0d\x01\x07\x01\xa0"
 
 
-def unsealed(part):
-    """The entity inside a sealed part; None where it can't be read."""
+def unsealed(part, whole=False):
+    """The entity inside a sealed part; None where it can't be read, or is too large and must be whole."""
     data = part.payload()
     content = content_of(data)
     if content and data.find(COMPRESSED, 0, 64) >= 0:
+        unpacker = zlib.decompressobj()
         try:
-            content = zlib.decompressobj().decompress(content, DEFAULT_LIST_BYTES)
+            content = unpacker.decompress(content, DEFAULT_LIST_BYTES)
         except zlib.error:
             return None
+        content = b"" if whole and not unpacker.eof else content
     return Scanner(b"\n" + content, MAX_DEPTH // 2).run() if content else None
 
 
