@@ -38,6 +38,16 @@ POINTS = "“”‘’–—…€•«»°§№£©®™´·\xa0"
 LETTERS = {"koi8_u": CYRILLIC, "cp1251": CYRILLIC, "iso8859_5": CYRILLIC, "cp866": CYRILLIC, "mac_cyrillic": CYRILLIC,
            "cp1253": GREEK, "cp1255": HEBREW, "cp1256": ARABIC, "cp874": THAI, "cp1250": CENTRAL, "iso8859_2": CENTRAL,
            "cp1254": CENTRAL, "cp1252": WESTERN}
+# First bytes (from, to) and the weight of the rarer characters there: first level, second level, signs, other writings.
+PLACES = {
+    "gb18030": ((0xB0, 0xD7, -9.3), (0xD8, 0xF7, -12.2), (0xA4, 0xA5, -6.5), (0xA7, 0xA7, -6.5), (0xA1, 0xA9, -11.0)),
+    "big5hkscs": ((0xA4, 0xC6, -9.7), (0xA1, 0xA3, -10.0), (0xC9, 0xF9, -13.5)),
+    "cp949": ((0xB0, 0xC8, -9.4), (0xAA, 0xAB, -8.0), (0xA1, 0xA3, -9.5), (0xA4, 0xFE, -13.1)),
+    "euc_jp": ((0xB0, 0xCF, -9.9), (0x8E, 0x8E, -8.7), (0xA1, 0xA3, -9.5), (0xD0, 0xF4, -13.6)),
+    "cp932": ((0x88, 0x97, -9.9), (0xA1, 0xDF, -8.7), (0x81, 0x84, -9.5), (0x98, 0xEA, -13.6)),
+}
+# Vendors put more characters where the second byte is low.
+ADDITIONS = {"gb18030": -15.0, "cp949": -13.7}
 # What speaks for a set before its bytes are read.
 BEFORE = {"gb18030": 3.0, "cp1252": 4.0, "cp866": -6.0, "mac_cyrillic": -6.0, "iso8859_5": -3.0,
           "cp1253": -6.0, "cp1255": -4.0, "cp1256": -4.0, "cp874": -4.0}
@@ -50,6 +60,8 @@ CANDIDATES = ("gb18030", "big5hkscs", "cp932", "euc_jp", "cp949", "cp1252", "koi
 # Accented letters of Latin writing seldom stand beside each other, those of other writing beside Latin ones.
 TOUCHING = -2.5
 LATIN = ("cp1252", "cp1250", "iso8859_2", "cp1254")
+BESIDE_OTHERS = "(?<=[^\x00-\x7f])[^\x00-\x7f]"
+BESIDE_LATIN = "(?<=[A-Za-z])[^\x00-\x7f]|[^\x00-\x7f](?=[A-Za-z])"
 ASCII_WEIGHT, BAD_WEIGHT = -3.2, -16.0
 SAMPLE = 600
 STRETCH = re.compile(rb"[A-Za-z]?[\x80-\xff]+(?:[0-~][\x80-\xff]+)*[0-~]?")
@@ -64,7 +76,8 @@ class Weights(dict):
         self.codec = codec
         if codec in LETTERS:
             frequent, others = LETTERS[codec]
-            for letters, weight in ((others.upper(), -6.7), (frequent.upper(), -5.0), (POINTS, -5.6), (others, -4.9), (frequent, -3.0)):
+            for letters, weight in ((others.upper(), -6.7), (frequent.upper(), -5.0), (POINTS, -5.6), (others, -4.9),
+                                    (frequent, -3.0)):
                 self.update((c, weight) for c in letters)
         elif codec == "cp949":
             self.update((c, -5.3) for c in HANGUL)
@@ -84,23 +97,11 @@ class Weights(dict):
             place = c.encode(self.codec)
         except UnicodeError:
             return BAD_WEIGHT
-        lead, trail = place[0], place[-1]
-        return -16.0 if len(place) > 2 else FIRST_LEVELS[self.codec](lead, trail)
-
-
-# The weight of a character by its two bytes: first level, second level, signs, additions of vendors.
-FIRST_LEVELS = {
-    "gb18030": lambda lead, trail: (-15.0 if trail < 0xA1 else -6.5 if lead in (0xA4, 0xA5, 0xA7) else -9.3 if 0xB0 <= lead <= 0xD7 else
-                                    -12.2 if 0xD8 <= lead <= 0xF7 else -11.0 if lead <= 0xA9 else -15.0),
-    "big5hkscs": lambda lead, trail: -9.7 if 0xA4 <= lead <= 0xC6 else -10.0 if 0xA1 <= lead <= 0xA3 else
-                 -13.5 if 0xC9 <= lead <= 0xF9 else -16.0,
-    "cp949": lambda lead, trail: (-13.7 if trail < 0xA1 or lead < 0xA1 else -9.4 if 0xB0 <= lead <= 0xC8 else
-                                  -8.0 if lead in (0xAA, 0xAB) else -9.5 if lead <= 0xA3 else -13.1),
-    "euc_jp": lambda lead, trail: (-8.7 if lead == 0x8E else -9.9 if 0xB0 <= lead <= 0xCF else
-                                   -9.5 if lead <= 0xA3 else -13.6 if 0xD0 <= lead <= 0xF4 else -15.0),
-    "cp932": lambda lead, trail: (-8.7 if 0xA1 <= lead <= 0xDF else -9.9 if 0x88 <= lead <= 0x97 else
-                                  -9.5 if lead <= 0x84 else -13.6 if 0x98 <= lead <= 0xEA else -15.0),
-}
+        if len(place) > 2:
+            return BAD_WEIGHT
+        if place[-1] < 0xA1 and self.codec in ADDITIONS:
+            return ADDITIONS[self.codec]
+        return next((weight for first, last, weight in PLACES[self.codec] if first <= place[0] <= last), -15.0)
 
 
 @lru_cache(maxsize=None)
@@ -113,8 +114,7 @@ def likeliness(text, codec):
     score = sum(map(weights(codec).__getitem__, text))
     wide = len(text) - len(text.encode("ascii", "ignore"))
     if wide and codec in LETTERS:
-        beside = "(?<=[^\x00-\x7f])[^\x00-\x7f]" if codec in LATIN else "(?<=[A-Za-z])[^\x00-\x7f]|[^\x00-\x7f](?=[A-Za-z])"
-        score += TOUCHING * len(re.findall(beside, text))
+        score += TOUCHING * len(re.findall(BESIDE_OTHERS if codec in LATIN else BESIDE_LATIN, text))
     return score, wide
 
 
@@ -133,24 +133,33 @@ def reads_well(text, codec):
     if codec == "gb18030" and len(re.findall("[\u3041-\u30ff]", start)) * 4 > wide:
         return False  # Japanese, which stands in GBK at the same places as in EUC-JP
     ascii_score = ASCII_WEIGHT * (len(start) - wide)
-    return not wide or (score - ascii_score) / wide > (-8.0 if codec in EAST_ASIAN else -4.5)
+    least = -8.0 if codec in EAST_ASIAN else -5.7 if codec == "cp1252" else -4.5
+    return not wide or (score - ascii_score) / wide > least
 
 
 def guess(data, declared="", hint=""):
     """The likeliest codec of bytes whose label is missing or may lie; declared and hint need less to be it."""
     sample = sample_of(data)
     declared, hint = TWINS.get(declared, declared), TWINS.get(hint, hint)
-    best, best_score = "cp1252", float("-inf")
-    for codec in {**dict.fromkeys(CANDIDATES), **dict.fromkeys({declared, hint} & LETTERS.keys())}:
-        text = western_text(sample) if codec == "cp1252" else sample.decode(codec, "replace_bad" if codec in EAST_ASIAN else "replace")
-        score, wide = likeliness(text[:-1] if len(sample) == SAMPLE and text[-1:] == "\ufffd" else text, codec)
-        score += BEFORE.get(codec, 0.0)
-        if codec == declared:
-            score += 8.0 + 0.3 * wide if codec == "cp1252" else 12.0 + (0.8 if codec in LETTERS else 0.4) * wide
-        elif codec == hint:
-            score += 5.0
-        elif codec in LETTERS and declared in EAST_ASIAN:
-            score -= 8.0
-        if score > best_score:
-            best, best_score = codec, score
-    return best
+
+    def score(codec):
+        weight, wide = likeliness(reading(sample, codec), codec)
+        return weight + leaning(codec, wide, declared, hint)
+    return max(dict.fromkeys((*CANDIDATES, *({declared, hint} & LETTERS.keys()))), key=score)
+
+
+def reading(sample, codec):
+    if codec == "cp1252":
+        return western_text(sample)
+    text = sample.decode(codec, "replace_bad" if codec in EAST_ASIAN else "replace")
+    return text[:-1] if len(sample) == SAMPLE and text[-1:] == "\ufffd" else text
+
+
+def leaning(codec, wide, declared, hint):
+    """What speaks for a set whatever the bytes are; a label that was meant to be right holds for every character."""
+    before = BEFORE.get(codec, 0.0)
+    if codec == declared:
+        return before + (8.0 + 0.3 * wide if codec == "cp1252" else 12.0 + (0.8 if codec in LETTERS else 0.4) * wide)
+    if codec == hint:
+        return before + 5.0
+    return before - (8.0 if codec in LETTERS and declared in EAST_ASIAN else 0.0)

@@ -6,6 +6,7 @@ from .charset_codecs import EAST_ASIAN, SHIFTED, VENDOR_SIGNS, codec_for, strict
 from .unicode_text import CP1252_SIGNS, repair_surrogates, undo_double_encoding
 
 UTF16_MARKS = (b"\xff\xfe", b"\xfe\xff")
+ASCII = bytes(range(128))
 # Control characters except tab and the line ends; none is a second byte of a multibyte set.
 CONTROLS = bytes(set(range(32)) - {9, 10, 13}) + b"\x7f"
 # Signs that no text for a reader holds: controls, the in-band marks, byte order marks, the vendors' additions to GBK.
@@ -75,6 +76,9 @@ def declared_text(data, codec):
     if text is None and codec == "euc_jp":
         from .shifted_charsets import euc_by_cp932
         text = euc_by_cp932(data)
+    if text is None and codec not in EAST_ASIAN and codec != "cp1252":
+        text = data.decode(codec, "replace")
+        text = None if text.count("\ufffd") * 20 > len(data.translate(None, ASCII)) else text
     return text if text is not None and reads_well(text, codec) else None
 
 
