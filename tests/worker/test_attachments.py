@@ -85,6 +85,14 @@ class Listing(unittest.TestCase):
     def test_the_body_is_not_an_attachment_for_its_name(self):
         self.assertEqual(attachments(mail(b"Content-Type: text/plain; name=\"body.txt\"\n\ntext")), [])
         self.assertEqual([each.name for each in attachments(mail(b"Content-Type: application/pdf; name=a.pdf\n\nx"))], ["a.pdf"])
+        named = [part("x", kind + "; name=\"body\"", charset="") for kind in ("text/plain", "text/html")]
+        self.assertEqual(attachments(mail(multipart("alternative", *named))), [])
+
+    def test_both_halves_of_a_mac_file_are_one_attachment(self):
+        halves = [attached(b"Content-Disposition: attachment; filename=\"x.doc\"", data, kind)
+                  for data, kind in ((b"\0\5\x16\7", "application/applefile"), (PDF, "application/msword"))]
+        found = attachments(mail(multipart("mixed", part("b"), multipart("appledouble", *halves, boundary="mac"))))
+        self.assertEqual([(each.name, each.data()) for each in found], [("x.doc", PDF)])
 
     def test_bytes_and_sizes(self):
         crlf = b"line one\r\nline two\r\n"

@@ -95,6 +95,16 @@ class TransferEncodings(unittest.TestCase):
             head = "Content-Type: text/plain; charset=utf-8\nContent-Transfer-Encoding: %s\n\n" % field
             self.assertEqual(body(head.encode() + data), SIMPLIFIED, (field, data[:30]))
 
+    def test_forgotten_and_false_encodings(self):
+        raw = (SIMPLIFIED * 3).encode()
+        b64, soft = base64.encodebytes(raw), encode(raw, "quoted-printable")
+        key = base64.encodebytes(bytes(range(256)))
+        for declared, data, expected in (("", b64, raw), ("7bit", b64, raw), ("quoted-printable", b64, raw), ("", soft, raw), ("8bit", soft, raw),
+                                         ("base64", soft, raw), ("base64", b"Hello", b"Hello"), ("", key, key), ("quoted-printable", raw, raw),
+                                         ("", b"a=E4=BD and x=1", b"a=E4=BD and x=1")):
+            head = "Content-Type: text/plain; charset=utf-8\nContent-Transfer-Encoding: %s\n\n" % declared
+            self.assertEqual(body(head.encode() + data), expected.decode().strip(), (declared, data[:20]))
+
     def test_text_behind_base64_is_kept(self):
         data = base64.encodebytes(b"hello world, this is the body of it all\n" * 2) + b"\n_______\nlist footer of some words\n"
         text = body(b"Content-Transfer-Encoding: base64\n\n" + data)

@@ -14,8 +14,9 @@ EXTENSIONS = {"application/pdf": ".pdf", "application/zip": ".zip", "application
               "image/heic": ".heic", "text/plain": ".txt", "text/html": ".html", "text/calendar": ".ics", "text/csv": ".csv",
               "text/rtf": ".rtf", "application/rtf": ".rtf", "application/vnd.ms-excel": ".xls",
               "application/vnd.ms-powerpoint": ".ppt", OFFICE + "wordprocessingml.document": ".docx",
-              OFFICE + "spreadsheetml.sheet": ".xlsx", OFFICE + "presentationml.presentation": ".pptx", "audio/mpeg": ".mp3",
-              "text/vcard": ".vcf", "text/x-vcard": ".vcf", "video/mp4": ".mp4", "application/ics": ".ics", "text/xml": ".xml",
+              OFFICE + "spreadsheetml.sheet": ".xlsx", OFFICE + "presentationml.presentation": ".pptx",
+              "audio/mpeg": ".mp3", "text/vcard": ".vcf", "text/x-vcard": ".vcf", "video/mp4": ".mp4",
+              "application/ics": ".ics", "text/xml": ".xml",
               "application/x-zip-compressed": ".zip", "application/json": ".json", "image/svg+xml": ".svg"}
 FIXED_NAMES = {**dict.fromkeys(SEALED_TYPES, "smime.p7m"), **dict.fromkeys(WINMAIL_TYPES, "winmail.dat")}
 SILENT_TYPES = ("application/pgp-signature", "application/pgp-encrypted", "application/pkcs7-signature",
@@ -54,6 +55,8 @@ def attachments_of(root):
 
 
 class Collector:
+    """Walks the parts of a message once, in their order."""
+
     def __init__(self, root):
         self.found, self.body_seen, self.opened = [], False, 0
         self.hint = codec_for(first_charset(root)) or declared_in_words(root.fields)
@@ -67,7 +70,7 @@ class Collector:
     def _add(self, part, group):
         if part.kind.startswith("multipart/") or group == "multipart/appledouble" and part.kind == "application/applefile":
             return
-        if self._is_body(part):
+        if self._is_body(part, group):
             return
         name = part_name(part, self.hint)
         if name or is_nameless_attachment(part, group):
@@ -75,7 +78,7 @@ class Collector:
         if part.is_winmail:
             self._add_packed(part)
 
-    def _is_body(self, part):
+    def _is_body(self, part, group):
         """Whether part is the text of the message; notes the files that stand inside any plain text."""
         if part.is_attachment or part.parts or part.kind != "text/plain" and part.kind not in HTML_TYPES:
             return False
@@ -85,7 +88,7 @@ class Collector:
             if part.is_binary(data):
                 return False
         first, self.body_seen = not self.body_seen, True
-        return first and b"filename" not in part.named
+        return (first or group == "multipart/alternative") and b"filename" not in part.named
 
     def _add_inline(self, part, data):
         if b"begin " not in data:
@@ -98,8 +101,7 @@ class Collector:
     def _add_packed(self, part):
         from .tnef import Tnef
         for name, kind, data in Tnef(part.payload()).files:
-            number = len(self.found) + 1
-            name = decode_name(name.encode("utf-8", "replace"), b"utf-8", "") or "附件%d%s" % (number, EXTENSIONS.get(kind, ""))
+            name = decode_name(name.encode("utf-8", "replace"), b"utf-8", "") or numbered(kind, len(self.found) + 1)
             self.found.append(Attachment(name, kind, part, lambda data=data: data))
 
     def _sealed_parts(self, part):
@@ -146,4 +148,8 @@ def name_for(part, number):
     described = decode_name(part.fields.get(b"content-description", b"")[:500], None, "")
     if re.fullmatch(r"[^\\/:]{1,120}\.[A-Za-z0-9]{2,5}", described):
         return described
-    return "附件" + str(number) + EXTENSIONS.get(part.kind, "")
+    return numbered(part.kind, number)
+
+
+def numbered(kind, number):
+    return "附件%d%s" % (number, EXTENSIONS.get(kind, ""))

@@ -13,7 +13,7 @@ ENCRYPTED_NOTICE = "（加密邮件，无法显示正文）"
 NO_BODY_TYPES = frozenset("text/vcard text/x-vcard text/directory text/css text/javascript text/x-amp-html text/xml text/csv"
                           " text/x-moz-deleted message/external-body".split())
 CALENDAR_TYPES = ("text/calendar", "application/ics")
-RTF_TYPES = ("text/rtf", "application/rtf", "text/richtext-format")
+RTF_TYPES = ("text/rtf", "application/rtf", "application/x-rtf")
 
 
 class Body:
@@ -113,12 +113,12 @@ class Body:
         if part.kind in CALENDAR_TYPES or part.name_ends(b".ics"):
             from .calendar_text import calendar_text
             return calendar_text(plain_leaf(part, self.hint)[0])
+        if part.is_named:
+            return ""
         if part.kind in RTF_TYPES:
             from .rtf_text import rtf_text
             return rtf_text(part.payload(text=True)[:1 << 20])
-        if part.is_named or part.kind not in ("text/plain", *HTML_TYPES):
-            return ""
-        return self._shown(part)
+        return self._shown(part) if part.kind == "text/plain" or part.kind in HTML_TYPES else ""
 
 
 def shown_parts(related):

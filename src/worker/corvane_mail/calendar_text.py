@@ -25,12 +25,12 @@ def event_text(event):
 
     def value(name):
         return fields.get(name, ("", ""))[0]
-    organizer = re.search(r"CN=(?:\"([^\"]*)\"|([^;]+))", fields.get("ORGANIZER", ("", ""))[1])
+    named = re.search(r"CN=(?:\"([^\"]*)\"|([^;]+))", fields.get("ORGANIZER", ("", ""))[1])
+    organizer = named.group(1) or named.group(2) if named else re.sub("(?i)^mailto:", "", value("ORGANIZER"))
     lines = (("日程：", value("SUMMARY")),
              ("时间：", " – ".join(filter(None, map(moment, (value("DTSTART"), value("DTEND") or value("DUE")))))),
              ("地点：", value("LOCATION")),
-             ("组织者：", organizer.group(1) or organizer.group(2) if organizer else re.sub("(?i)^mailto:", "", value("ORGANIZER"))),
-             ("", value("DESCRIPTION")))
+             ("组织者：", organizer), ("", value("DESCRIPTION")))
     return "\n".join(label + text for label, text in lines if text)
 
 

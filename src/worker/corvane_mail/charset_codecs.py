@@ -22,7 +22,8 @@ CODECS = {label: codec for codec, labels in {
     "utf-16": "utf16 unicode ucs2 iso10646ucs2", "utf-16-le": "utf16le", "utf-16-be": "utf16be",
     "": "usascii ascii ansix341968 646 unknown8bit unknown default defaultcharset 8bit binary none userdefined",
     "cp1252": "iso88591 latin1 88591 ansi windows1252 l1 iso885911987",
-    "cp1254": "iso88599 latin5", "cp874": "iso885911 tis620 windows874 dos874", "iso8859_8": "iso88598i", "iso8859_6": "iso88596i",
+    "cp1254": "iso88599 latin5", "cp874": "iso885911 tis620 windows874 dos874",
+    "iso8859_8": "iso88598i", "iso8859_6": "iso88596i",
     "mac_roman": "macroman macintosh", "mac_cyrillic": "maccyrillic", "mac_latin2": "macce",
     "mac_iceland": "macicelandic", "koi8_r": "koi8",
 }.items() for label in labels.split()}

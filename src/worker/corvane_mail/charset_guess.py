@@ -35,6 +35,7 @@ THAI = ("านรอกเงมยลวดทสต", "ะัาำิีึ�
 CENTRAL = ("áéíóöüąęłżśćěščřžőşţăğış", "äńźýůťďňúűđôçĺŕľîâëİ")
 WESTERN = ("éèàäöüßçñóáíêúãåøæ", "âîôûëïìòùõœšžýÿðþÉÈÀÄÖÜÇÑÓÁÍÊÚÃÅØÆÂÔŒŠŽ")
 POINTS = "“”‘’–—…€•«»°§№£©®™´·\xa0"
+NO_POINTS = dict.fromkeys(map(ord, POINTS))
 LETTERS = {"koi8_u": CYRILLIC, "cp1251": CYRILLIC, "iso8859_5": CYRILLIC, "cp866": CYRILLIC, "mac_cyrillic": CYRILLIC,
            "cp1253": GREEK, "cp1255": HEBREW, "cp1256": ARABIC, "cp874": THAI, "cp1250": CENTRAL, "iso8859_2": CENTRAL,
            "cp1254": CENTRAL, "cp1252": WESTERN}
@@ -129,12 +130,12 @@ def reads_well(text, codec):
     if codec not in EAST_ASIAN and codec not in LETTERS:
         return True
     start = text[:200] if not text[:200].isascii() else re.sub("[\x00-\x7f]+", "", text[:65536])[:200]
+    start = start.translate(NO_POINTS) if codec == "cp1252" else start
     score, wide = likeliness(start, codec)
     if codec == "gb18030" and len(re.findall("[\u3041-\u30ff]", start)) * 4 > wide:
         return False  # Japanese, which stands in GBK at the same places as in EUC-JP
     ascii_score = ASCII_WEIGHT * (len(start) - wide)
-    least = -8.0 if codec in EAST_ASIAN else -5.7 if codec == "cp1252" else -4.5
-    return not wide or (score - ascii_score) / wide > least
+    return not wide or (score - ascii_score) / wide > (-8.0 if codec in EAST_ASIAN else -4.5)
 
 
 def guess(data, declared="", hint=""):

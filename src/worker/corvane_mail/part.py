@@ -7,8 +7,8 @@ from .header_values import parameter, parse_field
 from .limits import MAX_FIELD, MAX_HEADER
 from .transfer import decode_base64, decode_base64_text, decode_quoted_printable, hidden_base64, is_quoted_printable
 
-FIELDS = re.compile(rb"\n(?=[cdfstx])(content-(?:type|transfer-encoding|disposition|id|description)|x-apple-content-length|from|to"
-                    rb"|subject|date)[ \t]*:[ \t]*([^\n]*(?:\n[ \t][^\n]*)*)", re.I)
+FIELDS = re.compile(rb"\n(?=[cdfstx])(content-(?:type|transfer-encoding|disposition|id|description)"
+                    rb"|x-apple-content-length|from|to|subject|date)[ \t]*:[ \t]*([^\n]*(?:\n[ \t][^\n]*)*)", re.I)
 
 
 BARE_TYPES = {b"text": "text/plain", b"plain": "text/plain", b"html": "text/html", b"text/": "text/plain"}

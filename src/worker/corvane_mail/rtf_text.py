@@ -10,8 +10,8 @@ from .html_text import html_text
 from .limits import CLOCK
 
 TOKEN = re.compile(rb"\\([a-zA-Z]{1,32})(-?[0-9]{1,10})? ?|\\'([0-9a-fA-F]{2})|\\(.)|([{}])|([^\\{}\r\n]+)", re.S)
-BREAKS = {b"par": "\n", b"line": "\n", b"sect": "\n", b"page": "\n", b"row": "\n", b"tab": "\t", b"cell": "\t", b"emdash": "—",
-          b"endash": "–", b"lquote": "‘", b"rquote": "’", b"ldblquote": "“", b"rdblquote": "”", b"bullet": "•"}
+BREAKS = {b"par": "\n", b"line": "\n", b"sect": "\n", b"page": "\n", b"row": "\n", b"tab": "\t", b"cell": "\t",
+          b"emdash": "—", b"endash": "–", b"lquote": "‘", b"rquote": "’", b"ldblquote": "“", b"rdblquote": "”", b"bullet": "•"}
 SIGNS = {b"~": "\xa0", b"_": "-", b"\n": "\n", b"\r": "\n", b"\\": "\\", b"{": "{", b"}": "}"}
 UNSHOWN = frozenset((b"fonttbl", b"colortbl", b"stylesheet", b"info", b"pict", b"object", b"header", b"footer", b"generator",
                      b"themedata", b"datastore", b"listtable", b"xmlnstbl", b"fldinst"))
@@ -111,8 +111,9 @@ def rtf_text(data):
 
 
 # What every compressed text is taken to stand behind ([MS-OXRTFCP] 2.1.2.1).
-LEAD = (b"{\\rtf1\\ansi\\mac\\deff0\\deftab720{\\fonttbl;}{\\f0\\fnil \\froman \\fswiss \\fmodern \\fscript \\fdecor MS Sans "
-        b"SerifSymbolArialTimes New RomanCourier{\\colortbl\\red0\\green0\\blue0\r\n\\par \\pard\\plain\\f0\\fs20\\b\\i\\u\\tab\\tx")
+LEAD = (b"{\\rtf1\\ansi\\mac\\deff0\\deftab720{\\fonttbl;}{\\f0\\fnil \\froman \\fswiss \\fmodern \\fscript \\fdecor "
+        b"MS Sans SerifSymbolArialTimes New RomanCourier{\\colortbl\\red0\\green0\\blue0\r\n"
+        b"\\par \\pard\\plain\\f0\\fs20\\b\\i\\u\\tab\\tx")
 
 
 def decompressed(data, limit=1 << 20):

@@ -39,8 +39,8 @@ def decode_base64_text(raw):
     rest = raw[lines:].strip()
     if len(rest.translate(None, BASE64_DIGITS + b"=\r\n\t")) * 20 <= len(rest) and not rest.startswith(b"--"):
         data = decode_base64(raw)
-        is_word = len(raw) < 100 and len(b"".join(raw.split())) % 4 and b"=" not in raw and data.translate(None, NO_TEXT) != data
-        return raw if is_word else data
+        uneven = len(raw) < 100 and len(b"".join(raw.split())) % 4 and b"=" not in raw
+        return raw if uneven and data.translate(None, NO_TEXT) != data else data
     return decode_base64(raw[:lines]) + b"\n" + rest if lines > 40 else raw
 
 
