@@ -124,7 +124,7 @@ void ArchiveCandidatesModel::toggleAllTicks() {
 QString ArchiveCandidatesModel::spokenCandidate(int row) const {
     const MailMessageRecord* const message = this->message(row);
     if (message == nullptr) return {};
-    return spokenName(row) + (isTicked(*message) ? QStringLiteral("，已勾选") : QStringLiteral("，未勾选"));
+    return spokenName(*message) + (isTicked(*message) ? QStringLiteral("，已勾选") : QStringLiteral("，未勾选"));
 }
 
 } // namespace corvane

@@ -31,8 +31,8 @@ class MessageListModel : public QAbstractListModel {
         SizeTextRole,
         AttachmentCountRole,
         ArchivedRole,
-        SelectedRole,
         SpokenNameRole,
+        SelectedRole, // the last: lists of messages with more to show go on from here
     };
 
     explicit MessageListModel(QObject* parent = nullptr);
