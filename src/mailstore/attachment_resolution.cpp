@@ -5,7 +5,6 @@
 #include <unordered_set>
 
 #include "mailstore/attachment_names.h"
-#include "platform/directory.h"
 #include "text/case.h"
 #include "text/regex.h"
 
@@ -42,7 +41,7 @@ std::vector<MailAttachmentRecord> fromStoredFiles(const FileURL& messageFile,
     timing.externalAttachmentHits += static_cast<std::int64_t>(files.size());
     std::vector<MailAttachmentRecord> attachments;
     std::unordered_set<std::string> seen;
-    for (const FileURL& file : files) {
+    for (const StoredAttachment& file : files) {
         auto found = attachmentFromFile(file);
         if (found && seen.insert(text::lowercased(found->fileName)).second)
             attachments.push_back(std::move(*found));
@@ -80,14 +79,13 @@ std::optional<MailAttachmentRecord> attachmentFromName(std::string_view writtenN
     return attachment(name, contentType);
 }
 
-std::optional<MailAttachmentRecord> attachmentFromFile(const FileURL& file) {
-    const std::string name = cleanAttachmentName(file.lastPathComponent());
+std::optional<MailAttachmentRecord> attachmentFromFile(const StoredAttachment& file) {
+    const std::string name = cleanAttachmentName(file.url.lastPathComponent());
     if (name.empty()) return std::nullopt;
-    const auto size = platform::fileSize(file.path().str());
-    if (hasImageExtension(name) && size.value_or(0) < smallestImageAttachmentBytes) return std::nullopt;
+    if (hasImageExtension(name) && file.size.value_or(0) < smallestImageAttachmentBytes) return std::nullopt;
     MailAttachmentRecord stored = attachment(name, {});
-    stored.estimatedSize = size;
-    stored.sourceFileURL = file;
+    stored.estimatedSize = file.size;
+    stored.sourceFileURL = file.url;
     return stored;
 }
 

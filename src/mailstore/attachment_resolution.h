@@ -40,7 +40,7 @@ bool mayContainEmbeddedAttachment(std::string_view mimeText);
 std::optional<MailAttachmentRecord> attachmentFromName(std::string_view writtenName,
                                                        std::string_view contentType);
 
-// A record of a stored file; nothing for an empty name and for small pictures. Looks at the file's size.
-std::optional<MailAttachmentRecord> attachmentFromFile(const FileURL& file);
+// A record of a stored file; nothing for an empty name and for small pictures.
+std::optional<MailAttachmentRecord> attachmentFromFile(const StoredAttachment& file);
 
 } // namespace corvane::mailstore

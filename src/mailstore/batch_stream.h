@@ -20,7 +20,10 @@ class BatchStream {
       : handle_(handle)
       , timing_(timing) {}
 
-    void addVisited(std::optional<MailMessageRecord> record) {
+    // So many more will be visited.
+    void expect(std::size_t count) { expected_ += count; }
+
+    void addVisited(std::optional<MailMessageRecord>&& record) {
         ++visited_;
         if (record) pending_.push_back(std::move(*record));
         if (pending_.size() >= fullBatch || visited_ % progressStep == 0 ||
@@ -31,6 +34,7 @@ class BatchStream {
     void flush() {
         MailDataScanner::Batch batch{.scannedCount = visited_,
                                      .visitedCount = visited_,
+                                     .foundCount = expected_,
                                      .records = std::exchange(pending_, {}),
                                      .timingLog = summary()};
         pending_.reserve(fullBatch);
@@ -50,6 +54,7 @@ class BatchStream {
     const MailDataScanner::BatchHandler& handle_;
     const ScanTimingMetrics& timing_;
     MessageList pending_;
+    std::size_t expected_ = 0;
     std::int64_t visited_ = 0;
     ScanTimingMetrics::Clock::time_point lastBatch_ = ScanTimingMetrics::Clock::now();
 };

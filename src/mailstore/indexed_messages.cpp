@@ -1,21 +1,16 @@
 #include "mailstore/indexed_messages.h"
 
-#include <thread>
-
 #include <fmt/format.h>
 
 #include "mailstore/attachment_names.h"
 #include "mailstore/index_sql.h"
 #include "mailstore/mail_index_query_error.h"
-#include "mailstore/message_file_index.h"
 #include "mailstore/message_identifiers.h"
 #include "mailstore/preview_placeholders.h"
 #include "mailstore/reader_logs.h"
-#include "mailstore/sqlite_shell.h"
 #include "mailstore/store_location.h"
 #include "mailstore/text_parts.h"
 #include "platform/directory.h"
-#include "text/case.h"
 
 namespace corvane::mailstore {
 
@@ -47,76 +42,23 @@ platform::TemporaryFile requireOutput(const MailStoreContext& context, ShellResu
     throw MailIndexQueryError(ErrorKind::timedOut);
 }
 
-class CandidateRows {
-  public:
-    // Nothing for a row that can't be used.
-    std::optional<IndexedMessageCandidate> candidate(JsonRow& row) {
-        const auto rowID = row.integer("rowid");
-        if (!rowID) return std::nullopt;
-        IndexedMessageCandidate candidate;
-        candidate.rowID = *rowID;
-        candidate.mailboxURL = repeated(row, "url");
-        candidate.subject = row.text("subject").value_or("");
-        candidate.senderName = repeated(row, "senderName");
-        candidate.senderAddress = repeated(row, "senderAddress");
-        candidate.recipients = repeated(row, "recipients");
-        candidate.timestamp = row.integer("msgDate").value_or(0);
-        candidate.size = row.integer("msgSize").value_or(0);
-        candidate.messageIDHeader = row.text("messageId").value_or("");
-        candidate.attachmentNames = attachmentNames(row.text("attachments").value_or(""));
-        return candidate;
+std::vector<std::string> attachmentNames(std::string_view joined) {
+    std::vector<std::string> names;
+    if (joined.empty()) return names;
+    for (const std::string_view part : splitNonEmpty(joined, '\x1F')) {
+        for (std::string& name : splitCaretJoinedName(part)) names.push_back(std::move(name));
     }
-
-  private:
-    SharedText repeated(JsonRow& row, std::string_view column) {
-        return texts_(row.text(column).value_or(""));
-    }
-
-    static std::vector<SharedText> attachmentNames(std::string_view joined) {
-        std::vector<SharedText> names;
-        if (joined.empty()) return names;
-        for (const std::string_view part : splitNonEmpty(joined, '\x1F')) {
-            for (const std::string& name : splitCaretJoinedName(part)) names.emplace_back(name);
-        }
-        return names;
-    }
-
-    TextInterner texts_;
-};
-
-// Lists the folders of the wanted accounts while the shell is at work. Ended before anything is asked of the
-// index.
-class Prefetch {
-  public:
-    Prefetch(MessageFileIndex& index, const std::vector<std::string>& accountURLPrefixes)
-      : thread_([&index, prefixes = accountURLPrefixes](const std::stop_token& stop) {
-          index.prefetch(stop, [&](std::string_view account) { return isWanted(account, prefixes); });
-      }) {}
-
-    void finish() {
-        if (!thread_.joinable()) return;
-        thread_.request_stop();
-        thread_.join();
-    }
-
-  private:
-    static bool isWanted(std::string_view account, const std::vector<std::string>& prefixes) {
-        return prefixes.empty() || std::ranges::any_of(prefixes, [&](const std::string& prefix) {
-                   return text::containsIgnoringCase(prefix, account);
-               });
-    }
-
-    std::jthread thread_;
-};
+    return names;
+}
 
 } // namespace
 
-void visitIndexedCandidates(const MailStoreContext& context, const std::string& rootPath,
-                            const CandidateFilter& filter, const std::stop_token& stop,
-                            const std::function<void(IndexedMessageCandidate&&)>& visit) {
+platform::TemporaryFile runCandidateQuery(const MailStoreContext& context, const std::string& rootPath,
+                                          const CandidateFilter& filter, const std::stop_token& stop,
+                                          const OutputFollower& follow) {
     if (!canQueryEnvelopeIndex(context, rootPath)) throw MailIndexQueryError(ErrorKind::unavailable);
     const std::string index = envelopeIndexPath(rootPath);
-    const platform::TemporaryFile output = requireOutput(
+    return requireOutput(
         context, runShell(context,
                           {.databasePath = index,
                            .sql = candidateQuery(filter, messageIdHeaderColumnExists(context, index, stop)),
@@ -124,55 +66,37 @@ void visitIndexedCandidates(const MailStoreContext& context, const std::string& 
                            .outputPrefix = "corvane-envelope-",
                            .outputExtension = ".tsv",
                            .timeLimit = context.queryTimeLimit},
-                          stop));
-    CandidateRows rows;
+                          stop, follow));
+}
+
+std::optional<IndexedMessageCandidate> candidateOf(JsonRow& row) {
+    const auto rowID = row.integer("rowid");
+    if (!rowID) return std::nullopt;
+    IndexedMessageCandidate candidate;
+    candidate.rowID = *rowID;
+    candidate.mailboxURL = row.text("url").value_or("");
+    candidate.subject = row.text("subject").value_or("");
+    candidate.senderName = row.text("senderName").value_or("");
+    candidate.senderAddress = row.text("senderAddress").value_or("");
+    candidate.recipients = row.text("recipients").value_or("");
+    candidate.timestamp = row.integer("msgDate").value_or(0);
+    candidate.size = row.integer("msgSize").value_or(0);
+    candidate.messageIDHeader = row.text("messageId").value_or("");
+    candidate.attachmentNames = attachmentNames(row.text("attachments").value_or(""));
+    return candidate;
+}
+
+void visitIndexedCandidates(const MailStoreContext& context, const std::string& rootPath,
+                            const CandidateFilter& filter, const std::stop_token& stop,
+                            const std::function<void(const IndexedMessageCandidate&)>& visit) {
+    const platform::TemporaryFile output = runCandidateQuery(context, rootPath, filter, stop);
     const bool isWhole = readJsonRows(output.path(), [&](JsonRow& row) {
         if (stop.stop_requested()) throw ScanStopped();
-        auto candidate = rows.candidate(row);
+        const auto candidate = candidateOf(row);
         if (!candidate || (filter.requireIndexedAttachments && candidate->attachmentNames.empty())) return;
-        visit(std::move(*candidate));
+        visit(*candidate);
     });
     if (!isWhole) throw MailIndexQueryError(ErrorKind::unreadableOutput);
-}
-
-std::vector<IndexedMessageCandidate> indexedMessageCandidates(const MailStoreContext& context,
-                                                              const std::string& rootPath,
-                                                              const CandidateFilter& filter,
-                                                              const std::stop_token& stop) {
-    std::vector<IndexedMessageCandidate> candidates;
-    visitIndexedCandidates(context, rootPath, filter, stop, [&](IndexedMessageCandidate&& candidate) {
-        candidates.push_back(std::move(candidate));
-    });
-    return candidates;
-}
-
-std::optional<IndexedMessageFiles> indexedMessages(const MailStoreContext& context,
-                                                   const std::string& rootPath,
-                                                   std::optional<std::int64_t> maximumYear,
-                                                   const std::vector<std::string>& accountURLPrefixes,
-                                                   ScanTimingMetrics* timing, const std::stop_token& stop) {
-    double unwatched = 0;
-    const SecondsCounter elapsed(timing != nullptr ? timing->envelopeIndexSeconds : unwatched);
-    IndexedMessageFiles found;
-    MessageFileIndex fileIndex(rootPath);
-    Prefetch prefetch(fileIndex, accountURLPrefixes);
-    std::int64_t visited = 0;
-    try {
-        const CandidateFilter filter{.maximumYear = maximumYear, .accountURLPrefixes = accountURLPrefixes};
-        visitIndexedCandidates(context, rootPath, filter, stop, [&](IndexedMessageCandidate&& candidate) {
-            prefetch.finish();
-            ++visited;
-            const auto path = fileIndex.existingFilePath(candidate.mailboxURL, candidate.rowID);
-            if (!path) return;
-            found.files.emplace_back(SharedText(*path));
-            found.candidates.push_back(std::move(candidate));
-        });
-    } catch (const MailIndexQueryError& error) {
-        if (error.kind() == ErrorKind::unavailable) return std::nullopt;
-        throw;
-    }
-    if (timing != nullptr) timing->envelopeIndexedMessages = visited;
-    return found;
 }
 
 MailboxLabels mailboxLabels(std::string_view mailboxURL, const AccountNames& accountNamesByPrefix) {
@@ -186,16 +110,16 @@ MailboxLabels mailboxLabels(std::string_view mailboxURL, const AccountNames& acc
 
 MailMessageRecord recordFromCandidate(const IndexedMessageCandidate& candidate, const FileURL& fileURL,
                                       std::vector<MailAttachmentRecord> attachments,
-                                      const MailboxLabels& labels) {
+                                      const MailboxLabels& labels, TextInterner& texts) {
     static const SharedText noSubject("无主题");
     static const SharedText noSender("发件人未知");
     static const SharedText preview(lazyPreviewPlaceholder);
     MailMessageRecord record;
     record.id = fileURL.path();
-    record.subject = candidate.subject.empty() ? noSubject : candidate.subject;
-    record.sender = formattedAddress(candidate.senderName, candidate.senderAddress);
+    record.subject = candidate.subject.empty() ? noSubject : SharedText(candidate.subject);
+    record.sender = texts(formattedAddress(candidate.senderName, candidate.senderAddress));
     if (record.sender.empty()) record.sender = noSender;
-    record.recipients = candidate.recipients;
+    record.recipients = texts(candidate.recipients);
     if (candidate.timestamp >= 1) record.date = Date(std::chrono::seconds(candidate.timestamp));
     record.mailbox = labels.mailbox;
     record.accountIdentifier = labels.accountIdentifier;

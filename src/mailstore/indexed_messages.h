@@ -1,4 +1,4 @@
-// The messages that the index knows, and their files: what a scan lists without opening a message. Background
+// The messages that the index knows: what a scan lists without opening a message. Background
 // work; any thread.
 #pragma once
 
@@ -11,33 +11,29 @@
 #include <utility>
 #include <vector>
 
+#include "mailstore/json_rows.h"
 #include "mailstore/mail_store_context.h"
 #include "mailstore/mailbox_url.h"
-#include "mailstore/scan_timing_metrics.h"
+#include "mailstore/sqlite_shell.h"
+#include "platform/temporary_file.h"
 #include "records/file_url.h"
 #include "records/mail_message_record.h"
 #include "text/shared_text.h"
 
 namespace corvane {
 
-// One row of the index. The values that recur in many rows share their characters.
+// One row of the index, while it is visited.
 struct IndexedMessageCandidate {
-    std::int64_t rowID = 0; // also the base name of the message file
-    SharedText mailboxURL;  // percent-encoded
-    std::vector<SharedText> attachmentNames;
-    SharedText subject; // with its prefix
-    SharedText senderName;
-    SharedText senderAddress;
-    SharedText recipients;
-    std::int64_t timestamp = 0; // seconds since 1970
-    std::int64_t size = 0;      // bytes
-    SharedText messageIDHeader; // empty when the store lacks the column
-};
-
-// Candidates with a file, newest first: `candidates[i]` is the one of `files[i]`.
-struct IndexedMessageFiles {
-    std::vector<FileURL> files;
-    std::vector<IndexedMessageCandidate> candidates;
+    std::int64_t rowID = 0;      // also the base name of the message file
+    std::string_view mailboxURL; // percent-encoded
+    std::vector<std::string> attachmentNames;
+    std::string_view subject; // with its prefix
+    std::string_view senderName;
+    std::string_view senderAddress;
+    std::string_view recipients;
+    std::int64_t timestamp = 0;       // seconds since 1970
+    std::int64_t size = 0;            // bytes
+    std::string_view messageIDHeader; // empty when the store lacks the column
 };
 
 // A requested stop ended the work; whoever requested it catches this.
@@ -54,24 +50,20 @@ namespace mailstore {
 // The query that gives the candidates, newest first. Throws MailIndexQueryError for a year that has no end.
 std::string candidateQuery(const CandidateFilter& filter, bool hasMessageIDHeader);
 
-// Hands over the candidates in the order of the query. Throws MailIndexQueryError, after candidates too when
-// the output is damaged, and ScanStopped.
+// Runs the query and gives the file with its rows. The follower reads them while they come. Throws
+// MailIndexQueryError and ScanStopped.
+platform::TemporaryFile runCandidateQuery(const MailStoreContext& context, const std::string& rootPath,
+                                          const CandidateFilter& filter, const std::stop_token& stop,
+                                          const OutputFollower& follow = {});
+
+// Nothing for a row that can't be used.
+std::optional<IndexedMessageCandidate> candidateOf(JsonRow& row);
+
+// Hands over the candidates in the order of the query. Throws as above, after candidates too when the output
+// is damaged.
 void visitIndexedCandidates(const MailStoreContext& context, const std::string& rootPath,
                             const CandidateFilter& filter, const std::stop_token& stop,
-                            const std::function<void(IndexedMessageCandidate&&)>& visit);
-
-// All candidates. Throws as above.
-std::vector<IndexedMessageCandidate> indexedMessageCandidates(const MailStoreContext& context,
-                                                              const std::string& rootPath,
-                                                              const CandidateFilter& filter,
-                                                              const std::stop_token& stop = {});
-
-// The candidates whose file exists; the others, which only the server has, are left out. Nothing when the
-// index isn't there to be used. Throws as above.
-std::optional<IndexedMessageFiles>
-indexedMessages(const MailStoreContext& context, const std::string& rootPath,
-                std::optional<std::int64_t> maximumYear, const std::vector<std::string>& accountURLPrefixes,
-                ScanTimingMetrics* timing, const std::stop_token& stop = {});
+                            const std::function<void(const IndexedMessageCandidate&)>& visit);
 
 // What a record takes from the mailbox of its message.
 struct MailboxLabels {
@@ -82,10 +74,11 @@ struct MailboxLabels {
 
 MailboxLabels mailboxLabels(std::string_view mailboxURL, const AccountNames& accountNamesByPrefix);
 
-// The record of a candidate, without reading the message.
+// The record of a candidate, without reading the message. Senders and recipients recur in many records;
+// `texts` lets them share their characters.
 MailMessageRecord recordFromCandidate(const IndexedMessageCandidate& candidate, const FileURL& fileURL,
                                       std::vector<MailAttachmentRecord> attachments,
-                                      const MailboxLabels& labels);
+                                      const MailboxLabels& labels, TextInterner& texts);
 
 } // namespace mailstore
 

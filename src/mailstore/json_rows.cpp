@@ -1,9 +1,11 @@
 #include "mailstore/json_rows.h"
 
+#include <cerrno>
 #include <cmath>
-#include <fstream>
 
+#include <fcntl.h>
 #include <simdjson.h>
+#include <unistd.h>
 
 #include "text/charset.h"
 
@@ -13,7 +15,7 @@ namespace {
 
 namespace ondemand = simdjson::ondemand;
 
-constexpr std::size_t chunkSize = 1 << 20;
+constexpr std::size_t chunkSize = 256 << 10;
 
 class ObjectRow final : public JsonRow {
   public:
@@ -54,85 +56,99 @@ class ObjectRow final : public JsonRow {
     bool isDamaged_ = false;
 };
 
-// Feeds the rows to simdjson in pieces, each made an array of its own. The shell puts every row on a line,
-// and no string holds a raw line feed, so "}," at the end of a line with "{" behind it lies between two rows.
-// A whole array on one line becomes one piece.
-class RowStream {
-  public:
-    RowStream(const std::string& path, const JsonRowVisitor& visit)
-      : file_(path, std::ios::binary)
-      , visit_(visit) {}
-
-    bool run() {
-        if (!file_) return false;
-        while (readMore()) {
-            if (!parseWholeRows()) return false;
-        }
-        if (file_.bad()) return false;
-        return size_ == 0 || parse(size_);
-    }
-
-  private:
-    // False at the end of the file.
-    bool readMore() {
-        const std::size_t room = std::max(chunkSize, size_);
-        buffer_.resize(size_ + room + simdjson::SIMDJSON_PADDING);
-        file_.read(buffer_.data() + size_, static_cast<std::streamsize>(room));
-        size_ += static_cast<std::size_t>(file_.gcount());
-        return static_cast<std::size_t>(file_.gcount()) == room;
-    }
-
-    bool parseWholeRows() {
-        const std::size_t boundary = std::string_view(buffer_.data(), size_).rfind("},\n{");
-        if (boundary == std::string_view::npos) return true;
-        buffer_[boundary + 1] = ']';
-        const std::size_t rest = boundary + 2;
-        buffer_[rest] = '[';
-        if (!parse(rest)) return false;
-        buffer_.erase(0, rest);
-        size_ -= rest;
-        return true;
-    }
-
-    bool parse(std::size_t length) {
-        ondemand::document document;
-        auto error = parser_.iterate(buffer_.data(), length, buffer_.size()).get(document);
-        if (error == simdjson::UTF8_ERROR) {
-            repaired_ = text::repairedUtf8(std::string_view(buffer_.data(), length));
-            const std::size_t repairedLength = repaired_.size();
-            repaired_.resize(repairedLength + simdjson::SIMDJSON_PADDING);
-            error = parser_.iterate(repaired_.data(), repairedLength, repaired_.size()).get(document);
-        }
-        return error == simdjson::SUCCESS && visitRows(document);
-    }
-
-    bool visitRows(ondemand::document& document) {
-        ondemand::array rows;
-        if (document.get_array().get(rows) != simdjson::SUCCESS) return false;
-        for (auto element : rows) {
-            ondemand::object object;
-            if (element.get_object().get(object) != simdjson::SUCCESS) return false;
-            ObjectRow row(object);
-            visit_(row);
-            if (row.isDamaged()) return false;
-        }
-        // There is a location only while tokens are left.
-        const char* location = nullptr;
-        return document.current_location().get(location) != simdjson::SUCCESS;
-    }
-
-    std::ifstream file_;
-    const JsonRowVisitor& visit_;
-    std::string buffer_;
-    std::size_t size_ = 0; // of the bytes in the buffer that were read
-    std::string repaired_;
-    ondemand::parser parser_;
-};
-
 } // namespace
 
+JsonRowFile::JsonRowFile(const std::string& path)
+  : file_(::open(path.c_str(), O_RDONLY | O_CLOEXEC))
+  , hasFailed_(!file_) {}
+
+// The shell puts every row on a line, and no string holds a raw line feed, so "}," at the end of a line with
+// "{" behind it lies between two rows. A whole array on one line becomes one piece.
+std::optional<JsonRowPiece> JsonRowFile::next(bool isComplete) {
+    while (readChunk()) {
+        if (auto piece = cutWholeRows()) return piece;
+    }
+    if (!isComplete || hasFailed_ || size_ == 0) return std::nullopt;
+    return take(size_);
+}
+
+// False when there is less than a chunk: its bytes are kept for the next time.
+bool JsonRowFile::readChunk() {
+    const std::size_t wanted = searched_ + chunkSize;
+    buffer_.resize(wanted + simdjson::SIMDJSON_PADDING);
+    while (size_ < wanted) {
+        const ssize_t got = ::read(file_.get(), buffer_.data() + size_, wanted - size_);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) hasFailed_ = true;
+        if (got <= 0) return false;
+        size_ += static_cast<std::size_t>(got);
+    }
+    return true;
+}
+
+std::optional<JsonRowPiece> JsonRowFile::cutWholeRows() {
+    constexpr std::string_view joint = "},\n{";
+    const std::size_t from = searched_ - std::min(searched_, joint.size() - 1);
+    const std::size_t found = std::string_view(buffer_.data() + from, size_ - from).rfind(joint);
+    searched_ = size_;
+    if (found == std::string_view::npos) return std::nullopt;
+    buffer_[from + found + 1] = ']';
+    auto piece = take(from + found + 2);
+    buffer_[0] = '[';
+    return piece;
+}
+
+JsonRowPiece JsonRowFile::take(std::size_t length) {
+    std::string rest;
+    rest.reserve(size_ - length + chunkSize + simdjson::SIMDJSON_PADDING);
+    rest.assign(buffer_, length, size_ - length);
+    buffer_.resize(length + simdjson::SIMDJSON_PADDING);
+    JsonRowPiece piece{.bytes = std::exchange(buffer_, std::move(rest)), .length = length};
+    size_ = searched_ = buffer_.size();
+    return piece;
+}
+
+struct JsonRowParser::State {
+    ondemand::parser parser;
+    std::string repaired;
+};
+
+JsonRowParser::JsonRowParser()
+  : state_(std::make_unique<State>()) {}
+
+JsonRowParser::~JsonRowParser() = default;
+
+bool JsonRowParser::parse(const JsonRowPiece& piece, const JsonRowVisitor& visit) {
+    ondemand::document document;
+    auto error = state_->parser.iterate(piece.bytes.data(), piece.length, piece.bytes.size()).get(document);
+    if (error == simdjson::UTF8_ERROR) {
+        std::string& repaired = state_->repaired;
+        repaired = text::repairedUtf8(std::string_view(piece.bytes).substr(0, piece.length));
+        const std::size_t length = repaired.size();
+        repaired.resize(length + simdjson::SIMDJSON_PADDING);
+        error = state_->parser.iterate(repaired.data(), length, repaired.size()).get(document);
+    }
+    ondemand::array rows;
+    if (error != simdjson::SUCCESS || document.get_array().get(rows) != simdjson::SUCCESS) return false;
+    for (auto element : rows) {
+        ondemand::object object;
+        if (element.get_object().get(object) != simdjson::SUCCESS) return false;
+        ObjectRow row(object);
+        visit(row);
+        if (row.isDamaged()) return false;
+    }
+    // There is a location only while tokens are left.
+    const char* location = nullptr;
+    return document.current_location().get(location) != simdjson::SUCCESS;
+}
+
 bool readJsonRows(const std::string& path, const JsonRowVisitor& visit) {
-    return RowStream(path, visit).run();
+    JsonRowFile file(path);
+    JsonRowParser parser;
+    while (auto piece = file.next(true)) {
+        if (!parser.parse(*piece, visit)) return false;
+    }
+    return !file.hasFailed();
 }
 
 } // namespace corvane::mailstore

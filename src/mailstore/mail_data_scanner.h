@@ -23,7 +23,8 @@ class MailDataScanner {
     struct Batch {
         std::int64_t scannedCount = 0; // totals so far
         std::int64_t visitedCount = 0;
-        MessageList records; // only what is new since the last batch
+        std::size_t foundCount = 0; // messages that the whole scan will visit
+        MessageList records;        // only what is new since the last batch
         std::string timingLog;
     };
 
@@ -47,8 +48,9 @@ namespace mailstore {
 // The record of a candidate with its attachments: those that the index names and those that are stored beside
 // the message, a stored one in place of a named one of the same name. Without attachments it is a record too.
 MailMessageRecord parseIndexedMessage(const FileURL& file, const IndexedMessageCandidate& candidate,
-                                      const MailAttachmentFileLocator::Index& attachmentIndex,
-                                      const MailboxLabels& labels, ScanTimingMetrics& timing);
+                                      const std::vector<StoredAttachment>& storedAttachments,
+                                      const MailboxLabels& labels, TextInterner& texts,
+                                      ScanTimingMetrics& timing);
 
 } // namespace mailstore
 

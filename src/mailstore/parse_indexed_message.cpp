@@ -24,7 +24,7 @@ class AttachmentList {
         if (isNew) attachments_.push_back(std::move(*named));
     }
 
-    void addStored(const FileURL& file) {
+    void addStored(const StoredAttachment& file) {
         auto stored = attachmentFromFile(file);
         if (!stored) return;
         const auto [known, isNew] = places_.try_emplace(placeKey(stored->fileName), attachments_.size());
@@ -44,15 +44,16 @@ class AttachmentList {
 } // namespace
 
 MailMessageRecord parseIndexedMessage(const FileURL& file, const IndexedMessageCandidate& candidate,
-                                      const MailAttachmentFileLocator::Index& attachmentIndex,
-                                      const MailboxLabels& labels, ScanTimingMetrics& timing) {
+                                      const std::vector<StoredAttachment>& storedAttachments,
+                                      const MailboxLabels& labels, TextInterner& texts,
+                                      ScanTimingMetrics& timing) {
     timing.parsedMessages.fetch_add(1, std::memory_order_relaxed);
     AttachmentList attachments;
-    for (const SharedText& name : candidate.attachmentNames) attachments.addNamed(name);
-    for (const FileURL& stored : attachmentIndex.attachmentFiles(file)) attachments.addStored(stored);
+    for (const std::string& name : candidate.attachmentNames) attachments.addNamed(name);
+    for (const StoredAttachment& stored : storedAttachments) attachments.addStored(stored);
     auto list = attachments.take();
     if (list.empty()) timing.noAttachmentMessages.fetch_add(1, std::memory_order_relaxed);
-    return recordFromCandidate(candidate, file, std::move(list), labels);
+    return recordFromCandidate(candidate, file, std::move(list), labels, texts);
 }
 
 } // namespace corvane::mailstore

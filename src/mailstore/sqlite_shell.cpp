@@ -33,12 +33,28 @@ std::vector<std::string> shellArguments(const ShellQuery& query, const std::stri
     return arguments;
 }
 
+// Nothing when the shell still runs at the deadline or at a stop. The follower looks in steps: to be woken by
+// each write of the shell, 4 KB, costs more than to read the rows.
+std::optional<int> waitAndFollow(platform::ChildProcess& shell, Clock::time_point deadline,
+                                 const std::stop_token& stop, const std::string& outputPath,
+                                 const OutputFollower& follow) {
+    constexpr std::chrono::milliseconds step{10};
+    if (!follow) return shell.waitUntil(deadline, stop);
+    bool hasMore = false;
+    while (true) {
+        const auto now = Clock::now();
+        const auto status = shell.waitUntil(std::min(deadline, hasMore ? now : now + step), stop);
+        if (status || stop.stop_requested() || Clock::now() >= deadline) return status;
+        hasMore = follow(outputPath);
+    }
+}
+
 // Both streams go to files: a shell that writes much to either can't block.
 ShellResult superviseShell(platform::ChildProcess shell, const ShellQuery& query,
                            platform::TemporaryFile output, platform::TemporaryFile errorOutput,
-                           const std::stop_token& stop) {
+                           const std::stop_token& stop, const OutputFollower& follow) {
     const auto deadline = query.timeLimit ? Clock::now() + *query.timeLimit : Clock::time_point::max();
-    const auto status = shell.waitUntil(deadline, stop);
+    const auto status = waitAndFollow(shell, deadline, stop, output.path(), follow);
     if (!status) {
         shell.terminateAndWait();
         return {.kind = stop.stop_requested() ? Kind::stopped : Kind::timedOut, .detail = {}, .output = {}};
@@ -56,7 +72,8 @@ ShellResult superviseShell(platform::ChildProcess shell, const ShellQuery& query
 }
 
 ShellResult runShellOnce(const MailStoreContext& context, const ShellQuery& query,
-                         const std::string& databaseName, const std::stop_token& stop) {
+                         const std::string& databaseName, const std::stop_token& stop,
+                         const OutputFollower& follow) {
     std::optional<platform::TemporaryFile> output;
     std::optional<platform::TemporaryFile> errorOutput;
     try {
@@ -73,7 +90,8 @@ ShellResult runShellOnce(const MailStoreContext& context, const ShellQuery& quer
                                       .standardError = errorOutput->descriptor(),
                                       .environment = {},
                                       .isUpkeep = context.isUpkeep});
-        return superviseShell(std::move(shell), query, std::move(*output), std::move(*errorOutput), stop);
+        return superviseShell(std::move(shell), query, std::move(*output), std::move(*errorOutput), stop,
+                              follow);
     } catch (const std::system_error& error) {
         return {.kind = Kind::launchFailed, .detail = error.what(), .output = {}};
     }
@@ -100,12 +118,13 @@ ShellResult runLimited(const MailStoreContext& context, const std::string& sql,
 
 } // namespace
 
-ShellResult runShell(const MailStoreContext& context, const ShellQuery& query, const std::stop_token& stop) {
+ShellResult runShell(const MailStoreContext& context, const ShellQuery& query, const std::stop_token& stop,
+                     const OutputFollower& follow) {
     const QuietDatabase database(query.databasePath, context.platform.temporaryDirectory());
-    ShellResult result = runShellOnce(context, query, database.name(), stop);
+    ShellResult result = runShellOnce(context, query, database.name(), stop, follow);
     const bool hasRead = result.kind == Kind::succeeded || result.kind == Kind::failed;
     if (!hasRead || !database.wasDisturbed()) return result;
-    return runShellOnce(context, query, query.databasePath, stop);
+    return runShellOnce(context, query, query.databasePath, stop, follow);
 }
 
 std::optional<std::string> runRawQuery(const MailStoreContext& context, const std::string& sql,

@@ -48,9 +48,15 @@ struct ShellResult {
     std::optional<platform::TemporaryFile> output; // of a success
 };
 
-// A shell that runs past the time limit, or past a requested stop, is ended.
+// Called again and again while the shell runs, with the path of the file that takes its answer, to read ahead
+// in what is there already; true asks for the next call at once. Nothing of it counts before the success of
+// the whole. With another path the shell was started anew, and what came before never counts.
+using OutputFollower = std::function<bool(const std::string& path)>;
+
+// A shell that runs past the time limit, or past a requested stop, is ended. The follower is called on this
+// thread.
 ShellResult runShell(const MailStoreContext& context, const ShellQuery& query,
-                     const std::stop_token& stop = {});
+                     const std::stop_token& stop = {}, const OutputFollower& follow = {});
 
 // Time-limited. The first column of the first line that isn't empty, trimmed.
 std::optional<std::string> runRawQuery(const MailStoreContext& context, const std::string& sql,

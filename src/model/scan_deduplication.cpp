@@ -65,6 +65,11 @@ std::pair<std::size_t, bool> DeduplicatedRecords::positionOf(const MailMessageRe
     return {entry->second, isNew};
 }
 
+void DeduplicatedRecords::reserve(std::size_t count) {
+    records_.reserve(count);
+    positionByIdentifier_.reserve(count);
+}
+
 void DeduplicatedRecords::merge(std::vector<MailMessageRecord> records) {
     for (MailMessageRecord& record : records) {
         const auto [position, isNew] = positionOf(record);

@@ -25,6 +25,9 @@ std::vector<FileURL> mergedMessageFileURLs(std::vector<FileURL> a, const std::ve
 // The records of a growing scan, one a key, in order of first sight.
 class DeduplicatedRecords {
   public:
+    // Room for this many records without growth.
+    void reserve(std::size_t count);
+
     // Merges records in their order. A message keeps the place of its first sight, whichever record wins.
     void merge(std::vector<MailMessageRecord> records);
 

@@ -69,6 +69,7 @@ class ScanFlow::ScanProgress {
       : job_(job) {}
 
     void take(MailDataScanner::Batch batch) {
+        records_.reserve(batch.foundCount);
         records_.merge(std::move(batch.records));
         batch.records.clear();
         last_ = std::move(batch);

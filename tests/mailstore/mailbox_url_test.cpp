@@ -203,8 +203,9 @@ TEST(MessageFileIndex, KnowsWhatIsAFileAndWhatIsNot) {
     };
     MessageFileIndex lazy(home.path());
     check(lazy);
-    MessageFileIndex prefetched(home.path());
-    prefetched.prefetch({}, [](std::string_view account) { return account == "U"; });
+    const auto listing = std::make_shared<StoreListing>(home.path());
+    listing->prefetch({}, [](std::string_view account) { return account == "U"; });
+    MessageFileIndex prefetched(listing);
     fs::remove_all(home.at("V10/U/INBOX.mbox/X/Data/Messages"));
     check(prefetched);
 }

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -241,6 +242,32 @@ TEST(Scan, FailuresOfTheIndexAreToldBeforeAnyBatch) {
     EXPECT_EQ(store.failure(), MailIndexQueryError(Kind::unreadableOutput));
 }
 
+// The rows come in several pieces, and the shell takes its time after them, so that they are read ahead.
+TEST(Scan, RowsReadAheadDoNotCountWhenTheShellFailsOrIsStartedAnew) {
+    Inbox store;
+    store.execute("PRAGMA journal_mode=WAL");
+    store.execute("BEGIN");
+    for (int i = 1; i <= 900; ++i)
+        store.add({.rowID = i, .subject = std::string(600, 'x') + std::to_string(i)});
+    store.execute("COMMIT");
+    store.close();
+    const std::string changed =
+        fmt::format("/usr/bin/sqlite3 '{}' 'DELETE FROM messages WHERE rowid > 800'", store.indexPath());
+    const std::string script = R"sh(case "$2$3" in
+-jsonfile:*) /usr/bin/sqlite3 "$@"; sleep 0.1; {} ;;
+*) exec /usr/bin/sqlite3 "$@" ;;
+esac)sh";
+    store.platform.setShellScript(fmt::format(fmt::runtime(script), "exit 9"));
+    EXPECT_EQ(store.failure()->kind(), Kind::queryFailed);
+    store.platform.setShellScript(fmt::format(fmt::runtime(script), "echo ',{'"));
+    EXPECT_EQ(store.failure(), MailIndexQueryError(Kind::unreadableOutput));
+    store.platform.setShellScript(fmt::format(fmt::runtime(script), changed));
+    const auto batches = Inbox::scan(store.scanner());
+    EXPECT_EQ(subjects(batches).size(), 800U);
+    EXPECT_EQ(batches[1].foundCount, 800U);
+    EXPECT_THAT(batches.back().timingLog, ::testing::HasSubstr("s/800 封｜"));
+}
+
 TEST(Scan, ALockedIndexEndsItWithTheWordsForTheUser) {
     Inbox store;
     store.close();
@@ -297,13 +324,19 @@ TEST(Candidates, RowsWithoutNamesAreLeftOutWhenAttachmentsAreRequired) {
     store.add({.rowID = 2, .attachments = {""}});
     store.add({.rowID = 3});
     store.close();
-    const auto candidates = indexedMessageCandidates(
-        store.context, store.root,
-        {.maximumYear = {}, .requireIndexedAttachments = true, .accountURLPrefixes = {}});
-    ASSERT_EQ(candidates.size(), 1U);
-    EXPECT_EQ(candidates[0].rowID, 1);
-    EXPECT_THAT(candidates[0].attachmentNames, ElementsAre("a.pdf", "b.txt"));
-    EXPECT_EQ(indexedMessageCandidates(store.context, store.root, {}).size(), 3U);
+    const auto listed = [&](bool required) {
+        std::vector<std::string> rows;
+        visitIndexedCandidates(
+            store.context, store.root,
+            {.maximumYear = {}, .requireIndexedAttachments = required, .accountURLPrefixes = {}}, {},
+            [&](const IndexedMessageCandidate& candidate) {
+                rows.push_back(
+                    fmt::format("{}: {}", candidate.rowID, fmt::join(candidate.attachmentNames, " ")));
+            });
+        return rows;
+    };
+    EXPECT_THAT(listed(true), ElementsAre("1: a.pdf b.txt"));
+    EXPECT_EQ(listed(false).size(), 3U);
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "mailstore/sqlite_shell.h"
 
 #include <filesystem>
+#include <fstream>
+#include <random>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -155,6 +157,34 @@ TEST(JsonRows, CrossThePiecesOfALongAnswer) {
         EXPECT_EQ(rows.values[29'999], "29999/" + std::string(199, 'x'));
         EXPECT_FALSE(rowsOf(json + ",\n1]").isWhole);
     }
+}
+
+TEST(JsonRows, OfAGrowingFileAreThoseOfTheWhole) {
+    const testing::TemporaryHome home;
+    std::string json = "[";
+    for (int i = 0; i < 40'000; ++i) json += fmt::format("{}{{\"n\":{}}}", i == 0 ? "" : ",\n", i);
+    json += "]\n";
+    const std::string path = home.write("rows", "");
+    std::ofstream writer(path, std::ios::binary);
+    JsonRowFile file(path);
+    JsonRowParser parser;
+    std::int64_t next = 0;
+    const auto readAll = [&](bool isComplete) {
+        while (const auto piece = file.next(isComplete)) {
+            ASSERT_TRUE(parser.parse(*piece, [&](JsonRow& row) { EXPECT_EQ(row.integer("n"), next++); }));
+        }
+    };
+    std::mt19937 random(5);
+    for (std::size_t at = 0; at < json.size();) {
+        const std::size_t count = std::min<std::size_t>(random() % 60'000, json.size() - at);
+        writer.write(json.data() + at, static_cast<std::streamsize>(count)).flush();
+        at += count;
+        readAll(false);
+    }
+    EXPECT_GT(next, 20'000) << "most is read while the file grows";
+    readAll(true);
+    EXPECT_EQ(next, 40'000);
+    EXPECT_FALSE(file.hasFailed());
 }
 
 TEST(IndexReads, LeaveNoFileBesideAnIndexInWalMode) {
