@@ -374,8 +374,8 @@ void ArchiveControl::startRun(const std::string& destination) {
 }
 
 void ArchiveControl::finishRun(RunOutcome outcome, const std::string& destination) {
-    setProgress(std::nullopt);
     const Completion completion = std::exchange(completion_, nullptr);
+    setProgress(std::nullopt);
     if (outcome) Q_EMIT archiveRunFinished(*outcome, QString::fromStdString(destination));
     pruneArchiveSelection();
     completion(std::move(outcome));
