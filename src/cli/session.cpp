@@ -1,47 +1,24 @@
 #include "cli/session.h"
 
-#include <csignal>
-
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include "platform/child_process.h"
+#include "platform/quit_signals.h"
 
 namespace corvane::cli {
 
 namespace {
 
-// The handler writes a byte, the event loop reads it: nothing but write() is allowed in a handler.
-volatile std::sig_atomic_t interruptCount = 0;
-int interruptWriteEnd = -1;
 int interruptReadEnd = -1;
-
-void noteSignal(int /*signal*/) {
-    interruptCount = interruptCount + 1;
-    const char byte = 0;
-    [[maybe_unused]] const ssize_t written = ::write(interruptWriteEnd, &byte, 1);
-}
 
 } // namespace
 
 void noteInterrupts() {
-    platform::Pipe pipe = platform::makePipe();
-    interruptReadEnd = pipe.readEnd.release();
-    interruptWriteEnd = pipe.writeEnd.release();
-    ::fcntl(interruptWriteEnd, F_SETFL, O_NONBLOCK);
-    ::fcntl(interruptReadEnd, F_SETFL, O_NONBLOCK);
-    struct sigaction action{};
-    action.sa_handler = noteSignal;
-    action.sa_flags = SA_RESTART;
-    ::sigaction(SIGINT, &action, nullptr);
-    ::sigaction(SIGTERM, &action, nullptr);
+    interruptReadEnd = platform::noteQuitSignals();
 }
 
 bool wasInterrupted() {
-    return interruptCount > 0;
+    return platform::wasAskedToQuit();
 }
 
 Session::Session(const std::string& home)
@@ -55,9 +32,7 @@ Session::Session(const std::string& home)
 void Session::waitUntilIdle(const std::function<void()>& onInterrupt) {
     bool handled = false;
     const auto lookForInterrupt = [&] {
-        char byte = 0;
-        while (::read(interruptReadEnd, &byte, 1) > 0) {
-        }
+        platform::takeQuitSignals(interruptReadEnd);
         if (!wasInterrupted() || handled) return;
         handled = true;
         if (onInterrupt) onInterrupt();
