@@ -21,7 +21,7 @@ ARROWS = {
     "model": {"text", "platform", "records", "worker", "mailstore", "search", "archive", "library"},
     "cli": {"text", "platform", "records", "archive", "library", "model"},
     "screens": {"text", "platform", "records", "archive", "library", "model"},
-    "app": {"platform", "model", "screens"},
+    "app": {"platform", "records", "model", "screens"},
 }
 QT_ALLOWED = {"model", "cli", "screens", "app"}
 INCLUDE = re.compile(r'^\s*#include\s+([<"])([^>"]+)[>"]', re.MULTILINE)

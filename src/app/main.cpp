@@ -1,53 +1,46 @@
 #include <csignal>
-#include <cstdio>
 #include <map>
 
 #include <QGuiApplication>
-#include <QQmlApplicationEngine>
 
 #include <CLI/CLI.hpp>
 
-#include "model/corvane_view_model.h"
-#include "model/model_context.h"
-#include "platform/platform.h"
+#include "app/window_run.h"
+#include "platform/quit_signals.h"
+#include "records/console_log.h"
 #include "screens/appearance.h"
 #include "screens/fonts.h"
-#include "screens/window_model.h"
 
 namespace corvane {
 
 namespace {
 
-struct Options {
-    std::string home;
+struct CommandLine {
+    WindowOptions window;
     std::optional<Appearance::Scheme> scheme;
-    std::string url;
 };
 
-void declareOptions(CLI::App& commandLine, Options& options) {
+void declareOptions(CLI::App& parser, CommandLine& line) {
     static const std::map<std::string, Appearance::Scheme> schemes = {{"light", Appearance::Scheme::light},
                                                                       {"dark", Appearance::Scheme::dark}};
-    commandLine.set_version_flag("--version", "Corvane " CORVANE_VERSION);
-    commandLine.add_option("--home", options.home, "本次运行使用的用户主目录")->check(CLI::ExistingDirectory);
-    commandLine.add_option("--appearance", options.scheme, "light 或 dark；默认跟随系统")
+    parser.set_version_flag("--version", "Corvane " CORVANE_VERSION);
+    parser.add_option("--home", line.window.home, "本次运行使用的用户主目录")->check(CLI::ExistingDirectory);
+    parser.add_option("--appearance", line.scheme, "light 或 dark；默认跟随系统")
         ->transform(CLI::CheckedTransformer(schemes));
-    commandLine.add_option("url", options.url, "corvane:// 链接");
+    parser.add_option("address", line.window.address, "corvane://open?path=… 打开一个文件夹");
 }
 
-int runWindow(const Options& options) {
-    const std::unique_ptr<platform::Platform> system = platform::makePlatform(options.home);
-    ModelContext context(*system);
-    context.performanceLog.reset();
-    context.startupLog.reset();
-    CorvaneViewModel model(context);
-    const Appearance appearance(options.scheme);
-    WindowModel window(model);
-    QQmlApplicationEngine engine;
-    engine.addImportPath(QStringLiteral(":/qt/qml"));
-    engine.setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&window)}});
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Corvane/qml/shell/Main.qml")));
-    if (engine.rootObjects().isEmpty()) return EXIT_FAILURE;
-    return QGuiApplication::exec();
+int runWindows(const CommandLine& line) {
+    useWindowFonts();
+    const Appearance appearance(line.scheme);
+    WindowOptions options = line.window;
+    options.quitSignals = platform::noteQuitSignals();
+    for (;;) {
+        const WindowOutcome outcome = runWindow(options);
+        if (!outcome.reopenHome) return outcome.exitStatus;
+        options.home = *outcome.reopenHome;
+        options.address.clear();
+    }
 }
 
 } // namespace
@@ -56,11 +49,16 @@ int runWindow(const Options& options) {
 
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
-    CLI::App commandLine("Corvane：把多年的邮件从 Apple Mail 归档出来");
-    corvane::Options options;
-    corvane::declareOptions(commandLine, options);
-    CLI11_PARSE(commandLine, argc, argv);
-    const QGuiApplication application(argc, argv);
-    corvane::useWindowFonts();
-    return corvane::runWindow(options);
+    CLI::App parser("Corvane：把多年的邮件从 Apple Mail 归档出来");
+    corvane::CommandLine line;
+    corvane::declareOptions(parser, line);
+    CLI11_PARSE(parser, argc, argv);
+    try {
+        const QGuiApplication application(argc, argv);
+        QGuiApplication::setDesktopFileName(QStringLiteral("corvane"));
+        return corvane::runWindows(line);
+    } catch (const std::exception& error) {
+        corvane::consoleLine(error.what());
+        return EXIT_FAILURE;
+    }
 }

@@ -1,39 +1,30 @@
 #include "screens/keyboard_focus.h"
 
-#include <QEvent>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QQuickWindow>
+
+#include "screens/focus_group.h"
 
 namespace corvane {
 
 namespace {
 
-bool holds(const QQuickItem* group, const QQuickItem* item) {
-    for (; item != nullptr; item = item->parentItem())
-        if (item == group) return true;
-    return false;
-}
-
-// The outermost focus scope around `item` that doesn't hold `other`: the group that was entered.
-QQuickItem* enteredScope(QQuickItem* item, const QQuickItem* other) {
-    QQuickItem* scope = nullptr;
-    for (QQuickItem* parent = item->parentItem(); parent != nullptr && !holds(parent, other);
-         parent = parent->parentItem()) {
-        if (parent->isFocusScope()) scope = parent;
-    }
-    return scope;
-}
-
-// What the scope would focus, through the scopes inside of it.
-QQuickItem* rememberedItem(QQuickItem* scope) {
-    QQuickItem* item = scope;
-    while (item != nullptr && item->isFocusScope() && item->scopedFocusItem() != nullptr)
-        item = item->scopedFocusItem();
-    return item;
-}
-
-bool canTakeFocus(const QQuickItem* item) {
-    return item != nullptr && item->isVisible() && item->isEnabled() && item->activeFocusOnTab();
+// The first item that takes the focus outside of the group of the focused one. Where there is none outside,
+// or neither of both is in a group, Qt's own order holds: false.
+bool moveBetweenGroups(const QQuickWindow& window, bool forward) {
+    QQuickItem* start = window.activeFocusItem();
+    if (start == nullptr) return false;
+    const FocusGroup* group = FocusGroup::around(start);
+    QQuickItem* item = start->nextItemInFocusChain(forward);
+    while (group != nullptr && item != nullptr && item != start && group->isAncestorOf(item))
+        item = item->nextItemInFocusChain(forward);
+    if (item == nullptr || item == start) return false;
+    const FocusGroup* entered = FocusGroup::around(item);
+    if (entered == nullptr && group == nullptr) return false;
+    if (entered != nullptr && entered != group) item = entered->entrance(item);
+    item->forceActiveFocus(forward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return true;
 }
 
 } // namespace
@@ -43,37 +34,24 @@ KeyboardFocus::KeyboardFocus(QObject* parent)
     qGuiApp->installEventFilter(this);
 }
 
-void KeyboardFocus::leave(QQuickItem* group, bool forward) {
-    QQuickItem* start = group->window() != nullptr ? group->window()->activeFocusItem() : nullptr;
-    if (start == nullptr || !holds(group, start)) start = group;
-    QQuickItem* item = start;
-    do {
-        item = item->nextItemInFocusChain(forward);
-    } while (item != nullptr && item != start && holds(group, item));
-    if (item == nullptr || holds(group, item)) return;
-    if (QQuickItem* scope = enteredScope(item, group)) {
-        QQuickItem* remembered = rememberedItem(scope);
-        if (canTakeFocus(remembered)) item = remembered;
-    }
-    item->forceActiveFocus(forward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
-}
-
-bool KeyboardFocus::step(QQuickItem* group, bool forward) {
-    QQuickItem* start = group->window() != nullptr ? group->window()->activeFocusItem() : nullptr;
-    if (start == nullptr || !holds(group, start)) return false;
-    QQuickItem* item = start->nextItemInFocusChain(forward);
-    if (item == nullptr || item == start || !holds(group, item)) return false;
-    item->forceActiveFocus(forward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
-    return true;
-}
-
+// A filter, because an item that takes part in Qt's own order handles Tab before any item around it hears of
+// it.
 bool KeyboardFocus::eventFilter(QObject* watched, QEvent* event) {
-    const bool key = event->type() == QEvent::KeyPress;
-    if ((key || event->type() == QEvent::MouseButtonPress) && key != inUse_) {
-        inUse_ = key;
-        Q_EMIT inUseChanged();
-    }
-    return QObject::eventFilter(watched, event);
+    if (event->type() == QEvent::MouseButtonPress) setInUse(false);
+    if (event->type() != QEvent::KeyPress) return false;
+    setInUse(true);
+    const auto* window = qobject_cast<QQuickWindow*>(watched);
+    const auto* press = static_cast<QKeyEvent*>(event);
+    if (window == nullptr || press->modifiers().testFlag(Qt::ControlModifier)) return false;
+    if (press->key() == Qt::Key_Tab) return moveBetweenGroups(*window, true);
+    if (press->key() == Qt::Key_Backtab) return moveBetweenGroups(*window, false);
+    return false;
+}
+
+void KeyboardFocus::setInUse(bool inUse) {
+    if (inUse == inUse_) return;
+    inUse_ = inUse;
+    Q_EMIT inUseChanged();
 }
 
 } // namespace corvane

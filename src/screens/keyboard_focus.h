@@ -1,13 +1,11 @@
-// How the keyboard moves through the window: Tab from group to group, arrows inside one. And whether the
-// keyboard is what the user works with, which decides where a focus ring is shown. Main thread.
+// The keyboard over the whole program: whether it is what the user works with, which decides where a focus
+// ring is shown, and Tab, which goes from group to group (see focus_group.h). Main thread.
 #pragma once
 
 #include <QObject>
-#include <QQuickItem>
 #include <QtQml/qqmlregistration.h>
 
-class QJSEngine;
-class QQmlEngine;
+class QQuickWindow;
 
 namespace corvane {
 
@@ -23,20 +21,14 @@ class KeyboardFocus : public QObject {
 
     [[nodiscard]] bool inUse() const { return inUse_; }
 
-    // From the focused item of `group` to the nearest group after (or before) it, onto the item that had the
-    // focus there last. Stays when there is nowhere else to go.
-    Q_INVOKABLE void leave(QQuickItem* group, bool forward);
-
-    // To the next (or the previous) item that takes the focus inside of `group`; stays at its ends. Returns
-    // whether it moved.
-    Q_INVOKABLE bool step(QQuickItem* group, bool forward);
-
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   Q_SIGNALS:
     void inUseChanged();
 
   private:
+    void setInUse(bool inUse);
+
     bool inUse_ = false;
 };
 

@@ -113,7 +113,7 @@ void Symbol::setStroke(qreal stroke) {
 
 QString Symbol::iconFor(const QString& name) {
     const QString icon = systemNames().value(name, name);
-    return QFile::exists(iconPath(icon)) ? icon : QStringLiteral("file");
+    return !icon.contains(u'/') && QFile::exists(iconPath(icon)) ? icon : QStringLiteral("file");
 }
 
 QImage Symbol::drawing(const QString& icon, const QColor& color, int pixels, qreal stroke) {

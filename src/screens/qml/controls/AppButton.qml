@@ -31,8 +31,8 @@ T.Button {
     Accessible.name: text.length > 0 ? text : help
     Accessible.description: help
 
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     contentItem: Item {
         id: content

@@ -16,6 +16,8 @@ Text {
     property int role: AppText.Body
     // The whole text where it isn't what is shown.
     property string wholeText: text
+    // The tooltip is about to be shown, or is.
+    readonly property bool explained: pointer.hovered && truncated
 
     textFormat: Text.PlainText
     color: Theme.text1
@@ -33,7 +35,7 @@ Text {
         enabled: label.truncated
     }
     Loader {
-        active: pointer.hovered && label.truncated
+        active: label.explained
         sourceComponent: AppToolTip {
             parent: label
             text: label.wholeText

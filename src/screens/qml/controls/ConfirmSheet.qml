@@ -1,4 +1,5 @@
-// A question with two answers.
+// A question with two answers. With `keepsOpen` the first answer leaves the sheet open for its owner to close; while
+// `busy` there is nothing to answer.
 import QtQuick
 import QtQuick.Layouts
 import Corvane
@@ -9,16 +10,20 @@ Sheet {
     property string line: ""
     property string acceptText: "好"
     property string rejectText: "取消"
+    property bool keepsOpen: false
+    property bool busy: false
+    property bool answered: false
 
     signal accepted
     signal rejected
 
     wantedWidth: 460
     primary: accept
-    onClosed: if (!answered) rejected()
     onAboutToShow: answered = false
-
-    property bool answered: false
+    onClosed: {
+        if (!answered)
+            rejected();
+    }
 
     AppText {
         Layout.fillWidth: true
@@ -30,6 +35,7 @@ Sheet {
         AppButton {
             objectName: "rejectButton"
             visible: text.length > 0
+            enabled: !sheet.busy
             text: sheet.rejectText
             implicitHeight: Theme.controlHeightPrimary
             horizontalPadding: 20
@@ -38,10 +44,12 @@ Sheet {
         PrimaryButton {
             id: accept
             objectName: "acceptButton"
+            enabled: !sheet.busy
             text: sheet.acceptText
             onClicked: {
                 sheet.answered = true;
-                sheet.close();
+                if (!sheet.keepsOpen)
+                    sheet.close();
                 sheet.accepted();
             }
         }

@@ -15,8 +15,8 @@ T.AbstractButton {
     focusPolicy: Qt.TabFocus
     Accessible.role: Accessible.Button
     Accessible.name: "移除筛选：" + text
-    Keys.onReturnPressed: click()
-    Keys.onDeletePressed: click()
+    Keys.onReturnPressed: clicked()
+    Keys.onDeletePressed: clicked()
 
     contentItem: Item {
         implicitWidth: label.implicitWidth + 23

@@ -6,6 +6,7 @@
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import QtQuick.Window
 import Corvane
 
 T.Popup {
@@ -26,6 +27,8 @@ T.Popup {
     property alias fillingItems: fillingBody.data
     property alias barItems: buttons.data
     property real offset: 0
+    // What had the keyboard before.
+    property Item returnTo: null
 
     modal: true
     focus: true
@@ -37,6 +40,12 @@ T.Popup {
     y: parent ? Math.round((parent.height - height) / 2) + offset : 0
     padding: 1
 
+    onAboutToShow: returnTo = parent.Window.activeFocusItem
+    onClosed: {
+        if (returnTo)
+            returnTo.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
+        returnTo = null;
+    }
     onOpened: {
         if (primary && primary.enabled)
             primary.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
@@ -169,7 +178,7 @@ T.Popup {
     function pressPrimary(): bool {
         if (!primary || !primary.enabled || !primary.visible)
             return false;
-        primary.click();
+        primary.clicked();
         return true;
     }
 }

@@ -15,7 +15,6 @@ set(controls_qml
     DisclosureArrow.qml
     EmptyState.qml
     FilterChip.qml
-    FocusGroup.qml
     FocusRing.qml
     IconButton.qml
     ListRow.qml
@@ -45,6 +44,7 @@ set(controls_qml
 )
 set(controls_sources
     chart_math.cpp
+    focus_group.cpp
     keyboard_focus.cpp
     symbol.cpp
 )

@@ -1,5 +1,7 @@
-// The frame of the window: sidebar at the left, the chosen screen beside it.
+// The frame of the window: the sidebar at the left, the chosen screen beside it. A screen is made when it is first
+// looked at and kept from then on.
 import QtQuick
+import QtQuick.Window
 import Corvane
 
 FocusScope {
@@ -7,11 +9,70 @@ FocusScope {
 
     required property WindowModel app
     property string place: "home"
+    property ScreenPage currentPage: null
+    readonly property bool narrow: width < Theme.narrowBelow
+    readonly property bool low: height < Theme.lowBelow
 
-    Loader {
-        anchors.fill: parent
+    function go(key: string) {
+        if (key.length > 0)
+            place = key;
+    }
+    function pageOf(key: string): Component {
+        return key === "mails" ? mailsPage : homePage;
+    }
+    function find() {
+        if (currentPage && currentPage.searchField)
+            currentPage.searchField.forceActiveFocus(Qt.ShortcutFocusReason);
+    }
+
+    Keys.onEscapePressed: if (currentPage) currentPage.escaped()
+
+    Sidebar {
+        id: sidebar
+        width: view.narrow ? Theme.sidebarWidthNarrow : Theme.sidebarWidth
+        height: parent.height
+        app: view.app
+        place: view.place
+        low: view.low
+        onPlaceChosen: key => view.go(key)
+    }
+    NoticeBar {
+        id: notices
+        anchors.left: sidebar.right
+        anchors.right: parent.right
+        y: implicitHeight > 0 ? 16 : 0
+        app: view.app
+        margin: view.narrow ? Theme.marginNarrow : Theme.margin
+    }
+    FocusScope {
+        id: pages
+        anchors.left: sidebar.right
+        anchors.right: parent.right
+        anchors.top: notices.bottom
+        anchors.bottom: parent.bottom
         focus: true
-        sourceComponent: view.place === "mails" ? mailsPage : homePage
+
+        Repeater {
+            model: view.app.sidebar
+            delegate: Loader {
+                id: holder
+                required property string key
+                readonly property bool current: view.place === key
+
+                anchors.fill: parent
+                active: current || item !== null
+                visible: current
+                focus: current
+                sourceComponent: view.pageOf(key)
+                onCurrentChanged: take()
+                onLoaded: take()
+
+                function take() {
+                    if (current && item)
+                        view.currentPage = item as ScreenPage;
+                }
+            }
+        }
     }
 
     Component {
@@ -25,5 +86,25 @@ FocusScope {
         MailListPage {
             app: view.app
         }
+    }
+
+    Repeater {
+        model: 5
+        delegate: Item {
+            id: key
+            required property int index
+            Shortcut {
+                sequence: "Ctrl+" + (key.index + 1)
+                onActivated: view.go(view.app.sidebar.keyOfNumber(key.index + 1))
+            }
+        }
+    }
+    Shortcut {
+        sequences: [StandardKey.Find]
+        onActivated: view.find()
+    }
+    Shortcut {
+        sequences: ["Ctrl+R", "F5"]
+        onActivated: if (view.currentPage) view.currentPage.refreshRequested()
     }
 }

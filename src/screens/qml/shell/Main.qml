@@ -1,4 +1,4 @@
-// The one window of the program.
+// The one window of the program. The entry places and shows it.
 import QtQuick
 import QtQuick.Window
 import Corvane
@@ -7,17 +7,39 @@ Window {
     id: root
 
     required property WindowModel app
+    property bool endsForGood: false
+    // Asked here so that it watches the keys from the first one on.
+    readonly property bool keyboardInUse: KeyboardFocus.inUse
 
-    title: "Corvane"
+    title: app.sampleStore.open ? "Corvane（示例邮件）" : "Corvane"
     width: Theme.windowWidth
     height: Theme.windowHeight
     minimumWidth: Theme.windowMinimumWidth
     minimumHeight: Theme.windowMinimumHeight
     color: Theme.surface
-    visible: true
+
+    onClosing: close => {
+        if (app.archiving && !endsForGood) {
+            close.accepted = false;
+            question.open();
+        }
+    }
 
     ContentView {
         anchors.fill: parent
+        focus: true
         app: root.app
+    }
+    CloseQuestion {
+        id: question
+        app: root.app
+        onDone: {
+            root.endsForGood = true;
+            root.close();
+        }
+    }
+    Shortcut {
+        sequences: [StandardKey.Quit]
+        onActivated: root.close()
     }
 }

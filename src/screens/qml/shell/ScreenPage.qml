@@ -16,10 +16,12 @@ FocusScope {
     // What the find key goes to; null where there is nothing to search.
     property Item searchField: null
 
-    // The refresh key was pressed.
+    // The refresh key was pressed: new data from Mail, unless the screen means something else by it.
     signal refreshRequested
     // Escape came and nothing in the screen took it.
     signal escaped
+
+    onRefreshRequested: app.refreshAllMailData()
 
     Rectangle {
         anchors.fill: parent

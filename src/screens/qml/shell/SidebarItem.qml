@@ -19,8 +19,8 @@ T.AbstractButton {
     Accessible.role: Accessible.PageTab
     Accessible.name: figure.length > 0 ? text + "，" + figure : text
     Accessible.selected: chosen
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     contentItem: Item {
         Symbol {

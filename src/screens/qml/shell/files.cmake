@@ -1,9 +1,19 @@
 # QML files of this folder, and the C++ sources behind them (paths from src/screens).
 set(shell_qml
+    CloseQuestion.qml
     ContentView.qml
     Main.qml
+    NoticeBar.qml
     ScreenPage.qml
+    Sidebar.qml
+    SidebarFoot.qml
     SidebarItem.qml
 )
 set(shell_sources
+    activity.cpp
+    archive_place.cpp
+    corvane_url.cpp
+    sample_store.cpp
+    sidebar_model.cpp
+    window_frame.cpp
 )

@@ -1,0 +1,75 @@
+#include "app/single_instance.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QLocalSocket>
+#include <QStandardPaths>
+#include <QTimer>
+
+namespace corvane {
+
+namespace {
+
+constexpr int patienceMilliseconds = 3000;
+constexpr qint64 longestAddress = 8192;
+const QByteArray accepted = "ok\n";
+
+// In the user's own runtime folder: a path below the home may be longer than a socket's may be.
+QString socketPathFor(const QString& supportFolder) {
+    QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    if (folder.isEmpty()) folder = QDir::tempPath();
+    const QByteArray hash =
+        QCryptographicHash::hash(supportFolder.toUtf8(), QCryptographicHash::Sha256).toHex().left(16);
+    return folder + QStringLiteral("/corvane-") + QString::fromLatin1(hash);
+}
+
+// Reads one line and answers it; the socket goes with its connection, or when it sends nothing.
+void answer(QLocalSocket* socket, SingleInstance* instance) {
+    QObject::connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+    QTimer::singleShot(patienceMilliseconds, socket, [socket] { socket->abort(); });
+    QObject::connect(socket, &QLocalSocket::readyRead, instance, [socket, instance] {
+        if (!socket->canReadLine()) {
+            if (socket->bytesAvailable() > longestAddress) socket->abort();
+            return;
+        }
+        const QByteArray line = socket->readLine(longestAddress);
+        socket->write(accepted);
+        socket->disconnectFromServer();
+        Q_EMIT instance->requested(QString::fromUtf8(line).trimmed());
+    });
+}
+
+} // namespace
+
+SingleInstance::SingleInstance(const QString& supportFolder, QObject* parent)
+  : QObject(parent)
+  , lock_(supportFolder + QStringLiteral("/window.lock"))
+  , socketPath_(socketPathFor(supportFolder)) {
+    // Held as long as its process lives, however long that is.
+    lock_.setStaleLockTime(0);
+    server_.setSocketOptions(QLocalServer::UserAccessOption);
+    connect(&server_, &QLocalServer::newConnection, this, &SingleInstance::serve);
+}
+
+bool SingleInstance::becomeFirst() {
+    if (!lock_.tryLock()) return false;
+    QLocalServer::removeServer(socketPath_);
+    // Without a server later starts can only say that this one is there.
+    server_.listen(socketPath_);
+    return true;
+}
+
+bool SingleInstance::handOver(const QString& address) const {
+    QLocalSocket socket;
+    socket.connectToServer(socketPath_);
+    if (!socket.waitForConnected(patienceMilliseconds)) return false;
+    socket.write(address.toUtf8().left(longestAddress - 1) + '\n');
+    if (!socket.waitForBytesWritten(patienceMilliseconds)) return false;
+    return socket.waitForReadyRead(patienceMilliseconds) && socket.readAll().startsWith(accepted);
+}
+
+void SingleInstance::serve() {
+    while (QLocalSocket* socket = server_.nextPendingConnection()) answer(socket, this);
+}
+
+} // namespace corvane

@@ -1,0 +1,39 @@
+// One window a home: a second start asks the first one to come forward and ends. The lock, not the
+// connection, decides who is first, so two starts at one moment can't both be, and a killed program leaves
+// nothing in the way. Main thread.
+#pragma once
+
+#include <QLocalServer>
+#include <QLockFile>
+#include <QObject>
+#include <QString>
+
+namespace corvane {
+
+class SingleInstance : public QObject {
+    Q_OBJECT
+
+  public:
+    // `supportFolder`, which must exist, stands for the home.
+    explicit SingleInstance(const QString& supportFolder, QObject* parent = nullptr);
+
+    // From here on this is the one for its home, until the object goes. False when another one is.
+    bool becomeFirst();
+
+    // Asks the other one to come forward and, where it isn't empty, to open an address. False when it doesn't
+    // answer. Waits for at most some seconds.
+    [[nodiscard]] bool handOver(const QString& address) const;
+
+  Q_SIGNALS:
+    // A second start; its address may be empty.
+    void requested(const QString& address);
+
+  private:
+    void serve();
+
+    QLockFile lock_;
+    QString socketPath_;
+    QLocalServer server_;
+};
+
+} // namespace corvane

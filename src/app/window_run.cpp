@@ -1,0 +1,93 @@
+#include "app/window_run.h"
+
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQuickWindow>
+#include <QSocketNotifier>
+
+#include "app/single_instance.h"
+#include "model/corvane_view_model.h"
+#include "model/model_context.h"
+#include "platform/platform.h"
+#include "platform/quit_signals.h"
+#include "records/console_log.h"
+#include "screens/window_frame.h"
+#include "screens/window_model.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr int otherWindowStatus = 4;
+
+// The logs tell of this start only.
+void resetLogs(ModelContext& context) {
+    context.performanceLog.reset();
+    context.startupLog.reset();
+    context.startupLog.mark("applicationWillFinishLaunching reset logs");
+}
+
+WindowOutcome leaveToFirst(const SingleInstance& instance, const std::string& address) {
+    if (instance.handOver(QString::fromStdString(address))) return {};
+    consoleLine("Corvane 已经在运行，但没有回应。请先结束它，再重新打开。");
+    return {otherWindowStatus, std::nullopt};
+}
+
+QQuickWindow* loadWindow(QQmlApplicationEngine& engine, WindowModel& model) {
+    engine.addImportPath(QStringLiteral(":/qt/qml"));
+    engine.setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&model)}});
+    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Corvane/qml/shell/Main.qml")));
+    const QList<QObject*> roots = engine.rootObjects();
+    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(roots.first());
+}
+
+void bringForward(QQuickWindow& window) {
+    if (window.windowStates().testFlag(Qt::WindowMinimized)) window.showNormal();
+    window.show();
+    window.raise();
+    window.requestActivate();
+}
+
+} // namespace
+
+WindowOutcome runWindow(const WindowOptions& options) {
+    const std::unique_ptr<platform::Platform> system = platform::makePlatform(options.home);
+    ModelContext context(*system);
+    SingleInstance instance(QString::fromStdString(context.support.baseDirectory(true)));
+    if (!instance.becomeFirst()) return leaveToFirst(instance, options.address);
+
+    resetLogs(context);
+    CorvaneViewModel model(context);
+    WindowModel window(model);
+    WindowOutcome outcome;
+    QQmlApplicationEngine engine;
+    QQuickWindow* shown = loadWindow(engine, window);
+    if (shown == nullptr) return {EXIT_FAILURE, std::nullopt};
+    WindowFrame frame(*shown, context.settings);
+    // Nothing large happens before the first frame.
+    QObject::connect(shown, &QQuickWindow::frameSwapped, &window, &WindowModel::startUp,
+                     static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+    shown->show();
+
+    QObject::connect(&instance, &SingleInstance::requested, &window, [&](const QString& address) {
+        bringForward(*shown);
+        window.openAddress(address);
+    });
+    QObject::connect(window.sampleStore(), &SampleStore::ready, &window, [&](const QString& home) {
+        outcome.reopenHome = home.toStdString();
+        QCoreApplication::quit();
+    });
+    // Nobody is there to be asked: the run at work is ended in good order, then the program.
+    QSocketNotifier quitRequests(options.quitSignals, QSocketNotifier::Read);
+    QObject::connect(&quitRequests, &QSocketNotifier::activated, &window, [&] {
+        platform::takeQuitSignals(options.quitSignals);
+        QObject::connect(&window, &WindowModel::stopped, qApp, &QCoreApplication::quit);
+        window.stopArchiving();
+    });
+    window.openAddress(QString::fromStdString(options.address));
+    outcome.exitStatus = QGuiApplication::exec();
+    frame.remember();
+    return outcome;
+}
+
+} // namespace corvane

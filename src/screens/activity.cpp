@@ -1,0 +1,60 @@
+#include "screens/activity.h"
+
+#include <chrono>
+
+#include "screens/shown_figures.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr std::chrono::seconds changePause(1);
+
+} // namespace
+
+Activity::Activity(CorvaneViewModel& model, QObject* parent)
+  : QObject(parent)
+  , model_(model) {
+    pause_.setSingleShot(true);
+    pause_.setInterval(changePause);
+    connect(&pause_, &QTimer::timeout, this, [this] { show(present()); });
+    connect(&model.scanFlow(), &ScanFlow::stateChanged, this, &Activity::follow);
+    connect(&model.catalog(), &MessageCatalog::summaryChanged, this, &Activity::follow);
+    connect(&model.archive(), &ArchiveControl::progressChanged, this, &Activity::follow);
+    follow();
+}
+
+Activity::State Activity::present() const {
+    const QString home = QStringLiteral("home");
+    if (model_.archive().isArchiving()) {
+        const EmailArchiveProgress progress =
+            model_.archive().emailArchiveProgress().value_or(EmailArchiveProgress());
+        return {QStringLiteral("正在归档"),
+                QStringLiteral("%1 / %2").arg(screens::shownCount(progress.completed),
+                                              screens::shownCount(progress.total)),
+                home, progress.fraction(), false};
+    }
+    if (model_.scanFlow().state().isScanning()) {
+        return {QStringLiteral("正在扫描 Mail…"),
+                screens::shownMessageCount(model_.catalog().summary().scannedMessages), home, 0, true};
+    }
+    return {};
+}
+
+void Activity::follow() {
+    State state = present();
+    // Another work, or its end, is told at once.
+    if (state.title != shown_.title) {
+        show(std::move(state));
+    } else if (running() && !pause_.isActive()) {
+        pause_.start();
+    }
+}
+
+void Activity::show(State state) {
+    if (state == shown_) return;
+    shown_ = std::move(state);
+    Q_EMIT changed();
+}
+
+} // namespace corvane

@@ -1,0 +1,42 @@
+// What concerns the whole program, above every screen: samples for a computer without Mail, a missing font.
+import QtQuick
+import Corvane
+
+Column {
+    id: notices
+
+    required property WindowModel app
+    property int margin: Theme.margin
+
+    spacing: Theme.space
+
+    component Notice: Banner {
+        x: notices.margin
+        width: notices.width - 2 * notices.margin
+    }
+
+    Notice {
+        objectName: "fontNotice"
+        visible: !notices.app.hasChineseFont
+        kind: "attention"
+        // In the letters that every system has.
+        headline: "No font for Chinese was found"
+        lines: ["Install one (Debian and Ubuntu: fonts-noto-cjk) and start Corvane again."]
+    }
+    Notice {
+        objectName: "sampleNotice"
+        visible: notices.app.sampleStore.offered || notices.app.sampleStore.failure.length > 0
+        kind: notices.app.sampleStore.failure.length > 0 ? "danger" : "info"
+        headline: notices.app.sampleStore.failure.length > 0 ? notices.app.sampleStore.failure
+            : "这个主目录里没有 Apple Mail 的邮件"
+        lines: ["可以先用示例邮件试用。示例另存在应用数据里，不会碰到其它文件。"]
+
+        AppButton {
+            objectName: "sampleButton"
+            visible: notices.app.sampleStore.offered
+            enabled: !notices.app.sampleStore.busy
+            text: notices.app.sampleStore.busy ? "正在生成示例…" : "用示例邮件试用"
+            onClicked: notices.app.sampleStore.make()
+        }
+    }
+}

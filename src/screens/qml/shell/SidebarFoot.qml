@@ -1,0 +1,118 @@
+// The foot of the sidebar: where the archive lies, and the work that runs; a press on that leads to its screen.
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Corvane
+
+FocusGroup {
+    id: foot
+
+    required property ArchivePlace archivePlace
+    required property Activity activity
+
+    signal placeChosen(string key)
+
+    implicitHeight: column.implicitHeight + 27
+
+    Rectangle {
+        width: parent.width
+        height: Theme.hairline
+        color: Theme.line
+    }
+    ColumnLayout {
+        id: column
+        x: 16
+        y: 13
+        width: parent.width - 32
+        spacing: 0
+
+        AppText {
+            text: "归档位置"
+            role: AppText.Note
+            color: Theme.text3
+        }
+        RowLayout {
+            Layout.topMargin: 3
+            spacing: 8
+
+            Symbol {
+                Layout.alignment: Qt.AlignTop
+                Layout.topMargin: 1
+                size: 18
+                name: foot.archivePlace.symbol
+                color: foot.archivePlace.missing ? Theme.attention : Theme.text2
+            }
+            ColumnLayout {
+                Layout.fillWidth: true
+                spacing: 0
+
+                AppText {
+                    objectName: "archivePlaceName"
+                    Layout.fillWidth: true
+                    text: foot.archivePlace.name
+                    font.weight: Theme.medium
+                    wholeText: foot.archivePlace.path.length > 0 ? foot.archivePlace.path : text
+                }
+                AppText {
+                    objectName: "archivePlaceLine"
+                    Layout.fillWidth: true
+                    text: foot.archivePlace.line
+                    role: AppText.Note
+                    color: foot.archivePlace.missing ? Theme.attention : Theme.text3
+                }
+            }
+        }
+        Rectangle {
+            Layout.fillWidth: true
+            Layout.topMargin: 10
+            visible: foot.activity.running
+            implicitHeight: Theme.hairline
+            color: Theme.line
+        }
+        T.AbstractButton {
+            id: work
+            objectName: "activity"
+            Layout.fillWidth: true
+            Layout.topMargin: 6
+            visible: foot.activity.running
+            implicitHeight: 36
+            hoverEnabled: true
+            focusPolicy: Qt.TabFocus
+            Accessible.role: Accessible.Button
+            Accessible.name: foot.activity.title + "，" + foot.activity.figure
+            Keys.onReturnPressed: clicked()
+            onClicked: foot.placeChosen(foot.activity.place)
+
+            contentItem: Item {
+                AppText {
+                    y: 3
+                    width: parent.width - figure.implicitWidth - 8
+                    text: foot.activity.title
+                    role: AppText.Note
+                    font.underline: work.hovered
+                    Accessible.ignored: true
+                }
+                AppText {
+                    id: figure
+                    y: 3
+                    anchors.right: parent.right
+                    text: foot.activity.figure
+                    role: AppText.Note
+                    color: Theme.text3
+                    Accessible.ignored: true
+                }
+                ProgressTrack {
+                    y: 28
+                    width: parent.width
+                    thickness: Theme.progressHeightSidebar
+                    name: foot.activity.title
+                    value: foot.activity.value
+                    indeterminate: foot.activity.indeterminate && foot.activity.running
+                }
+            }
+            background: FocusRing {
+                shown: work.visualFocus
+            }
+        }
+    }
+}

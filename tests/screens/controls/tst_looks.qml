@@ -1,0 +1,51 @@
+// What is shown is what was said, in both modes.
+import QtQuick
+import QtTest
+import Corvane
+
+Item {
+    id: page
+    width: 1240
+    height: 840
+
+    AppText { id: text; width: 200; text: "<b>粗</b><img src='file:///etc/passwd'>"; wrapMode: Text.Wrap }
+    AppText { id: elided; y: 100; width: 60; text: "一个放不下的很长的主题" }
+    ListRow { id: row; y: 300; width: 300 }
+
+    TestCase {
+        name: "Looks"
+        when: windowShown
+
+        function test_MarkupIsShownAsItStands() {
+            compare(text.textFormat, Text.PlainText);
+            verify(text.lineCount > 1);
+            compare(text.Accessible.name, text.text);
+        }
+
+        function test_OnlyElidedTextExplainsItself() {
+            verify(!elided.explained);
+            mouseMove(elided, 20, 10);
+            tryVerify(() => elided.explained);
+            mouseMove(text, 20, 10);
+            tryVerify(() => !elided.explained);
+            verify(!text.explained);
+        }
+
+        function test_RowColoursFollowSelectionAndFocus_data() {
+            return [{ selected: false, focused: true, color: "#00000000" },
+                { selected: true, focused: true, color: Theme.selection },
+                { selected: true, focused: false, color: Theme.selectionInactive }];
+        }
+        function test_RowColoursFollowSelectionAndFocus(data) {
+            row.selected = data.selected;
+            row.listFocused = data.focused;
+            verify(Qt.colorEqual(row.children[0].color, data.color));
+        }
+
+        function test_EveryControlStandsOnOnePageWithoutAWarning() {
+            const gallery = createTemporaryObject(Qt.createComponent("Gallery.qml"), page);
+            verify(gallery);
+            waitForRendering(gallery);
+        }
+    }
+}

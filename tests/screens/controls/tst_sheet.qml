@@ -1,0 +1,87 @@
+// A sheet keeps the keyboard and gives it back.
+import QtQuick
+import QtTest
+import Corvane
+
+Item {
+    id: page
+    width: 800
+    height: 600
+
+    AppButton { id: opener; text: "打开"; onClicked: sheet.open() }
+    ConfirmSheet {
+        id: sheet
+        title: "问题"
+        line: "一行"
+        TickBox { id: inside; name: "里面" }
+    }
+    Sheet {
+        id: tall
+        title: "很长"
+        Repeater {
+            model: 100
+            AppText { required property int index; text: "第 " + index + " 行" }
+        }
+    }
+    SignalSpy { id: accepted; target: sheet; signalName: "accepted" }
+    SignalSpy { id: rejected; target: sheet; signalName: "rejected" }
+    SignalSpy { id: behind; target: opener; signalName: "clicked" }
+
+    TestCase {
+        name: "Sheet"
+        when: windowShown
+
+        function init() {
+            sheet.dismissable = true;
+            opener.forceActiveFocus(Qt.TabFocusReason);
+            keyClick(Qt.Key_Space);
+            tryVerify(() => sheet.opened);
+            accepted.clear();
+            rejected.clear();
+            behind.clear();
+        }
+        function cleanup() {
+            sheet.close();
+            tryVerify(() => !sheet.visible);
+        }
+
+        function test_TabStaysInside() {
+            for (let i = 0; i < 7; ++i) {
+                verify(!opener.activeFocus);
+                keyClick(Qt.Key_Tab);
+            }
+            mouseClick(page, 10, 10);
+            compare(behind.count, 0);
+            verify(sheet.opened);
+        }
+
+        function test_EscapeClosesAndGivesTheFocusBack_OnlyWhereItMay() {
+            sheet.dismissable = false;
+            keyClick(Qt.Key_Escape);
+            wait(0);
+            verify(sheet.opened);
+            sheet.dismissable = true;
+            keyClick(Qt.Key_Escape);
+            tryVerify(() => !sheet.visible);
+            compare(rejected.count, 1);
+            verify(opener.activeFocus);
+        }
+
+        function test_ReturnAnswersFromAnywhereInside() {
+            inside.forceActiveFocus(Qt.TabFocusReason);
+            keyClick(Qt.Key_Return);
+            compare(accepted.count, 1);
+            tryVerify(() => !sheet.visible);
+            compare(rejected.count, 0);
+        }
+
+        function test_SheetNeverOutgrowsTheWindow() {
+            cleanup();
+            tall.open();
+            tryVerify(() => tall.opened);
+            verify(tall.height <= 600 - 32);
+            tall.close();
+            tryVerify(() => !tall.visible);
+        }
+    }
+}

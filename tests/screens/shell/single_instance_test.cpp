@@ -1,0 +1,62 @@
+#include <future>
+
+#include <QLocalSocket>
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+#include "app/single_instance.h"
+#include "support/temporary_home.h"
+
+namespace corvane {
+
+namespace {
+
+QString folderOf(const testing::TemporaryHome& home) {
+    return QString::fromStdString(home.path());
+}
+
+TEST(SingleInstance, SecondStartHandsItsAddressToTheFirst) {
+    const testing::TemporaryHome home;
+    SingleInstance first(folderOf(home));
+    ASSERT_TRUE(first.becomeFirst());
+    QSignalSpy requests(&first, &SingleInstance::requested);
+    for (const char* address : {"", "corvane://open?path=/a%20b"}) {
+        // The second start waits for its answer, so it is on a thread of its own.
+        auto second = std::async(std::launch::async, [&] {
+            SingleInstance other(folderOf(home));
+            return !other.becomeFirst() && other.handOver(QString::fromUtf8(address));
+        });
+        ASSERT_TRUE(requests.wait(10'000));
+        while (second.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready)
+            QCoreApplication::processEvents();
+        EXPECT_TRUE(second.get());
+        EXPECT_EQ(requests.takeFirst().first().toString(), QString::fromUtf8(address));
+    }
+}
+
+TEST(SingleInstance, HomesDontMeet_AndTheNextOneIsFirstAgain) {
+    const testing::TemporaryHome home;
+    const testing::TemporaryHome other;
+    {
+        SingleInstance first(folderOf(home));
+        SingleInstance elsewhere(folderOf(other));
+        EXPECT_TRUE(first.becomeFirst());
+        EXPECT_TRUE(elsewhere.becomeFirst());
+    }
+    SingleInstance next(folderOf(home));
+    EXPECT_TRUE(next.becomeFirst());
+}
+
+TEST(SingleInstance, SilentFirstOneIsSaidToBeSo) {
+    const testing::TemporaryHome home;
+    SingleInstance first(folderOf(home));
+    ASSERT_TRUE(first.becomeFirst());
+    SingleInstance second(folderOf(home));
+    EXPECT_FALSE(second.becomeFirst());
+    // Nobody runs the first one's event loop while this waits.
+    EXPECT_FALSE(second.handOver(QString()));
+}
+
+} // namespace
+
+} // namespace corvane

@@ -1,0 +1,175 @@
+"""Drives the real window under Xvfb: starts `corvane` over a home, types, clicks and takes pictures.
+
+    with Display(1240, 840) as display:
+        with display.window(home, appearance="dark") as window:
+            window.press("ctrl+4")
+            window.click(300, 200)
+            window.picture("out.png")
+"""
+
+from __future__ import annotations
+
+import contextlib
+import os
+import pathlib
+import shutil
+import struct
+import subprocess
+import tempfile
+import time
+import zlib
+
+ROOT = pathlib.Path(__file__).resolve().parents[3]
+PROGRAM = os.environ.get("CORVANE_WINDOW", str(ROOT / "build/dev/bin/corvane"))
+PATIENCE = 30.0
+
+
+def wait_until(condition, what, patience=PATIENCE):
+    """Polls an outside program, which has no event to wait for."""
+    deadline = time.monotonic() + patience
+    while True:
+        result = condition()
+        if result:
+            return result
+        if time.monotonic() > deadline:
+            raise TimeoutError(f"waited in vain for {what}")
+        time.sleep(0.05)
+
+
+def _chunk(kind, data):
+    return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+
+
+def have_display_tools():
+    return all(shutil.which(tool) for tool in ("Xvfb", "xdotool"))
+
+
+class Display:
+    """An X server of its own, with a screen of the given size."""
+
+    def __init__(self, width=1240, height=840):
+        self.width, self.height = width, height
+
+    def __enter__(self):
+        self._folder = tempfile.TemporaryDirectory()
+        read_end, write_end = os.pipe()
+        self._server = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{self.width}x{self.height}x24",
+             "-nolisten", "tcp", "-fbdir", self._folder.name],
+            pass_fds=[write_end], stderr=subprocess.DEVNULL)
+        os.close(write_end)
+        with os.fdopen(read_end) as answer:
+            number = answer.readline().strip()
+        if not number:
+            raise RuntimeError("Xvfb did not start")
+        self.environment = {**os.environ, "DISPLAY": f":{number}", "QT_QPA_PLATFORM": "xcb",
+                            "QT_QUICK_BACKEND": "software", "LC_ALL": "C.UTF-8"}
+        for unwanted in ("WAYLAND_DISPLAY", "QT_SCALE_FACTOR"):
+            self.environment.pop(unwanted, None)
+        return self
+
+    def __exit__(self, *_):
+        self._server.terminate()
+        self._server.wait()
+        self._folder.cleanup()
+
+    def pixels(self):
+        """The screen's memory: rows of four bytes a pixel, blue first (as XWD files have it)."""
+        dump = (pathlib.Path(self._folder.name) / "Xvfb_screen0").read_bytes()
+        header_size, = struct.unpack_from(">I", dump)
+        row_size, = struct.unpack_from(">I", dump, 48)
+        colours, = struct.unpack_from(">I", dump, 76)
+        first = header_size + colours * 12
+        return dump[first:first + row_size * self.height], row_size
+
+    def run(self, *command, **options):
+        return subprocess.run(command, env=self.environment, check=True, **options)
+
+    def start(self, home, *arguments, appearance="light"):
+        """The program without waiting for its window."""
+        runtime = pathlib.Path(home) / "runtime"
+        runtime.mkdir(mode=0o700, exist_ok=True)
+        return subprocess.Popen(
+            [PROGRAM, "--home", str(home), "--appearance", appearance, *arguments],
+            env={**self.environment, "XDG_RUNTIME_DIR": str(runtime)},
+            stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+
+    @contextlib.contextmanager
+    def window(self, home, *arguments, appearance="light"):
+        process = self.start(home, *arguments, appearance=appearance)
+        window = Window(self, process)
+        try:
+            window.wait_for_picture()
+            yield window
+        finally:
+            window.quit()
+
+
+class Window:
+    def __init__(self, display, process):
+        self._display, self.process = display, process
+        self.id = wait_until(self._find, "the window")
+
+    def _find(self):
+        if self.process.poll() is not None:
+            raise RuntimeError("the program ended: " + self.process.stderr.read())
+        found = subprocess.run(
+            ["xdotool", "search", "--onlyvisible", "--pid", str(self.process.pid), "--name", "^Corvane"],
+            env=self._display.environment, capture_output=True, text=True)
+        return found.stdout.split()[0] if found.stdout.split() else None
+
+    def wait_for_picture(self):
+        """A window that has painted has more than its background."""
+        wait_until(lambda: len(set(self._display.pixels()[0][::997])) > 3, "the first picture")
+
+    def press(self, *keys):
+        self._display.run("xdotool", "windowfocus", "--sync", self.id)
+        self._display.run("xdotool", "key", "--delay", "20", *keys)
+
+    def type(self, text):
+        self._display.run("xdotool", "type", "--delay", "20", text)
+
+    def click(self, x, y, button=1):
+        self.move(x, y)
+        self._display.run("xdotool", "click", str(button))
+
+    def move(self, x, y):
+        self._display.run("xdotool", "mousemove", "--window", self.id, str(x), str(y))
+
+    def resize(self, width, height):
+        self._display.run("xdotool", "windowsize", "--sync", self.id, str(width), str(height))
+
+    def settled(self, still=0.4):
+        """Waits until nothing on the window has changed for a while."""
+        last, since = None, time.monotonic()
+        deadline = since + PATIENCE
+        while time.monotonic() < deadline:
+            pixels, _ = self._display.pixels()
+            if pixels != last:
+                last, since = pixels, time.monotonic()
+            elif time.monotonic() - since > still:
+                return
+            time.sleep(0.05)
+
+    def picture(self, path):
+        """The whole screen as a PNG."""
+        self.settled()
+        pixels, row_size = self._display.pixels()
+        width, height = self._display.width, self._display.height
+        rows = bytearray()
+        for y in range(height):
+            row = pixels[y * row_size:y * row_size + 4 * width]
+            rgb = bytearray(3 * width)
+            rgb[0::3], rgb[1::3], rgb[2::3] = row[2::4], row[1::4], row[0::4]
+            rows += b"\0" + rgb
+        path = pathlib.Path(path)
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_bytes(b"\x89PNG\r\n\x1a\n"
+                         + _chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0))
+                         + _chunk(b"IDAT", zlib.compress(bytes(rows))) + _chunk(b"IEND", b""))
+
+    def quit(self):
+        if self.process.poll() is None:
+            self.process.terminate()
+        self.process.communicate(timeout=PATIENCE)
+        return self.process.returncode
