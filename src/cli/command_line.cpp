@@ -92,6 +92,8 @@ class CommandLine {
         preview->add_option("file", previewFile_, "邮件文件")->required();
         command(preview,
                 [this](Session& session) { return runPreview(session, previewFile_, common_.json); });
+        command(app_.add_subcommand("diagnose", "写出恢复邮件的诊断日志"),
+                [this](Session& session) { return runDiagnose(session, common_.json); });
         auto* stats = app_.add_subcommand("stats", "上次扫描的统计");
         stats->add_option("--year", statsYears_, "限定年份")->allow_extra_args(false);
         command(stats, [this](Session& session) { return runStats(session, statsYears_, common_.json); });

@@ -28,6 +28,7 @@ struct MessagesOptions {
 
 int runMessages(Session& session, const MessagesOptions& options, bool json);
 int runPreview(Session& session, const std::string& file, bool json);
+int runDiagnose(Session& session, bool json);
 int runStats(Session& session, const std::vector<std::int64_t>& years, bool json);
 
 struct ArchiveOptions {

@@ -227,6 +227,30 @@ int runPreview(Session& session, const std::string& file, bool json) {
     return done;
 }
 
+int runDiagnose(Session& session, bool json) {
+    CorvaneViewModel& model = session.model();
+    session.waitUntilIdle();
+    if (model.accounts().availableAccounts().empty()) model.accounts().refreshAccountsFromMail();
+    session.waitUntilIdle();
+    // A home of which no account is selected, as before its first refresh, is looked at as a whole.
+    std::set<std::string> prefixes = model.accounts().selectedAccountPrefixes();
+    if (prefixes.empty()) {
+        for (const MailAccount& account : model.accounts().availableAccounts())
+            prefixes.insert(account.urlPrefix);
+    }
+    model.diagnostics().write(prefixes);
+    session.waitUntilIdle();
+    const std::string path = model.diagnostics().logPath();
+    if (json) {
+        JsonDocument document;
+        document.object([&] { document.member("log", path); });
+        document.print();
+    } else {
+        printText(path);
+    }
+    return done;
+}
+
 int runStats(Session& session, const std::vector<std::int64_t>& years, bool json) {
     session.restoreLastScan();
     session.model().filters().setArchiveFilterYears(asSet(years));

@@ -30,7 +30,7 @@ void debugLog(const CorvaneAppSupport& support, std::string_view text) {
 
 void restoredMailDiagnosticLog(const CorvaneAppSupport& support, std::string_view text, LogStart start) {
     consoleLine(fmt::format("[RestoreScanDiagnostic] {}", text));
-    writeLine(support, "restore-scan-diagnostic.log", text, start);
+    writeLine(support, restoredMailDiagnosticLogName, text, start);
 }
 
 } // namespace corvane::mailstore

@@ -11,9 +11,11 @@ namespace corvane::mailstore {
 // One line with its time into "trash-plan-debug.log", and the text to the console.
 void debugLog(const CorvaneAppSupport& support, std::string_view text);
 
+inline constexpr std::string_view restoredMailDiagnosticLogName = "restore-scan-diagnostic.log";
+
 enum class LogStart { append, reset };
 
-// The same for "restore-scan-diagnostic.log"; `reset` empties the file first.
+// The same for the log of restored mail; `reset` empties the file first.
 void restoredMailDiagnosticLog(const CorvaneAppSupport& support, std::string_view text,
                                LogStart start = LogStart::append);
 

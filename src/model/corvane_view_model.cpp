@@ -29,7 +29,8 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
   , scanFlow_(context, accounts_, catalog_, counts_, filters_)
   , archive_(context, catalog_, filters_)
   , bodyTexts_(context, library_)
-  , diskAccess_(context) {
+  , diskAccess_(context)
+  , diagnostics_(context, accounts_) {
     wireScan();
     wireAvailability();
     wireFilters();
@@ -61,6 +62,8 @@ void CorvaneViewModel::wireScan() {
         pruneFilterYears();
         counts_.refreshIndexedYearCounts();
     });
+    connect(&scanFlow_, &ScanFlow::scanEnded, this,
+            [this] { diagnostics_.write(accounts_.selectedAccountPrefixes()); });
     connect(&scanFlow_, &ScanFlow::earlierMessagesRestored, this,
             [this] { visible_.rebuildVisibleMessages(); });
     connect(&scanFlow_, &ScanFlow::homeSnapshotApplied, this,

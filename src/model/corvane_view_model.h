@@ -15,6 +15,7 @@
 #include "model/index_counts.h"
 #include "model/library_loader.h"
 #include "model/mail_access.h"
+#include "model/mail_diagnostics.h"
 #include "model/message_catalog.h"
 #include "model/model_filters.h"
 #include "model/scan_flow.h"
@@ -68,6 +69,8 @@ class CorvaneViewModel : public QObject {
 
     [[nodiscard]] FullDiskAccess& diskAccess() { return diskAccess_; }
 
+    [[nodiscard]] MailDiagnostics& diagnostics() { return diagnostics_; }
+
   private:
     void startUp();
     void wireScan();
@@ -93,6 +96,7 @@ class CorvaneViewModel : public QObject {
     ArchiveControl archive_;
     BodyTexts bodyTexts_;
     FullDiskAccess diskAccess_;
+    MailDiagnostics diagnostics_;
     std::unique_ptr<platform::MountSubscription> mounts_;
 };
 

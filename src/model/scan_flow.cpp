@@ -222,13 +222,14 @@ void ScanFlow::finishScan(const TaskHandle& task, const ScanJob& job, ScanProgre
         scanTimingLog_ = timing;
         Q_EMIT timingChanged();
         catalog_.setMessages(set, summary, MessageCatalog::Files::justSeen);
-        if (!visitedSomething) {
+        if (visitedSomething) {
+            cacheLoadedAt_ = currentTimestamp();
+            setState(MailScanState::finished());
+            Q_EMIT scanFinished();
+        } else {
             fail(empty.text, empty.isYearRangeInfo);
-            return;
         }
-        cacheLoadedAt_ = currentTimestamp();
-        setState(MailScanState::finished());
-        Q_EMIT scanFinished();
+        Q_EMIT scanEnded();
     });
 }
 
@@ -241,6 +242,7 @@ void ScanFlow::failScan(const std::string& message) {
     }
     beforeScan_.reset();
     fail(message);
+    Q_EMIT scanEnded();
 }
 
 void ScanFlow::cancelScan() {

@@ -50,6 +50,8 @@ class ScanFlow : public QObject {
     void scanStarted();
     // A scan or a restore has published its messages.
     void scanFinished();
+    // A scan has come to its end, whatever it found; one that was cancelled hasn't.
+    void scanEnded();
     // The messages of before a failed scan are back.
     void earlierMessagesRestored();
     void homeSnapshotApplied();

@@ -1,6 +1,7 @@
 """Stores that are locked, broken, foreign or not there: each with the text for its user and an exit status."""
 
 import pathlib
+import re
 import sqlite3
 import subprocess
 import unicodedata
@@ -85,6 +86,24 @@ class Stores(CliCase):
         result = self.run_cli(home, "archive", "--to", archive, expect=3)
         self.assertEqual((result["failedCount"], len(result["variantWarnings"])), (0, 1))
         self.assertEqual(self.run_cli(home, "verify", archive)["checked"], result["archivedCount"])
+
+    def test_diagnostics_are_written_after_a_scan_and_on_demand(self):
+        home = self.home("home", "--messages", "100")
+        log = home / ".local/share/Corvane/restore-scan-diagnostic.log"
+        before = tree_state(home / "Library")
+        self.assertEqual(self.run_cli(home, "diagnose"), {"log": str(log)})
+        on_demand = log.read_text(encoding="utf-8")
+        self.run_cli(home, "refresh")
+        for text in (on_demand, log.read_text(encoding="utf-8")):
+            totals = re.findall(r"\] account=\S+ total=(\d+) withAttachments=\d+ excludedTrashOrJunk=\d+ "
+                                r"sampleEmlxPresent=\d+ sampleEmlxMissing=\d+\n", text)
+            self.assertEqual(sum(map(int, totals)), self.manifest(home)["counts"]["rows"])
+        self.assertEqual(tree_state(home / "Library"), before)
+        nothing = self.folder / "nothing"
+        nothing.mkdir()
+        self.run_cli(nothing, "diagnose")
+        written = (nothing / ".local/share/Corvane/restore-scan-diagnostic.log").read_text(encoding="utf-8")
+        self.assertIn("stop reason=no-sqlite-or-envelope-index", written)
 
     def crashing_runtime(self):
         runtime = self.folder / "python3"

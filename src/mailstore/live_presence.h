@@ -1,0 +1,45 @@
+// Whether messages are in Mail now: asked of the live index, where trash and junk don't count. "No answer"
+// (nothing) is not "not there" (an empty set), and callers must keep them apart. Background work without a
+// time limit; any thread.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "mailstore/mail_store_context.h"
+#include "records/mail_message_record.h"
+#include "text/shared_text.h"
+
+namespace corvane {
+
+// A message without a usable identifier, known by what its index row must hold.
+struct ContentPresenceTarget {
+    SharedText key; // the caller's name for it
+    std::string senderAddress;
+    std::string subject;
+    Date date;
+};
+
+namespace mailstore {
+
+// Those of the identifiers, in their normalized form, that a live message has.
+std::optional<SharedTextSet> liveMessageIdentifierPresence(const MailStoreContext& context,
+                                                           const std::string& rootPath,
+                                                           const SharedTextSet& targetMessageIdentifiers);
+
+// The keys of the targets that a live message matches: same sender and subject without regard to case, and
+// dates at most two days apart.
+std::optional<SharedTextSet> liveMessagePresenceByContent(const MailStoreContext& context,
+                                                          const std::string& rootPath,
+                                                          const std::vector<ContentPresenceTarget>& targets);
+
+// The Message-ID header of the newest live copy as it is stored, with its case and brackets.
+std::optional<std::string> liveMessageOriginalIDHeader(const MailStoreContext& context,
+                                                       const std::string& rootPath,
+                                                       std::string_view messageIdentifier);
+
+} // namespace mailstore
+
+} // namespace corvane

@@ -1,0 +1,22 @@
+// A written report on what the index knows of the mail by year and mailbox, and how much of that is on the
+// disk: for support, when mail was restored into Mail and a scan shows less than was expected.
+#pragma once
+
+#include <stop_token>
+#include <string>
+#include <vector>
+
+#include "mailstore/mail_store_context.h"
+#include "records/mail_account.h"
+
+namespace corvane::mailstore {
+
+// Writes the log of restored mail anew, for those of the accounts that are selected. Only reads the store;
+// failures are lines of the log. Background work without a time limit; a requested stop ends it between two
+// accounts.
+void logRestoredMailDiagnostics(const MailStoreContext& context, const std::string& rootPath,
+                                const std::vector<MailAccount>& accounts,
+                                const std::vector<std::string>& selectedPrefixes,
+                                const std::stop_token& stop = {});
+
+} // namespace corvane::mailstore

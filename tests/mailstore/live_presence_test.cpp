@@ -1,0 +1,231 @@
+#include "mailstore/live_presence.h"
+
+#include <filesystem>
+#include <random>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "mailstore/reader_logs.h"
+#include "mailstore/restored_mail_diagnostics.h"
+#include "mailstore/sample_mail_store.h"
+
+namespace corvane::mailstore {
+namespace {
+
+namespace fs = std::filesystem;
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using testing::SampleMailStore;
+using testing::startOf2024;
+using ::testing::UnorderedElementsAre;
+
+Date dateAt(std::int64_t seconds) {
+    return Date(std::chrono::seconds(seconds));
+}
+
+// Mailbox 1 is an inbox, 2 the trash, 3 a folder in the trash.
+struct LiveStore : SampleMailStore {
+    explicit LiveStore(IdentifierColumn column = IdentifierColumn::present)
+      : SampleMailStore(column) {
+        const std::string account = std::string("imap://") + testing::firstAccount;
+        addMailbox(account + "/INBOX", std::string(testing::firstAccount) + "/INBOX.mbox/Data");
+        addMailbox(account + "/Deleted%20Messages", "");
+        addMailbox(account + "/Deleted%20Messages/Old", "");
+    }
+
+    [[nodiscard]] auto identifiers(const SharedTextSet& targets) const {
+        return liveMessageIdentifierPresence(context, root, targets);
+    }
+
+    [[nodiscard]] auto contents(const std::vector<ContentPresenceTarget>& targets) const {
+        return liveMessagePresenceByContent(context, root, targets);
+    }
+
+    [[nodiscard]] auto header(std::string_view identifier) const {
+        return liveMessageOriginalIDHeader(context, root, identifier);
+    }
+};
+
+TEST(LivePresence, IdentifiersAreComparedInTheirNormalForm) {
+    LiveStore store;
+    store.add({.rowID = 1, .messageID = 1, .header = " <ABC@x> "});
+    store.add({.rowID = 2, .messageID = 2, .header = "=?utf-8?Q?it's@x?="});
+    store.add({.rowID = 3, .mailbox = 2, .messageID = 3, .header = "<deleted@x>"});
+    store.add({.rowID = 4, .mailbox = 3, .messageID = 4, .header = "kept@x"});
+    // One copy in the trash, one not.
+    store.add({.rowID = 5, .mailbox = 2, .messageID = 5, .header = "<both@x>"});
+    store.add({.rowID = 6, .messageID = 5});
+    store.close();
+    const auto before = store.tree();
+    EXPECT_THAT(
+        store.identifiers({"abc@x", "it's@x", "deleted@x", "kept@x", "both@x", "never@x", ""}).value(),
+        UnorderedElementsAre("abc@x", "it's@x", "kept@x", "both@x"));
+    EXPECT_THAT(store.identifiers({}).value(), IsEmpty());
+    EXPECT_THAT(store.changesSince(before), IsEmpty());
+}
+
+TEST(LivePresence, ContentMatchesWithinTwoDays) {
+    LiveStore store;
+    store.add({.rowID = 1, .subject = "Re: Plan", .senderAddress = "A@X.org", .date = startOf2024});
+    store.add({.rowID = 2, .mailbox = 2, .subject = "Gone", .senderAddress = "a@x.org"});
+    store.add({.rowID = 3, .subject = "O'Brien", .senderAddress = "o'b@x.org", .date = startOf2024});
+    store.add({.rowID = 4, .subject = "As text", .senderAddress = "t@x.org", .date = startOf2024});
+    store.add({.rowID = 5, .subject = "Undated", .senderAddress = "a@x.org", .date = 0});
+    store.add({.rowID = 6, .subject = "Often", .senderAddress = "a@x.org", .date = startOf2024 - 900'000});
+    store.add({.rowID = 7, .subject = "often", .senderAddress = "a@x.org", .date = startOf2024 + 900'000});
+    store.execute("UPDATE messages SET date_received = '1704067200.5' WHERE rowid = 4");
+    store.execute("UPDATE messages SET subject_prefix = 'Re: ' WHERE rowid = 3");
+    store.close();
+
+    struct {
+        const char* key;
+        const char* sender;
+        const char* subject;
+        std::int64_t date;
+        bool isPresent;
+    } const cases[] = {
+        {"same", "a@x.org", "Re: Plan", startOf2024, true},
+        {"case", " A@x.ORG\n", " RE: PLAN ", startOf2024, true},
+        {"later", "a@x.org", "re: plan", startOf2024 + 172'800, true},
+        {"too late", "a@x.org", "re: plan", startOf2024 + 172'801, false},
+        {"earlier", "a@x.org", "re: plan", startOf2024 - 172'800, true},
+        {"too early", "a@x.org", "re: plan", startOf2024 - 172'801, false},
+        {"prefix", "a@x.org", "plan", startOf2024, false},
+        {"other sender", "b@x.org", "re: plan", startOf2024, false},
+        {"no sender", " ", "re: plan", startOf2024, false},
+        {"trash", "a@x.org", "gone", startOf2024, false},
+        {"apostrophe", "o'b@x.org", "re: o'brien", startOf2024, true},
+        {"text date", "t@x.org", "as text", startOf2024, true},
+        {"no date", "a@x.org", "undated", 0, false},
+        {"between", "a@x.org", "often", startOf2024, false},
+        {"second", "a@x.org", "often", startOf2024 + 900'001, true},
+    };
+
+    std::vector<ContentPresenceTarget> targets;
+    SharedTextSet expected;
+    for (const auto& each : cases) {
+        targets.push_back({each.key, each.sender, each.subject, dateAt(each.date)});
+        if (each.isPresent) expected.insert(each.key);
+    }
+    EXPECT_EQ(store.contents(targets), expected);
+    EXPECT_THAT(store.contents({}).value(), IsEmpty());
+}
+
+TEST(LivePresence, AnyNumberOfSendersIsAsked) {
+    LiveStore store;
+    store.add({.rowID = 1, .senderAddress = "sender7999@a-rather-long-host-name.example.org"});
+    store.add({.rowID = 2, .senderAddress = "sender0@a-rather-long-host-name.example.org"});
+    store.close();
+    std::vector<ContentPresenceTarget> targets;
+    for (int i = 0; i < 8'000; ++i)
+        targets.push_back({std::to_string(i), fmt::format("sender{}@a-rather-long-host-name.example.org", i),
+                           "subject", dateAt(startOf2024)});
+    EXPECT_THAT(store.contents(targets).value(), UnorderedElementsAre("0", "7999"));
+}
+
+TEST(LivePresence, NoAnswerIsNotAnEmptyOne) {
+    const SharedTextSet identifiers = {"a@x"};
+    const std::vector<ContentPresenceTarget> targets = {{"1", "a@x", "s", dateAt(startOf2024)}};
+    {
+        LiveStore locked;
+        locked.close();
+        const testing::LockingWriter writer(locked.indexPath());
+        EXPECT_EQ(locked.identifiers(identifiers), std::nullopt);
+        EXPECT_EQ(locked.contents(targets), std::nullopt);
+    }
+    LiveStore withoutColumn(SampleMailStore::IdentifierColumn::missing);
+    withoutColumn.close();
+    EXPECT_EQ(withoutColumn.identifiers(identifiers), std::nullopt);
+    EXPECT_THAT(withoutColumn.contents(targets).value(), IsEmpty());
+
+    LiveStore store;
+    store.add({.rowID = 1, .messageID = 1, .senderAddress = "a@x", .header = "<a@x>"});
+    store.close();
+    for (const char* script : {"exit 1", "echo '{}'", "echo '[{\"messageId\": \"<a@x>\"'", "echo no json"}) {
+        store.platform.setShellScript(script);
+        EXPECT_EQ(store.identifiers(identifiers), std::nullopt) << script;
+        EXPECT_EQ(store.contents(targets), std::nullopt) << script;
+        EXPECT_EQ(store.header("a@x"), std::nullopt) << script;
+    }
+    store.platform.setShellScript("exit 0");
+    EXPECT_THAT(store.identifiers(identifiers).value(), IsEmpty());
+    store.platform.shell = store.home.at("missing");
+    EXPECT_EQ(store.identifiers(identifiers), std::nullopt);
+    EXPECT_EQ(store.contents(targets), std::nullopt);
+    store.platform.shell = "/usr/bin/sqlite3";
+    fs::remove(store.indexPath());
+    EXPECT_EQ(store.identifiers(identifiers), std::nullopt);
+    EXPECT_EQ(store.contents(targets), std::nullopt);
+}
+
+TEST(LivePresence, TheHeaderOfTheNewestLiveCopyIsGivenAsStored) {
+    LiveStore store;
+    store.add({.rowID = 1, .messageID = 1, .date = startOf2024, .header = "<Old@X>"});
+    store.add({.rowID = 2, .messageID = 2, .date = startOf2024 + 5, .header = " \t<OLD@x>\r\n"});
+    store.add({.rowID = 3, .mailbox = 2, .messageID = 3, .date = startOf2024 + 9, .header = "<oLd@x>"});
+    store.add({.rowID = 4, .messageID = 4, .header = "it's@x"});
+    store.close();
+    EXPECT_EQ(store.header("<old@X> "), " \t<OLD@x>\r\n");
+    EXPECT_EQ(store.header("it's@x"), "it's@x");
+    EXPECT_EQ(store.header("never@x"), std::nullopt);
+    EXPECT_EQ(store.header(" <> "), std::nullopt);
+    EXPECT_EQ(store.header("' OR 1=1 --"), std::nullopt);
+}
+
+TEST(RestoredMailDiagnostics, TellYearsMailboxesAndWhatIsOnTheDisk) {
+    LiveStore store;
+    store.add({.rowID = 1, .attachments = {"a.pdf"}});
+    store.add({.rowID = 2, .hasFile = false});
+    store.add({.rowID = 3, .date = startOf2024 - 1});
+    store.add({.rowID = 4, .mailbox = 2});
+    store.add({.rowID = 5, .date = 0});
+    store.addMailbox(std::string("imap://") + testing::secondAccount + "/INBOX", "");
+    store.add({.rowID = 6, .mailbox = 4});
+    store.close();
+    const std::string first = std::string("imap://") + testing::firstAccount;
+    const std::string second = std::string("imap://") + testing::secondAccount;
+    std::vector<MailAccount> accounts(2);
+    accounts[0].urlPrefix = first;
+    accounts[1].urlPrefix = second;
+    const auto before = store.tree();
+    const auto written = [&](const std::vector<std::string>& selected) {
+        logRestoredMailDiagnostics(store.context, store.root, accounts, selected);
+        return testing::readWhole(store.support.filePath(restoredMailDiagnosticLogName));
+    };
+    restoredMailDiagnosticLog(store.support, "of an earlier scan");
+    const std::string log = written({first});
+    EXPECT_THAT(log, Not(HasSubstr("earlier")));
+    EXPECT_THAT(
+        log,
+        HasSubstr("] start log=~/Library/Application Support/Corvane/restore-scan-diagnostic.log selected=" +
+                  first + "\n"));
+    for (const std::string& line :
+         {"year=2024 mailbox=\"" + first +
+              "/INBOX\" total=2 withAttachments=1 excludedTrashOrJunk=false "
+              "sampleEmlx=present:1 missing:1 checked:2\n",
+          "year=2023 mailbox=\"" + first +
+              "/INBOX\" total=1 withAttachments=0 excludedTrashOrJunk=false "
+              "sampleEmlx=present:1 missing:0 checked:1\n",
+          "year=2024 mailbox=\"" + first +
+              "/Deleted%20Messages\" total=1 withAttachments=0 excludedTrashOrJunk=true "
+              "sampleEmlx=present:0 missing:1 checked:1\n",
+          "account=" + first +
+              " total=4 withAttachments=1 excludedTrashOrJunk=1 sampleEmlxPresent=2 "
+              "sampleEmlxMissing=2\n"})
+        EXPECT_THAT(log, HasSubstr(line));
+    EXPECT_THAT(log, Not(HasSubstr(testing::secondAccount)));
+    EXPECT_THAT(written({first, second}), HasSubstr("account=" + second + " total=1 "));
+    EXPECT_THAT(store.changesSince(before), IsEmpty());
+
+    store.platform.setShellScript("echo broken >&2; exit 5");
+    EXPECT_THAT(written({first}), HasSubstr("] sqlite query failed status=5 error=broken\n"));
+    fs::remove(store.indexPath());
+    EXPECT_THAT(written({first}), HasSubstr("] stop reason=no-sqlite-or-envelope-index\n"));
+}
+
+} // namespace
+} // namespace corvane::mailstore
