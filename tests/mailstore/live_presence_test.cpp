@@ -15,7 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
@@ -121,6 +120,7 @@ TEST(LivePresence, AnyNumberOfSendersIsAsked) {
     store.add({.rowID = 2, .senderAddress = "sender0@a-rather-long-host-name.example.org"});
     store.close();
     std::vector<ContentPresenceTarget> targets;
+    targets.reserve(8'000);
     for (int i = 0; i < 8'000; ++i)
         targets.push_back({std::to_string(i), fmt::format("sender{}@a-rather-long-host-name.example.org", i),
                            "subject", dateAt(startOf2024)});
