@@ -67,6 +67,8 @@ HOSTILE = {
     "commands": part(fill(b"<param>"), "text/enriched"), "events": part(fill(b"BEGIN:VEVENT\nSUMMARY:x\n"), "text/calendar"),
     "encoded words": typed(b"Content-Type: message/rfc822", b"Subject: " + fill(b"=?a?q? ") + b"\n\nx"),
     "bad bytes": part(fill(b"\xff"), charset="gb2312"), "bad bytes of UTF-8": part(fill(b"a\xff"), charset="utf-8"), "zeros": fill(b"\0"),
+    "rules of style": html(b"<style>" + fill(b".a{display:none}") + b"</style><p class=a>"), "comments of style": html(
+        b"<style>" + fill(b"/* ") + b".a{display:none}</style>"), "blocks of style": html(b"<style>" + fill(b"{display:none") + b"}</style>"),
     "clear signed": part(fill(b"-----BEGIN PGP SIGNED MESSAGE-----\n\nx\n") + b"\n-----BEGIN PGP SIGNATURE-----\n-----END PGP SIGNATURE-----\n"),
     "signed headers": part(fill(b"-----BEGIN PGP SIGNED MESSAGE-----\nA: b\n")), "yEnc heads": part(fill(b"=ybegin name=x\n") + b"=yend\n"),
     "braces of RTF": part(fill(b"{"), "text/rtf"), "words of RTF": part(fill(b"\\par\\u20013 \\'d6"), "text/rtf"),

@@ -38,6 +38,12 @@ class HtmlToText(unittest.TestCase):
                        "<head><meta name=x content='a>b'><title>T</title></head>", "<?xml version='1.0'?>", "<!DOCTYPE html>"):
             self.check((("<p>a</p>%s<p>b</p>" % hidden, "a\n\nb"),))
 
+    def test_what_a_style_sheet_hides_everywhere(self):
+        sheet = ("<style><!-- .pre, p.x{color:red;display:none !important} #z{visibility:hidden} @media (max-width:9px) {.d{display:none}} "
+                 ".in .b{display:none} /* .e{display:none} */ .m{color:red} --></style>")
+        self.check(((sheet + "<p class='a pre'>no</p><p class=x>no</p><div id=z>no</div><img class=pre alt=no><p>a</p>", "a"),
+                    (sheet + "<p class=d>d</p><p class=b>b</p><p class=e>e</p><p class=m>m</p><p class=x>no end", "d\n\nb\n\ne\n\nm\n\nno end")))
+
     def test_what_is_shown_all_the_same(self):
         self.check((
             ("<!--[if !mso]><!--><p>a</p><!--<![endif]-->", "a"), ("<![if !vml]>pic<![endif]>", "pic"),
@@ -50,7 +56,7 @@ class HtmlToText(unittest.TestCase):
     def test_links_pictures_and_entities(self):
         self.check((
             ("<a href='https://example.com/x'>here</a>", "here"), ("<a href='https://example.com/x'></a>", "https://example.com/x"),
-            ("<a href='https://example.com/x'><img src=a.png></a>", ""), ("a<img alt='logo' src=x>b<img alt=''>", "a logo b"),
+            ("<a href='https://example.com/x'><img src=a.png></a>", ""), ("a<img alt='logo' src=x>b<img alt=''><img alt=pixel style='display:none'>", "a logo b"),
             ("&lt;b&gt; &quot;x&quot;&nbsp;&copy;&eacute;&hellip;", "<b> \"x\" ©é…"), ("&#20013;&#x6587;&#146;&#150;", "中文’–"),
             ("&#55357;&#56832;&#xD83D;", "😀\ufffd"), ("&#0;&#7;&#99999999;&unknown;&amp", "\ufffd&unknown;&")))
 

@@ -8,7 +8,7 @@ SIGNATURE_MARK = "\uf0f0SIG\uf0f0"
 QUOTE_MARK = "\uf0f1QUOTE\uf0f1"
 
 HIDEABLE = frozenset("div span p td tr table tbody font center a b i u strong em li ul ol section h1 h2 h3 h4 h5 h6"
-                     " label button pre".split())
+                     " label button pre header footer article main aside small blockquote".split())
 HIDING = re.compile(r"display\s*:\s*none|visibility\s*:\s*hidden|opacity\s*:\s*0\s*(?:[;!]|$)", re.I)
 NO_HEIGHT = r"(?i)(?<![-\w])(?:max-)?height\s*:\s*0(?:px)?\s*(?:[;!]|$)"
 TINY = re.compile(r"font-size\s*:\s*0(?:\.0+)?(?:px|pt|em|%)?\s*(?:[;!]|$)", re.I)
@@ -30,11 +30,33 @@ def attribute(head, name):
     return (match.group(1) or match.group(2) or match.group(3) or "")[:2000] if match else ""
 
 
-def hiding_of(name, head):
+def hidden_by(style):
+    """Classes (as ".name") and identifiers ("#name") that a style sheet hides everywhere, so not under conditions."""
+    if not HIDING.search(style):
+        return set()
+    names, depth, start, selectors = set(), 0, 0, ""
+    first, *others = style.replace("<!--", "").replace("-->", "").split("/*")
+    style = first + "".join(piece.partition("*/")[2] for piece in others)
+    for brace in re.finditer("[{}]", style):
+        if brace.group() == "{":
+            selectors = style[start:brace.start()] if not depth else ""
+            depth += 1
+        else:
+            depth = max(0, depth - 1)
+            if not depth and selectors and HIDING.search(style, start, brace.start()):
+                names.update(re.findall(r"(?:^|,)\s*[a-z]{0,10}([.#][\w-]+)\s*(?=,|$)", selectors))
+            selectors = selectors if depth else ""
+        start = brace.end()
+    return names
+
+
+def hiding_of(name, head, hidden):
     """"all" for an element that isn't shown, "tiny" for one whose own letters have no size, else ""."""
     if name not in HIDEABLE:
         return ""
     low = head.lower()
+    if hidden and not hidden.isdisjoint(["." + each for each in attribute(head, "class").split()] + ["#" + attribute(head, "id")]):
+        return "all"
     if "style" in low:
         style = attribute(head, "style")
         if HIDING.search(style) or "overflow" in style and re.search(NO_HEIGHT, style):

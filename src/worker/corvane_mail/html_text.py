@@ -4,7 +4,7 @@ import re
 
 from .html_layout import (BLOCK, BREAK, BULLET, BULLET_END, CELL, HARD_SPACE, PARAGRAPH, QUOTE_OFF, QUOTE_ON, ROW, SECTION,
                           SIGNATURE_OFF, SIGNATURE_ON, arrange)
-from .html_marks import HIDEABLE, attribute, hiding_of, place_marks, region_kind
+from .html_marks import HIDEABLE, attribute, hidden_by, hiding_of, place_marks, region_kind
 from .limits import CLOCK, MAX_DEPTH
 
 LAYOUT = {name: layout for layout, names in {
@@ -38,6 +38,7 @@ class HtmlText:
         self.lists = []       # the next number of each open list, 0 for bullets
         self.anchors = []
         self.endless = set()  # elements found to have no end
+        self.hidden = set()   # classes and identifiers that the style sheet hides
 
     def text(self):
         pieces, out, known = self.pieces, self.out, self.known
@@ -73,7 +74,8 @@ class HtmlText:
         elif name in UNSHOWN:
             return self._skip_to_end(name)
         else:
-            hiding = hiding_of(name, head) if len(head) > len(name) and name not in self.endless else ""
+            known = len(head) > len(name) and name not in self.endless
+            hiding = hiding_of(name, head, self.hidden) if known else ""
             if hiding and self._skip_hidden(name, hiding):
                 return ""
             self._open(name, head, cached=not hiding)
@@ -131,6 +133,8 @@ class HtmlText:
         if name not in self.endless:
             for at in range(self.at, len(self.pieces)):
                 if self.pieces[at][:len(end)].lower() == end:
+                    if name == "style":
+                        self.hidden |= hidden_by("<".join(self.pieces[self.at - 1:at]).partition(">")[2])
                     self.at = at + 1
                     return self._keep_lines(self.pieces[at].partition(">")[2])
         self.endless.add(name)
@@ -162,7 +166,7 @@ class HtmlText:
             return ""
         if name == "img":
             self.images += 1
-            alt = attribute(head, "alt").strip()
+            alt = "" if hiding_of("span", head, self.hidden) else attribute(head, "alt").strip()
             return " " + alt + " " if alt else ""
         if name == "li":
             return BLOCK + self._bullet()
