@@ -9,6 +9,7 @@ import unicodedata
 import unittest
 
 import odd_mail
+import test_packed_mail
 from mail_kit import FolderTest, run_worker
 
 from corvane_mail.attachments import attachments_of
@@ -53,6 +54,7 @@ class Damage(FolderTest):
 
     def test_damage_never_raises_and_what_comes_out_can_be_sent(self):
         rng, sources = random.Random(self.SEED), [message for _, message, _, _ in odd_mail.all_cases()]
+        sources += [*test_packed_mail.samples()] * (len(sources) // 30)
         for number in range(self.ROUNDS):
             message = damaged(rng, rng.choice(sources))
             start = time.process_time()

@@ -73,6 +73,18 @@ def smime(data):
     return attached(b"Content-Disposition: attachment; filename=smime.p7m", data, "application/pkcs7-mime")
 
 
+def samples():
+    """Messages with all of this inside, unencoded, for tests that damage them."""
+    files = packed_file("a.pdf", PDF[:50]), packed_file("b", b"")
+    rtf, html = binary_property(0x1009, compressed(RTF)), binary_property(0x1013, b"<p>x")
+    for value in (rtf, html, text_property(0x1000, "x"), b""):
+        for data in (tnef(attribute(1, 0x00069003, properties(value)), *files), cms(2, der(0x30, cms(1, der(0x04, part("x")))))):
+            kind = "application/ms-tnef" if data[:1] == b"\x78" else "application/pkcs7-mime"
+            yield mail(part(data, kind))
+    yield mail(part(RTF, "text/rtf"))
+    yield mail(part(WRAPPED_HTML, "text/rtf"))
+
+
 class Packed(unittest.TestCase):
     def test_winmail_gives_its_files_and_where_nothing_else_speaks_its_text(self):
         files = packed_file("合同（终稿）.pdf", PDF), packed_file("b.bin", b"")
@@ -99,6 +111,7 @@ class Packed(unittest.TestCase):
     def test_rtf_that_stands_alone(self):
         self.assertEqual(body(mail(part(RTF, "text/rtf"))), RTF_TEXT)
         self.assertEqual(body(mail(part(WRAPPED_HTML, "text/rtf"))), "你 & x\n\nnext")
+        self.assertEqual(body(mail(part(rb"{\rtf1 a\u1?\u-3855?QUOTE\u55357?\u56832?b\u55357?}", "text/rtf"))), "aQUOTE😀b\ufffd")
         self.assertEqual(body(mail(multipart("alternative", part("plain"), part(RTF, "text/rtf")))), "plain")
 
     def test_opaque_signed_mail_is_opened_and_encrypted_mail_is_told(self):

@@ -8,8 +8,14 @@ from .part import DECODED, ENCODED, Part
 
 
 def full_parse(data):
-    """The parts as the standard library's parser sees them, for mail that the scanner finds odd."""
-    return part_of(message_from_bytes(data[1:]), 0)
+    """The parts as the standard library's parser sees them, for mail that the scanner finds odd.
+
+    Broken mail may find faults of that parser; it has no parts then, as if it read nothing.
+    """
+    try:
+        return part_of(message_from_bytes(data[1:]), 0)
+    except Exception:
+        return Part(b"")
 
 
 def part_of(message, depth):
@@ -22,7 +28,7 @@ def part_of(message, depth):
     part = Part(b"", message.get_default_type())
     part.take_fields(fields)
     part.encoding = DECODED if part.encoding in ENCODED else b""
-    body = message.get_payload()
+    body = message.get_payload() if message.is_multipart() else None
     if part.kind == "message/delivery-status" and isinstance(body, list):
         part.data = b"".join(child.as_bytes() for child in body)
     elif isinstance(body, list):

@@ -5,7 +5,7 @@ Source: Rich Text Format specification 1.9; [MS-OXRTFEX] for HTML that is wrappe
 
 import re
 
-from .charsets import decode_text
+from .charsets import decode_text, without_odd_signs
 from .html_text import html_text
 from .limits import CLOCK
 
@@ -49,7 +49,7 @@ class RtfText:
             else:
                 self._brace(brace)
         self._flush()
-        text = "".join(self.out)
+        text = without_odd_signs("".join(self.out))
         return html_text(text) if self.wraps_html else text.strip("\n")
 
     def _bytes(self, data):

@@ -2,7 +2,7 @@
 
 import re
 
-from .charsets import decode_text
+from .charsets import decode_text, without_odd_signs
 from .limits import CLOCK, MAX_PARTS
 from .plain_text import bare_ends, unix_lines
 
@@ -50,14 +50,15 @@ class Tnef:
         found, self.current = self.current, None
         if not found or len(self.files) >= MAX_PARTS:
             return
-        data = found.get(ATTACHED_DATA, found.get(DATA, b""))
+        data = bytes_of(found.get(ATTACHED_DATA, found.get(DATA)))
         if data.startswith(MESSAGE_INTERFACE):
             if self.depth < 5:
                 self.files += Tnef(data[16:], self.depth + 1).files
             return
         title = decode_text(found.get(TITLE, b"").rstrip(b"\0"), self.page)
-        name = found.get(LONG_NAME) or found.get(SHORT_NAME) or title or found.get(SHOWN_NAME) or ""
-        kind = found.get(MEDIA_TYPE) or ""
+        names = [self._text_of(found.get(number)) for number in (LONG_NAME, SHORT_NAME, SHOWN_NAME)]
+        name = names[0] or names[1] or title or names[2]
+        kind = self._text_of(found.get(MEDIA_TYPE))
         self.files.append((name, kind if re.fullmatch(r"[\w.+-]+/[\w.+-]+", kind) else "application/octet-stream", data))
 
     def _properties(self, data):
@@ -66,23 +67,31 @@ class Tnef:
         except (IndexError, ValueError):
             return {}
 
+    def _text_of(self, value):
+        return value if isinstance(value, str) else decode_text(bytes_of(value).rstrip(b"\0"), self.page)
+
     def text(self):
         """(text, whether from HTML)."""
         html = self.properties.get(HTML)
         if html:
             from .html_text import html_text
-            page = self.properties.get(HTML_PAGE)
-            return html_text(html if isinstance(html, str) else decode_text(html, charset_of(page) or self.page)), True
-        plain = self.properties.get(TEXT) or decode_text(self.body, self.page)
-        packed = self.properties.get(RTF)
+            page = charset_of(bytes_of(self.properties.get(HTML_PAGE))) or self.page
+            return html_text(html if isinstance(html, str) else decode_text(html, page)), True
+        plain = self._text_of(self.properties.get(TEXT)) or decode_text(self.body, self.page)
+        packed = bytes_of(self.properties.get(RTF))
         if not plain.strip() and packed:
             from .rtf_text import decompressed, rtf_text
             plain = rtf_text(decompressed(packed))
         return bare_ends(unix_lines(plain)).strip("\n"), False
 
 
+def bytes_of(value):
+    """A property that should be bytes, whatever type it claims."""
+    return value if isinstance(value, bytes) else b""
+
+
 def charset_of(page):
-    number = int.from_bytes(page[:4], "little") if page else 0
+    number = int.from_bytes(page[:4], "little")
     return {65001: b"utf-8", 50220: b"iso-2022-jp", 28591: b"iso-8859-1", 54936: b"gb18030", 51932: b"euc-jp"}.get(
         number, b"cp%d" % number if number else b"")
 
@@ -113,7 +122,7 @@ def properties(data, page):
                 return
             value = data[start:start + size]
             if kind == UNICODE:
-                value = value.decode("utf-16-le", "replace").rstrip("\0")
+                value = without_odd_signs(value.decode("utf-16-le", "replace"))
             elif kind == STRING8:
                 value = decode_text(value.rstrip(b"\0"), page)
             yield number, value
