@@ -39,11 +39,11 @@ class CliCase(unittest.TestCase):
     def home(self, name="home", *options):
         return make_home(self.folder / name, *options)
 
-    def run_cli(self, home, *arguments, expect=0, environment=None):
+    def run_cli(self, home, *arguments, expect=0, environment=None, **process_options):
         """Exit status must be `expect`; gives the JSON document of standard output."""
         command = [CLI, "--home", str(home), "--json", *map(str, arguments)]
         done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=120,
-                              env={**os.environ, **(environment or {})})
+                              env={**os.environ, **(environment or {})}, **process_options)
         self.assertEqual(done.returncode, expect, done.stderr.decode(errors="replace")[-3000:])
         return json.loads(done.stdout) if done.stdout else None
 

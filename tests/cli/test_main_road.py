@@ -1,5 +1,6 @@
 """The main job from a home to a verified archive, compared with what the maker of the store knows."""
 
+import datetime
 import hashlib
 import json
 import os
@@ -15,6 +16,15 @@ from cli_support import CliCase, archive_state, signal, tree_state
 def composed(names):
     """The disk may spell a name in another normal form than the index."""
     return {unicodedata.normalize("NFC", name) for name in names}
+
+
+def person(name, address):
+    name = name.strip()
+    return f"{name} <{address}>" if name and address else name or address
+
+
+def moment(seconds):
+    return datetime.datetime.fromtimestamp(seconds, datetime.timezone.utc).strftime("%Y-%m-%dT%H:%M:%SZ")
 
 
 def by_row(messages):
@@ -35,6 +45,10 @@ class MainRoad(CliCase):
         for row, message in messages.items():
             entry = expected[row]
             self.assertEqual(message["subject"], entry["subject"] or "无主题", row)
+            self.assertEqual(message["sender"], person(entry["senderName"], entry["senderAddress"]) or "发件人未知", row)
+            self.assertEqual(message["recipients"],
+                             ", ".join(person(each["name"], each["address"]) for each in entry["recipients"]), row)
+            self.assertEqual(message["date"], moment(entry["date"]), row)
             self.assertEqual(message.get("messageIdentifier"), entry["messageId"], row)
             names = {attachment["fileName"] for attachment in message["attachments"]}
             if entry["attachmentNames"] is not None:
@@ -62,11 +76,17 @@ class MainRoad(CliCase):
         found = {account["urlPrefix"].removeprefix("imap://"): account for account in accounts}
         with_mail = {uuid for uuid, account in wanted.items() if account["messages"] > 0}
         self.assertEqual(set(found), with_mail)
-        self.assertEqual(sum(1 for a in accounts if a["isLocalStore"]), 1)
-        self.assertEqual(sum(1 for a in accounts if "duplicationNote" in a), 1)
+        for uuid, account in found.items():
+            entry = wanted[uuid]
+            self.assertEqual((account["scheme"], account["isLocalStore"], "duplicationNote" in account),
+                             (entry["scheme"], entry["scheme"] == "local", entry["redundant"]), entry["key"])
+            if entry["address"]:
+                self.assertEqual(account["emailAddress"], entry["address"])
+            self.assertEqual(account.get("linkedAccountEmail"), entry["linkedAddress"], entry["key"])
 
     def test_every_archived_byte_and_record_is_right_and_a_second_run_changes_nothing(self):
         home = self.home()
+        before = tree_state(home / "Library")
         manifest = self.manifest(home)
         self.run_cli(home, "refresh")
         archive = self.folder / "archive"
@@ -92,6 +112,7 @@ class MainRoad(CliCase):
         report = self.run_cli(home, "verify", archive, expect=3)  # one file is cut by its own count
         self.assertEqual((report["missing"], report["sizeMismatch"], report["unindexed"], report["duplicatePaths"]),
                          ([], [], [], []))
+        self.assertEqual(tree_state(home / "Library"), before, "Mail's store is never written")
 
     def test_year_counts_follow_the_time_zone(self):
         home = self.home("home", "--no-odd")

@@ -1,5 +1,6 @@
 """Stores that are locked, broken, foreign or not there: each with the text for its user and an exit status."""
 
+import os
 import pathlib
 import re
 import sqlite3
@@ -110,6 +111,30 @@ class Stores(CliCase):
         runtime.write_text("#!/bin/sh\nread line\nkill -9 $$\n")
         runtime.chmod(0o700)
         return runtime
+
+    def test_a_log_in_a_folder_that_takes_no_writes_is_read_from_a_copy(self):
+        home = self.home("home", "--messages", "200", "--wal", "--no-odd")
+        index = home / INDEX
+        self.assertGreater(index.with_name(index.name + "-wal").stat().st_size, 0)
+        index.with_name(index.name + "-shm").unlink(missing_ok=True)
+        index.parent.chmod(0o555)
+        self.addCleanup(index.parent.chmod, 0o755)
+        temporary = self.folder / "tmp"
+        temporary.mkdir()
+        user = {}
+        if os.geteuid() == 0:  # whom no permission holds back
+            user = {"user": 65534, "group": 65534, "extra_groups": []}
+            for folder in (self.folder, temporary, home):
+                folder.chmod(0o777)
+        try:
+            subprocess.run([CLI, "--help"], stdout=subprocess.DEVNULL, check=True, **user)
+        except PermissionError:
+            self.skipTest("the program lies where an unprivileged user can't go")
+        before = tree_state(home / "Library")
+        result = self.run_cli(home, "refresh", environment={"TMPDIR": str(temporary)}, **user)
+        self.assertEqual(result["summary"]["scannedMessages"], self.manifest(home)["counts"]["local"])
+        self.assertEqual(tree_state(home / "Library"), before)
+        self.assertEqual(list(temporary.iterdir()), [], "the copy is gone with its user")
 
     def test_a_year_limit_beyond_the_store_is_advice(self):
         home = self.home("home", "--messages", "100", "--no-odd")
