@@ -5,10 +5,11 @@
 #include <string_view>
 #include <vector>
 
+#include "text/split.h"
+
 namespace corvane::mailstore {
 
-// Every part, empty ones too; views into the argument. The empty text has one empty part.
-std::vector<std::string_view> splitText(std::string_view text, char separator);
+using text::splitText;
 
 std::vector<std::string_view> splitNonEmpty(std::string_view text, char separator);
 

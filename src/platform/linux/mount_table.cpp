@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "platform/paths.h"
+#include "text/split.h"
 
 namespace corvane::platform {
 
@@ -80,19 +81,9 @@ std::string unescaped(std::string_view field) {
     return result;
 }
 
-std::vector<std::string_view> split(std::string_view text, char separator) {
-    std::vector<std::string_view> parts;
-    while (true) {
-        const std::size_t end = text.find(separator);
-        parts.push_back(text.substr(0, end));
-        if (end == std::string_view::npos) return parts;
-        text.remove_prefix(end + 1);
-    }
-}
-
 // "36 35 98:0 /root /mount/point options [optional fields...] - type source super-options"
 std::optional<MountEntry> parsedRow(std::string_view row) {
-    const auto fields = split(row, ' ');
+    const auto fields = text::splitText(row, ' ');
     if (fields.size() < 6) return std::nullopt;
     const auto separator = std::find(fields.begin() + 6, fields.end(), "-");
     if (fields.end() - separator < 3 || !fields[4].starts_with('/')) return std::nullopt;
@@ -114,9 +105,9 @@ bool isBrowsable(const MountEntry& mount) {
 
 } // namespace
 
-std::vector<MountEntry> parseMountTable(std::string_view text) {
+std::vector<MountEntry> parseMountTable(std::string_view rows) {
     std::vector<MountEntry> table;
-    for (const std::string_view row : split(text, '\n')) {
+    for (const std::string_view row : text::splitText(rows, '\n')) {
         if (auto entry = parsedRow(row)) table.push_back(std::move(*entry));
     }
     return table;

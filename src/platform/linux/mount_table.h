@@ -27,7 +27,7 @@ struct DeviceTraits {
 
 // The rows of /proc/self/mountinfo (proc_pid_mountinfo(5)) in their order, octal escapes resolved. A row that
 // isn't one is left out.
-std::vector<MountEntry> parseMountTable(std::string_view text);
+std::vector<MountEntry> parseMountTable(std::string_view rows);
 
 // The row whose mount point is the longest one above the path; of equal ones the last, which hides the
 // others. The path is absolute and has no links left in it.
