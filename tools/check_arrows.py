@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Checks what the compiler doesn't: includes go only along the arrows between folders, no Qt below the model, and no
-include climbs out of its folder."""
+"""Checks what the compiler doesn't: includes go only along the arrows between folders, no Qt below the model, oneTBB
+only behind its one header, and no include climbs out of its folder."""
 
 import pathlib
 import re
@@ -37,6 +37,8 @@ def faults_of(path):
             yield f"{path}: against the arrows: {target}"
         elif kind == "<" and re.match(r"Q[A-Z]", target) and folder not in QT_ALLOWED:
             yield f"{path}: Qt below the model: {target}"
+        elif kind == "<" and first == "tbb" and path.name != "parallel.h":
+            yield f"{path}: oneTBB without platform/parallel.h: {target}"
 
 
 def main():
