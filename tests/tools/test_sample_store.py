@@ -1,9 +1,8 @@
-"""The sample store against the rules of Mail's store, each written here a second time: whoever uses
-the store and its manifest must be able to trust both."""
+"""What the tests of the program, which compare it with the manifest of a sample store, can't show: that
+the store is the same each time, as odd and broken as it says, and never made over a real one."""
 
 from __future__ import annotations
 
-import datetime
 import email
 import email.header
 import email.policy
@@ -19,28 +18,8 @@ import sys
 import tempfile
 import unittest
 import urllib.parse
-from collections import defaultdict
 
 SCRIPT = os.path.join(os.path.dirname(__file__), "../../tools/make_sample_store.py")
-DATE = ("COALESCE(NULLIF(m.display_date, 0), NULLIF(m.date_received, 0),"
-        " NULLIF(m.date_sent, 0), 0)")
-CANDIDATES = f"""
-SELECT m.ROWID AS rowid, mb.url AS url,
-  COALESCE(m.subject_prefix, '') || COALESCE(sub.subject, '') AS subject,
-  COALESCE(sa.comment, '') AS senderName, COALESCE(sa.address, '') AS senderAddress,
-  COALESCE((SELECT GROUP_CONCAT(CASE WHEN ra.comment IS NOT NULL AND ra.comment != ''
-      THEN ra.comment || ' <' || ra.address || '>' ELSE ra.address END, ', ')
-    FROM recipients r JOIN addresses ra ON ra.ROWID = r.address WHERE r.message = m.ROWID
-    ORDER BY r.position), '') AS recipients,
-  {DATE} AS msgDate, m.size AS msgSize, COALESCE(g.message_id_header, '') AS messageId,
-  COALESCE((SELECT GROUP_CONCAT(a.name, char(31)) FROM attachments a
-    WHERE a.message = m.ROWID AND a.name IS NOT NULL AND a.name != ''), '') AS attachments
-FROM messages m JOIN mailboxes mb ON mb.ROWID = m.mailbox
-LEFT JOIN subjects sub ON sub.ROWID = m.subject
-LEFT JOIN addresses sa ON sa.ROWID = m.sender
-LEFT JOIN message_global_data g ON g.message_id = m.message_id
-WHERE {DATE} > 0 GROUP BY m.ROWID, mb.url ORDER BY {DATE} DESC;
-"""
 
 
 def make(home: str, *options: str) -> subprocess.CompletedProcess:
@@ -48,8 +27,8 @@ def make(home: str, *options: str) -> subprocess.CompletedProcess:
                           capture_output=True, text=True)
 
 
-def index_path(home: str, version: str = "V10") -> str:
-    return os.path.join(home, "Library/Mail", version, "MailData/Envelope Index")
+def index_path(home: str) -> str:
+    return os.path.join(home, "Library/Mail/V10/MailData/Envelope Index")
 
 
 def shell_rows(home: str, sql: str) -> list[dict]:
@@ -73,20 +52,6 @@ def tree(home: str) -> dict[str, str]:
             with open(path, "rb") as file:
                 found[os.path.relpath(path, home)] = hashlib.sha256(file.read()).hexdigest()
     return found
-
-
-def file_of_row(home: str, url: str, rowid: int) -> str | None:
-    """The path rule of the store: nested .mbox folders, an optional level, buckets of thousands."""
-    _, _, rest = url.partition("://")
-    uuid, *components = [urllib.parse.unquote(part) for part in rest.split("/") if part]
-    folder = os.path.join(home, "Library/Mail/V10", uuid,
-                          *(re.sub(r"(\.mbox)?$", ".mbox", part, count=1) for part in components))
-    roots = [folder] + ([entry.path for entry in os.scandir(folder) if entry.is_dir()]
-                        if os.path.isdir(folder) else [])
-    root = next((path for path in roots if os.path.isdir(os.path.join(path, "Data"))), None)
-    digits = list(str(rowid // 1000))[::-1] if rowid >= 1000 else []
-    path = root and os.path.join(root, "Data", *digits, "Messages", f"{rowid}.emlx")
-    return os.path.relpath(path, home) if path and os.path.exists(path) else None
 
 
 def cut(data: bytes) -> bytes | None:
@@ -128,55 +93,12 @@ class DefaultStore(unittest.TestCase):
         self.assertEqual(tree(first), tree(second))
         self.assertNotEqual(tree(first), tree(third))
 
-    def test_candidate_query_gives_the_listed_rows_of_the_manifest(self):
-        rows = {row["rowid"]: row for row in shell_rows(self.home, CANDIDATES)}
-        listed = {message["rowid"]: message for message in self.messages if message["listed"]}
-        self.assertEqual(len(self.messages), 600)
-        self.assertEqual(rows.keys(), listed.keys())
-        for rowid, message in listed.items():
-            people = [f"{person['name']} <{person['address']}>" if person["name"]
-                      else person["address"] for person in message["recipients"]]
-            expected = {
-                "rowid": rowid, "url": message["url"], "subject": message["subject"],
-                "senderName": message["senderName"], "senderAddress": message["senderAddress"],
-                "recipients": ", ".join(people), "msgDate": message["date"],
-                "msgSize": message["size"], "messageId": message["messageIdHeader"],
-                "attachments": "\x1f".join(message["indexAttachments"]),
-            }
-            self.assertEqual(rows[rowid], expected, message["tag"])
-
-    def test_files_lie_where_the_path_rule_looks(self):
-        for message in self.messages:
-            found = message["url"] and file_of_row(self.home, message["url"], message["rowid"])
-            self.assertEqual(found, message["file"], message["tag"])
-            self.assertEqual(message["local"], message["listed"] and found is not None)
-            for stored in message["storedFiles"]:
-                folder = (message["file"] or message["partialFile"]).rpartition("/Messages/")[0]
-                self.assertRegex(stored["path"], re.escape(f"{folder}/Attachments/"
-                                                           f"{message['rowid']}/") + r"[\d.]+/[^/]+")
-                self.assertEqual(len(read(self.home, stored["path"])), stored["bytes"])
-
     def test_every_message_file_is_told_of(self):
         told = {message[key] for message in self.messages for key in ("file", "partialFile")}
         told |= set(self.manifest["orphanFiles"])
         found = {path for path in tree(self.home) if "/V10/" in path
                  and "/Messages/" in path and not os.path.basename(path).startswith("._")}
         self.assertEqual(found, told - {None})
-
-    def test_counts_cut_the_message_that_was_meant(self):
-        uncuttable = 0
-        for message in self.messages:
-            if not message["file"]:
-                continue
-            data = read(self.home, message["file"])
-            self.assertEqual(len(data), message["fileBytes"])
-            found = cut(data)
-            uncuttable += found is None
-            told = ((None, None) if found is None
-                    else (len(found), hashlib.sha256(found).hexdigest()))
-            self.assertEqual(told, (message["messageBytes"], message["messageSha256"]),
-                             message["tag"])
-        self.assertGreaterEqual(uncuttable, 7)
 
     def test_broken_files_are_broken_as_their_tags_say(self):
         broken = {
@@ -220,105 +142,6 @@ class DefaultStore(unittest.TestCase):
             self.assertNotIn("\ufffd", body.get_content())
         self.assertGreater(checked, 350)
 
-    def test_duplicates_and_variants_are_those_of_the_files(self):
-        groups, bodies = defaultdict(list), defaultdict(lambda: defaultdict(list))
-        for message in self.messages:
-            if message["listed"] and message["messageId"]:
-                groups[message["messageId"]].append(message["rowid"])
-            if message["local"] and message["messageId"] and message["messageBytes"] is not None:
-                data = cut(read(self.home, message["file"]))
-                body = re.split(rb"\r\n\r\n|\n\n", data, maxsplit=1)[1:]
-                bodies[message["messageId"]][tuple(body)].append(message["rowid"])
-        self.assertEqual(sorted(group for group in groups.values() if len(group) > 1),
-                         sorted(self.manifest["duplicates"]))
-        self.assertEqual(sorted(list(body.values()) for body in bodies.values() if len(body) > 1),
-                         sorted(self.manifest["variants"]))
-
-    def test_no_two_messages_pass_for_one_by_accident(self):
-        def identity(message: dict) -> tuple:
-            people = str(message["recipients"]).lower()
-            return ((message["messageId"],) if message["messageId"] else
-                    (message["subject"].strip().lower(), message["senderName"],
-                     message["senderAddress"], people, message["date"]))
-        for count, key in (("distinctLocal", "local"), ("distinctListed", "listed")):
-            found = {identity(message) for message in self.messages if message[key]}
-            self.assertEqual(len(found), self.manifest["counts"][count])
-
-    def test_counts_of_the_manifest_add_up(self):
-        counts, accounts = self.manifest["counts"], self.manifest["accounts"]
-        self.assertEqual(counts["local"] + counts["serverOnly"] + counts["unlisted"], 600)
-        self.assertGreater(counts["serverOnly"], 30)
-        for account in accounts:
-            rows = [message for message in self.messages if message["account"] == account["uuid"]]
-            self.assertEqual(len(rows), account["messages"])
-            self.assertEqual(sum(message["local"] for message in rows), account["local"])
-        excluded = "废纸篓|已删除|垃圾邮件|Deleted|Junk"
-        years, here = defaultdict(set), defaultdict(set)
-        for message in self.messages:
-            last = urllib.parse.unquote(message["url"] or "").rpartition("/")[2]
-            trash = re.match(excluded, last) is not None
-            self.assertEqual(trash, message["trashOrJunk"])
-            if message["listed"] and message["messageNumber"] and not trash:
-                year = utc_year(message["date"])
-                years[year].add(message["messageNumber"])
-                if message["file"]:
-                    here[year].add(message["messageNumber"])
-        self.assertEqual({year: len(found) for year, found in years.items()},
-                         self.manifest["yearsUtc"])
-        missing = {year: len(found - here[year]) for year, found in years.items()}
-        self.assertEqual({year: count for year, count in missing.items() if count},
-                         self.manifest["undownloadedYearsUtc"])
-        self.assertLessEqual({str(year) for year in range(2010, 2026)}, years.keys())
-
-    def test_accounts_can_be_told_from_the_store(self):
-        accounts = {account["key"]: account for account in self.manifest["accounts"]}
-        db = sqlite3.connect(f"file:{urllib.parse.quote(index_path(self.home))}?mode=ro", uri=True)
-        self.addCleanup(db.close)
-        numbers = {}
-        for key, account in accounts.items():
-            like = f"%{account['uuid']}%"
-            self.assertTrue(os.path.isdir(os.path.join(self.home, "Library/Mail/V10",
-                                                       account["uuid"])))
-            numbers[key] = {number for number, in db.execute(
-                "SELECT DISTINCT message_id FROM messages m JOIN mailboxes b ON b.ROWID = m.mailbox"
-                " WHERE b.url LIKE ? AND message_id IS NOT NULL AND message_id != 0", (like,))}
-            self.assertEqual(len(numbers[key]) == 0, key == "empty")
-            if key != "empty":
-                owner = account["linkedAddress"] or account["address"]
-                self.assertEqual(self.usual_address(db, like), owner, key)
-        for key, other in ((a, b) for a in numbers for b in numbers if a != b and numbers[a]):
-            overlap = len(numbers[key] & numbers[other]) / len(numbers[key])
-            self.assertEqual(overlap >= 0.7, (key, other) == ("copy", "work"), (key, other, overlap))
-
-    @staticmethod
-    def usual_address(db: sqlite3.Connection, like: str) -> str:
-        """The most frequent sender of sent mail, else the most frequent To recipient."""
-        top = " GROUP BY a.address ORDER BY COUNT(*) DESC LIMIT 1"
-        joined = "FROM messages m JOIN mailboxes b ON b.ROWID = m.mailbox "
-        sent = db.execute("SELECT a.address " + joined + "JOIN addresses a ON a.ROWID = m.sender "
-                          "WHERE b.url LIKE ? AND b.url LIKE '%sent%'" + top, (like,)).fetchone()
-        received = db.execute("SELECT a.address " + joined +
-                              "JOIN recipients r ON r.message = m.ROWID AND r.type = 0 "
-                              "JOIN addresses a ON a.ROWID = r.address WHERE b.url LIKE ? AND "
-                              "(b.url LIKE '%inbox%' OR b.url LIKE 'local:%')" + top,
-                              (like,)).fetchone()
-        return (sent or received)[0]
-
-    def test_accounts_database_leads_to_the_addresses(self):
-        path = os.path.join(self.home, "Library/Accounts/Accounts4.sqlite")
-        db = sqlite3.connect(path)
-        self.addCleanup(db.close)
-        rows = {pk: (uuid, f"{user} {text}", parent) for pk, uuid, user, text, parent in db.execute(
-            "SELECT Z_PK, ZIDENTIFIER, ZUSERNAME, ZACCOUNTDESCRIPTION, ZPARENTACCOUNT FROM ZACCOUNT")}
-        by_uuid = {row[0]: row for row in rows.values()}
-        for account in self.manifest["accounts"]:
-            row = by_uuid.get(account["uuid"])
-            if account["key"] in ("local", "copy"):
-                self.assertIsNone(row)
-                continue
-            told = row[1] + (rows[row[2]][1] if row[2] else "")
-            self.assertIn(account["address"], told)
-
     def test_every_odd_case_is_in_the_default_store_and_none_without_them(self):
         home = os.path.join(self.folder, "larger")
         self.assertEqual(make(home, "--messages", "4400", "--no-files").returncode, 0)
@@ -329,10 +152,6 @@ class DefaultStore(unittest.TestCase):
         result = manifest(plain)
         self.assertEqual({message["tag"] for message in result["messages"]}, {None})
         self.assertEqual((result["orphanFiles"], result["counts"].get("unlisted")), ([], None))
-
-
-def utc_year(date: int) -> str:
-    return str(datetime.datetime.fromtimestamp(date, datetime.timezone.utc).year)
 
 
 class Options(unittest.TestCase):
@@ -373,14 +192,6 @@ class Options(unittest.TestCase):
         self.assertEqual(tree(os.path.dirname(index_path(self.home)))["Envelope Index"],
                          tree(os.path.dirname(index_path(other)))["Envelope Index"])
         self.assertEqual(manifest(other)["counts"].get("local"), None)
-
-    def test_older_store_shares_no_message_with_the_newer_one(self):
-        self.make()
-        db = sqlite3.connect(index_path(self.home, "V9"))
-        self.addCleanup(db.close)
-        subjects = {subject for subject, in db.execute("SELECT subject FROM subjects")}
-        self.assertTrue(subjects)
-        self.assertFalse(subjects & {item["subject"] for item in manifest(self.home)["messages"]})
 
     def test_used_home_is_refused_and_left_as_it_is(self):
         os.makedirs(os.path.join(self.home, "Library/Mail/V10"))
