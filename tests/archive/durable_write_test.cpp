@@ -160,15 +160,25 @@ struct Gate {
     }
 };
 
+// On a busy machine the time may be over before the job began; then it never does.
+void abandonAtWork(TimeLimitedWorker& worker, const std::function<void(JobLimit&)>& job) {
+    const auto hasBegun = std::make_shared<std::atomic<bool>>(false);
+    while (!*hasBegun) {
+        EXPECT_FALSE(worker.run(20ms, [hasBegun, job](JobLimit& limit) {
+            *hasBegun = true;
+            job(limit);
+        }));
+    }
+}
+
 TEST(TimeLimitedWorker, LeavesAJobThatHangsAndGoesOnWithAFreshThread) {
     const auto gate = std::make_shared<Gate>();
     const auto wasAbandoned = std::make_shared<bool>(false);
     TimeLimitedWorker worker;
-    const auto hang = [gate, wasAbandoned](JobLimit& limit) {
+    abandonAtWork(worker, [gate, wasAbandoned](JobLimit& limit) {
         gate->pass();
         *wasAbandoned = limit.isAbandoned();
-    };
-    EXPECT_FALSE(worker.run(20ms, hang));
+    });
     std::thread::id first;
     std::thread::id second;
     EXPECT_TRUE(worker.run(10s, [&](JobLimit&) { first = std::this_thread::get_id(); }));
@@ -193,7 +203,7 @@ TEST(TimeLimitedWorker, AnAbandonedJobChangesNothingAnyMore) {
     home.write("victim", "precious");
     const auto gate = std::make_shared<Gate>();
     TimeLimitedWorker worker;
-    EXPECT_FALSE(worker.run(20ms, [gate, &home](JobLimit& limit) {
+    abandonAtWork(worker, [gate, &home](JobLimit& limit) {
         AbandonableFileLayer files(platform::posixFileLayer(), limit);
         const int descriptor = files.open(home.at("new"), O_WRONLY | O_CREAT, 0644);
         gate->pass();
@@ -204,11 +214,11 @@ TEST(TimeLimitedWorker, AnAbandonedJobChangesNothingAnyMore) {
         EXPECT_EQ(files.makeDirectory(home.at("folder"), 0755), -1);
         EXPECT_EQ(files.rename(home.at("new"), home.at("victim")), -1);
         EXPECT_EQ(files.unlink(home.at("victim")), -1);
-    }));
+    });
     gate->open();
     waitForAbandonedJobs();
     EXPECT_EQ(testing::readWhole(home.at("victim")), "precious");
-    EXPECT_EQ(testing::readWhole(home.at("new")), "");
+    EXPECT_EQ(platform::fileSize(home.at("new")), 0);
     EXPECT_FALSE(platform::fileExists(home.at("folder")));
 }
 
