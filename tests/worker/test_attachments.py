@@ -7,6 +7,7 @@ from mail_kit import attached, attachments, mail, multipart, part
 
 from corvane_mail.attachment_search import find_attachment
 from corvane_mail.attachments import attachments_of
+from corvane_mail.body import body_text
 from corvane_mail.structure import Scanner
 
 PDF = bytes(range(256)) * 5
@@ -87,6 +88,11 @@ class Listing(unittest.TestCase):
         self.assertEqual([each.name for each in attachments(mail(b"Content-Type: application/pdf; name=a.pdf\n\nx"))], ["a.pdf"])
         named = [part("x", kind + "; name=\"body\"", charset="") for kind in ("text/plain", "text/html")]
         self.assertEqual(attachments(mail(multipart("alternative", *named))), [])
+
+    def test_a_text_that_is_the_whole_message_is_read_though_it_is_attached(self):
+        named = part("Salutations", extra="Content-Disposition: attachment; filename=a.txt\n")
+        self.assertEqual(body_text(b"\n" + mail(named))[0], "Salutations")
+        self.assertEqual(body_text(b"\n" + mail(multipart("mixed", named)))[0], "")
 
     def test_both_halves_of_a_mac_file_are_one_attachment(self):
         halves = [attached(b"Content-Disposition: attachment; filename=\"x.doc\"", data, kind)

@@ -20,7 +20,7 @@ class Body:
     """Puts together the text of a message's parts; html tells whether any of it came from HTML.
 
     spare are the parts that speak only where nothing else does: invitations, packed messages, texts that
-    came as attachments without a name.
+    came as attachments without a name or as the whole message.
     """
 
     def __init__(self, root):
@@ -113,7 +113,7 @@ class Body:
         if part.kind in CALENDAR_TYPES or part.name_ends(b".ics"):
             from .calendar_text import calendar_text
             return calendar_text(plain_leaf(part, self.hint)[0])
-        if part.is_named:
+        if part.is_named and part is not self.root:
             return ""
         if part.kind in RTF_TYPES:
             from .rtf_text import rtf_text
