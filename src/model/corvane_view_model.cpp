@@ -28,6 +28,7 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
   , space_(accounts_, catalog_)
   , scanFlow_(context, accounts_, catalog_, counts_, filters_)
   , archive_(context, catalog_, filters_)
+  , previews_(context, catalog_)
   , bodyTexts_(context, library_)
   , diskAccess_(context)
   , diagnostics_(context, accounts_) {
@@ -35,6 +36,7 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
     wireAvailability();
     wireFilters();
     wireArchive();
+    wirePreviews();
     startUp();
     wireVolumes();
 }
@@ -112,6 +114,19 @@ void CorvaneViewModel::wireArchive() {
                 if (result.archivedCount > 0) indexArchivedBodies(result, destination.toStdString());
             });
     connect(&bodyTexts_, &BodyTexts::libraryReloadWanted, this, [this] { loadArchiveIndex(true); });
+}
+
+void CorvaneViewModel::wirePreviews() {
+    const auto refresh = [this] {
+        if (!scanFlow_.state().isScanning()) previews_.refreshPreviewIfNeeded(visible_.selectedMessageID());
+    };
+    connect(&visible_, &VisibleMessages::selectedMessageChanged, this, refresh);
+    connect(&scanFlow_, &ScanFlow::scanFinished, this, refresh);
+    connect(&scanFlow_, &ScanFlow::earlierMessagesRestored, this, refresh);
+    connect(&scanFlow_, &ScanFlow::cachedScanRestored, this, refresh);
+    connect(&scanFlow_, &ScanFlow::stateChanged, this, [this] {
+        if (scanFlow_.state().kind == MailScanState::Kind::idle) previews_.cancel();
+    });
 }
 
 void CorvaneViewModel::indexArchivedBodies(const EmailArchiveRunResult& result,

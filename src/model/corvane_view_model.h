@@ -18,6 +18,7 @@
 #include "model/mail_diagnostics.h"
 #include "model/message_catalog.h"
 #include "model/model_filters.h"
+#include "model/preview_refresh.h"
 #include "model/scan_flow.h"
 #include "model/visible_messages.h"
 
@@ -65,6 +66,8 @@ class CorvaneViewModel : public QObject {
 
     [[nodiscard]] ArchiveControl& archive() { return archive_; }
 
+    [[nodiscard]] PreviewRefresh& previews() { return previews_; }
+
     [[nodiscard]] BodyTexts& bodyTexts() { return bodyTexts_; }
 
     [[nodiscard]] FullDiskAccess& diskAccess() { return diskAccess_; }
@@ -77,6 +80,7 @@ class CorvaneViewModel : public QObject {
     void wireAvailability();
     void wireFilters();
     void wireArchive();
+    void wirePreviews();
     void indexArchivedBodies(const EmailArchiveRunResult& result, const std::string& destination);
     void wireVolumes();
     void archivedBaseIDsReplaced();
@@ -94,6 +98,7 @@ class CorvaneViewModel : public QObject {
     SpaceUsage space_;
     ScanFlow scanFlow_;
     ArchiveControl archive_;
+    PreviewRefresh previews_;
     BodyTexts bodyTexts_;
     FullDiskAccess diskAccess_;
     MailDiagnostics diagnostics_;

@@ -130,6 +130,7 @@ MessageCatalog::MessageCatalog(ModelContext& context, InputsProvider inputs, QOb
   , availabilityRefreshTask_(context.tasks) {}
 
 const MailMessageRecord* MessageCatalog::messageByID(std::string_view id) const {
+    if (const auto known = withNewPreview_.find(id); known != withNewPreview_.end()) return &known->second;
     const auto position = set_->positionByID.position(id, idIn(*messages()));
     return position ? &(*messages())[*position] : nullptr;
 }
@@ -155,7 +156,15 @@ MessageCatalog::CountAndBytes MessageCatalog::mailMessageSummary() const {
 void MessageCatalog::setSet(SharedMessageSet set) {
     // The years refer to the ids of the earlier list.
     derived_.yearByID = std::make_shared<const YearByID>();
+    withNewPreview_.clear();
     set_ = std::move(set);
+}
+
+void MessageCatalog::replacePreview(std::string_view id, SharedText preview) {
+    const MailMessageRecord* message = messageByID(id);
+    if (message == nullptr) return;
+    withNewPreview_.insert_or_assign(message->id, message->replacingPreview(std::move(preview)));
+    Q_EMIT previewReplaced(QString::fromUtf8(id.data(), static_cast<qsizetype>(id.size())));
 }
 
 void MessageCatalog::setSummary(MailScanSummary summary) {

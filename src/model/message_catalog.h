@@ -80,6 +80,8 @@ class MessageCatalog : public QObject {
     // The present generation, for whoever may have to bring it back.
     [[nodiscard]] const SharedMessageSet& messageSet() const { return set_; }
 
+    // As it is known now: the record may have another preview than the one in the list. Valid until the next
+    // change.
     [[nodiscard]] const MailMessageRecord* messageByID(std::string_view id) const;
 
     [[nodiscard]] std::int64_t messagesToken() const { return messagesToken_; }
@@ -159,6 +161,10 @@ class MessageCatalog : public QObject {
     // the writing takes both processors for longer than the list does.
     void saveCacheIfDue();
 
+    // Gives the message another preview until the next generation. The list keeps the old one: a copy of
+    // hundreds of thousands of records for each message that is looked at would be too much.
+    void replacePreview(std::string_view id, SharedText preview);
+
     // From the stable ids of the messages and the archived base ids.
     void rebuildArchivedMessageStatusCache();
 
@@ -170,6 +176,7 @@ class MessageCatalog : public QObject {
     void availabilityPublished();
     void statisticsChanged();
     void archivedMessagesChanged();
+    void previewReplaced(const QString& id);
 
   private:
     void setSet(SharedMessageSet set);
@@ -179,6 +186,7 @@ class MessageCatalog : public QObject {
     ModelContext& context_;
     InputsProvider inputs_;
     SharedMessageSet set_ = std::make_shared<const MessageSet>();
+    std::unordered_map<SharedText, MailMessageRecord, TextHash, TextEqual> withNewPreview_; // by id
     MailScanSummary summary_;
     std::int64_t messagesToken_ = 0;
     std::int64_t availabilityToken_ = 0;

@@ -66,6 +66,8 @@ void MailListScreen::wire() {
     connect(&model_.catalog(), &MessageCatalog::archivedMessagesChanged, this,
             &MailListScreen::followArchived);
     connect(&model_.catalog(), &MessageCatalog::availabilityPublished, this, &MailListScreen::recount);
+    connect(&model_.catalog(), &MessageCatalog::previewReplaced, this, &MailListScreen::showDetail);
+    model_.previews().setPreviewsShown(true);
     connect(&model_.catalog(), &MessageCatalog::messagesChanged, this, &MailListScreen::updateState);
     connect(&model_.scanFlow(), &ScanFlow::stateChanged, this, &MailListScreen::updateState);
     connect(&model_.diskAccess(), &FullDiskAccess::needsFullDiskAccessChanged, this,

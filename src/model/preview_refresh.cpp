@@ -1,0 +1,76 @@
+#include "model/preview_refresh.h"
+
+#include <exception>
+
+#include "mailstore/emlx.h"
+#include "mailstore/preview_layout.h"
+#include "mailstore/preview_text.h"
+#include "platform/directory.h"
+#include "records/preview_placeholders.h"
+#include "worker/mail_worker_client.h"
+
+namespace corvane {
+
+namespace {
+
+PreviewRefresh::WorkerPreview previewOfWorker(const platform::Platform& platform) {
+    return [client = MailWorkerClient(platform)](const FileURL& file, const std::stop_token& stop) {
+        return client.previewText(file, mailstore::previewByteLimit, stop);
+    };
+}
+
+// Empty when neither the worker nor our own walk gives a sound text.
+std::string soundPreview(const FileURL& file, const PreviewRefresh::WorkerPreview& worker,
+                         const std::stop_token& stop) {
+    try {
+        std::string text = worker(file, stop);
+        if (!mailstore::previewLooksCorrupt(text)) return text;
+    } catch (const std::exception&) { // our own walk may do better
+    }
+    try {
+        const std::string data = mailstore::readMessagePrefix(file.path().str(), mailstore::previewByteLimit);
+        std::string text = mailstore::previewText(mailstore::decodeEmlx(data));
+        if (!mailstore::previewLooksCorrupt(text) && text != emptyBodyPreviewPlaceholder) return text;
+    } catch (const mailstore::MessageFileError&) { // another copy may be readable
+    }
+    return {};
+}
+
+} // namespace
+
+PreviewRefresh::PreviewRefresh(ModelContext& context, MessageCatalog& catalog, QObject* parent,
+                               WorkerPreview workerPreview)
+  : QObject(parent)
+  , context_(context)
+  , catalog_(catalog)
+  , workerPreview_(workerPreview ? std::move(workerPreview) : previewOfWorker(context.platform))
+  , previewRefreshTask_(context.tasks) {}
+
+void PreviewRefresh::refreshPreviewIfNeeded(const std::optional<std::string>& messageID) {
+    if (!areShown_ || !messageID || refreshingPreviewMessageID_ == messageID) return;
+    const MailMessageRecord* message = catalog_.messageByID(*messageID);
+    if (message == nullptr || !mailstore::previewLooksCorrupt(message->preview)) return;
+    refreshingPreviewMessageID_ = messageID;
+    previewRefreshTask_.start(TaskPriority::utility, [this, id = *messageID, token = catalog_.messagesToken(),
+                                                      files = message->allMessageFileURLs(),
+                                                      worker = workerPreview_](const TaskHandle& task) {
+        std::string text;
+        for (const FileURL& file : files) {
+            if (task.isCancelled()) return;
+            if (!platform::fileExists(file.path().str())) continue;
+            text = soundPreview(file, worker, task.stopToken());
+            if (!text.empty()) break;
+        }
+        task.onMain([this, id, token, text] {
+            refreshingPreviewMessageID_.reset();
+            if (!text.empty() && token == catalog_.messagesToken()) catalog_.replacePreview(id, text);
+        });
+    });
+}
+
+void PreviewRefresh::cancel() {
+    previewRefreshTask_.cancel();
+    refreshingPreviewMessageID_.reset();
+}
+
+} // namespace corvane
