@@ -25,9 +25,12 @@ bool SqliteStatement::step() {
 }
 
 void SqliteStatement::reset() {
-    if (!handle_) return;
+    rewind();
+    if (handle_) sqlite3_clear_bindings(handle_.get());
+}
+
+void SqliteStatement::rewind() {
     sqlite3_reset(handle_.get());
-    sqlite3_clear_bindings(handle_.get());
 }
 
 std::optional<std::string_view> SqliteStatement::text(int column) const {

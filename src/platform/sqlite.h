@@ -42,8 +42,12 @@ class SqliteStatement {
     // before any.
     [[nodiscard]] int status() const noexcept { return status_; }
 
-    // Ready to be bound and stepped again. Ends the read that a kept statement holds open.
+    // Ready to be bound and stepped again, without its values. Ends the read that a kept statement holds
+    // open.
     void reset();
+
+    // The same, but the values stay.
+    void rewind();
 
     [[nodiscard]] std::int64_t integer(int column) const {
         return sqlite3_column_int64(handle_.get(), column);

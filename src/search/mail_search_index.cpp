@@ -3,7 +3,6 @@
 #include "records/preview_placeholders.h"
 #include "search/search_database.h"
 #include "search/search_index_files.h"
-#include "search/substring_search.h"
 #include "text/encoding.h"
 #include "text/trim.h"
 
@@ -29,7 +28,8 @@ MailSearchIndex::MailSearchIndex(platform::SqliteConnection database)
   , hasTrigrams_(search::hasTrigramTable(database_.get()))
   , rowIDOfRecord_(database_.get(), "SELECT fts_rowid FROM record_map WHERE record_id = ?;",
                    SQLITE_PREPARE_PERSISTENT)
-  , bodyOfRow_(database_.get(), "SELECT body FROM email_fts WHERE rowid = ?;", SQLITE_PREPARE_PERSISTENT) {
+  , bodyOfRow_(database_.get(), "SELECT body FROM email_fts WHERE rowid = ?;", SQLITE_PREPARE_PERSISTENT)
+  , trigrams_(database_.get(), SQLITE_PREPARE_PERSISTENT) {
     provideRecordMap();
     if (metaInt(extractorVersionKey) != extractorVersion)
         setMeta(extractorVersionKey, std::to_string(extractorVersion));
@@ -123,9 +123,14 @@ SharedTextSet MailSearchIndex::search(std::string_view query) const {
     const std::string_view text = text::trimWhitespaceAndNewlines(query);
     if (text.empty()) return {};
     if (hasTrigrams_) {
-        if (auto ids = search::idsByTrigrams(database_.get(), text)) return std::move(*ids);
+        if (auto ids = idsByTrigrams(text)) return std::move(*ids);
     }
     return search::idsByScan(database_.get(), text).value_or(SharedTextSet());
+}
+
+std::optional<SharedTextSet> MailSearchIndex::idsByTrigrams(std::string_view text) const {
+    const std::unique_lock lock(searching_, std::try_to_lock);
+    return lock ? trigrams_.ids(text) : search::TrigramStatements(database_.get()).ids(text);
 }
 
 std::optional<std::string> MailSearchIndex::body(std::string_view id) const {

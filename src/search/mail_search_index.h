@@ -20,6 +20,7 @@
 
 #include "platform/sqlite.h"
 #include "records/app_support.h"
+#include "search/substring_search.h"
 #include "text/shared_text.h"
 
 namespace corvane {
@@ -110,6 +111,7 @@ class MailSearchIndex {
     std::size_t insertRows(std::span<const SearchIndexRow> rows);
     bool insertRow(const SearchIndexRow& row, platform::SqliteStatement& insert,
                    platform::SqliteStatement& map);
+    [[nodiscard]] std::optional<SharedTextSet> idsByTrigrams(std::string_view text) const;
     [[nodiscard]] std::optional<std::int64_t> rowIDLocked(std::string_view recordID) const;
     void noteStatus(int status) const;
 
@@ -121,6 +123,8 @@ class MailSearchIndex {
     mutable std::mutex lookingUp_;
     mutable platform::SqliteStatement rowIDOfRecord_;
     mutable platform::SqliteStatement bodyOfRow_;
+    mutable std::mutex searching_; // of whoever uses the kept statements; others prepare their own
+    mutable search::TrigramStatements trigrams_;
 };
 
 } // namespace corvane

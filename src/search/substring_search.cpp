@@ -35,10 +35,6 @@ constexpr const char* testStatement = R"(SELECT record_id FROM email_fts WHERE r
   body LIKE ?1 ESCAPE '\');
 )";
 
-constexpr const char* candidateStatement = "SELECT rowid FROM email_fts WHERE email_fts MATCH ?1 LIMIT ?2;";
-
-constexpr const char* lastRowStatement = "SELECT rowid FROM email_fts ORDER BY rowid DESC LIMIT 1;";
-
 bool endedWell(const SqliteStatement& statement) {
     return statement.status() == SQLITE_DONE;
 }
@@ -59,16 +55,14 @@ std::string quotedPhrase(std::string_view text) {
     return phrase += '"';
 }
 
-// How many rows may be looked up one by one before reading all is quicker; nothing after an error.
-std::optional<std::int64_t> lookupLimit(sqlite3* database) {
-    SqliteStatement last(database, lastRowStatement);
-    const std::int64_t rows = last.step() ? last.integer(0) : 0;
-    if (last.status() != SQLITE_ROW && !endedWell(last)) return std::nullopt;
-    return std::max(fewestLookups, rows / rowsOfTableForOneLookup);
+// Whether looking up more rows than a few one by one is quicker than reading all.
+bool isWorthLookingUp(sqlite3* database, std::int64_t limit) {
+    SqliteStatement last(database, "SELECT rowid FROM email_fts ORDER BY rowid DESC LIMIT 1;");
+    return last.step() && limit <= last.integer(0) / rowsOfTableForOneLookup;
 }
 
 void takeID(const SqliteStatement& row, SharedTextSet& ids) {
-    if (const auto id = row.text(0); id && !ids.contains(*id)) ids.insert(SharedText(*id));
+    if (const auto id = row.text(0)) ids.emplace(*id);
 }
 
 } // namespace
@@ -108,29 +102,48 @@ std::optional<SharedTextSet> idsByScan(sqlite3* database, std::string_view text)
     return ids;
 }
 
-std::optional<SharedTextSet> idsByTrigrams(sqlite3* database, std::string_view text) {
+TrigramStatements::TrigramStatements(sqlite3* database, unsigned flags)
+  : database_(database)
+  , candidates_(database, "SELECT rowid FROM email_fts WHERE email_fts MATCH ?1;", flags)
+  , test_(database, testStatement, flags) {}
+
+std::optional<SharedTextSet> TrigramStatements::ids(std::string_view text) {
     const auto query = trigramQuery(text);
-    const auto limit = query ? lookupLimit(database) : std::nullopt;
-    if (!limit) return std::nullopt;
-    SqliteStatement candidates(database, candidateStatement);
-    SqliteStatement test(database, testStatement);
-    if (!candidates || !test) return std::nullopt;
-    candidates.bindText(1, *query);
-    candidates.bindInteger(2, *limit);
-    std::vector<std::int64_t> rows;
-    while (candidates.step()) rows.push_back(candidates.integer(0));
-    if (!endedWell(candidates) || std::ssize(rows) == *limit) return std::nullopt;
-    const std::string pattern = likePattern(text);
-    SharedTextSet ids;
-    for (const std::int64_t row : rows) {
-        test.bindText(1, pattern);
-        test.bindInteger(2, row);
-        if (test.step()) takeID(test, ids);
-        const bool isSound = test.status() == SQLITE_ROW || endedWell(test);
-        test.reset();
-        if (!isSound) return std::nullopt;
-    }
+    if (!query || !candidates_ || !test_) return std::nullopt;
+    candidates_.bindText(1, *query);
+    const auto rows = candidateRows();
+    auto ids = rows ? idsOf(*rows, text) : std::nullopt;
+    candidates_.reset(); // only now, so that both statements saw the same rows
     return ids;
+}
+
+std::optional<std::vector<std::int64_t>> TrigramStatements::candidateRows() {
+    std::vector<std::int64_t> rows;
+    std::int64_t limit = fewestLookups;
+    while (candidates_.step()) {
+        rows.push_back(candidates_.integer(0));
+        if (std::ssize(rows) < limit) continue;
+        limit *= 2;
+        if (!isWorthLookingUp(database_, limit)) return std::nullopt;
+    }
+    if (!endedWell(candidates_)) return std::nullopt;
+    return rows;
+}
+
+std::optional<SharedTextSet> TrigramStatements::idsOf(const std::vector<std::int64_t>& rows,
+                                                      std::string_view text) {
+    SharedTextSet ids;
+    test_.bindText(1, likePattern(text));
+    bool isSound = true;
+    for (const std::int64_t row : rows) {
+        test_.bindInteger(2, row);
+        if (test_.step()) takeID(test_, ids);
+        isSound = test_.status() == SQLITE_ROW || endedWell(test_);
+        test_.rewind();
+        if (!isSound) break;
+    }
+    test_.reset();
+    return isSound ? std::optional(std::move(ids)) : std::nullopt;
 }
 
 } // namespace corvane::search

@@ -33,7 +33,22 @@ std::optional<std::string> trigramQuery(std::string_view text);
 // The record ids of all rows that hold the text. Nothing after an error, whose code `database` then knows.
 std::optional<SharedTextSet> idsByScan(sqlite3* database, std::string_view text);
 
-// The same by way of the index. Nothing when that can't be done, failed or isn't worth it.
-std::optional<SharedTextSet> idsByTrigrams(sqlite3* database, std::string_view text);
+// The same by way of the index, with its statements prepared. One thread at a time.
+class TrigramStatements {
+  public:
+    // `flags` as of sqlite3_prepare_v3.
+    explicit TrigramStatements(sqlite3* database, unsigned flags = 0);
+
+    // Nothing when the index can't be asked, something failed, or it isn't worth it.
+    std::optional<SharedTextSet> ids(std::string_view text);
+
+  private:
+    std::optional<std::vector<std::int64_t>> candidateRows();
+    std::optional<SharedTextSet> idsOf(const std::vector<std::int64_t>& rows, std::string_view text);
+
+    sqlite3* database_;
+    platform::SqliteStatement candidates_;
+    platform::SqliteStatement test_;
+};
 
 } // namespace corvane::search

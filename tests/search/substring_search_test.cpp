@@ -123,7 +123,7 @@ Counts compareWays(Random& random, const MailSearchIndex& index, sqlite3* databa
         const auto expected = search::idsByScan(database, text);
         EXPECT_TRUE(expected) << query;
         EXPECT_EQ(index.search(query), *expected) << ::testing::PrintToString(query);
-        const auto byTrigrams = search::idsByTrigrams(database, text);
+        const auto byTrigrams = search::TrigramStatements(database).ids(text);
         EXPECT_EQ(byTrigrams.value_or(*expected), *expected) << ::testing::PrintToString(query);
         EXPECT_EQ(isSound ? idsByOracle(rows, text) : *expected, *expected)
             << ::testing::PrintToString(query);
@@ -216,9 +216,9 @@ TEST_F(SearchTest, Search_LeavesTheIndexWhereMostRowsMatch) {
         rows.push_back({std::to_string(i), "common text", "", "", "", i % 500 == 0 ? "rare one" : "body"});
     index->bulkInsert(rows);
     const auto connection = foreign();
-    EXPECT_EQ(search::idsByTrigrams(connection.get(), "common"), std::nullopt);
+    EXPECT_EQ(search::TrigramStatements(connection.get()).ids("common"), std::nullopt);
     EXPECT_EQ(index->search("common").size(), rows.size());
-    EXPECT_EQ(search::idsByTrigrams(connection.get(), "rare")->size(), 3U);
+    EXPECT_EQ(search::TrigramStatements(connection.get()).ids("rare")->size(), 3U);
 }
 
 } // namespace
