@@ -108,14 +108,26 @@ void MailListScreen::filterByYear() {
 }
 
 void MailListScreen::archiveSelection() {
-    auto ids = std::make_shared<SharedTextSet>();
-    for (const auto& range : selection()->rows().ranges()) {
-        for (int row = range.first; row < range.end; ++row) {
-            const MailMessageRecord& message = *list_.message(row);
-            if (!list_.isArchived(message)) ids->insert(message.id);
-        }
+    archiveTask_.start(TaskPriority::userInitiated,
+                       [this, rows = list_.selection().rows(), messages = list_.messages(),
+                        archived = list_.archivedIDs()](const TaskHandle& task) {
+                           auto ids = std::make_shared<SharedTextSet>();
+                           for (const auto& range : rows.ranges()) {
+                               for (int row = range.first; row < range.end; ++row) {
+                                   const SharedText& id = (*messages)[static_cast<std::size_t>(row)].id;
+                                   if (!archived->contains(id)) ids->insert(id);
+                               }
+                           }
+                           task.onMain([this, ids] { handOver(ids); });
+                       });
+}
+
+void MailListScreen::handOver(const std::shared_ptr<const SharedTextSet>& ids) {
+    if (ids->empty()) {
+        Q_EMIT actionFailed(QStringLiteral("选中的邮件都已经归档。"));
+    } else {
+        Q_EMIT archiveRequested(ids);
     }
-    if (!ids->empty()) Q_EMIT archiveRequested(std::move(ids));
 }
 
 void MailListScreen::refresh() {

@@ -1,6 +1,7 @@
 #include "screens/mail_list_screen.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QLocale>
 
@@ -18,19 +19,14 @@ QString countAndSize(std::int64_t count, std::int64_t bytes) {
         .arg(QLocale(QLocale::Chinese).toString(count), screens::wholeText(formatByteCount(bytes)));
 }
 
-std::int64_t bytesOf(const MessageList& messages) {
-    std::int64_t bytes = 0;
-    for (const MailMessageRecord& message : messages) bytes += message.messageSize;
-    return bytes;
-}
+// More are looked at in the background only.
+constexpr int mostRowsLookedAt = 20'000;
 
-template <class Visit>
-void visitRows(const RowRanges& rows, const MessageList& messages, Visit visit) {
-    for (const auto& range : rows.ranges()) {
-        for (int row = range.first; row < range.end; ++row) {
-            if (!visit(messages[static_cast<std::size_t>(row)])) return;
-        }
-    }
+std::vector<std::int64_t> bytesBeforeRows(const MessageList& messages) {
+    std::vector<std::int64_t> bytes = {0};
+    bytes.reserve(messages.size() + 1);
+    for (const MailMessageRecord& message : messages) bytes.push_back(bytes.back() + message.messageSize);
+    return bytes;
 }
 
 } // namespace
@@ -39,7 +35,7 @@ void visitRows(const RowRanges& rows, const MessageList& messages, Visit visit) 
 struct MailListScreen::Update {
     SharedMessageList messages;
     RowChanges changes;
-    std::int64_t bytes = 0;
+    std::vector<std::int64_t> bytesBefore;
 };
 
 MailListScreen::MailListScreen(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
@@ -49,7 +45,8 @@ MailListScreen::MailListScreen(CorvaneViewModel& model, DesktopActions& desktop,
   , filters_(model.filters(), model.accounts())
   , updateTask_(model.context().tasks)
   , countTask_(model.context().tasks)
-  , copyTask_(model.context().tasks) {
+  , copyTask_(model.context().tasks)
+  , archiveTask_(model.context().tasks) {
     const auto width = model.context().settings.text(listWidthKey);
     if (width) listWidth_ = std::max(QString::fromStdString(*width).toInt(), 0);
     wire();
@@ -92,7 +89,7 @@ void MailListScreen::followList() {
         [this, from = list_.messages(), to = model_.visible().visibleMessages()](const auto& task) {
             auto update = std::make_shared<Update>();
             update->changes = rowChanges(*from, *to);
-            update->bytes = bytesOf(*to);
+            update->bytesBefore = bytesBeforeRows(*to);
             update->messages = to;
             task.onMain([this, update] { take(update); });
         });
@@ -123,7 +120,7 @@ void MailListScreen::setListWidth(int width) {
 
 void MailListScreen::apply(Update& update) {
     isUpdating_ = false;
-    listedBytes_ = update.bytes;
+    bytesBefore_ = std::move(update.bytesBefore);
     SharedMessageList earlier = list_.messages();
     isApplying_ = true;
     list_.apply(std::move(update.messages), update.changes);
@@ -218,31 +215,33 @@ QString MailListScreen::stateText() const {
 }
 
 QString MailListScreen::summaryText() const {
-    return countAndSize(list_.count(), listedBytes_);
+    return countAndSize(list_.count(), bytesBefore_.back());
 }
 
 QString MailListScreen::selectionText() const {
     const RowRanges& rows = list_.selection().rows();
-    const int count = rows.count();
-    if (count < 2) return {};
-    std::int64_t bytes = count == list_.count() ? listedBytes_ : 0;
-    if (bytes == 0) {
-        visitRows(rows, *list_.messages(), [&](const MailMessageRecord& message) {
-            bytes += message.messageSize;
-            return true;
-        });
+    if (rows.count() < 2) return {};
+    std::int64_t bytes = 0;
+    for (const auto& range : rows.ranges()) {
+        bytes += bytesBefore_[static_cast<std::size_t>(range.end)] -
+                 bytesBefore_[static_cast<std::size_t>(range.first)];
     }
-    return QStringLiteral("已选 ") + countAndSize(count, bytes);
+    return QStringLiteral("已选 ") + countAndSize(rows.count(), bytes);
+}
+
+bool MailListScreen::mayArchiveSelection() const {
+    if (model_.archive().isArchiving()) return false;
+    int looked = 0;
+    for (const auto& range : list_.selection().rows().ranges()) {
+        for (int row = range.first; row < range.end; ++row) {
+            if (++looked > mostRowsLookedAt || !list_.isArchived(*list_.message(row))) return true;
+        }
+    }
+    return false;
 }
 
 void MailListScreen::updateCanArchive() {
-    bool can = false;
-    if (!model_.archive().isArchiving()) {
-        visitRows(selection()->rows(), *list_.messages(), [&](const MailMessageRecord& message) {
-            can = !list_.isArchived(message);
-            return !can;
-        });
-    }
+    const bool can = mayArchiveSelection();
     if (can == canArchive_) return;
     canArchive_ = can;
     Q_EMIT canArchiveChanged();

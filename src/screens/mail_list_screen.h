@@ -73,7 +73,8 @@ class MailListScreen : public QObject {
 
     void setListWidth(int width);
 
-    // One of the selected messages isn't archived, and no run is under way.
+    // One of the selected messages isn't archived, and no run is under way. Where so many are selected that
+    // looking would hold the window, one of them is taken to be.
     [[nodiscard]] bool canArchive() const { return canArchive_; }
 
     [[nodiscard]] MessageListModel* list() { return &list_; }
@@ -105,7 +106,8 @@ class MailListScreen : public QObject {
     Q_INVOKABLE void filterBySender();
     Q_INVOKABLE void filterByYear();
 
-    // Hands the selected messages that aren't archived to the archive screen.
+    // Hands the selected messages that aren't archived to the archive screen; large selections a moment
+    // later.
     Q_INVOKABLE void archiveSelection();
 
   Q_SIGNALS:
@@ -134,8 +136,10 @@ class MailListScreen : public QObject {
     void recount();
     void updateState();
     void updateCanArchive();
+    [[nodiscard]] bool mayArchiveSelection() const;
     [[nodiscard]] State currentState() const;
     [[nodiscard]] const MailMessageRecord* current() const;
+    void handOver(const std::shared_ptr<const SharedTextSet>& ids);
     bool openOrTell(const QUrl& url);
 
     CorvaneViewModel& model_;
@@ -151,10 +155,12 @@ class MailListScreen : public QObject {
     bool isRearranging_ = false;
     int listWidth_ = 0;
     std::shared_ptr<Update> waiting_;
-    std::int64_t listedBytes_ = 0;
+    // Sizes of all rows before each row and, last, of all: any range is summed at once.
+    std::vector<std::int64_t> bytesBefore_ = {0};
     TaskSlot updateTask_;
     TaskSlot countTask_;
     TaskSlot copyTask_;
+    TaskSlot archiveTask_;
 };
 
 } // namespace corvane

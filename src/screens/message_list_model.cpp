@@ -69,6 +69,8 @@ QVariant MessageListModel::data(const QModelIndex& index, int role) const {
         return isArchived(message);
     case SelectedRole:
         return selection_.isSelected(index.row());
+    case SpokenNameRole:
+        return spokenName(message);
     default:
         return {};
     }

@@ -52,6 +52,8 @@ class MessageListModel : public QAbstractListModel {
     // Nothing for a row that isn't there.
     [[nodiscard]] const MailMessageRecord* message(int row) const;
 
+    [[nodiscard]] const std::shared_ptr<const SharedTextSet>& archivedIDs() const { return archivedIDs_; }
+
     [[nodiscard]] bool isArchived(const MailMessageRecord& message) const;
 
     // What a screen reader says: subject, sender, date, size, state.

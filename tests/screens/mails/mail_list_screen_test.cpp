@@ -212,6 +212,7 @@ TEST_F(MailListScreenTest, ArchivedMessagesAreMarkedAndNotHandedOver) {
     EXPECT_TRUE(screen_.canArchive());
     EXPECT_TRUE(screen_.selectionText().startsWith(QStringLiteral("已选 3 封 · 3 MB")));
     screen_.archiveSelection();
+    settle();
     ASSERT_NE(handed, nullptr);
     EXPECT_EQ(*handed, (SharedTextSet{local("a").id, local("c").id}));
 
@@ -220,6 +221,7 @@ TEST_F(MailListScreenTest, ArchivedMessagesAreMarkedAndNotHandedOver) {
     EXPECT_FALSE(screen_.canArchive());
     EXPECT_EQ(screen_.selectionText(), QString());
     screen_.archiveSelection();
+    settle();
     EXPECT_EQ(handed, nullptr);
 }
 

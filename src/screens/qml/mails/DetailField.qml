@@ -38,7 +38,7 @@ Item {
         anchors.right: parent.right
         y: (Theme.bodyLine - height) / 2
         implicitHeight: Theme.bodyLine
-        visible: field.open || valueLabel.truncated || width > 0 && valueLabel.implicitWidth > field.width - 52
+        visible: valueLabel.implicitWidth > field.width - valueLabel.x
         bare: true
         symbol: field.open ? "chevron-up" : "chevron-down"
         symbolSize: 14

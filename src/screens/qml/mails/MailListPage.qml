@@ -45,7 +45,7 @@ ScreenPage {
             objectName: "mailSearch"
             placeholderText: "搜索主题、发件人、收件人、邮箱、附件名"
             text: page.screen.filters.query
-            onTextEdited: page.screen.filters.query = text
+            onTextChanged: page.screen.filters.query = text
             onAccepted: page.screen.filters.applyQuery()
             onListRequested: list.view.forceActiveFocus(Qt.TabFocusReason)
             onLeaving: list.view.forceActiveFocus(Qt.TabFocusReason)

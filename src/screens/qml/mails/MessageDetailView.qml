@@ -71,115 +71,118 @@ FocusScope {
         }
     }
 
-    Flickable {
-        id: scroller
-        objectName: "messageScroller"
+    FocusGroup {
         anchors.top: toolbar.bottom
         anchors.bottom: parent.bottom
         width: parent.width
         visible: view.detail.hasMessage
-        contentHeight: page.height + 18 + Theme.margin
-        boundsBehavior: Flickable.StopAtBounds
-        clip: true
-        T.ScrollBar.vertical: AppScrollBar {}
+        horizontal: false
 
-        Column {
-            id: page
-            x: Theme.margin
-            y: 18
-            width: scroller.width - 2 * Theme.margin
-            spacing: Theme.section
+        Flickable {
+            id: scroller
+            objectName: "messageScroller"
+            anchors.fill: parent
+            contentHeight: page.height + 18 + Theme.margin
+            boundsBehavior: Flickable.StopAtBounds
+            clip: true
+            T.ScrollBar.vertical: AppScrollBar {}
 
             Column {
-                width: parent.width
-                spacing: 2
+                id: page
+                x: Theme.margin
+                y: 18
+                width: scroller.width - 2 * Theme.margin
+                spacing: Theme.section
 
+                Column {
+                    width: parent.width
+                    spacing: 2
+
+                    AppText {
+                        objectName: "detailSubject"
+                        width: parent.width
+                        bottomPadding: 5
+                        text: view.detail.subject
+                        role: AppText.Title
+                        wrapMode: Text.Wrap
+                        maximumLineCount: 2
+                        Accessible.role: Accessible.Heading
+                    }
+                    DetailField {
+                        width: parent.width
+                        name: "发件人"
+                        value: view.detail.sender
+                    }
+                    DetailField {
+                        objectName: "detailRecipients"
+                        width: parent.width
+                        name: "收件人"
+                        value: view.detail.recipients
+                    }
+                    DetailField {
+                        width: parent.width
+                        name: "日期"
+                        value: view.detail.dateText
+                    }
+                    DetailField {
+                        width: parent.width
+                        name: "位置"
+                        value: view.detail.place
+                    }
+                }
+                CopiesNote {
+                    objectName: "copiesNote"
+                    width: parent.width
+                    visible: title.length > 0
+                    compact: view.low
+                    title: view.detail.copiesTitle
+                    places: view.detail.copiesPlaces
+                }
                 AppText {
-                    objectName: "detailSubject"
                     width: parent.width
-                    bottomPadding: 5
-                    text: view.detail.subject
-                    role: AppText.Title
-                    wrapMode: Text.Wrap
-                    maximumLineCount: 2
-                    Accessible.role: Accessible.Heading
+                    visible: view.detail.imported
+                    text: "这封邮件在一个导入到 Mail 的邮箱里。"
+                    role: AppText.Note
+                    color: Theme.text3
                 }
-                DetailField {
-                    width: parent.width
-                    name: "发件人"
-                    value: view.detail.sender
-                }
-                DetailField {
-                    objectName: "detailRecipients"
-                    width: parent.width
-                    name: "收件人"
-                    value: view.detail.recipients
-                }
-                DetailField {
-                    width: parent.width
-                    name: "日期"
-                    value: view.detail.dateText
-                }
-                DetailField {
-                    width: parent.width
-                    name: "位置"
-                    value: view.detail.place
-                }
-            }
-            CopiesNote {
-                objectName: "copiesNote"
-                width: parent.width
-                visible: title.length > 0
-                compact: view.low
-                title: view.detail.copiesTitle
-                places: view.detail.copiesPlaces
-            }
-            AppText {
-                width: parent.width
-                visible: view.detail.imported
-                text: "这封邮件在一个导入到 Mail 的邮箱里。"
-                role: AppText.Note
-                color: Theme.text3
-            }
-            TextEdit {
-                id: body
-                objectName: "detailPreview"
-                width: Math.min(parent.width, Theme.messageMeasure)
-                visible: view.detail.hasPreview
-                text: view.detail.preview
-                textFormat: TextEdit.PlainText
-                wrapMode: TextEdit.Wrap
-                readOnly: true
-                selectByMouse: true
-                activeFocusOnTab: true
-                color: Theme.text1
-                selectionColor: Theme.accentFill
-                selectedTextColor: Theme.textOnAccent
-                font.pixelSize: Theme.bodySize
-                Accessible.name: "正文预览"
-                Keys.onTabPressed: KeyboardFocus.leave(view, true)
-                Keys.onBacktabPressed: KeyboardFocus.leave(view, false)
-                Keys.onSpacePressed: event => view.turnPage(!(event.modifiers & Qt.ShiftModifier))
+                TextEdit {
+                    id: body
+                    objectName: "detailPreview"
+                    width: Math.min(parent.width, Theme.messageMeasure)
+                    visible: view.detail.hasPreview
+                    text: view.detail.preview
+                    textFormat: TextEdit.PlainText
+                    wrapMode: TextEdit.Wrap
+                    readOnly: true
+                    selectByMouse: true
+                    activeFocusOnTab: true
+                    color: Theme.text1
+                    selectionColor: Theme.accentFill
+                    selectedTextColor: Theme.textOnAccent
+                    font.pixelSize: Theme.bodySize
+                    Accessible.name: "正文预览"
+                    Keys.onSpacePressed: event => view.turnPage(!(event.modifiers & Qt.ShiftModifier))
 
-                TextLines {
-                    document: body.textDocument
-                    height: Theme.messageLine
+                    TextLines {
+                        document: body.textDocument
+                        height: Theme.messageLine
+                    }
                 }
-            }
-            AppText {
-                visible: !view.detail.hasPreview
-                text: view.detail.preview
-                color: Theme.text3
-            }
-            AttachmentBox {
-                width: parent.width
-                visible: view.detail.attachmentCount > 0
-                compact: view.low
-                detail: view.detail
-            }
-            MessageFiles {
-                width: parent.width
-                detail: view.detail
+                AppText {
+                    visible: !view.detail.hasPreview
+                    text: view.detail.preview
+                    color: Theme.text3
+                }
+                AttachmentBox {
+                    width: parent.width
+                    visible: view.detail.attachmentCount > 0
+                    compact: view.low
+                    detail: view.detail
+                }
+                MessageFiles {
+                    width: parent.width
+                    detail: view.detail
+                }
             }
         }
     }
