@@ -212,6 +212,17 @@ class Bench:
         self.compare("body by id", lambda: printed_seconds([BIN / "measure_search_index", "body", home, 20000]),
                      lambda: printed_seconds([BIN / "floor_search_index", "body", database, 20000]), "50 us")
 
+    def list(self):
+        rows = 100000
+
+        def frames(mode, way):
+            _, output, peak = run([BIN / "measure_mail_list", mode, rows])
+            return json.loads(output)[way]["p95"] / 1000, peak
+
+        for way in ("wheel", "pages"):
+            self.compare(f"95 of 100 frames of {rows} rows, by {way}", lambda way=way: frames("ours", way),
+                         lambda way=way: frames("floor", way), "16 ms")
+
     def table(self):
         print(f"{'measure':58} {'ours':>9} {'floor':>9} {'ratio':>7} {'goal':>8} {'peak MB':>8} {'B/message':>10}")
         for row in self.results:
@@ -222,7 +233,7 @@ class Bench:
 
 
 def main():
-    measures = ["refresh", "archive", "cache", "index", "search"]
+    measures = ["refresh", "archive", "cache", "index", "search", "list"]
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("measure", nargs="*", choices=[[], *measures], help="all when none is named")
     parser.add_argument("--messages", type=int, default=200000, help="messages of the refresh")
