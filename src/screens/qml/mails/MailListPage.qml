@@ -24,7 +24,6 @@ ScreenPage {
 
     objectName: "mailListPage"
     searchField: search
-    onRefreshRequested: screen.refresh()
 
     ScreenHead {
         id: head
