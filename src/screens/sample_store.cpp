@@ -52,9 +52,12 @@ SampleStore::SampleStore(ModelContext& context, std::vector<std::string> makers,
     look(std::move(makers));
 }
 
-std::vector<std::string> SampleStore::makersBeside(const std::string& programFolder) {
-    return {platform::standardizedPath(programFolder + "/../share/corvane/make_sample_store.py"),
-            platform::standardizedPath(programFolder + "/../../../tools/make_sample_store.py")};
+std::vector<std::string> SampleStore::makersOf(const platform::Platform& platform) {
+    std::vector<std::string> makers;
+    for (const std::string& folder : platform.programResourceFolders())
+        makers.push_back(platform::joinPath(folder, "make_sample_store.py"));
+    makers.emplace_back(CORVANE_DEVELOPMENT_SAMPLE_MAKER);
+    return makers;
 }
 
 bool SampleStore::open() const {

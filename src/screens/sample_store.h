@@ -28,8 +28,8 @@ class SampleStore : public QObject {
     // `makers` are the places to look for the script, in order. Looks at once whether to offer it.
     SampleStore(ModelContext& context, std::vector<std::string> makers, QObject* parent = nullptr);
 
-    // Where the script lies beside a program in this folder: installed, and in the tree it was built from.
-    static std::vector<std::string> makersBeside(const std::string& programFolder);
+    // Where the script lies: among the program's files, and in the tree that it was built from.
+    static std::vector<std::string> makersOf(const platform::Platform& platform);
 
     [[nodiscard]] bool offered() const { return !maker_.empty(); }
 

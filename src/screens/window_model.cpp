@@ -2,7 +2,6 @@
 
 #include <filesystem>
 
-#include <QCoreApplication>
 #include <QUrl>
 #include <fmt/format.h>
 
@@ -28,8 +27,7 @@ WindowModel::WindowModel(CorvaneViewModel& model, QObject* parent)
   , home_(model, organizeData_, archive_, desktop_)
   , activity_(model)
   , archivePlace_(model)
-  , sampleStore_(model.context(),
-                 SampleStore::makersBeside(QCoreApplication::applicationDirPath().toStdString()))
+  , sampleStore_(model.context(), SampleStore::makersOf(model.context().platform))
   , mails_(model, desktop_)
   , addressTask_(model.context().tasks) {
     connect(&home_, &HomeScreen::figuresChanged, this, &WindowModel::showFigures);

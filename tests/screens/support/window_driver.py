@@ -12,7 +12,6 @@ from __future__ import annotations
 import contextlib
 import os
 import pathlib
-import shutil
 import struct
 import subprocess
 import tempfile
@@ -40,10 +39,6 @@ def _chunk(kind, data):
     return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
 
 
-def have_display_tools():
-    return all(shutil.which(tool) for tool in ("Xvfb", "xdotool"))
-
-
 class Display:
     """An X server of its own, with a screen of the given size."""
 
@@ -55,7 +50,7 @@ class Display:
         read_end, write_end = os.pipe()
         self._server = subprocess.Popen(
             ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{self.width}x{self.height}x24",
-             "-nolisten", "tcp", "-fbdir", self._folder.name],
+             "-nolisten", "tcp", "-noreset", "-fbdir", self._folder.name],
             pass_fds=[write_end], stderr=subprocess.DEVNULL)
         os.close(write_end)
         with os.fdopen(read_end) as answer:
@@ -97,12 +92,14 @@ class Display:
     @contextlib.contextmanager
     def window(self, home, *arguments, appearance="light"):
         process = self.start(home, *arguments, appearance=appearance)
-        window = Window(self, process)
         try:
+            window = Window(self, process)
             window.wait_for_picture()
             yield window
         finally:
-            window.quit()
+            if process.poll() is None:
+                process.terminate()
+            process.communicate(timeout=PATIENCE)
 
 
 class Window:
@@ -119,11 +116,12 @@ class Window:
         return found.stdout.split()[0] if found.stdout.split() else None
 
     def wait_for_picture(self):
-        """A window that has painted has more than its background."""
+        """A window that has painted has more than its background. It gets the keyboard, for which a real desktop has
+        a window manager."""
         wait_until(lambda: len(set(self._display.pixels()[0][::997])) > 3, "the first picture")
+        self._display.run("xdotool", "windowfocus", "--sync", self.id)
 
     def press(self, *keys):
-        self._display.run("xdotool", "windowfocus", "--sync", self.id)
         self._display.run("xdotool", "key", "--delay", "20", *keys)
 
     def type(self, text):
@@ -135,6 +133,12 @@ class Window:
 
     def move(self, x, y):
         self._display.run("xdotool", "mousemove", "--window", self.id, str(x), str(y))
+
+    def geometry(self):
+        """x, y, width, height."""
+        said = self._display.run("xdotool", "getwindowgeometry", "--shell", self.id, capture_output=True, text=True)
+        values = dict(line.split("=") for line in said.stdout.split())
+        return tuple(int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
 
     def resize(self, width, height):
         self._display.run("xdotool", "windowsize", "--sync", self.id, str(width), str(height))
@@ -169,7 +173,8 @@ class Window:
                          + _chunk(b"IDAT", zlib.compress(bytes(rows))) + _chunk(b"IEND", b""))
 
     def quit(self):
+        """Asks the program to end, as a session manager does. Its exit status and what it said."""
         if self.process.poll() is None:
             self.process.terminate()
-        self.process.communicate(timeout=PATIENCE)
-        return self.process.returncode
+        _, said = self.process.communicate(timeout=PATIENCE)
+        return self.process.returncode, said

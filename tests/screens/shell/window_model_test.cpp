@@ -1,0 +1,108 @@
+#include "screens/window_model.h"
+
+#include <QDesktopServices>
+#include <QSignalSpy>
+
+#include "model/model_test.h"
+#include "model/sample_messages.h"
+#include "platform/directory.h"
+#include "records/archive_index_file.h"
+
+namespace corvane {
+namespace {
+
+using testing::ModelTest;
+using testing::publishMessages;
+using testing::sampleMessages;
+using testing::waitUntilIdle;
+
+// What the desktop was asked to open.
+class OpenedUrls : public QObject {
+    Q_OBJECT
+
+  public:
+    OpenedUrls() { QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "open"); }
+
+    ~OpenedUrls() override { QDesktopServices::unsetUrlHandler(QStringLiteral("file")); }
+
+    Q_INVOKABLE void open(const QUrl& url) { urls.append(url); }
+
+    QList<QUrl> urls;
+};
+
+class WindowModels : public ModelTest {
+  protected:
+    WindowModels() { waitUntilIdle(context_.tasks); }
+
+    void publish(int count) {
+        std::vector<testing::MessageSketch> sketches;
+        for (int number = 0; number < count; ++number) sketches.push_back({"m" + std::to_string(number)});
+        publishMessages(model_.catalog(), sampleMessages(home_, sketches));
+        waitUntilIdle(context_.tasks);
+    }
+
+    ModelContext context_{platform_};
+    CorvaneViewModel model_{context_};
+    WindowModel window_{model_};
+};
+
+TEST_F(WindowModels, StoppingForTheCloseKeepsWhatWasWrittenAndItsIndex) {
+    publish(300);
+    const std::string root = home_.at("归档");
+    model_.destinations().setTransferDestination(root);
+    waitUntilIdle(context_.tasks);
+    model_.archive().selectAllArchiveCandidates();
+    QSignalSpy stopped(&window_, &WindowModel::stopped);
+    bool wasShown = false;
+    QObject::connect(window_.activity(), &Activity::changed, [&] {
+        wasShown = wasShown || (window_.activity()->running() && window_.activity()->place() == u"home");
+    });
+    QObject::connect(&model_.archive(), &ArchiveControl::progressChanged, [&] {
+        if (window_.archiving()) window_.stopArchiving();
+    });
+    model_.archive().archiveSelectedEmails(root, [](auto) {});
+    EXPECT_TRUE(window_.archiving());
+    waitUntilIdle(context_.tasks);
+    EXPECT_EQ(stopped.count(), 1);
+    EXPECT_FALSE(window_.archiving());
+    EXPECT_TRUE(wasShown);
+    EXPECT_FALSE(window_.activity()->running());
+    const auto entries = model_.library().archivedEntries()->size();
+    EXPECT_TRUE(platform::fileExists(root + "/archive-index.json"));
+    EXPECT_GT(entries, 0U);
+    EXPECT_LT(entries, 300U);
+}
+
+TEST_F(WindowModels, ClosingWithoutARunWaitsForNothing) {
+    QSignalSpy stopped(&window_, &WindowModel::stopped);
+    window_.stopArchiving();
+    EXPECT_EQ(stopped.count(), 1);
+}
+
+TEST_F(WindowModels, AddressOpensAFolderAndNothingElse) {
+    const std::string folder = home_.makeFolder("a b/归档");
+    const std::string file = home_.write("program.desktop", "[Desktop Entry]\nExec=rm\n");
+    OpenedUrls opened;
+    for (const std::string& path : {file, folder, home_.at("missing")}) {
+        window_.openAddress(QStringLiteral("corvane://open?path=") +
+                            QString::fromLatin1(QUrl::toPercentEncoding(QString::fromStdString(path))));
+        waitUntilIdle(context_.tasks);
+    }
+    ASSERT_EQ(opened.urls.size(), 1);
+    EXPECT_EQ(opened.urls.first().toLocalFile().toStdString(), folder + "/");
+}
+
+TEST_F(WindowModels, LengthsComeBackOnlyWithinTheirLimits) {
+    const QString name = QStringLiteral("pane");
+    EXPECT_EQ(window_.storedLength(name, 372, 352, 400), 372);
+    window_.storeLength(name, 390);
+    EXPECT_EQ(window_.storedLength(name, 372, 352, 400), 390);
+    EXPECT_EQ(window_.storedLength(name, 300, 200, 350), 300);
+    context_.settings.setText("corvaneLength.pane", "wide");
+    EXPECT_EQ(window_.storedLength(name, 372, 352, 400), 372);
+}
+
+} // namespace
+} // namespace corvane
+
+#include "window_model_test.moc"

@@ -1,0 +1,115 @@
+"""The frame of the window: start and end, one window a home, keys, size, samples for a newcomer."""
+
+import os
+import pathlib
+import signal
+import subprocess
+import sys
+import tempfile
+import unittest
+
+from window_driver import PATIENCE, ROOT, Display, wait_until
+
+PICTURES = pathlib.Path(os.environ.get("CORVANE_PICTURES", str(ROOT / "build/pictures")))
+
+
+def make_store(home):
+    subprocess.run([sys.executable, "-B", str(ROOT / "tools/make_sample_store.py"), "--quiet", str(home)], check=True)
+
+
+class FrameTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.display = cls.enterClassContext(Display(1240, 840))
+        folder = cls.enterClassContext(tempfile.TemporaryDirectory())
+        cls.home = pathlib.Path(folder) / "home"
+        make_store(cls.home)
+
+    def support(self, home=None):
+        return (home or self.home) / ".local/share/Corvane"
+
+    def test_starts_paints_and_ends_when_asked(self):
+        for appearance in ("light", "dark"):
+            with self.display.window(self.home, appearance=appearance) as window:
+                window.picture(PICTURES / f"start-{appearance}.png")
+                status, said = window.quit()
+                self.assertEqual(status, 0, said)
+                for trouble in ("QML", "qrc:", "Warning", "TypeError"):
+                    self.assertNotIn(trouble, said)
+
+    def test_logs_tell_of_this_start_only(self):
+        old = "a line of the last start\n"
+        self.support().mkdir(parents=True, exist_ok=True)
+        for name in ("performance.log", "archive-library-startup.log"):
+            (self.support() / name).write_text(old)
+        with self.display.window(self.home):
+            log = self.support() / "archive-library-startup.log"
+            wait_until(lambda: "ContentView onAppear" in log.read_text(), "the start-up work")
+        marks = log.read_text()
+        places = [marks.find(mark) for mark in ("applicationWillFinishLaunching reset logs", "viewModel init start",
+                                                "viewModel init finish", "ContentView onAppear mode=")]
+        self.assertNotIn(-1, places)
+        self.assertEqual(places, sorted(places))
+        self.assertNotIn(old, marks + (self.support() / "performance.log").read_text())
+
+    def test_second_start_leaves_the_home_to_the_first(self):
+        with self.display.window(self.home) as window:
+            second = self.display.start(self.home)
+            _, said = second.communicate(timeout=PATIENCE)
+            self.assertEqual(second.returncode, 0, said)
+            self.assertIsNone(window.process.poll())
+
+    def test_killed_window_leaves_nothing_in_the_way(self):
+        with self.display.window(self.home) as window:
+            window.process.send_signal(signal.SIGKILL)
+            window.process.wait()
+        with self.display.window(self.home) as window:
+            self.assertIsNone(window.process.poll())
+
+    def test_window_comes_back_as_it_was_left(self):
+        with self.display.window(self.home) as window:
+            window.resize(1100, 640)
+            window.settled()
+            left = window.geometry()
+            window.quit()
+        with self.display.window(self.home) as window:
+            self.assertEqual(window.geometry(), left)
+            window.resize(300, 200)
+            window.settled()
+            # No window manager keeps the minimum here; the content must bear it.
+            self.assertIsNone(window.process.poll())
+
+    def test_keys_change_the_screen(self):
+        with self.display.window(self.home) as window:
+            window.resize(1000, 560)
+            window.settled()
+            first, _ = self.display.pixels()
+            window.press("ctrl+4")
+            window.picture(PICTURES / "mails-small.png")
+            self.assertNotEqual(self.display.pixels()[0], first)
+            window.press("ctrl+2")  # a place without a screen
+            window.press("ctrl+1")
+            window.settled()
+            window.picture(PICTURES / "home-small.png")
+
+    def test_newcomer_gets_samples(self):
+        with tempfile.TemporaryDirectory() as empty, self.display.window(empty) as window:
+            window.picture(PICTURES / "newcomer.png")
+            maker = self.support(pathlib.Path(empty)) / "sample-home"
+            window.click(1150, 50)  # the button of the notice
+            wait_until(lambda: (maker / ".local/share/Corvane/window.lock").exists(), "the window over the samples")
+            window.id = wait_until(window._find, "the window over the samples")
+            window.wait_for_picture()
+            window.picture(PICTURES / "samples.png")
+            self.assertEqual(window.quit()[0], 0)
+
+    def test_wrong_use_is_said(self):
+        for arguments in (["--home", "/no/such/folder"], ["--appearance", "purple"], ["--nonsense"]):
+            run = subprocess.run([os.environ.get("CORVANE_WINDOW", str(ROOT / "build/dev/bin/corvane")), *arguments],
+                                 env=self.display.environment, capture_output=True, text=True, timeout=PATIENCE)
+            self.assertNotEqual(run.returncode, 0)
+            self.assertTrue(run.stderr or run.stdout)
+
+
+if __name__ == "__main__":
+    unittest.main()
