@@ -131,6 +131,13 @@ class Listing(unittest.TestCase):
         for wanted in ("", "x.pdf", "....", "a.pdf"):
             self.assertIsNone(find_attachment(found, wanted))
 
+    def test_a_path_that_lost_its_backslashes_means_the_file_at_its_end(self):
+        names = [attached(("Content-Disposition: attachment; filename=\"%s\"" % name).encode()) for name in ("C:\\dir\\a1.xls", "b.xls")]
+        found = attachments(mail(multipart("mixed", part("b"), *names)))
+        self.assertEqual(find_attachment(found, "C:dira1.xls").name, "a1.xls")
+        self.assertIsNone(find_attachment(found, "dira1.xls"))
+        self.assertIsNone(find_attachment(found + found, "C:dira1.xls"))
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -24,6 +24,11 @@ def squeezed(name):
     return "".join(c for c in nfc(cleaned(name)).casefold() if c.isalnum())
 
 
+def ends_path(path, name):
+    """Whether a path that lost its backslashes, as in C:UserslmA.xls, may be that of a file of this name."""
+    return bool(re.match(r"[A-Za-z]:", path)) and bool(squeezed(name)) and squeezed(path).endswith(squeezed(name))
+
+
 def find_attachment(attachments, wanted):
     """The attachment of that name; the likeness asked for goes from the very name down to letters and digits."""
     for form in (str, nfc, lambda name: nfc(cleaned(name)), squeezed):
@@ -31,4 +36,5 @@ def find_attachment(attachments, wanted):
         for attachment in attachments:
             if key and form(attachment.name) == key:
                 return attachment
-    return None
+    of_path = [each for each in attachments if ends_path(wanted, each.name)]
+    return of_path[0] if len(of_path) == 1 else None
