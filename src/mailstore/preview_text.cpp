@@ -20,7 +20,7 @@ std::string previewText(const MailWorkerClient& worker, const FileURL& file) {
     try {
         std::string preview = worker.previewText(file, previewByteLimit);
         if (!previewLooksCorrupt(preview)) return preview;
-    } catch (const WorkerError&) { // NOLINT: our own walk follows
+    } catch (const WorkerError&) { // NOLINT(bugprone-empty-catch): our own walk follows
     }
     return previewText(decodeEmlx(readMessagePrefix(file.path().str(), previewByteLimit)));
 }

@@ -3,7 +3,7 @@
 // so every exchange has a time limit and a size limit, and what comes back is read as hostile input.
 //
 // Requests and answers are JSON objects. A one-shot run starts a process for one request; a Session keeps one
-// process for many. All calls block: background work only. The client itself is immutable; any number of
+// process for many. All calls block: background work only. No call changes the client; any number of
 // one-shot runs may go on at a time.
 #pragma once
 

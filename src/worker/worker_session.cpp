@@ -123,7 +123,7 @@ MailWorkerClient::Session::Session(const MailWorkerClient& client)
 MailWorkerClient::Session::~Session() {
     try {
         close();
-    } catch (const std::exception&) { // NOLINT: the process ends with its owner
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): the process ends with its owner
     }
 }
 
@@ -141,7 +141,7 @@ void MailWorkerClient::Session::relaunch() {
     process_.reset();
     try {
         process_ = launch();
-    } catch (const WorkerError&) { // NOLINT: the error that led here is the one to tell
+    } catch (const WorkerError&) { // NOLINT(bugprone-empty-catch): the error that led here is told
     }
 }
 
@@ -180,7 +180,7 @@ void MailWorkerClient::Session::close() {
     const auto process = std::move(process_);
     try {
         if (process->isRunning()) process->exchange("{\"command\":\"shutdown\"}\n", {});
-    } catch (const std::exception&) { // NOLINT: a worker that doesn't say goodbye is ended all the same
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): it is ended all the same
     }
     process->end();
 }
