@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "mailstore/attachment_resolution.h"
 #include "mailstore/emlx.h"
 #include "mailstore/mime_walk.h"
 #include "mailstore/preview_layout.h"
@@ -38,6 +39,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string normalized = mailstore::normalizedPreviewFormatting(message);
     require(normalized.size() <= message.size());
     mailstore::previewLooksCorrupt(message);
+    for (const auto& attachment : mailstore::extractAttachments(message)) {
+        require(!attachment.fileName.empty() && text::isValidUtf8(attachment.fileName));
+    }
     mailstore::decodeQuotedPrintableData(bytes);
     return 0;
 }
