@@ -119,7 +119,8 @@ class Window {
     }
 
     [[nodiscard]] QQuickItem* find(const char* name) const {
-        return page_->findChild<QQuickItem*>(QString::fromLatin1(name));
+        const QString wanted = QString::fromLatin1(name);
+        return page_->objectName() == wanted ? page_.get() : page_->findChild<QQuickItem*>(wanted);
     }
 
   private:

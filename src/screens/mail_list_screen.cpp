@@ -12,8 +12,6 @@ namespace corvane {
 
 namespace {
 
-constexpr const char* listWidthKey = "corvaneMailListWidth";
-
 QString countAndSize(std::int64_t count, std::int64_t bytes) {
     return QStringLiteral("%1 封 · %2")
         .arg(QLocale(QLocale::Chinese).toString(count), screens::wholeText(formatByteCount(bytes)));
@@ -47,8 +45,6 @@ MailListScreen::MailListScreen(CorvaneViewModel& model, DesktopActions& desktop,
   , countTask_(model.context().tasks)
   , copyTask_(model.context().tasks)
   , archiveTask_(model.context().tasks) {
-    const auto width = model.context().settings.text(listWidthKey);
-    if (width) listWidth_ = std::max(QString::fromStdString(*width).toInt(), 0);
     wire();
     followArchived();
     followList();
@@ -109,13 +105,6 @@ void MailListScreen::setHeld(bool held) {
     isHeld_ = held;
     Q_EMIT heldChanged();
     if (const auto update = std::exchange(waiting_, nullptr); !held && update) apply(*update);
-}
-
-void MailListScreen::setListWidth(int width) {
-    if (listWidth_ == width) return;
-    listWidth_ = width;
-    model_.context().settings.setText(listWidthKey, std::to_string(width));
-    Q_EMIT listWidthChanged();
 }
 
 void MailListScreen::apply(Update& update) {

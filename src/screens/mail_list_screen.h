@@ -28,7 +28,6 @@ class MailListScreen : public QObject {
     Q_PROPERTY(QString summaryText READ summaryText NOTIFY summaryChanged)
     Q_PROPERTY(QString selectionText READ selectionText NOTIFY summaryChanged)
     Q_PROPERTY(bool held READ isHeld WRITE setHeld NOTIFY heldChanged)
-    Q_PROPERTY(int listWidth READ listWidth WRITE setListWidth NOTIFY listWidthChanged)
     Q_PROPERTY(bool canArchive READ canArchive NOTIFY canArchiveChanged)
     Q_PROPERTY(corvane::MessageListModel* list READ list CONSTANT)
     Q_PROPERTY(corvane::ListSelection* selection READ selection CONSTANT)
@@ -67,11 +66,6 @@ class MailListScreen : public QObject {
     [[nodiscard]] bool isHeld() const { return isHeld_; }
 
     void setHeld(bool held);
-
-    // The width of the list pane as the user left it, kept from run to run; 0 when it was never moved.
-    [[nodiscard]] int listWidth() const { return listWidth_; }
-
-    void setListWidth(int width);
 
     // One of the selected messages isn't archived, and no run is under way. Where so many are selected that
     // looking would hold the window, one of them is taken to be.
@@ -114,7 +108,6 @@ class MailListScreen : public QObject {
     void stateChanged();
     void summaryChanged();
     void heldChanged();
-    void listWidthChanged();
     void canArchiveChanged();
     // The list is another one because filters or order are others: the view shows the current row.
     void listRearranged();
@@ -153,7 +146,6 @@ class MailListScreen : public QObject {
     bool isApplying_ = false;
     bool isHeld_ = false;
     bool isRearranging_ = false;
-    int listWidth_ = 0;
     std::shared_ptr<Update> waiting_;
     // Sizes of all rows before each row and, last, of all: any range is summed at once.
     std::vector<std::int64_t> bytesBefore_ = {0};

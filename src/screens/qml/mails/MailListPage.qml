@@ -19,8 +19,14 @@ ScreenPage {
     readonly property int leastDetailWidth: 400
     readonly property bool showsFilters: width - filterWidth - leastListWidth >= leastDetailWidth
     readonly property int roomForList: width - (showsFilters ? filterWidth : 0) - leastDetailWidth
-    readonly property int listWidth: Math.max(leastListWidth,
-        Math.min(screen.listWidth || usualListWidth, mostListWidth, roomForList))
+    // What the user wants, and what there is room for.
+    property real wantedListWidth: app.storedLength("mailList", usualListWidth, leastListWidth, mostListWidth)
+    readonly property int listWidth: Math.max(leastListWidth, Math.min(wantedListWidth, roomForList))
+
+    function keepListWidth(width: real) {
+        wantedListWidth = width;
+        app.storeLength("mailList", width);
+    }
 
     objectName: "mailListPage"
     searchField: search
@@ -110,8 +116,9 @@ ScreenPage {
             paneWidth: page.listWidth
             minimum: page.leastListWidth
             maximum: Math.min(page.mostListWidth, page.roomForList)
-            onMoved: width => page.screen.listWidth = width
-            onRestored: page.screen.listWidth = 0
+            onMoved: width => page.wantedListWidth = width
+            onSettled: width => page.keepListWidth(width)
+            onRestored: page.keepListWidth(page.usualListWidth)
         }
     }
 
