@@ -56,6 +56,7 @@ void HomeScreen::wire() {
     connect(&model_.destinations(), &ArchiveDestinations::destinationChanged, this, destinationReplaced);
     connect(&model_.destinations(), &ArchiveDestinations::factsChanged, this, destinationReplaced);
     connect(&archive_, &ArchiveScreen::stageChanged, this, &HomeScreen::selectionChanged);
+    connect(&archive_, &ArchiveScreen::stageChanged, this, &HomeScreen::stateChanged);
 }
 
 void HomeScreen::takeOverview() {
@@ -327,7 +328,7 @@ void HomeScreen::openArchive(bool everything) {
 }
 
 void HomeScreen::updateMailData() {
-    if (!isScanning()) model_.scanFlow().refreshAllMailData();
+    if (canUpdate()) model_.scanFlow().refreshAllMailData();
 }
 
 void HomeScreen::cancelScan() {

@@ -33,6 +33,7 @@ class HomeScreen : public QObject {
     Q_PROPERTY(QString updatedText READ updatedText NOTIFY stateChanged)
     Q_PROPERTY(QString updateTitle READ updateTitle NOTIFY stateChanged)
     Q_PROPERTY(bool isScanning READ isScanning NOTIFY stateChanged)
+    Q_PROPERTY(bool canUpdate READ canUpdate NOTIFY stateChanged)
     Q_PROPERTY(QString scanLine READ scanLine NOTIFY stateChanged)
     Q_PROPERTY(QString scanElapsed READ scanElapsed NOTIFY scanElapsedChanged)
     Q_PROPERTY(QVariantList scanAccounts READ scanAccounts NOTIFY scanAccountsChanged)
@@ -80,6 +81,9 @@ class HomeScreen : public QObject {
     [[nodiscard]] QString updateTitle() const;
 
     [[nodiscard]] bool isScanning() const { return model_.scanFlow().state().isScanning(); }
+
+    // A scan would take the messages of a run from below it.
+    [[nodiscard]] bool canUpdate() const { return !isScanning() && !archive_.isRunning(); }
 
     [[nodiscard]] QString scanLine() const;
     [[nodiscard]] QString scanElapsed() const;

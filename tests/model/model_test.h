@@ -52,6 +52,9 @@ class ScriptedPlatform : public platform::Platform {
     // Runs at each question for the volume of a path.
     void onVolumeOf(std::function<void()> hook) { volumeOfHook_ = std::move(hook); }
 
+    // Runs at each question for free space, which a run asks before its first message.
+    void onAvailableCapacity(std::function<void()> hook) { capacityHook_ = std::move(hook); }
+
     [[nodiscard]] int mountedVolumesCalls() const { return calls_; }
 
     [[nodiscard]] std::string realUserHomeDirectory() const override { return real_.realUserHomeDirectory(); }
@@ -88,6 +91,7 @@ class ScriptedPlatform : public platform::Platform {
     }
 
     [[nodiscard]] std::optional<std::int64_t> availableCapacity(const std::string& path) const override {
+        if (capacityHook_) capacityHook_();
         return real_.availableCapacity(path);
     }
 
@@ -111,6 +115,7 @@ class ScriptedPlatform : public platform::Platform {
     std::optional<std::string> fileSystemTypeName_;
     std::function<void(int)> hook_;
     std::function<void()> volumeOfHook_;
+    std::function<void()> capacityHook_;
     mutable std::atomic<int> calls_ = 0;
 };
 

@@ -1,5 +1,15 @@
 # QML files of this folder, and the C++ sources behind them (paths from src/screens).
 set(archive_qml
+    ArchiveConfirmSheet.qml
+    ArchiveResultSheet.qml
+    ArchiveRunningSheet.qml
+    ArchiveSheets.qml
+    CandidateList.qml
+    CandidateRow.qml
+    DestinationCard.qml
+    DestinationCards.qml
+    FailureGroups.qml
+    FolderChooser.qml
 )
 set(archive_sources
     archive_candidates_model.cpp

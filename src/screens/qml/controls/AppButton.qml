@@ -42,8 +42,9 @@ T.Button {
             id: icon
             anchors.verticalCenter: parent.verticalCenter
             x: (parent.width - (width + label.gap + label.width)) / 2
-            visible: button.symbol.length > 0
-            width: visible ? button.symbolSize : 0
+            // Not by visibility, which a popup takes from its items while it is closed.
+            width: button.symbol.length > 0 ? button.symbolSize : 0
+            visible: width > 0
             height: button.symbolSize
             size: button.symbolSize
             name: button.symbol
@@ -51,7 +52,7 @@ T.Button {
         }
         AppText {
             id: label
-            readonly property int gap: icon.visible && text.length > 0 ? 6 : 0
+            readonly property int gap: icon.width > 0 && text.length > 0 ? 6 : 0
             anchors.verticalCenter: parent.verticalCenter
             x: icon.x + icon.width + gap
             width: Math.min(implicitWidth, parent.width - icon.width - gap)

@@ -14,6 +14,8 @@ Rectangle {
     property string symbol: kind === "safe" ? "shield-check" : kind === "attention" ? "triangle-alert"
         : kind === "danger" ? "octagon-x" : "info"
     property bool compact: false
+    // Wider lines break; 0 for the width that is there.
+    property int lineMeasure: 0
     default property alias actions: actionRow.data
     readonly property var shownLines: compact && lines.length > 1 ? [lines.join("　")] : lines
 
@@ -59,6 +61,7 @@ Rectangle {
                 delegate: AppText {
                     required property string modelData
                     Layout.fillWidth: true
+                    Layout.maximumWidth: banner.lineMeasure > 0 ? banner.lineMeasure : Number.POSITIVE_INFINITY
                     text: modelData
                     wrapMode: Text.Wrap
                     Accessible.ignored: true

@@ -22,6 +22,9 @@ T.Popup {
     property int wantedHeight: 0
     property bool dismissable: true
     property bool scrolls: true
+    // Below the body.
+    property int bodyGap: 20
+    property string subtitleSymbol: ""
     property AppButton primary: null
     default property alias bodyItems: scrollingBody.data
     property alias fillingItems: fillingBody.data
@@ -94,6 +97,7 @@ T.Popup {
                 Layout.fillWidth: true
                 title: sheet.title
                 subtitle: sheet.subtitle
+                subtitleSymbol: sheet.subtitleSymbol
                 symbol: sheet.symbol
                 symbolColor: sheet.symbolColor
             }
@@ -102,8 +106,8 @@ T.Popup {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 visible: sheet.scrolls
-                implicitHeight: scrollingBody.implicitHeight
-                contentHeight: scrollingBody.implicitHeight
+                implicitHeight: scrollingBody.implicitHeight + sheet.bodyGap
+                contentHeight: implicitHeight
                 clip: contentHeight > height
                 boundsBehavior: Flickable.StopAtBounds
                 interactive: contentHeight > height
@@ -122,11 +126,11 @@ T.Popup {
                 Layout.fillHeight: true
                 Layout.leftMargin: 24
                 Layout.rightMargin: 24
+                Layout.bottomMargin: sheet.bodyGap
                 visible: !sheet.scrolls
             }
             Rectangle {
                 Layout.fillWidth: true
-                Layout.topMargin: 20
                 implicitHeight: Theme.hairline
                 color: Theme.line
             }

@@ -8,6 +8,7 @@ Item {
 
     property string title: ""
     property string subtitle: ""
+    property string subtitleSymbol: ""
     property string symbol: ""
     property color symbolColor: Theme.text1
 
@@ -40,12 +41,23 @@ Item {
                 maximumLineCount: 2
                 Accessible.role: Accessible.Heading
             }
-            AppText {
-                Layout.fillWidth: true
-                visible: text.length > 0
-                text: head.subtitle
-                wrapMode: Text.Wrap
-                color: Theme.text2
+            RowLayout {
+                Layout.topMargin: head.subtitleSymbol.length > 0 ? 2 : 0
+                visible: head.subtitle.length > 0
+                spacing: 6
+
+                Symbol {
+                    visible: head.subtitleSymbol.length > 0
+                    size: 16
+                    name: head.subtitleSymbol
+                    color: Theme.text2
+                }
+                AppText {
+                    Layout.fillWidth: true
+                    text: head.subtitle
+                    wrapMode: Text.Wrap
+                    color: Theme.text2
+                }
             }
         }
     }

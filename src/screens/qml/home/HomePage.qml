@@ -1,7 +1,101 @@
-// The screen 归档邮件.
+// The screen 归档邮件: what still has to go into the archive, and the way there.
 import QtQuick
+import QtQuick.Layouts
 import Corvane
 
 ScreenPage {
+    id: page
+
+    readonly property HomeScreen home: app.home
+    readonly property bool hasList: home.state === HomeScreen.List || home.state === HomeScreen.NothingToDo
+
     objectName: "homePage"
+    onEscaped: home.clearScope()
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        ScreenHead {
+            Layout.fillWidth: true
+            title: "归档邮件"
+            subtitle: page.home.organizeSimpleSummary
+            low: page.low
+            margin: page.margin
+
+            AppText {
+                visible: !page.narrow && text.length > 0
+                text: page.home.updatedText
+                role: AppText.Note
+                color: Theme.text3
+            }
+            AppButton {
+                objectName: "updateButton"
+                visible: page.hasList || page.home.isScanning
+                enabled: page.home.canUpdate
+                symbol: "refresh-cw"
+                text: page.home.updateTitle
+                help: "重新读取所有 Mail 邮箱和全部年份的数据，找出可归档的邮件"
+                onClicked: page.home.updateMailData()
+            }
+        }
+        Loader {
+            id: body
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            focus: true
+            sourceComponent: {
+                switch (page.home.state) {
+                case HomeScreen.NoAccess:
+                    return noAccess;
+                case HomeScreen.Scanning:
+                    return scanning;
+                case HomeScreen.FirstUse:
+                    return firstUse;
+                default:
+                    return overview;
+                }
+            }
+        }
+        HomeLocationBar {
+            Layout.fillWidth: true
+            visible: page.hasList || (page.home.state === HomeScreen.FirstUse && !page.home.hasDestination)
+            home: page.home
+            archive: page.app.archive
+            margin: page.margin
+            narrow: page.narrow
+            choosesOnly: !page.hasList
+        }
+    }
+
+    ArchiveSheets {
+        archive: page.app.archive
+    }
+    Component {
+        id: noAccess
+        HomeNoAccess {
+            home: page.home
+        }
+    }
+    Component {
+        id: scanning
+        HomeScanning {
+            home: page.home
+        }
+    }
+    Component {
+        id: firstUse
+        HomeFirstUse {
+            home: page.home
+        }
+    }
+    Component {
+        id: overview
+        HomeOverview {
+            home: page.home
+            narrow: page.narrow
+            low: page.low
+            margin: page.margin
+        }
+    }
 }

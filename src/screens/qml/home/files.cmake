@@ -1,6 +1,20 @@
 # QML files of this folder, and the C++ sources behind them (paths from src/screens).
 set(home_qml
+    AccountList.qml
+    AccountShareRow.qml
+    CentredPane.qml
+    HomeChart.qml
+    HomeFirstUse.qml
+    HomeLocationBar.qml
+    HomeNoAccess.qml
+    HomeOverview.qml
     HomePage.qml
+    HomeScanning.qml
+    OrganizeTree.qml
+    OrganizeTreeHead.qml
+    OrganizeTreeRow.qml
+    PermissionPicture.qml
+    ScanAccounts.qml
 )
 set(home_sources
     account_shares_model.cpp

@@ -58,7 +58,10 @@ Rectangle {
         width: parent.width - 1
         archivePlace: sidebar.app.archivePlace
         activity: sidebar.app.activity
-        onPlaceChosen: key => sidebar.placeChosen(key)
+        onPlaceChosen: key => {
+            sidebar.app.archive.bringToFront();
+            sidebar.placeChosen(key);
+        }
     }
     Rectangle {
         anchors.right: parent.right

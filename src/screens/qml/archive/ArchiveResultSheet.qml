@@ -1,0 +1,122 @@
+// What came of a run: figures that add up to what was chosen, what failed and why, what has several versions.
+import QtQuick
+import QtQuick.Layouts
+import Corvane
+
+Sheet {
+    id: sheet
+
+    required property ArchiveScreen archive
+    readonly property bool wanted: archive.isShown && archive.stage === ArchiveScreen.Result
+    readonly property var result: archive.result
+
+    objectName: "resultSheet"
+    title: result.title
+    subtitle: result.subtitle
+    symbol: result.symbol
+    symbolColor: result.isSafe ? Theme.safe : Theme.attention
+    wantedWidth: 720
+    note: result.note
+    primary: done
+    onWantedChanged: visible = wanted
+    Component.onCompleted: visible = wanted
+    // Only what the user closes: at a change of the stage the sheet is no longer wanted.
+    onAboutToHide: if (wanted) archive.close()
+
+    RowLayout {
+        Layout.fillWidth: true
+        spacing: 0
+
+        Repeater {
+            model: sheet.result.tiles
+            delegate: StatTile {
+                required property int index
+                required property var modelData
+                objectName: "tile" + index
+                Layout.fillWidth: true
+                Layout.preferredWidth: 1
+                first: index === 0
+                caption: modelData.caption
+                figure: modelData.figure
+                line: modelData.line
+                kind: modelData.meaning
+            }
+        }
+    }
+    RowLayout {
+        Layout.fillWidth: true
+        Layout.topMargin: 18
+        visible: sheet.result.failureTitle.length > 0
+        spacing: 12
+
+        AppText {
+            Layout.fillWidth: true
+            text: sheet.result.failureTitle
+            role: AppText.Heading
+            Accessible.role: Accessible.Heading
+        }
+        AppButton {
+            objectName: "copyFailuresButton"
+            implicitHeight: Theme.controlHeightPane
+            symbol: "copy"
+            symbolSize: 14
+            text: "拷贝清单"
+            onClicked: sheet.archive.copyFailures()
+        }
+    }
+    FailureGroups {
+        Layout.fillWidth: true
+        Layout.topMargin: 8
+        visible: sheet.result.failureTitle.length > 0
+        groups: sheet.result.failureGroups
+    }
+    AppText {
+        Layout.fillWidth: true
+        Layout.topMargin: 18
+        Layout.bottomMargin: 8
+        visible: text.length > 0
+        text: sheet.result.variantTitle
+        font.weight: Theme.medium
+    }
+    Rectangle {
+        Layout.fillWidth: true
+        visible: sheet.result.variantTitle.length > 0
+        implicitHeight: variants.implicitHeight + 14
+        radius: Theme.radiusLarge
+        color: Theme.surface
+        border.color: Theme.line
+
+        Column {
+            id: variants
+            x: 16
+            y: 7
+            width: parent.width - 32
+
+            Repeater {
+                model: sheet.result.variants
+                delegate: AppText {
+                    required property string modelData
+                    width: variants.width
+                    height: 26
+                    text: modelData
+                }
+            }
+        }
+    }
+    barItems: [
+        AppButton {
+            objectName: "retryButton"
+            visible: sheet.result.retryTitle.length > 0
+            implicitHeight: Theme.controlHeightPrimary
+            horizontalPadding: 20
+            text: sheet.result.retryTitle
+            onClicked: sheet.archive.retryFailed()
+        },
+        PrimaryButton {
+            id: done
+            objectName: "doneButton"
+            text: "完成"
+            onClicked: sheet.close()
+        }
+    ]
+}

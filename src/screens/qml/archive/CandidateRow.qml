@@ -1,0 +1,74 @@
+// One message that may be archived.
+import QtQuick
+import Corvane
+
+ListRow {
+    id: row
+
+    required property int index
+    required property string subject
+    required property string sender
+    required property string dateText
+    required property string sizeText
+    required property bool ticked
+    required property ArchiveCandidatesModel model
+
+    signal tickPressed(int modifiers)
+    signal chosen
+
+    onClicked: chosen()
+    Accessible.role: Accessible.ListItem
+    Accessible.name: model.spokenCandidate(index)
+    Accessible.checkable: true
+    Accessible.checked: ticked
+    Accessible.onToggleAction: tickPressed(Qt.NoModifier)
+
+    TickBox {
+        id: box
+        objectName: "candidateBox" + row.index
+        x: 11
+        anchors.verticalCenter: parent.verticalCenter
+        focusPolicy: Qt.NoFocus
+        tick: row.ticked ? 1 : 0
+        name: row.subject
+
+        // The button's own signal has no modifiers.
+        MouseArea {
+            anchors.centerIn: parent
+            width: Theme.minimumTarget
+            height: Theme.minimumTarget
+            onClicked: event => row.tickPressed(event.modifiers)
+        }
+    }
+    AppText {
+        x: 39
+        anchors.verticalCenter: parent.verticalCenter
+        width: parent.width - x - 347
+        text: row.subject
+        Accessible.ignored: true
+    }
+    AppText {
+        anchors.right: parent.right
+        anchors.rightMargin: 231
+        anchors.verticalCenter: parent.verticalCenter
+        width: 104
+        text: row.sender
+        color: Theme.text2
+        Accessible.ignored: true
+    }
+    AppText {
+        anchors.right: parent.right
+        anchors.rightMargin: 95
+        anchors.verticalCenter: parent.verticalCenter
+        text: row.dateText
+        color: Theme.text2
+        Accessible.ignored: true
+    }
+    AppText {
+        anchors.right: parent.right
+        anchors.rightMargin: 15
+        anchors.verticalCenter: parent.verticalCenter
+        text: row.sizeText
+        Accessible.ignored: true
+    }
+}

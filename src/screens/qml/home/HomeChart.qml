@@ -1,0 +1,62 @@
+// How far each year is archived: columns, or one bar of all years where the window is low.
+import QtQuick
+import QtQuick.Layouts
+import Corvane
+
+FocusScope {
+    id: section
+
+    required property HomeScreen home
+    property bool narrow: false
+    property bool low: false
+
+    implicitHeight: low ? 22 : 26 + columns.implicitHeight
+
+    RowLayout {
+        id: head
+        width: parent.width
+        height: 22
+        spacing: 12
+
+        AppText {
+            text: "各年邮件"
+            role: AppText.Heading
+            Accessible.role: Accessible.Heading
+        }
+        AppText {
+            Layout.fillWidth: true
+            visible: !section.low
+            opacity: section.narrow ? 0 : 1
+            text: section.home.isNarrowed ? "再点一次或按 Esc 恢复全部" : "点按年份可只看这一年；蓝色年份已有勾选"
+            role: AppText.Note
+            color: Theme.text3
+        }
+        ShareBar {
+            objectName: "yearShare"
+            Layout.fillWidth: true
+            Layout.leftMargin: 8
+            Layout.rightMargin: 4
+            visible: section.low
+            thickness: 10
+            parts: section.home.sums
+        }
+        ChartLegend {
+            entries: section.home.sums
+        }
+    }
+    YearChart {
+        id: columns
+        objectName: "yearChart"
+        anchors.top: head.bottom
+        anchors.topMargin: 4
+        width: parent.width
+        visible: !section.low
+        implicitHeight: 140
+        years: section.home.years
+        chosenYear: section.home.scopeYear
+        onYearChosen: year => section.home.setScopeYear(year)
+        onYearCleared: section.home.clearScope()
+        Keys.onTabPressed: KeyboardFocus.leave(columns, true)
+        Keys.onBacktabPressed: KeyboardFocus.leave(columns, false)
+    }
+}

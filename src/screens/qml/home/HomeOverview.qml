@@ -1,0 +1,85 @@
+// Banner, chart, accounts and tree. In a low window the chart becomes one bar, in a small one the accounts go: they are
+// the tree's first level.
+import QtQuick
+import QtQuick.Layouts
+import Corvane
+
+FocusScope {
+    id: overview
+
+    required property HomeScreen home
+    property bool narrow: false
+    property bool low: false
+    property int margin: Theme.margin
+    readonly property bool hasFailure: home.failureText.length > 0
+
+    objectName: "overview"
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.leftMargin: overview.margin
+        anchors.rightMargin: overview.margin
+        spacing: 0
+
+        Banner {
+            objectName: "safetyBanner"
+            Layout.fillWidth: true
+            Layout.topMargin: overview.low ? 2 : 4
+            compact: overview.low
+            kind: overview.hasFailure ? (overview.home.isFailureAdvice ? "info" : "danger") : overview.home.banner.kind
+            symbol: overview.hasFailure ? (overview.home.isFailureAdvice ? "info" : "octagon-x")
+                : overview.home.banner.symbol
+            headline: overview.hasFailure ? "没有更新成功，下面是上次的结果" : overview.home.banner.headline
+            lines: overview.hasFailure ? [overview.home.failureText] : overview.home.banner.lines
+        }
+        HomeChart {
+            Layout.fillWidth: true
+            Layout.topMargin: overview.low ? 16 : 16
+            home: overview.home
+            narrow: overview.narrow
+            low: overview.low
+        }
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.topMargin: overview.low ? 16 : 12
+            spacing: 20
+
+            AccountList {
+                Layout.preferredWidth: 228
+                Layout.fillHeight: true
+                visible: !overview.narrow && !overview.low
+                home: overview.home
+            }
+            ColumnLayout {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                spacing: 0
+
+                AppText {
+                    Layout.fillWidth: true
+                    Layout.bottomMargin: 10
+                    visible: !overview.low && overview.home.state === HomeScreen.List
+                    text: "默认按年份汇总。勾选多个年份可一起归档；展开某一年后，也可以只勾选其中几个文件夹。"
+                    color: Theme.text2
+                }
+                OrganizeTree {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    visible: overview.home.state === HomeScreen.List
+                    focus: true
+                    home: overview.home
+                }
+                EmptyState {
+                    objectName: "nothingToDo"
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    visible: overview.home.state === HomeScreen.NothingToDo
+                    symbol: "archive"
+                    title: "当前没有需要归档的邮件"
+                    line: "已备份的邮件可以在「已归档概览」里查看。"
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,119 @@
+// One account, year or folder of the tree.
+import QtQuick
+import Corvane
+
+ListRow {
+    id: row
+
+    required property int level
+    required property string title
+    required property string count
+    required property string size
+    required property real share
+    required property int tick
+    required property bool expanded
+    required property bool expandable
+    required property string tickHelp
+    required property string expandHelp
+    required property string accessibleText
+    property bool chosen: false
+    readonly property bool isAccount: level === OrganizeTreeModel.Account
+    readonly property bool isFolder: level === OrganizeTreeModel.Folder
+    readonly property int indent: isAccount ? 8 : isFolder ? 8 + 16 + Theme.treeFolderIndent : 8 + Theme.treeYearIndent
+    readonly property bool held: down || box.down
+
+    signal tickPressed
+    signal expandPressed
+    signal chosenByPointer
+
+    implicitHeight: isAccount ? Theme.treeAccountRow : isFolder ? Theme.treeFolderRow : Theme.treeYearRow
+    restColor: isAccount ? Theme.page : "transparent"
+    selected: chosen
+    onClicked: chosenByPointer()
+    onDoubleClicked: if (expandable) expandPressed()
+
+    Accessible.role: Accessible.TreeItem
+    Accessible.name: accessibleText
+    Accessible.checkable: true
+    Accessible.checked: tick === OrganizeTreeModel.Ticked
+    Accessible.onToggleAction: tickPressed()
+
+    Rectangle {
+        visible: row.isAccount
+        width: parent.width
+        height: Theme.hairline
+        color: Theme.line
+    }
+    Rectangle {
+        visible: row.isAccount
+        anchors.bottom: parent.bottom
+        width: parent.width
+        height: Theme.hairline
+        color: Theme.line
+    }
+    TickBox {
+        id: box
+        objectName: "tickBox"
+        x: row.indent
+        anchors.verticalCenter: parent.verticalCenter
+        focusPolicy: Qt.NoFocus
+        tick: row.tick
+        name: row.tickHelp
+        onClicked: row.tickPressed()
+
+        AppToolTip {
+            shown: box.hovered
+            text: row.tickHelp
+        }
+    }
+    DisclosureArrow {
+        objectName: "arrow"
+        x: row.indent + 24
+        anchors.verticalCenter: parent.verticalCenter
+        visible: row.expandable
+        open: row.expanded
+        onClicked: row.expandPressed()
+
+        HoverHandler {
+            id: arrowPointer
+        }
+        AppToolTip {
+            shown: arrowPointer.hovered
+            text: row.expandHelp
+        }
+    }
+    AppText {
+        x: row.indent + 50
+        anchors.verticalCenter: parent.verticalCenter
+        width: parent.width - x - 316
+        text: row.title
+        elide: row.isAccount ? Text.ElideMiddle : Text.ElideRight
+        font.weight: row.isAccount ? Theme.strong : Theme.regular
+        Accessible.ignored: true
+    }
+    AppText {
+        anchors.right: parent.right
+        anchors.rightMargin: 228
+        anchors.verticalCenter: parent.verticalCenter
+        text: row.count
+        font.weight: row.isAccount ? Theme.strong : Theme.regular
+        Accessible.ignored: true
+    }
+    AppText {
+        anchors.right: parent.right
+        anchors.rightMargin: 132
+        anchors.verticalCenter: parent.verticalCenter
+        text: row.size
+        font.weight: row.isAccount ? Theme.strong : Theme.regular
+        color: row.isAccount ? Theme.text1 : Theme.text2
+        Accessible.ignored: true
+    }
+    SizeBar {
+        anchors.right: parent.right
+        anchors.rightMargin: 12
+        anchors.verticalCenter: parent.verticalCenter
+        visible: !row.isAccount
+        width: 112
+        fraction: row.share
+    }
+}

@@ -1,0 +1,87 @@
+// Runs the tst_*.qml files of this folder: the whole window over a real model and made-up mail. Whatever the
+// engine warns of fails the test in which it happens.
+#include <filesystem>
+
+#include <QQmlContext>
+#include <QQmlEngine>
+#include <QtQuickTest>
+
+#include "screens/appearance.h"
+#include "screens/fonts.h"
+#include "screens/home/window_scene.h"
+
+namespace corvane::testing {
+
+// What a test asks of the scene; `begin` makes a new one.
+class Scenes : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(corvane::WindowModel* app READ app NOTIFY begun)
+
+  public:
+    [[nodiscard]] WindowModel* app() const { return scene_ ? &scene_->window() : nullptr; }
+
+    Q_INVOKABLE void begin(bool withDestination) {
+        auto next = std::make_unique<WindowScene>();
+        next->fill(withDestination ? WindowScene::Destination::chosen : WindowScene::Destination::none);
+        next->showLatest();
+        // The QML leaves the old model before it goes.
+        std::swap(scene_, next);
+        Q_EMIT begun();
+    }
+
+    Q_INVOKABLE void settle() { scene_->settle(); }
+
+    Q_INVOKABLE [[nodiscard]] int treeRow(const QString& title) { return scene_->treeRow(title); }
+
+    // The next run waits at its beginning until it is let go.
+    Q_INVOKABLE void holdRuns() {
+        scene_->platform().onAvailableCapacity([this] { scene_->waitForRelease(); });
+    }
+
+    Q_INVOKABLE void letGo() { scene_->release(); }
+
+    Q_INVOKABLE void losePlace() {
+        std::filesystem::remove_all(scene_->home().at("Documents"));
+        scene_->model().destinations().refreshFacts();
+        scene_->settle();
+    }
+
+  Q_SIGNALS:
+    void begun();
+
+  private:
+    std::unique_ptr<WindowScene> scene_;
+};
+
+class HomeSetup : public QObject {
+    Q_OBJECT
+
+  public Q_SLOTS:
+
+    void applicationAvailable() {
+        useWindowFonts();
+        appearance_.emplace(Appearance::Scheme::light);
+    }
+
+    void qmlEngineAvailable(QQmlEngine* engine) {
+        engine->addImportPath(QStringLiteral(":/qt/qml"));
+        connect(engine, &QQmlEngine::warnings, this, [](const QList<QQmlError>& warnings) {
+            for (const QQmlError& warning : warnings)
+                QTest::qFail(qPrintable(warning.toString()), __FILE__, __LINE__);
+        });
+        engine->rootContext()->setContextProperty(QStringLiteral("scenes"), &scenes_);
+    }
+
+    void cleanupTestCase() { appearance_.reset(); }
+
+  private:
+    std::optional<Appearance> appearance_;
+    Scenes scenes_;
+};
+
+} // namespace corvane::testing
+
+using corvane::testing::HomeSetup;
+QUICK_TEST_MAIN_WITH_SETUP(home, HomeSetup)
+
+#include "home_qml_test.moc"
