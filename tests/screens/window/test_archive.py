@@ -1,0 +1,90 @@
+"""The road of a first archive, as a person walks it: update, tick a year, choose a place, archive, see what is left."""
+
+import json
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+from window_driver import ROOT, Display, wait_until
+
+PICTURES = pathlib.Path(os.environ.get("CORVANE_PICTURES", str(ROOT / "build/pictures")))
+MESSAGES = 400
+
+# Where a person's hand goes on a window of 1240 by 840.
+UPDATE = (728, 376)
+CHOOSE_PLACE = (1163, 803)
+USE_THIS_PLACE = (781, 600)
+FIRST_YEAR = (521, 470)
+ARCHIVE_TICKED = (1168, 803)
+FIRST_CARD = (400, 190)
+
+
+def tree_of(folder):
+    return {path.relative_to(folder): (path.stat().st_size, path.stat().st_mtime_ns)
+            for path in sorted(folder.rglob("*")) if path.is_file()}
+
+
+class ArchiveWalk(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.display = cls.enterClassContext(Display(1240, 840))
+        folder = cls.enterClassContext(tempfile.TemporaryDirectory())
+        cls.home = pathlib.Path(folder) / "home"
+        subprocess.run([sys.executable, "-B", str(ROOT / "tools/make_sample_store.py"), "--quiet", "--messages",
+                        str(MESSAGES), str(cls.home)], check=True)
+        cls.cloud = cls.home / "Library/CloudStorage/Nutstore-lin@mail.example"
+        cls.cloud.mkdir(parents=True)
+        (cls.home / "Documents").mkdir()
+
+    def records(self):
+        index = self.cloud / "邮件归档/archive-index.json"
+        return json.loads(index.read_text())["records"] if index.exists() else None
+
+    def test_first_archive(self):
+        mail_before = tree_of(self.home / "Library/Mail")
+        with self.display.window(self.home) as window:
+            window.picture(PICTURES / "walk-1-first.png")
+            window.click(*UPDATE)
+            wait_until((self.home / ".local/share/Corvane/home-scan-snapshot.json").exists, "the end of the scan")
+            window.settled(1.5)
+            window.picture(PICTURES / "walk-2-list.png")
+
+            window.click(*CHOOSE_PLACE)
+            window.picture(PICTURES / "walk-3-place.png")
+            window.click(*USE_THIS_PLACE)  # Documents, the first folder of the home
+            window.settled(1.0)
+
+            window.click(*FIRST_YEAR)
+            window.settled()
+            window.click(*ARCHIVE_TICKED)
+            window.picture(PICTURES / "walk-4-confirm.png")
+            window.click(*FIRST_CARD)  # the cloud folder instead
+            window.picture(PICTURES / "walk-5-cloud.png")
+            window.press("Return")
+            records = wait_until(self.records, "the archive's index")
+            window.settled(1.5)
+            window.picture(PICTURES / "walk-6-result.png")
+            window.press("Return")
+            window.settled(1.5)
+            window.picture(PICTURES / "walk-7-left.png")
+            status, said = window.quit()
+            self.assertEqual(status, 0, said)
+            for trouble in ("QML", "qrc:", "TypeError"):
+                self.assertNotIn(trouble, said)
+        self.assertEqual(len({record["accountIdentifier"] for record in records}), 1, "one year of one account")
+        for record in records:
+            self.assertTrue((self.cloud / "邮件归档" / record["emlRelativePath"]).is_file())
+        self.assertEqual(list((self.home / "Documents").iterdir()), [], "the place that was given up")
+        self.assertEqual(tree_of(self.home / "Library/Mail"), mail_before)
+
+        # The next start shows what is left, without a scan.
+        with self.display.window(self.home) as window:
+            window.settled(1.5)
+            window.picture(PICTURES / "walk-8-next-start.png")
+
+
+if __name__ == "__main__":
+    unittest.main()
