@@ -52,7 +52,8 @@ if(CORVANE_WINDOW)
     string(APPEND CPACK_DEBIAN_PACKAGE_DEPENDS ", libqt6svg6, qt6-qpa-plugins, qml6-module-qtqml"
         ", qml6-module-qtqml-models, qml6-module-qtqml-workerscript, qml6-module-qtquick"
         ", qml6-module-qtquick-window, qml6-module-qtquick-templates, qml6-module-qtquick-layouts"
-        ", qml6-module-qtquick-controls, qml6-module-qtquick-dialogs, qml6-module-qt-labs-folderlistmodel")
-    set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-noto-cjk, qt6-wayland, qt6-translations-l10n, xdg-utils")
+        ", qml6-module-qtquick-controls, qml6-module-qtquick-dialogs, qml6-module-qt-labs-folderlistmodel"
+        ", fonts-noto-cjk | fonts-wqy-microhei | fonts-wqy-zenhei")
+    set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-wayland, qt6-translations-l10n, xdg-utils")
 endif()
 include(CPack)
