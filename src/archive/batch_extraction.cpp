@@ -69,16 +69,19 @@ std::optional<std::size_t> BatchExtraction::takeBatch() {
     return first;
 }
 
+BodyTextByPath BatchExtraction::textsOf(const std::vector<FileURL>& files) const {
+    try {
+        return texts_(files, stop_);
+    } catch (const std::exception&) {
+        return {}; // the messages can be found by their other fields, and the next run tries again
+    }
+}
+
 BatchExtraction::Rows BatchExtraction::extract(std::size_t first) const {
     const std::size_t end = std::min(items_.size(), first + batchSize_);
     std::vector<FileURL> files;
     for (std::size_t i = first; i < end; ++i) files.push_back(items_[i]->fileURL);
-    BodyTextByPath texts;
-    try {
-        texts = texts_(files, stop_);
-    } catch (const std::exception&) { // the messages can be found by their other fields, and the next run
-                                      // tries again
-    }
+    const BodyTextByPath texts = textsOf(files);
     Rows rows;
     for (std::size_t i = first; i < end; ++i) {
         const auto text = texts.find(items_[i]->fileURL.path());

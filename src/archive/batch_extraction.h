@@ -39,6 +39,7 @@ class BatchExtraction {
 
     void work();
     [[nodiscard]] std::optional<std::size_t> takeBatch();
+    [[nodiscard]] BodyTextByPath textsOf(const std::vector<FileURL>& files) const;
     [[nodiscard]] Rows extract(std::size_t first) const;
 
     const std::vector<const BodyIndexItem*>& items_;
