@@ -132,10 +132,16 @@ class Bench:
                 return json.loads(output)["scanSeconds"], peak
             return measured
 
+        def stages(command):
+            _, output, _ = run([BIN / "measure_refresh", command, home])
+            self.results[-1]["stages"] = json.loads(output.splitlines()[-1])
+
         self.compare(f"scan of {self.messages} messages to the published list", ours("scan"), floor, "<= 1.35",
                      self.messages)
+        stages("scan")
         self.compare(f"refresh of {self.messages} messages, accounts included", ours("refresh"), floor, "<= 1.35",
                      self.messages)
+        stages("refresh")
 
     def archive(self):
         count = 5000
@@ -229,6 +235,8 @@ class Bench:
             per_message = row.get("peakBytesPerMessage", "")
             print(f"{row['measure']:58} {row['ours']:>9} {row['floor']:>9} {row['ratio']:>7} {row['goal']:>8} "
                   f"{row['peakBytes'] // 1000000:>8} {per_message:>10}")
+            if "stages" in row:
+                print("    reached at: " + ", ".join(f"{name} {value}" for name, value in row["stages"].items()))
         print(json.dumps(self.results, ensure_ascii=False))
 
 

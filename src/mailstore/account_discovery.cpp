@@ -13,6 +13,7 @@
 #include "mailstore/store_location.h"
 #include "mailstore/text_parts.h"
 #include "platform/directory.h"
+#include "platform/parallel.h"
 #include "records/console_log.h"
 #include "text/case.h"
 #include "text/encoding.h"
@@ -90,6 +91,16 @@ std::string sampleScheme(const MailStoreContext& context, const std::string& uui
     return end == std::string::npos ? "" : text::lowercased(url->substr(0, end));
 }
 
+EmailsByUUID schemesOf(const MailStoreContext& context, const std::vector<std::string>& uuids,
+                       const std::string& index) {
+    std::vector<std::string> schemes(uuids.size());
+    platform::parallelFor(0, uuids.size(),
+                          [&](std::size_t i) { schemes[i] = sampleScheme(context, uuids[i], index); });
+    EmailsByUUID byUUID;
+    for (std::size_t i = 0; i < uuids.size(); ++i) byUUID.emplace(uuids[i], schemes[i]);
+    return byUUID;
+}
+
 // `condition` is about the mailbox urls.
 std::string topRecipientQuery(const std::string& uuid, std::string_view condition) {
     return fmt::format(R"(SELECT ra.address, count(*) as cnt
@@ -112,6 +123,26 @@ WHERE mb.url LIKE '%{}%'
   AND LOWER(mb.url) LIKE '%sent%'
 GROUP BY a.address ORDER BY cnt DESC LIMIT 1;)",
                        uuid);
+}
+
+std::optional<std::string> inferredEmail(const MailStoreContext& context, const std::string& uuid,
+                                         const std::string& index) {
+    auto email = runRawQuery(context, topSenderOfSentQuery(uuid), index);
+    if (!email)
+        email = runRawQuery(context, topRecipientQuery(uuid, "\n  AND LOWER(mb.url) LIKE '%inbox%'"), index);
+    return email;
+}
+
+using TopRecipients = std::map<std::string, std::optional<std::string>>;
+
+TopRecipients topRecipientsOfLocalStores(const MailStoreContext& context, const EmailsByUUID& schemes,
+                                         const std::string& index) {
+    TopRecipients recipients;
+    for (const auto& [uuid, scheme] : schemes) {
+        if (scheme == "local")
+            recipients.emplace(uuid, runRawQuery(context, topRecipientQuery(uuid, ""), index));
+    }
+    return recipients;
 }
 
 EmailsByUUID emailsOf(const MailStoreContext& context, const std::vector<std::string>& uuids,
@@ -187,14 +218,25 @@ std::map<std::string, std::int64_t> queryMessageCountPerUUID(const MailStoreCont
                                                              const std::vector<std::string>& uuids,
                                                              const std::string& envelopeIndexPath) {
     std::map<std::string, std::int64_t> counts;
-    for (const std::string& uuid : uuids) {
-        const auto value =
-            runRawQuery(context,
-                        fmt::format("SELECT count(*) FROM messages m JOIN mailboxes mb ON mb.ROWID = "
-                                    "m.mailbox WHERE mb.url LIKE '%{}%';",
-                                    uuid),
-                        envelopeIndexPath);
-        if (const auto count = value ? text::parseInteger(*value) : std::nullopt) counts[uuid] = *count;
+    if (uuids.empty()) return counts;
+    // One pass over the messages for all accounts.
+    const auto answer = runRawQuery(
+        context,
+        fmt::format("WITH counts AS (SELECT mailbox, count(*) AS n FROM messages GROUP BY mailbox),\n"
+                    "  uuids(uuid) AS (VALUES ('{}'))\n"
+                    "SELECT COALESCE(group_concat(uuid || '=' || total), 'none') FROM (\n"
+                    "  SELECT uuid, SUM(n) AS total FROM uuids\n"
+                    "  JOIN mailboxes mb ON mb.url LIKE '%' || uuid || '%'\n"
+                    "  JOIN counts ON counts.mailbox = mb.ROWID GROUP BY uuid);",
+                    fmt::join(uuids, "'), ('")),
+        envelopeIndexPath);
+    if (!answer) return counts;
+    for (const std::string& uuid : uuids) counts[uuid] = 0;
+    for (const std::string_view told : splitNonEmpty(*answer, ',')) {
+        const std::size_t end = told.find('=');
+        const auto count =
+            end == std::string_view::npos ? std::nullopt : text::parseInteger(told.substr(end + 1));
+        if (count) counts[std::string(told.substr(0, end))] = *count;
     }
     return counts;
 }
@@ -203,12 +245,12 @@ std::map<std::string, std::string> queryEmailsFromSentMessages(const MailStoreCo
                                                                const std::vector<std::string>& uuids,
                                                                const std::string& envelopeIndexPath) {
     EmailsByUUID emails;
-    for (const std::string& uuid : uuids) {
-        auto email = runRawQuery(context, topSenderOfSentQuery(uuid), envelopeIndexPath);
-        if (!email)
-            email = runRawQuery(context, topRecipientQuery(uuid, "\n  AND LOWER(mb.url) LIKE '%inbox%'"),
-                                envelopeIndexPath);
-        if (email && !email->empty()) emails.emplace(uuid, *email);
+    std::vector<std::optional<std::string>> found(uuids.size());
+    platform::parallelFor(0, uuids.size(), [&](std::size_t i) {
+        found[i] = inferredEmail(context, uuids[i], envelopeIndexPath);
+    });
+    for (std::size_t i = 0; i < uuids.size(); ++i) {
+        if (found[i] && !found[i]->empty()) emails.emplace(uuids[i], *found[i]);
     }
     logAccounts(fmt::format("发件/收件推断邮箱: {}", emails));
     return emails;
@@ -225,9 +267,11 @@ std::string displayDomain(std::string_view address) {
 std::vector<MailAccount> queryAccounts(const MailStoreContext& context, const std::string& rootPath) {
     const std::string index = envelopeIndexPath(rootPath);
     const auto uuids = uuidsWithMail(context, knownUUIDs(context, rootPath), index);
-    EmailsByUUID schemes;
-    for (const std::string& uuid : uuids) schemes.emplace(uuid, sampleScheme(context, uuid, index));
-    const EmailsByUUID emails = emailsOf(context, uuids, index);
+    const EmailsByUUID schemes = schemesOf(context, uuids, index);
+    EmailsByUUID emails;
+    TopRecipients topRecipients;
+    platform::parallelCalls([&] { emails = emailsOf(context, uuids, index); },
+                            [&] { topRecipients = topRecipientsOfLocalStores(context, schemes, index); });
     // Local archives belong to real accounts only, not to each other.
     std::set<std::string> realAddresses;
     for (const auto& [uuid, email] : emails) {
@@ -239,7 +283,7 @@ std::vector<MailAccount> queryAccounts(const MailStoreContext& context, const st
             accounts.push_back(serverAccount(uuid, scheme, emails));
             continue;
         }
-        const auto topRecipient = runRawQuery(context, topRecipientQuery(uuid, ""), index);
+        const auto& topRecipient = topRecipients.at(uuid);
         logAccounts(
             fmt::format("本地 store {}… 最高频收件人: {}", uuid.substr(0, 8), topRecipient.value_or("")));
         accounts.push_back(localStore(uuid, scheme, topRecipient, realAddresses));

@@ -5,6 +5,7 @@
 #include "platform/directory.h"
 #include "platform/paths.h"
 #include "text/collation.h"
+#include "text/encoding.h"
 
 namespace corvane {
 
@@ -30,9 +31,16 @@ AttachmentRoot::AttachmentRoot(std::string path)
     auto entries = platform::listDirectory(path_, platform::HiddenEntries::skip);
     if (!entries) return;
     for (auto& entry : *entries) {
-        if (entry.kind == platform::EntryKind::directory)
-            folders_.push_back({.name = std::move(entry.name), .files = {}});
+        if (entry.kind != platform::EntryKind::directory) continue;
+        if (const auto rowID = text::parseInteger(entry.name)) rowIDs_.push_back(*rowID);
+        folders_.push_back({.name = std::move(entry.name), .files = {}});
     }
+    std::ranges::sort(rowIDs_);
+}
+
+std::span<const std::int64_t> AttachmentRoot::rowsBetween(std::int64_t first, std::int64_t end) const {
+    const auto from = std::ranges::lower_bound(rowIDs_, first);
+    return {from, std::ranges::lower_bound(from, rowIDs_.end(), end)};
 }
 
 void AttachmentRoot::readAhead(const std::stop_token& stop) {

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <stop_token>
 #include <string>
 #include <string_view>
@@ -32,6 +33,9 @@ class AttachmentRoot {
     // The files of a message, sorted by name in the human order. Any thread.
     [[nodiscard]] std::vector<StoredAttachment> files(std::string_view baseName) const;
 
+    // The rows from `first` up to but not including `end` that have a folder here, ascending.
+    [[nodiscard]] std::span<const std::int64_t> rowsBetween(std::int64_t first, std::int64_t end) const;
+
     // Folders of messages.
     [[nodiscard]] std::size_t folderCount() const { return folders_.size(); }
 
@@ -50,6 +54,7 @@ class AttachmentRoot {
 
     std::string path_;
     std::vector<MessageFolder> folders_; // ascending
+    std::vector<std::int64_t> rowIDs_;   // of those that are named by one, ascending
     mutable std::atomic<bool> isUsed_ = false;
 };
 

@@ -44,7 +44,7 @@ class Prefetch {
 };
 
 struct MadeRecords {
-    std::vector<std::optional<MailMessageRecord>> records;
+    ScannedRecords records;
     std::int64_t candidates = 0;
     bool isDamaged = false;
 };
@@ -60,6 +60,7 @@ class RecordLane {
 
     MadeRecords make(const JsonRowPiece& piece) {
         MadeRecords made;
+        made.records.reserve(usualCount_);
         const bool isWhole = parser_.parse(piece, [&](JsonRow& row) {
             const auto candidate = candidateOf(row);
             if (!candidate) return;
@@ -67,6 +68,7 @@ class RecordLane {
             addRecord(*candidate, made.records);
         });
         made.isDamaged = !isWhole;
+        usualCount_ = made.records.size() + made.records.size() / 32;
         return made;
     }
 
@@ -83,17 +85,14 @@ class RecordLane {
     }
 
     // Messages that only the server has are left out.
-    void addRecord(const IndexedMessageCandidate& candidate,
-                   std::vector<std::optional<MailMessageRecord>>& records) {
+    void addRecord(const IndexedMessageCandidate& candidate, ScannedRecords& records) {
         const Mailbox& in = mailbox(candidate.mailboxURL);
         MessageFileIndex::Bucket* bucket = files_.bucketOfExisting(in.files, candidate.rowID);
         if (bucket == nullptr) return;
         records.emplace_back();
         try {
             const FileURL file(SharedText(bucket->folder->filePath(candidate.rowID)));
-            const AttachmentRoots& roots = files_.attachmentRoots(*bucket);
-            const auto stored = roots.empty() ? std::vector<StoredAttachment>()
-                                              : attachmentFiles(roots, std::to_string(candidate.rowID));
+            const auto stored = files_.storedAttachments(*bucket, candidate.rowID);
             records.back() = parseIndexedMessage(file, candidate, stored, in.labels, texts_, timing_);
         } catch (const std::exception&) {
             records.back().reset(); // one message that can't be parsed doesn't stop a scan
@@ -105,6 +104,7 @@ class RecordLane {
     ScanTimingMetrics& timing_;
     JsonRowParser parser_;
     TextInterner texts_;
+    std::size_t usualCount_ = 0;                                              // of records in a piece
     std::unordered_map<std::string, Mailbox, TextHash, TextEqual> mailboxes_; // by url
 };
 
@@ -125,7 +125,7 @@ class RecordReader {
         return piece.has_value();
     }
 
-    RecordPieces finish(const std::string& path, const std::stop_token& stop) {
+    std::vector<ScannedRecords> finish(const std::string& path, const std::stop_token& stop) {
         startFile(path);
         prefetch_.finish();
         platform::orderedPipeline(
@@ -186,24 +186,24 @@ class RecordReader {
     std::vector<std::unique_ptr<RecordLane>> idleLanes_;
     std::string path_;
     std::optional<JsonRowFile> file_;
-    RecordPieces pieces_;
+    std::vector<ScannedRecords> pieces_;
     std::int64_t candidates_ = 0;
     std::atomic<bool> isDamaged_ = false;
 };
 
 } // namespace
 
-std::optional<RecordPieces> readIndexedRecords(const MailDataScanner& scanner, ScanTimingMetrics& timing,
-                                               const std::stop_token& stop) {
+std::optional<IndexedRecords> readIndexedRecords(const MailDataScanner& scanner, ScanTimingMetrics& timing,
+                                                 const std::stop_token& stop) {
     const SecondsCounter elapsed(timing.envelopeIndexSeconds);
     RecordReader reader(scanner, timing);
     const CandidateFilter filter{.maximumYear = scanner.maximumYear,
                                  .accountURLPrefixes = scanner.accountURLPrefixes};
     try {
-        const auto output =
-            runCandidateQuery(scanner.context, scanner.rootPath, filter, stop,
-                              [&](const std::string& path) { return reader.readAhead(path); });
-        return reader.finish(output.path(), stop);
+        auto output = runCandidateQuery(scanner.context, scanner.rootPath, filter, stop,
+                                        [&](const std::string& path) { return reader.readAhead(path); });
+        auto pieces = reader.finish(output.path(), stop);
+        return IndexedRecords{.pieces = std::move(pieces), .output = std::move(output)};
     } catch (const MailIndexQueryError& error) {
         if (error.kind() == MailIndexQueryError::Kind::unavailable) return std::nullopt;
         throw;

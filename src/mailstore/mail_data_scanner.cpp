@@ -5,6 +5,7 @@
 #include "mailstore/batch_stream.h"
 #include "mailstore/indexed_records.h"
 #include "mailstore/walk_scan.h"
+#include "platform/parallel.h"
 #include "records/console_log.h"
 
 namespace corvane {
@@ -16,11 +17,8 @@ using mailstore::BatchStream;
 constexpr std::size_t recordsBetweenStopTests = 160;
 
 // False when a stop was requested.
-bool handOver(mailstore::RecordPieces pieces, BatchStream& batches, ScanTimingMetrics& timing,
-              const std::stop_token& stop) {
-    const SecondsCounter elapsed(timing.enumerationSeconds);
-    for (const auto& piece : pieces) batches.expect(piece.size());
-    batches.flush();
+bool addAll(std::vector<mailstore::ScannedRecords>& pieces, BatchStream& batches, ScanTimingMetrics& timing,
+            const std::stop_token& stop) {
     std::size_t visited = 0;
     for (auto& piece : pieces) {
         for (auto& record : piece) {
@@ -33,16 +31,27 @@ bool handOver(mailstore::RecordPieces pieces, BatchStream& batches, ScanTimingMe
     return true;
 }
 
+bool handOver(mailstore::IndexedRecords found, BatchStream& batches, ScanTimingMetrics& timing,
+              const std::stop_token& stop) {
+    const SecondsCounter elapsed(timing.enumerationSeconds);
+    platform::CallAhead removal([&] { const platform::TemporaryFile unneeded = std::move(found.output); });
+    for (const auto& piece : found.pieces) batches.expect(piece.size());
+    batches.flush();
+    const bool isWhole = addAll(found.pieces, batches, timing, stop);
+    removal.wait();
+    return isWhole;
+}
+
 } // namespace
 
 void MailDataScanner::scanBatches(const BatchHandler& handle, const std::stop_token& stop) const {
     ScanTimingMetrics timing;
     BatchStream batches(handle, timing);
     try {
-        auto pieces = mailstore::readIndexedRecords(*this, timing, stop);
-        if (!pieces)
+        auto found = mailstore::readIndexedRecords(*this, timing, stop);
+        if (!found)
             mailstore::WalkScan(*this, timing).run(batches, stop);
-        else if (!handOver(std::move(*pieces), batches, timing, stop))
+        else if (!handOver(std::move(*found), batches, timing, stop))
             return;
     } catch (const ScanStopped&) {
         return;

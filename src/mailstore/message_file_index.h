@@ -2,12 +2,14 @@
 // Keeps the folders of each mailbox at hand: one for each thread.
 #pragma once
 
+#include <bitset>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "mailstore/store_listing.h"
 #include "text/shared_text.h"
@@ -16,14 +18,32 @@ namespace corvane {
 
 class MessageFileIndex {
   public:
+    static constexpr std::int64_t rowsOfBucket = 1000;
+
+    // The rows of one "Messages" folder. A scan asks for them in the order of time, which is none here: what
+    // it asks of each lies together.
     struct Bucket {
         const StoreListing::MessageFolder* folder = nullptr;
         const mailstore::AttachmentRoots* attachmentRoots = nullptr; // null until asked for
+        std::bitset<rowsOfBucket> hasFile;        // of positive rows in a folder that could be listed
+        std::bitset<rowsOfBucket> hasAttachments; // of positive rows, valid with the roots
+    };
+
+    // Buckets by the row's thousands.
+    class BucketTable {
+      public:
+        Bucket& operator[](std::int64_t thousands);
+
+      private:
+        static constexpr std::int64_t denseThousands = 4096;
+
+        std::vector<std::unique_ptr<Bucket>> dense_;
+        std::unordered_map<std::int64_t, Bucket> sparse_;
     };
 
     struct Mailbox {
         std::optional<std::string> dataRoot;
-        std::unordered_map<std::int64_t, Bucket> buckets; // by the row's thousands
+        BucketTable buckets;
     };
 
     // Over a listing of its own, or a shared one.
@@ -36,8 +56,8 @@ class MessageFileIndex {
     // The folder that the row's file lies in; null when there is no such file.
     Bucket* bucketOfExisting(Mailbox& mailbox, std::int64_t rowID);
 
-    // Where attachments of the messages in a folder may lie.
-    const mailstore::AttachmentRoots& attachmentRoots(Bucket& bucket);
+    // The files of a message's attachments.
+    std::vector<StoredAttachment> storedAttachments(Bucket& bucket, std::int64_t rowID);
 
     // Where a row's file lies; nothing when its mailbox has no folder.
     [[nodiscard]] std::optional<std::string> filePath(std::string_view mailboxURL, std::int64_t rowID);
@@ -47,7 +67,7 @@ class MessageFileIndex {
                                                               std::int64_t rowID);
 
   private:
-    static Bucket& bucket(Mailbox& mailbox, std::int64_t rowID);
+    Bucket& bucket(Mailbox& mailbox, std::int64_t rowID);
 
     std::shared_ptr<StoreListing> listing_;
     std::unordered_map<std::string, Mailbox, TextHash, TextEqual> mailboxes_; // by url

@@ -5,6 +5,7 @@
 #include "mailstore/account_discovery.h"
 #include "model/mail_access.h"
 #include "model/settings_keys.h"
+#include "platform/parallel.h"
 
 namespace corvane {
 
@@ -20,8 +21,11 @@ std::string withoutScheme(std::string_view urlPrefix) {
 }
 
 std::vector<MailAccount> readAccounts(const MailStore& store) {
-    std::vector<MailAccount> accounts = mailstore::queryAccounts(store.context, store.rootPath);
-    const auto folders = mailstore::queryFoldersByAccount(store.context, store.rootPath);
+    std::vector<MailAccount> accounts;
+    std::map<std::string, std::vector<FolderInfo>> folders;
+    platform::parallelCalls(
+        [&] { accounts = mailstore::queryAccounts(store.context, store.rootPath); },
+        [&] { folders = mailstore::queryFoldersByAccount(store.context, store.rootPath); });
     for (MailAccount& account : accounts) {
         const auto found = folders.find(withoutScheme(account.urlPrefix));
         if (found != folders.end()) account.folders = found->second;

@@ -46,10 +46,13 @@ std::optional<std::int64_t> countCandidates(const CountJob& job, const TaskHandl
     const YearByID ownYears = job.yearByID ? YearByID() : computeMessageYears(*job.messages);
     const YearByID& years = job.yearByID ? *job.yearByID : ownYears;
     std::int64_t count = 0;
+    const bool areAllLocal =
+        job.locallyAvailableIDs && areAllAvailable(*job.messages, *job.locallyAvailableIDs);
     for (const MailMessageRecord& message : *job.messages) {
         if (task.isCancelled()) return std::nullopt;
-        const bool isAvailable = job.locallyAvailableIDs ? job.locallyAvailableIDs->contains(message.id)
-                                                         : files.isLocallyAvailable(message);
+        const bool isAvailable =
+            areAllLocal || (job.locallyAvailableIDs ? job.locallyAvailableIDs->contains(message.id)
+                                                    : files.isLocallyAvailable(message));
         if (isAvailable && job.rules.passes(message, years) &&
             (job.archivedBaseIDs->empty() || !job.archivedBaseIDs->contains(stableID(message)))) {
             ++count;

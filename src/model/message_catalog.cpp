@@ -34,6 +34,17 @@ auto idIn(const MessageList& messages) {
     return [&messages](PositionTable::Position position) { return messages[position].id.view(); };
 }
 
+PositionTable positionsByID(const MessageList& messages) {
+    PositionTable positions;
+    positions.reserve(messages.size());
+    PositionTable::Position position = 0;
+    for (const MailMessageRecord& message : messages) {
+        if (!positions.insert(message.id, position++, idIn(messages)).second)
+            throw std::logic_error("a message id stands twice in one list");
+    }
+    return positions;
+}
+
 bool isWithinLimits(const CountedMessage& counted, const CandidateLimits& limits) {
     if (counted.message->messageSize < limits.minimumBytes) return false;
     return !limits.maximumYear || (counted.year && *counted.year <= *limits.maximumYear);
@@ -56,13 +67,15 @@ struct Selections {
 Selections selectCounted(const AvailabilityJob& job, const CountedMessages& all,
                          const SharedTextSet& available) {
     Selections selections;
+    selections.local.reserve(all.size());
+    selections.unbacked.reserve(all.size());
     const SharedTextSet& archived = *job.inputs.archivedBaseIDs;
+    const bool areAllLocal = areAllAvailable(*job.set->messages, available);
     for (const CountedMessage& counted : all) {
         if (!archived.empty() && archived.contains(stableID(*counted.message))) continue;
         selections.unbacked.push_back(counted);
-        if (available.contains(counted.message->id) && isWithinLimits(counted, job.inputs.limits)) {
-            selections.local.push_back(counted);
-        }
+        const bool isLocal = areAllLocal || available.contains(counted.message->id);
+        if (isLocal && isWithinLimits(counted, job.inputs.limits)) selections.local.push_back(counted);
     }
     return selections;
 }
@@ -70,14 +83,18 @@ Selections selectCounted(const AvailabilityJob& job, const CountedMessages& all,
 // The list waits for this, so what doesn't depend on each other runs at a time.
 std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job, const TaskHandle& task) {
     const auto& accounts = job.inputs.accounts;
+    const MessageSet& set = *job.set;
     AvailabilityResult result;
-    CountedMessages all;
+    // The growing list of a scan has none yet.
+    const auto countedSet =
+        set.counted ? set.counted
+                    : std::make_shared<const CountedMessages>(countedMessages(allOf(*set.messages)));
+    const CountedMessages& all = *countedSet;
     platform::parallelCalls(
         [&] {
             result.locallyAvailableIDs = job.knownAvailable ? job.knownAvailable : findAvailable(job, task);
         },
         [&] {
-            all = countedMessages(allOf(*job.set->messages));
             result.yearByID = std::make_shared<const YearByID>(yearsByID(all));
             result.mailAccountYearStats = computeAccountYearStats(all, accounts);
         });
@@ -105,13 +122,10 @@ std::shared_ptr<const MessageSet> MessageSet::make(SharedMessageList messages, b
     auto set = std::make_shared<MessageSet>();
     set->messages = std::move(messages);
     set->isComplete = isComplete;
-    set->positionByID.reserve(set->messages->size());
-    PositionTable::Position position = 0;
-    for (const MailMessageRecord& message : *set->messages) {
-        if (!set->positionByID.insert(message.id, position++, idIn(*set->messages)).second) {
-            throw std::logic_error("a message id stands twice in one list");
-        }
-    }
+    const MessageList& list = *set->messages;
+    platform::parallelCalls(
+        [&] { set->positionByID = positionsByID(list); },
+        [&] { set->counted = std::make_shared<const CountedMessages>(countedMessages(allOf(list))); });
     return set;
 }
 

@@ -30,6 +30,7 @@ namespace corvane {
 struct MessageSet {
     SharedMessageList messages = std::make_shared<const MessageList>();
     PositionTable positionByID;
+    std::shared_ptr<const CountedMessages> counted; // in the order of the list
     // False for a list that isn't the whole picture: of a year-limited or cancelled scan. It is never cached.
     bool isComplete = true;
 

@@ -11,6 +11,7 @@
 #include "records/mail_account.h"
 #include "records/mail_message_record.h"
 #include "records/statistics_records.h"
+#include "text/shared_text.h"
 
 namespace corvane {
 
@@ -30,6 +31,12 @@ struct CountedMessage {
 using CountedMessages = std::vector<CountedMessage>;
 
 CountedMessages countedMessages(const MessageRefs& messages);
+
+// Whether all messages of a list are available. The available ids are always some of those of the list, and
+// no id stands there twice.
+inline bool areAllAvailable(const MessageList& messages, const SharedTextSet& availableIDs) {
+    return messages.size() == availableIDs.size();
+}
 
 // Id to calendar year in the time zone of the process; an undated message has no entry. The keys refer to the
 // ids of the list, which must outlive the map.

@@ -1,5 +1,6 @@
 #include "model/scan_cache_writer.h"
 
+#include "model/message_statistics.h"
 #include "records/scan_cache_store.h"
 
 namespace corvane {
@@ -10,8 +11,9 @@ namespace {
 std::vector<SharedText> orderedIDs(const ScanCacheState& state) {
     std::vector<SharedText> ids;
     ids.reserve(state.locallyAvailableIDs->size());
+    const bool areAllLocal = areAllAvailable(*state.messages, *state.locallyAvailableIDs);
     for (const MailMessageRecord& message : *state.messages) {
-        if (state.locallyAvailableIDs->contains(message.id)) ids.push_back(message.id);
+        if (areAllLocal || state.locallyAvailableIDs->contains(message.id)) ids.push_back(message.id);
     }
     return ids;
 }

@@ -9,6 +9,7 @@
 #include "model/mail_access.h"
 #include "model/scan_deduplication.h"
 #include "platform/directory.h"
+#include "platform/parallel.h"
 #include "records/console_log.h"
 #include "records/timestamps.h"
 
@@ -94,11 +95,10 @@ class ScanFlow::ScanProgress {
     }
 
     // One record a message stands in the store already, so nothing is left to merge at the end.
-    [[nodiscard]] SharedMessageSet finalSet() {
+    [[nodiscard]] SharedMessageList finalList() {
         MessageList messages = std::move(records_).take();
         sortForDisplay(messages);
-        return MessageSet::make(std::make_shared<const MessageList>(std::move(messages)),
-                                !job_.scanner.maximumYear);
+        return std::make_shared<const MessageList>(std::move(messages));
     }
 
     [[nodiscard]] const MailDataScanner::Batch& last() const { return last_; }
@@ -212,12 +212,15 @@ void ScanFlow::runScan(const TaskHandle& task, const ScanJob& job) {
 }
 
 void ScanFlow::finishScan(const TaskHandle& task, const ScanJob& job, ScanProgress& progress) {
-    const SharedMessageSet set = progress.finalSet();
+    const SharedMessageList messages = progress.finalList();
+    SharedMessageSet set;
+    MailScanSummary summary;
+    platform::parallelCalls([&] { set = MessageSet::make(messages, !job.scanner.maximumYear); },
+                            [&] { summary = progress.summary(*messages); });
     const bool visitedSomething = progress.last().visitedCount >= 1;
     EmptyScanMessage empty;
     if (!visitedSomething) empty = emptyScanFailureMessage(job.store, job.scanner.maximumYear);
-    task.onMain([this, set, visitedSomething, empty, summary = progress.summary(*set->messages),
-                 timing = progress.last().timingLog] {
+    task.onMain([this, set, visitedSomething, empty, summary, timing = progress.last().timingLog] {
         beforeScan_.reset();
         scanTimingLog_ = timing;
         Q_EMIT timingChanged();

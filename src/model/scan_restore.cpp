@@ -50,15 +50,17 @@ void sumLocal(AvailabilityResult& result) {
     }
 }
 
-AvailabilityResult knownAvailability(const MessageList& messages, std::vector<SharedText> ids,
+AvailabilityResult knownAvailability(const MessageList& messages, const std::vector<SharedText>& ids,
                                      const std::vector<MailAccount>& accounts, std::size_t& counted) {
     AvailabilityResult result;
+    const SharedTextSet told(ids.begin(), ids.end()); // by a file: it may name what isn't in the list
     auto available = std::make_shared<SharedTextSet>();
-    available->reserve(ids.size());
-    for (SharedText& id : ids) available->insert(std::move(id));
+    available->reserve(told.size());
     MessageRefs local;
     for (const MailMessageRecord& message : messages) {
-        if (!message.attachments.empty() && available->contains(message.id)) local.push_back(&message);
+        if (!told.contains(message.id)) continue;
+        available->insert(message.id);
+        if (!message.attachments.empty()) local.push_back(&message);
     }
     counted = local.size();
     result.localYearStats = computeYearStats(local);
@@ -84,8 +86,8 @@ ScanFlow::RestoredScan ScanFlow::makeRestored(MailScanCache cache, const std::ve
         throw JsonError(error.what());
     }
     if (cache.locallyAvailableMessageIDs) {
-        restored.known = knownAvailability(*restored.set->messages,
-                                           std::move(*cache.locallyAvailableMessageIDs), accounts, counted);
+        restored.known =
+            knownAvailability(*restored.set->messages, *cache.locallyAvailableMessageIDs, accounts, counted);
         restored.localYearStats = restored.known->localYearStats;
         restored.localAccountYearStats = restored.known->accountYearStats;
     } else {

@@ -38,8 +38,8 @@ bool matchesMigration(const MailMessageRecord& message, MigratedFilter filter,
            archived.contains(message.id) == (filter == MigratedFilter::onlyMigrated);
 }
 
+// Of an available message.
 bool passes(const MailMessageRecord& message, const ListInput& input, const ListRules& rules) {
-    if (!input.locallyAvailableIDs->contains(message.id)) return false;
     if (!rules.accountPrefixes.empty() &&
         !rules.accountPrefixes.contains(std::string(accountFilterKey(message)))) {
         return false;
@@ -93,9 +93,11 @@ SharedMessageList makeVisibleMessages(const ListInput& input, const ListRules& r
                                       const std::stop_token& stop) {
     std::vector<Ranked> kept;
     kept.reserve(input.messages->size());
+    const bool areAllLocal = areAllAvailable(*input.messages, *input.locallyAvailableIDs);
     for (const MailMessageRecord& message : *input.messages) {
         if (stop.stop_requested()) return nullptr;
-        if (passes(message, input, rules)) kept.push_back(Ranked::of(message, rules));
+        const bool isLocal = areAllLocal || input.locallyAvailableIDs->contains(message.id);
+        if (isLocal && passes(message, input, rules)) kept.push_back(Ranked::of(message, rules));
     }
     const bool isInOrder = std::is_sorted(kept.begin(), kept.end(), goesBefore);
     if (isInOrder && kept.size() == input.messages->size()) return input.messages;

@@ -1,7 +1,9 @@
 #include "model/message_catalog.h"
 
+#include "model/corvane_view_model.h"
 #include "model/model_test.h"
 #include "model/sample_messages.h"
+#include "records/scan_cache_store.h"
 
 namespace corvane {
 namespace {
@@ -30,6 +32,19 @@ TEST_F(Catalog, FilesThatAScanHasSeenAreLookedForAgainOnlyWhenTheListComesBackLa
     EXPECT_EQ(availableAfter(set, MessageCatalog::Files::unknown), 1U);
     EXPECT_EQ(catalog_.messageByID(set->messages->back().id)->subject, "gone");
     EXPECT_EQ(catalog_.messageByID("elsewhere"), nullptr);
+}
+
+// Sizes tell whether everything is available, so a cache must not count what isn't in its list.
+TEST_F(Catalog, ACacheThatNamesForeignIdsMakesNothingAvailable) {
+    const auto messages = sampleMessages(home_, {{"a"}, {"b"}});
+    const std::vector<SharedText> ids = {messages[0].id, "/elsewhere/1.emlx", "/elsewhere/1.emlx"};
+    MailScanCacheStore(context_.support).save(messages, {}, &ids, nullptr, nullptr);
+    CorvaneViewModel model(context_);
+    model.scanFlow().loadCachedScanIfNeeded(false);
+    waitUntilIdle(context_.tasks);
+    EXPECT_EQ(model.catalog().messages()->size(), 2U);
+    ASSERT_EQ(model.visible().visibleMessages()->size(), 1U);
+    EXPECT_EQ(model.visible().visibleMessages()->front().subject, "a");
 }
 
 } // namespace
