@@ -1,7 +1,7 @@
 // What a search of the full-text database can't do without, as plain SQLite calls: floor_search_index
-// trigram DATABASE ROUNDS TEXT (rows that the index names, then LIKE on them) | scan DATABASE ROUNDS TEXT (LIKE on every
-// row) | body DATABASE ROUNDS | insert DATABASE ROUNDS (copies rows into a database of its own). Prints the processor
-// seconds of one round.
+// trigram DATABASE ROUNDS TEXT (rows that the index names, then LIKE on them) | scan DATABASE ROUNDS TEXT
+// (LIKE on every row) | body DATABASE ROUNDS | insert DATABASE ROUNDS (copies rows into a database of its
+// own). Prints the processor seconds of one round.
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -74,10 +74,11 @@ double insertSeconds(sqlite3* source, const std::string& target, long rounds) {
     sqlite3_finalize(read);
     sqlite3* database = nullptr;
     if (sqlite3_open(target.c_str(), &database) != SQLITE_OK) std::exit(1);
-    sqlite3_exec(database,
-                 "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; CREATE VIRTUAL TABLE email_fts USING fts5("
-                 "record_id UNINDEXED, subject, sender, recipients, attachments, body, tokenize='trigram');",
-                 nullptr, nullptr, nullptr);
+    sqlite3_exec(
+        database,
+        "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; CREATE VIRTUAL TABLE email_fts USING fts5("
+        "record_id UNINDEXED, subject, sender, recipients, attachments, body, tokenize='trigram');",
+        nullptr, nullptr, nullptr);
     const double start = processorSeconds();
     sqlite3_stmt* insert = prepare(database, "INSERT INTO email_fts VALUES(?,?,?,?,?,?)");
     for (std::size_t number = 0; number < rows.size(); ++number) {

@@ -1,5 +1,5 @@
-// The search index of an archive of generated mail: measure_search_index make COUNT HOME | search HOME ROUNDS TEXT |
-// body HOME ROUNDS | path HOME. `search` and `body` print the processor seconds of one round.
+// The search index of an archive of generated mail: measure_search_index make COUNT HOME | search HOME ROUNDS
+// TEXT | body HOME ROUNDS | path HOME. `search` and `body` print the processor seconds of one round.
 #include <cstdio>
 #include <ctime>
 #include <memory>

@@ -124,7 +124,8 @@ void ArchiveCandidatesModel::toggleAllTicks() {
 QString ArchiveCandidatesModel::spokenCandidate(int row) const {
     const MailMessageRecord* const message = this->message(row);
     if (message == nullptr) return {};
-    return spokenName(*message) + (isTicked(*message) ? QStringLiteral("，已勾选") : QStringLiteral("，未勾选"));
+    return spokenName(*message) +
+           (isTicked(*message) ? QStringLiteral("，已勾选") : QStringLiteral("，未勾选"));
 }
 
 } // namespace corvane
