@@ -12,10 +12,12 @@ from __future__ import annotations
 import contextlib
 import os
 import pathlib
+import shutil
 import struct
 import subprocess
 import tempfile
 import time
+import unittest
 import zlib
 
 ROOT = pathlib.Path(__file__).resolve().parents[3]
@@ -46,6 +48,9 @@ class Display:
         self.width, self.height = width, height
 
     def __enter__(self):
+        for tool in ("Xvfb", "xdotool"):
+            if shutil.which(tool) is None:
+                raise unittest.SkipTest(f"{tool} is not installed: the window can't be driven")
         self._folder = tempfile.TemporaryDirectory()
         read_end, write_end = os.pipe()
         self._server = subprocess.Popen(
