@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include <sqlite3.h>
@@ -37,9 +38,9 @@ std::size_t search(sqlite3* database, const char* sql, const std::string& text) 
     const std::string phrase = "\"" + text + "\"";
     sqlite3_bind_text(statement, 1, pattern.c_str(), -1, SQLITE_STATIC);
     if (sql == trigram) sqlite3_bind_text(statement, 2, phrase.c_str(), -1, SQLITE_STATIC);
-    std::vector<std::string> ids;
+    std::unordered_set<std::string> ids; // what a search gives: an id may have several rows
     while (sqlite3_step(statement) == SQLITE_ROW)
-        ids.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(statement, 0)));
+        ids.emplace(reinterpret_cast<const char*>(sqlite3_column_text(statement, 0)));
     sqlite3_finalize(statement);
     return ids.size();
 }

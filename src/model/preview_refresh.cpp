@@ -19,21 +19,33 @@ PreviewRefresh::WorkerPreview previewOfWorker(const platform::Platform& platform
     };
 }
 
+std::string textOfWorker(const FileURL& file, const PreviewRefresh::WorkerPreview& worker,
+                         const std::stop_token& stop) {
+    try {
+        return worker(file, stop);
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+// Made by our own walk through the message.
+std::string textOfFile(const FileURL& file) {
+    try {
+        const std::string data = mailstore::readMessagePrefix(file.path().str(), mailstore::previewByteLimit);
+        return mailstore::previewText(mailstore::decodeEmlx(data));
+    } catch (const mailstore::MessageFileError&) {
+        return {};
+    }
+}
+
 // Empty when neither the worker nor our own walk gives a sound text.
 std::string soundPreview(const FileURL& file, const PreviewRefresh::WorkerPreview& worker,
                          const std::stop_token& stop) {
-    try {
-        std::string text = worker(file, stop);
-        if (!mailstore::previewLooksCorrupt(text)) return text;
-    } catch (const std::exception&) { // our own walk may do better
-    }
-    try {
-        const std::string data = mailstore::readMessagePrefix(file.path().str(), mailstore::previewByteLimit);
-        std::string text = mailstore::previewText(mailstore::decodeEmlx(data));
-        if (!mailstore::previewLooksCorrupt(text) && text != emptyBodyPreviewPlaceholder) return text;
-    } catch (const mailstore::MessageFileError&) { // another copy may be readable
-    }
-    return {};
+    std::string text = textOfWorker(file, worker, stop);
+    if (!text.empty() && !mailstore::previewLooksCorrupt(text)) return text;
+    text = textOfFile(file);
+    const bool isSound = text != emptyBodyPreviewPlaceholder && !mailstore::previewLooksCorrupt(text);
+    return isSound ? text : std::string();
 }
 
 } // namespace

@@ -36,7 +36,9 @@ MailSearchIndex::MailSearchIndex(platform::SqliteConnection database)
 }
 
 std::unique_ptr<MailSearchIndex> MailSearchIndex::make(platform::SqliteConnection database) {
-    return database ? std::unique_ptr<MailSearchIndex>(new MailSearchIndex(std::move(database))) : nullptr;
+    std::unique_ptr<MailSearchIndex> index;
+    if (database) index.reset(new MailSearchIndex(std::move(database)));
+    return index;
 }
 
 std::unique_ptr<MailSearchIndex> MailSearchIndex::open(const CorvaneAppSupport& support,

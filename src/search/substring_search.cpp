@@ -19,9 +19,13 @@ constexpr std::size_t charactersOfWholePhrase = 32;
 constexpr std::size_t pieceCount = 4;
 constexpr std::size_t charactersOfPiece = 8;
 
-// Looking up a row costs about as much as reading two in order, and naming it something too.
-constexpr std::int64_t rowsOfTableForOneLookup = 8;
+// Looking up a row costs about as much as reading two in order. Naming the rows costs something, too, and is
+// for nothing where they turn out to be too many.
+constexpr std::int64_t rowsOfTableForOneLookup = 16;
 constexpr std::int64_t fewestLookups = 64;
+
+// Hashing tens of thousands of ids again and again takes as long as finding them does.
+constexpr std::size_t usualIDsOfScan = 32768;
 
 constexpr const char* scanStatement = R"(SELECT record_id FROM email_fts WHERE
   subject LIKE ?1 ESCAPE '\' OR sender LIKE ?1 ESCAPE '\' OR
@@ -97,6 +101,7 @@ std::optional<SharedTextSet> idsByScan(sqlite3* database, std::string_view text)
     if (!scan) return std::nullopt;
     scan.bindText(1, likePattern(text));
     SharedTextSet ids;
+    ids.reserve(usualIDsOfScan);
     while (scan.step()) takeID(scan, ids);
     if (!endedWell(scan)) return std::nullopt;
     return ids;
