@@ -31,7 +31,6 @@ void ArchiveProgress::start(std::int64_t total) {
     pace_.start(now());
     tick_.start();
     Q_EMIT changed();
-    Q_EMIT spokenTenthChanged();
 }
 
 void ArchiveProgress::setCancelling() {
@@ -46,11 +45,9 @@ void ArchiveProgress::stop() {
 void ArchiveProgress::take() {
     const auto& report = archive_.emailArchiveProgress();
     if (!report || !tick_.isActive()) return;
-    const int tenth = spokenTenth();
     progress_ = *report;
     pace_.report(progress_.completed, now());
     Q_EMIT changed();
-    if (tenth != spokenTenth()) Q_EMIT spokenTenthChanged();
 }
 
 QString ArchiveProgress::completedText() const {

@@ -24,7 +24,6 @@ class ArchiveProgress : public QObject {
     Q_PROPERTY(QString timeLeftText READ timeLeftText NOTIFY changed)
     Q_PROPERTY(QString elapsedText READ elapsedText NOTIFY changed)
     Q_PROPERTY(bool isCancelling READ isCancelling NOTIFY changed)
-    Q_PROPERTY(int spokenTenth READ spokenTenth NOTIFY spokenTenthChanged)
 
   public:
     explicit ArchiveProgress(ArchiveControl& archive, QObject* parent = nullptr);
@@ -49,12 +48,8 @@ class ArchiveProgress : public QObject {
 
     [[nodiscard]] bool isCancelling() const { return isCancelling_; }
 
-    // Rises with every tenth part, which is when a screen reader speaks.
-    [[nodiscard]] int spokenTenth() const { return static_cast<int>(fraction() * 10); }
-
   Q_SIGNALS:
     void changed();
-    void spokenTenthChanged();
 
   private:
     void take();

@@ -63,7 +63,7 @@ QString archiveEmptyDescription(const QString& scopeTitle, const DeletionSafety&
 }
 
 QString archiveSpaceText(std::int64_t selectedBytes, std::optional<std::int64_t> availableBytes) {
-    const QString needed =
+    QString needed =
         QStringLiteral("约需 %1").arg(shownSize(estimatedArchiveBytes(static_cast<double>(selectedBytes))));
     if (!availableBytes) return needed;
     const QString text = QStringLiteral("%1，可用 %2").arg(needed, shownSize(*availableBytes));

@@ -37,7 +37,7 @@ QString destinationName(const DestinationView& destination) {
 }
 
 QString destinationPlace(const DestinationView& destination) {
-    const QString name = destinationName(destination);
+    QString name = destinationName(destination);
     if (!destination.path) return name;
     const QString folder = wholeText(platform::lastPathComponent(*destination.path));
     const QString place = destination.facts.cloudName ? wholeText(*destination.facts.cloudName) : name;

@@ -107,6 +107,7 @@ QuickDestination QuickDestinations::rowOfFolder(const std::string& path) const {
 
 std::vector<QuickDestination> QuickDestinations::makeRows() const {
     std::vector<QuickDestination> rows;
+    rows.reserve(detectedProviders_.size() + detectedVolumes_.size());
     for (const CloudStorageProvider& place : detectedProviders_) rows.push_back(rowOf(place));
     for (const CloudStorageProvider& place : detectedVolumes_) rows.push_back(rowOf(place));
     const auto add = [&](const std::string& path) {

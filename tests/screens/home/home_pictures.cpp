@@ -92,6 +92,15 @@ const std::vector<State>& states() {
              scene.platform().onAvailableCapacity([&scene] { scene.waitForRelease(); });
              scene.window().archive()->start();
          }},
+        {"e-archive-error",
+         [](WindowScene& scene) {
+             scene.fill();
+             openConfirmation(scene);
+             std::filesystem::remove_all(scene.home().at("Documents"));
+             scene.home().write("Documents", "");
+             scene.window().archive()->start();
+             scene.settle();
+         }},
         {"g-archive-result",
          [](WindowScene& scene) {
              scene.fill();

@@ -40,6 +40,12 @@ class Scenes : public QObject {
 
     Q_INVOKABLE void letGo() { scene_->release(); }
 
+    // The folder of the archive goes, and something else has its name.
+    Q_INVOKABLE void replacePlace() {
+        std::filesystem::remove_all(scene_->home().at("Documents"));
+        scene_->home().write("Documents", "");
+    }
+
     Q_INVOKABLE void losePlace() {
         std::filesystem::remove_all(scene_->home().at("Documents"));
         scene_->model().destinations().refreshFacts();

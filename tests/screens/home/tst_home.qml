@@ -175,6 +175,17 @@ Item {
             verify(!start.enabled);
             compare(inSheet("remarkBanner").headline, "归档位置当前不可用");
         }
+        function test_APlaceLostDuringTheRunBringsTheConfirmationBack() {
+            openSheet();
+            scenes.holdRuns();
+            mouseClick(inSheet("startArchiveButton"));
+            scenes.replacePlace();
+            scenes.letGo();
+            tryVerify(() => archive.stage === ArchiveScreen.Confirm);
+            tryVerify(() => inSheet("remarkBanner").headline === "归档没有完成");
+            tryCompare(inSheet("startArchiveButton"), "text", "位置不可用");
+            compare(archive.candidates.tickState, 1);
+        }
         function test_ARunIsCancelledOnce_AndNotByEscape() {
             openSheet();
             scenes.holdRuns();
