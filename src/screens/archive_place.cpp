@@ -39,7 +39,7 @@ QString ArchivePlace::line() const {
     if (missing()) return QStringLiteral("未连接");
     const QString folder = screens::wholeText(platform::lastPathComponent(*view.path));
     if (view.facts.cloudName) return folder + QStringLiteral(" · 已连接");
-    const QString kind = view.isOnRemovableDisk() ? QStringLiteral("U 盘 / 外置盘") : QStringLiteral("本机");
+    QString kind = view.isOnRemovableDisk() ? QStringLiteral("U 盘 / 外置盘") : QStringLiteral("本机");
     if (!view.facts.availableBytes) return kind;
     return kind + QStringLiteral(" · 可用 ") +
            QString::fromStdString(formatByteCount(*view.facts.availableBytes));
