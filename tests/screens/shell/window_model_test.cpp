@@ -59,7 +59,7 @@ TEST_F(WindowModels, StoppingForTheCloseKeepsWhatWasWrittenAndItsIndex) {
     });
     QObject::connect(&model_.archive(), &ArchiveControl::progressChanged, [&] {
         // Before it names a message a run may be stopped with nothing written.
-        const auto& progress = model_.archive().progress();
+        const auto& progress = model_.archive().emailArchiveProgress();
         if (window_.archiving() && progress && progress->currentSubject) window_.stopArchiving();
     });
     model_.archive().archiveSelectedEmails(root, [](auto) {});
