@@ -1,5 +1,7 @@
 #include "model/scan_cache_writer.h"
 
+#include <tuple>
+
 #include "model/message_statistics.h"
 #include "records/scan_cache_store.h"
 
@@ -21,10 +23,11 @@ std::vector<SharedText> orderedIDs(const ScanCacheState& state) {
 } // namespace
 
 ScanCacheWriter::ScanCacheWriter(ModelContext& context)
-  : LatestStateWriter(context.tasks, [store =
-                                          MailScanCacheStore(context.support)](const ScanCacheState& state) {
-      const std::vector<SharedText> ids = orderedIDs(state);
-      store.save(*state.messages, state.summary, &ids, &state.localYearStats, &state.localAccountYearStats);
-  }) {}
+  : LatestStateWriter(context.tasks,
+                      [store = MailScanCacheStore(context.support)](const ScanCacheState& state) {
+                          const std::vector<SharedText> ids = orderedIDs(state);
+                          std::ignore = store.save(*state.messages, state.summary, &ids,
+                                                   &state.localYearStats, &state.localAccountYearStats);
+                      }) {}
 
 } // namespace corvane

@@ -100,7 +100,7 @@ int readUpTo(int descriptor, std::string& content, std::size_t expected, std::si
         });
         if (got < 0) return errno;
         if (got == 0) return 0;
-        if (content.size() == room) room = std::min(limit, room + std::max<std::size_t>(room / 2, 64 * 1024));
+        if (content.size() == room) room = std::min(limit, room + std::max<std::size_t>(room / 2, 65'536));
     }
     return 0;
 }

@@ -223,7 +223,7 @@ void SettingsStore::save() {
     if (createDirectories(files_, std::string(parentPath(target)))) return;
     if (document_->isDamaged && files_.rename(target, target + ".damaged") != 0) return;
     document_->isDamaged = false;
-    writeFileAtomically(files_, target, serialized(*document_->json));
+    std::ignore = writeFileAtomically(files_, target, serialized(*document_->json));
     document_->stamp = stampOf(files_, path_);
 }
 

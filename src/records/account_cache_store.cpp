@@ -1,5 +1,7 @@
 #include "records/account_cache_store.h"
 
+#include <tuple>
+
 #include "records/cache_file.h"
 #include "records/record_forms.h"
 
@@ -27,7 +29,8 @@ std::optional<std::vector<MailAccount>> MailAccountCacheStore::load(const std::s
 
 void MailAccountCacheStore::save(const std::string& mailRootPath,
                                  const std::vector<MailAccount>& accounts) const {
-    support_.writeFile(fileName, encodeJson(MailAccountCache{currentTimestamp(), mailRootPath, accounts}));
+    std::ignore = support_.writeFile(
+        fileName, encodeJson(MailAccountCache{currentTimestamp(), mailRootPath, accounts}));
 }
 
 } // namespace corvane

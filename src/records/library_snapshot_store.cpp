@@ -1,5 +1,7 @@
 #include "records/library_snapshot_store.h"
 
+#include <tuple>
+
 #include "records/json_pieces.h"
 #include "records/record_forms.h"
 
@@ -46,7 +48,8 @@ void ArchiveLibrarySnapshotStore::save(const std::vector<ArchivedEntry>& entries
                                        const std::vector<ArchiveLocation>& locations,
                                        const std::vector<SharedText>& archivedBaseIDs) const {
     const SnapshotContent content{currentTimestamp(), &entries, &locations, &archivedBaseIDs};
-    support_.writeFile(fileName, [&](const platform::ByteSink& sink) { encodeJsonInPieces(content, sink); });
+    std::ignore = support_.writeFile(
+        fileName, [&](const platform::ByteSink& sink) { encodeJsonInPieces(content, sink); });
 }
 
 } // namespace corvane

@@ -1,5 +1,7 @@
 #include "records/presence_cache_store.h"
 
+#include <tuple>
+
 #include "records/cache_file.h"
 #include "records/record_forms.h"
 
@@ -28,8 +30,8 @@ ArchivedOriginalPresenceCacheStore::load(const std::string& signature) const {
 
 void ArchivedOriginalPresenceCacheStore::save(const std::string& signature,
                                               const PresenceByEntryID& statuses) const {
-    support_.writeFile(fileName,
-                       encodeJson(ArchivedOriginalPresenceCache{currentTimestamp(), signature, statuses}));
+    std::ignore = support_.writeFile(
+        fileName, encodeJson(ArchivedOriginalPresenceCache{currentTimestamp(), signature, statuses}));
 }
 
 } // namespace corvane

@@ -1,5 +1,7 @@
 #include "records/scan_cache_store.h"
 
+#include <tuple>
+
 #include "records/cache_file.h"
 #include "records/scan_cache_forms.h"
 
@@ -48,7 +50,7 @@ void MailScanCacheStore::saveHomeSnapshot(
         snapshot.localMessageCount += stat.messageCount;
         snapshot.localMessageBytes += stat.messageBytes;
     }
-    support_.writeFile(snapshotFileName, encodeJson(snapshot));
+    std::ignore = support_.writeFile(snapshotFileName, encodeJson(snapshot));
 }
 
 std::optional<MailScanCache> MailScanCacheStore::load() const {
