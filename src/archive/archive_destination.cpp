@@ -3,9 +3,11 @@
 #include <cerrno>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/file.h>
 
 #include "archive/archive_error.h"
 #include "archive/durable_write.h"
@@ -51,6 +53,12 @@ ArchiveDestination::ArchiveDestination(platform::FileLayer& files, std::string r
   , indexPath_(platform::joinPath(root_, archiveIndexFileName))
   , limit_(limit) {}
 
+// In a job of its own: on a dead network disk giving up the lock can hang as well.
+ArchiveDestination::~ArchiveDestination() {
+    if (!lock_) return;
+    runLimited(limit_, [lock = std::exchange(lock_, nullptr)](auto&, JobLimit&) { lock->reset(); });
+}
+
 // False when the job hung.
 bool ArchiveDestination::runLimited(std::chrono::nanoseconds limit,
                                     std::function<void(platform::FileLayer&, JobLimit&)> job) {
@@ -67,6 +75,27 @@ void ArchiveDestination::createRoot() {
     });
     const int number = hasEnded ? error->value() : ETIMEDOUT;
     if (number != 0) throw ArchiveAccessError("无法创建归档文件夹", root_, number);
+}
+
+// On the folder itself, so that no file is left in it. The system takes the lock back with the process.
+void ArchiveDestination::lock() {
+    struct Attempt {
+        std::shared_ptr<platform::FileDescriptor> folder = std::make_shared<platform::FileDescriptor>();
+        bool isTaken = false;
+    };
+
+    const auto attempt = std::make_shared<Attempt>();
+    const bool hasEnded = runLimited(limit_, [attempt, root = root_](platform::FileLayer& files, JobLimit&) {
+        attempt->folder->reset(files.open(root, O_RDONLY | O_DIRECTORY, 0));
+        if (!*attempt->folder) return;
+        attempt->isTaken = ::flock(attempt->folder->get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    });
+    if (!hasEnded) throw ArchiveAccessError("无法使用归档文件夹", root_, ETIMEDOUT);
+    if (attempt->isTaken) {
+        throw ArchiveAccessError("无法使用归档文件夹", root_,
+                                 "另一个 Corvane 正在向这里归档，请等它完成后再试");
+    }
+    lock_ = attempt->folder;
 }
 
 PlacedFile ArchiveDestination::writePOSIX(const MessageBytes& message, const std::string& relativePath) {

@@ -12,6 +12,7 @@
 #include "archive/file_placement.h"
 #include "archive/message_extraction.h"
 #include "archive/time_limited_worker.h"
+#include "platform/file_descriptor.h"
 #include "platform/file_layer.h"
 
 namespace corvane::archive {
@@ -20,11 +21,19 @@ class ArchiveDestination {
   public:
     // `files` has to outlive every job that hung.
     ArchiveDestination(platform::FileLayer& files, std::string root, std::chrono::nanoseconds limit);
+    ArchiveDestination(const ArchiveDestination&) = delete;
+    ArchiveDestination& operator=(const ArchiveDestination&) = delete;
+    ~ArchiveDestination();
 
     [[nodiscard]] const std::string& indexPath() const noexcept { return indexPath_; }
 
     // Makes the root with its missing parents. Throws ArchiveAccessError.
     void createRoot();
+
+    // Keeps every other run, of any process, out of this archive until the destination goes. Throws
+    // ArchiveAccessError while another one has it: two runs would replace each other's index. A place whose
+    // file system knows no locks is used without one.
+    void lock();
 
     // Writes one file durably and reads it back; the write with its flush has the limit, and so has each
     // other step. Throws ArchiveError: writeTimedOut when a step hangs. What hung may still finish the file
@@ -54,6 +63,7 @@ class ArchiveDestination {
     TimeLimitedWorker worker_;
     std::shared_ptr<ArchiveFolders> folders_; // of the worker's jobs, given up with one that hung
     std::set<std::string> touchedFolders_;
+    std::shared_ptr<platform::FileDescriptor> lock_;
 };
 
 } // namespace corvane::archive

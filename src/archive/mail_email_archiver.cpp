@@ -94,6 +94,7 @@ class ArchiveRun {
 
     EmailArchiveRunResult run(const std::stop_token& stop) {
         destination_.createRoot();
+        destination_.lock();
         loadIndex();
         report(0, std::nullopt,
                messages_.empty() ? "没有要归档的邮件"

@@ -3,7 +3,8 @@
 //
 // Between two consistent states of the index the folder may hold files that no record names, and never a
 // record without its file: the index is replaced once, at the end. A run that was killed loses nothing; the
-// next one with the same messages finds the files in place. One run at a time for each archive.
+// next one with the same messages finds the files in place. One run at a time for each archive: a second one,
+// also of another process, is refused.
 #pragma once
 
 #include <chrono>
@@ -34,7 +35,7 @@ class MailEmailArchiver {
     // Blocks; on a background thread only. `root` is made when it is missing. `progress` is called on this
     // thread, at most once a second in the loop. A stop is looked at between messages, and what was done
     // until then is saved. Failures of single messages are in the result; throws ArchiveAccessError when the
-    // root can't be made or the index can't be saved.
+    // root can't be made, another run has it, or the index can't be saved.
     EmailArchiveRunResult archive(const MessageList& messages, const std::string& root,
                                   const std::function<void(const EmailArchiveProgress&)>& progress,
                                   const std::stop_token& stop = {});

@@ -229,14 +229,16 @@ class HangingDestination : public InterruptedRun {
 };
 
 TEST_F(HangingDestination, CostsOneMessageWhereverItHangsAndDoesNoHarmWhenItComesBack) {
-    // The first of these operations in the write of a message: none of them comes before it.
+    // The first of these operations in the write of a message: before it there is only the open of the lock.
     for (const FileOperation operation :
          {FileOperation::makeDirectory, FileOperation::open, FileOperation::write, FileOperation::sync,
           FileOperation::bypassCache, FileOperation::read, FileOperation::close}) {
         SCOPED_TRACE(static_cast<int>(operation));
         startAgain();
         FaultyFileLayer files;
-        files.inject({.at = 1, .effect = Effect::hang, .operation = operation});
+        files.inject({.at = operation == FileOperation::open ? 2U : 1U,
+                      .effect = Effect::hang,
+                      .operation = operation});
         const auto result = hurriedRun(files);
         EXPECT_EQ(result.archivedCount, 3);
         ASSERT_EQ(result.failedCount, 1);
@@ -254,6 +256,7 @@ TEST_F(HangingDestination, CostsOneMessageWhereverItHangsAndDoesNoHarmWhenItCome
 
 TEST_F(HangingDestination, EndsTheRunWhenTheRootOrTheIndexHangs) {
     for (const auto& [operation, text] : {std::pair{FileOperation::stat, "无法创建归档文件夹“"},
+                                          std::pair{FileOperation::open, "无法使用归档文件夹“"},
                                           std::pair{FileOperation::rename, "无法保存归档索引“"}}) {
         startAgain();
         FaultyFileLayer files;

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <thread>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -435,6 +436,29 @@ TEST_F(ArchiveRun, ARootThatCannotBeMadeOrAnIndexThatCannotBeSavedEndsTheRun) {
     Tree expected = before;
     expected[firstPath] = mailText("b", "body of b\n");
     EXPECT_EQ(treeOf(root), expected);
+}
+
+TEST_F(ArchiveRun, ASecondRunIntoTheSameArchiveIsRefusedAndTheFirstKeepsItsIndex) {
+    FaultyFileLayer files;
+    files.inject({.at = 1, .effect = Effect::hang, .operation = FileOperation::write});
+    std::thread first([&] { MailEmailArchiver(files, options()).archive({store("a", "一")}, root, {}); });
+    files.waitUntilHanging();
+    const MessageList others{store("b", "二")};
+    std::string refusal;
+    try {
+        MailEmailArchiver().archive(others, root + "/.", {}); // the same folder by another name
+    } catch (const ArchiveAccessError& error) {
+        refusal = error.what();
+    }
+    const bool leftNothing = treeOf(root).size() <= 1;
+    MailEmailArchiver().archive(others, home.at("Elsewhere"), {});
+    files.release();
+    first.join();
+    EXPECT_TRUE(refusal.ends_with("：另一个 Corvane 正在向这里归档，请等它完成后再试")) << refusal;
+    EXPECT_TRUE(leftNothing);
+    EXPECT_EQ(index().records.size(), 1U);
+    EXPECT_EQ(countsOf(archive(others)), (Counts{1, 0, 0})) << "the lock goes with its run";
+    EXPECT_EQ(index().records.size(), 2U);
 }
 
 TEST_F(ArchiveRun, ReadsMailsStoreWithoutChangingIt) {
