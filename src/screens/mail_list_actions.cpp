@@ -130,10 +130,6 @@ void MailListScreen::handOver(const std::shared_ptr<const SharedTextSet>& ids) {
     }
 }
 
-void MailListScreen::refresh() {
-    if (!model_.scanFlow().state().isScanning()) model_.scanFlow().refreshAllMailData();
-}
-
 void MailListScreen::cancelScan() {
     model_.scanFlow().cancelScan();
 }

@@ -59,9 +59,12 @@ void MailListScreen::wire() {
     connect(&model_.catalog(), &MessageCatalog::archivedMessagesChanged, this,
             &MailListScreen::followArchived);
     connect(&model_.catalog(), &MessageCatalog::availabilityPublished, this, &MailListScreen::recount);
-    connect(&model_.catalog(), &MessageCatalog::previewReplaced, this, &MailListScreen::showDetail);
+    connect(&model_.catalog(), &MessageCatalog::previewReplaced, this, &MailListScreen::takePreview);
     model_.previews().setPreviewsShown(true);
-    connect(&model_.catalog(), &MessageCatalog::messagesChanged, this, &MailListScreen::updateState);
+    connect(&model_.catalog(), &MessageCatalog::messagesChanged, this, [this] {
+        list_.forgetPreviews();
+        updateState();
+    });
     connect(&model_.scanFlow(), &ScanFlow::stateChanged, this, &MailListScreen::updateState);
     connect(&model_.diskAccess(), &FullDiskAccess::needsFullDiskAccessChanged, this,
             &MailListScreen::updateState);
@@ -157,6 +160,12 @@ void MailListScreen::showDetail() {
         message == nullptr ? nullptr : model_.catalog().messageByID(message->id);
     if (newest == nullptr) newest = message;
     detail_.show(newest, newest != nullptr && list_.isArchived(*newest));
+}
+
+void MailListScreen::takePreview(const QString& id) {
+    if (const MailMessageRecord* message = model_.catalog().messageByID(id.toStdString()))
+        list_.setPreview(message->id, message->preview);
+    showDetail();
 }
 
 void MailListScreen::followArchived() {

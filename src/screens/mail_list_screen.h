@@ -82,7 +82,6 @@ class MailListScreen : public QObject {
     // Makes the current row that of this message, if it is listed.
     Q_INVOKABLE void showMessage(const QString& id);
 
-    Q_INVOKABLE void refresh();
     Q_INVOKABLE void cancelScan();
     Q_INVOKABLE void recheckAccess();
     Q_INVOKABLE void openAccessSettings();
@@ -125,6 +124,7 @@ class MailListScreen : public QObject {
     void followSelectedMessage();
     void takeCurrentRow();
     void showDetail();
+    void takePreview(const QString& id);
     void followArchived();
     void recount();
     void updateState();

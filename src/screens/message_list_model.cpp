@@ -58,7 +58,7 @@ QVariant MessageListModel::data(const QModelIndex& index, int role) const {
     case SubjectRole:
         return screens::shownLine(message.subject);
     case PreviewRole:
-        return screens::shownLine(thirdLine(message), previewLimit);
+        return previewLine(message);
     case DateTextRole:
         return screens::wholeText(message.formattedDate());
     case SizeTextRole:
@@ -80,6 +80,12 @@ QHash<int, QByteArray> MessageListModel::roleNames() const {
     return {{SenderRole, "sender"},     {SubjectRole, "subject"},   {PreviewRole, "preview"},
             {DateTextRole, "dateText"}, {SizeTextRole, "sizeText"}, {AttachmentCountRole, "attachmentCount"},
             {ArchivedRole, "archived"}, {SelectedRole, "selected"}, {SpokenNameRole, "spokenName"}};
+}
+
+QString MessageListModel::previewLine(const MailMessageRecord& message) const {
+    const auto newer = newPreviews_.find(message.id);
+    return screens::shownLine(newer == newPreviews_.end() ? thirdLine(message) : newer->second.view(),
+                              previewLimit);
 }
 
 const MailMessageRecord* MessageListModel::message(int row) const {
@@ -154,6 +160,11 @@ void MessageListModel::tellChanged(int first, int last, const QList<int>& roles)
 void MessageListModel::setArchivedIDs(std::shared_ptr<const SharedTextSet> ids) {
     archivedIDs_ = std::move(ids);
     tellChanged(0, count() - 1, {ArchivedRole, SpokenNameRole});
+}
+
+void MessageListModel::setPreview(const SharedText& id, const SharedText& preview) {
+    newPreviews_.insert_or_assign(id, preview);
+    tellChanged(0, count() - 1, {PreviewRole});
 }
 
 int MessageListModel::rowAfterChange(int earlierRow) const {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <memory>
+#include <unordered_map>
 
 #include <QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
@@ -64,6 +65,11 @@ class MessageListModel : public QAbstractListModel {
 
     void setArchivedIDs(std::shared_ptr<const SharedTextSet> ids);
 
+    // A text that was read again, for as long as the message is listed with the one in its record.
+    void setPreview(const SharedText& id, const SharedText& preview);
+
+    void forgetPreviews() { newPreviews_.clear(); }
+
     // The row in the present list of one in the list before the last change; what a view asks at `changed`.
     [[nodiscard]] Q_INVOKABLE int rowAfterChange(int earlierRow) const;
 
@@ -86,10 +92,12 @@ class MessageListModel : public QAbstractListModel {
 
     void removeRows(const std::vector<RowRun>& runs);
     void insertRows(SharedMessageList messages, const std::vector<RowRun>& runs);
+    [[nodiscard]] QString previewLine(const MailMessageRecord& message) const;
     void tellChanged(int first, int last, const QList<int>& roles);
 
     SharedMessageList messages_ = std::make_shared<const MessageList>();
     std::shared_ptr<const SharedTextSet> archivedIDs_ = std::make_shared<const SharedTextSet>();
+    std::unordered_map<SharedText, SharedText, TextHash, std::equal_to<>> newPreviews_; // by message id
     Passage passage_;
     std::vector<int> newRows_;
     ListSelection selection_;

@@ -296,6 +296,35 @@ TEST_F(MailListScreenTest, DetailNamesCopiesAttachmentsAndAPreviewThatIsNone) {
     EXPECT_EQ(role(1, AttachmentListModel::SizeTextRole), QStringLiteral("大小待估算"));
 }
 
+TEST_F(MailListScreenTest, APreviewThatWasReadAgainShowsInItsRowUntilTheNextScan) {
+    MessageListModel& list = *screen_.list();
+    const auto third = [&list](int row) {
+        return list.index(row).data(MessageListModel::PreviewRole).toString();
+    };
+    auto garbled = local("b", 2020);
+    garbled.preview = "\xEF\xBF\xBD\xEF\xBF\xBD";
+    publish({local("a"), garbled});
+    int told = 0;
+    QObject::connect(&list, &MessageListModel::dataChanged, &list,
+                     [&](const auto& first, const auto& last, const QList<int>& roles) {
+                         if (first.row() <= 1 && last.row() >= 1 &&
+                             roles.contains(MessageListModel::PreviewRole))
+                             ++told;
+                     });
+    model_.catalog().replacePreview(garbled.id, "读出来的正文");
+    EXPECT_EQ(third(1), QStringLiteral("读出来的正文"));
+    EXPECT_EQ(told, 1);
+    EXPECT_NE(third(0), third(1));
+
+    screen_.filters()->setAscending(true); // the same messages in another order
+    settle();
+    EXPECT_EQ(third(0), QStringLiteral("读出来的正文"));
+
+    garbled.preview = "新的扫描读到的";
+    publish({garbled});
+    EXPECT_EQ(third(0), QStringLiteral("新的扫描读到的"));
+}
+
 TEST(MailListFilters, YearsReadAsRanges) {
     EXPECT_EQ(yearRangesText({2020}), QStringLiteral("2020 年"));
     EXPECT_EQ(yearRangesText({2015, 2018, 2019, 2020, 2022}), QStringLiteral("2015、2018–2020、2022 年"));

@@ -212,6 +212,11 @@ Item {
             tryCompare(state, "title", "没有读到邮件");
             verify(state.line.length > 0);
             verify(!findChild(page, "messageDetail").visible);
+            const button = findChild(state, "emptyStateButton");
+            verify(button.enabled);
+            mouseClick(button);
+            compare(state.title, "正在扫描 Mail…");
+            verify(!button.enabled);
         }
 
         function test_TheSplitterIsRemembered() {

@@ -56,7 +56,5 @@ FocusScope {
         chosenYear: section.home.scopeYear
         onYearChosen: year => section.home.setScopeYear(year)
         onYearCleared: section.home.clearScope()
-        Keys.onTabPressed: KeyboardFocus.leave(columns, true)
-        Keys.onBacktabPressed: KeyboardFocus.leave(columns, false)
     }
 }

@@ -129,6 +129,8 @@ ScreenPage {
         visible: !page.showsPanes
         focus: visible
         screen: page.screen
+        canUpdate: page.app.home.canUpdate
+        onUpdateRequested: page.app.refreshAllMailData()
     }
 
     MessageMenu {

@@ -6,7 +6,11 @@ Item {
     id: place
 
     required property MailListScreen screen
+    // Nothing runs that an update would disturb.
+    property bool canUpdate: true
     readonly property int kind: screen.state
+
+    signal updateRequested
 
     EmptyState {
         objectName: "mailListState"
@@ -58,8 +62,9 @@ Item {
             if (place.kind === MailListScreen.NoAccess)
                 place.screen.openAccessSettings();
             else
-                place.screen.refresh();
+                place.updateRequested();
         }
+        button.enabled: place.kind === MailListScreen.NoAccess || place.canUpdate
         onSecondActivated: place.screen.recheckAccess()
     }
     AppButton {

@@ -84,8 +84,6 @@ ListView {
         id: scrollBar
     }
 
-    Keys.onTabPressed: KeyboardFocus.leave(view, true)
-    Keys.onBacktabPressed: KeyboardFocus.leave(view, false)
     Keys.onPressed: event => {
         const page = Math.max(1, Math.floor(height / Theme.rowFull) - 1);
         const current = selection.currentRow;
