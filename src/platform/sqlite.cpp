@@ -19,6 +19,10 @@ void SqliteStatement::bindInteger(int index, std::int64_t value) {
     sqlite3_bind_int64(handle_.get(), index, value);
 }
 
+void SqliteStatement::bindPointer(int index, void* pointer, const char* type) {
+    sqlite3_bind_pointer(handle_.get(), index, pointer, type, nullptr);
+}
+
 bool SqliteStatement::step() {
     if (handle_) status_ = sqlite3_step(handle_.get());
     return status_ == SQLITE_ROW;

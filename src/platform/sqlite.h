@@ -35,6 +35,9 @@ class SqliteStatement {
     void bindText(int index, std::string_view text);
     void bindInteger(int index, std::int64_t value);
 
+    // For functions that take a pointer of that type, a constant text. Neither is copied.
+    void bindPointer(int index, void* pointer, const char* type);
+
     // True while there is a row; anything else ends the rows, and `status` tells which.
     bool step();
 

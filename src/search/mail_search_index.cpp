@@ -29,7 +29,8 @@ MailSearchIndex::MailSearchIndex(platform::SqliteConnection database)
   , rowIDOfRecord_(database_.get(), "SELECT fts_rowid FROM record_map WHERE record_id = ?;",
                    SQLITE_PREPARE_PERSISTENT)
   , bodyOfRow_(database_.get(), "SELECT body FROM email_fts WHERE rowid = ?;", SQLITE_PREPARE_PERSISTENT)
-  , trigrams_(database_.get(), SQLITE_PREPARE_PERSISTENT) {
+  , trigrams_(database_.get(), SQLITE_PREPARE_PERSISTENT)
+  , pairs_(database_.get()) {
     provideRecordMap();
     if (metaInt(extractorVersionKey) != extractorVersion)
         setMeta(extractorVersionKey, std::to_string(extractorVersion));
@@ -125,12 +126,16 @@ SharedTextSet MailSearchIndex::search(std::string_view query) const {
     const std::string_view text = text::trimWhitespaceAndNewlines(query);
     if (text.empty()) return {};
     if (hasTrigrams_) {
-        if (auto ids = idsByTrigrams(text)) return std::move(*ids);
+        if (auto ids = idsByIndex(text)) return std::move(*ids);
     }
     return search::idsByScan(database_.get(), text).value_or(SharedTextSet());
 }
 
-std::optional<SharedTextSet> MailSearchIndex::idsByTrigrams(std::string_view text) const {
+std::optional<SharedTextSet> MailSearchIndex::idsByIndex(std::string_view text) const {
+    if (search::isPair(text)) {
+        const std::scoped_lock lock(searchingPairs_);
+        return pairs_.ids(text);
+    }
     const std::unique_lock lock(searching_, std::try_to_lock);
     return lock ? trigrams_.ids(text) : search::TrigramStatements(database_.get()).ids(text);
 }

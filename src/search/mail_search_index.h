@@ -20,6 +20,7 @@
 
 #include "platform/sqlite.h"
 #include "records/app_support.h"
+#include "search/pair_search.h"
 #include "search/substring_search.h"
 #include "text/shared_text.h"
 
@@ -63,7 +64,7 @@ class MailSearchIndex {
 
     // The ids of all records that hold the text in one of their columns, white space around it left out; none
     // for an empty text. ASCII letters match in either case, nothing has a special meaning. Reads every row
-    // for fewer than three characters, and where most rows match.
+    // for one character, where many rows match, and for the first two characters after rows were added.
     [[nodiscard]] SharedTextSet search(std::string_view query) const;
 
     // The body as it was stored; nothing when there is none or it counts as empty.
@@ -111,7 +112,7 @@ class MailSearchIndex {
     std::size_t insertRows(std::span<const SearchIndexRow> rows);
     bool insertRow(const SearchIndexRow& row, platform::SqliteStatement& insert,
                    platform::SqliteStatement& map);
-    [[nodiscard]] std::optional<SharedTextSet> idsByTrigrams(std::string_view text) const;
+    [[nodiscard]] std::optional<SharedTextSet> idsByIndex(std::string_view text) const;
     [[nodiscard]] std::optional<std::int64_t> rowIDLocked(std::string_view recordID) const;
     void noteStatus(int status) const;
 
@@ -125,6 +126,8 @@ class MailSearchIndex {
     mutable platform::SqliteStatement bodyOfRow_;
     mutable std::mutex searching_; // of whoever uses the kept statements; others prepare their own
     mutable search::TrigramStatements trigrams_;
+    mutable std::mutex searchingPairs_; // others wait: what they would do themselves takes longer
+    mutable search::PairStatements pairs_;
 };
 
 } // namespace corvane

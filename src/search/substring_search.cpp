@@ -61,8 +61,7 @@ std::string quotedPhrase(std::string_view text) {
 
 // Whether looking up more rows than a few one by one is quicker than reading all.
 bool isWorthLookingUp(sqlite3* database, std::int64_t limit) {
-    SqliteStatement last(database, "SELECT rowid FROM email_fts ORDER BY rowid DESC LIMIT 1;");
-    return last.step() && limit <= last.integer(0) / rowsOfTableForOneLookup;
+    return limit <= highestRowID(database) / rowsOfTableForOneLookup;
 }
 
 void takeID(const SqliteStatement& row, SharedTextSet& ids) {
@@ -107,19 +106,44 @@ std::optional<SharedTextSet> idsByScan(sqlite3* database, std::string_view text)
     return ids;
 }
 
+std::int64_t highestRowID(sqlite3* database) {
+    SqliteStatement last(database, "SELECT rowid FROM email_fts ORDER BY rowid DESC LIMIT 1;");
+    return last.step() ? last.integer(0) : 0;
+}
+
+RowTest::RowTest(sqlite3* database, unsigned flags)
+  : test_(database, testStatement, flags) {}
+
+std::optional<SharedTextSet> RowTest::idsOf(const std::vector<std::int64_t>& rows, std::string_view text) {
+    if (!test_) return std::nullopt;
+    SharedTextSet ids;
+    test_.bindText(1, likePattern(text));
+    bool isSound = true;
+    for (const std::int64_t row : rows) {
+        test_.bindInteger(2, row);
+        if (test_.step()) takeID(test_, ids);
+        isSound = test_.status() == SQLITE_ROW || endedWell(test_);
+        test_.rewind();
+        if (!isSound) break;
+    }
+    test_.reset();
+    return isSound ? std::optional(std::move(ids)) : std::nullopt;
+}
+
 TrigramStatements::TrigramStatements(sqlite3* database, unsigned flags)
   : database_(database)
   , candidates_(database, "SELECT rowid FROM email_fts WHERE email_fts MATCH ?1;", flags)
-  , test_(database, testStatement, flags) {}
+  , test_(database, flags) {}
 
 std::optional<SharedTextSet> TrigramStatements::ids(std::string_view text) {
     const auto query = trigramQuery(text);
-    if (!query || !candidates_ || !test_) return std::nullopt;
+    if (!query || !candidates_) return std::nullopt;
+    const Snapshot snapshot(database_);
+    if (!snapshot) return std::nullopt;
     candidates_.bindText(1, *query);
     const auto rows = candidateRows();
-    auto ids = rows ? idsOf(*rows, text) : std::nullopt;
-    candidates_.reset(); // only now, so that both statements saw the same rows
-    return ids;
+    candidates_.reset();
+    return rows ? test_.idsOf(*rows, text) : std::nullopt;
 }
 
 std::optional<std::vector<std::int64_t>> TrigramStatements::candidateRows() {
@@ -133,22 +157,6 @@ std::optional<std::vector<std::int64_t>> TrigramStatements::candidateRows() {
     }
     if (!endedWell(candidates_)) return std::nullopt;
     return rows;
-}
-
-std::optional<SharedTextSet> TrigramStatements::idsOf(const std::vector<std::int64_t>& rows,
-                                                      std::string_view text) {
-    SharedTextSet ids;
-    test_.bindText(1, likePattern(text));
-    bool isSound = true;
-    for (const std::int64_t row : rows) {
-        test_.bindInteger(2, row);
-        if (test_.step()) takeID(test_, ids);
-        isSound = test_.status() == SQLITE_ROW || endedWell(test_);
-        test_.rewind();
-        if (!isSound) break;
-    }
-    test_.reset();
-    return isSound ? std::optional(std::move(ids)) : std::nullopt;
 }
 
 } // namespace corvane::search

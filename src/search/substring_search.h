@@ -5,11 +5,10 @@
 // question, and LIKE is asked of those only. The index may name more rows than LIKE finds, never fewer:
 // - both read a text's bytes as the same characters, ill-formed ones too, and both stop at U+0000;
 // - the tokenizer folds one character to one, and folds the ASCII letters as LIKE does, so characters that
-// are
-//   equal for LIKE have equal folds, and what LIKE finds in a column is in its sequence of trigrams.
-// A text is left to LIKE alone when it has fewer than three characters (no trigram), holds U+0000 (where LIKE
-// takes the pattern to end) or isn't UTF-8, when the table isn't ours, when the index names so many rows that
-// looking them up takes longer than reading all, and whenever anything fails.
+//   are equal for LIKE have equal folds, and what LIKE finds in a column is in its sequence of trigrams.
+// A text is left to LIKE alone when it has fewer than three characters (but see pair_search.h), holds U+0000
+// (where LIKE takes the pattern to end) or isn't UTF-8, when the table isn't ours, when the index names so
+// many rows that looking them up takes longer than reading all, and whenever anything fails.
 #pragma once
 
 #include <cstdint>
@@ -33,6 +32,37 @@ std::optional<std::string> trigramQuery(std::string_view text);
 // The record ids of all rows that hold the text. Nothing after an error, whose code `database` then knows.
 std::optional<SharedTextSet> idsByScan(sqlite3* database, std::string_view text);
 
+// 0 for an empty table, and after an error.
+std::int64_t highestRowID(sqlite3* database);
+
+// While it lives, all statements of the connection see the database as it was when it was made, and what the
+// connection itself writes. Other threads may use the connection meanwhile, so it can't be a transaction.
+class Snapshot {
+  public:
+    explicit Snapshot(sqlite3* database)
+      : read_(database, "SELECT 1 FROM sqlite_schema;") {
+        read_.step();
+    }
+
+    explicit operator bool() const { return read_.status() == SQLITE_ROW; }
+
+  private:
+    platform::SqliteStatement read_;
+};
+
+// Asks LIKE of single rows. One thread at a time.
+class RowTest {
+  public:
+    // `flags` as of sqlite3_prepare_v3.
+    explicit RowTest(sqlite3* database, unsigned flags = 0);
+
+    // The record ids of those rows that hold the text. Nothing after an error.
+    std::optional<SharedTextSet> idsOf(const std::vector<std::int64_t>& rows, std::string_view text);
+
+  private:
+    platform::SqliteStatement test_;
+};
+
 // The same by way of the index, with its statements prepared. One thread at a time.
 class TrigramStatements {
   public:
@@ -44,11 +74,10 @@ class TrigramStatements {
 
   private:
     std::optional<std::vector<std::int64_t>> candidateRows();
-    std::optional<SharedTextSet> idsOf(const std::vector<std::int64_t>& rows, std::string_view text);
 
     sqlite3* database_;
     platform::SqliteStatement candidates_;
-    platform::SqliteStatement test_;
+    RowTest test_;
 };
 
 } // namespace corvane::search

@@ -2,6 +2,7 @@
 
 #include <random>
 
+#include "search/pair_search.h"
 #include "search/search_fixture.h"
 #include "text/case.h"
 #include "text/charset.h"
@@ -109,6 +110,7 @@ SharedTextSet idsByOracle(const std::vector<SearchIndexRow>& rows, std::string_v
 
 struct Counts {
     int byTrigrams = 0;
+    int byPairs = 0;
     int withResults = 0;
 };
 
@@ -125,9 +127,12 @@ Counts compareWays(Random& random, const MailSearchIndex& index, sqlite3* databa
         EXPECT_EQ(index.search(query), *expected) << ::testing::PrintToString(query);
         const auto byTrigrams = search::TrigramStatements(database).ids(text);
         EXPECT_EQ(byTrigrams.value_or(*expected), *expected) << ::testing::PrintToString(query);
+        const auto byPairs = search::PairStatements(database).ids(text);
+        EXPECT_EQ(byPairs.value_or(*expected), *expected) << ::testing::PrintToString(query);
         EXPECT_EQ(isSound ? idsByOracle(rows, text) : *expected, *expected)
             << ::testing::PrintToString(query);
         counts.byTrigrams += byTrigrams ? 1 : 0;
+        counts.byPairs += byPairs ? 1 : 0;
         counts.withResults += expected->empty() ? 0 : 1;
     }
     return counts;
@@ -143,6 +148,7 @@ TEST_F(SearchTest, Search_GivesTheSameRowsWhicheverWayIsTaken) {
             index->bulkInsert(rows);
             const Counts counts = compareWays(random, *index, foreign().get(), rows, 400, isSound);
             EXPECT_GT(counts.byTrigrams, 60) << seed;
+            EXPECT_GT(counts.byPairs, 20) << seed;
             EXPECT_GT(counts.withResults, 120) << seed;
             if (::testing::Test::HasFailure()) return;
         }
@@ -212,6 +218,7 @@ TEST_F(SearchTest, Search_OfALongTextNeedsAllOfIt) {
 TEST_F(SearchTest, Search_LeavesTheIndexWhereMostRowsMatch) {
     const auto index = open();
     std::vector<SearchIndexRow> rows;
+    rows.reserve(1500);
     for (int i = 0; i < 1500; ++i)
         rows.push_back({std::to_string(i), "common text", "", "", "", i % 500 == 0 ? "rare one" : "body"});
     index->bulkInsert(rows);

@@ -1,0 +1,51 @@
+// Which rows have a column that ends with two given characters: the one place of a text that the index of
+// trigrams doesn't tell of, since no trigram begins there. Gathered by one pass over the texts, about a
+// quarter of what LIKE takes over them, and kept until the database has changed. 32 bytes a row. One thread
+// at a time.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "platform/sqlite.h"
+
+namespace corvane::search {
+
+// SQLite reads U+FFFE and U+FFFF as U+FFFD.
+bool holdsNoncharacter(std::string_view text);
+
+class ColumnEnds {
+  public:
+    // Gathers the ends again unless nothing was written since, by this connection or another one. False after
+    // an error. What it gathered is true for as long as the caller's read goes on.
+    bool refresh(sqlite3* database);
+
+    // Adds all rows in which LIKE may find the pair at the end of a column, and perhaps others. The pair has
+    // to be two well-formed characters.
+    void addRowsEndingWith(std::string_view pair, std::vector<std::int64_t>& rows) const;
+
+  private:
+    static constexpr std::size_t columnCount = 5;
+
+    struct Row {
+        std::int64_t id;
+        std::array<std::uint32_t, columnCount> ends;
+    };
+
+    struct Version {
+        std::int64_t ofOthers = -1; // changed by what other connections commit
+        std::int64_t own = -1;      // changed by what this one writes
+
+        bool operator==(const Version&) const = default;
+    };
+
+    static Version currentVersion(sqlite3* database);
+    bool gather(sqlite3* database);
+
+    Version version_;
+    std::vector<Row> rows_;
+};
+
+} // namespace corvane::search
