@@ -103,7 +103,10 @@ ArchiveResultView ArchiveResultView::of(const EmailArchiveRunResult& result, std
     const ArchiveResultFigures figures = ArchiveResultFigures::of(result, chosen);
     ArchiveResultView view;
     view.title = titleOf(result);
-    view.subtitle = QStringLiteral("完整邮件已只读备份为 .eml，Mail 未被改动。");
+    // Where nothing has a copy, no sentence says so.
+    const bool hasCopies = figures.archived + figures.skipped > 0;
+    view.subtitle = hasCopies ? QStringLiteral("完整邮件已只读备份为 .eml，Mail 未被改动。")
+                              : QStringLiteral("没有邮件放入归档库，Mail 未被改动。");
     view.isSafe = !result.hasIssues() && !result.wasCancelled;
     view.symbol =
         view.isSafe ? QStringLiteral("checkmark.shield") : QStringLiteral("exclamationmark.triangle.fill");
@@ -121,7 +124,8 @@ ArchiveResultView ArchiveResultView::of(const EmailArchiveRunResult& result, std
         if (variants > shownPerGroup)
             view.variants << QStringLiteral("另有 %1").arg(shownMessageCount(variants - shownPerGroup));
     }
-    view.note = QStringLiteral("邮件副本已保存到邮件库。关闭后可以回到归档页继续清理 Mail 空间。");
+    if (hasCopies)
+        view.note = QStringLiteral("邮件副本已保存到邮件库。关闭后可以回到归档页继续清理 Mail 空间。");
     return view;
 }
 

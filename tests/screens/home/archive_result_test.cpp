@@ -59,6 +59,19 @@ TEST(ArchiveResults, OnlyARunWithoutIssuesIsCalledSafe) {
     EXPECT_EQ(view.variantTitle, QStringLiteral("1 封邮件存在内容不一致的多个副本，已全部保留："));
 }
 
+TEST(ArchiveResults, NoSentenceTellsOfCopiesWhereNoneWasWritten) {
+    EmailArchiveRunResult result;
+    result.wasCancelled = true;
+    auto view = ArchiveResultView::of(result, 5);
+    EXPECT_EQ(view.subtitle, QStringLiteral("没有邮件放入归档库，Mail 未被改动。"));
+    EXPECT_TRUE(view.note.isEmpty());
+
+    result.skippedAlreadyArchived = result.triedCount = 1;
+    view = ArchiveResultView::of(result, 5);
+    EXPECT_EQ(view.subtitle, QStringLiteral("完整邮件已只读备份为 .eml，Mail 未被改动。"));
+    EXPECT_FALSE(view.note.isEmpty());
+}
+
 TEST(ArchiveResults, FailuresStandTogetherByReasonInTheOrderInWhichTheyCame) {
     EmailArchiveRunResult result;
     for (int number = 0; number < 30; ++number)

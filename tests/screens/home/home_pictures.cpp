@@ -4,6 +4,7 @@
 #include <functional>
 
 #include <QGuiApplication>
+#include <QProcess>
 #include <QQuickItem>
 #include <QTest>
 
@@ -13,6 +14,7 @@
 
 namespace {
 
+using corvane::HomeScreen;
 using corvane::testing::WindowScene;
 
 void tickSome(WindowScene& scene) {
@@ -47,9 +49,54 @@ void runToItsEnd(WindowScene& scene) {
     scene.settle();
 }
 
+// Mail that the real scanner reads, in a store made by the script of the sample mail.
+void makeStore(WindowScene& scene) {
+    QProcess maker;
+    maker.start(QStringLiteral("python3"), {QStringLiteral(CORVANE_SAMPLE_MAKER), QStringLiteral("--quiet"),
+                                            QStringLiteral("--messages"), QStringLiteral("2500"),
+                                            QString::fromStdString(scene.home().path())});
+    maker.waitForFinished(-1);
+    if (maker.exitCode() != 0) qFatal("no sample store: %s", maker.readAllStandardError().constData());
+    scene.model().accounts().refreshAccountsFromMail();
+    scene.settle();
+}
+
+void scanStore(WindowScene& scene) {
+    makeStore(scene);
+    scene.window().home()->updateMailData();
+    scene.settle();
+}
+
+// Nothing of the main thread runs between this and the picture, so the scan stays as it is.
+void scanHalfWay(WindowScene& scene, QQuickWindow&) {
+    QEventLoop loop;
+    HomeScreen& home = *scene.window().home();
+    QObject::connect(&home, &HomeScreen::stateChanged, &loop, [&] {
+        const QString line = home.scanLine();
+        const bool hasCount =
+            line.startsWith(QStringLiteral("已扫描")) && !line.contains(QStringLiteral(" 0 "));
+        if (!home.isScanning() || hasCount) loop.quit();
+    });
+    home.updateMailData();
+    loop.exec();
+}
+
+void lookAtMail(WindowScene&, QQuickWindow& window) {
+    const auto click = [&](int x, int y) {
+        QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier, QPoint(x, y));
+        QTest::qWait(1000);
+    };
+    click(100, 64);
+    const bool isSmall = window.width() == 1000;
+    click(isSmall ? 400 : 640, isSmall ? 250 : 230);
+    QTest::mouseMove(&window, QPoint(isSmall ? 400 : 640, isSmall ? 330 : 310));
+    QTest::qWait(300);
+}
+
 struct State {
     const char* name;
     std::function<void(WindowScene&)> make;
+    std::function<void(WindowScene&, QQuickWindow&)> inWindow = {};
 };
 
 const std::vector<State>& states() {
@@ -66,6 +113,29 @@ const std::vector<State>& states() {
              scene.window().home()->setScopeYear(2021);
          }},
         {"b-home-first", [](WindowScene&) {}},
+        {"c-home-scanning", makeStore, scanHalfWay},
+        {"a-home-failed",
+         [](WindowScene& scene) {
+             scene.fill();
+             scene.home().write("Library/Mail/V10/MailData/Envelope Index", std::string(4096, 'x'));
+             scene.window().home()->updateMailData();
+             scene.settle();
+         }},
+        {"a-home-advice",
+         [](WindowScene& scene) {
+             makeStore(scene);
+             scene.model().filters().setYearCutoff(1990);
+             scene.model().filters().setOnlyBeforeCutoff(true);
+             scene.model().scanFlow().scan();
+             scene.settle();
+         }},
+        {"a-home-nothing-to-do",
+         [](WindowScene& scene) {
+             scene.fill();
+             scene.model().filters().setTransferMaxYear(1990);
+             scene.settle();
+         }},
+        {"h-mail-list", scanStore, lookAtMail},
         {"d-home-no-access",
          [](WindowScene& scene) {
              scene.home().write("Library/Mail/V10/MailData/Envelope Index", "");
@@ -85,6 +155,13 @@ const std::vector<State>& states() {
              scene.model().destinations().refreshFacts();
              scene.settle();
          }},
+        {"e-archive-empty",
+         [](WindowScene& scene) {
+             scene.fill();
+             openConfirmation(scene);
+             scene.window().archive()->setMinimumSize(3);
+             scene.settle();
+         }},
         {"f-archive-running",
          [](WindowScene& scene) {
              scene.fill();
@@ -99,6 +176,26 @@ const std::vector<State>& states() {
              std::filesystem::remove_all(scene.home().at("Documents"));
              scene.home().write("Documents", "");
              scene.window().archive()->start();
+             scene.settle();
+         }},
+        {"g-archive-ok",
+         [](WindowScene& scene) {
+             scene.fill();
+             auto& tree = *scene.window().home()->tree();
+             tree.toggleTick(scene.treeRow(QStringLiteral("2018 年")));
+             scene.window().home()->runOrganizePrimaryAction();
+             scene.settle();
+             scene.window().archive()->start();
+             scene.settle();
+         }},
+        {"g-archive-cancelled",
+         [](WindowScene& scene) {
+             scene.fill();
+             openConfirmation(scene);
+             scene.platform().onAvailableCapacity([&scene] { scene.waitForRelease(); });
+             scene.window().archive()->start();
+             scene.window().archive()->cancelRun();
+             scene.release();
              scene.settle();
          }},
         {"g-archive-result",
@@ -122,8 +219,9 @@ bool paint(const State& state, QSize size, const std::string& path) {
     window->resize(size);
     window->show();
     if (!QTest::qWaitForWindowExposed(window)) return false;
-    // Figures change once a second.
-    QTest::qWait(1400);
+    // Figures change once a second, and what they follow does too.
+    QTest::qWait(2300);
+    if (state.inWindow) state.inWindow(scene, *window);
     const bool isSaved = window->grabWindow().save(QString::fromStdString(path));
     scene.release();
     return isSaved;

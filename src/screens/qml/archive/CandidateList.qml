@@ -158,7 +158,7 @@ FocusGroup {
         anchors.topMargin: Theme.tableHeadHeight
         visible: list.count === 0 && !group.archive.isLoading
         symbolSize: 32
-        symbol: "archive"
+        symbol: height < 150 ? "" : "archive"
         title: group.archive.archiveEmptyTitle
         line: group.archive.archiveEmptyDescription
     }

@@ -9,7 +9,9 @@ FocusGroup {
     required property QuickDestinations destinations
     readonly property int count: cards.count
     readonly property int perRow: Math.max(1, Math.min(count, Math.floor((width + Theme.space) / (140 + Theme.space))))
-    readonly property real cardWidth: (width - (perRow - 1) * Theme.space) / perRow
+    readonly property int cardWidth: Math.floor((width - (perRow - 1) * Theme.space) / perRow)
+    // Pixels that don't divide go to the first cards of a row, so that its edges stand in line with the sheet's.
+    readonly property int remainder: Math.floor(width) - (perRow - 1) * Theme.space - perRow * cardWidth
 
     implicitHeight: flow.implicitHeight
 
@@ -24,7 +26,7 @@ FocusGroup {
             delegate: DestinationCard {
                 required property int index
                 objectName: "destinationCard" + index
-                width: Math.floor(group.cardWidth)
+                width: group.cardWidth + (index % group.perRow < group.remainder ? 1 : 0)
                 onClicked: group.destinations.choose(index)
             }
         }

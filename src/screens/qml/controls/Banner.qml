@@ -68,6 +68,11 @@ Rectangle {
                 }
             }
         }
+        // Takes what lines that may not be wider leave.
+        Item {
+            Layout.fillWidth: true
+            visible: banner.lineMeasure > 0
+        }
         RowLayout {
             id: actionRow
             Layout.alignment: Qt.AlignVCenter

@@ -30,6 +30,7 @@ FocusScope {
 
         Symbol {
             Layout.alignment: Qt.AlignHCenter
+            visible: empty.symbol.length > 0
             size: empty.symbolSize
             name: empty.symbol
             color: empty.symbolColor

@@ -14,7 +14,7 @@ FocusGroup {
     property alias leading: leadingRow.data
     default property alias content: trailingRow.data
 
-    implicitHeight: low ? Theme.headHeightLow : Theme.headHeight
+    implicitHeight: low ? Theme.headHeightLow + (subtitle.length > 0 ? Theme.half : 0) : Theme.headHeight
 
     RowLayout {
         anchors.fill: parent
@@ -50,6 +50,7 @@ FocusGroup {
         }
         RowLayout {
             id: trailingRow
+            Layout.topMargin: head.subtitle.length > 0 ? 8 : 0
             spacing: 12
         }
     }

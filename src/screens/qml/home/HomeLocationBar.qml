@@ -86,7 +86,7 @@ BottomBar {
             }
         }
         ColumnLayout {
-            visible: !bar.choosesOnly
+            visible: !bar.choosesOnly && bar.home.state === HomeScreen.List
             spacing: 0
 
             AppText {

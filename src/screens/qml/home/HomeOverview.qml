@@ -24,7 +24,7 @@ FocusScope {
         Banner {
             objectName: "safetyBanner"
             Layout.fillWidth: true
-            Layout.topMargin: overview.low ? 2 : 4
+            Layout.topMargin: 4
             compact: overview.low
             kind: overview.hasFailure ? (overview.home.isFailureAdvice ? "info" : "danger") : overview.home.banner.kind
             symbol: overview.hasFailure ? (overview.home.isFailureAdvice ? "info" : "octagon-x")
@@ -34,7 +34,7 @@ FocusScope {
         }
         HomeChart {
             Layout.fillWidth: true
-            Layout.topMargin: overview.low ? 16 : 16
+            Layout.topMargin: 16
             home: overview.home
             narrow: overview.narrow
             low: overview.low

@@ -35,6 +35,8 @@ T.AbstractButton {
         anchors.rightMargin: Theme.space
         anchors.verticalCenter: parent.verticalCenter
         text: row.title
+        // Accounts of one name differ at their ends.
+        elide: Text.ElideMiddle
         Accessible.ignored: true
     }
     AppText {

@@ -49,7 +49,7 @@ ListRow {
         verticalAlignment: Text.AlignVCenter
         text: row.sender
         textFormat: Text.PlainText
-        elide: Text.ElideRight
+        elide: row.sender.indexOf("@") > 0 ? Text.ElideMiddle : Text.ElideRight
         maximumLineCount: 1
         color: Theme.text1
         font.pixelSize: Theme.bodySize
