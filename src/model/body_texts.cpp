@@ -42,7 +42,8 @@ std::optional<std::string> ccOfFile(const platform::Platform& platform, const Ar
 
 } // namespace
 
-BodyTexts::BodyTexts(ModelContext& context, LibraryLoader& library, QObject* parent, BodyTextSource texts)
+BodyTexts::BodyTexts(ModelContext& context, LibraryLoader& library, QObject* parent,
+                     const BodyTextSource& texts)
   : QObject(parent)
   , context_(context)
   , library_(library)

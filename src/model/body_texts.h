@@ -39,7 +39,7 @@ class BodyTexts : public QObject {
 
     // `texts` replaces the worker in tests.
     BodyTexts(ModelContext& context, LibraryLoader& library, QObject* parent = nullptr,
-              BodyTextSource texts = {});
+              const BodyTextSource& texts = {});
     ~BodyTexts() override;
 
     // The body of an archived message as some index has it.

@@ -7,6 +7,7 @@
 #include <fmt/ranges.h>
 
 #include "model/cloud_providers.h"
+#include "model/count_reconciliation.h"
 #include "records/stable_hash.h"
 
 namespace corvane {
@@ -66,6 +67,11 @@ void CorvaneViewModel::wireScan() {
     });
     connect(&scanFlow_, &ScanFlow::scanEnded, this,
             [this] { diagnostics_.write(accounts_.selectedAccountPrefixes()); });
+    connect(&counts_, &IndexCounts::countsRefreshed, this, [this] {
+        isReconciliationDue_ = true;
+        reconcileCounts();
+    });
+    connect(&catalog_, &MessageCatalog::availabilityPublished, this, &CorvaneViewModel::reconcileCounts);
     connect(&scanFlow_, &ScanFlow::earlierMessagesRestored, this,
             [this] { visible_.rebuildVisibleMessages(); });
     connect(&scanFlow_, &ScanFlow::homeSnapshotApplied, this,
@@ -75,6 +81,17 @@ void CorvaneViewModel::wireScan() {
         pruneFilterYears();
         counts_.refreshIndexedYearCounts();
     });
+}
+
+// Once for each reading of the index, as soon as the scanned side is known as well.
+void CorvaneViewModel::reconcileCounts() {
+    if (!isReconciliationDue_ || !catalog_.isAvailabilityKnown()) return;
+    // A scan that was brought back knows its candidates before it knows the rest.
+    if (catalog_.cachedMailAccountYearStats().empty() && !catalog_.messages()->empty()) return;
+    isReconciliationDue_ = false;
+    diagnostics_.append(reconciliationLines(
+        {counts_.indexedYearCounts(), counts_.indexedYearCountsByAccount()},
+        {catalog_.yearStats(), catalog_.cachedMailAccountYearStats(), catalog_.cachedAccountYearStats()}));
 }
 
 void CorvaneViewModel::wireAvailability() {

@@ -77,6 +77,7 @@ class CorvaneViewModel : public QObject {
   private:
     void startUp();
     void wireScan();
+    void reconcileCounts();
     void wireAvailability();
     void wireFilters();
     void wireArchive();
@@ -102,6 +103,7 @@ class CorvaneViewModel : public QObject {
     BodyTexts bodyTexts_;
     FullDiskAccess diskAccess_;
     MailDiagnostics diagnostics_;
+    bool isReconciliationDue_ = false;
     std::unique_ptr<platform::MountSubscription> mounts_;
 };
 

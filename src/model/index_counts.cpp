@@ -44,6 +44,7 @@ void IndexCounts::refreshIndexedYearCounts() {
         task.onMain([this, counts] {
             counts_ = std::move(*counts);
             Q_EMIT countsChanged();
+            Q_EMIT countsRefreshed();
         });
     });
 }

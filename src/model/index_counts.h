@@ -45,6 +45,8 @@ class IndexCounts : public QObject {
 
   Q_SIGNALS:
     void countsChanged();
+    // Behind countsChanged, when the counts were read from the index anew.
+    void countsRefreshed();
 
   private:
     struct Counts {

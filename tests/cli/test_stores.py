@@ -99,6 +99,7 @@ class Stores(CliCase):
             totals = re.findall(r"\] account=\S+ total=(\d+) withAttachments=\d+ excludedTrashOrJunk=\d+ "
                                 r"sampleEmlxPresent=\d+ sampleEmlxMissing=\d+\n", text)
             self.assertEqual(sum(map(int, totals)), self.manifest(home)["counts"]["rows"])
+        self.assertIn("] [reconcile] indexedTotal=", log.read_text(encoding="utf-8"))
         self.assertEqual(tree_state(home / "Library"), before)
         nothing = self.folder / "nothing"
         nothing.mkdir()
