@@ -66,6 +66,7 @@ WindowOutcome runWindow(const WindowOptions& options) {
     WindowFrame frame(*shown, context.settings);
     // Nothing large happens before the first frame.
     QObject::connect(shown, &QQuickWindow::frameSwapped, &window, &WindowModel::startUp,
+                     // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): a flag joined to a kind
                      static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
     shown->show();
 

@@ -22,7 +22,7 @@ namespace {
 using Kind = ShellResult::Kind;
 using Clock = std::chrono::steady_clock;
 
-constexpr std::int64_t errorTextLimit = 64 * 1024;
+constexpr std::int64_t errorTextLimit = 65'536;
 
 // The options that the question is made of come first. The last two keep the user's own ~/.sqliterc, which
 // could change the form of the answer, from being read.

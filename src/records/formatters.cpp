@@ -68,6 +68,7 @@ std::string formatByteCount(std::int64_t bytes) {
 const std::vector<text::DatePattern>& dateParsers() {
     static const std::vector<text::DatePattern> parsers = [] {
         std::vector<text::DatePattern> made;
+        made.reserve(std::size(parserPatterns));
         for (const char* pattern : parserPatterns) made.emplace_back("en_US_POSIX", pattern);
         return made;
     }();

@@ -129,7 +129,7 @@ std::optional<sys_seconds> parseTimestamp(std::string_view text) {
     if (*month < 1 || *month > 12 || *day < 1 || *day > daysInMonth(*year, *month)) return std::nullopt;
     if (*hour > 23 || *minute > 59 || *second > 60) return std::nullopt;
     return sys_seconds(
-        seconds(daysFromCivil(*year, *month, *day) * 86400 + *hour * 3600 + *minute * 60 + *second));
+        seconds(daysFromCivil(*year, *month, *day) * 86400 + (*hour * 60LL + *minute) * 60 + *second));
 }
 
 sys_seconds currentTimestamp() {

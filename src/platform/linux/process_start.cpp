@@ -149,7 +149,7 @@ bool takeStandardStreams(const Launch& launch) noexcept {
 [[gnu::noinline]] pid_t startChild(const Launch& launch) noexcept {
     const pid_t pid =
         ::vfork(); // NOLINT(bugprone-unsafe-functions, clang-analyzer-security.insecureAPI.vfork)
-    if (pid == 0) runInChild(launch);
+    if (pid == 0) runInChild(launch); // NOLINT(clang-analyzer-unix.Vfork): system calls only
     return pid < 0 ? -errno : pid;
 }
 
