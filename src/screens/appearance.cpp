@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QJSEngine>
 #include <QPalette>
+#include <QStandardPaths>
 
 namespace corvane {
 
@@ -12,7 +13,7 @@ namespace {
 Appearance* theAppearance = nullptr;
 
 // The palette is what every platform theme sets, also those that know no colour schemes.
-bool desktopIsDark() {
+bool paletteIsDark() {
     const QPalette palette = QGuiApplication::palette();
     return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
 }
@@ -22,7 +23,8 @@ bool desktopIsDark() {
 Appearance::Appearance(std::optional<Scheme> forced, QObject* parent)
   : QObject(parent)
   , forced_(forced)
-  , reducedMotion_(qEnvironmentVariableIsSet("CORVANE_REDUCED_MOTION")) {
+  , looks_(DesktopLooks::of(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)))
+  , reducedMotion_(qEnvironmentVariableIsSet("CORVANE_REDUCED_MOTION") || looks_.animates == false) {
     theAppearance = this;
     qGuiApp->installEventFilter(this);
     follow();
@@ -45,7 +47,7 @@ bool Appearance::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void Appearance::follow() {
-    const bool dark = forced_ ? *forced_ == Scheme::dark : desktopIsDark();
+    const bool dark = forced_ ? *forced_ == Scheme::dark : paletteIsDark() || looks_.isDark == true;
     if (dark == dark_) return;
     dark_ = dark;
     Q_EMIT darkChanged();

@@ -8,6 +8,8 @@
 #include <QStringList>
 #include <QtQml/qqmlregistration.h>
 
+#include "screens/desktop_looks.h"
+
 class QJSEngine;
 class QQmlEngine;
 
@@ -43,6 +45,7 @@ class Appearance : public QObject {
     void follow();
 
     std::optional<Scheme> forced_;
+    DesktopLooks looks_; // at the start
     bool dark_ = false;
     bool reducedMotion_ = false;
 };

@@ -19,6 +19,7 @@ ArchiveScreen::ArchiveScreen(CorvaneViewModel& model, OrganizeData& data, Deskto
   , desktop_(desktop)
   , candidates_(model)
   , quickDestinations_(model)
+  , folderPicker_(model)
   , progress_(model.archive())
   , prepareTask_(model.context().tasks) {
     wire();
@@ -31,6 +32,8 @@ void ArchiveScreen::wire() {
     };
     connect(&model_.destinations(), &ArchiveDestinations::destinationChanged, this, destinationReplaced);
     connect(&model_.destinations(), &ArchiveDestinations::factsChanged, this, destinationReplaced);
+    connect(&folderPicker_, &FolderPicker::chosen, this,
+            [this] { model_.destinations().setTransferDestination(folderPicker_.chosenPath()); });
     connect(&candidates_, &ArchiveCandidatesModel::selectionSummed, this, &ArchiveScreen::selectionChanged);
     connect(&candidates_, &ArchiveCandidatesModel::loadingChanged, this, &ArchiveScreen::candidatesChanged);
     connect(&data_, &OrganizeData::overviewChanged, this, &ArchiveScreen::candidatesChanged);

@@ -18,6 +18,7 @@
 #include "screens/archive_result.h"
 #include "screens/desktop_actions.h"
 #include "screens/destination_texts.h"
+#include "screens/folder_picker.h"
 #include "screens/organize_data.h"
 #include "screens/quick_destinations.h"
 
@@ -58,6 +59,7 @@ class ArchiveScreen : public QObject {
     Q_PROPERTY(corvane::ArchiveResultView result READ result NOTIFY stageChanged)
     Q_PROPERTY(corvane::ArchiveCandidatesModel* candidates READ candidates CONSTANT)
     Q_PROPERTY(corvane::QuickDestinations* quickDestinations READ quickDestinations CONSTANT)
+    Q_PROPERTY(corvane::FolderPicker* folderPicker READ folderPicker CONSTANT)
     Q_PROPERTY(corvane::ArchiveProgress* progress READ progress CONSTANT)
 
   public:
@@ -113,6 +115,8 @@ class ArchiveScreen : public QObject {
 
     [[nodiscard]] QuickDestinations* quickDestinations() { return &quickDestinations_; }
 
+    [[nodiscard]] FolderPicker* folderPicker() { return &folderPicker_; }
+
     [[nodiscard]] ArchiveProgress* progress() { return &progress_; }
 
     Q_INVOKABLE void chooseDestination(const QUrl& folder);
@@ -152,6 +156,7 @@ class ArchiveScreen : public QObject {
     DesktopActions& desktop_;
     ArchiveCandidatesModel candidates_;
     QuickDestinations quickDestinations_;
+    FolderPicker folderPicker_;
     ArchiveProgress progress_;
     Stage stage_ = Closed;
     bool isInBackground_ = false;

@@ -93,6 +93,17 @@ void lookAtMail(WindowScene&, QQuickWindow& window) {
     QTest::qWait(300);
 }
 
+void askForFolder(WindowScene& scene, QQuickWindow& window) {
+    const int right = window.width() / 2 + 410;
+    QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier,
+                      QPoint(right - 80, window.width() == 1000 ? 114 : 138));
+    QTest::qWait(800);
+    scene.settle();
+    QTest::keyClick(&window, Qt::Key_Down);
+    QTest::keyClick(&window, Qt::Key_Down);
+    QTest::qWait(300);
+}
+
 struct State {
     const char* name;
     std::function<void(WindowScene&)> make;
@@ -162,6 +173,17 @@ const std::vector<State>& states() {
              scene.window().archive()->setMinimumSize(3);
              scene.settle();
          }},
+        {"e-folder-picker",
+         [](WindowScene& scene) {
+             scene.fill();
+             openConfirmation(scene);
+             for (const char* folder :
+                  {"合同", "2018 旧项目", "2019 旧项目", "图片", "发票与报销", "👪 家庭", "Backups"})
+                 scene.home().makeFolder(std::string("Documents/") + folder);
+             scene.model().destinations().setTransferDestination(scene.home().at("Documents"));
+             scene.settle();
+         },
+         askForFolder},
         {"f-archive-running",
          [](WindowScene& scene) {
              scene.fill();

@@ -52,6 +52,13 @@ class Scenes : public QObject {
         scene_->settle();
     }
 
+    // Below the home; its path.
+    Q_INVOKABLE [[nodiscard]] QString makeFolders(const QString& base, int count) {
+        for (int number = 0; number < count; ++number)
+            scene_->home().makeFolder((base + QStringLiteral("/f%1").arg(number)).toStdString());
+        return QString::fromStdString(scene_->home().at(base.toStdString()));
+    }
+
   Q_SIGNALS:
     void begun();
 

@@ -1,19 +1,38 @@
-// The system's folder picker for the archive's place; the folder may be made in it.
+// Asks for the archive's folder: the system's picker on macOS, our own elsewhere. Qt doesn't tell whether another
+// desktop has one, and its substitute speaks English and knows no dark mode.
 import QtQuick
 import QtQuick.Dialogs
 import Corvane
 
-FolderDialog {
-    id: dialog
+Item {
+    id: chooser
 
     required property ArchiveScreen archive
 
     function ask() {
-        currentFolder = archive.destinationFolder;
-        open();
+        if (Qt.platform.os === "osx")
+            systemPicker.active = true;
+        else
+            own.ask();
     }
 
-    title: "选择附件转移位置"
-    acceptLabel: "使用此位置"
-    onAccepted: archive.chooseDestination(selectedFolder)
+    FolderSheet {
+        id: own
+        archive: chooser.archive
+    }
+    Loader {
+        id: systemPicker
+        active: false
+        onLoaded: (item as FolderDialog).open()
+        sourceComponent: FolderDialog {
+            title: own.title
+            acceptLabel: "使用此位置"
+            currentFolder: chooser.archive.destinationFolder
+            onAccepted: {
+                chooser.archive.chooseDestination(selectedFolder);
+                systemPicker.active = false;
+            }
+            onRejected: systemPicker.active = false
+        }
+    }
 }

@@ -10,6 +10,10 @@ set(archive_qml
     DestinationCards.qml
     FailureGroups.qml
     FolderChooser.qml
+    FolderList.qml
+    FolderPlaces.qml
+    FolderSheet.qml
+    NewFolderRow.qml
 )
 set(archive_sources
     archive_candidates_model.cpp
@@ -17,6 +21,8 @@ set(archive_sources
     archive_result.cpp
     archive_screen.cpp
     archive_texts.cpp
+    folder_listing.cpp
+    folder_picker.cpp
     quick_destinations.cpp
     run_pace.cpp
 )

@@ -23,7 +23,8 @@ T.TextField {
     color: enabled ? Theme.text1 : Theme.disabled
     selectionColor: Theme.accentFill
     selectedTextColor: Theme.textOnAccent
-    font.pixelSize: Theme.bodySize
+    // The platform's own font for fields knows nothing of the window's families.
+    font: placeholder.font
     selectByMouse: true
     hoverEnabled: true
     maximumLength: 500
@@ -69,6 +70,7 @@ T.TextField {
             }
         }
         AppText {
+            id: placeholder
             anchors.verticalCenter: parent.verticalCenter
             x: field.leftPadding
             width: parent.width - x - 8

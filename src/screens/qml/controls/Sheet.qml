@@ -18,6 +18,7 @@ T.Popup {
     property color symbolColor: Theme.text1
     property string note: ""
     property string noteLine: ""
+    property int noteLineElide: Text.ElideRight
     property int wantedWidth: 580
     property int wantedHeight: 0
     property bool dismissable: true
@@ -165,6 +166,7 @@ T.Popup {
                         AppText {
                             Layout.fillWidth: true
                             text: sheet.noteLine
+                            elide: sheet.noteLineElide
                             visible: text.length > 0
                             role: AppText.Note
                             color: Theme.text3

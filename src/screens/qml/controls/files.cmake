@@ -5,6 +5,7 @@ set(controls_qml
     AppMenuRow.qml
     AppScrollBar.qml
     AppText.qml
+    AppTextField.qml
     AppToolTip.qml
     Banner.qml
     BottomBar.qml

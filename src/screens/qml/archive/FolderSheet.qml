@@ -1,0 +1,168 @@
+// Chooses the folder of the archive: places at the left, the folders of one folder at the right, its path above them.
+import QtQuick
+import QtQuick.Layouts
+import Corvane
+
+Sheet {
+    id: sheet
+
+    required property ArchiveScreen archive
+    readonly property FolderPicker picker: archive.folderPicker
+    property bool makesFolder: false
+
+    objectName: "folderSheet"
+    title: "选择附件转移位置"
+    subtitle: "归档会直接放进所选文件夹，建议新建一个专用空文件夹（例如坚果云同步目录里的一个文件夹）。"
+    wantedWidth: 720
+    wantedHeight: 620
+    scrolls: false
+    primary: use
+    note: "归档将放进"
+    noteLine: picker.targetText(folders.currentIndex)
+    noteLineElide: Text.ElideMiddle
+
+    function ask() {
+        makesFolder = false;
+        picker.begin();
+        open();
+    }
+
+    onOpened: folders.forceActiveFocus(Qt.OtherFocusReason)
+
+    fillingItems: ColumnLayout {
+        anchors.fill: parent
+        spacing: 12
+
+        FocusGroup {
+            Layout.fillWidth: true
+            implicitHeight: pathRow.implicitHeight
+            horizontal: false
+            vertical: false
+
+            RowLayout {
+                id: pathRow
+                width: parent.width
+                spacing: 8
+
+                IconButton {
+                    objectName: "folderUpButton"
+                    symbol: "chevron-up"
+                    help: "上一级文件夹"
+                    enabled: sheet.picker.canGoUp
+                    onClicked: sheet.picker.goUp()
+                }
+                AppTextField {
+                    id: path
+                    objectName: "folderPath"
+                    Layout.fillWidth: true
+                    name: "文件夹的路径"
+                    placeholderText: "输入文件夹的路径，例如 ~/Documents"
+                    Keys.onReturnPressed: sheet.picker.openTyped(text)
+                    Keys.onEnterPressed: sheet.picker.openTyped(text)
+                    Keys.onDownPressed: folders.forceActiveFocus(Qt.TabFocusReason)
+                    Keys.onEscapePressed: event => {
+                        event.accepted = text !== sheet.picker.pathText;
+                        text = sheet.picker.pathText;
+                    }
+                }
+                AppButton {
+                    objectName: "newFolderButton"
+                    text: "新建文件夹"
+                    enabled: !sheet.makesFolder
+                    onClicked: sheet.makesFolder = true
+                }
+            }
+        }
+        NewFolderRow {
+            Layout.fillWidth: true
+            visible: sheet.makesFolder
+            picker: sheet.picker
+            onDone: {
+                sheet.makesFolder = false;
+                folders.forceActiveFocus(Qt.OtherFocusReason);
+            }
+        }
+        RowLayout {
+            Layout.fillWidth: true
+            visible: sheet.picker.errorText.length > 0
+            spacing: 6
+
+            Symbol {
+                size: 16
+                name: "octagon-x"
+                color: Theme.danger
+            }
+            AppText {
+                objectName: "folderError"
+                Layout.fillWidth: true
+                text: sheet.picker.errorText
+                color: Theme.danger
+                Accessible.role: Accessible.AlertMessage
+            }
+        }
+        Rectangle {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            radius: Theme.radiusLarge
+            color: Theme.surface
+            border.color: Theme.line
+
+            Rectangle {
+                x: 1
+                y: 1
+                width: places.width
+                height: parent.height - 2
+                radius: Theme.radiusLarge - 1
+                color: Theme.page
+            }
+            FolderPlaces {
+                id: places
+                x: 1
+                y: 1
+                width: 184
+                height: parent.height - 2
+                picker: sheet.picker
+            }
+            Rectangle {
+                x: places.width
+                width: Theme.hairline
+                height: parent.height
+                color: Theme.line
+            }
+            FolderList {
+                id: folders
+                x: places.width + 1
+                y: 1
+                width: parent.width - x - 1
+                height: parent.height - 2
+                picker: sheet.picker
+            }
+        }
+    }
+    barItems: [
+        AppButton {
+            objectName: "cancelFolderButton"
+            implicitHeight: Theme.controlHeightPrimary
+            horizontalPadding: 20
+            text: "取消"
+            onClicked: sheet.close()
+        },
+        PrimaryButton {
+            id: use
+            objectName: "useFolderButton"
+            enabled: sheet.picker.pathText.length > 0
+            text: "使用此位置"
+            onClicked: sheet.picker.choose(folders.currentIndex)
+        }
+    ]
+
+    Connections {
+        target: sheet.picker
+        function onListed() {
+            path.text = sheet.picker.pathText;
+        }
+        function onChosen() {
+            sheet.close();
+        }
+    }
+}

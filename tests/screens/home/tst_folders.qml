@@ -1,0 +1,168 @@
+// The picker of the archive's folder as a user has it before them.
+import QtQuick
+import QtQuick.Templates as T
+import QtTest
+import Corvane
+
+Item {
+    id: root
+    width: 1240
+    height: 840
+
+    readonly property Item overlay: T.Overlay.overlay
+
+    Loader {
+        id: holder
+        anchors.fill: parent
+        active: false
+        focus: true
+        sourceComponent: ContentView {
+            app: scenes.app
+            focus: true
+        }
+    }
+
+    TestCase {
+        id: test
+        name: "Folders"
+        when: windowShown
+
+        property ArchiveScreen archive
+        property FolderPicker picker
+        property ListView list
+        property string base
+
+        function init() {
+            holder.active = false;
+            scenes.begin(true);
+            base = scenes.makeFolders("Documents/places", 30);
+            scenes.makeFolders("Documents/places/f1", 2);
+            holder.active = true;
+            archive = scenes.app.archive;
+            picker = archive.folderPicker;
+            mouseClick(findChild(holder.item, "changeLocationButton"));
+            tryVerify(() => picker.pathText.length > 0 && !picker.busy);
+            list = inSheet("folderList");
+            tryVerify(() => list.visible && list.activeFocus);
+            go(base);
+        }
+        function cleanup() {
+            scenes.settle();
+            if (list && list.visible)
+                mouseClick(inSheet("cancelFolderButton"));
+            tryVerify(() => !list || !list.visible);
+        }
+        function inSheet(name: string): Item {
+            const found = findChild(root.overlay, name);
+            verify(found, name);
+            return found;
+        }
+        function settled() {
+            scenes.settle();
+            tryVerify(() => !picker.busy);
+        }
+        // By the field, as a user types it.
+        function go(path: string) {
+            const field = inSheet("folderPath");
+            field.forceActiveFocus(Qt.TabFocusReason);
+            field.selectAll();
+            field.text = path;
+            keyClick(Qt.Key_Return);
+            settled();
+            list.forceActiveFocus(Qt.TabFocusReason);
+        }
+
+        function test_KeysWalkTheFolders_AndTheButtonTakesTheRow() {
+            compare(picker.pathText, base);
+            compare(list.count, 30);
+            compare(list.currentIndex, -1);
+            keyClick(Qt.Key_Down);
+            compare(list.currentIndex, 0);
+            keyClick(Qt.Key_End);
+            compare(list.currentIndex, 29);
+            keyClick(Qt.Key_F);
+            keyClick(Qt.Key_1);
+            compare(picker.targetText(list.currentIndex), base + "/f1");
+            keyClick(Qt.Key_Return);
+            settled();
+            compare(picker.pathText, base + "/f1");
+            compare(list.currentIndex, -1);
+            compare(inSheet("folderPath").text, base + "/f1");
+            keyClick(Qt.Key_Backspace);
+            settled();
+            compare(picker.pathText, base);
+            keyClick(Qt.Key_Down);
+            mouseClick(inSheet("useFolderButton"));
+            settled();
+            tryVerify(() => !list.visible);
+            compare(archive.destinationFolder.toString(), "file://" + base + "/f0");
+        }
+        function test_WithoutARowReturnTakesTheShownFolder_EscapeTakesNothing() {
+            const before = archive.destinationFolder.toString();
+            keyClick(Qt.Key_Escape);
+            tryVerify(() => !list.visible);
+            compare(archive.destinationFolder.toString(), before);
+
+            mouseClick(findChild(holder.item, "changeLocationButton"));
+            settled();
+            tryVerify(() => list.activeFocus);
+            go(base);
+            keyClick(Qt.Key_Return);
+            settled();
+            tryVerify(() => !list.visible);
+            compare(archive.destinationFolder.toString(), "file://" + base);
+        }
+        function test_AWrongPathIsSaid_AndTheListStays() {
+            go(base + "/missing");
+            compare(inSheet("folderError").text, "没有这个文件夹。");
+            verify(inSheet("folderError").visible);
+            compare(list.count, 30);
+            compare(picker.pathText, base);
+        }
+        function test_ANewFolderIsMadeAndOpened_EscapeOnlyLeavesItsField() {
+            mouseClick(inSheet("newFolderButton"));
+            const field = inSheet("newFolderName");
+            tryVerify(() => field.activeFocus);
+            keyClick(Qt.Key_Escape);
+            tryVerify(() => !field.visible);
+            verify(list.visible);
+
+            mouseClick(inSheet("newFolderButton"));
+            tryVerify(() => field.activeFocus);
+            field.text = "f3";
+            keyClick(Qt.Key_Return);
+            settled();
+            verify(inSheet("folderError").visible);
+            field.text = "归档";
+            keyClick(Qt.Key_Return);
+            settled();
+            compare(picker.pathText, base + "/归档");
+            tryVerify(() => !field.visible && list.activeFocus);
+        }
+        // Only what is in sight has items.
+        function test_TenThousandFoldersAreListed() {
+            const many = scenes.makeFolders("many", 10000);
+            go(many);
+            compare(list.count, 10000);
+            verify(list.contentItem.children.length < 200);
+            keyClick(Qt.Key_End);
+            compare(list.currentIndex, 9999);
+            tryVerify(() => list.itemAtIndex(9999) !== null);
+            compare(list.itemAtIndex(9999).name, "f9999");
+        }
+        function test_EveryControlHasAName() {
+            const nameless = [];
+            const look = item => {
+                if (!item.visible)
+                    return;
+                // Controls, and lists.
+                if (item.activeFocusOnTab && item.Accessible.name === "")
+                    nameless.push(item);
+                for (let i = 0; i < item.children.length; ++i)
+                    look(item.children[i]);
+            };
+            look(root.overlay);
+            compare(nameless.length, 0, nameless.join());
+        }
+    }
+}
