@@ -16,7 +16,8 @@ MESSAGES = 400
 # Where a person's hand goes on a window of 1240 by 840.
 UPDATE = (728, 376)
 CHOOSE_PLACE = (1163, 803)
-USE_THIS_PLACE = (781, 600)
+FIRST_FOLDER = (700, 253)
+USE_THIS_PLACE = (902, 697)
 FIRST_YEAR = (521, 470)
 ARCHIVE_TICKED = (1168, 803)
 FIRST_CARD = (400, 190)
@@ -53,8 +54,10 @@ class ArchiveWalk(unittest.TestCase):
             window.picture(PICTURES / "walk-2-list.png")
 
             window.click(*CHOOSE_PLACE)
+            window.settled()
+            window.click(*FIRST_FOLDER)  # Documents, the first of the home
             window.picture(PICTURES / "walk-3-place.png")
-            window.click(*USE_THIS_PLACE)  # Documents, the first folder of the home
+            window.click(*USE_THIS_PLACE)
             window.settled(1.0)
 
             window.click(*FIRST_YEAR)
