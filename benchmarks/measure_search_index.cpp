@@ -114,7 +114,7 @@ int main(int argc, char** argv) {
     const auto index = MailSearchIndex::open(support, root);
     if (!index) return 1;
     if (mode == "make") return make(std::stoul(argv[2]), *index);
-    if (mode == "again" && argc == 5) index->search(argv[4]);
+    if (mode == "again" && argc == 5 && index->search(argv[4]).empty()) return 1;
     if ((mode == "search" || mode == "again") && argc == 5)
         return measure(std::stol(argv[3]), [&](long) { return index->search(argv[4]).size(); });
     if (mode == "body" && argc == 4) {

@@ -210,7 +210,8 @@ class Bench:
                 ("what most rows hold", "kind regards", "search", 2, "scan", 2, "<= 1.2"),
                 ("2 rare Chinese characters", "罕见", "again", 200, "scan", 2, "<= 0.05"),
                 ("the first 2 since a write", "罕见", "search", 1, "scan", 2, "<= 0.5"),
-                ("2 common Chinese characters", "一丁", "search", 2, "scan", 2, "<= 1.2")):
+                ("2 Chinese characters of every fifth", "一丁", "again", 5, "scan", 2, "<= 0.5"),
+                ("2 letters of most", "re", "again", 2, "scan", 2, "<= 1.2")):
             self.compare(
                 f"search of {count} messages for {name}",
                 lambda text=text, mode=mode, rounds=rounds: printed_seconds(

@@ -64,7 +64,7 @@ class MailSearchIndex {
 
     // The ids of all records that hold the text in one of their columns, white space around it left out; none
     // for an empty text. ASCII letters match in either case, nothing has a special meaning. Reads every row
-    // for one character, where many rows match, and for the first two characters after rows were added.
+    // for one character, where many rows match, and for the first two characters after something was written.
     [[nodiscard]] SharedTextSet search(std::string_view query) const;
 
     // The body as it was stored; nothing when there is none or it counts as empty.

@@ -12,9 +12,11 @@ namespace {
 
 using platform::SqliteStatement;
 
-// Candidates are looked up in the order of the file, at about two rows of the plain statement each.
-constexpr std::int64_t rowsOfTableForOneCandidate = 8;
-constexpr std::int64_t fewestCandidates = 64;
+// Rows are looked up in the order of the file, at about one row of the plain statement each, and two where
+// LIKE is asked. Naming them costs something, too, and is for nothing where they turn out to be too many.
+constexpr std::int64_t rowsOfTableForOneLookup = 4;
+constexpr std::int64_t rowsOfTableForOneTest = 8;
+constexpr std::int64_t fewestLookups = 64;
 
 constexpr const char* termsTable =
     "CREATE VIRTUAL TABLE IF NOT EXISTS temp.email_fts_terms USING fts5vocab(main, email_fts, instance);";
@@ -60,6 +62,15 @@ std::optional<std::string> beginningOfTerms(sqlite3* database, std::string_view 
     return token;
 }
 
+// U+3400 to U+9FFF; in UTF-8 they compare as bytes do.
+bool areIdeographs(std::string_view pair) {
+    constexpr std::size_t size = 3;
+    const auto isOne = [](std::string_view character) {
+        return character >= "\xE3\x90\x80" && character <= "\xE9\xBF\xBF";
+    };
+    return pair.size() == 2 * size && isOne(pair.substr(0, size)) && isOne(pair.substr(size));
+}
+
 bool isInUtf8(sqlite3* database) {
     SqliteStatement encoding(database, "PRAGMA encoding;");
     return encoding.step() && encoding.text(0) == "UTF-8";
@@ -79,8 +90,8 @@ bool isPair(std::string_view text) {
 }
 
 bool PairStatements::prepare() {
-    if (test_) return static_cast<bool>(occurrences_);
-    test_.emplace(database_, SQLITE_PREPARE_PERSISTENT);
+    if (lookups_) return static_cast<bool>(occurrences_);
+    lookups_.emplace(database_, SQLITE_PREPARE_PERSISTENT);
     if (isInUtf8(database_) && execute(database_, termsTable) == SQLITE_OK)
         occurrences_ =
             SqliteStatement(database_, "SELECT doc FROM temp.email_fts_terms WHERE term >= ?1 AND term < ?2;",
@@ -93,30 +104,39 @@ std::optional<SharedTextSet> PairStatements::ids(std::string_view pair) {
     const auto beginning = beginningOfTerms(database_, pair);
     const Snapshot snapshot(database_);
     if (!beginning || !snapshot) return std::nullopt;
-    auto rows = rowsOfTrigrams(*beginning);
+    const auto share = areIdeographs(pair) ? rowsOfTableForOneLookup : rowsOfTableForOneTest;
+    auto rows = rowsOfTrigrams(*beginning, std::max(fewestLookups, highestRowID(database_) / share));
     occurrences_.reset();
     if (!rows || !ends_.refresh(database_)) return std::nullopt;
-    ends_.addRowsEndingWith(pair, *rows);
-    sortOut(*rows);
-    return test_->idsOf(*rows, pair);
+    return idsOf(pair, std::move(*rows));
 }
 
 // One row of the answer for each place where such a trigram stands.
-std::optional<std::vector<std::int64_t>> PairStatements::rowsOfTrigrams(std::string_view beginning) {
-    const std::int64_t limit =
-        std::max(fewestCandidates, highestRowID(database_) / rowsOfTableForOneCandidate);
+std::optional<std::vector<std::int64_t>> PairStatements::rowsOfTrigrams(std::string_view beginning,
+                                                                        std::int64_t limit) {
     occurrences_.bindText(1, beginning);
     occurrences_.bindText(2, std::string(beginning) + '\xFF');
     std::vector<std::int64_t> rows;
     while (occurrences_.step()) {
         const std::int64_t row = occurrences_.integer(0);
         if (rows.empty() || rows.back() != row) rows.push_back(row);
-        if (std::ssize(rows) < 2 * limit) continue;
+        if (std::ssize(rows) < limit + limit / 4) continue;
         sortOut(rows);
         if (std::ssize(rows) > limit) return std::nullopt;
     }
     if (occurrences_.status() != SQLITE_DONE) return std::nullopt;
+    sortOut(rows);
     return rows;
+}
+
+std::optional<SharedTextSet> PairStatements::idsOf(std::string_view pair, std::vector<std::int64_t> rows) {
+    std::vector<std::int64_t> certain;
+    if (areIdeographs(pair)) std::swap(certain, rows);
+    ends_.addRowsEndingWith(pair, rows);
+    sortOut(rows);
+    auto ids = lookups_->idsHolding(pair, rows);
+    if (ids && !lookups_->addIDs(certain, *ids)) return std::nullopt;
+    return ids;
 }
 
 } // namespace corvane::search

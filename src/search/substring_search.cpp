@@ -33,10 +33,10 @@ constexpr const char* scanStatement = R"(SELECT record_id FROM email_fts WHERE
   body LIKE ?1 ESCAPE '\';
 )";
 
-constexpr const char* testStatement = R"(SELECT record_id FROM email_fts WHERE rowid = ?2 AND (
-  subject LIKE ?1 ESCAPE '\' OR sender LIKE ?1 ESCAPE '\' OR
-  recipients LIKE ?1 ESCAPE '\' OR attachments LIKE ?1 ESCAPE '\' OR
-  body LIKE ?1 ESCAPE '\');
+constexpr const char* testStatement = R"(SELECT record_id FROM email_fts WHERE rowid = ?1 AND (
+  subject LIKE ?2 ESCAPE '\' OR sender LIKE ?2 ESCAPE '\' OR
+  recipients LIKE ?2 ESCAPE '\' OR attachments LIKE ?2 ESCAPE '\' OR
+  body LIKE ?2 ESCAPE '\');
 )";
 
 bool endedWell(const SqliteStatement& statement) {
@@ -66,6 +66,20 @@ bool isWorthLookingUp(sqlite3* database, std::int64_t limit) {
 
 void takeID(const SqliteStatement& row, SharedTextSet& ids) {
     if (const auto id = row.text(0)) ids.emplace(*id);
+}
+
+// The id that the statement gives for each row, its first value, if any. False after an error.
+bool addAnswers(SqliteStatement& statement, const std::vector<std::int64_t>& rows, SharedTextSet& ids) {
+    if (!statement) return false;
+    bool isSound = true;
+    for (const std::int64_t row : rows) {
+        statement.bindInteger(1, row);
+        if (statement.step()) takeID(statement, ids);
+        isSound = statement.status() == SQLITE_ROW || endedWell(statement);
+        statement.rewind();
+        if (!isSound) break;
+    }
+    return isSound;
 }
 
 } // namespace
@@ -111,29 +125,29 @@ std::int64_t highestRowID(sqlite3* database) {
     return last.step() ? last.integer(0) : 0;
 }
 
-RowTest::RowTest(sqlite3* database, unsigned flags)
-  : test_(database, testStatement, flags) {}
+RowLookups::RowLookups(sqlite3* database, unsigned flags)
+  : id_(database, "SELECT record_id FROM email_fts WHERE rowid = ?1;", flags)
+  , test_(database, testStatement, flags) {}
 
-std::optional<SharedTextSet> RowTest::idsOf(const std::vector<std::int64_t>& rows, std::string_view text) {
-    if (!test_) return std::nullopt;
+std::optional<SharedTextSet> RowLookups::idsHolding(std::string_view text,
+                                                    const std::vector<std::int64_t>& rows) {
     SharedTextSet ids;
-    test_.bindText(1, likePattern(text));
-    bool isSound = true;
-    for (const std::int64_t row : rows) {
-        test_.bindInteger(2, row);
-        if (test_.step()) takeID(test_, ids);
-        isSound = test_.status() == SQLITE_ROW || endedWell(test_);
-        test_.rewind();
-        if (!isSound) break;
-    }
+    test_.bindText(2, likePattern(text));
+    const bool isSound = addAnswers(test_, rows, ids);
     test_.reset();
     return isSound ? std::optional(std::move(ids)) : std::nullopt;
+}
+
+bool RowLookups::addIDs(const std::vector<std::int64_t>& rows, SharedTextSet& ids) {
+    const bool isSound = addAnswers(id_, rows, ids);
+    id_.reset();
+    return isSound;
 }
 
 TrigramStatements::TrigramStatements(sqlite3* database, unsigned flags)
   : database_(database)
   , candidates_(database, "SELECT rowid FROM email_fts WHERE email_fts MATCH ?1;", flags)
-  , test_(database, flags) {}
+  , lookups_(database, flags) {}
 
 std::optional<SharedTextSet> TrigramStatements::ids(std::string_view text) {
     const auto query = trigramQuery(text);
@@ -143,7 +157,7 @@ std::optional<SharedTextSet> TrigramStatements::ids(std::string_view text) {
     candidates_.bindText(1, *query);
     const auto rows = candidateRows();
     candidates_.reset();
-    return rows ? test_.idsOf(*rows, text) : std::nullopt;
+    return rows ? lookups_.idsHolding(text, *rows) : std::nullopt;
 }
 
 std::optional<std::vector<std::int64_t>> TrigramStatements::candidateRows() {

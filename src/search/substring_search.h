@@ -50,16 +50,20 @@ class Snapshot {
     platform::SqliteStatement read_;
 };
 
-// Asks LIKE of single rows. One thread at a time.
-class RowTest {
+// Reads single rows. One thread at a time.
+class RowLookups {
   public:
     // `flags` as of sqlite3_prepare_v3.
-    explicit RowTest(sqlite3* database, unsigned flags = 0);
+    explicit RowLookups(sqlite3* database, unsigned flags = 0);
 
     // The record ids of those rows that hold the text. Nothing after an error.
-    std::optional<SharedTextSet> idsOf(const std::vector<std::int64_t>& rows, std::string_view text);
+    std::optional<SharedTextSet> idsHolding(std::string_view text, const std::vector<std::int64_t>& rows);
+
+    // Adds the record ids of the rows. False after an error.
+    bool addIDs(const std::vector<std::int64_t>& rows, SharedTextSet& ids);
 
   private:
+    platform::SqliteStatement id_;
     platform::SqliteStatement test_;
 };
 
@@ -77,7 +81,7 @@ class TrigramStatements {
 
     sqlite3* database_;
     platform::SqliteStatement candidates_;
-    RowTest test_;
+    RowLookups lookups_;
 };
 
 } // namespace corvane::search

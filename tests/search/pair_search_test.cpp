@@ -15,7 +15,8 @@ using testing::SearchTest;
 const std::vector<std::string> characters = {"a", "A",  "k",  "K", "\u212A", "ſ",      "%",
                                              "_", "\\", "\"", " ", "会",     "议",     "😀",
                                              "é", "É",  "İ",  "ı", "\uFFFD", "\uFFFE", "\u0080"};
-const std::vector<std::string> broken = {std::string(1, '\0'), "\x80", "\xC3", "\xE4\xBC", "\xED\xA0\x80"};
+const std::vector<std::string> broken = {std::string(1, '\0'), "\x80", "\xC3", "\xE4\xBC", "\xED\xA0\x80",
+                                         "\xF0\x84\xBC\x9A"}; // 会, but in four bytes
 
 // All texts of up to two of the characters, alone and as an end, a beginning and a middle.
 std::vector<std::string> columnTexts() {
