@@ -62,15 +62,6 @@ std::optional<std::string> beginningOfTerms(sqlite3* database, std::string_view 
     return token;
 }
 
-// U+3400 to U+9FFF; in UTF-8 they compare as bytes do.
-bool areIdeographs(std::string_view pair) {
-    constexpr std::size_t size = 3;
-    const auto isOne = [](std::string_view character) {
-        return character >= "\xE3\x90\x80" && character <= "\xE9\xBF\xBF";
-    };
-    return pair.size() == 2 * size && isOne(pair.substr(0, size)) && isOne(pair.substr(size));
-}
-
 bool isInUtf8(sqlite3* database) {
     SqliteStatement encoding(database, "PRAGMA encoding;");
     return encoding.step() && encoding.text(0) == "UTF-8";

@@ -3,9 +3,8 @@
 //
 // A pair is no trigram, but where a column holds it, either a trigram of the column begins with it, or the
 // column ends with it. The first rows are named by a range of the index's terms, the second ones by
-// ColumnEnds; LIKE then decides on both. The tokenizer itself tells how it folds the pair. Ideographs have no
-// case: nothing else folds to one, so the rows whose trigrams begin with two of them hold the pair, and LIKE
-// isn't asked again; that makes common words worth looking up that would be read for nothing. A pair is left
+// ColumnEnds; LIKE then decides on both. The tokenizer itself tells how it folds the pair. Of
+// ideographs the first rows are certain. A pair is left
 // to the plain statement when it isn't sound UTF-8, holds U+0000 or a character that SQLite reads as another
 // one, when the database isn't in UTF-8 (its terms then don't compare by bytes), when too many rows hold it,
 // and whenever anything fails.

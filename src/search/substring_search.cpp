@@ -19,9 +19,10 @@ constexpr std::size_t charactersOfWholePhrase = 32;
 constexpr std::size_t pieceCount = 4;
 constexpr std::size_t charactersOfPiece = 8;
 
-// Looking up a row costs about as much as reading two in order. Naming the rows costs something, too, and is
-// for nothing where they turn out to be too many.
-constexpr std::int64_t rowsOfTableForOneLookup = 16;
+// Looking up a row and asking LIKE costs about as much as reading two in order. Naming the rows costs
+// something, too, and is for nothing where they turn out to be too many.
+constexpr std::int64_t rowsOfTableForOneTest = 16;
+constexpr std::int64_t rowsOfTableForOneLookup = 5; // where LIKE isn't asked
 constexpr std::int64_t fewestLookups = 64;
 
 // Hashing tens of thousands of ids again and again takes as long as finding them does.
@@ -57,11 +58,6 @@ std::string quotedPhrase(std::string_view text) {
     std::string phrase = "\"";
     for (const char character : text) phrase.append(character == '"' ? 2 : 1, character);
     return phrase += '"';
-}
-
-// Whether looking up more rows than a few one by one is quicker than reading all.
-bool isWorthLookingUp(sqlite3* database, std::int64_t limit) {
-    return limit <= highestRowID(database) / rowsOfTableForOneLookup;
 }
 
 void takeID(const SqliteStatement& row, SharedTextSet& ids) {
@@ -109,6 +105,16 @@ std::optional<std::string> trigramQuery(std::string_view text) {
     return query;
 }
 
+bool areIdeographs(std::string_view text) {
+    constexpr std::size_t size = 3; // in UTF-8, where they compare as bytes do
+    bool are = true;
+    for (std::size_t i = 0; are && i < text.size(); i += size) {
+        const std::string_view character = text.substr(i, size);
+        are = character >= "\xE3\x90\x80" && character <= "\xE9\xBF\xBF";
+    }
+    return are;
+}
+
 std::optional<SharedTextSet> idsByScan(sqlite3* database, std::string_view text) {
     SqliteStatement scan(database, scanStatement);
     if (!scan) return std::nullopt;
@@ -154,20 +160,22 @@ std::optional<SharedTextSet> TrigramStatements::ids(std::string_view text) {
     if (!query || !candidates_) return std::nullopt;
     const Snapshot snapshot(database_);
     if (!snapshot) return std::nullopt;
+    const bool isCertain = areIdeographs(text) && text.size() <= 3 * charactersOfWholePhrase;
     candidates_.bindText(1, *query);
-    const auto rows = candidateRows();
+    const auto rows = candidateRows(isCertain ? rowsOfTableForOneLookup : rowsOfTableForOneTest);
     candidates_.reset();
-    return rows ? lookups_.idsHolding(text, *rows) : std::nullopt;
+    if (!rows) return std::nullopt;
+    if (!isCertain) return lookups_.idsHolding(text, *rows);
+    SharedTextSet ids;
+    return lookups_.addIDs(*rows, ids) ? std::optional(std::move(ids)) : std::nullopt;
 }
 
-std::optional<std::vector<std::int64_t>> TrigramStatements::candidateRows() {
+std::optional<std::vector<std::int64_t>> TrigramStatements::candidateRows(std::int64_t rowsOfTableForOne) {
+    const std::int64_t limit = std::max(fewestLookups, highestRowID(database_) / rowsOfTableForOne);
     std::vector<std::int64_t> rows;
-    std::int64_t limit = fewestLookups;
     while (candidates_.step()) {
         rows.push_back(candidates_.integer(0));
-        if (std::ssize(rows) < limit) continue;
-        limit *= 2;
-        if (!isWorthLookingUp(database_, limit)) return std::nullopt;
+        if (std::ssize(rows) > limit) return std::nullopt;
     }
     if (!endedWell(candidates_)) return std::nullopt;
     return rows;

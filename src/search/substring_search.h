@@ -6,9 +6,11 @@
 // - both read a text's bytes as the same characters, ill-formed ones too, and both stop at U+0000;
 // - the tokenizer folds one character to one, and folds the ASCII letters as LIKE does, so characters that
 //   are equal for LIKE have equal folds, and what LIKE finds in a column is in its sequence of trigrams.
-// A text is left to LIKE alone when it has fewer than three characters (but see pair_search.h), holds U+0000
-// (where LIKE takes the pattern to end) or isn't UTF-8, when the table isn't ours, when the index names so
-// many rows that looking them up takes longer than reading all, and whenever anything fails.
+// Ideographs have no case, and nothing else folds to one: of a text of nothing else the index names no row
+// too many, and LIKE isn't asked again. That makes common words worth looking up. A text is left to LIKE
+// alone when it has fewer than three characters (but see pair_search.h), holds U+0000 (where LIKE takes the
+// pattern to end) or isn't UTF-8, when the table isn't ours, when the index names so many rows that looking
+// them up takes longer than reading all, and whenever anything fails.
 #pragma once
 
 #include <cstdint>
@@ -28,6 +30,9 @@ std::string likePattern(std::string_view text);
 // A query of FTS5's own language for rows that may hold the text; nothing for a text that the index can't be
 // asked for. It has a bounded number of trigrams, however long the text is.
 std::optional<std::string> trigramQuery(std::string_view text);
+
+// Nothing but U+3400 to U+9FFF. The text has to be well-formed.
+bool areIdeographs(std::string_view text);
 
 // The record ids of all rows that hold the text. Nothing after an error, whose code `database` then knows.
 std::optional<SharedTextSet> idsByScan(sqlite3* database, std::string_view text);
@@ -77,7 +82,7 @@ class TrigramStatements {
     std::optional<SharedTextSet> ids(std::string_view text);
 
   private:
-    std::optional<std::vector<std::int64_t>> candidateRows();
+    std::optional<std::vector<std::int64_t>> candidateRows(std::int64_t rowsOfTableForOne);
 
     sqlite3* database_;
     platform::SqliteStatement candidates_;
