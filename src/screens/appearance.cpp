@@ -41,6 +41,13 @@ Appearance* Appearance::create(QQmlEngine* /*qmlEngine*/, QJSEngine* /*jsEngine*
     return theAppearance;
 }
 
+QFont Appearance::windowFont(int pixels) const {
+    QFont font = QGuiApplication::font();
+    font.setFamilies(font.families());
+    font.setPixelSize(pixels);
+    return font;
+}
+
 bool Appearance::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::ApplicationPaletteChange) follow();
     return QObject::eventFilter(watched, event);

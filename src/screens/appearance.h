@@ -4,6 +4,7 @@
 
 #include <optional>
 
+#include <QFont>
 #include <QObject>
 #include <QStringList>
 #include <QtQml/qqmlregistration.h>
@@ -35,6 +36,9 @@ class Appearance : public QObject {
     [[nodiscard]] bool dark() const { return dark_; }
 
     [[nodiscard]] bool reducedMotion() const { return reducedMotion_; }
+
+    // The window's font with all its families, which a control doesn't take from the application by itself.
+    Q_INVOKABLE [[nodiscard]] QFont windowFont(int pixels) const;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 

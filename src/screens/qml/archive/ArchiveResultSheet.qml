@@ -1,4 +1,6 @@
 // What came of a run: figures that add up to what was chosen, what failed and why, what has several versions.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Corvane

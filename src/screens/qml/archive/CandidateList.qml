@@ -1,4 +1,6 @@
 // The candidates with their ticks. Space and a click on the box tick; with Shift everything from the last one on.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T

@@ -1,4 +1,6 @@
 // One place for the archive.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Templates as T
 import Corvane
@@ -21,8 +23,8 @@ T.AbstractButton {
     Accessible.checkable: true
     Accessible.checked: chosen
 
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     background: Rectangle {
         radius: Theme.radiusLarge

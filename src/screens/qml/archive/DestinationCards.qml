@@ -1,5 +1,7 @@
 // The places at one press. They share the width and wrap where they would become too narrow; arrows go from card to
 // card.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Corvane
 

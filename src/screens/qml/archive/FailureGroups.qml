@@ -1,5 +1,7 @@
 // Failures by reason. Each of `groups` has a `count`, a `reason`, its `subjects`, and what is to be said of those that
 // aren't listed in `more`.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Corvane

@@ -1,5 +1,7 @@
 // The folders in the shown folder. A row that is selected would be the archive's place; Return, Right or a double click
 // go into it, Left and Backspace go up, letters find a name.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Templates as T
 import Corvane

@@ -1,4 +1,6 @@
 // Where one begins: the user's own folder, cloud folders, external disks, the whole disk.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Templates as T
 import Corvane

@@ -6,13 +6,14 @@ import Corvane
 T.Menu {
     id: menu
 
-    implicitWidth: Math.max(160, contentItem.widestRow)
-    implicitHeight: contentItem.contentHeight + topPadding + bottomPadding
+    implicitWidth: Math.max(160, rows.widestRow)
+    implicitHeight: rows.contentHeight + topPadding + bottomPadding
     verticalPadding: Theme.half
     margins: Theme.space
     delegate: AppMenuRow {}
 
     contentItem: ListView {
+        id: rows
         // The widest row; a ListView knows only its own width.
         readonly property real widestRow: {
             let widest = 0;

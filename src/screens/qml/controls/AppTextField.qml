@@ -19,7 +19,7 @@ T.TextField {
     selectionColor: Theme.accentFill
     selectedTextColor: Theme.textOnAccent
     // The platform's own font for fields knows nothing of the window's families.
-    font: placeholder.font
+    font: Theme.fieldFont
     selectByMouse: true
     maximumLength: 5000
     Accessible.name: name
@@ -31,7 +31,6 @@ T.TextField {
         border.color: field.showFocus ? Theme.accent : !field.enabled ? Theme.line : Theme.lineStrong
 
         AppText {
-            id: placeholder
             anchors.verticalCenter: parent.verticalCenter
             x: field.leftPadding
             width: parent.width - 2 * x

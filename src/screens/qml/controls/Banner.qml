@@ -1,5 +1,7 @@
 // What the user must know before anything else on a screen; at most one a screen. `compact` puts all lines on one.
 // Buttons are its children and stand at the right.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Corvane
@@ -25,7 +27,7 @@ Rectangle {
     color: Theme.toneBackground(kind)
     border.color: Theme.toneLine(kind)
     Accessible.role: Accessible.AlertMessage
-    Accessible.name: [headline].concat(lines).join("，")
+    Accessible.name: headline + (headline.length > 0 && lines.length > 0 ? "，" : "") + lines.join("，")
 
     RowLayout {
         id: layout
@@ -61,7 +63,7 @@ Rectangle {
                 delegate: AppText {
                     required property string modelData
                     Layout.fillWidth: true
-                    Layout.maximumWidth: banner.lineMeasure > 0 ? banner.lineMeasure : Number.POSITIVE_INFINITY
+                    Layout.maximumWidth: banner.lineMeasure > 0 ? banner.lineMeasure : Infinity
                     text: modelData
                     wrapMode: Text.Wrap
                     Accessible.ignored: true

@@ -1,4 +1,6 @@
 // One of several choices, shown as its value; the others in a popup. `activated` says which one was chosen.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Templates as T
 import Corvane

@@ -9,7 +9,7 @@ Rectangle {
     property bool indeterminate: false
     property int thickness: Theme.progressHeight
     property string name: "进度"
-    property real phase: 0
+    property real phase
     readonly property real shown: Math.max(0, Math.min(1, value))
     readonly property int tenths: Math.floor(shown * 10)
 

@@ -24,7 +24,7 @@ T.TextField {
     selectionColor: Theme.accentFill
     selectedTextColor: Theme.textOnAccent
     // The platform's own font for fields knows nothing of the window's families.
-    font: placeholder.font
+    font: Theme.fieldFont
     selectByMouse: true
     hoverEnabled: true
     maximumLength: 500
@@ -70,7 +70,6 @@ T.TextField {
             }
         }
         AppText {
-            id: placeholder
             anchors.verticalCenter: parent.verticalCenter
             x: field.leftPadding
             width: parent.width - x - 8

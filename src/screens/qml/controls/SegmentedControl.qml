@@ -1,4 +1,6 @@
 // One of a few choices, all in view. It says what was chosen by `activated` and leaves `currentIndex` to its owner.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Templates as T
 import Corvane

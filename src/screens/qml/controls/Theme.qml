@@ -74,6 +74,7 @@ QtObject {
     readonly property int bodyLine: 20
     readonly property int messageLine: 22
     readonly property int noteSize: 12
+    readonly property font fieldFont: Appearance.windowFont(bodySize)
     readonly property int noteLine: 18
     readonly property int regular: Font.Normal
     readonly property int medium: Font.Medium

@@ -3,6 +3,8 @@
 // Each of `years` has `year`, `archived`, `unarchived`, `serverOnly` (numbers) and `ticked`. `chosenYear` is the year
 // that the rest of the screen is narrowed to, 0 for none. A press on a column asks by `yearChosen`, a second one or
 // Escape by `yearCleared`; the owner changes `chosenYear`. Left and Right go from column to column.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Corvane
 

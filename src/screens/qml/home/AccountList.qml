@@ -1,4 +1,6 @@
 // The accounts; the chosen one is what the tree and the figures show.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Templates as T
 import Corvane

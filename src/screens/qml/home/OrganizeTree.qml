@@ -1,5 +1,7 @@
 // The tree account, year, folder with its ticks. A click on the box or Space ticks, a click on the row selects; Left and
 // Right close and open, or go to the parent and the first child.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Templates as T
 import Corvane

@@ -10,6 +10,7 @@ TableHead {
     color: "transparent"
 
     TickBox {
+        id: all
         objectName: "tickAllBox"
         x: 8
         anchors.verticalCenter: parent.verticalCenter
@@ -19,7 +20,7 @@ TableHead {
         onClicked: head.tree.toggleAllTicks()
 
         AppToolTip {
-            shown: parent.hovered
+            shown: all.hovered
             text: head.tree.tickHelp
         }
     }

@@ -1,4 +1,6 @@
 // The accounts that a scan reads. Each of `entries` has a `symbol`, a `name` and a `line`.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Corvane

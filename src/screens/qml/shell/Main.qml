@@ -1,4 +1,6 @@
 // The one window of the program. The entry places and shows it.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Window
 import Corvane

@@ -1,4 +1,6 @@
 // What concerns the whole program, above every screen: samples for a computer without Mail, a missing font.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Corvane
 

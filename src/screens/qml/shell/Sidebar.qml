@@ -1,4 +1,6 @@
 // The sidebar: the places of the window above, where the archive lies and what is running below.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Window
 import Corvane
