@@ -13,7 +13,6 @@ T.TextField {
     implicitHeight: Theme.controlHeight
     leftPadding: 10
     rightPadding: 10
-    topPadding: 4
     verticalAlignment: TextInput.AlignVCenter
     color: enabled ? Theme.text1 : Theme.disabled
     selectionColor: Theme.accentFill

@@ -18,7 +18,6 @@ T.TextField {
     implicitHeight: Theme.controlHeight
     leftPadding: 32
     rightPadding: 30
-    topPadding: 4
     verticalAlignment: TextInput.AlignVCenter
     color: enabled ? Theme.text1 : Theme.disabled
     selectionColor: Theme.accentFill
