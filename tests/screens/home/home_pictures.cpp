@@ -72,10 +72,7 @@ void scanHalfWay(WindowScene& scene, QQuickWindow&) {
     QEventLoop loop;
     HomeScreen& home = *scene.window().home();
     QObject::connect(&home, &HomeScreen::stateChanged, &loop, [&] {
-        const QString line = home.scanLine();
-        const bool hasCount =
-            line.startsWith(QStringLiteral("已扫描")) && !line.contains(QStringLiteral(" 0 "));
-        if (!home.isScanning() || hasCount) loop.quit();
+        if (!home.isScanning() || home.scanLine().startsWith(QStringLiteral("已扫描"))) loop.quit();
     });
     home.updateMailData();
     loop.exec();
