@@ -92,6 +92,26 @@ void ArchiveCandidatesModel::toggleTick(int row) {
     Q_EMIT selectionSummed();
 }
 
+void ArchiveCandidatesModel::toggleTicks(int row) {
+    if (selection().count() < 2 || !selection().isSelected(row)) return toggleTick(row);
+    tickTask_.start(TaskPriority::userInitiated,
+                    [this, all = messages(), rows = selection().rows(), ticked = !isTicked(*message(row)),
+                     ids = std::make_shared<SharedTextSet>(model_.archive().selectedArchiveMessageIDs())](
+                        const TaskHandle& task) {
+                        for (const auto& range : rows.ranges()) {
+                            for (int each = range.first; each < range.end; ++each) {
+                                const SharedText& id = (*all)[static_cast<std::size_t>(each)].id;
+                                if (ticked) {
+                                    ids->insert(id);
+                                } else {
+                                    ids->erase(id);
+                                }
+                            }
+                        }
+                        task.onMain([this, ids] { model_.archive().setArchiveSelection(std::move(*ids)); });
+                    });
+}
+
 void ArchiveCandidatesModel::tickRange(int row) {
     const MailMessageRecord* const message = this->message(row);
     if (message == nullptr) return;

@@ -14,6 +14,7 @@ class ArchiveCandidatesModel : public MessageListModel {
     QML_ELEMENT
     QML_UNCREATABLE("part of the archive sheet")
     Q_PROPERTY(int tickState READ tickState NOTIFY selectionSummed)
+    Q_PROPERTY(corvane::ListSelection* selection READ rowSelection CONSTANT)
 
   public:
     enum CandidateRole { TickedRole = SelectedRole + 1 };
@@ -29,6 +30,9 @@ class ArchiveCandidatesModel : public MessageListModel {
     // Shows nothing, and takes nothing that is still under way.
     void clear();
 
+    // The rows that are selected, which says nothing of their ticks.
+    [[nodiscard]] ListSelection* rowSelection() { return &selection(); }
+
     [[nodiscard]] bool isLoading() const { return isLoading_; }
 
     [[nodiscard]] std::int64_t selectedCount() const { return selectedCount_; }
@@ -39,6 +43,9 @@ class ArchiveCandidatesModel : public MessageListModel {
     [[nodiscard]] int tickState() const;
 
     Q_INVOKABLE void toggleTick(int row);
+
+    // Of all selected rows where this is one of them: they take the tick that it gets.
+    Q_INVOKABLE void toggleTicks(int row);
 
     // Ticks everything from the row that was ticked last.
     Q_INVOKABLE void tickRange(int row);

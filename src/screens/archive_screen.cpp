@@ -6,6 +6,7 @@
 
 #include "platform/paths.h"
 #include "screens/archive_texts.h"
+#include "screens/message_lines.h"
 #include "screens/shown_figures.h"
 #include "screens/shown_text.h"
 
@@ -21,7 +22,8 @@ ArchiveScreen::ArchiveScreen(CorvaneViewModel& model, OrganizeData& data, Deskto
   , quickDestinations_(model)
   , folderPicker_(model)
   , progress_(model.archive())
-  , prepareTask_(model.context().tasks) {
+  , prepareTask_(model.context().tasks)
+  , copyTask_(model.context().tasks) {
     wire();
 }
 
@@ -162,6 +164,17 @@ void ArchiveScreen::retryFailed() {
 
 void ArchiveScreen::copyFailures() {
     desktop_.copy(screens::failureList(failures_));
+}
+
+void ArchiveScreen::copyCandidates() {
+    copyTask_.start(TaskPriority::userInitiated,
+                    [this, messages = candidates_.messages(),
+                     rows = candidates_.selection().rows()](const TaskHandle& task) {
+                        const QString lines = screens::messageLines(*messages, rows, task.stopToken());
+                        task.onMain([this, lines] {
+                            if (!lines.isEmpty()) desktop_.copy(lines);
+                        });
+                    });
 }
 
 void ArchiveScreen::chooseDestination(const QUrl& folder) {

@@ -129,6 +129,9 @@ class ArchiveScreen : public QObject {
     Q_INVOKABLE void retryFailed();
     Q_INVOKABLE void copyFailures();
 
+    // The selected candidates as lines of text. Large selections arrive a moment later.
+    Q_INVOKABLE void copyCandidates();
+
     // Not during a run.
     Q_INVOKABLE void close();
 
@@ -167,6 +170,7 @@ class ArchiveScreen : public QObject {
     ArchiveResultView result_;
     std::set<std::int64_t> yearsBefore_; // of the candidates' filter, given back at the end
     TaskSlot prepareTask_;
+    TaskSlot copyTask_;
 };
 
 } // namespace corvane

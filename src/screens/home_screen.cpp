@@ -327,6 +327,11 @@ void HomeScreen::openArchive(bool everything) {
         [overview = data_.overview(), ticks] { return ticks.organizeSelectedMessageIDs(*overview); }, years});
 }
 
+void HomeScreen::copyTreeRows() {
+    const QString lines = tree_.selectedLines();
+    if (!lines.isEmpty()) desktop_.copy(lines);
+}
+
 void HomeScreen::updateMailData() {
     if (canUpdate()) model_.scanFlow().refreshAllMailData();
 }

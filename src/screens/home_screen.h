@@ -132,6 +132,9 @@ class HomeScreen : public QObject {
     Q_INVOKABLE void chooseAccount(int row);
     Q_INVOKABLE void clearScope();
 
+    // The selected rows of the tree as lines of text.
+    Q_INVOKABLE void copyTreeRows();
+
     Q_INVOKABLE void updateMailData();
     Q_INVOKABLE void cancelScan();
     Q_INVOKABLE void recheckAccess();

@@ -1,21 +1,13 @@
 // What the user can do with the selected messages of the mail list.
 #include <QUrl>
 
-#include "records/formatters.h"
 #include "screens/mail_list_screen.h"
+#include "screens/message_lines.h"
 #include "screens/shown_text.h"
 
 namespace corvane {
 
 namespace {
-
-// The date goes first: a table program that takes the line in sees no formula.
-void appendLine(QString& lines, const MailMessageRecord& message) {
-    lines += screens::wholeText(message.formattedDate()) + QStringLiteral(" · ") +
-             screens::shownLine(message.sender) + QStringLiteral(" · ") +
-             screens::shownLine(message.subject) + QStringLiteral(" · ") +
-             screens::wholeText(formatByteCount(message.messageSize)) + u'\n';
-}
 
 // Apple Mail's scheme. Without "//": an identifier is no name of a host that QUrl would take.
 QUrl mailURL(std::string_view messageID) {
@@ -37,16 +29,9 @@ std::string_view addressOf(std::string_view sender) {
 void MailListScreen::copySelection() {
     copyTask_.start(TaskPriority::userInitiated, [this, rows = list_.selection().rows(),
                                                   messages = list_.messages()](const TaskHandle& task) {
-        auto lines = std::make_shared<QString>();
-        for (const auto& range : rows.ranges()) {
-            for (int row = range.first; row < range.end; ++row) {
-                if (task.isCancelled()) return;
-                appendLine(*lines, (*messages)[static_cast<std::size_t>(row)]);
-            }
-        }
-        lines->chop(1);
+        const QString lines = screens::messageLines(*messages, rows, task.stopToken());
         task.onMain([this, lines] {
-            if (!lines->isEmpty()) desktop_.copy(*lines);
+            if (!lines.isEmpty()) desktop_.copy(lines);
         });
     });
 }

@@ -191,7 +191,9 @@ MailListScreen::State MailListScreen::currentState() const {
     const ScanFlow& scan = model_.scanFlow();
     if (scan.state().isScanning()) return State::Scanning;
     if (!model_.catalog().messages()->empty()) {
-        if (isUpdating_ || !model_.visible().isCurrent()) return State::Loading;
+        // A list without rows stays as it is until the next one is there.
+        if (isUpdating_ || !model_.visible().isCurrent())
+            return state_ == State::NoMatch ? State::NoMatch : State::Loading;
         return filters_.narrows() ? State::NoMatch : State::NothingLocal;
     }
     if (model_.diskAccess().needsFullDiskAccess()) return State::NoAccess;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unordered_map>
 
 #include "screens/shown_figures.h"
 #include "screens/shown_text.h"
@@ -60,7 +61,9 @@ double largestYear(const OrganizeOverview& overview, const OrganizeScope& scope)
 } // namespace
 
 OrganizeTreeModel::OrganizeTreeModel(QObject* parent)
-  : RowListModel(parent) {}
+  : RowListModel(parent) {
+    connect(&selection_, &ListSelection::selectionChanged, this, &OrganizeTreeModel::tellSelected);
+}
 
 int OrganizeTreeModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(rows_.size());
@@ -77,7 +80,8 @@ QHash<int, QByteArray> OrganizeTreeModel::roleNames() const {
             {ExpandableRole, "expandable"},
             {TickHelpRole, "tickHelp"},
             {ExpandHelpRole, "expandHelp"},
-            {AccessibleTextRole, "accessibleText"}};
+            {AccessibleTextRole, "accessibleText"},
+            {SelectedRole, "selected"}};
 }
 
 QVariant OrganizeTreeModel::data(const QModelIndex& index, int role) const {
@@ -106,6 +110,8 @@ QVariant OrganizeTreeModel::data(const QModelIndex& index, int role) const {
         return row.isExpandable ? expandHelpOf(row.level, row.isExpanded) : QString();
     case AccessibleTextRole:
         return accessibleText(row);
+    case SelectedRole:
+        return selection_.isSelected(index.row());
     default:
         return {};
     }
@@ -163,7 +169,36 @@ void OrganizeTreeModel::addYear(std::vector<Row>& rows, std::size_t section, std
 }
 
 void OrganizeTreeModel::show() {
+    std::vector<std::string> earlierKeys;
+    earlierKeys.reserve(rows_.size());
+    for (const Row& row : rows_) earlierKeys.push_back(row.key);
     updateRows(rows_, makeRows(), [](const Row& row) { return std::string_view(row.key); });
+    selectionFollows(earlierKeys);
+}
+
+// Where the current row has gone, what stood above it is the current one: the year whose folders were closed.
+void OrganizeTreeModel::selectionFollows(const std::vector<std::string>& earlierKeys) {
+    std::unordered_map<std::string_view, int> rowOfKey;
+    for (int row = 0; row < rowCount(); ++row)
+        rowOfKey.emplace(rows_[static_cast<std::size_t>(row)].key, row);
+    std::vector<int> newRows;
+    newRows.reserve(earlierKeys.size());
+    for (const std::string& key : earlierKeys) {
+        const auto found = rowOfKey.find(key);
+        newRows.push_back(found == rowOfKey.end() ? -1 : found->second);
+    }
+    int current = selection_.currentRow();
+    const bool isLost = current >= 0 && newRows[static_cast<std::size_t>(current)] < 0;
+    while (current >= 0 && newRows[static_cast<std::size_t>(current)] < 0) --current;
+    selection_.remap(newRows, rowCount());
+    if (isLost) selection_.select(current < 0 ? 0 : newRows[static_cast<std::size_t>(current)]);
+    // What a view asked for while rows went and came was told by the rows of before.
+    tellSelected(0, rowCount() - 1);
+}
+
+void OrganizeTreeModel::tellSelected(int first, int last) {
+    last = std::min(last, rowCount() - 1);
+    if (first <= last) Q_EMIT dataChanged(index(first), index(last), {SelectedRole});
 }
 
 void OrganizeTreeModel::setOverview(SharedOrganizeOverview overview) {
@@ -201,15 +236,42 @@ void OrganizeTreeModel::clearTicks() {
 void OrganizeTreeModel::toggleTick(int row) {
     if (row < 0 || row >= rowCount()) return;
     const Row& shown = rows_[static_cast<std::size_t>(row)];
+    setTick(shown, shown.tick != TickState::on);
+    ticksWereChanged();
+}
+
+void OrganizeTreeModel::toggleTicks(int row) {
+    if (!selection_.isSelected(row)) return toggleTick(row);
+    const bool ticked = rows_[static_cast<std::size_t>(row)].tick != TickState::on;
+    for (const auto& range : selection_.rows().ranges()) {
+        for (int each = range.first; each < range.end; ++each)
+            setTick(rows_[static_cast<std::size_t>(each)], ticked);
+    }
+    ticksWereChanged();
+}
+
+void OrganizeTreeModel::setTick(const Row& shown, bool ticked) {
     const auto& section = overview_->sections[shown.section];
-    const bool ticked = shown.tick != TickState::on;
     if (shown.level == Account) ticks_.setSection(section, scope_, ticked);
     if (shown.level == Year) ticks_.setYear(section.years[shown.year], ticked);
     if (shown.level == Folder) {
         const OrganizeYearGroup& year = section.years[shown.year];
         ticks_.setFolder(year, year.folders[shown.folder], ticked);
     }
-    ticksWereChanged();
+}
+
+QString OrganizeTreeModel::selectedLines() const {
+    QStringList lines;
+    for (const auto& range : selection_.rows().ranges()) {
+        for (int row = range.first; row < range.end; ++row) {
+            const Row& shown = rows_[static_cast<std::size_t>(row)];
+            QStringList parts{shown.title, shownMessageCount(shown.count), shownSize(shown.bytes)};
+            for (int above = parentRow(row); above >= 0; above = parentRow(above))
+                parts.prepend(rows_[static_cast<std::size_t>(above)].title);
+            lines += parts.join(QStringLiteral(" · "));
+        }
+    }
+    return lines.join(u'\n');
 }
 
 void OrganizeTreeModel::setAllTicks(bool ticked) {

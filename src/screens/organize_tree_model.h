@@ -9,6 +9,7 @@
 
 #include <QtQml/qqmlregistration.h>
 
+#include "screens/list_selection.h"
 #include "screens/organize_sections.h"
 #include "screens/organize_ticks.h"
 #include "screens/row_list_model.h"
@@ -21,6 +22,7 @@ class OrganizeTreeModel : public RowListModel {
     QML_UNCREATABLE("part of the home screen")
     Q_PROPERTY(int tickState READ tickState NOTIFY ticksChanged)
     Q_PROPERTY(QString tickHelp READ tickHelp NOTIFY ticksChanged)
+    Q_PROPERTY(corvane::ListSelection* selection READ selection CONSTANT)
 
   public:
     enum Level { Account, Year, Folder };
@@ -42,6 +44,7 @@ class OrganizeTreeModel : public RowListModel {
         TickHelpRole,
         ExpandHelpRole,
         AccessibleTextRole,
+        SelectedRole,
     };
 
     explicit OrganizeTreeModel(QObject* parent = nullptr);
@@ -62,10 +65,15 @@ class OrganizeTreeModel : public RowListModel {
     [[nodiscard]] int tickState() const;
     [[nodiscard]] QString tickHelp() const;
 
+    [[nodiscard]] ListSelection* selection() { return &selection_; }
+
     // What was ticked is done with.
     void clearTicks();
 
     Q_INVOKABLE void toggleTick(int row);
+
+    // Of all selected rows where this is one of them: they take the tick that it gets.
+    Q_INVOKABLE void toggleTicks(int row);
     Q_INVOKABLE void toggleAllTicks();
     Q_INVOKABLE void tickAll();
     Q_INVOKABLE void setExpanded(int row, bool expanded);
@@ -73,6 +81,9 @@ class OrganizeTreeModel : public RowListModel {
     // For the arrow keys; -1 when there is none.
     Q_INVOKABLE [[nodiscard]] int parentRow(int row) const;
     Q_INVOKABLE [[nodiscard]] int firstChildRow(int row) const;
+
+    // The selected rows as lines of text, each with what it stands under.
+    [[nodiscard]] QString selectedLines() const;
 
   Q_SIGNALS:
     void ticksChanged();
@@ -99,6 +110,9 @@ class OrganizeTreeModel : public RowListModel {
     [[nodiscard]] std::vector<Row> makeRows() const;
     void addYear(std::vector<Row>& rows, std::size_t section, std::size_t year, double wholeBytes) const;
     void show();
+    void selectionFollows(const std::vector<std::string>& earlierKeys);
+    void tellSelected(int first, int last);
+    void setTick(const Row& row, bool ticked);
     void setAllTicks(bool ticked);
     void ticksWereChanged();
     [[nodiscard]] QString accessibleText(const Row& row) const;
@@ -109,6 +123,7 @@ class OrganizeTreeModel : public RowListModel {
     std::set<std::string> collapsedAccountKeys_;
     std::set<std::string> expandedOrganizeYearKeys_;
     std::vector<Row> rows_;
+    ListSelection selection_;
 };
 
 } // namespace corvane

@@ -64,6 +64,27 @@ TEST_F(ArchiveSheet, OffersWhatWasTickedAndArchivesWhatStaysTicked) {
     EXPECT_EQ(model_.archive().archiveCandidates()->size(), 2U);
 }
 
+TEST_F(ArchiveSheet, SelectedCandidatesAreTickedTogetherAndCopied) {
+    publishThree();
+    archiveScreen_.open(std::make_shared<const SharedTextSet>(*model_.catalog().locallyAvailableIDs()));
+    settle();
+    ASSERT_EQ(candidates_.count(), 3);
+    candidates_.rowSelection()->select(2);
+    candidates_.rowSelection()->extendTo(1);
+    archiveScreen_.copyCandidates();
+    candidates_.toggleTicks(1);
+    settle();
+    EXPECT_EQ(desktop_.copied.count(u'\n'), 1) << desktop_.copied.toStdString();
+    EXPECT_EQ(archiveScreen_.tickedText(), QStringLiteral("已勾选 1 封，共 3 封"));
+    candidates_.toggleTick(2);
+    candidates_.toggleTicks(1); // one of the two is ticked: they take what the row at the keyboard gets
+    settle();
+    EXPECT_EQ(candidates_.tickState(), 1);
+    candidates_.rowSelection()->select(0);
+    candidates_.toggleTicks(0);
+    EXPECT_EQ(archiveScreen_.tickedText(), QStringLiteral("已勾选 2 封，共 3 封"));
+}
+
 TEST_F(ArchiveSheet, FiltersOfOtherScreensTakeNothingFromWhatWasTicked) {
     publishThree();
     chooseDestination(home_.at("x"));

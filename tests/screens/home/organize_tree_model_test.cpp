@@ -165,5 +165,29 @@ TEST_F(OrganizeTree, StatisticsShowYearsThatCannotBeOpened) {
     EXPECT_EQ(at(1, Role::TickRole).toInt(), OrganizeTreeModel::Ticked);
 }
 
+TEST_F(OrganizeTree, SelectedRowsAreTickedTogetherAndFollowTheirRows) {
+    show(sample);
+    open("2019 年");
+    ListSelection& selection = *tree_.selection();
+    selection.select(rowOf("甲"));
+    selection.extendTo(rowOf("乙"));
+    tree_.toggleTicks(rowOf("乙"));
+    EXPECT_EQ(at(rowOf("2019 年"), Role::TickRole).toInt(), OrganizeTreeModel::Ticked);
+    EXPECT_EQ(at(rowOf("2020 年"), Role::TickRole).toInt(), OrganizeTreeModel::Unticked);
+    const QStringList lines = tree_.selectedLines().split(u'\n');
+    ASSERT_EQ(lines.size(), 2);
+    for (const QString& line : lines) EXPECT_EQ(line.count(QStringLiteral(" · ")), 4) << line.toStdString();
+
+    tree_.setExpanded(rowOf("2019 年"), false);
+    EXPECT_EQ(selection.currentRow(), rowOf("2019 年")) << "the keyboard stays where the folders were";
+    EXPECT_EQ(selection.count(), 1);
+    selection.select(rowOf("2020 年"));
+    open("2019 年");
+    EXPECT_EQ(selection.currentRow(), rowOf("2020 年"));
+    EXPECT_TRUE(at(rowOf("2020 年"), Role::SelectedRole).toBool());
+    tree_.toggleTicks(rowOf("甲")); // not among the selected ones
+    EXPECT_EQ(at(rowOf("2020 年"), Role::TickRole).toInt(), OrganizeTreeModel::Unticked);
+}
+
 } // namespace
 } // namespace corvane

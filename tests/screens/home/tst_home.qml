@@ -87,15 +87,15 @@ Item {
             keyClick(Qt.Key_Right);
             verify(row("2018 年").expanded);
             keyClick(Qt.Key_Right);
-            compare(tree.currentIndex, 2);
+            compare(home.tree.selection.currentRow, 2);
             keyClick(Qt.Key_Space);
             compare(row("2018 年").tick, OrganizeTreeModel.Mixed);
             keyClick(Qt.Key_Left);
-            compare(tree.currentIndex, 1);
+            compare(home.tree.selection.currentRow, 1);
             keyClick(Qt.Key_Left);
             verify(!row("2018 年").expanded);
             keyClick(Qt.Key_Left);
-            compare(tree.currentIndex, 0);
+            compare(home.tree.selection.currentRow, 0);
 
             keyClick(Qt.Key_A, Qt.ControlModifier);
             compare(home.tree.tickState, OrganizeTreeModel.Ticked);

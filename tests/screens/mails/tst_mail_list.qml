@@ -165,6 +165,19 @@ Item {
             compare(search.text, "");
         }
 
+        function test_AButtonThatComesBackLeavesTheKeyboardInTheSearch() {
+            const search = findChild(page, "mailSearch");
+            findChild(page, "archiveButton").forceActiveFocus(Qt.TabFocusReason);
+            search.forceActiveFocus(Qt.TabFocusReason);
+            keyClick("q");
+            keyClick("j");
+            tryVerify(() => view.count === 0);
+            verify(search.activeFocus);
+            keyClick(Qt.Key_Escape);
+            tryVerify(() => view.count === total);
+            verify(search.activeFocus);
+        }
+
         function test_EscapeClearsTheSearch() {
             const search = findChild(page, "mailSearch");
             search.forceActiveFocus(Qt.TabFocusReason);

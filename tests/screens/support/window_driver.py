@@ -1,20 +1,23 @@
-"""Drives the real window under Xvfb: starts `corvane` over a home, types, clicks and takes pictures.
+"""Drives the real window under Xvfb: starts it over a home, types, clicks and takes pictures. Parts are found by their
+object names: `driven_window` is the program's window with an answer to where they stand (driven_window.cpp).
 
     with Display(1240, 840) as display:
         with display.window(home, appearance="dark") as window:
             window.press("ctrl+4")
-            window.click(300, 200)
+            window.click_part("updateButton")
             window.picture("out.png")
 """
 
 from __future__ import annotations
 
 import contextlib
+import json
 import os
 import pathlib
 import shutil
 import struct
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
@@ -22,7 +25,25 @@ import zlib
 
 ROOT = pathlib.Path(__file__).resolve().parents[3]
 PROGRAM = os.environ.get("CORVANE_WINDOW", str(ROOT / "build/dev/bin/corvane"))
+DRIVEN = os.environ.get("CORVANE_DRIVEN_WINDOW", str(ROOT / "build/dev/tests/screens/support/driven_window"))
 PATIENCE = 30.0
+
+# WM_DELETE_WINDOW to the window of the given number; xdotool only has ways that don't ask.
+CLOSE = """
+import ctypes, sys
+x = ctypes.CDLL("libX11.so.6")
+x.XOpenDisplay.restype = x.XInternAtom.restype = ctypes.c_void_p
+class Message(ctypes.Structure):
+    _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send", ctypes.c_int), ("display", ctypes.c_void_p),
+                ("window", ctypes.c_ulong), ("kind", ctypes.c_ulong), ("format", ctypes.c_int),
+                ("data", ctypes.c_long * 5), ("rest", ctypes.c_long * 12)]
+display = ctypes.c_void_p(x.XOpenDisplay(None))
+atom = lambda name: x.XInternAtom(display, name, 0)
+message = Message(type=33, send=1, window=int(sys.argv[1]), kind=atom(b"WM_PROTOCOLS"), format=32)
+message.data[0] = atom(b"WM_DELETE_WINDOW")
+x.XSendEvent(display, message.window, 0, 0, ctypes.byref(message))
+x.XCloseDisplay(display)
+"""
 
 
 def wait_until(condition, what, patience=PATIENCE):
@@ -35,6 +56,12 @@ def wait_until(condition, what, patience=PATIENCE):
         if time.monotonic() > deadline:
             raise TimeoutError(f"waited in vain for {what}")
         time.sleep(0.05)
+
+
+def said_by(process):
+    """Everything that the program wrote on its standard error so far."""
+    process.said.seek(0)
+    return process.said.read()
 
 
 def _chunk(kind, data):
@@ -85,18 +112,22 @@ class Display:
     def run(self, *command, **options):
         return subprocess.run(command, env=self.environment, check=True, **options)
 
-    def start(self, home, *arguments, appearance="light"):
+    def start(self, home, *arguments, appearance="light", program=PROGRAM):
         """The program without waiting for its window."""
         runtime = pathlib.Path(home) / "runtime"
         runtime.mkdir(mode=0o700, exist_ok=True)
-        return subprocess.Popen(
-            [PROGRAM, "--home", str(home), "--appearance", appearance, *arguments],
+        # A file: nobody reads while the test goes on, and a full pipe would hold the program up.
+        said = tempfile.TemporaryFile("w+")
+        process = subprocess.Popen(
+            [program, "--home", str(home), "--appearance", appearance, *arguments],
             env={**self.environment, "XDG_RUNTIME_DIR": str(runtime)},
-            stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=said, text=True)
+        process.said = said
+        return process
 
     @contextlib.contextmanager
-    def window(self, home, *arguments, appearance="light"):
-        process = self.start(home, *arguments, appearance=appearance)
+    def window(self, home, *arguments, appearance="light", program=DRIVEN):
+        process = self.start(home, *arguments, appearance=appearance, program=program)
         try:
             window = Window(self, process)
             window.wait_for_picture()
@@ -114,7 +145,7 @@ class Window:
 
     def _find(self):
         if self.process.poll() is not None:
-            raise RuntimeError("the program ended: " + self.process.stderr.read())
+            raise RuntimeError("the program ended: " + said_by(self.process))
         found = subprocess.run(
             ["xdotool", "search", "--onlyvisible", "--pid", str(self.process.pid), "--name", "^Corvane"],
             env=self._display.environment, capture_output=True, text=True)
@@ -126,11 +157,61 @@ class Window:
         wait_until(lambda: len(set(self._display.pixels()[0][::997])) > 3, "the first picture")
         self._display.run("xdotool", "windowfocus", "--sync", self.id)
 
+    def ask(self, question):
+        self.process.stdin.write(question + "\n")
+        self.process.stdin.flush()
+        return json.loads(self.process.stdout.readline() or "null")
+
+    def part(self, name):
+        """Place and state of a part that is in view, None where there is none; "A/B" is B within A."""
+        return self.ask("part " + name) or None
+
+    def wait_for_part(self, name, condition=lambda part: True):
+        def found():
+            part = self.part(name)
+            return part if part and condition(part) else None
+        return wait_until(found, f"{name} (it is {self.part(name)}, the keyboard is at {self.focus()})")
+
+    def click_part(self, name, button=1):
+        """The middle of a part, once it can be pressed and stands still."""
+        part = self.wait_for_part(name, lambda part: part["enabled"])
+        self.settled(0.2)
+        part = self.part(name)
+        self.click(round(part["x"] + part["width"] / 2), round(part["y"] + part["height"] / 2), button)
+
+    def focus(self):
+        """The part that has the keyboard, None where nothing has."""
+        return self.ask("focus") or None
+
     def press(self, *keys):
+        """Returns when the window has taken the keys."""
+        before = self.ask("keys")["keys"]
         self._display.run("xdotool", "key", "--delay", "20", *keys)
+        wanted = before + sum(len(key.split("+")) for key in keys)
+        wait_until(lambda: self.process.poll() is not None or self.ask("keys")["keys"] >= wanted, f"{keys} to arrive")
+
+    def press_to(self, name, key, most=40):
+        """Presses the key until the part has the keyboard, and shows it. The names of what had it on the way."""
+        way = []
+        for _ in range(most):
+            focus = self.focus()
+            way.append(focus["names"][0] if focus and focus["names"] else "?")
+            if focus and name in focus["names"]:
+                if not focus["showsFocus"]:
+                    raise AssertionError(f"{name} has the keyboard and doesn't show it")
+                return way
+            self.press(key)
+        raise AssertionError(f"{key} doesn't come to {name}, only to {way}")
+
+    def tab_to(self, name):
+        return self.press_to(name, "Tab")
 
     def type(self, text):
         self._display.run("xdotool", "type", "--delay", "20", text)
+
+    def ask_to_close(self):
+        """As the button of the title bar does, which a window manager draws."""
+        subprocess.run([sys.executable, "-c", CLOSE, self.id], env=self._display.environment, check=True)
 
     def click(self, x, y, button=1):
         self.move(x, y)
@@ -181,5 +262,5 @@ class Window:
         """Asks the program to end, as a session manager does. Its exit status and what it said."""
         if self.process.poll() is None:
             self.process.terminate()
-        _, said = self.process.communicate(timeout=PATIENCE)
-        return self.process.returncode, said
+        self.process.communicate(timeout=PATIENCE)
+        return self.process.returncode, said_by(self.process)

@@ -8,7 +8,7 @@ import sys
 import tempfile
 import unittest
 
-from window_driver import PATIENCE, ROOT, Display, wait_until
+from window_driver import PATIENCE, ROOT, Display, said_by, wait_until
 
 PICTURES = pathlib.Path(os.environ.get("CORVANE_PICTURES", str(ROOT / "build/pictures")))
 
@@ -55,8 +55,8 @@ class FrameTest(unittest.TestCase):
     def test_second_start_leaves_the_home_to_the_first(self):
         with self.display.window(self.home) as window:
             second = self.display.start(self.home)
-            _, said = second.communicate(timeout=PATIENCE)
-            self.assertEqual(second.returncode, 0, said)
+            second.communicate(timeout=PATIENCE)
+            self.assertEqual(second.returncode, 0, said_by(second))
             self.assertIsNone(window.process.poll())
 
     def test_killed_window_leaves_nothing_in_the_way(self):
@@ -96,7 +96,7 @@ class FrameTest(unittest.TestCase):
         with tempfile.TemporaryDirectory() as empty, self.display.window(empty) as window:
             window.picture(PICTURES / "newcomer.png")
             maker = self.support(pathlib.Path(empty)) / "sample-home"
-            window.click(1150, 50)  # the button of the notice
+            window.click_part("sampleButton")
             wait_until(lambda: (maker / ".local/share/Corvane/window.lock").exists(), "the window over the samples")
             window.id = wait_until(window._find, "the window over the samples")
             window.wait_for_picture()

@@ -1,9 +1,9 @@
-// The candidates with their ticks. Space and a click on the box tick; with Shift everything from the last one on.
+// The candidates with their ticks. Space ticks, all selected rows with the current one; a click on the box ticks, with
+// Shift everything from the last one on. A click on the row selects.
 pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Layouts
-import QtQuick.Templates as T
 import Corvane
 
 FocusGroup {
@@ -15,15 +15,6 @@ FocusGroup {
     horizontal: false
     vertical: false
 
-    function moveTo(row: int) {
-        if (list.count === 0)
-            return;
-        list.currentIndex = Math.max(0, Math.min(list.count - 1, row));
-        list.positionViewAtIndex(list.currentIndex, ListView.Contain);
-    }
-    function pageRows(): int {
-        return Math.max(1, Math.floor(list.height / Theme.rowDense) - 1);
-    }
     function tick(row: int, modifiers: int) {
         if (modifiers & Qt.ShiftModifier)
             candidates.tickRange(row);
@@ -103,55 +94,43 @@ FocusGroup {
             color: Theme.text3
         }
     }
-    ListView {
+    SelectableList {
         id: list
         objectName: "candidateList"
         anchors.top: head.bottom
         anchors.bottom: parent.bottom
         x: 1
         width: parent.width - 2
-        clip: true
         focus: true
-        activeFocusOnTab: true
-        keyNavigationEnabled: false
         reuseItems: true
-        boundsBehavior: Flickable.StopAtBounds
         model: group.candidates
-        currentIndex: 0
-        highlightMoveDuration: 0
+        selection: group.candidates.selection
         Accessible.role: Accessible.List
         Accessible.name: "要归档的邮件"
-        T.ScrollBar.vertical: AppScrollBar {}
 
-        Keys.onUpPressed: group.moveTo(currentIndex - 1)
-        Keys.onDownPressed: group.moveTo(currentIndex + 1)
-        Keys.onSpacePressed: event => group.tick(currentIndex, event.modifiers)
         Keys.onPressed: event => {
-            if (event.key === Qt.Key_Home)
-                group.moveTo(0);
-            else if (event.key === Qt.Key_End)
-                group.moveTo(count - 1);
-            else if (event.key === Qt.Key_PageUp)
-                group.moveTo(currentIndex - group.pageRows());
-            else if (event.key === Qt.Key_PageDown)
-                group.moveTo(currentIndex + group.pageRows());
+            event.accepted = true;
+            if (take(event.key, event.modifiers))
+                return;
+            if (event.key === Qt.Key_Space && event.modifiers & Qt.ShiftModifier)
+                group.candidates.tickRange(keyRow);
+            else if (event.key === Qt.Key_Space)
+                group.candidates.toggleTicks(keyRow);
             else if (event.matches(StandardKey.SelectAll))
                 group.candidates.tickAll();
+            else if (event.matches(StandardKey.Copy))
+                group.archive.copyCandidates();
             else
-                return;
-            event.accepted = true;
+                event.accepted = false;
         }
 
         delegate: CandidateRow {
             width: ListView.view.width
             model: group.candidates
-            current: ListView.isCurrentItem
-            listFocused: list.activeFocus
+            current: list.keyRow === index
+            listFocused: list.focused
             onTickPressed: modifiers => group.tick(index, modifiers)
-            onChosen: {
-                group.moveTo(index);
-                list.forceActiveFocus(Qt.MouseFocusReason);
-            }
+            onClicked: modifiers => list.press(index, modifiers)
         }
     }
     EmptyState {

@@ -11,12 +11,11 @@ ListRow {
     required property string dateText
     required property string sizeText
     required property bool ticked
+    required selected
     required property ArchiveCandidatesModel model
 
     signal tickPressed(int modifiers)
-    signal chosen
 
-    onClicked: chosen()
     Accessible.role: Accessible.ListItem
     Accessible.name: model.spokenCandidate(index)
     Accessible.checkable: true

@@ -1,10 +1,20 @@
-// A menu of AppMenuRow.
+// A menu of AppMenuRow. It gives the keyboard back to what had it.
 import QtQuick
+import QtQuick.Window
 import QtQuick.Templates as T
 import Corvane
 
 T.Menu {
     id: menu
+
+    property Item returnTo: null
+
+    onAboutToShow: returnTo = parent.Window.activeFocusItem
+    onClosed: {
+        if (returnTo)
+            returnTo.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
+        returnTo = null;
+    }
 
     implicitWidth: Math.max(160, rows.widestRow)
     implicitHeight: rows.contentHeight + topPadding + bottomPadding

@@ -51,8 +51,12 @@ T.Popup {
         returnTo = null;
     }
     onOpened: {
-        if (primary && primary.enabled)
-            primary.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
+        // Without a primary button who is quicker than the sheet has gone on already.
+        const first = primary && primary.enabled ? primary
+            : KeyboardFocus.inUse && parent.Window.activeFocusItem === contentItem ? contentItem.nextItemInFocusChain(true)
+            : null;
+        if (first)
+            first.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
     }
 
     T.Overlay.modal: Rectangle {

@@ -28,6 +28,7 @@ set(controls_qml
     ScreenHead.qml
     SearchField.qml
     SegmentedControl.qml
+    SelectableList.qml
     ShareBar.qml
     Sheet.qml
     SheetHead.qml

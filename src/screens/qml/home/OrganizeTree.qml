@@ -1,9 +1,8 @@
-// The tree account, year, folder with its ticks. A click on the box or Space ticks, a click on the row selects; Left and
-// Right close and open, or go to the parent and the first child.
+// The tree account, year, folder with its ticks. A click on the box or Space ticks, all selected rows with it; a click on
+// the row selects; Left and Right close and open, or go to the parent and the first child.
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Templates as T
 import Corvane
 
 FocusGroup {
@@ -11,35 +10,25 @@ FocusGroup {
 
     required property HomeScreen home
     readonly property OrganizeTreeModel tree: home.tree
-    // A click or an arrow has chosen the current row.
-    property bool hasCurrent: false
 
     horizontal: false
     vertical: false
 
-    function moveTo(row: int) {
-        if (list.count === 0)
-            return;
-        list.currentIndex = Math.max(0, Math.min(list.count - 1, row));
-        hasCurrent = true;
-        list.positionViewAtIndex(list.currentIndex, ListView.Contain);
-    }
-    function pageRows(): int {
-        return Math.max(1, Math.floor(list.height / Theme.treeYearRow) - 1);
-    }
     function closeOrGoToParent() {
-        const row = list.currentItem as OrganizeTreeRow;
+        const at = list.keyRow;
+        const row = list.itemAtIndex(at) as OrganizeTreeRow;
         if (row && row.expandable && row.expanded)
-            tree.setExpanded(list.currentIndex, false);
-        else if (tree.parentRow(list.currentIndex) >= 0)
-            moveTo(tree.parentRow(list.currentIndex));
+            tree.setExpanded(at, false);
+        else if (tree.parentRow(at) >= 0)
+            list.go(tree.parentRow(at), Qt.NoModifier);
     }
     function openOrGoToChild() {
-        const row = list.currentItem as OrganizeTreeRow;
+        const at = list.keyRow;
+        const row = list.itemAtIndex(at) as OrganizeTreeRow;
         if (row && row.expandable && !row.expanded)
-            tree.setExpanded(list.currentIndex, true);
-        else if (tree.firstChildRow(list.currentIndex) >= 0)
-            moveTo(tree.firstChildRow(list.currentIndex));
+            tree.setExpanded(at, true);
+        else if (tree.firstChildRow(at) >= 0)
+            list.go(tree.firstChildRow(at), Qt.NoModifier);
     }
 
     Rectangle {
@@ -57,7 +46,7 @@ FocusGroup {
         width: parent.width - 2
         tree: group.tree
     }
-    ListView {
+    SelectableList {
         id: list
         objectName: "organizeTree"
         anchors.top: head.bottom
@@ -66,53 +55,39 @@ FocusGroup {
         anchors.bottom: parent.bottom
         x: 1
         width: parent.width - 2
-        clip: true
         focus: true
-        activeFocusOnTab: true
-        keyNavigationEnabled: false
-        boundsBehavior: Flickable.StopAtBounds
         model: group.tree
-        currentIndex: 0
-        highlightMoveDuration: 0
+        selection: group.tree.selection
+        rowHeight: Theme.treeYearRow
         cacheBuffer: 400
         Accessible.role: Accessible.Tree
         Accessible.name: "邮箱、年份与文件夹"
-        T.ScrollBar.vertical: AppScrollBar {}
 
-        Keys.onUpPressed: group.moveTo(group.hasCurrent ? currentIndex - 1 : 0)
-        Keys.onDownPressed: group.moveTo(group.hasCurrent ? currentIndex + 1 : 0)
         Keys.onLeftPressed: group.closeOrGoToParent()
         Keys.onRightPressed: group.openOrGoToChild()
-        Keys.onSpacePressed: group.tree.toggleTick(currentIndex)
         Keys.onPressed: event => {
-            if (event.key === Qt.Key_Home)
-                group.moveTo(0);
-            else if (event.key === Qt.Key_End)
-                group.moveTo(count - 1);
-            else if (event.key === Qt.Key_PageUp)
-                group.moveTo(currentIndex - group.pageRows());
-            else if (event.key === Qt.Key_PageDown)
-                group.moveTo(currentIndex + group.pageRows());
+            event.accepted = true;
+            if (take(event.key, event.modifiers))
+                return;
+            if (event.key === Qt.Key_Space)
+                group.tree.toggleTicks(keyRow);
             else if (event.matches(StandardKey.SelectAll))
                 group.tree.tickAll();
+            else if (event.matches(StandardKey.Copy))
+                group.home.copyTreeRows();
             else
-                return;
-            event.accepted = true;
+                event.accepted = false;
         }
 
         delegate: OrganizeTreeRow {
             required property int index
             objectName: "treeRow" + index
             width: ListView.view.width
-            current: ListView.isCurrentItem
-            chosen: current && group.hasCurrent
-            listFocused: list.activeFocus
+            current: list.keyRow === index
+            listFocused: list.focused
             onTickPressed: group.tree.toggleTick(index)
             onExpandPressed: group.tree.setExpanded(index, !expanded)
-            onChosenByPointer: {
-                group.moveTo(index);
-                list.forceActiveFocus(Qt.MouseFocusReason);
-            }
+            onClicked: modifiers => list.press(index, modifiers)
             onHeldChanged: group.home.setHeld(held)
         }
     }

@@ -16,7 +16,7 @@ ListRow {
     required property string tickHelp
     required property string expandHelp
     required property string accessibleText
-    property bool chosen: false
+    required selected
     readonly property bool isAccount: level === OrganizeTreeModel.Account
     readonly property bool isFolder: level === OrganizeTreeModel.Folder
     readonly property int indent: isAccount ? 8 : isFolder ? 8 + 16 + Theme.treeFolderIndent : 8 + Theme.treeYearIndent
@@ -24,12 +24,9 @@ ListRow {
 
     signal tickPressed
     signal expandPressed
-    signal chosenByPointer
 
     implicitHeight: isAccount ? Theme.treeAccountRow : isFolder ? Theme.treeFolderRow : Theme.treeYearRow
     restColor: isAccount ? Theme.page : "transparent"
-    selected: chosen
-    onClicked: chosenByPointer()
     onDoubleClicked: if (expandable) expandPressed()
 
     Accessible.role: Accessible.TreeItem

@@ -28,6 +28,12 @@ ScreenPage {
         app.storeLength("mailList", width);
     }
 
+    // One of both has gone, the other come; who is typing in the head goes on.
+    function handKeyboardTo(part: Item) {
+        if (part.visible && !head.activeFocus)
+            part.focus = true;
+    }
+
     objectName: "mailListPage"
     searchField: search
 
@@ -69,7 +75,8 @@ ScreenPage {
         anchors.bottom: parent.bottom
         width: parent.width
         visible: page.showsPanes
-        focus: visible
+        focus: true
+        onVisibleChanged: page.handKeyboardTo(panes)
 
         FilterPane {
             objectName: "filterPane"
@@ -123,11 +130,12 @@ ScreenPage {
     }
 
     MailListState {
+        id: reason
         anchors.top: head.bottom
         anchors.bottom: parent.bottom
         width: parent.width
         visible: !page.showsPanes
-        focus: visible
+        onVisibleChanged: page.handKeyboardTo(reason)
         screen: page.screen
         canUpdate: page.app.home.canUpdate
         onUpdateRequested: page.app.refreshAllMailData()

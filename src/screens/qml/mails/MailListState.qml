@@ -2,7 +2,7 @@
 import QtQuick
 import Corvane
 
-Item {
+FocusScope {
     id: place
 
     required property MailListScreen screen

@@ -163,6 +163,9 @@ FocusScope {
                     Accessible.name: "正文预览"
                     Keys.onSpacePressed: event => view.turnPage(!(event.modifiers & Qt.ShiftModifier))
 
+                    FocusRing {
+                        shown: body.activeFocus && KeyboardFocus.inUse
+                    }
                     TextLines {
                         document: body.textDocument
                         height: Theme.messageLine

@@ -3,16 +3,12 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Templates as T
 import Corvane
 
-ListView {
+SelectableList {
     id: view
 
     required property MailListScreen screen
-    readonly property ListSelection selection: screen.selection
-    readonly property bool focused: activeFocus && Window.active
-    readonly property bool dragged: dragging || scrollBar.pressed
 
     // Where the view stands: its first row and how far that is scrolled out.
     property int anchorRow: -1
@@ -41,28 +37,6 @@ ListView {
         }
         returnToBounds();
     }
-    function showCurrent() {
-        if (selection.currentRow >= 0)
-            positionViewAtIndex(selection.currentRow, ListView.Contain);
-    }
-    function go(row: int, modifiers: int) {
-        if (modifiers & Qt.ShiftModifier)
-            selection.extendTo(row);
-        else if (modifiers & Qt.ControlModifier)
-            selection.moveTo(row);
-        else
-            selection.select(row);
-        showCurrent();
-    }
-    function press(row: int, modifiers: int) {
-        forceActiveFocus(Qt.MouseFocusReason);
-        if (modifiers & Qt.ShiftModifier)
-            selection.extendTo(row);
-        else if (modifiers & Qt.ControlModifier)
-            selection.toggle(row);
-        else
-            selection.select(row);
-    }
     function requestMenu() {
         const row = itemAtIndex(selection.currentRow);
         if (row)
@@ -71,38 +45,17 @@ ListView {
 
     objectName: "messageView"
     model: screen.list
+    selection: screen.selection
+    rowHeight: Theme.rowFull
     reuseItems: true
-    clip: true
-    boundsBehavior: Flickable.StopAtBounds
-    keyNavigationEnabled: false
-    highlightFollowsCurrentItem: false
-    currentIndex: -1
-    activeFocusOnTab: true
     Accessible.role: Accessible.List
     Accessible.name: "邮件"
-    T.ScrollBar.vertical: AppScrollBar {
-        id: scrollBar
-    }
 
     Keys.onPressed: event => {
-        const page = Math.max(1, Math.floor(height / Theme.rowFull) - 1);
-        const current = selection.currentRow;
         event.accepted = true;
-        if (event.key === Qt.Key_Up)
-            go(current - 1, event.modifiers);
-        else if (event.key === Qt.Key_Down)
-            go(current + 1, event.modifiers);
-        else if (event.key === Qt.Key_PageUp)
-            go(current - page, event.modifiers);
-        else if (event.key === Qt.Key_PageDown)
-            go(current + page, event.modifiers);
-        else if (event.key === Qt.Key_Home)
-            go(0, event.modifiers);
-        else if (event.key === Qt.Key_End)
-            go(count - 1, event.modifiers);
-        else if (event.key === Qt.Key_Space && event.modifiers & Qt.ControlModifier)
-            selection.toggle(current);
-        else if (event.key === Qt.Key_Space)
+        if (take(event.key, event.modifiers))
+            return;
+        if (event.key === Qt.Key_Space)
             pageRequested(!(event.modifiers & Qt.ShiftModifier));
         else if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter)
             opened();

@@ -25,6 +25,7 @@ set(mails_sources
     mail_list_filters.cpp
     mail_list_screen.cpp
     message_detail.cpp
+    message_lines.cpp
     message_list_model.cpp
     row_changes.cpp
     row_ranges.cpp

@@ -1,0 +1,149 @@
+"""The road of a first archive and the mail list without a pointer: only keys, and no place on the screen is known."""
+
+import json
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+from window_driver import ROOT, Display, wait_until
+
+PICTURES = pathlib.Path(os.environ.get("CORVANE_PICTURES", str(ROOT / "build/pictures")))
+MESSAGES = 400
+
+
+class KeyboardWalk(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.display = cls.enterClassContext(Display(1240, 840))
+        folder = cls.enterClassContext(tempfile.TemporaryDirectory())
+        cls.home = pathlib.Path(folder) / "home"
+        subprocess.run([sys.executable, "-B", str(ROOT / "tools/make_sample_store.py"), "--quiet", "--messages",
+                        str(MESSAGES), str(cls.home)], check=True)
+        cls.cloud = cls.home / "Library/CloudStorage/Nutstore-lin@mail.example"
+        cls.cloud.mkdir(parents=True)
+
+    def records(self):
+        index = self.cloud / "邮件归档/archive-index.json"
+        return json.loads(index.read_text())["records"] if index.exists() else None
+
+    def test_keys_alone(self):
+        with self.display.window(self.home) as window:
+            self.update(window)
+            self.tick(window)
+            self.archive(window)
+            self.mail_list(window)
+            status, said = window.quit()
+            self.assertEqual(status, 0, said)
+            for trouble in ("QML", "qrc:", "TypeError"):
+                self.assertNotIn(trouble, said)
+
+    def update(self, window):
+        window.tab_to("emptyStateButton")
+        window.press("Return")
+        wait_until((self.home / ".local/share/Corvane/home-scan-snapshot.json").exists, "the end of the scan")
+        window.wait_for_part("organizeTree", lambda tree: tree["count"] > 3)
+
+    def tick(self, window):
+        window.tab_to("place-home")
+        way = window.tab_to("organizeTree")
+        self.assertIn("updateButton", way, "the head comes before the panes")
+        self.assertLess(way.index("yearChart"), way.index("accountList"))
+        window.press("Home", "Down", "shift+Down", "shift+Down")
+        window.press("ctrl+c")
+        lines = window.ask("clipboard")["text"].split("\n")
+        self.assertEqual(len(lines), 3)
+        self.assertTrue(all(" 封 · " in line for line in lines), lines)
+        window.picture(PICTURES / "keys-1-tree.png")
+        window.press("space")  # the three years, from the last
+        self.assertEqual([window.part(f"treeRow{row}")["tick"] for row in (1, 2, 3)], [1, 1, 1])
+        window.press("Up", "Up", "space", "Right", "Right", "space", "Left", "Left")  # one folder of the first year only
+        self.assertEqual([window.part(f"treeRow{row}")["tick"] for row in (1, 2, 3)], [2, 1, 1])
+
+    def archive(self, window):
+        window.tab_to("chooseLocationButton")  # the picker is the system's; a place at one press is in the sheet
+        window.press("ctrl+4")
+        window.tab_to("messageView")
+        window.press("Home", "shift+Down", "shift+Down", "shift+Down")
+        window.tab_to("openInMail")
+        window.press_to("archiveButton", "Right")
+        window.press("Return")
+        window.wait_for_part("startArchiveButton", lambda button: not button["enabled"])
+        window.tab_to("destinationCard0")
+        window.press("space")
+        window.wait_for_part("startArchiveButton", lambda button: button["enabled"])
+        way = window.tab_to("candidateList")
+        self.assertIn("minimumSize", way)
+        window.wait_for_part("candidateList", lambda list: list["count"] == 4)
+        window.press("Home", "shift+Down")
+        window.press("space")
+        window.wait_for_part("tickedText", lambda text: text["text"] == "已勾选 2 封，共 4 封")
+        window.picture(PICTURES / "keys-2-confirm.png")
+        window.press("Escape")
+        wait_until(lambda: window.part("startArchiveButton") is None, "the sheet to close")
+        self.assertIn("archiveButton", window.focus()["names"], "the keyboard goes back to what opened the sheet")
+        self.assertTrue(window.focus()["showsFocus"])
+
+        window.press("ctrl+1")
+        window.tab_to("changeLocationButton")
+        window.press_to("primaryAction", "Right")
+        window.press("space")
+        window.wait_for_part("startArchiveButton", lambda button: button["enabled"] and button["focus"])
+        window.press("Return")
+        records = wait_until(self.records, "the archive's index")
+        window.wait_for_part("doneButton", lambda button: button["focus"])
+        window.picture(PICTURES / "keys-3-result.png")
+        window.press("Return")
+        wait_until(lambda: window.part("doneButton") is None, "the result to close")
+        self.assertGreater(len({record["emlRelativePath"][:4] for record in records}), 1, "several years")
+
+    def mail_list(self, window):
+        window.press("ctrl+4", "ctrl+f")
+        self.assertIn("mailSearch", window.focus()["names"])
+        count = window.part("messageView")["count"]
+        window.press("x", "q", "z", "j")
+        window.wait_for_part("noMatch")
+        window.press("Escape")
+        window.wait_for_part("messageView", lambda view: view["count"] == count)
+        window.press("Escape")
+        self.assertIn("messageView", window.focus()["names"])
+        window.press("Home", "ctrl+a")
+        window.wait_for_part("listSummary", lambda text: text["text"].startswith("已选 "))
+        window.press("Home")
+        window.tab_to("mailSearch")
+        window.press_to("migratedFilter", "Up")
+        window.press("Right", "Right")
+        window.wait_for_part("messageView", lambda view: 0 < view["count"] < count)
+        window.press("Left", "Left")
+        window.wait_for_part("messageView", lambda view: view["count"] == count)
+        window.tab_to("sortMode")
+        window.press("Right")
+        self.assertEqual(window.part("sortMode")["currentIndex"], 1)
+        window.tab_to("accountFilter0")
+        window.press("space")
+        window.wait_for_part("messageView", lambda view: 0 < view["count"] < count)
+        window.press("Down", "Up", "space")
+        window.wait_for_part("messageView", lambda view: view["count"] == count)
+        window.tab_to("messageView")
+        window.press("Home", "Down")
+        window.press_to("archiveButton", "Tab")
+        window.press_to("moreActions", "Right")
+        window.press("Return")
+        window.wait_for_part("archiveRow")
+        window.press("Escape")
+        window.wait_for_part("moreActions", lambda button: button["focus"] and button["showsFocus"])
+        window.tab_to("messageScroller")
+        window.press_to("detailPreview", "Down")
+        window.press("space", "shift+space")
+        window.picture(PICTURES / "keys-4-detail.png")
+        window.press_to("messageView", "shift+Tab")
+        window.press("Menu")
+        window.wait_for_part("archiveRow")
+        window.press("Escape")
+        window.wait_for_part("messageView", lambda view: view["focus"] and view["showsFocus"])
+
+
+if __name__ == "__main__":
+    unittest.main()
