@@ -13,15 +13,6 @@ from window_driver import ROOT, Display, wait_until
 PICTURES = pathlib.Path(os.environ.get("CORVANE_PICTURES", str(ROOT / "build/pictures")))
 MESSAGES = 400
 
-# Where a person's hand goes on a window of 1240 by 840.
-UPDATE = (728, 376)
-CHOOSE_PLACE = (1163, 803)
-FIRST_FOLDER = (700, 253)
-USE_THIS_PLACE = (902, 697)
-FIRST_YEAR = (521, 470)
-ARCHIVE_TICKED = (1168, 803)
-FIRST_CARD = (400, 190)
-
 
 def tree_of(folder):
     return {path.relative_to(folder): (path.stat().st_size, path.stat().st_mtime_ns)
@@ -48,23 +39,23 @@ class ArchiveWalk(unittest.TestCase):
         mail_before = tree_of(self.home / "Library/Mail")
         with self.display.window(self.home) as window:
             window.picture(PICTURES / "walk-1-first.png")
-            window.click(*UPDATE)
+            window.click_part("emptyStateButton")
             wait_until((self.home / ".local/share/Corvane/home-scan-snapshot.json").exists, "the end of the scan")
             window.settled(1.5)
             window.picture(PICTURES / "walk-2-list.png")
 
-            window.click(*CHOOSE_PLACE)
+            window.click_part("chooseLocationButton")
             window.settled()
-            window.click(*FIRST_FOLDER)  # Documents, the first of the home
+            window.click_part("folder0")  # Documents, the first of the home
             window.picture(PICTURES / "walk-3-place.png")
-            window.click(*USE_THIS_PLACE)
+            window.click_part("useFolderButton")
             window.settled(1.0)
 
-            window.click(*FIRST_YEAR)
+            window.click_part("treeRow1/tickBox")
             window.settled()
-            window.click(*ARCHIVE_TICKED)
+            window.click_part("primaryAction")
             window.picture(PICTURES / "walk-4-confirm.png")
-            window.click(*FIRST_CARD)  # the cloud folder instead
+            window.click_part("destinationCard0")  # the cloud folder instead
             window.picture(PICTURES / "walk-5-cloud.png")
             window.press("Return")
             records = wait_until(self.records, "the archive's index")
