@@ -71,6 +71,7 @@ class KeyboardWalk(unittest.TestCase):
         window.press_to("archiveButton", "Right")
         window.press("Return")
         window.wait_for_part("startArchiveButton", lambda button: not button["enabled"])
+        window.settled()
         window.tab_to("destinationCard0")
         window.press("space")
         window.wait_for_part("startArchiveButton", lambda button: button["enabled"])
