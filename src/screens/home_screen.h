@@ -95,7 +95,7 @@ class HomeScreen : public QObject {
     [[nodiscard]] SafetyBanner banner() const;
 
     // What is archived is known; before that only the candidates are.
-    [[nodiscard]] bool hasFigures() const { return data_.overview()->hasMessages; }
+    [[nodiscard]] bool hasFigures() const { return data_.isKnown() && data_.overview()->hasMessages; }
 
     [[nodiscard]] QVariantList years() const;
 

@@ -26,8 +26,9 @@ class OrganizeData : public QObject {
 
     [[nodiscard]] const SharedOrganizeOverview& overview() const { return overview_; }
 
-    // The overview is that of the present messages, or of the statistics that stand for them at a cold start.
-    [[nodiscard]] bool isKnown() const { return isKnown_; }
+    // The overview is that of the messages, or of the statistics that stand for them at a cold start. An
+    // empty one holds only as long as nothing has changed: mail that just came in is not "nothing to do".
+    [[nodiscard]] bool isKnown() const { return isKnown_ && (!overview_->accounts.empty() || isUpToDate()); }
 
     // Nothing has changed since that isn't shown yet.
     [[nodiscard]] bool isUpToDate() const { return publishedSignature_ == organizeYearSectionsSignature(); }

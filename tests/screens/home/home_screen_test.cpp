@@ -157,6 +157,21 @@ TEST_F(OrganizeHome, AfterTheLastMessageTheLibraryIsNext) {
     EXPECT_EQ(library.size(), 1);
 }
 
+TEST_F(OrganizeHome, MailThatHasJustComeInIsNotNothingToDo) {
+    settle();
+    testing::publishMessages(model_.catalog(), testing::sampleMessages(home_, {{"a", 2019}}));
+    const auto isUndecided = [this] {
+        return homeScreen_.state() == State::List && !homeScreen_.hasFigures() &&
+               homeScreen_.banner().kind == u"info";
+    };
+    EXPECT_TRUE(isUndecided());
+    testing::waitUntilIdle(context_.tasks);
+    EXPECT_TRUE(isUndecided() || homeScreen_.hasFigures());
+    settle();
+    EXPECT_EQ(homeScreen_.state(), State::List);
+    EXPECT_TRUE(homeScreen_.hasFigures());
+}
+
 TEST_F(OrganizeHome, AStoreThatCannotBeReadAsksForThePermission) {
     home_.write("Library/Mail/V10/MailData/Envelope Index", "");
     homeScreen_.recheckAccess();

@@ -18,7 +18,7 @@ Sheet {
     scrolls: false
     primary: use
     note: "归档将放进"
-    noteLine: picker.targetText(folders.currentIndex)
+    noteLine: picker.pathText === "" ? "" : picker.targetText(folders.currentIndex)
     noteLineElide: Text.ElideMiddle
 
     function ask() {
