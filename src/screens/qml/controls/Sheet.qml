@@ -33,6 +33,10 @@ T.Popup {
     property real offset: 0
     // What had the keyboard before.
     property Item returnTo: null
+    // Where that leads, when it was in a sheet that has gone since.
+    property Item behind: null
+    // What the sheet gave the keyboard to.
+    property Item begunAt: null
 
     modal: true
     focus: true
@@ -44,20 +48,20 @@ T.Popup {
     y: parent ? Math.round((parent.height - height) / 2) + offset : 0
     padding: 1
 
-    onAboutToShow: returnTo = parent.Window.activeFocusItem
+    onAboutToShow: {
+        returnTo = parent.Window.activeFocusItem;
+        behind = sheetOf(returnTo)?.backTo() ?? null;
+        begunAt = null;
+        Qt.callLater(takeKeyboard);
+    }
     onClosed: {
-        if (returnTo)
-            returnTo.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
+        const back = backTo();
+        if (back)
+            back.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
         returnTo = null;
+        behind = null;
     }
-    onOpened: {
-        // Without a primary button who is quicker than the sheet has gone on already.
-        const first = primary && primary.enabled ? primary
-            : KeyboardFocus.inUse && parent.Window.activeFocusItem === contentItem ? contentItem.nextItemInFocusChain(true)
-            : null;
-        if (first)
-            first.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
-    }
+    onOpened: takeKeyboard()
 
     T.Overlay.modal: Rectangle {
         color: Theme.scrim
@@ -86,6 +90,8 @@ T.Popup {
         radius: Theme.radiusSheet
     }
     contentItem: FocusScope {
+        property var sheetAround: sheet
+
         focus: true
         Accessible.role: Accessible.Dialog
         Accessible.name: sheet.title
@@ -183,6 +189,32 @@ T.Popup {
                 }
             }
         }
+    }
+
+    function sheetOf(item: Item): var {
+        for (let at = item; at; at = at.parent) {
+            if (at.sheetAround)
+                return at.sheetAround;
+        }
+        return null;
+    }
+
+    function backTo(): Item {
+        return returnTo && returnTo.visible ? returnTo : behind;
+    }
+
+    // At once, and again when the sheet stands, as its primary button may have had to wait. Who has gone on by then
+    // stays where they are: a Space meant for another control must not press the primary one.
+    function takeKeyboard(): void {
+        const holder = parent.Window.activeFocusItem;
+        if (!visible || (begunAt && holder !== begunAt && sheetOf(holder) === sheet))
+            return;
+        const first = primary && primary.enabled ? primary
+            : KeyboardFocus.inUse && holder === contentItem ? contentItem.nextItemInFocusChain(true)
+            : null;
+        if (first)
+            first.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
+        begunAt = parent.Window.activeFocusItem;
     }
 
     function pressPrimary(): bool {
