@@ -10,6 +10,11 @@ namespace {
 
 constexpr std::chrono::seconds changePause(1);
 
+QString figureOf(const EmailArchiveProgress& progress) {
+    return QStringLiteral("%1 / %2").arg(screens::shownCount(progress.completed),
+                                         screens::shownCount(progress.total));
+}
+
 } // namespace
 
 Activity::Activity(CorvaneViewModel& model, QObject* parent)
@@ -21,6 +26,7 @@ Activity::Activity(CorvaneViewModel& model, QObject* parent)
     connect(&model.scanFlow(), &ScanFlow::stateChanged, this, &Activity::follow);
     connect(&model.catalog(), &MessageCatalog::summaryChanged, this, &Activity::follow);
     connect(&model.archive(), &ArchiveControl::progressChanged, this, &Activity::follow);
+    connect(&model.bodyTexts(), &BodyTexts::bodyIndexProgressChanged, this, &Activity::follow);
     follow();
 }
 
@@ -29,15 +35,14 @@ Activity::State Activity::present() const {
     if (model_.archive().isArchiving()) {
         const EmailArchiveProgress progress =
             model_.archive().emailArchiveProgress().value_or(EmailArchiveProgress());
-        return {QStringLiteral("正在归档"),
-                QStringLiteral("%1 / %2").arg(screens::shownCount(progress.completed),
-                                              screens::shownCount(progress.total)),
-                home, progress.fraction(), false};
+        return {QStringLiteral("正在归档"), figureOf(progress), home, progress.fraction(), false};
     }
     if (model_.scanFlow().state().isScanning()) {
         return {QStringLiteral("正在扫描 Mail…"),
                 screens::shownMessageCount(model_.catalog().summary().scannedMessages), home, 0, true};
     }
+    if (const auto& progress = model_.bodyTexts().bodyIndexProgress())
+        return {QStringLiteral("正在准备正文预览"), figureOf(*progress), home, progress->fraction(), false};
     return {};
 }
 
