@@ -3,7 +3,6 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Layouts
 import Corvane
 
 FocusGroup {

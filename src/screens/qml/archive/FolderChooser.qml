@@ -20,6 +20,8 @@ Item {
         id: own
         archive: chooser.archive
     }
+    // A Loader of Qt 6.4 takes no bound components.
+    // qmllint disable unqualified
     Loader {
         id: systemPicker
         active: false

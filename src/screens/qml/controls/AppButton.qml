@@ -78,6 +78,8 @@ T.Button {
             shown: button.showFocus
         }
     }
+    // A Loader of Qt 6.4 takes no bound components.
+    // qmllint disable unqualified
     Loader {
         active: button.hovered && button.help.length > 0
         sourceComponent: AppToolTip {

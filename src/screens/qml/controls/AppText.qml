@@ -34,6 +34,8 @@ Text {
         id: pointer
         enabled: label.truncated
     }
+    // A Loader of Qt 6.4 takes no bound components.
+    // qmllint disable unqualified
     Loader {
         active: label.explained
         sourceComponent: AppToolTip {

@@ -43,6 +43,8 @@ Item {
         visible: column.chosen || area.containsMouse
         color: column.chosen ? Theme.accentBackground : Theme.hover
     }
+    // A Loader of Qt 6.4 takes no bound components.
+    // qmllint disable unqualified
     Repeater {
         model: column.series
         delegate: Rectangle {

@@ -71,6 +71,8 @@ ScreenPage {
     ArchiveSheets {
         archive: page.app.archive
     }
+    // A Loader of Qt 6.4 takes no bound components.
+    // qmllint disable unqualified
     Component {
         id: noAccess
         HomeNoAccess {

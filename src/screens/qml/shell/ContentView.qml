@@ -52,6 +52,8 @@ FocusScope {
         anchors.bottom: parent.bottom
         focus: true
 
+        // A Loader of Qt 6.4 takes no bound components.
+        // qmllint disable unqualified
         Repeater {
             model: view.app.sidebar
             delegate: Loader {

@@ -41,7 +41,7 @@ Window {
         }
     }
     Shortcut {
-        sequences: [StandardKey.Quit]
+        sequences: [StandardKey.Quit] // qmllint disable unqualified
         onActivated: root.close()
     }
 }
