@@ -54,6 +54,7 @@ int main(int argc, char** argv) {
     corvane::declareOptions(parser, line);
     CLI11_PARSE(parser, argc, argv);
     try {
+        corvane::thinTextStems();
         const QGuiApplication application(argc, argv);
         QGuiApplication::setDesktopFileName(QStringLiteral("corvane"));
         return corvane::runWindows(line);

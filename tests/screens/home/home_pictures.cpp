@@ -249,6 +249,7 @@ bool paint(const State& state, QSize size, const std::string& path) {
 } // namespace
 
 int main(int argc, char** argv) {
+    corvane::thinTextStems();
     const QGuiApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() < 3) {

@@ -147,6 +147,7 @@ int run(const QStringList& arguments) {
 
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
+    corvane::thinTextStems();
     const QGuiApplication application(argc, argv);
     return corvane::testing::run(QGuiApplication::arguments());
 }

@@ -11,6 +11,7 @@
 #include "screens/fonts.h"
 
 int main(int argc, char** argv) {
+    corvane::thinTextStems();
     const QGuiApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() < 3) {
