@@ -9,7 +9,8 @@ T.ScrollBar {
     implicitWidth: orientation === Qt.Vertical ? 10 : 40
     implicitHeight: orientation === Qt.Vertical ? 40 : 10
     padding: 2
-    minimumSize: 0.04
+    // Long enough to be taken hold of, also beside short lists.
+    minimumSize: Math.min(0.5, Theme.minimumTarget / Math.max(1, orientation === Qt.Vertical ? height : width))
     visible: size < 1.0 && policy !== T.ScrollBar.AlwaysOff
     hoverEnabled: true
 

@@ -19,10 +19,11 @@ Rectangle {
     // Wider lines break; 0 for the width that is there.
     property int lineMeasure: 0
     default property alias actions: actionRow.data
+    readonly property int verticalPadding: compact ? 10 : 13
     readonly property var shownLines: compact && lines.length > 1 ? [lines.join("　")] : lines
 
     implicitWidth: 400
-    implicitHeight: layout.implicitHeight + 24
+    implicitHeight: layout.implicitHeight + 2 * verticalPadding
     radius: Theme.radiusLarge
     color: Theme.toneBackground(kind)
     border.color: Theme.toneLine(kind)
@@ -32,9 +33,9 @@ Rectangle {
     RowLayout {
         id: layout
         anchors.fill: parent
-        anchors.margins: 12
-        anchors.leftMargin: 17
-        anchors.rightMargin: 17
+        anchors.margins: 17
+        anchors.topMargin: banner.verticalPadding
+        anchors.bottomMargin: banner.verticalPadding
         spacing: 12
 
         Symbol {

@@ -30,7 +30,6 @@ Row {
             AppText {
                 text: entry.modelData.text
                 font.weight: Theme.strong
-                leftPadding: 2
                 Accessible.ignored: true
             }
         }

@@ -42,6 +42,7 @@ FocusScope {
                 objectName: "openInMail"
                 implicitHeight: Theme.controlHeightPane
                 symbol: "square-arrow-out-up-right"
+                symbolSize: 14
                 text: "在 Mail 中打开"
                 onClicked: view.screen.openInMail()
             }
@@ -49,6 +50,7 @@ FocusScope {
                 objectName: "archiveButton"
                 implicitHeight: Theme.controlHeightPane
                 symbol: "archive"
+                symbolSize: 14
                 text: "归档…"
                 enabled: view.screen.canArchive
                 help: view.screen.selection.count > 1 ? "归档选中的 " + view.screen.selection.count + " 封邮件" : "只归档这一封邮件"
@@ -59,6 +61,7 @@ FocusScope {
                 objectName: "moreActions"
                 implicitHeight: Theme.controlHeightPane
                 symbol: "ellipsis"
+                symbolSize: 14
                 help: "更多操作"
                 onClicked: view.menuRequested(moreButton)
             }

@@ -32,7 +32,7 @@ FocusGroup {
             color: Theme.text3
         }
         RowLayout {
-            Layout.topMargin: 3
+            Layout.topMargin: 4
             spacing: 8
 
             Symbol {
@@ -44,7 +44,7 @@ FocusGroup {
             }
             ColumnLayout {
                 Layout.fillWidth: true
-                spacing: 0
+                spacing: 1
 
                 AppText {
                     objectName: "archivePlaceName"
