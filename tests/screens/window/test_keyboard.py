@@ -144,6 +144,15 @@ class KeyboardWalk(unittest.TestCase):
         window.wait_for_part("archiveRow")
         window.press("Escape")
         window.wait_for_part("messageView", lambda view: view["focus"] and view["showsFocus"])
+        window.press("Menu")
+        window.wait_for_part("copySubjectRow")
+        for _ in range(20):
+            if window.part("copySubjectRow")["focus"]:
+                break
+            window.press("Down")
+        window.press("Return")
+        window.wait_for_part("messageView", lambda view: view["focus"])
+        self.assertEqual(window.ask("clipboard")["text"], window.part("detailSubject")["text"])
 
 
 if __name__ == "__main__":

@@ -1,4 +1,5 @@
-// A menu of AppMenuRow. It gives the keyboard back to what had it.
+// A menu of AppMenuRow. Opened by a key it begins at its first row, as there is no pointer to say which. It gives the
+// keyboard back to what had it.
 import QtQuick
 import QtQuick.Window
 import QtQuick.Templates as T
@@ -10,6 +11,7 @@ T.Menu {
     property Item returnTo: null
 
     onAboutToShow: returnTo = parent.Window.activeFocusItem
+    onOpened: if (KeyboardFocus.inUse && currentIndex < 0) currentIndex = firstEnabled()
     onClosed: {
         if (returnTo)
             returnTo.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
@@ -40,5 +42,13 @@ T.Menu {
         color: Theme.sheet
         border.color: Theme.lineStrong
         radius: Theme.radiusSmall
+    }
+
+    function firstEnabled(): int {
+        for (let i = 0; i < count; ++i) {
+            if (itemAt(i).enabled)
+                return i;
+        }
+        return -1;
     }
 }

@@ -12,6 +12,9 @@ T.MenuItem {
     implicitWidth: 24 + label.implicitWidth + (keys.length > 0 ? keyLabel.implicitWidth + 24 : 0) + 24
     implicitHeight: Theme.controlHeightPane
     hoverEnabled: true
+    // The key that opened the menu is held a moment too long.
+    Keys.onReturnPressed: event => event.accepted = event.isAutoRepeat
+    Keys.onEnterPressed: event => event.accepted = event.isAutoRepeat
 
     contentItem: Item {
         Symbol {

@@ -35,6 +35,7 @@ AppMenu {
         onTriggered: menu.screen.copySelection()
     }
     AppMenuRow {
+        objectName: "copySubjectRow"
         text: "拷贝主题"
         onTriggered: menu.screen.copySubject()
     }
