@@ -2,8 +2,10 @@
 
 #include <QCryptographicHash>
 #include <QDir>
+#include <QFileInfo>
 #include <QLocalSocket>
 #include <QStandardPaths>
+#include <QSysInfo>
 #include <QTimer>
 
 namespace corvane {
@@ -66,6 +68,21 @@ bool SingleInstance::handOver(const QString& address) const {
     socket.write(address.toUtf8().left(longestAddress - 1) + '\n');
     if (!socket.waitForBytesWritten(patienceMilliseconds)) return false;
     return socket.waitForReadyRead(patienceMilliseconds) && socket.readAll().startsWith(accepted);
+}
+
+QString SingleInstance::obstacle() const {
+    if (lock_.error() != QLockFile::LockFailedError) {
+        return QStringLiteral("不能写入数据文件夹「%1」。请检查它的权限和所在磁盘的剩余空间。")
+            .arg(QFileInfo(lock_.fileName()).path());
+    }
+    qint64 process = 0;
+    QString computer;
+    QString program;
+    if (!lock_.getLockInfo(&process, &computer, &program) || process == 0)
+        return QStringLiteral("Corvane 已经在运行，但没有回应。请先结束它，再重新打开。");
+    if (computer != QSysInfo::machineHostName())
+        return QStringLiteral("Corvane 正在另一台电脑（%1）上使用这个主目录。请先在那里退出。").arg(computer);
+    return QStringLiteral("Corvane 已经在运行，但没有回应（进程 %1）。请先结束它，再重新打开。").arg(process);
 }
 
 void SingleInstance::serve() {

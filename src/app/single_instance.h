@@ -21,8 +21,11 @@ class SingleInstance : public QObject {
     bool becomeFirst();
 
     // Asks the other one to come forward and, where it isn't empty, to open an address. False when it doesn't
-    // answer. Waits for at most some seconds.
+    // answer. Waits for at most some seconds; any thread.
     [[nodiscard]] bool handOver(const QString& address) const;
+
+    // Why this one couldn't become the first, for the user.
+    [[nodiscard]] QString obstacle() const;
 
   Q_SIGNALS:
     // A second start; its address may be empty.

@@ -5,7 +5,9 @@
 #include <QQuickWindow>
 #include <QSocketNotifier>
 
+#include "app/blocked_window.h"
 #include "app/single_instance.h"
+#include "app/window_load.h"
 #include "model/corvane_view_model.h"
 #include "model/model_context.h"
 #include "platform/platform.h"
@@ -27,18 +29,19 @@ void resetLogs(ModelContext& context) {
     context.startupLog.mark("applicationWillFinishLaunching reset logs");
 }
 
-WindowOutcome leaveToFirst(const SingleInstance& instance, const std::string& address) {
-    if (instance.handOver(QString::fromStdString(address))) return {};
-    consoleLine("Corvane 已经在运行，但没有回应。请先结束它，再重新打开。");
-    return {otherWindowStatus, std::nullopt};
-}
-
-QQuickWindow* loadWindow(QQmlApplicationEngine& engine, WindowModel& model) {
-    engine.addImportPath(QStringLiteral(":/qt/qml"));
-    engine.setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&model)}});
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Corvane/qml/shell/Main.qml")));
-    const QList<QObject*> roots = engine.rootObjects();
-    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(roots.first());
+// Nothing when this start goes on as the first one.
+std::optional<WindowOutcome> leaveToFirst(SingleInstance& instance, const WindowOptions& options) {
+    if (instance.handOver(QString::fromStdString(options.address))) return WindowOutcome();
+    consoleLine(instance.obstacle().toStdString());
+    switch (runBlockedWindow(instance, options.address, options.quitSignals)) {
+    case BlockedEnd::becameFirst:
+        return std::nullopt;
+    case BlockedEnd::handedOver:
+        return WindowOutcome();
+    case BlockedEnd::givenUp:
+        break;
+    }
+    return WindowOutcome{otherWindowStatus, std::nullopt};
 }
 
 void bringForward(QQuickWindow& window) {
@@ -54,14 +57,17 @@ WindowOutcome runWindow(const WindowOptions& options) {
     const std::unique_ptr<platform::Platform> system = platform::makePlatform(options.home);
     ModelContext context(*system);
     SingleInstance instance(QString::fromStdString(context.support.baseDirectory(true)));
-    if (!instance.becomeFirst()) return leaveToFirst(instance, options.address);
+    if (!instance.becomeFirst()) {
+        if (const auto outcome = leaveToFirst(instance, options)) return *outcome;
+    }
 
     resetLogs(context);
     CorvaneViewModel model(context);
     WindowModel window(model);
     WindowOutcome outcome;
     QQmlApplicationEngine engine;
-    QQuickWindow* shown = loadWindow(engine, window);
+    QQuickWindow* shown =
+        loadWindow(engine, QStringLiteral("Main"), {{QStringLiteral("app"), QVariant::fromValue(&window)}});
     if (shown == nullptr) return {EXIT_FAILURE, std::nullopt};
     WindowFrame frame(*shown, context.settings);
     // Nothing large happens before the first frame.

@@ -55,6 +55,16 @@ TEST(SingleInstance, SilentFirstOneIsSaidToBeSo) {
     EXPECT_FALSE(second.becomeFirst());
     // Nobody runs the first one's event loop while this waits.
     EXPECT_FALSE(second.handOver(QString()));
+    EXPECT_TRUE(second.obstacle().contains(QString::number(QCoreApplication::applicationPid())));
+}
+
+TEST(SingleInstance, MissingDataFolderIsntAnotherWindow) {
+    const testing::TemporaryHome home;
+    const QString folder = folderOf(home) + QStringLiteral("/gone");
+    SingleInstance start(folder);
+    EXPECT_FALSE(start.becomeFirst());
+    EXPECT_FALSE(start.obstacle().contains(QStringLiteral("已经在运行")));
+    EXPECT_TRUE(start.obstacle().contains(folder));
 }
 
 } // namespace

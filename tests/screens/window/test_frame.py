@@ -59,6 +59,41 @@ class FrameTest(unittest.TestCase):
             self.assertEqual(second.returncode, 0, said_by(second))
             self.assertIsNone(window.process.poll())
 
+    def test_start_beside_a_silent_window_says_so(self):
+        with self.display.window(self.home) as first:
+            first.process.send_signal(signal.SIGSTOP)
+            try:
+                with self.display.window(self.home) as second:
+                    line = second.wait_for_part("blockedStartLine")["text"]
+                    self.assertIn(str(first.process.pid), line)
+                    self.assertTrue(second.wait_for_part("leaveButton")["focus"])
+                    second.picture(PICTURES / "blocked-start.png")
+                    second.press_to("retryStartButton", "Left")
+                    second.press("Return")
+                    second.wait_for_part("retryStartButton", lambda button: button["text"] == "重试")
+                    self.assertEqual(second.part("blockedStartLine")["text"], line)
+                    second.press("Escape")
+                    self.assertEqual(second.process.wait(timeout=PATIENCE), 4, said_by(second.process))
+                with self.display.window(self.home) as third:
+                    third.click_part("retryStartButton")
+                    first.process.send_signal(signal.SIGCONT)
+                    self.assertEqual(third.process.wait(timeout=PATIENCE), 0, said_by(third.process))
+            finally:
+                first.process.send_signal(signal.SIGCONT)
+            self.assertIsNone(first.process.poll())
+
+    def test_start_beside_a_silent_window_goes_on_when_that_is_gone(self):
+        with self.display.window(self.home) as first:
+            first.process.send_signal(signal.SIGSTOP)
+            with self.display.window(self.home) as second:
+                second.wait_for_part("retryStartButton")
+                first.process.send_signal(signal.SIGKILL)
+                first.process.wait()
+                second.press_to("retryStartButton", "Left")
+                second.press("space")
+                second.wait_for_part("place-home")
+                self.assertEqual(second.quit()[0], 0)
+
     def test_killed_window_leaves_nothing_in_the_way(self):
         with self.display.window(self.home) as window:
             window.process.send_signal(signal.SIGKILL)

@@ -1,5 +1,6 @@
 # QML files of this folder, and the C++ sources behind them (paths from src/screens).
 set(shell_qml
+    BlockedStartWindow.qml
     CloseQuestion.qml
     ContentView.qml
     Main.qml
@@ -12,6 +13,7 @@ set(shell_qml
 set(shell_sources
     activity.cpp
     archive_place.cpp
+    blocked_start.cpp
     corvane_url.cpp
     sample_store.cpp
     sidebar_model.cpp
