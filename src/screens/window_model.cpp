@@ -19,10 +19,10 @@ std::string lengthKey(const QString& name) {
 
 } // namespace
 
-WindowModel::WindowModel(CorvaneViewModel& model, QObject* parent)
+WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figuresInterval, QObject* parent)
   : QObject(parent)
   , model_(model)
-  , organizeData_(model)
+  , organizeData_(model, figuresInterval)
   , archive_(model, organizeData_, desktop_)
   , home_(model, organizeData_, archive_, desktop_)
   , activity_(model)

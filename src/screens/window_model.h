@@ -2,6 +2,8 @@
 // the screens needs. Main thread. Made by the entry; the QML root gets it as its initial property `app`.
 #pragma once
 
+#include <chrono>
+
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
@@ -34,7 +36,10 @@ class WindowModel : public QObject {
 
   public:
     // `model` must outlive the window's model.
-    explicit WindowModel(CorvaneViewModel& model, QObject* parent = nullptr);
+    // Figures change at most once an interval.
+    explicit WindowModel(CorvaneViewModel& model,
+                         std::chrono::milliseconds figuresInterval = std::chrono::seconds(1),
+                         QObject* parent = nullptr);
 
     [[nodiscard]] HomeScreen* home() { return &home_; }
 

@@ -238,8 +238,8 @@ bool paint(const State& state, QSize size, const std::string& path) {
     window->resize(size);
     window->show();
     if (!QTest::qWaitForWindowExposed(window)) return false;
-    // Figures change once a second, and what they follow does too.
-    QTest::qWait(2300);
+    // What follows the first frame.
+    QTest::qWait(500);
     if (state.inWindow) state.inWindow(scene, *window);
     const bool isSaved = window->grabWindow().save(QString::fromStdString(path));
     scene.release();

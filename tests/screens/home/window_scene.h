@@ -19,7 +19,7 @@ class WindowScene {
     enum class Destination { chosen, none };
     void fill(Destination destination = Destination::chosen);
 
-    // Waits for the figures of the present state, which come at most once a second.
+    // Waits for the figures of the present state, which are counted in the background.
     void showLatest();
 
     // Everything that was started has ended and is shown.
@@ -48,7 +48,7 @@ class WindowScene {
     ScriptedPlatform platform_{home_};
     ModelContext context_{platform_};
     CorvaneViewModel model_{withAccounts(context_)};
-    WindowModel window_{model_};
+    WindowModel window_{model_, std::chrono::milliseconds(0)};
 };
 
 } // namespace corvane::testing
