@@ -10,12 +10,6 @@
 
 namespace corvane::mailstore {
 
-namespace {
-
-constexpr std::size_t previewCharacters = 280;
-
-} // namespace
-
 std::string previewText(const MailWorkerClient& worker, const FileURL& file) {
     try {
         std::string preview = worker.previewText(file, previewByteLimit);

@@ -2,6 +2,7 @@
 // small walk through the message.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -14,11 +15,15 @@ namespace corvane::mailstore {
 // Read of a message for its preview: a body behind a larger attachment has none.
 inline constexpr std::int64_t previewByteLimit = 2'097'152;
 
+// A longer text is cut there.
+inline constexpr std::size_t previewCharacters = 280;
+
 // Blocks for up to the worker's time limit. Throws MessageFileError when the file can't be read; failures of
 // the worker aren't told.
 std::string previewText(const MailWorkerClient& worker, const FileURL& file);
 
-// Of a message as decodeEmlx gives it: at most 280 characters, or the placeholder of an empty body. Pure.
+// Of a message as decodeEmlx gives it: at most `previewCharacters`, or the placeholder of an empty body.
+// Pure.
 std::string previewText(std::string_view messageText);
 
 } // namespace corvane::mailstore

@@ -215,7 +215,7 @@ QString MailListScreen::stateText() const {
 }
 
 QString MailListScreen::summaryText() const {
-    return countAndSize(list_.count(), bytesBefore_.back());
+    return list_.count() == 0 ? QStringLiteral("0 封") : countAndSize(list_.count(), bytesBefore_.back());
 }
 
 QString MailListScreen::selectionText() const {

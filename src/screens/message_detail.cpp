@@ -1,10 +1,12 @@
 #include "screens/message_detail.h"
 
+#include "mailstore/preview_text.h"
 #include "platform/paths.h"
 #include "records/formatters.h"
 #include "records/preview_placeholders.h"
 #include "screens/shown_text.h"
 #include "text/case.h"
+#include "text/graphemes.h"
 
 namespace corvane {
 
@@ -81,7 +83,10 @@ QString MessageDetail::place() const {
 }
 
 QString MessageDetail::preview() const {
-    return message_ ? screens::shownText(message_->preview, previewLimit).trimmed() : QString();
+    if (!message_) return {};
+    const QString text = screens::shownText(message_->preview, previewLimit).trimmed();
+    const bool isCut = text::graphemeCount(message_->preview) >= mailstore::previewCharacters;
+    return isCut ? text + u'…' : text;
 }
 
 QString MessageDetail::copiesTitle() const {

@@ -90,6 +90,44 @@ void lookAtMail(WindowScene&, QQuickWindow& window) {
     QTest::qWait(300);
 }
 
+void searchInVain(WindowScene& scene, QQuickWindow& window) {
+    lookAtMail(scene, window);
+    QTest::keyClick(&window, Qt::Key_F, Qt::ControlModifier);
+    for (const char letter : {'q', 'x', 'z', 'q'}) QTest::keyClick(&window, letter);
+    QTest::qWait(1500);
+}
+
+void openMenu(WindowScene& scene, QQuickWindow& window) {
+    lookAtMail(scene, window);
+    QTest::mouseClick(&window, Qt::RightButton, Qt::NoModifier,
+                      window.width() == 1000 ? QPoint(330, 330) : QPoint(560, 310));
+    QTest::qWait(300);
+}
+
+// Where the window is wide the filters have a pane of their own: two of them are ticked there.
+void openFilters(WindowScene& scene, QQuickWindow& window) {
+    lookAtMail(scene, window);
+    const bool isSmall = window.width() == 1000;
+    for (const QPoint& place :
+         isSmall ? QList<QPoint>{{244, 78}, {260, 160}} : QList<QPoint>{{250, 126}, {250, 414}})
+        QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier, place);
+    QTest::qWait(600);
+}
+
+void walkByKeys(WindowScene&, QQuickWindow& window) {
+    for (int step = 0; step < 3; ++step) {
+        QTest::keyClick(&window, Qt::Key_Tab);
+        QTest::qWait(50);
+    }
+    QTest::keyClick(&window, Qt::Key_Right);
+    QTest::qWait(300);
+}
+
+void askToClose(WindowScene&, QQuickWindow& window) {
+    window.close();
+    QTest::qWait(500);
+}
+
 void askForFolder(WindowScene& scene, QQuickWindow& window) {
     const int right = window.width() / 2 + 410;
     QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier,
@@ -144,6 +182,23 @@ const std::vector<State>& states() {
              scene.settle();
          }},
         {"h-mail-list", scanStore, lookAtMail},
+        {"h-mail-list-no-match", scanStore, searchInVain},
+        {"h-mail-list-menu", scanStore, openMenu},
+        {"h-mail-list-filters", scanStore, openFilters},
+        {"a-home-keys",
+         [](WindowScene& scene) {
+             scene.fill();
+             tickSome(scene);
+         },
+         walkByKeys},
+        {"f-close-question",
+         [](WindowScene& scene) {
+             scene.fill();
+             openConfirmation(scene);
+             scene.platform().onAvailableCapacity([&scene] { scene.waitForRelease(); });
+             scene.window().archive()->start();
+         },
+         askToClose},
         {"d-home-no-access",
          [](WindowScene& scene) {
              scene.home().write("Library/Mail/V10/MailData/Envelope Index", "");
@@ -238,8 +293,8 @@ bool paint(const State& state, QSize size, const std::string& path) {
     window->resize(size);
     window->show();
     if (!QTest::qWaitForWindowExposed(window)) return false;
-    // What follows the first frame.
-    QTest::qWait(500);
+    // The sidebar's figures change once a second.
+    QTest::qWait(1500);
     if (state.inWindow) state.inWindow(scene, *window);
     const bool isSaved = window->grabWindow().save(QString::fromStdString(path));
     scene.release();

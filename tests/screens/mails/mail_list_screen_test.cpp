@@ -296,6 +296,15 @@ TEST_F(MailListScreenTest, DetailNamesCopiesAttachmentsAndAPreviewThatIsNone) {
     EXPECT_EQ(role(1, AttachmentListModel::SizeTextRole), QStringLiteral("大小待估算"));
 }
 
+TEST_F(MailListScreenTest, DetailTellsAPreviewThatWasCut) {
+    for (const std::size_t length : {279U, 280U}) {
+        auto message = local("a");
+        message.preview = std::string(length, 'x');
+        publish({message});
+        EXPECT_EQ(screen_.detail()->preview().endsWith(u'…'), length == 280) << length;
+    }
+}
+
 TEST_F(MailListScreenTest, APreviewThatWasReadAgainShowsInItsRowUntilTheNextScan) {
     MessageListModel& list = *screen_.list();
     const auto third = [&list](int row) {

@@ -52,6 +52,7 @@ ListRow {
         anchors.verticalCenter: parent.verticalCenter
         width: 104
         text: row.sender
+        elide: row.sender.indexOf("@") > 0 ? Text.ElideMiddle : Text.ElideRight
         color: Theme.text2
         Accessible.ignored: true
     }

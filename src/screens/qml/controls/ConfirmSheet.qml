@@ -17,7 +17,7 @@ Sheet {
     signal accepted
     signal rejected
 
-    wantedWidth: 460
+    wantedWidth: 480
     primary: accept
     onAboutToShow: answered = false
     onClosed: {

@@ -9,6 +9,8 @@ FocusScope {
     property string symbol: "archive"
     property color symbolColor: Theme.text3
     property int symbolSize: 40
+    // Beside another one that says more.
+    property bool quiet: false
     property string title: ""
     property string line: ""
     property string buttonText: ""
@@ -37,9 +39,10 @@ FocusScope {
         }
         AppText {
             Layout.fillWidth: true
-            Layout.topMargin: 16
+            Layout.topMargin: empty.quiet ? 8 : 16
             text: empty.title
-            role: AppText.Title
+            role: empty.quiet ? AppText.Body : AppText.Title
+            color: empty.quiet ? Theme.text3 : Theme.text1
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
             maximumLineCount: 2

@@ -64,10 +64,20 @@ Item {
             border.color: Theme.seriesLine(modelData)
         }
     }
+    // Ticks of a year whose label has no room.
+    Rectangle {
+        y: column.topGap + column.plotHeight + 3
+        anchors.horizontalCenter: parent.horizontalCenter
+        visible: column.ticked && !label.visible
+        width: Math.min(30, Math.round(column.width * 0.58))
+        height: Theme.ring
+        color: Theme.accent
+    }
     AppText {
+        id: label
         anchors.bottom: parent.bottom
         anchors.horizontalCenter: parent.horizontalCenter
-        visible: column.year % column.labelEvery === 0 || column.ticked || column.chosen
+        visible: column.year % column.labelEvery === 0
         text: column.year
         role: AppText.Note
         font.weight: column.ticked || column.chosen ? Theme.strong : Theme.regular

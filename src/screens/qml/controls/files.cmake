@@ -2,6 +2,7 @@
 set(controls_qml
     AppButton.qml
     AppMenu.qml
+    AppMenuLine.qml
     AppMenuRow.qml
     AppScrollBar.qml
     AppText.qml

@@ -43,7 +43,7 @@ FocusGroup {
 
         delegate: AccountShareRow {
             required property int index
-            width: ListView.view.width
+            width: list.width - (list.contentHeight > list.height ? 10 : 0)
             current: ListView.isCurrentItem
             listFocused: list.activeFocus
             onClicked: {

@@ -19,7 +19,7 @@ BottomBar {
 
     RowLayout {
         anchors.fill: parent
-        spacing: 24
+        spacing: bar.narrow ? 16 : 24
 
         RowLayout {
             id: place

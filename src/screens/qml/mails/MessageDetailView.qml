@@ -61,7 +61,6 @@ FocusScope {
                 objectName: "moreActions"
                 implicitHeight: Theme.controlHeightPane
                 symbol: "ellipsis"
-                symbolSize: 14
                 help: "更多操作"
                 onClicked: view.menuRequested(moreButton)
             }
@@ -199,6 +198,7 @@ FocusScope {
         visible: !view.detail.hasMessage
         symbol: "mail"
         symbolSize: 32
+        quiet: true
         title: "没有选中的邮件"
     }
 

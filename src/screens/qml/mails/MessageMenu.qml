@@ -23,12 +23,14 @@ AppMenu {
         text: "在文件管理器中显示"
         onTriggered: menu.screen.revealFile()
     }
+    AppMenuLine {}
     AppMenuRow {
         objectName: "archiveRow"
         text: menu.several ? "归档选中的 " + menu.screen.selection.count + " 封…" : "只归档这一封…"
         enabled: menu.screen.canArchive
         onTriggered: menu.screen.archiveSelection()
     }
+    AppMenuLine {}
     AppMenuRow {
         text: menu.several ? "拷贝选中的行" : "拷贝这一行"
         keys: Qt.platform.os === "osx" ? "⌘C" : "Ctrl+C"
@@ -48,6 +50,7 @@ AppMenu {
         text: "拷贝文件路径"
         onTriggered: menu.screen.copyPath()
     }
+    AppMenuLine {}
     AppMenuRow {
         text: "只看这位发件人"
         onTriggered: menu.screen.filterBySender()
