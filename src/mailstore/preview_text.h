@@ -2,7 +2,6 @@
 // small walk through the message.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -14,9 +13,6 @@ namespace corvane::mailstore {
 
 // Read of a message for its preview: a body behind a larger attachment has none.
 inline constexpr std::int64_t previewByteLimit = 2'097'152;
-
-// A longer text is cut there.
-inline constexpr std::size_t previewCharacters = 280;
 
 // Blocks for up to the worker's time limit. Throws MessageFileError when the file can't be read; failures of
 // the worker aren't told.

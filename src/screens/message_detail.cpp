@@ -1,6 +1,5 @@
 #include "screens/message_detail.h"
 
-#include "mailstore/preview_text.h"
 #include "platform/paths.h"
 #include "records/formatters.h"
 #include "records/preview_placeholders.h"
@@ -85,7 +84,7 @@ QString MessageDetail::place() const {
 QString MessageDetail::preview() const {
     if (!message_) return {};
     const QString text = screens::shownText(message_->preview, previewLimit).trimmed();
-    const bool isCut = text::graphemeCount(message_->preview) >= mailstore::previewCharacters;
+    const bool isCut = text::graphemeCount(message_->preview) >= previewCharacters;
     return isCut ? text + u'…' : text;
 }
 

@@ -145,7 +145,7 @@ struct State {
     std::function<void(WindowScene&, QQuickWindow&)> inWindow = {};
 };
 
-const std::vector<State>& states() {
+const std::vector<State>& homeStates() {
     static const std::vector<State> all = {
         {"a-home",
          [](WindowScene& scene) {
@@ -191,20 +191,18 @@ const std::vector<State>& states() {
              tickSome(scene);
          },
          walkByKeys},
-        {"f-close-question",
-         [](WindowScene& scene) {
-             scene.fill();
-             openConfirmation(scene);
-             scene.platform().onAvailableCapacity([&scene] { scene.waitForRelease(); });
-             scene.window().archive()->start();
-         },
-         askToClose},
         {"d-home-no-access",
          [](WindowScene& scene) {
              scene.home().write("Library/Mail/V10/MailData/Envelope Index", "");
              scene.window().home()->recheckAccess();
              scene.settle();
          }},
+    };
+    return all;
+}
+
+const std::vector<State>& archiveStates() {
+    static const std::vector<State> all = {
         {"e-archive-confirm",
          [](WindowScene& scene) {
              scene.fill();
@@ -243,6 +241,14 @@ const std::vector<State>& states() {
              scene.platform().onAvailableCapacity([&scene] { scene.waitForRelease(); });
              scene.window().archive()->start();
          }},
+        {"f-close-question",
+         [](WindowScene& scene) {
+             scene.fill();
+             openConfirmation(scene);
+             scene.platform().onAvailableCapacity([&scene] { scene.waitForRelease(); });
+             scene.window().archive()->start();
+         },
+         askToClose},
         {"e-archive-error",
          [](WindowScene& scene) {
              scene.fill();
@@ -301,6 +307,13 @@ bool paint(const State& state, QSize size, const std::string& path) {
     return isSaved;
 }
 
+bool paintInBothSizes(const State& state, const std::string& folder, bool dark) {
+    const std::string ending = dark ? "-dark.png" : "-light.png";
+    const std::string path = folder + "/" + state.name;
+    const bool isUsualPainted = paint(state, QSize(1240, 840), path + ending);
+    return paint(state, QSize(1000, 560), path + "-small" + ending) && isUsualPainted;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -317,13 +330,10 @@ int main(int argc, char** argv) {
                                               : corvane::Appearance::Scheme::light);
     std::filesystem::create_directories(arguments[1].toStdString());
     bool allPainted = true;
-    for (const State& state : states()) {
-        if (arguments.size() > 3 && !arguments.mid(3).contains(QString::fromUtf8(state.name))) continue;
-        for (const QSize& size : {QSize(1240, 840), QSize(1000, 560)}) {
-            const std::string path = arguments[1].toStdString() + "/" + state.name +
-                                     (size.width() == 1000 ? "-small" : "") +
-                                     (dark ? "-dark.png" : "-light.png");
-            allPainted &= paint(state, size, path);
+    for (const auto* states : {&homeStates(), &archiveStates()}) {
+        for (const State& state : *states) {
+            if (arguments.size() > 3 && !arguments.mid(3).contains(QString::fromUtf8(state.name))) continue;
+            allPainted &= paintInBothSizes(state, arguments[1].toStdString(), dark);
         }
     }
     return allPainted ? 0 : 1;
