@@ -39,8 +39,9 @@ Rectangle {
         spacing: 12
 
         Symbol {
-            Layout.alignment: Qt.AlignTop
-            Layout.topMargin: 1
+            // A headline alone stands in the middle beside a button.
+            Layout.alignment: banner.shownLines.length > 0 ? Qt.AlignTop : Qt.AlignVCenter
+            Layout.topMargin: banner.shownLines.length > 0 ? 1 : 0
             size: 20
             name: banner.symbol
             color: banner.kind === "info" ? Theme.text2 : Theme.toneText(banner.kind)
