@@ -201,7 +201,7 @@ const std::vector<State>& homeStates() {
     return all;
 }
 
-const std::vector<State>& archiveStates() {
+const std::vector<State>& confirmationStates() {
     static const std::vector<State> all = {
         {"e-archive-confirm",
          [](WindowScene& scene) {
@@ -223,6 +223,15 @@ const std::vector<State>& archiveStates() {
              scene.window().archive()->setMinimumSize(3);
              scene.settle();
          }},
+        {"e-archive-error",
+         [](WindowScene& scene) {
+             scene.fill();
+             openConfirmation(scene);
+             std::filesystem::remove_all(scene.home().at("Documents"));
+             scene.home().write("Documents", "");
+             scene.window().archive()->start();
+             scene.settle();
+         }},
         {"e-folder-picker",
          [](WindowScene& scene) {
              scene.fill();
@@ -234,6 +243,12 @@ const std::vector<State>& archiveStates() {
              scene.settle();
          },
          askForFolder},
+    };
+    return all;
+}
+
+const std::vector<State>& runStates() {
+    static const std::vector<State> all = {
         {"f-archive-running",
          [](WindowScene& scene) {
              scene.fill();
@@ -249,15 +264,6 @@ const std::vector<State>& archiveStates() {
              scene.window().archive()->start();
          },
          askToClose},
-        {"e-archive-error",
-         [](WindowScene& scene) {
-             scene.fill();
-             openConfirmation(scene);
-             std::filesystem::remove_all(scene.home().at("Documents"));
-             scene.home().write("Documents", "");
-             scene.window().archive()->start();
-             scene.settle();
-         }},
         {"g-archive-ok",
          [](WindowScene& scene) {
              scene.fill();
@@ -330,7 +336,7 @@ int main(int argc, char** argv) {
                                               : corvane::Appearance::Scheme::light);
     std::filesystem::create_directories(arguments[1].toStdString());
     bool allPainted = true;
-    for (const auto* states : {&homeStates(), &archiveStates()}) {
+    for (const auto* states : {&homeStates(), &confirmationStates(), &runStates()}) {
         for (const State& state : *states) {
             if (arguments.size() > 3 && !arguments.mid(3).contains(QString::fromUtf8(state.name))) continue;
             allPainted &= paintInBothSizes(state, arguments[1].toStdString(), dark);
