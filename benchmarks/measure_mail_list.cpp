@@ -5,8 +5,6 @@
 //   measure_mail_list ours|floor ROWS
 //
 // The floor scrolls a bare list of as many rows that hold the same six texts and nothing else.
-#include <algorithm>
-#include <ctime>
 #include <functional>
 #include <vector>
 
@@ -19,6 +17,7 @@
 #include <QTemporaryDir>
 #include <fmt/format.h>
 
+#include "main_thread_times.h"
 #include "model/corvane_view_model.h"
 #include "platform/platform.h"
 #include "screens/appearance.h"
@@ -33,24 +32,6 @@ constexpr int width = 1024;
 constexpr int height = 840;
 constexpr int frames = 500;
 constexpr qreal rowHeight = 76;
-
-double threadMilliseconds() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
-std::string summaryOf(std::vector<double> times) {
-    std::sort(times.begin(), times.end());
-    const auto at = [&](double part) {
-        return times[static_cast<std::size_t>(part * static_cast<double>(times.size() - 1))];
-    };
-    double sum = 0;
-    for (const double time : times) sum += time;
-    return fmt::format(R"({{"count": {}, "mean": {:.2f}, "p50": {:.2f}, "p95": {:.2f}, "max": {:.2f}}})",
-                       times.size(), sum / static_cast<double>(times.size()), at(0.5), at(0.95),
-                       times.back());
-}
 
 SharedMessageList makeMessages(int count) {
     const char* senders[] = {"周明哲 <zhou@a.example>", "财务部 <cw@a.example>", "Li, Ming <li@b.example>",
