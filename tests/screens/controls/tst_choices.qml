@@ -21,6 +21,7 @@ Item {
     SignalSpy { id: chosen; target: segments; signalName: "activated" }
     SignalSpy { id: ticked; target: box; signalName: "clicked" }
     SignalSpy { id: yearChosen; target: chart; signalName: "yearChosen" }
+    SignalSpy { id: gridLines; signalName: "itemAdded" }
     SignalSpy { id: yearCleared; target: chart; signalName: "yearCleared" }
 
     TestCase {
@@ -46,6 +47,18 @@ Item {
             compare(chosen.count, 1);
             mouseClick(segments, 20, 15);
             compare(chosen.signalArguments[1][0], 0);
+        }
+
+        function test_AChartThatGrowsAThousandfoldNeverHasMoreLinesThanItsAxis() {
+            gridLines.target = findChild(chart, "gridLines");
+            const small = [{ year: 2019, archived: 2, unarchived: 1, serverOnly: 0, ticked: false }];
+            const large = [{ year: 2019, archived: 90000, unarchived: 1, serverOnly: 0, ticked: false }];
+            const drawn = chart.years;
+            for (const years of [small, large, [], large, small])
+                chart.years = years;
+            chart.years = drawn;
+            verify(gridLines.count > 0);
+            verify(gridLines.count < 60, gridLines.count + " lines");
         }
 
         function test_TickBoxTakesThePointerAroundIt_AndKeepsItsState() {

@@ -14,11 +14,14 @@ FocusScope {
     property var years: []
     property int chosenYear: 0
     property int currentIndex: -1
+    readonly property var noYear: ({ year: 0, archived: 0, unarchived: 0, serverOnly: 0, ticked: false })
     readonly property int axisWidth: 48
     readonly property int labelHeight: 24
     readonly property real plotHeight: height - labelHeight - 4
     readonly property real maximum: years.reduce((most, year) => Math.max(most, total(year)), 0)
     readonly property real step: ChartMath.axisStep(maximum)
+    // Not by `step`, which follows a change of `maximum` later: between the two there would be thousands.
+    readonly property int lines: maximum > 0 ? Math.floor(maximum / ChartMath.axisStep(maximum)) + 1 : 1
 
     signal yearChosen(int year)
     signal yearCleared
@@ -77,7 +80,8 @@ FocusScope {
     }
 
     Repeater {
-        model: chart.maximum > 0 ? Math.floor(chart.maximum / chart.step) + 1 : 1
+        objectName: "gridLines"
+        model: chart.lines
         delegate: Item {
             id: gridLine
             required property int index
@@ -110,7 +114,8 @@ FocusScope {
             model: chart.years.length
             delegate: YearColumn {
                 required property int index
-                readonly property var entry: chart.years[index]
+                // A column outlives its year for a moment when there are fewer.
+                readonly property var entry: chart.years[index] ?? chart.noYear
 
                 width: (chart.width - chart.axisWidth) / chart.years.length
                 height: columns.height
