@@ -1,11 +1,13 @@
 #include "model/archive_control.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include <fmt/format.h>
 
 #include "model/file_existence.h"
 #include "records/formatters.h"
+#include "records/stable_hash.h"
 #include "records/stable_id.h"
 
 namespace corvane {
@@ -77,6 +79,13 @@ MessageList selectedOf(const MessageList& candidates, const SharedTextSet& selec
         if (selection.contains(message.id)) selected.push_back(message);
     }
     return selected;
+}
+
+std::string runSignature(const MessageList& messages, const std::string& destination) {
+    std::string run = fmt::format("postArchive:{}:", destination);
+    for (const MailMessageRecord& message : messages)
+        fmt::format_to(std::back_inserter(run), "{},", message.id);
+    return stableHash(run);
 }
 
 } // namespace
@@ -353,9 +362,11 @@ void ArchiveControl::startRun(const std::string& destination) {
                                             [stop] { std::stop_source(stop).request_stop(); });
         const MessageList messages = selectedOf(*candidates, *selection);
         const auto finish = [&](RunOutcome outcome) {
-            task.onMain([this, destination, outcome = std::make_shared<RunOutcome>(std::move(outcome))] {
-                finishRun(std::move(*outcome), destination);
-            });
+            const QString signature = QString::fromStdString(runSignature(messages, destination));
+            task.onMain(
+                [this, destination, signature, outcome = std::make_shared<RunOutcome>(std::move(outcome))] {
+                    finishRun(std::move(*outcome), destination, signature);
+                });
         };
         // The place may be a sleeping disk, so it isn't asked on the main thread.
         if (const auto shortfall = archiveCapacityShortfall(messages, destination, platform)) {
@@ -376,10 +387,10 @@ void ArchiveControl::startRun(const std::string& destination) {
     });
 }
 
-void ArchiveControl::finishRun(RunOutcome outcome, const std::string& destination) {
+void ArchiveControl::finishRun(RunOutcome outcome, const std::string& destination, const QString& signature) {
     const Completion completion = std::exchange(completion_, nullptr);
     setProgress(std::nullopt);
-    if (outcome) Q_EMIT archiveRunFinished(*outcome, QString::fromStdString(destination));
+    if (outcome) Q_EMIT archiveRunFinished(*outcome, QString::fromStdString(destination), signature);
     pruneArchiveSelection();
     completion(std::move(outcome));
 }

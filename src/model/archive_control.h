@@ -121,8 +121,9 @@ class ArchiveControl : public QObject {
     void candidateCountChanged();
     void archiveCandidatesReady();
     void progressChanged();
-    // A run has ended with a result.
-    void archiveRunFinished(const corvane::EmailArchiveRunResult& result, const QString& destination);
+    // A run has ended with a result. Runs of the same messages into the same place have the same signature.
+    void archiveRunFinished(const corvane::EmailArchiveRunResult& result, const QString& destination,
+                            const QString& signature);
 
   private:
     [[nodiscard]] std::string signature() const;
@@ -133,7 +134,7 @@ class ArchiveControl : public QObject {
     // For changes in place: a run reads its selection on its own thread, and keeps it.
     SharedTextSet& changeableSelection();
     void startRun(const std::string& destination);
-    void finishRun(RunOutcome outcome, const std::string& destination);
+    void finishRun(RunOutcome outcome, const std::string& destination, const QString& signature);
 
     ModelContext& context_;
     MessageCatalog& catalog_;

@@ -4,11 +4,9 @@
 
 #include <QPointer>
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include "model/cloud_providers.h"
 #include "model/count_reconciliation.h"
-#include "records/stable_hash.h"
 
 namespace corvane {
 
@@ -124,12 +122,15 @@ void CorvaneViewModel::wireArchive() {
     connect(&library_, &LibraryLoader::archivedBaseIDsChanged, this, [this] { archivedBaseIDsReplaced(); });
     connect(&destinations_, &ArchiveDestinations::destinationPrepared, this,
             [this] { loadArchiveIndex(false); });
-    connect(&archive_, &ArchiveControl::archiveRunFinished, this,
-            [this](const EmailArchiveRunResult& result, const QString& destination) {
-                loadArchiveIndex(true);
-                destinations_.refreshFacts();
-                if (result.archivedCount > 0) indexArchivedBodies(result, destination.toStdString());
-            });
+    connect(
+        &archive_, &ArchiveControl::archiveRunFinished, this,
+        [this](const EmailArchiveRunResult& result, const QString& destination, const QString& signature) {
+            loadArchiveIndex(true);
+            destinations_.refreshFacts();
+            if (result.archivedCount == 0) return;
+            bodyTexts_.scheduleBodyTextIndexRepair({canonicalPath(destination.toStdString())},
+                                                   result.archivedCount, signature.toStdString());
+        });
     connect(&bodyTexts_, &BodyTexts::libraryReloadWanted, this, [this] { loadArchiveIndex(true); });
 }
 
@@ -144,15 +145,6 @@ void CorvaneViewModel::wirePreviews() {
     connect(&scanFlow_, &ScanFlow::stateChanged, this, [this] {
         if (scanFlow_.state().kind == MailScanState::Kind::idle) previews_.cancel();
     });
-}
-
-void CorvaneViewModel::indexArchivedBodies(const EmailArchiveRunResult& result,
-                                           const std::string& destination) {
-    const SharedTextSet& selection = archive_.selectedArchiveMessageIDs();
-    const std::set<SharedText> ids(selection.begin(), selection.end());
-    const std::string run = fmt::format("postArchive:{}:{}", destination, fmt::join(ids, ","));
-    bodyTexts_.scheduleBodyTextIndexRepair({canonicalPath(destination)}, result.archivedCount,
-                                           stableHash(run));
 }
 
 void CorvaneViewModel::archivedBaseIDsReplaced() {

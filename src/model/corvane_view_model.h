@@ -82,7 +82,6 @@ class CorvaneViewModel : public QObject {
     void wireFilters();
     void wireArchive();
     void wirePreviews();
-    void indexArchivedBodies(const EmailArchiveRunResult& result, const std::string& destination);
     void wireVolumes();
     void archivedBaseIDsReplaced();
     void pruneFilterYears();
