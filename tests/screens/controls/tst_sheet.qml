@@ -18,6 +18,7 @@ Item {
     Sheet {
         id: tall
         title: "很长"
+        AppButton { id: tallButton; text: "很长的" }
         Repeater {
             model: 100
             AppText { required property int index; text: "第 " + index + " 行" }
@@ -41,6 +42,8 @@ Item {
             behind.clear();
         }
         function cleanup() {
+            tall.close();
+            sheet.urgent = false;
             sheet.close();
             tryVerify(() => !sheet.visible);
         }
@@ -73,6 +76,53 @@ Item {
             compare(accepted.count, 1);
             tryVerify(() => !sheet.visible);
             compare(rejected.count, 0);
+        }
+
+        function test_SecondSheetTakesThePlace_AndGivesItBackAsItWas() {
+            inside.forceActiveFocus(Qt.TabFocusReason);
+            tall.open();
+            tryVerify(() => tall.opened);
+            verify(!inside.visible);
+            for (let i = 0; i < 3; ++i) {
+                verify(tallButton.activeFocus);
+                keyClick(Qt.Key_Tab);
+            }
+            keyClick(Qt.Key_Return);
+            compare(accepted.count, 0);
+            keyClick(Qt.Key_Escape);
+            tryVerify(() => !tall.visible);
+            verify(inside.visible);
+            verify(inside.activeFocus);
+            keyClick(Qt.Key_Escape);
+            tryVerify(() => !sheet.visible);
+            verify(opener.activeFocus);
+        }
+
+        function test_UrgentSheetStays_AndTheOneThatCameMeanwhileFollows() {
+            sheet.urgent = true;
+            tall.open();
+            tryVerify(() => tall.opened);
+            verify(inside.visible);
+            verify(!tallButton.visible);
+            keyClick(Qt.Key_Return);
+            compare(accepted.count, 1);
+            tryVerify(() => !sheet.visible);
+            verify(tallButton.visible);
+            verify(tallButton.activeFocus);
+            keyClick(Qt.Key_Escape);
+            tryVerify(() => !tall.visible);
+            verify(opener.activeFocus);
+        }
+
+        function test_SheetThatLeavesBelowAnother_LeavesItTheKeyboard() {
+            tall.open();
+            tryVerify(() => tall.opened);
+            sheet.close();
+            tryVerify(() => !sheet.visible);
+            verify(tallButton.activeFocus);
+            keyClick(Qt.Key_Escape);
+            tryVerify(() => !tall.visible);
+            verify(opener.activeFocus);
         }
 
         function test_SheetNeverOutgrowsTheWindow() {

@@ -41,8 +41,11 @@ class CloseDuringARun(unittest.TestCase):
             window.wait_for_part("cancelRunButton")
 
             window.ask_to_close()
+            window.wait_for_part("acceptButton", lambda button: button["focus"])
+            self.assertIsNone(window.part("cancelRunButton"), "one sheet at a time")
             window.click_part("rejectButton")
             wait_until(lambda: window.part("rejectButton") is None, "the question to go")
+            window.wait_for_part("cancelRunButton", lambda button: button["focus"])
             self.assertIsNone(window.process.poll())
             self.assertTrue(window.part("activity"), "the run goes on")
 

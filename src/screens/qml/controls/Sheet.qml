@@ -1,5 +1,5 @@
-// What stands over the window until it is answered: a fixed head and bar, a body between them. It keeps the keyboard
-// and gives it back to what had it. Escape closes it when `dismissable`; Return presses `primary`.
+// What stands over the window until it is answered: a fixed head and bar, a body between them. Of several open ones
+// only one is shown, which keeps the keyboard (OpenSheets). Escape closes it when `dismissable`; Return presses `primary`.
 //
 // The body is a column that scrolls; with `scrolls` off it is one item that fills what is left, such as a list. Items
 // of `barItems` stand at the right of the bar.
@@ -31,10 +31,10 @@ T.Popup {
     property alias fillingItems: fillingBody.data
     property alias barItems: buttons.data
     property real offset: 0
-    // What had the keyboard before.
-    property Item returnTo: null
-    // Where that leads, when it was in a sheet that has gone since.
-    property Item behind: null
+    // It goes before others, whenever they came.
+    property bool urgent: false
+    // Another one is shown in its place.
+    readonly property bool waits: visible && OpenSheets.shown !== sheet
     // What the sheet gave the keyboard to.
     property Item begunAt: null
 
@@ -49,22 +49,15 @@ T.Popup {
     padding: 1
 
     onAboutToShow: {
-        returnTo = parent.Window.activeFocusItem;
-        behind = sheetOf(returnTo)?.backTo() ?? null;
         begunAt = null;
-        Qt.callLater(takeKeyboard);
+        OpenSheets.enter(sheet, parent.Window.activeFocusItem);
     }
-    onClosed: {
-        const back = backTo();
-        if (back)
-            back.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
-        returnTo = null;
-        behind = null;
-    }
+    onClosed: OpenSheets.leave(sheet)
     onOpened: takeKeyboard()
 
+    z: urgent ? 1 : 0
     T.Overlay.modal: Rectangle {
-        color: Theme.scrim
+        color: sheet.waits ? "transparent" : Theme.scrim
     }
     enter: Transition {
         NumberAnimation {
@@ -85,6 +78,7 @@ T.Popup {
         }
     }
     background: Rectangle {
+        visible: !sheet.waits
         color: Theme.sheet
         border.color: Theme.lineStrong
         radius: Theme.radiusSheet
@@ -93,6 +87,7 @@ T.Popup {
         property var sheetAround: sheet
 
         focus: true
+        visible: !sheet.waits
         Accessible.role: Accessible.Dialog
         Accessible.name: sheet.title
 
@@ -199,21 +194,23 @@ T.Popup {
         return null;
     }
 
-    function backTo(): Item {
-        return returnTo && returnTo.visible ? returnTo : behind;
-    }
-
     // At once, and again when the sheet stands, as its primary button may have had to wait. Who has gone on by then
-    // stays where they are: a Space meant for another control must not press the primary one.
+    // stays where they are: a Space meant for another control must not press the primary one. A sheet that was away
+    // goes on where it was left.
     function takeKeyboard(): void {
         const holder = parent.Window.activeFocusItem;
-        if (!visible || (begunAt && holder !== begunAt && sheetOf(holder) === sheet))
+        if (!visible || waits || (begunAt && holder !== begunAt && sheetOf(holder) === sheet))
             return;
+        const reason = KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason;
+        if (begunAt && sheetOf(holder) !== sheet) {
+            contentItem.forceActiveFocus(reason);
+            return;
+        }
         const first = primary && primary.enabled ? primary
             : KeyboardFocus.inUse && holder === contentItem ? contentItem.nextItemInFocusChain(true)
             : null;
         if (first)
-            first.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
+            first.forceActiveFocus(reason);
         begunAt = parent.Window.activeFocusItem;
     }
 

@@ -21,6 +21,7 @@ set(controls_qml
     IconButton.qml
     ListRow.qml
     MenuButton.qml
+    OpenSheets.qml
     PlainButton.qml
     PrimaryButton.qml
     ProgressTrack.qml

@@ -1,0 +1,38 @@
+// The sheets that are open over the window. At most one is shown: the last one, unless an earlier one is urgent. The
+// others wait as they were left and come back in turn. The keyboard goes with the shown one, and in the end back to
+// what had it before the first.
+pragma Singleton
+
+import QtQuick
+import Corvane
+
+QtObject {
+    id: registry
+
+    // In the order in which they came; of type Sheet.
+    property var sheets: []
+    readonly property var shown: sheets.find(sheet => sheet.urgent) ?? sheets[sheets.length - 1] ?? null
+    property Item returnTo: null
+
+    function enter(sheet: var, holder: Item) {
+        // One that was destroyed while it was open has not left.
+        const others = sheets.filter(other => other && other.visible && other !== sheet);
+        if (others.length === 0)
+            returnTo = holder;
+        sheets = others.concat([sheet]);
+        Qt.callLater(giveKeyboard);
+    }
+    function leave(sheet: var) {
+        sheets = sheets.filter(other => other && other !== sheet);
+        giveKeyboard();
+    }
+    function giveKeyboard() {
+        if (shown) {
+            shown.takeKeyboard();
+        } else if (returnTo) {
+            if (returnTo.visible)
+                returnTo.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
+            returnTo = null;
+        }
+    }
+}
