@@ -34,6 +34,22 @@ KeyboardFocus::KeyboardFocus(QObject* parent)
     qGuiApp->installEventFilter(this);
 }
 
+bool KeyboardFocus::isHeldIn(QQuickItem* item) {
+    const QQuickWindow* window = item != nullptr ? item->window() : nullptr;
+    const QQuickItem* holder = window != nullptr ? window->activeFocusItem() : nullptr;
+    return holder != nullptr && holder->isVisible() && holder->activeFocusOnTab();
+}
+
+void KeyboardFocus::enter(QQuickItem* scope) const {
+    if (scope == nullptr || scope->window() == nullptr) return;
+    const Qt::FocusReason reason = inUse_ ? Qt::TabFocusReason : Qt::OtherFocusReason;
+    scope->forceActiveFocus(reason);
+    QQuickItem* holder =
+        isHeldIn(scope) ? scope->window()->activeFocusItem() : scope->nextItemInFocusChain(true);
+    // Again, since a ring is shown only where the reason came with the focus.
+    if (holder != nullptr) holder->forceActiveFocus(reason);
+}
+
 // A filter, because an item that takes part in Qt's own order handles Tab before any item around it hears of
 // it.
 bool KeyboardFocus::eventFilter(QObject* watched, QEvent* event) {

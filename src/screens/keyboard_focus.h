@@ -2,10 +2,8 @@
 // ring is shown, and Tab, which goes from group to group (see focus_group.h). Main thread.
 #pragma once
 
-#include <QObject>
+#include <QQuickItem>
 #include <QtQml/qqmlregistration.h>
-
-class QQuickWindow;
 
 namespace corvane {
 
@@ -20,6 +18,12 @@ class KeyboardFocus : public QObject {
     explicit KeyboardFocus(QObject* parent = nullptr);
 
     [[nodiscard]] bool inUse() const { return inUse_; }
+
+    // Something in the window of `item` has the keyboard that can be seen and that Tab comes to.
+    Q_INVOKABLE [[nodiscard]] static bool isHeldIn(QQuickItem* item);
+
+    // The keyboard goes on where it was in this focus scope, or begins at its first part.
+    Q_INVOKABLE void enter(QQuickItem* scope) const;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -1,6 +1,7 @@
 // The home and the archive flow as a user has them before them: keys, pointer, sizes, and what a run leaves.
 import QtQuick
 import QtQuick.Templates as T
+import QtQuick.Window
 import QtTest
 import Corvane
 
@@ -52,6 +53,18 @@ Item {
             scenes.letGo();
             scenes.settle();
             archive.close();
+        }
+        // The keyboard is at a part that shows it, within the screen of that name.
+        function verifyKeyboardIn(page: string) {
+            tryVerify(() => {
+                const at = root.Window.activeFocusItem;
+                if (!at || !at.visible || !at.activeFocusOnTab)
+                    return false;
+                let around = at;
+                while (around && around.objectName !== page)
+                    around = around.parent;
+                return around !== null;
+            }, 5000, page + " has the keyboard, not " + root.Window.activeFocusItem);
         }
         function part(name: string): Item {
             const found = findChild(holder.item, name);
@@ -227,6 +240,29 @@ Item {
             compare(retry.text, "再试失败的 46 封");
             mouseClick(retry);
             tryVerify(() => archive.stage === ArchiveScreen.Confirm && archive.candidates.count === 46);
+        }
+
+        function test_KeyOfAScreen_TakesTheKeyboardThere_data() {
+            return ["organizeTree", "yearChart", "updateButton", "place-home"].map(name => ({ tag: name }));
+        }
+        function test_KeyOfAScreen_TakesTheKeyboardThere(data) {
+            part(data.tag).forceActiveFocus(Qt.TabFocusReason);
+            keyClick(Qt.Key_4, Qt.ControlModifier);
+            verifyKeyboardIn("mailListPage");
+            keyClick(Qt.Key_F, Qt.ControlModifier);
+            keyClick(Qt.Key_1, Qt.ControlModifier);
+            verifyKeyboardIn("homePage");
+            if (data.tag !== "place-home")
+                compare(root.Window.activeFocusItem, part(data.tag), "where it was");
+            keyClick(Qt.Key_Tab);
+            verify(root.Window.activeFocusItem.visible);
+        }
+
+        function test_PartThatGoesAway_LeavesTheKeyboardInItsScreen() {
+            part("accountList").forceActiveFocus(Qt.TabFocusReason);
+            root.width = 1000; // no room for the accounts
+            tryVerify(() => !part("accountList").visible);
+            verifyKeyboardIn("homePage");
         }
     }
 }

@@ -4,7 +4,6 @@
 pragma Singleton
 
 import QtQuick
-import Corvane
 
 QtObject {
     id: registry
@@ -13,6 +12,7 @@ QtObject {
     property var sheets: []
     readonly property var shown: sheets.find(sheet => sheet.urgent) ?? sheets[sheets.length - 1] ?? null
     property Item returnTo: null
+    property int returnReason: Qt.OtherFocusReason
 
     function enter(sheet: var, holder: Item) {
         // One that was destroyed while it was open has not left.
@@ -22,7 +22,8 @@ QtObject {
         sheets = others.concat([sheet]);
         Qt.callLater(giveKeyboard);
     }
-    function leave(sheet: var) {
+    function leave(sheet: var, reason: int) {
+        returnReason = reason;
         sheets = sheets.filter(other => other && other !== sheet);
         giveKeyboard();
     }
@@ -31,7 +32,7 @@ QtObject {
             shown.takeKeyboard();
         } else if (returnTo) {
             if (returnTo.visible)
-                returnTo.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
+                returnTo.forceActiveFocus(returnReason);
             returnTo = null;
         }
     }

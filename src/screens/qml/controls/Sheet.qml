@@ -33,6 +33,7 @@ T.Popup {
     property real offset: 0
     // It goes before others, whenever they came.
     property bool urgent: false
+    readonly property int focusReason: KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason
     // Another one is shown in its place.
     readonly property bool waits: visible && OpenSheets.shown !== sheet
     // What the sheet gave the keyboard to.
@@ -52,7 +53,7 @@ T.Popup {
         begunAt = null;
         OpenSheets.enter(sheet, parent.Window.activeFocusItem);
     }
-    onClosed: OpenSheets.leave(sheet)
+    onClosed: OpenSheets.leave(sheet, focusReason)
     onOpened: takeKeyboard()
 
     z: urgent ? 1 : 0
@@ -201,16 +202,15 @@ T.Popup {
         const holder = parent.Window.activeFocusItem;
         if (!visible || waits || (begunAt && holder !== begunAt && sheetOf(holder) === sheet))
             return;
-        const reason = KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason;
         if (begunAt && sheetOf(holder) !== sheet) {
-            contentItem.forceActiveFocus(reason);
+            contentItem.forceActiveFocus(focusReason);
             return;
         }
         const first = primary && primary.enabled ? primary
             : KeyboardFocus.inUse && holder === contentItem ? contentItem.nextItemInFocusChain(true)
             : null;
         if (first)
-            first.forceActiveFocus(reason);
+            first.forceActiveFocus(focusReason);
         begunAt = parent.Window.activeFocusItem;
     }
 

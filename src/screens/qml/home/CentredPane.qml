@@ -11,6 +11,8 @@ FocusGroup {
     property int columnSpacing: 24
     default property alias content: column.data
 
+    focus: true
+
     Flickable {
         id: flick
         anchors.fill: parent

@@ -14,6 +14,7 @@ FocusScope {
     readonly property bool hasFailure: home.failureText.length > 0
 
     objectName: "overview"
+    focus: true
 
     ColumnLayout {
         anchors.fill: parent

@@ -17,6 +17,20 @@ FocusScope {
         if (key.length > 0)
             place = key;
     }
+    // Into the screen, also where it is the one that is shown: the key says where one wants to work.
+    function goByKey(key: string) {
+        go(key);
+        if (key.length > 0)
+            Qt.callLater(enterPage);
+    }
+    function enterPage() {
+        KeyboardFocus.enter(currentPage);
+    }
+    // What had the keyboard is no longer to be seen, with its screen or by itself.
+    function settleKeyboard() {
+        if (currentPage && !OpenSheets.shown && !KeyboardFocus.isHeldIn(view))
+            enterPage();
+    }
     function pageOf(key: string): Component {
         return key === "mails" ? mailsPage : homePage;
     }
@@ -25,8 +39,15 @@ FocusScope {
             currentPage.searchField.forceActiveFocus(Qt.ShortcutFocusReason);
     }
 
+    onCurrentPageChanged: Qt.callLater(settleKeyboard)
     Keys.onEscapePressed: if (currentPage) currentPage.escaped()
 
+    Connections {
+        target: view.Window.activeFocusItem
+        function onVisibleChanged() {
+            Qt.callLater(view.settleKeyboard);
+        }
+    }
     Sidebar {
         id: sidebar
         width: view.narrow ? Theme.sidebarWidthNarrow : Theme.sidebarWidth
@@ -97,7 +118,7 @@ FocusScope {
             required property int index
             Shortcut {
                 sequence: "Ctrl+" + (key.index + 1)
-                onActivated: view.go(view.app.sidebar.keyOfNumber(key.index + 1))
+                onActivated: view.goByKey(view.app.sidebar.keyOfNumber(key.index + 1))
             }
         }
     }

@@ -21,6 +21,7 @@ FocusScope {
     // Escape came and nothing in the screen took it.
     signal escaped
 
+    focus: true
     onRefreshRequested: app.refreshAllMailData()
 
     Rectangle {
