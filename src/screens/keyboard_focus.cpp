@@ -46,8 +46,10 @@ void KeyboardFocus::enter(QQuickItem* scope) const {
     scope->forceActiveFocus(reason);
     QQuickItem* holder =
         isHeldIn(scope) ? scope->window()->activeFocusItem() : scope->nextItemInFocusChain(true);
-    // Again, since a ring is shown only where the reason came with the focus.
-    if (holder != nullptr) holder->forceActiveFocus(reason);
+    if (holder == nullptr) return;
+    // The reason, which decides about the ring, is only taken with the focus.
+    holder->setFocus(false, reason);
+    holder->forceActiveFocus(reason);
 }
 
 // A filter, because an item that takes part in Qt's own order handles Tab before any item around it hears of

@@ -41,6 +41,8 @@ class KeyboardWalk(unittest.TestCase):
                 self.assertNotIn(trouble, said)
 
     def update(self, window):
+        self.assertIn("emptyStateButton", window.focus()["names"], "the one thing to do has the keyboard")
+        window.press("Tab")
         window.tab_to("emptyStateButton")
         window.press("Return")
         wait_until((self.home / ".local/share/Corvane/home-scan-snapshot.json").exists, "the end of the scan")
@@ -65,7 +67,7 @@ class KeyboardWalk(unittest.TestCase):
     def archive(self, window):
         window.tab_to("chooseLocationButton")  # the picker is the system's; a place at one press is in the sheet
         window.press("ctrl+4")
-        window.tab_to("messageView")
+        window.wait_for_part("messageView", lambda view: view["focus"] and view["showsFocus"])
         window.press("Home", "shift+Down", "shift+Down", "shift+Down")
         window.tab_to("openInMail")
         window.press_to("archiveButton", "Right")
