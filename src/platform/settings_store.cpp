@@ -1,9 +1,15 @@
 #include "platform/settings_store.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <string_view>
+#include <thread>
 #include <tuple>
+
+#include <fcntl.h>
+#include <sys/file.h>
 
 #include <rapidjson/document.h>
 #include <rapidjson/prettywriter.h>
@@ -24,6 +30,8 @@ using Json = rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::CrtAllocat
 using JsonValue = Json::ValueType;
 
 constexpr std::int64_t sizeLimitBytes = 16 << 20;
+constexpr std::chrono::milliseconds lockPatience(1000);
+constexpr std::chrono::milliseconds lockPause(1);
 constexpr int nestingLimit = 64;
 constexpr unsigned parseFlags = rapidjson::kParseIterativeFlag | rapidjson::kParseFullPrecisionFlag |
                                 rapidjson::kParseValidateEncodingFlag;
@@ -198,6 +206,7 @@ void SettingsStore::setTextMap(const std::string& key, const std::map<std::strin
 }
 
 void SettingsStore::remove(const std::string& key) {
+    const FileDescriptor lock = lockedFolder();
     reloadIfChanged();
     removeAll(*document_->json, key);
     save();
@@ -205,12 +214,28 @@ void SettingsStore::remove(const std::string& key) {
 
 template <typename MakeValue>
 void SettingsStore::change(const std::string& key, const MakeValue& makeValue) {
+    const FileDescriptor lock = lockedFolder();
     reloadIfChanged();
     Json& json = *document_->json;
     removeAll(json, key);
     JsonValue value = makeValue(json);
     json.AddMember(jsonText(key, json.GetAllocator()), value, json.GetAllocator());
     save();
+}
+
+// The folder, as the file itself is replaced at each save. Where it can't be locked, or another process holds
+// the lock for longer than any save takes, a change is better made than lost.
+FileDescriptor SettingsStore::lockedFolder() const {
+    const std::string folder(parentPath(resolvedPath(path_).value_or(path_)));
+    if (createDirectories(files_, folder)) return {};
+    FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const auto start = std::chrono::steady_clock::now();
+    while (descriptor && ::flock(descriptor.get(), LOCK_EX | LOCK_NB) != 0) {
+        const bool isHeld = errno == EWOULDBLOCK || errno == EINTR;
+        if (!isHeld || std::chrono::steady_clock::now() - start > lockPatience) return {};
+        std::this_thread::sleep_for(lockPause);
+    }
+    return descriptor;
 }
 
 void SettingsStore::reloadIfChanged() {

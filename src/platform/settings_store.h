@@ -4,8 +4,9 @@
 // "<name>.damaged".
 //
 // Single-threaded: it belongs to the main thread. Values of keys that this version doesn't know are kept, and
-// so are those that another process saved meanwhile: a change is made to the file as it then is. A save that
-// fails leaves the file and is tried again with the next change; this object answers with the new value.
+// so are those that another process saved meanwhile: a change is made to the file as it then is, while its
+// folder is locked against other stores. A save that fails leaves the file and is tried again with the next
+// change; this object answers with the new value.
 #pragma once
 
 #include <map>
@@ -14,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/file_descriptor.h"
 #include "platform/file_layer.h"
 
 namespace corvane::platform {
@@ -36,6 +38,7 @@ class SettingsStore {
   private:
     struct Document;
 
+    [[nodiscard]] FileDescriptor lockedFolder() const;
     void load();
     void reloadIfChanged();
     void save();

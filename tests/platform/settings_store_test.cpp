@@ -1,6 +1,7 @@
 #include "platform/settings_store.h"
 
 #include <filesystem>
+#include <thread>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -122,6 +123,24 @@ TEST(SettingsStore, TwoProcessesDoNotUndoEachOther) {
     window.setTextList("selected", {"y"});
     EXPECT_EQ(SettingsStore(path).textList("roots"), TextList{"/archive"});
     EXPECT_EQ(window.textList("roots"), TextList{"/archive"});
+}
+
+TEST(SettingsStore, StoresThatWriteAtOneTimeKeepAllOfIt) {
+    constexpr int changes = 100;
+    const TemporaryHome home;
+    const std::string path = home.at("config/s.conf");
+    {
+        std::vector<std::jthread> programs;
+        for (const std::string name : {"window", "cli", "schedule"}) {
+            programs.emplace_back([&path, name] {
+                SettingsStore settings(path);
+                for (int i = 0; i < changes; ++i) settings.setText(name + std::to_string(i), "x");
+            });
+        }
+    }
+    const SettingsStore settings(path);
+    for (const std::string name : {"window", "cli", "schedule"})
+        for (int i = 0; i < changes; ++i) EXPECT_TRUE(settings.text(name + std::to_string(i))) << name << i;
 }
 
 TEST(SettingsStore, AFileThatVanishesOrBreaksMeanwhileEmptiesNothing) {
