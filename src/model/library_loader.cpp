@@ -95,6 +95,7 @@ void LibraryLoader::startLoad(LibraryLoadInput input, const std::string& signatu
                 applyLoadedArchiveIndex(result, signature, secondsSince(start));
             });
         });
+    Q_EMIT loadStarted();
 }
 
 void LibraryLoader::applyLoadedArchiveIndex(LibraryLoadResult result, const std::string& signature,

@@ -91,6 +91,7 @@ class LibraryLoader : public QObject {
     void archiveLocationsChanged();
     void archivedBaseIDsChanged();
     void libraryFiltersChanged();
+    void loadStarted();
     // A live load has been published.
     void loadFinished();
 

@@ -17,9 +17,10 @@ QString figureOf(const EmailArchiveProgress& progress) {
 
 } // namespace
 
-Activity::Activity(CorvaneViewModel& model, QObject* parent)
+Activity::Activity(CorvaneViewModel& model, std::chrono::milliseconds loadPatience, QObject* parent)
   : QObject(parent)
-  , model_(model) {
+  , model_(model)
+  , loadPatience_(loadPatience) {
     pause_.setSingleShot(true);
     pause_.setInterval(changePause);
     connect(&pause_, &QTimer::timeout, this, [this] { show(present()); });
@@ -27,7 +28,19 @@ Activity::Activity(CorvaneViewModel& model, QObject* parent)
     connect(&model.catalog(), &MessageCatalog::summaryChanged, this, &Activity::follow);
     connect(&model.archive(), &ArchiveControl::progressChanged, this, &Activity::follow);
     connect(&model.bodyTexts(), &BodyTexts::bodyIndexProgressChanged, this, &Activity::follow);
+    connect(&model.library(), &LibraryLoader::loadStarted, this, &Activity::noteLoad);
+    connect(&model.library(), &LibraryLoader::loadFinished, this, &Activity::follow);
+    noteLoad();
+}
+
+void Activity::noteLoad() {
+    loadClock_.start();
+    QTimer::singleShot(loadPatience_, this, &Activity::follow);
     follow();
+}
+
+bool Activity::loadLasts() const {
+    return model_.library().isLoading() && loadClock_.elapsed() >= loadPatience_.count();
 }
 
 Activity::State Activity::present() const {
@@ -43,6 +56,7 @@ Activity::State Activity::present() const {
     }
     if (const auto& progress = model_.bodyTexts().bodyIndexProgress())
         return {QStringLiteral("正在准备正文预览"), figureOf(*progress), home, progress->fraction(), false};
+    if (loadLasts()) return {QStringLiteral("正在读取归档库"), {}, home, 0, true};
     return {};
 }
 

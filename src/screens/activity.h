@@ -2,6 +2,9 @@
 // run that the user waits for most. Main thread. It changes at most once a second while the same work runs.
 #pragma once
 
+#include <chrono>
+
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 #include <QtQml/qqmlregistration.h>
@@ -25,8 +28,11 @@ class Activity : public QObject {
     Q_PROPERTY(QString place READ place NOTIFY changed)
 
   public:
-    // `model` must outlive it.
-    explicit Activity(CorvaneViewModel& model, QObject* parent = nullptr);
+    // `model` must outlive it. The archive's index is mostly read before one could read of it: it is told of
+    // after `loadPatience`.
+    explicit Activity(CorvaneViewModel& model,
+                      std::chrono::milliseconds loadPatience = std::chrono::milliseconds(500),
+                      QObject* parent = nullptr);
 
     [[nodiscard]] bool running() const { return !shown_.title.isEmpty(); }
 
@@ -55,12 +61,16 @@ class Activity : public QObject {
     };
 
     [[nodiscard]] State present() const;
+    [[nodiscard]] bool loadLasts() const;
+    void noteLoad();
     void follow();
     void show(State state);
 
     CorvaneViewModel& model_;
     State shown_;
     QTimer pause_;
+    std::chrono::milliseconds loadPatience_;
+    QElapsedTimer loadClock_;
 };
 
 } // namespace corvane

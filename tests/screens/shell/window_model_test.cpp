@@ -93,6 +93,17 @@ TEST_F(WindowModels, TheFootTellsOfARunAndThenOfItsBodyTexts) {
     EXPECT_FALSE(window_.activity()->running());
 }
 
+TEST_F(WindowModels, TheFootTellsOfALibraryThatTakesLongToRead) {
+    Activity patient(model_);
+    Activity activity(model_, std::chrono::milliseconds(0));
+    model_.library().loadEmailArchiveIndex(home_.makeFolder("归档"), true);
+    EXPECT_EQ(activity.title(), QStringLiteral("正在读取归档库"));
+    EXPECT_FALSE(patient.running());
+    waitUntilIdle(context_.tasks);
+    EXPECT_FALSE(activity.running());
+    EXPECT_FALSE(patient.running());
+}
+
 TEST_F(WindowModels, ClosingWithoutARunWaitsForNothing) {
     QSignalSpy stopped(&window_, &WindowModel::stopped);
     window_.stopArchiving();

@@ -79,7 +79,8 @@ FocusGroup {
             hoverEnabled: true
             focusPolicy: Qt.TabFocus
             Accessible.role: Accessible.Button
-            Accessible.name: foot.activity.title + "，" + foot.activity.figure
+            Accessible.name: foot.activity.figure.length > 0 ? foot.activity.title + "，" + foot.activity.figure
+                : foot.activity.title
             Keys.onReturnPressed: clicked()
             onClicked: foot.placeChosen(foot.activity.place)
 
