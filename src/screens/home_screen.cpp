@@ -6,6 +6,7 @@
 #include "records/timestamps.h"
 #include "screens/shown_figures.h"
 #include "screens/shown_text.h"
+#include "screens/sidebar_model.h"
 #include "screens/year_series.h"
 
 namespace corvane {
@@ -287,14 +288,26 @@ HomeScreen::HomeAction HomeScreen::effectiveHomeAction() const {
                : HomeAction::organize;
 }
 
+// Says nothing of a place that isn't in the sidebar.
+QString HomeScreen::nothingToDoLine() const {
+    if (SidebarModel::hasScreen(u"archived"))
+        return QStringLiteral("已备份的邮件可以在「已归档概览」里查看。");
+    return model_.library().archivedEntries()->empty() ? QString()
+                                                       : QStringLiteral("已备份的邮件在归档文件夹里。");
+}
+
 QString HomeScreen::organizePrimaryTitle() const {
     if (archive_.isRunning()) return QStringLiteral("查看归档进度");
-    if (effectiveHomeAction() == HomeAction::openArchiveLibrary) return QStringLiteral("打开归档库");
+    if (effectiveHomeAction() == HomeAction::openArchiveLibrary)
+        return SidebarModel::hasScreen(u"library") ? QStringLiteral("打开归档库")
+                                                   : QStringLiteral("打开归档文件夹");
     return selection_.count > 0 ? QStringLiteral("归档选中") : QStringLiteral("归档全部");
 }
 
 bool HomeScreen::organizePrimaryDisabled() const {
-    if (archive_.isRunning() || effectiveHomeAction() == HomeAction::openArchiveLibrary) return false;
+    if (archive_.isRunning()) return false;
+    if (effectiveHomeAction() == HomeAction::openArchiveLibrary)
+        return !SidebarModel::hasScreen(u"library") && !(hasDestination() && destination().facts.connected);
     return state() != List || !hasDestination() || model_.catalog().messages()->empty() || !hasFigures() ||
            (selection_.count == 0 && candidateCountInScope() == 0);
 }
@@ -303,7 +316,7 @@ void HomeScreen::runOrganizePrimaryAction() {
     if (archive_.isRunning()) {
         archive_.bringToFront();
     } else if (effectiveHomeAction() == HomeAction::openArchiveLibrary) {
-        Q_EMIT libraryRequested();
+        openLibrary();
     } else if (!hasDestination()) {
         return; // the location bar asks for it
     } else if (model_.accounts().availableAccounts().empty() &&
@@ -313,6 +326,14 @@ void HomeScreen::runOrganizePrimaryAction() {
         model_.scanFlow().scan();
     } else if (!model_.catalog().messages()->empty()) {
         openArchive(selection_.count == 0);
+    }
+}
+
+void HomeScreen::openLibrary() {
+    if (SidebarModel::hasScreen(u"library")) {
+        Q_EMIT libraryRequested();
+    } else if (const auto path = destination().path) {
+        desktop_.open(QUrl::fromLocalFile(screens::wholeText(*path)));
     }
 }
 

@@ -55,6 +55,7 @@ class HomeScreen : public QObject {
     Q_PROPERTY(QString organizeSelectionSummary READ organizeSelectionSummary NOTIFY selectionChanged)
     Q_PROPERTY(QString organizePrimaryTitle READ organizePrimaryTitle NOTIFY selectionChanged)
     Q_PROPERTY(bool organizePrimaryDisabled READ organizePrimaryDisabled NOTIFY selectionChanged)
+    Q_PROPERTY(QString nothingToDoLine READ nothingToDoLine NOTIFY stateChanged)
     Q_PROPERTY(corvane::OrganizeTreeModel* tree READ tree CONSTANT)
     Q_PROPERTY(corvane::AccountSharesModel* accounts READ accounts CONSTANT)
 
@@ -118,6 +119,7 @@ class HomeScreen : public QObject {
     [[nodiscard]] QString selectionTitle() const;
     [[nodiscard]] QString selectionLine() const;
     [[nodiscard]] QString organizeSelectionSummary() const;
+    [[nodiscard]] QString nothingToDoLine() const;
     [[nodiscard]] QString organizePrimaryTitle() const;
     [[nodiscard]] bool organizePrimaryDisabled() const;
 
@@ -162,6 +164,7 @@ class HomeScreen : public QObject {
     void setScope(OrganizeScope scope);
     void showFigures();
     void openArchive(bool everything);
+    void openLibrary();
     [[nodiscard]] HomeAction effectiveHomeAction() const;
     [[nodiscard]] std::int64_t candidateCount() const;
     [[nodiscard]] std::int64_t candidateCountInScope() const;

@@ -36,6 +36,11 @@ SidebarModel::SidebarModel(QObject* parent)
     connect(&pause_, &QTimer::timeout, this, &SidebarModel::publish);
 }
 
+bool SidebarModel::hasScreen(QStringView key) {
+    return std::ranges::any_of(places,
+                               [key](const Place& place) { return place.hasScreen && key == place.key; });
+}
+
 int SidebarModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(rows_.size());
 }

@@ -24,6 +24,9 @@ class SidebarModel : public QAbstractListModel {
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
+    // Whether the place of that key is to be seen.
+    [[nodiscard]] static bool hasScreen(QStringView key);
+
     // What stands beside a place's name; empty for nothing. A place that isn't shown is ignored.
     void setFigure(QStringView key, const QString& figure);
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "screens/home/screens_fixture.h"
+#include "screens/sidebar_model.h"
 
 namespace corvane {
 namespace {
@@ -151,10 +152,18 @@ TEST_F(OrganizeHome, AfterTheLastMessageTheLibraryIsNext) {
     settle();
     EXPECT_EQ(homeScreen_.state(), State::NothingToDo);
     EXPECT_EQ(homeScreen_.banner().kind, QStringLiteral("safe"));
-    EXPECT_EQ(homeScreen_.organizePrimaryTitle(), QStringLiteral("打开归档库"));
-    QSignalSpy library(&homeScreen_, &HomeScreen::libraryRequested);
+    // As long as the library itself isn't a place of the window.
+    ASSERT_FALSE(SidebarModel::hasScreen(u"library"));
+    EXPECT_EQ(homeScreen_.organizePrimaryTitle(), QStringLiteral("打开归档文件夹"));
+    EXPECT_FALSE(homeScreen_.organizePrimaryDisabled());
     homeScreen_.runOrganizePrimaryAction();
-    EXPECT_EQ(library.size(), 1);
+    EXPECT_EQ(desktop_.opened.takeFirst(),
+              QUrl::fromLocalFile(QString::fromStdString(home_.at("归档"))).toString());
+    EXPECT_FALSE(homeScreen_.nothingToDoLine().contains(QStringLiteral("已归档概览")));
+    std::filesystem::rename(home_.at("归档"), home_.at("拔掉"));
+    model_.destinations().refreshFacts();
+    settle();
+    EXPECT_TRUE(homeScreen_.organizePrimaryDisabled());
 }
 
 TEST_F(OrganizeHome, MailThatHasJustComeInIsNotNothingToDo) {

@@ -78,7 +78,7 @@ FocusScope {
                     visible: overview.home.state === HomeScreen.NothingToDo
                     symbol: "archive"
                     title: "当前没有需要归档的邮件"
-                    line: "已备份的邮件可以在「已归档概览」里查看。"
+                    line: overview.home.nothingToDoLine
                 }
             }
         }
