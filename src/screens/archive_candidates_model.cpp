@@ -141,6 +141,11 @@ void ArchiveCandidatesModel::toggleAllTicks() {
     setTicksOfAll(tickState() != 1);
 }
 
+QString ArchiveCandidatesModel::wholeSender(int row) const {
+    const MailMessageRecord* const message = this->message(row);
+    return message == nullptr ? QString() : screens::shownLine(message->sender);
+}
+
 QString ArchiveCandidatesModel::spokenCandidate(int row) const {
     const MailMessageRecord* const message = this->message(row);
     if (message == nullptr) return {};

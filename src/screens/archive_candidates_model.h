@@ -53,6 +53,9 @@ class ArchiveCandidatesModel : public MessageListModel {
     Q_INVOKABLE void toggleAllTicks();
     Q_INVOKABLE [[nodiscard]] QString spokenCandidate(int row) const;
 
+    // With the address.
+    Q_INVOKABLE [[nodiscard]] QString wholeSender(int row) const;
+
   Q_SIGNALS:
     void loadingChanged();
     // Count or size of what is ticked may have changed.

@@ -121,8 +121,7 @@ ArchiveResultView ArchiveResultView::of(const EmailArchiveRunResult& result, std
             shownCount(variants) + QStringLiteral(" 封邮件存在内容不一致的多个副本，已全部保留：");
         for (qsizetype shown = 0; shown < std::min(variants, shownPerGroup); ++shown)
             view.variants << screens::shownLine(result.variantWarnings[static_cast<std::size_t>(shown)]);
-        if (variants > shownPerGroup)
-            view.variants << QStringLiteral("另有 %1").arg(shownMessageCount(variants - shownPerGroup));
+        if (variants > shownPerGroup) view.variants << moreText(variants - shownPerGroup);
     }
     if (hasCopies)
         view.note = QStringLiteral("邮件副本已保存到邮件库。关闭后可以回到归档页继续清理 Mail 空间。");
@@ -139,6 +138,12 @@ QString failureList(const std::vector<EmailArchiveFailure>& failures) {
                                  wholeText(failure.messageFileURL.path()).replace(u'\n', u' ')};
         text += fields.join(u'\t') + u'\n';
     }
+    return text;
+}
+
+QString variantList(const std::vector<std::string>& warnings) {
+    QString text;
+    for (const std::string& warning : warnings) text += wholeText(warning).simplified() + u'\n';
     return text;
 }
 

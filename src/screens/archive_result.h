@@ -66,6 +66,9 @@ namespace screens {
 // All failures, one a line: reason, subject and file, parted by tabs.
 QString failureList(const std::vector<EmailArchiveFailure>& failures);
 
+// All warnings of several versions, one a line.
+QString variantList(const std::vector<std::string>& warnings);
+
 } // namespace screens
 
 } // namespace corvane

@@ -132,6 +132,7 @@ void ArchiveScreen::takeOutcome(ArchiveControl::RunOutcome outcome) {
     }
     result_ = ArchiveResultView::of(*outcome, progress_.total());
     failures_ = std::move(outcome->failures);
+    variantWarnings_ = std::move(outcome->variantWarnings);
     setStage(Result);
     endConfirmation();
     Q_EMIT archiveFinished();
@@ -164,6 +165,10 @@ void ArchiveScreen::retryFailed() {
 
 void ArchiveScreen::copyFailures() {
     desktop_.copy(screens::failureList(failures_));
+}
+
+void ArchiveScreen::copyVariants() {
+    desktop_.copy(screens::variantList(variantWarnings_));
 }
 
 void ArchiveScreen::copyCandidates() {

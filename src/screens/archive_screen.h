@@ -128,6 +128,7 @@ class ArchiveScreen : public QObject {
     Q_INVOKABLE void bringToFront();
     Q_INVOKABLE void retryFailed();
     Q_INVOKABLE void copyFailures();
+    Q_INVOKABLE void copyVariants();
 
     // The selected candidates as lines of text. Large selections arrive a moment later.
     Q_INVOKABLE void copyCandidates();
@@ -167,6 +168,7 @@ class ArchiveScreen : public QObject {
     QString errorText_;
     std::int64_t chosenCount_ = 0;
     std::vector<EmailArchiveFailure> failures_;
+    std::vector<std::string> variantWarnings_;
     ArchiveResultView result_;
     std::set<std::int64_t> yearsBefore_; // of the candidates' filter, given back at the end
     TaskSlot prepareTask_;

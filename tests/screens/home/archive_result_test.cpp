@@ -93,5 +93,17 @@ TEST(ArchiveResults, FailuresStandTogetherByReasonInTheOrderInWhichTheyCame) {
     EXPECT_EQ(list.count(u'\n'), 31) << "one line each, whatever stands in a subject";
 }
 
+TEST(ArchiveResults, VersionsThatArentListedAreInTheCopiedList) {
+    EmailArchiveRunResult result;
+    for (int number = 0; number < 25; ++number)
+        result.variantWarnings.push_back("两个\n版本 " + std::to_string(number));
+    const auto view = ArchiveResultView::of(result, 25);
+    EXPECT_EQ(view.variants.size(), 21);
+    EXPECT_EQ(view.variants.last(), QStringLiteral("另有 5 封，拷贝清单里有全部。"));
+    const QString list = screens::variantList(result.variantWarnings);
+    EXPECT_EQ(list.count(u'\n'), 25);
+    EXPECT_TRUE(list.contains(QStringLiteral("两个 版本 24\n")));
+}
+
 } // namespace
 } // namespace corvane

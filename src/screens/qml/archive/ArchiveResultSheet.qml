@@ -72,13 +72,26 @@ Sheet {
         visible: sheet.result.failureTitle.length > 0
         groups: sheet.result.failureGroups
     }
-    AppText {
+    RowLayout {
         Layout.fillWidth: true
         Layout.topMargin: 18
         Layout.bottomMargin: 8
-        visible: text.length > 0
-        text: sheet.result.variantTitle
-        font.weight: Theme.medium
+        visible: sheet.result.variantTitle.length > 0
+        spacing: 12
+
+        AppText {
+            Layout.fillWidth: true
+            text: sheet.result.variantTitle
+            font.weight: Theme.medium
+        }
+        AppButton {
+            objectName: "copyVariantsButton"
+            implicitHeight: Theme.controlHeightPane
+            symbol: "copy"
+            symbolSize: 14
+            text: "拷贝清单"
+            onClicked: sheet.archive.copyVariants()
+        }
     }
     Rectangle {
         Layout.fillWidth: true

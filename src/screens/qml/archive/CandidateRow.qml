@@ -53,6 +53,8 @@ ListRow {
         width: 104
         text: row.sender
         elide: row.sender.indexOf("@") > 0 ? Text.ElideMiddle : Text.ElideRight
+        // The name alone doesn't tell who it is.
+        wholeText: explained ? row.model.wholeSender(row.index) : text
         color: Theme.text2
         Accessible.ignored: true
     }
