@@ -58,7 +58,7 @@ T.Popup {
 
     z: urgent ? 1 : 0
     T.Overlay.modal: Rectangle {
-        color: sheet.waits ? "transparent" : Theme.scrim
+        color: sheet.waits ? "transparent" : Theme.scrim // qmllint disable unqualified
     }
     enter: Transition {
         NumberAnimation {

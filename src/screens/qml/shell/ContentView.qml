@@ -21,7 +21,7 @@ FocusScope {
     function goByKey(key: string) {
         go(key);
         if (key.length > 0)
-            Qt.callLater(enterPage);
+            Qt.callLater(enterPage); // qmllint disable
     }
     function enterPage() {
         KeyboardFocus.enter(currentPage);
@@ -39,13 +39,13 @@ FocusScope {
             currentPage.searchField.forceActiveFocus(Qt.ShortcutFocusReason);
     }
 
-    onCurrentPageChanged: Qt.callLater(settleKeyboard)
+    onCurrentPageChanged: Qt.callLater(settleKeyboard) // qmllint disable
     Keys.onEscapePressed: if (currentPage) currentPage.escaped()
 
     Connections {
         target: view.Window.activeFocusItem
         function onVisibleChanged() {
-            Qt.callLater(view.settleKeyboard);
+            Qt.callLater(view.settleKeyboard); // qmllint disable
         }
     }
     Sidebar {
