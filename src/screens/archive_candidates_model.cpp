@@ -1,5 +1,7 @@
 #include "screens/archive_candidates_model.h"
 
+#include "screens/shown_text.h"
+
 namespace corvane {
 
 ArchiveCandidatesModel::ArchiveCandidatesModel(CorvaneViewModel& model, QObject* parent)

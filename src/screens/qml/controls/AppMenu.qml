@@ -46,7 +46,7 @@ T.Menu {
 
     function firstEnabled(): int {
         for (let i = 0; i < count; ++i) {
-            if (itemAt(i).enabled)
+            if (itemAt(i).enabled && itemAt(i).activeFocusOnTab)
                 return i;
         }
         return -1;
