@@ -1,5 +1,7 @@
 #include "model/destinations.h"
 
+#include <chrono>
+
 #include <fmt/format.h>
 
 #include "model/cloud_providers.h"
@@ -10,11 +12,20 @@
 
 namespace corvane {
 
+namespace {
+
+constexpr std::chrono::seconds lookAgainPause(2);
+
+} // namespace
+
 ArchiveDestinations::ArchiveDestinations(ModelContext& context, QObject* parent)
   : QObject(parent)
   , context_(context)
   , prepareTask_(context.tasks)
   , factsTask_(context.tasks) {
+    lookAgain_.setSingleShot(true);
+    lookAgain_.setInterval(lookAgainPause);
+    connect(&lookAgain_, &QTimer::timeout, this, &ArchiveDestinations::refreshFacts);
     const std::string stored = context.settings.text(transferDestinationKey).value_or("");
     if (!stored.empty()) {
         destination_ = canonicalPath(stored);
@@ -56,6 +67,9 @@ void ArchiveDestinations::refreshFacts() {
                       known = knownLocations(context_.settings)](const TaskHandle& task) {
                          task.onMain([this, facts = computeDestinationFacts(platform, destination, known)] {
                              setFacts(facts);
+                             // Not every system tells when a folder or a share comes back. Only after an
+                             // answer: a disk that hangs is not asked twice.
+                             if (!facts_.connected) lookAgain_.start();
                          });
                      });
 }

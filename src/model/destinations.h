@@ -6,6 +6,7 @@
 #include <string>
 
 #include <QObject>
+#include <QTimer>
 
 #include "model/destination_facts.h"
 #include "model/model_context.h"
@@ -35,7 +36,7 @@ class ArchiveDestinations : public QObject {
     // As last asked. Right after a choice only what its path tells.
     [[nodiscard]] const DestinationFacts& facts() const { return facts_; }
 
-    // Asks again in the background.
+    // Asks again in the background; a place out of reach is asked for from then on until it is back.
     void refreshFacts();
 
   Q_SIGNALS:
@@ -52,6 +53,7 @@ class ArchiveDestinations : public QObject {
     DestinationFacts facts_;
     TaskSlot prepareTask_;
     TaskSlot factsTask_;
+    QTimer lookAgain_;
 };
 
 } // namespace corvane

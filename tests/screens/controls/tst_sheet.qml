@@ -82,7 +82,7 @@ Item {
             inside.forceActiveFocus(Qt.TabFocusReason);
             tall.open();
             tryVerify(() => tall.opened);
-            verify(!inside.visible);
+            verify(sheet.waits);
             for (let i = 0; i < 3; ++i) {
                 verify(tallButton.activeFocus);
                 keyClick(Qt.Key_Tab);
@@ -91,7 +91,7 @@ Item {
             compare(accepted.count, 0);
             keyClick(Qt.Key_Escape);
             tryVerify(() => !tall.visible);
-            verify(inside.visible);
+            verify(!sheet.waits);
             verify(inside.activeFocus);
             keyClick(Qt.Key_Escape);
             tryVerify(() => !sheet.visible);
@@ -102,12 +102,12 @@ Item {
             sheet.urgent = true;
             tall.open();
             tryVerify(() => tall.opened);
-            verify(inside.visible);
-            verify(!tallButton.visible);
+            verify(!sheet.waits);
+            verify(tall.waits);
             keyClick(Qt.Key_Return);
             compare(accepted.count, 1);
             tryVerify(() => !sheet.visible);
-            verify(tallButton.visible);
+            verify(!tall.waits);
             verify(tallButton.activeFocus);
             keyClick(Qt.Key_Escape);
             tryVerify(() => !tall.visible);

@@ -164,6 +164,10 @@ TEST_F(OrganizeHome, AfterTheLastMessageTheLibraryIsNext) {
     model_.destinations().refreshFacts();
     settle();
     EXPECT_TRUE(homeScreen_.organizePrimaryDisabled());
+    std::filesystem::rename(home_.at("拔掉"), home_.at("归档"));
+    QSignalSpy seen(&homeScreen_, &HomeScreen::destinationChanged);
+    EXPECT_TRUE(seen.wait(20'000)) << "nobody has to ask";
+    EXPECT_FALSE(homeScreen_.organizePrimaryDisabled());
 }
 
 TEST_F(OrganizeHome, MailThatHasJustComeInIsNotNothingToDo) {

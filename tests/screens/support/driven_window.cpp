@@ -34,7 +34,7 @@ namespace {
 QQuickItem* partOf(QQuickItem* item, const QString& name) {
     const QList<QQuickItem*> children = item->childItems();
     for (auto child = children.rbegin(); child != children.rend(); ++child) {
-        if (!(*child)->isVisible()) continue;
+        if (!(*child)->isVisible() || (*child)->opacity() == 0) continue;
         if ((*child)->objectName() == name) return *child;
         if (QQuickItem* found = partOf(*child, name)) return found;
     }

@@ -34,7 +34,8 @@ T.Popup {
     // It goes before others, whenever they came.
     property bool urgent: false
     readonly property int focusReason: KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason
-    // Another one is shown in its place.
+    // Another one is shown in its place. By opacity: layouts of Qt 6.4 that are hidden keep items that were destroyed
+    // meanwhile, and crash when they are shown again.
     readonly property bool waits: visible && OpenSheets.shown !== sheet
     // What the sheet gave the keyboard to.
     property Item begunAt: null
@@ -79,7 +80,7 @@ T.Popup {
         }
     }
     background: Rectangle {
-        visible: !sheet.waits
+        opacity: sheet.waits ? 0 : 1
         color: Theme.sheet
         border.color: Theme.lineStrong
         radius: Theme.radiusSheet
@@ -88,7 +89,7 @@ T.Popup {
         property var sheetAround: sheet
 
         focus: true
-        visible: !sheet.waits
+        opacity: sheet.waits ? 0 : 1
         Accessible.role: Accessible.Dialog
         Accessible.name: sheet.title
 
