@@ -30,18 +30,18 @@ Sheet {
         spacing: 0
 
         Repeater {
-            model: sheet.result.tiles
+            model: sheet.result.tiles.length
             delegate: StatTile {
                 required property int index
-                required property var modelData
+                readonly property var entry: sheet.result.tiles[index] ?? ({})
                 objectName: "tile" + index
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
                 first: index === 0
-                caption: modelData.caption
-                figure: modelData.figure
-                line: modelData.line
-                kind: modelData.meaning
+                caption: entry.caption ?? ""
+                figure: entry.figure ?? ""
+                line: entry.line ?? ""
+                kind: entry.meaning ?? ""
             }
         }
     }

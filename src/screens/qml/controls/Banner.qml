@@ -60,16 +60,14 @@ Rectangle {
                 color: Theme.toneText(banner.kind)
                 Accessible.ignored: true
             }
-            Repeater {
-                model: banner.shownLines
-                delegate: AppText {
-                    required property string modelData
-                    Layout.fillWidth: true
-                    Layout.maximumWidth: banner.lineMeasure > 0 ? banner.lineMeasure : Infinity
-                    text: modelData
-                    wrapMode: Text.Wrap
-                    Accessible.ignored: true
-                }
+            // One text for all: Qt 6.4 falls over items that leave a layout within a layout while both are arranged.
+            AppText {
+                Layout.fillWidth: true
+                Layout.maximumWidth: banner.lineMeasure > 0 ? banner.lineMeasure : Infinity
+                visible: text.length > 0
+                text: banner.shownLines.join("\n")
+                wrapMode: Text.Wrap
+                Accessible.ignored: true
             }
         }
         // Takes what lines that may not be wider leave.

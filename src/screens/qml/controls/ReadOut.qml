@@ -34,24 +34,25 @@ Rectangle {
             Accessible.ignored: true
         }
         Repeater {
-            model: box.rows
+            model: box.rows.length
             delegate: RowLayout {
                 id: row
-                required property var modelData
+                required property int index
+                readonly property var entry: box.rows[index] ?? ({ series: "", label: "", text: "" })
                 Layout.fillWidth: true
                 spacing: 6
 
                 Swatch {
-                    series: row.modelData.series
+                    series: row.entry.series
                 }
                 AppText {
-                    text: row.modelData.label
+                    text: row.entry.label
                     Accessible.ignored: true
                 }
                 AppText {
                     Layout.fillWidth: true
                     Layout.leftMargin: 8
-                    text: row.modelData.text
+                    text: row.entry.text
                     horizontalAlignment: Text.AlignRight
                     Accessible.ignored: true
                 }
