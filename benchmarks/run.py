@@ -235,6 +235,30 @@ class Bench:
             self.compare(f"95 of 100 frames of {rows} rows, by {way}", lambda way=way: frames("ours", way),
                          lambda way=way: frames("floor", way), "16 ms")
 
+    def start(self):
+        support = self.fresh("start") / ".local/share/Corvane"
+        support.mkdir(parents=True)
+        run([BIN / "measure_scan_cache", "make", 500000, support / "last-scan-cache.json"])
+        home, without = support.parents[2], self.fresh("nothing")
+        without.mkdir()
+        self.compare("first frame over a scan cache of 500000 messages",
+                     lambda: printed_seconds([BIN / "measure_window", "start", home]),
+                     lambda: printed_seconds([BIN / "measure_window", "empty"]), "<= 1.3")
+        self.compare("first frame over no cache at all",
+                     lambda: printed_seconds([BIN / "measure_window", "start", without]),
+                     lambda: printed_seconds([BIN / "measure_window", "empty"]), "")
+
+    def window(self):
+        """The longest steps of the main thread; the floor is what a frame at 60 Hz allows."""
+        store = self.store(self.messages)
+        shutil.rmtree(store / ".local", ignore_errors=True)
+        _, output, peak = run([BIN / "measure_window", "steps", store, self.fresh("window") / "archive"])
+        for stage, steps in json.loads(output).items():
+            longest = steps["processor"]["max"] / 1000
+            self.results.append({"measure": f"window, longest step: {stage}", "ours": longest, "floor": 0.016,
+                                 "ratio": round(longest / 0.016, 3), "goal": "<= 1", "peakBytes": peak})
+            print(self.results[-1]["measure"], longest, ", ".join(steps["stalls"]))
+
     def table(self):
         print(f"{'measure':58} {'ours':>9} {'floor':>9} {'ratio':>7} {'goal':>8} {'peak MB':>8} {'B/message':>10}")
         for row in self.results:
@@ -247,7 +271,7 @@ class Bench:
 
 
 def main():
-    measures = ["refresh", "archive", "cache", "index", "search", "list"]
+    measures = ["refresh", "archive", "cache", "index", "search", "list", "start", "window"]
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("measure", nargs="*", choices=[[], *measures], help="all when none is named")
     parser.add_argument("--messages", type=int, default=200000, help="messages of the refresh")
