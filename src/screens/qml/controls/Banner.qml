@@ -60,7 +60,7 @@ Rectangle {
                 color: Theme.toneText(banner.kind)
                 Accessible.ignored: true
             }
-            // One text for all: Qt 6.4 falls over items that leave a layout within a layout while both are arranged.
+            // One text for all: the layouts of Qt 6.4 keep items that leave them while they are hidden.
             AppText {
                 Layout.fillWidth: true
                 Layout.maximumWidth: banner.lineMeasure > 0 ? banner.lineMeasure : Infinity
