@@ -112,6 +112,14 @@ Item {
             tryVerify(() => !list.visible);
             compare(archive.destinationFolder.toString(), "file://" + base);
         }
+        // A field keeps the arrows to itself: what stands beside it needs Tab.
+        function test_TabComesToEveryControl() {
+            for (const name of ["cancelFolderButton", "useFolderButton", "folderUpButton", "folderPath", "newFolderButton",
+                    "folderPlaces", "folderList"]) {
+                keyClick(Qt.Key_Tab);
+                verify(inSheet(name).activeFocus, name);
+            }
+        }
         function test_AWrongPathIsSaid_AndTheListStays() {
             go(base + "/missing");
             compare(inSheet("folderError").text, "没有这个文件夹。");

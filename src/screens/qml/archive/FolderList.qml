@@ -110,6 +110,12 @@ ListView {
         }
     }
 
+    // Where no row says that the keyboard is here.
+    FocusRing {
+        parent: list
+        shown: list.isFocused && list.currentIndex < 0 && KeyboardFocus.inUse
+        inside: true
+    }
     // Below the rows: what is pressed there selects nothing.
     TapHandler {
         onTapped: eventPoint => {

@@ -33,44 +33,36 @@ Sheet {
         anchors.fill: parent
         spacing: 12
 
-        FocusGroup {
+        RowLayout {
             Layout.fillWidth: true
-            implicitHeight: pathRow.implicitHeight
-            horizontal: false
-            vertical: false
+            spacing: 8
 
-            RowLayout {
-                id: pathRow
-                width: parent.width
-                spacing: 8
-
-                IconButton {
-                    objectName: "folderUpButton"
-                    symbol: "chevron-up"
-                    help: "上一级文件夹"
-                    enabled: sheet.picker.canGoUp
-                    onClicked: sheet.picker.goUp()
+            IconButton {
+                objectName: "folderUpButton"
+                symbol: "chevron-up"
+                help: "上一级文件夹"
+                enabled: sheet.picker.canGoUp
+                onClicked: sheet.picker.goUp()
+            }
+            AppTextField {
+                id: path
+                objectName: "folderPath"
+                Layout.fillWidth: true
+                name: "文件夹的路径"
+                placeholderText: "输入文件夹的路径，例如 ~/Documents"
+                Keys.onReturnPressed: sheet.picker.openTyped(text)
+                Keys.onEnterPressed: sheet.picker.openTyped(text)
+                Keys.onDownPressed: folders.forceActiveFocus(Qt.TabFocusReason)
+                Keys.onEscapePressed: event => {
+                    event.accepted = text !== sheet.picker.pathText;
+                    text = sheet.picker.pathText;
                 }
-                AppTextField {
-                    id: path
-                    objectName: "folderPath"
-                    Layout.fillWidth: true
-                    name: "文件夹的路径"
-                    placeholderText: "输入文件夹的路径，例如 ~/Documents"
-                    Keys.onReturnPressed: sheet.picker.openTyped(text)
-                    Keys.onEnterPressed: sheet.picker.openTyped(text)
-                    Keys.onDownPressed: folders.forceActiveFocus(Qt.TabFocusReason)
-                    Keys.onEscapePressed: event => {
-                        event.accepted = text !== sheet.picker.pathText;
-                        text = sheet.picker.pathText;
-                    }
-                }
-                AppButton {
-                    objectName: "newFolderButton"
-                    text: "新建文件夹"
-                    enabled: !sheet.makesFolder
-                    onClicked: sheet.makesFolder = true
-                }
+            }
+            AppButton {
+                objectName: "newFolderButton"
+                text: "新建文件夹"
+                enabled: !sheet.makesFolder
+                onClicked: sheet.makesFolder = true
             }
         }
         NewFolderRow {
@@ -132,9 +124,10 @@ Sheet {
             FolderList {
                 id: folders
                 x: places.width + 1
-                y: 1
+                // Clear of the round corners.
+                y: Theme.half
                 width: parent.width - x - 1
-                height: parent.height - 2
+                height: parent.height - 2 * y
                 picker: sheet.picker
             }
         }
