@@ -57,12 +57,8 @@ Sheet {
             role: AppText.Heading
             Accessible.role: Accessible.Heading
         }
-        AppButton {
+        CopyButton {
             objectName: "copyFailuresButton"
-            implicitHeight: Theme.controlHeightPane
-            symbol: "copy"
-            symbolSize: 14
-            text: "拷贝清单"
             onClicked: sheet.archive.copyFailures()
         }
     }
@@ -84,12 +80,8 @@ Sheet {
             text: sheet.result.variantTitle
             font.weight: Theme.medium
         }
-        AppButton {
+        CopyButton {
             objectName: "copyVariantsButton"
-            implicitHeight: Theme.controlHeightPane
-            symbol: "copy"
-            symbolSize: 14
-            text: "拷贝清单"
             onClicked: sheet.archive.copyVariants()
         }
     }

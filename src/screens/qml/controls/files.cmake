@@ -13,6 +13,7 @@ set(controls_qml
     ChartLegend.qml
     Chip.qml
     ConfirmSheet.qml
+    CopyButton.qml
     CountPill.qml
     DisclosureArrow.qml
     EmptyState.qml

@@ -1,0 +1,17 @@
+// A button that copies a list, and says for a while that it did.
+import QtQuick
+import Corvane
+
+AppButton {
+    implicitHeight: Theme.controlHeightPane
+    symbol: said.running ? "check" : "copy"
+    symbolSize: 14
+    // As wide as the other.
+    text: said.running ? "已经拷贝" : "拷贝清单"
+    onClicked: said.restart()
+
+    Timer {
+        id: said
+        interval: 2000
+    }
+}
