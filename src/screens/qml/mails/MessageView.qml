@@ -38,6 +38,7 @@ SelectableList {
         returnToBounds();
     }
     function requestMenu() {
+        showCurrent();
         const row = itemAtIndex(selection.currentRow);
         if (row)
             menuRequested(48, row.y - contentY + 48);
@@ -59,7 +60,7 @@ SelectableList {
             pageRequested(!(event.modifiers & Qt.ShiftModifier));
         else if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter)
             opened();
-        else if (event.key === Qt.Key_Menu)
+        else if (event.key === Qt.Key_Menu || (event.key === Qt.Key_F10 && event.modifiers & Qt.ShiftModifier))
             requestMenu();
         else if (event.matches(StandardKey.SelectAll))
             selection.selectAll();
