@@ -49,7 +49,7 @@ class CloseDuringARun(unittest.TestCase):
             self.assertIsNone(window.process.poll())
             self.assertTrue(window.part("activity"), "the run goes on")
 
-            window.ask_to_close()
+            window.press("ctrl+q")  # over the sheet of the run
             window.wait_for_part("acceptButton")
             window.picture(PICTURES / "close-question.png")
             window.click_part("acceptButton")

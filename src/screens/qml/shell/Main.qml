@@ -41,6 +41,8 @@ Window {
         }
     }
     Shortcut {
+        // Also over a sheet, which holds up the keys of the screens.
+        context: Qt.ApplicationShortcut
         sequences: [StandardKey.Quit] // qmllint disable unqualified
         onActivated: root.close()
     }
