@@ -46,6 +46,8 @@ FocusGroup {
             width: list.width - (list.contentHeight > list.height ? 10 : 0)
             current: ListView.isCurrentItem
             listFocused: list.activeFocus
+            onChosenChanged: if (chosen) list.currentIndex = index
+            Component.onCompleted: if (chosen) list.currentIndex = index
             onClicked: {
                 list.currentIndex = index;
                 list.forceActiveFocus(Qt.MouseFocusReason);
