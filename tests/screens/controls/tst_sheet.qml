@@ -8,7 +8,11 @@ Item {
     width: 800
     height: 600
 
+    // Asked here so that it watches the keys.
+    readonly property bool keyboardInUse: KeyboardFocus.inUse
+
     AppButton { id: opener; text: "打开"; onClicked: sheet.open() }
+    AppButton { id: follower; x: 200; text: "下一步" }
     ConfirmSheet {
         id: sheet
         title: "问题"
@@ -23,6 +27,7 @@ Item {
             model: 100
             AppText { required property int index; text: "第 " + index + " 行" }
         }
+        AppButton { id: lastButton; text: "最后的" }
     }
     SignalSpy { id: accepted; target: sheet; signalName: "accepted" }
     SignalSpy { id: rejected; target: sheet; signalName: "rejected" }
@@ -34,6 +39,8 @@ Item {
 
         function init() {
             sheet.dismissable = true;
+            opener.visible = true;
+            opener.enabled = true;
             opener.forceActiveFocus(Qt.TabFocusReason);
             keyClick(Qt.Key_Space);
             tryVerify(() => sheet.opened);
@@ -42,6 +49,7 @@ Item {
             behind.clear();
         }
         function cleanup() {
+            tallButton.forceActiveFocus();
             tall.close();
             sheet.urgent = false;
             sheet.close();
@@ -83,8 +91,11 @@ Item {
             tall.open();
             tryVerify(() => tall.opened);
             verify(sheet.waits);
+            verify(!inside.enabled, "out of the reach of a screen reader");
             for (let i = 0; i < 3; ++i) {
                 verify(tallButton.activeFocus);
+                keyClick(Qt.Key_Tab);
+                verify(lastButton.activeFocus);
                 keyClick(Qt.Key_Tab);
             }
             keyClick(Qt.Key_Return);
@@ -93,6 +104,7 @@ Item {
             tryVerify(() => !tall.visible);
             verify(!sheet.waits);
             verify(inside.activeFocus);
+            verify(inside.showFocus);
             keyClick(Qt.Key_Escape);
             tryVerify(() => !sheet.visible);
             verify(opener.activeFocus);
@@ -123,6 +135,30 @@ Item {
             keyClick(Qt.Key_Escape);
             tryVerify(() => !tall.visible);
             verify(opener.activeFocus);
+        }
+
+        function test_WhatOpenedTheSheetHasGone_TheNextHasTheKeyboard_data() {
+            return [{ tag: "hidden", property: "visible" }, { tag: "disabled", property: "enabled" }];
+        }
+        function test_WhatOpenedTheSheetHasGone_TheNextHasTheKeyboard(data) {
+            opener[data.property] = false;
+            keyClick(Qt.Key_Escape);
+            tryVerify(() => !sheet.visible);
+            verify(follower.activeFocus);
+            verify(follower.showFocus);
+        }
+
+        function test_KeysScrollWhatDoesNotFit() {
+            tall.open();
+            tryVerify(() => tall.opened && lastButton.mapToItem(page, 0, 0).y > 600);
+            keyClick(Qt.Key_End);
+            verify(lastButton.mapToItem(page, 0, 0).y < 600);
+            keyClick(Qt.Key_Home);
+            verify(lastButton.mapToItem(page, 0, 0).y > 600);
+            keyClick(Qt.Key_PageDown);
+            keyClick(Qt.Key_Tab);
+            verify(lastButton.activeFocus);
+            verify(lastButton.mapToItem(page, 0, lastButton.height).y < 600, "what gets the keyboard comes into view");
         }
 
         function test_SheetNeverOutgrowsTheWindow() {

@@ -34,7 +34,7 @@ T.AbstractButton {
         border.color: card.chosen ? Theme.accent : Theme.lineStrong
 
         FocusRing {
-            shown: card.visualFocus
+            shown: card.activeFocus && KeyboardFocus.inUse
             cornerRadius: Theme.radiusLarge
         }
     }

@@ -12,7 +12,7 @@ T.Button {
     // Says more than the label; shown as a tooltip.
     property string help: ""
     property bool showHovered: hovered
-    property bool showFocus: visualFocus
+    property bool showFocus: activeFocus && KeyboardFocus.inUse
     property color fill: down ? Theme.pressed : showHovered ? Theme.controlHover : Theme.control
     property color edge: Theme.lineStrong
     property color labelColor: Theme.text1
@@ -31,8 +31,14 @@ T.Button {
     Accessible.name: text.length > 0 ? text : help
     Accessible.description: help
 
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    // A key that is held down would go on through the sheets that the first press opens, up to their "取消".
+    Keys.onReturnPressed: event => pressByKey(event)
+    Keys.onEnterPressed: event => pressByKey(event)
+
+    function pressByKey(event: var) {
+        if (!event.isAutoRepeat)
+            clicked();
+    }
 
     contentItem: Item {
         id: content

@@ -7,7 +7,7 @@ T.AbstractButton {
     id: chip
 
     property bool showHovered: hovered
-    property bool showFocus: visualFocus
+    property bool showFocus: activeFocus && KeyboardFocus.inUse
 
     implicitWidth: contentItem.implicitWidth
     implicitHeight: Theme.chipHeight

@@ -11,7 +11,7 @@ T.ComboBox {
     property string symbol: ""
     property string name: ""
     property bool showHovered: hovered
-    property bool showFocus: visualFocus
+    property bool showFocus: activeFocus && KeyboardFocus.inUse
 
     implicitWidth: leftPadding + label.implicitWidth + rightPadding
     implicitHeight: Theme.controlHeightPane

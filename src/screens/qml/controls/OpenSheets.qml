@@ -31,8 +31,9 @@ QtObject {
         if (shown) {
             shown.takeKeyboard();
         } else if (returnTo) {
-            if (returnTo.visible)
-                returnTo.forceActiveFocus(returnReason);
+            // What opened the first may have gone by what was done in it.
+            const holder = returnTo.visible && returnTo.enabled ? returnTo : returnTo.nextItemInFocusChain(true);
+            holder.forceActiveFocus(returnReason);
             returnTo = null;
         }
     }

@@ -12,7 +12,7 @@ T.Control {
     property int currentIndex: 0
     property string name: ""
     property int segmentPadding: 12
-    property bool showFocus: visualFocus
+    property bool showFocus: activeFocus && KeyboardFocus.inUse
 
     signal activated(int index)
 

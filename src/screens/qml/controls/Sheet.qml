@@ -90,11 +90,17 @@ T.Popup {
 
         focus: true
         opacity: sheet.waits ? 0 : 1
+        // Neither keys nor a screen reader come to what isn't seen.
+        enabled: !sheet.waits
+        Accessible.ignored: sheet.waits
         Accessible.role: Accessible.Dialog
         Accessible.name: sheet.title
 
-        Keys.onReturnPressed: event => event.accepted = sheet.pressPrimary()
-        Keys.onEnterPressed: event => event.accepted = sheet.pressPrimary()
+        Keys.onReturnPressed: event => event.accepted = event.isAutoRepeat || sheet.pressPrimary()
+        Keys.onEnterPressed: event => event.accepted = event.isAutoRepeat || sheet.pressPrimary()
+        Keys.onPressed: event => event.accepted = sheet.scrolls && flick.scrollBy(event.key)
+        readonly property Item holder: Window.activeFocusItem
+        onHolderChanged: flick.show(holder)
 
         ColumnLayout {
             id: frame
@@ -120,6 +126,32 @@ T.Popup {
                 boundsBehavior: Flickable.StopAtBounds
                 interactive: contentHeight > height
                 T.ScrollBar.vertical: AppScrollBar {}
+
+                readonly property real lowest: Math.max(0, contentHeight - height)
+
+                function moveTo(position: real) {
+                    contentY = Math.max(0, Math.min(lowest, position));
+                }
+                // Whether the key was one that scrolls.
+                function scrollBy(key: int): bool {
+                    const page = height - Theme.controlHeight;
+                    const steps = new Map([[Qt.Key_Up, -Theme.rowDense], [Qt.Key_Down, Theme.rowDense],
+                        [Qt.Key_PageUp, -page], [Qt.Key_PageDown, page], [Qt.Key_Home, -contentHeight],
+                        [Qt.Key_End, contentHeight]]);
+                    if (!steps.has(key))
+                        return false;
+                    moveTo(contentY + steps.get(key));
+                    return true;
+                }
+                function show(item: Item) {
+                    let at = item;
+                    while (at && at !== scrollingBody)
+                        at = at.parent;
+                    if (!at)
+                        return;
+                    const top = item.mapToItem(scrollingBody, 0, 0).y;
+                    moveTo(Math.min(top - Theme.space, Math.max(contentY, top + item.height + Theme.space - height)));
+                }
 
                 ColumnLayout {
                     id: scrollingBody
@@ -204,7 +236,7 @@ T.Popup {
         if (!visible || waits || (begunAt && holder !== begunAt && sheetOf(holder) === sheet))
             return;
         if (begunAt && sheetOf(holder) !== sheet) {
-            contentItem.forceActiveFocus(focusReason);
+            KeyboardFocus.enter(contentItem);
             return;
         }
         const first = primary && primary.enabled ? primary

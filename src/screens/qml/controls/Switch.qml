@@ -6,7 +6,7 @@ import Corvane
 T.Switch {
     id: control
 
-    property bool showFocus: visualFocus
+    property bool showFocus: activeFocus && KeyboardFocus.inUse
 
     implicitWidth: 34
     implicitHeight: 20

@@ -10,7 +10,7 @@ T.AbstractButton {
     property int tick: 0
     property string name: ""
     property bool showHovered: hovered
-    property bool showFocus: visualFocus
+    property bool showFocus: activeFocus && KeyboardFocus.inUse
 
     implicitWidth: Theme.tickBoxSize
     implicitHeight: Theme.tickBoxSize

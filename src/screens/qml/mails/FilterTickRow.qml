@@ -23,7 +23,7 @@ T.AbstractButton {
         anchors.verticalCenter: parent.verticalCenter
         tick: row.ticked ? 1 : 0
         showHovered: row.hovered
-        showFocus: row.visualFocus
+        showFocus: row.activeFocus && KeyboardFocus.inUse
         focusPolicy: Qt.NoFocus
         Accessible.ignored: true
         onClicked: row.clicked()

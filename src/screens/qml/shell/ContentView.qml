@@ -48,6 +48,12 @@ FocusScope {
             Qt.callLater(view.settleKeyboard); // qmllint disable
         }
     }
+    Connections {
+        target: OpenSheets
+        function onShownChanged() {
+            Qt.callLater(view.settleKeyboard); // qmllint disable
+        }
+    }
     Sidebar {
         id: sidebar
         width: view.narrow ? Theme.sidebarWidthNarrow : Theme.sidebarWidth

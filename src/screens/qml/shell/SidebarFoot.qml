@@ -112,7 +112,7 @@ FocusGroup {
                 }
             }
             background: FocusRing {
-                shown: work.visualFocus
+                shown: work.activeFocus && KeyboardFocus.inUse
             }
         }
     }

@@ -11,7 +11,7 @@ T.AbstractButton {
     property bool chosen: false
     property bool windowActive: true
     property bool showHovered: hovered
-    property bool showFocus: visualFocus
+    property bool showFocus: activeFocus && KeyboardFocus.inUse
 
     implicitHeight: Theme.sidebarItemHeight
     hoverEnabled: true
