@@ -11,4 +11,8 @@ AppButton {
     labelColor: Theme.accent
     symbolColor: Theme.accent
     underlined: showHovered
+
+    HoverHandler {
+        cursorShape: Qt.PointingHandCursor
+    }
 }

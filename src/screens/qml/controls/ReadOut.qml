@@ -1,5 +1,7 @@
 // The figures of one point of a chart, in a small box. Each of `rows` has a `series`, a `label` and the `text` of its
 // value.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Corvane

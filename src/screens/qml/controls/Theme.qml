@@ -127,6 +127,9 @@ QtObject {
     readonly property int treeFolderRow: 30
     readonly property int treeYearIndent: 16
     readonly property int treeFolderIndent: 34
+    // In a wide window the figures stay near their names, and the size bars grow instead.
+    readonly property int treeMeasure: 880
+    readonly property int treeBarMeasure: 400
     readonly property int tableHeadHeight: 32
     readonly property int chipHeight: 20
     readonly property int pillHeight: 18

@@ -43,8 +43,8 @@ TableHead {
     }
     AppText {
         id: size
-        anchors.right: parent.right
-        anchors.rightMargin: 132
+        anchors.right: parent.left
+        anchors.rightMargin: 132 - Math.min(head.width, Theme.treeMeasure)
         anchors.verticalCenter: parent.verticalCenter
         width: 88
         horizontalAlignment: Text.AlignRight

@@ -20,6 +20,7 @@ ListRow {
     readonly property bool isAccount: level === OrganizeTreeModel.Account
     readonly property bool isFolder: level === OrganizeTreeModel.Folder
     readonly property int indent: isAccount ? 8 : isFolder ? 8 + 16 + Theme.treeFolderIndent : 8 + Theme.treeYearIndent
+    readonly property real measure: Math.min(width, Theme.treeMeasure)
     readonly property bool held: down || box.down
 
     signal tickPressed
@@ -82,23 +83,23 @@ ListRow {
     AppText {
         x: row.indent + 50
         anchors.verticalCenter: parent.verticalCenter
-        width: parent.width - x - 316
+        width: row.measure - x - 316
         text: row.title
         elide: row.isAccount ? Text.ElideMiddle : Text.ElideRight
         font.weight: row.isAccount ? Theme.strong : Theme.regular
         Accessible.ignored: true
     }
     AppText {
-        anchors.right: parent.right
-        anchors.rightMargin: 228
+        anchors.right: parent.left
+        anchors.rightMargin: 228 - row.measure
         anchors.verticalCenter: parent.verticalCenter
         text: row.count
         font.weight: row.isAccount ? Theme.strong : Theme.regular
         Accessible.ignored: true
     }
     AppText {
-        anchors.right: parent.right
-        anchors.rightMargin: 132
+        anchors.right: parent.left
+        anchors.rightMargin: 132 - row.measure
         anchors.verticalCenter: parent.verticalCenter
         text: row.size
         font.weight: row.isAccount ? Theme.strong : Theme.regular
@@ -106,11 +107,10 @@ ListRow {
         Accessible.ignored: true
     }
     SizeBar {
-        anchors.right: parent.right
-        anchors.rightMargin: 12
+        x: row.measure - 124
         anchors.verticalCenter: parent.verticalCenter
         visible: !row.isAccount
-        width: 112
+        width: Math.min(row.width - x - 12, Theme.treeBarMeasure)
         fraction: row.share
     }
 }
