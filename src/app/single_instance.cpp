@@ -54,6 +54,8 @@ SingleInstance::SingleInstance(const QString& supportFolder, QObject* parent)
 }
 
 bool SingleInstance::becomeFirst() {
+    // It may have been out of reach until now.
+    QDir().mkpath(QFileInfo(lock_.fileName()).path());
     if (!lock_.tryLock()) return false;
     QLocalServer::removeServer(socketPath_);
     // Without a server later starts can only say that this one is there.

@@ -14,7 +14,7 @@ class SingleInstance : public QObject {
     Q_OBJECT
 
   public:
-    // `supportFolder`, which must exist, stands for the home.
+    // `supportFolder` stands for the home; becoming the first makes it where it is missing.
     explicit SingleInstance(const QString& supportFolder, QObject* parent = nullptr);
 
     // From here on this is the one for its home, until the object goes. False when another one is.

@@ -1,5 +1,7 @@
 #include "app/window_run.h"
 
+#include <system_error>
+
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
@@ -29,6 +31,16 @@ void resetLogs(ModelContext& context) {
     context.startupLog.mark("applicationWillFinishLaunching reset logs");
 }
 
+// Stands for the home, also where it can't be made: the first use of it says so to the user.
+QString supportFolder(const ModelContext& context) {
+    try {
+        return QString::fromStdString(context.support.baseDirectory(true));
+    } catch (const std::system_error& error) {
+        consoleLine(error.what());
+        return QString::fromStdString(context.support.baseDirectory(false));
+    }
+}
+
 // Nothing when this start goes on as the first one.
 std::optional<WindowOutcome> leaveToFirst(SingleInstance& instance, const WindowOptions& options) {
     if (instance.handOver(QString::fromStdString(options.address))) return WindowOutcome();
@@ -56,7 +68,7 @@ void bringForward(QQuickWindow& window) {
 WindowOutcome runWindow(const WindowOptions& options) {
     const std::unique_ptr<platform::Platform> system = platform::makePlatform(options.home);
     ModelContext context(*system);
-    SingleInstance instance(QString::fromStdString(context.support.baseDirectory(true)));
+    SingleInstance instance(supportFolder(context));
     if (!instance.becomeFirst()) {
         if (const auto outcome = leaveToFirst(instance, options)) return *outcome;
     }

@@ -58,13 +58,16 @@ TEST(SingleInstance, SilentFirstOneIsSaidToBeSo) {
     EXPECT_TRUE(second.obstacle().contains(QString::number(QCoreApplication::applicationPid())));
 }
 
-TEST(SingleInstance, MissingDataFolderIsntAnotherWindow) {
+TEST(SingleInstance, DataFolderThatCannotBeMadeIsntAnotherWindow_AndIsMadeOnceItCan) {
     const testing::TemporaryHome home;
-    const QString folder = folderOf(home) + QStringLiteral("/gone");
+    const std::string inTheWay = home.write("place", "a file");
+    const QString folder = QString::fromStdString(inTheWay) + QStringLiteral("/Corvane");
     SingleInstance start(folder);
     EXPECT_FALSE(start.becomeFirst());
     EXPECT_FALSE(start.obstacle().contains(QStringLiteral("已经在运行")));
     EXPECT_TRUE(start.obstacle().contains(folder));
+    ASSERT_TRUE(QFile::remove(QString::fromStdString(inTheWay)));
+    EXPECT_TRUE(start.becomeFirst());
 }
 
 } // namespace

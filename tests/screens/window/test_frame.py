@@ -52,6 +52,17 @@ class FrameTest(unittest.TestCase):
         self.assertEqual(places, sorted(places))
         self.assertNotIn(old, marks + (self.support() / "performance.log").read_text())
 
+    def test_home_that_cannot_be_written_is_told_in_a_window_until_it_can(self):
+        home = self.home.parent / "blocked"
+        self.support(home).parent.mkdir(parents=True)
+        self.support(home).write_text("a file where the folder should be")
+        with self.display.window(home) as window:
+            self.assertIn(str(self.support(home)), window.wait_for_part("blockedStartLine")["text"])
+            window.picture(PICTURES / "blocked-start.png")
+            self.support(home).unlink()
+            window.click_part("retryStartButton")
+            wait_until(lambda: window.part("sidebar"), "the window itself")
+
     def test_second_start_leaves_the_home_to_the_first(self):
         with self.display.window(self.home) as window:
             second = self.display.start(self.home)
