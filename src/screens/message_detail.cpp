@@ -50,9 +50,15 @@ void MessageDetail::show(const MailMessageRecord* message, bool archived) {
     if (isSame && archived_ == archived && (message == nullptr || *message_ == *message)) return;
     message_ = message == nullptr ? std::nullopt : std::optional(*message);
     archived_ = archived;
+    if (!isSame) areFilesGone_ = false;
     attachments_.setAttachments(message_ ? message_->attachments : std::vector<MailAttachmentRecord>());
     Q_EMIT changed();
     if (!isSame) Q_EMIT messageChanged();
+}
+
+void MessageDetail::setFilesGone() {
+    areFilesGone_ = true;
+    Q_EMIT changed();
 }
 
 QString MessageDetail::subject() const {
@@ -83,6 +89,8 @@ QString MessageDetail::place() const {
 
 QString MessageDetail::preview() const {
     if (!message_) return {};
+    if (areFilesGone_ && !hasPreview())
+        return QStringLiteral("邮件文件已不在原来的位置，请更新 Mail 数据后再看。");
     const QString text = screens::shownText(message_->preview, previewLimit).trimmed();
     const bool isCut = text::graphemeCount(message_->preview) >= previewCharacters;
     return isCut ? text + u'…' : text;

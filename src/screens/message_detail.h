@@ -89,6 +89,10 @@ class MessageDetail : public QObject {
 
     void show(const MailMessageRecord* message, bool archived);
 
+    // None of the files of the shown message is there any more: a preview that is still waited for won't
+    // come.
+    void setFilesGone();
+
   Q_SIGNALS:
     void changed();
     // Another message, not only other facts about the same one.
@@ -97,6 +101,7 @@ class MessageDetail : public QObject {
   private:
     std::optional<MailMessageRecord> message_;
     bool archived_ = false;
+    bool areFilesGone_ = false;
     AttachmentListModel attachments_;
 };
 

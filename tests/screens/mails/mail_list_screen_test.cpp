@@ -1,8 +1,11 @@
 #include "screens/mail_list_screen.h"
 
+#include <filesystem>
+
 #include <QTest>
 
 #include "model/model_test.h"
+#include "records/preview_placeholders.h"
 #include "screens/mails/mail_samples.h"
 
 namespace corvane {
@@ -294,6 +297,21 @@ TEST_F(MailListScreenTest, DetailNamesCopiesAttachmentsAndAPreviewThatIsNone) {
     EXPECT_EQ(role(0, AttachmentListModel::NameRole), QStringLiteral("图fdp.exe"));
     EXPECT_EQ(role(0, AttachmentListModel::SymbolRole), QStringLiteral("shippingbox"));
     EXPECT_EQ(role(1, AttachmentListModel::SizeTextRole), QStringLiteral("大小待估算"));
+}
+
+TEST_F(MailListScreenTest, DetailOfAMessageWhoseFilesAreGone_WaitsForNoPreview) {
+    MailMessageRecord gone = local("gone.emlx");
+    MailMessageRecord there = local("there.emlx");
+    gone.preview = there.preview = std::string(lazyPreviewPlaceholder);
+    publish({gone, there});
+    screen_.showMessage(QString::fromStdString(there.id.str()));
+    settle();
+    EXPECT_FALSE(screen_.detail()->preview().contains(QStringLiteral("已不在")));
+    std::filesystem::remove(gone.allMessageFileURLs().front().path().str());
+    screen_.showMessage(QString::fromStdString(gone.id.str()));
+    settle();
+    EXPECT_TRUE(screen_.detail()->preview().contains(QStringLiteral("已不在")));
+    EXPECT_FALSE(screen_.detail()->hasPreview());
 }
 
 TEST_F(MailListScreenTest, DetailTellsAPreviewThatWasCut) {
