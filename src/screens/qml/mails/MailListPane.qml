@@ -127,13 +127,31 @@ FocusScope {
         }
         HoverHandler {
             id: hover
+            onPointChanged: tip.pointerAt = Qt.point(point.position.x, point.position.y)
+        }
+        // Rows that move, by keys or the wheel, don't call for a tooltip: the pointer does when it moves.
+        Connections {
+            target: rows
+            function onContentYChanged() {
+                tip.outdated = true;
+            }
+        }
+        Connections {
+            target: rows.selection
+            function onCurrentRowChanged() {
+                tip.outdated = true;
+            }
         }
         AppToolTip {
+            id: tip
+            property point pointerAt
+            property bool outdated: false
+            onPointerAtChanged: outdated = false
             readonly property MessageRow row: hover.hovered
                 ? rows.itemAt(hover.point.position.x, hover.point.position.y + rows.contentY) as MessageRow : null
             readonly property real rowTop: row ? row.y - rows.contentY : 0
             text: row ? row.elidedAt(hover.point.position.y - rowTop) : ""
-            shown: text.length > 0 && !rows.moving && !pane.pressed
+            shown: text.length > 0 && !outdated && !rows.moving && !pane.pressed
             x: 38
             y: rowTop + Theme.rowFull
         }
