@@ -32,6 +32,8 @@ void ArchiveScreen::wire() {
         Q_EMIT destinationChanged();
         Q_EMIT selectionChanged();
     };
+    // What was said of a run there doesn't hold for another place.
+    connect(&model_.destinations(), &ArchiveDestinations::destinationChanged, this, [this] { setError({}); });
     connect(&model_.destinations(), &ArchiveDestinations::destinationChanged, this, destinationReplaced);
     connect(&model_.destinations(), &ArchiveDestinations::factsChanged, this, destinationReplaced);
     connect(&folderPicker_, &FolderPicker::chosen, this,

@@ -189,6 +189,8 @@ TEST_F(ArchiveSheet, AnErrorBringsTheConfirmationBackWithItsTicks) {
     EXPECT_FALSE(archiveScreen_.errorText().isEmpty());
     EXPECT_EQ(candidates_.count(), 2);
     EXPECT_EQ(candidates_.selectedCount(), 1);
+    chooseDestination(home_.at("另一处"));
+    EXPECT_TRUE(archiveScreen_.errorText().isEmpty()) << "it was about the other place";
 }
 
 TEST_F(ArchiveSheet, ARunGoesOnInTheBackgroundAndEndsInItsResult) {

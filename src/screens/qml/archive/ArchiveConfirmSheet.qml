@@ -21,6 +21,7 @@ Sheet {
     primary: start
     note: archive.spaceText
     noteLine: archive.footnote
+    noteColor: archive.isSpaceShort ? Theme.attention : Theme.text1
     onWantedChanged: visible = wanted
     Component.onCompleted: visible = wanted
     // Only what the user closes: at a change of the stage the sheet is no longer wanted.

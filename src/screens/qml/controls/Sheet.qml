@@ -18,6 +18,7 @@ T.Popup {
     property color symbolColor: Theme.text1
     property string note: ""
     property string noteLine: ""
+    property color noteColor: noteLine.length > 0 ? Theme.text1 : Theme.text2
     property int noteLineElide: Text.ElideRight
     property int wantedWidth: 580
     property int wantedHeight: 0
@@ -200,7 +201,7 @@ T.Popup {
                             Layout.fillWidth: true
                             text: sheet.note
                             visible: text.length > 0
-                            color: sheet.noteLine.length > 0 ? Theme.text1 : Theme.text2
+                            color: sheet.noteColor
                         }
                         AppText {
                             Layout.fillWidth: true
