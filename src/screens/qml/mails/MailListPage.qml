@@ -149,7 +149,10 @@ ScreenPage {
         id: filterPopup
         objectName: "filterPopup"
 
+        property Item opener: null
+
         function openAt(button: Item) {
+            opener = button;
             const place = button.mapToItem(page, 0, button.height + Theme.half);
             x = place.x;
             y = place.y;
@@ -161,6 +164,12 @@ ScreenPage {
         focus: true
         padding: Theme.hairline
         closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
+        onOpened: KeyboardFocus.enter(popupPane)
+        // A press beside it may have given the keyboard to another part.
+        onClosed: {
+            if (!KeyboardFocus.isHeldIn(page))
+                opener.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
+        }
         contentItem: FilterPane {
             id: popupPane
             filters: page.screen.filters

@@ -53,7 +53,12 @@ FocusScope {
                     objectName: "filterChip" + index
                     width: Math.min(implicitWidth, 130)
                     text: modelData
-                    onClicked: pane.screen.filters.removeChip(index)
+                    onClicked: {
+                        // It goes with its filter.
+                        if (activeFocus)
+                            filterButton.forceActiveFocus(Qt.TabFocusReason);
+                        pane.screen.filters.removeChip(index);
+                    }
                 }
             }
         }

@@ -48,6 +48,12 @@ FocusScope {
             Qt.callLater(view.settleKeyboard); // qmllint disable
         }
     }
+    // Nothing has it: a part was destroyed with the keyboard, or a popup closed.
+    function settleLostKeyboard() {
+        if (Window.activeFocusItem === Window.contentItem)
+            settleKeyboard();
+    }
+    Window.onActiveFocusItemChanged: Qt.callLater(settleLostKeyboard) // qmllint disable
     Connections {
         target: OpenSheets
         function onShownChanged() {
