@@ -10,13 +10,30 @@
 
 namespace corvane::mailstore {
 
+namespace {
+
+// Mail's own flags behind the message would be shown as text, and with them no base64 body can be decoded.
+// They are found by their looks: the count in front of the message may be wrong.
+std::string_view withoutPropertyList(std::string_view text) {
+    const std::size_t last = text.find_last_not_of(" \t\r\n");
+    if (last == std::string_view::npos || !text.substr(0, last + 1).ends_with("</plist>")) return text;
+    return text.substr(0, text.rfind("<?xml "));
+}
+
+} // namespace
+
 std::string previewText(const MailWorkerClient& worker, const FileURL& file) {
     try {
         std::string preview = worker.previewText(file, previewByteLimit);
         if (!previewLooksCorrupt(preview)) return preview;
     } catch (const WorkerError&) { // NOLINT(bugprone-empty-catch): our own walk follows
     }
-    return previewText(decodeEmlx(readMessagePrefix(file.path().str(), previewByteLimit)));
+    return previewTextWithoutWorker(file);
+}
+
+std::string previewTextWithoutWorker(const FileURL& file) {
+    const std::string text = decodeEmlx(readMessagePrefix(file.path().str(), previewByteLimit));
+    return previewText(withoutPropertyList(text));
 }
 
 std::string previewText(std::string_view messageText) {

@@ -18,6 +18,9 @@ inline constexpr std::int64_t previewByteLimit = 2'097'152;
 // the worker aren't told.
 std::string previewText(const MailWorkerClient& worker, const FileURL& file);
 
+// By our own walk alone, as it stands. Throws MessageFileError when the file can't be read.
+std::string previewTextWithoutWorker(const FileURL& file);
+
 // Of a message as decodeEmlx gives it: at most `previewCharacters`, or the placeholder of an empty body.
 // Pure.
 std::string previewText(std::string_view messageText);

@@ -31,8 +31,7 @@ std::string textOfWorker(const FileURL& file, const PreviewRefresh::WorkerPrevie
 // Made by our own walk through the message.
 std::string textOfFile(const FileURL& file) {
     try {
-        const std::string data = mailstore::readMessagePrefix(file.path().str(), mailstore::previewByteLimit);
-        return mailstore::previewText(mailstore::decodeEmlx(data));
+        return mailstore::previewTextWithoutWorker(file);
     } catch (const mailstore::MessageFileError&) {
         return {};
     }
