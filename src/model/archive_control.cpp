@@ -155,8 +155,15 @@ CandidateJob ArchiveControl::candidateJob() const {
 }
 
 void ArchiveControl::setCandidateOffer(std::shared_ptr<const SharedTextSet> ids) {
-    offer_ = std::move(ids);
+    context_.tasks.discard(std::exchange(offer_, std::move(ids)));
     ++offerRevision_;
+    isWholeOfferSelected_ = false;
+}
+
+void ArchiveControl::selectWholeOffer(SharedTextSet ids) {
+    takeSelection(std::move(ids));
+    isWholeOfferSelected_ = true;
+    Q_EMIT selectionChanged();
 }
 
 const SharedMessageList& ArchiveControl::archiveCandidates() {
@@ -164,7 +171,7 @@ const SharedMessageList& ArchiveControl::archiveCandidates() {
     std::string current = candidatesSignature();
     if (current == candidatesSignature_) return candidatesCache_;
     candidatesSignature_ = std::move(current);
-    candidatesCache_ = makeCandidates(candidateJob());
+    context_.tasks.discard(std::exchange(candidatesCache_, makeCandidates(candidateJob())));
     return candidatesCache_;
 }
 
@@ -182,7 +189,7 @@ void ArchiveControl::refreshArchiveCandidatesAsync() {
                                   if (made != candidatesSignature()) return;
                                   if (candidates && made != candidatesSignature_) {
                                       candidatesSignature_ = made;
-                                      candidatesCache_ = candidates;
+                                      context_.tasks.discard(std::exchange(candidatesCache_, candidates));
                                   }
                                   Q_EMIT archiveCandidatesReady();
                               });
@@ -219,13 +226,21 @@ std::int64_t ArchiveControl::cachedCandidateCount(const std::optional<std::strin
 SharedTextSet& ArchiveControl::changeableSelection() {
     if (isSelectionOfARun_) selection_ = std::make_shared<SharedTextSet>(*selection_);
     isSelectionOfARun_ = false;
+    isWholeOfferSelected_ = false;
+    selectedFrom_.reset();
     return *selection_;
 }
 
 void ArchiveControl::setArchiveSelection(SharedTextSet ids) {
-    selection_ = std::make_shared<SharedTextSet>(std::move(ids));
-    isSelectionOfARun_ = false;
+    takeSelection(std::move(ids));
     Q_EMIT selectionChanged();
+}
+
+void ArchiveControl::takeSelection(SharedTextSet ids) {
+    context_.tasks.discard(std::exchange(selection_, std::make_shared<SharedTextSet>(std::move(ids))));
+    isSelectionOfARun_ = false;
+    isWholeOfferSelected_ = false;
+    selectedFrom_.reset();
 }
 
 void ArchiveControl::toggleArchiveSelection(std::string_view id) {
@@ -266,12 +281,13 @@ void ArchiveControl::selectArchiveRange(std::string_view from, std::string_view 
 }
 
 void ArchiveControl::pruneArchiveSelection() {
-    if (selection_->empty()) return;
+    if (selection_->empty() || selectedFrom_.lock() == archiveCandidates()) return;
     SharedTextSet kept;
     for (const MailMessageRecord& message : *archiveCandidates()) {
         if (selection_->contains(message.id)) kept.insert(message.id);
     }
     if (kept.size() != selection_->size()) setArchiveSelection(std::move(kept));
+    selectedFrom_ = candidatesCache_;
 }
 
 void ArchiveControl::setCount(std::int64_t count, bool ready) {
@@ -361,12 +377,15 @@ void ArchiveControl::startRun(const std::string& destination) {
         const std::stop_callback atShutdown(task.stopToken(),
                                             [stop] { std::stop_source(stop).request_stop(); });
         const MessageList messages = selectedOf(*candidates, *selection);
+        // Found out here, where a pass over all of them costs nobody time.
+        const SharedMessageList selectedFrom = messages.size() == selection->size() ? candidates : nullptr;
         const auto finish = [&](RunOutcome outcome) {
             const QString signature = QString::fromStdString(runSignature(messages, destination));
-            task.onMain(
-                [this, destination, signature, outcome = std::make_shared<RunOutcome>(std::move(outcome))] {
-                    finishRun(std::move(*outcome), destination, signature);
-                });
+            task.onMain([this, destination, signature, selectedFrom,
+                         outcome = std::make_shared<RunOutcome>(std::move(outcome))] {
+                if (isSelectionOfARun_) selectedFrom_ = selectedFrom;
+                finishRun(std::move(*outcome), destination, signature);
+            });
         };
         // The place may be a sleeping disk, so it isn't asked on the main thread.
         if (const auto shortfall = archiveCapacityShortfall(messages, destination, platform)) {

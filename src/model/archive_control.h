@@ -62,6 +62,12 @@ class ArchiveControl : public QObject {
     // null gives all back. The count for the screens stays that of the filters.
     void setCandidateOffer(std::shared_ptr<const SharedTextSet> ids);
 
+    // Selects all of the offer. `ids` equals it: a copy of hundreds of thousands of ids isn't made here.
+    void selectWholeOffer(SharedTextSet ids);
+
+    // Every candidate is selected, known without a look at each.
+    [[nodiscard]] bool isWholeOfferSelected() const { return isWholeOfferSelected_; }
+
     [[nodiscard]] MailScanSummary archiveCandidateSummary();
     [[nodiscard]] MailScanSummary selectedArchiveSummary();
     [[nodiscard]] MessageList selectedArchiveMessages();
@@ -132,6 +138,7 @@ class ArchiveControl : public QObject {
     void setCount(std::int64_t count, bool ready);
     void setProgress(std::optional<EmailArchiveProgress> progress);
     // For changes in place: a run reads its selection on its own thread, and keeps it.
+    void takeSelection(SharedTextSet ids);
     SharedTextSet& changeableSelection();
     void startRun(const std::string& destination);
     void finishRun(RunOutcome outcome, const std::string& destination, const QString& signature);
@@ -147,6 +154,9 @@ class ArchiveControl : public QObject {
     std::string candidatesSignature_;
     std::shared_ptr<SharedTextSet> selection_ = std::make_shared<SharedTextSet>();
     bool isSelectionOfARun_ = false;
+    bool isWholeOfferSelected_ = false;
+    // The candidates that hold the whole selection, where that is known.
+    std::weak_ptr<const MessageList> selectedFrom_;
     std::int64_t candidateCount_ = 0;
     bool candidateCountReady_ = true;
     std::string candidateCountSignature_;

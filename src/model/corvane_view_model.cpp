@@ -119,6 +119,8 @@ void CorvaneViewModel::wireFilters() {
 }
 
 void CorvaneViewModel::wireArchive() {
+    library_.setBaseIDsPreparation(
+        [status = catalog_.archivedStatus()](const auto& baseIDs) { status->prepareFor(baseIDs); });
     connect(&library_, &LibraryLoader::archivedBaseIDsChanged, this, [this] { archivedBaseIDsReplaced(); });
     connect(&destinations_, &ArchiveDestinations::destinationPrepared, this,
             [this] { loadArchiveIndex(false); });

@@ -88,9 +88,10 @@ void LibraryLoader::startLoad(LibraryLoadInput input, const std::string& signatu
     archiveIndexLoadTask_.start(
         TaskPriority::userInitiated,
         [this, load = LibraryLoad(context_.platform, context_.support, context_.startupLog, std::move(input)),
-         signature, start](const TaskHandle& task) mutable {
+         signature, start, prepare = prepareBaseIDs_](const TaskHandle& task) mutable {
             auto result = load.run(task.stopToken());
             if (!result) return;
+            if (prepare) prepare(result->library->baseIDs);
             task.onMain([this, result = std::move(*result), signature, start] {
                 applyLoadedArchiveIndex(result, signature, secondsSince(start));
             });
@@ -144,9 +145,8 @@ void LibraryLoader::publish(SharedLibrary library, std::vector<ArchiveLocation> 
     // Equal sets have equal consequences, and those cost a pass over all messages.
     const bool sameBaseIDs = library_->baseIDs == library->baseIDs;
     if (!sameBaseIDs) ++baseIDsToken_;
-    // Hundreds of thousands of records take their time to go, and a database that is closed is written to.
-    context_.tasks.run(TaskPriority::utility, std::stop_source(std::nostopstate),
-                       [old = std::move(library), oldIndexes = std::move(searchIndexes)] {});
+    context_.tasks.discard(std::move(library));
+    context_.tasks.discard(std::move(searchIndexes));
     Q_EMIT archivedEntriesChanged();
     Q_EMIT archiveLocationsChanged();
     if (!sameBaseIDs) Q_EMIT archivedBaseIDsChanged();

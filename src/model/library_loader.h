@@ -78,6 +78,11 @@ class LibraryLoader : public QObject {
     // one.
     void loadEmailArchiveIndex(const std::optional<std::string>& currentDestination, bool force);
 
+    // What the base ids of a load are given to before they are published, on its thread.
+    void setBaseIDsPreparation(std::function<void(const std::shared_ptr<const SharedTextSet>&)> prepare) {
+        prepareBaseIDs_ = std::move(prepare);
+    }
+
     [[nodiscard]] bool isLoading() const { return isLoading_; }
 
     // Shows the snapshot of the last run while nothing else is there. Reads it on the calling thread.
@@ -114,6 +119,7 @@ class LibraryLoader : public QObject {
     std::vector<ArchiveLocation> locations_;
     SharedSearchIndexes searchIndexes_ = std::make_shared<const SearchIndexTable>();
     std::int64_t baseIDsToken_ = 0;
+    std::function<void(const std::shared_ptr<const SharedTextSet>&)> prepareBaseIDs_;
     std::optional<DestinationIndex> destination_;
     LibraryFilters filters_;
     bool isLoading_ = false;

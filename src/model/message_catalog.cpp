@@ -123,9 +123,12 @@ std::shared_ptr<const MessageSet> MessageSet::make(SharedMessageList messages, b
     set->messages = std::move(messages);
     set->isComplete = isComplete;
     const MessageList& list = *set->messages;
-    platform::parallelCalls(
-        [&] { set->positionByID = positionsByID(list); },
-        [&] { set->counted = std::make_shared<const CountedMessages>(countedMessages(allOf(list))); });
+    platform::parallelCalls([&] { set->positionByID = positionsByID(list); },
+                            [&] {
+                                set->counted =
+                                    std::make_shared<const CountedMessages>(countedMessages(allOf(list)));
+                                set->yearStats = computeYearStats(*set->counted);
+                            });
     return set;
 }
 
@@ -151,7 +154,7 @@ const MailMessageRecord* MessageCatalog::messageByID(std::string_view id) const 
 
 const std::vector<YearStat>& MessageCatalog::yearStats() const {
     if (yearStatsToken_ != messagesToken_) {
-        cachedYearStats_ = computeYearStats(allOf(*messages()));
+        cachedYearStats_ = set_->counted ? set_->yearStats : computeYearStats(allOf(*messages()));
         yearStatsToken_ = messagesToken_;
     }
     return cachedYearStats_;
@@ -169,9 +172,9 @@ MessageCatalog::CountAndBytes MessageCatalog::mailMessageSummary() const {
 
 void MessageCatalog::setSet(SharedMessageSet set) {
     // The years refer to the ids of the earlier list.
-    derived_.yearByID = std::make_shared<const YearByID>();
+    context_.tasks.discard(std::exchange(derived_.yearByID, std::make_shared<const YearByID>()));
     withNewPreview_.clear();
-    set_ = std::move(set);
+    context_.tasks.discard(std::exchange(set_, std::move(set)));
 }
 
 void MessageCatalog::replacePreview(std::string_view id, SharedText preview) {
@@ -284,14 +287,8 @@ void MessageCatalog::saveCacheIfDue() {
 }
 
 void MessageCatalog::rebuildArchivedMessageStatusCache() {
-    auto archived = std::make_shared<SharedTextSet>();
-    const auto baseIDs = inputs_().archivedBaseIDs;
-    if (!baseIDs->empty()) {
-        for (const MailMessageRecord& message : *messages()) {
-            if (baseIDs->contains(stableID(message))) archived->insert(message.id);
-        }
-    }
-    archivedMessageIDs_ = std::move(archived);
+    auto archived = archivedStatus_->of(messages(), inputs_().archivedBaseIDs);
+    context_.tasks.discard(std::exchange(archivedMessageIDs_, std::move(archived)));
     Q_EMIT archivedMessagesChanged();
 }
 

@@ -14,6 +14,7 @@
 
 #include <QObject>
 
+#include "model/archived_status.h"
 #include "model/message_statistics.h"
 #include "model/model_context.h"
 #include "model/scan_cache_writer.h"
@@ -30,7 +31,8 @@ namespace corvane {
 struct MessageSet {
     SharedMessageList messages = std::make_shared<const MessageList>();
     PositionTable positionByID;
-    std::shared_ptr<const CountedMessages> counted; // in the order of the list
+    std::shared_ptr<const CountedMessages> counted; // in the order of the list; null: not counted
+    std::vector<YearStat> yearStats;
     // False for a list that isn't the whole picture: of a year-limited or cancelled scan. It is never cached.
     bool isComplete = true;
 
@@ -100,6 +102,9 @@ class MessageCatalog : public QObject {
     [[nodiscard]] const std::shared_ptr<const SharedTextSet>& archivedMessageIDs() const {
         return archivedMessageIDs_;
     }
+
+    // For the tasks that make new messages or base ids.
+    [[nodiscard]] const std::shared_ptr<ArchivedStatus>& archivedStatus() const { return archivedStatus_; }
 
     [[nodiscard]] const MailScanSummary& summary() const { return summary_; }
 
@@ -194,6 +199,7 @@ class MessageCatalog : public QObject {
     std::optional<std::int64_t> availabilityRefreshTokenInFlight_;
     std::optional<std::int64_t> filesSeenToken_; // of the generation whose files the scan has just seen
     AvailabilityResult derived_;
+    std::shared_ptr<ArchivedStatus> archivedStatus_ = std::make_shared<ArchivedStatus>();
     std::shared_ptr<const SharedTextSet> archivedMessageIDs_ = std::make_shared<const SharedTextSet>();
     std::int64_t statsRevision_ = 0;
     bool deleteSafetyStatsReady_ = false;

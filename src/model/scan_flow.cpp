@@ -61,6 +61,7 @@ struct ScanFlow::ScanJob {
     MailDataScanner scanner;
     std::vector<std::string> accountNames;
     MailStore store;
+    std::shared_ptr<ArchivedStatus> archivedStatus;
 };
 
 // What the scan task alone holds while batches come.
@@ -157,7 +158,8 @@ void ScanFlow::clearDisplay() {
 
 ScanFlow::ScanJob ScanFlow::makeScanJob() const {
     const MailStore store = mailStoreOf(context_);
-    ScanJob job{MailDataScanner{store.context, store.rootPath, {}, {}, {}}, {}, store};
+    ScanJob job{
+        MailDataScanner{store.context, store.rootPath, {}, {}, {}}, {}, store, catalog_.archivedStatus()};
     if (filters_.onlyBeforeCutoff()) job.scanner.maximumYear = filters_.yearCutoff();
     for (const MailAccount& account : accounts_.availableAccounts()) {
         if (!accounts_.selectedAccountPrefixes().contains(account.urlPrefix)) continue;
@@ -216,7 +218,10 @@ void ScanFlow::finishScan(const TaskHandle& task, const ScanJob& job, ScanProgre
     SharedMessageSet set;
     MailScanSummary summary;
     platform::parallelCalls([&] { set = MessageSet::make(messages, !job.scanner.maximumYear); },
-                            [&] { summary = progress.summary(*messages); });
+                            [&] {
+                                summary = progress.summary(*messages);
+                                job.archivedStatus->prepareFor(messages);
+                            });
     const bool visitedSomething = progress.last().visitedCount >= 1;
     EmptyScanMessage empty;
     if (!visitedSomething) empty = emptyScanFailureMessage(job.store, job.scanner.maximumYear);

@@ -102,6 +102,7 @@ struct ScanFlow::RestoreJob {
     MailScanCacheStore store;
     std::vector<MailAccount> accounts;
     bool loadArchiveIndex = false;
+    std::shared_ptr<ArchivedStatus> archivedStatus;
     Clock::time_point start = Clock::now();
 
     void mark(const std::string& text) const {
@@ -116,7 +117,7 @@ bool ScanFlow::mayRestore() const {
 void ScanFlow::loadCachedScanIfNeeded(bool loadArchiveIndex) {
     if (!mayRestore()) return;
     const RestoreJob job{context_, MailScanCacheStore(context_.support), accounts_.availableAccounts(),
-                         loadArchiveIndex};
+                         loadArchiveIndex, catalog_.archivedStatus()};
     restoreTask_.start(TaskPriority::userInitiated, [this, job](const TaskHandle& task) {
         job.context.startupLog.mark("loadCachedScan begin");
         const bool hasSnapshot = restoreSnapshot(task, job);
@@ -159,6 +160,7 @@ void ScanFlow::restoreCache(const TaskHandle& task, const RestoreJob& job, bool 
         job.mark(fmt::format("loadCachedScan cache decoded messages={}", cache->messages.size()));
         std::size_t counted = 0;
         *restored = makeRestored(std::move(*cache), job.accounts, counted);
+        job.archivedStatus->prepareFor(restored->set->messages);
         if (restored->known) job.mark(fmt::format("loadCachedScan recompute stats msgs={}", counted));
     } catch (const std::exception& error) {
         task.onMain([this, message = fmt::format("读取上次扫描结果失败：{}", error.what())] {

@@ -38,6 +38,13 @@ class TaskRunner : public QObject {
     // Runs a job. From any thread.
     void run(TaskPriority priority, std::stop_source stop, std::function<void()> job);
 
+    // Lets go of something on a thread of the runner: hundreds of thousands of records take their time to go,
+    // and a database that is closed is written to. From any thread.
+    template <class Shared>
+    void discard(std::shared_ptr<Shared> owned) {
+        run(TaskPriority::utility, std::stop_source(std::nostopstate), [owned = std::move(owned)] {});
+    }
+
     // Queues a step for the main thread. From any thread.
     void postToMain(std::function<void()> step);
 

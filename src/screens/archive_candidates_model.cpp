@@ -67,8 +67,9 @@ void ArchiveCandidatesModel::show(const SharedMessageList& candidates) {
 void ArchiveCandidatesModel::sumSelection() {
     selectedCount_ = 0;
     selectedBytes_ = 0;
+    const bool areAllTicked = model_.archive().isWholeOfferSelected();
     for (const MailMessageRecord& message : *messages()) {
-        if (!isTicked(message)) continue;
+        if (!areAllTicked && !isTicked(message)) continue;
         selectedCount_ += 1;
         selectedBytes_ += message.messageSize;
     }

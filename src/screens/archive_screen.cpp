@@ -90,7 +90,7 @@ void ArchiveScreen::open(ArchiveOffer offer) {
 void ArchiveScreen::takeOffer(std::shared_ptr<const SharedTextSet> offered, SharedTextSet selection) {
     isPreparing_ = false;
     model_.archive().setCandidateOffer(std::move(offered));
-    model_.archive().setArchiveSelection(std::move(selection));
+    model_.archive().selectWholeOffer(std::move(selection));
     candidates_.load();
 }
 

@@ -129,6 +129,41 @@ TEST_F(ArchiveRuns, AnOfferReplacesAccountsAndYearsUntilItIsTakenBack) {
     EXPECT_EQ(archive_.archiveCandidates()->size(), 3U);
 }
 
+TEST_F(ArchiveRuns, TheWholeOfferCountsAsSelectedUntilTheSelectionOrTheOfferChanges) {
+    publish({{"a"}, {"b"}, {"c"}});
+    const SharedTextSet ids = idsOf(*archive_.archiveCandidates());
+    const auto offer = std::make_shared<const SharedTextSet>(ids);
+    const std::vector<std::function<void()>> changes = {
+        [&] { archive_.toggleArchiveSelection(ids.begin()->view()); },
+        [&] { archive_.selectNoArchiveCandidates(); },
+        [&] { archive_.selectArchiveRange(ids.begin()->view(), ids.begin()->view()); },
+        [&] { archive_.setCandidateOffer(nullptr); },
+    };
+    for (const auto& change : changes) {
+        archive_.setCandidateOffer(offer);
+        archive_.selectWholeOffer(ids);
+        EXPECT_TRUE(archive_.isWholeOfferSelected());
+        EXPECT_EQ(archive_.selectedArchiveMessages().size(), 3U);
+        change();
+        EXPECT_FALSE(archive_.isWholeOfferSelected());
+    }
+}
+
+TEST_F(ArchiveRuns, WhatIsTickedAfterARunIsPrunedAsWell) {
+    publish({{"a"}, {"b"}});
+    const MessageList all = *archive_.archiveCandidates();
+    const std::string root = home_.at("归档");
+    model_.destinations().setTransferDestination(root);
+    archive_.selectAllArchiveCandidates();
+    archive_.archiveSelectedEmails(root, [&](const auto&) {
+        archive_.setArchiveSelection({SharedText("/somewhere/else.emlx"), all[0].id});
+        archive_.pruneArchiveSelection();
+        EXPECT_EQ(archive_.selectedArchiveMessageIDs().size(), 1U);
+    });
+    waitUntilIdle(context_.tasks);
+    EXPECT_TRUE(archive_.selectedArchiveMessageIDs().empty());
+}
+
 TEST_F(ArchiveRuns, ACancelledRunTellsHowManyMessagesItCameTo) {
     std::vector<testing::MessageSketch> sketches;
     for (int number = 0; number < 300; ++number) sketches.push_back({fmt::format("m{}", number)});
