@@ -1,9 +1,12 @@
 // Steps of the main thread while the whole window works, painted in software without a screen: every event
 // that the loop delivers, with all that it causes, timed on its own. Prints one JSON object.
 //
-//   measure_window steps HOME ARCHIVE   a first scan of HOME, typing in the mail list, ticks, a run into
-//   ARCHIVE measure_window start HOME           seconds from the entry to the first painted frame over HOME's
-//   caches measure_window empty                the same of a window with one word in it
+//   measure_window steps HOME ARCHIVE
+//       a first scan of HOME, typing in the mail list, ticks, a run into ARCHIVE
+//   measure_window start HOME
+//       seconds from the entry to the first painted frame over HOME's caches
+//   measure_window empty
+//       the same of a window with one word in it
 //
 // The steps are milliseconds of the thread's processor, so that the work of other threads on the same cores
 // doesn't count as a stall; beside them stands the longest by the clock.
