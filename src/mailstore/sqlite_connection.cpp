@@ -17,6 +17,7 @@ ReadOnlyConnection::ReadOnlyConnection(const std::string& name, NameKind kind) {
     const int result = sqlite3_open_v2(name.c_str(), &handle, flags, nullptr);
     handle_.reset(handle);
     if (result != SQLITE_OK) throw SqliteError(SqliteError::Step::open, lastMessage(handle));
+    sqlite3_busy_timeout(handle, static_cast<int>(busyPatience.count()));
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
 }

@@ -1,6 +1,7 @@
 // A read-only connection to a foreign database and a statement on it. Any thread, one at a time.
 #pragma once
 
+#include <chrono>
 #include <stdexcept>
 #include <string>
 
@@ -21,6 +22,11 @@ class SqliteError : public std::runtime_error {
   private:
     Step step_;
 };
+
+// How long a read waits for a lock. The first reader of a write-ahead log that nobody has open locks the
+// others out for a moment, and so does the last one as it leaves: without patience our own readers fail each
+// other. A writer that holds the index is to be told of soon.
+inline constexpr std::chrono::milliseconds busyPatience{300};
 
 class ReadOnlyConnection {
   public:

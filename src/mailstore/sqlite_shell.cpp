@@ -7,6 +7,7 @@
 
 #include "mailstore/quiet_database.h"
 #include "mailstore/reader_logs.h"
+#include "mailstore/sqlite_connection.h"
 #include "mailstore/text_parts.h"
 #include "platform/child_process.h"
 #include "platform/directory.h"
@@ -24,12 +25,13 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::int64_t errorTextLimit = 65'536;
 
-// The options that the question is made of come first. The last two keep the user's own ~/.sqliterc, which
-// could change the form of the answer, from being read.
+// The options that the question is made of come first. "-init" keeps the user's own ~/.sqliterc, which could
+// change the form of the answer, from being read.
 std::vector<std::string> shellArguments(const ShellQuery& query, const std::string& databaseName) {
     std::vector<std::string> arguments = {"-readonly"};
     if (query.format == ShellQuery::Format::json) arguments.emplace_back("-json");
-    arguments.insert(arguments.end(), {databaseName, query.sql, "-init", "/dev/null"});
+    arguments.insert(arguments.end(), {databaseName, query.sql, "-init", "/dev/null", "-cmd",
+                                       fmt::format(".timeout {}", busyPatience.count())});
     return arguments;
 }
 

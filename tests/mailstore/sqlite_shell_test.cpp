@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <random>
 #include <thread>
 
@@ -10,6 +11,7 @@
 
 #include "mailstore/quiet_database.h"
 #include "mailstore/sample_mail_store.h"
+#include "mailstore/sqlite_connection.h"
 #include "mailstore/store_location.h"
 #include "mailstore/trash_junk_mailboxes.h"
 
@@ -222,6 +224,26 @@ esac)sh",
                                               store.indexPath()));
     EXPECT_THAT(runRawQuery(store.context, "SELECT count(*) FROM mailboxes", store.indexPath()),
                 Optional("1"s));
+}
+
+TEST(IndexReads, OutlastALockOfAMoment) {
+    SampleMailStore store;
+    store.addMailbox("imap://U/Trash", "");
+    store.close();
+    const auto behindALock = [&](const auto& read) {
+        auto writer = std::make_unique<testing::LockingWriter>(store.indexPath());
+        const std::jthread release([&] {
+            std::this_thread::sleep_for(busyPatience / 3);
+            writer.reset();
+        });
+        return read();
+    };
+    const auto shell = [&] {
+        return runRawQuery(store.context, "SELECT count(*) FROM mailboxes", store.indexPath());
+    };
+    EXPECT_THAT(behindALock(shell), Optional("1"s));
+    EXPECT_THAT(behindALock([&] { return trashAndJunkMailboxIDs(store.context, store.indexPath()); }),
+                ElementsAre(1));
 }
 
 TEST(IndexReads, TrashIsFoundAndFailuresAreLogged) {
