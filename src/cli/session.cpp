@@ -2,8 +2,10 @@
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
+#include <fmt/format.h>
 
 #include "platform/quit_signals.h"
+#include "records/console_log.h"
 
 namespace corvane::cli {
 
@@ -27,6 +29,8 @@ Session::Session(const std::string& home)
     context_->performanceLog.reset();
     context_->startupLog.reset();
     model_ = std::make_unique<CorvaneViewModel>(*context_);
+    if (const auto& path = context_->settings.setAside())
+        consoleLine(fmt::format("设置文件无法读取，已按初始设置运行；原来的设置保留在 {}", *path));
 }
 
 void Session::waitUntilIdle(const std::function<void()>& onInterrupt) {

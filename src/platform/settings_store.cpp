@@ -137,6 +137,7 @@ SettingsStore::SettingsStore(std::string path, FileLayer& files)
   , files_(files)
   , document_(std::make_unique<Document>()) {
     load();
+    if (document_->isDamaged) setAside_ = asidePath();
 }
 
 SettingsStore::SettingsStore(SettingsStore&&) noexcept = default;
@@ -242,11 +243,15 @@ void SettingsStore::reloadIfChanged() {
     if (stampOf(files_, path_) != document_->stamp) load();
 }
 
+// People keep their configuration elsewhere and link to it; the link then stays.
+std::string SettingsStore::asidePath() const {
+    return resolvedPath(path_).value_or(path_) + ".damaged";
+}
+
 void SettingsStore::save() {
-    // People keep their configuration elsewhere and link to it; the link then stays.
     const std::string target = resolvedPath(path_).value_or(path_);
     if (createDirectories(files_, std::string(parentPath(target)))) return;
-    if (document_->isDamaged && files_.rename(target, target + ".damaged") != 0) return;
+    if (document_->isDamaged && files_.rename(target, asidePath()) != 0) return;
     document_->isDamaged = false;
     std::ignore = writeFileAtomically(files_, target, serialized(*document_->json));
     document_->stamp = stampOf(files_, path_);

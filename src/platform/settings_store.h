@@ -26,6 +26,10 @@ class SettingsStore {
     SettingsStore(SettingsStore&&) noexcept;
     ~SettingsStore();
 
+    // Where the bytes of a file that couldn't be taken over at the construction are kept, from the first
+    // change on; nothing when it could, or wasn't there.
+    [[nodiscard]] const std::optional<std::string>& setAside() const { return setAside_; }
+
     [[nodiscard]] std::optional<std::string> text(const std::string& key) const;
     [[nodiscard]] std::optional<std::vector<std::string>> textList(const std::string& key) const;
     [[nodiscard]] std::optional<std::map<std::string, std::string>> textMap(const std::string& key) const;
@@ -38,6 +42,7 @@ class SettingsStore {
   private:
     struct Document;
 
+    [[nodiscard]] std::string asidePath() const;
     [[nodiscard]] FileDescriptor lockedFolder() const;
     void load();
     void reloadIfChanged();
@@ -49,6 +54,7 @@ class SettingsStore {
     std::string path_;
     FileLayer& files_;
     std::unique_ptr<Document> document_;
+    std::optional<std::string> setAside_;
 };
 
 } // namespace corvane::platform

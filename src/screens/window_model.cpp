@@ -8,6 +8,7 @@
 #include "screens/corvane_url.h"
 #include "screens/fonts.h"
 #include "screens/shown_figures.h"
+#include "screens/shown_text.h"
 
 namespace corvane {
 
@@ -50,6 +51,14 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
 
 bool WindowModel::hasChineseFont() const {
     return corvane::hasChineseFont();
+}
+
+QString WindowModel::damagedSettings() const {
+    const ModelContext& context = model_.context();
+    const auto& path = context.settings.setAside();
+    if (!path) return {};
+    return screens::shownPath(screens::wholeText(*path),
+                              screens::wholeText(context.platform.realUserHomeDirectory()));
 }
 
 void WindowModel::startUp() {

@@ -33,6 +33,7 @@ class WindowModel : public QObject {
     Q_PROPERTY(corvane::MailListScreen* mails READ mails CONSTANT)
     Q_PROPERTY(bool archiving READ archiving NOTIFY archivingChanged)
     Q_PROPERTY(bool hasChineseFont READ hasChineseFont CONSTANT)
+    Q_PROPERTY(QString damagedSettings READ damagedSettings CONSTANT)
 
   public:
     // `model` must outlive the window's model.
@@ -58,6 +59,9 @@ class WindowModel : public QObject {
     [[nodiscard]] bool archiving() const { return model_.archive().isArchiving(); }
 
     [[nodiscard]] bool hasChineseFont() const;
+
+    // Where settings that couldn't be read at the start are kept, as it is shown; empty when they could.
+    [[nodiscard]] QString damagedSettings() const;
 
     // The first frame has been shown: the work of the start that may take longer. Does it once.
     Q_INVOKABLE void startUp();

@@ -87,10 +87,13 @@ TEST(SettingsStore, ADamagedFileCountsAsEmptyAndIsKeptAside) {
         const std::string path = home.write("s.conf", damage);
         SettingsStore settings(path);
         EXPECT_FALSE(settings.text("a"));
+        EXPECT_EQ(settings.setAside(), path + ".damaged");
         EXPECT_EQ(testing::readWhole(path), damage) << "looking must not write";
         settings.setText("b", "2");
         EXPECT_EQ(testing::readWhole(path + ".damaged"), damage);
-        EXPECT_EQ(SettingsStore(path).text("b"), "2");
+        const SettingsStore next(path);
+        EXPECT_EQ(next.text("b"), "2");
+        EXPECT_FALSE(next.setAside());
     }
 }
 

@@ -63,6 +63,18 @@ class FrameTest(unittest.TestCase):
             window.click_part("retryStartButton")
             wait_until(lambda: window.part("sidebar"), "the window itself")
 
+    def test_settings_that_cannot_be_read_are_told_of(self):
+        home = self.home.parent / "damaged"
+        settings = home / ".config/Corvane.conf"
+        settings.parent.mkdir(parents=True)
+        settings.write_text("{broken")
+        with self.display.window(home) as window:
+            window.wait_for_part("settingsNoticeButton")
+            window.picture(PICTURES / "damaged-settings.png")
+            window.click_part("settingsNoticeButton")
+            wait_until(lambda: not window.part("settingsNotice"), "the notice to go")
+        self.assertIn("{broken", [file.read_text() for file in settings.parent.iterdir()])
+
     def test_second_start_leaves_the_home_to_the_first(self):
         with self.display.window(self.home) as window:
             second = self.display.start(self.home)

@@ -26,6 +26,23 @@ Column {
         lines: ["Install one (Debian and Ubuntu: fonts-noto-cjk) and start Corvane again."]
     }
     Notice {
+        id: settingsNotice
+        objectName: "settingsNotice"
+
+        property bool isRead: false
+
+        visible: notices.app.damagedSettings.length > 0 && !isRead
+        kind: "attention"
+        headline: "设置文件无法读取，已按初始设置打开"
+        lines: ["请重新选择归档位置；已归档的邮件不受影响。", "原来的设置保留在 " + notices.app.damagedSettings]
+
+        AppButton {
+            objectName: "settingsNoticeButton"
+            text: "知道了"
+            onClicked: settingsNotice.isRead = true
+        }
+    }
+    Notice {
         objectName: "sampleNotice"
         visible: notices.app.sampleStore.offered || notices.app.sampleStore.failure.length > 0
         kind: notices.app.sampleStore.failure.length > 0 ? "danger" : "info"
