@@ -66,15 +66,22 @@ void PreviewRefresh::refreshPreviewIfNeeded(const std::optional<std::string>& me
                                                       files = message->allMessageFileURLs(),
                                                       worker = workerPreview_](const TaskHandle& task) {
         std::string text;
+        bool hasFile = false;
         for (const FileURL& file : files) {
             if (task.isCancelled()) return;
             if (!platform::fileExists(file.path().str())) continue;
+            hasFile = true;
             text = soundPreview(file, worker, task.stopToken());
             if (!text.empty()) break;
         }
-        task.onMain([this, id, token, text] {
+        task.onMain([this, id, token, text, hasFile] {
             refreshingPreviewMessageID_.reset();
-            if (!text.empty() && token == catalog_.messagesToken()) catalog_.replacePreview(id, text);
+            if (token != catalog_.messagesToken()) return;
+            if (text.empty()) {
+                Q_EMIT nothingFound(QString::fromStdString(id), hasFile);
+            } else {
+                catalog_.replacePreview(id, text);
+            }
         });
     });
 }

@@ -31,6 +31,10 @@ class PreviewRefresh : public QObject {
 
     void cancel();
 
+  Q_SIGNALS:
+    // No text can be given for the message; `hasFile` when one of its files is there all the same.
+    void nothingFound(const QString& messageID, bool hasFile);
+
   private:
     ModelContext& context_;
     MessageCatalog& catalog_;

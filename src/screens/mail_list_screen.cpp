@@ -1,11 +1,9 @@
 #include "screens/mail_list_screen.h"
 
-#include <algorithm>
 #include <utility>
 
 #include <QLocale>
 
-#include "platform/directory.h"
 #include "records/formatters.h"
 #include "screens/shown_text.h"
 
@@ -45,8 +43,7 @@ MailListScreen::MailListScreen(CorvaneViewModel& model, DesktopActions& desktop,
   , updateTask_(model.context().tasks)
   , countTask_(model.context().tasks)
   , copyTask_(model.context().tasks)
-  , archiveTask_(model.context().tasks)
-  , filesTask_(model.context().tasks) {
+  , archiveTask_(model.context().tasks) {
     wire();
     followArchived();
     followList();
@@ -62,6 +59,7 @@ void MailListScreen::wire() {
             &MailListScreen::followArchived);
     connect(&model_.catalog(), &MessageCatalog::availabilityPublished, this, &MailListScreen::recount);
     connect(&model_.catalog(), &MessageCatalog::previewReplaced, this, &MailListScreen::takePreview);
+    connect(&model_.previews(), &PreviewRefresh::nothingFound, &detail_, &MessageDetail::setPreviewMissing);
     model_.previews().setPreviewsShown(true);
     connect(&model_.catalog(), &MessageCatalog::messagesChanged, this, [this] {
         list_.forgetPreviews();
@@ -162,21 +160,6 @@ void MailListScreen::showDetail() {
         message == nullptr ? nullptr : model_.catalog().messageByID(message->id);
     if (newest == nullptr) newest = message;
     detail_.show(newest, newest != nullptr && list_.isArchived(*newest));
-    lookForFiles();
-}
-
-// A preview that isn't there yet is made from the message's files.
-void MailListScreen::lookForFiles() {
-    const auto& message = detail_.message();
-    if (!message || holdsPreview(*message)) return filesTask_.cancel();
-    filesTask_.start(TaskPriority::utility, [this, id = message->id,
-                                             files = message->allMessageFileURLs()](const TaskHandle& task) {
-        const auto isThere = [](const FileURL& file) { return platform::fileExists(file.path().str()); };
-        if (std::any_of(files.begin(), files.end(), isThere)) return;
-        task.onMain([this, id] {
-            if (detail_.message() && detail_.message()->id == id) detail_.setFilesGone();
-        });
-    });
 }
 
 void MailListScreen::takePreview(const QString& id) {

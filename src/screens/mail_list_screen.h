@@ -124,7 +124,6 @@ class MailListScreen : public QObject {
     void followSelectedMessage();
     void takeCurrentRow();
     void showDetail();
-    void lookForFiles();
     void takePreview(const QString& id);
     void followArchived();
     void recount();
@@ -154,7 +153,6 @@ class MailListScreen : public QObject {
     TaskSlot countTask_;
     TaskSlot copyTask_;
     TaskSlot archiveTask_;
-    TaskSlot filesTask_;
 };
 
 } // namespace corvane

@@ -50,14 +50,16 @@ void MessageDetail::show(const MailMessageRecord* message, bool archived) {
     if (isSame && archived_ == archived && (message == nullptr || *message_ == *message)) return;
     message_ = message == nullptr ? std::nullopt : std::optional(*message);
     archived_ = archived;
-    if (!isSame) areFilesGone_ = false;
+    if (!isSame) missingPreview_.clear();
     attachments_.setAttachments(message_ ? message_->attachments : std::vector<MailAttachmentRecord>());
     Q_EMIT changed();
     if (!isSame) Q_EMIT messageChanged();
 }
 
-void MessageDetail::setFilesGone() {
-    areFilesGone_ = true;
+void MessageDetail::setPreviewMissing(const QString& messageID, bool hasFile) {
+    if (!message_ || message_->id != messageID.toStdString()) return;
+    missingPreview_ = hasFile ? QStringLiteral("没有可以显示的正文。")
+                              : QStringLiteral("邮件文件已不在原来的位置，请更新 Mail 数据后再看。");
     Q_EMIT changed();
 }
 
@@ -89,8 +91,7 @@ QString MessageDetail::place() const {
 
 QString MessageDetail::preview() const {
     if (!message_) return {};
-    if (areFilesGone_ && !hasPreview())
-        return QStringLiteral("邮件文件已不在原来的位置，请更新 Mail 数据后再看。");
+    if (!missingPreview_.isEmpty() && !hasPreview()) return missingPreview_;
     const QString text = screens::shownText(message_->preview, previewLimit).trimmed();
     const bool isCut = text::graphemeCount(message_->preview) >= previewCharacters;
     return isCut ? text + u'…' : text;

@@ -89,9 +89,8 @@ class MessageDetail : public QObject {
 
     void show(const MailMessageRecord* message, bool archived);
 
-    // None of the files of the shown message is there any more: a preview that is still waited for won't
-    // come.
-    void setFilesGone();
+    // Where this message is the shown one, a preview that is still waited for won't come.
+    void setPreviewMissing(const QString& messageID, bool hasFile);
 
   Q_SIGNALS:
     void changed();
@@ -101,7 +100,7 @@ class MessageDetail : public QObject {
   private:
     std::optional<MailMessageRecord> message_;
     bool archived_ = false;
-    bool areFilesGone_ = false;
+    QString missingPreview_; // what is said in the place of a preview that won't come
     AttachmentListModel attachments_;
 };
 
