@@ -1,17 +1,9 @@
 """The road of a first archive, as a person walks it: update, tick a year, choose a place, archive, see what is left."""
 
-import json
-import os
-import pathlib
-import subprocess
-import sys
-import tempfile
 import unittest
 
-from window_driver import ROOT, Display, wait_until
-
-PICTURES = pathlib.Path(os.environ.get("CORVANE_PICTURES", str(ROOT / "build/pictures")))
-MESSAGES = 400
+from window_case import PICTURES, WindowCase
+from window_driver import wait_until
 
 
 def tree_of(folder):
@@ -19,21 +11,11 @@ def tree_of(folder):
             for path in sorted(folder.rglob("*")) if path.is_file()}
 
 
-class ArchiveWalk(unittest.TestCase):
+class ArchiveWalk(WindowCase):
     @classmethod
     def setUpClass(cls):
-        cls.display = cls.enterClassContext(Display(1240, 840))
-        folder = cls.enterClassContext(tempfile.TemporaryDirectory())
-        cls.home = pathlib.Path(folder) / "home"
-        subprocess.run([sys.executable, "-B", str(ROOT / "tools/make_sample_store.py"), "--quiet", "--messages",
-                        str(MESSAGES), str(cls.home)], check=True)
-        cls.cloud = cls.home / "Library/CloudStorage/Nutstore-lin@mail.example"
-        cls.cloud.mkdir(parents=True)
+        super().setUpClass()
         (cls.home / "Documents").mkdir()
-
-    def records(self):
-        index = self.cloud / "邮件归档/archive-index.json"
-        return json.loads(index.read_text())["records"] if index.exists() else None
 
     def test_first_archive(self):
         mail_before = tree_of(self.home / "Library/Mail")
@@ -70,7 +52,7 @@ class ArchiveWalk(unittest.TestCase):
                 self.assertNotIn(trouble, said)
         self.assertEqual(len({record["accountIdentifier"] for record in records}), 1, "one year of one account")
         for record in records:
-            self.assertTrue((self.cloud / "邮件归档" / record["emlRelativePath"]).is_file())
+            self.assertTrue((self.root / record["emlRelativePath"]).is_file())
         self.assertEqual(list((self.home / "Documents").iterdir()), [], "the place that was given up")
         self.assertEqual(tree_of(self.home / "Library/Mail"), mail_before)
 

@@ -1,31 +1,19 @@
 """Closing the window in the middle of a run: the question, both of its answers, and an archive in good order."""
 
-import json
-import os
-import pathlib
-import subprocess
-import sys
-import tempfile
 import unittest
 
-from window_driver import PATIENCE, ROOT, Display, said_by, wait_until
-
-CLI = os.environ.get("CORVANE_CLI", str(ROOT / "build/dev/bin/corvane-cli"))
-PICTURES = pathlib.Path(os.environ.get("CORVANE_PICTURES", str(ROOT / "build/pictures")))
-MESSAGES = 12000
+from window_case import PICTURES, WindowCase
+from window_driver import PATIENCE, said_by, wait_until
 
 
-class CloseDuringARun(unittest.TestCase):
+class CloseDuringARun(WindowCase):
+    messages = 12000
+
     @classmethod
     def setUpClass(cls):
-        cls.display = cls.enterClassContext(Display(1240, 840))
-        folder = cls.enterClassContext(tempfile.TemporaryDirectory())
-        cls.home = pathlib.Path(folder) / "home"
-        subprocess.run([sys.executable, "-B", str(ROOT / "tools/make_sample_store.py"), "--quiet", "--messages",
-                        str(MESSAGES), str(cls.home)], check=True)
-        cls.root = cls.home / "Library/CloudStorage/Nutstore-lin@mail.example/邮件归档"
-        cls.root.mkdir(parents=True)
-        subprocess.run([CLI, "--home", str(cls.home), "refresh"], check=True, capture_output=True)
+        super().setUpClass()
+        cls.root.mkdir()
+        cls.refresh()
 
     def test_both_answers(self):
         with self.display.window(self.home) as window:
@@ -54,14 +42,9 @@ class CloseDuringARun(unittest.TestCase):
             window.picture(PICTURES / "close-question.png")
             window.click_part("acceptButton")
             self.assertEqual(window.process.wait(timeout=PATIENCE), 0, said_by(window.process))
-        records = json.loads((self.root / "archive-index.json").read_text())["records"]
-        self.assertTrue(0 < len(records) < MESSAGES / 2, len(records))
-        verified = subprocess.run([CLI, "--home", str(self.home), "--json", "verify", str(self.root)],
-                                  capture_output=True, text=True)
-        found = json.loads(verified.stdout)
-        self.assertEqual(found["checked"], len(records))
-        for trouble in ("missing", "sizeMismatch", "unindexed", "identityMismatch", "duplicatePaths"):
-            self.assertEqual(found[trouble], [], trouble)
+        count = len(self.records())
+        self.assertTrue(0 < count < self.messages / 2, count)
+        self.assert_verified(count)
 
 
 if __name__ == "__main__":

@@ -8,9 +8,8 @@ import sys
 import tempfile
 import unittest
 
+from window_case import PICTURES
 from window_driver import PATIENCE, ROOT, Display, said_by, wait_until
-
-PICTURES = pathlib.Path(os.environ.get("CORVANE_PICTURES", str(ROOT / "build/pictures")))
 
 
 def make_store(home):

@@ -1,34 +1,12 @@
 """The road of a first archive and the mail list without a pointer: only keys, and no place on the screen is known."""
 
-import json
-import os
-import pathlib
-import subprocess
-import sys
-import tempfile
 import unittest
 
-from window_driver import ROOT, Display, wait_until
-
-PICTURES = pathlib.Path(os.environ.get("CORVANE_PICTURES", str(ROOT / "build/pictures")))
-MESSAGES = 400
+from window_case import PICTURES, WindowCase
+from window_driver import wait_until
 
 
-class KeyboardWalk(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.display = cls.enterClassContext(Display(1240, 840))
-        folder = cls.enterClassContext(tempfile.TemporaryDirectory())
-        cls.home = pathlib.Path(folder) / "home"
-        subprocess.run([sys.executable, "-B", str(ROOT / "tools/make_sample_store.py"), "--quiet", "--messages",
-                        str(MESSAGES), str(cls.home)], check=True)
-        cls.cloud = cls.home / "Library/CloudStorage/Nutstore-lin@mail.example"
-        cls.cloud.mkdir(parents=True)
-
-    def records(self):
-        index = self.cloud / "邮件归档/archive-index.json"
-        return json.loads(index.read_text())["records"] if index.exists() else None
-
+class KeyboardWalk(WindowCase):
     def test_keys_alone(self):
         with self.display.window(self.home) as window:
             self.update(window)
