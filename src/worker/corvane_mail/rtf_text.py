@@ -1,6 +1,6 @@
 """RTF as text: what Outlook sends inside winmail.dat, and mail of type text/rtf.
 
-Source: Rich Text Format specification 1.9; [MS-OXRTFEX] for HTML that is wrapped in RTF.
+Source: Rich Text Format, version 1.9; [MS-OXRTFEX] for HTML that is wrapped in RTF.
 """
 
 import re
