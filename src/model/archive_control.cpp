@@ -286,8 +286,10 @@ void ArchiveControl::pruneArchiveSelection() {
     for (const MailMessageRecord& message : *archiveCandidates()) {
         if (selection_->contains(message.id)) kept.insert(message.id);
     }
-    if (kept.size() != selection_->size()) setArchiveSelection(std::move(kept));
+    const bool isWhole = kept.size() == selection_->size();
+    if (!isWhole) takeSelection(std::move(kept));
     selectedFrom_ = candidatesCache_;
+    if (!isWhole) Q_EMIT selectionChanged();
 }
 
 void ArchiveControl::setCount(std::int64_t count, bool ready) {

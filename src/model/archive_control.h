@@ -137,8 +137,8 @@ class ArchiveControl : public QObject {
     [[nodiscard]] CandidateJob candidateJob() const;
     void setCount(std::int64_t count, bool ready);
     void setProgress(std::optional<EmailArchiveProgress> progress);
-    // For changes in place: a run reads its selection on its own thread, and keeps it.
     void takeSelection(SharedTextSet ids);
+    // For changes in place: a run reads its selection on its own thread, and keeps it.
     SharedTextSet& changeableSelection();
     void startRun(const std::string& destination);
     void finishRun(RunOutcome outcome, const std::string& destination, const QString& signature);
