@@ -28,15 +28,15 @@ ArchivedStatus::IDs ArchivedStatus::of(const SharedMessageList& messages, const 
 }
 
 void ArchivedStatus::prepareFor(const SharedMessageList& messages) {
-    prepare({messages, present().baseIDs, nullptr});
+    prepare(messages, present().baseIDs.lock());
 }
 
 void ArchivedStatus::prepareFor(const IDs& baseIDs) {
-    prepare({present().messages, baseIDs, nullptr});
+    prepare(present().messages.lock(), baseIDs);
 }
 
 bool ArchivedStatus::Answer::isOf(const SharedMessageList& ofMessages, const IDs& ofBaseIDs) const {
-    return archived && messages == ofMessages && baseIDs == ofBaseIDs;
+    return archived && messages.lock() == ofMessages && baseIDs.lock() == ofBaseIDs;
 }
 
 ArchivedStatus::Answer ArchivedStatus::present() {
@@ -44,9 +44,9 @@ ArchivedStatus::Answer ArchivedStatus::present() {
     return present_;
 }
 
-void ArchivedStatus::prepare(Answer answer) {
-    if (present().isOf(answer.messages, answer.baseIDs)) return;
-    answer.archived = archivedIDs(*answer.messages, *answer.baseIDs);
+void ArchivedStatus::prepare(const SharedMessageList& messages, const IDs& baseIDs) {
+    if (!messages || !baseIDs || present().isOf(messages, baseIDs)) return;
+    Answer answer{messages, baseIDs, archivedIDs(*messages, *baseIDs)};
     const std::scoped_lock lock(mutex_);
     std::swap(prepared_, answer);
 }

@@ -1,6 +1,7 @@
 // Which messages are archived, for a list of messages and a set of archived base ids. Whoever makes a new one
 // of the two in the background has the answer prepared there: the main thread needn't walk over all messages
-// when it publishes it. Any thread.
+// when it publishes it. Keeps neither alive, so that whoever replaces a large list decides where it goes. Any
+// thread.
 #pragma once
 
 #include <memory>
@@ -27,15 +28,15 @@ class ArchivedStatus {
 
   private:
     struct Answer {
-        SharedMessageList messages = std::make_shared<const MessageList>();
-        IDs baseIDs = std::make_shared<const SharedTextSet>();
+        std::weak_ptr<const MessageList> messages;
+        std::weak_ptr<const SharedTextSet> baseIDs;
         IDs archived; // null: not made
 
         [[nodiscard]] bool isOf(const SharedMessageList& ofMessages, const IDs& ofBaseIDs) const;
     };
 
     [[nodiscard]] Answer present();
-    void prepare(Answer answer);
+    void prepare(const SharedMessageList& messages, const IDs& baseIDs);
 
     std::mutex mutex_;
     Answer present_;

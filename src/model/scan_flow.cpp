@@ -156,6 +156,11 @@ void ScanFlow::clearDisplay() {
     Q_EMIT scanStarted();
 }
 
+void ScanFlow::forgetBeforeScan() {
+    if (beforeScan_) context_.tasks.discard(std::move(beforeScan_->messages));
+    beforeScan_.reset();
+}
+
 ScanFlow::ScanJob ScanFlow::makeScanJob() const {
     const MailStore store = mailStoreOf(context_);
     ScanJob job{
@@ -226,7 +231,7 @@ void ScanFlow::finishScan(const TaskHandle& task, const ScanJob& job, ScanProgre
     EmptyScanMessage empty;
     if (!visitedSomething) empty = emptyScanFailureMessage(job.store, job.scanner.maximumYear);
     task.onMain([this, set, visitedSomething, empty, summary, timing = progress.last().timingLog] {
-        beforeScan_.reset();
+        forgetBeforeScan();
         scanTimingLog_ = timing;
         Q_EMIT timingChanged();
         catalog_.setMessages(set, summary, MessageCatalog::Files::justSeen);
@@ -248,14 +253,14 @@ void ScanFlow::failScan(const std::string& message) {
         catalog_.setMessages(beforeScan_->messages, beforeScan_->summary);
         Q_EMIT earlierMessagesRestored();
     }
-    beforeScan_.reset();
+    forgetBeforeScan();
     fail(message);
     Q_EMIT scanEnded();
 }
 
 void ScanFlow::cancelScan() {
     scanTask_.cancel();
-    beforeScan_.reset();
+    forgetBeforeScan();
     setState(MailScanState::idle());
 }
 

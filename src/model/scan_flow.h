@@ -72,6 +72,7 @@ class ScanFlow : public QObject {
 
     void setState(MailScanState state);
     void clearDisplay();
+    void forgetBeforeScan();
     ScanJob makeScanJob() const;
     void runScan(const TaskHandle& task, const ScanJob& job);
     void finishScan(const TaskHandle& task, const ScanJob& job, ScanProgress& progress);
