@@ -8,8 +8,8 @@
 #include <fmt/format.h>
 
 #include "platform/durable_file.h"
-#include "records/json_writer.h"
-#include "records/scan_cache_file.h"
+#include "records/json/json_writer.h"
+#include "records/stores/scan_cache_file.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "archive/archive_naming.h"
-#include "records/archive_index_file.h"
 #include "records/stable_id.h"
+#include "records/stores/archive_index_file.h"
 
 using namespace corvane;
 

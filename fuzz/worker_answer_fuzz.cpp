@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "records/json_writer.h"
+#include "records/json/json_writer.h"
 #include "text/charset.h"
 #include "worker/mail_worker_client.h"
 #include "worker/worker_forms.h"

@@ -7,7 +7,7 @@
 
 #include "app/window_run.h"
 #include "platform/quit_signals.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 #include "screens/appearance.h"
 #include "screens/fonts.h"
 

@@ -14,7 +14,7 @@
 #include "model/model_context.h"
 #include "platform/platform.h"
 #include "platform/quit_signals.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 #include "screens/window_frame.h"
 #include "screens/window_model.h"
 

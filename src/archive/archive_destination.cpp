@@ -13,8 +13,8 @@
 #include "archive/durable_write.h"
 #include "platform/durable_file.h"
 #include "platform/paths.h"
-#include "records/archive_index_file.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
+#include "records/stores/archive_index_file.h"
 
 namespace corvane::archive {
 

@@ -17,8 +17,8 @@
 #include "mailstore/message_identifiers.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
-#include "records/archive_index_file.h"
 #include "records/stable_id.h"
+#include "records/stores/archive_index_file.h"
 #include "text/case.h"
 #include "text/collation.h"
 

@@ -13,9 +13,9 @@
 #include "archive/archive_paths.h"
 #include "archive/batch_extraction.h"
 #include "platform/paths.h"
-#include "records/archive_index_file.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 #include "records/preview_placeholders.h"
+#include "records/stores/archive_index_file.h"
 #include "text/trim.h"
 #include "worker/mail_worker_client.h"
 

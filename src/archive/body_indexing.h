@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "platform/platform.h"
-#include "records/app_support.h"
 #include "records/archive_records.h"
 #include "records/file_url.h"
+#include "records/stores/app_support.h"
 #include "search/mail_search_index.h"
 
 namespace corvane {

@@ -9,7 +9,7 @@
 #include <fmt/format.h>
 
 #include "archive/archive_error.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 
 namespace corvane::archive {
 

@@ -10,7 +10,7 @@
 #include "archive/durable_write.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 #include "text/collation.h"
 #include "text/graphemes.h"
 

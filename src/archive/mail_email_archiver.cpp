@@ -12,9 +12,9 @@
 #include "mailstore/header_decoding.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
-#include "records/archive_index_file.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 #include "records/stable_id.h"
+#include "records/stores/archive_index_file.h"
 #include "records/timestamps.h"
 
 namespace corvane {

@@ -5,9 +5,9 @@
 #include "cli/output.h"
 #include "cli/progress_line.h"
 #include "platform/paths.h"
-#include "records/archive_index_file.h"
-#include "records/console_log.h"
 #include "records/formatters.h"
+#include "records/logs/console_log.h"
+#include "records/stores/archive_index_file.h"
 
 namespace corvane::cli {
 

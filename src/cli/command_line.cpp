@@ -10,7 +10,7 @@
 #include "cli/exit_status.h"
 #include "cli/output.h"
 #include "platform/directory.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 
 namespace corvane::cli {
 

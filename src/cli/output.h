@@ -11,8 +11,8 @@
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
-#include "records/json_writer.h"
-#include "records/record_forms.h"
+#include "records/json/json_writer.h"
+#include "records/json/record_forms.h"
 
 namespace corvane::cli {
 

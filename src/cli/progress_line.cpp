@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 #include "text/graphemes.h"
 
 namespace corvane::cli {

@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 
 #include "platform/quit_signals.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 
 namespace corvane::cli {
 

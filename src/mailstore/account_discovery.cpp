@@ -14,7 +14,7 @@
 #include "mailstore/text_parts.h"
 #include "platform/directory.h"
 #include "platform/parallel.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 #include "text/case.h"
 #include "text/encoding.h"
 #include "text/graphemes.h"

@@ -11,7 +11,7 @@
 #include "mailstore/text_parts.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 #include "text/case.h"
 #include "text/regex.h"
 

@@ -6,7 +6,7 @@
 #include "mailstore/indexed_records.h"
 #include "mailstore/walk_scan.h"
 #include "platform/parallel.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 
 namespace corvane {
 

@@ -5,7 +5,7 @@
 #include <chrono>
 
 #include "platform/platform.h"
-#include "records/app_support.h"
+#include "records/stores/app_support.h"
 
 namespace corvane {
 

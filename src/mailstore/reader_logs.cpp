@@ -4,8 +4,8 @@
 
 #include <fmt/format.h>
 
-#include "records/append_line.h"
-#include "records/console_log.h"
+#include "records/logs/append_line.h"
+#include "records/logs/console_log.h"
 #include "records/timestamps.h"
 
 namespace corvane::mailstore {

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "records/app_support.h"
+#include "records/stores/app_support.h"
 
 namespace corvane::mailstore {
 

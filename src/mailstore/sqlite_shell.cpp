@@ -11,7 +11,7 @@
 #include "mailstore/text_parts.h"
 #include "platform/child_process.h"
 #include "platform/directory.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 #include "text/charset.h"
 #include "text/encoding.h"
 #include "text/trim.h"

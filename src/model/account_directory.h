@@ -9,8 +9,8 @@
 #include <QObject>
 
 #include "model/model_context.h"
-#include "records/account_cache_store.h"
 #include "records/mail_account.h"
+#include "records/stores/account_cache_store.h"
 
 namespace corvane {
 

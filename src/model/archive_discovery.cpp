@@ -8,8 +8,8 @@
 #include "model/destination_detection.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
-#include "records/archive_index_file.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
+#include "records/stores/archive_index_file.h"
 
 namespace corvane {
 

@@ -10,8 +10,8 @@
 #include "platform/directory.h"
 #include "platform/durable_file.h"
 #include "platform/paths.h"
-#include "records/archive_index_file.h"
 #include "records/stable_hash.h"
+#include "records/stores/archive_index_file.h"
 
 namespace corvane {
 

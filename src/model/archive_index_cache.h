@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "platform/platform.h"
-#include "records/app_support.h"
 #include "records/archive_records.h"
+#include "records/stores/app_support.h"
 
 namespace corvane {
 

@@ -7,7 +7,7 @@
 
 #include "platform/directory.h"
 #include "platform/paths.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 #include "text/case.h"
 #include "text/collation.h"
 

@@ -8,7 +8,7 @@
 #include "model/known_locations.h"
 #include "model/settings_keys.h"
 #include "platform/durable_file.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 
 namespace corvane {
 

@@ -12,8 +12,8 @@
 #include "model/known_locations.h"
 #include "model/loaded_archives.h"
 #include "platform/platform.h"
-#include "records/app_support.h"
-#include "records/startup_log.h"
+#include "records/logs/startup_log.h"
+#include "records/stores/app_support.h"
 
 namespace corvane {
 

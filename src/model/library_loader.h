@@ -21,7 +21,7 @@
 #include "model/library_snapshot_writer.h"
 #include "model/loaded_archives.h"
 #include "model/model_context.h"
-#include "records/library_snapshot_store.h"
+#include "records/stores/library_snapshot_store.h"
 
 namespace corvane {
 

@@ -1,6 +1,6 @@
 #include "model/library_snapshot_writer.h"
 
-#include "records/library_snapshot_store.h"
+#include "records/stores/library_snapshot_store.h"
 
 namespace corvane {
 

@@ -20,8 +20,8 @@
 #include "model/scan_cache_writer.h"
 #include "records/mail_account.h"
 #include "records/mail_message_record.h"
-#include "records/scan_cache_file.h"
 #include "records/statistics_records.h"
+#include "records/stores/scan_cache_file.h"
 #include "text/position_table.h"
 #include "text/shared_text.h"
 

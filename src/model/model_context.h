@@ -7,9 +7,9 @@
 #include "model/task_runner.h"
 #include "platform/platform.h"
 #include "platform/settings_store.h"
-#include "records/app_support.h"
-#include "records/performance_log.h"
-#include "records/startup_log.h"
+#include "records/logs/performance_log.h"
+#include "records/logs/startup_log.h"
+#include "records/stores/app_support.h"
 
 namespace corvane {
 

@@ -3,7 +3,7 @@
 #include <tuple>
 
 #include "model/message_statistics.h"
-#include "records/scan_cache_store.h"
+#include "records/stores/scan_cache_store.h"
 
 namespace corvane {
 

@@ -10,7 +10,7 @@
 #include "model/scan_deduplication.h"
 #include "platform/directory.h"
 #include "platform/parallel.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 #include "records/timestamps.h"
 
 namespace corvane {

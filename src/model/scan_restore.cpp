@@ -2,8 +2,8 @@
 #include <fmt/format.h>
 
 #include "model/scan_flow.h"
-#include "records/json_form.h"
-#include "records/scan_cache_store.h"
+#include "records/json/json_form.h"
+#include "records/stores/scan_cache_store.h"
 
 namespace corvane {
 

@@ -1,7 +1,7 @@
 #include "screens/quick_destinations.h"
 
 #include "platform/paths.h"
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 #include "screens/destination_texts.h"
 #include "screens/shown_figures.h"
 #include "screens/shown_text.h"

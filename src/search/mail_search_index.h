@@ -19,7 +19,7 @@
 #include <string_view>
 
 #include "platform/sqlite.h"
-#include "records/app_support.h"
+#include "records/stores/app_support.h"
 #include "search/pair_search.h"
 #include "search/substring_search.h"
 #include "text/shared_text.h"

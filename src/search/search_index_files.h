@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "records/app_support.h"
 #include "records/file_url.h"
+#include "records/stores/app_support.h"
 
 namespace corvane::search {
 

@@ -12,8 +12,8 @@
 #include "platform/paths.h"
 #include "platform/temporary_file.h"
 #include "platform/timed_pipe.h"
-#include "records/json_reader.h"
-#include "records/json_writer.h"
+#include "records/json/json_reader.h"
+#include "records/json/json_writer.h"
 #include "text/charset.h"
 #include "worker/worker_forms.h"
 

@@ -3,7 +3,7 @@
 
 #include <tuple>
 
-#include "records/json_form.h"
+#include "records/json/json_form.h"
 #include "worker/mail_worker_client.h"
 
 namespace corvane {

@@ -4,7 +4,7 @@
 
 #include "platform/child_process.h"
 #include "platform/timed_pipe.h"
-#include "records/json_writer.h"
+#include "records/json/json_writer.h"
 #include "worker/mail_worker_client.h"
 #include "worker/worker_forms.h"
 

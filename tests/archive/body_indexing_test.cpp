@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 
 #include "archive/batch_extraction.h"
-#include "records/archive_index_file.h"
+#include "records/stores/archive_index_file.h"
 #include "search/search_index_files.h"
 #include "support/temporary_home.h"
 

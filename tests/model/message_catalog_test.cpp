@@ -3,7 +3,7 @@
 #include "model/corvane_view_model.h"
 #include "model/model_test.h"
 #include "model/sample_messages.h"
-#include "records/scan_cache_store.h"
+#include "records/stores/scan_cache_store.h"
 
 namespace corvane {
 namespace {

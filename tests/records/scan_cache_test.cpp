@@ -1,8 +1,8 @@
-#include "records/json_outline.h"
-#include "records/json_reader.h"
-#include "records/json_writer.h"
-#include "records/scan_cache_forms.h"
-#include "records/scan_cache_store.h"
+#include "records/json/json_outline.h"
+#include "records/json/json_reader.h"
+#include "records/json/json_writer.h"
+#include "records/json/scan_cache_forms.h"
+#include "records/stores/scan_cache_store.h"
 #include "sample_records.h"
 #include "support/temporary_home.h"
 

@@ -1,9 +1,9 @@
-#include "records/account_cache_store.h"
-#include "records/json_form.h"
-#include "records/library_snapshot_store.h"
-#include "records/performance_log.h"
-#include "records/presence_cache_store.h"
-#include "records/startup_log.h"
+#include "records/json/json_form.h"
+#include "records/logs/performance_log.h"
+#include "records/logs/startup_log.h"
+#include "records/stores/account_cache_store.h"
+#include "records/stores/library_snapshot_store.h"
+#include "records/stores/presence_cache_store.h"
 #include "support/temporary_home.h"
 
 namespace corvane {

@@ -9,8 +9,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/sqlite.h"
-#include "records/app_support.h"
 #include "records/stable_hash.h"
+#include "records/stores/app_support.h"
 #include "search/mail_search_index.h"
 #include "search/search_index_files.h"
 #include "support/temporary_home.h"

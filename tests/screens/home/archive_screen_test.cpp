@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "model/archive_samples.h"
-#include "records/archive_index_file.h"
+#include "records/stores/archive_index_file.h"
 #include "screens/home/screens_fixture.h"
 
 namespace corvane {

@@ -5,7 +5,7 @@
 
 #include "model/model_test.h"
 #include "model/sample_messages.h"
-#include "records/account_cache_store.h"
+#include "records/stores/account_cache_store.h"
 #include "screens/archive_screen.h"
 #include "screens/home_screen.h"
 #include "screens/organize_data.h"

@@ -5,8 +5,8 @@
 #include <fmt/format.h>
 
 #include "model/archive_samples.h"
-#include "records/account_cache_store.h"
 #include "records/stable_id.h"
+#include "records/stores/account_cache_store.h"
 
 namespace corvane::testing {
 

@@ -6,7 +6,7 @@
 #include "model/model_test.h"
 #include "model/sample_messages.h"
 #include "platform/directory.h"
-#include "records/archive_index_file.h"
+#include "records/stores/archive_index_file.h"
 
 namespace corvane {
 namespace {

@@ -1,4 +1,4 @@
-#include "records/console_log.h"
+#include "records/logs/console_log.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
 // The JSON forms of the files of a scan.
 #pragma once
 
-#include "records/record_forms.h"
-#include "records/scan_cache_file.h"
+#include "records/json/record_forms.h"
+#include "records/stores/scan_cache_file.h"
 
 namespace corvane {
 

@@ -1,4 +1,4 @@
-#include "records/app_support.h"
+#include "records/stores/app_support.h"
 
 #include <cstdlib>
 #include <system_error>

@@ -1,4 +1,4 @@
-#include "records/append_line.h"
+#include "records/logs/append_line.h"
 
 #include <fcntl.h>
 #include <unistd.h>

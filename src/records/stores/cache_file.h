@@ -6,9 +6,9 @@
 #include <system_error>
 
 #include "platform/directory.h"
-#include "records/app_support.h"
-#include "records/json_reader.h"
-#include "records/json_writer.h"
+#include "records/json/json_reader.h"
+#include "records/json/json_writer.h"
+#include "records/stores/app_support.h"
 
 namespace corvane {
 

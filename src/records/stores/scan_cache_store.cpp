@@ -1,9 +1,9 @@
-#include "records/scan_cache_store.h"
+#include "records/stores/scan_cache_store.h"
 
 #include <tuple>
 
-#include "records/cache_file.h"
-#include "records/scan_cache_forms.h"
+#include "records/json/scan_cache_forms.h"
+#include "records/stores/cache_file.h"
 
 namespace corvane {
 

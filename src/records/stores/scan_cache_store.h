@@ -5,8 +5,8 @@
 #include <system_error>
 #include <vector>
 
-#include "records/app_support.h"
-#include "records/scan_cache_file.h"
+#include "records/stores/app_support.h"
+#include "records/stores/scan_cache_file.h"
 
 namespace corvane {
 

@@ -1,9 +1,9 @@
-#include "records/library_snapshot_store.h"
+#include "records/stores/library_snapshot_store.h"
 
 #include <tuple>
 
-#include "records/json_pieces.h"
-#include "records/record_forms.h"
+#include "records/json/json_pieces.h"
+#include "records/json/record_forms.h"
 
 namespace corvane {
 

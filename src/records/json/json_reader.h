@@ -13,7 +13,7 @@
 #include <simdjson.h>
 
 #include "records/file_url.h"
-#include "records/json_form.h"
+#include "records/json/json_form.h"
 #include "records/mail_message_record.h"
 #include "records/timestamps.h"
 #include "text/shared_text.h"

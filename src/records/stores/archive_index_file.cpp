@@ -1,7 +1,7 @@
-#include "records/archive_index_file.h"
+#include "records/stores/archive_index_file.h"
 
-#include "records/cache_file.h"
-#include "records/record_forms.h"
+#include "records/json/record_forms.h"
+#include "records/stores/cache_file.h"
 
 namespace corvane {
 

@@ -4,8 +4,8 @@
 
 #include <string_view>
 
-#include "records/app_support.h"
-#include "records/performance_log.h"
+#include "records/logs/performance_log.h"
+#include "records/stores/app_support.h"
 
 namespace corvane {
 

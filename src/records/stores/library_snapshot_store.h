@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "records/app_support.h"
 #include "records/archive_records.h"
+#include "records/stores/app_support.h"
 
 namespace corvane {
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "records/app_support.h"
 #include "records/mail_account.h"
 #include "records/mail_message_record.h"
+#include "records/stores/app_support.h"
 
 namespace corvane {
 

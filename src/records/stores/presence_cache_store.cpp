@@ -1,9 +1,9 @@
-#include "records/presence_cache_store.h"
+#include "records/stores/presence_cache_store.h"
 
 #include <tuple>
 
-#include "records/cache_file.h"
-#include "records/record_forms.h"
+#include "records/json/record_forms.h"
+#include "records/stores/cache_file.h"
 
 namespace corvane {
 

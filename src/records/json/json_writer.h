@@ -21,7 +21,7 @@
 #include <rapidjson/writer.h>
 
 #include "records/file_url.h"
-#include "records/json_form.h"
+#include "records/json/json_form.h"
 #include "records/mail_message_record.h"
 #include "records/timestamps.h"
 #include "text/charset.h"

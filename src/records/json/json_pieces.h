@@ -11,10 +11,10 @@
 #include "platform/directory.h"
 #include "platform/durable_file.h"
 #include "platform/parallel.h"
-#include "records/json_outline.h"
-#include "records/json_reader.h"
-#include "records/json_writer.h"
-#include "records/mapped_file.h"
+#include "records/json/json_outline.h"
+#include "records/json/json_reader.h"
+#include "records/json/json_writer.h"
+#include "records/stores/mapped_file.h"
 #include "text/idle_pool.h"
 
 namespace corvane {

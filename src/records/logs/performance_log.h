@@ -10,7 +10,7 @@
 #include <string_view>
 #include <thread>
 
-#include "records/app_support.h"
+#include "records/stores/app_support.h"
 
 namespace corvane {
 

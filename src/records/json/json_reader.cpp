@@ -1,4 +1,4 @@
-#include "records/json_reader.h"
+#include "records/json/json_reader.h"
 
 #include <fmt/format.h>
 

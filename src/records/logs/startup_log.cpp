@@ -1,11 +1,11 @@
-#include "records/startup_log.h"
+#include "records/logs/startup_log.h"
 
 #include <chrono>
 
 #include <fmt/format.h>
 
-#include "records/append_line.h"
-#include "records/console_log.h"
+#include "records/logs/append_line.h"
+#include "records/logs/console_log.h"
 
 namespace corvane {
 

@@ -1,9 +1,9 @@
-#include "records/json_outline.h"
+#include "records/json/json_outline.h"
 
 #include <array>
 #include <cstring>
 
-#include "records/json_form.h"
+#include "records/json/json_form.h"
 
 namespace corvane {
 
