@@ -6,9 +6,9 @@
 
 #include "mailstore/attachment_names.h"
 #include "mailstore/emlx.h"
+#include "mailstore/folders/mailbox_url.h"
 #include "mailstore/header_decoding.h"
 #include "mailstore/mail_date.h"
-#include "mailstore/mailbox_url.h"
 #include "mailstore/message_identifiers.h"
 #include "mailstore/property_list.h"
 #include "text/charset.h"

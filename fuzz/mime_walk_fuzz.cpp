@@ -3,11 +3,11 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "mailstore/attachment_resolution.h"
 #include "mailstore/emlx.h"
 #include "mailstore/mime_walk.h"
 #include "mailstore/preview_layout.h"
 #include "mailstore/preview_text.h"
+#include "mailstore/scan/attachment_resolution.h"
 #include "mailstore/signature_search.h"
 #include "text/charset.h"
 #include "text/graphemes.h"

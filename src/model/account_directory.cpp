@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "mailstore/account_discovery.h"
+#include "mailstore/accounts/account_discovery.h"
 #include "model/mail_access.h"
 #include "model/settings_keys.h"
 #include "platform/parallel.h"

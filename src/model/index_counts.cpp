@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "mailstore/year_counts.h"
+#include "mailstore/index/year_counts.h"
 #include "model/mail_access.h"
 
 namespace corvane {

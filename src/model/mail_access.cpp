@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
-#include "mailstore/store_location.h"
-#include "mailstore/year_counts.h"
+#include "mailstore/folders/store_location.h"
+#include "mailstore/index/year_counts.h"
 #include "platform/directory.h"
 
 namespace corvane {

@@ -3,8 +3,8 @@
 #include <utility>
 #include <vector>
 
+#include "mailstore/index/restored_mail_diagnostics.h"
 #include "mailstore/reader_logs.h"
-#include "mailstore/restored_mail_diagnostics.h"
 #include "model/mail_access.h"
 
 namespace corvane {

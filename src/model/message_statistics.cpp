@@ -4,7 +4,7 @@
 #include <map>
 #include <ranges>
 
-#include "mailstore/trash_junk_mailboxes.h"
+#include "mailstore/folders/trash_junk_mailboxes.h"
 #include "records/timestamps.h"
 #include "text/position_table.h"
 

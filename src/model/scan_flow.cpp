@@ -4,8 +4,8 @@
 
 #include <fmt/format.h>
 
-#include "mailstore/mail_data_scanner.h"
-#include "mailstore/mail_index_query_error.h"
+#include "mailstore/index/mail_index_query_error.h"
+#include "mailstore/scan/mail_data_scanner.h"
 #include "model/mail_access.h"
 #include "model/scan_deduplication.h"
 #include "platform/directory.h"

@@ -1,12 +1,12 @@
-#include "mailstore/account_discovery.h"
+#include "mailstore/accounts/account_discovery.h"
 
 #include <filesystem>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "mailstore/index/year_counts.h"
 #include "mailstore/sample_mail_store.h"
-#include "mailstore/year_counts.h"
 
 namespace corvane::mailstore {
 namespace {

@@ -1,4 +1,4 @@
-#include "mailstore/attachment_file_locator.h"
+#include "mailstore/folders/attachment_file_locator.h"
 
 #include <filesystem>
 
@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "mailstore/attachment_names.h"
-#include "mailstore/mail_data_scanner.h"
-#include "mailstore/store_listing.h"
+#include "mailstore/folders/store_listing.h"
+#include "mailstore/scan/mail_data_scanner.h"
 #include "platform/paths.h"
 #include "support/temporary_home.h"
 

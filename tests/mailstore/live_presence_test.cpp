@@ -1,4 +1,4 @@
-#include "mailstore/live_presence.h"
+#include "mailstore/index/live_presence.h"
 
 #include <filesystem>
 #include <random>
@@ -6,8 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "mailstore/index/restored_mail_diagnostics.h"
 #include "mailstore/reader_logs.h"
-#include "mailstore/restored_mail_diagnostics.h"
 #include "mailstore/sample_mail_store.h"
 
 namespace corvane::mailstore {

@@ -1,14 +1,14 @@
-#include "mailstore/mailbox_url.h"
+#include "mailstore/folders/mailbox_url.h"
 
 #include <filesystem>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "mailstore/message_file_index.h"
+#include "mailstore/folders/message_file_index.h"
+#include "mailstore/folders/store_location.h"
+#include "mailstore/folders/trash_junk_mailboxes.h"
 #include "mailstore/property_list.h"
-#include "mailstore/store_location.h"
-#include "mailstore/trash_junk_mailboxes.h"
 #include "support/temporary_home.h"
 
 namespace corvane::mailstore {

@@ -7,8 +7,8 @@
 
 #include <fmt/format.h>
 
-#include "mailstore/index_sql.h"
-#include "mailstore/mailbox_url.h"
+#include "mailstore/folders/mailbox_url.h"
+#include "mailstore/index/index_sql.h"
 
 namespace corvane::testing {
 

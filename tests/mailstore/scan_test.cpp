@@ -1,4 +1,4 @@
-#include "mailstore/mail_data_scanner.h"
+#include "mailstore/scan/mail_data_scanner.h"
 
 #include <filesystem>
 #include <fstream>
@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "mailstore/mail_index_query_error.h"
+#include "mailstore/index/mail_index_query_error.h"
 #include "mailstore/sample_mail_store.h"
 
 namespace corvane::mailstore {

@@ -1,4 +1,4 @@
-#include "mailstore/sqlite_shell.h"
+#include "mailstore/index/sqlite_shell.h"
 
 #include <filesystem>
 #include <fstream>
@@ -9,11 +9,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "mailstore/quiet_database.h"
+#include "mailstore/folders/store_location.h"
+#include "mailstore/folders/trash_junk_mailboxes.h"
+#include "mailstore/index/quiet_database.h"
+#include "mailstore/index/sqlite_connection.h"
 #include "mailstore/sample_mail_store.h"
-#include "mailstore/sqlite_connection.h"
-#include "mailstore/store_location.h"
-#include "mailstore/trash_junk_mailboxes.h"
 
 namespace corvane::mailstore {
 namespace {

@@ -1,0 +1,173 @@
+#include "mailstore/index/live_presence.h"
+
+#include <algorithm>
+#include <charconv>
+#include <set>
+#include <unordered_map>
+
+#include <fmt/format.h>
+
+#include "mailstore/folders/store_location.h"
+#include "mailstore/folders/trash_junk_mailboxes.h"
+#include "mailstore/header_decoding.h"
+#include "mailstore/index/index_sql.h"
+#include "mailstore/index/sqlite_shell.h"
+#include "mailstore/message_identifiers.h"
+#include "text/case.h"
+#include "text/trim.h"
+
+namespace corvane::mailstore {
+
+namespace {
+
+constexpr double widestDateDifference = 172'800;
+// A question is one argument of the shell, and the system takes none beyond 128 KiB.
+constexpr std::size_t senderListBytes = 96'000;
+
+std::string loweredAndTrimmed(std::string_view text) {
+    return text::lowercased(text::trimWhitespaceAndNewlines(text));
+}
+
+std::string exclusionOf(const MailStoreContext& context, const std::string& index) {
+    return mailboxExclusion(trashAndJunkMailboxIDs(context, index));
+}
+
+// The quoted senders in lists that each fit a question.
+std::vector<std::string> senderLists(const std::vector<ContentPresenceTarget>& targets) {
+    std::set<std::string> senders;
+    for (const ContentPresenceTarget& target : targets)
+        senders.insert(loweredAndTrimmed(target.senderAddress));
+    senders.erase("");
+    std::vector<std::string> lists;
+    for (const std::string& sender : senders) {
+        const std::string quoted = fmt::format("'{}'", quotedText(sender));
+        if (lists.empty() || lists.back().size() + quoted.size() > senderListBytes)
+            lists.push_back(quoted);
+        else
+            lists.back().append(",").append(quoted);
+    }
+    return lists;
+}
+
+std::string contentQuery(const std::string& senderList, const std::string& exclusion) {
+    return fmt::format("SELECT LOWER(a.address) AS sender,\n"
+                       "       {0} AS d,\n"
+                       "       COALESCE(m.subject_prefix,'') || COALESCE(s.subject,'') AS subject\n"
+                       "FROM messages m\n"
+                       "JOIN mailboxes mb ON mb.ROWID = m.mailbox\n"
+                       "LEFT JOIN subjects s ON s.ROWID = m.subject\n"
+                       "LEFT JOIN addresses a ON a.ROWID = m.sender\n"
+                       "WHERE {0} > 0 AND LOWER(a.address) IN ({1}) {2};",
+                       messageDateExpression, senderList, exclusion);
+}
+
+// A number, or a text that is one.
+std::optional<double> dateOf(JsonRow& row) {
+    if (const auto number = row.integer("d")) return static_cast<double>(*number);
+    const auto text = row.text("d");
+    double value = 0;
+    if (!text || std::from_chars(text->data(), text->data() + text->size(), value).ec != std::errc())
+        return {};
+    return value;
+}
+
+// The dates of live messages by sender and subject.
+class LiveContents {
+  public:
+    void add(JsonRow& row) {
+        const auto sender = row.text("sender");
+        const auto date = dateOf(row);
+        if (!sender || !date) return;
+        dates_[key(*sender, text::lowercased(row.text("subject").value_or("")))].push_back(*date);
+    }
+
+    void finish() {
+        for (auto& [place, dates] : dates_) std::ranges::sort(dates);
+    }
+
+    [[nodiscard]] bool holds(const ContentPresenceTarget& target) const {
+        const auto found =
+            dates_.find(key(loweredAndTrimmed(target.senderAddress), loweredAndTrimmed(target.subject)));
+        if (found == dates_.end()) return false;
+        const auto date = static_cast<double>(target.date.time_since_epoch().count());
+        const auto earliest = std::ranges::lower_bound(found->second, date - widestDateDifference);
+        return earliest != found->second.end() && *earliest <= date + widestDateDifference;
+    }
+
+  private:
+    static std::string key(std::string_view sender, std::string_view subject) {
+        return fmt::format("{}\x1F{}", sender, subject);
+    }
+
+    std::unordered_map<std::string, std::vector<double>> dates_;
+};
+
+} // namespace
+
+std::optional<SharedTextSet> liveMessageIdentifierPresence(const MailStoreContext& context,
+                                                           const std::string& rootPath,
+                                                           const SharedTextSet& targetMessageIdentifiers) {
+    if (!canQueryEnvelopeIndex(context, rootPath)) return std::nullopt;
+    SharedTextSet present;
+    if (targetMessageIdentifiers.empty()) return present;
+    const std::string index = envelopeIndexPath(rootPath);
+    const std::string sql =
+        fmt::format("SELECT DISTINCT g.message_id_header AS messageId\n"
+                    "FROM messages m\n"
+                    "LEFT JOIN message_global_data g ON g.message_id = m.message_id\n"
+                    "WHERE g.message_id_header IS NOT NULL AND g.message_id_header != '' {};",
+                    exclusionOf(context, index));
+    const bool isWhole = runJSONRows(context, sql, index, [&](JsonRow& row) {
+        const auto identifier = normalizedMessageIdentifier(row.text("messageId").value_or(""));
+        const auto target = identifier ? targetMessageIdentifiers.find(std::string_view(*identifier))
+                                       : targetMessageIdentifiers.end();
+        if (target != targetMessageIdentifiers.end()) present.insert(*target);
+    });
+    if (!isWhole) return std::nullopt;
+    return present;
+}
+
+std::optional<SharedTextSet> liveMessagePresenceByContent(const MailStoreContext& context,
+                                                          const std::string& rootPath,
+                                                          const std::vector<ContentPresenceTarget>& targets) {
+    if (!canQueryEnvelopeIndex(context, rootPath)) return std::nullopt;
+    const std::string index = envelopeIndexPath(rootPath);
+    const std::string exclusion = exclusionOf(context, index);
+    LiveContents contents;
+    for (const std::string& list : senderLists(targets)) {
+        if (!runJSONRows(context, contentQuery(list, exclusion), index,
+                         [&](JsonRow& row) { contents.add(row); }))
+            return std::nullopt;
+    }
+    contents.finish();
+    SharedTextSet present;
+    for (const ContentPresenceTarget& target : targets) {
+        if (contents.holds(target)) present.insert(target.key);
+    }
+    return present;
+}
+
+std::optional<std::string> liveMessageOriginalIDHeader(const MailStoreContext& context,
+                                                       const std::string& rootPath,
+                                                       std::string_view messageIdentifier) {
+    const auto identifier = normalizedMessageIdentifier(messageIdentifier);
+    if (!identifier || !canQueryEnvelopeIndex(context, rootPath)) return std::nullopt;
+    const std::string index = envelopeIndexPath(rootPath);
+    const std::string sql =
+        fmt::format("SELECT g.message_id_header AS hdr\n"
+                    "FROM messages m\n"
+                    "JOIN mailboxes mb ON mb.ROWID = m.mailbox\n"
+                    "LEFT JOIN message_global_data g ON g.message_id = m.message_id\n"
+                    "WHERE lower(trim(g.message_id_header, '<> \r\n\t')) = '{}' {}\n"
+                    "ORDER BY {} DESC\n"
+                    "LIMIT 1;",
+                    quotedText(*identifier), exclusionOf(context, index), messageDateExpression);
+    std::optional<std::string> header;
+    const bool isWhole = runJSONRows(context, sql, index, [&](JsonRow& row) {
+        const auto text = row.text("hdr");
+        if (!header && text && !text->empty()) header = std::string(*text);
+    });
+    return isWhole ? header : std::nullopt;
+}
+
+} // namespace corvane::mailstore

@@ -1,0 +1,115 @@
+#include "mailstore/index/quiet_database.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <mutex>
+#include <system_error>
+#include <utility>
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include "platform/directory.h"
+#include "platform/paths.h"
+#include "text/encoding.h"
+
+namespace corvane::mailstore {
+
+// A database and its log in a folder of their own, removed with their last user.
+class DatabaseCopy {
+  public:
+    // Throws std::system_error or std::filesystem::filesystem_error when the files can't be copied.
+    DatabaseCopy(const std::string& path, const std::string& temporaryFolder)
+      : folder_(platform::joinPath(temporaryFolder, "corvane-index-XXXXXX")) {
+        if (::mkdtemp(folder_.data()) == nullptr)
+            throw std::system_error(errno, std::generic_category(), folder_);
+        try {
+            std::filesystem::copy_file(path, this->path());
+            std::filesystem::copy_file(path + "-wal", this->path() + "-wal");
+        } catch (...) {
+            remove();
+            throw;
+        }
+    }
+
+    DatabaseCopy(const DatabaseCopy&) = delete;
+    DatabaseCopy& operator=(const DatabaseCopy&) = delete;
+
+    ~DatabaseCopy() { remove(); }
+
+    [[nodiscard]] std::string path() const { return platform::joinPath(folder_, "index"); }
+
+  private:
+    void remove() noexcept {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder_, ignored);
+    }
+
+    std::string folder_;
+};
+
+namespace {
+
+// One copy serves all questions to a database, as long as it and its log stay as they are. Null when there
+// can be none.
+std::shared_ptr<const DatabaseCopy> sharedCopy(const std::string& path, const std::string& temporaryFolder) {
+    static std::mutex mutex;
+    static std::string key;
+    static std::shared_ptr<const DatabaseCopy> copy;
+    std::error_code error;
+    const auto modified = std::filesystem::last_write_time(path + "-wal", error);
+    const std::string wanted = fmt::format("{}|{}|{}", path, platform::fileSize(path + "-wal").value_or(0),
+                                           modified.time_since_epoch().count());
+    const std::scoped_lock lock(mutex);
+    if (copy && key == wanted) return copy;
+    try {
+        copy = std::make_shared<const DatabaseCopy>(path, temporaryFolder);
+    } catch (const std::system_error&) {
+        return nullptr;
+    }
+    key = wanted;
+    return copy;
+}
+
+} // namespace
+
+QuietDatabase::QuietDatabase(std::string path, const std::string& temporaryFolder)
+  : path_(std::move(path))
+  , name_(path_) {
+    if (!isInWalMode()) return;
+    if (hasUnreachableLog()) {
+        copy_ = sharedCopy(path_, temporaryFolder);
+        // Without a copy the plain path tells the user why it can't be read.
+        if (copy_) name_ = copy_->path();
+        return;
+    }
+    before_ = settledState();
+    if (before_) name_ = fmt::format("file:{}?immutable=1", text::percentEncodedPath(path_));
+}
+
+bool QuietDatabase::wasDisturbed() const {
+    return before_ && settledState() != before_;
+}
+
+bool QuietDatabase::hasUnreachableLog() const {
+    return platform::fileSize(path_ + "-wal").value_or(0) > 0 && !platform::fileExists(path_ + "-shm") &&
+           ::access(std::string(platform::parentPath(path_)).c_str(), W_OK) != 0;
+}
+
+std::optional<QuietDatabase::State> QuietDatabase::settledState() const {
+    std::error_code error;
+    if (platform::fileExists(path_ + "-wal")) return std::nullopt;
+    const auto size = platform::fileSize(path_);
+    const auto modified = std::filesystem::last_write_time(path_, error);
+    if (!size || error) return std::nullopt;
+    return State{.size = *size, .modified = modified.time_since_epoch().count()};
+}
+
+// The format numbers of the file header (https://sqlite.org/fileformat.html, offsets 18 and 19).
+bool QuietDatabase::isInWalMode() const {
+    const auto header = platform::readFilePrefix(path_, 20);
+    return header && header->size() == 20 && (*header)[18] == 2 && (*header)[19] == 2;
+}
+
+} // namespace corvane::mailstore

@@ -1,0 +1,136 @@
+#include "mailstore/index/year_counts.h"
+
+#include <algorithm>
+#include <tuple>
+
+#include <fmt/format.h>
+
+#include "mailstore/folders/mailbox_url.h"
+#include "mailstore/folders/message_file_index.h"
+#include "mailstore/folders/store_location.h"
+#include "mailstore/folders/trash_junk_mailboxes.h"
+#include "mailstore/index/index_sql.h"
+#include "mailstore/index/sqlite_shell.h"
+#include "mailstore/text_parts.h"
+#include "platform/directory.h"
+#include "text/encoding.h"
+#include "text/trim.h"
+
+namespace corvane::mailstore {
+
+namespace {
+
+// The year column and everything from FROM to the end of WHERE.
+std::string localYearColumn() {
+    return fmt::format("CAST(strftime('%Y', datetime({}, 'unixepoch', 'localtime')) AS INTEGER) AS y",
+                       messageDateExpression);
+}
+
+std::string countedMessages(const MailStoreContext& context, const std::string& index,
+                            const std::vector<std::string>& accountURLPrefixes) {
+    return fmt::format("FROM messages m\n"
+                       "JOIN mailboxes mb ON mb.ROWID = m.mailbox\n"
+                       "WHERE {} > 0 AND m.message_id IS NOT NULL AND m.message_id != 0 {} {}",
+                       messageDateExpression, accountCondition(accountURLPrefixes),
+                       mailboxExclusion(trashAndJunkMailboxIDs(context, index)));
+}
+
+std::optional<std::int64_t> trimmedInteger(std::string_view text) {
+    return text::parseInteger(text::trimWhitespaceAndNewlines(text));
+}
+
+struct Copy {
+    std::int64_t year = 0;
+    std::int64_t message = 0;
+    bool isRemote = true; // local copies of a message come first
+
+    friend auto operator<=>(const Copy&, const Copy&) = default;
+};
+
+// Counts the messages whose first copy has no file.
+YearCounts remoteOnly(std::vector<Copy> copies) {
+    YearCounts counts;
+    std::ranges::sort(copies);
+    const auto isSameMessage = [](const Copy& a, const Copy& b) {
+        return a.year == b.year && a.message == b.message;
+    };
+    const auto repeated = std::ranges::unique(copies, isSameMessage);
+    copies.erase(repeated.begin(), repeated.end());
+    for (const Copy& copy : copies) {
+        if (copy.isRemote) ++counts[copy.year];
+    }
+    return counts;
+}
+
+} // namespace
+
+YearCounts indexedYearDistinctCounts(const MailStoreContext& context, const std::string& rootPath,
+                                     const std::vector<std::string>& accountURLPrefixes) {
+    YearCounts counts;
+    if (!canQueryEnvelopeIndex(context, rootPath)) return counts;
+    const std::string index = envelopeIndexPath(rootPath);
+    const std::string sql =
+        fmt::format("SELECT {},\n       COUNT(DISTINCT m.message_id) AS cnt\n{}\nGROUP BY y;",
+                    localYearColumn(), countedMessages(context, index, accountURLPrefixes));
+    const auto output = runUnlimitedQuery(context, sql, index);
+    if (!output) return counts;
+    for (const std::string_view line : splitNonEmpty(*output, '\n')) {
+        const auto columns = splitText(line, '|');
+        if (columns.size() != 2) continue;
+        const auto year = trimmedInteger(columns[0]);
+        const auto count = trimmedInteger(columns[1]);
+        if (year && count) counts[*year] = *count;
+    }
+    return counts;
+}
+
+YearCounts undownloadedYearCounts(const MailStoreContext& context, const std::string& rootPath,
+                                  const std::vector<std::string>& accountURLPrefixes) {
+    if (!canQueryEnvelopeIndex(context, rootPath)) return {};
+    const std::string index = envelopeIndexPath(rootPath);
+    const std::string sql =
+        fmt::format("SELECT m.ROWID AS rid, m.message_id AS mid, mb.url AS url,\n       {}\n{};",
+                    localYearColumn(), countedMessages(context, index, accountURLPrefixes));
+    std::vector<Copy> copies;
+    MessageFileIndex files(rootPath);
+    const bool isWhole = runJSONRows(context, sql, index, [&](JsonRow& row) {
+        const auto rowID = row.integer("rid");
+        const auto message = row.integer("mid");
+        const auto url = row.text("url");
+        const auto year = row.integer("y");
+        if (!rowID || !message || !url || !year) return;
+        copies.push_back({.year = *year,
+                          .message = *message,
+                          .isRemote = !files.existingFilePath(*url, *rowID).has_value()});
+    });
+    return isWhole ? remoteOnly(std::move(copies)) : YearCounts();
+}
+
+std::optional<std::int64_t> queryOldestIndexedYear(const MailStoreContext& context,
+                                                   const std::string& rootPath) {
+    if (!canQueryEnvelopeIndex(context, rootPath)) return std::nullopt;
+    const auto output = runUnlimitedQuery(context, R"(SELECT strftime('%Y',
+  datetime(COALESCE(NULLIF(display_date,0), NULLIF(date_received,0), NULLIF(date_sent,0)), 'unixepoch')
+)
+FROM messages
+WHERE COALESCE(NULLIF(display_date,0), NULLIF(date_received,0), NULLIF(date_sent,0), 0) > 0
+ORDER BY COALESCE(NULLIF(display_date,0), NULLIF(date_received,0), NULLIF(date_sent,0)) ASC
+LIMIT 1;)",
+                                          envelopeIndexPath(rootPath));
+    return output ? trimmedInteger(*output) : std::nullopt;
+}
+
+FilePresenceSample sampleMessageFilePresence(const std::string& rootPath, const std::string& mailboxURL,
+                                             const std::vector<std::int64_t>& rowIDs) {
+    FilePresenceSample sample;
+    MessageFileIndex files(rootPath);
+    for (const std::int64_t rowID : rowIDs) {
+        // A few rows: a look at each file costs less than a listing of their folders.
+        const auto path = files.filePath(mailboxURL, rowID);
+        (path && platform::isRegularFile(*path) ? sample.present : sample.missing) += 1;
+    }
+    sample.checked = sample.present + sample.missing;
+    return sample;
+}
+
+} // namespace corvane::mailstore
