@@ -6,7 +6,7 @@
 #include "cli/exit_status.h"
 #include "cli/output.h"
 #include "cli/progress_line.h"
-#include "model/message_preview.h"
+#include "model/mail/message_preview.h"
 #include "records/formatters.h"
 
 namespace corvane::cli {

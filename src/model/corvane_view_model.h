@@ -8,19 +8,19 @@
 
 #include <QObject>
 
-#include "model/account_directory.h"
-#include "model/archive_control.h"
-#include "model/body_texts.h"
-#include "model/destinations.h"
-#include "model/index_counts.h"
-#include "model/library_loader.h"
-#include "model/mail_access.h"
-#include "model/mail_diagnostics.h"
-#include "model/message_catalog.h"
-#include "model/model_filters.h"
-#include "model/preview_refresh.h"
-#include "model/scan_flow.h"
-#include "model/visible_messages.h"
+#include "model/archiving/archive_control.h"
+#include "model/archiving/destinations.h"
+#include "model/library/body_texts.h"
+#include "model/library/library_loader.h"
+#include "model/mail/account_directory.h"
+#include "model/mail/index_counts.h"
+#include "model/mail/mail_access.h"
+#include "model/mail/mail_diagnostics.h"
+#include "model/mail/message_catalog.h"
+#include "model/mail/model_filters.h"
+#include "model/mail/preview_refresh.h"
+#include "model/mail/scan_flow.h"
+#include "model/mail/visible_messages.h"
 
 namespace corvane {
 

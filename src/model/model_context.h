@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "model/task_runner.h"
+#include "model/tasks/task_runner.h"
 #include "platform/platform.h"
 #include "platform/settings_store.h"
 #include "records/logs/performance_log.h"

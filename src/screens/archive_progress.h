@@ -6,7 +6,7 @@
 #include <QTimer>
 #include <QtQml/qqmlregistration.h>
 
-#include "model/archive_control.h"
+#include "model/archiving/archive_control.h"
 #include "screens/run_pace.h"
 
 namespace corvane {

@@ -1,6 +1,6 @@
 #include "screens/archive_texts.h"
 
-#include "model/archive_control.h"
+#include "model/archiving/archive_control.h"
 #include "screens/shown_figures.h"
 
 namespace corvane::screens {

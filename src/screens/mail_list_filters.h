@@ -11,8 +11,8 @@
 #include <QTimer>
 #include <QtQml/qqmlregistration.h>
 
-#include "model/account_directory.h"
-#include "model/model_filters.h"
+#include "model/mail/account_directory.h"
+#include "model/mail/model_filters.h"
 #include "screens/filter_options.h"
 #include "screens/listed_counts.h"
 

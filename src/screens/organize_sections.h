@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "model/archive_control.h"
+#include "model/archiving/archive_control.h"
 #include "model/message_statistics.h"
 #include "model/space_usage.h"
 #include "records/mail_account.h"

@@ -1,4 +1,4 @@
-#include "model/archive_control.h"
+#include "model/archiving/archive_control.h"
 
 #include "model/corvane_view_model.h"
 #include "model/model_test.h"

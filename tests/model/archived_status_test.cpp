@@ -1,4 +1,4 @@
-#include "model/archived_status.h"
+#include "model/archiving/archived_status.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

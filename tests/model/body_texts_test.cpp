@@ -1,4 +1,4 @@
-#include "model/body_texts.h"
+#include "model/library/body_texts.h"
 
 #include <filesystem>
 #include <future>

@@ -1,4 +1,4 @@
-#include "model/destinations.h"
+#include "model/archiving/destinations.h"
 
 #include <filesystem>
 

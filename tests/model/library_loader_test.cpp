@@ -1,4 +1,4 @@
-#include "model/library_loader.h"
+#include "model/library/library_loader.h"
 
 #include <filesystem>
 #include <fstream>

@@ -1,4 +1,4 @@
-#include "model/message_catalog.h"
+#include "model/mail/message_catalog.h"
 
 #include "model/corvane_view_model.h"
 #include "model/model_test.h"

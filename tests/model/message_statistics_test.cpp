@@ -1,8 +1,8 @@
 #include "model/count_reconciliation.h"
+#include "model/mail/visible_messages.h"
 #include "model/message_statistics.h"
 #include "model/scan_deduplication.h"
 #include "model/space_usage.h"
-#include "model/visible_messages.h"
 #include "records/timestamps.h"
 #include "support/temporary_home.h"
 

@@ -1,4 +1,4 @@
-#include "model/preview_refresh.h"
+#include "model/mail/preview_refresh.h"
 
 #include <future>
 

@@ -8,7 +8,7 @@
 
 #include <fmt/format.h>
 
-#include "model/message_catalog.h"
+#include "model/mail/message_catalog.h"
 #include "support/temporary_home.h"
 
 namespace corvane::testing {

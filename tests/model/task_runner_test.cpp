@@ -1,4 +1,4 @@
-#include "model/task_runner.h"
+#include "model/tasks/task_runner.h"
 
 #include <semaphore>
 

@@ -1,0 +1,423 @@
+#include "model/archiving/archive_control.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include <fmt/format.h>
+
+#include "model/file_existence.h"
+#include "records/formatters.h"
+#include "records/stable_hash.h"
+#include "records/stable_id.h"
+
+namespace corvane {
+
+struct CandidateJob {
+    SharedMessageList messages;
+    CandidateRules rules;
+    std::shared_ptr<const SharedTextSet> offer; // null: all
+    std::shared_ptr<const SharedTextSet> locallyAvailableIDs;
+    std::shared_ptr<const SharedTextSet> archivedMessageIDs;
+    std::shared_ptr<const YearByID> yearByID;
+
+    [[nodiscard]] bool passes(const MailMessageRecord& message) const {
+        return (!offer || offer->contains(message.id)) && locallyAvailableIDs->contains(message.id) &&
+               !archivedMessageIDs->contains(message.id) && rules.passes(message, *yearByID);
+    }
+};
+
+namespace {
+
+constexpr double capacityMargin = 1.15;
+
+std::string joined(const auto& values) {
+    return fmt::format("{}", fmt::join(values, ","));
+}
+
+// A snapshot for the count, which must not walk the messages on the main thread.
+struct CountJob {
+    SharedMessageList messages;
+    CandidateRules rules;
+    std::shared_ptr<const SharedTextSet> archivedBaseIDs;
+    std::shared_ptr<const SharedTextSet> locallyAvailableIDs; // null while not known
+    std::shared_ptr<const YearByID> yearByID;
+};
+
+std::optional<std::int64_t> countCandidates(const CountJob& job, const TaskHandle& task) {
+    FileExistence files;
+    const YearByID ownYears = job.yearByID ? YearByID() : computeMessageYears(*job.messages);
+    const YearByID& years = job.yearByID ? *job.yearByID : ownYears;
+    std::int64_t count = 0;
+    const bool areAllLocal =
+        job.locallyAvailableIDs && areAllAvailable(*job.messages, *job.locallyAvailableIDs);
+    for (const MailMessageRecord& message : *job.messages) {
+        if (task.isCancelled()) return std::nullopt;
+        const bool isAvailable =
+            areAllLocal || (job.locallyAvailableIDs ? job.locallyAvailableIDs->contains(message.id)
+                                                    : files.isLocallyAvailable(message));
+        if (isAvailable && job.rules.passes(message, years) &&
+            (job.archivedBaseIDs->empty() || !job.archivedBaseIDs->contains(stableID(message)))) {
+            ++count;
+        }
+    }
+    return count;
+}
+
+// Null when stopped.
+SharedMessageList makeCandidates(const CandidateJob& job, const std::stop_token& stop = {}) {
+    MessageList candidates;
+    for (const MailMessageRecord& message : *job.messages) {
+        if (stop.stop_requested()) return nullptr;
+        if (job.passes(message)) candidates.push_back(message);
+    }
+    return std::make_shared<const MessageList>(std::move(candidates));
+}
+
+MessageList selectedOf(const MessageList& candidates, const SharedTextSet& selection) {
+    MessageList selected;
+    for (const MailMessageRecord& message : candidates) {
+        if (selection.contains(message.id)) selected.push_back(message);
+    }
+    return selected;
+}
+
+std::string runSignature(const MessageList& messages, const std::string& destination) {
+    std::string run = fmt::format("postArchive:{}:", destination);
+    for (const MailMessageRecord& message : messages)
+        fmt::format_to(std::back_inserter(run), "{},", message.id);
+    return stableHash(run);
+}
+
+} // namespace
+
+CandidateRules CandidateRules::of(const ModelFilters& filters) {
+    return {filters.minimumCandidateBytes(), filters.transferMaxYear(), filters.filterAccountPrefixes(),
+            filters.archiveFilterYears()};
+}
+
+bool CandidateRules::passes(const MailMessageRecord& message, const YearByID& yearByID) const {
+    if (message.messageSize < minimumBytes) return false;
+    if (!accountPrefixes.empty() && !accountPrefixes.contains(std::string(accountFilterKey(message))))
+        return false;
+    if (!maximumYear && years.empty()) return true;
+    const auto year = yearByID.find(message.id);
+    if (year == yearByID.end()) return false;
+    return (!maximumYear || year->second <= *maximumYear) && (years.empty() || years.contains(year->second));
+}
+
+std::int64_t estimatedArchiveBytes(double bytes) {
+    return static_cast<std::int64_t>(bytes * capacityMargin);
+}
+
+std::optional<std::string> archiveCapacityShortfall(const MessageList& messages, const std::string& path,
+                                                    const platform::Platform& platform) {
+    double bytes = 0;
+    for (const MailMessageRecord& message : messages) bytes += static_cast<double>(message.messageSize);
+    const std::int64_t estimate = estimatedArchiveBytes(bytes);
+    const auto available = platform.availableCapacity(path);
+    if (!available || *available >= estimate) return std::nullopt;
+    return fmt::format(
+        "目的地可用空间不足：归档这 {} 封约需 {}，当前仅剩 {}。请清理空间或更换归档位置后重试。\n\n（归档到 "
+        "iCloud 时文件会先占用本地磁盘再上传，也请确认 iCloud 云端还有足够空间。）",
+        messages.size(), formatByteCount(estimate), formatByteCount(*available));
+}
+
+ArchiveControl::ArchiveControl(ModelContext& context, MessageCatalog& catalog, ModelFilters& filters,
+                               QObject* parent)
+  : QObject(parent)
+  , context_(context)
+  , catalog_(catalog)
+  , filters_(filters)
+  , countTask_(context.tasks)
+  , candidatesTask_(context.tasks)
+  , runTask_(context.tasks) {}
+
+std::string ArchiveControl::signature() const {
+    const CandidateRules rules = CandidateRules::of(filters_);
+    return fmt::format("{}|{}|{}|{}|{}|{}|{}|{}", catalog_.messagesToken(), catalog_.availabilityToken(),
+                       catalog_.locallyAvailableIDs()->size(), rules.minimumBytes,
+                       rules.maximumYear.value_or(-1), joined(rules.accountPrefixes), joined(rules.years),
+                       archivedRevision_);
+}
+
+std::string ArchiveControl::candidatesSignature() const {
+    return fmt::format("{}|{}", signature(), offerRevision_);
+}
+
+CandidateJob ArchiveControl::candidateJob() const {
+    CandidateRules rules = CandidateRules::of(filters_);
+    if (offer_) {
+        rules.accountPrefixes.clear();
+        rules.years.clear();
+    }
+    return {catalog_.messages(),           std::move(rules),          offer_, catalog_.locallyAvailableIDs(),
+            catalog_.archivedMessageIDs(), catalog_.messageYearByID()};
+}
+
+void ArchiveControl::setCandidateOffer(std::shared_ptr<const SharedTextSet> ids) {
+    context_.tasks.discard(std::exchange(offer_, std::move(ids)));
+    ++offerRevision_;
+    isWholeOfferSelected_ = false;
+}
+
+void ArchiveControl::selectWholeOffer(SharedTextSet ids) {
+    takeSelection(std::move(ids));
+    isWholeOfferSelected_ = true;
+    Q_EMIT selectionChanged();
+}
+
+const SharedMessageList& ArchiveControl::archiveCandidates() {
+    if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
+    std::string current = candidatesSignature();
+    if (current == candidatesSignature_) return candidatesCache_;
+    candidatesSignature_ = std::move(current);
+    context_.tasks.discard(std::exchange(candidatesCache_, makeCandidates(candidateJob())));
+    return candidatesCache_;
+}
+
+void ArchiveControl::refreshArchiveCandidatesAsync() {
+    if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
+    candidatesTask_.start(TaskPriority::userInitiated,
+                          [this, job = candidateJob(), made = candidatesSignature(),
+                           isKnown = candidatesSignature() == candidatesSignature_](const TaskHandle& task) {
+                              const SharedMessageList candidates =
+                                  isKnown ? nullptr : makeCandidates(job, task.stopToken());
+                              if (!candidates && !isKnown) return;
+                              task.onMain([this, candidates, made] {
+                                  // Whoever changed an input since has asked again or will ask for the list
+                                  // itself.
+                                  if (made != candidatesSignature()) return;
+                                  if (candidates && made != candidatesSignature_) {
+                                      candidatesSignature_ = made;
+                                      context_.tasks.discard(std::exchange(candidatesCache_, candidates));
+                                  }
+                                  Q_EMIT archiveCandidatesReady();
+                              });
+                          });
+}
+
+MailScanSummary ArchiveControl::archiveCandidateSummary() {
+    const auto& candidates = *archiveCandidates();
+    return makeSummary(allOf(candidates), static_cast<std::int64_t>(candidates.size()));
+}
+
+MailScanSummary ArchiveControl::selectedArchiveSummary() {
+    const MessageList selected = selectedArchiveMessages();
+    return makeSummary(allOf(selected), static_cast<std::int64_t>(selected.size()));
+}
+
+MessageList ArchiveControl::selectedArchiveMessages() {
+    return selectedOf(*archiveCandidates(), *selection_);
+}
+
+std::int64_t ArchiveControl::cachedCandidateCount(const std::optional<std::string>& accountPrefix,
+                                                  const std::set<std::int64_t>& years) {
+    if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
+    std::int64_t count = 0;
+    for (const AccountYearStatGroup& group : catalog_.cachedAccountYearStats()) {
+        if (accountPrefix && group.accountPrefix != *accountPrefix) continue;
+        for (const YearStat& stat : group.years) {
+            if (years.empty() || years.contains(stat.year)) count += stat.messageCount;
+        }
+    }
+    return count;
+}
+
+SharedTextSet& ArchiveControl::changeableSelection() {
+    if (isSelectionOfARun_) selection_ = std::make_shared<SharedTextSet>(*selection_);
+    isSelectionOfARun_ = false;
+    isWholeOfferSelected_ = false;
+    selectedFrom_.reset();
+    return *selection_;
+}
+
+void ArchiveControl::setArchiveSelection(SharedTextSet ids) {
+    takeSelection(std::move(ids));
+    Q_EMIT selectionChanged();
+}
+
+void ArchiveControl::takeSelection(SharedTextSet ids) {
+    context_.tasks.discard(std::exchange(selection_, std::make_shared<SharedTextSet>(std::move(ids))));
+    isSelectionOfARun_ = false;
+    isWholeOfferSelected_ = false;
+    selectedFrom_.reset();
+}
+
+void ArchiveControl::toggleArchiveSelection(std::string_view id) {
+    SharedTextSet& selection = changeableSelection();
+    const auto selected = selection.find(id);
+    if (selected == selection.end()) {
+        selection.insert(SharedText(id));
+    } else {
+        selection.erase(selected);
+    }
+    Q_EMIT selectionChanged();
+}
+
+void ArchiveControl::selectAllArchiveCandidates() {
+    selectFirstArchiveCandidates(archiveCandidates()->size());
+}
+
+void ArchiveControl::selectFirstArchiveCandidates(std::size_t count) {
+    SharedTextSet ids;
+    for (const MailMessageRecord& message : *archiveCandidates()) {
+        if (ids.size() >= count) break;
+        ids.insert(message.id);
+    }
+    setArchiveSelection(std::move(ids));
+}
+
+void ArchiveControl::selectArchiveRange(std::string_view from, std::string_view to) {
+    const MessageList& candidates = *archiveCandidates();
+    const auto find = [&](std::string_view id) {
+        return std::find_if(candidates.begin(), candidates.end(),
+                            [&](const auto& message) { return message.id == id; });
+    };
+    const auto [low, high] = std::minmax({find(from), find(to)});
+    if (high == candidates.end()) return;
+    SharedTextSet& selection = changeableSelection();
+    for (auto message = low; message <= high; ++message) selection.insert(message->id);
+    Q_EMIT selectionChanged();
+}
+
+void ArchiveControl::pruneArchiveSelection() {
+    if (selection_->empty() || selectedFrom_.lock() == archiveCandidates()) return;
+    SharedTextSet kept;
+    for (const MailMessageRecord& message : *archiveCandidates()) {
+        if (selection_->contains(message.id)) kept.insert(message.id);
+    }
+    const bool isWhole = kept.size() == selection_->size();
+    if (!isWhole) takeSelection(std::move(kept));
+    selectedFrom_ = candidatesCache_;
+    if (!isWhole) Q_EMIT selectionChanged();
+}
+
+void ArchiveControl::setCount(std::int64_t count, bool ready) {
+    if (candidateCount_ == count && candidateCountReady_ == ready) return;
+    candidateCount_ = count;
+    candidateCountReady_ = ready;
+    Q_EMIT candidateCountChanged();
+}
+
+void ArchiveControl::markArchiveCandidateCountStale() {
+    const bool isEmpty = catalog_.messages()->empty();
+    candidateCountSignature_.clear();
+    setCount(isEmpty ? 0 : candidateCount_, isEmpty);
+}
+
+void ArchiveControl::refreshArchiveCandidateCountAsync() {
+    std::string current = signature();
+    if (current == candidateCountSignature_ && candidateCountReady_) return;
+    candidateCountSignature_ = current;
+    countTask_.cancel();
+    if (catalog_.messages()->empty()) {
+        setCount(0, true);
+        return;
+    }
+    CountJob job{catalog_.messages(), CandidateRules::of(filters_), archivedBaseIDs_, nullptr, nullptr};
+    if (catalog_.isAvailabilityKnown()) {
+        job.locallyAvailableIDs = catalog_.locallyAvailableIDs();
+        job.yearByID = catalog_.messageYearByID();
+    }
+    countTask_.start(TaskPriority::utility,
+                     [this, job = std::move(job), current = std::move(current)](const TaskHandle& task) {
+                         const auto count = countCandidates(job, task);
+                         if (!count) return;
+                         task.onMain([this, count = *count, current] {
+                             if (current == candidateCountSignature_) setCount(count, true);
+                         });
+                     });
+}
+
+void ArchiveControl::setKnownCandidateCount(std::int64_t count) {
+    setCount(count, true);
+}
+
+void ArchiveControl::setArchivedBaseIDs(std::shared_ptr<const SharedTextSet> baseIDs) {
+    archivedBaseIDs_ = std::move(baseIDs);
+    ++archivedRevision_;
+}
+
+void ArchiveControl::archivedMessagesReplaced() {
+    candidatesSignature_.clear();
+    markArchiveCandidateCountStale();
+}
+
+void ArchiveControl::setProgress(std::optional<EmailArchiveProgress> progress) {
+    progress_ = std::move(progress);
+    Q_EMIT progressChanged();
+}
+
+void ArchiveControl::archiveSelectedEmails(const std::optional<std::string>& destination,
+                                           Completion completion) {
+    if (isArchiving()) {
+        completion(std::unexpected("已有归档任务正在进行，请等待其完成。"));
+        return;
+    }
+    if (!destination) {
+        completion(std::unexpected("您没有将文件存储到该位置的权限：请先选择归档位置。"));
+        return;
+    }
+    const MessageList& candidates = *archiveCandidates();
+    if (std::none_of(candidates.begin(), candidates.end(),
+                     [this](const auto& message) { return selection_->contains(message.id); })) {
+        completion(std::unexpected("文件不存在：没有选择要归档的邮件。"));
+        return;
+    }
+    completion_ = std::move(completion);
+    startRun(*destination);
+}
+
+void ArchiveControl::startRun(const std::string& destination) {
+    runStop_ = std::stop_source();
+    isSelectionOfARun_ = true;
+    runTask_.start(TaskPriority::userInitiated, [this, candidates = archiveCandidates(),
+                                                 selection = std::shared_ptr<const SharedTextSet>(selection_),
+                                                 destination, stop = runStop_,
+                                                 &platform = context_.platform](const TaskHandle& task) {
+        // At the end of the program a run stops as if cancelled, with its index saved.
+        const std::stop_callback atShutdown(task.stopToken(),
+                                            [stop] { std::stop_source(stop).request_stop(); });
+        const MessageList messages = selectedOf(*candidates, *selection);
+        // Found out here, where a pass over all of them costs nobody time.
+        const SharedMessageList selectedFrom = messages.size() == selection->size() ? candidates : nullptr;
+        const auto finish = [&](RunOutcome outcome) {
+            const QString signature = QString::fromStdString(runSignature(messages, destination));
+            task.onMain([this, destination, signature, selectedFrom,
+                         outcome = std::make_shared<RunOutcome>(std::move(outcome))] {
+                if (isSelectionOfARun_) selectedFrom_ = selectedFrom;
+                finishRun(std::move(*outcome), destination, signature);
+            });
+        };
+        // The place may be a sleeping disk, so it isn't asked on the main thread.
+        if (const auto shortfall = archiveCapacityShortfall(messages, destination, platform)) {
+            finish(std::unexpected(*shortfall));
+            return;
+        }
+        const auto report = [&](const EmailArchiveProgress& progress) {
+            task.onMain([this, progress] { setProgress(progress); });
+        };
+        try {
+            ArchiverOptions options;
+            options.markHidden = [&platform](const std::string& path) { platform.markHidden(path); };
+            finish(MailEmailArchiver(platform::posixFileLayer(), options)
+                       .archive(messages, destination, report, stop.get_token()));
+        } catch (const std::exception& error) {
+            finish(std::unexpected(std::string(error.what())));
+        }
+    });
+}
+
+void ArchiveControl::finishRun(RunOutcome outcome, const std::string& destination, const QString& signature) {
+    const Completion completion = std::exchange(completion_, nullptr);
+    setProgress(std::nullopt);
+    if (outcome) Q_EMIT archiveRunFinished(*outcome, QString::fromStdString(destination), signature);
+    pruneArchiveSelection();
+    completion(std::move(outcome));
+}
+
+void ArchiveControl::cancelEmailArchive() {
+    if (runStop_.stop_possible()) runStop_.request_stop();
+}
+
+} // namespace corvane

@@ -1,0 +1,83 @@
+#include "model/archiving/destinations.h"
+
+#include <chrono>
+
+#include <fmt/format.h>
+
+#include "model/cloud_providers.h"
+#include "model/known_locations.h"
+#include "model/settings_keys.h"
+#include "platform/durable_file.h"
+#include "records/logs/console_log.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr std::chrono::seconds lookAgainPause(2);
+
+} // namespace
+
+ArchiveDestinations::ArchiveDestinations(ModelContext& context, QObject* parent)
+  : QObject(parent)
+  , context_(context)
+  , prepareTask_(context.tasks)
+  , factsTask_(context.tasks) {
+    lookAgain_.setSingleShot(true);
+    lookAgain_.setInterval(lookAgainPause);
+    connect(&lookAgain_, &QTimer::timeout, this, &ArchiveDestinations::refreshFacts);
+    const std::string stored = context.settings.text(transferDestinationKey).value_or("");
+    if (!stored.empty()) {
+        destination_ = canonicalPath(stored);
+        facts_.cloudName = cloudProviderName(*destination_);
+        rememberLocation(context.settings, *destination_);
+    }
+    refreshFacts();
+}
+
+void ArchiveDestinations::setTransferDestination(const std::string& path) {
+    const std::string root = canonicalPath(path);
+    consoleLine(fmt::format("[HangTrace] setTransferDestination begin {}", root));
+    destination_ = root;
+    context_.settings.setText(transferDestinationKey, root);
+    rememberLocation(context_.settings, root);
+    DestinationFacts known;
+    known.cloudName = cloudProviderName(root);
+    known.rememberedManualDestinations = facts_.rememberedManualDestinations;
+    factsTask_.cancel();
+    prepareTask_.start(TaskPriority::userInitiated,
+                       [this, root, &files = context_.support.files()](const TaskHandle& task) {
+                           consoleLine("[HangTrace] setTransferDestination createDirectory begin(bg)");
+                           // A folder that can't be made shows in its facts and in the run.
+                           std::ignore = platform::createDirectories(files, root);
+                           consoleLine("[HangTrace] setTransferDestination createDirectory end(bg)");
+                           task.onMain([this] {
+                               refreshFacts();
+                               Q_EMIT destinationPrepared();
+                           });
+                       });
+    Q_EMIT destinationChanged();
+    setFacts(std::move(known));
+    consoleLine("[HangTrace] setTransferDestination end(main)");
+}
+
+void ArchiveDestinations::refreshFacts() {
+    factsTask_.start(TaskPriority::utility,
+                     [this, &platform = context_.platform, destination = destination_,
+                      known = knownLocations(context_.settings)](const TaskHandle& task) {
+                         task.onMain([this, facts = computeDestinationFacts(platform, destination, known)] {
+                             setFacts(facts);
+                             // Not every system tells when a folder or a share comes back. Only after an
+                             // answer: a disk that hangs is not asked twice.
+                             if (!facts_.connected) lookAgain_.start();
+                         });
+                     });
+}
+
+void ArchiveDestinations::setFacts(DestinationFacts facts) {
+    if (facts_ == facts) return;
+    facts_ = std::move(facts);
+    Q_EMIT factsChanged();
+}
+
+} // namespace corvane

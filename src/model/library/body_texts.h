@@ -1,0 +1,116 @@
+// The texts of archived mail for the screens: bodies, "cc" lines, full-text search over all archives, and the
+// filling of the search indexes. Main thread; what is slow runs in the background, and only small caches are
+// looked at here. Answers come on the main thread, at once where a cache has them, and never after this
+// object is gone. Nothing here reports an error: a text that can't be had is absent.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include <QObject>
+
+#include "archive/body_indexing.h"
+#include "model/library/library_loader.h"
+#include "model/model_context.h"
+#include "records/archive_records.h"
+
+namespace corvane {
+
+// One filling of search indexes.
+struct BodyIndexRequest {
+    std::vector<std::string> roots;
+    std::int64_t total = 0; // messages, for the first line of progress
+    bool force = false;     // empties the indexes first
+    bool reloadWhenDone = true;
+    bool isRepair = false; // asked for by the program
+};
+
+class BodyTexts : public QObject {
+    Q_OBJECT
+
+  public:
+    using TextAnswer = std::function<void(const std::optional<std::string>&)>;
+    using IDsAnswer = std::function<void(const SharedTextSet&)>;
+
+    // `texts` replaces the worker in tests.
+    BodyTexts(ModelContext& context, LibraryLoader& library, QObject* parent = nullptr,
+              const BodyTextSource& texts = {});
+    ~BodyTexts() override;
+
+    // The body of an archived message as some index has it.
+    void indexedBody(const ArchivedEmailRecord& record, TextAnswer answer);
+
+    // The same, and when no index has it out of the message's file, which puts it into the index.
+    void prepareIndexedBody(const ArchivedEntry& entry, TextAnswer answer);
+
+    // From the record, or from the start of the file if that is on this machine: it is never downloaded.
+    void ccRecipients(const ArchivedEntry& entry, TextAnswer answer);
+
+    // The ids of all records that hold the text, over all archives, connected or not.
+    void searchArchive(std::string query, IDsAnswer answer);
+
+    // Indexes what is missing in all locations, or everything anew.
+    void rebuildBodyTextIndex(bool force);
+
+    [[nodiscard]] BodyIndexRequest requestForAllLocations(bool force) const;
+
+    // Begins when earlier requests have ended.
+    void rebuildBodyTextIndex(BodyIndexRequest request);
+
+    // After an archive run. One repair at a time; the same signature as last time needs none.
+    void scheduleBodyTextIndexRepair(const std::vector<std::string>& roots, std::int64_t total,
+                                     const std::string& signature);
+
+    // Without it the scheduled repairs don't happen.
+    void setAutomaticRepair(bool isOn) { repairsAutomatically_ = isOn; }
+
+    // Ends the indexing after the batch that is being written, and drops what waits.
+    void cancelBodyTextIndex();
+
+    // Present while indexes are being filled.
+    [[nodiscard]] const std::optional<EmailArchiveProgress>& bodyIndexProgress() const { return progress_; }
+
+    // Raised each time an indexing has ended: what had no text before may have one now.
+    [[nodiscard]] std::int64_t bodyIndexEpoch() const { return epoch_; }
+
+  Q_SIGNALS:
+    void bodyIndexProgressChanged();
+    // An indexing has ended, having handled this many messages.
+    void bodyIndexFinished(qint64 indexed);
+    // The library is to be loaded anew, so that it reads the filled indexes.
+    void libraryReloadWanted();
+
+  private:
+    template <class Work, class Then>
+    void inBackground(TaskPriority priority, Work work, Then then);
+    void storeBody(const SharedText& id, const std::optional<std::string>& body);
+    void startPreparing(const ArchivedEntry& entry, TextAnswer answer);
+    void finishPreparing(const ArchivedEntry& entry, const std::optional<std::string>& body);
+    void startNextIndexing();
+    void finishIndexing(std::int64_t indexed);
+    [[nodiscard]] bool isRepairing() const;
+    void setProgress(std::optional<EmailArchiveProgress> progress);
+
+    ModelContext& context_;
+    LibraryLoader& library_;
+    BodyTextSource texts_;                                               // for what the user waits for
+    BodyTextSource upkeepTexts_;                                         // for the indexing
+    std::unordered_map<SharedText, std::string> indexedBodyMemoryCache_; // by record id
+    std::size_t cachedBytes_ = 0;
+    std::unordered_map<SharedText, std::string> ccRecipientsCache_;      // empty for a known absence
+    std::unordered_map<std::string, std::vector<TextAnswer>> preparing_; // by entry id, who waits
+    std::deque<BodyIndexRequest> waitingIndexing_;
+    std::optional<BodyIndexRequest> runningIndexing_;
+    std::optional<EmailArchiveProgress> progress_;
+    std::stop_source indexStop_{std::nostopstate};
+    std::int64_t epoch_ = 0;
+    bool repairsAutomatically_ = true;
+    std::string lastBodyIndexRepairSignature_;
+};
+
+} // namespace corvane

@@ -1,0 +1,218 @@
+#include "model/library/library_loader.h"
+
+#include <algorithm>
+#include <exception>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "model/archive_locations.h"
+#include "model/cloud_providers.h"
+
+namespace corvane {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto recently = 2.0s;
+
+double secondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+} // namespace
+
+LibraryLoader::LibraryLoader(ModelContext& context, QObject* parent, Clock clock)
+  : QObject(parent)
+  , context_(context)
+  , clock_(std::move(clock))
+  , snapshotWriter_(context)
+  , archiveIndexLoadTask_(context.tasks)
+  , connectionTask_(context.tasks)
+  , pruneTask_(context.tasks) {}
+
+std::optional<EmailArchiveIndex> LibraryLoader::emailArchiveIndex() const {
+    if (!destination_) return std::nullopt;
+    EmailArchiveIndex index{destination_->createdAt, destination_->updatedAt, {}};
+    for (const ArchivedEntry& entry : *library_->entries) {
+        if (entry.locationRootPath == destination_->rootPath) index.records.push_back(entry.record);
+    }
+    return index;
+}
+
+const ArchiveLocation* LibraryLoader::location(std::string_view rootPath) const {
+    const auto found = std::ranges::find(locations_, rootPath, &ArchiveLocation::rootPath);
+    return found == locations_.end() ? nullptr : &*found;
+}
+
+void LibraryLoader::setLibraryFilters(LibraryFilters filters) {
+    if (filters_ == filters) return;
+    filters_ = std::move(filters);
+    Q_EMIT libraryFiltersChanged();
+}
+
+void LibraryLoader::loadEmailArchiveIndex(const std::optional<std::string>& currentDestination, bool force) {
+    LibraryLoadInput input;
+    if (currentDestination) {
+        input.currentDestination = canonicalPath(*currentDestination);
+        input.candidates.add(*currentDestination);
+    }
+    for (const std::string& root : knownLocations(context_.settings)) input.candidates.add(root);
+    const std::string signature = fmt::format("{}", fmt::join(input.candidates.roots(), "\x1f"));
+    if (!force && isLoadNeedless(signature)) return;
+    input.forgotten = forgottenLocations(context_.settings);
+    input.publishedBaseIDs = library_->baseIDs;
+    startLoad(std::move(input), signature);
+}
+
+bool LibraryLoader::isLoadNeedless(const std::string& signature) const {
+    if (isLoading_ && signature == archiveIndexLoadSignature_) {
+        context_.startupLog.mark("live index load skipped reason=alreadyLoading");
+        return true;
+    }
+    if (lastArchiveIndexLoadFinishedAt_ && signature == lastArchiveIndexLoadSignature_ &&
+        clock_() - *lastArchiveIndexLoadFinishedAt_ < recently) {
+        context_.startupLog.mark("live index load skipped reason=recentlyLoaded");
+        return true;
+    }
+    return false;
+}
+
+void LibraryLoader::startLoad(LibraryLoadInput input, const std::string& signature) {
+    isLoading_ = true;
+    pruneTask_.cancel(); // it knows nothing of what this load may bring
+    archiveIndexLoadSignature_ = signature;
+    context_.startupLog.mark("live index load start");
+    const auto start = std::chrono::steady_clock::now();
+    archiveIndexLoadTask_.start(
+        TaskPriority::userInitiated,
+        [this, load = LibraryLoad(context_.platform, context_.support, context_.startupLog, std::move(input)),
+         signature, start, prepare = prepareBaseIDs_](const TaskHandle& task) mutable {
+            auto result = load.run(task.stopToken());
+            if (!result) return;
+            if (prepare) prepare(result->library->baseIDs);
+            task.onMain([this, result = std::move(*result), signature, start] {
+                applyLoadedArchiveIndex(result, signature, secondsSince(start));
+            });
+        });
+    Q_EMIT loadStarted();
+}
+
+void LibraryLoader::applyLoadedArchiveIndex(LibraryLoadResult result, const std::string& signature,
+                                            double seconds) {
+    isLoading_ = false;
+    lastArchiveIndexLoadSignature_ = signature;
+    lastArchiveIndexLoadFinishedAt_ = clock_();
+    adoptLocations(result);
+    destination_ = result.destination;
+    snapshotWriter_.save({result.library, result.locations});
+    publish(std::move(result.library), std::move(result.locations), std::move(result.searchIndexes));
+    pruneSearchIndexes();
+    context_.startupLog.mark(fmt::format("live index load finish entries={} locations={} unindexed=deferred",
+                                         library_->entries->size(), locations_.size()));
+    context_.performanceLog.mark(fmt::format("[Perf] loadEmailArchiveIndex {:.3f}s", seconds));
+    if (std::exchange(testConnectionsAfterLoad_, false)) refreshArchiveLocationConnectionStates();
+    Q_EMIT loadFinished();
+}
+
+void LibraryLoader::adoptLocations(const LibraryLoadResult& result) {
+    for (const std::string& root : result.broughtBack) unforgetLocation(context_.settings, root);
+    RootList known;
+    for (const std::string& root : result.roots) known.add(root);
+    // What was remembered while the load ran stays known.
+    for (const std::string& root : knownLocations(context_.settings)) {
+        if (!result.removed.contains(root)) known.add(root);
+    }
+    setKnownLocations(context_.settings, known.roots());
+}
+
+// The index of every root that is known stays, also of one that can't be read at the moment: making it again
+// takes hours.
+void LibraryLoader::pruneSearchIndexes() {
+    pruneTask_.start(
+        TaskPriority::utility,
+        [support = context_.support, roots = knownLocations(context_.settings)](const TaskHandle& task) {
+            if (!task.isCancelled()) MailSearchIndex::pruneOrphans(support, roots);
+        });
+}
+
+void LibraryLoader::publish(SharedLibrary library, std::vector<ArchiveLocation> locations,
+                            SharedSearchIndexes searchIndexes) {
+    library_.swap(library);
+    searchIndexes_.swap(searchIndexes);
+    locations_ = std::move(locations);
+    // Equal sets have equal consequences, and those cost a pass over all messages.
+    const bool sameBaseIDs = library_->baseIDs == library->baseIDs;
+    if (!sameBaseIDs) ++baseIDsToken_;
+    context_.tasks.discard(std::move(library));
+    context_.tasks.discard(std::move(searchIndexes));
+    Q_EMIT archivedEntriesChanged();
+    Q_EMIT archiveLocationsChanged();
+    if (!sameBaseIDs) Q_EMIT archivedBaseIDsChanged();
+}
+
+void LibraryLoader::loadCachedArchiveLibraryIfNeeded() {
+    const ArchiveLibraryStartupLog& log = context_.startupLog;
+    // After a live load even an empty library is newer than the snapshot.
+    if (!library_->entries->empty() || lastArchiveIndexLoadFinishedAt_) {
+        log.mark(fmt::format("cache skipped archivedEntriesAlreadyLoaded={}", library_->entries->size()));
+        return;
+    }
+    const auto start = std::chrono::steady_clock::now();
+    auto snapshot = readSnapshot();
+    if (!snapshot) return;
+    SharedLibrary library = ArchivedLibrary::make(std::move(snapshot->entries));
+    countEntries(snapshot->locations, *library);
+    // Search waits for the live load.
+    publish(std::move(library), std::move(snapshot->locations), std::make_shared<const SearchIndexTable>());
+    log.mark(
+        fmt::format("cache applied entries={} locations={}", library_->entries->size(), locations_.size()));
+    context_.performanceLog.mark(fmt::format("[Perf] loadCachedArchiveLibrary {:.3f}s", secondsSince(start)));
+}
+
+std::optional<ArchiveLibrarySnapshot> LibraryLoader::readSnapshot() const {
+    const ArchiveLibraryStartupLog& log = context_.startupLog;
+    const ArchiveLibrarySnapshotStore store(context_.support);
+    try {
+        auto snapshot = store.load();
+        if (snapshot && !snapshot->entries.empty()) return snapshot;
+        log.mark(
+            fmt::format("cache {} path={}", snapshot ? "empty" : "miss", store.snapshotPathForDiagnostics()));
+    } catch (const std::exception& error) { // a damaged snapshot counts as none
+        log.mark(fmt::format("cache load failed error={}", error.what()));
+    }
+    return std::nullopt;
+}
+
+void LibraryLoader::refreshArchiveLocationConnectionStates() {
+    // The running load may have tested before what this test is about.
+    testConnectionsAfterLoad_ = isLoading_;
+    if (locations_.empty()) return;
+    connectionTask_.start(TaskPriority::utility, [this, &platform = context_.platform,
+                                                  locations = locations_](const TaskHandle& task) {
+        ConnectionStates states;
+        for (const ArchiveLocation& location : locations) {
+            if (task.isCancelled()) return;
+            states[location.rootPath] = isLocationConnected(platform, location.rootPath);
+        }
+        task.onMain([this, states] { applyConnectionStates(states); });
+    });
+}
+
+void LibraryLoader::applyConnectionStates(const ConnectionStates& states) {
+    bool changed = false;
+    for (ArchiveLocation& location : locations_) {
+        const auto found = states.find(location.rootPath);
+        if (found == states.end() || found->second == location.isConnected) continue;
+        location.isConnected = found->second;
+        changed = true;
+    }
+    if (!changed) return;
+    Q_EMIT archiveLocationsChanged();
+    snapshotWriter_.save({library_, locations_});
+    context_.startupLog.mark(
+        fmt::format("archive location connection states refreshed locations={}", locations_.size()));
+}
+
+} // namespace corvane

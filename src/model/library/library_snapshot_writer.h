@@ -1,0 +1,23 @@
+// Keeps the library snapshot up to date. A failed write is ignored: a later start shows an older library, no
+// more.
+#pragma once
+
+#include <vector>
+
+#include "model/loaded_archives.h"
+#include "model/model_context.h"
+#include "model/tasks/latest_state_writer.h"
+
+namespace corvane {
+
+struct LibrarySnapshotState {
+    SharedLibrary library;
+    std::vector<ArchiveLocation> locations;
+};
+
+class LibrarySnapshotWriter : public LatestStateWriter<LibrarySnapshotState> {
+  public:
+    explicit LibrarySnapshotWriter(ModelContext& context);
+};
+
+} // namespace corvane

@@ -1,0 +1,150 @@
+#include "model/mail/account_directory.h"
+
+#include <map>
+
+#include "mailstore/accounts/account_discovery.h"
+#include "model/mail/mail_access.h"
+#include "model/settings_keys.h"
+#include "platform/parallel.h"
+
+namespace corvane {
+
+namespace {
+
+std::string withoutScheme(std::string_view urlPrefix) {
+    std::string text(urlPrefix);
+    constexpr std::string_view scheme = "imap://";
+    for (std::size_t at = text.find(scheme); at != std::string::npos; at = text.find(scheme)) {
+        text.erase(at, scheme.size());
+    }
+    return text;
+}
+
+std::vector<MailAccount> readAccounts(const MailStore& store) {
+    std::vector<MailAccount> accounts;
+    std::map<std::string, std::vector<FolderInfo>> folders;
+    platform::parallelCalls(
+        [&] { accounts = mailstore::queryAccounts(store.context, store.rootPath); },
+        [&] { folders = mailstore::queryFoldersByAccount(store.context, store.rootPath); });
+    for (MailAccount& account : accounts) {
+        const auto found = folders.find(withoutScheme(account.urlPrefix));
+        if (found != folders.end()) account.folders = found->second;
+    }
+    return accounts;
+}
+
+bool addNotes(std::vector<MailAccount>& accounts, const std::map<std::string, std::string>& notes) {
+    bool changed = false;
+    for (MailAccount& account : accounts) {
+        const auto note = notes.find(account.urlPrefix);
+        if (note == notes.end()) continue;
+        account.duplicationNote = note->second;
+        changed = true;
+    }
+    return changed;
+}
+
+} // namespace
+
+AccountDirectory::AccountDirectory(ModelContext& context, QObject* parent)
+  : QObject(parent)
+  , context_(context)
+  , cache_(context.support)
+  , readTask_(context.tasks) {
+    if (const auto stored = context.settings.textList(selectedAccountPrefixesKey)) {
+        selectedPrefixes_.insert(stored->begin(), stored->end());
+    }
+}
+
+void AccountDirectory::setSelectedAccountPrefixes(std::set<std::string> prefixes) {
+    selectedPrefixes_ = std::move(prefixes);
+    context_.settings.setTextList(selectedAccountPrefixesKey,
+                                  {selectedPrefixes_.begin(), selectedPrefixes_.end()});
+    Q_EMIT selectionChanged();
+}
+
+bool AccountDirectory::loadCachedAccounts() {
+    std::optional<std::vector<MailAccount>> cached;
+    try {
+        cached = cache_.load(context_.mailRootPath);
+    } catch (const std::exception&) { // a damaged cache counts as none
+        return false;
+    }
+    if (!cached || cached->empty()) return false;
+    adopt(std::move(*cached));
+    return true;
+}
+
+void AccountDirectory::refreshAccountsFromMail() {
+    start(Purpose::upkeep);
+}
+
+void AccountDirectory::readForFullRefresh() {
+    start(Purpose::fullRefresh);
+}
+
+void AccountDirectory::start(Purpose purpose) {
+    // The queries cost seconds on a large store, so a full refresh takes over a read that has just begun.
+    const bool takesOver = readingFor_ == Purpose::upkeep && readTask_.isRunning();
+    readingFor_ = purpose;
+    if (takesOver) return;
+    const auto priority = purpose == Purpose::upkeep ? TaskPriority::utility : TaskPriority::userInitiated;
+    readTask_.start(priority, [this, cache = cache_, store = mailStoreOf(context_),
+                               upkeep = upkeepMailStoreOf(context_)](const TaskHandle& task) {
+        std::vector<MailAccount> accounts = readAccounts(store);
+        std::string emptyMessage;
+        if (accounts.empty()) emptyMessage = emptyScanFailureMessage(store, std::nullopt).text;
+        task.onMain([this, accounts, emptyMessage] { takeAccounts(accounts, emptyMessage); });
+        if (task.isCancelled()) return;
+        cache.save(store.rootPath, accounts);
+        if (accounts.size() < 2) return;
+        if (!addNotes(accounts, mailstore::analyzeDuplication(upkeep.context, accounts, store.rootPath)) ||
+            task.isCancelled())
+            return;
+        task.onMain([this, accounts] {
+            availableAccounts_ = accounts;
+            Q_EMIT accountsChanged();
+        });
+        cache.save(store.rootPath, accounts);
+    });
+}
+
+void AccountDirectory::takeAccounts(std::vector<MailAccount> accounts, const std::string& emptyMessage) {
+    const Purpose purpose = std::exchange(readingFor_, std::nullopt).value_or(Purpose::upkeep);
+    if (!accounts.empty()) {
+        adopt(std::move(accounts));
+        if (purpose == Purpose::fullRefresh) Q_EMIT fullRefreshFoundAccounts();
+        return;
+    }
+    if (purpose == Purpose::fullRefresh) {
+        availableAccounts_.clear();
+        Q_EMIT accountsChanged();
+    }
+    setLoadFailure(emptyMessage);
+    if (purpose == Purpose::fullRefresh) {
+        Q_EMIT fullRefreshFoundNone(
+            QString::fromStdString(emptyMessage.empty() ? "没有找到可读取的 Mail 邮箱。" : emptyMessage));
+    }
+}
+
+void AccountDirectory::adopt(std::vector<MailAccount> accounts) {
+    setLoadFailure(std::nullopt);
+    availableAccounts_ = std::move(accounts);
+    keepSelectionWithinAccounts();
+    Q_EMIT accountsChanged();
+}
+
+void AccountDirectory::setLoadFailure(std::optional<std::string> message) {
+    loadFailure_ = std::move(message);
+    Q_EMIT loadFailureChanged();
+}
+
+void AccountDirectory::keepSelectionWithinAccounts() {
+    std::set<std::string> kept;
+    for (const MailAccount& account : availableAccounts_) {
+        if (selectedPrefixes_.contains(account.urlPrefix)) kept.insert(account.urlPrefix);
+    }
+    setSelectedAccountPrefixes(std::move(kept));
+}
+
+} // namespace corvane

@@ -1,0 +1,86 @@
+#include "model/mail/index_counts.h"
+
+#include <fmt/format.h>
+
+#include "mailstore/index/year_counts.h"
+#include "model/mail/mail_access.h"
+
+namespace corvane {
+
+IndexCounts::IndexCounts(ModelContext& context, const AccountDirectory& accounts, MessageCatalog& catalog,
+                         QObject* parent)
+  : QObject(parent)
+  , context_(context)
+  , accounts_(accounts)
+  , catalog_(catalog)
+  , countTask_(context.tasks) {}
+
+void IndexCounts::setIndexed(Indexed indexed) {
+    counts_.indexed = std::move(indexed.counts);
+    counts_.indexedByAccount = std::move(indexed.countsByAccount);
+    Q_EMIT countsChanged();
+}
+
+void IndexCounts::refreshIndexedYearCounts() {
+    const auto& selected = accounts_.selectedAccountPrefixes();
+    std::vector<std::string> selection(selected.begin(), selected.end());
+    std::vector<std::string> prefixes;
+    for (const MailAccount& account : accounts_.availableAccounts()) prefixes.push_back(account.urlPrefix);
+    countTask_.start(TaskPriority::utility, [this, selection = std::move(selection),
+                                             prefixes = std::move(prefixes),
+                                             store = upkeepMailStoreOf(context_)](const TaskHandle& task) {
+        auto counts = std::make_shared<Counts>();
+        counts->indexed = mailstore::indexedYearDistinctCounts(store.context, store.rootPath, selection);
+        for (const std::string& prefix : prefixes) {
+            if (task.isCancelled()) return;
+            counts->indexedByAccount[prefix] =
+                mailstore::indexedYearDistinctCounts(store.context, store.rootPath, {prefix});
+        }
+        for (const std::string& prefix : prefixes) {
+            if (task.isCancelled()) return;
+            counts->undownloadedByAccount[prefix] =
+                mailstore::undownloadedYearCounts(store.context, store.rootPath, {prefix});
+        }
+        task.onMain([this, counts] {
+            counts_ = std::move(*counts);
+            Q_EMIT countsChanged();
+            Q_EMIT countsRefreshed();
+        });
+    });
+}
+
+const std::vector<SpaceAccountUsage>& SpaceUsage::spaceUsage() {
+    if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
+    const std::string signature =
+        fmt::format("{}|{}", catalog_.messagesToken(), catalog_.availabilityToken());
+    if (signature != spaceUsageSignature_) {
+        spaceUsageSignature_ = signature;
+        cachedSpaceUsage_ =
+            computeSpaceUsage(*catalog_.messages(),
+                              catalog_.isAvailabilityKnown() ? catalog_.locallyAvailableIDs().get() : nullptr,
+                              accounts_.availableAccounts());
+    }
+    return cachedSpaceUsage_;
+}
+
+std::int64_t SpaceUsage::spaceUsageLocalTotalBytes() {
+    std::int64_t total = 0;
+    for (const SpaceAccountUsage& usage : spaceUsage()) total += usage.localBytes;
+    return total;
+}
+
+SharedTextSet SpaceUsage::localMessageIDs(std::string_view accountPrefix, std::string_view senderKey) {
+    if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
+    SharedTextSet ids;
+    for (const MailMessageRecord& message : *catalog_.messages()) {
+        const auto& identifier = message.accountIdentifier;
+        const std::string_view key = identifier && !identifier->empty()
+                                         ? identifier->view()
+                                         : std::string_view(unclassifiedAccountKey);
+        if (key != accountPrefix || !catalog_.locallyAvailableIDs()->contains(message.id)) continue;
+        if (spaceSenderParts(message.sender).key == senderKey) ids.insert(message.id);
+    }
+    return ids;
+}
+
+} // namespace corvane

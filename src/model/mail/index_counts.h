@@ -1,0 +1,85 @@
+// Counts by year that only the store's index knows, and the figures of safety made from them. Main thread;
+// the queries run in the background.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+
+#include <QObject>
+
+#include "model/mail/account_directory.h"
+#include "model/mail/message_catalog.h"
+#include "model/space_usage.h"
+
+namespace corvane {
+
+class IndexCounts : public QObject {
+    Q_OBJECT
+
+  public:
+    IndexCounts(ModelContext& context, const AccountDirectory& accounts, MessageCatalog& catalog,
+                QObject* parent = nullptr);
+
+    [[nodiscard]] const CountByYear& indexedYearCounts() const { return counts_.indexed; }
+
+    [[nodiscard]] const CountByAccountAndYear& indexedYearCountsByAccount() const {
+        return counts_.indexedByAccount;
+    }
+
+    [[nodiscard]] const CountByAccountAndYear& undownloadedYearCountsByAccount() const {
+        return counts_.undownloadedByAccount;
+    }
+
+    struct Indexed {
+        CountByYear counts;
+        CountByAccountAndYear countsByAccount;
+    };
+
+    // The two indexed maps, for a scan that may have to bring them back.
+    [[nodiscard]] Indexed indexed() const { return {counts_.indexed, counts_.indexedByAccount}; }
+
+    void setIndexed(Indexed indexed);
+
+    void refreshIndexedYearCounts();
+
+  Q_SIGNALS:
+    void countsChanged();
+    // Behind countsChanged, when the counts were read from the index anew.
+    void countsRefreshed();
+
+  private:
+    struct Counts {
+        CountByYear indexed;
+        CountByAccountAndYear indexedByAccount;
+        CountByAccountAndYear undownloadedByAccount;
+    };
+
+    ModelContext& context_;
+    const AccountDirectory& accounts_;
+    MessageCatalog& catalog_;
+    Counts counts_;
+    TaskSlot countTask_;
+};
+
+// The space that accounts occupy, kept while messages and availability stay as they are. Main thread.
+class SpaceUsage {
+  public:
+    SpaceUsage(const AccountDirectory& accounts, MessageCatalog& catalog)
+      : accounts_(accounts)
+      , catalog_(catalog) {}
+
+    [[nodiscard]] const std::vector<SpaceAccountUsage>& spaceUsage();
+    [[nodiscard]] std::int64_t spaceUsageLocalTotalBytes();
+
+    // The local messages of one sender in one account, by id.
+    [[nodiscard]] SharedTextSet localMessageIDs(std::string_view accountPrefix, std::string_view senderKey);
+
+  private:
+    const AccountDirectory& accounts_;
+    MessageCatalog& catalog_;
+    std::string spaceUsageSignature_;
+    std::vector<SpaceAccountUsage> cachedSpaceUsage_;
+};
+
+} // namespace corvane

@@ -1,0 +1,73 @@
+#include "model/mail/mail_access.h"
+
+#include <fmt/format.h>
+
+#include "mailstore/folders/store_location.h"
+#include "mailstore/index/year_counts.h"
+#include "platform/directory.h"
+
+namespace corvane {
+
+namespace {
+
+EmptyScanMessage yearMessage(const MailStore& store, std::int64_t maximumYear) {
+    const auto oldest = mailstore::queryOldestIndexedYear(store.context, store.rootPath);
+    if (oldest && maximumYear < *oldest) {
+        return {fmt::format("邮件库中最早的邮件来自 {0} 年，没有 {1} 年及以前的邮件记录。如需处理 {0} "
+                            "年的邮件，请将年份调整为 {0} 年。",
+                            *oldest, maximumYear),
+                true};
+    }
+    return {fmt::format("Mail 目录和索引文件都可以读取，但没有从索引中定位到 {} "
+                        "年及以前的候选邮件。请完全退出并重新打开本 App 后再扫描。",
+                        maximumYear)};
+}
+
+} // namespace
+
+MailStore mailStoreOf(const ModelContext& context) {
+    return {{context.platform, context.support}, context.mailRootPath};
+}
+
+MailStore upkeepMailStoreOf(const ModelContext& context) {
+    MailStore store = mailStoreOf(context);
+    store.context.isUpkeep = true;
+    return store;
+}
+
+bool canReadMailData(const std::string& mailRootPath) {
+    if (!platform::fileExists(mailRootPath)) return true;
+    const std::string index = mailstore::envelopeIndexPath(mailRootPath);
+    return !platform::fileExists(index) || platform::canReadAByte(index);
+}
+
+EmptyScanMessage emptyScanFailureMessage(const MailStore& store, std::optional<std::int64_t> maximumYear) {
+    if (!platform::fileExists(store.rootPath)) return {missingMailRootMessage};
+    if (!platform::fileExists(mailstore::envelopeIndexPath(store.rootPath))) {
+        return {"Mail 目录可以读取，但没有找到 Mail 索引文件。请先打开 Apple Mail "
+                "等待邮件列表加载完成，然后重新扫描。"};
+    }
+    if (!canReadMailData(store.rootPath)) {
+        return {"Mail 数据目录存在，但当前 App 没有读取权限。请在“系统设置 > 隐私与安全性 > "
+                "完全磁盘访问权限”中开启本 App，然后完全退出并重新打开 App。"};
+    }
+    if (maximumYear) return yearMessage(store, *maximumYear);
+    return {"Mail 目录和索引文件都可以读取，但没有定位到可扫描的邮件文件。请先打开 Apple Mail "
+            "确认邮件列表可见，再重新扫描。"};
+}
+
+void FullDiskAccess::refreshFullDiskAccessState() {
+    task_.start(TaskPriority::userInitiated, [this, root = context_.mailRootPath](const TaskHandle& task) {
+        const bool canRead = canReadMailData(root);
+        task.onMain([this, canRead, root] {
+            context_.startupLog.mark(fmt::format("FDA check canRead={} root={}", canRead, root));
+            if (needsFullDiskAccess_ == canRead) {
+                needsFullDiskAccess_ = !canRead;
+                Q_EMIT needsFullDiskAccessChanged();
+            }
+            context_.startupLog.mark(fmt::format("FDA needsFullDiskAccess={}", needsFullDiskAccess_));
+        });
+    });
+}
+
+} // namespace corvane

@@ -1,0 +1,295 @@
+#include "model/mail/message_catalog.h"
+
+#include <stdexcept>
+
+#include "model/file_existence.h"
+#include "platform/parallel.h"
+#include "records/stable_id.h"
+
+namespace corvane {
+
+namespace {
+
+struct AvailabilityJob {
+    SharedMessageSet set;
+    AvailabilityInputs inputs;
+    std::shared_ptr<const SharedTextSet> knownAvailable; // null when the files have to be looked for
+    bool filesWereSeen = false;
+};
+
+// Nothing when cancelled.
+std::shared_ptr<const SharedTextSet> findAvailable(const AvailabilityJob& job, const TaskHandle& task) {
+    const MessageList& messages = *job.set->messages;
+    auto available = std::make_shared<SharedTextSet>();
+    available->reserve(messages.size());
+    FileExistence files;
+    for (const MailMessageRecord& message : messages) {
+        if (task.isCancelled()) return nullptr;
+        if (job.filesWereSeen || files.isLocallyAvailable(message)) available->insert(message.id);
+    }
+    return available;
+}
+
+auto idIn(const MessageList& messages) {
+    return [&messages](PositionTable::Position position) { return messages[position].id.view(); };
+}
+
+PositionTable positionsByID(const MessageList& messages) {
+    PositionTable positions;
+    positions.reserve(messages.size());
+    PositionTable::Position position = 0;
+    for (const MailMessageRecord& message : messages) {
+        if (!positions.insert(message.id, position++, idIn(messages)).second)
+            throw std::logic_error("a message id stands twice in one list");
+    }
+    return positions;
+}
+
+bool isWithinLimits(const CountedMessage& counted, const CandidateLimits& limits) {
+    if (counted.message->messageSize < limits.minimumBytes) return false;
+    return !limits.maximumYear || (counted.year && *counted.year <= *limits.maximumYear);
+}
+
+YearByID yearsByID(const CountedMessages& messages) {
+    YearByID years;
+    years.reserve(messages.size());
+    for (const CountedMessage& counted : messages) {
+        if (counted.year) years.emplace(counted.message->id.view(), *counted.year);
+    }
+    return years;
+}
+
+struct Selections {
+    CountedMessages local; // candidates
+    CountedMessages unbacked;
+};
+
+Selections selectCounted(const AvailabilityJob& job, const CountedMessages& all,
+                         const SharedTextSet& available) {
+    Selections selections;
+    selections.local.reserve(all.size());
+    selections.unbacked.reserve(all.size());
+    const SharedTextSet& archived = *job.inputs.archivedBaseIDs;
+    const bool areAllLocal = areAllAvailable(*job.set->messages, available);
+    for (const CountedMessage& counted : all) {
+        if (!archived.empty() && archived.contains(stableID(*counted.message))) continue;
+        selections.unbacked.push_back(counted);
+        const bool isLocal = areAllLocal || available.contains(counted.message->id);
+        if (isLocal && isWithinLimits(counted, job.inputs.limits)) selections.local.push_back(counted);
+    }
+    return selections;
+}
+
+// The list waits for this, so what doesn't depend on each other runs at a time.
+std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job, const TaskHandle& task) {
+    const auto& accounts = job.inputs.accounts;
+    const MessageSet& set = *job.set;
+    AvailabilityResult result;
+    // The growing list of a scan has none yet.
+    const auto countedSet =
+        set.counted ? set.counted
+                    : std::make_shared<const CountedMessages>(countedMessages(allOf(*set.messages)));
+    const CountedMessages& all = *countedSet;
+    platform::parallelCalls(
+        [&] {
+            result.locallyAvailableIDs = job.knownAvailable ? job.knownAvailable : findAvailable(job, task);
+        },
+        [&] {
+            result.yearByID = std::make_shared<const YearByID>(yearsByID(all));
+            result.mailAccountYearStats = computeAccountYearStats(all, accounts);
+        });
+    if (!result.locallyAvailableIDs || task.isCancelled()) return std::nullopt;
+    const Selections selections = selectCounted(job, all, *result.locallyAvailableIDs);
+    // Nothing archived, or everything on this disk and within the limits: what is selected is all.
+    const auto accountStats = [&](const CountedMessages& selected) {
+        return selected.size() == all.size() ? result.mailAccountYearStats
+                                             : computeAccountYearStats(selected, accounts);
+    };
+    platform::parallelCalls(
+        [&] {
+            result.localYearStats = computeYearStats(selections.local);
+            result.accountYearStats = accountStats(selections.local);
+        },
+        [&] { result.unbackedAccountYearStats = accountStats(selections.unbacked); });
+    result.localCount = static_cast<std::int64_t>(selections.local.size());
+    for (const CountedMessage& counted : selections.local) result.localBytes += counted.message->messageSize;
+    return result;
+}
+
+} // namespace
+
+std::shared_ptr<const MessageSet> MessageSet::make(SharedMessageList messages, bool isComplete) {
+    auto set = std::make_shared<MessageSet>();
+    set->messages = std::move(messages);
+    set->isComplete = isComplete;
+    const MessageList& list = *set->messages;
+    platform::parallelCalls([&] { set->positionByID = positionsByID(list); },
+                            [&] {
+                                set->counted =
+                                    std::make_shared<const CountedMessages>(countedMessages(allOf(list)));
+                                set->yearStats = computeYearStats(*set->counted);
+                            });
+    return set;
+}
+
+std::shared_ptr<const MessageSet> MessageSet::passing(SharedMessageList messages) {
+    auto set = std::make_shared<MessageSet>();
+    set->messages = std::move(messages);
+    set->isComplete = false;
+    return set;
+}
+
+MessageCatalog::MessageCatalog(ModelContext& context, InputsProvider inputs, QObject* parent)
+  : QObject(parent)
+  , context_(context)
+  , inputs_(std::move(inputs))
+  , cacheWriter_(context)
+  , availabilityRefreshTask_(context.tasks) {}
+
+const MailMessageRecord* MessageCatalog::messageByID(std::string_view id) const {
+    if (const auto known = withNewPreview_.find(id); known != withNewPreview_.end()) return &known->second;
+    const auto position = set_->positionByID.position(id, idIn(*messages()));
+    return position ? &(*messages())[*position] : nullptr;
+}
+
+const std::vector<YearStat>& MessageCatalog::yearStats() const {
+    if (yearStatsToken_ != messagesToken_) {
+        cachedYearStats_ = set_->counted ? set_->yearStats : computeYearStats(allOf(*messages()));
+        yearStatsToken_ = messagesToken_;
+    }
+    return cachedYearStats_;
+}
+
+MessageCatalog::CountAndBytes MessageCatalog::mailMessageSummary() const {
+    if (mailMessageSummaryToken_ != messagesToken_) {
+        cachedMailMessageSummary_ = {static_cast<std::int64_t>(messages()->size()), 0};
+        for (const MailMessageRecord& message : *messages())
+            cachedMailMessageSummary_.bytes += message.messageSize;
+        mailMessageSummaryToken_ = messagesToken_;
+    }
+    return cachedMailMessageSummary_;
+}
+
+void MessageCatalog::setSet(SharedMessageSet set) {
+    // The years refer to the ids of the earlier list.
+    context_.tasks.discard(std::exchange(derived_.yearByID, std::make_shared<const YearByID>()));
+    withNewPreview_.clear();
+    context_.tasks.discard(std::exchange(set_, std::move(set)));
+}
+
+void MessageCatalog::replacePreview(std::string_view id, SharedText preview) {
+    const MailMessageRecord* message = messageByID(id);
+    if (message == nullptr) return;
+    withNewPreview_.insert_or_assign(message->id, message->replacingPreview(std::move(preview)));
+    Q_EMIT previewReplaced(QString::fromUtf8(id.data(), static_cast<qsizetype>(id.size())));
+}
+
+void MessageCatalog::setSummary(MailScanSummary summary) {
+    summary_ = std::move(summary);
+    Q_EMIT summaryChanged();
+}
+
+void MessageCatalog::setMessages(SharedMessageSet set, MailScanSummary summary, Files files) {
+    setSet(std::move(set));
+    setSummary(std::move(summary));
+    ++messagesToken_;
+    if (files == Files::justSeen) filesSeenToken_ = messagesToken_;
+    availabilityToken_ = -1;
+    availabilityRefreshTokenInFlight_.reset();
+    derived_.locallyAvailableIDs = std::make_shared<const SharedTextSet>();
+    rebuildArchivedMessageStatusCache();
+    Q_EMIT messagesChanged();
+    refreshAvailabilityCacheAsync(false);
+}
+
+void MessageCatalog::showProgress(SharedMessageSet set, MailScanSummary summary) {
+    setSet(std::move(set));
+    setSummary(std::move(summary));
+    Q_EMIT messagesChanged();
+}
+
+void MessageCatalog::restore(SharedMessageSet set, MailScanSummary summary,
+                             std::optional<AvailabilityResult> known) {
+    setSet(std::move(set));
+    setSummary(std::move(summary));
+    ++messagesToken_;
+    availabilityRefreshTokenInFlight_.reset();
+    rebuildArchivedMessageStatusCache();
+    if (known) {
+        availabilityToken_ = messagesToken_;
+        known->mailAccountYearStats = std::move(derived_.mailAccountYearStats);
+        known->unbackedAccountYearStats = std::move(derived_.unbackedAccountYearStats);
+        derived_ = std::move(*known);
+        ++statsRevision_;
+        Q_EMIT statisticsChanged();
+    }
+    Q_EMIT messagesChanged();
+    if (known) Q_EMIT availabilityPublished();
+    refreshAvailabilityCacheAsync(true);
+}
+
+void MessageCatalog::applyHomeSnapshot(const MailHomeSnapshot& snapshot) {
+    setSummary(snapshot.summary);
+    derived_.localYearStats = snapshot.localYearStats;
+    derived_.accountYearStats = snapshot.localAccountYearStats;
+    derived_.localCount = snapshot.localMessageCount;
+    derived_.localBytes = snapshot.localMessageBytes;
+    Q_EMIT statisticsChanged();
+}
+
+void MessageCatalog::refreshAvailabilityCacheAsync(bool force) {
+    const std::int64_t token = messagesToken_;
+    if (!force && (availabilityToken_ == token || availabilityRefreshTokenInFlight_ == token)) return;
+    availabilityRefreshTask_.cancel();
+    availabilityRefreshTokenInFlight_ = token;
+    deleteSafetyStatsReady_ = false;
+    if (messages()->empty()) {
+        clearDerivedOfNoMessages();
+        return;
+    }
+    AvailabilityJob job{set_, inputs_(), nullptr, filesSeenToken_ == token};
+    if (availabilityToken_ == token && !derived_.locallyAvailableIDs->empty()) {
+        job.knownAvailable = derived_.locallyAvailableIDs;
+    }
+    availabilityRefreshTask_.start(TaskPriority::utility, [this, token, job](const TaskHandle& task) {
+        auto result = computeAvailability(job, task);
+        if (!result) return;
+        auto shared = std::make_shared<AvailabilityResult>(std::move(*result));
+        task.onMain([this, token, shared] { publish(token, std::move(*shared)); });
+    });
+}
+
+void MessageCatalog::clearDerivedOfNoMessages() {
+    availabilityToken_ = messagesToken_;
+    availabilityRefreshTokenInFlight_.reset();
+    derived_.locallyAvailableIDs = std::make_shared<const SharedTextSet>();
+    derived_.unbackedAccountYearStats.clear();
+    Q_EMIT availabilityPublished();
+}
+
+void MessageCatalog::publish(std::int64_t token, AvailabilityResult result) {
+    if (token != messagesToken_) return;
+    derived_ = std::move(result);
+    availabilityToken_ = token;
+    availabilityRefreshTokenInFlight_.reset();
+    deleteSafetyStatsReady_ = true;
+    ++statsRevision_;
+    Q_EMIT statisticsChanged();
+    if (set_->isComplete) {
+        dueCache_ = ScanCacheState{messages(), summary_, derived_.locallyAvailableIDs,
+                                   derived_.localYearStats, derived_.accountYearStats};
+    }
+    Q_EMIT availabilityPublished();
+}
+
+void MessageCatalog::saveCacheIfDue() {
+    if (dueCache_) cacheWriter_.save(*std::exchange(dueCache_, std::nullopt));
+}
+
+void MessageCatalog::rebuildArchivedMessageStatusCache() {
+    auto archived = archivedStatus_->of(messages(), inputs_().archivedBaseIDs);
+    context_.tasks.discard(std::exchange(archivedMessageIDs_, std::move(archived)));
+    Q_EMIT archivedMessagesChanged();
+}
+
+} // namespace corvane

@@ -1,0 +1,19 @@
+#include "model/mail/message_preview.h"
+
+#include <stdexcept>
+
+#include "mailstore/emlx.h"
+#include "mailstore/preview_text.h"
+#include "platform/paths.h"
+
+namespace corvane {
+
+std::string messagePreview(const platform::Platform& platform, const std::string& path) {
+    try {
+        return mailstore::previewText(MailWorkerClient(platform), FileURL(platform::standardizedPath(path)));
+    } catch (const mailstore::MessageFileError& error) {
+        throw std::runtime_error(std::string("读取邮件文件失败：") + error.what());
+    }
+}
+
+} // namespace corvane

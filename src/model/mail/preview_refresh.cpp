@@ -1,0 +1,94 @@
+#include "model/mail/preview_refresh.h"
+
+#include <exception>
+
+#include "mailstore/emlx.h"
+#include "mailstore/preview_layout.h"
+#include "mailstore/preview_text.h"
+#include "platform/directory.h"
+#include "records/preview_placeholders.h"
+#include "worker/mail_worker_client.h"
+
+namespace corvane {
+
+namespace {
+
+PreviewRefresh::WorkerPreview previewOfWorker(const platform::Platform& platform) {
+    return [client = MailWorkerClient(platform)](const FileURL& file, const std::stop_token& stop) {
+        return client.previewText(file, mailstore::previewByteLimit, stop);
+    };
+}
+
+std::string textOfWorker(const FileURL& file, const PreviewRefresh::WorkerPreview& worker,
+                         const std::stop_token& stop) {
+    try {
+        return worker(file, stop);
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+// Made by our own walk through the message.
+std::string textOfFile(const FileURL& file) {
+    try {
+        return mailstore::previewTextWithoutWorker(file);
+    } catch (const mailstore::MessageFileError&) {
+        return {};
+    }
+}
+
+// Empty when neither the worker nor our own walk gives a sound text.
+std::string soundPreview(const FileURL& file, const PreviewRefresh::WorkerPreview& worker,
+                         const std::stop_token& stop) {
+    std::string text = textOfWorker(file, worker, stop);
+    if (!text.empty() && !mailstore::previewLooksCorrupt(text)) return text;
+    text = textOfFile(file);
+    const bool isSound = text != emptyBodyPreviewPlaceholder && !mailstore::previewLooksCorrupt(text);
+    return isSound ? text : std::string();
+}
+
+} // namespace
+
+PreviewRefresh::PreviewRefresh(ModelContext& context, MessageCatalog& catalog, QObject* parent,
+                               WorkerPreview workerPreview)
+  : QObject(parent)
+  , context_(context)
+  , catalog_(catalog)
+  , workerPreview_(workerPreview ? std::move(workerPreview) : previewOfWorker(context.platform))
+  , previewRefreshTask_(context.tasks) {}
+
+void PreviewRefresh::refreshPreviewIfNeeded(const std::optional<std::string>& messageID) {
+    if (!areShown_ || !messageID || refreshingPreviewMessageID_ == messageID) return;
+    const MailMessageRecord* message = catalog_.messageByID(*messageID);
+    if (message == nullptr || !mailstore::previewLooksCorrupt(message->preview)) return;
+    refreshingPreviewMessageID_ = messageID;
+    previewRefreshTask_.start(TaskPriority::utility, [this, id = *messageID, token = catalog_.messagesToken(),
+                                                      files = message->allMessageFileURLs(),
+                                                      worker = workerPreview_](const TaskHandle& task) {
+        std::string text;
+        bool hasFile = false;
+        for (const FileURL& file : files) {
+            if (task.isCancelled()) return;
+            if (!platform::fileExists(file.path().str())) continue;
+            hasFile = true;
+            text = soundPreview(file, worker, task.stopToken());
+            if (!text.empty()) break;
+        }
+        task.onMain([this, id, token, text, hasFile] {
+            refreshingPreviewMessageID_.reset();
+            if (token != catalog_.messagesToken()) return;
+            if (text.empty()) {
+                Q_EMIT nothingFound(QString::fromStdString(id), hasFile);
+            } else {
+                catalog_.replacePreview(id, text);
+            }
+        });
+    });
+}
+
+void PreviewRefresh::cancel() {
+    previewRefreshTask_.cancel();
+    refreshingPreviewMessageID_.reset();
+}
+
+} // namespace corvane

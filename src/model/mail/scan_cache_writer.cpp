@@ -1,0 +1,33 @@
+#include "model/mail/scan_cache_writer.h"
+
+#include <tuple>
+
+#include "model/message_statistics.h"
+#include "records/stores/scan_cache_store.h"
+
+namespace corvane {
+
+namespace {
+
+// In the order of the messages, so that a reader can share the characters.
+std::vector<SharedText> orderedIDs(const ScanCacheState& state) {
+    std::vector<SharedText> ids;
+    ids.reserve(state.locallyAvailableIDs->size());
+    const bool areAllLocal = areAllAvailable(*state.messages, *state.locallyAvailableIDs);
+    for (const MailMessageRecord& message : *state.messages) {
+        if (areAllLocal || state.locallyAvailableIDs->contains(message.id)) ids.push_back(message.id);
+    }
+    return ids;
+}
+
+} // namespace
+
+ScanCacheWriter::ScanCacheWriter(ModelContext& context)
+  : LatestStateWriter(context.tasks,
+                      [store = MailScanCacheStore(context.support)](const ScanCacheState& state) {
+                          const std::vector<SharedText> ids = orderedIDs(state);
+                          std::ignore = store.save(*state.messages, state.summary, &ids,
+                                                   &state.localYearStats, &state.localAccountYearStats);
+                      }) {}
+
+} // namespace corvane

@@ -1,0 +1,27 @@
+// Keeps the scan cache up to date. A failed write is ignored: a later start is slower, no more.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "model/model_context.h"
+#include "model/tasks/latest_state_writer.h"
+#include "records/mail_message_record.h"
+#include "records/statistics_records.h"
+
+namespace corvane {
+
+struct ScanCacheState {
+    SharedMessageList messages;
+    MailScanSummary summary;
+    std::shared_ptr<const SharedTextSet> locallyAvailableIDs;
+    std::vector<YearStat> localYearStats;
+    std::vector<AccountYearStatGroup> localAccountYearStats;
+};
+
+class ScanCacheWriter : public LatestStateWriter<ScanCacheState> {
+  public:
+    explicit ScanCacheWriter(ModelContext& context);
+};
+
+} // namespace corvane

@@ -1,0 +1,102 @@
+// The scan of the Mail store and the restore of the last one. Main thread; one background task a scan, the
+// only holder of the growing list.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include <QObject>
+
+#include "model/mail/account_directory.h"
+#include "model/mail/index_counts.h"
+#include "model/mail/message_catalog.h"
+#include "model/mail/model_filters.h"
+#include "records/model_enums.h"
+
+namespace corvane {
+
+class ScanFlow : public QObject {
+    Q_OBJECT
+
+  public:
+    ScanFlow(ModelContext& context, AccountDirectory& accounts, MessageCatalog& catalog, IndexCounts& counts,
+             ModelFilters& filters, QObject* parent = nullptr);
+
+    [[nodiscard]] const MailScanState& state() const { return state_; }
+
+    [[nodiscard]] const std::string& scanTimingLog() const { return scanTimingLog_; }
+
+    // When the data shown was scanned.
+    [[nodiscard]] const std::optional<Date>& cacheLoadedAt() const { return cacheLoadedAt_; }
+
+    // The last failure's message is advice on the year range, not an error.
+    [[nodiscard]] bool scanFailureIsYearRangeInfo() const { return failureIsYearRangeInfo_; }
+
+    // A scan of the selected accounts.
+    void scan();
+    void cancelScan();
+
+    // Reads the accounts, makes the scan cover everything, and scans.
+    void refreshAllMailData();
+
+    // Restores the last result, unless there are messages or a scan runs. Asks for the archive index where
+    // told.
+    void loadCachedScanIfNeeded(bool loadArchiveIndex);
+
+  Q_SIGNALS:
+    void stateChanged();
+    void timingChanged();
+    // The display was cleared for a new scan.
+    void scanStarted();
+    // A scan or a restore has published its messages.
+    void scanFinished();
+    // A scan has come to its end, whatever it found; one that was cancelled hasn't.
+    void scanEnded();
+    // The messages of before a failed scan are back.
+    void earlierMessagesRestored();
+    void homeSnapshotApplied();
+    void cachedScanRestored(bool loadArchiveIndex);
+
+  private:
+    struct Display {
+        SharedMessageSet messages;
+        MailScanSummary summary;
+        IndexCounts::Indexed counts;
+        std::optional<Date> cacheLoadedAt;
+    };
+
+    struct ScanJob;
+    class ScanProgress;
+    struct RestoreJob;
+    struct RestoredScan;
+
+    void setState(MailScanState state);
+    void clearDisplay();
+    void forgetBeforeScan();
+    ScanJob makeScanJob() const;
+    void runScan(const TaskHandle& task, const ScanJob& job);
+    void finishScan(const TaskHandle& task, const ScanJob& job, ScanProgress& progress);
+    void failScan(const std::string& message);
+    void fail(const std::string& message, bool isYearRangeInfo = false);
+    [[nodiscard]] bool mayRestore() const;
+    bool restoreSnapshot(const TaskHandle& task, const RestoreJob& job);
+    void restoreCache(const TaskHandle& task, const RestoreJob& job, bool hasSnapshot);
+    static RestoredScan makeRestored(MailScanCache cache, const std::vector<MailAccount>& accounts,
+                                     std::size_t& counted);
+    void applyRestored(RestoredScan& restored, bool loadArchiveIndex);
+
+    ModelContext& context_;
+    AccountDirectory& accounts_;
+    MessageCatalog& catalog_;
+    IndexCounts& counts_;
+    ModelFilters& filters_;
+    MailScanState state_;
+    std::string scanTimingLog_;
+    std::optional<Date> cacheLoadedAt_;
+    bool failureIsYearRangeInfo_ = false;
+    std::optional<Display> beforeScan_;
+    TaskSlot scanTask_;
+    TaskSlot restoreTask_;
+};
+
+} // namespace corvane
