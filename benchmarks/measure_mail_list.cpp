@@ -20,9 +20,9 @@
 #include "main_thread_times.h"
 #include "model/corvane_view_model.h"
 #include "platform/platform.h"
-#include "screens/appearance.h"
-#include "screens/fonts.h"
-#include "screens/window_model.h"
+#include "screens/controls/theme/appearance.h"
+#include "screens/controls/theme/fonts.h"
+#include "screens/shell/window_model.h"
 
 namespace {
 

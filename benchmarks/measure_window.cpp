@@ -25,9 +25,9 @@
 #include "main_thread_times.h"
 #include "model/corvane_view_model.h"
 #include "platform/platform.h"
-#include "screens/appearance.h"
-#include "screens/fonts.h"
-#include "screens/window_model.h"
+#include "screens/controls/theme/appearance.h"
+#include "screens/controls/theme/fonts.h"
+#include "screens/shell/window_model.h"
 
 namespace {
 
@@ -101,7 +101,7 @@ class WholeWindow {
       , window_(model_) {
         engine_.addImportPath(QStringLiteral(":/qt/qml"));
         engine_.setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&window_)}});
-        engine_.load(QUrl(QStringLiteral("qrc:/qt/qml/Corvane/qml/shell/Main.qml")));
+        engine_.load(QUrl(QStringLiteral("qrc:/qt/qml/Corvane/shell/Main.qml")));
         if (engine_.rootObjects().isEmpty()) qFatal("no window");
         shown_ = qobject_cast<QQuickWindow*>(engine_.rootObjects().first());
     }

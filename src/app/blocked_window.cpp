@@ -8,7 +8,7 @@
 
 #include "app/window_load.h"
 #include "platform/quit_signals.h"
-#include "screens/blocked_start.h"
+#include "screens/shell/start/blocked_start.h"
 
 namespace corvane {
 

@@ -5,7 +5,7 @@ namespace corvane {
 QQuickWindow* loadWindow(QQmlApplicationEngine& engine, const QString& name, const QVariantMap& properties) {
     engine.addImportPath(QStringLiteral(":/qt/qml"));
     engine.setInitialProperties(properties);
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Corvane/qml/shell/%1.qml").arg(name)));
+    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Corvane/shell/%1.qml").arg(name)));
     const QList<QObject*> roots = engine.rootObjects();
     return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(roots.first());
 }

@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-// `name` is a file of qml/shell. Null when it can't be made; the engine has said why.
+// `name` is a file of screens/shell. Null when it can't be made; the engine has said why.
 QQuickWindow* loadWindow(QQmlApplicationEngine& engine, const QString& name, const QVariantMap& properties);
 
 } // namespace corvane

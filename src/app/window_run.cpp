@@ -15,8 +15,8 @@
 #include "platform/platform.h"
 #include "platform/quit_signals.h"
 #include "records/logs/console_log.h"
-#include "screens/window_frame.h"
-#include "screens/window_model.h"
+#include "screens/shell/window_frame.h"
+#include "screens/shell/window_model.h"
 
 namespace corvane {
 

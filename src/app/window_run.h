@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "screens/appearance.h"
+#include "screens/controls/theme/appearance.h"
 
 namespace corvane {
 

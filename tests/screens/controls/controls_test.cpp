@@ -4,8 +4,8 @@
 #include <QQmlEngine>
 #include <QtQuickTest>
 
-#include "screens/appearance.h"
-#include "screens/fonts.h"
+#include "screens/controls/theme/appearance.h"
+#include "screens/controls/theme/fonts.h"
 
 class ControlsSetup : public QObject {
     Q_OBJECT

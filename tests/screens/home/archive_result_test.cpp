@@ -1,4 +1,4 @@
-#include "screens/archive_result.h"
+#include "screens/archive/archive_result.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "screens/archive_screen.h"
+#include "screens/archive/archive_screen.h"
 
 #include <filesystem>
 

@@ -1,4 +1,4 @@
-#include "screens/folder_picker.h"
+#include "screens/archive/places/folder_picker.h"
 
 #include <filesystem>
 

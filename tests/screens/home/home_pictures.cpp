@@ -8,8 +8,8 @@
 #include <QQuickItem>
 #include <QTest>
 
-#include "screens/appearance.h"
-#include "screens/fonts.h"
+#include "screens/controls/theme/appearance.h"
+#include "screens/controls/theme/fonts.h"
 #include "screens/home/window_scene.h"
 
 namespace {
@@ -299,7 +299,7 @@ bool paint(const State& state, QSize size, const std::string& path) {
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral(":/qt/qml"));
     engine.setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&scene.window())}});
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Corvane/qml/shell/Main.qml")));
+    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Corvane/shell/Main.qml")));
     if (engine.rootObjects().isEmpty()) return false;
     auto* window = qobject_cast<QQuickWindow*>(engine.rootObjects().front());
     window->resize(size);

@@ -6,8 +6,8 @@
 #include <QQmlEngine>
 #include <QtQuickTest>
 
-#include "screens/appearance.h"
-#include "screens/fonts.h"
+#include "screens/controls/theme/appearance.h"
+#include "screens/controls/theme/fonts.h"
 #include "screens/home/window_scene.h"
 
 namespace corvane::testing {

@@ -1,11 +1,11 @@
-#include "screens/home_screen.h"
+#include "screens/home/home_screen.h"
 
 #include <filesystem>
 
 #include <gtest/gtest.h>
 
 #include "screens/home/screens_fixture.h"
-#include "screens/sidebar_model.h"
+#include "screens/shell/sidebar/sidebar_model.h"
 
 namespace corvane {
 namespace {

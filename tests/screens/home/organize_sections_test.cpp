@@ -1,10 +1,10 @@
-#include "screens/organize_sections.h"
+#include "screens/home/organize_sections.h"
 
 #include <gtest/gtest.h>
 
 #include "model/sample_messages.h"
-#include "screens/organize_ticks.h"
-#include "screens/year_series.h"
+#include "screens/home/figures/year_series.h"
+#include "screens/home/organize_ticks.h"
 
 namespace corvane {
 namespace {

@@ -1,4 +1,4 @@
-#include "screens/organize_tree_model.h"
+#include "screens/home/tree/organize_tree_model.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
 #include "model/model_test.h"
-#include "screens/archive_texts.h"
-#include "screens/destination_texts.h"
-#include "screens/safety_banner.h"
-#include "screens/shown_figures.h"
+#include "screens/archive/archive_texts.h"
+#include "screens/home/safety_banner.h"
+#include "screens/texts/destination_texts.h"
+#include "screens/texts/shown_figures.h"
 
 namespace corvane {
 namespace {

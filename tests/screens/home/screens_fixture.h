@@ -6,9 +6,9 @@
 #include "model/model_test.h"
 #include "model/sample_messages.h"
 #include "records/stores/account_cache_store.h"
-#include "screens/archive_screen.h"
-#include "screens/home_screen.h"
-#include "screens/organize_data.h"
+#include "screens/archive/archive_screen.h"
+#include "screens/home/home_screen.h"
+#include "screens/home/organize_data.h"
 
 namespace corvane::testing {
 

@@ -7,7 +7,7 @@
 #include <QQuickWindow>
 
 #include "model/model_test.h"
-#include "screens/window_model.h"
+#include "screens/shell/window_model.h"
 
 namespace corvane::testing {
 

@@ -1,4 +1,4 @@
-#include "screens/list_selection.h"
+#include "screens/lists/list_selection.h"
 
 #include <random>
 #include <set>

@@ -4,10 +4,10 @@
 #include <QQmlEngine>
 #include <QtQuickTest>
 
-#include "screens/appearance.h"
-#include "screens/fonts.h"
+#include "screens/controls/theme/appearance.h"
+#include "screens/controls/theme/fonts.h"
 #include "screens/mails/mail_samples.h"
-#include "screens/window_model.h"
+#include "screens/shell/window_model.h"
 #include "support/temporary_home.h"
 
 namespace corvane::testing {

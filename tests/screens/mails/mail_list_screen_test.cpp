@@ -1,4 +1,4 @@
-#include "screens/mail_list_screen.h"
+#include "screens/mails/mail_list_screen.h"
 
 #include <filesystem>
 

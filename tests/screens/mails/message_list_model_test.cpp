@@ -1,11 +1,11 @@
-#include "screens/message_list_model.h"
+#include "screens/lists/message_list_model.h"
 
 #include <random>
 
 #include <QAbstractItemModelTester>
 
 #include "screens/mails/mail_samples.h"
-#include "screens/shown_text.h"
+#include "screens/texts/shown_text.h"
 #include "support/temporary_home.h"
 
 namespace corvane {

@@ -1,8 +1,8 @@
-#include "screens/shown_text.h"
+#include "screens/texts/shown_text.h"
 
 #include <string>
 
-#include "screens/attachment_symbol.h"
+#include "screens/mails/detail/attachment_symbol.h"
 
 namespace corvane::screens {
 namespace {

@@ -1,4 +1,4 @@
-#include "screens/desktop_looks.h"
+#include "screens/controls/theme/desktop_looks.h"
 
 #include <gtest/gtest.h>
 

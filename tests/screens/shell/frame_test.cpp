@@ -2,10 +2,10 @@
 #include <QWindow>
 #include <gtest/gtest.h>
 
-#include "screens/chart_math.h"
-#include "screens/corvane_url.h"
-#include "screens/sidebar_model.h"
-#include "screens/window_frame.h"
+#include "screens/controls/charts/chart_math.h"
+#include "screens/shell/sidebar/sidebar_model.h"
+#include "screens/shell/start/corvane_url.h"
+#include "screens/shell/window_frame.h"
 #include "support/temporary_home.h"
 
 namespace corvane {

@@ -4,7 +4,7 @@
 #include <QSignalSpy>
 #include <gtest/gtest.h>
 
-#include "screens/sample_store.h"
+#include "screens/shell/start/sample_store.h"
 #include "support/temporary_home.h"
 
 namespace corvane {

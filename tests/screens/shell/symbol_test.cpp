@@ -3,7 +3,7 @@
 #include <QDirIterator>
 #include <gtest/gtest.h>
 
-#include "screens/symbol.h"
+#include "screens/controls/theme/symbol.h"
 
 namespace corvane {
 

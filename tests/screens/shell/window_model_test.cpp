@@ -1,4 +1,4 @@
-#include "screens/window_model.h"
+#include "screens/shell/window_model.h"
 
 #include <QDesktopServices>
 #include <QSignalSpy>

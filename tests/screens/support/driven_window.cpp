@@ -23,8 +23,8 @@
 
 #include "app/window_run.h"
 #include "platform/quit_signals.h"
-#include "screens/appearance.h"
-#include "screens/fonts.h"
+#include "screens/controls/theme/appearance.h"
+#include "screens/controls/theme/fonts.h"
 
 namespace corvane::testing {
 

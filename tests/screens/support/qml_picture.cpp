@@ -7,8 +7,8 @@
 #include <QQuickView>
 #include <QTimer>
 
-#include "screens/appearance.h"
-#include "screens/fonts.h"
+#include "screens/controls/theme/appearance.h"
+#include "screens/controls/theme/fonts.h"
 
 int main(int argc, char** argv) {
     corvane::thinTextStems();

@@ -1,0 +1,159 @@
+#include "screens/archive/archive_candidates_model.h"
+
+#include "screens/texts/shown_text.h"
+
+namespace corvane {
+
+ArchiveCandidatesModel::ArchiveCandidatesModel(CorvaneViewModel& model, QObject* parent)
+  : MessageListModel(parent)
+  , model_(model)
+  , compareTask_(model.context().tasks)
+  , tickTask_(model.context().tasks) {
+    connect(&model.archive(), &ArchiveControl::archiveCandidatesReady, this, [this] {
+        if (isLoading_) show(model_.archive().archiveCandidates());
+    });
+    connect(&model.archive(), &ArchiveControl::selectionChanged, this, [this] {
+        if (isOwnChange_ || count() == 0) return;
+        sumSelection();
+        Q_EMIT dataChanged(index(0), index(count() - 1), {TickedRole});
+    });
+}
+
+QVariant ArchiveCandidatesModel::data(const QModelIndex& index, int role) const {
+    if (role != TickedRole) return MessageListModel::data(index, role);
+    return index.isValid() && index.row() < rowCount() && isTicked(shownAt(index.row()));
+}
+
+QHash<int, QByteArray> ArchiveCandidatesModel::roleNames() const {
+    QHash<int, QByteArray> names = MessageListModel::roleNames();
+    names.insert(TickedRole, "ticked");
+    return names;
+}
+
+bool ArchiveCandidatesModel::isTicked(const MailMessageRecord& message) const {
+    return model_.archive().selectedArchiveMessageIDs().contains(message.id);
+}
+
+void ArchiveCandidatesModel::load() {
+    isLoading_ = true;
+    Q_EMIT loadingChanged();
+    model_.archive().refreshArchiveCandidatesAsync();
+}
+
+void ArchiveCandidatesModel::clear() {
+    compareTask_.cancel();
+    tickTask_.cancel();
+    isLoading_ = false;
+    anchor_ = {};
+    const auto nothing = std::make_shared<const MessageList>();
+    apply(nothing, rowChanges(*messages(), *nothing));
+    sumSelection();
+    Q_EMIT loadingChanged();
+}
+
+void ArchiveCandidatesModel::show(const SharedMessageList& candidates) {
+    compareTask_.start(
+        TaskPriority::userInitiated, [this, from = messages(), candidates](const TaskHandle& task) {
+            const auto changes = std::make_shared<const RowChanges>(rowChanges(*from, *candidates));
+            task.onMain([this, candidates, changes] {
+                isLoading_ = false;
+                apply(candidates, *changes);
+                sumSelection();
+                Q_EMIT loadingChanged();
+            });
+        });
+}
+
+void ArchiveCandidatesModel::sumSelection() {
+    selectedCount_ = 0;
+    selectedBytes_ = 0;
+    const bool areAllTicked = model_.archive().isWholeOfferSelected();
+    for (const MailMessageRecord& message : *messages()) {
+        if (!areAllTicked && !isTicked(message)) continue;
+        selectedCount_ += 1;
+        selectedBytes_ += message.messageSize;
+    }
+    Q_EMIT selectionSummed();
+}
+
+int ArchiveCandidatesModel::tickState() const {
+    if (selectedCount_ == 0) return 0;
+    return selectedCount_ == count() ? 1 : 2;
+}
+
+void ArchiveCandidatesModel::toggleTick(int row) {
+    const MailMessageRecord* const message = this->message(row);
+    if (message == nullptr) return;
+    isOwnChange_ = true;
+    model_.archive().toggleArchiveSelection(message->id);
+    isOwnChange_ = false;
+    const std::int64_t sign = isTicked(*message) ? 1 : -1;
+    selectedCount_ += sign;
+    selectedBytes_ += sign * message->messageSize;
+    anchor_ = message->id;
+    Q_EMIT dataChanged(index(row), index(row), {TickedRole});
+    Q_EMIT selectionSummed();
+}
+
+void ArchiveCandidatesModel::toggleTicks(int row) {
+    if (selection().count() < 2 || !selection().isSelected(row)) return toggleTick(row);
+    tickTask_.start(TaskPriority::userInitiated,
+                    [this, all = messages(), rows = selection().rows(), ticked = !isTicked(*message(row)),
+                     ids = std::make_shared<SharedTextSet>(model_.archive().selectedArchiveMessageIDs())](
+                        const TaskHandle& task) {
+                        for (const auto& range : rows.ranges()) {
+                            for (int each = range.first; each < range.end; ++each) {
+                                const SharedText& id = (*all)[static_cast<std::size_t>(each)].id;
+                                if (ticked) {
+                                    ids->insert(id);
+                                } else {
+                                    ids->erase(id);
+                                }
+                            }
+                        }
+                        task.onMain([this, ids] { model_.archive().setArchiveSelection(std::move(*ids)); });
+                    });
+}
+
+void ArchiveCandidatesModel::tickRange(int row) {
+    const MailMessageRecord* const message = this->message(row);
+    if (message == nullptr) return;
+    if (anchor_.empty()) anchor_ = message->id;
+    model_.archive().selectArchiveRange(anchor_, message->id);
+}
+
+void ArchiveCandidatesModel::setTicksOfAll(bool ticked) {
+    if (!ticked) {
+        tickTask_.cancel();
+        model_.archive().selectNoArchiveCandidates();
+        return;
+    }
+    tickTask_.start(TaskPriority::userInitiated, [this, all = messages()](const TaskHandle& task) {
+        auto ids = std::make_shared<SharedTextSet>();
+        ids->reserve(all->size());
+        for (const MailMessageRecord& message : *all) ids->insert(message.id);
+        task.onMain([this, ids] { model_.archive().setArchiveSelection(std::move(*ids)); });
+    });
+}
+
+void ArchiveCandidatesModel::tickAll() {
+    setTicksOfAll(true);
+}
+
+void ArchiveCandidatesModel::toggleAllTicks() {
+    setTicksOfAll(tickState() != 1);
+}
+
+QString ArchiveCandidatesModel::wholeSender(int row) const {
+    const MailMessageRecord* const message = this->message(row);
+    return message == nullptr ? QString() : screens::shownLine(message->sender);
+}
+
+QString ArchiveCandidatesModel::spokenCandidate(int row) const {
+    const MailMessageRecord* const message = this->message(row);
+    if (message == nullptr) return {};
+    return spokenName(*message) +
+           (isTicked(*message) ? QStringLiteral("，已勾选") : QStringLiteral("，未勾选"));
+}
+
+} // namespace corvane

@@ -1,0 +1,80 @@
+// The candidates of the archive sheet with their ticks. Main thread. The ticks are the model's selection; new
+// lists of candidates are compared in the background and applied by row.
+#pragma once
+
+#include <QtQml/qqmlregistration.h>
+
+#include "model/corvane_view_model.h"
+#include "screens/lists/message_list_model.h"
+
+namespace corvane {
+
+class ArchiveCandidatesModel : public MessageListModel {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("part of the archive sheet")
+    Q_PROPERTY(int tickState READ tickState NOTIFY selectionSummed)
+    Q_PROPERTY(corvane::ListSelection* selection READ rowSelection CONSTANT)
+
+  public:
+    enum CandidateRole { TickedRole = SelectedRole + 1 };
+
+    explicit ArchiveCandidatesModel(CorvaneViewModel& model, QObject* parent = nullptr);
+
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
+
+    // Asks the model for the candidates; `isLoading` until they are shown.
+    void load();
+
+    // Shows nothing, and takes nothing that is still under way.
+    void clear();
+
+    // The rows that are selected, which says nothing of their ticks.
+    [[nodiscard]] ListSelection* rowSelection() { return &selection(); }
+
+    [[nodiscard]] bool isLoading() const { return isLoading_; }
+
+    [[nodiscard]] std::int64_t selectedCount() const { return selectedCount_; }
+
+    [[nodiscard]] std::int64_t selectedBytes() const { return selectedBytes_; }
+
+    // 0 none, 1 all, 2 some.
+    [[nodiscard]] int tickState() const;
+
+    Q_INVOKABLE void toggleTick(int row);
+
+    // Of all selected rows where this is one of them: they take the tick that it gets.
+    Q_INVOKABLE void toggleTicks(int row);
+
+    // Ticks everything from the row that was ticked last.
+    Q_INVOKABLE void tickRange(int row);
+    Q_INVOKABLE void tickAll();
+    Q_INVOKABLE void toggleAllTicks();
+    Q_INVOKABLE [[nodiscard]] QString spokenCandidate(int row) const;
+
+    // With the address.
+    Q_INVOKABLE [[nodiscard]] QString wholeSender(int row) const;
+
+  Q_SIGNALS:
+    void loadingChanged();
+    // Count or size of what is ticked may have changed.
+    void selectionSummed();
+
+  private:
+    void show(const SharedMessageList& candidates);
+    void sumSelection();
+    void setTicksOfAll(bool ticked);
+    [[nodiscard]] bool isTicked(const MailMessageRecord& message) const;
+
+    CorvaneViewModel& model_;
+    bool isLoading_ = false;
+    bool isOwnChange_ = false;
+    std::int64_t selectedCount_ = 0;
+    std::int64_t selectedBytes_ = 0;
+    SharedText anchor_; // id of the message ticked last
+    TaskSlot compareTask_;
+    TaskSlot tickTask_;
+};
+
+} // namespace corvane

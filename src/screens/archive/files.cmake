@@ -1,0 +1,28 @@
+# The QML files and the C++ sources of this folder.
+set(archive_qml
+    ArchiveConfirmSheet.qml
+    ArchiveResultSheet.qml
+    ArchiveRunningSheet.qml
+    ArchiveSheets.qml
+    CandidateList.qml
+    CandidateRow.qml
+    FailureGroups.qml
+    places/DestinationCard.qml
+    places/DestinationCards.qml
+    places/FolderChooser.qml
+    places/FolderList.qml
+    places/FolderPlaces.qml
+    places/FolderSheet.qml
+    places/NewFolderRow.qml
+)
+set(archive_sources
+    archive_candidates_model.cpp
+    archive_progress.cpp
+    archive_result.cpp
+    archive_screen.cpp
+    archive_texts.cpp
+    run_pace.cpp
+    places/folder_listing.cpp
+    places/folder_picker.cpp
+    places/quick_destinations.cpp
+)

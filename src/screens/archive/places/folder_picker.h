@@ -1,0 +1,102 @@
+// The folder picker's content: one folder with the folders in it, the places to begin at, and what went
+// wrong last. A folder that can't be opened leaves the list as it is. Main thread; the disk is asked in the
+// background, since a cloud folder may hang.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <QAbstractListModel>
+#include <QVariantList>
+#include <QtQml/qqmlregistration.h>
+
+#include "model/corvane_view_model.h"
+#include "screens/archive/places/folder_listing.h"
+
+namespace corvane {
+
+class FolderPicker : public QAbstractListModel {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("part of the archive sheet")
+    Q_PROPERTY(QString pathText READ pathText NOTIFY listed)
+    Q_PROPERTY(bool canGoUp READ canGoUp NOTIFY listed)
+    Q_PROPERTY(bool busy READ isBusy NOTIFY busyChanged)
+    Q_PROPERTY(QString errorText READ errorText NOTIFY errorChanged)
+    Q_PROPERTY(QVariantList places READ places NOTIFY placesChanged)
+
+  public:
+    enum Role { NameRole = Qt::UserRole };
+
+    explicit FolderPicker(CorvaneViewModel& model, QObject* parent = nullptr);
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
+
+    // The shown folder, as it is written into the field.
+    [[nodiscard]] QString pathText() const;
+
+    [[nodiscard]] bool canGoUp() const { return !shown_.path.empty() && shown_.path != "/"; }
+
+    [[nodiscard]] bool isBusy() const { return isBusy_; }
+
+    [[nodiscard]] const QString& errorText() const { return errorText_; }
+
+    // Each with `name`, `detail`, `symbol` and `chosen`: whether it is the shown folder.
+    [[nodiscard]] QVariantList places() const;
+
+    [[nodiscard]] const std::string& chosenPath() const { return chosenPath_; }
+
+    // The chosen folder would be this one: that of the row, the shown one for -1.
+    Q_INVOKABLE [[nodiscard]] QString targetText(int row) const;
+
+    // The first row from `from` on, round the end, whose name begins so; -1 for none.
+    Q_INVOKABLE [[nodiscard]] int rowStartingWith(const QString& text, int from) const;
+
+    // Begins at the present destination, or where it was.
+    Q_INVOKABLE void begin();
+    Q_INVOKABLE void openRow(int row);
+    Q_INVOKABLE void openPlace(int place);
+    Q_INVOKABLE void openTyped(const QString& text);
+    Q_INVOKABLE void goUp();
+    Q_INVOKABLE void makeFolder(const QString& name);
+    // `chosen` follows, or an error.
+    Q_INVOKABLE void choose(int row);
+
+  Q_SIGNALS:
+    void listed();
+    void folderMade();
+    void busyChanged();
+    void errorChanged();
+    void placesChanged();
+    void chosen();
+
+  private:
+    struct Place {
+        std::string path;
+        QString name;
+        QString detail;
+        QString symbol;
+    };
+
+    using Job = std::function<FolderListing(const std::stop_token&)>;
+
+    void list(Job job, bool makesFolder = false);
+    void take(FolderListing listing);
+    void setBusy(bool busy);
+    void setError(const QString& text);
+    void findPlaces();
+    [[nodiscard]] std::string target(int row) const;
+
+    CorvaneViewModel& model_;
+    FolderListing shown_;
+    std::vector<Place> places_;
+    std::string chosenPath_;
+    QString errorText_;
+    bool isBusy_ = false;
+    TaskSlot task_;
+    TaskSlot placesTask_;
+};
+
+} // namespace corvane

@@ -1,0 +1,147 @@
+#include "screens/archive/places/quick_destinations.h"
+
+#include "platform/paths.h"
+#include "records/logs/console_log.h"
+#include "screens/texts/destination_texts.h"
+#include "screens/texts/shown_figures.h"
+#include "screens/texts/shown_text.h"
+
+namespace corvane {
+
+namespace {
+
+// An archive's years don't go among the user's own folders.
+constexpr const char* ownFolderName = "邮件归档";
+
+bool isWithin(const std::string& path, const std::string& folder) {
+    return path == folder || path.starts_with(folder + "/");
+}
+
+QString shownFolder(const std::string& path, const std::string& home) {
+    return screens::shownPath(screens::wholeText(path), screens::wholeText(home));
+}
+
+} // namespace
+
+QuickDestinations::QuickDestinations(CorvaneViewModel& model, QObject* parent)
+  : RowListModel(parent)
+  , model_(model)
+  , detectionTask_(model.context().tasks) {
+    connect(&model.destinations(), &ArchiveDestinations::destinationChanged, this, &QuickDestinations::show);
+    connect(&model.destinations(), &ArchiveDestinations::factsChanged, this, &QuickDestinations::show);
+    show();
+}
+
+int QuickDestinations::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+QHash<int, QByteArray> QuickDestinations::roleNames() const {
+    return {{NameRole, "name"},
+            {DetailRole, "detail"},
+            {SymbolRole, "symbol"},
+            {ChosenRole, "chosen"},
+            {ConnectedRole, "connected"}};
+}
+
+QVariant QuickDestinations::data(const QModelIndex& index, int role) const {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
+    const QuickDestination& row = rows_[static_cast<std::size_t>(index.row())];
+    switch (role) {
+    case NameRole:
+        return row.name;
+    case DetailRole:
+        return row.isConnected ? row.detail : QStringLiteral("未连接");
+    case SymbolRole:
+        return row.symbol;
+    case ChosenRole:
+        return row.isChosen;
+    case ConnectedRole:
+        return row.isConnected;
+    default:
+        return {};
+    }
+}
+
+bool QuickDestinations::hasQuickDestinations() const {
+    return !detectedProviders_.empty() || !detectedVolumes_.empty() ||
+           !model_.destinations().facts().rememberedManualDestinations.empty();
+}
+
+// The archive that lies there already, so that a press doesn't begin a second one beside it.
+std::string QuickDestinations::archiveFolderIn(const std::string& place) const {
+    const auto& chosen = model_.destinations().transferDestination();
+    if (chosen && isWithin(*chosen, place)) return *chosen;
+    for (const ArchiveLocation& location : model_.library().archiveLocations()) {
+        if (location.isConnected && isWithin(location.rootPath, place)) return location.rootPath;
+    }
+    return platform::joinPath(place, ownFolderName);
+}
+
+QuickDestination QuickDestinations::rowOf(const CloudStorageProvider& place) const {
+    const auto& chosen = model_.destinations().transferDestination();
+    QuickDestination row;
+    row.path = archiveFolderIn(place.path);
+    row.name = screens::shownLine(place.name);
+    row.detail = screens::shownLine(place.detail.value_or("云盘"));
+    row.symbol = QString::fromStdString(place.icon);
+    row.isChosen = chosen && isWithin(*chosen, place.path);
+    row.isConnected = !row.isChosen || model_.destinations().facts().connected;
+    return row;
+}
+
+QuickDestination QuickDestinations::rowOfFolder(const std::string& path) const {
+    const ArchiveDestinations& destinations = model_.destinations();
+    const bool isChosen = destinations.transferDestination() == path;
+    const DestinationFacts facts = isChosen ? destinations.facts() : DestinationFacts();
+    const std::optional<std::string> folder = path;
+    const DestinationView view{folder, facts, model_.context().platform};
+    return {path,
+            screens::destinationName(view),
+            shownFolder(std::string(platform::parentPath(path)),
+                        model_.context().platform.realUserHomeDirectory()),
+            screens::destinationSymbol(view),
+            isChosen,
+            facts.connected};
+}
+
+std::vector<QuickDestination> QuickDestinations::makeRows() const {
+    std::vector<QuickDestination> rows;
+    rows.reserve(detectedProviders_.size() + detectedVolumes_.size());
+    for (const CloudStorageProvider& place : detectedProviders_) rows.push_back(rowOf(place));
+    for (const CloudStorageProvider& place : detectedVolumes_) rows.push_back(rowOf(place));
+    const auto add = [&](const std::string& path) {
+        const auto isKnown = [&](const QuickDestination& row) { return row.path == path; };
+        if (std::none_of(rows.begin(), rows.end(), isKnown)) rows.push_back(rowOfFolder(path));
+    };
+    for (const std::string& path : model_.destinations().facts().rememberedManualDestinations) add(path);
+    if (const auto& chosen = model_.destinations().transferDestination()) add(*chosen);
+    return rows;
+}
+
+void QuickDestinations::show() {
+    updateRows(rows_, makeRows(), [](const QuickDestination& row) { return std::string_view(row.path); });
+    Q_EMIT changed();
+}
+
+void QuickDestinations::refreshDetectedDestinations() {
+    consoleLine("[HangTrace] settings refreshDetectedDestinations begin(main)");
+    detectionTask_.start(
+        TaskPriority::userInitiated, [this, &platform = model_.context().platform](const TaskHandle& task) {
+            task.onMain(
+                [this, providers = detectCloudStorage(platform), volumes = detectRemovableVolumes(platform)] {
+                    detectedProviders_ = providers;
+                    detectedVolumes_ = volumes;
+                    show();
+                    consoleLine("[HangTrace] settings refreshDetectedDestinations applied(main)");
+                });
+        });
+}
+
+void QuickDestinations::choose(int row) {
+    if (row < 0 || row >= rowCount()) return;
+    const QuickDestination& chosen = rows_[static_cast<std::size_t>(row)];
+    if (chosen.isConnected && !chosen.isChosen) model_.destinations().setTransferDestination(chosen.path);
+}
+
+} // namespace corvane

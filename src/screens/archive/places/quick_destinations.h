@@ -1,0 +1,66 @@
+// The places that the archive sheet offers at one press: cloud folders and external disks of this machine,
+// folders that were used before, and the present destination. Main thread; the places are looked for in the
+// background, since their disks may hang.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <QtQml/qqmlregistration.h>
+
+#include "model/corvane_view_model.h"
+#include "model/destination_detection.h"
+#include "screens/lists/row_list_model.h"
+
+namespace corvane {
+
+struct QuickDestination {
+    std::string path; // of the archive folder that a press chooses
+    QString name;
+    QString detail;
+    QString symbol;
+    bool isChosen = false;
+    bool isConnected = true;
+
+    friend bool operator==(const QuickDestination&, const QuickDestination&) = default;
+};
+
+class QuickDestinations : public RowListModel {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("part of the archive sheet")
+    Q_PROPERTY(bool hasQuickDestinations READ hasQuickDestinations NOTIFY changed)
+
+  public:
+    enum Role { NameRole = Qt::UserRole, DetailRole, SymbolRole, ChosenRole, ConnectedRole };
+
+    explicit QuickDestinations(CorvaneViewModel& model, QObject* parent = nullptr);
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
+
+    [[nodiscard]] bool hasQuickDestinations() const;
+
+    void refreshDetectedDestinations();
+
+    Q_INVOKABLE void choose(int row);
+
+  Q_SIGNALS:
+    void changed();
+
+  private:
+    [[nodiscard]] std::vector<QuickDestination> makeRows() const;
+    [[nodiscard]] QuickDestination rowOf(const CloudStorageProvider& place) const;
+    [[nodiscard]] std::string archiveFolderIn(const std::string& place) const;
+    [[nodiscard]] QuickDestination rowOfFolder(const std::string& path) const;
+    void show();
+
+    CorvaneViewModel& model_;
+    std::vector<CloudStorageProvider> detectedProviders_;
+    std::vector<CloudStorageProvider> detectedVolumes_;
+    std::vector<QuickDestination> rows_;
+    TaskSlot detectionTask_;
+};
+
+} // namespace corvane

@@ -1,0 +1,54 @@
+# The QML files and the C++ sources of this folder.
+set(controls_qml
+    buttons/AppButton.qml
+    buttons/AppMenu.qml
+    buttons/AppMenuLine.qml
+    buttons/AppMenuRow.qml
+    buttons/AppToolTip.qml
+    buttons/CopyButton.qml
+    buttons/DisclosureArrow.qml
+    buttons/IconButton.qml
+    buttons/MenuButton.qml
+    buttons/PlainButton.qml
+    buttons/PrimaryButton.qml
+    charts/ChartLegend.qml
+    charts/ProgressTrack.qml
+    charts/ReadOut.qml
+    charts/ReadOutPopup.qml
+    charts/ShareBar.qml
+    charts/SizeBar.qml
+    charts/StatTile.qml
+    charts/YearChart.qml
+    charts/YearColumn.qml
+    input/AppTextField.qml
+    input/Chip.qml
+    input/FilterChip.qml
+    input/SearchField.qml
+    input/SegmentedControl.qml
+    input/Switch.qml
+    input/TickBox.qml
+    panes/Banner.qml
+    panes/BottomBar.qml
+    panes/CountPill.qml
+    panes/EmptyState.qml
+    panes/ScreenHead.qml
+    panes/Splitter.qml
+    panes/StepList.qml
+    sheets/ConfirmSheet.qml
+    sheets/OpenSheets.qml
+    sheets/Sheet.qml
+    sheets/SheetHead.qml
+    theme/AppText.qml
+    theme/FocusRing.qml
+    theme/Swatch.qml
+    theme/Theme.qml
+)
+set(controls_sources
+    charts/chart_math.cpp
+    focus/focus_group.cpp
+    focus/keyboard_focus.cpp
+    theme/appearance.cpp
+    theme/desktop_looks.cpp
+    theme/fonts.cpp
+    theme/symbol.cpp
+)

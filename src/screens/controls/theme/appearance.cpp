@@ -1,0 +1,63 @@
+#include "screens/controls/theme/appearance.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QJSEngine>
+#include <QPalette>
+#include <QStandardPaths>
+
+namespace corvane {
+
+namespace {
+
+Appearance* theAppearance = nullptr;
+
+// The palette is what every platform theme sets, also those that know no colour schemes.
+bool paletteIsDark() {
+    const QPalette palette = QGuiApplication::palette();
+    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
+}
+
+} // namespace
+
+Appearance::Appearance(std::optional<Scheme> forced, QObject* parent)
+  : QObject(parent)
+  , forced_(forced)
+  , looks_(DesktopLooks::of(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)))
+  , reducedMotion_(qEnvironmentVariableIsSet("CORVANE_REDUCED_MOTION") || looks_.animates == false) {
+    theAppearance = this;
+    qGuiApp->installEventFilter(this);
+    follow();
+}
+
+Appearance::~Appearance() {
+    theAppearance = nullptr;
+}
+
+Appearance* Appearance::create(QQmlEngine* /*qmlEngine*/, QJSEngine* /*jsEngine*/) {
+    // The entry owns it, not the engine.
+    if (theAppearance == nullptr) new Appearance(std::nullopt, qGuiApp);
+    QJSEngine::setObjectOwnership(theAppearance, QJSEngine::CppOwnership);
+    return theAppearance;
+}
+
+QFont Appearance::windowFont(int pixels) const {
+    QFont font = QGuiApplication::font();
+    font.setFamilies(font.families());
+    font.setPixelSize(pixels);
+    return font;
+}
+
+bool Appearance::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange) follow();
+    return QObject::eventFilter(watched, event);
+}
+
+void Appearance::follow() {
+    const bool dark = forced_ ? *forced_ == Scheme::dark : paletteIsDark() || looks_.isDark == true;
+    if (dark == dark_) return;
+    dark_ = dark;
+    Q_EMIT darkChanged();
+}
+
+} // namespace corvane

@@ -1,0 +1,45 @@
+#include "screens/home/figures/year_series.h"
+
+#include <QVariantMap>
+
+namespace corvane::screens {
+
+std::vector<YearBar> yearBars(const OrganizeOverview& overview, const std::optional<std::string>& accountKey,
+                              const std::set<std::int64_t>& tickedYears, const IndexedYears& indexed) {
+    std::map<std::int64_t, YearBar> bars;
+    for (const OrganizeAccountTally& account : overview.accounts) {
+        if (!indexed.counts(account.key, accountKey)) continue;
+        for (const auto& [year, tally] : account.years) {
+            bars[year].archived += tally.archived;
+            bars[year].unarchived += tally.local - tally.archived;
+        }
+    }
+    for (const auto& [year, count] : indexed.countsByYear(accountKey)) {
+        const auto known = bars.find(year);
+        const std::int64_t local =
+            known == bars.end() ? 0 : known->second.archived + known->second.unarchived;
+        if (count > local) bars[year].serverOnly = count - local;
+    }
+    bars.erase(undatedYear);
+    std::vector<YearBar> sorted;
+    for (auto& [year, bar] : bars) {
+        bar.year = year;
+        bar.hasTicks = tickedYears.contains(year);
+        sorted.push_back(bar);
+    }
+    return sorted;
+}
+
+QVariantList chartYears(const std::vector<YearBar>& bars) {
+    QVariantList years;
+    for (const YearBar& bar : bars) {
+        years << QVariantMap{{QStringLiteral("year"), static_cast<int>(bar.year)},
+                             {QStringLiteral("archived"), static_cast<int>(bar.archived)},
+                             {QStringLiteral("unarchived"), static_cast<int>(bar.unarchived)},
+                             {QStringLiteral("serverOnly"), static_cast<int>(bar.serverOnly)},
+                             {QStringLiteral("ticked"), bar.hasTicks}};
+    }
+    return years;
+}
+
+} // namespace corvane::screens

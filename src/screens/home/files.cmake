@@ -1,0 +1,28 @@
+# The QML files and the C++ sources of this folder.
+set(home_qml
+    CentredPane.qml
+    HomeFirstUse.qml
+    HomeLocationBar.qml
+    HomeNoAccess.qml
+    HomeOverview.qml
+    HomePage.qml
+    HomeScanning.qml
+    PermissionPicture.qml
+    ScanAccounts.qml
+    figures/AccountList.qml
+    figures/AccountShareRow.qml
+    figures/HomeChart.qml
+    tree/OrganizeTree.qml
+    tree/OrganizeTreeHead.qml
+    tree/OrganizeTreeRow.qml
+)
+set(home_sources
+    home_screen.cpp
+    organize_data.cpp
+    organize_sections.cpp
+    organize_ticks.cpp
+    safety_banner.cpp
+    figures/account_shares_model.cpp
+    figures/year_series.cpp
+    tree/organize_tree_model.cpp
+)

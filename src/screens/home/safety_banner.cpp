@@ -1,0 +1,32 @@
+#include "screens/home/safety_banner.h"
+
+#include "screens/texts/shown_figures.h"
+
+namespace corvane::screens {
+
+SafetyBanner deletionSafetyBanner(const QString& scopeTitle, const DeletionSafety& safety) {
+    const std::int64_t unarchived = safety.local - safety.archived;
+    SafetyBanner banner;
+    banner.headline = QStringLiteral("%1：已完成归档 %2 封，未归档 %3 封")
+                          .arg(scopeTitle, shownCount(safety.archived), shownCount(unarchived));
+    if (safety.local > 0 && unarchived > 0) {
+        banner.kind = QStringLiteral("attention");
+        banner.symbol = QStringLiteral("exclamationmark.triangle.fill");
+        banner.lines << QStringLiteral("先完成剩余邮件归档，再处理 Mail 原件。");
+    } else if (safety.local > 0) {
+        banner.kind = QStringLiteral("safe");
+        banner.symbol = QStringLiteral("checkmark.shield.fill");
+        banner.lines << QStringLiteral("本地原件都有 .eml 副本；确认后应通过 Apple Mail 移到废纸篓。");
+    } else {
+        banner.kind = QStringLiteral("info");
+        banner.symbol = QStringLiteral("info");
+        banner.lines << QStringLiteral("当前筛选里没有本地下载邮件需要处理。");
+    }
+    if (safety.serverOnly > 0) {
+        banner.lines << shownCount(safety.serverOnly) +
+                            QStringLiteral(" 封仅在服务器上；按日期段删除会同步删除服务器邮件。");
+    }
+    return banner;
+}
+
+} // namespace corvane::screens

@@ -1,0 +1,17 @@
+// Messages as lines of text, for the clipboard.
+#pragma once
+
+#include <stop_token>
+
+#include <QString>
+
+#include "records/mail_message_record.h"
+#include "screens/lists/row_ranges.h"
+
+namespace corvane::screens {
+
+// Date, sender, subject and size of the messages in these rows, one a line, without a line end behind the
+// last. Any thread; linear. Empty after a stop.
+QString messageLines(const MessageList& messages, const RowRanges& rows, const std::stop_token& stop);
+
+} // namespace corvane::screens

@@ -1,0 +1,26 @@
+# The QML files and the C++ sources of this folder.
+set(mails_qml
+    FilterPane.qml
+    FilterTickRow.qml
+    MailListPage.qml
+    MailListPane.qml
+    MailListState.qml
+    MessageMenu.qml
+    MessageRow.qml
+    detail/AttachmentBox.qml
+    detail/CopiesNote.qml
+    detail/DetailField.qml
+    detail/MessageDetailView.qml
+    detail/MessageFiles.qml
+    detail/MessageView.qml
+)
+set(mails_sources
+    filter_options.cpp
+    listed_counts.cpp
+    mail_list_actions.cpp
+    mail_list_filters.cpp
+    mail_list_screen.cpp
+    detail/attachment_list_model.cpp
+    detail/attachment_symbol.cpp
+    detail/message_detail.cpp
+)

@@ -1,0 +1,213 @@
+#include "screens/mails/mail_list_filters.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "screens/texts/shown_text.h"
+
+namespace corvane {
+
+namespace {
+
+template <class Value>
+std::set<Value> toggled(std::set<Value> values, const Value& value) {
+    if (values.erase(value) == 0) values.insert(value);
+    return values;
+}
+
+QString yearTitle(std::int64_t year) {
+    return QStringLiteral("%1 年").arg(year);
+}
+
+} // namespace
+
+QString yearRangesText(const std::set<std::int64_t>& years) {
+    QStringList ranges;
+    for (auto first = years.begin(); first != years.end();) {
+        auto last = first;
+        auto next = std::next(first);
+        while (next != years.end() && *next == *last + 1) last = next++;
+        ranges += first == last ? QString::number(*first) : QStringLiteral("%1–%2").arg(*first).arg(*last);
+        first = next;
+    }
+    return ranges.join(u"、") + QStringLiteral(" 年");
+}
+
+MailListFilters::MailListFilters(ModelFilters& filters, AccountDirectory& accounts, QObject* parent)
+  : QObject(parent)
+  , filters_(filters)
+  , directory_(accounts) {
+    pause_.setSingleShot(true);
+    pause_.setInterval(queryPause);
+    connect(&pause_, &QTimer::timeout, this, &MailListFilters::applyQuery);
+    connect(&filters_, &ModelFilters::listFilterChanged, this, &MailListFilters::follow);
+    connect(&directory_, &AccountDirectory::accountsChanged, this, &MailListFilters::follow);
+    follow();
+}
+
+bool MailListFilters::narrows() const {
+    return narrowsYears() || !filters_.filterAccountPrefixes().empty() ||
+           filters_.minimumAttachmentCount() > 0 || filters_.migratedFilter() != MigratedFilter::all ||
+           !filters_.searchText().empty();
+}
+
+void MailListFilters::setQuery(const QString& query) {
+    if (query_ == query) return;
+    query_ = query;
+    Q_EMIT queryChanged();
+    pause_.start();
+}
+
+void MailListFilters::applyQuery() {
+    pause_.stop();
+    filters_.setSearchText(query_.toStdString());
+}
+
+void MailListFilters::setMigrated(int filter) {
+    const auto last = static_cast<int>(allMigratedFilters.size()) - 1;
+    filters_.setMigratedFilter(allMigratedFilters[static_cast<std::size_t>(std::clamp(filter, 0, last))]);
+}
+
+void MailListFilters::setSortMode(int mode) {
+    filters_.setSortMode(allSortModes[static_cast<std::size_t>(std::clamp(mode, 0, 1))]);
+}
+
+void MailListFilters::setAscending(bool ascending) {
+    filters_.setSortAscending(ascending);
+}
+
+void MailListFilters::setMinimumAttachments(int count) {
+    filters_.setMinimumAttachmentCount(std::max(count, 0));
+}
+
+void MailListFilters::setOnlyBeforeCutoff(bool only) {
+    filters_.setOnlyBeforeCutoff(only);
+}
+
+void MailListFilters::toggleAccount(int row) {
+    if (row < 0 || row >= accountOptions_.count()) return;
+    const std::string& key = accountOptions_.options()[static_cast<std::size_t>(row)].key;
+    filters_.setFilterAccountPrefixes(toggled(filters_.filterAccountPrefixes(), key));
+}
+
+void MailListFilters::toggleYear(int row) {
+    if (row < 0 || row >= yearOptions_.count()) return;
+    const std::string& key = yearOptions_.options()[static_cast<std::size_t>(row)].key;
+    std::int64_t year = 0;
+    std::from_chars(key.data(), key.data() + key.size(), year);
+    filters_.setFilterYears(toggled(filters_.filterYears(), year));
+}
+
+void MailListFilters::clearYears() {
+    filters_.setFilterYears({});
+    filters_.setOnlyBeforeCutoff(false);
+}
+
+void MailListFilters::removeChip(int index) {
+    if (index < 0 || index >= static_cast<int>(chipList_.size())) return;
+    // Copied: removing it replaces the list that holds it.
+    const auto remove = chipList_[static_cast<std::size_t>(index)].remove;
+    remove();
+}
+
+void MailListFilters::clear() {
+    setQuery({});
+    applyQuery();
+    clearYears();
+    filters_.setFilterAccountPrefixes({});
+    filters_.setMinimumAttachmentCount(0);
+    filters_.setMigratedFilter(MigratedFilter::all);
+}
+
+void MailListFilters::setCounts(ListedCounts counts) {
+    counts_ = std::move(counts);
+    follow();
+}
+
+void MailListFilters::follow() {
+    accountOptions_.setOptions(makeAccountOptions());
+    yearOptions_.setOptions(makeYearOptions());
+    chipList_ = makeChips();
+    QStringList chips;
+    for (const Chip& chip : chipList_) chips += chip.text;
+    if (chips != chips_) {
+        chips_ = chips;
+        Q_EMIT chipsChanged();
+    }
+    // While somebody types, the field is ahead of the filter.
+    const QString applied = QString::fromStdString(filters_.searchText());
+    if (!pause_.isActive() && query_ != applied) {
+        query_ = applied;
+        Q_EMIT queryChanged();
+    }
+    Q_EMIT changed();
+}
+
+QString MailListFilters::accountTitle(const std::string& key) const {
+    for (const MailAccount& account : directory_.availableAccounts()) {
+        if (account.urlPrefix == key) return screens::shownLine(account.distinguishedLabel());
+    }
+    const auto counted = counts_.byAccount.find(key);
+    if (counted != counts_.byAccount.end() && !counted->second.name.empty()) {
+        return screens::shownLine(counted->second.name);
+    }
+    return key == unclassifiedAccountKey ? QStringLiteral("未识别邮箱") : screens::shownLine(key);
+}
+
+// Most bytes first, as everywhere; a chosen account that has no messages can still be let go.
+std::vector<FilterOption> MailListFilters::makeAccountOptions() const {
+    const std::set<std::string>& chosen = filters_.filterAccountPrefixes();
+    std::vector<std::pair<std::int64_t, FilterOption>> sized;
+    sized.reserve(counts_.byAccount.size() + chosen.size());
+    for (const auto& [key, account] : counts_.byAccount) {
+        sized.emplace_back(account.bytes,
+                           FilterOption{key, accountTitle(key), account.count, chosen.contains(key)});
+    }
+    for (const std::string& key : chosen) {
+        if (!counts_.byAccount.contains(key))
+            sized.emplace_back(0, FilterOption{key, accountTitle(key), 0, true});
+    }
+    std::stable_sort(sized.begin(), sized.end(),
+                     [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::vector<FilterOption> options;
+    options.reserve(sized.size());
+    for (auto& [bytes, option] : sized) options.push_back(std::move(option));
+    return options;
+}
+
+std::vector<FilterOption> MailListFilters::makeYearOptions() const {
+    const std::set<std::int64_t>& chosen = filters_.filterYears();
+    auto counts = counts_.byYear;
+    for (const std::int64_t year : chosen) counts.try_emplace(year, 0);
+    std::vector<FilterOption> options;
+    options.reserve(counts.size());
+    for (auto each = counts.rbegin(); each != counts.rend(); ++each) {
+        options.push_back({std::to_string(each->first), yearTitle(each->first), each->second,
+                           chosen.contains(each->first)});
+    }
+    return options;
+}
+
+std::vector<MailListFilters::Chip> MailListFilters::makeChips() {
+    std::vector<Chip> chips;
+    const auto& accounts = filters_.filterAccountPrefixes();
+    if (!accounts.empty()) {
+        const QString text = accounts.size() == 1 ? accountTitle(*accounts.begin())
+                                                  : QStringLiteral("%1 个邮箱").arg(accounts.size());
+        chips.push_back({text, [this] { filters_.setFilterAccountPrefixes({}); }});
+    }
+    if (minimumAttachments() > 0) {
+        chips.push_back({QStringLiteral("至少 %1 个附件").arg(minimumAttachments()),
+                         [this] { filters_.setMinimumAttachmentCount(0); }});
+    }
+    if (onlyBeforeCutoff()) {
+        chips.push_back({QStringLiteral("%1 年及以前").arg(cutoffYear()),
+                         [this] { filters_.setOnlyBeforeCutoff(false); }});
+    }
+    if (!filters_.filterYears().empty()) {
+        chips.push_back({yearRangesText(filters_.filterYears()), [this] { filters_.setFilterYears({}); }});
+    }
+    return chips;
+}
+
+} // namespace corvane

@@ -1,0 +1,254 @@
+#include "screens/mails/mail_list_screen.h"
+
+#include <utility>
+
+#include <QLocale>
+
+#include "records/formatters.h"
+#include "screens/texts/shown_text.h"
+
+namespace corvane {
+
+namespace {
+
+QString countAndSize(std::int64_t count, std::int64_t bytes) {
+    return QStringLiteral("%1 封 · %2")
+        .arg(QLocale(QLocale::Chinese).toString(count), screens::wholeText(formatByteCount(bytes)));
+}
+
+// More are looked at in the background only.
+constexpr int mostRowsLookedAt = 20'000;
+
+std::vector<std::int64_t> bytesBeforeRows(const MessageList& messages) {
+    std::vector<std::int64_t> bytes = {0};
+    bytes.reserve(messages.size() + 1);
+    for (const MailMessageRecord& message : messages) bytes.push_back(bytes.back() + message.messageSize);
+    return bytes;
+}
+
+} // namespace
+
+// The next list, with what was found out about it in the background.
+struct MailListScreen::Update {
+    SharedMessageList messages;
+    RowChanges changes;
+    std::vector<std::int64_t> bytesBefore;
+};
+
+MailListScreen::MailListScreen(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
+  : QObject(parent)
+  , model_(model)
+  , desktop_(desktop)
+  , filters_(model.filters(), model.accounts())
+  , updateTask_(model.context().tasks)
+  , countTask_(model.context().tasks)
+  , copyTask_(model.context().tasks)
+  , archiveTask_(model.context().tasks) {
+    wire();
+    followArchived();
+    followList();
+    recount();
+    updateState();
+}
+
+void MailListScreen::wire() {
+    connect(&model_.visible(), &VisibleMessages::visibleMessagesChanged, this, &MailListScreen::followList);
+    connect(&model_.visible(), &VisibleMessages::selectedMessageChanged, this,
+            &MailListScreen::followSelectedMessage);
+    connect(&model_.catalog(), &MessageCatalog::archivedMessagesChanged, this,
+            &MailListScreen::followArchived);
+    connect(&model_.catalog(), &MessageCatalog::availabilityPublished, this, &MailListScreen::recount);
+    connect(&model_.catalog(), &MessageCatalog::previewReplaced, this, &MailListScreen::takePreview);
+    connect(&model_.previews(), &PreviewRefresh::nothingFound, &detail_, &MessageDetail::setPreviewMissing);
+    model_.previews().setPreviewsShown(true);
+    connect(&model_.catalog(), &MessageCatalog::messagesChanged, this, [this] {
+        list_.forgetPreviews();
+        updateState();
+    });
+    connect(&model_.scanFlow(), &ScanFlow::stateChanged, this, &MailListScreen::updateState);
+    connect(&model_.diskAccess(), &FullDiskAccess::needsFullDiskAccessChanged, this,
+            &MailListScreen::updateState);
+    connect(&model_.filters(), &ModelFilters::listFilterChanged, this, [this] {
+        isRearranging_ = true;
+        updateState();
+    });
+    connect(&model_.archive(), &ArchiveControl::progressChanged, this, &MailListScreen::updateCanArchive);
+    connect(selection(), &ListSelection::currentRowChanged, this, &MailListScreen::takeCurrentRow);
+    connect(selection(), &ListSelection::selectionChanged, this, [this] {
+        Q_EMIT summaryChanged();
+        updateCanArchive();
+    });
+}
+
+void MailListScreen::followList() {
+    isUpdating_ = true;
+    waiting_.reset();
+    updateTask_.start(
+        TaskPriority::userInitiated,
+        [this, from = list_.messages(), to = model_.visible().visibleMessages()](const auto& task) {
+            auto update = std::make_shared<Update>();
+            update->changes = rowChanges(*from, *to);
+            update->bytesBefore = bytesBeforeRows(*to);
+            update->messages = to;
+            task.onMain([this, update] { take(update); });
+        });
+    updateState();
+}
+
+void MailListScreen::take(std::shared_ptr<Update> update) {
+    if (isHeld_) {
+        waiting_ = std::move(update);
+    } else {
+        apply(*update);
+    }
+}
+
+void MailListScreen::setHeld(bool held) {
+    if (isHeld_ == held) return;
+    isHeld_ = held;
+    Q_EMIT heldChanged();
+    if (const auto update = std::exchange(waiting_, nullptr); !held && update) apply(*update);
+}
+
+void MailListScreen::apply(Update& update) {
+    isUpdating_ = false;
+    bytesBefore_ = std::move(update.bytesBefore);
+    SharedMessageList earlier = list_.messages();
+    isApplying_ = true;
+    list_.apply(std::move(update.messages), update.changes);
+    isApplying_ = false;
+    // The end of a large list takes longer than a frame.
+    model_.context().tasks.run(TaskPriority::utility, std::stop_source(),
+                               [earlier = std::move(earlier)]() mutable { earlier.reset(); });
+    followSelectedMessage();
+    if (std::exchange(isRearranging_, false)) Q_EMIT listRearranged();
+    Q_EMIT summaryChanged();
+    updateCanArchive();
+    updateState();
+}
+
+// The model says which message is selected; the row follows where it isn't there already.
+void MailListScreen::followSelectedMessage() {
+    if (isUpdating_ || isApplying_) return;
+    const auto& id = model_.visible().selectedMessageID();
+    const MailMessageRecord* present = current();
+    if (id && (present == nullptr || present->id != *id)) showMessage(QString::fromStdString(*id));
+    // It went while the list was compared.
+    if (current() == nullptr) selection()->select(0);
+    showDetail();
+}
+
+void MailListScreen::showMessage(const QString& id) {
+    const std::string wanted = id.toStdString();
+    const MessageList& messages = *list_.messages();
+    const auto found = std::find_if(messages.begin(), messages.end(),
+                                    [&](const MailMessageRecord& message) { return message.id == wanted; });
+    if (found != messages.end()) selection()->select(static_cast<int>(found - messages.begin()));
+}
+
+void MailListScreen::takeCurrentRow() {
+    if (isApplying_) return;
+    if (const MailMessageRecord* message = current())
+        model_.visible().setSelectedMessageID(message->id.str());
+    showDetail();
+}
+
+void MailListScreen::showDetail() {
+    const MailMessageRecord* message = current();
+    // The catalog's record may know more than the list's: its preview is read again when it was damaged.
+    const MailMessageRecord* newest =
+        message == nullptr ? nullptr : model_.catalog().messageByID(message->id);
+    if (newest == nullptr) newest = message;
+    detail_.show(newest, newest != nullptr && list_.isArchived(*newest));
+}
+
+void MailListScreen::takePreview(const QString& id) {
+    if (const MailMessageRecord* message = model_.catalog().messageByID(id.toStdString()))
+        list_.setPreview(message->id, message->preview);
+    showDetail();
+}
+
+void MailListScreen::followArchived() {
+    list_.setArchivedIDs(model_.catalog().archivedMessageIDs());
+    showDetail();
+    updateCanArchive();
+}
+
+void MailListScreen::recount() {
+    MessageCatalog& catalog = model_.catalog();
+    countTask_.start(TaskPriority::utility,
+                     [this, messages = catalog.messages(), available = catalog.locallyAvailableIDs(),
+                      years = catalog.messageYearByID()](const TaskHandle& task) {
+                         auto counts = listedCounts(*messages, *available, *years, task.stopToken());
+                         auto shared = std::make_shared<ListedCounts>(std::move(counts));
+                         task.onMain([this, shared] { filters_.setCounts(std::move(*shared)); });
+                     });
+    updateState();
+}
+
+MailListScreen::State MailListScreen::currentState() const {
+    if (list_.count() > 0) return State::Listed;
+    const ScanFlow& scan = model_.scanFlow();
+    if (scan.state().isScanning()) return State::Scanning;
+    if (!model_.catalog().messages()->empty()) {
+        // A list without rows stays as it is until the next one is there.
+        if (isUpdating_ || !model_.visible().isCurrent())
+            return state_ == State::NoMatch ? State::NoMatch : State::Loading;
+        return filters_.narrows() ? State::NoMatch : State::NothingLocal;
+    }
+    if (model_.diskAccess().needsFullDiskAccess()) return State::NoAccess;
+    if (scan.state().kind == MailScanState::Kind::failed) return State::Failed;
+    // The small snapshot is there, the messages are being read.
+    if (scan.state().kind == MailScanState::Kind::finished) return State::Loading;
+    return State::NeverScanned;
+}
+
+void MailListScreen::updateState() {
+    state_ = currentState();
+    Q_EMIT stateChanged();
+}
+
+QString MailListScreen::stateText() const {
+    return state_ == State::Scanning || state_ == State::Failed
+               ? screens::wholeText(model_.scanFlow().state().text)
+               : QString();
+}
+
+QString MailListScreen::summaryText() const {
+    return list_.count() == 0 ? QStringLiteral("0 封") : countAndSize(list_.count(), bytesBefore_.back());
+}
+
+QString MailListScreen::selectionText() const {
+    const RowRanges& rows = list_.selection().rows();
+    if (rows.count() < 2) return {};
+    std::int64_t bytes = 0;
+    for (const auto& range : rows.ranges()) {
+        bytes += bytesBefore_[static_cast<std::size_t>(range.end)] -
+                 bytesBefore_[static_cast<std::size_t>(range.first)];
+    }
+    return QStringLiteral("已选 ") + countAndSize(rows.count(), bytes);
+}
+
+bool MailListScreen::mayArchiveSelection() const {
+    if (model_.archive().isArchiving()) return false;
+    int looked = 0;
+    for (const auto& range : list_.selection().rows().ranges()) {
+        for (int row = range.first; row < range.end; ++row) {
+            if (++looked > mostRowsLookedAt || !list_.isArchived(*list_.message(row))) return true;
+        }
+    }
+    return false;
+}
+
+void MailListScreen::updateCanArchive() {
+    const bool can = mayArchiveSelection();
+    if (can == canArchive_) return;
+    canArchive_ = can;
+    Q_EMIT canArchiveChanged();
+}
+
+const MailMessageRecord* MailListScreen::current() const {
+    return list_.message(list_.selection().currentRow());
+}
+
+} // namespace corvane

@@ -1,0 +1,23 @@
+# The QML files and the C++ sources of this folder.
+set(shell_qml
+    BlockedStartWindow.qml
+    CloseQuestion.qml
+    ContentView.qml
+    Main.qml
+    NoticeBar.qml
+    ScreenPage.qml
+    sidebar/Sidebar.qml
+    sidebar/SidebarFoot.qml
+    sidebar/SidebarItem.qml
+)
+set(shell_sources
+    archive_place.cpp
+    desktop_actions.cpp
+    window_frame.cpp
+    window_model.cpp
+    sidebar/activity.cpp
+    sidebar/sidebar_model.cpp
+    start/blocked_start.cpp
+    start/corvane_url.cpp
+    start/sample_store.cpp
+)

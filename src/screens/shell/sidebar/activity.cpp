@@ -1,0 +1,79 @@
+#include "screens/shell/sidebar/activity.h"
+
+#include <chrono>
+
+#include "screens/texts/shown_figures.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr std::chrono::seconds changePause(1);
+
+QString figureOf(const EmailArchiveProgress& progress) {
+    return QStringLiteral("%1 / %2").arg(screens::shownCount(progress.completed),
+                                         screens::shownCount(progress.total));
+}
+
+} // namespace
+
+Activity::Activity(CorvaneViewModel& model, std::chrono::milliseconds loadPatience, QObject* parent)
+  : QObject(parent)
+  , model_(model)
+  , loadPatience_(loadPatience) {
+    pause_.setSingleShot(true);
+    pause_.setInterval(changePause);
+    connect(&pause_, &QTimer::timeout, this, [this] { show(present()); });
+    connect(&model.scanFlow(), &ScanFlow::stateChanged, this, &Activity::follow);
+    connect(&model.catalog(), &MessageCatalog::summaryChanged, this, &Activity::follow);
+    connect(&model.archive(), &ArchiveControl::progressChanged, this, &Activity::follow);
+    connect(&model.bodyTexts(), &BodyTexts::bodyIndexProgressChanged, this, &Activity::follow);
+    connect(&model.library(), &LibraryLoader::loadStarted, this, &Activity::noteLoad);
+    connect(&model.library(), &LibraryLoader::loadFinished, this, &Activity::follow);
+    noteLoad();
+}
+
+void Activity::noteLoad() {
+    loadClock_.start();
+    QTimer::singleShot(loadPatience_, this, &Activity::follow);
+    follow();
+}
+
+bool Activity::loadLasts() const {
+    return model_.library().isLoading() && loadClock_.elapsed() >= loadPatience_.count();
+}
+
+Activity::State Activity::present() const {
+    const QString home = QStringLiteral("home");
+    if (model_.archive().isArchiving()) {
+        const EmailArchiveProgress progress =
+            model_.archive().emailArchiveProgress().value_or(EmailArchiveProgress());
+        return {QStringLiteral("正在归档"), figureOf(progress), home, progress.fraction(), false};
+    }
+    if (model_.scanFlow().state().isScanning()) {
+        return {QStringLiteral("正在扫描 Mail…"),
+                screens::shownMessageCount(model_.catalog().summary().scannedMessages), home, 0, true};
+    }
+    if (const auto& progress = model_.bodyTexts().bodyIndexProgress())
+        return {QStringLiteral("正在准备正文预览"), figureOf(*progress), home, progress->fraction(), false};
+    if (loadLasts()) return {QStringLiteral("正在读取归档库"), {}, home, 0, true};
+    return {};
+}
+
+void Activity::follow() {
+    State state = present();
+    // Another work, or its end, is told at once.
+    if (state.title != shown_.title) {
+        show(std::move(state));
+    } else if (running() && !pause_.isActive()) {
+        pause_.start();
+    }
+}
+
+void Activity::show(State state) {
+    if (state == shown_) return;
+    shown_ = std::move(state);
+    Q_EMIT changed();
+}
+
+} // namespace corvane

@@ -1,0 +1,116 @@
+#include "screens/shell/window_model.h"
+
+#include <filesystem>
+
+#include <QUrl>
+#include <fmt/format.h>
+
+#include "screens/controls/theme/fonts.h"
+#include "screens/shell/start/corvane_url.h"
+#include "screens/texts/shown_figures.h"
+#include "screens/texts/shown_text.h"
+
+namespace corvane {
+
+namespace {
+
+std::string lengthKey(const QString& name) {
+    return "corvaneLength." + name.toStdString();
+}
+
+} // namespace
+
+WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figuresInterval, QObject* parent)
+  : QObject(parent)
+  , model_(model)
+  , organizeData_(model, figuresInterval)
+  , archive_(model, organizeData_, desktop_)
+  , home_(model, organizeData_, archive_, desktop_)
+  , activity_(model)
+  , archivePlace_(model)
+  , sampleStore_(model.context(), SampleStore::makersOf(model.context().platform))
+  , mails_(model, desktop_)
+  , addressTask_(model.context().tasks) {
+    connect(&home_, &HomeScreen::figuresChanged, this, &WindowModel::showFigures);
+    connect(&home_, &HomeScreen::stateChanged, this, &WindowModel::showFigures);
+    connect(&model.catalog(), &MessageCatalog::messagesChanged, this, &WindowModel::showFigures);
+    connect(&model.catalog(), &MessageCatalog::summaryChanged, this, &WindowModel::showFigures);
+    connect(&model.archive(), &ArchiveControl::progressChanged, this, [this] {
+        if (archiving() == wasArchiving_) return;
+        wasArchiving_ = archiving();
+        Q_EMIT archivingChanged();
+        if (!wasArchiving_ && stopping_) {
+            stopping_ = false;
+            Q_EMIT stopped();
+        }
+    });
+    connect(&mails_, &MailListScreen::archiveRequested, &archive_,
+            [this](const std::shared_ptr<const SharedTextSet>& ids) { archive_.open(ids); });
+    showFigures();
+}
+
+bool WindowModel::hasChineseFont() const {
+    return corvane::hasChineseFont();
+}
+
+QString WindowModel::damagedSettings() const {
+    const ModelContext& context = model_.context();
+    const auto& path = context.settings.setAside();
+    if (!path) return {};
+    return screens::shownPath(screens::wholeText(*path),
+                              screens::wholeText(context.platform.realUserHomeDirectory()));
+}
+
+void WindowModel::startUp() {
+    if (startedUp_) return;
+    startedUp_ = true;
+    model_.context().startupLog.mark(fmt::format("ContentView onAppear mode=organize entries={}",
+                                                 model_.library().archivedEntries()->size()));
+    model_.library().loadCachedArchiveLibraryIfNeeded();
+    model_.scanFlow().loadCachedScanIfNeeded(false);
+}
+
+void WindowModel::refreshAllMailData() {
+    if (!archiving() && !model_.scanFlow().state().isScanning()) model_.scanFlow().refreshAllMailData();
+}
+
+void WindowModel::stopArchiving() {
+    if (!archiving()) {
+        Q_EMIT stopped();
+        return;
+    }
+    stopping_ = true;
+    model_.archive().cancelEmailArchive();
+}
+
+void WindowModel::openAddress(const QString& address) {
+    const std::optional<QString> folder = folderOfUrl(address);
+    if (!folder) return;
+    // Only folders: an address comes from anywhere, and a file would be given to the program that runs it.
+    addressTask_.start(TaskPriority::userInitiated, [this, path = *folder](const TaskHandle& task) {
+        std::error_code ignored;
+        if (!std::filesystem::is_directory(path.toStdString(), ignored)) return;
+        task.onMain([this, path] { desktop_.open(QUrl::fromLocalFile(path + u'/')); });
+    });
+}
+
+qreal WindowModel::storedLength(const QString& name, qreal fallback, qreal minimum, qreal maximum) const {
+    const std::optional<std::string> text = model_.context().settings.text(lengthKey(name));
+    if (!text) return fallback;
+    bool isNumber = false;
+    const qreal length = QString::fromStdString(*text).toDouble(&isNumber);
+    return isNumber && length >= minimum && length <= maximum ? length : fallback;
+}
+
+void WindowModel::storeLength(const QString& name, qreal length) {
+    model_.context().settings.setText(lengthKey(name), QString::number(length, 'f', 0).toStdString());
+}
+
+void WindowModel::showFigures() {
+    sidebar_.setFigure(u"home", home_.organizeSidebarSubtitle());
+    const std::int64_t listed = static_cast<std::int64_t>(model_.catalog().messages()->size());
+    const std::int64_t shown = listed > 0 ? listed : model_.catalog().summary().scannedMessages;
+    sidebar_.setFigure(u"mails", shown > 0 ? screens::shownCount(shown) : QString());
+}
+
+} // namespace corvane

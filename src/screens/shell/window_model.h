@@ -1,0 +1,109 @@
+// What the window shows: one object for each screen over the one application model, and what the frame around
+// the screens needs. Main thread. Made by the entry; the QML root gets it as its initial property `app`.
+#pragma once
+
+#include <chrono>
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+#include "model/corvane_view_model.h"
+#include "screens/archive/archive_screen.h"
+#include "screens/home/home_screen.h"
+#include "screens/home/organize_data.h"
+#include "screens/mails/mail_list_screen.h"
+#include "screens/shell/archive_place.h"
+#include "screens/shell/desktop_actions.h"
+#include "screens/shell/sidebar/activity.h"
+#include "screens/shell/sidebar/sidebar_model.h"
+#include "screens/shell/start/sample_store.h"
+
+namespace corvane {
+
+class WindowModel : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made by the entry of the program")
+    Q_PROPERTY(corvane::HomeScreen* home READ home CONSTANT)
+    Q_PROPERTY(corvane::ArchiveScreen* archive READ archive CONSTANT)
+    Q_PROPERTY(corvane::SidebarModel* sidebar READ sidebar CONSTANT)
+    Q_PROPERTY(corvane::Activity* activity READ activity CONSTANT)
+    Q_PROPERTY(corvane::ArchivePlace* archivePlace READ archivePlace CONSTANT)
+    Q_PROPERTY(corvane::SampleStore* sampleStore READ sampleStore CONSTANT)
+    Q_PROPERTY(corvane::MailListScreen* mails READ mails CONSTANT)
+    Q_PROPERTY(bool archiving READ archiving NOTIFY archivingChanged)
+    Q_PROPERTY(bool hasChineseFont READ hasChineseFont CONSTANT)
+    Q_PROPERTY(QString damagedSettings READ damagedSettings CONSTANT)
+
+  public:
+    // `model` must outlive the window's model.
+    // Figures change at most once an interval.
+    explicit WindowModel(CorvaneViewModel& model,
+                         std::chrono::milliseconds figuresInterval = std::chrono::seconds(1),
+                         QObject* parent = nullptr);
+
+    [[nodiscard]] HomeScreen* home() { return &home_; }
+
+    [[nodiscard]] ArchiveScreen* archive() { return &archive_; }
+
+    [[nodiscard]] SidebarModel* sidebar() { return &sidebar_; }
+
+    [[nodiscard]] Activity* activity() { return &activity_; }
+
+    [[nodiscard]] ArchivePlace* archivePlace() { return &archivePlace_; }
+
+    [[nodiscard]] SampleStore* sampleStore() { return &sampleStore_; }
+
+    [[nodiscard]] MailListScreen* mails() { return &mails_; }
+
+    [[nodiscard]] bool archiving() const { return model_.archive().isArchiving(); }
+
+    [[nodiscard]] bool hasChineseFont() const;
+
+    // Where settings that couldn't be read at the start are kept, as it is shown; empty when they could.
+    [[nodiscard]] QString damagedSettings() const;
+
+    // The first frame has been shown: the work of the start that may take longer. Does it once.
+    Q_INVOKABLE void startUp();
+
+    // "更新 Mail 数据", unless something runs that it would disturb.
+    Q_INVOKABLE void refreshAllMailData();
+
+    // Ends a running archive in good order: after the message at work, with its index saved. `stopped`
+    // follows, at once when none runs.
+    Q_INVOKABLE void stopArchiving();
+
+    // Opens the folder that one of the program's own addresses names, if there is one; does nothing for any
+    // other.
+    Q_INVOKABLE void openAddress(const QString& address);
+
+    // A length that the user has set, such as a pane's width; `fallback` where there is none, or none between
+    // the limits. And how it is kept.
+    Q_INVOKABLE [[nodiscard]] qreal storedLength(const QString& name, qreal fallback, qreal minimum,
+                                                 qreal maximum) const;
+    Q_INVOKABLE void storeLength(const QString& name, qreal length);
+
+  Q_SIGNALS:
+    void archivingChanged();
+    void stopped();
+
+  private:
+    void showFigures();
+
+    CorvaneViewModel& model_;
+    DesktopActions desktop_;
+    OrganizeData organizeData_;
+    ArchiveScreen archive_;
+    HomeScreen home_;
+    SidebarModel sidebar_;
+    Activity activity_;
+    ArchivePlace archivePlace_;
+    SampleStore sampleStore_;
+    MailListScreen mails_;
+    TaskSlot addressTask_;
+    bool wasArchiving_ = false;
+    bool startedUp_ = false;
+    bool stopping_ = false;
+};
+
+} // namespace corvane

@@ -1,0 +1,7 @@
+# The QML files and the C++ sources of this folder.
+set(texts_sources
+    destination_texts.cpp
+    shown_figures.cpp
+    shown_text.cpp
+    text_lines.cpp
+)

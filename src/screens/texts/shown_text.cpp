@@ -1,0 +1,84 @@
+#include "screens/texts/shown_text.h"
+
+namespace corvane::screens {
+
+namespace {
+
+constexpr qsizetype longestUtf8Sequence = 4;
+
+bool isDirectionMark(char16_t unit) {
+    return unit == 0x061C || unit == 0x200E || unit == 0x200F || (unit >= 0x202A && unit <= 0x202E) ||
+           (unit >= 0x2066 && unit <= 0x2069);
+}
+
+bool isLineEnd(char16_t unit) {
+    return unit == u'\n' || unit == 0x0085 || unit == 0x2028 || unit == 0x2029;
+}
+
+bool isControl(char16_t unit) {
+    return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0xFEFF;
+}
+
+// As many whole characters as `limit` units and some that are taken out can need.
+std::string_view headOf(std::string_view text, qsizetype limit) {
+    const auto bytes = static_cast<std::size_t>(limit * 2 * longestUtf8Sequence);
+    if (text.size() <= bytes) return text;
+    std::size_t end = bytes;
+    for (qsizetype step = 0; step < longestUtf8Sequence && end > 0; ++step, --end) {
+        if ((static_cast<unsigned char>(text[end]) & 0xC0) != 0x80) break;
+    }
+    return text.substr(0, end);
+}
+
+QString cut(QString text, qsizetype limit, bool isShortened) {
+    if (text.size() > limit) {
+        text.truncate(text.at(limit - 1).isHighSurrogate() ? limit - 1 : limit);
+        isShortened = true;
+    }
+    return isShortened ? text + QChar(0x2026) : text;
+}
+
+QString shown(std::string_view text, qsizetype limit, bool keepsLines) {
+    const std::string_view head = headOf(text, limit);
+    const QString raw = QString::fromUtf8(head.data(), static_cast<qsizetype>(head.size()));
+    QString clean;
+    clean.reserve(raw.size());
+    for (const QChar character : raw) {
+        const char16_t unit = character.unicode();
+        if (isDirectionMark(unit)) continue;
+        if (keepsLines && isLineEnd(unit)) {
+            clean.append(u'\n');
+        } else if (isLineEnd(unit) || unit == u'\t' || unit == u' ') {
+            if (keepsLines || (!clean.isEmpty() && clean.back() != u' ')) clean.append(u' ');
+        } else if (!isControl(unit)) {
+            clean.append(character);
+        }
+    }
+    return cut(keepsLines ? clean : clean.trimmed(), limit, head.size() < text.size());
+}
+
+} // namespace
+
+QString shownLine(std::string_view text, qsizetype limit) {
+    return shown(text, limit, false);
+}
+
+QString shownText(std::string_view text, qsizetype limit) {
+    return shown(text, limit, true);
+}
+
+QString shownSender(std::string_view sender) {
+    const std::size_t address = sender.rfind('<');
+    if (address == std::string_view::npos || !sender.ends_with('>')) return shownLine(sender);
+    QString name = shownLine(sender.substr(0, address));
+    if (name.size() >= 2 && name.startsWith(u'"') && name.endsWith(u'"')) {
+        name = name.sliced(1, name.size() - 2).trimmed();
+    }
+    return name.isEmpty() ? shownLine(sender) : name;
+}
+
+QString wholeText(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+} // namespace corvane::screens
