@@ -22,15 +22,6 @@ std::string_view withoutPropertyList(std::string_view text) {
 
 } // namespace
 
-std::string previewText(const MailWorkerClient& worker, const FileURL& file) {
-    try {
-        std::string preview = worker.previewText(file, previewByteLimit);
-        if (!previewLooksCorrupt(preview)) return preview;
-    } catch (const WorkerError&) { // NOLINT(bugprone-empty-catch): our own walk follows
-    }
-    return previewTextWithoutWorker(file);
-}
-
 std::string previewTextWithoutWorker(const FileURL& file) {
     const std::string text = decodeEmlx(readMessagePrefix(file.path().str(), previewByteLimit));
     return previewText(withoutPropertyList(text));

@@ -1,7 +1,6 @@
 #include "mailstore/preview_text.h"
 
 #include <filesystem>
-#include <random>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -13,7 +12,6 @@
 #include "mailstore/signature_search.h"
 #include "mailstore/text_parts.h"
 #include "records/preview_placeholders.h"
-#include "support/scripted_platform.h"
 #include "text/encoding.h"
 #include "text/graphemes.h"
 #include "text/regex.h"
@@ -24,8 +22,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using testing::ScriptedPlatform;
-using testing::TemporaryHome;
 
 std::string repeated(std::string_view text, std::size_t count) {
     std::string result;
@@ -266,71 +262,6 @@ TEST(Preview, HostileTextsOfFullSizeComeToAnEnd) {
         EXPECT_FALSE(preview("Content-Type: text/html", body).empty());
         EXPECT_FALSE(preview("Content-Type: multipart/mixed; boundary=b", body).empty());
         EXPECT_FALSE(preview("Content-Type: multipart/mixed" + std::string(body), "x").empty());
-    }
-}
-
-// The worker of the source tree, or one that fails.
-struct PreviewWorker : ::testing::Test {
-    [[nodiscard]] FileURL mail(std::string_view content) const {
-        return FileURL(
-            home.write("1.emlx", fmt::format("{}\n{}<?xml version=\"1.0\"?>\n<plist>\n<dict/>\n</plist>\n",
-                                             content.size() + 10'000, content)));
-    }
-
-    void useFake(const std::string& answer) {
-        platform.resourceFolders = {home.path()};
-        home.write("mail_worker.py", fmt::format("print('''{}''')", answer));
-        platform.runtimes = {"/usr/bin/python3"};
-    }
-
-    TemporaryHome home;
-    ScriptedPlatform platform{home};
-    MailWorkerClient worker{platform};
-};
-
-TEST_F(PreviewWorker, IsAskedFirstAndCheckedAndReplaced) {
-    const FileURL file = mail("Subject: x\n\nour own");
-    EXPECT_EQ(previewText(worker, file), "our own");
-    useFake(R"({"ok": true, "preview": "of the worker"})");
-    EXPECT_EQ(previewText(worker, file), "of the worker");
-    for (const char* answer :
-         {R"({"ok": true, "preview": "Content-Type: x"})", R"({"ok": false})", "garbage"}) {
-        useFake(answer);
-        EXPECT_EQ(previewText(worker, file), "our own") << answer;
-    }
-    const auto encoded =
-        mail(message("Content-Transfer-Encoding: base64", text::base64Encoded("编码的正文") + "\n"));
-    EXPECT_EQ(previewText(worker, encoded), "编码的正文");
-    EXPECT_THROW(previewText(worker, FileURL(home.at("missing"))), MessageFileError);
-}
-
-TEST_F(PreviewWorker, AgreesWithTheFallbackOnPlainMail) {
-    platform.runtimes = {"/usr/bin/python3"};
-    std::mt19937 random(11);
-    const std::vector<std::string> words = {"word",  "longer", "mail", "归档", "邮件",
-                                            "naïve", "ende.",  "\n",   "\n",   " "};
-    std::vector<FileURL> files;
-    std::vector<std::string> ours;
-    for (int i = 0; i < 120; ++i) {
-        std::string text;
-        for (std::size_t w = 0; w < 1 + random() % 90; ++w) text += words[random() % words.size()] + " ";
-        std::string body = message("Content-Type: text/plain; charset=utf-8", text);
-        if (i % 3 == 1)
-            body = message("Content-Type: text/plain; charset=utf-8\nContent-Transfer-Encoding: base64",
-                           text::base64Encoded(text));
-        if (i % 3 == 2)
-            body = message(
-                "Content-Type: multipart/alternative; boundary=b",
-                fmt::format("--b\n{}\n--b\nContent-Type: text/html; charset=utf-8\n\n<p>{}</p>\n--b--\n",
-                            body.substr(body.find('\n') + 1), text));
-        files.emplace_back(home.write(fmt::format("{}.eml", i), body));
-        ours.push_back(previewText(body));
-    }
-    const auto texts = worker.bodyTextBatch(files, previewByteLimit);
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        std::string theirs = normalizedPreviewFormatting(texts.at(files[i].path()));
-        if (theirs.empty()) theirs = emptyBodyPreviewPlaceholder;
-        EXPECT_EQ(text::graphemePrefix(theirs, 280), ours[i]) << testing::readWhole(files[i].path().str());
     }
 }
 

@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "mailstore/emlx.h"
-#include "mailstore/preview_text.h"
+#include "mailstore/scan/worker_preview.h"
 #include "platform/paths.h"
 
 namespace corvane {

@@ -1,0 +1,17 @@
+#include "mailstore/scan/worker_preview.h"
+
+#include "mailstore/preview_layout.h"
+#include "mailstore/preview_text.h"
+
+namespace corvane::mailstore {
+
+std::string previewText(const MailWorkerClient& worker, const FileURL& file) {
+    try {
+        std::string preview = worker.previewText(file, previewByteLimit);
+        if (!previewLooksCorrupt(preview)) return preview;
+    } catch (const WorkerError&) { // NOLINT(bugprone-empty-catch): our own walk follows
+    }
+    return previewTextWithoutWorker(file);
+}
+
+} // namespace corvane::mailstore
