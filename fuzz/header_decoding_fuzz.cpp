@@ -4,13 +4,13 @@
 #include <set>
 #include <string_view>
 
-#include "mailstore/attachment_names.h"
-#include "mailstore/emlx.h"
 #include "mailstore/folders/mailbox_url.h"
-#include "mailstore/header_decoding.h"
-#include "mailstore/mail_date.h"
-#include "mailstore/message_identifiers.h"
 #include "mailstore/property_list.h"
+#include "mime/attachment_names.h"
+#include "mime/emlx.h"
+#include "mime/header_decoding.h"
+#include "mime/mail_date.h"
+#include "mime/message_identifiers.h"
 #include "text/charset.h"
 
 using namespace corvane;

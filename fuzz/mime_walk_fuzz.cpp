@@ -3,12 +3,12 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "mailstore/emlx.h"
-#include "mailstore/mime_walk.h"
-#include "mailstore/preview_layout.h"
-#include "mailstore/preview_text.h"
 #include "mailstore/scan/attachment_resolution.h"
-#include "mailstore/signature_search.h"
+#include "mime/emlx.h"
+#include "mime/mime_walk.h"
+#include "mime/preview_layout.h"
+#include "mime/preview_text.h"
+#include "mime/signature_search.h"
 #include "text/charset.h"
 #include "text/graphemes.h"
 

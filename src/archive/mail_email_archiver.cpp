@@ -9,7 +9,7 @@
 #include "archive/archive_error.h"
 #include "archive/archive_naming.h"
 #include "archive/message_extraction.h"
-#include "mailstore/header_decoding.h"
+#include "mime/header_decoding.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"

@@ -6,9 +6,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "mailstore/attachment_names.h"
 #include "mailstore/folders/store_listing.h"
 #include "mailstore/scan/mail_data_scanner.h"
+#include "mime/attachment_names.h"
 #include "platform/paths.h"
 #include "support/temporary_home.h"
 

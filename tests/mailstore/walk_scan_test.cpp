@@ -6,10 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "mailstore/emlx.h"
 #include "mailstore/sample_mail_store.h"
 #include "mailstore/scan/attachment_resolution.h"
 #include "mailstore/scan/mail_data_scanner.h"
+#include "mime/emlx.h"
 
 namespace corvane::mailstore {
 namespace {

@@ -5,9 +5,9 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include "mailstore/emlx.h"
-#include "mailstore/preview_layout.h"
-#include "mailstore/preview_text.h"
+#include "mime/emlx.h"
+#include "mime/preview_layout.h"
+#include "mime/preview_text.h"
 #include "records/preview_placeholders.h"
 #include "support/scripted_platform.h"
 #include "text/encoding.h"

@@ -2,7 +2,7 @@
 
 #include <future>
 
-#include "mailstore/preview_placeholders.h"
+#include "mime/preview_placeholders.h"
 #include "model/model_test.h"
 
 namespace corvane {

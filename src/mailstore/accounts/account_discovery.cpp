@@ -11,7 +11,7 @@
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/index_sql.h"
 #include "mailstore/index/sqlite_shell.h"
-#include "mailstore/text_parts.h"
+#include "mime/text_parts.h"
 #include "platform/directory.h"
 #include "platform/parallel.h"
 #include "records/logs/console_log.h"

@@ -8,7 +8,7 @@
 #include "mailstore/accounts/account_discovery.h"
 #include "mailstore/index/sqlite_shell.h"
 #include "mailstore/property_list.h"
-#include "mailstore/text_parts.h"
+#include "mime/text_parts.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"

@@ -7,7 +7,7 @@
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/index_sql.h"
 #include "mailstore/property_list.h"
-#include "mailstore/text_parts.h"
+#include "mime/text_parts.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
 #include "text/case.h"

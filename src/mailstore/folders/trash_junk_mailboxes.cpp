@@ -5,7 +5,7 @@
 #include "mailstore/index/quiet_database.h"
 #include "mailstore/index/sqlite_connection.h"
 #include "mailstore/reader_logs.h"
-#include "mailstore/text_parts.h"
+#include "mime/text_parts.h"
 #include "text/case.h"
 #include "text/encoding.h"
 #include "text/trim.h"

@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "mailstore/text_parts.h"
+#include "mime/text_parts.h"
 
 namespace corvane::mailstore {
 

@@ -2,14 +2,14 @@
 
 #include <fmt/format.h>
 
-#include "mailstore/attachment_names.h"
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/index_sql.h"
 #include "mailstore/index/mail_index_query_error.h"
-#include "mailstore/message_identifiers.h"
-#include "mailstore/preview_placeholders.h"
 #include "mailstore/reader_logs.h"
-#include "mailstore/text_parts.h"
+#include "mime/attachment_names.h"
+#include "mime/message_identifiers.h"
+#include "mime/preview_placeholders.h"
+#include "mime/text_parts.h"
 #include "platform/directory.h"
 
 namespace corvane::mailstore {

@@ -9,10 +9,10 @@
 
 #include "mailstore/folders/store_location.h"
 #include "mailstore/folders/trash_junk_mailboxes.h"
-#include "mailstore/header_decoding.h"
 #include "mailstore/index/index_sql.h"
 #include "mailstore/index/sqlite_shell.h"
-#include "mailstore/message_identifiers.h"
+#include "mime/header_decoding.h"
+#include "mime/message_identifiers.h"
 #include "text/case.h"
 #include "text/trim.h"
 

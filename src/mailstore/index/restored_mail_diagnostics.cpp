@@ -11,7 +11,7 @@
 #include "mailstore/index/sqlite_shell.h"
 #include "mailstore/index/year_counts.h"
 #include "mailstore/reader_logs.h"
-#include "mailstore/text_parts.h"
+#include "mime/text_parts.h"
 #include "text/encoding.h"
 
 namespace corvane::mailstore {

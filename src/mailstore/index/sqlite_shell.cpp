@@ -8,7 +8,7 @@
 #include "mailstore/index/quiet_database.h"
 #include "mailstore/index/sqlite_connection.h"
 #include "mailstore/reader_logs.h"
-#include "mailstore/text_parts.h"
+#include "mime/text_parts.h"
 #include "platform/child_process.h"
 #include "platform/directory.h"
 #include "records/logs/console_log.h"

@@ -11,7 +11,7 @@
 #include "mailstore/folders/trash_junk_mailboxes.h"
 #include "mailstore/index/index_sql.h"
 #include "mailstore/index/sqlite_shell.h"
-#include "mailstore/text_parts.h"
+#include "mime/text_parts.h"
 #include "platform/directory.h"
 #include "text/encoding.h"
 #include "text/trim.h"

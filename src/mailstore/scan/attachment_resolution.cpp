@@ -4,7 +4,7 @@
 #include <array>
 #include <unordered_set>
 
-#include "mailstore/attachment_names.h"
+#include "mime/attachment_names.h"
 #include "text/case.h"
 #include "text/regex.h"
 

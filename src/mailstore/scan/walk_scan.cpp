@@ -2,12 +2,12 @@
 
 #include <fmt/format.h>
 
-#include "mailstore/emlx.h"
 #include "mailstore/folders/folder_walk.h"
-#include "mailstore/header_decoding.h"
-#include "mailstore/mail_date.h"
-#include "mailstore/message_identifiers.h"
 #include "mailstore/scan/attachment_resolution.h"
+#include "mime/emlx.h"
+#include "mime/header_decoding.h"
+#include "mime/mail_date.h"
+#include "mime/message_identifiers.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
 #include "records/preview_placeholders.h"

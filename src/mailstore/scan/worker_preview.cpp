@@ -1,7 +1,7 @@
 #include "mailstore/scan/worker_preview.h"
 
-#include "mailstore/preview_layout.h"
-#include "mailstore/preview_text.h"
+#include "mime/preview_layout.h"
+#include "mime/preview_text.h"
 
 namespace corvane::mailstore {
 

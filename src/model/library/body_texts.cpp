@@ -6,7 +6,7 @@
 #include <QPointer>
 #include <fmt/format.h>
 
-#include "mailstore/header_decoding.h"
+#include "mime/header_decoding.h"
 #include "platform/directory.h"
 
 namespace corvane {

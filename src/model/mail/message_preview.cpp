@@ -2,8 +2,8 @@
 
 #include <stdexcept>
 
-#include "mailstore/emlx.h"
 #include "mailstore/scan/worker_preview.h"
+#include "mime/emlx.h"
 #include "platform/paths.h"
 
 namespace corvane {

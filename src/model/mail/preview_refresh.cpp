@@ -2,9 +2,9 @@
 
 #include <exception>
 
-#include "mailstore/emlx.h"
-#include "mailstore/preview_layout.h"
-#include "mailstore/preview_text.h"
+#include "mime/emlx.h"
+#include "mime/preview_layout.h"
+#include "mime/preview_text.h"
 #include "platform/directory.h"
 #include "records/preview_placeholders.h"
 #include "worker/mail_worker_client.h"

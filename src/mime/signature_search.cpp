@@ -1,4 +1,4 @@
-#include "mailstore/signature_search.h"
+#include "mime/signature_search.h"
 
 #include <algorithm>
 #include <array>

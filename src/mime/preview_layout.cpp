@@ -1,11 +1,11 @@
-#include "mailstore/preview_layout.h"
+#include "mime/preview_layout.h"
 
 #include <algorithm>
 #include <array>
 
-#include "mailstore/header_decoding.h"
-#include "mailstore/signature_search.h"
-#include "mailstore/text_parts.h"
+#include "mime/header_decoding.h"
+#include "mime/signature_search.h"
+#include "mime/text_parts.h"
 #include "records/preview_placeholders.h"
 #include "text/case.h"
 #include "text/graphemes.h"

@@ -1,12 +1,12 @@
-#include "mailstore/attachment_names.h"
+#include "mime/attachment_names.h"
 
 #include <algorithm>
 #include <array>
 
 #include <fmt/format.h>
 
-#include "mailstore/header_decoding.h"
-#include "mailstore/text_parts.h"
+#include "mime/header_decoding.h"
+#include "mime/text_parts.h"
 #include "platform/paths.h"
 #include "text/case.h"
 #include "text/encoding.h"

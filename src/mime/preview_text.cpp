@@ -1,10 +1,10 @@
-#include "mailstore/preview_text.h"
+#include "mime/preview_text.h"
 
 #include <algorithm>
 
-#include "mailstore/emlx.h"
-#include "mailstore/mime_walk.h"
-#include "mailstore/preview_layout.h"
+#include "mime/emlx.h"
+#include "mime/mime_walk.h"
+#include "mime/preview_layout.h"
 #include "records/preview_placeholders.h"
 #include "text/graphemes.h"
 

@@ -1,11 +1,11 @@
-#include "mailstore/header_decoding.h"
+#include "mime/header_decoding.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "mailstore/emlx.h"
-#include "mailstore/mail_date.h"
-#include "mailstore/message_identifiers.h"
+#include "mime/emlx.h"
+#include "mime/mail_date.h"
+#include "mime/message_identifiers.h"
 #include "support/temporary_home.h"
 
 namespace corvane::mailstore {

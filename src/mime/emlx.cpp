@@ -1,4 +1,4 @@
-#include "mailstore/emlx.h"
+#include "mime/emlx.h"
 
 #include <algorithm>
 

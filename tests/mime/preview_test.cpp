@@ -1,16 +1,17 @@
-#include "mailstore/preview_text.h"
+#include "mime/preview_text.h"
 
 #include <filesystem>
+#include <random>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "mailstore/emlx.h"
-#include "mailstore/mime_walk.h"
-#include "mailstore/preview_layout.h"
-#include "mailstore/signature_search.h"
-#include "mailstore/text_parts.h"
+#include "mime/emlx.h"
+#include "mime/mime_walk.h"
+#include "mime/preview_layout.h"
+#include "mime/signature_search.h"
+#include "mime/text_parts.h"
 #include "records/preview_placeholders.h"
 #include "text/encoding.h"
 #include "text/graphemes.h"

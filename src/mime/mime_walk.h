@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "mailstore/header_decoding.h"
+#include "mime/header_decoding.h"
 
 namespace corvane::mailstore {
 

@@ -1,4 +1,4 @@
-#include "mailstore/header_decoding.h"
+#include "mime/header_decoding.h"
 
 #include <algorithm>
 

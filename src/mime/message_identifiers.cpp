@@ -1,10 +1,10 @@
-#include "mailstore/message_identifiers.h"
+#include "mime/message_identifiers.h"
 
 #include <unordered_set>
 
 #include <fmt/format.h>
 
-#include "mailstore/header_decoding.h"
+#include "mime/header_decoding.h"
 #include "text/case.h"
 #include "text/trim.h"
 

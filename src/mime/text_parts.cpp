@@ -1,4 +1,4 @@
-#include "mailstore/text_parts.h"
+#include "mime/text_parts.h"
 
 namespace corvane::mailstore {
 

@@ -1,4 +1,4 @@
-#include "mailstore/mail_date.h"
+#include "mime/mail_date.h"
 
 #include <charconv>
 

@@ -1,11 +1,11 @@
-#include "mailstore/mime_walk.h"
+#include "mime/mime_walk.h"
 
 #include <algorithm>
 #include <iterator>
 
 #include <fmt/format.h>
 
-#include "mailstore/text_parts.h"
+#include "mime/text_parts.h"
 #include "text/case.h"
 #include "text/encoding.h"
 #include "text/regex.h"
