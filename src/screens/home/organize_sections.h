@@ -11,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "model/archiving/archive_control.h"
 #include "model/message_statistics.h"
 #include "model/space_usage.h"
 #include "records/mail_account.h"
