@@ -18,10 +18,13 @@ ARROWS = {
     "mailstore": {"text", "platform", "records", "mime", "worker"},
     "search": {"text", "platform", "records"},
     "archive": {"text", "platform", "records", "mime", "worker", "search"},
+    "listing": {"text", "platform", "records", "mailstore"},
+    "locations": {"text", "platform", "records", "search", "archive"},
     "library": {"text", "platform", "records"},
-    "model": {"text", "platform", "records", "mime", "worker", "mailstore", "search", "archive", "library"},
-    "cli": {"text", "platform", "records", "archive", "library", "model"},
-    "screens": {"text", "platform", "records", "archive", "library", "model"},
+    "model": {"text", "platform", "records", "mime", "worker", "mailstore", "search", "archive", "listing", "locations",
+              "library"},
+    "cli": {"text", "platform", "records", "archive", "listing", "locations", "library", "model"},
+    "screens": {"text", "platform", "records", "archive", "listing", "locations", "library", "model"},
     "app": {"platform", "records", "model", "screens"},
 }
 QT_ALLOWED = {"model", "cli", "screens", "app"}

@@ -5,8 +5,8 @@
 #include <QPointer>
 #include <fmt/format.h>
 
+#include "listing/count_reconciliation.h"
 #include "model/cloud_providers.h"
-#include "model/count_reconciliation.h"
 
 namespace corvane {
 

@@ -1,8 +1,8 @@
-#include "model/count_reconciliation.h"
+#include "listing/count_reconciliation.h"
+#include "listing/message_statistics.h"
+#include "listing/scan_deduplication.h"
+#include "listing/space_usage.h"
 #include "model/mail/visible_messages.h"
-#include "model/message_statistics.h"
-#include "model/scan_deduplication.h"
-#include "model/space_usage.h"
 #include "records/timestamps.h"
 #include "support/temporary_home.h"
 

@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-#include "model/file_existence.h"
+#include "listing/file_existence.h"
 #include "records/formatters.h"
 #include "records/stable_hash.h"
 #include "records/stable_id.h"

@@ -8,9 +8,9 @@
 
 #include <QObject>
 
+#include "listing/space_usage.h"
 #include "model/mail/account_directory.h"
 #include "model/mail/message_catalog.h"
-#include "model/space_usage.h"
 
 namespace corvane {
 

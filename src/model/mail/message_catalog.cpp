@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "model/file_existence.h"
+#include "listing/file_existence.h"
 #include "platform/parallel.h"
 #include "records/stable_id.h"
 

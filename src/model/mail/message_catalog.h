@@ -14,9 +14,9 @@
 
 #include <QObject>
 
+#include "listing/message_statistics.h"
 #include "model/archiving/archived_status.h"
 #include "model/mail/scan_cache_writer.h"
-#include "model/message_statistics.h"
 #include "model/model_context.h"
 #include "records/mail_account.h"
 #include "records/mail_message_record.h"

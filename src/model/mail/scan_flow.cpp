@@ -4,10 +4,10 @@
 
 #include <fmt/format.h>
 
+#include "listing/scan_deduplication.h"
 #include "mailstore/index/mail_index_query_error.h"
 #include "mailstore/scan/mail_data_scanner.h"
 #include "model/mail/mail_access.h"
-#include "model/scan_deduplication.h"
 #include "platform/directory.h"
 #include "platform/parallel.h"
 #include "records/logs/console_log.h"

@@ -7,7 +7,7 @@
 
 #include <QString>
 
-#include "model/space_usage.h"
+#include "listing/space_usage.h"
 #include "screens/texts/destination_texts.h"
 
 namespace corvane::screens {

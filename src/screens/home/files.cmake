@@ -19,8 +19,6 @@ set(home_qml
 set(home_sources
     home_screen.cpp
     organize_data.cpp
-    organize_sections.cpp
-    organize_ticks.cpp
     safety_banner.cpp
     figures/account_shares_model.cpp
     figures/year_series.cpp

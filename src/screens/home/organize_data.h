@@ -10,8 +10,8 @@
 #include <QObject>
 #include <QTimer>
 
+#include "listing/organize_sections.h"
 #include "model/corvane_view_model.h"
-#include "screens/home/organize_sections.h"
 
 namespace corvane {
 

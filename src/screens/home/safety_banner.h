@@ -7,7 +7,7 @@
 #include <QStringList>
 #include <QtQml/qqmlregistration.h>
 
-#include "model/space_usage.h"
+#include "listing/space_usage.h"
 
 namespace corvane {
 

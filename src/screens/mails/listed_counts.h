@@ -7,7 +7,7 @@
 #include <stop_token>
 #include <string>
 
-#include "model/message_statistics.h"
+#include "listing/message_statistics.h"
 #include "records/mail_message_record.h"
 #include "text/shared_text.h"
 

@@ -1,10 +1,10 @@
-#include "screens/home/organize_sections.h"
+#include "listing/organize_sections.h"
 
 #include <gtest/gtest.h>
 
+#include "listing/organize_ticks.h"
 #include "model/sample_messages.h"
 #include "screens/home/figures/year_series.h"
-#include "screens/home/organize_ticks.h"
 
 namespace corvane {
 namespace {

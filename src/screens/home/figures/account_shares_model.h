@@ -8,7 +8,7 @@
 
 #include <QtQml/qqmlregistration.h>
 
-#include "screens/home/organize_sections.h"
+#include "listing/organize_sections.h"
 #include "screens/lists/row_list_model.h"
 
 namespace corvane {

@@ -6,7 +6,7 @@
 
 #include <QVariantList>
 
-#include "screens/home/organize_sections.h"
+#include "listing/organize_sections.h"
 
 namespace corvane {
 

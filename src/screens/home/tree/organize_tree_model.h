@@ -9,8 +9,8 @@
 
 #include <QtQml/qqmlregistration.h>
 
-#include "screens/home/organize_sections.h"
-#include "screens/home/organize_ticks.h"
+#include "listing/organize_sections.h"
+#include "listing/organize_ticks.h"
 #include "screens/lists/list_selection.h"
 #include "screens/lists/row_list_model.h"
 

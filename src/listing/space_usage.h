@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "model/message_statistics.h"
+#include "listing/message_statistics.h"
 #include "records/mail_account.h"
 #include "records/mail_message_record.h"
 #include "records/statistics_records.h"

@@ -1,4 +1,4 @@
-#include "model/scan_deduplication.h"
+#include "listing/scan_deduplication.h"
 
 #include <algorithm>
 #include <unordered_set>

@@ -1,4 +1,4 @@
-#include "screens/home/organize_ticks.h"
+#include "listing/organize_ticks.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "model/space_usage.h"
+#include "listing/space_usage.h"
 
 #include <algorithm>
 #include <ranges>

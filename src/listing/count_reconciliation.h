@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "model/space_usage.h"
+#include "listing/space_usage.h"
 #include "records/statistics_records.h"
 
 namespace corvane {

@@ -1,4 +1,4 @@
-#include "model/message_statistics.h"
+#include "listing/message_statistics.h"
 
 #include <algorithm>
 #include <map>

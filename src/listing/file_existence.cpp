@@ -1,4 +1,4 @@
-#include "model/file_existence.h"
+#include "listing/file_existence.h"
 
 #include <algorithm>
 

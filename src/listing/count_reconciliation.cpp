@@ -1,4 +1,4 @@
-#include "model/count_reconciliation.h"
+#include "listing/count_reconciliation.h"
 
 #include <algorithm>
 #include <set>

@@ -1,4 +1,4 @@
-#include "screens/home/organize_sections.h"
+#include "listing/organize_sections.h"
 
 #include <algorithm>
 #include <limits>

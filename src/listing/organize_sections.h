@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "model/message_statistics.h"
-#include "model/space_usage.h"
+#include "listing/message_statistics.h"
+#include "listing/space_usage.h"
 #include "records/mail_account.h"
 #include "text/shared_text.h"
 
