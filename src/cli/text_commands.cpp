@@ -4,11 +4,11 @@
 #include <fmt/format.h>
 
 #include "archive/archive_naming.h"
+#include "archive/archived_attachment.h"
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/output.h"
 #include "cli/progress_line.h"
-#include "model/archived_attachment.h"
 #include "platform/directory.h"
 #include "platform/durable_file.h"
 #include "platform/paths.h"

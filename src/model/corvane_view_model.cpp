@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 
 #include "listing/count_reconciliation.h"
-#include "model/cloud_providers.h"
+#include "locations/cloud_providers.h"
 
 namespace corvane {
 

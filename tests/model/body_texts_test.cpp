@@ -5,8 +5,8 @@
 
 #include <gmock/gmock.h>
 
+#include "locations/known_locations.h"
 #include "model/archive_samples.h"
-#include "model/known_locations.h"
 #include "model/model_test.h"
 
 namespace corvane {

@@ -1,9 +1,9 @@
-#include "model/destination_detection.h"
+#include "locations/destination_detection.h"
 
 #include <filesystem>
 #include <fstream>
 
-#include "model/archive_discovery.h"
+#include "locations/archive_discovery.h"
 #include "model/archive_samples.h"
 #include "model/model_test.h"
 

@@ -2,9 +2,9 @@
 
 #include <filesystem>
 
-#include "model/known_locations.h"
+#include "locations/known_locations.h"
+#include "locations/settings_keys.h"
 #include "model/model_test.h"
-#include "model/settings_keys.h"
 #include "platform/directory.h"
 
 namespace corvane {

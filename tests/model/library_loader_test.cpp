@@ -4,9 +4,9 @@
 #include <fstream>
 #include <future>
 
+#include "locations/settings_keys.h"
 #include "model/archive_samples.h"
 #include "model/model_test.h"
-#include "model/settings_keys.h"
 #include "platform/directory.h"
 
 namespace corvane {

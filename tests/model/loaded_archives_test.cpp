@@ -1,11 +1,11 @@
-#include "model/loaded_archives.h"
+#include "locations/loaded_archives.h"
 
 #include <filesystem>
 
-#include "model/archive_index_cache.h"
-#include "model/archive_locations.h"
+#include "locations/archive_index_cache.h"
+#include "locations/archive_locations.h"
+#include "locations/archived_files.h"
 #include "model/archive_samples.h"
-#include "model/archived_files.h"
 #include "model/model_test.h"
 #include "platform/directory.h"
 #include "support/faulty_file_layer.h"

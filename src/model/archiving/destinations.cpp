@@ -4,9 +4,9 @@
 
 #include <fmt/format.h>
 
-#include "model/cloud_providers.h"
-#include "model/known_locations.h"
-#include "model/settings_keys.h"
+#include "locations/cloud_providers.h"
+#include "locations/known_locations.h"
+#include "locations/settings_keys.h"
 #include "platform/durable_file.h"
 #include "records/logs/console_log.h"
 

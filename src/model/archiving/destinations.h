@@ -8,7 +8,7 @@
 #include <QObject>
 #include <QTimer>
 
-#include "model/destination_facts.h"
+#include "locations/destination_facts.h"
 #include "model/model_context.h"
 
 namespace corvane {

@@ -6,8 +6,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "model/archive_locations.h"
-#include "model/cloud_providers.h"
+#include "locations/archive_locations.h"
+#include "locations/cloud_providers.h"
 
 namespace corvane {
 

@@ -17,9 +17,9 @@
 
 #include <QObject>
 
+#include "locations/library_load.h"
+#include "locations/loaded_archives.h"
 #include "model/library/library_snapshot_writer.h"
-#include "model/library_load.h"
-#include "model/loaded_archives.h"
 #include "model/model_context.h"
 #include "records/stores/library_snapshot_store.h"
 

@@ -2,9 +2,9 @@
 
 #include <map>
 
+#include "locations/settings_keys.h"
 #include "mailstore/accounts/account_discovery.h"
 #include "model/mail/mail_access.h"
-#include "model/settings_keys.h"
 #include "platform/parallel.h"
 
 namespace corvane {

@@ -9,7 +9,7 @@
 #include <QString>
 #include <QtQml/qqmlregistration.h>
 
-#include "model/destination_facts.h"
+#include "locations/destination_facts.h"
 #include "platform/platform.h"
 
 namespace corvane {

@@ -1,6 +1,6 @@
 #include "screens/archive/places/folder_picker.h"
 
-#include "model/destination_detection.h"
+#include "locations/destination_detection.h"
 #include "platform/paths.h"
 #include "screens/texts/shown_text.h"
 

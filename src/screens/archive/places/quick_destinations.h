@@ -8,8 +8,8 @@
 
 #include <QtQml/qqmlregistration.h>
 
+#include "locations/destination_detection.h"
 #include "model/corvane_view_model.h"
-#include "model/destination_detection.h"
 #include "screens/lists/row_list_model.h"
 
 namespace corvane {

@@ -1,9 +1,9 @@
-#include "model/known_locations.h"
+#include "locations/known_locations.h"
 
 #include <algorithm>
 
-#include "model/cloud_providers.h"
-#include "model/settings_keys.h"
+#include "locations/cloud_providers.h"
+#include "locations/settings_keys.h"
 
 namespace corvane {
 

@@ -1,4 +1,4 @@
-#include "model/cloud_providers.h"
+#include "locations/cloud_providers.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "model/archived_files.h"
+#include "locations/archived_files.h"
 
 #include <cerrno>
 

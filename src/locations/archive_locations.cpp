@@ -1,10 +1,10 @@
-#include "model/archive_locations.h"
+#include "locations/archive_locations.h"
 
 #include <algorithm>
 
 #include <fmt/format.h>
 
-#include "model/cloud_providers.h"
+#include "locations/cloud_providers.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
 

@@ -1,12 +1,12 @@
-#include "model/archive_index_cache.h"
+#include "locations/archive_index_cache.h"
 
 #include <fstream>
 #include <vector>
 
 #include <fmt/format.h>
 
-#include "model/archive_locations.h"
-#include "model/archived_files.h"
+#include "locations/archive_locations.h"
+#include "locations/archived_files.h"
 #include "platform/directory.h"
 #include "platform/durable_file.h"
 #include "platform/paths.h"

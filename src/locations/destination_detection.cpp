@@ -1,4 +1,4 @@
-#include "model/destination_detection.h"
+#include "locations/destination_detection.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "model/archived_attachment.h"
+#include "archive/archived_attachment.h"
 
 #include "archive/body_indexing.h"
 #include "text/encoding.h"

@@ -1,11 +1,11 @@
-#include "model/archive_discovery.h"
+#include "locations/archive_discovery.h"
 
 #include <set>
 
 #include <fmt/format.h>
 
-#include "model/cloud_providers.h"
-#include "model/destination_detection.h"
+#include "locations/cloud_providers.h"
+#include "locations/destination_detection.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"

@@ -1,12 +1,12 @@
-#include "model/library_load.h"
+#include "locations/library_load.h"
 
 #include <chrono>
 
 #include <fmt/format.h>
 
-#include "model/archive_discovery.h"
-#include "model/archive_locations.h"
-#include "model/archived_files.h"
+#include "locations/archive_discovery.h"
+#include "locations/archive_locations.h"
+#include "locations/archived_files.h"
 
 namespace corvane {
 

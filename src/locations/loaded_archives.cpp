@@ -1,4 +1,4 @@
-#include "model/loaded_archives.h"
+#include "locations/loaded_archives.h"
 
 #include <algorithm>
 #include <map>

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "model/archive_index_cache.h"
-#include "model/known_locations.h"
-#include "model/loaded_archives.h"
+#include "locations/archive_index_cache.h"
+#include "locations/known_locations.h"
+#include "locations/loaded_archives.h"
 #include "platform/platform.h"
 #include "records/logs/startup_log.h"
 #include "records/stores/app_support.h"

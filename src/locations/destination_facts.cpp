@@ -1,9 +1,9 @@
-#include "model/destination_facts.h"
+#include "locations/destination_facts.h"
 
 #include <map>
 
-#include "model/archive_locations.h"
-#include "model/cloud_providers.h"
+#include "locations/archive_locations.h"
+#include "locations/cloud_providers.h"
 #include "platform/directory.h"
 #include "text/case.h"
 
