@@ -22,7 +22,7 @@ void require(bool condition) {
 }
 
 void checkDecoded(std::string_view text) {
-    const std::string decoded = mailstore::decodeHeaderValue(text);
+    const std::string decoded = mime::decodeHeaderValue(text);
     require(text.find("=?") != std::string_view::npos ? decoded.find('_') == std::string::npos
                                                       : decoded == text);
     // A byte of GB 18030 or ISO Latin 1 gives at most as many bytes of UTF-8 as its encoding had characters.
@@ -35,18 +35,18 @@ void checkDecoded(std::string_view text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
     checkDecoded(bytes);
-    for (const auto& [name, value] : mailstore::headerText(mailstore::decodeEmlx(bytes))) {
+    for (const auto& [name, value] : mime::headerText(mime::decodeEmlx(bytes))) {
         require(name.find(':') == std::string::npos);
         require(value.find('\n') == std::string::npos);
         checkDecoded(value);
     }
-    mailstore::decodedHeaderField("subject", bytes);
-    mailstore::looksLikeMojibake(bytes);
-    mailstore::parseMailDate(bytes.substr(0, 200));
-    mailstore::cleanAttachmentName(bytes);
+    mime::decodedHeaderField("subject", bytes);
+    mime::looksLikeMojibake(bytes);
+    mime::parseMailDate(bytes.substr(0, 200));
+    mime::cleanAttachmentName(bytes);
     mailstore::parsePropertyList(bytes);
     mailstore::mailboxName(bytes);
-    const auto identifiers = mailstore::normalizedMessageIdentifiers(bytes);
+    const auto identifiers = mime::normalizedMessageIdentifiers(bytes);
     require(std::set<std::string>(identifiers.begin(), identifiers.end()).size() == identifiers.size());
     return 0;
 }

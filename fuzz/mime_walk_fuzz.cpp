@@ -24,24 +24,24 @@ void require(bool condition) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-    const std::string message = mailstore::decodeEmlx(bytes);
+    const std::string message = mime::decodeEmlx(bytes);
     require(text::isValidUtf8(message));
-    const std::string preview = mailstore::previewText(message);
+    const std::string preview = mime::previewText(message);
     require(!preview.empty() && text::isValidUtf8(preview));
     require(text::graphemeCount(preview) <= 280);
-    for (const auto& candidate : mailstore::previewCandidates(message, 0)) {
+    for (const auto& candidate : mime::previewCandidates(message, 0)) {
         require(text::isValidUtf8(candidate.body));
-        require(mailstore::stripSignatureContent(candidate.body).size() <= candidate.body.size());
+        require(mime::stripSignatureContent(candidate.body).size() <= candidate.body.size());
     }
     std::size_t partBytes = 0;
-    for (const std::string& part : mailstore::splitMIMEParts(message, "b")) partBytes += part.size();
+    for (const std::string& part : mime::splitMIMEParts(message, "b")) partBytes += part.size();
     require(partBytes <= message.size());
-    const std::string normalized = mailstore::normalizedPreviewFormatting(message);
+    const std::string normalized = mime::normalizedPreviewFormatting(message);
     require(normalized.size() <= message.size());
-    mailstore::previewLooksCorrupt(message);
+    mime::previewLooksCorrupt(message);
     for (const auto& attachment : mailstore::extractAttachments(message)) {
         require(!attachment.fileName.empty() && text::isValidUtf8(attachment.fileName));
     }
-    mailstore::decodeQuotedPrintableData(bytes);
+    mime::decodeQuotedPrintableData(bytes);
     return 0;
 }

@@ -56,9 +56,9 @@ bool contradictsItself(const ArchivedEmailRecord& record) {
 // knows it by, so its absence says nothing as long as there is a header at all.
 bool holdsAnotherMessage(const ArchivedEmailRecord& record, std::string_view start) {
     if (!record.messageIdentifier || record.messageIdentifier->empty()) return false;
-    const auto header = mailstore::decodedHeaderField("message-id", start);
+    const auto header = mime::decodedHeaderField("message-id", start);
     if (!header) return !start.empty() && start.find(':') == std::string_view::npos;
-    return mailstore::normalizedMessageIdentifier(*header) != record.messageIdentifier->view();
+    return mime::normalizedMessageIdentifier(*header) != record.messageIdentifier->view();
 }
 
 // One spelling for the paths that name one file.

@@ -238,7 +238,7 @@ void ArchiveRun::archiveVariants(const MailMessageRecord& message, const std::st
 
 void ArchiveRun::archiveVariant(const MailMessageRecord& message, SharedText id, std::string_view suffix,
                                 const MessageBytes& chosen, const Copies& copies) {
-    auto ccRecipients = mailstore::decodedHeaderField("cc", chosen.bytes);
+    auto ccRecipients = mime::decodedHeaderField("cc", chosen.bytes);
     const auto [path, placed] = placeFile(message, suffix, chosen);
     const auto size = static_cast<std::int64_t>(chosen.bytes.size());
     ArchivedEmailRecord record{

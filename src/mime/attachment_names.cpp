@@ -6,14 +6,14 @@
 #include <fmt/format.h>
 
 #include "mime/header_decoding.h"
-#include "mime/text_parts.h"
 #include "platform/paths.h"
 #include "text/case.h"
 #include "text/encoding.h"
 #include "text/regex.h"
+#include "text/split.h"
 #include "text/trim.h"
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 namespace {
 
@@ -50,7 +50,7 @@ std::string_view withoutContentIdentifier(std::string_view name) {
 }
 
 std::string withTightDots(std::string_view name) {
-    auto pieces = splitText(name, '.');
+    auto pieces = text::splitText(name, '.');
     if (pieces.size() < 2) return std::string(name);
     for (std::string_view& piece : pieces) piece = text::trimBlanks(piece);
     std::erase_if(pieces, [](std::string_view piece) { return piece.empty(); });
@@ -109,4 +109,4 @@ std::vector<std::string> splitCaretJoinedName(std::string_view name) {
     }
 }
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 // The readable name: trimmed, RFC 2231 and RFC 2047 decoded, without a content identifier in front and
 // without blanks around its dots. May be empty. It may still hold anything a file system doesn't take.
@@ -25,4 +25,4 @@ inline constexpr std::int64_t smallestImageAttachmentBytes = 500'000;
 // looks like a file name.
 std::vector<std::string> splitCaretJoinedName(std::string_view name);
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

@@ -7,7 +7,7 @@
 #include "platform/directory.h"
 #include "text/charset.h"
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 namespace {
 
@@ -40,4 +40,4 @@ std::string decodeEmlx(std::string_view data) {
     return text::isValidUtf8(data) ? std::string(message) : text::fromLatin1(message);
 }
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 class MessageFileError : public std::runtime_error {
   public:
@@ -22,4 +22,4 @@ std::string readMessagePrefix(const std::string& path, std::int64_t byteLimit);
 // isn't used: the text ends with the property list. Without a line feed it is the whole text.
 std::string decodeEmlx(std::string_view data);
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

@@ -9,7 +9,7 @@
 #include "text/graphemes.h"
 #include "text/trim.h"
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 namespace {
 
@@ -175,4 +175,4 @@ std::optional<std::string> latin1Data(std::string_view text) {
     return text::toLatin1(text);
 }
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

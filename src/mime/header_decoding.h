@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 // Lower-cased field name to unfolded value. Of a repeated field the last one stands.
 using HeaderMap = std::map<std::string, std::string, std::less<>>;
@@ -41,4 +41,4 @@ bool looksLikeMojibake(std::string_view text);
 // The bytes of a text that was read as ISO Latin 1; nothing when it holds a larger scalar.
 std::optional<std::string> latin1Data(std::string_view text);
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

@@ -5,7 +5,7 @@
 #include "records/formatters.h"
 #include "text/trim.h"
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 namespace {
 
@@ -98,4 +98,4 @@ std::optional<std::chrono::sys_seconds> parseMailDate(std::string_view header) {
     return parseInternetDateTime(text);
 }
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

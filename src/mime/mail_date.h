@@ -5,10 +5,10 @@
 #include <optional>
 #include <string_view>
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 // Tries the date header patterns in their order, without a closing comment in brackets, then ISO 8601 with
 // and without a fraction of a second, which is dropped. A date without a zone is local time.
 std::optional<std::chrono::sys_seconds> parseMailDate(std::string_view header);
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

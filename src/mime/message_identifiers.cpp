@@ -8,7 +8,7 @@
 #include "text/case.h"
 #include "text/trim.h"
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 std::optional<std::string> normalizedMessageIdentifier(std::string_view header) {
     const std::string decoded = decodeHeaderValue(header);
@@ -54,4 +54,4 @@ std::string formattedAddress(std::string_view name, std::string_view address) {
     return fmt::format("{} <{}>", name, address);
 }
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

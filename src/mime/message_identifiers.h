@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 // Decoded, without white space and angle brackets at the ends, in lower case; nothing when that is empty.
 std::optional<std::string> normalizedMessageIdentifier(std::string_view header);
@@ -21,4 +21,4 @@ std::optional<std::vector<std::string>> normalizedReferencedMessageIdentifiers(s
 // "name <address>", or the one of both that isn't empty.
 std::string formattedAddress(std::string_view name, std::string_view address);
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

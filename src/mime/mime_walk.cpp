@@ -5,13 +5,13 @@
 
 #include <fmt/format.h>
 
-#include "mime/text_parts.h"
 #include "text/case.h"
 #include "text/encoding.h"
 #include "text/regex.h"
+#include "text/split.h"
 #include "text/trim.h"
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 namespace {
 
@@ -104,7 +104,7 @@ std::optional<std::string> mimeHeaderParameter(std::string_view name, std::strin
 }
 
 std::vector<std::string> splitMIMEParts(std::string_view text, std::string_view boundary) {
-    const std::string unixText = replacingAll(text, "\r\n", "\n");
+    const std::string unixText = text::replacingAll(text, "\r\n", "\n");
     const std::string marker = fmt::format("--{}", boundary);
     const std::string closing = marker + "--";
     std::vector<std::string> parts;
@@ -173,4 +173,4 @@ std::optional<std::string> decodeUnencodedBody(std::string_view body, std::strin
     return bytes ? decodeData(*bytes, lowered) : std::nullopt;
 }
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

@@ -10,7 +10,7 @@
 
 #include "mime/header_decoding.h"
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 struct PreviewCandidate {
     std::string body; // decoded
@@ -40,4 +40,4 @@ std::string decodedMIMEBody(std::string_view body, const HeaderMap& header);
 // The text of a body in a GB charset that was read as ISO Latin 1; nothing for any other.
 std::optional<std::string> decodeUnencodedBody(std::string_view body, std::string_view charset);
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

@@ -5,14 +5,14 @@
 
 #include "mime/header_decoding.h"
 #include "mime/signature_search.h"
-#include "mime/text_parts.h"
 #include "records/preview_placeholders.h"
 #include "text/case.h"
 #include "text/graphemes.h"
 #include "text/regex.h"
+#include "text/split.h"
 #include "text/trim.h"
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 namespace {
 
@@ -121,7 +121,7 @@ std::string htmlEntityDecoded(std::string_view text) {
         {{"&nbsp;", " "}, {"&amp;", "&"}, {"&lt;", "<"}, {"&gt;", ">"}, {"&quot;", "\""}, {"&#39;", "'"}}};
     std::string result(text);
     for (const auto& [reference, character] : references) {
-        if (result.find(reference) != npos) result = replacingAll(result, reference, character);
+        if (result.find(reference) != npos) result = text::replacingAll(result, reference, character);
     }
     return result;
 }
@@ -136,11 +136,11 @@ std::string normalizedPreviewFormatting(std::string_view text) {
     static const Regex blanks(
         R"re([ \t\f\x{0B}\x{85}\x{2028}\x{2029}]{2,}|[\t\f\x{0B}\x{85}\x{2028}\x{2029}])re");
     static const Regex emptyLines("\n{3,}");
-    const std::string unixText = replacingAll(replacingAll(text, "\r\n", "\n"), "\r", "\n");
+    const std::string unixText = text::replacingAll(text::replacingAll(text, "\r\n", "\n"), "\r", "\n");
     const std::string spaced = blanks.replacingAll(unixText, " ");
     std::string result;
     result.reserve(spaced.size());
-    for (const std::string_view whole : splitText(spaced, '\n')) {
+    for (const std::string_view whole : text::splitText(spaced, '\n')) {
         const std::string_view line = text::trimBlanks(whole);
         if (!line.empty() && isNoiseLine(line)) continue;
         result.append(line).append("\n");
@@ -171,4 +171,4 @@ bool previewLooksCorrupt(std::string_view preview) {
     return std::ranges::any_of(leftovers, stands) || looksLikeMojibake(preview);
 }
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 // All of the steps below; the result may be long.
 std::string plainPreviewText(std::string_view body);
@@ -31,4 +31,4 @@ bool looksLikeCSSNoiseLine(std::string_view line);
 // charset.
 bool previewLooksCorrupt(std::string_view preview);
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

@@ -8,7 +8,7 @@
 #include "records/preview_placeholders.h"
 #include "text/graphemes.h"
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 namespace {
 
@@ -36,4 +36,4 @@ std::string previewText(std::string_view messageText) {
     return std::string(text::graphemePrefix(text, previewCharacters));
 }
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

@@ -7,7 +7,7 @@
 
 #include "records/file_url.h"
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 // Read of a message for its preview: a body behind a larger attachment has none.
 inline constexpr std::int64_t previewByteLimit = 2'097'152;
@@ -19,4 +19,4 @@ std::string previewTextWithoutWorker(const FileURL& file);
 // Pure.
 std::string previewText(std::string_view messageText);
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

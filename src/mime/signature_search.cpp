@@ -9,7 +9,7 @@
 #include "text/regex.h"
 #include "text/trim.h"
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 
 namespace {
 
@@ -101,4 +101,4 @@ std::size_t signatureStart(std::string_view text) {
     return earliest == std::string_view::npos ? earliest : lines.originalStart(earliest);
 }
 
-} // namespace corvane::mailstore
+} // namespace corvane::mime

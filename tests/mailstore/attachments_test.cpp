@@ -38,25 +38,25 @@ TEST(AttachmentNames, AreCleanedByEveryRule) {
         {"a\\b\\.txt", "ab.txt"},
         {"", ""},
     };
-    for (const auto& [name, expected] : cases) EXPECT_EQ(cleanAttachmentName(name), expected) << name;
+    for (const auto& [name, expected] : cases) EXPECT_EQ(mime::cleanAttachmentName(name), expected) << name;
 }
 
 TEST(AttachmentNames, LabelsGoByExtensionThenContentType) {
-    EXPECT_EQ(mimeTypeGuess("a.PDF", "text/plain"), "PDF 文档");
-    EXPECT_EQ(mimeTypeGuess("a.svg", ""), "图片");
-    EXPECT_EQ(mimeTypeGuess("a.7z", ""), "压缩/安装包");
-    EXPECT_EQ(mimeTypeGuess("a.bmp", ""), "BMP");
-    EXPECT_EQ(mimeTypeGuess("a.xyz", "Application/Octet-Stream"), "XYZ");
-    EXPECT_EQ(mimeTypeGuess("a.é1", ""), "É1");
-    EXPECT_EQ(mimeTypeGuess("a.xyz", "text/calendar"), "text/calendar");
-    EXPECT_EQ(mimeTypeGuess("plain", ""), "附件");
+    EXPECT_EQ(mime::mimeTypeGuess("a.PDF", "text/plain"), "PDF 文档");
+    EXPECT_EQ(mime::mimeTypeGuess("a.svg", ""), "图片");
+    EXPECT_EQ(mime::mimeTypeGuess("a.7z", ""), "压缩/安装包");
+    EXPECT_EQ(mime::mimeTypeGuess("a.bmp", ""), "BMP");
+    EXPECT_EQ(mime::mimeTypeGuess("a.xyz", "Application/Octet-Stream"), "XYZ");
+    EXPECT_EQ(mime::mimeTypeGuess("a.é1", ""), "É1");
+    EXPECT_EQ(mime::mimeTypeGuess("a.xyz", "text/calendar"), "text/calendar");
+    EXPECT_EQ(mime::mimeTypeGuess("plain", ""), "附件");
 }
 
 TEST(AttachmentNames, CaretJointsSplitOnlyFileNames) {
-    EXPECT_THAT(splitCaretJoinedName("a^_b.pdf"), ElementsAre("a^_b.pdf"));
-    EXPECT_THAT(splitCaretJoinedName("a.txt^_b.pdf"), ElementsAre("a.txt", "b.pdf"));
-    EXPECT_THAT(splitCaretJoinedName("a.txt^_"), ElementsAre("a.txt^_"));
-    EXPECT_THAT(splitCaretJoinedName("a"), ElementsAre("a"));
+    EXPECT_THAT(mime::splitCaretJoinedName("a^_b.pdf"), ElementsAre("a^_b.pdf"));
+    EXPECT_THAT(mime::splitCaretJoinedName("a.txt^_b.pdf"), ElementsAre("a.txt", "b.pdf"));
+    EXPECT_THAT(mime::splitCaretJoinedName("a.txt^_"), ElementsAre("a.txt^_"));
+    EXPECT_THAT(mime::splitCaretJoinedName("a"), ElementsAre("a"));
 }
 
 // A store with one account "U"; each question is answered by a listing made at need and by one made ahead.

@@ -176,7 +176,7 @@ TEST(WalkScan, ComesWithoutAnIndexOrAShell) {
     fs::remove(store.indexPath());
     EXPECT_EQ(subjectOf(), "by its file");
     fs::remove_all(store.root);
-    EXPECT_THROW(FolderStore::batches(scanner), MessageFileError);
+    EXPECT_THROW(FolderStore::batches(scanner), mime::MessageFileError);
 }
 
 TEST(WalkScan, YearsAreThoseOfTheZone) {

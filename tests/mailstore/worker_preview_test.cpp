@@ -55,7 +55,7 @@ TEST_F(PreviewWorker, IsAskedFirstAndCheckedAndReplaced) {
     const auto encoded =
         mail(message("Content-Transfer-Encoding: base64", text::base64Encoded("编码的正文") + "\n"));
     EXPECT_EQ(previewText(worker, encoded), "编码的正文");
-    EXPECT_THROW(previewText(worker, FileURL(home.at("missing"))), MessageFileError);
+    EXPECT_THROW(previewText(worker, FileURL(home.at("missing"))), mime::MessageFileError);
 }
 
 TEST_F(PreviewWorker, AgreesWithTheFallbackOnPlainMail) {
@@ -78,11 +78,11 @@ TEST_F(PreviewWorker, AgreesWithTheFallbackOnPlainMail) {
                 fmt::format("--b\n{}\n--b\nContent-Type: text/html; charset=utf-8\n\n<p>{}</p>\n--b--\n",
                             body.substr(body.find('\n') + 1), text));
         files.emplace_back(home.write(fmt::format("{}.eml", i), body));
-        ours.push_back(previewText(body));
+        ours.push_back(mime::previewText(body));
     }
-    const auto texts = worker.bodyTextBatch(files, previewByteLimit);
+    const auto texts = worker.bodyTextBatch(files, mime::previewByteLimit);
     for (std::size_t i = 0; i < files.size(); ++i) {
-        std::string theirs = normalizedPreviewFormatting(texts.at(files[i].path()));
+        std::string theirs = mime::normalizedPreviewFormatting(texts.at(files[i].path()));
         if (theirs.empty()) theirs = emptyBodyPreviewPlaceholder;
         EXPECT_EQ(text::graphemePrefix(theirs, 280), ours[i]) << testing::readWhole(files[i].path().str());
     }

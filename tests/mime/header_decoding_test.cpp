@@ -8,7 +8,7 @@
 #include "mime/message_identifiers.h"
 #include "support/temporary_home.h"
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 namespace {
 
 using ::testing::ElementsAre;
@@ -162,4 +162,4 @@ TEST(MessageFiles, AreTextBehindTheLengthLine) {
 }
 
 } // namespace
-} // namespace corvane::mailstore
+} // namespace corvane::mime

@@ -11,14 +11,14 @@
 #include "mime/mime_walk.h"
 #include "mime/preview_layout.h"
 #include "mime/signature_search.h"
-#include "mime/text_parts.h"
 #include "records/preview_placeholders.h"
 #include "text/encoding.h"
 #include "text/graphemes.h"
 #include "text/regex.h"
+#include "text/split.h"
 #include "text/trim.h"
 
-namespace corvane::mailstore {
+namespace corvane::mime {
 namespace {
 
 using ::testing::ElementsAre;
@@ -184,7 +184,8 @@ std::string plainlyStripped(const std::string& text) {
         static const text::Regex lineEnd(R"re([\n\x{0B}\f\r\x{85}\x{2028}\x{2029}])re");
         const std::string lines =
             lineEnd.replacingAll(std::string_view(text).substr(0, match->start()), "\n");
-        for (const auto line : splitText(lines, '\n')) before.append(text::trimWhitespaceAndNewlines(line));
+        for (const auto line : text::splitText(lines, '\n'))
+            before.append(text::trimWhitespaceAndNewlines(line));
         if (text::graphemeCount(before) >= 12) earliest = std::min(earliest, match->start());
     }
     return text.substr(0, earliest);
@@ -267,4 +268,4 @@ TEST(Preview, HostileTextsOfFullSizeComeToAnEnd) {
 }
 
 } // namespace
-} // namespace corvane::mailstore
+} // namespace corvane::mime

@@ -2,8 +2,8 @@
 
 #include <future>
 
-#include "mime/preview_placeholders.h"
 #include "model/model_test.h"
+#include "records/preview_placeholders.h"
 
 namespace corvane {
 namespace {

@@ -11,7 +11,6 @@
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/index_sql.h"
 #include "mailstore/index/sqlite_shell.h"
-#include "mime/text_parts.h"
 #include "platform/directory.h"
 #include "platform/parallel.h"
 #include "records/logs/console_log.h"
@@ -19,6 +18,7 @@
 #include "text/encoding.h"
 #include "text/graphemes.h"
 #include "text/regex.h"
+#include "text/split.h"
 
 namespace corvane::mailstore {
 
@@ -232,7 +232,7 @@ std::map<std::string, std::int64_t> queryMessageCountPerUUID(const MailStoreCont
         envelopeIndexPath);
     if (!answer) return counts;
     for (const std::string& uuid : uuids) counts[uuid] = 0;
-    for (const std::string_view told : splitNonEmpty(*answer, ',')) {
+    for (const std::string_view told : text::splitNonEmpty(*answer, ',')) {
         const std::size_t end = told.find('=');
         const auto count =
             end == std::string_view::npos ? std::nullopt : text::parseInteger(told.substr(end + 1));

@@ -8,12 +8,12 @@
 #include "mailstore/accounts/account_discovery.h"
 #include "mailstore/index/sqlite_shell.h"
 #include "mailstore/property_list.h"
-#include "mime/text_parts.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
 #include "text/case.h"
 #include "text/regex.h"
+#include "text/split.h"
 
 namespace corvane::mailstore {
 
@@ -48,8 +48,8 @@ struct SystemAccounts {
 
 SystemAccounts parseAccounts(std::string_view output) {
     SystemAccounts accounts;
-    for (const std::string_view line : splitNonEmpty(output, '\n')) {
-        const auto columns = splitText(line, '|');
+    for (const std::string_view line : text::splitNonEmpty(output, '\n')) {
+        const auto columns = text::splitText(line, '|');
         if (columns.size() < 5) continue;
         SystemAccount account{.key = std::string(columns[0]),
                               .parentKey = std::string(columns.back()),

@@ -7,12 +7,12 @@
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/index_sql.h"
 #include "mailstore/property_list.h"
-#include "mime/text_parts.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
 #include "text/case.h"
 #include "text/collation.h"
 #include "text/encoding.h"
+#include "text/split.h"
 
 namespace corvane::mailstore {
 
@@ -99,7 +99,7 @@ std::optional<std::string> dataFolderIn(const std::string& mailboxFolder) {
 }
 
 std::string withoutMailboxSuffixes(std::string_view name) {
-    return replacingAll(name, mailboxSuffix, "");
+    return text::replacingAll(name, mailboxSuffix, "");
 }
 
 } // namespace
@@ -112,7 +112,7 @@ std::optional<std::string> mailboxDataRootBelow(const std::string& versionDirect
                                                 std::string_view mailboxURL) {
     const URLParts parts = partsOf(mailboxURL);
     if (parts.host.empty() || !isSafeComponent(parts.host)) return std::nullopt;
-    const auto components = splitNonEmpty(parts.path, '/');
+    const auto components = text::splitNonEmpty(parts.path, '/');
     if (components.empty() || !std::ranges::all_of(components, isSafeComponent)) return std::nullopt;
     std::string folder = platform::joinPath(versionDirectory, parts.host);
     for (const std::string_view component : components) {
@@ -142,13 +142,13 @@ std::string messagesFolder(const std::string& dataRoot, std::int64_t rowID) {
 
 std::string mailboxName(std::string_view mailboxURL) {
     const std::string path = partsOf(mailboxURL).path;
-    const auto components = splitNonEmpty(path, '/');
+    const auto components = text::splitNonEmpty(path, '/');
     return components.empty() ? "Mail" : withoutMailboxSuffixes(components.back());
 }
 
 std::string mailboxName(const FileURL& messageFile, const std::string& rootPath) {
-    const std::string below = replacingAll(platform::parentPath(messageFile.path()), rootPath, "");
-    auto parts = splitNonEmpty(below, '/');
+    const std::string below = text::replacingAll(platform::parentPath(messageFile.path()), rootPath, "");
+    auto parts = text::splitNonEmpty(below, '/');
     std::erase_if(parts,
                   [](std::string_view part) { return part.ends_with(mailboxSuffix) || part == "Messages"; });
     return parts.empty() ? "Mail" : withoutMailboxSuffixes(parts.back());

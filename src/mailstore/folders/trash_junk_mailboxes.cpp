@@ -5,9 +5,9 @@
 #include "mailstore/index/quiet_database.h"
 #include "mailstore/index/sqlite_connection.h"
 #include "mailstore/reader_logs.h"
-#include "mime/text_parts.h"
 #include "text/case.h"
 #include "text/encoding.h"
+#include "text/split.h"
 #include "text/trim.h"
 
 namespace corvane::mailstore {
@@ -16,7 +16,7 @@ namespace {
 
 bool isTrashOrJunk(std::string_view mailboxURL) {
     const std::string decoded = text::percentDecoded(mailboxURL).value_or(std::string(mailboxURL));
-    const auto parts = splitNonEmpty(decoded, '/');
+    const auto parts = text::splitNonEmpty(decoded, '/');
     return !parts.empty() && trashJunkMailboxNames().contains(normalizedMailboxName(parts.back()));
 }
 

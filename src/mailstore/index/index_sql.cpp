@@ -2,16 +2,16 @@
 
 #include <fmt/format.h>
 
-#include "mime/text_parts.h"
+#include "text/split.h"
 
 namespace corvane::mailstore {
 
 std::string quotedText(std::string_view value) {
-    return replacingAll(value, "'", "''");
+    return text::replacingAll(value, "'", "''");
 }
 
 std::string withoutImapScheme(std::string_view accountURLPrefix) {
-    return replacingAll(accountURLPrefix, "imap://", "");
+    return text::replacingAll(accountURLPrefix, "imap://", "");
 }
 
 std::string accountCondition(const std::vector<std::string>& accountURLPrefixes) {

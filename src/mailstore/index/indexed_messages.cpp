@@ -8,9 +8,9 @@
 #include "mailstore/reader_logs.h"
 #include "mime/attachment_names.h"
 #include "mime/message_identifiers.h"
-#include "mime/preview_placeholders.h"
-#include "mime/text_parts.h"
 #include "platform/directory.h"
+#include "records/preview_placeholders.h"
+#include "text/split.h"
 
 namespace corvane::mailstore {
 
@@ -45,8 +45,8 @@ platform::TemporaryFile requireOutput(const MailStoreContext& context, ShellResu
 std::vector<std::string> attachmentNames(std::string_view joined) {
     std::vector<std::string> names;
     if (joined.empty()) return names;
-    for (const std::string_view part : splitNonEmpty(joined, '\x1F')) {
-        for (std::string& name : splitCaretJoinedName(part)) names.push_back(std::move(name));
+    for (const std::string_view part : text::splitNonEmpty(joined, '\x1F')) {
+        for (std::string& name : mime::splitCaretJoinedName(part)) names.push_back(std::move(name));
     }
     return names;
 }
@@ -117,7 +117,7 @@ MailMessageRecord recordFromCandidate(const IndexedMessageCandidate& candidate, 
     MailMessageRecord record;
     record.id = fileURL.path();
     record.subject = candidate.subject.empty() ? noSubject : SharedText(candidate.subject);
-    record.sender = texts(formattedAddress(candidate.senderName, candidate.senderAddress));
+    record.sender = texts(mime::formattedAddress(candidate.senderName, candidate.senderAddress));
     if (record.sender.empty()) record.sender = noSender;
     record.recipients = texts(candidate.recipients);
     if (candidate.timestamp >= 1) record.date = Date(std::chrono::seconds(candidate.timestamp));
@@ -125,7 +125,7 @@ MailMessageRecord recordFromCandidate(const IndexedMessageCandidate& candidate, 
     record.accountIdentifier = labels.accountIdentifier;
     record.accountName = labels.accountName;
     record.fileURL = fileURL;
-    if (auto identifier = normalizedMessageIdentifier(candidate.messageIDHeader))
+    if (auto identifier = mime::normalizedMessageIdentifier(candidate.messageIDHeader))
         record.messageIdentifier = SharedText(*identifier);
     record.messageSize =
         candidate.size >= 1 ? candidate.size : platform::fileSize(fileURL.path().str()).value_or(0);

@@ -118,7 +118,7 @@ std::optional<SharedTextSet> liveMessageIdentifierPresence(const MailStoreContex
                     "WHERE g.message_id_header IS NOT NULL AND g.message_id_header != '' {};",
                     exclusionOf(context, index));
     const bool isWhole = runJSONRows(context, sql, index, [&](JsonRow& row) {
-        const auto identifier = normalizedMessageIdentifier(row.text("messageId").value_or(""));
+        const auto identifier = mime::normalizedMessageIdentifier(row.text("messageId").value_or(""));
         const auto target = identifier ? targetMessageIdentifiers.find(std::string_view(*identifier))
                                        : targetMessageIdentifiers.end();
         if (target != targetMessageIdentifiers.end()) present.insert(*target);
@@ -150,7 +150,7 @@ std::optional<SharedTextSet> liveMessagePresenceByContent(const MailStoreContext
 std::optional<std::string> liveMessageOriginalIDHeader(const MailStoreContext& context,
                                                        const std::string& rootPath,
                                                        std::string_view messageIdentifier) {
-    const auto identifier = normalizedMessageIdentifier(messageIdentifier);
+    const auto identifier = mime::normalizedMessageIdentifier(messageIdentifier);
     if (!identifier || !canQueryEnvelopeIndex(context, rootPath)) return std::nullopt;
     const std::string index = envelopeIndexPath(rootPath);
     const std::string sql =

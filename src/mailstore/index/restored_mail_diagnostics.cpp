@@ -11,8 +11,8 @@
 #include "mailstore/index/sqlite_shell.h"
 #include "mailstore/index/year_counts.h"
 #include "mailstore/reader_logs.h"
-#include "mime/text_parts.h"
 #include "text/encoding.h"
+#include "text/split.h"
 
 namespace corvane::mailstore {
 
@@ -59,7 +59,7 @@ ORDER BY year DESC, total DESC;)",
 
 // Ids from all over the list, since those of one time tend to share their fate.
 std::vector<std::int64_t> sampleOf(std::string_view rowIDs) {
-    const auto all = splitNonEmpty(rowIDs, ',');
+    const auto all = text::splitNonEmpty(rowIDs, ',');
     const std::size_t step = std::max<std::size_t>(1, all.size() / sampleSize);
     std::vector<std::int64_t> sample;
     for (std::size_t i = 0; i < all.size() && sample.size() < sampleSize; i += step) {

@@ -8,12 +8,12 @@
 #include "mailstore/index/quiet_database.h"
 #include "mailstore/index/sqlite_connection.h"
 #include "mailstore/reader_logs.h"
-#include "mime/text_parts.h"
 #include "platform/child_process.h"
 #include "platform/directory.h"
 #include "records/logs/console_log.h"
 #include "text/charset.h"
 #include "text/encoding.h"
+#include "text/split.h"
 #include "text/trim.h"
 
 namespace corvane::mailstore {
@@ -134,7 +134,7 @@ std::optional<std::string> runRawQuery(const MailStoreContext& context, const st
     const auto output = outputText(runLimited(context, sql, databasePath, "corvane-value-",
                                               "runRawQuery timed out; db=" + databasePath));
     if (!output) return std::nullopt;
-    for (const std::string_view line : splitText(*output, '\n')) {
+    for (const std::string_view line : text::splitText(*output, '\n')) {
         if (!line.empty())
             return std::string(text::trimWhitespaceAndNewlines(line.substr(0, line.find('|'))));
     }
@@ -153,7 +153,7 @@ std::optional<std::vector<std::string>> runRawMultilineQuery(const MailStoreCont
                                 result.detail));
     const auto output = outputText(result);
     if (!output) return std::nullopt;
-    const auto lines = splitText(*output, '\n');
+    const auto lines = text::splitText(*output, '\n');
     return std::vector<std::string>(lines.begin(), lines.end());
 }
 
@@ -164,7 +164,7 @@ std::vector<std::int64_t> runIntSetQuery(const MailStoreContext& context, const 
         outputText(runLimited(context, sql, databasePath, "corvane-intset-",
                               "runIntSetQuery timed out; skipping duplicate-account detection"));
     if (!output) return numbers;
-    for (const std::string_view line : splitText(*output, '\n')) {
+    for (const std::string_view line : text::splitText(*output, '\n')) {
         if (const auto number = text::parseInteger(text::trimWhitespaceAndNewlines(line)))
             numbers.push_back(*number);
     }

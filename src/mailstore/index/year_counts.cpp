@@ -11,9 +11,9 @@
 #include "mailstore/folders/trash_junk_mailboxes.h"
 #include "mailstore/index/index_sql.h"
 #include "mailstore/index/sqlite_shell.h"
-#include "mime/text_parts.h"
 #include "platform/directory.h"
 #include "text/encoding.h"
+#include "text/split.h"
 #include "text/trim.h"
 
 namespace corvane::mailstore {
@@ -74,8 +74,8 @@ YearCounts indexedYearDistinctCounts(const MailStoreContext& context, const std:
                     localYearColumn(), countedMessages(context, index, accountURLPrefixes));
     const auto output = runUnlimitedQuery(context, sql, index);
     if (!output) return counts;
-    for (const std::string_view line : splitNonEmpty(*output, '\n')) {
-        const auto columns = splitText(line, '|');
+    for (const std::string_view line : text::splitNonEmpty(*output, '\n')) {
+        const auto columns = text::splitText(line, '|');
         if (columns.size() != 2) continue;
         const auto year = trimmedInteger(columns[0]);
         const auto count = trimmedInteger(columns[1]);

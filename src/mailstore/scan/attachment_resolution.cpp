@@ -18,7 +18,7 @@ constexpr std::int64_t bytesForWorker = 8'388'608;
 MailAttachmentRecord attachment(const std::string& name, std::string_view contentType) {
     return {.id = Uuid::random(),
             .fileName = name,
-            .mimeType = mimeTypeGuess(name, contentType),
+            .mimeType = mime::mimeTypeGuess(name, contentType),
             .estimatedSize = {},
             .sourceFileURL = {}};
 }
@@ -74,15 +74,16 @@ std::optional<std::vector<MailAttachmentRecord>> fromWorker(const FileURL& messa
 
 std::optional<MailAttachmentRecord> attachmentFromName(std::string_view writtenName,
                                                        std::string_view contentType) {
-    const std::string name = cleanAttachmentName(writtenName);
-    if (name.empty() || hasImageExtension(name)) return std::nullopt;
+    const std::string name = mime::cleanAttachmentName(writtenName);
+    if (name.empty() || mime::hasImageExtension(name)) return std::nullopt;
     return attachment(name, contentType);
 }
 
 std::optional<MailAttachmentRecord> attachmentFromFile(const StoredAttachment& file) {
-    const std::string name = cleanAttachmentName(file.url.lastPathComponent());
+    const std::string name = mime::cleanAttachmentName(file.url.lastPathComponent());
     if (name.empty()) return std::nullopt;
-    if (hasImageExtension(name) && file.size.value_or(0) < smallestImageAttachmentBytes) return std::nullopt;
+    if (mime::hasImageExtension(name) && file.size.value_or(0) < mime::smallestImageAttachmentBytes)
+        return std::nullopt;
     MailAttachmentRecord stored = attachment(name, {});
     stored.estimatedSize = file.size;
     stored.sourceFileURL = file.url;

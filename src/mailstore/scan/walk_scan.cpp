@@ -28,24 +28,24 @@ std::unique_ptr<MailWorkerClient::Session> openSession(const MailWorkerClient& c
     }
 }
 
-std::string_view fieldOf(const HeaderMap& header, std::string_view name) {
+std::string_view fieldOf(const mime::HeaderMap& header, std::string_view name) {
     const auto field = header.find(name);
     return field == header.end() ? std::string_view() : std::string_view(field->second);
 }
 
-std::string decodedField(const HeaderMap& header, std::string_view name, std::string_view missing) {
-    std::string value = decodeHeaderValue(fieldOf(header, name));
+std::string decodedField(const mime::HeaderMap& header, std::string_view name, std::string_view missing) {
+    std::string value = mime::decodeHeaderValue(fieldOf(header, name));
     return value.empty() ? std::string(missing) : value;
 }
 
-void fillFromHeader(MailMessageRecord& record, const HeaderMap& header) {
+void fillFromHeader(MailMessageRecord& record, const mime::HeaderMap& header) {
     record.subject = decodedField(header, "subject", "无主题");
     record.sender = decodedField(header, "from", "发件人未知");
     record.recipients = decodedField(header, "to", "");
-    if (const auto identifier = normalizedMessageIdentifier(fieldOf(header, "message-id")))
+    if (const auto identifier = mime::normalizedMessageIdentifier(fieldOf(header, "message-id")))
         record.messageIdentifier = SharedText(*identifier);
-    const auto references =
-        normalizedReferencedMessageIdentifiers(fieldOf(header, "references"), fieldOf(header, "in-reply-to"));
+    const auto references = mime::normalizedReferencedMessageIdentifiers(fieldOf(header, "references"),
+                                                                         fieldOf(header, "in-reply-to"));
     if (references) record.referencedMessageIdentifiers.emplace(references->begin(), references->end());
 }
 
@@ -76,8 +76,8 @@ void WalkScan::run(BatchStream& batches, const std::stop_token& stop) {
     if (worker_) worker_->close();
     // A root that is there and can't be listed is one without messages: the lack of permission is told then.
     if (!isListed && !platform::isDirectory(scanner_.rootPath))
-        throw MessageFileError(fmt::format("未能打开文件夹“{}”，因为它不存在。",
-                                           platform::lastPathComponent(scanner_.rootPath)));
+        throw mime::MessageFileError(fmt::format("未能打开文件夹“{}”，因为它不存在。",
+                                                 platform::lastPathComponent(scanner_.rootPath)));
 }
 
 std::optional<MailMessageRecord> WalkScan::consumeMessage(const FileURL& file, const std::stop_token& stop) {
@@ -95,12 +95,12 @@ std::optional<MailMessageRecord> WalkScan::parseMessage(const FileURL& file, con
     std::string data;
     {
         const SecondsCounter elapsed(timing_.readMessageSeconds);
-        data = readMessagePrefix(file.path().str(), bytesRead);
+        data = mime::readMessagePrefix(file.path().str(), bytesRead);
     }
-    const std::string text = decodeEmlx(data);
-    const HeaderMap header = headerText(text);
+    const std::string text = mime::decodeEmlx(data);
+    const mime::HeaderMap header = mime::headerText(text);
     MailMessageRecord record;
-    record.date = parseMailDate(fieldOf(header, "date"));
+    record.date = mime::parseMailDate(fieldOf(header, "date"));
     if (scanner_.maximumYear && record.date && localYear(*record.date) > *scanner_.maximumYear) {
         ++timing_.yearSkippedMessages;
         return std::nullopt;

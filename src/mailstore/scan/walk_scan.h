@@ -21,8 +21,8 @@ class WalkScan {
     // The scanner and the metrics must outlive the scan.
     WalkScan(const MailDataScanner& scanner, ScanTimingMetrics& timing);
 
-    // Until the files or a requested stop end it; the first batch is empty. Throws MessageFileError when
-    // there is no root.
+    // Until the files or a requested stop end it; the first batch is empty. Throws mime::MessageFileError
+    // when there is no root.
     void run(BatchStream& batches, const std::stop_token& stop);
 
   private:

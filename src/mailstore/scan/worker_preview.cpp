@@ -7,11 +7,11 @@ namespace corvane::mailstore {
 
 std::string previewText(const MailWorkerClient& worker, const FileURL& file) {
     try {
-        std::string preview = worker.previewText(file, previewByteLimit);
-        if (!previewLooksCorrupt(preview)) return preview;
+        std::string preview = worker.previewText(file, mime::previewByteLimit);
+        if (!mime::previewLooksCorrupt(preview)) return preview;
     } catch (const WorkerError&) { // NOLINT(bugprone-empty-catch): our own walk follows
     }
-    return previewTextWithoutWorker(file);
+    return mime::previewTextWithoutWorker(file);
 }
 
 } // namespace corvane::mailstore

@@ -9,8 +9,8 @@
 namespace corvane::mailstore {
 
 // The worker's text unless it looks corrupt, else that of our own walk through the message. Blocks for up to
-// the worker's time limit. Throws MessageFileError when the file can't be read; a failure of the worker leads
-// to our own walk.
+// the worker's time limit. Throws mime::MessageFileError when the file can't be read; a failure of the worker
+// leads to our own walk.
 std::string previewText(const MailWorkerClient& worker, const FileURL& file);
 
 } // namespace corvane::mailstore

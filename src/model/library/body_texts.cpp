@@ -37,7 +37,7 @@ std::optional<std::string> ccOfFile(const platform::Platform& platform, const Ar
     const std::string path = items.front().fileURL.path().str();
     if (platform.isCloudPlaceholder(path)) return std::nullopt;
     const auto start = platform::readFilePrefix(path, bytesWithHeader);
-    return start ? mailstore::decodedHeaderField("cc", *start) : std::nullopt;
+    return start ? mime::decodedHeaderField("cc", *start) : std::nullopt;
 }
 
 } // namespace

@@ -11,7 +11,7 @@ namespace corvane {
 std::string messagePreview(const platform::Platform& platform, const std::string& path) {
     try {
         return mailstore::previewText(MailWorkerClient(platform), FileURL(platform::standardizedPath(path)));
-    } catch (const mailstore::MessageFileError& error) {
+    } catch (const mime::MessageFileError& error) {
         throw std::runtime_error(std::string("读取邮件文件失败：") + error.what());
     }
 }

@@ -15,7 +15,7 @@ namespace {
 
 PreviewRefresh::WorkerPreview previewOfWorker(const platform::Platform& platform) {
     return [client = MailWorkerClient(platform)](const FileURL& file, const std::stop_token& stop) {
-        return client.previewText(file, mailstore::previewByteLimit, stop);
+        return client.previewText(file, mime::previewByteLimit, stop);
     };
 }
 
@@ -31,8 +31,8 @@ std::string textOfWorker(const FileURL& file, const PreviewRefresh::WorkerPrevie
 // Made by our own walk through the message.
 std::string textOfFile(const FileURL& file) {
     try {
-        return mailstore::previewTextWithoutWorker(file);
-    } catch (const mailstore::MessageFileError&) {
+        return mime::previewTextWithoutWorker(file);
+    } catch (const mime::MessageFileError&) {
         return {};
     }
 }
@@ -41,9 +41,9 @@ std::string textOfFile(const FileURL& file) {
 std::string soundPreview(const FileURL& file, const PreviewRefresh::WorkerPreview& worker,
                          const std::stop_token& stop) {
     std::string text = textOfWorker(file, worker, stop);
-    if (!text.empty() && !mailstore::previewLooksCorrupt(text)) return text;
+    if (!text.empty() && !mime::previewLooksCorrupt(text)) return text;
     text = textOfFile(file);
-    const bool isSound = text != emptyBodyPreviewPlaceholder && !mailstore::previewLooksCorrupt(text);
+    const bool isSound = text != emptyBodyPreviewPlaceholder && !mime::previewLooksCorrupt(text);
     return isSound ? text : std::string();
 }
 
@@ -60,7 +60,7 @@ PreviewRefresh::PreviewRefresh(ModelContext& context, MessageCatalog& catalog, Q
 void PreviewRefresh::refreshPreviewIfNeeded(const std::optional<std::string>& messageID) {
     if (!areShown_ || !messageID || refreshingPreviewMessageID_ == messageID) return;
     const MailMessageRecord* message = catalog_.messageByID(*messageID);
-    if (message == nullptr || !mailstore::previewLooksCorrupt(message->preview)) return;
+    if (message == nullptr || !mime::previewLooksCorrupt(message->preview)) return;
     refreshingPreviewMessageID_ = messageID;
     previewRefreshTask_.start(TaskPriority::utility, [this, id = *messageID, token = catalog_.messagesToken(),
                                                       files = message->allMessageFileURLs(),
