@@ -3,7 +3,9 @@
 // Usage: floor_scan_cache_write FILE TARGET. Prints the seconds of the writing.
 #include <chrono>
 #include <cstdio>
+#include <iterator>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 

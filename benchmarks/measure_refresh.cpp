@@ -8,7 +8,10 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <QCoreApplication>
 #include <fmt/format.h>

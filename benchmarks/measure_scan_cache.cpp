@@ -2,6 +2,7 @@
 // the seconds; `make` writes a cache of made-up messages.
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 

@@ -12,6 +12,7 @@
 // doesn't count as a stall; beside them stands the longest by the clock.
 #include <chrono>
 #include <functional>
+#include <utility>
 
 #include <QEvent>
 #include <QEventLoop>

@@ -1,4 +1,5 @@
 #include <csignal>
+#include <exception>
 #include <map>
 
 #include <QGuiApplication>

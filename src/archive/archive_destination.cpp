@@ -1,6 +1,7 @@
 #include "archive/archive_destination.h"
 
 #include <cerrno>
+#include <exception>
 #include <optional>
 #include <system_error>
 #include <utility>

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <set>
+#include <system_error>
 #include <unordered_set>
 #include <utility>
 

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <exception>
 #include <filesystem>
 #include <optional>
 #include <span>
+#include <system_error>
 #include <unordered_map>
 
 #include <fmt/format.h>

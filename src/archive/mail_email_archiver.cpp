@@ -1,6 +1,7 @@
 #include "archive/mail_email_archiver.h"
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 #include <fmt/format.h>

@@ -1,5 +1,6 @@
 #include "cli/command_line.h"
 
+#include <exception>
 #include <functional>
 #include <map>
 

@@ -1,4 +1,6 @@
 #include <chrono>
+#include <map>
+#include <set>
 
 #include <fmt/format.h>
 

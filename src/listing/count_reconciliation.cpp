@@ -1,7 +1,9 @@
 #include "listing/count_reconciliation.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <set>
+#include <utility>
 
 #include <fmt/format.h>
 

@@ -3,6 +3,7 @@
 // year, so that mail which comes into it later belongs to it.
 #pragma once
 
+#include <cstdint>
 #include <set>
 #include <string>
 

@@ -1,6 +1,7 @@
 #include "listing/scan_deduplication.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <unordered_set>
 
 #include <fmt/format.h>

@@ -1,6 +1,7 @@
 #include "locations/archive_index_cache.h"
 
 #include <fstream>
+#include <tuple>
 #include <vector>
 
 #include <fmt/format.h>

@@ -2,6 +2,7 @@
 // library of them. Touches disks that may hang and no published state.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <set>
 #include <stop_token>

@@ -1,5 +1,6 @@
 #include "mailstore/property_list.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <optional>

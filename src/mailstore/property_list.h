@@ -3,6 +3,7 @@
 // whatever isn't understood is left out.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>

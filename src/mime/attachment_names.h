@@ -1,6 +1,7 @@
 // Names of attachments, however they reach us, and what they tell. Pure functions, any thread.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>

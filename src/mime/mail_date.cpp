@@ -1,6 +1,8 @@
 #include "mime/mail_date.h"
 
+#include <algorithm>
 #include <charconv>
+#include <system_error>
 
 #include "records/formatters.h"
 #include "text/trim.h"

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "mime/header_decoding.h"
 #include "mime/signature_search.h"

@@ -1,6 +1,8 @@
 #include "model/corvane_view_model.h"
 
 #include <algorithm>
+#include <chrono>
+#include <iterator>
 
 #include <QPointer>
 #include <fmt/format.h>

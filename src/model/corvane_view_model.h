@@ -6,6 +6,12 @@
 // operations and signals directly.
 #pragma once
 
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+
 #include <QObject>
 
 #include "model/archiving/archive_control.h"

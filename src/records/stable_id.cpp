@@ -1,5 +1,7 @@
 #include "records/stable_id.h"
 
+#include <cstdint>
+
 #include <fmt/format.h>
 
 namespace corvane {

@@ -1,6 +1,7 @@
 #include "search/search_database.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace corvane::search {
 

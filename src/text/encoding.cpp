@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <system_error>
 
 #include "text/ascii.h"
 #include "text/charset.h"

@@ -1,5 +1,6 @@
 #include "text/regex.h"
 
+#include <algorithm>
 #include <limits>
 #include <stdexcept>
 

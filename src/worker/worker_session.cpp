@@ -1,3 +1,4 @@
+#include <exception>
 #include <system_error>
 
 #include <fmt/format.h>

@@ -1,6 +1,7 @@
 // A small Mail store of .emlx files and an archive folder, for runs of the archiver with real files.
 #pragma once
 
+#include <chrono>
 #include <map>
 #include <string>
 #include <string_view>

@@ -1,6 +1,9 @@
 // Runs that are failed, cut off, killed or held up at every operation, and what the next run makes of it.
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
+#include <optional>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <signal.h>

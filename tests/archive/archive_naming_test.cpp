@@ -1,5 +1,8 @@
 #include "archive/archive_naming.h"
 
+#include <chrono>
+#include <utility>
+
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,7 @@
+#include <algorithm>
 #include <filesystem>
+#include <stop_token>
+#include <system_error>
 #include <thread>
 
 #include <fmt/format.h>

@@ -1,10 +1,13 @@
 #include "archive/body_indexing.h"
 
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <set>
+#include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,11 @@
 #include "archive/durable_write.h"
 
+#include <algorithm>
+#include <atomic>
 #include <condition_variable>
 #include <filesystem>
+#include <thread>
+#include <utility>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,7 @@
 #include "mailstore/folders/attachment_file_locator.h"
 
 #include <filesystem>
+#include <utility>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

@@ -1,5 +1,6 @@
 #include "mailstore/index/live_presence.h"
 
+#include <chrono>
 #include <filesystem>
 #include <random>
 

@@ -1,7 +1,9 @@
 #include "mailstore/scan/mail_data_scanner.h"
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

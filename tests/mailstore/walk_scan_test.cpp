@@ -1,4 +1,6 @@
+#include <chrono>
 #include <filesystem>
+#include <utility>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

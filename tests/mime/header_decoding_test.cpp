@@ -1,5 +1,7 @@
 #include "mime/header_decoding.h"
 
+#include <utility>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

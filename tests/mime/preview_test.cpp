@@ -1,5 +1,6 @@
 #include "mime/preview_text.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <random>
 

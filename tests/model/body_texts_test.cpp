@@ -2,6 +2,8 @@
 
 #include <filesystem>
 #include <future>
+#include <stdexcept>
+#include <utility>
 
 #include <gmock/gmock.h>
 

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <future>
+#include <set>
 
 #include "locations/settings_keys.h"
 #include "model/archive_samples.h"

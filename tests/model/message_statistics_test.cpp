@@ -1,3 +1,6 @@
+#include <functional>
+#include <tuple>
+
 #include "listing/count_reconciliation.h"
 #include "listing/message_statistics.h"
 #include "listing/scan_deduplication.h"

@@ -1,6 +1,7 @@
 #include "model/mail/preview_refresh.h"
 
 #include <future>
+#include <stdexcept>
 
 #include "model/model_test.h"
 #include "records/preview_placeholders.h"

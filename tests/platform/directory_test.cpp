@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <utility>
 
 #include <dirent.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,7 @@
 #include "platform/file_layer.h"
 
 #include <algorithm>
+#include <system_error>
 #include <vector>
 
 #include <fcntl.h>

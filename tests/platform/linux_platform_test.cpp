@@ -1,9 +1,12 @@
 #include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <cstdlib>
 #include <filesystem>
 #include <mutex>
 #include <optional>
+#include <system_error>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>

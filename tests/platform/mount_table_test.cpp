@@ -1,6 +1,7 @@
 #include "platform/linux/mount_table.h"
 
 #include <filesystem>
+#include <stdexcept>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

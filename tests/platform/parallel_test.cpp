@@ -1,5 +1,10 @@
 #include "platform/parallel.h"
 
+#include <atomic>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 namespace corvane::platform {

@@ -1,3 +1,6 @@
+#include <ctime>
+#include <utility>
+
 #include "records/archive_records.h"
 #include "records/formatters.h"
 #include "records/mail_account.h"

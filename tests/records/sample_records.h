@@ -1,6 +1,8 @@
 // Records with every field set, and random ones, for round trips.
 #pragma once
 
+#include <chrono>
+#include <optional>
 #include <random>
 #include <string>
 

@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <system_error>
+
 #include "records/json/json_form.h"
 #include "records/logs/performance_log.h"
 #include "records/logs/startup_log.h"

@@ -1,5 +1,7 @@
 #include <filesystem>
 #include <fstream>
+#include <optional>
+#include <utility>
 
 #include <gmock/gmock.h>
 

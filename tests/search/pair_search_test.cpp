@@ -1,6 +1,8 @@
 #include "search/pair_search.h"
 
+#include <stop_token>
 #include <thread>
+#include <utility>
 
 #include "search/search_fixture.h"
 

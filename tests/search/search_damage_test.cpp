@@ -1,5 +1,7 @@
+#include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <random>
 #include <thread>
 

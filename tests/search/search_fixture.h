@@ -1,6 +1,7 @@
 // A support folder of its own for each test, with search databases of archives that need not exist.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>

@@ -1,6 +1,7 @@
 #include "search/substring_search.h"
 
 #include <random>
+#include <utility>
 
 #include "search/pair_search.h"
 #include "search/search_fixture.h"

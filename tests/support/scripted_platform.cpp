@@ -1,6 +1,7 @@
 #include "support/scripted_platform.h"
 
 #include <filesystem>
+#include <system_error>
 
 namespace corvane::testing {
 

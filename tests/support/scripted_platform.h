@@ -1,6 +1,7 @@
 // A platform whose answers a test chooses: the sqlite3 shell, the temporary folder, the worker's places.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>

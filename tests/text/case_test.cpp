@@ -1,5 +1,7 @@
 #include "text/case.h"
 
+#include <utility>
+
 #include <gtest/gtest.h>
 #include <unicode/uloc.h>
 

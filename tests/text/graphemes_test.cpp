@@ -1,5 +1,6 @@
 #include "text/graphemes.h"
 
+#include <algorithm>
 #include <string>
 #include <thread>
 #include <vector>

@@ -1,6 +1,7 @@
 // A mail worker whose behaviour is a few lines of Python, run as the real one is.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 

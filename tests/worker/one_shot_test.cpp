@@ -1,5 +1,9 @@
 #include <filesystem>
+#include <optional>
+#include <stop_token>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>

@@ -1,5 +1,9 @@
+#include <atomic>
+#include <cstdint>
 #include <filesystem>
+#include <stop_token>
 #include <thread>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

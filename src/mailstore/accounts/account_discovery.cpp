@@ -1,6 +1,7 @@
 #include "mailstore/accounts/account_discovery.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <set>
 

@@ -1,5 +1,7 @@
 #include "mailstore/index/indexed_messages.h"
 
+#include <chrono>
+
 #include <fmt/format.h>
 
 #include "mailstore/folders/store_location.h"

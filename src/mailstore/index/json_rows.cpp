@@ -1,7 +1,9 @@
 #include "mailstore/index/json_rows.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <utility>
 
 #include <fcntl.h>
 #include <simdjson.h>

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <set>
+#include <system_error>
 #include <unordered_map>
 
 #include <fmt/format.h>

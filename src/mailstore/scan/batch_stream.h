@@ -1,6 +1,7 @@
 // The records of a scan on their way to who asked for it. One thread.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>

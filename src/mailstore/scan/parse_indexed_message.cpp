@@ -1,3 +1,4 @@
+#include <atomic>
 #include <unordered_map>
 
 #include "mailstore/scan/attachment_resolution.h"

@@ -1,5 +1,7 @@
 #include "mailstore/scan/walk_scan.h"
 
+#include <exception>
+
 #include <fmt/format.h>
 
 #include "mailstore/folders/folder_walk.h"

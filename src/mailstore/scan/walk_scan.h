@@ -2,6 +2,7 @@
 // attachments become records. One thread.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>

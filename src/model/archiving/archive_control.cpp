@@ -1,7 +1,9 @@
 #include "model/archiving/archive_control.h"
 
 #include <algorithm>
+#include <exception>
 #include <iterator>
+#include <utility>
 
 #include <fmt/format.h>
 

@@ -2,11 +2,15 @@
 // for the screens and the run itself are background tasks.
 #pragma once
 
+#include <cstdint>
 #include <expected>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <set>
+#include <stop_token>
 #include <string>
+#include <string_view>
 
 #include <QObject>
 

@@ -1,6 +1,7 @@
 #include "model/archiving/destinations.h"
 
 #include <chrono>
+#include <tuple>
 
 #include <fmt/format.h>
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

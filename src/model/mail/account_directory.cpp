@@ -1,5 +1,6 @@
 #include "model/mail/account_directory.h"
 
+#include <exception>
 #include <map>
 
 #include "locations/settings_keys.h"

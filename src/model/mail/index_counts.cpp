@@ -1,5 +1,7 @@
 #include "model/mail/index_counts.h"
 
+#include <memory>
+
 #include <fmt/format.h>
 
 #include "mailstore/index/year_counts.h"

@@ -2,9 +2,12 @@
 // the queries run in the background.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <QObject>
 

@@ -1,6 +1,9 @@
 #include "model/mail/scan_flow.h"
 
 #include <algorithm>
+#include <exception>
+#include <iterator>
+#include <set>
 
 #include <fmt/format.h>
 

@@ -1,6 +1,10 @@
 // The restore of the last scan from its two files: the small one for the home screen, then the large one.
 #include <fmt/format.h>
 
+#include <chrono>
+#include <exception>
+#include <memory>
+
 #include "model/mail/scan_flow.h"
 #include "records/json/json_form.h"
 #include "records/stores/scan_cache_store.h"

@@ -3,7 +3,11 @@
 // known.
 #pragma once
 
+#include <cstdint>
+#include <memory>
 #include <optional>
+#include <set>
+#include <stop_token>
 #include <string>
 
 #include <QObject>

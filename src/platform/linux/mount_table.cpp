@@ -4,6 +4,7 @@
 #include <array>
 #include <set>
 #include <tuple>
+#include <utility>
 
 #include "platform/paths.h"
 #include "text/split.h"

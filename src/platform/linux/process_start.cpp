@@ -7,8 +7,13 @@
 #include <deque>
 #include <future>
 #include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <system_error>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <fmt/format.h>

@@ -6,12 +6,14 @@
 #error "RapidJSON 1.1 leaves the controls U+001A to U+001F unescaped in its SSE writers"
 #endif
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 #include <vector>

@@ -1,6 +1,8 @@
 // The JSON forms of the files of a scan.
 #pragma once
 
+#include <tuple>
+
 #include "records/json/record_forms.h"
 #include "records/stores/scan_cache_file.h"
 

@@ -1,5 +1,6 @@
 #include "records/stores/scan_cache_store.h"
 
+#include <string_view>
 #include <tuple>
 
 #include "records/json/scan_cache_forms.h"

@@ -1,5 +1,7 @@
 #include "screens/archive/archive_candidates_model.h"
 
+#include <memory>
+
 #include "screens/texts/shown_text.h"
 
 namespace corvane {

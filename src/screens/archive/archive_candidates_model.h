@@ -2,6 +2,8 @@
 // lists of candidates are compared in the background and applied by row.
 #pragma once
 
+#include <cstdint>
+
 #include <QtQml/qqmlregistration.h>
 
 #include "model/corvane_view_model.h"

@@ -1,6 +1,8 @@
 #include "screens/archive/archive_progress.h"
 
+#include <chrono>
 #include <cmath>
+#include <optional>
 
 #include <fmt/format.h>
 

@@ -2,6 +2,9 @@
 // move once a second, also between the run's reports.
 #pragma once
 
+#include <algorithm>
+#include <cstdint>
+
 #include <QObject>
 #include <QTimer>
 #include <QtQml/qqmlregistration.h>

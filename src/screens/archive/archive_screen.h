@@ -3,10 +3,13 @@
 // run.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include <QObject>
 #include <QUrl>

@@ -1,5 +1,6 @@
 #include "screens/archive/run_pace.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "screens/texts/shown_figures.h"

@@ -1,5 +1,7 @@
 #include "screens/home/home_screen.h"
 
+#include <algorithm>
+
 #include <QVariantMap>
 
 #include "records/formatters.h"

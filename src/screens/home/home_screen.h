@@ -3,6 +3,7 @@
 // model's.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 

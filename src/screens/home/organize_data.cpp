@@ -1,5 +1,7 @@
 #include "screens/home/organize_data.h"
 
+#include <algorithm>
+
 #include <fmt/format.h>
 
 namespace corvane {

@@ -4,6 +4,10 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
 #include <string>
 
 #include <QElapsedTimer>

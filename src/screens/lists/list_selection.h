@@ -4,6 +4,8 @@
 // The current row is what the detail shows; it is -1 without rows. The anchor is where a range begins.
 #pragma once
 
+#include <vector>
+
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 

@@ -4,8 +4,10 @@
 // A view that wants to keep its place looks where it stands at `aboutToChange` and goes back at `changed`.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
 #include <QAbstractListModel>
 #include <QtQml/qqmlregistration.h>

@@ -1,6 +1,7 @@
 #include "screens/mails/filter_options.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include <QLocale>
 

@@ -1,5 +1,7 @@
 #include "screens/mails/listed_counts.h"
 
+#include <string_view>
+
 namespace corvane {
 
 ListedCounts listedCounts(const MessageList& messages, const SharedTextSet& locallyAvailableIDs,

@@ -4,7 +4,11 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
+#include <set>
+#include <string>
+#include <vector>
 
 #include <QObject>
 #include <QStringList>

@@ -1,5 +1,7 @@
 #include "screens/mails/mail_list_screen.h"
 
+#include <algorithm>
+#include <stop_token>
 #include <utility>
 
 #include <QLocale>

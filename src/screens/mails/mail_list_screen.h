@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>

@@ -1,6 +1,8 @@
 #include "screens/shell/window_frame.h"
 
 #include <algorithm>
+#include <array>
+#include <string>
 
 #include <QGuiApplication>
 #include <QScreen>

@@ -1,6 +1,9 @@
 #include "screens/shell/window_model.h"
 
 #include <filesystem>
+#include <memory>
+#include <string>
+#include <system_error>
 
 #include <QUrl>
 #include <fmt/format.h>

@@ -1,6 +1,7 @@
 #include "screens/archive/places/folder_picker.h"
 
 #include <filesystem>
+#include <set>
 
 #include <sys/stat.h>
 #include <unistd.h>

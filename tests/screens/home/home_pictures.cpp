@@ -1,7 +1,10 @@
 // Paints the home and the archive flow in every state, both modes and both sizes, for people to look at:
 //   home_pictures FOLDER [STATE...]
+#include <cstdio>
 #include <filesystem>
 #include <functional>
+#include <string>
+#include <vector>
 
 #include <QGuiApplication>
 #include <QProcess>

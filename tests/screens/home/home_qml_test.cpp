@@ -1,6 +1,8 @@
 // Runs the tst_*.qml files of this folder: the whole window over a real model and made-up mail. Whatever the
 // engine warns of fails the test in which it happens.
 #include <filesystem>
+#include <memory>
+#include <utility>
 
 #include <QQmlContext>
 #include <QQmlEngine>

@@ -1,6 +1,8 @@
 #include "screens/home/home_screen.h"
 
 #include <filesystem>
+#include <memory>
+#include <set>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,10 @@
 // The home and the archive sheet over a real model, a real archive folder and messages with their files.
 #pragma once
 
+#include <chrono>
+#include <string>
+#include <vector>
+
 #include <QSignalSpy>
 
 #include "model/model_test.h"

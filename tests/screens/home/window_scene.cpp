@@ -1,6 +1,8 @@
 #include "screens/home/window_scene.h"
 
 #include <array>
+#include <cstdint>
+#include <memory>
 
 #include <fmt/format.h>
 

@@ -1,6 +1,7 @@
 // A whole window's model over a home of its own, filled with mail that is made up, to be looked at or driven.
 #pragma once
 
+#include <chrono>
 #include <latch>
 
 #include <QQmlApplicationEngine>

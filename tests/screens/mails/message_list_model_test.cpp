@@ -1,5 +1,6 @@
 #include "screens/lists/message_list_model.h"
 
+#include <algorithm>
 #include <random>
 
 #include <QAbstractItemModelTester>

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include <QGuiApplication>
 #include <QWindow>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+#include <chrono>
 #include <future>
 
 #include <QLocalSocket>

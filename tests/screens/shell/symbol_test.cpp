@@ -1,4 +1,6 @@
+#include <cstdlib>
 #include <set>
+#include <utility>
 
 #include <QDirIterator>
 #include <gtest/gtest.h>

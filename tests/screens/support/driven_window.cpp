@@ -7,6 +7,8 @@
 //   focus       the part that has the keyboard, with the names of what it stands in
 //   keys        how many keys have been let go
 //   clipboard   the text on it
+#include <algorithm>
+#include <array>
 #include <csignal>
 
 #include <QClipboard>

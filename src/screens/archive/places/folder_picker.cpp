@@ -1,5 +1,8 @@
 #include "screens/archive/places/folder_picker.h"
 
+#include <algorithm>
+#include <memory>
+
 #include "locations/destination_detection.h"
 #include "platform/paths.h"
 #include "screens/texts/shown_text.h"

@@ -3,6 +3,8 @@
 // background, since a cloud folder may hang.
 #pragma once
 
+#include <functional>
+#include <stop_token>
 #include <string>
 #include <vector>
 

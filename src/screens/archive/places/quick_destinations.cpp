@@ -1,5 +1,7 @@
 #include "screens/archive/places/quick_destinations.h"
 
+#include <algorithm>
+
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
 #include "screens/texts/destination_texts.h"

@@ -1,6 +1,7 @@
 #include "screens/controls/theme/symbol.h"
 
 #include <cmath>
+#include <utility>
 
 #include <QBuffer>
 #include <QFile>

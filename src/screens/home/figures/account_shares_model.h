@@ -2,6 +2,7 @@
 // them. Main thread.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>

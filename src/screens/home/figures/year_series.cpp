@@ -1,5 +1,7 @@
 #include "screens/home/figures/year_series.h"
 
+#include <map>
+
 #include <QVariantMap>
 
 namespace corvane::screens {

@@ -1,7 +1,10 @@
 // The bars of the home's chart: a year's archived, unarchived and server-only messages, oldest first. Pure.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <set>
+#include <string>
 #include <vector>
 
 #include <QVariantList>

@@ -3,6 +3,8 @@
 // open, and the scope to which the tree is narrowed; ticks outside of the scope stay.
 #pragma once
 
+#include <cstdint>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>

@@ -1,6 +1,7 @@
 #include "screens/shell/sidebar/activity.h"
 
 #include <chrono>
+#include <utility>
 
 #include "screens/texts/shown_figures.h"
 

@@ -1,5 +1,7 @@
 #include "screens/shell/start/blocked_start.h"
 
+#include <utility>
+
 namespace corvane {
 
 BlockedStart::BlockedStart(QString title, QString line)

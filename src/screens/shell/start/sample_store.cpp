@@ -1,7 +1,9 @@
 #include "screens/shell/start/sample_store.h"
 
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
+#include <stdexcept>
 #include <system_error>
 
 #include "platform/child_process.h"
