@@ -7,8 +7,8 @@
 
 #include <fmt/format.h>
 
+#include "listing/archive_capacity.h"
 #include "listing/file_existence.h"
-#include "records/formatters.h"
 #include "records/stable_hash.h"
 #include "records/stable_id.h"
 
@@ -29,8 +29,6 @@ struct CandidateJob {
 };
 
 namespace {
-
-constexpr double capacityMargin = 1.15;
 
 std::string joined(const auto& values) {
     return fmt::format("{}", fmt::join(values, ","));
@@ -105,23 +103,6 @@ bool CandidateRules::passes(const MailMessageRecord& message, const YearByID& ye
     const auto year = yearByID.find(message.id);
     if (year == yearByID.end()) return false;
     return (!maximumYear || year->second <= *maximumYear) && (years.empty() || years.contains(year->second));
-}
-
-std::int64_t estimatedArchiveBytes(double bytes) {
-    return static_cast<std::int64_t>(bytes * capacityMargin);
-}
-
-std::optional<std::string> archiveCapacityShortfall(const MessageList& messages, const std::string& path,
-                                                    const platform::Platform& platform) {
-    double bytes = 0;
-    for (const MailMessageRecord& message : messages) bytes += static_cast<double>(message.messageSize);
-    const std::int64_t estimate = estimatedArchiveBytes(bytes);
-    const auto available = platform.availableCapacity(path);
-    if (!available || *available >= estimate) return std::nullopt;
-    return fmt::format(
-        "目的地可用空间不足：归档这 {} 封约需 {}，当前仅剩 {}。请清理空间或更换归档位置后重试。\n\n（归档到 "
-        "iCloud 时文件会先占用本地磁盘再上传，也请确认 iCloud 云端还有足够空间。）",
-        messages.size(), formatByteCount(estimate), formatByteCount(*available));
 }
 
 ArchiveControl::ArchiveControl(ModelContext& context, MessageCatalog& catalog, ModelFilters& filters,

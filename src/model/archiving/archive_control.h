@@ -36,14 +36,6 @@ struct CandidateRules {
 // Everything that the candidates depend on.
 struct CandidateJob;
 
-// What messages of `bytes` in all need at their destination: a margin of 15 percent is added.
-std::int64_t estimatedArchiveBytes(double bytes);
-
-// The user's message when the place at `path` is too small for the messages and a margin of 15 percent;
-// nothing when it isn't, or can't be told.
-std::optional<std::string> archiveCapacityShortfall(const MessageList& messages, const std::string& path,
-                                                    const platform::Platform& platform);
-
 class ArchiveControl : public QObject {
     Q_OBJECT
 

@@ -6,42 +6,15 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <set>
-#include <stop_token>
 #include <string>
 
 #include <QObject>
 
+#include "listing/visible_list.h"
 #include "model/mail/message_catalog.h"
 #include "model/mail/model_filters.h"
 
 namespace corvane {
-
-// The rules of the list as values.
-struct ListRules {
-    std::string query; // trimmed and lower-cased
-    std::int64_t minimumAttachmentCount = 0;
-    std::set<std::int64_t> years;
-    std::set<std::string> accountPrefixes;
-    std::optional<std::int64_t> newestYear;
-    MigratedFilter migrated = MigratedFilter::all;
-    MailSortMode sortMode = MailSortMode::newest;
-    bool ascending = false;
-
-    static ListRules of(const ModelFilters& filters);
-};
-
-struct ListInput {
-    SharedMessageList messages;
-    std::shared_ptr<const SharedTextSet> locallyAvailableIDs;
-    std::shared_ptr<const SharedTextSet> archivedMessageIDs;
-    std::shared_ptr<const YearByID> yearByID;
-};
-
-// Filters and sorts; shares all texts with the input, and is the input's own list where that is the result.
-// Null when stopped.
-SharedMessageList makeVisibleMessages(const ListInput& input, const ListRules& rules,
-                                      const std::stop_token& stop = {});
 
 class VisibleMessages : public QObject {
     Q_OBJECT

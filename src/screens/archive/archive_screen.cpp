@@ -4,6 +4,7 @@
 
 #include <QPointer>
 
+#include "listing/archive_capacity.h"
 #include "platform/paths.h"
 #include "screens/archive/archive_texts.h"
 #include "screens/lists/message_lines.h"

@@ -1,6 +1,8 @@
 #include "screens/archive/archive_texts.h"
 
-#include "model/archiving/archive_control.h"
+#include <QStringList>
+
+#include "listing/archive_capacity.h"
 #include "screens/texts/shown_figures.h"
 
 namespace corvane::screens {
