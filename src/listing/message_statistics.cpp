@@ -4,6 +4,7 @@
 #include <map>
 #include <ranges>
 
+#include "listing/account_titles.h"
 #include "mailstore/folders/trash_junk_mailboxes.h"
 #include "records/timestamps.h"
 #include "text/position_table.h"
@@ -72,12 +73,6 @@ AccountYearStatGroup makeGroup(std::string prefix, std::string name, const Count
     return group;
 }
 
-// The name of a group that no known account explains.
-std::string nameOfUnknown(std::string_view prefix, const CountedMessages& messages) {
-    const auto& name = messages.front().message->accountName;
-    return name ? name->str() : std::string(prefix);
-}
-
 } // namespace
 
 MessageRefs allOf(const MessageList& messages) {
@@ -144,26 +139,20 @@ std::vector<YearStat> computeYearStats(const MessageRefs& messages) {
 std::vector<AccountYearStatGroup> computeAccountYearStats(const CountedMessages& messages,
                                                           const std::vector<MailAccount>& accounts) {
     std::map<std::string_view, CountedMessages> byAccount;
-    for (const CountedMessage& counted : messages) {
-        const auto& identifier = counted.message->accountIdentifier;
-        byAccount[identifier ? identifier->view() : std::string_view()].push_back(counted);
-    }
+    for (const CountedMessage& counted : messages)
+        byAccount[accountGroupKey(*counted.message)].push_back(counted);
     std::vector<AccountYearStatGroup> groups;
-    const auto add = [&](std::string prefix, std::string name, const CountedMessages& members) {
-        const bool hasCountable = std::any_of(members.begin(), members.end(),
-                                              [](const CountedMessage& counted) { return !counted.isTrash; });
-        if (hasCountable) groups.push_back(makeGroup(std::move(prefix), std::move(name), members));
+    const auto add = [&](std::string_view key, const CountedMessages& members) {
+        if (std::ranges::all_of(members, &CountedMessage::isTrash)) return;
+        groups.push_back(
+            makeGroup(std::string(key), accountTitle(key, accounts, *members.front().message), members));
     };
     for (const MailAccount& account : accounts) {
-        if (auto members = byAccount.extract(account.urlPrefix)) {
-            add(account.urlPrefix, account.distinguishedLabel(), members.mapped());
-        }
+        if (auto members = byAccount.extract(account.urlPrefix)) add(account.urlPrefix, members.mapped());
     }
-    if (auto members = byAccount.extract(std::string_view())) {
-        add(unclassifiedAccountKey, "未识别邮箱", members.mapped());
-    }
-    for (const auto& [prefix, members] : byAccount)
-        add(std::string(prefix), nameOfUnknown(prefix, members), members);
+    if (auto members = byAccount.extract(unclassifiedAccountKey))
+        add(unclassifiedAccountKey, members.mapped());
+    for (const auto& [key, members] : byAccount) add(key, members);
     std::stable_sort(groups.begin(), groups.end(), [](const auto& a, const auto& b) {
         return a.messageBytes != b.messageBytes ? a.messageBytes > b.messageBytes
                                                 : a.accountName < b.accountName;
@@ -196,11 +185,6 @@ bool compareByDate(const MailMessageRecord& a, const MailMessageRecord& b, bool 
     if (a.date.has_value() != b.date.has_value()) return a.date.has_value();
     if (a.date == b.date) return a.subject < b.subject;
     return ascending ? *a.date < *b.date : *a.date > *b.date;
-}
-
-std::string_view accountFilterKey(const MailMessageRecord& message) {
-    return message.accountIdentifier ? message.accountIdentifier->view()
-                                     : std::string_view(unclassifiedAccountKey);
 }
 
 } // namespace corvane

@@ -64,7 +64,4 @@ MailScanSummary makeSummary(const MessageRefs& messages, std::int64_t scannedCou
 // Whether `a` goes before `b`. Undated messages go last in both directions; equals are ordered by subject.
 bool compareByDate(const MailMessageRecord& a, const MailMessageRecord& b, bool ascending);
 
-// The account key by which filters and statistics of space know a message.
-std::string_view accountFilterKey(const MailMessageRecord& message);
-
 } // namespace corvane

@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "text/trim.h"
+#include "listing/account_titles.h"
 
 namespace corvane {
 
@@ -53,7 +53,6 @@ class OverviewMaker {
 
   private:
     AccountInMaking& accountOf(const MailMessageRecord& message);
-    [[nodiscard]] std::string titleOf(std::string_view key, const MailMessageRecord& message) const;
     static void addCandidate(AccountInMaking& account, std::int64_t year, const MailMessageRecord& message);
 
     [[nodiscard]] bool isWithinLimits(std::int64_t year) const {
@@ -71,19 +70,10 @@ AccountInMaking& OverviewMaker::accountOf(const MailMessageRecord& message) {
     if (isNew) {
         AccountInMaking account;
         account.tally.key = account.section.key = key;
-        account.tally.title = account.section.title = titleOf(key, message);
+        account.tally.title = account.section.title = accountTitle(key, input_.accounts, message);
         accounts_.push_back(std::move(account));
     }
     return accounts_[position->second];
-}
-
-std::string OverviewMaker::titleOf(std::string_view key, const MailMessageRecord& message) const {
-    const auto known = std::find_if(input_.accounts.begin(), input_.accounts.end(),
-                                    [&](const MailAccount& account) { return account.urlPrefix == key; });
-    if (known != input_.accounts.end()) return known->distinguishedLabel();
-    if (key == unclassifiedAccountKey) return "未识别邮箱";
-    const std::string_view name = text::trimWhitespaceAndNewlines(message.accountName.value_or(SharedText()));
-    return std::string(name.empty() ? key : name);
 }
 
 void OverviewMaker::addCandidate(AccountInMaking& account, std::int64_t year,

@@ -4,6 +4,7 @@
 #include <ranges>
 #include <unordered_map>
 
+#include "listing/account_titles.h"
 #include "records/stable_id.h"
 #include "text/case.h"
 #include "text/trim.h"
@@ -13,11 +14,6 @@ namespace corvane {
 namespace {
 
 constexpr std::size_t senderLimit = 200;
-
-std::string_view spaceAccountKey(const MailMessageRecord& message) {
-    const auto& identifier = message.accountIdentifier;
-    return identifier && !identifier->empty() ? identifier->view() : std::string_view(unclassifiedAccountKey);
-}
 
 bool holdsAt(std::string_view text) {
     return text.find('@') != std::string_view::npos;
@@ -58,23 +54,13 @@ class SenderTable {
     std::unordered_map<std::string, SpaceSenderStat> statByKey_;
 };
 
-std::string accountName(std::string_view key, const MailAccount* account, const MailMessageRecord& first) {
-    std::string name;
-    if (account != nullptr) {
-        name = account->distinguishedLabel();
-    } else if (key == unclassifiedAccountKey) {
-        name = "未识别邮箱";
-    } else if (first.accountName) {
-        name = text::trimWhitespaceAndNewlines(*first.accountName);
-    }
-    return name.empty() ? std::string(key) : name;
-}
-
-SpaceAccountUsage usageOf(std::string_view key, const MessageRefs& messages, const MailAccount* account,
+SpaceAccountUsage usageOf(std::string_view key, const MessageRefs& messages,
+                          const std::vector<MailAccount>& accounts,
                           const SharedTextSet* locallyAvailableIDs) {
     SpaceAccountUsage usage;
     usage.accountPrefix = key;
-    usage.accountName = accountName(key, account, *messages.front());
+    usage.accountName = accountTitle(key, accounts, *messages.front());
+    const MailAccount* account = findAccount(key, accounts);
     usage.isIMAP = account != nullptr && account->scheme == "imap";
     SenderTable senders;
     for (const MailMessageRecord* message : messages) {
@@ -140,16 +126,12 @@ std::vector<SpaceAccountUsage> computeSpaceUsage(const MessageList& messages,
                                                  const SharedTextSet* locallyAvailableIDs,
                                                  const std::vector<MailAccount>& accounts) {
     std::map<std::string_view, MessageRefs> byAccount;
-    for (const MailMessageRecord& message : messages) byAccount[spaceAccountKey(message)].push_back(&message);
+    for (const MailMessageRecord& message : messages) byAccount[accountGroupKey(message)].push_back(&message);
     std::vector<SpaceAccountUsage> usages;
     for (const auto& [key, all] : byAccount) {
         const MessageRefs counted = countableMessages(all);
         if (counted.empty()) continue;
-        const auto account =
-            std::find_if(accounts.begin(), accounts.end(),
-                         [&](const MailAccount& candidate) { return candidate.urlPrefix == key; });
-        usages.push_back(
-            usageOf(key, counted, account == accounts.end() ? nullptr : &*account, locallyAvailableIDs));
+        usages.push_back(usageOf(key, counted, accounts, locallyAvailableIDs));
     }
     std::stable_sort(
         usages.begin(), usages.end(), [](const SpaceAccountUsage& a, const SpaceAccountUsage& b) {

@@ -4,6 +4,7 @@
 #include <tuple>
 #include <vector>
 
+#include "listing/account_titles.h"
 #include "text/case.h"
 
 namespace corvane {

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "listing/account_titles.h"
 #include "listing/archive_capacity.h"
 #include "listing/file_existence.h"
 #include "records/stable_hash.h"

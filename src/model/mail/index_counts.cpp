@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "listing/account_titles.h"
 #include "mailstore/index/year_counts.h"
 #include "model/mail/mail_access.h"
 
@@ -75,11 +76,9 @@ SharedTextSet SpaceUsage::localMessageIDs(std::string_view accountPrefix, std::s
     if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
     SharedTextSet ids;
     for (const MailMessageRecord& message : *catalog_.messages()) {
-        const auto& identifier = message.accountIdentifier;
-        const std::string_view key = identifier && !identifier->empty()
-                                         ? identifier->view()
-                                         : std::string_view(unclassifiedAccountKey);
-        if (key != accountPrefix || !catalog_.locallyAvailableIDs()->contains(message.id)) continue;
+        if (accountGroupKey(message) != accountPrefix ||
+            !catalog_.locallyAvailableIDs()->contains(message.id))
+            continue;
         if (spaceSenderParts(message.sender).key == senderKey) ids.insert(message.id);
     }
     return ids;

@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "listing/account_titles.h"
+
 namespace corvane {
 
 ListedCounts listedCounts(const MessageList& messages, const SharedTextSet& locallyAvailableIDs,

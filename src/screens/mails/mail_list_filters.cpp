@@ -5,6 +5,7 @@
 #include <iterator>
 #include <utility>
 
+#include "listing/account_titles.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {
@@ -146,14 +147,10 @@ void MailListFilters::follow() {
 }
 
 QString MailListFilters::accountTitle(const std::string& key) const {
-    for (const MailAccount& account : directory_.availableAccounts()) {
-        if (account.urlPrefix == key) return screens::shownLine(account.distinguishedLabel());
-    }
     const auto counted = counts_.byAccount.find(key);
-    if (counted != counts_.byAccount.end() && !counted->second.name.empty()) {
-        return screens::shownLine(counted->second.name);
-    }
-    return key == unclassifiedAccountKey ? QStringLiteral("未识别邮箱") : screens::shownLine(key);
+    const std::string_view nameInMail =
+        counted == counts_.byAccount.end() ? std::string_view() : counted->second.name.view();
+    return screens::shownLine(corvane::accountTitle(key, directory_.availableAccounts(), nameInMail));
 }
 
 // Most bytes first, as everywhere; a chosen account that has no messages can still be let go.
