@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "listing/space_usage.h"
+#include "listing/deletion_safety.h"
 #include "records/statistics_records.h"
 
 namespace corvane {

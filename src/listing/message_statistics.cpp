@@ -91,6 +91,11 @@ YearByID computeMessageYears(const MessageList& messages) {
     return years;
 }
 
+std::optional<std::int64_t> yearIn(const YearByID& years, const MailMessageRecord& message) {
+    const auto year = years.find(message.id);
+    return year == years.end() ? std::nullopt : std::optional(year->second);
+}
+
 CountedMessages countedMessages(const MessageRefs& messages) {
     CountedMessages counted;
     counted.reserve(messages.size());

@@ -44,6 +44,9 @@ inline bool areAllAvailable(const MessageList& messages, const SharedTextSet& av
 using YearByID = std::unordered_map<std::string_view, std::int64_t>;
 YearByID computeMessageYears(const MessageList& messages);
 
+// The year of one message; absent without a date.
+std::optional<std::int64_t> yearIn(const YearByID& years, const MailMessageRecord& message);
+
 // What every statistic counts: without trash and junk, and each message once, the first one of its
 // Message-ID.
 MessageRefs countableMessages(const MessageRefs& messages);

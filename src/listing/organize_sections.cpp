@@ -2,7 +2,12 @@
 
 #include <algorithm>
 #include <limits>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <unordered_map>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -21,7 +26,8 @@ struct YearInMaking {
 };
 
 struct AccountInMaking {
-    OrganizeAccountTally tally;
+    OrganizeAccount account;
+    TallyByYear tallies;
     OrganizeAccountYearSection section;
     std::map<std::int64_t, YearInMaking> years;
 };
@@ -38,15 +44,12 @@ class OverviewMaker {
 
     void add(const MailMessageRecord& message) {
         if (!input_.locallyAvailableIDs->contains(message.id)) return;
-        AccountInMaking& account = accountOf(message);
-        const auto known = input_.yearByID->find(message.id);
-        const std::int64_t year = known == input_.yearByID->end() ? undatedYear : known->second;
+        AccountInMaking& making = accountOf(message);
+        const auto year = yearIn(*input_.yearByID, message);
         const bool isArchived = input_.archivedMessageIDs->contains(message.id);
-        OrganizeAccountTally::Year& tally = account.tally.years[year];
-        tally.local += 1;
-        tally.archived += isArchived ? 1 : 0;
-        account.tally.localBytes += message.messageSize;
-        if (!isArchived && isWithinLimits(year)) addCandidate(account, year, message);
+        making.tallies[year].add(isArchived);
+        making.account.localBytes += message.messageSize;
+        if (!isArchived && isWithinLimits(year)) addCandidate(making, year.value_or(undatedYear), message);
     }
 
     SharedOrganizeOverview finish();
@@ -55,8 +58,8 @@ class OverviewMaker {
     AccountInMaking& accountOf(const MailMessageRecord& message);
     static void addCandidate(AccountInMaking& account, std::int64_t year, const MailMessageRecord& message);
 
-    [[nodiscard]] bool isWithinLimits(std::int64_t year) const {
-        return !input_.maximumYear || (year != undatedYear && year <= *input_.maximumYear);
+    [[nodiscard]] bool isWithinLimits(std::optional<std::int64_t> year) const {
+        return !input_.maximumYear || (year && *year <= *input_.maximumYear);
     }
 
     const OrganizeInput& input_;
@@ -68,10 +71,10 @@ AccountInMaking& OverviewMaker::accountOf(const MailMessageRecord& message) {
     const std::string_view key = accountFilterKey(message);
     const auto [position, isNew] = positionByKey_.try_emplace(key, accounts_.size());
     if (isNew) {
-        AccountInMaking account;
-        account.tally.key = account.section.key = key;
-        account.tally.title = account.section.title = accountTitle(key, input_.accounts, message);
-        accounts_.push_back(std::move(account));
+        AccountInMaking making;
+        making.account.key = making.section.key = key;
+        making.account.title = making.section.title = accountTitle(key, input_.accounts, message);
+        accounts_.push_back(std::move(making));
     }
     return accounts_[position->second];
 }
@@ -104,13 +107,13 @@ void OverviewMaker::addCandidate(AccountInMaking& account, std::int64_t year,
 SharedOrganizeOverview OverviewMaker::finish() {
     auto overview = std::make_shared<OrganizeOverview>();
     overview->hasMessages = true;
-    std::stable_sort(
-        accounts_.begin(), accounts_.end(), [](const AccountInMaking& a, const AccountInMaking& b) {
-            return a.tally.localBytes != b.tally.localBytes ? a.tally.localBytes > b.tally.localBytes
-                                                            : a.tally.title < b.tally.title;
-        });
+    std::ranges::stable_sort(accounts_, [](const AccountInMaking& a, const AccountInMaking& b) {
+        return a.account.localBytes != b.account.localBytes ? a.account.localBytes > b.account.localBytes
+                                                            : a.account.title < b.account.title;
+    });
     for (AccountInMaking& account : accounts_) {
-        overview->accounts.push_back(std::move(account.tally));
+        overview->tallies.emplace(account.account.key, std::move(account.tallies));
+        overview->accounts.push_back(std::move(account.account));
         if (account.years.empty()) continue;
         auto& years = account.section.years;
         for (auto& [year, making] : account.years) {
@@ -144,18 +147,6 @@ std::int64_t OrganizeOverview::candidateCount() const {
     return count;
 }
 
-CountByYear IndexedYears::countsByYear(const std::optional<std::string>& lookedAt) const {
-    if (!lookedAt && selectedAccountPrefixes.empty()) return all;
-    CountByYear sums;
-    for (const auto& [key, years] : byAccount) {
-        if (!counts(key, lookedAt)) continue;
-        for (const auto& [year, count] : years) sums[year] += count;
-    }
-    return sums;
-}
-
-namespace screens {
-
 SharedOrganizeOverview computeOrganizeYearSections(const OrganizeInput& input, const std::stop_token& stop) {
     OverviewMaker maker(input);
     for (const MailMessageRecord& message : *input.messages) {
@@ -170,7 +161,7 @@ SharedOrganizeOverview organizeOverviewOfStatistics(const std::vector<AccountYea
     for (const AccountYearStatGroup& group : groups) {
         OrganizeAccountYearSection section{
             group.accountPrefix, group.accountName, group.messageCount, group.messageBytes, {}};
-        OrganizeAccountTally tally{group.accountPrefix, group.accountName, group.messageBytes, {}};
+        TallyByYear& tallies = overview->tallies[group.accountPrefix];
         for (auto stat = group.years.rbegin(); stat != group.years.rend(); ++stat) {
             section.years.push_back({fmt::format("{}{}{}", section.key, keySeparator, stat->year),
                                      section.key,
@@ -178,34 +169,12 @@ SharedOrganizeOverview organizeOverviewOfStatistics(const std::vector<AccountYea
                                      stat->messageCount,
                                      stat->messageBytes,
                                      {}});
-            tally.years[stat->year].local = stat->messageCount;
+            tallies[stat->year].local = stat->messageCount;
         }
         overview->sections.push_back(std::move(section));
-        overview->accounts.push_back(std::move(tally));
+        overview->accounts.push_back({group.accountPrefix, group.accountName, group.messageBytes});
     }
     return overview;
 }
-
-DeletionSafety deletionSafetyOf(const OrganizeOverview& overview,
-                                const std::optional<std::string>& accountKey,
-                                const std::set<std::int64_t>& years, const IndexedYears& indexed) {
-    DeletionSafety safety;
-    for (const OrganizeAccountTally& account : overview.accounts) {
-        if (!indexed.counts(account.key, accountKey)) continue;
-        for (const auto& [year, tally] : account.years) {
-            if (!years.empty() && (year == undatedYear || !years.contains(year))) continue;
-            safety.local += tally.local;
-            safety.archived += tally.archived;
-        }
-    }
-    std::int64_t known = 0;
-    for (const auto& [year, count] : indexed.countsByYear(accountKey)) {
-        if (years.empty() || years.contains(year)) known += count;
-    }
-    safety.serverOnly = std::max<std::int64_t>(0, known - safety.local);
-    return safety;
-}
-
-} // namespace screens
 
 } // namespace corvane

@@ -4,17 +4,16 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <stop_token>
 #include <string>
 #include <vector>
 
+#include "listing/deletion_safety.h"
 #include "listing/message_statistics.h"
-#include "listing/space_usage.h"
 #include "records/mail_account.h"
+#include "records/statistics_records.h"
 #include "text/shared_text.h"
 
 namespace corvane {
@@ -55,22 +54,17 @@ struct OrganizeAccountYearSection {
 using OrganizeYearGroup = OrganizeAccountYearSection::YearGroup;
 using OrganizeFolderRow = OrganizeAccountYearSection::FolderRow;
 
-// How far one account is archived.
-struct OrganizeAccountTally {
-    struct Year {
-        std::int64_t local = 0;
-        std::int64_t archived = 0;
-    };
-
+// One account of the overview, whether it has candidates or not.
+struct OrganizeAccount {
     std::string key;
     std::string title;
     std::int64_t localBytes = 0;
-    std::map<std::int64_t, Year> years;
 };
 
 struct OrganizeOverview {
     std::vector<OrganizeAccountYearSection> sections; // in the order of `accounts`
-    std::vector<OrganizeAccountTally> accounts;       // most local bytes first, then by title
+    std::vector<OrganizeAccount> accounts;            // most local bytes first, then by title
+    TallyByAccount tallies;                           // how far each of the accounts is archived
     bool hasMessages = false; // false: made of statistics alone, without ids, folders and what is archived
 
     [[nodiscard]] std::int64_t candidateCount() const;
@@ -78,6 +72,7 @@ struct OrganizeOverview {
 
 using SharedOrganizeOverview = std::shared_ptr<const OrganizeOverview>;
 
+// What the overview is made of; no pointer is null. Equal inputs have an equal overview.
 struct OrganizeInput {
     SharedMessageList messages;
     std::shared_ptr<const SharedTextSet> locallyAvailableIDs;
@@ -86,6 +81,8 @@ struct OrganizeInput {
     // The smallest size is none of this: it is a choice for one run.
     std::optional<std::int64_t> maximumYear;
     std::vector<MailAccount> accounts;
+
+    friend bool operator==(const OrganizeInput&, const OrganizeInput&) = default;
 };
 
 // The part of the home that is looked at; absent means all.
@@ -102,36 +99,11 @@ struct OrganizeScope {
     friend bool operator==(const OrganizeScope&, const OrganizeScope&) = default;
 };
 
-// What the index knows by year, for the part that only the server has.
-struct IndexedYears {
-    const CountByYear& all;
-    const CountByAccountAndYear& byAccount;
-    const std::set<std::string>& selectedAccountPrefixes; // empty: all
-
-    // Whether an account counts, when one is looked at and when none is.
-    [[nodiscard]] bool counts(const std::string& key, const std::optional<std::string>& lookedAt) const {
-        if (lookedAt) return *lookedAt == key;
-        return selectedAccountPrefixes.empty() || selectedAccountPrefixes.contains(key);
-    }
-
-    // The sum of the accounts that count.
-    [[nodiscard]] CountByYear countsByYear(const std::optional<std::string>& lookedAt) const;
-};
-
-namespace screens {
-
-// Null when stopped.
+// The overview of all messages on this machine. Null when stopped.
 SharedOrganizeOverview computeOrganizeYearSections(const OrganizeInput& input,
                                                    const std::stop_token& stop = {});
 
 // What the statistics of a cold start tell before the messages are there.
 SharedOrganizeOverview organizeOverviewOfStatistics(const std::vector<AccountYearStatGroup>& groups);
-
-// The same figures as CorvaneViewModel::deletionSafety, made from the tallies. Empty years mean all.
-DeletionSafety deletionSafetyOf(const OrganizeOverview& overview,
-                                const std::optional<std::string>& accountKey,
-                                const std::set<std::int64_t>& years, const IndexedYears& indexed);
-
-} // namespace screens
 
 } // namespace corvane

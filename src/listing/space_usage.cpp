@@ -1,11 +1,11 @@
 #include "listing/space_usage.h"
 
 #include <algorithm>
+#include <map>
 #include <ranges>
 #include <unordered_map>
 
 #include "listing/account_titles.h"
-#include "records/stable_id.h"
 #include "text/case.h"
 #include "text/trim.h"
 
@@ -77,34 +77,6 @@ SpaceAccountUsage usageOf(std::string_view key, const MessageRefs& messages,
     return usage;
 }
 
-std::int64_t indexedTotal(const CountByYear& counts, const std::set<std::int64_t>& years) {
-    std::int64_t total = 0;
-    for (const auto& [year, count] : counts) {
-        if (years.empty() || years.contains(year)) total += count;
-    }
-    return total;
-}
-
-std::int64_t indexedTotal(const DeletionSafetyInput& input, const std::set<std::int64_t>& years) {
-    if (input.selectedAccountPrefixes.empty()) return indexedTotal(input.indexedYearCounts, years);
-    std::int64_t total = 0;
-    for (const std::string& prefix : input.selectedAccountPrefixes) {
-        const auto counts = input.indexedYearCountsByAccount.find(prefix);
-        if (counts != input.indexedYearCountsByAccount.end()) total += indexedTotal(counts->second, years);
-    }
-    return total;
-}
-
-bool isInScope(const DeletionSafetyInput& input, const std::set<std::int64_t>& years,
-               const MailMessageRecord& message) {
-    if (!input.locallyAvailableIDs.contains(message.id)) return false;
-    const auto& accounts = input.selectedAccountPrefixes;
-    if (!accounts.empty() && !accounts.contains(std::string(accountFilterKey(message)))) return false;
-    if (years.empty()) return true;
-    const auto year = input.yearByID.find(message.id);
-    return year != input.yearByID.end() && years.contains(year->second);
-}
-
 } // namespace
 
 SpaceSenderParts spaceSenderParts(std::string_view sender) {
@@ -138,17 +110,6 @@ std::vector<SpaceAccountUsage> computeSpaceUsage(const MessageList& messages,
             return a.localBytes != b.localBytes ? a.localBytes > b.localBytes : a.accountName < b.accountName;
         });
     return usages;
-}
-
-DeletionSafety deletionSafety(const DeletionSafetyInput& input, const std::set<std::int64_t>& years) {
-    DeletionSafety safety;
-    for (const MailMessageRecord& message : input.messages) {
-        if (!isInScope(input, years, message)) continue;
-        safety.local += 1;
-        if (input.archivedBaseIDs.contains(stableID(message))) safety.archived += 1;
-    }
-    safety.serverOnly = std::max<std::int64_t>(0, indexedTotal(input, years) - safety.local);
-    return safety;
 }
 
 } // namespace corvane

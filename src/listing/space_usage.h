@@ -1,10 +1,7 @@
-// What each account occupies on this machine, with its largest senders, and what a set of years would lose if
-// its originals were deleted. Pure functions, linear in the messages.
+// What each account occupies on this machine, with its largest senders. Pure functions, linear in the
+// messages.
 #pragma once
 
-#include <cstdint>
-#include <map>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,29 +28,5 @@ SpaceSenderParts spaceSenderParts(std::string_view sender);
 std::vector<SpaceAccountUsage> computeSpaceUsage(const MessageList& messages,
                                                  const SharedTextSet* locallyAvailableIDs,
                                                  const std::vector<MailAccount>& accounts);
-
-struct DeletionSafety {
-    std::int64_t local = 0;      // messages with a local file
-    std::int64_t archived = 0;   // those of them that an archive holds: what may be deleted by hand
-    std::int64_t serverOnly = 0; // messages the index knows beyond the local ones
-
-    friend bool operator==(const DeletionSafety&, const DeletionSafety&) = default;
-};
-
-using CountByYear = std::map<std::int64_t, std::int64_t>;
-using CountByAccountAndYear = std::map<std::string, CountByYear>;
-
-struct DeletionSafetyInput {
-    const MessageList& messages;
-    const SharedTextSet& locallyAvailableIDs;
-    const SharedTextSet& archivedBaseIDs;
-    const YearByID& yearByID;
-    const std::set<std::string>& selectedAccountPrefixes; // empty: all
-    const CountByYear& indexedYearCounts;
-    const CountByAccountAndYear& indexedYearCountsByAccount;
-};
-
-// Empty years mean all.
-DeletionSafety deletionSafety(const DeletionSafetyInput& input, const std::set<std::int64_t>& years);
 
 } // namespace corvane

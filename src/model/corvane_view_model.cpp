@@ -202,11 +202,12 @@ bool CorvaneViewModel::hasScanDisplayData() const {
 
 DeletionSafety CorvaneViewModel::deletionSafety(const std::set<std::int64_t>& years) {
     if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
-    return corvane::deletionSafety({*catalog_.messages(), *catalog_.locallyAvailableIDs(),
-                                    *library_.archivedEmailBaseIDs(), *catalog_.messageYearByID(),
-                                    accounts_.selectedAccountPrefixes(), counts_.indexedYearCounts(),
-                                    counts_.indexedYearCountsByAccount()},
-                                   years);
+    const TallyByAccount tallies =
+        tallyMessages({*catalog_.messages(), *catalog_.locallyAvailableIDs(),
+                       *library_.archivedEmailBaseIDs(), *catalog_.messageYearByID()});
+    const IndexedYears indexed{counts_.indexedYearCounts(), counts_.indexedYearCountsByAccount(),
+                               accounts_.selectedAccountPrefixes()};
+    return corvane::deletionSafety(tallies, std::nullopt, years, indexed);
 }
 
 void CorvaneViewModel::applyHomeScope(const std::optional<std::string>& accountPrefix,

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "model/sample_messages.h"
+#include "support/sample_messages.h"
 
 namespace corvane {
 namespace {

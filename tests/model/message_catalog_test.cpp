@@ -2,7 +2,7 @@
 
 #include "model/corvane_view_model.h"
 #include "model/model_test.h"
-#include "model/sample_messages.h"
+#include "support/sample_messages.h"
 #include "records/stores/scan_cache_store.h"
 
 namespace corvane {

@@ -11,6 +11,7 @@
 
 #include <QObject>
 
+#include "listing/deletion_safety.h"
 #include "listing/space_usage.h"
 #include "model/mail/account_directory.h"
 #include "model/mail/message_catalog.h"

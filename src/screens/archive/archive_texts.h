@@ -7,7 +7,7 @@
 
 #include <QString>
 
-#include "listing/space_usage.h"
+#include "listing/deletion_safety.h"
 #include "screens/texts/destination_texts.h"
 
 namespace corvane::screens {

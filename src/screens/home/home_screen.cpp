@@ -64,9 +64,7 @@ void HomeScreen::wire() {
 
 void HomeScreen::takeOverview() {
     const auto& accounts = data_.overview()->accounts;
-    const auto isKnown = [&](const OrganizeAccountTally& account) {
-        return scope_.accountKey == account.key;
-    };
+    const auto isKnown = [&](const OrganizeAccount& account) { return scope_.accountKey == account.key; };
     // A scope of what has gone would hide all the mail.
     if (scope_.accountKey && std::none_of(accounts.begin(), accounts.end(), isKnown)) setScope({});
     tree_.setOverview(data_.overview());
@@ -140,7 +138,7 @@ QString HomeScreen::organizeSidebarSubtitle() const {
 QString HomeScreen::organizeRangeTitle() const {
     QString title = scope_.year ? yearTitle(*scope_.year) : QStringLiteral("全部年份");
     if (!scope_.accountKey) return title;
-    for (const OrganizeAccountTally& account : data_.overview()->accounts) {
+    for (const OrganizeAccount& account : data_.overview()->accounts) {
         if (account.key == *scope_.accountKey)
             return shownLine(account.title) + QStringLiteral(" · ") + title;
     }

@@ -61,7 +61,7 @@ void OrganizeData::refresh() {
     const std::string signature = organizeYearSectionsSignature();
     if (signature == (computingSignature_.empty() ? publishedSignature_ : computingSignature_)) return;
     if (hasOnlyStatistics()) {
-        publish(screens::organizeOverviewOfStatistics(model_.catalog().cachedAccountYearStats()), signature);
+        publish(organizeOverviewOfStatistics(model_.catalog().cachedAccountYearStats()), signature);
     } else if (model_.catalog().isAvailabilityKnown()) {
         compute();
     }
@@ -75,7 +75,7 @@ void OrganizeData::compute() {
         catalog.messageYearByID(), model_.filters().transferMaxYear(), model_.accounts().availableAccounts()};
     task_.start(TaskPriority::userInitiated,
                 [this, input = std::move(input), signature = computingSignature_](const TaskHandle& task) {
-                    const auto overview = screens::computeOrganizeYearSections(input, task.stopToken());
+                    const auto overview = computeOrganizeYearSections(input, task.stopToken());
                     if (overview) task.onMain([this, overview, signature] { publish(overview, signature); });
                 });
 }
@@ -102,7 +102,7 @@ IndexedYears OrganizeData::indexedYears() const {
 
 DeletionSafety OrganizeData::deletionSafety(const std::optional<std::string>& accountKey,
                                             const std::set<std::int64_t>& years) const {
-    return screens::deletionSafetyOf(*overview_, accountKey, years, indexedYears());
+    return corvane::deletionSafety(overview_->tallies, accountKey, years, indexedYears());
 }
 
 } // namespace corvane

@@ -7,7 +7,7 @@
 #include <QStringList>
 #include <QtQml/qqmlregistration.h>
 
-#include "listing/space_usage.h"
+#include "listing/deletion_safety.h"
 
 namespace corvane {
 

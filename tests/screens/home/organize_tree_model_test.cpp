@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "model/model_test.h"
-#include "model/sample_messages.h"
+#include "support/sample_messages.h"
 
 namespace corvane {
 namespace {
@@ -26,7 +26,7 @@ class OrganizeTree : public ::testing::Test {
         const auto years = std::make_shared<const YearByID>(computeMessageYears(*messages));
         const auto none = std::make_shared<const SharedTextSet>();
         tree_.setOverview(
-            screens::computeOrganizeYearSections({messages, local, none, years, std::nullopt, {}}));
+            computeOrganizeYearSections({messages, local, none, years, std::nullopt, {}}));
     }
 
     [[nodiscard]] QVariant at(int row, Role role) const { return tree_.data(tree_.index(row), role); }
@@ -157,7 +157,7 @@ TEST_F(OrganizeTree, ArrowsFindParentsAndChildren) {
 }
 
 TEST_F(OrganizeTree, StatisticsShowYearsThatCannotBeOpened) {
-    tree_.setOverview(screens::organizeOverviewOfStatistics(
+    tree_.setOverview(organizeOverviewOfStatistics(
         {{"imap://A", "a@x", {{2021, 3, 3, 3, 300, 100}, {2019, 2, 2, 2, 200, 100}}, 5, 500}}));
     EXPECT_EQ(shown(), rows({"a@x", "2019 年", "2021 年"}));
     EXPECT_FALSE(at(1, Role::ExpandableRole).toBool());

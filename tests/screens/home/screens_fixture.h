@@ -8,7 +8,7 @@
 #include <QSignalSpy>
 
 #include "model/model_test.h"
-#include "model/sample_messages.h"
+#include "model/published_messages.h"
 #include "records/stores/account_cache_store.h"
 #include "screens/archive/archive_screen.h"
 #include "screens/home/home_screen.h"

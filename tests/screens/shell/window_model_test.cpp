@@ -4,7 +4,7 @@
 #include <QSignalSpy>
 
 #include "model/model_test.h"
-#include "model/sample_messages.h"
+#include "model/published_messages.h"
 #include "platform/directory.h"
 #include "records/stores/archive_index_file.h"
 

@@ -41,11 +41,11 @@ void AccountSharesModel::show(const OrganizeOverview& overview, const std::optio
     all.title = QStringLiteral("全部邮箱");
     all.isChosen = !chosenKey;
     std::vector<Row> rows{std::move(all)};
-    for (const OrganizeAccountTally& account : overview.accounts) {
+    for (const OrganizeAccount& account : overview.accounts) {
         Row row{.key = account.key,
                 .title = screens::shownLine(account.title),
                 .isChosen = chosenKey == account.key};
-        for (const auto& [year, tally] : account.years) {
+        for (const auto& [year, tally] : overview.tallies.at(account.key)) {
             row.archived += tally.archived;
             row.unarchived += tally.local - tally.archived;
         }

@@ -9,11 +9,12 @@ namespace corvane::screens {
 std::vector<YearBar> yearBars(const OrganizeOverview& overview, const std::optional<std::string>& accountKey,
                               const std::set<std::int64_t>& tickedYears, const IndexedYears& indexed) {
     std::map<std::int64_t, YearBar> bars;
-    for (const OrganizeAccountTally& account : overview.accounts) {
-        if (!indexed.counts(account.key, accountKey)) continue;
-        for (const auto& [year, tally] : account.years) {
-            bars[year].archived += tally.archived;
-            bars[year].unarchived += tally.local - tally.archived;
+    for (const auto& [key, tallies] : overview.tallies) {
+        if (!indexed.counts(key, accountKey)) continue;
+        for (const auto& [year, tally] : tallies) {
+            YearBar& bar = bars[year.value_or(undatedYear)];
+            bar.archived += tally.archived;
+            bar.unarchived += tally.local - tally.archived;
         }
     }
     for (const auto& [year, count] : indexed.countsByYear(accountKey)) {

@@ -10,7 +10,7 @@
 
 #include <fmt/format.h>
 
-#include "model/mail/message_catalog.h"
+#include "records/mail_message_record.h"
 #include "support/temporary_home.h"
 
 namespace corvane::testing {
@@ -51,13 +51,6 @@ inline MessageList sampleMessages(const TemporaryHome& home, const std::vector<M
     MessageList messages;
     for (const MessageSketch& sketch : sketches) messages.push_back(sampleMessage(home, sketch));
     return messages;
-}
-
-// Publishes a whole scan's messages.
-inline void publishMessages(MessageCatalog& catalog, MessageList messages) {
-    auto shared = std::make_shared<const MessageList>(std::move(messages));
-    MailScanSummary summary = makeSummary(allOf(*shared), static_cast<std::int64_t>(shared->size()));
-    catalog.setMessages(MessageSet::make(std::move(shared), false), std::move(summary));
 }
 
 } // namespace corvane::testing

@@ -1,10 +1,17 @@
 #include "listing/organize_sections.h"
 
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "listing/organize_ticks.h"
-#include "model/sample_messages.h"
-#include "screens/home/figures/year_series.h"
+#include "support/sample_messages.h"
 
 namespace corvane {
 namespace {
@@ -26,9 +33,9 @@ class Organized : public ::testing::Test {
             if (!message.subject.view().starts_with("gone")) local->insert(message.id);
             if (message.subject.view().starts_with("kept")) archived->insert(message.id);
         }
-        return screens::computeOrganizeYearSections(
-            {messages_, local, archived, std::make_shared<const YearByID>(computeMessageYears(*messages_)),
-             maximumYear, std::move(accounts)});
+        return computeOrganizeYearSections({messages_, local, archived,
+                                            std::make_shared<const YearByID>(computeMessageYears(*messages_)),
+                                            maximumYear, std::move(accounts)});
     }
 
     [[nodiscard]] std::vector<std::string> subjectsOf(const SharedTextSet& ids) const {
@@ -41,11 +48,6 @@ class Organized : public ::testing::Test {
 
     testing::TemporaryHome home_;
     SharedMessageList messages_;
-    const CountByYear indexedByYear_{{2019, 10}, {2020, 1}, {2022, 4}};
-    const CountByAccountAndYear indexedByAccount_{{"imap://A", {{2019, 3}}},
-                                                  {"imap://B", {{2019, 7}, {2022, 4}}}};
-    std::set<std::string> selected_;
-    const IndexedYears indexed_{indexedByYear_, indexedByAccount_, selected_};
 };
 
 using Titles = std::vector<std::string>;
@@ -83,48 +85,7 @@ TEST_F(Organized, AccountsBySizeYearsOldestFirstFoldersByCount) {
 TEST_F(Organized, ALimitOnTheYearLeavesTheUndatedOut) {
     const auto overview = overviewOf({{"a", 2019}, {"b", 2021}, {"c", 0}}, {}, 2020);
     EXPECT_EQ(overview->candidateCount(), 1);
-    EXPECT_EQ(screens::deletionSafetyOf(*overview, std::nullopt, {}, indexed_).local, 3);
-}
-
-// The same figures as the model's pass over all messages.
-TEST_F(Organized, SafetyOfTheTalliesIsThatOfTheMessages) {
-    const auto overview = overviewOf({{"a1", 2019},
-                                      {"kept1", 2019},
-                                      {"kept2", 0},
-                                      {"b1", 2019, "imap://B"},
-                                      {"n1", 2020, ""},
-                                      {"gone1", 2019}});
-    SharedTextSet local;
-    SharedTextSet archived;
-    for (const auto& message : *messages_) {
-        if (!message.subject.view().starts_with("gone")) local.insert(message.id);
-        if (message.subject.view().starts_with("kept"))
-            archived.insert(SharedText("mid:" + message.messageIdentifier->str()));
-    }
-    const YearByID years = computeMessageYears(*messages_);
-    const std::set<std::string> selections[] = {{}, {"imap://A"}, {"imap://B", "legacy-unclassified"}};
-    const std::set<std::int64_t> scopes[] = {{}, {2019}, {2022}, {2019, 2020}};
-    for (const auto& selected : selections) {
-        selected_ = selected;
-        for (const auto& scope : scopes) {
-            const DeletionSafetyInput input{*messages_, local,          archived,         years,
-                                            selected_,  indexedByYear_, indexedByAccount_};
-            EXPECT_EQ(screens::deletionSafetyOf(*overview, std::nullopt, scope, indexed_),
-                      deletionSafety(input, scope));
-        }
-    }
-    selected_.clear();
-    EXPECT_EQ(screens::deletionSafetyOf(*overview, "imap://B", {}, indexed_), (DeletionSafety{1, 0, 10}));
-}
-
-TEST_F(Organized, BarsHoldEveryYearOfWhichSomethingIsKnown) {
-    const auto overview = overviewOf({{"a1", 2019}, {"kept1", 2019}, {"a2", 2021}, {"u1", 0}});
-    EXPECT_EQ(
-        screens::yearBars(*overview, std::nullopt, {2021}, indexed_),
-        (std::vector<YearBar>{
-            {2019, 1, 1, 8, false}, {2020, 0, 0, 1, false}, {2021, 0, 1, 0, true}, {2022, 0, 0, 4, false}}));
-    EXPECT_EQ(screens::yearBars(*overview, "imap://A", {}, indexed_),
-              (std::vector<YearBar>{{2019, 1, 1, 1, false}, {2021, 0, 1, 0, false}}));
+    EXPECT_EQ(overview->tallies.at("imap://A").size(), 3U) << "they are on this machine all the same";
 }
 
 TEST_F(Organized, TicksOfYearsAndFoldersAreAUnion) {
@@ -178,7 +139,7 @@ TEST_F(Organized, AStoppedPassGivesNothing) {
     stop.request_stop();
     const auto ids = std::make_shared<const SharedTextSet>();
     EXPECT_EQ(
-        screens::computeOrganizeYearSections(
+        computeOrganizeYearSections(
             {messages_, ids, ids, std::make_shared<const YearByID>(), std::nullopt, {}}, stop.get_token()),
         nullptr);
 }

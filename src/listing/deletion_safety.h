@@ -1,0 +1,76 @@
+// How many originals may be deleted by hand: the one place that makes this number. Everybody tallies the
+// messages of this machine by account and year first, and the number comes from the tallies, whoever asks.
+// Pure functions, linear in the messages.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "listing/message_statistics.h"
+#include "records/mail_message_record.h"
+#include "text/shared_text.h"
+
+namespace corvane {
+
+using CountByYear = std::map<std::int64_t, std::int64_t>;
+using CountByAccountAndYear = std::map<std::string, CountByYear>;
+
+struct DeletionSafety {
+    std::int64_t local = 0;      // messages with a local file
+    std::int64_t archived = 0;   // those of them that an archive holds: what may be deleted by hand
+    std::int64_t serverOnly = 0; // messages the index knows beyond the local ones
+
+    friend bool operator==(const DeletionSafety&, const DeletionSafety&) = default;
+};
+
+// Messages on this machine, and those of them that are archived. A message that isn't on this machine is
+// never added, so it can't count as archived either.
+struct LocalTally {
+    std::int64_t local = 0;
+    std::int64_t archived = 0;
+
+    void add(bool isArchived) {
+        local += 1;
+        archived += isArchived ? 1 : 0;
+    }
+};
+
+using TallyByYear = std::map<std::optional<std::int64_t>, LocalTally>;  // absent: messages without a date
+using TallyByAccount = std::map<std::string, TallyByYear, std::less<>>; // by the key of the account filter
+
+struct TallyInputs {
+    const MessageList& messages;
+    const SharedTextSet& locallyAvailableIDs;
+    const SharedTextSet& archivedBaseIDs;
+    const YearByID& yearByID;
+};
+
+// The tallies of all messages. Archived is what has its stable id among the base ids.
+TallyByAccount tallyMessages(const TallyInputs& input);
+
+// What the index knows by year, for the part that only the server has. Refers to its makings.
+struct IndexedYears {
+    const CountByYear& all;
+    const CountByAccountAndYear& byAccount;
+    const std::set<std::string>& selectedAccountPrefixes; // empty: all
+
+    // Whether an account counts, when one is looked at and when none is.
+    [[nodiscard]] bool counts(const std::string& key, const std::optional<std::string>& lookedAt) const {
+        if (lookedAt) return *lookedAt == key;
+        return selectedAccountPrefixes.empty() || selectedAccountPrefixes.contains(key);
+    }
+
+    // The sum of the accounts that count.
+    [[nodiscard]] CountByYear countsByYear(const std::optional<std::string>& lookedAt) const;
+};
+
+// Of one account, or of the selected ones without one, and of some years, or of all when `years` is empty. A
+// message without a date is in no year.
+DeletionSafety deletionSafety(const TallyByAccount& tallies, const std::optional<std::string>& accountKey,
+                              const std::set<std::int64_t>& years, const IndexedYears& indexed);
+
+} // namespace corvane

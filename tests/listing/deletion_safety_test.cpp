@@ -1,0 +1,47 @@
+#include "listing/deletion_safety.h"
+
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "listing/message_sketch.h"
+#include "records/timestamps.h"
+
+namespace corvane {
+namespace {
+
+using testing::at;
+using testing::makeAll;
+using testing::newYear2024;
+
+TEST(DeletionSafety, CountsOnlyWhatIsLocalAndArchived) {
+    const MessageList messages = makeAll({{.id = "1", .identifier = "a"},
+                                          {.id = "2", .identifier = "b"},
+                                          {.id = "3", .identifier = "a2", .account = "imap://B"},
+                                          {.id = "4", .identifier = "gone"},
+                                          {.id = "5", .date = {}, .identifier = "c"}});
+    const SharedTextSet available = {"1", "2", "3", "5"};
+    const SharedTextSet archived = {"mid:a", "mid:a2", "mid:gone"};
+    const YearByID years = computeMessageYears(messages);
+    const std::set<std::string> all;
+    const std::set<std::string> onlyA = {"imap://A"};
+    const CountByYear counts = {{2024, 10}, {2020, 1}};
+    const CountByAccountAndYear byAccount = {{"imap://A", {{2024, 3}}}};
+    const auto safety = [&](const auto& accounts, const std::set<std::int64_t>& chosen,
+                            const SharedTextSet& local, const std::optional<std::string>& lookedAt = {}) {
+        return deletionSafety(tallyMessages({messages, local, archived, years}), lookedAt, chosen,
+                              {counts, byAccount, accounts});
+    };
+    const std::int64_t year = localYear(at(newYear2024));
+    EXPECT_EQ(safety(all, {}, available), (DeletionSafety{4, 2, 7}));
+    EXPECT_EQ(safety(onlyA, {year}, available), (DeletionSafety{2, 1, year == 2024 ? 1 : 0}));
+    EXPECT_EQ(safety(onlyA, {}, available, "imap://B"), (DeletionSafety{1, 1, 0}));
+    EXPECT_EQ(safety(all, {1999}, available), (DeletionSafety{0, 0, 0}));
+    EXPECT_EQ(safety(all, {}, {}).archived, 0) << "nothing is safe while nothing is known to be local";
+}
+
+} // namespace
+} // namespace corvane
