@@ -1,6 +1,9 @@
 #include "listing/account_titles.h"
 
 #include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "text/trim.h"
 

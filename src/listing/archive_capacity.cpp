@@ -1,5 +1,9 @@
 #include "listing/archive_capacity.h"
 
+#include <cstdint>
+#include <optional>
+#include <string>
+
 #include <fmt/format.h>
 
 #include "records/formatters.h"

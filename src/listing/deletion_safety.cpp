@@ -1,6 +1,10 @@
 #include "listing/deletion_safety.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
 #include <string_view>
 
 #include "listing/account_titles.h"

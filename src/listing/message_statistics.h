@@ -33,12 +33,6 @@ using CountedMessages = std::vector<CountedMessage>;
 
 CountedMessages countedMessages(const MessageRefs& messages);
 
-// Whether all messages of a list are available. The available ids are always some of those of the list, and
-// no id stands there twice.
-inline bool areAllAvailable(const MessageList& messages, const SharedTextSet& availableIDs) {
-    return messages.size() == availableIDs.size();
-}
-
 // Id to calendar year in the time zone of the process; an undated message has no entry. The keys refer to the
 // ids of the list, which must outlive the map.
 using YearByID = std::unordered_map<std::string_view, std::int64_t>;

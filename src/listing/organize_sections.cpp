@@ -12,6 +12,7 @@
 #include <fmt/format.h>
 
 #include "listing/account_titles.h"
+#include "listing/candidates.h"
 
 namespace corvane {
 
@@ -49,7 +50,10 @@ class OverviewMaker {
         const bool isArchived = input_.archivedMessageIDs->contains(message.id);
         making.tallies[year].add(isArchived);
         making.account.localBytes += message.messageSize;
-        if (!isArchived && isWithinLimits(year)) addCandidate(making, year.value_or(undatedYear), message);
+        const CandidateFacts facts{.isAvailable = [] { return true; },
+                                   .isArchived = [&] { return isArchived; },
+                                   .year = [&] { return year; }};
+        if (isCandidate(message, limits_, facts)) addCandidate(making, year.value_or(undatedYear), message);
     }
 
     SharedOrganizeOverview finish();
@@ -58,11 +62,8 @@ class OverviewMaker {
     AccountInMaking& accountOf(const MailMessageRecord& message);
     static void addCandidate(AccountInMaking& account, std::int64_t year, const MailMessageRecord& message);
 
-    [[nodiscard]] bool isWithinLimits(std::optional<std::int64_t> year) const {
-        return !input_.maximumYear || (year && *year <= *input_.maximumYear);
-    }
-
     const OrganizeInput& input_;
+    const CandidateRules limits_{.maximumYear = input_.maximumYear};
     std::vector<AccountInMaking> accounts_;
     std::unordered_map<std::string_view, std::size_t> positionByKey_;
 };

@@ -1,9 +1,14 @@
 #include "listing/space_usage.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <map>
 #include <ranges>
+#include <string>
+#include <string_view>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "listing/account_titles.h"
 #include "text/case.h"

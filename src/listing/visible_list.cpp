@@ -1,10 +1,16 @@
 #include "listing/visible_list.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "listing/account_titles.h"
+#include "listing/message_set.h"
 #include "text/case.h"
 
 namespace corvane {

@@ -2,8 +2,8 @@
 
 #include "model/corvane_view_model.h"
 #include "model/model_test.h"
-#include "support/sample_messages.h"
 #include "records/stores/scan_cache_store.h"
+#include "support/sample_messages.h"
 
 namespace corvane {
 namespace {

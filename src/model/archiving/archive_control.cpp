@@ -7,71 +7,15 @@
 
 #include <fmt/format.h>
 
-#include "listing/account_titles.h"
 #include "listing/archive_capacity.h"
-#include "listing/file_existence.h"
 #include "records/stable_hash.h"
-#include "records/stable_id.h"
 
 namespace corvane {
-
-struct CandidateJob {
-    SharedMessageList messages;
-    CandidateRules rules;
-    std::shared_ptr<const SharedTextSet> offer; // null: all
-    std::shared_ptr<const SharedTextSet> locallyAvailableIDs;
-    std::shared_ptr<const SharedTextSet> archivedMessageIDs;
-    std::shared_ptr<const YearByID> yearByID;
-
-    [[nodiscard]] bool passes(const MailMessageRecord& message) const {
-        return (!offer || offer->contains(message.id)) && locallyAvailableIDs->contains(message.id) &&
-               !archivedMessageIDs->contains(message.id) && rules.passes(message, *yearByID);
-    }
-};
 
 namespace {
 
 std::string joined(const auto& values) {
     return fmt::format("{}", fmt::join(values, ","));
-}
-
-// A snapshot for the count, which must not walk the messages on the main thread.
-struct CountJob {
-    SharedMessageList messages;
-    CandidateRules rules;
-    std::shared_ptr<const SharedTextSet> archivedBaseIDs;
-    std::shared_ptr<const SharedTextSet> locallyAvailableIDs; // null while not known
-    std::shared_ptr<const YearByID> yearByID;
-};
-
-std::optional<std::int64_t> countCandidates(const CountJob& job, const TaskHandle& task) {
-    FileExistence files;
-    const YearByID ownYears = job.yearByID ? YearByID() : computeMessageYears(*job.messages);
-    const YearByID& years = job.yearByID ? *job.yearByID : ownYears;
-    std::int64_t count = 0;
-    const bool areAllLocal =
-        job.locallyAvailableIDs && areAllAvailable(*job.messages, *job.locallyAvailableIDs);
-    for (const MailMessageRecord& message : *job.messages) {
-        if (task.isCancelled()) return std::nullopt;
-        const bool isAvailable =
-            areAllLocal || (job.locallyAvailableIDs ? job.locallyAvailableIDs->contains(message.id)
-                                                    : files.isLocallyAvailable(message));
-        if (isAvailable && job.rules.passes(message, years) &&
-            (job.archivedBaseIDs->empty() || !job.archivedBaseIDs->contains(stableID(message)))) {
-            ++count;
-        }
-    }
-    return count;
-}
-
-// Null when stopped.
-SharedMessageList makeCandidates(const CandidateJob& job, const std::stop_token& stop = {}) {
-    MessageList candidates;
-    for (const MailMessageRecord& message : *job.messages) {
-        if (stop.stop_requested()) return nullptr;
-        if (job.passes(message)) candidates.push_back(message);
-    }
-    return std::make_shared<const MessageList>(std::move(candidates));
 }
 
 MessageList selectedOf(const MessageList& candidates, const SharedTextSet& selection) {
@@ -91,19 +35,9 @@ std::string runSignature(const MessageList& messages, const std::string& destina
 
 } // namespace
 
-CandidateRules CandidateRules::of(const ModelFilters& filters) {
+CandidateRules candidateRulesOf(const ModelFilters& filters) {
     return {filters.minimumCandidateBytes(), filters.transferMaxYear(), filters.filterAccountPrefixes(),
             filters.archiveFilterYears()};
-}
-
-bool CandidateRules::passes(const MailMessageRecord& message, const YearByID& yearByID) const {
-    if (message.messageSize < minimumBytes) return false;
-    if (!accountPrefixes.empty() && !accountPrefixes.contains(std::string(accountFilterKey(message))))
-        return false;
-    if (!maximumYear && years.empty()) return true;
-    const auto year = yearByID.find(message.id);
-    if (year == yearByID.end()) return false;
-    return (!maximumYear || year->second <= *maximumYear) && (years.empty() || years.contains(year->second));
 }
 
 ArchiveControl::ArchiveControl(ModelContext& context, MessageCatalog& catalog, ModelFilters& filters,
@@ -117,7 +51,7 @@ ArchiveControl::ArchiveControl(ModelContext& context, MessageCatalog& catalog, M
   , runTask_(context.tasks) {}
 
 std::string ArchiveControl::signature() const {
-    const CandidateRules rules = CandidateRules::of(filters_);
+    const CandidateRules rules = candidateRulesOf(filters_);
     return fmt::format("{}|{}|{}|{}|{}|{}|{}|{}", catalog_.messagesToken(), catalog_.availabilityToken(),
                        catalog_.locallyAvailableIDs()->size(), rules.minimumBytes,
                        rules.maximumYear.value_or(-1), joined(rules.accountPrefixes), joined(rules.years),
@@ -128,14 +62,14 @@ std::string ArchiveControl::candidatesSignature() const {
     return fmt::format("{}|{}", signature(), offerRevision_);
 }
 
-CandidateJob ArchiveControl::candidateJob() const {
-    CandidateRules rules = CandidateRules::of(filters_);
-    if (offer_) {
-        rules.accountPrefixes.clear();
-        rules.years.clear();
-    }
-    return {catalog_.messages(),           std::move(rules),          offer_, catalog_.locallyAvailableIDs(),
-            catalog_.archivedMessageIDs(), catalog_.messageYearByID()};
+CandidateInputs ArchiveControl::candidateInputs() const {
+    return {.messages = catalog_.messages(),
+            .rules = candidateRulesOf(filters_),
+            .offer = offer_,
+            .locallyAvailableIDs = catalog_.locallyAvailableIDs(),
+            .archivedMessageIDs = catalog_.archivedMessageIDs(),
+            .archivedBaseIDs = nullptr,
+            .yearByID = catalog_.messageYearByID()};
 }
 
 void ArchiveControl::setCandidateOffer(std::shared_ptr<const SharedTextSet> ids) {
@@ -155,17 +89,17 @@ const SharedMessageList& ArchiveControl::archiveCandidates() {
     std::string current = candidatesSignature();
     if (current == candidatesSignature_) return candidatesCache_;
     candidatesSignature_ = std::move(current);
-    context_.tasks.discard(std::exchange(candidatesCache_, makeCandidates(candidateJob())));
+    context_.tasks.discard(std::exchange(candidatesCache_, makeCandidates(candidateInputs())));
     return candidatesCache_;
 }
 
 void ArchiveControl::refreshArchiveCandidatesAsync() {
     if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
     candidatesTask_.start(TaskPriority::userInitiated,
-                          [this, job = candidateJob(), made = candidatesSignature(),
+                          [this, inputs = candidateInputs(), made = candidatesSignature(),
                            isKnown = candidatesSignature() == candidatesSignature_](const TaskHandle& task) {
                               const SharedMessageList candidates =
-                                  isKnown ? nullptr : makeCandidates(job, task.stopToken());
+                                  isKnown ? nullptr : makeCandidates(inputs, task.stopToken());
                               if (!candidates && !isKnown) return;
                               task.onMain([this, candidates, made] {
                                   // Whoever changed an input since has asked again or will ask for the list
@@ -298,19 +232,25 @@ void ArchiveControl::refreshArchiveCandidateCountAsync() {
         setCount(0, true);
         return;
     }
-    CountJob job{catalog_.messages(), CandidateRules::of(filters_), archivedBaseIDs_, nullptr, nullptr};
+    CandidateInputs inputs{.messages = catalog_.messages(),
+                           .rules = candidateRulesOf(filters_),
+                           .offer = nullptr, // the count is that of the filters
+                           .locallyAvailableIDs = nullptr,
+                           .archivedMessageIDs = nullptr,
+                           .archivedBaseIDs = archivedBaseIDs_,
+                           .yearByID = nullptr};
     if (catalog_.isAvailabilityKnown()) {
-        job.locallyAvailableIDs = catalog_.locallyAvailableIDs();
-        job.yearByID = catalog_.messageYearByID();
+        inputs.locallyAvailableIDs = catalog_.locallyAvailableIDs();
+        inputs.yearByID = catalog_.messageYearByID();
     }
-    countTask_.start(TaskPriority::utility,
-                     [this, job = std::move(job), current = std::move(current)](const TaskHandle& task) {
-                         const auto count = countCandidates(job, task);
-                         if (!count) return;
-                         task.onMain([this, count = *count, current] {
-                             if (current == candidateCountSignature_) setCount(count, true);
-                         });
-                     });
+    countTask_.start(TaskPriority::utility, [this, inputs = std::move(inputs),
+                                             current = std::move(current)](const TaskHandle& task) {
+        const auto count = countCandidates(inputs, task.stopToken());
+        if (!count) return;
+        task.onMain([this, count = *count, current] {
+            if (current == candidateCountSignature_) setCount(count, true);
+        });
+    });
 }
 
 void ArchiveControl::setKnownCandidateCount(std::int64_t count) {

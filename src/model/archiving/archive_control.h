@@ -15,26 +15,15 @@
 #include <QObject>
 
 #include "archive/mail_email_archiver.h"
+#include "listing/candidates.h"
 #include "model/mail/message_catalog.h"
 #include "model/mail/model_filters.h"
 #include "records/archive_records.h"
 
 namespace corvane {
 
-// What is tested of a message to be a candidate, beside availability and what is archived.
-struct CandidateRules {
-    std::int64_t minimumBytes = 0;
-    std::optional<std::int64_t> maximumYear;
-    std::set<std::string> accountPrefixes;
-    std::set<std::int64_t> years;
-
-    static CandidateRules of(const ModelFilters& filters);
-
-    [[nodiscard]] bool passes(const MailMessageRecord& message, const YearByID& yearByID) const;
-};
-
-// Everything that the candidates depend on.
-struct CandidateJob;
+// What the filters ask of a candidate.
+CandidateRules candidateRulesOf(const ModelFilters& filters);
 
 class ArchiveControl : public QObject {
     Q_OBJECT
@@ -130,7 +119,7 @@ class ArchiveControl : public QObject {
   private:
     [[nodiscard]] std::string signature() const;
     [[nodiscard]] std::string candidatesSignature() const;
-    [[nodiscard]] CandidateJob candidateJob() const;
+    [[nodiscard]] CandidateInputs candidateInputs() const;
     void setCount(std::int64_t count, bool ready);
     void setProgress(std::optional<EmailArchiveProgress> progress);
     void takeSelection(SharedTextSet ids);

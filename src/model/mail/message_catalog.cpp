@@ -1,143 +1,8 @@
 #include "model/mail/message_catalog.h"
 
-#include <stdexcept>
-
-#include "listing/file_existence.h"
-#include "platform/parallel.h"
-#include "records/stable_id.h"
+#include <utility>
 
 namespace corvane {
-
-namespace {
-
-struct AvailabilityJob {
-    SharedMessageSet set;
-    AvailabilityInputs inputs;
-    std::shared_ptr<const SharedTextSet> knownAvailable; // null when the files have to be looked for
-    bool filesWereSeen = false;
-};
-
-// Nothing when cancelled.
-std::shared_ptr<const SharedTextSet> findAvailable(const AvailabilityJob& job, const TaskHandle& task) {
-    const MessageList& messages = *job.set->messages;
-    auto available = std::make_shared<SharedTextSet>();
-    available->reserve(messages.size());
-    FileExistence files;
-    for (const MailMessageRecord& message : messages) {
-        if (task.isCancelled()) return nullptr;
-        if (job.filesWereSeen || files.isLocallyAvailable(message)) available->insert(message.id);
-    }
-    return available;
-}
-
-auto idIn(const MessageList& messages) {
-    return [&messages](PositionTable::Position position) { return messages[position].id.view(); };
-}
-
-PositionTable positionsByID(const MessageList& messages) {
-    PositionTable positions;
-    positions.reserve(messages.size());
-    PositionTable::Position position = 0;
-    for (const MailMessageRecord& message : messages) {
-        if (!positions.insert(message.id, position++, idIn(messages)).second)
-            throw std::logic_error("a message id stands twice in one list");
-    }
-    return positions;
-}
-
-bool isWithinLimits(const CountedMessage& counted, const CandidateLimits& limits) {
-    if (counted.message->messageSize < limits.minimumBytes) return false;
-    return !limits.maximumYear || (counted.year && *counted.year <= *limits.maximumYear);
-}
-
-YearByID yearsByID(const CountedMessages& messages) {
-    YearByID years;
-    years.reserve(messages.size());
-    for (const CountedMessage& counted : messages) {
-        if (counted.year) years.emplace(counted.message->id.view(), *counted.year);
-    }
-    return years;
-}
-
-struct Selections {
-    CountedMessages local; // candidates
-    CountedMessages unbacked;
-};
-
-Selections selectCounted(const AvailabilityJob& job, const CountedMessages& all,
-                         const SharedTextSet& available) {
-    Selections selections;
-    selections.local.reserve(all.size());
-    selections.unbacked.reserve(all.size());
-    const SharedTextSet& archived = *job.inputs.archivedBaseIDs;
-    const bool areAllLocal = areAllAvailable(*job.set->messages, available);
-    for (const CountedMessage& counted : all) {
-        if (!archived.empty() && archived.contains(stableID(*counted.message))) continue;
-        selections.unbacked.push_back(counted);
-        const bool isLocal = areAllLocal || available.contains(counted.message->id);
-        if (isLocal && isWithinLimits(counted, job.inputs.limits)) selections.local.push_back(counted);
-    }
-    return selections;
-}
-
-// The list waits for this, so what doesn't depend on each other runs at a time.
-std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job, const TaskHandle& task) {
-    const auto& accounts = job.inputs.accounts;
-    const MessageSet& set = *job.set;
-    AvailabilityResult result;
-    // The growing list of a scan has none yet.
-    const auto countedSet =
-        set.counted ? set.counted
-                    : std::make_shared<const CountedMessages>(countedMessages(allOf(*set.messages)));
-    const CountedMessages& all = *countedSet;
-    platform::parallelCalls(
-        [&] {
-            result.locallyAvailableIDs = job.knownAvailable ? job.knownAvailable : findAvailable(job, task);
-        },
-        [&] {
-            result.yearByID = std::make_shared<const YearByID>(yearsByID(all));
-            result.mailAccountYearStats = computeAccountYearStats(all, accounts);
-        });
-    if (!result.locallyAvailableIDs || task.isCancelled()) return std::nullopt;
-    const Selections selections = selectCounted(job, all, *result.locallyAvailableIDs);
-    // Nothing archived, or everything on this disk and within the limits: what is selected is all.
-    const auto accountStats = [&](const CountedMessages& selected) {
-        return selected.size() == all.size() ? result.mailAccountYearStats
-                                             : computeAccountYearStats(selected, accounts);
-    };
-    platform::parallelCalls(
-        [&] {
-            result.localYearStats = computeYearStats(selections.local);
-            result.accountYearStats = accountStats(selections.local);
-        },
-        [&] { result.unbackedAccountYearStats = accountStats(selections.unbacked); });
-    result.localCount = static_cast<std::int64_t>(selections.local.size());
-    for (const CountedMessage& counted : selections.local) result.localBytes += counted.message->messageSize;
-    return result;
-}
-
-} // namespace
-
-std::shared_ptr<const MessageSet> MessageSet::make(SharedMessageList messages, bool isComplete) {
-    auto set = std::make_shared<MessageSet>();
-    set->messages = std::move(messages);
-    set->isComplete = isComplete;
-    const MessageList& list = *set->messages;
-    platform::parallelCalls([&] { set->positionByID = positionsByID(list); },
-                            [&] {
-                                set->counted =
-                                    std::make_shared<const CountedMessages>(countedMessages(allOf(list)));
-                                set->yearStats = computeYearStats(*set->counted);
-                            });
-    return set;
-}
-
-std::shared_ptr<const MessageSet> MessageSet::passing(SharedMessageList messages) {
-    auto set = std::make_shared<MessageSet>();
-    set->messages = std::move(messages);
-    set->isComplete = false;
-    return set;
-}
 
 MessageCatalog::MessageCatalog(ModelContext& context, InputsProvider inputs, QObject* parent)
   : QObject(parent)
@@ -148,8 +13,7 @@ MessageCatalog::MessageCatalog(ModelContext& context, InputsProvider inputs, QOb
 
 const MailMessageRecord* MessageCatalog::messageByID(std::string_view id) const {
     if (const auto known = withNewPreview_.find(id); known != withNewPreview_.end()) return &known->second;
-    const auto position = set_->positionByID.position(id, idIn(*messages()));
-    return position ? &(*messages())[*position] : nullptr;
+    return set_->find(id);
 }
 
 const std::vector<YearStat>& MessageCatalog::yearStats() const {
@@ -252,7 +116,7 @@ void MessageCatalog::refreshAvailabilityCacheAsync(bool force) {
         job.knownAvailable = derived_.locallyAvailableIDs;
     }
     availabilityRefreshTask_.start(TaskPriority::utility, [this, token, job](const TaskHandle& task) {
-        auto result = computeAvailability(job, task);
+        auto result = computeAvailability(job, task.stopToken());
         if (!result) return;
         auto shared = std::make_shared<AvailabilityResult>(std::move(*result));
         task.onMain([this, token, shared] { publish(token, std::move(*shared)); });

@@ -17,60 +17,18 @@
 
 #include <QObject>
 
+#include "listing/availability.h"
+#include "listing/message_set.h"
 #include "listing/message_statistics.h"
 #include "model/archiving/archived_status.h"
 #include "model/mail/scan_cache_writer.h"
 #include "model/model_context.h"
-#include "records/mail_account.h"
 #include "records/mail_message_record.h"
 #include "records/statistics_records.h"
 #include "records/stores/scan_cache_file.h"
-#include "text/position_table.h"
 #include "text/shared_text.h"
 
 namespace corvane {
-
-// One generation of messages with its lookup. Immutable, made in the background.
-struct MessageSet {
-    SharedMessageList messages = std::make_shared<const MessageList>();
-    PositionTable positionByID;
-    std::shared_ptr<const CountedMessages> counted; // in the order of the list; null: not counted
-    std::vector<YearStat> yearStats;
-    // False for a list that isn't the whole picture: of a year-limited or cancelled scan. It is never cached.
-    bool isComplete = true;
-
-    // Throws std::logic_error for a repeated id, which no scan and no sound cache has.
-    static std::shared_ptr<const MessageSet> make(SharedMessageList messages, bool isComplete);
-
-    // The growing list of a running scan: without the lookup, which would cost more than showing it.
-    static std::shared_ptr<const MessageSet> passing(SharedMessageList messages);
-};
-
-using SharedMessageSet = std::shared_ptr<const MessageSet>;
-
-struct CandidateLimits {
-    std::int64_t minimumBytes = 0;
-    std::optional<std::int64_t> maximumYear;
-};
-
-// What an availability run needs beside the messages.
-struct AvailabilityInputs {
-    std::shared_ptr<const SharedTextSet> archivedBaseIDs = std::make_shared<const SharedTextSet>();
-    CandidateLimits limits;
-    std::vector<MailAccount> accounts;
-};
-
-// What an availability run finds out.
-struct AvailabilityResult {
-    std::shared_ptr<const SharedTextSet> locallyAvailableIDs = std::make_shared<const SharedTextSet>();
-    std::shared_ptr<const YearByID> yearByID = std::make_shared<const YearByID>();
-    std::vector<YearStat> localYearStats;
-    std::vector<AccountYearStatGroup> accountYearStats;         // of the local candidates
-    std::vector<AccountYearStatGroup> mailAccountYearStats;     // of all messages
-    std::vector<AccountYearStatGroup> unbackedAccountYearStats; // of those not archived
-    std::int64_t localCount = 0;
-    std::int64_t localBytes = 0;
-};
 
 class MessageCatalog : public QObject {
     Q_OBJECT

@@ -2,7 +2,7 @@
 
 #include <tuple>
 
-#include "listing/message_statistics.h"
+#include "listing/message_set.h"
 #include "records/stores/scan_cache_store.h"
 
 namespace corvane {

@@ -25,8 +25,7 @@ class OrganizeTree : public ::testing::Test {
         for (const auto& message : *messages) local->insert(message.id);
         const auto years = std::make_shared<const YearByID>(computeMessageYears(*messages));
         const auto none = std::make_shared<const SharedTextSet>();
-        tree_.setOverview(
-            computeOrganizeYearSections({messages, local, none, years, std::nullopt, {}}));
+        tree_.setOverview(computeOrganizeYearSections({messages, local, none, years, std::nullopt, {}}));
     }
 
     [[nodiscard]] QVariant at(int row, Role role) const { return tree_.data(tree_.index(row), role); }

@@ -1,0 +1,51 @@
+// The availability run: which messages have a file on this machine, and the statistics that follow from that
+// and from what is archived. One pass of a background job over one generation of messages; everything it
+// reads and makes is shared and immutable.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <vector>
+
+#include "listing/candidates.h"
+#include "listing/message_set.h"
+#include "listing/message_statistics.h"
+#include "records/mail_account.h"
+#include "records/statistics_records.h"
+#include "text/shared_text.h"
+
+namespace corvane {
+
+// What an availability run needs beside the messages.
+struct AvailabilityInputs {
+    std::shared_ptr<const SharedTextSet> archivedBaseIDs = std::make_shared<const SharedTextSet>();
+    CandidateRules limits; // of size and newest year; the statistics have a row for every account and year
+    std::vector<MailAccount> accounts;
+};
+
+// What an availability run finds out.
+struct AvailabilityResult {
+    std::shared_ptr<const SharedTextSet> locallyAvailableIDs = std::make_shared<const SharedTextSet>();
+    std::shared_ptr<const YearByID> yearByID = std::make_shared<const YearByID>();
+    std::vector<YearStat> localYearStats;
+    std::vector<AccountYearStatGroup> accountYearStats;         // of the local candidates
+    std::vector<AccountYearStatGroup> mailAccountYearStats;     // of all messages
+    std::vector<AccountYearStatGroup> unbackedAccountYearStats; // of those not archived
+    std::int64_t localCount = 0;                                // candidates, with trash and copies
+    std::int64_t localBytes = 0;
+};
+
+struct AvailabilityJob {
+    SharedMessageSet set; // never null
+    AvailabilityInputs inputs;
+    std::shared_ptr<const SharedTextSet> knownAvailable; // null when the files have to be looked for
+    bool filesWereSeen = false; // by the scan that has just listed them: all are there
+};
+
+// A file that can't be looked at counts as absent. Absent when stopped.
+std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job,
+                                                      const std::stop_token& stop = {});
+
+} // namespace corvane
