@@ -8,7 +8,7 @@
 
 #include "records/json/json_form.h"
 #include "records/json/json_writer.h"
-#include "records/json/scan_cache_forms.h"
+#include "records/stores/scan_cache_forms.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view json(reinterpret_cast<const char*>(data), size);

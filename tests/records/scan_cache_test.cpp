@@ -1,7 +1,7 @@
 #include "records/json/json_outline.h"
 #include "records/json/json_reader.h"
 #include "records/json/json_writer.h"
-#include "records/json/scan_cache_forms.h"
+#include "records/stores/scan_cache_forms.h"
 #include "records/stores/scan_cache_store.h"
 #include "sample_records.h"
 #include "support/temporary_home.h"

@@ -19,7 +19,7 @@
 #include "records/json/json_outline.h"
 #include "records/json/json_reader.h"
 #include "records/json/json_writer.h"
-#include "records/stores/mapped_file.h"
+#include "records/mapped_file.h"
 #include "text/idle_pool.h"
 
 namespace corvane {

@@ -1,7 +1,7 @@
 #include "records/stores/scan_cache_file.h"
 
 #include "records/json/json_pieces.h"
-#include "records/json/scan_cache_forms.h"
+#include "records/stores/scan_cache_forms.h"
 
 namespace corvane {
 

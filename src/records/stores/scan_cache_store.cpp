@@ -3,8 +3,8 @@
 #include <string_view>
 #include <tuple>
 
-#include "records/json/scan_cache_forms.h"
 #include "records/stores/cache_file.h"
+#include "records/stores/scan_cache_forms.h"
 
 namespace corvane {
 

@@ -1,4 +1,4 @@
-#include "records/stores/mapped_file.h"
+#include "records/mapped_file.h"
 
 #include <cerrno>
 #include <system_error>
