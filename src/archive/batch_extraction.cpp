@@ -30,39 +30,42 @@ BatchExtraction::BatchExtraction(const std::vector<const BodyIndexItem*>& items,
 
 BatchExtraction::~BatchExtraction() {
     {
-        const std::scoped_lock lock(mutex_);
+        const text::MutexLock lock(mutex_);
         next_ = items_.size();
         uncollected_ = 0;
-        changed_.notify_all();
+        changed_.notifyAll();
     }
     threads_.clear();
 }
 
 std::optional<std::vector<SearchIndexRow>> BatchExtraction::nextRows() {
-    std::unique_lock lock(mutex_);
-    const auto isReady = [&] { return !finished_.empty() || (next_ >= items_.size() && uncollected_ == 0); };
+    text::MutexLock lock(mutex_);
+    const auto isReady = [&]() REQUIRES(mutex_) {
+        return !finished_.empty() || (next_ >= items_.size() && uncollected_ == 0);
+    };
     changed_.wait(lock, stop_, isReady);
     // What was extracted while the stop came may lack texts only because of it.
     if (stop_.stop_requested() || finished_.empty()) return std::nullopt;
     Rows rows = std::move(finished_.front());
     finished_.pop_front();
     --uncollected_;
-    changed_.notify_all();
+    changed_.notifyAll();
     return rows;
 }
 
 void BatchExtraction::work() {
     while (const auto first = takeBatch()) {
         Rows rows = extract(*first);
-        const std::scoped_lock lock(mutex_);
+        const text::MutexLock lock(mutex_);
         finished_.push_back(std::move(rows));
-        changed_.notify_all();
+        changed_.notifyAll();
     }
 }
 
 std::optional<std::size_t> BatchExtraction::takeBatch() {
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, stop_, [&] { return next_ >= items_.size() || uncollected_ < concurrency_; });
+    text::MutexLock lock(mutex_);
+    changed_.wait(lock, stop_,
+                  [&]() REQUIRES(mutex_) { return next_ >= items_.size() || uncollected_ < concurrency_; });
     if (stop_.stop_requested() || next_ >= items_.size()) return std::nullopt;
     ++uncollected_;
     const std::size_t first = next_;

@@ -3,16 +3,16 @@
 // bounds the memory.
 #pragma once
 
-#include <condition_variable>
 #include <cstddef>
 #include <deque>
-#include <mutex>
 #include <optional>
 #include <stop_token>
 #include <thread>
 #include <vector>
 
 #include "archive/body_indexing.h"
+#include "search/mail_search_index.h"
+#include "text/mutex.h"
 
 namespace corvane::archive {
 
@@ -47,11 +47,11 @@ class BatchExtraction {
     const BodyTextSource& texts_;
     std::stop_token stop_;
     const std::size_t concurrency_;
-    std::mutex mutex_;
-    std::condition_variable_any changed_;
-    std::size_t next_ = 0;        // first item of the next batch
-    std::size_t uncollected_ = 0; // batches begun and not yet handed out
-    std::deque<Rows> finished_;
+    text::Mutex mutex_;
+    text::StoppableCondition changed_;
+    std::size_t next_ GUARDED_BY(mutex_) = 0;        // first item of the next batch
+    std::size_t uncollected_ GUARDED_BY(mutex_) = 0; // batches begun and not yet handed out
+    std::deque<Rows> finished_ GUARDED_BY(mutex_);
     std::vector<std::jthread> threads_; // last: they use all of the above
 };
 

@@ -2,13 +2,13 @@
 
 #include <atomic>
 #include <cerrno>
-#include <condition_variable>
-#include <mutex>
 #include <thread>
 #include <utility>
 
 #include <pthread.h>
 #include <signal.h>
+
+#include "text/mutex.h"
 
 namespace corvane::archive {
 
@@ -18,9 +18,9 @@ using Clock = std::chrono::steady_clock;
 
 // Never destroyed: abandoned threads may outlive the statics of the program.
 struct AbandonedJobs {
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::size_t count = 0;
+    text::Mutex mutex;
+    text::Condition changed;
+    std::size_t count GUARDED_BY(mutex) = 0;
 
     static AbandonedJobs& ofProcess() {
         static auto* const jobs = new AbandonedJobs;
@@ -28,14 +28,14 @@ struct AbandonedJobs {
     }
 
     void add() {
-        const std::lock_guard lock(mutex);
+        const text::MutexLock lock(mutex);
         ++count;
     }
 
     void remove() {
-        const std::lock_guard lock(mutex);
+        const text::MutexLock lock(mutex);
         --count;
-        changed.notify_all();
+        changed.notifyAll();
     }
 };
 
@@ -51,16 +51,15 @@ class TimeLimitedWorker::Lane final : public JobLimit {
     }
 
     bool run(std::chrono::nanoseconds limit, std::function<void(JobLimit&)> job) {
-        std::unique_lock lock(mutex_);
+        text::MutexLock lock(mutex_);
         job_ = std::move(job);
         limit_ = limit;
         deadline_ = Clock::now() + limit_;
         isDone_ = false;
-        wake_.notify_one();
+        wake_.notifyOne();
         while (!isDone_) {
             const Clock::time_point deadline = deadline_;
-            if (done_.wait_until(lock, deadline) == std::cv_status::timeout && !isDone_ &&
-                deadline == deadline_) {
+            if (!done_.waitUntil(lock, deadline) && !isDone_ && deadline == deadline_) {
                 isAbandoned_ = true;
                 AbandonedJobs::ofProcess().add();
                 return false;
@@ -71,13 +70,13 @@ class TimeLimitedWorker::Lane final : public JobLimit {
 
     // Ends the thread when it has no job; to be called by the one who runs jobs.
     void finish() {
-        const std::lock_guard lock(mutex_);
+        const text::MutexLock lock(mutex_);
         isClosing_ = true;
-        wake_.notify_one();
+        wake_.notifyOne();
     }
 
     void restart() override {
-        const std::lock_guard lock(mutex_);
+        const text::MutexLock lock(mutex_);
         deadline_ = Clock::now() + limit_;
     }
 
@@ -89,28 +88,29 @@ class TimeLimitedWorker::Lane final : public JobLimit {
         sigset_t all;
         ::sigfillset(&all);
         ::pthread_sigmask(SIG_SETMASK, &all, nullptr);
-        std::unique_lock lock(mutex_);
+        text::MutexLock lock(mutex_);
         while (!isAbandoned_) {
-            wake_.wait(lock, [this] { return job_ || isClosing_; });
+            wake_.wait(lock, [this]() REQUIRES(mutex_) { return job_ || isClosing_; });
             if (!job_) return;
+            auto job = std::exchange(job_, nullptr);
             lock.unlock();
             // What the job owns goes before it counts as ended.
-            std::exchange(job_, nullptr)(*this);
+            std::exchange(job, nullptr)(*this);
             lock.lock();
             isDone_ = true;
-            done_.notify_one();
+            done_.notifyOne();
         }
         AbandonedJobs::ofProcess().remove();
     }
 
-    std::mutex mutex_;
-    std::condition_variable wake_;
-    std::condition_variable done_;
-    std::function<void(JobLimit&)> job_;
-    std::chrono::nanoseconds limit_{};
-    Clock::time_point deadline_;
-    bool isDone_ = false;
-    bool isClosing_ = false;
+    text::Mutex mutex_;
+    text::Condition wake_;
+    text::Condition done_;
+    std::function<void(JobLimit&)> job_ GUARDED_BY(mutex_);
+    std::chrono::nanoseconds limit_ GUARDED_BY(mutex_){};
+    Clock::time_point deadline_ GUARDED_BY(mutex_);
+    bool isDone_ GUARDED_BY(mutex_) = false;
+    bool isClosing_ GUARDED_BY(mutex_) = false;
     std::atomic<bool> isAbandoned_ = false;
 };
 
@@ -177,8 +177,8 @@ int AbandonableFileLayer::unlink(const std::string& path) {
 
 void waitForAbandonedJobs() {
     AbandonedJobs& jobs = AbandonedJobs::ofProcess();
-    std::unique_lock lock(jobs.mutex);
-    jobs.changed.wait(lock, [&] { return jobs.count == 0; });
+    text::MutexLock lock(jobs.mutex);
+    jobs.changed.wait(lock, [&]() REQUIRES(jobs.mutex) { return jobs.count == 0; });
 }
 
 } // namespace corvane::archive

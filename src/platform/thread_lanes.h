@@ -2,14 +2,14 @@
 // sanitizer, where being simple and seen counts more than being fast.
 #pragma once
 
-#include <condition_variable>
 #include <cstddef>
 #include <exception>
-#include <mutex>
 #include <optional>
 #include <thread>
 #include <utility>
 #include <vector>
+
+#include "text/mutex.h"
 
 namespace corvane::platform::thread_lanes {
 
@@ -23,19 +23,20 @@ class FirstFailure {
             call();
             return true;
         } catch (...) {
-            const std::scoped_lock lock(mutex_);
+            const text::MutexLock lock(mutex_);
             if (!failure_) failure_ = std::current_exception();
             return false;
         }
     }
 
-    void rethrow() const {
+    void rethrow() {
+        const text::MutexLock lock(mutex_);
         if (failure_) std::rethrow_exception(failure_);
     }
 
   private:
-    std::mutex mutex_;
-    std::exception_ptr failure_;
+    text::Mutex mutex_;
+    std::exception_ptr failure_ GUARDED_BY(mutex_);
 };
 
 class CallAhead {
@@ -84,27 +85,32 @@ void parallelCalls(const First& first, const Second& second) {
     ahead.wait();
 }
 
+struct Turns {
+    text::Mutex mutex;
+    text::Condition changed;
+    std::size_t taken GUARDED_BY(mutex) = 0;
+    std::size_t turn GUARDED_BY(mutex) = 0;
+    bool hasFailed GUARDED_BY(mutex) = false;
+};
+
 // An item in its lane waits for its turn; as many are in flight as there are lanes.
 template <class Next, class Work, class Pass>
 void orderedPipeline(std::size_t /*inFlight*/, const Next& next, const Work& work, const Pass& pass) {
-    std::mutex mutex;
-    std::condition_variable turnChanged;
-    std::size_t taken = 0;
-    std::size_t turn = 0;
-    bool hasFailed = false;
+    Turns turns;
     const auto step = [&] {
-        std::unique_lock lock(mutex);
-        const auto item = hasFailed ? std::nullopt : next();
+        text::MutexLock lock(turns.mutex);
+        const auto item = turns.hasFailed ? std::nullopt : next();
         if (!item) return false;
-        const std::size_t number = taken++;
+        const std::size_t number = turns.taken++;
         lock.unlock();
         auto made = work(*item);
         lock.lock();
-        turnChanged.wait(lock, [&] { return turn == number || hasFailed; });
-        if (hasFailed) return false;
+        turns.changed.wait(lock,
+                           [&]() REQUIRES(turns.mutex) { return turns.turn == number || turns.hasFailed; });
+        if (turns.hasFailed) return false;
         pass(std::move(made));
-        ++turn;
-        turnChanged.notify_all();
+        ++turns.turn;
+        turns.changed.notifyAll();
         return true;
     };
     onLanes([&](std::size_t /*number*/) {
@@ -112,9 +118,9 @@ void orderedPipeline(std::size_t /*inFlight*/, const Next& next, const Work& wor
             while (step()) {
             }
         } catch (...) {
-            const std::scoped_lock lock(mutex);
-            hasFailed = true;
-            turnChanged.notify_all();
+            const text::MutexLock lock(turns.mutex);
+            turns.hasFailed = true;
+            turns.changed.notifyAll();
             throw;
         }
     });

@@ -4,10 +4,11 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <new>
 #include <utility>
 #include <vector>
+
+#include "text/mutex.h"
 
 namespace corvane::text {
 
@@ -44,7 +45,7 @@ class IdlePool {
 
   private:
     std::unique_ptr<T> takeIdle() {
-        const std::lock_guard lock(mutex_);
+        const MutexLock lock(mutex_);
         if (idle_.empty()) return nullptr;
         std::unique_ptr<T> object = std::move(idle_.back());
         idle_.pop_back();
@@ -52,15 +53,15 @@ class IdlePool {
     }
 
     void giveBack(std::unique_ptr<T> object) noexcept {
-        const std::lock_guard lock(mutex_);
+        const MutexLock lock(mutex_);
         try {
             idle_.push_back(std::move(object));
         } catch (const std::bad_alloc&) { // NOLINT(bugprone-empty-catch): then there is one idle object less
         }
     }
 
-    std::mutex mutex_;
-    std::vector<std::unique_ptr<T>> idle_;
+    Mutex mutex_;
+    std::vector<std::unique_ptr<T>> idle_ GUARDED_BY(mutex_);
 };
 
 } // namespace corvane::text

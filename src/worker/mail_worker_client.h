@@ -10,7 +10,6 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -20,6 +19,7 @@
 
 #include "platform/platform.h"
 #include "records/file_url.h"
+#include "text/mutex.h"
 #include "text/shared_text.h"
 #include "worker/worker_error.h"
 
@@ -142,11 +142,11 @@ class MailWorkerClient::Session {
     class Process;
 
     [[nodiscard]] std::unique_ptr<Process> launch() const;
-    void relaunch();
+    void relaunch() REQUIRES(mutex_);
 
     const MailWorkerClient& client_;
-    std::unique_ptr<Process> process_; // null when closed
-    std::mutex mutex_;
+    text::Mutex mutex_;
+    std::unique_ptr<Process> process_ GUARDED_BY(mutex_); // null when closed
 };
 
 } // namespace corvane

@@ -148,7 +148,7 @@ void MailWorkerClient::Session::relaunch() {
 
 MailWorkerClient::Response MailWorkerClient::Session::runRequest(const Request& request,
                                                                  const std::stop_token& stop) {
-    const std::lock_guard lock(mutex_);
+    const text::MutexLock lock(mutex_);
     if (process_ == nullptr || !process_->isRunning()) throw WorkerError(Kind::launchFailed, closedDetail);
     std::string line;
     try {
@@ -176,7 +176,7 @@ MailWorkerClient::Session::attachments(const FileURL& file, std::int64_t maxByte
 }
 
 void MailWorkerClient::Session::close() {
-    const std::lock_guard lock(mutex_);
+    const text::MutexLock lock(mutex_);
     if (process_ == nullptr) return;
     const auto process = std::move(process_);
     try {

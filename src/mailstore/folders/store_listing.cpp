@@ -75,6 +75,7 @@ StoreListing::StoreListing(const std::string& rootPath)
 
 void StoreListing::prefetch(const std::stop_token& stop,
                             const std::function<bool(std::string_view account)>& isWanted) {
+    const text::MutexLock lock(mutex_);
     mailstore::AttachmentRoots roots;
     for (const std::string& path : MailAttachmentFileLocator::candidateAttachmentRoots(versionDirectory_))
         roots.push_back(attachmentRoot(path));
@@ -134,7 +135,7 @@ const AttachmentRoot* StoreListing::attachmentRoot(const std::string& path) {
 }
 
 const StoreListing::MessageFolder& StoreListing::messageFolder(const std::string& path) {
-    const std::lock_guard lock(mutex_);
+    const text::MutexLock lock(mutex_);
     const auto [entry, isNew] = messageFolders_.try_emplace(path);
     if (isNew) {
         entry->second.path = path;
@@ -144,7 +145,7 @@ const StoreListing::MessageFolder& StoreListing::messageFolder(const std::string
 }
 
 const mailstore::AttachmentRoots& StoreListing::attachmentRoots(const MessageFolder& folder) {
-    const std::lock_guard lock(mutex_);
+    const text::MutexLock lock(mutex_);
     auto& roots = messageFolders_.at(folder.path).attachmentRoots;
     if (!roots) {
         roots.emplace();
@@ -157,7 +158,7 @@ const mailstore::AttachmentRoots& StoreListing::attachmentRoots(const MessageFol
 }
 
 std::size_t StoreListing::attachmentFolderCount() const {
-    const std::lock_guard lock(mutex_);
+    const text::MutexLock lock(mutex_);
     std::size_t count = 0;
     for (const auto& [path, root] : attachmentRoots_) count += root.isUsed() ? root.folderCount() : 0;
     return count;

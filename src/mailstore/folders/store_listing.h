@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -18,6 +17,7 @@
 #include <vector>
 
 #include "mailstore/folders/attachment_root.h"
+#include "text/mutex.h"
 #include "text/shared_text.h"
 
 namespace corvane {
@@ -41,7 +41,8 @@ class StoreListing {
     [[nodiscard]] const std::string& versionDirectory() const { return versionDirectory_; }
 
     // Lists the "Messages" folders below the account folders that `isWanted` takes, and the attachments
-    // beside them, until it is told to stop. Only saves time: what it leaves out is listed at need.
+    // beside them, until it is told to stop. Only saves time: what it leaves out is listed at need. Others
+    // wait until it returns.
     void prefetch(const std::stop_token& stop, const std::function<bool(std::string_view account)>& isWanted);
 
     // Seconds that the prefetch took for attachments.
@@ -58,14 +59,15 @@ class StoreListing {
   private:
     struct Walk;
 
-    void walk(Walk next, std::vector<Walk>& pending);
-    void addMessageFolder(const Walk& walk);
-    const AttachmentRoot* attachmentRoot(const std::string& path);
+    void walk(Walk next, std::vector<Walk>& pending) REQUIRES(mutex_);
+    void addMessageFolder(const Walk& walk) REQUIRES(mutex_);
+    const AttachmentRoot* attachmentRoot(const std::string& path) REQUIRES(mutex_);
 
     std::string versionDirectory_;
-    mutable std::mutex mutex_; // guards both maps, whose values stay where they are
-    std::unordered_map<std::string, MessageFolder> messageFolders_;
-    std::unordered_map<std::string, AttachmentRoot> attachmentRoots_;
+    mutable text::Mutex mutex_;
+    // The values stay where they are.
+    std::unordered_map<std::string, MessageFolder> messageFolders_ GUARDED_BY(mutex_);
+    std::unordered_map<std::string, AttachmentRoot> attachmentRoots_ GUARDED_BY(mutex_);
     double attachmentSeconds_ = 0;
 };
 

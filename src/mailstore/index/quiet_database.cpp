@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
-#include <mutex>
 #include <system_error>
 #include <utility>
 
@@ -13,6 +12,7 @@
 #include "platform/directory.h"
 #include "platform/paths.h"
 #include "text/encoding.h"
+#include "text/mutex.h"
 
 namespace corvane::mailstore {
 
@@ -54,14 +54,14 @@ namespace {
 // One copy serves all questions to a database, as long as it and its log stay as they are. Null when there
 // can be none.
 std::shared_ptr<const DatabaseCopy> sharedCopy(const std::string& path, const std::string& temporaryFolder) {
-    static std::mutex mutex;
-    static std::string key;
-    static std::shared_ptr<const DatabaseCopy> copy;
+    static text::Mutex mutex;
+    static std::string key GUARDED_BY(mutex);
+    static std::shared_ptr<const DatabaseCopy> copy GUARDED_BY(mutex);
     std::error_code error;
     const auto modified = std::filesystem::last_write_time(path + "-wal", error);
     const std::string wanted = fmt::format("{}|{}|{}", path, platform::fileSize(path + "-wal").value_or(0),
                                            modified.time_since_epoch().count());
-    const std::scoped_lock lock(mutex);
+    const text::MutexLock lock(mutex);
     if (copy && key == wanted) return copy;
     try {
         copy = std::make_shared<const DatabaseCopy>(path, temporaryFolder);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <memory>
-#include <mutex>
 #include <thread>
 
 #include "mailstore/folders/message_file_index.h"
@@ -11,6 +10,7 @@
 #include "mailstore/index/mail_index_query_error.h"
 #include "platform/parallel.h"
 #include "text/case.h"
+#include "text/mutex.h"
 
 namespace corvane::mailstore {
 
@@ -156,13 +156,13 @@ class RecordReader {
     MadeRecords make(const JsonRowPiece& piece) {
         std::unique_ptr<RecordLane> lane = takeLane();
         MadeRecords made = lane->make(piece);
-        const std::lock_guard lock(lanesMutex_);
+        const text::MutexLock lock(lanesMutex_);
         idleLanes_.push_back(std::move(lane));
         return made;
     }
 
     std::unique_ptr<RecordLane> takeLane() {
-        const std::lock_guard lock(lanesMutex_);
+        const text::MutexLock lock(lanesMutex_);
         if (idleLanes_.empty()) {
             prefetch_.finish();
             return std::make_unique<RecordLane>(listing_, scanner_.accountNamesByPrefix, timing_);
@@ -182,8 +182,8 @@ class RecordReader {
     ScanTimingMetrics& timing_;
     std::shared_ptr<StoreListing> listing_;
     Prefetch prefetch_;
-    std::mutex lanesMutex_;
-    std::vector<std::unique_ptr<RecordLane>> idleLanes_;
+    text::Mutex lanesMutex_;
+    std::vector<std::unique_ptr<RecordLane>> idleLanes_ GUARDED_BY(lanesMutex_);
     std::string path_;
     std::optional<JsonRowFile> file_;
     std::vector<ScannedRecords> pieces_;

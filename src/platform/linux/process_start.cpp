@@ -2,11 +2,9 @@
 
 #include <array>
 #include <cerrno>
-#include <condition_variable>
 #include <csignal>
 #include <deque>
 #include <future>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,6 +20,8 @@
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+
+#include "text/mutex.h"
 
 namespace corvane::platform {
 
@@ -194,10 +194,10 @@ class Starter {
         std::packaged_task<pid_t()> task([&launch] { return startChild(launch); });
         std::future<pid_t> result = task.get_future();
         {
-            const std::lock_guard lock(mutex_);
+            const text::MutexLock lock(mutex_);
             tasks_.push_back(std::move(task));
         }
-        added_.notify_one();
+        added_.notifyOne();
         return result.get();
     }
 
@@ -214,16 +214,16 @@ class Starter {
     }
 
     std::packaged_task<pid_t()> next() {
-        std::unique_lock lock(mutex_);
-        added_.wait(lock, [this] { return !tasks_.empty(); });
+        text::MutexLock lock(mutex_);
+        added_.wait(lock, [this]() REQUIRES(mutex_) { return !tasks_.empty(); });
         auto task = std::move(tasks_.front());
         tasks_.pop_front();
         return task;
     }
 
-    std::mutex mutex_;
-    std::condition_variable added_;
-    std::deque<std::packaged_task<pid_t()>> tasks_;
+    text::Mutex mutex_;
+    text::Condition added_;
+    std::deque<std::packaged_task<pid_t()>> tasks_ GUARDED_BY(mutex_);
 };
 
 } // namespace

@@ -48,16 +48,16 @@ void MailPerformanceLog::reset() {
 
 void MailPerformanceLog::enqueue(std::function<void()> job) {
     {
-        const std::scoped_lock lock(mutex_);
+        const text::MutexLock lock(mutex_);
         jobs_.push_back(std::move(job));
     }
-    wake_.notify_one();
+    wake_.notifyOne();
 }
 
 void MailPerformanceLog::run(const std::stop_token& stop) {
-    std::unique_lock lock(mutex_);
+    text::MutexLock lock(mutex_);
     while (true) {
-        wake_.wait(lock, stop, [this] { return !jobs_.empty(); });
+        wake_.wait(lock, stop, [this]() REQUIRES(mutex_) { return !jobs_.empty(); });
         if (jobs_.empty()) return;
         const auto job = std::move(jobs_.front());
         jobs_.pop_front();

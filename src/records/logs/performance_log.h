@@ -2,16 +2,15 @@
 // the log, in order; the caller is never blocked and never sees an error.
 #pragma once
 
-#include <condition_variable>
 #include <deque>
 #include <functional>
-#include <mutex>
 #include <stop_token>
 #include <string>
 #include <string_view>
 #include <thread>
 
 #include "records/stores/app_support.h"
+#include "text/mutex.h"
 
 namespace corvane {
 
@@ -34,9 +33,9 @@ class MailPerformanceLog {
     void run(const std::stop_token& stop);
 
     CorvaneAppSupport support_;
-    std::mutex mutex_;
-    std::condition_variable_any wake_;
-    std::deque<std::function<void()>> jobs_;
+    text::Mutex mutex_;
+    text::StoppableCondition wake_;
+    std::deque<std::function<void()>> jobs_ GUARDED_BY(mutex_);
     std::jthread thread_; // last: it uses everything above
 };
 
