@@ -23,13 +23,14 @@ bool countsAsEmpty(std::string_view body) {
 
 } // namespace
 
+MailSearchIndex::BodyLookup::BodyLookup(sqlite3* database)
+  : rowIDOfRecord(database, "SELECT fts_rowid FROM record_map WHERE record_id = ?;",
+                  SQLITE_PREPARE_PERSISTENT)
+  , bodyOfRow(database, "SELECT body FROM email_fts WHERE rowid = ?;", SQLITE_PREPARE_PERSISTENT) {}
+
 MailSearchIndex::MailSearchIndex(platform::SqliteConnection database)
   : database_(std::move(database))
   , hasTrigrams_(search::hasTrigramTable(database_.get()))
-  , rowIDOfRecord_(database_.get(), "SELECT fts_rowid FROM record_map WHERE record_id = ?;",
-                   SQLITE_PREPARE_PERSISTENT)
-  , bodyOfRow_(database_.get(), "SELECT body FROM email_fts WHERE rowid = ?;", SQLITE_PREPARE_PERSISTENT)
-  , trigrams_(database_.get(), SQLITE_PREPARE_PERSISTENT)
   , pairs_(database_.get()) {
     provideRecordMap();
     if (metaInt(extractorVersionKey) != extractorVersion)
@@ -77,7 +78,7 @@ void MailSearchIndex::provideRecordMap() {
 
 std::size_t MailSearchIndex::bulkInsert(std::span<const SearchIndexRow> rows) {
     if (rows.empty()) return 0;
-    const std::scoped_lock lock(writing_);
+    const text::MutexLock lock(writing_);
     search::execute(database_.get(), "BEGIN;");
     const std::size_t inserted = insertRows(rows);
     // What did work stays.
@@ -122,55 +123,62 @@ bool MailSearchIndex::insertRow(const SearchIndexRow& row, SqliteStatement& inse
     return true;
 }
 
-SharedTextSet MailSearchIndex::search(std::string_view query) const {
+std::optional<SharedTextSet> MailSearchIndex::searchIfReadable(std::string_view query) const {
     const std::string_view text = text::trimWhitespaceAndNewlines(query);
-    if (text.empty()) return {};
+    if (text.empty()) return SharedTextSet();
     if (hasTrigrams_) {
-        if (auto ids = idsByIndex(text)) return std::move(*ids);
+        if (auto ids = idsByIndex(text)) return ids;
     }
-    return search::idsByScan(database_.get(), text).value_or(SharedTextSet());
+    return search::idsByScan(database_.get(), text);
 }
 
 std::optional<SharedTextSet> MailSearchIndex::idsByIndex(std::string_view text) const {
     if (search::isPair(text)) {
-        const std::scoped_lock lock(searchingPairs_);
+        const text::MutexLock lock(searchingPairs_);
         return pairs_.ids(text);
     }
-    const std::unique_lock lock(searching_, std::try_to_lock);
-    return lock ? trigrams_.ids(text) : search::TrigramStatements(database_.get()).ids(text);
+    const auto statements = trigrams_.take([this] {
+        return std::make_unique<search::TrigramStatements>(database_.get(), SQLITE_PREPARE_PERSISTENT);
+    });
+    return statements->ids(text);
+}
+
+text::IdlePool<MailSearchIndex::BodyLookup>::Lease MailSearchIndex::bodyLookup() const {
+    return bodyLookups_.take([this] { return std::make_unique<BodyLookup>(database_.get()); });
 }
 
 std::optional<std::string> MailSearchIndex::body(std::string_view id) const {
-    const std::scoped_lock lock(lookingUp_);
-    const auto rowID = rowIDLocked(id);
+    const auto lookup = bodyLookup();
+    const auto rowID = rowIDOf(id, *lookup);
     if (!rowID) return std::nullopt;
-    bodyOfRow_.bindInteger(1, *rowID);
+    SqliteStatement& bodyOfRow = lookup->bodyOfRow;
+    bodyOfRow.bindInteger(1, *rowID);
     std::optional<std::string> body;
-    if (bodyOfRow_.step()) {
-        const auto text = bodyOfRow_.text(0);
+    if (bodyOfRow.step()) {
+        const auto text = bodyOfRow.text(0);
         if (text && !countsAsEmpty(*text)) body = std::string(*text);
     }
-    noteStatus(bodyOfRow_.status());
-    bodyOfRow_.reset();
+    noteStatus(bodyOfRow.status());
+    bodyOfRow.reset();
     return body;
 }
 
 std::optional<std::int64_t> MailSearchIndex::ftsRowID(std::string_view recordID) const {
-    const std::scoped_lock lock(lookingUp_);
-    return rowIDLocked(recordID);
+    return rowIDOf(recordID, *bodyLookup());
 }
 
-std::optional<std::int64_t> MailSearchIndex::rowIDLocked(std::string_view recordID) const {
-    rowIDOfRecord_.bindText(1, recordID);
+std::optional<std::int64_t> MailSearchIndex::rowIDOf(std::string_view recordID, BodyLookup& lookup) const {
+    SqliteStatement& rowIDOfRecord = lookup.rowIDOfRecord;
+    rowIDOfRecord.bindText(1, recordID);
     std::optional<std::int64_t> rowID;
-    if (rowIDOfRecord_.step()) rowID = rowIDOfRecord_.integer(0);
-    noteStatus(rowIDOfRecord_.status());
-    rowIDOfRecord_.reset();
+    if (rowIDOfRecord.step()) rowID = rowIDOfRecord.integer(0);
+    noteStatus(rowIDOfRecord.status());
+    rowIDOfRecord.reset();
     return rowID;
 }
 
 void MailSearchIndex::remove(std::string_view id) {
-    const std::scoped_lock lock(writing_);
+    const text::MutexLock lock(writing_);
     if (const auto rowID = ftsRowID(id)) {
         SqliteStatement row(database_.get(), "DELETE FROM email_fts WHERE rowid = ?;");
         row.bindInteger(1, *rowID);
@@ -184,7 +192,7 @@ void MailSearchIndex::remove(std::string_view id) {
 }
 
 void MailSearchIndex::clear() {
-    const std::scoped_lock lock(writing_);
+    const text::MutexLock lock(writing_);
     const int status = search::makeTablesAnew(database_.get());
     noteStatus(status);
     if (status == SQLITE_OK) hasTrigrams_ = true;
@@ -223,7 +231,7 @@ std::int64_t MailSearchIndex::metaInt(std::string_view key) const {
 }
 
 void MailSearchIndex::setMeta(std::string_view key, std::string_view value) {
-    const std::scoped_lock lock(writing_);
+    const text::MutexLock lock(writing_);
     SqliteStatement statement(database_.get(), "INSERT OR REPLACE INTO meta(key,value) VALUES(?,?);");
     statement.bindText(1, key);
     statement.bindText(2, value);

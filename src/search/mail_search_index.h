@@ -6,13 +6,16 @@
 // processes too, may be open on one archive. Writers wait up to 5 seconds for each other. No operation throws
 // or tells of a failure: a failed one gives the empty result or leaves the data as it was. All of them touch
 // the disk, and those marked so read every row.
+//
+// All threads share the connection, and SQLite lets one statement of it step at a time. A connection for each
+// reading thread would be opened when another one is busy, and by then the path may name another file or
+// none: the index of an archive that was forgotten is removed while it is open here, and reads on.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
 #include <limits>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
@@ -22,6 +25,8 @@
 #include "records/stores/app_support.h"
 #include "search/pair_search.h"
 #include "search/substring_search.h"
+#include "text/idle_pool.h"
+#include "text/mutex.h"
 #include "text/shared_text.h"
 
 namespace corvane {
@@ -65,7 +70,13 @@ class MailSearchIndex {
     // The ids of all records that hold the text in one of their columns, white space around it left out; none
     // for an empty text. ASCII letters match in either case, nothing has a special meaning. Reads every row
     // for one character, where many rows match, and for the first two characters after something was written.
-    [[nodiscard]] SharedTextSet search(std::string_view query) const;
+    [[nodiscard]] SharedTextSet search(std::string_view query) const {
+        return searchIfReadable(query).value_or(SharedTextSet());
+    }
+
+    // The same, but absent after an error, for who has to know that nothing was found from that it couldn't
+    // be looked for.
+    [[nodiscard]] std::optional<SharedTextSet> searchIfReadable(std::string_view query) const;
 
     // The body as it was stored; nothing when there is none or it counts as empty.
     [[nodiscard]] std::optional<std::string> body(std::string_view id) const;
@@ -104,30 +115,35 @@ class MailSearchIndex {
     static void pruneOrphans(const CorvaneAppSupport& support, std::span<const std::string> liveRoots);
 
   private:
+    // Preparing costs several times what a look-up does.
+    struct BodyLookup {
+        explicit BodyLookup(sqlite3* database);
+
+        platform::SqliteStatement rowIDOfRecord;
+        platform::SqliteStatement bodyOfRow;
+    };
+
     explicit MailSearchIndex(platform::SqliteConnection database);
 
     // Null for none.
     static std::unique_ptr<MailSearchIndex> make(platform::SqliteConnection database);
     void provideRecordMap();
-    std::size_t insertRows(std::span<const SearchIndexRow> rows);
+    std::size_t insertRows(std::span<const SearchIndexRow> rows) REQUIRES(writing_);
     bool insertRow(const SearchIndexRow& row, platform::SqliteStatement& insert,
-                   platform::SqliteStatement& map);
+                   platform::SqliteStatement& map) REQUIRES(writing_);
     [[nodiscard]] std::optional<SharedTextSet> idsByIndex(std::string_view text) const;
-    [[nodiscard]] std::optional<std::int64_t> rowIDLocked(std::string_view recordID) const;
+    [[nodiscard]] text::IdlePool<BodyLookup>::Lease bodyLookup() const;
+    std::optional<std::int64_t> rowIDOf(std::string_view recordID, BodyLookup& lookup) const;
     void noteStatus(int status) const;
 
     platform::SqliteConnection database_;
     std::atomic<bool> hasTrigrams_;
     mutable std::atomic<bool> isDamaged_ = false;
-    std::mutex writing_; // a transaction belongs to the connection, not to a thread
-    // Preparing costs several times what a look-up does, so these two are kept, and used under `lookingUp_`.
-    mutable std::mutex lookingUp_;
-    mutable platform::SqliteStatement rowIDOfRecord_;
-    mutable platform::SqliteStatement bodyOfRow_;
-    mutable std::mutex searching_; // of whoever uses the kept statements; others prepare their own
-    mutable search::TrigramStatements trigrams_;
-    mutable std::mutex searchingPairs_; // others wait: what they would do themselves takes longer
-    mutable search::PairStatements pairs_;
+    text::Mutex writing_; // a transaction belongs to the connection, not to a thread
+    mutable text::IdlePool<BodyLookup> bodyLookups_;
+    mutable text::IdlePool<search::TrigramStatements> trigrams_;
+    mutable text::Mutex searchingPairs_; // others wait: what they would gather themselves takes longer
+    mutable search::PairStatements pairs_ GUARDED_BY(searchingPairs_);
 };
 
 } // namespace corvane
