@@ -18,6 +18,7 @@
 #include "records/logs/console_log.h"
 #include "records/preview_placeholders.h"
 #include "records/stores/archive_index_file.h"
+#include "search/mail_search_index.h"
 #include "text/trim.h"
 #include "worker/mail_worker_client.h"
 

@@ -16,9 +16,12 @@
 #include "records/archive_records.h"
 #include "records/file_url.h"
 #include "records/stores/app_support.h"
-#include "search/mail_search_index.h"
+#include "text/shared_text.h"
 
 namespace corvane {
+
+class MailSearchIndex;
+struct SearchIndexRow;
 
 // A record and its .eml file.
 struct BodyIndexItem {

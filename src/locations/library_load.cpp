@@ -7,6 +7,7 @@
 #include "locations/archive_discovery.h"
 #include "locations/archive_locations.h"
 #include "locations/archived_files.h"
+#include "search/mail_search_index.h"
 
 namespace corvane {
 

@@ -13,10 +13,11 @@
 #include <vector>
 
 #include "records/archive_records.h"
-#include "search/mail_search_index.h"
 #include "text/shared_text.h"
 
 namespace corvane {
+
+class MailSearchIndex;
 
 struct LoadedArchive {
     std::string rootPath;

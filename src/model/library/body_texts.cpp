@@ -8,6 +8,7 @@
 
 #include "mime/header_decoding.h"
 #include "platform/directory.h"
+#include "search/mail_search_index.h"
 
 namespace corvane {
 
