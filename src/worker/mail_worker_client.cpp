@@ -1,9 +1,11 @@
 #include "worker/mail_worker_client.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <iterator>
 #include <system_error>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -102,7 +104,9 @@ FileURL MailWorkerClient::workerScriptURL() const {
     std::ranges::transform(folders, std::back_inserter(candidates), [](const std::string& folder) {
         return platform::joinPath(platform::joinPath(folder, "Workers"), scriptName);
     });
+#ifdef CORVANE_DEVELOPMENT_WORKER
     candidates.emplace_back(CORVANE_DEVELOPMENT_WORKER);
+#endif
     for (const std::string& candidate : candidates) {
         if (platform::isRegularFile(candidate)) return FileURL(candidate);
     }

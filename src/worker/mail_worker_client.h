@@ -9,7 +9,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -19,7 +18,6 @@
 
 #include "platform/platform.h"
 #include "records/file_url.h"
-#include "text/mutex.h"
 #include "text/shared_text.h"
 #include "worker/worker_error.h"
 
@@ -116,37 +114,6 @@ class MailWorkerClient {
     const platform::Platform& platform_;
     Limits limits_;
     bool isUpkeep_ = false;
-};
-
-// One worker process for many requests. A worker that doesn't answer in time is replaced: its message gets
-// the error, the next one a fresh process. A worker that ended by itself isn't. Thread-safe: requests take
-// turns.
-class MailWorkerClient::Session {
-  public:
-    // Launches the process; throws WorkerError. The client must outlive the session.
-    explicit Session(const MailWorkerClient& client);
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
-    ~Session();
-
-    // Throws WorkerError. A stop that is requested meanwhile closes the session.
-    Response runRequest(const Request& request, const std::stop_token& stop = {});
-
-    std::vector<Attachment> attachments(const FileURL& file, std::int64_t maxBytes,
-                                        const std::stop_token& stop = {});
-
-    // Tells the worker to end, and sees to it. Later requests are refused.
-    void close();
-
-  private:
-    class Process;
-
-    [[nodiscard]] std::unique_ptr<Process> launch() const;
-    void relaunch() REQUIRES(mutex_);
-
-    const MailWorkerClient& client_;
-    text::Mutex mutex_;
-    std::unique_ptr<Process> process_ GUARDED_BY(mutex_); // null when closed
 };
 
 } // namespace corvane

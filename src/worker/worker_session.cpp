@@ -1,12 +1,18 @@
-#include <exception>
+#include "worker/worker_session.h"
+
+#include <chrono>
+#include <cstddef>
+#include <optional>
+#include <string>
 #include <system_error>
+#include <utility>
 
 #include <fmt/format.h>
 
 #include "platform/child_process.h"
 #include "platform/timed_pipe.h"
 #include "records/json/json_writer.h"
-#include "worker/mail_worker_client.h"
+#include "worker/worker_error.h"
 #include "worker/worker_forms.h"
 
 namespace corvane {

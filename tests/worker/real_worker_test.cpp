@@ -3,6 +3,7 @@
 
 #include "text/encoding.h"
 #include "worker/fake_worker.h"
+#include "worker/worker_session.h"
 
 namespace corvane {
 namespace {

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "worker/fake_worker.h"
+#include "worker/worker_session.h"
 
 namespace corvane {
 namespace {

@@ -12,6 +12,7 @@
 #include "mailstore/scan/scan_timing_metrics.h"
 #include "records/mail_message_record.h"
 #include "worker/mail_worker_client.h"
+#include "worker/worker_session.h"
 
 namespace corvane::mailstore {
 
