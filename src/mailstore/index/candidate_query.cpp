@@ -1,9 +1,11 @@
+#include "mailstore/index/candidate_query.h"
+
 #include <chrono>
+#include <string_view>
 
 #include <fmt/format.h>
 
 #include "mailstore/index/index_sql.h"
-#include "mailstore/index/indexed_messages.h"
 #include "mailstore/index/mail_index_query_error.h"
 
 namespace corvane::mailstore {

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "mailstore/folders/mailbox_url.h"
+#include "mailstore/index/candidate_query.h"
 #include "mailstore/index/json_rows.h"
 #include "mailstore/index/sqlite_shell.h"
 #include "mailstore/mail_store_context.h"
@@ -40,16 +41,7 @@ struct IndexedMessageCandidate {
 // A requested stop ended the work; whoever requested it catches this.
 class ScanStopped : public std::exception {};
 
-struct CandidateFilter {
-    std::optional<std::int64_t> maximumYear; // in UTC
-    bool requireIndexedAttachments = false;
-    std::vector<std::string> accountURLPrefixes; // empty for every account
-};
-
 namespace mailstore {
-
-// The query that gives the candidates, newest first. Throws MailIndexQueryError for a year that has no end.
-std::string candidateQuery(const CandidateFilter& filter, bool hasMessageIDHeader);
 
 // Runs the query and gives the file with its rows. The follower reads them while they come. Throws
 // MailIndexQueryError and ScanStopped.

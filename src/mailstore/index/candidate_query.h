@@ -1,0 +1,25 @@
+// The question to the index that lists the messages of a scan. Pure.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace corvane {
+
+struct CandidateFilter {
+    std::optional<std::int64_t> maximumYear; // in UTC; absent for every year
+    bool requireIndexedAttachments = false;
+    std::vector<std::string> accountURLPrefixes; // empty for every account
+};
+
+namespace mailstore {
+
+// The SQL that gives the candidates, newest first; `hasMessageIDHeader` tells whether the store has the
+// column of that name. Throws MailIndexQueryError (queryFailed) for a year that no calendar has an end of.
+std::string candidateQuery(const CandidateFilter& filter, bool hasMessageIDHeader);
+
+} // namespace mailstore
+
+} // namespace corvane
