@@ -8,6 +8,7 @@
 #include "mailstore/folders/message_file_index.h"
 #include "mailstore/folders/store_location.h"
 #include "mailstore/folders/trash_junk_mailboxes.h"
+#include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/property_list.h"
 #include "support/temporary_home.h"
 

@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "mailstore/folders/store_location.h"
-#include "mailstore/folders/trash_junk_mailboxes.h"
+#include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/quiet_database.h"
 #include "mailstore/index/sqlite_connection.h"
 #include "mailstore/sample_mail_store.h"

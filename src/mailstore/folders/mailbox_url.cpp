@@ -5,7 +5,6 @@
 #include <fmt/format.h>
 
 #include "mailstore/folders/store_location.h"
-#include "mailstore/index/index_sql.h"
 #include "mailstore/property_list.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
@@ -103,6 +102,10 @@ std::string withoutMailboxSuffixes(std::string_view name) {
 }
 
 } // namespace
+
+std::string withoutImapScheme(std::string_view accountURLPrefix) {
+    return text::replacingAll(accountURLPrefix, "imap://", "");
+}
 
 std::optional<std::string> mailboxDataRoot(std::string_view mailboxURL, const std::string& rootPath) {
     return mailboxDataRootBelow(latestMailVersionDirectory(rootPath), mailboxURL);

@@ -17,6 +17,9 @@
 
 namespace corvane::mailstore {
 
+// The account's part of the mailbox urls: the account's key without "imap://".
+std::string withoutImapScheme(std::string_view accountURLPrefix);
+
 // The "Data" folder of a mailbox, looked up on the disk.
 std::optional<std::string> mailboxDataRoot(std::string_view mailboxURL, const std::string& rootPath);
 

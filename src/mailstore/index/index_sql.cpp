@@ -2,16 +2,13 @@
 
 #include <fmt/format.h>
 
+#include "mailstore/folders/mailbox_url.h"
 #include "text/split.h"
 
 namespace corvane::mailstore {
 
 std::string quotedText(std::string_view value) {
     return text::replacingAll(value, "'", "''");
-}
-
-std::string withoutImapScheme(std::string_view accountURLPrefix) {
-    return text::replacingAll(accountURLPrefix, "imap://", "");
 }
 
 std::string accountCondition(const std::vector<std::string>& accountURLPrefixes) {

@@ -11,9 +11,6 @@ namespace corvane::mailstore {
 // With every "'" doubled; the quotes around it are the caller's.
 std::string quotedText(std::string_view value);
 
-// The account's part of the mailbox urls: the key without "imap://".
-std::string withoutImapScheme(std::string_view accountURLPrefix);
-
 // "AND (...)" over `mb.url`; empty for no prefixes, which is every account.
 std::string accountCondition(const std::vector<std::string>& accountURLPrefixes);
 

@@ -5,8 +5,9 @@
 
 #include <fmt/format.h>
 
+#include "mailstore/folders/mailbox_url.h"
 #include "mailstore/folders/store_location.h"
-#include "mailstore/folders/trash_junk_mailboxes.h"
+#include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/index_sql.h"
 #include "mailstore/index/sqlite_shell.h"
 #include "mailstore/index/year_counts.h"

@@ -8,7 +8,7 @@
 #include "mailstore/folders/mailbox_url.h"
 #include "mailstore/folders/message_file_index.h"
 #include "mailstore/folders/store_location.h"
-#include "mailstore/folders/trash_junk_mailboxes.h"
+#include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/index_sql.h"
 #include "mailstore/index/sqlite_shell.h"
 #include "platform/directory.h"
