@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "mailstore/folders/store_listing.h"
-#include "mailstore/scan/mail_data_scanner.h"
+#include "mailstore/scan/parse_indexed_message.h"
 #include "mime/attachment_names.h"
 #include "platform/paths.h"
 #include "support/temporary_home.h"

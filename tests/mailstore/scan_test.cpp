@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "mailstore/index/indexed_messages.h"
 #include "mailstore/index/mail_index_query_error.h"
 #include "mailstore/sample_mail_store.h"
 
@@ -21,7 +22,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using testing::SampleMailStore;
 using testing::startOf2024;
-using Batch = MailDataScanner::Batch;
+using Batch = RecordBatch;
 using Kind = MailIndexQueryError::Kind;
 
 struct Inbox : SampleMailStore {
@@ -32,11 +33,12 @@ struct Inbox : SampleMailStore {
     }
 
     [[nodiscard]] MailDataScanner scanner() const {
-        return {.context = context,
-                .rootPath = root,
-                .maximumYear = {},
-                .accountURLPrefixes = {},
-                .accountNamesByPrefix = {{std::string("imap://") + testing::firstAccount, "me@example.org"}}};
+        return {
+            {.context = context,
+             .rootPath = root,
+             .maximumYear = {},
+             .accountURLPrefixes = {},
+             .accountNamesByPrefix = {{std::string("imap://") + testing::firstAccount, "me@example.org"}}}};
     }
 
     [[nodiscard]] std::vector<Batch> scan() {

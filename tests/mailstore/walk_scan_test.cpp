@@ -22,7 +22,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using testing::startOf2024;
-using Batch = MailDataScanner::Batch;
+using Batch = RecordBatch;
 
 constexpr const char* attachedFields = "Content-Type: multipart/mixed; boundary=b";
 constexpr const char* attachedBody =
@@ -63,11 +63,12 @@ struct FolderStore {
     [[nodiscard]] std::string asked() const { return testing::readWhole(home.at("asked")); }
 
     [[nodiscard]] MailDataScanner scanner() const {
-        return {.context = {.platform = platform, .support = support},
-                .rootPath = home.at("Library/Mail"),
-                .maximumYear = {},
-                .accountURLPrefixes = {},
-                .accountNamesByPrefix = {{std::string("imap://") + testing::firstAccount, "me@example.org"}}};
+        return {
+            {.context = MailStoreContext{.platform = platform, .support = support},
+             .rootPath = home.at("Library/Mail"),
+             .maximumYear = {},
+             .accountURLPrefixes = {},
+             .accountNamesByPrefix = {{std::string("imap://") + testing::firstAccount, "me@example.org"}}}};
     }
 
     [[nodiscard]] std::vector<Batch> batches() const { return batches(scanner()); }
@@ -167,7 +168,7 @@ TEST(WalkScan, ComesWithoutAnIndexOrAShell) {
     store.add({.rowID = 1, .subject = "by the index"});
     store.close();
     store.home.write("Library/Mail/V10/Other/Messages/2.emlx", attachedMail("by its file"));
-    const MailDataScanner scanner{store.context, store.root, {}, {}, {}};
+    const MailDataScanner scanner{{store.context, store.root, {}, {}, {}}};
     const auto subjectOf = [&] {
         return FolderStore::records(FolderStore::batches(scanner)).at(0).subject.str();
     };

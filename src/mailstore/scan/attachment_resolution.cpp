@@ -4,6 +4,7 @@
 #include <array>
 #include <unordered_set>
 
+#include "mailstore/seconds_counter.h"
 #include "mime/attachment_names.h"
 #include "text/case.h"
 #include "text/regex.h"

@@ -2,12 +2,13 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
 
-#include "mailstore/scan/mail_data_scanner.h"
+#include "mailstore/scan/record_batch.h"
 #include "mailstore/scan/scan_timing_metrics.h"
 #include "records/mail_message_record.h"
 
@@ -17,7 +18,7 @@ namespace corvane::mailstore {
 // time since the last batch.
 class BatchStream {
   public:
-    BatchStream(const MailDataScanner::BatchHandler& handle, const ScanTimingMetrics& timing)
+    BatchStream(const BatchHandler& handle, const ScanTimingMetrics& timing)
       : handle_(handle)
       , timing_(timing) {}
 
@@ -33,11 +34,11 @@ class BatchStream {
     }
 
     void flush() {
-        MailDataScanner::Batch batch{.scannedCount = visited_,
-                                     .visitedCount = visited_,
-                                     .foundCount = expected_,
-                                     .records = std::exchange(pending_, {}),
-                                     .timingLog = summary()};
+        RecordBatch batch{.scannedCount = visited_,
+                          .visitedCount = visited_,
+                          .foundCount = expected_,
+                          .records = std::exchange(pending_, {}),
+                          .timingLog = summary()};
         pending_.reserve(fullBatch);
         handle_(std::move(batch));
         lastBatch_ = ScanTimingMetrics::Clock::now();
@@ -52,7 +53,7 @@ class BatchStream {
     static constexpr std::int64_t progressStep = 100;
     static constexpr std::chrono::seconds longestSilence{1};
 
-    const MailDataScanner::BatchHandler& handle_;
+    const BatchHandler& handle_;
     const ScanTimingMetrics& timing_;
     MessageList pending_;
     std::size_t expected_ = 0;

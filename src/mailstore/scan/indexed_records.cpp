@@ -4,10 +4,14 @@
 #include <atomic>
 #include <memory>
 #include <thread>
+#include <unordered_map>
+#include <utility>
 
 #include "mailstore/folders/message_file_index.h"
 #include "mailstore/index/indexed_messages.h"
 #include "mailstore/index/mail_index_query_error.h"
+#include "mailstore/scan/parse_indexed_message.h"
+#include "mailstore/seconds_counter.h"
 #include "platform/parallel.h"
 #include "text/case.h"
 #include "text/mutex.h"
@@ -112,11 +116,11 @@ class RecordLane {
 // the shell, and in several lanes what is left then.
 class RecordReader {
   public:
-    RecordReader(const MailDataScanner& scanner, ScanTimingMetrics& timing)
-      : scanner_(scanner)
+    RecordReader(const ScanRequest& request, ScanTimingMetrics& timing)
+      : request_(request)
       , timing_(timing)
-      , listing_(std::make_shared<StoreListing>(scanner.rootPath))
-      , prefetch_(*listing_, scanner.accountURLPrefixes) {}
+      , listing_(std::make_shared<StoreListing>(request.rootPath))
+      , prefetch_(*listing_, request.accountURLPrefixes) {}
 
     bool readAhead(const std::string& path) {
         startFile(path);
@@ -165,7 +169,7 @@ class RecordReader {
         const text::MutexLock lock(lanesMutex_);
         if (idleLanes_.empty()) {
             prefetch_.finish();
-            return std::make_unique<RecordLane>(listing_, scanner_.accountNamesByPrefix, timing_);
+            return std::make_unique<RecordLane>(listing_, request_.accountNamesByPrefix, timing_);
         }
         auto lane = std::move(idleLanes_.back());
         idleLanes_.pop_back();
@@ -178,7 +182,7 @@ class RecordReader {
         pieces_.push_back(std::move(made.records));
     }
 
-    const MailDataScanner& scanner_;
+    const ScanRequest& request_;
     ScanTimingMetrics& timing_;
     std::shared_ptr<StoreListing> listing_;
     Prefetch prefetch_;
@@ -193,14 +197,14 @@ class RecordReader {
 
 } // namespace
 
-std::optional<IndexedRecords> readIndexedRecords(const MailDataScanner& scanner, ScanTimingMetrics& timing,
+std::optional<IndexedRecords> readIndexedRecords(const ScanRequest& request, ScanTimingMetrics& timing,
                                                  const std::stop_token& stop) {
     const SecondsCounter elapsed(timing.envelopeIndexSeconds);
-    RecordReader reader(scanner, timing);
-    const CandidateFilter filter{.maximumYear = scanner.maximumYear,
-                                 .accountURLPrefixes = scanner.accountURLPrefixes};
+    RecordReader reader(request, timing);
+    const CandidateFilter filter{.maximumYear = request.maximumYear,
+                                 .accountURLPrefixes = request.accountURLPrefixes};
     try {
-        auto output = runCandidateQuery(scanner.context, scanner.rootPath, filter, stop,
+        auto output = runCandidateQuery(request.context, request.rootPath, filter, stop,
                                         [&](const std::string& path) { return reader.readAhead(path); });
         auto pieces = reader.finish(output.path(), stop);
         return IndexedRecords{.pieces = std::move(pieces), .output = std::move(output)};

@@ -6,7 +6,7 @@
 #include <stop_token>
 #include <vector>
 
-#include "mailstore/scan/mail_data_scanner.h"
+#include "mailstore/scan/scan_request.h"
 #include "mailstore/scan/scan_timing_metrics.h"
 #include "platform/temporary_file.h"
 #include "records/mail_message_record.h"
@@ -24,7 +24,7 @@ struct IndexedRecords {
 
 // Nothing when the index isn't there to be used. Throws MailIndexQueryError, and ScanStopped after a
 // requested stop. Fills in what the timing tells of the index and the attachments.
-std::optional<IndexedRecords> readIndexedRecords(const MailDataScanner& scanner, ScanTimingMetrics& timing,
+std::optional<IndexedRecords> readIndexedRecords(const ScanRequest& request, ScanTimingMetrics& timing,
                                                  const std::stop_token& stop);
 
 } // namespace corvane::mailstore

@@ -1,11 +1,17 @@
 #include "mailstore/scan/mail_data_scanner.h"
 
+#include <cstddef>
 #include <utility>
+#include <vector>
 
+#include "mailstore/index/indexed_messages.h"
 #include "mailstore/scan/batch_stream.h"
 #include "mailstore/scan/indexed_records.h"
+#include "mailstore/scan/scan_timing_metrics.h"
 #include "mailstore/scan/walk_scan.h"
+#include "mailstore/seconds_counter.h"
 #include "platform/parallel.h"
+#include "platform/temporary_file.h"
 #include "records/logs/console_log.h"
 
 namespace corvane {

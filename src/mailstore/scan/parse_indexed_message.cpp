@@ -1,8 +1,13 @@
+#include "mailstore/scan/parse_indexed_message.h"
+
 #include <atomic>
+#include <cstddef>
+#include <string>
+#include <string_view>
 #include <unordered_map>
+#include <utility>
 
 #include "mailstore/scan/attachment_resolution.h"
-#include "mailstore/scan/mail_data_scanner.h"
 #include "text/case.h"
 #include "text/collation.h"
 

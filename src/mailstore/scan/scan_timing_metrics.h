@@ -37,22 +37,4 @@ struct ScanTimingMetrics {
                                       std::optional<double> uiSeconds = {}) const;
 };
 
-// Adds the time of its life to a sum of seconds.
-class SecondsCounter {
-  public:
-    explicit SecondsCounter(double& total)
-      : total_(total) {}
-
-    SecondsCounter(const SecondsCounter&) = delete;
-    SecondsCounter& operator=(const SecondsCounter&) = delete;
-
-    ~SecondsCounter() {
-        total_ += std::chrono::duration<double>(ScanTimingMetrics::Clock::now() - start_).count();
-    }
-
-  private:
-    double& total_;
-    ScanTimingMetrics::Clock::time_point start_ = ScanTimingMetrics::Clock::now();
-};
-
 } // namespace corvane

@@ -6,6 +6,7 @@
 
 #include "mailstore/folders/folder_walk.h"
 #include "mailstore/scan/attachment_resolution.h"
+#include "mailstore/seconds_counter.h"
 #include "mime/emlx.h"
 #include "mime/header_decoding.h"
 #include "mime/mail_date.h"
@@ -53,13 +54,13 @@ void fillFromHeader(MailMessageRecord& record, const mime::HeaderMap& header) {
 
 } // namespace
 
-WalkScan::WalkScan(const MailDataScanner& scanner, ScanTimingMetrics& timing)
-  : scanner_(scanner)
+WalkScan::WalkScan(const ScanRequest& request, ScanTimingMetrics& timing)
+  : request_(request)
   , timing_(timing)
-  , client_(scanner.context.platform)
+  , client_(request.context.platform)
   , worker_(openSession(client_)) {
     const SecondsCounter elapsed(timing.attachmentIndexSeconds);
-    attachments_ = MailAttachmentFileLocator::makeIndex(scanner.rootPath);
+    attachments_ = MailAttachmentFileLocator::makeIndex(request.rootPath);
     timing.indexedAttachmentFolders = static_cast<std::int64_t>(attachments_.folderCount());
 }
 
@@ -72,14 +73,14 @@ void WalkScan::run(BatchStream& batches, const std::stop_token& stop) {
         return !stop.stop_requested();
     };
     const bool isListed = walkFolder(
-        scanner_.rootPath,
+        request_.rootPath,
         {.entersFolder = [](const std::string&, std::string_view name) { return name != "Attachments"; },
          .visitsFile = visit});
     if (worker_) worker_->close();
     // A root that is there and can't be listed is one without messages: the lack of permission is told then.
-    if (!isListed && !platform::isDirectory(scanner_.rootPath))
+    if (!isListed && !platform::isDirectory(request_.rootPath))
         throw mime::MessageFileError(fmt::format("未能打开文件夹“{}”，因为它不存在。",
-                                                 platform::lastPathComponent(scanner_.rootPath)));
+                                                 platform::lastPathComponent(request_.rootPath)));
 }
 
 std::optional<MailMessageRecord> WalkScan::consumeMessage(const FileURL& file, const std::stop_token& stop) {
@@ -103,7 +104,7 @@ std::optional<MailMessageRecord> WalkScan::parseMessage(const FileURL& file, con
     const mime::HeaderMap header = mime::headerText(text);
     MailMessageRecord record;
     record.date = mime::parseMailDate(fieldOf(header, "date"));
-    if (scanner_.maximumYear && record.date && localYear(*record.date) > *scanner_.maximumYear) {
+    if (request_.maximumYear && record.date && localYear(*record.date) > *request_.maximumYear) {
         ++timing_.yearSkippedMessages;
         return std::nullopt;
     }
@@ -117,9 +118,9 @@ std::optional<MailMessageRecord> WalkScan::parseMessage(const FileURL& file, con
     fillFromHeader(record, header);
     record.id = file.path();
     record.fileURL = file;
-    record.mailbox = mailboxName(file, scanner_.rootPath);
+    record.mailbox = mailboxName(file, request_.rootPath);
     record.isImportedMailbox = isImported(file);
-    if (const auto account = accountInfo(file, scanner_.accountNamesByPrefix)) {
+    if (const auto account = accountInfo(file, request_.accountNamesByPrefix)) {
         record.accountIdentifier = account->first;
         record.accountName = account->second;
     }

@@ -12,15 +12,19 @@
 
 #include "mailstore/folders/attachment_file_locator.h"
 #include "mailstore/scan/batch_stream.h"
-#include "mailstore/scan/mail_data_scanner.h"
+#include "mailstore/scan/scan_request.h"
+#include "mailstore/scan/scan_timing_metrics.h"
+#include "records/file_url.h"
+#include "records/mail_message_record.h"
 #include "worker/mail_worker_client.h"
+#include "worker/worker_session.h"
 
 namespace corvane::mailstore {
 
 class WalkScan {
   public:
-    // The scanner and the metrics must outlive the scan.
-    WalkScan(const MailDataScanner& scanner, ScanTimingMetrics& timing);
+    // The request and the metrics must outlive the scan.
+    WalkScan(const ScanRequest& request, ScanTimingMetrics& timing);
 
     // Until the files or a requested stop end it; the first batch is empty. Throws mime::MessageFileError
     // when there is no root.
@@ -31,7 +35,7 @@ class WalkScan {
     std::optional<MailMessageRecord> parseMessage(const FileURL& file, const std::stop_token& stop);
     bool isImported(const FileURL& file);
 
-    const MailDataScanner& scanner_;
+    const ScanRequest& request_;
     ScanTimingMetrics& timing_;
     MailAttachmentFileLocator::Index attachments_;
     MailWorkerClient client_;

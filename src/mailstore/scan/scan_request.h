@@ -1,0 +1,23 @@
+// What a scan is asked for: a store, and which of its messages. A value that the parts of a scan read; it
+// must outlive the scan.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "mailstore/folders/mailbox_url.h"
+#include "mailstore/mail_store_context.h"
+
+namespace corvane::mailstore {
+
+struct ScanRequest {
+    MailStoreContext context;
+    std::string rootPath;                        // the folder above the version folders
+    std::optional<std::int64_t> maximumYear;     // absent for every year
+    std::vector<std::string> accountURLPrefixes; // empty for every account
+    AccountNames accountNamesByPrefix;           // keys and names; records of other accounts name none
+};
+
+} // namespace corvane::mailstore
