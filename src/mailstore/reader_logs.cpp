@@ -28,6 +28,10 @@ void debugLog(const CorvaneAppSupport& support, std::string_view text) {
     writeLine(support, "trash-plan-debug.log", text, LogStart::append);
 }
 
+void accountsLog(std::string_view text) {
+    consoleLine(fmt::format("[Accounts] {}", text));
+}
+
 void restoredMailDiagnosticLog(const CorvaneAppSupport& support, std::string_view text, LogStart start) {
     consoleLine(fmt::format("[RestoreScanDiagnostic] {}", text));
     writeLine(support, restoredMailDiagnosticLogName, text, start);

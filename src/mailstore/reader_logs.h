@@ -11,6 +11,9 @@ namespace corvane::mailstore {
 // One line with its time into "trash-plan-debug.log", and the text to the console.
 void debugLog(const CorvaneAppSupport& support, std::string_view text);
 
+// One line about the search for accounts, to the console only.
+void accountsLog(std::string_view text);
+
 inline constexpr std::string_view restoredMailDiagnosticLogName = "restore-scan-diagnostic.log";
 
 enum class LogStart { append, reset };

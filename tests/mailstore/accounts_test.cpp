@@ -5,6 +5,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "mailstore/accounts/account_duplication.h"
+#include "mailstore/accounts/account_identity.h"
+#include "mailstore/accounts/account_queries.h"
+#include "mailstore/accounts/accounts_database.h"
 #include "mailstore/index/year_counts.h"
 #include "mailstore/sample_mail_store.h"
 

@@ -1,16 +1,19 @@
-#include <algorithm>
+#include "mailstore/accounts/accounts_database.h"
+
 #include <optional>
+#include <string_view>
 #include <unordered_map>
+#include <utility>
+#include <variant>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "mailstore/accounts/account_discovery.h"
 #include "mailstore/index/sqlite_shell.h"
 #include "mailstore/property_list.h"
+#include "mailstore/reader_logs.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
-#include "records/logs/console_log.h"
 #include "text/case.h"
 #include "text/regex.h"
 #include "text/split.h"
@@ -25,7 +28,7 @@ constexpr const char* accountsQuery =
 FROM ZACCOUNT WHERE ZIDENTIFIER IS NOT NULL;)";
 
 void logDatabase(std::string_view text) {
-    consoleLine(fmt::format("[Accounts] AccountsDB {}", text));
+    accountsLog(fmt::format("AccountsDB {}", text));
 }
 
 std::optional<std::string> addressIn(std::string_view text) {
@@ -113,7 +116,7 @@ std::map<std::string, std::string> queryEmailsFromAccountsDB(const MailStoreCont
         if (!address) address = addressFromMailboxes(home, uuid);
         if (address) emails.emplace(uuid, *address);
     }
-    consoleLine(fmt::format("[Accounts] 最终邮箱映射: {}", emails));
+    accountsLog(fmt::format("最终邮箱映射: {}", emails));
     return emails;
 }
 

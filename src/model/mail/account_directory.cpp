@@ -5,21 +5,15 @@
 
 #include "locations/settings_keys.h"
 #include "mailstore/accounts/account_discovery.h"
+#include "mailstore/accounts/account_duplication.h"
+#include "mailstore/accounts/account_queries.h"
+#include "mailstore/folders/mailbox_url.h"
 #include "model/mail/mail_access.h"
 #include "platform/parallel.h"
 
 namespace corvane {
 
 namespace {
-
-std::string withoutScheme(std::string_view urlPrefix) {
-    std::string text(urlPrefix);
-    constexpr std::string_view scheme = "imap://";
-    for (std::size_t at = text.find(scheme); at != std::string::npos; at = text.find(scheme)) {
-        text.erase(at, scheme.size());
-    }
-    return text;
-}
 
 std::vector<MailAccount> readAccounts(const MailStore& store) {
     std::vector<MailAccount> accounts;
@@ -28,7 +22,7 @@ std::vector<MailAccount> readAccounts(const MailStore& store) {
         [&] { accounts = mailstore::queryAccounts(store.context, store.rootPath); },
         [&] { folders = mailstore::queryFoldersByAccount(store.context, store.rootPath); });
     for (MailAccount& account : accounts) {
-        const auto found = folders.find(withoutScheme(account.urlPrefix));
+        const auto found = folders.find(mailstore::withoutImapScheme(account.urlPrefix));
         if (found != folders.end()) account.folders = found->second;
     }
     return accounts;
