@@ -116,7 +116,7 @@ class Bench:
     def refresh(self):
         home = self.store(self.messages)
         index = home / "Library/Mail/V10/MailData/Envelope Index"
-        query = (ROOT / "benchmarks" / "candidate_query.sql").read_text(encoding="utf-8")
+        query = run([BIN / "print_candidate_query"])[1].decode()
         target = self.work / "rows.json"
 
         def floor():
