@@ -1,9 +1,10 @@
 #include "mailstore/index/live_presence.h"
 
 #include <algorithm>
-#include <charconv>
+#include <cstddef>
+#include <locale>
 #include <set>
-#include <system_error>
+#include <sstream>
 #include <unordered_map>
 
 #include <fmt/format.h>
@@ -62,14 +63,21 @@ std::string contentQuery(const std::string& senderList, const std::string& exclu
                        messageDateExpression, senderList, exclusion);
 }
 
+// The number that a text begins with, whatever the user's locale. Not by std::from_chars, which some standard
+// libraries lack for floating point.
+std::optional<double> leadingNumber(std::string_view text) {
+    if (text.empty() || text.front() == '+') return std::nullopt;
+    std::istringstream stream{std::string(text.substr(0, text.find_first_not_of("0123456789.-+eE")))};
+    stream.imbue(std::locale::classic());
+    double value = 0;
+    return stream >> value ? std::optional(value) : std::nullopt;
+}
+
 // A number, or a text that is one.
 std::optional<double> dateOf(JsonRow& row) {
     if (const auto number = row.integer("d")) return static_cast<double>(*number);
     const auto text = row.text("d");
-    double value = 0;
-    if (!text || std::from_chars(text->data(), text->data() + text->size(), value).ec != std::errc())
-        return {};
-    return value;
+    return text ? leadingNumber(*text) : std::nullopt;
 }
 
 // The dates of live messages by sender and subject.

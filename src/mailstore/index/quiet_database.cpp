@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
+#include <tuple>
 #include <utility>
 
 #include <fmt/format.h>
@@ -55,12 +56,11 @@ namespace {
 // can be none.
 std::shared_ptr<const DatabaseCopy> sharedCopy(const std::string& path, const std::string& temporaryFolder) {
     static text::Mutex mutex;
-    static std::string key GUARDED_BY(mutex);
+    static std::tuple<std::string, std::int64_t, std::filesystem::file_time_type> key GUARDED_BY(mutex);
     static std::shared_ptr<const DatabaseCopy> copy GUARDED_BY(mutex);
     std::error_code error;
     const auto modified = std::filesystem::last_write_time(path + "-wal", error);
-    const std::string wanted = fmt::format("{}|{}|{}", path, platform::fileSize(path + "-wal").value_or(0),
-                                           modified.time_since_epoch().count());
+    const std::tuple wanted(path, platform::fileSize(path + "-wal").value_or(0), modified);
     const text::MutexLock lock(mutex);
     if (copy && key == wanted) return copy;
     try {
@@ -103,7 +103,7 @@ std::optional<QuietDatabase::State> QuietDatabase::settledState() const {
     const auto size = platform::fileSize(path_);
     const auto modified = std::filesystem::last_write_time(path_, error);
     if (!size || error) return std::nullopt;
-    return State{.size = *size, .modified = modified.time_since_epoch().count()};
+    return State{.size = *size, .modified = modified};
 }
 
 // The format numbers of the file header (https://sqlite.org/fileformat.html, offsets 18 and 19).

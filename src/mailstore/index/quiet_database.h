@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -33,7 +34,7 @@ class QuietDatabase {
   private:
     struct State {
         std::int64_t size = 0;
-        std::int64_t modified = 0;
+        std::filesystem::file_time_type modified;
 
         friend bool operator==(const State&, const State&) = default;
     };
