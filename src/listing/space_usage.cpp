@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "listing/account_titles.h"
+#include "records/name_and_address.h"
 #include "text/case.h"
 #include "text/trim.h"
 
@@ -86,11 +87,9 @@ SpaceAccountUsage usageOf(std::string_view key, const MessageRefs& messages,
 
 SpaceSenderParts spaceSenderParts(std::string_view sender) {
     const std::string_view text = text::trimWhitespaceAndNewlines(sender);
-    const std::size_t open = text.rfind('<');
-    const std::size_t close = text.rfind('>');
-    if (open != std::string_view::npos && close != std::string_view::npos && close > open) {
-        std::string address = text::lowercased(text::trimBlanks(text.substr(open + 1, close - open - 1)));
-        const std::string_view display = text::trimCharacters(text.substr(0, open), " \"'");
+    if (const auto parts = nameAndAddress(text)) {
+        std::string address = text::lowercased(text::trimBlanks(parts->address));
+        const std::string_view display = text::trimCharacters(parts->name, " \"'");
         if (!address.empty()) {
             std::string shown = display.empty() ? address : std::string(display);
             return {std::move(address), std::move(shown)};

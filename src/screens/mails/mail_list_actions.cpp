@@ -1,6 +1,7 @@
 // What the user can do with the selected messages of the mail list.
 #include <QUrl>
 
+#include "records/name_and_address.h"
 #include "screens/lists/message_lines.h"
 #include "screens/mails/mail_list_screen.h"
 #include "screens/texts/shown_text.h"
@@ -19,9 +20,8 @@ QUrl mailURL(std::string_view messageID) {
 
 // The address in "name <address>", or the whole.
 std::string_view addressOf(std::string_view sender) {
-    const std::size_t open = sender.rfind('<');
-    if (open == std::string_view::npos || !sender.ends_with('>')) return sender;
-    return sender.substr(open + 1, sender.size() - open - 2);
+    const auto parts = nameAndAddress(sender);
+    return parts && parts->rest.empty() ? parts->address : sender;
 }
 
 } // namespace

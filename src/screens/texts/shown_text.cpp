@@ -1,5 +1,7 @@
 #include "screens/texts/shown_text.h"
 
+#include "records/name_and_address.h"
+
 namespace corvane::screens {
 
 namespace {
@@ -68,9 +70,9 @@ QString shownText(std::string_view text, qsizetype limit) {
 }
 
 QString shownSender(std::string_view sender) {
-    const std::size_t address = sender.rfind('<');
-    if (address == std::string_view::npos || !sender.ends_with('>')) return shownLine(sender);
-    QString name = shownLine(sender.substr(0, address));
+    const auto parts = nameAndAddress(sender);
+    if (!parts || !parts->rest.empty()) return shownLine(sender);
+    QString name = shownLine(parts->name);
     if (name.size() >= 2 && name.startsWith(u'"') && name.endsWith(u'"')) {
         name = name.sliced(1, name.size() - 2).trimmed();
     }
