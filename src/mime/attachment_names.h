@@ -1,4 +1,4 @@
-// Names of attachments, however they reach us, and what they tell. Pure functions, any thread.
+// Names of attachments, however they reach us, and what follows from them. Pure functions, any thread.
 #pragma once
 
 #include <cstdint>
@@ -16,14 +16,15 @@ std::string cleanAttachmentName(std::string_view name);
 // `contentType` is empty when unknown.
 std::string mimeTypeGuess(std::string_view name, std::string_view contentType);
 
-// By the extension. A picture isn't reported as an attachment from its name alone.
+// Whether it names a picture, by the extension. A picture isn't reported as an attachment from its name
+// alone.
 bool hasImageExtension(std::string_view name);
 
 // Bytes from which a stored picture counts as an attachment: smaller ones are signatures and inline logos.
 inline constexpr std::int64_t smallestImageAttachmentBytes = 500'000;
 
-// Names that reached the index joined by "^_", the spelling of U+001F, taken apart: only where every piece
-// looks like a file name.
+// Names that reached the index joined by "^_", the spelling of U+001F, taken apart; the name as it is where a
+// piece doesn't look like a file name.
 std::vector<std::string> splitCaretJoinedName(std::string_view name);
 
 } // namespace corvane::mime

@@ -20,7 +20,7 @@ HeaderMap headerText(std::string_view messageText);
 // The map of a text that is only a header block.
 HeaderMap headerFields(std::string_view headerBlock);
 
-// A decoded field of a raw message; nothing when it isn't in the first 65536 bytes.
+// A decoded field of a raw message; nullopt when it isn't in the first 65536 bytes.
 std::optional<std::string> decodedHeaderField(std::string_view name, std::string_view rawEmail);
 
 // Decodes the encoded words (RFC 2047) of a value. A word that can't be decoded stays as it is, and so does
@@ -28,17 +28,18 @@ std::optional<std::string> decodedHeaderField(std::string_view name, std::string
 // stands.
 std::string decodeHeaderValue(std::string_view value);
 
-// The "Q" encoding without its rule for "_", which decodeHeaderValue applies to the whole value.
+// The "Q" encoding without its rule for "_", which decodeHeaderValue applies to the whole value. Nullopt when
+// the bytes are invalid in the charset.
 std::optional<std::string> decodeQuotedPrintableWord(std::string_view payload, std::string_view charset);
 
-// `charset` is lower-case and matched by what it contains: "utf-8" and "gb" (GB 18030) give nothing for
+// `charset` is lower-case and matched by what it contains: "utf-8" and "gb" (GB 18030) return nullopt for
 // invalid bytes, "iso-8859-1" is ISO Latin 1, anything else UTF-8 or else ISO Latin 1.
 std::optional<std::string> decodeData(std::string_view bytes, std::string_view charset);
 
 // More than three of the letters that UTF-8 or GBK bytes turn into when they are read as ISO Latin 1.
 bool looksLikeMojibake(std::string_view text);
 
-// The bytes of a text that was read as ISO Latin 1; nothing when it holds a larger scalar.
+// The bytes of a text that was read as ISO Latin 1; nullopt when it holds a larger scalar.
 std::optional<std::string> latin1Data(std::string_view text);
 
 } // namespace corvane::mime

@@ -11,7 +11,7 @@ namespace corvane::mime {
 
 namespace {
 
-// Takes a text apart from its start; once something didn't fit, nothing fits any more.
+// Reads a text from its start; after the first part that doesn't fit, every later read fails too.
 class Cursor {
   public:
     explicit Cursor(std::string_view text)

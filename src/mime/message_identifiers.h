@@ -8,13 +8,15 @@
 
 namespace corvane::mime {
 
-// Decoded, without white space and angle brackets at the ends, in lower case; nothing when that is empty.
+// Decoded, without white space and angle brackets at the ends, in lower case; nullopt when that is empty.
 std::optional<std::string> normalizedMessageIdentifier(std::string_view header);
 
-// Each identifier in angle brackets once, in order; the whole text as one when there is none.
+// Each identifier in angle brackets once, in order; the whole text as one when there is none;
+// empty for an empty text.
 std::vector<std::string> normalizedMessageIdentifiers(std::string_view header);
 
-// Those of References, else only the first of In-Reply-To. An absent header is empty. Nothing without any.
+// Those of References, else only the first of In-Reply-To. An absent header is empty; nullopt without any
+// identifier.
 std::optional<std::vector<std::string>> normalizedReferencedMessageIdentifiers(std::string_view references,
                                                                                std::string_view inReplyTo);
 

@@ -1,5 +1,5 @@
 // A small walk through the parts of a message (RFC 2045, RFC 2046) for its readable text. Text is UTF-8 as
-// decodeEmlx gives it. A broken part gives less text and never an error. Pure functions, linear in their
+// decodeEmlx returns it. A broken part yields less text and never an error. Pure functions, linear in their
 // input, any thread.
 #pragma once
 
@@ -24,7 +24,7 @@ std::vector<PreviewCandidate> previewCandidates(std::string_view messageText, in
 // A field's value without its parameters, trimmed.
 std::string mimeHeaderValue(std::string_view field);
 
-// A parameter of a field, without its quotes, trimmed; `name` in any case.
+// A parameter of a field, without its quotes, trimmed; `name` in any case. Nullopt when it isn't there.
 std::optional<std::string> mimeHeaderParameter(std::string_view name, std::string_view field);
 
 // The parts between the marker lines, trimmed, with "\n" line ends. A missing closing marker costs nothing;
@@ -37,7 +37,7 @@ std::string decodeQuotedPrintableData(std::string_view text);
 // A body by its transfer encoding and charset; as it is where that can't be decoded.
 std::string decodedMIMEBody(std::string_view body, const HeaderMap& header);
 
-// The text of a body in a GB charset that was read as ISO Latin 1; nothing for any other.
+// The text of a body in a GB charset that was read as ISO Latin 1; nullopt for any other.
 std::optional<std::string> decodeUnencodedBody(std::string_view body, std::string_view charset);
 
 } // namespace corvane::mime

@@ -9,13 +9,13 @@
 
 namespace corvane::mime {
 
-// Read of a message for its preview: a body behind a larger attachment has none.
+// Bytes read of a message for its preview: a body behind a larger attachment has none.
 inline constexpr std::int64_t previewByteLimit = 2'097'152;
 
 // Of the message in the file as it stands. Throws MessageFileError when the file can't be read.
 std::string previewTextWithoutWorker(const FileURL& file);
 
-// Of a message as decodeEmlx gives it: at most `previewCharacters`, or the placeholder of an empty body.
+// Of a message as decodeEmlx returns it: at most `previewCharacters`, or the placeholder of an empty body.
 // Pure.
 std::string previewText(std::string_view messageText);
 

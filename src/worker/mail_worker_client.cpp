@@ -30,7 +30,7 @@ constexpr std::string_view scriptName = "mail_worker.py";
 // Of what a worker wrote, in an error.
 constexpr std::size_t shownBytes = 16'384;
 
-// The start of the bytes as text; nothing when it isn't UTF-8.
+// The start of the bytes as text; nullopt when it isn't UTF-8.
 std::optional<std::string> shownText(std::string_view bytes) {
     std::string_view shown = bytes.substr(0, shownBytes);
     // The cut may have gone through a character.
@@ -56,7 +56,7 @@ class OneShotRun {
       , errorOutput_(temporaryFile(temporaryFolder, ".err"))
       , answerLimit_(answerLimit) {}
 
-    // The exit status; nothing when the deadline passed or a stop was requested first.
+    // The exit status; nullopt when the deadline passed or a stop was requested first.
     std::optional<int> run(platform::ChildProcessOptions options, const std::string& request,
                            Clock::time_point deadline, const std::stop_token& stop) {
         platform::Pipe input = platform::makePipe();

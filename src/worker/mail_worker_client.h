@@ -1,6 +1,6 @@
-// Talks to the mail worker, a Python script in a process of its own that parses what of a message is hard:
-// bodies, encoded parts, attachments. A message that makes it hang, crash or babble costs that message alone,
-// so every exchange has a time limit and a size limit, and what comes back is read as hostile input.
+// The client of the mail worker, a Python script in a process of its own that parses what of a message is
+// hard: bodies, encoded parts, attachments. A message that makes it hang, crash or babble costs that message
+// alone, so every exchange has a time limit and a size limit, and what comes back is read as hostile input.
 //
 // Requests and answers are JSON objects. A one-shot run starts a process for one request; a Session keeps one
 // process for many. All calls block: background work only. No call changes the client; any number of
@@ -25,7 +25,8 @@ namespace corvane {
 
 class MailWorkerClient {
   public:
-    // "preview" and "attachment_data" name a file, "bodytext_batch" several, "attachments" is for sessions.
+    // "preview", "attachment_data" and "attachments" name a file, "bodytext_batch" several. "attachments" is
+    // only for sessions.
     struct Request {
         std::string command;
         std::optional<std::string> filePath{};
@@ -38,7 +39,7 @@ class MailWorkerClient {
     struct Attachment {
         std::string fileName;
         std::optional<std::string> contentType{};
-        std::optional<std::int64_t> estimatedSize{};
+        std::optional<std::int64_t> estimatedSize{}; // bytes
     };
 
     struct BatchItem {
@@ -65,7 +66,7 @@ class MailWorkerClient {
         std::int64_t sessionAnswerBytes = 64LL << 20;
     };
 
-    // By path of the file.
+    // Body texts by the path of the file.
     using BodyTexts = std::unordered_map<SharedText, std::string, TextHash, TextEqual>;
 
     class Session;
@@ -93,14 +94,17 @@ class MailWorkerClient {
     [[nodiscard]] Response runRequest(const Request& request, std::chrono::milliseconds timeLimit,
                                       const std::stop_token& stop = {}) const;
 
-    // The `preview` of the answer. Throws WorkerError.
+    // The `preview` of the answer, within the limit of a quick run. Throws WorkerError, also for an answer
+    // without one.
     [[nodiscard]] std::string runPreviewRequest(const Request& request,
                                                 const std::stop_token& stop = {}) const;
+
+    // The same for a message file, of which at most `maxBytes` are read.
     [[nodiscard]] std::string previewText(const FileURL& file, std::int64_t maxBytes,
                                           const std::stop_token& stop = {}) const;
 
-    // The body texts of message files, .eml or .emlx; files without an answer are left out. No files, no
-    // process. Throws WorkerError.
+    // The body texts of message files, .eml or .emlx; files without an answer are left out. Of each
+    // at most `maxBytes` are read. Without files no process is started. Throws WorkerError.
     [[nodiscard]] BodyTexts bodyTextBatch(const std::vector<FileURL>& files, std::int64_t maxBytes,
                                           const std::stop_token& stop = {}) const;
 

@@ -1,4 +1,4 @@
-// Why the mail worker gave no result.
+// Why the mail worker returned no result.
 #pragma once
 
 #include <stdexcept>
@@ -17,7 +17,7 @@ class WorkerError : public std::runtime_error {
 
     [[nodiscard]] const std::string& detail() const noexcept { return detail_; }
 
-    // The text for the user.
+    // The text for the user; the same as what().
     [[nodiscard]] std::string errorDescription() const;
 
     friend bool operator==(const WorkerError& a, const WorkerError& b) {

@@ -22,13 +22,16 @@ class MailWorkerClient::Session {
     Session& operator=(const Session&) = delete;
     ~Session();
 
-    // Throws WorkerError. A stop that is requested meanwhile closes the session.
+    // Throws WorkerError, at once when the session is closed. A stop requested meanwhile closes the session.
     Response runRequest(const Request& request, const std::stop_token& stop = {});
 
+    // The attachments of a message file, of which at most `maxBytes` are read; empty when an answer lists
+    // none. Throws as above.
     std::vector<Attachment> attachments(const FileURL& file, std::int64_t maxBytes,
                                         const std::stop_token& stop = {});
 
-    // Tells the worker to end, and sees to it. Later requests are refused.
+    // Asks the worker to end, and ends it if it doesn't in time. Later requests throw. A second call has no
+    // effect.
     void close();
 
   private:

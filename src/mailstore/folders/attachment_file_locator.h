@@ -17,7 +17,8 @@ class MailAttachmentFileLocator {
     // The "Attachments" folders of a store by their paths.
     class Index {
       public:
-        // The files of a message, sorted by name in the human order; those of the nearest place that has any.
+        // The files of a message, sorted by name in the human order; those of the nearest place that has any,
+        // empty without one.
         [[nodiscard]] std::vector<StoredAttachment> attachmentFiles(const FileURL& messageFile) const;
 
         // Folders of messages over all roots.
@@ -41,7 +42,7 @@ class MailAttachmentFileLocator {
     // seven above, and beside a folder "Messages".
     static std::vector<std::string> candidateAttachmentRoots(std::string_view messageFolder);
 
-    // The regular files among the first entries at any depth.
+    // The regular files among the first `maxVisitedItems` entries at any depth.
     static std::vector<StoredAttachment> regularFiles(const std::string& folder, std::size_t maxVisitedItems);
 };
 

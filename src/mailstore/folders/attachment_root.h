@@ -17,17 +17,18 @@ namespace corvane {
 
 struct StoredAttachment {
     FileURL url;
-    std::optional<std::int64_t> size; // bytes; nothing when it can't be told
+    std::optional<std::int64_t> size; // bytes; absent when it can't be read
 };
 
 // One "Attachments" folder: which messages have a folder in it, learnt from one listing instead of several
 // looks a message. A message's own folder is read when it is asked for, unless it was read ahead.
 class AttachmentRoot {
   public:
-    // Lists the folder.
+    // Lists the folder; one that can't be listed is empty.
     explicit AttachmentRoot(std::string path);
 
-    // Reads the folders of all messages, until it is told to stop. Before the root is shared between threads.
+    // Reads the folders of all messages, until a stop is requested. Before the root is shared between
+    // threads.
     void readAhead(const std::stop_token& stop);
 
     // The files of a message, sorted by name in the human order. Any thread.
@@ -39,7 +40,7 @@ class AttachmentRoot {
     // Folders of messages.
     [[nodiscard]] std::size_t folderCount() const { return folders_.size(); }
 
-    // Whether a message may have attachments here. Any thread.
+    // Whether some message's attachments were looked for here. Any thread.
     void markUsed() const { isUsed_.store(true, std::memory_order_relaxed); }
 
     [[nodiscard]] bool isUsed() const { return isUsed_.load(std::memory_order_relaxed); }
@@ -63,7 +64,7 @@ namespace mailstore {
 // Nearest first.
 using AttachmentRoots = std::vector<const AttachmentRoot*>;
 
-// The files of a message; those of the nearest place that has any.
+// The files of a message; those of the nearest place that has any, empty without one.
 std::vector<StoredAttachment> attachmentFiles(const AttachmentRoots& roots, std::string_view baseName);
 
 } // namespace mailstore

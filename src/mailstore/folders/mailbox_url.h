@@ -20,7 +20,7 @@ namespace corvane::mailstore {
 // The account's part of the mailbox urls: the account's key without "imap://".
 std::string withoutImapScheme(std::string_view accountURLPrefix);
 
-// The "Data" folder of a mailbox, looked up on the disk.
+// The "Data" folder of a mailbox, looked up on the disk; nullopt when it isn't there.
 std::optional<std::string> mailboxDataRoot(std::string_view mailboxURL, const std::string& rootPath);
 
 // The same when the newest version folder is known already.
@@ -41,18 +41,21 @@ std::string mailboxName(std::string_view mailboxURL);
 // as "Data" or a bucket digit; "Mail" when there is none.
 std::string mailboxName(const FileURL& messageFile, const std::string& rootPath);
 
-// The nearest ".mbox" folder that holds a file.
+// The nearest ".mbox" folder above a file; nullopt without one.
 std::optional<std::string> mailboxFolder(const FileURL& messageFile);
 
-// Whether that folder's Info.plist says that the mailbox was imported into Mail. Reads a file.
+// Whether that folder's Info.plist says that the mailbox was imported into Mail. Reads a file;
+// false when it can't be read.
 bool importedMailboxFlag(const FileURL& messageFile);
 
 // Account keys and names, by the account's part of a mailbox url or by the account's folder in a file's path.
 using AccountNames = std::map<std::string, std::string>;
 
+// The entry of the account that a mailbox url belongs to; nullopt without one.
 std::optional<std::pair<std::string, std::string>> accountOfMailbox(std::string_view mailboxURL,
                                                                     const AccountNames& accountNamesByPrefix);
 
+// The same for a message file.
 std::optional<std::pair<std::string, std::string>> accountInfo(const FileURL& messageFile,
                                                                const AccountNames& accountNamesByPrefix);
 

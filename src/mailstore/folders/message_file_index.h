@@ -20,8 +20,8 @@ class MessageFileIndex {
   public:
     static constexpr std::int64_t rowsOfBucket = 1000;
 
-    // The rows of one "Messages" folder. A scan asks for them in the order of time, which is none here: what
-    // it asks of each lies together.
+    // The rows of one "Messages" folder. A scan asks for rows by date and so jumps between folders: what it
+    // asks of one folder is kept close together in memory.
     struct Bucket {
         const StoreListing::MessageFolder* folder = nullptr;
         const mailstore::AttachmentRoots* attachmentRoots = nullptr; // null until asked for
@@ -46,23 +46,23 @@ class MessageFileIndex {
         BucketTable buckets;
     };
 
-    // Over a listing of its own, or a shared one.
+    // Over a listing of its own, made at need, or one that several threads share.
     explicit MessageFileIndex(const std::string& rootPath);
     explicit MessageFileIndex(std::shared_ptr<StoreListing> listing);
 
-    // The folder of a mailbox is looked up once. Stays where it is.
+    // The folder of a mailbox is looked up on the disk at the first call. The reference stays valid.
     Mailbox& mailbox(std::string_view url);
 
-    // The folder that the row's file lies in; null when there is no such file.
+    // The folder that the row's file lies in; null when there is no such file. Valid as long as the mailbox.
     Bucket* bucketOfExisting(Mailbox& mailbox, std::int64_t rowID);
 
-    // The files of a message's attachments.
+    // The files of a message's attachments, those of the nearest place that has any; empty without one.
     std::vector<StoredAttachment> storedAttachments(Bucket& bucket, std::int64_t rowID);
 
-    // Where a row's file lies; nothing when its mailbox has no folder.
+    // Where a row's file lies; nullopt when its mailbox has no folder. The file need not exist.
     [[nodiscard]] std::optional<std::string> filePath(std::string_view mailboxURL, std::int64_t rowID);
 
-    // The same, only when that file exists.
+    // The same, nullopt also when that file doesn't exist.
     [[nodiscard]] std::optional<std::string> existingFilePath(std::string_view mailboxURL,
                                                               std::int64_t rowID);
 

@@ -128,7 +128,7 @@ void StoreListing::addMessageFolder(const Walk& walk) {
     folder.attachmentRoots = std::move(roots);
 }
 
-// Null for one that holds nothing.
+// Null for a folder without folders of messages.
 const AttachmentRoot* StoreListing::attachmentRoot(const std::string& path) {
     const AttachmentRoot& root = attachmentRoots_.try_emplace(path, path).first->second;
     return root.folderCount() > 0 ? &root : nullptr;

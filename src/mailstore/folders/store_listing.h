@@ -26,10 +26,10 @@ class StoreListing {
   public:
     struct MessageFolder {
         std::string path;
-        // Row ids, ascending. Nothing for a folder that can't be listed: its files are then looked at one by
+        // Row ids, ascending. Absent for a folder that can't be listed: its files are then looked at one by
         // one.
         std::optional<std::vector<std::int64_t>> rowIDs;
-        // Those that hold anything. Nothing until they are asked for, unless the prefetch came by.
+        // Those that hold folders of messages. Absent until asked for, unless the prefetch has been here.
         std::optional<mailstore::AttachmentRoots> attachmentRoots;
 
         [[nodiscard]] std::string filePath(std::int64_t rowID) const;
@@ -40,14 +40,15 @@ class StoreListing {
 
     [[nodiscard]] const std::string& versionDirectory() const { return versionDirectory_; }
 
-    // Lists the "Messages" folders below the account folders that `isWanted` takes, and the attachments
-    // beside them, until it is told to stop. Only saves time: what it leaves out is listed at need. Others
-    // wait until it returns.
+    // Lists the "Messages" folders below the account folders that `isWanted` is true for, and the attachments
+    // beside them, until a stop is requested. Only saves time: what it leaves out is listed at need. Other
+    // callers wait until it returns.
     void prefetch(const std::stop_token& stop, const std::function<bool(std::string_view account)>& isWanted);
 
-    // Seconds that the prefetch took for attachments.
+    // Seconds that the prefetch spent on attachments.
     [[nodiscard]] double attachmentSeconds() const { return attachmentSeconds_; }
 
+    // By the path of the folder, which need not exist: it then has no rows.
     const MessageFolder& messageFolder(const std::string& path);
 
     // The roots of a folder that holds a message; they count as used from here on.

@@ -11,7 +11,7 @@ namespace corvane::mailstore {
 // Name of the newest version folder: the largest number behind "V"; "V10" when there is none.
 std::string latestMailVersionDirectoryName(const std::string& rootPath);
 
-// Path of the newest version folder.
+// Path of the newest version folder, which need not exist.
 std::string latestMailVersionDirectory(const std::string& rootPath);
 
 // Path of the database "Envelope Index" of the newest version folder, which need not exist.

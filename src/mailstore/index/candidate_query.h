@@ -16,7 +16,7 @@ struct CandidateFilter {
 
 namespace mailstore {
 
-// The SQL that gives the candidates, newest first; `hasMessageIDHeader` tells whether the store has the
+// The SQL that gives the candidates, newest first; `hasMessageIDHeader` says whether the store has the
 // column of that name. Throws MailIndexQueryError (queryFailed) for a year that no calendar has an end of.
 std::string candidateQuery(const CandidateFilter& filter, bool hasMessageIDHeader);
 

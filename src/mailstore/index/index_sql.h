@@ -8,7 +8,7 @@
 
 namespace corvane::mailstore {
 
-// With every "'" doubled; the quotes around it are the caller's.
+// The text with every "'" doubled; the quotes around it are the caller's.
 std::string quotedText(std::string_view value);
 
 // "AND (...)" over `mb.url`; empty for no prefixes, which is every account.

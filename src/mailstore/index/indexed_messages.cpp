@@ -57,7 +57,7 @@ std::vector<std::string> attachmentNames(std::string_view joined) {
 
 platform::TemporaryFile runCandidateQuery(const MailStoreContext& context, const std::string& rootPath,
                                           const CandidateFilter& filter, const std::stop_token& stop,
-                                          const OutputFollower& follow) {
+                                          const OutputReader& readAhead) {
     if (!canQueryEnvelopeIndex(context, rootPath)) throw MailIndexQueryError(ErrorKind::unavailable);
     const std::string index = envelopeIndexPath(rootPath);
     return requireOutput(
@@ -68,7 +68,7 @@ platform::TemporaryFile runCandidateQuery(const MailStoreContext& context, const
                            .outputPrefix = "corvane-envelope-",
                            .outputExtension = ".tsv",
                            .timeLimit = context.queryTimeLimit},
-                          stop, follow));
+                          stop, readAhead));
 }
 
 std::optional<IndexedMessageCandidate> candidateOf(JsonRow& row) {

@@ -38,27 +38,27 @@ struct IndexedMessageCandidate {
     std::string_view messageIDHeader; // empty when the store lacks the column
 };
 
-// A requested stop ended the work; whoever requested it catches this.
+// Thrown by work that a requested stop has ended, to whoever requested it.
 class ScanStopped : public std::exception {};
 
 namespace mailstore {
 
-// Runs the query and gives the file with its rows. The follower reads them while they come. Throws
-// MailIndexQueryError and ScanStopped.
+// Runs the query and returns the file with its rows. The reader reads them while they come. Throws
+// MailIndexQueryError, with `timedOut` after the context's limit, and ScanStopped.
 platform::TemporaryFile runCandidateQuery(const MailStoreContext& context, const std::string& rootPath,
                                           const CandidateFilter& filter, const std::stop_token& stop,
-                                          const OutputFollower& follow = {});
+                                          const OutputReader& readAhead = {});
 
-// Nothing for a row that can't be used.
+// Nullopt for a row without a ROWID. The texts are views into the row.
 std::optional<IndexedMessageCandidate> candidateOf(JsonRow& row);
 
-// Hands over the candidates in the order of the query. Throws as above, after candidates too when the output
-// is damaged.
+// Visits the candidates in the order of the query. Throws as above, behind the first candidates too when the
+// output is damaged.
 void visitIndexedCandidates(const MailStoreContext& context, const std::string& rootPath,
                             const CandidateFilter& filter, const std::stop_token& stop,
                             const std::function<void(const IndexedMessageCandidate&)>& visit);
 
-// What a record takes from the mailbox of its message.
+// The fields of a record that its mailbox decides.
 struct MailboxLabels {
     SharedText mailbox;
     std::optional<SharedText> accountIdentifier;

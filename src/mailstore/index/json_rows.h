@@ -19,10 +19,10 @@ class JsonRow {
   public:
     virtual ~JsonRow() = default;
 
-    // Nothing when the column is absent or of another type.
+    // Nullopt when the column is absent or of another type.
     virtual std::optional<std::string_view> text(std::string_view column) = 0;
 
-    // The integer part of a number. Nothing when the column is absent, of another type or out of range.
+    // The integer part of a number. Nullopt when the column is absent, of another type or out of range.
     virtual std::optional<std::int64_t> integer(std::string_view column) = 0;
 };
 
@@ -37,10 +37,11 @@ struct JsonRowPiece {
 // Cuts a file that may still be growing into pieces. One thread.
 class JsonRowFile {
   public:
+    // A file that can't be opened has no pieces, and `hasFailed`.
     explicit JsonRowFile(const std::string& path);
 
-    // The next piece. Nothing when there isn't enough for one yet or, of a file that is complete, when
-    // nothing is left.
+    // The next piece; nullopt when there isn't enough for one yet. Of a file that is complete every row
+    // comes; nullopt then means the end.
     std::optional<JsonRowPiece> next(bool isComplete);
 
     // The file can't be read.

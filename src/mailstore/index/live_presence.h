@@ -1,6 +1,6 @@
-// Whether messages are in Mail now: asked of the live index, where trash and junk don't count. "No answer"
-// (nothing) is not "not there" (an empty set), and callers must keep them apart. Background work without a
-// time limit; any thread.
+// Whether messages are in Mail now: asked of the live index, where trash and junk don't count. "No
+// answer" (nullopt) is not "not there" (an empty set), and callers must keep them apart. Background work
+// without a time limit; any thread.
 #pragma once
 
 #include <optional>
@@ -24,18 +24,20 @@ struct ContentPresenceTarget {
 
 namespace mailstore {
 
-// Those of the identifiers, in their normalized form, that a live message has.
+// Those of the identifiers, in their normalized form, that a live message has. Nullopt without an index, for
+// one without the identifiers, and after any failure.
 std::optional<SharedTextSet> liveMessageIdentifierPresence(const MailStoreContext& context,
                                                            const std::string& rootPath,
                                                            const SharedTextSet& targetMessageIdentifiers);
 
 // The keys of the targets that a live message matches: same sender and subject without regard to case, and
-// dates at most two days apart.
+// dates at most two days apart. Nullopt without an index and after any failure.
 std::optional<SharedTextSet> liveMessagePresenceByContent(const MailStoreContext& context,
                                                           const std::string& rootPath,
                                                           const std::vector<ContentPresenceTarget>& targets);
 
-// The Message-ID header of the newest live copy as it is stored, with its case and brackets.
+// The Message-ID header of the newest live copy as it is stored, with its case and brackets. Nullopt when
+// there is none, and after any failure.
 std::optional<std::string> liveMessageOriginalIDHeader(const MailStoreContext& context,
                                                        const std::string& rootPath,
                                                        std::string_view messageIdentifier);

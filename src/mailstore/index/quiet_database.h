@@ -3,7 +3,7 @@
 // A reader of a database in WAL mode makes "-shm" and "-wal" files when they aren't there, even when it opens
 // it read-only, and can't read at all in a folder that it may not write to. Without a "-wal" file everything
 // is in the database itself, and it can be read as immutable. A writer that comes during such a read isn't
-// noticed by SQLite: `wasDisturbed` tells, and the read is then to be repeated under the plain path, beside
+// noticed by SQLite: `wasDisturbed` is true then, and the read is to be repeated under the plain path, beside
 // the writer's own files.
 //
 // With a "-wal" file, without "-shm", and in a folder that can't be written to, SQLite has no way at all.
@@ -21,14 +21,17 @@ namespace corvane::mailstore {
 
 class QuietDatabase {
   public:
-    // `temporaryFolder` takes the copy where one is needed.
+    // Looks at the files and, where needed, makes the copy in `temporaryFolder`. Without one the name is the
+    // plain path, so that SQLite's error reaches the user.
     QuietDatabase(std::string path, const std::string& temporaryFolder);
 
     // The path, or a URI (https://sqlite.org/uri.html).
     [[nodiscard]] const std::string& name() const { return name_; }
 
+    // Whether the database is read as immutable.
     [[nodiscard]] bool isURI() const { return before_.has_value(); }
 
+    // Whether a writer may have changed it since the construction.
     [[nodiscard]] bool wasDisturbed() const;
 
   private:
@@ -39,7 +42,7 @@ class QuietDatabase {
         friend bool operator==(const State&, const State&) = default;
     };
 
-    // Nothing when there is a write-ahead log or the file can't be looked at.
+    // Nullopt when there is a write-ahead log or the file can't be looked at.
     [[nodiscard]] std::optional<State> settledState() const;
     [[nodiscard]] bool isInWalMode() const;
     [[nodiscard]] bool hasUnreachableLog() const;

@@ -24,8 +24,9 @@ class SqliteError : public std::runtime_error {
 };
 
 // How long a read waits for a lock. The first reader of a write-ahead log that nobody has open locks the
-// others out for a moment, and so does the last one as it leaves: without patience our own readers fail each
-// other. A writer that holds the index is to be told of soon.
+// others out for a moment, and so does the last one as it leaves: without a wait our own readers fail each
+// other. It is short, because a writer that holds the index for long is an error that the user should see
+// soon.
 inline constexpr std::chrono::milliseconds busyPatience{300};
 
 class ReadOnlyConnection {

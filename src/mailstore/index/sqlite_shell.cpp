@@ -35,28 +35,28 @@ std::vector<std::string> shellArguments(const ShellQuery& query, const std::stri
     return arguments;
 }
 
-// Nothing when the shell still runs at the deadline or at a stop. The follower looks in steps: to be woken by
-// each write of the shell, 4 KB, costs more than to read the rows.
-std::optional<int> waitAndFollow(platform::ChildProcess& shell, Clock::time_point deadline,
-                                 const std::stop_token& stop, const std::string& outputPath,
-                                 const OutputFollower& follow) {
+// The exit status; nullopt when the shell still runs at the deadline or at a stop. The reader looks in steps:
+// to be woken by each write of the shell, 4 KB, costs more than to read the rows.
+std::optional<int> waitAndRead(platform::ChildProcess& shell, Clock::time_point deadline,
+                               const std::stop_token& stop, const std::string& outputPath,
+                               const OutputReader& readAhead) {
     constexpr std::chrono::milliseconds step{10};
-    if (!follow) return shell.waitUntil(deadline, stop);
+    if (!readAhead) return shell.waitUntil(deadline, stop);
     bool hasMore = false;
     while (true) {
         const auto now = Clock::now();
         const auto status = shell.waitUntil(std::min(deadline, hasMore ? now : now + step), stop);
         if (status || stop.stop_requested() || Clock::now() >= deadline) return status;
-        hasMore = follow(outputPath);
+        hasMore = readAhead(outputPath);
     }
 }
 
 // Both streams go to files: a shell that writes much to either can't block.
 ShellResult superviseShell(platform::ChildProcess shell, const ShellQuery& query,
                            platform::TemporaryFile output, platform::TemporaryFile errorOutput,
-                           const std::stop_token& stop, const OutputFollower& follow) {
+                           const std::stop_token& stop, const OutputReader& readAhead) {
     const auto deadline = query.timeLimit ? Clock::now() + *query.timeLimit : Clock::time_point::max();
-    const auto status = waitAndFollow(shell, deadline, stop, output.path(), follow);
+    const auto status = waitAndRead(shell, deadline, stop, output.path(), readAhead);
     if (!status) {
         shell.terminateAndWait();
         return {.kind = stop.stop_requested() ? Kind::stopped : Kind::timedOut, .detail = {}, .output = {}};
@@ -75,7 +75,7 @@ ShellResult superviseShell(platform::ChildProcess shell, const ShellQuery& query
 
 ShellResult runShellOnce(const MailStoreContext& context, const ShellQuery& query,
                          const std::string& databaseName, const std::stop_token& stop,
-                         const OutputFollower& follow) {
+                         const OutputReader& readAhead) {
     std::optional<platform::TemporaryFile> output;
     std::optional<platform::TemporaryFile> errorOutput;
     try {
@@ -93,7 +93,7 @@ ShellResult runShellOnce(const MailStoreContext& context, const ShellQuery& quer
                                       .environment = {},
                                       .isUpkeep = context.isUpkeep});
         return superviseShell(std::move(shell), query, std::move(*output), std::move(*errorOutput), stop,
-                              follow);
+                              readAhead);
     } catch (const std::system_error& error) {
         return {.kind = Kind::launchFailed, .detail = error.what(), .output = {}};
     }
@@ -121,12 +121,12 @@ ShellResult runLimited(const MailStoreContext& context, const std::string& sql,
 } // namespace
 
 ShellResult runShell(const MailStoreContext& context, const ShellQuery& query, const std::stop_token& stop,
-                     const OutputFollower& follow) {
+                     const OutputReader& readAhead) {
     const QuietDatabase database(query.databasePath, context.platform.temporaryDirectory());
-    ShellResult result = runShellOnce(context, query, database.name(), stop, follow);
+    ShellResult result = runShellOnce(context, query, database.name(), stop, readAhead);
     const bool hasRead = result.kind == Kind::succeeded || result.kind == Kind::failed;
     if (!hasRead || !database.wasDisturbed()) return result;
-    return runShellOnce(context, query, query.databasePath, stop, follow);
+    return runShellOnce(context, query, query.databasePath, stop, readAhead);
 }
 
 std::optional<std::string> runRawQuery(const MailStoreContext& context, const std::string& sql,

@@ -2,7 +2,8 @@
 // its own, opened read-only, and leaves no file beside the database nor, at the end, in the temporary folder.
 // They block the calling thread and may be called from several threads at once: background work only.
 //
-// Whoever must tell the user why uses `runShell`; the other functions turn every failure into "no value".
+// `runShell` returns why a question failed, for errors that the user sees; the other functions return "no
+// value" for every failure: nullopt, false or an empty list.
 #pragma once
 
 #include <chrono>
@@ -26,10 +27,10 @@ struct ShellQuery {
     std::string databasePath;
     std::string sql;
     Format format = Format::list;
-    // Name of the temporary file that takes the answer, around a UUID.
+    // Beginning and end of the answer's temporary file name, around a UUID.
     std::string_view outputPrefix = "corvane-rows-";
     std::string_view outputExtension = ".txt";
-    std::optional<std::chrono::milliseconds> timeLimit;
+    std::optional<std::chrono::milliseconds> timeLimit; // absent for none
 };
 
 struct ShellResult {
@@ -48,17 +49,17 @@ struct ShellResult {
     std::optional<platform::TemporaryFile> output; // of a success
 };
 
-// Called again and again while the shell runs, with the path of the file that takes its answer, to read ahead
-// in what is there already; true asks for the next call at once. Nothing of it counts before the success of
-// the whole. With another path the shell was started anew, and what came before never counts.
-using OutputFollower = std::function<bool(const std::string& path)>;
+// Called repeatedly while the shell runs, with the path of the file that its answer goes to, to read ahead in
+// what is there already; true asks for the next call at once. What was read counts only once the whole has
+// succeeded. A call with another path means that the shell was started anew, and what came before is void.
+using OutputReader = std::function<bool(const std::string& path)>;
 
-// A shell that runs past the time limit, or past a requested stop, is ended. The follower is called on this
-// thread.
+// Never throws for a failure: the result says which one. A shell that runs past the time limit, or past a
+// requested stop, is ended. The reader is called on this thread.
 ShellResult runShell(const MailStoreContext& context, const ShellQuery& query,
-                     const std::stop_token& stop = {}, const OutputFollower& follow = {});
+                     const std::stop_token& stop = {}, const OutputReader& readAhead = {});
 
-// Time-limited. The first column of the first line that isn't empty, trimmed.
+// Time-limited. The first column of the first line that isn't empty, trimmed; nullopt without one.
 std::optional<std::string> runRawQuery(const MailStoreContext& context, const std::string& sql,
                                        const std::string& databasePath);
 
@@ -67,7 +68,7 @@ std::optional<std::vector<std::string>> runRawMultilineQuery(const MailStoreCont
                                                              const std::string& sql,
                                                              const std::string& databasePath);
 
-// Time-limited. The integers of a one-column answer, ascending, each once; none after a failure.
+// Time-limited. The integers of a one-column answer, ascending, each once; empty after a failure.
 std::vector<std::int64_t> runIntSetQuery(const MailStoreContext& context, const std::string& sql,
                                          const std::string& databasePath);
 
@@ -76,12 +77,13 @@ std::optional<std::string> runUnlimitedQuery(const MailStoreContext& context, co
                                              const std::string& databasePath,
                                              const std::stop_token& stop = {});
 
-// Without a time limit. Visits the rows in order; false for a failure, and what was visited then doesn't
-// count.
+// Without a time limit. Visits the rows in order; false for a failure, which is logged, and the
+// rows visited before it are then void.
 bool runJSONRows(const MailStoreContext& context, const std::string& sql, const std::string& databasePath,
                  const JsonRowVisitor& visit);
 
-// Whether the index has the column with the Message-ID header, which some stores lack.
+// Without a time limit. Whether the index has the column with the Message-ID header, which some stores lack;
+// false after a failure.
 bool messageIdHeaderColumnExists(const MailStoreContext& context, const std::string& envelopeIndexPath,
                                  const std::stop_token& stop = {});
 

@@ -50,7 +50,7 @@ std::vector<MailAttachmentRecord> fromStoredFiles(const FileURL& messageFile,
     return attachments;
 }
 
-// Nothing when the worker couldn't answer.
+// Nullopt when the worker couldn't answer.
 std::optional<std::vector<MailAttachmentRecord>> fromWorker(const FileURL& messageFile,
                                                             MailWorkerClient::Session& worker,
                                                             ScanTimingMetrics& timing,

@@ -1,6 +1,6 @@
-// The attachments of one message out of what may tell of them, cheapest first: names in the index, files that
-// Mail stores beside the message, the worker's parse, and a search in the message's own text. Nothing here
-// fails.
+// The attachments of one message out of four sources, cheapest first: names in the index, files that
+// Mail stores beside the message, the worker's parse, and a search in the message's own text. A source that
+// fails is passed over.
 #pragma once
 
 #include <optional>
@@ -16,7 +16,7 @@
 
 namespace corvane::mailstore {
 
-// Each source is absent where it isn't there to be asked.
+// A source is null when there is none.
 struct AttachmentSources {
     const std::vector<SharedText>* indexedNames = nullptr;
     const MailAttachmentFileLocator::Index* index =
@@ -24,8 +24,8 @@ struct AttachmentSources {
     MailWorkerClient::Session* worker = nullptr;
 };
 
-// Blocks on the disk and on the worker. The first source that has any decides; the worker also where it finds
-// none.
+// Blocks on the disk and on the worker. The first source that has any decides; an answer of the worker
+// decides even when it holds none. A stop ends the wait for the worker, which then counts as failed.
 std::vector<MailAttachmentRecord> resolvedAttachments(const FileURL& messageFile, std::string_view mimeText,
                                                       const AttachmentSources& sources,
                                                       ScanTimingMetrics& timing,
@@ -37,11 +37,11 @@ std::vector<MailAttachmentRecord> extractAttachments(std::string_view mimeText);
 // Whether a message's text has any mark of an attachment. Pure.
 bool mayContainEmbeddedAttachment(std::string_view mimeText);
 
-// A record by a name alone; nothing for an empty name and for pictures. `contentType` is empty when unknown.
+// A record by a name alone; nullopt for an empty name and for pictures. `contentType` is empty when unknown.
 std::optional<MailAttachmentRecord> attachmentFromName(std::string_view writtenName,
                                                        std::string_view contentType);
 
-// A record of a stored file; nothing for an empty name and for small pictures.
+// A record of a stored file; nullopt for an empty name and for small pictures.
 std::optional<MailAttachmentRecord> attachmentFromFile(const StoredAttachment& file);
 
 } // namespace corvane::mailstore

@@ -1,4 +1,4 @@
-// The records of a scan on their way to who asked for it. One thread.
+// Paces the records of a scan into batches for its handler. One thread.
 #pragma once
 
 #include <chrono>
@@ -14,17 +14,18 @@
 
 namespace corvane::mailstore {
 
-// Collects records and hands them over by the three rules: enough records, enough messages visited, or enough
-// time since the last batch.
+// A batch leaves at 40 records, at every hundredth message visited, and when none has left for a second.
 class BatchStream {
   public:
+    // Both must outlive the stream.
     BatchStream(const BatchHandler& handle, const ScanTimingMetrics& timing)
       : handle_(handle)
       , timing_(timing) {}
 
-    // So many more will be visited.
+    // Adds to the number of messages that the scan will visit.
     void expect(std::size_t count) { expected_ += count; }
 
+    // One message visited; without a record it only counts.
     void addVisited(std::optional<MailMessageRecord>&& record) {
         ++visited_;
         if (record) pending_.push_back(std::move(*record));
@@ -33,6 +34,7 @@ class BatchStream {
             flush();
     }
 
+    // Hands over what was collected, which may be no record.
     void flush() {
         RecordBatch batch{.scannedCount = visited_,
                           .visitedCount = visited_,

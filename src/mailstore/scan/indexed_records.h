@@ -13,17 +13,18 @@
 
 namespace corvane::mailstore {
 
-// A message that can't be parsed has no record.
+// One entry a message; absent for one that can't be parsed.
 using ScannedRecords = std::vector<std::optional<MailMessageRecord>>;
 
 struct IndexedRecords {
-    std::vector<ScannedRecords> pieces; // in the order of the query, cut anyhow
-    // Not needed any more, but to remove a large file takes a while that the records needn't wait for.
+    std::vector<ScannedRecords> pieces; // in the order of the query, of arbitrary sizes
+    // The rows, no longer needed. Removed by whoever gets the records, since removing a large file takes
+    // time.
     platform::TemporaryFile output;
 };
 
-// Nothing when the index isn't there to be used. Throws MailIndexQueryError, and ScanStopped after a
-// requested stop. Fills in what the timing tells of the index and the attachments.
+// Returns nullopt when there is no index or no shell to query it. Throws MailIndexQueryError, and ScanStopped
+// after a requested stop. Writes the figures about the index and the attachments into `timing`.
 std::optional<IndexedRecords> readIndexedRecords(const ScanRequest& request, ScanTimingMetrics& timing,
                                                  const std::stop_token& stop);
 

@@ -32,7 +32,8 @@ struct ScanTimingMetrics {
     std::int64_t externalAttachmentHits = 0;
     std::int64_t pythonAttachmentRequests = 0;
 
-    // The line, its items joined by "｜".
+    // The line, its items joined by "｜". The arguments are numbers of messages; without `uiSeconds` the line
+    // lacks its last item.
     [[nodiscard]] std::string summary(std::int64_t scanned, std::int64_t visited, std::int64_t matched,
                                       std::optional<double> uiSeconds = {}) const;
 };

@@ -26,8 +26,8 @@ class WalkScan {
     // The request and the metrics must outlive the scan.
     WalkScan(const ScanRequest& request, ScanTimingMetrics& timing);
 
-    // Until the files or a requested stop end it; the first batch is empty. Throws mime::MessageFileError
-    // when there is no root.
+    // Reads the files until the last one or a requested stop; the first batch is empty. Throws
+    // mime::MessageFileError when there is no root.
     void run(BatchStream& batches, const std::stop_token& stop);
 
   private:

@@ -1,4 +1,4 @@
-// The short text of a message for lists, from the mail worker where it gives a good one.
+// The short text of a message for lists, from the mail worker where it returns a good one.
 #pragma once
 
 #include <string>

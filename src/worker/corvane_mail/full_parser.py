@@ -26,7 +26,7 @@ def part_of(message, depth):
         value = re.sub(r"\r*\n[ \t]+", " ", value).strip().encode("utf-8", "surrogateescape")
         fields.setdefault(name, value[:MAX_FIELD])
     part = Part(b"", message.get_default_type())
-    part.take_fields(fields)
+    part.set_fields(fields)
     part.encoding = DECODED if part.encoding in ENCODED else b""
     body = message.get_payload() if message.is_multipart() else None
     if part.kind == "message/delivery-status" and isinstance(body, list):

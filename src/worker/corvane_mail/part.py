@@ -43,7 +43,7 @@ class Part:
         self.kind, self.disposition, self.encoding = default, b"", b""
         self.data, self.start, self.end = data, 0, 0
 
-    def take_fields(self, fields):
+    def set_fields(self, fields):
         self.fields = fields
         if b"content-type" in fields:
             main, self.parameters = parse_field(fields[b"content-type"])

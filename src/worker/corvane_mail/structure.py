@@ -76,7 +76,7 @@ class Scanner:
         if wrong and not re.compile(KNOWN_FIELD).search(self.data, wrong.start(), end):
             self.odd = True
             end, body = wrong.start(), wrong.start() + 1
-        part.take_fields(read_fields(self.data, start, end))
+        part.set_fields(read_fields(self.data, start, end))
         part.start, part.end = body, len(self.data)
         self.leaf = part
         if self.level >= MAX_DEPTH and part.kind.startswith(("multipart/", "message/")):

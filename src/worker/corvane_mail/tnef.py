@@ -27,10 +27,10 @@ class Tnef:
         start = data.find(SIGNATURE, 0, 4096)
         for kind, value in attributes(data, start + 6) if start >= 0 else ():
             CLOCK.check()
-            self._take(kind, value)
+            self._handle(kind, value)
         self._finish()
 
-    def _take(self, kind, value):
+    def _handle(self, kind, value):
         if kind == CODE_PAGE:
             self.page = b"cp%d" % int.from_bytes(value[:4], "little")
         elif kind == BODY:
