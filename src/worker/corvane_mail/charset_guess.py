@@ -4,6 +4,11 @@ Every candidate reads the same bytes, and what it makes of them is weighed chara
 the logarithm of how often such a character stands in running text of the languages of that set. The
 weights are rough: the frequent characters share the largest part, then come those of the set's first
 level, then its rare ones. Right readings are so much likelier than wrong ones that more isn't needed.
+
+Measured by tools/charset_weights.py over 119 made texts in 16 sets: without a label 96 % of the sentences are read
+rightly, 92 % of their first 12 characters and 82 % of their first 6; with the right label all are. Most misses are
+Mac Cyrillic taken for Windows-1251, and a few Greek or Hebrew letters, which without a label are thought unlikely.
+Measure again after any change of a weight.
 """
 
 import re
