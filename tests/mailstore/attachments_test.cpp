@@ -9,7 +9,6 @@
 
 #include "mailstore/folders/store_listing.h"
 #include "mailstore/scan/parse_indexed_message.h"
-#include "mime/attachment_names.h"
 #include "platform/paths.h"
 #include "support/temporary_home.h"
 
@@ -17,48 +16,6 @@ namespace corvane::mailstore {
 namespace {
 
 using ::testing::ElementsAre;
-
-TEST(AttachmentNames, AreCleanedByEveryRule) {
-    const std::vector<std::pair<std::string, std::string>> cases = {
-        {" \"report.pdf\"\r\n", "report.pdf"},
-        {"=?UTF-8?B?5oql5ZGK?=.pdf", "报告.pdf"},
-        {"UTF-8''%E6%96%87.pdf", "文.pdf"},
-        {"iso-8859-7''a%20b.pdf", "a b.pdf"},
-        {"windows-1252''x.doc", "x.doc"},
-        {"koi''a%20b.pdf", "koi''a b.pdf"},
-        {"it''s 100%.txt", "it''s 100%.txt"},
-        {"a%20b.pdf", "a%20b.pdf"},
-        {"<abc@host>report.pdf", "report.pdf"},
-        {"<abc@host>  ", ""},
-        {"<abc>report.pdf", "<abc>report.pdf"},
-        {"report .pdf", "report.pdf"},
-        {"a . . b.pdf", "a.b.pdf"},
-        {".hidden", "hidden"},
-        {"..", ".."},
-        {"a\u00A0b\u3000c\td.txt", "a b c d.txt"},
-        {"a\\b\\.txt", "ab.txt"},
-        {"", ""},
-    };
-    for (const auto& [name, expected] : cases) EXPECT_EQ(mime::cleanAttachmentName(name), expected) << name;
-}
-
-TEST(AttachmentNames, LabelsGoByExtensionThenContentType) {
-    EXPECT_EQ(mime::mimeTypeGuess("a.PDF", "text/plain"), "PDF 文档");
-    EXPECT_EQ(mime::mimeTypeGuess("a.svg", ""), "图片");
-    EXPECT_EQ(mime::mimeTypeGuess("a.7z", ""), "压缩/安装包");
-    EXPECT_EQ(mime::mimeTypeGuess("a.bmp", ""), "BMP");
-    EXPECT_EQ(mime::mimeTypeGuess("a.xyz", "Application/Octet-Stream"), "XYZ");
-    EXPECT_EQ(mime::mimeTypeGuess("a.é1", ""), "É1");
-    EXPECT_EQ(mime::mimeTypeGuess("a.xyz", "text/calendar"), "text/calendar");
-    EXPECT_EQ(mime::mimeTypeGuess("plain", ""), "附件");
-}
-
-TEST(AttachmentNames, CaretJointsSplitOnlyFileNames) {
-    EXPECT_THAT(mime::splitCaretJoinedName("a^_b.pdf"), ElementsAre("a^_b.pdf"));
-    EXPECT_THAT(mime::splitCaretJoinedName("a.txt^_b.pdf"), ElementsAre("a.txt", "b.pdf"));
-    EXPECT_THAT(mime::splitCaretJoinedName("a.txt^_"), ElementsAre("a.txt^_"));
-    EXPECT_THAT(mime::splitCaretJoinedName("a"), ElementsAre("a"));
-}
 
 // A store with one account "U"; each question is answered by a listing made at need and by one made ahead.
 class StoredAttachments : public ::testing::Test {

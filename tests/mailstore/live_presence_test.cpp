@@ -131,13 +131,11 @@ TEST(LivePresence, AnyNumberOfSendersIsAsked) {
 TEST(LivePresence, NoAnswerIsNotAnEmptyOne) {
     const SharedTextSet identifiers = {"a@x"};
     const std::vector<ContentPresenceTarget> targets = {{"1", "a@x", "s", dateAt(startOf2024)}};
-    {
-        LiveStore locked;
-        locked.close();
-        const testing::LockingWriter writer(locked.indexPath());
-        EXPECT_EQ(locked.identifiers(identifiers), std::nullopt);
-        EXPECT_EQ(locked.contents(targets), std::nullopt);
-    }
+    const auto expectNoAnswer = [&](const LiveStore& from, const char* why) {
+        EXPECT_EQ(from.identifiers(identifiers), std::nullopt) << why;
+        EXPECT_EQ(from.contents(targets), std::nullopt) << why;
+        EXPECT_EQ(from.header("a@x"), std::nullopt) << why;
+    };
     LiveStore withoutColumn(SampleMailStore::IdentifierColumn::missing);
     withoutColumn.close();
     EXPECT_EQ(withoutColumn.identifiers(identifiers), std::nullopt);
@@ -146,21 +144,21 @@ TEST(LivePresence, NoAnswerIsNotAnEmptyOne) {
     LiveStore store;
     store.add({.rowID = 1, .messageID = 1, .senderAddress = "a@x", .header = "<a@x>"});
     store.close();
+    {
+        const testing::LockingWriter writer(store.indexPath());
+        expectNoAnswer(store, "locked");
+    }
     for (const char* script : {"exit 1", "echo '{}'", "echo '[{\"messageId\": \"<a@x>\"'", "echo no json"}) {
         store.platform.setShellScript(script);
-        EXPECT_EQ(store.identifiers(identifiers), std::nullopt) << script;
-        EXPECT_EQ(store.contents(targets), std::nullopt) << script;
-        EXPECT_EQ(store.header("a@x"), std::nullopt) << script;
+        expectNoAnswer(store, script);
     }
     store.platform.setShellScript("exit 0");
     EXPECT_THAT(store.identifiers(identifiers).value(), IsEmpty());
     store.platform.shell = store.home.at("missing");
-    EXPECT_EQ(store.identifiers(identifiers), std::nullopt);
-    EXPECT_EQ(store.contents(targets), std::nullopt);
+    expectNoAnswer(store, "no shell");
     store.platform.shell = "/usr/bin/sqlite3";
     fs::remove(store.indexPath());
-    EXPECT_EQ(store.identifiers(identifiers), std::nullopt);
-    EXPECT_EQ(store.contents(targets), std::nullopt);
+    expectNoAnswer(store, "no index");
 }
 
 TEST(LivePresence, TheHeaderOfTheNewestLiveCopyIsGivenAsStored) {
@@ -200,24 +198,17 @@ TEST(RestoredMailDiagnostics, TellYearsMailboxesAndWhatIsOnTheDisk) {
     restoredMailDiagnosticLog(store.support, "of an earlier scan");
     const std::string log = written({first});
     EXPECT_THAT(log, Not(HasSubstr("earlier")));
-    EXPECT_THAT(
-        log,
-        HasSubstr("] start log=~/Library/Application Support/Corvane/restore-scan-diagnostic.log selected=" +
-                  first + "\n"));
-    for (const std::string& line :
-         {"year=2024 mailbox=\"" + first +
-              "/INBOX\" total=2 withAttachments=1 excludedTrashOrJunk=false "
-              "sampleEmlx=present:1 missing:1 checked:2\n",
-          "year=2023 mailbox=\"" + first +
-              "/INBOX\" total=1 withAttachments=0 excludedTrashOrJunk=false "
-              "sampleEmlx=present:1 missing:0 checked:1\n",
-          "year=2024 mailbox=\"" + first +
-              "/Deleted%20Messages\" total=1 withAttachments=0 excludedTrashOrJunk=true "
-              "sampleEmlx=present:0 missing:1 checked:1\n",
-          "account=" + first +
-              " total=4 withAttachments=1 excludedTrashOrJunk=1 sampleEmlxPresent=2 "
-              "sampleEmlxMissing=2\n"})
-        EXPECT_THAT(log, HasSubstr(line));
+    EXPECT_THAT(log, HasSubstr("/Corvane/restore-scan-diagnostic.log selected=" + first + "\n"));
+    for (const std::string line :
+         {"year=2024 mailbox=\"{}/INBOX\" total=2 withAttachments=1 excludedTrashOrJunk=false "
+          "sampleEmlx=present:1 missing:1 checked:2\n",
+          "year=2023 mailbox=\"{}/INBOX\" total=1 withAttachments=0 excludedTrashOrJunk=false "
+          "sampleEmlx=present:1 missing:0 checked:1\n",
+          "year=2024 mailbox=\"{}/Deleted%20Messages\" total=1 withAttachments=0 excludedTrashOrJunk=true "
+          "sampleEmlx=present:0 missing:1 checked:1\n",
+          "account={} total=4 withAttachments=1 excludedTrashOrJunk=1 sampleEmlxPresent=2 "
+          "sampleEmlxMissing=2\n"})
+        EXPECT_THAT(log, HasSubstr(fmt::format(fmt::runtime(line), first)));
     EXPECT_THAT(log, Not(HasSubstr(testing::secondAccount)));
     EXPECT_THAT(written({first, second}), HasSubstr("account=" + second + " total=1 "));
     EXPECT_THAT(store.changesSince(before), IsEmpty());

@@ -117,6 +117,42 @@ std::vector<std::string> SampleMailStore::leftovers() const {
     return leftoversIn(platform);
 }
 
+ScannedStore::ScannedStore(IdentifierColumn column)
+  : SampleMailStore(column) {
+    addMailbox(account + "/INBOX", inbox);
+}
+
+MailDataScanner ScannedStore::scanner() const {
+    return {{.context = context,
+             .rootPath = root,
+             .maximumYear = {},
+             .accountURLPrefixes = {},
+             .accountNamesByPrefix = {{account, "me@example.org"}}}};
+}
+
+std::vector<ScannedStore::Batch> ScannedStore::scan() {
+    close();
+    return scan(scanner());
+}
+
+std::vector<ScannedStore::Batch> ScannedStore::scan(const MailDataScanner& scanner) {
+    std::vector<Batch> batches;
+    scanner.scanBatches([&](Batch&& batch) { batches.push_back(std::move(batch)); });
+    return batches;
+}
+
+MessageList recordsOf(const std::vector<mailstore::RecordBatch>& batches) {
+    MessageList all;
+    for (const auto& batch : batches) all.insert(all.end(), batch.records.begin(), batch.records.end());
+    return all;
+}
+
+std::vector<std::string> subjectsOf(const std::vector<mailstore::RecordBatch>& batches) {
+    std::vector<std::string> all;
+    for (const auto& record : recordsOf(batches)) all.push_back(record.subject.str());
+    return all;
+}
+
 LockingWriter::LockingWriter(const std::string& databasePath)
   : shell_({.executable = "/usr/bin/sqlite3",
             .arguments = {databasePath},

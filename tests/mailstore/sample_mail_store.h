@@ -11,6 +11,7 @@
 #include <sqlite3.h>
 
 #include "mailstore/mail_store_context.h"
+#include "mailstore/scan/mail_data_scanner.h"
 #include "platform/child_process.h"
 #include "support/scripted_platform.h"
 #include "support/temporary_home.h"
@@ -88,6 +89,25 @@ class SampleMailStore {
     bool hasIdentifierColumn_;
     std::map<std::int64_t, std::string> dataFolders_;
 };
+
+// A store of one account with an inbox, mailbox 1, and scans of it.
+struct ScannedStore : SampleMailStore {
+    using Batch = mailstore::RecordBatch;
+
+    explicit ScannedStore(IdentifierColumn column = IdentifierColumn::present);
+
+    [[nodiscard]] MailDataScanner scanner() const;
+
+    // Of this store as it is then; finishes writing first.
+    [[nodiscard]] std::vector<Batch> scan();
+    [[nodiscard]] static std::vector<Batch> scan(const MailDataScanner& scanner);
+
+    static inline const std::string account = std::string("imap://") + firstAccount;
+    static inline const std::string inbox = std::string(firstAccount) + "/INBOX.mbox/X/Data/";
+};
+
+[[nodiscard]] MessageList recordsOf(const std::vector<mailstore::RecordBatch>& batches);
+[[nodiscard]] std::vector<std::string> subjectsOf(const std::vector<mailstore::RecordBatch>& batches);
 
 // Another process, as Mail is, that holds a database locked for writing.
 class LockingWriter {

@@ -20,59 +20,27 @@ namespace fs = std::filesystem;
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using testing::SampleMailStore;
 using testing::startOf2024;
+using testing::subjectsOf;
 using Batch = RecordBatch;
 using Kind = MailIndexQueryError::Kind;
 
-struct Inbox : SampleMailStore {
-    explicit Inbox(IdentifierColumn column = IdentifierColumn::present)
-      : SampleMailStore(column) {
-        addMailbox(std::string("imap://") + testing::firstAccount + "/INBOX",
-                   std::string(testing::firstAccount) + "/INBOX.mbox/X/Data");
-    }
+// Also sees to it that a failure comes before any batch and leaves nothing behind.
+struct Inbox : testing::ScannedStore {
+    using ScannedStore::ScannedStore;
 
-    [[nodiscard]] MailDataScanner scanner() const {
-        return {
-            {.context = context,
-             .rootPath = root,
-             .maximumYear = {},
-             .accountURLPrefixes = {},
-             .accountNamesByPrefix = {{std::string("imap://") + testing::firstAccount, "me@example.org"}}}};
-    }
-
-    [[nodiscard]] std::vector<Batch> scan() {
-        close();
-        return scan(scanner());
-    }
-
-    [[nodiscard]] static std::vector<Batch> scan(const MailDataScanner& scanner) {
-        std::vector<Batch> batches;
-        scanner.scanBatches([&](Batch&& batch) { batches.push_back(std::move(batch)); });
-        return batches;
-    }
-
-    // The kind of the error with which a scan ends before any batch.
-    [[nodiscard]] std::optional<MailIndexQueryError> failure() {
-        std::vector<Batch> batches;
+    [[nodiscard]] std::optional<MailIndexQueryError> failure() const {
+        int batches = 0;
         try {
-            scanner().scanBatches([&](Batch&& batch) { batches.push_back(std::move(batch)); });
+            scanner().scanBatches([&](Batch&&) { ++batches; });
         } catch (const MailIndexQueryError& error) {
-            EXPECT_THAT(batches, IsEmpty());
+            EXPECT_EQ(batches, 0);
             EXPECT_THAT(leftovers(), IsEmpty());
             return error;
         }
         return std::nullopt;
     }
 };
-
-std::vector<std::string> subjects(const std::vector<Batch>& batches) {
-    std::vector<std::string> result;
-    for (const auto& batch : batches) {
-        for (const auto& record : batch.records) result.push_back(record.subject.str());
-    }
-    return result;
-}
 
 TEST(Scan, RecordsHoldWhatTheIndexTells) {
     Inbox store;
@@ -91,15 +59,14 @@ TEST(Scan, RecordsHoldWhatTheIndexTells) {
     EXPECT_THAT(batches[0].records, IsEmpty());
     ASSERT_EQ(batches[1].records.size(), 1U);
     const MailMessageRecord& record = batches[1].records[0];
-    EXPECT_EQ(record.id,
-              store.mailPath(std::string(testing::firstAccount) + "/INBOX.mbox/X/Data/1/Messages/1234.emlx"));
+    EXPECT_EQ(record.id, store.mailPath(Inbox::inbox + "1/Messages/1234.emlx"));
     EXPECT_EQ(record.fileURL.path(), record.id);
     EXPECT_EQ(record.subject, "你好 \"x\"\n");
     EXPECT_EQ(record.sender, "张三 <sender@example.org>");
     EXPECT_EQ(record.recipients, "a@x, b@x");
     EXPECT_EQ(record.date->time_since_epoch().count(), startOf2024);
     EXPECT_EQ(record.mailbox, "INBOX");
-    EXPECT_EQ(*record.accountIdentifier, std::string("imap://") + testing::firstAccount);
+    EXPECT_EQ(*record.accountIdentifier, Inbox::account);
     EXPECT_EQ(*record.accountName, "me@example.org");
     EXPECT_EQ(record.isImportedMailbox, std::nullopt);
     EXPECT_EQ(*record.messageIdentifier, "id@x");
@@ -123,7 +90,7 @@ TEST(Scan, OnlyDownloadedMessagesOfKnownMailboxesAreListedNewestFirst) {
     store.add({.rowID = 3, .mailbox = 2, .subject = "no folder"});
     store.add({.rowID = 4, .subject = "no date", .date = 0});
     const auto batches = store.scan();
-    EXPECT_THAT(subjects(batches), ElementsAre("new", "无主题", "old"));
+    EXPECT_THAT(subjectsOf(batches), ElementsAre("new", "无主题", "old"));
     EXPECT_EQ(batches.back().records[2].sender, "发件人未知");
     EXPECT_THAT(batches.back().timingLog, ::testing::HasSubstr("s/5 封｜"));
     EXPECT_THAT(store.leftovers(), IsEmpty());
@@ -146,18 +113,9 @@ TEST(Scan, BatchesComeByRecordsAndByVisits) {
         shape,
         (Shape{
             {0, 0}, {40, 40}, {80, 40}, {100, 20}, {140, 40}, {180, 40}, {200, 20}, {240, 40}, {250, 10}}));
-    const auto all = subjects(batches);
+    const auto all = subjectsOf(batches);
     for (int i = 0; i < 250; ++i) EXPECT_EQ(all[static_cast<std::size_t>(i)], std::to_string(i));
-}
-
-TEST(Scan, NothingToListIsTheFirstAndTheLastBatch) {
-    Inbox empty;
-    EXPECT_EQ(empty.scan().size(), 2U);
-    fs::remove(empty.indexPath());
-    EXPECT_EQ(empty.scan().size(), 2U);
-    Inbox noShell;
-    noShell.platform.shell = noShell.home.at("missing");
-    EXPECT_EQ(noShell.scan().size(), 2U);
+    EXPECT_EQ(Inbox().scan().size(), 2U) << "the first and the last, with nothing to list";
 }
 
 TEST(Scan, YearsEndAtMidnightUTCInAnyZone) {
@@ -168,14 +126,9 @@ TEST(Scan, YearsEndAtMidnightUTCInAnyZone) {
     store.close();
     MailDataScanner scanner = store.scanner();
     scanner.maximumYear = 2023;
-    EXPECT_THAT(subjects(Inbox::scan(scanner)), ElementsAre("last second"));
+    EXPECT_THAT(subjectsOf(Inbox::scan(scanner)), ElementsAre("last second"));
     scanner.maximumYear = 99'999;
-    try {
-        scanner.scanBatches([](Batch&&) {});
-        FAIL();
-    } catch (const MailIndexQueryError& error) {
-        EXPECT_EQ(error.errorDescription(), "读取 Mail 索引失败：年份筛选无效。");
-    }
+    EXPECT_THROW((void)Inbox::scan(scanner), MailIndexQueryError);
 }
 
 TEST(Scan, AccountsAreChosenByWhateverTheirPrefixHolds) {
@@ -188,12 +141,12 @@ TEST(Scan, AccountsAreChosenByWhateverTheirPrefixHolds) {
     MailDataScanner scanner = store.scanner();
     scanner.accountURLPrefixes = {std::string("imap://") + testing::secondAccount, "imap://it's"};
     const auto batches = Inbox::scan(scanner);
-    EXPECT_THAT(subjects(batches), ElementsAre("second"));
+    EXPECT_THAT(subjectsOf(batches), ElementsAre("second"));
     EXPECT_EQ(batches.back().records[0].accountIdentifier, std::nullopt);
 }
 
 TEST(Scan, AStoreWithoutTheIdentifierColumnIsListed) {
-    Inbox store(SampleMailStore::IdentifierColumn::missing);
+    Inbox store(Inbox::IdentifierColumn::missing);
     store.add({.rowID = 1, .messageID = 5, .header = "<a@x>"});
     const auto batches = store.scan();
     ASSERT_EQ(batches.back().records.size(), 1U);
@@ -208,9 +161,9 @@ TEST(Scan, HostileRowsCostOnlyThemselves) {
     store.add({.rowID = 3, .mailbox = 2, .subject = "outside"});
     store.execute("UPDATE subjects SET subject = CAST(x'61FF62' AS TEXT) WHERE subject = 'bytes'");
     store.execute("UPDATE messages SET size = 'big', date_received = 1e9 WHERE rowid = 1");
-    EXPECT_THAT(subjects(store.scan()), ElementsAre("a\uFFFD"
-                                                    "b",
-                                                    "good"));
+    EXPECT_THAT(subjectsOf(store.scan()), ElementsAre("a\uFFFD"
+                                                      "b",
+                                                      "good"));
 }
 
 TEST(Scan, FailuresOfTheIndexAreToldBeforeAnyBatch) {
@@ -267,7 +220,7 @@ esac)sh";
     EXPECT_EQ(store.failure(), MailIndexQueryError(Kind::unreadableOutput));
     store.platform.setShellScript(fmt::format(fmt::runtime(script), changed));
     const auto batches = Inbox::scan(store.scanner());
-    EXPECT_EQ(subjects(batches).size(), 800U);
+    EXPECT_EQ(subjectsOf(batches).size(), 800U);
     EXPECT_EQ(batches[1].foundCount, 800U);
     EXPECT_THAT(batches.back().timingLog, ::testing::HasSubstr("s/800 封｜"));
 }
@@ -312,13 +265,11 @@ TEST(Scan, AStopEndsTheShellAndTheBatches) {
 TEST(Scan, LeavesTheStoreAsItWas) {
     Inbox store;
     for (int i = 1; i <= 20; ++i) store.add({.rowID = i * 700, .attachments = {"a.pdf"}});
-    store.home.write("Library/Mail/V10/" + std::string(testing::firstAccount) +
-                         "/INBOX.mbox/X/Data/Attachments/700/2/a.pdf",
-                     "x");
+    store.home.write("Library/Mail/V10/" + Inbox::inbox + "Attachments/700/2/a.pdf", "x");
     store.execute("PRAGMA journal_mode=WAL");
     store.close();
     const auto before = store.tree();
-    EXPECT_EQ(subjects(store.scan()).size(), 20U);
+    EXPECT_EQ(subjectsOf(store.scan()).size(), 20U);
     EXPECT_THAT(store.changesSince(before), IsEmpty());
 }
 

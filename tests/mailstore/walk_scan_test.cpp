@@ -21,7 +21,9 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using testing::recordsOf;
 using testing::startOf2024;
+using testing::subjectsOf;
 using Batch = RecordBatch;
 
 constexpr const char* attachedFields = "Content-Type: multipart/mixed; boundary=b";
@@ -38,15 +40,17 @@ std::string attachedMail(std::string_view subject) {
 }
 
 // A store whose folders are there and whose index isn't.
-struct FolderStore {
-    testing::TemporaryHome home;
-    testing::ScriptedPlatform platform{home};
-    CorvaneAppSupport support{platform};
-    std::string inbox = fmt::format("Library/Mail/V10/{}/INBOX.mbox/X/Data/", testing::firstAccount);
+struct FolderStore : testing::ScannedStore {
+    FolderStore() {
+        close();
+        fs::remove(indexPath());
+    }
 
-    FolderStore() { home.makeFolder("Library/Mail/V10/MailData"); }
+    [[nodiscard]] std::string at(const std::string& below) const { return mailPath(inbox + below); }
 
-    void add(const std::string& below, std::string_view content) const { home.write(inbox + below, content); }
+    void add(const std::string& below, std::string_view content) const {
+        home.write("Library/Mail/V10/" + inbox + below, content);
+    }
 
     // Lines of Python that answer each request.
     void useWorker(const std::string& handle) {
@@ -60,39 +64,12 @@ struct FolderStore {
                        handle);
     }
 
-    [[nodiscard]] std::string asked() const { return testing::readWhole(home.at("asked")); }
+    [[nodiscard]] std::vector<Batch> batches() const { return scan(scanner()); }
 
-    [[nodiscard]] MailDataScanner scanner() const {
-        return {
-            {.context = MailStoreContext{.platform = platform, .support = support},
-             .rootPath = home.at("Library/Mail"),
-             .maximumYear = {},
-             .accountURLPrefixes = {},
-             .accountNamesByPrefix = {{std::string("imap://") + testing::firstAccount, "me@example.org"}}}};
-    }
-
-    [[nodiscard]] std::vector<Batch> batches() const { return batches(scanner()); }
-
-    static std::vector<Batch> batches(const MailDataScanner& scanner) {
-        std::vector<Batch> all;
-        scanner.scanBatches([&](Batch&& batch) { all.push_back(std::move(batch)); });
-        return all;
-    }
-
-    static MessageList records(const std::vector<Batch>& batches) {
-        MessageList all;
-        for (const Batch& batch : batches) all.insert(all.end(), batch.records.begin(), batch.records.end());
-        return all;
-    }
-
-    [[nodiscard]] std::vector<std::string> subjects() const {
-        std::vector<std::string> all;
-        for (const auto& record : records(batches())) all.push_back(record.subject.str());
-        return all;
-    }
+    [[nodiscard]] std::vector<std::string> subjects() const { return testing::subjectsOf(batches()); }
 };
 
-std::vector<std::string> told(const std::vector<MailAttachmentRecord>& attachments) {
+std::vector<std::string> described(const std::vector<MailAttachmentRecord>& attachments) {
     std::vector<std::string> all;
     all.reserve(attachments.size());
     for (const auto& each : attachments)
@@ -118,7 +95,7 @@ TEST(WalkScan, RecordsHoldWhatTheirFilesTell) {
     EXPECT_EQ(batches.size(), 2U);
     EXPECT_EQ(batches.back().visitedCount, 3);
     EXPECT_THAT(batches.back().timingLog, HasSubstr("｜已访问 3｜已纳入 3｜含附件 2｜"));
-    const auto records = FolderStore::records(batches);
+    const auto records = recordsOf(batches);
     ASSERT_EQ(records.size(), 2U);
     const MailMessageRecord& full = records[0];
     EXPECT_EQ(full.subject, "你好");
@@ -128,13 +105,13 @@ TEST(WalkScan, RecordsHoldWhatTheirFilesTell) {
     EXPECT_EQ(full.messageIdentifier, SharedText("one@host"));
     EXPECT_THAT(full.referencedMessageIdentifiers.value(), ElementsAre("two@host"));
     EXPECT_EQ(full.mailbox, "1");
-    EXPECT_EQ(full.accountIdentifier, SharedText(std::string("imap://") + testing::firstAccount));
+    EXPECT_EQ(full.accountIdentifier, SharedText(FolderStore::account));
     EXPECT_EQ(full.accountName, SharedText("me@example.org"));
     EXPECT_EQ(full.isImportedMailbox, true);
     EXPECT_EQ(full.id, full.fileURL.path());
     EXPECT_EQ(full.messageSize, static_cast<std::int64_t>(fs::file_size(full.id.str())));
     EXPECT_EQ(full.preview, "正在加载正文预览...");
-    EXPECT_THAT(told(full.attachments), ElementsAre("a.pdf -1 PDF 文档"));
+    EXPECT_THAT(described(full.attachments), ElementsAre("a.pdf -1 PDF 文档"));
     EXPECT_EQ(records[1].subject, "无主题");
     EXPECT_EQ(records[1].sender, "发件人未知");
     EXPECT_EQ(records[1].date, std::nullopt);
@@ -149,37 +126,30 @@ TEST(WalkScan, GoesOnlyWhereMessagesAre) {
     store.add("Messages/.5.emlx", attachedMail("no"));
     store.home.write("elsewhere/6.emlx", attachedMail("no"));
     store.home.write("Library/Mail/V9/7.emlx", attachedMail("older store"));
-    fs::create_directory_symlink(store.home.at("elsewhere"), store.home.at(store.inbox + "link"));
-    fs::create_directory_symlink(store.home.at("Library"), store.home.at(store.inbox + "loop"));
-    fs::create_directory(store.home.at(store.inbox + "8.emlx"));
+    fs::create_directory_symlink(store.home.at("elsewhere"), store.at("link"));
+    fs::create_directory_symlink(store.home.at("Library"), store.at("loop"));
+    fs::create_directory(store.at("8.emlx"));
     store.add("8.emlx/9.emlx", attachedMail("inside"));
     store.add("Messages/closed.emlx", attachedMail("no"));
-    fs::permissions(store.home.at(store.inbox + "Messages/closed.emlx"), fs::perms::none);
-    ASSERT_EQ(::mkfifo(store.home.at(store.inbox + "Messages/fifo.emlx").c_str(), 0600), 0);
+    fs::permissions(store.at("Messages/closed.emlx"), fs::perms::none);
+    ASSERT_EQ(::mkfifo(store.at("Messages/fifo.emlx").c_str(), 0600), 0);
     auto expected = std::vector<std::string>{"inside", "first", "older store"};
     if (::geteuid() == 0) expected = {"inside", "first", "no", "older store"};
     EXPECT_EQ(store.subjects(), expected);
 }
 
 TEST(WalkScan, ComesWithoutAnIndexOrAShell) {
-    testing::SampleMailStore store;
-    store.addMailbox(std::string("imap://") + testing::firstAccount + "/INBOX",
-                     std::string(testing::firstAccount) + "/INBOX.mbox/Data");
+    testing::ScannedStore store;
     store.add({.rowID = 1, .subject = "by the index"});
-    store.close();
     store.home.write("Library/Mail/V10/Other/Messages/2.emlx", attachedMail("by its file"));
-    const MailDataScanner scanner{{store.context, store.root, {}, {}, {}}};
-    const auto subjectOf = [&] {
-        return FolderStore::records(FolderStore::batches(scanner)).at(0).subject.str();
-    };
-    EXPECT_EQ(subjectOf(), "by the index");
+    EXPECT_THAT(subjectsOf(store.scan()), ElementsAre("by the index"));
     store.platform.shell = store.home.at("missing");
-    EXPECT_EQ(subjectOf(), "by its file");
+    EXPECT_THAT(subjectsOf(store.scan()), ElementsAre("by its file"));
     store.platform.shell = "/usr/bin/sqlite3";
     fs::remove(store.indexPath());
-    EXPECT_EQ(subjectOf(), "by its file");
+    EXPECT_THAT(subjectsOf(store.scan()), ElementsAre("by its file"));
     fs::remove_all(store.root);
-    EXPECT_THROW(FolderStore::batches(scanner), mime::MessageFileError);
+    EXPECT_THROW((void)store.scan(), mime::MessageFileError);
 }
 
 TEST(WalkScan, YearsAreThoseOfTheZone) {
@@ -194,12 +164,9 @@ TEST(WalkScan, YearsAreThoseOfTheZone) {
     dated("3.emlx", "no date");
     MailDataScanner scanner = store.scanner();
     scanner.maximumYear = 2023;
-    const auto batches = FolderStore::batches(scanner);
+    const auto batches = FolderStore::scan(scanner);
     EXPECT_THAT(batches.back().timingLog, HasSubstr("年份跳过 1"));
-    const auto records = FolderStore::records(batches);
-    ASSERT_EQ(records.size(), 2U);
-    EXPECT_EQ(records[0].subject, "Sun, 31 Dec 2023 15:59:59 +0000");
-    EXPECT_EQ(records[1].subject, "no date");
+    EXPECT_THAT(subjectsOf(batches), ElementsAre("Sun, 31 Dec 2023 15:59:59 +0000", "no date"));
 }
 
 TEST(WalkScan, ProgressComesWithoutRecordsToo) {
@@ -250,11 +217,12 @@ TEST(WalkScan, AsksTheWorkerOnlyForWhatNothingElseTells) {
     store.add("Attachments/2/5/A.TXT", "x");
     store.add("Messages/3.emlx", emlx("Subject: no mark"));
     const auto batches = store.batches();
-    const auto records = FolderStore::records(batches);
+    const auto records = recordsOf(batches);
     ASSERT_EQ(records.size(), 2U);
-    EXPECT_THAT(told(records[0].attachments), ElementsAre("报告.xyz 7 text/rare", "b.zip -1 压缩/安装包"));
-    EXPECT_THAT(told(records[1].attachments), ElementsAre("a.txt 3 TXT", "large.JPG 500000 图片"));
-    EXPECT_EQ(store.asked(), "attachments shutdown ");
+    EXPECT_THAT(described(records[0].attachments),
+                ElementsAre("报告.xyz 7 text/rare", "b.zip -1 压缩/安装包"));
+    EXPECT_THAT(described(records[1].attachments), ElementsAre("a.txt 3 TXT", "large.JPG 500000 图片"));
+    EXPECT_EQ(testing::readWhole(store.home.at("asked")), "attachments shutdown ");
     EXPECT_THAT(batches.back().timingLog, HasSubstr("Python 1 次"));
     EXPECT_THAT(batches.back().timingLog, HasSubstr("4 命中"));
     EXPECT_THAT(batches.back().timingLog, HasSubstr("无附件快跳 1"));
@@ -280,20 +248,12 @@ TEST(WalkScan, ReadsTheStoreOfTheRealWorkerAndLeavesItAsItWas) {
     store.add("Messages/1.emlx", attachedMail("x"));
     store.add("Messages/2.emlx",
               emlx("Subject: y\nContent-Type: application/pdf; name=\"=?gbk?B?sai45g==?=.pdf\"", "QUJD"));
-    const fs::path root = store.home.at("Library/Mail");
-    const auto state = [&] {
-        std::map<std::string, std::string> all;
-        for (const auto& entry : fs::recursive_directory_iterator(root))
-            all[entry.path()] = fmt::format("{} {}", entry.last_write_time().time_since_epoch().count(),
-                                            entry.is_regular_file() ? testing::readWhole(entry.path()) : "");
-        return all;
-    };
-    const auto before = state();
-    const auto records = FolderStore::records(store.batches());
+    const auto before = store.tree();
+    const auto records = recordsOf(store.batches());
     ASSERT_EQ(records.size(), 2U);
     EXPECT_EQ(records[0].attachments[0].fileName, "a.pdf");
     EXPECT_EQ(records[1].attachments[0].fileName, "报告.pdf");
-    EXPECT_EQ(state(), before);
+    EXPECT_THAT(store.changesSince(before), IsEmpty());
 }
 
 TEST(Attachments, AreFoundInAText) {
@@ -326,18 +286,18 @@ TEST(Attachments, TheFirstSourceThatHasAnyDecides) {
     const FolderStore store;
     store.add("Messages/9.emlx", "x");
     store.add("Attachments/9/1/deep/er/stored.txt", "x");
-    const FileURL file(store.home.at(store.inbox + "Messages/9.emlx"));
+    const FileURL file(store.at("Messages/9.emlx"));
     const std::vector<SharedText> named = {"a.pdf", "logo.png", "a.pdf"};
     const std::vector<SharedText> pictures = {"logo.png"};
     ScanTimingMetrics timing;
-    EXPECT_THAT(told(resolvedAttachments(file, attachedBody, {.indexedNames = &named}, timing)),
+    EXPECT_THAT(described(resolvedAttachments(file, attachedBody, {.indexedNames = &named}, timing)),
                 ElementsAre("a.pdf -1 PDF 文档", "a.pdf -1 PDF 文档"));
-    EXPECT_THAT(told(resolvedAttachments(file, attachedBody, {.indexedNames = &pictures}, timing)),
+    EXPECT_THAT(described(resolvedAttachments(file, attachedBody, {.indexedNames = &pictures}, timing)),
                 ElementsAre("stored.txt 1 TXT"));
     // An index knows one level of folders, a direct look all of them.
     const auto index = MailAttachmentFileLocator::makeIndex(store.home.at("Library/Mail"));
     EXPECT_EQ(index.folderCount(), 1U);
-    EXPECT_THAT(told(resolvedAttachments(file, attachedBody, {.index = &index}, timing)),
+    EXPECT_THAT(described(resolvedAttachments(file, attachedBody, {.index = &index}, timing)),
                 ElementsAre("a.pdf -1 PDF 文档"));
     for (int i = 0; i < 300; ++i) store.add(fmt::format("Attachments/9/1/{}.txt", i), "x");
     EXPECT_EQ(resolvedAttachments(file, "", {}, timing).size(), 199U);

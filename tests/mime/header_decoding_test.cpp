@@ -1,10 +1,11 @@
 #include "mime/header_decoding.h"
 
-#include <utility>
+#include <array>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "mime/attachment_names.h"
 #include "mime/emlx.h"
 #include "mime/mail_date.h"
 #include "mime/message_identifiers.h"
@@ -139,6 +140,48 @@ TEST(MessageIdentifiers, AddressesAreShownWithWhatThereIs) {
     EXPECT_EQ(formattedAddress("张三", " "), "张三");
 }
 
+TEST(AttachmentNames, AreCleanedByEveryRule) {
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {" \"report.pdf\"\r\n", "report.pdf"},
+        {"=?UTF-8?B?5oql5ZGK?=.pdf", "报告.pdf"},
+        {"UTF-8''%E6%96%87.pdf", "文.pdf"},
+        {"iso-8859-7''a%20b.pdf", "a b.pdf"},
+        {"windows-1252''x.doc", "x.doc"},
+        {"koi''a%20b.pdf", "koi''a b.pdf"},
+        {"it''s 100%.txt", "it''s 100%.txt"},
+        {"a%20b.pdf", "a%20b.pdf"},
+        {"<abc@host>report.pdf", "report.pdf"},
+        {"<abc@host>  ", ""},
+        {"<abc>report.pdf", "<abc>report.pdf"},
+        {"report .pdf", "report.pdf"},
+        {"a . . b.pdf", "a.b.pdf"},
+        {".hidden", "hidden"},
+        {"..", ".."},
+        {"a\u00A0b\u3000c\td.txt", "a b c d.txt"},
+        {"a\\b\\.txt", "ab.txt"},
+        {"", ""},
+    };
+    for (const auto& [name, expected] : cases) EXPECT_EQ(cleanAttachmentName(name), expected) << name;
+}
+
+TEST(AttachmentNames, LabelsGoByExtensionThenContentType) {
+    EXPECT_EQ(mimeTypeGuess("a.PDF", "text/plain"), "PDF 文档");
+    EXPECT_EQ(mimeTypeGuess("a.svg", ""), "图片");
+    EXPECT_EQ(mimeTypeGuess("a.7z", ""), "压缩/安装包");
+    EXPECT_EQ(mimeTypeGuess("a.bmp", ""), "BMP");
+    EXPECT_EQ(mimeTypeGuess("a.xyz", "Application/Octet-Stream"), "XYZ");
+    EXPECT_EQ(mimeTypeGuess("a.é1", ""), "É1");
+    EXPECT_EQ(mimeTypeGuess("a.xyz", "text/calendar"), "text/calendar");
+    EXPECT_EQ(mimeTypeGuess("plain", ""), "附件");
+}
+
+TEST(AttachmentNames, CaretJointsSplitOnlyFileNames) {
+    EXPECT_THAT(splitCaretJoinedName("a^_b.pdf"), ElementsAre("a^_b.pdf"));
+    EXPECT_THAT(splitCaretJoinedName("a.txt^_b.pdf"), ElementsAre("a.txt", "b.pdf"));
+    EXPECT_THAT(splitCaretJoinedName("a.txt^_"), ElementsAre("a.txt^_"));
+    EXPECT_THAT(splitCaretJoinedName("a"), ElementsAre("a"));
+}
+
 TEST(MessageFiles, AreTextBehindTheLengthLine) {
     EXPECT_EQ(decodeEmlx("12\nSubject: 你\n\nx<plist/>"), "Subject: 你\n\nx<plist/>");
     EXPECT_EQ(decodeEmlx("12\ncaf\xE9"), "café");
@@ -146,20 +189,12 @@ TEST(MessageFiles, AreTextBehindTheLengthLine) {
     const testing::TemporaryHome home;
     EXPECT_EQ(readMessagePrefix(home.write("a.emlx", "0123456789"), 4), "0123");
     EXPECT_EQ(readMessagePrefix(home.write("b.emlx", ""), 4), "");
-    const std::string path = home.write("c.emlx", "a\u00E9\u4E2D\U0001F600\xFF\xFF");
-    const std::vector<std::string> prefixes = {"",
-                                               "a",
-                                               "a",
-                                               "a\u00E9",
-                                               "a\u00E9",
-                                               "a\u00E9",
-                                               "a\u00E9\u4E2D",
-                                               "a\u00E9\u4E2D",
-                                               "a\u00E9\u4E2D",
-                                               "a\u00E9\u4E2D",
-                                               "a\u00E9\u4E2D\U0001F600"};
-    for (std::size_t limit = 0; limit < prefixes.size(); ++limit)
-        EXPECT_EQ(readMessagePrefix(path, static_cast<std::int64_t>(limit)), prefixes[limit]) << limit;
+    // Characters of one to four bytes: by the limit, so many bytes are read.
+    const std::string content = "a\u00E9\u4E2D\U0001F600\xFF\xFF";
+    const std::string path = home.write("c.emlx", content);
+    constexpr std::array<std::size_t, 11> sizes = {0, 1, 1, 3, 3, 3, 6, 6, 6, 6, 10};
+    for (std::size_t limit = 0; limit < sizes.size(); ++limit)
+        EXPECT_EQ(readMessagePrefix(path, static_cast<std::int64_t>(limit)), content.substr(0, sizes[limit]));
     EXPECT_THROW(readMessagePrefix(home.at("missing.emlx"), 4), MessageFileError);
 }
 

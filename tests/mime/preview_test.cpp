@@ -239,32 +239,15 @@ TEST(PreviewLayout, QuickFormsMatchTheExpressionsTheyStandFor) {
 
 TEST(Preview, HostileTextsOfFullSizeComeToAnEnd) {
     const std::size_t bytes = previewByteLimit;
-    for (const char* piece : {"a",
-                              "<",
-                              "<style",
-                              "{",
-                              "a{",
-                              "}",
-                              "\n",
-                              "a\n",
-                              "--\n",
-                              "br,\n",
-                              "\u0301\n",
-                              "a{}",
-                              "<br ",
-                              "</p ",
-                              " ",
-                              "&amp;",
-                              "--b\nContent-Type: text/plain;\n\nx\n",
-                              ":",
-                              "width:\n",
-                              "\f\f",
-                              ";boundary=",
-                              "从我的"}) {
-        const std::string body = repeated(piece, bytes / std::string_view(piece).size());
+    // Separated by "|".
+    constexpr std::string_view pieces = "a|<|<style|{|a{|}|\n|a\n|--\n|br,\n|\u0301\n|a{}|<br |</p | "
+                                        "|&amp;|:|width:\n|\f\f|;boundary=|从我的|"
+                                        "--b\nContent-Type: text/plain;\n\nx\n";
+    for (const std::string_view piece : text::splitText(pieces, '|')) {
+        const std::string body = repeated(piece, bytes / piece.size());
         EXPECT_FALSE(preview("Content-Type: text/html", body).empty());
         EXPECT_FALSE(preview("Content-Type: multipart/mixed; boundary=b", body).empty());
-        EXPECT_FALSE(preview("Content-Type: multipart/mixed" + std::string(body), "x").empty());
+        EXPECT_FALSE(preview("Content-Type: multipart/mixed" + body, "x").empty());
     }
 }
 
