@@ -79,6 +79,9 @@ def name_forms(name, codec, label):
     yield "2231 in quotes", "Content-Disposition: attachment; filename*=\"%s''%s\"" % (label, hexed)
     yield "2231 with a language", "Content-Disposition: attachment; filename*=%s'zh'%s; size=5" % (label.upper(), hexed)
     yield "2231 in pieces", "Content-Disposition: attachment" + extended
+    yield "2231 in pieces in another order", "Content-Disposition: attachment; filename*1*=%s; filename*0*=%s''%s" % (
+        hexed[42:], label, hexed[:42])
+    yield "encoded word in pieces", "Content-Disposition: attachment; filename*0=\"%s\"; filename*1=\"%s\"" % (words[:20], words[20:])
     yield "2231 beside a plain one", "Content-Disposition: attachment; filename=\"a.bin\"; filename*=%s''%s" % (label, hexed)
     yield "2231 without its star", "Content-Disposition: attachment; filename=\"%s''%s\"" % (label, hexed)
     yield "name broken over words", "Content-Disposition: attachment; filename=\"=?%s?B?%s?=\n =?%s?B?%s?=\"" % (

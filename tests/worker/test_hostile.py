@@ -1,12 +1,11 @@
 """Hostile messages: bounded in time, no loss of neighbours, nothing escapes as an exception."""
 
 import base64
-import random
 import time
 import unittest
 from unittest import mock
 
-from mail_kit import attached, attachments, body, mail, multipart, part
+from mail_kit import attachments, body, multipart, part
 
 from corvane_mail.body import CAP_NOTICE
 from corvane_mail.limits import CLOCK, Failure
@@ -129,19 +128,6 @@ class Limits(unittest.TestCase):
         self.assertTrue(text.endswith(CAP_NOTICE))
         self.assertTrue(body(HOSTILE["many parts"]).endswith(CAP_NOTICE))
         self.assertNotIn(CAP_NOTICE, body(multipart("mixed", *[part("x")] * 500)))
-
-    def test_random_damage_never_raises(self):
-        rng = random.Random(7)
-        whole = mail(multipart("mixed", multipart("alternative", part("plain 正文", encoding="base64"), html("<div class=gmail_quote><table>x"),
-                                                  boundary="in"), part(mail(part("f", charset="gb2312")), "message/rfc822"),
-                               attached(b"Content-Disposition: attachment; filename*0*=utf-8''%E6; filename*1=\"=?gbk?B?1tA=?=\"")))
-        for _ in range(3000):
-            data = bytearray(whole)
-            for _ in range(rng.randint(1, 8)):
-                at = rng.randrange(len(data))
-                data[at:at + rng.randint(0, 4)] = rng.choice((b"\n", b"\r\n", b"--", b"\"", b";", b"=", b"\0", b"\xff", b"<", b"--b0undary--\n", b""))
-            body(bytes(data))
-            [each.data() for each in attachments(bytes(data))]
 
     def test_texts_can_always_be_sent(self):
         for message in (part("&#xD83D;&#55357;", "text/html"), part("+2D3-", charset="utf-7"),

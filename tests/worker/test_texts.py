@@ -1,52 +1,26 @@
-"""Charsets, transfer encodings and the structure of messages: is all text found and read rightly?"""
+"""Charsets, transfer encodings and the structure of messages: what the combinations of odd_mail.py leave out."""
 
 import base64
 import unittest
 
-from mail_kit import attached, body, encode, mail, multipart, part
+from mail_kit import body, encode, mail, multipart, part
 
 from corvane_mail.body import body_text
 from corvane_mail.mail_file import message_bytes
 
 SIMPLIFIED = "您好，附件是上周的会议纪要，请查收。镕喆也会参加，如有问题请联系我们。"
-TRADITIONAL = "您好，附件是上週的會議紀要，請查收。如有問題請與我們聯繫，謝謝！"
-JAPANESE = "お世話になっております。会議の資料を添付しましたのでご確認ください。"
 KOREAN = "안녕하세요. 회의 자료를 첨부하였으니 확인하여 주시기 바랍니다."
-RUSSIAN = "Добрый день, высылаю вам материалы к нашей встрече в понедельник."
 
 
 class Charsets(unittest.TestCase):
-    def check(self, text, codec, declared, encoding="8bit"):
-        content = part(text.encode(codec), charset=declared, encoding=encoding)
-        self.assertEqual(body(mail(content)), text, (codec, declared, encoding))
+    def check(self, text, codec, declared):
+        self.assertEqual(body(mail(part(text.encode(codec), charset=declared))), text, (codec, declared))
 
-    def test_declared_sets_are_read(self):
-        for text, codec, labels in (
-                (SIMPLIFIED, "gb18030", ("gb2312", "GBK", "gb18030", "GB_2312-80", "x-gbk", "cp936")),
-                (TRADITIONAL, "cp950", ("big5", "Big5-HKSCS", "x-x-big5", "cp950")),
-                (JAPANESE, "cp932", ("shift_jis", "x-sjis", "Windows-31J")), (JAPANESE, "euc_jp", ("euc-jp", "x-euc-jp")),
-                (JAPANESE, "iso2022_jp", ("iso-2022-jp", "ISO-2022-JP-MS", "csISO2022JP")),
-                (KOREAN, "cp949", ("euc-kr", "ks_c_5601-1987", "KS_C_5601", "uhc")), (KOREAN, "iso2022_kr", ("iso-2022-kr",)),
-                (SIMPLIFIED.replace("镕喆", ""), "hz", ("hz-gb-2312",)), (RUSSIAN, "koi8_r", ("koi8-r",)),
-                (RUSSIAN, "cp1251", ("windows-1251",)), ("Größe “ok” €", "cp1252", ("iso-8859-1", "windows-1252")),
-                (JAPANESE, "utf-7", ("utf-7", "unicode-1-1-utf-7")), (JAPANESE, "utf-16", ("utf-16", "unicode"))):
-            for label in labels:
-                for encoding in ("8bit", "base64") if codec != "utf-16" else ("base64",):
-                    self.check(text, codec, label, encoding)
-
-    def test_wrong_or_missing_declarations_are_seen_through(self):
-        for text, codec in ((SIMPLIFIED, "gb18030"), (TRADITIONAL, "cp950"), (JAPANESE, "cp932"), (JAPANESE, "euc_jp"),
-                            (KOREAN, "cp949"), (SIMPLIFIED, "utf-8"), (JAPANESE, "iso2022_jp")):
-            for label in ("", "us-ascii", "iso-8859-1", "unknown-8bit", "default", "x-nothing", "base64", "utf-8"):
-                self.check(text, codec, label)
+    def test_utf8_under_another_label_survives_damage(self):
         for label in ("gb2312", "big5", "euc-kr", "windows-1251", "iso-2022-jp"):
-            self.check(SIMPLIFIED, "utf-8", label)
             self.check("您好" if label == "gb2312" else SIMPLIFIED[3:], "utf-8", label)
             damaged = part(SIMPLIFIED.encode()[:-3] + b"\xe3\x80 ok", charset=label)
             self.assertIn(SIMPLIFIED[:-1], body(mail(damaged)), label)
-        self.check(TRADITIONAL, "cp950", "gb2312")
-        self.check(RUSSIAN, "koi8_r", "")
-        self.check(RUSSIAN, "cp1251", "")
 
     def test_western_text_is_not_taken_for_east_asian(self):
         for text in ("Schöne Grüße aus München, wir hören uns nächste Woche über die Fußnote",
@@ -124,32 +98,24 @@ class Structure(unittest.TestCase):
         inner = multipart("alternative", text, part("<p>第一段文字</p>", "text/html"), boundary="b0undary-2")
         no_end = multipart("mixed", text)[:-len("--b0undary--\n")]
         for name, message in (
-                ("mixed", multipart("mixed", text, other)), ("prefix boundary", multipart("mixed", inner, other)),
-                ("crlf", multipart("mixed", inner, other).replace(b"\n", b"\r\n")), ("no end", no_end + b"\n"),
-                ("cr only", multipart("mixed", inner).replace(b"\n", b"\r")), ("no final line end", no_end[:-1]),
+                ("prefix boundary", multipart("mixed", inner, other)), ("not ended", no_end + b"\n"),
                 ("inner not ended", multipart("mixed", inner.replace(b"--b0undary-2--\n", b""), other)),
                 ("same boundary", multipart("mixed", multipart("alternative", text), other)),
                 ("quoted", multipart("mixed", text, boundary="=_(a):b/c?'+,-. d")), ("unquoted odd", multipart(
                     "mixed", text, boundary="=_a:b(c)").replace(b'"=_a:b(c)"', b"=_a:b(c)")),
                 ("no parameter", multipart("mixed", text).replace(b'; boundary="b0undary"', b"")),
-                ("wrong parameter", multipart("mixed", text).replace(b'="b0undary"', b'="other"')),
-                ("case of names", multipart("mixed", text).replace(b"Content-Type: multipart/mixed; boundary",
-                                                                   b"CONTENT-TYPE : Multipart/MIXED; BOUNDARY")),
                 ("folded", multipart("mixed", text).replace(b"; boundary", b";\n\t boundary")),
-                ("blanks behind", multipart("mixed", text).replace(b"--b0undary\n", b"--b0undary \t\n")),
                 ("junk behind the end", multipart("mixed", text).replace(b"--b0undary--\n", b"--b0undary-->\nx")),
                 ("part after the end", multipart("mixed", text) + b"--b0undary\n" + other),
                 ("encoded multipart", b"Content-Type: multipart/mixed; boundary=b0undary\nContent-Transfer-Encoding: base64\n\n" +
-                 base64.encodebytes(multipart("mixed", text).partition(b"\n\n")[2])),
-                ("digest", multipart("digest", b"\n" + mail(text))), ("signed", multipart("signed", text, attached(b"", kind=(
-                    "application/pkcs7-signature")))), ("related", multipart("related", text, part(b"x", "image/png"))),
-                ("forwarded", part(mail(text), "message/rfc822")),
+                 base64.encodebytes(multipart("mixed", text).partition(b"\n\n")[2])), ("digest", multipart("digest", b"\n" + mail(text))),
                 ("forwarded encoded", part(mail(text), "message/rfc822", encoding="base64")),
                 ("forwarded in forwarded", part(mail(part(mail(multipart("mixed", text)), "message/rfc822")), "message/rfc822")),
                 ("blank line of blanks", multipart("mixed", text).replace(b"\n\n", b"\n \n", 1)),
                 ("no blank line", b"Subject: x\n" + "第一段文字".encode()), ("no header", "\n第一段文字".encode()),
-                ("only text", "第一段文字，没有标题".encode()), ("lone fields", multipart("mixed", text).replace(b"\n--b0undary\n", b"\n--b0undry x\n")), ("no boundary line", multipart("mixed", text).replace(
-                    b"--b0undary\n", b"")), ("bad line in the header", b"garbage line\n" + mail(text))):
+                ("only text", "第一段文字，没有标题".encode()), ("lone fields", multipart("mixed", text).replace(
+                    b"\n--b0undary\n", b"\n--b0undry x\n")), ("no boundary line", multipart("mixed", text).replace(b"--b0undary\n", b"")),
+                ("bad line in the header", b"garbage line\n" + mail(text))):
             with self.subTest(name):
                 self.assertIn("第一段文字", body(mail(message) if name not in ("only text", "no header") else message))
                 if b"second text" in message:
