@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <exception>
 #include <optional>
 #include <string>
 #include <system_error>
