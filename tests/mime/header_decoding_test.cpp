@@ -1,6 +1,9 @@
 #include "mime/header_decoding.h"
 
 #include <array>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
