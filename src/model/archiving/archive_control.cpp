@@ -4,6 +4,7 @@
 #include <exception>
 #include <iterator>
 #include <utility>
+#include <variant>
 
 #include <fmt/format.h>
 
@@ -31,6 +32,44 @@ std::string runSignature(const MessageList& messages, const std::string& destina
     for (const MailMessageRecord& message : messages)
         fmt::format_to(std::back_inserter(run), "{},", message.id);
     return stableHash(run);
+}
+
+struct RunJob {
+    SharedMessageList candidates;
+    std::shared_ptr<const SharedTextSet> selection;
+    std::string destination;
+    const platform::Platform& platform;
+};
+
+struct EndedRun {
+    ArchiveControl::RunOutcome outcome;
+    SharedMessageList selectedFrom; // the candidates, when they hold the whole selection; or null
+    std::string signature;
+};
+
+ArchiveControl::RunOutcome archived(const RunJob& job, const MessageList& messages,
+                                    const ReportingTask<EmailArchiveProgress>& task) {
+    // The place may be a sleeping disk, so it isn't asked on the main thread.
+    if (auto shortfall = archiveCapacityShortfall(messages, job.destination, job.platform))
+        return std::unexpected(std::move(*shortfall));
+    try {
+        ArchiverOptions options;
+        options.markHidden = [&platform = job.platform](const std::string& path) {
+            platform.markHidden(path);
+        };
+        const auto report = [&](const EmailArchiveProgress& progress) { task.report(progress); };
+        return MailEmailArchiver(platform::posixFileLayer(), options)
+            .archive(messages, job.destination, report, task.stopToken());
+    } catch (const std::exception& error) {
+        return std::unexpected(std::string(error.what()));
+    }
+}
+
+EndedRun runArchive(const RunJob& job, const ReportingTask<EmailArchiveProgress>& task) {
+    const MessageList messages = selectedOf(*job.candidates, *job.selection);
+    // Found out here, where a pass over all of them costs nobody time.
+    SharedMessageList selectedFrom = messages.size() == job.selection->size() ? job.candidates : nullptr;
+    return {archived(job, messages, task), std::move(selectedFrom), runSignature(messages, job.destination)};
 }
 
 } // namespace
@@ -95,23 +134,27 @@ const SharedMessageList& ArchiveControl::archiveCandidates() {
 
 void ArchiveControl::refreshArchiveCandidatesAsync() {
     if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
-    candidatesTask_.start(TaskPriority::userInitiated,
-                          [this, inputs = candidateInputs(), made = candidatesSignature(),
-                           isKnown = candidatesSignature() == candidatesSignature_](const TaskHandle& task) {
-                              const SharedMessageList candidates =
-                                  isKnown ? nullptr : makeCandidates(inputs, task.stopToken());
-                              if (!candidates && !isKnown) return;
-                              task.onMain([this, candidates, made] {
-                                  // Whoever changed an input since has asked again or will ask for the list
-                                  // itself.
-                                  if (made != candidatesSignature()) return;
-                                  if (candidates && made != candidatesSignature_) {
-                                      candidatesSignature_ = made;
-                                      context_.tasks.discard(std::exchange(candidatesCache_, candidates));
-                                  }
-                                  Q_EMIT archiveCandidatesReady();
-                              });
-                          });
+    const std::string made = candidatesSignature();
+    if (made == candidatesSignature_) {
+        candidatesTask_.start(
+            TaskPriority::userInitiated, std::monostate(), [](std::monostate, const TaskHandle&) {},
+            [this] { Q_EMIT archiveCandidatesReady(); });
+        return;
+    }
+    candidatesTask_.start(
+        TaskPriority::userInitiated, candidateInputs(),
+        [](const CandidateInputs& inputs, const TaskHandle& task) {
+            return makeCandidates(inputs, task.stopToken());
+        },
+        [this, made](SharedMessageList candidates) {
+            // Whoever changed an input since has asked again or will ask for the list itself.
+            if (made != candidatesSignature()) return;
+            if (made != candidatesSignature_) {
+                candidatesSignature_ = made;
+                context_.tasks.discard(std::exchange(candidatesCache_, std::move(candidates)));
+            }
+            Q_EMIT archiveCandidatesReady();
+        });
 }
 
 MailScanSummary ArchiveControl::archiveCandidateSummary() {
@@ -243,14 +286,14 @@ void ArchiveControl::refreshArchiveCandidateCountAsync() {
         inputs.locallyAvailableIDs = catalog_.locallyAvailableIDs();
         inputs.yearByID = catalog_.messageYearByID();
     }
-    countTask_.start(TaskPriority::utility, [this, inputs = std::move(inputs),
-                                             current = std::move(current)](const TaskHandle& task) {
-        const auto count = countCandidates(inputs, task.stopToken());
-        if (!count) return;
-        task.onMain([this, count = *count, current] {
+    countTask_.start(
+        TaskPriority::utility, std::move(inputs),
+        [](const CandidateInputs& counted, const TaskHandle& task) {
+            return countCandidates(counted, task.stopToken());
+        },
+        [this, current = std::move(current)](std::int64_t count) {
             if (current == candidateCountSignature_) setCount(count, true);
         });
-    });
 }
 
 void ArchiveControl::setKnownCandidateCount(std::int64_t count) {
@@ -293,43 +336,14 @@ void ArchiveControl::archiveSelectedEmails(const std::optional<std::string>& des
 }
 
 void ArchiveControl::startRun(const std::string& destination) {
-    runStop_ = std::stop_source();
     isSelectionOfARun_ = true;
-    runTask_.start(TaskPriority::userInitiated, [this, candidates = archiveCandidates(),
-                                                 selection = std::shared_ptr<const SharedTextSet>(selection_),
-                                                 destination, stop = runStop_,
-                                                 &platform = context_.platform](const TaskHandle& task) {
-        // At the end of the program a run stops as if cancelled, with its index saved.
-        const std::stop_callback atShutdown(task.stopToken(),
-                                            [stop] { std::stop_source(stop).request_stop(); });
-        const MessageList messages = selectedOf(*candidates, *selection);
-        // Found out here, where a pass over all of them costs nobody time.
-        const SharedMessageList selectedFrom = messages.size() == selection->size() ? candidates : nullptr;
-        const auto finish = [&](RunOutcome outcome) {
-            const QString signature = QString::fromStdString(runSignature(messages, destination));
-            task.onMain([this, destination, signature, selectedFrom,
-                         outcome = std::make_shared<RunOutcome>(std::move(outcome))] {
-                if (isSelectionOfARun_) selectedFrom_ = selectedFrom;
-                finishRun(std::move(*outcome), destination, signature);
-            });
-        };
-        // The place may be a sleeping disk, so it isn't asked on the main thread.
-        if (const auto shortfall = archiveCapacityShortfall(messages, destination, platform)) {
-            finish(std::unexpected(*shortfall));
-            return;
-        }
-        const auto report = [&](const EmailArchiveProgress& progress) {
-            task.onMain([this, progress] { setProgress(progress); });
-        };
-        try {
-            ArchiverOptions options;
-            options.markHidden = [&platform](const std::string& path) { platform.markHidden(path); };
-            finish(MailEmailArchiver(platform::posixFileLayer(), options)
-                       .archive(messages, destination, report, stop.get_token()));
-        } catch (const std::exception& error) {
-            finish(std::unexpected(std::string(error.what())));
-        }
-    });
+    runTask_.startReporting<EmailArchiveProgress>(
+        TaskPriority::userInitiated, RunJob{archiveCandidates(), selection_, destination, context_.platform},
+        &runArchive, [this](EmailArchiveProgress progress) { setProgress(std::move(progress)); },
+        [this, destination](EndedRun ended) {
+            if (isSelectionOfARun_) selectedFrom_ = ended.selectedFrom;
+            finishRun(std::move(ended.outcome), destination, QString::fromStdString(ended.signature));
+        });
 }
 
 void ArchiveControl::finishRun(RunOutcome outcome, const std::string& destination, const QString& signature) {
@@ -341,7 +355,7 @@ void ArchiveControl::finishRun(RunOutcome outcome, const std::string& destinatio
 }
 
 void ArchiveControl::cancelEmailArchive() {
-    if (runStop_.stop_possible()) runStop_.request_stop();
+    runTask_.requestStop();
 }
 
 } // namespace corvane

@@ -18,6 +18,7 @@
 #include "listing/candidates.h"
 #include "model/mail/message_catalog.h"
 #include "model/mail/model_filters.h"
+#include "model/tasks/task_slot.h"
 #include "records/archive_records.h"
 
 namespace corvane {
@@ -147,7 +148,6 @@ class ArchiveControl : public QObject {
     std::string candidateCountSignature_;
     std::optional<EmailArchiveProgress> progress_;
     Completion completion_;
-    std::stop_source runStop_{std::nostopstate};
     TaskSlot countTask_;
     TaskSlot candidatesTask_;
     TaskSlot runTask_;

@@ -17,6 +17,24 @@ namespace {
 
 constexpr std::chrono::seconds lookAgainPause(2);
 
+struct PrepareJob {
+    CorvaneAppSupport support;
+    std::string root;
+};
+
+void makeFolder(const PrepareJob& job, const TaskHandle&) {
+    consoleLine("[HangTrace] setTransferDestination createDirectory begin(bg)");
+    // A folder that can't be made shows in its facts and in the run.
+    std::ignore = platform::createDirectories(job.support.files(), job.root);
+    consoleLine("[HangTrace] setTransferDestination createDirectory end(bg)");
+}
+
+struct FactsJob {
+    const platform::Platform& platform;
+    std::optional<std::string> destination;
+    std::vector<std::string> known;
+};
+
 } // namespace
 
 ArchiveDestinations::ArchiveDestinations(ModelContext& context, QObject* parent)
@@ -46,33 +64,27 @@ void ArchiveDestinations::setTransferDestination(const std::string& path) {
     known.cloudName = cloudProviderName(root);
     known.rememberedManualDestinations = facts_.rememberedManualDestinations;
     factsTask_.cancel();
-    prepareTask_.start(TaskPriority::userInitiated,
-                       [this, root, &files = context_.support.files()](const TaskHandle& task) {
-                           consoleLine("[HangTrace] setTransferDestination createDirectory begin(bg)");
-                           // A folder that can't be made shows in its facts and in the run.
-                           std::ignore = platform::createDirectories(files, root);
-                           consoleLine("[HangTrace] setTransferDestination createDirectory end(bg)");
-                           task.onMain([this] {
-                               refreshFacts();
-                               Q_EMIT destinationPrepared();
-                           });
-                       });
+    prepareTask_.start(TaskPriority::userInitiated, PrepareJob{context_.support, root}, &makeFolder, [this] {
+        refreshFacts();
+        Q_EMIT destinationPrepared();
+    });
     Q_EMIT destinationChanged();
     setFacts(std::move(known));
     consoleLine("[HangTrace] setTransferDestination end(main)");
 }
 
 void ArchiveDestinations::refreshFacts() {
-    factsTask_.start(TaskPriority::utility,
-                     [this, &platform = context_.platform, destination = destination_,
-                      known = knownLocations(context_.settings)](const TaskHandle& task) {
-                         task.onMain([this, facts = computeDestinationFacts(platform, destination, known)] {
-                             setFacts(facts);
-                             // Not every system tells when a folder or a share comes back. Only after an
-                             // answer: a disk that hangs is not asked twice.
-                             if (!facts_.connected) lookAgain_.start();
-                         });
-                     });
+    factsTask_.start(
+        TaskPriority::utility, FactsJob{context_.platform, destination_, knownLocations(context_.settings)},
+        [](const FactsJob& job, const TaskHandle&) {
+            return computeDestinationFacts(job.platform, job.destination, job.known);
+        },
+        [this](DestinationFacts facts) {
+            setFacts(std::move(facts));
+            // Not every system tells when a folder or a share comes back. Only after an answer: a disk that
+            // hangs is not asked twice.
+            if (!facts_.connected) lookAgain_.start();
+        });
 }
 
 void ArchiveDestinations::setFacts(DestinationFacts facts) {

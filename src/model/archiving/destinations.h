@@ -10,6 +10,7 @@
 
 #include "locations/destination_facts.h"
 #include "model/model_context.h"
+#include "model/tasks/task_slot.h"
 
 namespace corvane {
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include <QPointer>
 #include <fmt/format.h>
 
 #include "mime/header_decoding.h"
@@ -41,6 +40,50 @@ std::optional<std::string> ccOfFile(const platform::Platform& platform, const Ar
     return start ? mime::decodedHeaderField("cc", *start) : std::nullopt;
 }
 
+// Absence is an answer here.
+struct FoundText {
+    std::optional<std::string> text;
+};
+
+struct BodyQuestion {
+    SharedSearchIndexes indexes;
+    SharedText id; // of the record
+};
+
+struct Preparation {
+    BodyIndexing indexing;
+    ArchivedEntry entry;
+};
+
+struct CcQuestion {
+    const platform::Platform& platform;
+    ArchivedEntry entry;
+};
+
+struct SearchQuestion {
+    SharedSearchIndexes indexes;
+    std::string query;
+};
+
+struct IndexingJob {
+    BodyIndexing indexing;
+    std::vector<std::string> roots;
+    bool force = false;
+};
+
+// The number of messages handled, of those until a stop.
+std::int64_t fillIndexes(const IndexingJob& job, const ReportingTask<EmailArchiveProgress>& task) {
+    const auto report = [&](std::int64_t done, std::int64_t total) {
+        task.report({done, total, std::nullopt, fmt::format("正在准备正文预览… {}/{}", done, total)});
+    };
+    std::int64_t indexed = 0;
+    for (const std::string& root : job.roots) {
+        if (task.isCancelled()) break;
+        indexed += job.indexing.rebuildSearchIndex(root, job.force, report, task.stopToken());
+    }
+    return indexed;
+}
+
 } // namespace
 
 BodyTexts::BodyTexts(ModelContext& context, LibraryLoader& library, QObject* parent,
@@ -49,37 +92,22 @@ BodyTexts::BodyTexts(ModelContext& context, LibraryLoader& library, QObject* par
   , context_(context)
   , library_(library)
   , texts_(texts ? texts : workerBodyTexts(context.platform, false))
-  , upkeepTexts_(texts ? texts : workerBodyTexts(context.platform, true)) {}
-
-BodyTexts::~BodyTexts() {
-    cancelBodyTextIndex();
-}
-
-template <class Work, class Then>
-void BodyTexts::inBackground(TaskPriority priority, Work work, Then then) {
-    std::stop_source stop;
-    context_.tasks.run(priority, stop,
-                       [self = QPointer(this), &tasks = context_.tasks, stop, work = std::move(work),
-                        then = std::move(then)]() mutable {
-                           auto result = work(stop.get_token());
-                           tasks.postToMain([self, then = std::move(then), result = std::move(result)] {
-                               if (self) then(result);
-                           });
-                       });
-}
+  , upkeepTexts_(texts ? texts : workerBodyTexts(context.platform, true))
+  , answerTasks_(context.tasks)
+  , indexTask_(context.tasks) {}
 
 void BodyTexts::indexedBody(const ArchivedEmailRecord& record, TextAnswer answer) {
     if (const auto known = indexedBodyMemoryCache_.find(record.id); known != indexedBodyMemoryCache_.end())
         return answer(known->second);
     if (library_.locationSearchIndexes()->empty()) return answer(std::nullopt);
-    inBackground(
-        TaskPriority::userInitiated,
-        [indexes = library_.locationSearchIndexes(), id = record.id](const std::stop_token&) {
-            return bodyInIndexes(*indexes, id);
+    answerTasks_.start(
+        TaskPriority::userInitiated, BodyQuestion{library_.locationSearchIndexes(), record.id},
+        [](const BodyQuestion& asked, const TaskHandle&) {
+            return FoundText{bodyInIndexes(*asked.indexes, asked.id)};
         },
-        [this, id = record.id, answer = std::move(answer)](const std::optional<std::string>& body) {
-            storeBody(id, body);
-            answer(body);
+        [this, id = record.id, answer = std::move(answer)](const FoundText& body) {
+            storeBody(id, body.text);
+            answer(body.text);
         });
 }
 
@@ -105,12 +133,13 @@ void BodyTexts::startPreparing(const ArchivedEntry& entry, TextAnswer answer) {
     auto& waiting = preparing_[entry.id()];
     waiting.push_back(std::move(answer));
     if (waiting.size() > 1) return;
-    inBackground(
-        TaskPriority::utility,
-        [indexing = BodyIndexing(context_.support, texts_), entry](const std::stop_token& stop) {
-            return indexing.prepareBody(entry.locationRootPath.str(), entry.record, stop);
+    answerTasks_.start(
+        TaskPriority::utility, Preparation{BodyIndexing(context_.support, texts_), entry},
+        [](const Preparation& job, const TaskHandle& task) {
+            return FoundText{job.indexing.prepareBody(job.entry.locationRootPath.str(), job.entry.record,
+                                                      task.stopToken())};
         },
-        [this, entry](const std::optional<std::string>& body) { finishPreparing(entry, body); });
+        [this, entry](const FoundText& body) { finishPreparing(entry, body.text); });
 }
 
 void BodyTexts::finishPreparing(const ArchivedEntry& entry, const std::optional<std::string>& body) {
@@ -124,21 +153,23 @@ void BodyTexts::ccRecipients(const ArchivedEntry& entry, TextAnswer answer) {
     if (recorded && !recorded->empty()) return answer(recorded->str());
     if (const auto known = ccRecipientsCache_.find(entry.record.id); known != ccRecipientsCache_.end())
         return answer(known->second.empty() ? std::nullopt : std::optional(known->second));
-    inBackground(
-        TaskPriority::userInitiated,
-        [&platform = context_.platform, entry](const std::stop_token&) { return ccOfFile(platform, entry); },
-        [this, id = entry.record.id, answer = std::move(answer)](const std::optional<std::string>& text) {
-            ccRecipientsCache_[id] = text.value_or("");
-            answer(text);
+    answerTasks_.start(
+        TaskPriority::userInitiated, CcQuestion{context_.platform, entry},
+        [](const CcQuestion& asked, const TaskHandle&) {
+            return FoundText{ccOfFile(asked.platform, asked.entry)};
+        },
+        [this, id = entry.record.id, answer = std::move(answer)](const FoundText& cc) {
+            ccRecipientsCache_[id] = cc.text.value_or("");
+            answer(cc.text);
         });
 }
 
 void BodyTexts::searchArchive(std::string query, IDsAnswer answer) {
     if (library_.locationSearchIndexes()->empty()) return answer({});
-    inBackground(
-        TaskPriority::userInitiated,
-        [indexes = library_.locationSearchIndexes(), query = std::move(query)](const std::stop_token&) {
-            return idsInIndexes(*indexes, query);
+    answerTasks_.start(
+        TaskPriority::userInitiated, SearchQuestion{library_.locationSearchIndexes(), std::move(query)},
+        [](const SearchQuestion& asked, const TaskHandle&) {
+            return idsInIndexes(*asked.indexes, asked.query);
         },
         [answer = std::move(answer)](const SharedTextSet& ids) { answer(ids); });
 }
@@ -168,27 +199,12 @@ void BodyTexts::startNextIndexing() {
     runningIndexing_ = std::move(waitingIndexing_.front());
     waitingIndexing_.pop_front();
     setProgress(EmailArchiveProgress{0, runningIndexing_->total, std::nullopt, "正在准备正文预览..."});
-    indexStop_ = std::stop_source();
-    context_.tasks.run(
-        TaskPriority::utility, indexStop_,
-        [self = QPointer(this), &tasks = context_.tasks, stop = indexStop_.get_token(),
-         request = *runningIndexing_, indexing = BodyIndexing(context_.support, upkeepTexts_)] {
-            const auto report = [&](std::int64_t done, std::int64_t total) {
-                tasks.postToMain([self, done, total] {
-                    if (!self) return;
-                    self->setProgress(EmailArchiveProgress{
-                        done, total, std::nullopt, fmt::format("正在准备正文预览… {}/{}", done, total)});
-                });
-            };
-            std::int64_t indexed = 0;
-            for (const std::string& root : request.roots) {
-                if (stop.stop_requested()) break;
-                indexed += indexing.rebuildSearchIndex(root, request.force, report, stop);
-            }
-            tasks.postToMain([self, indexed] {
-                if (self) self->finishIndexing(indexed);
-            });
-        });
+    indexTask_.startReporting<EmailArchiveProgress>(
+        TaskPriority::utility,
+        IndexingJob{BodyIndexing(context_.support, upkeepTexts_), runningIndexing_->roots,
+                    runningIndexing_->force},
+        &fillIndexes, [this](EmailArchiveProgress progress) { setProgress(std::move(progress)); },
+        [this](std::int64_t indexed) { finishIndexing(indexed); });
 }
 
 void BodyTexts::finishIndexing(std::int64_t indexed) {
@@ -219,7 +235,7 @@ void BodyTexts::scheduleBodyTextIndexRepair(const std::vector<std::string>& root
 
 void BodyTexts::cancelBodyTextIndex() {
     waitingIndexing_.clear();
-    if (indexStop_.stop_possible()) indexStop_.request_stop();
+    indexTask_.requestStop();
 }
 
 void BodyTexts::setProgress(std::optional<EmailArchiveProgress> progress) {

@@ -18,6 +18,7 @@
 #include "archive/body_indexing.h"
 #include "model/library/library_loader.h"
 #include "model/model_context.h"
+#include "model/tasks/task_slot.h"
 #include "records/archive_records.h"
 
 namespace corvane {
@@ -41,7 +42,6 @@ class BodyTexts : public QObject {
     // `texts` replaces the worker in tests.
     BodyTexts(ModelContext& context, LibraryLoader& library, QObject* parent = nullptr,
               const BodyTextSource& texts = {});
-    ~BodyTexts() override;
 
     // The body of an archived message as some index has it.
     void indexedBody(const ArchivedEmailRecord& record, TextAnswer answer);
@@ -87,8 +87,6 @@ class BodyTexts : public QObject {
     void libraryReloadWanted();
 
   private:
-    template <class Work, class Then>
-    void inBackground(TaskPriority priority, Work work, Then then);
     void storeBody(const SharedText& id, const std::optional<std::string>& body);
     void startPreparing(const ArchivedEntry& entry, TextAnswer answer);
     void finishPreparing(const ArchivedEntry& entry, const std::optional<std::string>& body);
@@ -108,10 +106,11 @@ class BodyTexts : public QObject {
     std::deque<BodyIndexRequest> waitingIndexing_;
     std::optional<BodyIndexRequest> runningIndexing_;
     std::optional<EmailArchiveProgress> progress_;
-    std::stop_source indexStop_{std::nostopstate};
     std::int64_t epoch_ = 0;
     bool repairsAutomatically_ = true;
     std::string lastBodyIndexRepairSignature_;
+    TaskGroup answerTasks_;
+    TaskSlot indexTask_;
 };
 
 } // namespace corvane

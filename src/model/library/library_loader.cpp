@@ -22,6 +22,26 @@ double secondsSince(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
+struct LoadJob {
+    LibraryLoad load;
+    std::function<void(const std::shared_ptr<const SharedTextSet>&)> prepareBaseIDs;
+};
+
+struct ConnectionJob {
+    const platform::Platform& platform;
+    std::vector<ArchiveLocation> locations;
+};
+
+// Absent when cancelled.
+std::optional<std::map<std::string, bool>> testConnections(const ConnectionJob& job, const TaskHandle& task) {
+    std::map<std::string, bool> states;
+    for (const ArchiveLocation& location : job.locations) {
+        if (task.isCancelled()) return std::nullopt;
+        states[location.rootPath] = isLocationConnected(job.platform, location.rootPath);
+    }
+    return states;
+}
+
 } // namespace
 
 LibraryLoader::LibraryLoader(ModelContext& context, QObject* parent, Clock clock)
@@ -88,14 +108,15 @@ void LibraryLoader::startLoad(LibraryLoadInput input, const std::string& signatu
     const auto start = std::chrono::steady_clock::now();
     archiveIndexLoadTask_.start(
         TaskPriority::userInitiated,
-        [this, load = LibraryLoad(context_.platform, context_.support, context_.startupLog, std::move(input)),
-         signature, start, prepare = prepareBaseIDs_](const TaskHandle& task) mutable {
-            auto result = load.run(task.stopToken());
-            if (!result) return;
-            if (prepare) prepare(result->library->baseIDs);
-            task.onMain([this, result = std::move(*result), signature, start] {
-                applyLoadedArchiveIndex(result, signature, secondsSince(start));
-            });
+        LoadJob{LibraryLoad(context_.platform, context_.support, context_.startupLog, std::move(input)),
+                prepareBaseIDs_},
+        [](LoadJob job, const TaskHandle& task) {
+            auto result = job.load.run(task.stopToken());
+            if (result && job.prepareBaseIDs) job.prepareBaseIDs(result->library->baseIDs);
+            return result;
+        },
+        [this, signature, start](LibraryLoadResult result) {
+            applyLoadedArchiveIndex(std::move(result), signature, secondsSince(start));
         });
     Q_EMIT loadStarted();
 }
@@ -131,11 +152,15 @@ void LibraryLoader::adoptLocations(const LibraryLoadResult& result) {
 // The index of every root that is known stays, also of one that can't be read at the moment: making it again
 // takes hours.
 void LibraryLoader::pruneSearchIndexes() {
-    pruneTask_.start(
-        TaskPriority::utility,
-        [support = context_.support, roots = knownLocations(context_.settings)](const TaskHandle& task) {
-            if (!task.isCancelled()) MailSearchIndex::pruneOrphans(support, roots);
-        });
+    struct PruneJob {
+        CorvaneAppSupport support;
+        std::vector<std::string> roots;
+    };
+
+    pruneTask_.start(TaskPriority::utility, PruneJob{context_.support, knownLocations(context_.settings)},
+                     [](const PruneJob& job, const TaskHandle& task) {
+                         if (!task.isCancelled()) MailSearchIndex::pruneOrphans(job.support, job.roots);
+                     });
 }
 
 void LibraryLoader::publish(SharedLibrary library, std::vector<ArchiveLocation> locations,
@@ -190,15 +215,9 @@ void LibraryLoader::refreshArchiveLocationConnectionStates() {
     // The running load may have tested before what this test is about.
     testConnectionsAfterLoad_ = isLoading_;
     if (locations_.empty()) return;
-    connectionTask_.start(TaskPriority::utility, [this, &platform = context_.platform,
-                                                  locations = locations_](const TaskHandle& task) {
-        ConnectionStates states;
-        for (const ArchiveLocation& location : locations) {
-            if (task.isCancelled()) return;
-            states[location.rootPath] = isLocationConnected(platform, location.rootPath);
-        }
-        task.onMain([this, states] { applyConnectionStates(states); });
-    });
+    connectionTask_.start(TaskPriority::utility, ConnectionJob{context_.platform, locations_},
+                          &testConnections,
+                          [this](const ConnectionStates& states) { applyConnectionStates(states); });
 }
 
 void LibraryLoader::applyConnectionStates(const ConnectionStates& states) {

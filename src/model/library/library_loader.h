@@ -22,6 +22,7 @@
 #include "locations/loaded_archives.h"
 #include "model/library/library_snapshot_writer.h"
 #include "model/model_context.h"
+#include "model/tasks/task_slot.h"
 #include "records/stores/library_snapshot_store.h"
 
 namespace corvane {

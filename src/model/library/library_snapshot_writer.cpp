@@ -1,14 +1,13 @@
 #include "model/library/library_snapshot_writer.h"
 
-#include "records/stores/library_snapshot_store.h"
-
 namespace corvane {
 
+void WriteLibrarySnapshot::operator()(const LibrarySnapshotState& state) const {
+    const SharedTextSet& baseIDs = *state.library->baseIDs;
+    store.save(*state.library->entries, state.locations, {baseIDs.begin(), baseIDs.end()});
+}
+
 LibrarySnapshotWriter::LibrarySnapshotWriter(ModelContext& context)
-  : LatestStateWriter(context.tasks, [store = ArchiveLibrarySnapshotStore(context.support)](
-                                         const LibrarySnapshotState& state) {
-      const SharedTextSet& baseIDs = *state.library->baseIDs;
-      store.save(*state.library->entries, state.locations, {baseIDs.begin(), baseIDs.end()});
-  }) {}
+  : LatestStateWriter(context.tasks, {ArchiveLibrarySnapshotStore(context.support)}) {}
 
 } // namespace corvane

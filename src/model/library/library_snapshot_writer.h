@@ -7,6 +7,7 @@
 #include "locations/loaded_archives.h"
 #include "model/model_context.h"
 #include "model/tasks/latest_state_writer.h"
+#include "records/stores/library_snapshot_store.h"
 
 namespace corvane {
 
@@ -15,7 +16,13 @@ struct LibrarySnapshotState {
     std::vector<ArchiveLocation> locations;
 };
 
-class LibrarySnapshotWriter : public LatestStateWriter<LibrarySnapshotState> {
+struct WriteLibrarySnapshot {
+    ArchiveLibrarySnapshotStore store;
+
+    void operator()(const LibrarySnapshotState& state) const;
+};
+
+class LibrarySnapshotWriter : public LatestStateWriter<LibrarySnapshotState, WriteLibrarySnapshot> {
   public:
     explicit LibrarySnapshotWriter(ModelContext& context);
 };

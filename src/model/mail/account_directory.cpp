@@ -39,6 +39,34 @@ bool addNotes(std::vector<MailAccount>& accounts, const std::map<std::string, st
     return changed;
 }
 
+struct ReadJob {
+    MailAccountCacheStore cache;
+    MailStore store;
+    MailStore upkeep; // for what nobody waits for
+};
+
+struct FoundAccounts {
+    std::vector<MailAccount> accounts;
+    std::string emptyMessage; // why there are none
+};
+
+// Reports the accounts as soon as they are read. Returns them again with the notes on duplication, absent
+// where there are none.
+std::optional<std::vector<MailAccount>> readAndAnalyze(const ReadJob& job,
+                                                       const ReportingTask<FoundAccounts>& task) {
+    std::vector<MailAccount> accounts = readAccounts(job.store);
+    std::string emptyMessage;
+    if (accounts.empty()) emptyMessage = emptyScanFailureMessage(job.store, std::nullopt).text;
+    task.report({accounts, std::move(emptyMessage)});
+    if (task.isCancelled()) return std::nullopt;
+    job.cache.save(job.store.rootPath, accounts);
+    if (accounts.size() < 2) return std::nullopt;
+    const auto notes = mailstore::analyzeDuplication(job.upkeep.context, accounts, job.store.rootPath);
+    if (!addNotes(accounts, notes) || task.isCancelled()) return std::nullopt;
+    job.cache.save(job.store.rootPath, accounts);
+    return accounts;
+}
+
 } // namespace
 
 AccountDirectory::AccountDirectory(ModelContext& context, QObject* parent)
@@ -84,24 +112,13 @@ void AccountDirectory::start(Purpose purpose) {
     readingFor_ = purpose;
     if (takesOver) return;
     const auto priority = purpose == Purpose::upkeep ? TaskPriority::utility : TaskPriority::userInitiated;
-    readTask_.start(priority, [this, cache = cache_, store = mailStoreOf(context_),
-                               upkeep = upkeepMailStoreOf(context_)](const TaskHandle& task) {
-        std::vector<MailAccount> accounts = readAccounts(store);
-        std::string emptyMessage;
-        if (accounts.empty()) emptyMessage = emptyScanFailureMessage(store, std::nullopt).text;
-        task.onMain([this, accounts, emptyMessage] { takeAccounts(accounts, emptyMessage); });
-        if (task.isCancelled()) return;
-        cache.save(store.rootPath, accounts);
-        if (accounts.size() < 2) return;
-        if (!addNotes(accounts, mailstore::analyzeDuplication(upkeep.context, accounts, store.rootPath)) ||
-            task.isCancelled())
-            return;
-        task.onMain([this, accounts] {
-            availableAccounts_ = accounts;
+    readTask_.startReporting<FoundAccounts>(
+        priority, ReadJob{cache_, mailStoreOf(context_), upkeepMailStoreOf(context_)}, &readAndAnalyze,
+        [this](FoundAccounts found) { takeAccounts(std::move(found.accounts), found.emptyMessage); },
+        [this](std::vector<MailAccount> withNotes) {
+            availableAccounts_ = std::move(withNotes);
             Q_EMIT accountsChanged();
         });
-        cache.save(store.rootPath, accounts);
-    });
 }
 
 void AccountDirectory::takeAccounts(std::vector<MailAccount> accounts, const std::string& emptyMessage) {

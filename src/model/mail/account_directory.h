@@ -9,6 +9,7 @@
 #include <QObject>
 
 #include "model/model_context.h"
+#include "model/tasks/task_slot.h"
 #include "records/mail_account.h"
 #include "records/stores/account_cache_store.h"
 

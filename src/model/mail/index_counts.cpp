@@ -6,7 +6,6 @@
 
 #include "listing/account_titles.h"
 #include "mailstore/index/year_counts.h"
-#include "model/mail/mail_access.h"
 
 namespace corvane {
 
@@ -26,30 +25,31 @@ void IndexCounts::setIndexed(Indexed indexed) {
 
 void IndexCounts::refreshIndexedYearCounts() {
     const auto& selected = accounts_.selectedAccountPrefixes();
-    std::vector<std::string> selection(selected.begin(), selected.end());
-    std::vector<std::string> prefixes;
-    for (const MailAccount& account : accounts_.availableAccounts()) prefixes.push_back(account.urlPrefix);
-    countTask_.start(TaskPriority::utility, [this, selection = std::move(selection),
-                                             prefixes = std::move(prefixes),
-                                             store = upkeepMailStoreOf(context_)](const TaskHandle& task) {
-        auto counts = std::make_shared<Counts>();
-        counts->indexed = mailstore::indexedYearDistinctCounts(store.context, store.rootPath, selection);
-        for (const std::string& prefix : prefixes) {
-            if (task.isCancelled()) return;
-            counts->indexedByAccount[prefix] =
-                mailstore::indexedYearDistinctCounts(store.context, store.rootPath, {prefix});
-        }
-        for (const std::string& prefix : prefixes) {
-            if (task.isCancelled()) return;
-            counts->undownloadedByAccount[prefix] =
-                mailstore::undownloadedYearCounts(store.context, store.rootPath, {prefix});
-        }
-        task.onMain([this, counts] {
-            counts_ = std::move(*counts);
-            Q_EMIT countsChanged();
-            Q_EMIT countsRefreshed();
-        });
+    CountJob job{upkeepMailStoreOf(context_), {selected.begin(), selected.end()}, {}};
+    for (const MailAccount& account : accounts_.availableAccounts())
+        job.prefixes.push_back(account.urlPrefix);
+    countTask_.start(TaskPriority::utility, std::move(job), &IndexCounts::readCounts, [this](Counts counts) {
+        counts_ = std::move(counts);
+        Q_EMIT countsChanged();
+        Q_EMIT countsRefreshed();
     });
+}
+
+std::optional<IndexCounts::Counts> IndexCounts::readCounts(const CountJob& job, const TaskHandle& task) {
+    const MailStore& store = job.store;
+    Counts counts;
+    counts.indexed = mailstore::indexedYearDistinctCounts(store.context, store.rootPath, job.selection);
+    for (const std::string& prefix : job.prefixes) {
+        if (task.isCancelled()) return std::nullopt;
+        counts.indexedByAccount[prefix] =
+            mailstore::indexedYearDistinctCounts(store.context, store.rootPath, {prefix});
+    }
+    for (const std::string& prefix : job.prefixes) {
+        if (task.isCancelled()) return std::nullopt;
+        counts.undownloadedByAccount[prefix] =
+            mailstore::undownloadedYearCounts(store.context, store.rootPath, {prefix});
+    }
+    return counts;
 }
 
 const std::vector<SpaceAccountUsage>& SpaceUsage::spaceUsage() {

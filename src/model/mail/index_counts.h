@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -14,7 +15,9 @@
 #include "listing/deletion_safety.h"
 #include "listing/space_usage.h"
 #include "model/mail/account_directory.h"
+#include "model/mail/mail_access.h"
 #include "model/mail/message_catalog.h"
+#include "model/tasks/task_slot.h"
 
 namespace corvane {
 
@@ -58,6 +61,14 @@ class IndexCounts : public QObject {
         CountByAccountAndYear indexedByAccount;
         CountByAccountAndYear undownloadedByAccount;
     };
+
+    struct CountJob {
+        MailStore store;
+        std::vector<std::string> selection; // prefixes of the selected accounts
+        std::vector<std::string> prefixes;  // of all accounts
+    };
+
+    static std::optional<Counts> readCounts(const CountJob& job, const TaskHandle& task);
 
     ModelContext& context_;
     const AccountDirectory& accounts_;

@@ -57,17 +57,18 @@ EmptyScanMessage emptyScanFailureMessage(const MailStore& store, std::optional<s
 }
 
 void FullDiskAccess::refreshFullDiskAccessState() {
-    task_.start(TaskPriority::userInitiated, [this, root = context_.mailRootPath](const TaskHandle& task) {
-        const bool canRead = canReadMailData(root);
-        task.onMain([this, canRead, root] {
-            context_.startupLog.mark(fmt::format("FDA check canRead={} root={}", canRead, root));
+    task_.start(
+        TaskPriority::userInitiated, context_.mailRootPath,
+        [](const std::string& root, const TaskHandle&) { return canReadMailData(root); },
+        [this](bool canRead) {
+            context_.startupLog.mark(
+                fmt::format("FDA check canRead={} root={}", canRead, context_.mailRootPath));
             if (needsFullDiskAccess_ == canRead) {
                 needsFullDiskAccess_ = !canRead;
                 Q_EMIT needsFullDiskAccessChanged();
             }
             context_.startupLog.mark(fmt::format("FDA needsFullDiskAccess={}", needsFullDiskAccess_));
         });
-    });
 }
 
 } // namespace corvane

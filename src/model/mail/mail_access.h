@@ -9,6 +9,7 @@
 
 #include "mailstore/mail_store_context.h"
 #include "model/model_context.h"
+#include "model/tasks/task_slot.h"
 
 namespace corvane {
 

@@ -9,18 +9,42 @@
 
 namespace corvane {
 
+namespace {
+
+struct ReportJob {
+    MailStore store;
+    std::vector<MailAccount> accounts;
+    std::vector<std::string> prefixes; // of the accounts that are reported on
+};
+
+void writeReport(const ReportJob& job, const TaskHandle& task) {
+    mailstore::logRestoredMailDiagnostics(job.store.context, job.store.rootPath, job.accounts, job.prefixes,
+                                          task.stopToken());
+}
+
+struct AppendJob {
+    CorvaneAppSupport support;
+    std::vector<std::string> lines;
+};
+
+void appendLines(const AppendJob& job, const TaskHandle& task) {
+    for (const std::string& line : job.lines) {
+        if (task.isCancelled()) return;
+        mailstore::restoredMailDiagnosticLog(job.support, line);
+    }
+}
+
+} // namespace
+
 void MailDiagnostics::write(const std::set<std::string>& accountPrefixes) {
     isReporting_ = true;
     task_.start(TaskPriority::utility,
-                [this, store = upkeepMailStoreOf(context_), accounts = accounts_.availableAccounts(),
-                 prefixes = std::vector<std::string>(accountPrefixes.begin(), accountPrefixes.end())](
-                    const TaskHandle& task) {
-                    mailstore::logRestoredMailDiagnostics(store.context, store.rootPath, accounts, prefixes,
-                                                          task.stopToken());
-                    task.onMain([this] {
-                        isReporting_ = false;
-                        appendWaiting();
-                    });
+                ReportJob{upkeepMailStoreOf(context_),
+                          accounts_.availableAccounts(),
+                          {accountPrefixes.begin(), accountPrefixes.end()}},
+                &writeReport, [this] {
+                    isReporting_ = false;
+                    appendWaiting();
                 });
 }
 
@@ -30,13 +54,8 @@ void MailDiagnostics::append(std::vector<std::string> lines) {
 }
 
 void MailDiagnostics::appendWaiting() {
-    appendTask_.start(TaskPriority::utility, [lines = std::exchange(waiting_, {}),
-                                              support = context_.support](const TaskHandle& task) {
-        for (const std::string& line : lines) {
-            if (task.isCancelled()) return;
-            mailstore::restoredMailDiagnosticLog(support, line);
-        }
-    });
+    appendTask_.start(TaskPriority::utility, AppendJob{context_.support, std::exchange(waiting_, {})},
+                      &appendLines);
 }
 
 std::string MailDiagnostics::logPath() const {

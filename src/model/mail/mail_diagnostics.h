@@ -8,7 +8,7 @@
 
 #include "model/mail/account_directory.h"
 #include "model/model_context.h"
-#include "model/tasks/task_runner.h"
+#include "model/tasks/task_slot.h"
 
 namespace corvane {
 

@@ -115,12 +115,12 @@ void MessageCatalog::refreshAvailabilityCacheAsync(bool force) {
     if (availabilityToken_ == token && !derived_.locallyAvailableIDs->empty()) {
         job.knownAvailable = derived_.locallyAvailableIDs;
     }
-    availabilityRefreshTask_.start(TaskPriority::utility, [this, token, job](const TaskHandle& task) {
-        auto result = computeAvailability(job, task.stopToken());
-        if (!result) return;
-        auto shared = std::make_shared<AvailabilityResult>(std::move(*result));
-        task.onMain([this, token, shared] { publish(token, std::move(*shared)); });
-    });
+    availabilityRefreshTask_.start(
+        TaskPriority::utility, std::move(job),
+        [](const AvailabilityJob& given, const TaskHandle& task) {
+            return computeAvailability(given, task.stopToken());
+        },
+        [this, token](AvailabilityResult result) { publish(token, std::move(result)); });
 }
 
 void MessageCatalog::clearDerivedOfNoMessages() {

@@ -23,6 +23,7 @@
 #include "model/archiving/archived_status.h"
 #include "model/mail/scan_cache_writer.h"
 #include "model/model_context.h"
+#include "model/tasks/task_slot.h"
 #include "records/mail_message_record.h"
 #include "records/statistics_records.h"
 #include "records/stores/scan_cache_file.h"

@@ -47,6 +47,29 @@ std::string soundPreview(const FileURL& file, const PreviewRefresh::WorkerPrevie
     return isSound ? text : std::string();
 }
 
+struct PreviewJob {
+    std::vector<FileURL> files;
+    PreviewRefresh::WorkerPreview worker;
+};
+
+struct FoundPreview {
+    std::string text;     // empty: none of the files gives a sound one
+    bool hasFile = false; // one of the files is there
+};
+
+// Absent when cancelled.
+std::optional<FoundPreview> findPreview(const PreviewJob& job, const TaskHandle& task) {
+    FoundPreview found;
+    for (const FileURL& file : job.files) {
+        if (task.isCancelled()) return std::nullopt;
+        if (!platform::fileExists(file.path().str())) continue;
+        found.hasFile = true;
+        found.text = soundPreview(file, job.worker, task.stopToken());
+        if (!found.text.empty()) break;
+    }
+    return found;
+}
+
 } // namespace
 
 PreviewRefresh::PreviewRefresh(ModelContext& context, MessageCatalog& catalog, QObject* parent,
@@ -62,28 +85,17 @@ void PreviewRefresh::refreshPreviewIfNeeded(const std::optional<std::string>& me
     const MailMessageRecord* message = catalog_.messageByID(*messageID);
     if (message == nullptr || !mime::previewLooksCorrupt(message->preview)) return;
     refreshingPreviewMessageID_ = messageID;
-    previewRefreshTask_.start(TaskPriority::utility, [this, id = *messageID, token = catalog_.messagesToken(),
-                                                      files = message->allMessageFileURLs(),
-                                                      worker = workerPreview_](const TaskHandle& task) {
-        std::string text;
-        bool hasFile = false;
-        for (const FileURL& file : files) {
-            if (task.isCancelled()) return;
-            if (!platform::fileExists(file.path().str())) continue;
-            hasFile = true;
-            text = soundPreview(file, worker, task.stopToken());
-            if (!text.empty()) break;
-        }
-        task.onMain([this, id, token, text, hasFile] {
+    previewRefreshTask_.start(
+        TaskPriority::utility, PreviewJob{message->allMessageFileURLs(), workerPreview_}, &findPreview,
+        [this, id = *messageID, token = catalog_.messagesToken()](const FoundPreview& found) {
             refreshingPreviewMessageID_.reset();
             if (token != catalog_.messagesToken()) return;
-            if (text.empty()) {
-                Q_EMIT nothingFound(QString::fromStdString(id), hasFile);
+            if (found.text.empty()) {
+                Q_EMIT nothingFound(QString::fromStdString(id), found.hasFile);
             } else {
-                catalog_.replacePreview(id, text);
+                catalog_.replacePreview(id, found.text);
             }
         });
-    });
 }
 
 void PreviewRefresh::cancel() {

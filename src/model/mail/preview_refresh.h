@@ -11,6 +11,7 @@
 
 #include "model/mail/message_catalog.h"
 #include "model/model_context.h"
+#include "model/tasks/task_slot.h"
 
 namespace corvane {
 

@@ -22,12 +22,13 @@ std::vector<SharedText> orderedIDs(const ScanCacheState& state) {
 
 } // namespace
 
+void WriteScanCache::operator()(const ScanCacheState& state) const {
+    const std::vector<SharedText> ids = orderedIDs(state);
+    std::ignore =
+        store.save(*state.messages, state.summary, &ids, &state.localYearStats, &state.localAccountYearStats);
+}
+
 ScanCacheWriter::ScanCacheWriter(ModelContext& context)
-  : LatestStateWriter(context.tasks,
-                      [store = MailScanCacheStore(context.support)](const ScanCacheState& state) {
-                          const std::vector<SharedText> ids = orderedIDs(state);
-                          std::ignore = store.save(*state.messages, state.summary, &ids,
-                                                   &state.localYearStats, &state.localAccountYearStats);
-                      }) {}
+  : LatestStateWriter(context.tasks, {MailScanCacheStore(context.support)}) {}
 
 } // namespace corvane

@@ -8,6 +8,7 @@
 #include "model/tasks/latest_state_writer.h"
 #include "records/mail_message_record.h"
 #include "records/statistics_records.h"
+#include "records/stores/scan_cache_store.h"
 
 namespace corvane {
 
@@ -19,7 +20,13 @@ struct ScanCacheState {
     std::vector<AccountYearStatGroup> localAccountYearStats;
 };
 
-class ScanCacheWriter : public LatestStateWriter<ScanCacheState> {
+struct WriteScanCache {
+    MailScanCacheStore store;
+
+    void operator()(const ScanCacheState& state) const;
+};
+
+class ScanCacheWriter : public LatestStateWriter<ScanCacheState, WriteScanCache> {
   public:
     explicit ScanCacheWriter(ModelContext& context);
 };

@@ -12,6 +12,9 @@
 #include "model/mail/index_counts.h"
 #include "model/mail/message_catalog.h"
 #include "model/mail/model_filters.h"
+#include "model/mail/scan_job.h"
+#include "model/mail/scan_restore.h"
+#include "model/tasks/task_slot.h"
 #include "records/model_enums.h"
 
 namespace corvane {
@@ -66,25 +69,17 @@ class ScanFlow : public QObject {
         std::optional<Date> cacheLoadedAt;
     };
 
-    struct ScanJob;
-    class ScanProgress;
-    struct RestoreJob;
-    struct RestoredScan;
-
     void setState(MailScanState state);
     void clearDisplay();
     void forgetBeforeScan();
-    ScanJob makeScanJob() const;
-    void runScan(const TaskHandle& task, const ScanJob& job);
-    void finishScan(const TaskHandle& task, const ScanJob& job, ScanProgress& progress);
-    void failScan(const std::string& message);
+    [[nodiscard]] ScanJob makeScanJob() const;
+    void onStep(ScanStep step);
+    void onScanFinished(FinishedScan finished);
+    void onScanBroken(const std::string& message);
     void fail(const std::string& message, bool isYearRangeInfo = false);
     [[nodiscard]] bool mayRestore() const;
-    bool restoreSnapshot(const TaskHandle& task, const RestoreJob& job);
-    void restoreCache(const TaskHandle& task, const RestoreJob& job, bool hasSnapshot);
-    static RestoredScan makeRestored(MailScanCache cache, const std::vector<MailAccount>& accounts,
-                                     std::size_t& counted);
-    void applyRestored(RestoredScan& restored, bool loadArchiveIndex);
+    void applySnapshot(const MailHomeSnapshot& snapshot);
+    void applyRestored(RestoredScan restored, bool loadArchiveIndex);
 
     ModelContext& context_;
     AccountDirectory& accounts_;

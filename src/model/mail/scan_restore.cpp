@@ -1,25 +1,27 @@
-// The restore of the last scan from its two files: the small one for the home screen, then the large one.
-#include <fmt/format.h>
+#include "model/mail/scan_restore.h"
 
 #include <chrono>
 #include <exception>
 #include <memory>
+#include <stdexcept>
+#include <utility>
 
-#include "model/mail/scan_flow.h"
+#include <fmt/format.h>
+
 #include "records/json/json_form.h"
-#include "records/stores/scan_cache_store.h"
 
 namespace corvane {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-constexpr double applyLogThreshold = 0.02; // seconds
 constexpr double totalLogThreshold = 0.05; // seconds
 
-double secondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
+double secondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+void mark(const RestoreJob& job, const std::string& text) {
+    job.startupLog.mark(fmt::format("{} elapsed={:.3f}s", text, secondsSince(job.start)));
 }
 
 // Local statistics hold only messages with attachments; a snapshot that says otherwise was made under other
@@ -32,20 +34,6 @@ bool isCurrent(const MailHomeSnapshot& snapshot) {
     }
     return true;
 }
-
-} // namespace
-
-struct ScanFlow::RestoredScan {
-    SharedMessageSet set;
-    MailScanSummary summary;
-    Date scannedAt{};
-    std::optional<AvailabilityResult> known;
-    // From the cache where it has them but not the available ids.
-    std::optional<std::vector<YearStat>> localYearStats;
-    std::optional<std::vector<AccountYearStatGroup>> localAccountYearStats;
-};
-
-namespace {
 
 void sumLocal(AvailabilityResult& result) {
     for (const YearStat& stat : result.localYearStats) {
@@ -75,12 +63,14 @@ AvailabilityResult knownAvailability(const MessageList& messages, const std::vec
     return result;
 }
 
-} // namespace
+// Local statistics by year and by account, of the messages or as the cache says; absent where neither knows.
+struct LocalStats {
+    std::optional<std::vector<YearStat>> byYear;
+    std::optional<std::vector<AccountYearStatGroup>> byAccount;
+};
 
-// Throws JsonError for a repeated id: such a cache is damaged. `counted` takes the number of local
-// candidates.
-ScanFlow::RestoredScan ScanFlow::makeRestored(MailScanCache cache, const std::vector<MailAccount>& accounts,
-                                              std::size_t& counted) {
+// Throws JsonError for a repeated id: such a cache is damaged.
+RestoredScan makeRestored(const RestoreJob& job, MailScanCache cache, LocalStats& stats) {
     RestoredScan restored;
     restored.summary = std::move(cache.summary);
     restored.scannedAt = cache.scannedAt;
@@ -89,115 +79,61 @@ ScanFlow::RestoredScan ScanFlow::makeRestored(MailScanCache cache, const std::ve
     } catch (const std::logic_error& error) {
         throw JsonError(error.what());
     }
+    std::size_t counted = 0;
     if (cache.locallyAvailableMessageIDs) {
-        restored.known =
-            knownAvailability(*restored.set->messages, *cache.locallyAvailableMessageIDs, accounts, counted);
-        restored.localYearStats = restored.known->localYearStats;
-        restored.localAccountYearStats = restored.known->accountYearStats;
+        restored.known = knownAvailability(*restored.set->messages, *cache.locallyAvailableMessageIDs,
+                                           job.accounts, counted);
+        stats = {restored.known->localYearStats, restored.known->accountYearStats};
     } else {
-        restored.localYearStats = std::move(cache.localYearStats);
-        restored.localAccountYearStats = std::move(cache.localAccountYearStats);
+        stats = {std::move(cache.localYearStats), std::move(cache.localAccountYearStats)};
     }
+    if (stats.byYear) restored.localStatCount = stats.byYear->size();
+    if (stats.byAccount) restored.accountStatCount = stats.byAccount->size();
+    job.archivedStatus->prepareFor(restored.set->messages);
+    if (restored.known) mark(job, fmt::format("loadCachedScan recompute stats msgs={}", counted));
     return restored;
 }
 
-struct ScanFlow::RestoreJob {
-    ModelContext& context;
-    MailScanCacheStore store;
-    std::vector<MailAccount> accounts;
-    bool loadArchiveIndex = false;
-    std::shared_ptr<ArchivedStatus> archivedStatus;
-    Clock::time_point start = Clock::now();
-
-    void mark(const std::string& text) const {
-        context.startupLog.mark(fmt::format("{} elapsed={:.3f}s", text, secondsSince(start)));
-    }
-};
-
-bool ScanFlow::mayRestore() const {
-    return catalog_.messages()->empty() && !state_.isScanning();
-}
-
-void ScanFlow::loadCachedScanIfNeeded(bool loadArchiveIndex) {
-    if (!mayRestore()) return;
-    const RestoreJob job{context_, MailScanCacheStore(context_.support), accounts_.availableAccounts(),
-                         loadArchiveIndex, catalog_.archivedStatus()};
-    restoreTask_.start(TaskPriority::userInitiated, [this, job](const TaskHandle& task) {
-        job.context.startupLog.mark("loadCachedScan begin");
-        const bool hasSnapshot = restoreSnapshot(task, job);
-        restoreCache(task, job, hasSnapshot);
-    });
-}
-
-// The three below run on the restore's thread and touch this object only by steps on the main thread, each of
-// which tests again that no scan has come meanwhile.
-bool ScanFlow::restoreSnapshot(const TaskHandle& task, const RestoreJob& job) {
-    const auto snapshot = job.store.loadHomeSnapshot();
+bool reportSnapshot(const RestoreJob& job, const ReportingTask<MailHomeSnapshot>& task) {
+    auto snapshot = job.store.loadHomeSnapshot();
     if (!snapshot) return false;
-    job.mark("loadCachedScan homeSnapshot decoded");
+    mark(job, "loadCachedScan homeSnapshot decoded");
     if (!isCurrent(*snapshot)) return false;
-    task.onMain([this, snapshot = *snapshot] {
-        if (!mayRestore()) return;
-        catalog_.applyHomeSnapshot(snapshot);
-        cacheLoadedAt_ = snapshot.scannedAt;
-        setState(MailScanState::finished());
-        Q_EMIT homeSnapshotApplied();
-        context_.performanceLog.mark(
-            fmt::format("[Perf] loadHomeSnapshot applied messages={} local={} accounts={}",
-                        snapshot.summary.scannedMessages, snapshot.localMessageCount,
-                        snapshot.localAccountYearStats.size()));
-    });
+    task.report(std::move(*snapshot));
     return true;
 }
 
-void ScanFlow::restoreCache(const TaskHandle& task, const RestoreJob& job, bool hasSnapshot) {
-    auto restored = std::make_shared<RestoredScan>();
+RestoreOutcome restoreCache(const RestoreJob& job, LocalStats& stats) {
     try {
         auto cache = job.store.load();
         if (!cache) {
-            job.mark("loadCachedScan cache empty");
-            task.onMain([this] {
-                if (mayRestore()) setState(MailScanState::idle());
-            });
-            return;
+            mark(job, "loadCachedScan cache empty");
+            return NoCachedScan();
         }
-        job.mark(fmt::format("loadCachedScan cache decoded messages={}", cache->messages.size()));
-        std::size_t counted = 0;
-        *restored = makeRestored(std::move(*cache), job.accounts, counted);
-        job.archivedStatus->prepareFor(restored->set->messages);
-        if (restored->known) job.mark(fmt::format("loadCachedScan recompute stats msgs={}", counted));
+        mark(job, fmt::format("loadCachedScan cache decoded messages={}", cache->messages.size()));
+        return makeRestored(job, std::move(*cache), stats);
     } catch (const std::exception& error) {
-        task.onMain([this, message = fmt::format("读取上次扫描结果失败：{}", error.what())] {
-            if (mayRestore()) fail(message);
-        });
-        return;
+        return UnreadableCache{fmt::format("读取上次扫描结果失败：{}", error.what())};
     }
-    if (!hasSnapshot && restored->localYearStats && restored->localAccountYearStats) {
-        job.store.saveHomeSnapshot(restored->scannedAt, restored->summary, *restored->localYearStats,
-                                   *restored->localAccountYearStats);
-    }
-    task.onMain([this, restored, loadIndex = job.loadArchiveIndex] { applyRestored(*restored, loadIndex); });
-    const double total = secondsSince(job.start);
-    if (total < totalLogThreshold) return;
-    job.context.performanceLog.mark(fmt::format("[Perf] loadCachedScan.total {:.3f}s messages={}", total,
-                                                restored->set->messages->size()));
 }
 
-void ScanFlow::applyRestored(RestoredScan& restored, bool loadArchiveIndex) {
-    if (!mayRestore()) return;
-    const auto start = Clock::now();
-    const std::size_t localStats = restored.localYearStats ? restored.localYearStats->size() : 0;
-    const std::size_t accountStats =
-        restored.localAccountYearStats ? restored.localAccountYearStats->size() : 0;
-    catalog_.restore(restored.set, restored.summary, std::move(restored.known));
-    cacheLoadedAt_ = restored.scannedAt;
-    setState(MailScanState::finished());
-    Q_EMIT cachedScanRestored(loadArchiveIndex);
-    const double seconds = secondsSince(start);
-    if (seconds < applyLogThreshold) return;
-    context_.performanceLog.mark(
-        fmt::format("[Perf] loadCachedScan.apply {:.3f}s messages={} localStats={} accountStats={}", seconds,
-                    restored.set->messages->size(), localStats, accountStats));
+} // namespace
+
+RestoreOutcome restoreScan(const RestoreJob& job, const ReportingTask<MailHomeSnapshot>& task) {
+    job.startupLog.mark("loadCachedScan begin");
+    const bool hasSnapshot = reportSnapshot(job, task);
+    LocalStats stats;
+    RestoreOutcome outcome = restoreCache(job, stats);
+    const auto* restored = std::get_if<RestoredScan>(&outcome);
+    if (restored == nullptr) return outcome;
+    if (!hasSnapshot && stats.byYear && stats.byAccount)
+        job.store.saveHomeSnapshot(restored->scannedAt, restored->summary, *stats.byYear, *stats.byAccount);
+    const double total = secondsSince(job.start);
+    if (total >= totalLogThreshold) {
+        job.performanceLog.mark(fmt::format("[Perf] loadCachedScan.total {:.3f}s messages={}", total,
+                                            restored->set->messages->size()));
+    }
+    return outcome;
 }
 
 } // namespace corvane

@@ -40,14 +40,21 @@ void VisibleMessages::setSelectedMessageID(std::optional<std::string> id) {
 
 void VisibleMessages::rebuildVisibleMessages() {
     if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
-    ListInput input{catalog_.messages(), catalog_.locallyAvailableIDs(), catalog_.archivedMessageIDs(),
-                    catalog_.messageYearByID()};
-    rebuildTask_.start(TaskPriority::userInitiated, [this, input = std::move(input),
-                                                     rules = listRulesOf(filters_)](const TaskHandle& task) {
-        const SharedMessageList list = makeVisibleMessages(input, rules, task.stopToken());
-        if (!list) return;
-        task.onMain([this, list] { publish(list); });
-    });
+
+    struct Job {
+        ListInput input;
+        ListRules rules;
+    };
+
+    rebuildTask_.start(
+        TaskPriority::userInitiated,
+        Job{{catalog_.messages(), catalog_.locallyAvailableIDs(), catalog_.archivedMessageIDs(),
+             catalog_.messageYearByID()},
+            listRulesOf(filters_)},
+        [](const Job& job, const TaskHandle& task) {
+            return makeVisibleMessages(job.input, job.rules, task.stopToken());
+        },
+        [this](SharedMessageList list) { publish(std::move(list)); });
 }
 
 void VisibleMessages::clear() {

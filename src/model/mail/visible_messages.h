@@ -13,6 +13,7 @@
 #include "listing/visible_list.h"
 #include "model/mail/message_catalog.h"
 #include "model/mail/model_filters.h"
+#include "model/tasks/task_slot.h"
 
 namespace corvane {
 

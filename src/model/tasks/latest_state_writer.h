@@ -3,19 +3,19 @@
 // thread.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <utility>
 
-#include "model/tasks/task_runner.h"
+#include "model/tasks/task_slot.h"
 
 namespace corvane {
 
-template <class State>
+// `Write` is a value with `void operator()(const State&) const`, which runs on a thread of the runner and
+// ignores failures.
+template <class State, class Write>
 class LatestStateWriter {
   public:
-    // `write` runs on a thread of the runner and ignores failures.
-    LatestStateWriter(TaskRunner& tasks, std::function<void(const State&)> write)
+    LatestStateWriter(TaskRunner& tasks, Write write)
       : write_(std::move(write))
       , task_(tasks) {}
 
@@ -25,17 +25,20 @@ class LatestStateWriter {
     }
 
   private:
+    struct Job {
+        Write write;
+        std::shared_ptr<const State> state;
+    };
+
     void startNext() {
         isWriting_ = waiting_ != nullptr;
         if (!isWriting_) return;
-        const auto state = std::exchange(waiting_, nullptr);
-        task_.start(TaskPriority::utility, [this, write = write_, state](const TaskHandle& task) {
-            write(*state);
-            task.onMain([this] { startNext(); });
-        });
+        task_.start(
+            TaskPriority::utility, Job{write_, std::exchange(waiting_, nullptr)},
+            [](const Job& job, const TaskHandle&) { job.write(*job.state); }, [this] { startNext(); });
     }
 
-    std::function<void(const State&)> write_;
+    Write write_;
     std::shared_ptr<const State> waiting_;
     bool isWriting_ = false;
     TaskSlot task_;

@@ -61,32 +61,4 @@ void TaskRunner::end() {
         Qt::QueuedConnection);
 }
 
-void TaskHandle::onMain(std::function<void()> step) const {
-    runner_->postToMain([slot = slot_, generation = generation_, step = std::move(step)] {
-        const auto state = slot.lock();
-        if (state && state->generation == generation) step();
-    });
-}
-
-void TaskSlot::start(TaskPriority priority, std::function<void(const TaskHandle&)> job) {
-    cancel();
-    stop_ = std::stop_source();
-    running_ = std::make_shared<std::atomic<bool>>(true);
-    TaskHandle handle;
-    handle.runner_ = &runner_;
-    handle.stop_ = stop_;
-    handle.slot_ = state_;
-    handle.generation_ = state_->generation;
-    runner_.run(priority, stop_, [handle, running = running_, job = std::move(job)] {
-        job(handle);
-        running->store(false);
-    });
-}
-
-void TaskSlot::cancel() {
-    ++state_->generation;
-    if (stop_.stop_possible()) stop_.request_stop();
-    running_.reset();
-}
-
 } // namespace corvane

@@ -1,10 +1,35 @@
 #include "screens/archive/archive_candidates_model.h"
 
-#include <memory>
+#include <utility>
 
+#include "screens/lists/message_lines.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {
+
+namespace {
+
+struct TickJob {
+    screens::MessageRows rows;
+    bool ticked = false;
+    SharedTextSet ids; // ticked so far
+};
+
+SharedTextSet ticksOf(TickJob job, const TaskHandle&) {
+    for (const auto& range : job.rows.rows.ranges()) {
+        for (int row = range.first; row < range.end; ++row) {
+            const SharedText& id = (*job.rows.messages)[static_cast<std::size_t>(row)].id;
+            if (job.ticked) {
+                job.ids.insert(id);
+            } else {
+                job.ids.erase(id);
+            }
+        }
+    }
+    return std::move(job.ids);
+}
+
+} // namespace
 
 ArchiveCandidatesModel::ArchiveCandidatesModel(CorvaneViewModel& model, QObject* parent)
   : MessageListModel(parent)
@@ -54,15 +79,19 @@ void ArchiveCandidatesModel::clear() {
 }
 
 void ArchiveCandidatesModel::show(const SharedMessageList& candidates) {
+    struct Lists {
+        SharedMessageList from;
+        SharedMessageList to;
+    };
+
     compareTask_.start(
-        TaskPriority::userInitiated, [this, from = messages(), candidates](const TaskHandle& task) {
-            const auto changes = std::make_shared<const RowChanges>(rowChanges(*from, *candidates));
-            task.onMain([this, candidates, changes] {
-                isLoading_ = false;
-                apply(candidates, *changes);
-                sumSelection();
-                Q_EMIT loadingChanged();
-            });
+        TaskPriority::userInitiated, Lists{messages(), candidates},
+        [](const Lists& lists, const TaskHandle&) { return rowChanges(*lists.from, *lists.to); },
+        [this, candidates](const RowChanges& changes) {
+            isLoading_ = false;
+            apply(candidates, changes);
+            sumSelection();
+            Q_EMIT loadingChanged();
         });
 }
 
@@ -100,21 +129,11 @@ void ArchiveCandidatesModel::toggleTick(int row) {
 void ArchiveCandidatesModel::toggleTicks(int row) {
     if (selection().count() < 2 || !selection().isSelected(row)) return toggleTick(row);
     tickTask_.start(TaskPriority::userInitiated,
-                    [this, all = messages(), rows = selection().rows(), ticked = !isTicked(*message(row)),
-                     ids = std::make_shared<SharedTextSet>(model_.archive().selectedArchiveMessageIDs())](
-                        const TaskHandle& task) {
-                        for (const auto& range : rows.ranges()) {
-                            for (int each = range.first; each < range.end; ++each) {
-                                const SharedText& id = (*all)[static_cast<std::size_t>(each)].id;
-                                if (ticked) {
-                                    ids->insert(id);
-                                } else {
-                                    ids->erase(id);
-                                }
-                            }
-                        }
-                        task.onMain([this, ids] { model_.archive().setArchiveSelection(std::move(*ids)); });
-                    });
+                    TickJob{{messages(), selection().rows()},
+                            !isTicked(*message(row)),
+                            model_.archive().selectedArchiveMessageIDs()},
+                    &ticksOf,
+                    [this](SharedTextSet ids) { model_.archive().setArchiveSelection(std::move(ids)); });
 }
 
 void ArchiveCandidatesModel::tickRange(int row) {
@@ -130,12 +149,15 @@ void ArchiveCandidatesModel::setTicksOfAll(bool ticked) {
         model_.archive().selectNoArchiveCandidates();
         return;
     }
-    tickTask_.start(TaskPriority::userInitiated, [this, all = messages()](const TaskHandle& task) {
-        auto ids = std::make_shared<SharedTextSet>();
-        ids->reserve(all->size());
-        for (const MailMessageRecord& message : *all) ids->insert(message.id);
-        task.onMain([this, ids] { model_.archive().setArchiveSelection(std::move(*ids)); });
-    });
+    tickTask_.start(
+        TaskPriority::userInitiated, messages(),
+        [](const SharedMessageList& all, const TaskHandle&) {
+            SharedTextSet ids;
+            ids.reserve(all->size());
+            for (const MailMessageRecord& message : *all) ids.insert(message.id);
+            return ids;
+        },
+        [this](SharedTextSet ids) { model_.archive().setArchiveSelection(std::move(ids)); });
 }
 
 void ArchiveCandidatesModel::tickAll() {

@@ -80,12 +80,19 @@ void ArchiveScreen::open(ArchiveOffer offer) {
     model_.destinations().refreshFacts();
     setStage(Confirm);
     Q_EMIT candidatesChanged();
+
+    struct Offered {
+        std::shared_ptr<const SharedTextSet> ids;
+        SharedTextSet selection;
+    };
+
     prepareTask_.start(
-        TaskPriority::userInitiated, [this, makeIDs = std::move(offer.makeIDs)](const TaskHandle& task) {
-            const auto offered = std::make_shared<const SharedTextSet>(makeIDs());
-            const auto selection = std::make_shared<SharedTextSet>(*offered);
-            task.onMain([this, offered, selection] { takeOffer(offered, std::move(*selection)); });
-        });
+        TaskPriority::userInitiated, std::move(offer.makeIDs),
+        [](const std::function<SharedTextSet()>& makeIDs, const TaskHandle&) {
+            const auto ids = std::make_shared<const SharedTextSet>(makeIDs());
+            return Offered{ids, *ids};
+        },
+        [this](Offered offered) { takeOffer(std::move(offered.ids), std::move(offered.selection)); });
 }
 
 void ArchiveScreen::takeOffer(std::shared_ptr<const SharedTextSet> offered, SharedTextSet selection) {
@@ -176,13 +183,8 @@ void ArchiveScreen::copyVariants() {
 
 void ArchiveScreen::copyCandidates() {
     copyTask_.start(TaskPriority::userInitiated,
-                    [this, messages = candidates_.messages(),
-                     rows = candidates_.selection().rows()](const TaskHandle& task) {
-                        const QString lines = screens::messageLines(*messages, rows, task.stopToken());
-                        task.onMain([this, lines] {
-                            if (!lines.isEmpty()) desktop_.copy(lines);
-                        });
-                    });
+                    screens::MessageRows{candidates_.messages(), candidates_.selection().rows()},
+                    &screens::linesOfRows, [this](const QString& lines) { desktop_.copy(lines); });
 }
 
 void ArchiveScreen::chooseDestination(const QUrl& folder) {

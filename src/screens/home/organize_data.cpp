@@ -73,11 +73,14 @@ void OrganizeData::compute() {
     OrganizeInput input{
         catalog.messages(),        catalog.locallyAvailableIDs(),      catalog.archivedMessageIDs(),
         catalog.messageYearByID(), model_.filters().transferMaxYear(), model_.accounts().availableAccounts()};
-    task_.start(TaskPriority::userInitiated,
-                [this, input = std::move(input), signature = computingSignature_](const TaskHandle& task) {
-                    const auto overview = computeOrganizeYearSections(input, task.stopToken());
-                    if (overview) task.onMain([this, overview, signature] { publish(overview, signature); });
-                });
+    task_.start(
+        TaskPriority::userInitiated, std::move(input),
+        [](const OrganizeInput& shared, const TaskHandle& task) {
+            return computeOrganizeYearSections(shared, task.stopToken());
+        },
+        [this, signature = computingSignature_](SharedOrganizeOverview overview) {
+            publish(std::move(overview), signature);
+        });
 }
 
 void OrganizeData::publish(SharedOrganizeOverview overview, const std::string& signature) {

@@ -28,4 +28,9 @@ QString messageLines(const MessageList& messages, const RowRanges& rows, const s
     return lines;
 }
 
+std::optional<QString> linesOfRows(const MessageRows& selected, const TaskHandle& task) {
+    QString lines = messageLines(*selected.messages, selected.rows, task.stopToken());
+    return lines.isEmpty() ? std::nullopt : std::optional(std::move(lines));
+}
+
 } // namespace corvane::screens

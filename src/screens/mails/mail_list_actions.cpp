@@ -24,16 +24,29 @@ std::string_view addressOf(std::string_view sender) {
     return parts && parts->rest.empty() ? parts->address : sender;
 }
 
+struct ArchiveJob {
+    screens::MessageRows selected;
+    std::shared_ptr<const SharedTextSet> archivedIDs;
+};
+
+// Without what is archived already.
+std::shared_ptr<const SharedTextSet> idsToArchive(const ArchiveJob& job, const TaskHandle&) {
+    auto ids = std::make_shared<SharedTextSet>();
+    for (const auto& range : job.selected.rows.ranges()) {
+        for (int row = range.first; row < range.end; ++row) {
+            const SharedText& id = (*job.selected.messages)[static_cast<std::size_t>(row)].id;
+            if (!job.archivedIDs->contains(id)) ids->insert(id);
+        }
+    }
+    return ids;
+}
+
 } // namespace
 
 void MailListScreen::copySelection() {
-    copyTask_.start(TaskPriority::userInitiated, [this, rows = list_.selection().rows(),
-                                                  messages = list_.messages()](const TaskHandle& task) {
-        const QString lines = screens::messageLines(*messages, rows, task.stopToken());
-        task.onMain([this, lines] {
-            if (!lines.isEmpty()) desktop_.copy(lines);
-        });
-    });
+    copyTask_.start(TaskPriority::userInitiated,
+                    screens::MessageRows{list_.messages(), list_.selection().rows()}, &screens::linesOfRows,
+                    [this](const QString& lines) { desktop_.copy(lines); });
 }
 
 void MailListScreen::copySubject() {
@@ -94,17 +107,9 @@ void MailListScreen::filterByYear() {
 
 void MailListScreen::archiveSelection() {
     archiveTask_.start(TaskPriority::userInitiated,
-                       [this, rows = list_.selection().rows(), messages = list_.messages(),
-                        archived = list_.archivedIDs()](const TaskHandle& task) {
-                           auto ids = std::make_shared<SharedTextSet>();
-                           for (const auto& range : rows.ranges()) {
-                               for (int row = range.first; row < range.end; ++row) {
-                                   const SharedText& id = (*messages)[static_cast<std::size_t>(row)].id;
-                                   if (!archived->contains(id)) ids->insert(id);
-                               }
-                           }
-                           task.onMain([this, ids] { handOver(ids); });
-                       });
+                       ArchiveJob{{list_.messages(), list_.selection().rows()}, list_.archivedIDs()},
+                       &idsToArchive,
+                       [this](const std::shared_ptr<const SharedTextSet>& ids) { handOver(ids); });
 }
 
 void MailListScreen::handOver(const std::shared_ptr<const SharedTextSet>& ids) {

@@ -85,15 +85,22 @@ void MailListScreen::wire() {
 void MailListScreen::followList() {
     isUpdating_ = true;
     waiting_.reset();
+
+    struct Lists {
+        SharedMessageList from;
+        SharedMessageList to;
+    };
+
     updateTask_.start(
-        TaskPriority::userInitiated,
-        [this, from = list_.messages(), to = model_.visible().visibleMessages()](const auto& task) {
+        TaskPriority::userInitiated, Lists{list_.messages(), model_.visible().visibleMessages()},
+        [](const Lists& lists, const TaskHandle&) {
             auto update = std::make_shared<Update>();
-            update->changes = rowChanges(*from, *to);
-            update->bytesBefore = bytesBeforeRows(*to);
-            update->messages = to;
-            task.onMain([this, update] { take(update); });
-        });
+            update->changes = rowChanges(*lists.from, *lists.to);
+            update->bytesBefore = bytesBeforeRows(*lists.to);
+            update->messages = lists.to;
+            return update;
+        },
+        [this](std::shared_ptr<Update> update) { take(std::move(update)); });
     updateState();
 }
 
@@ -120,8 +127,7 @@ void MailListScreen::apply(Update& update) {
     list_.apply(std::move(update.messages), update.changes);
     isApplying_ = false;
     // The end of a large list takes longer than a frame.
-    model_.context().tasks.run(TaskPriority::utility, std::stop_source(),
-                               [earlier = std::move(earlier)]() mutable { earlier.reset(); });
+    model_.context().tasks.discard(std::move(earlier));
     followSelectedMessage();
     if (std::exchange(isRearranging_, false)) Q_EMIT listRearranged();
     Q_EMIT summaryChanged();
@@ -177,14 +183,20 @@ void MailListScreen::followArchived() {
 }
 
 void MailListScreen::recount() {
+    struct Job {
+        SharedMessageList messages;
+        std::shared_ptr<const SharedTextSet> available;
+        std::shared_ptr<const YearByID> years;
+    };
+
     MessageCatalog& catalog = model_.catalog();
-    countTask_.start(TaskPriority::utility,
-                     [this, messages = catalog.messages(), available = catalog.locallyAvailableIDs(),
-                      years = catalog.messageYearByID()](const TaskHandle& task) {
-                         auto counts = listedCounts(*messages, *available, *years, task.stopToken());
-                         auto shared = std::make_shared<ListedCounts>(std::move(counts));
-                         task.onMain([this, shared] { filters_.setCounts(std::move(*shared)); });
-                     });
+    countTask_.start(
+        TaskPriority::utility,
+        Job{catalog.messages(), catalog.locallyAvailableIDs(), catalog.messageYearByID()},
+        [](const Job& job, const TaskHandle& task) {
+            return listedCounts(*job.messages, *job.available, *job.years, task.stopToken());
+        },
+        [this](ListedCounts counts) { filters_.setCounts(std::move(counts)); });
     updateState();
 }
 

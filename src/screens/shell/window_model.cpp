@@ -90,11 +90,15 @@ void WindowModel::openAddress(const QString& address) {
     const std::optional<QString> folder = folderOfUrl(address);
     if (!folder) return;
     // Only folders: an address comes from anywhere, and a file would be given to the program that runs it.
-    addressTask_.start(TaskPriority::userInitiated, [this, path = *folder](const TaskHandle& task) {
-        std::error_code ignored;
-        if (!std::filesystem::is_directory(path.toStdString(), ignored)) return;
-        task.onMain([this, path] { desktop_.open(QUrl::fromLocalFile(path + u'/')); });
-    });
+    addressTask_.start(
+        TaskPriority::userInitiated, *folder,
+        [](const QString& path, const TaskHandle&) {
+            std::error_code ignored;
+            return std::filesystem::is_directory(path.toStdString(), ignored);
+        },
+        [this, path = *folder](bool isFolder) {
+            if (isFolder) desktop_.open(QUrl::fromLocalFile(path + u'/'));
+        });
 }
 
 qreal WindowModel::storedLength(const QString& name, qreal fallback, qreal minimum, qreal maximum) const {

@@ -114,29 +114,29 @@ void FolderPicker::makeFolder(const QString& name) {
 void FolderPicker::choose(int row) {
     setError({});
     setBusy(true);
-    task_.start(TaskPriority::userInitiated, [this, path = target(row)](const TaskHandle& task) {
-        task.onMain([this, path, obstacle = screens::obstacleToWriting(path)] {
+    task_.start(
+        TaskPriority::userInitiated, target(row),
+        [](const std::string& path, const TaskHandle&) { return screens::obstacleToWriting(path); },
+        [this, path = target(row)](const QString& obstacle) {
             setBusy(false);
             setError(obstacle);
             if (!obstacle.isEmpty()) return;
             chosenPath_ = path;
             Q_EMIT chosen();
         });
-    });
 }
 
 void FolderPicker::list(Job job, bool makesFolder) {
     setError({});
     setBusy(true);
-    task_.start(TaskPriority::userInitiated,
-                [this, job = std::move(job), makesFolder](const TaskHandle& task) {
-                    auto listing = std::make_shared<FolderListing>(job(task.stopToken()));
-                    task.onMain([this, listing, makesFolder] {
-                        const bool isMade = makesFolder && listing->error.isEmpty();
-                        take(std::move(*listing));
-                        if (isMade) Q_EMIT folderMade();
-                    });
-                });
+    task_.start(
+        TaskPriority::userInitiated, std::move(job),
+        [](const Job& listing, const TaskHandle& task) { return listing(task.stopToken()); },
+        [this, makesFolder](FolderListing listing) {
+            const bool isMade = makesFolder && listing.error.isEmpty();
+            take(std::move(listing));
+            if (isMade) Q_EMIT folderMade();
+        });
 }
 
 void FolderPicker::take(FolderListing listing) {
@@ -153,25 +153,33 @@ void FolderPicker::take(FolderListing listing) {
 }
 
 void FolderPicker::findPlaces() {
-    placesTask_.start(TaskPriority::userInitiated, [this, &platform = model_.context().platform](
-                                                       const TaskHandle& task) {
-        std::vector<Place> places = {
-            {platform.realUserHomeDirectory(), QStringLiteral("个人文件夹"), {}, QStringLiteral("folder")}};
-        const auto add = [&](const std::vector<CloudStorageProvider>& found, const char* kind) {
-            for (const CloudStorageProvider& place : found) {
-                places.push_back({place.path, screens::shownLine(place.name),
-                                  screens::shownLine(place.detail.value_or(kind)),
-                                  QString::fromStdString(place.icon)});
-            }
-        };
-        add(detectCloudStorage(platform), "云盘");
-        add(detectRemovableVolumes(platform), "U 盘 / 外置盘");
-        places.push_back({"/", QStringLiteral("本机磁盘"), {}, QStringLiteral("externaldrive")});
-        task.onMain([this, places] {
-            places_ = places;
+    struct PlacesJob {
+        const platform::Platform& platform;
+    };
+
+    placesTask_.start(
+        TaskPriority::userInitiated, PlacesJob{model_.context().platform},
+        [](const PlacesJob& job, const TaskHandle&) { return usualPlaces(job.platform); },
+        [this](std::vector<Place> places) {
+            places_ = std::move(places);
             Q_EMIT placesChanged();
         });
-    });
+}
+
+std::vector<FolderPicker::Place> FolderPicker::usualPlaces(const platform::Platform& platform) {
+    std::vector<Place> places = {
+        {platform.realUserHomeDirectory(), QStringLiteral("个人文件夹"), {}, QStringLiteral("folder")}};
+    const auto add = [&](const std::vector<CloudStorageProvider>& found, const char* kind) {
+        for (const CloudStorageProvider& place : found) {
+            places.push_back({place.path, screens::shownLine(place.name),
+                              screens::shownLine(place.detail.value_or(kind)),
+                              QString::fromStdString(place.icon)});
+        }
+    };
+    add(detectCloudStorage(platform), "云盘");
+    add(detectRemovableVolumes(platform), "U 盘 / 外置盘");
+    places.push_back({"/", QStringLiteral("本机磁盘"), {}, QStringLiteral("externaldrive")});
+    return places;
 }
 
 void FolderPicker::setBusy(bool busy) {

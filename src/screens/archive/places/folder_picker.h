@@ -89,6 +89,7 @@ class FolderPicker : public QAbstractListModel {
     void setBusy(bool busy);
     void setError(const QString& text);
     void findPlaces();
+    static std::vector<Place> usualPlaces(const platform::Platform& platform);
     [[nodiscard]] std::string target(int row) const;
 
     CorvaneViewModel& model_;

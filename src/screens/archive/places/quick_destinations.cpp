@@ -128,15 +128,26 @@ void QuickDestinations::show() {
 
 void QuickDestinations::refreshDetectedDestinations() {
     consoleLine("[HangTrace] settings refreshDetectedDestinations begin(main)");
+
+    struct Job {
+        const platform::Platform& platform;
+    };
+
+    struct Found {
+        std::vector<CloudStorageProvider> providers;
+        std::vector<CloudStorageProvider> volumes;
+    };
+
     detectionTask_.start(
-        TaskPriority::userInitiated, [this, &platform = model_.context().platform](const TaskHandle& task) {
-            task.onMain(
-                [this, providers = detectCloudStorage(platform), volumes = detectRemovableVolumes(platform)] {
-                    detectedProviders_ = providers;
-                    detectedVolumes_ = volumes;
-                    show();
-                    consoleLine("[HangTrace] settings refreshDetectedDestinations applied(main)");
-                });
+        TaskPriority::userInitiated, Job{model_.context().platform},
+        [](const Job& job, const TaskHandle&) {
+            return Found{detectCloudStorage(job.platform), detectRemovableVolumes(job.platform)};
+        },
+        [this](Found found) {
+            detectedProviders_ = std::move(found.providers);
+            detectedVolumes_ = std::move(found.volumes);
+            show();
+            consoleLine("[HangTrace] settings refreshDetectedDestinations applied(main)");
         });
 }
 

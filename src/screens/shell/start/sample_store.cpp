@@ -45,6 +45,22 @@ void makeSamples(const platform::Platform& platform, const std::string& maker, c
     fs::rename(draft, home);
 }
 
+struct MakeJob {
+    const platform::Platform& platform;
+    std::string maker;
+    std::string home;
+};
+
+// The user's text; empty when the samples are there.
+QString failureOfMaking(const MakeJob& job, const TaskHandle&) {
+    try {
+        makeSamples(job.platform, job.maker, job.home);
+    } catch (const std::exception& error) {
+        return QStringLiteral("没能生成示例邮件：") + QString::fromLocal8Bit(error.what()).trimmed();
+    }
+    return {};
+}
+
 } // namespace
 
 SampleStore::SampleStore(ModelContext& context, std::vector<std::string> makers, QObject* parent)
@@ -71,21 +87,13 @@ void SampleStore::make() {
     busy_ = true;
     failure_.clear();
     Q_EMIT changed();
-    task_.start(TaskPriority::userInitiated, [this, &platform = context_.platform, maker = maker_,
-                                              home = sampleHome()](const TaskHandle& task) {
-        QString failure;
-        try {
-            makeSamples(platform, maker, home);
-        } catch (const std::exception& error) {
-            failure = QStringLiteral("没能生成示例邮件：") + QString::fromLocal8Bit(error.what()).trimmed();
-        }
-        task.onMain([this, failure, home] {
-            busy_ = false;
-            failure_ = failure;
-            Q_EMIT changed();
-            if (failure.isEmpty()) Q_EMIT ready(QString::fromStdString(home));
-        });
-    });
+    task_.start(TaskPriority::userInitiated, MakeJob{context_.platform, maker_, sampleHome()},
+                &failureOfMaking, [this](const QString& failure) {
+                    busy_ = false;
+                    failure_ = failure;
+                    Q_EMIT changed();
+                    if (failure.isEmpty()) Q_EMIT ready(QString::fromStdString(sampleHome()));
+                });
 }
 
 std::string SampleStore::sampleHome() const {
@@ -93,15 +101,22 @@ std::string SampleStore::sampleHome() const {
 }
 
 void SampleStore::look(std::vector<std::string> makers) {
-    task_.start(TaskPriority::utility, [this, &platform = context_.platform, mailRoot = context_.mailRootPath,
-                                        makers = std::move(makers)](const TaskHandle& task) {
-        const std::string maker =
-            isThere(mailRoot) || pythonRuntime(platform).empty() ? std::string() : firstThere(makers);
-        task.onMain([this, maker] {
-            maker_ = maker;
+    struct Job {
+        const platform::Platform& platform;
+        std::string mailRoot;
+        std::vector<std::string> makers;
+    };
+
+    task_.start(
+        TaskPriority::utility, Job{context_.platform, context_.mailRootPath, std::move(makers)},
+        [](const Job& job, const TaskHandle&) {
+            return isThere(job.mailRoot) || pythonRuntime(job.platform).empty() ? std::string()
+                                                                                : firstThere(job.makers);
+        },
+        [this](std::string maker) {
+            maker_ = std::move(maker);
             Q_EMIT changed();
         });
-    });
 }
 
 } // namespace corvane

@@ -1,0 +1,55 @@
+// The background part of a scan: reads the store, reports the growing list at most once a second, and returns
+// the whole. Works on values alone, on a thread of the runner.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "mailstore/scan/mail_data_scanner.h"
+#include "model/archiving/archived_status.h"
+#include "model/mail/mail_access.h"
+#include "model/mail/message_catalog.h"
+#include "model/tasks/task_slot.h"
+#include "records/statistics_records.h"
+
+namespace corvane {
+
+struct ScanJob {
+    MailDataScanner scanner;
+    std::vector<std::string> accountNames; // for the summaries
+    MailStore store;
+    std::shared_ptr<ArchivedStatus> archivedStatus;
+};
+
+// What is shown of a running scan.
+struct ScanStep {
+    SharedMessageSet set;
+    MailScanSummary summary;
+    std::string timingLog;
+    std::string line;
+};
+
+// There is no folder of Mail.
+struct MissingMailRoot {};
+
+// The scan broke off, with the user's text.
+struct BrokenScan {
+    std::string message;
+};
+
+struct FinishedScan {
+    SharedMessageSet set;
+    MailScanSummary summary;
+    std::string timingLog;
+    std::optional<EmptyScanMessage> empty; // present when the index had no row for the scan
+};
+
+using ScanOutcome = std::variant<MissingMailRoot, BrokenScan, FinishedScan>;
+
+// Absent when cancelled.
+std::optional<ScanOutcome> runScan(const ScanJob& job, const ReportingTask<ScanStep>& task);
+
+} // namespace corvane

@@ -1,0 +1,54 @@
+// The background part of restoring the last scan from its two files: the small one for the home screen, then
+// the large one. Works on values alone, on a thread of the runner.
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "model/archiving/archived_status.h"
+#include "model/mail/message_catalog.h"
+#include "model/tasks/task_slot.h"
+#include "records/logs/performance_log.h"
+#include "records/logs/startup_log.h"
+#include "records/mail_account.h"
+#include "records/statistics_records.h"
+#include "records/stores/scan_cache_store.h"
+
+namespace corvane {
+
+struct RestoreJob {
+    const ArchiveLibraryStartupLog& startupLog;
+    MailPerformanceLog& performanceLog;
+    MailScanCacheStore store;
+    std::vector<MailAccount> accounts;
+    std::shared_ptr<ArchivedStatus> archivedStatus;
+    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+};
+
+struct NoCachedScan {};
+
+// With the user's text.
+struct UnreadableCache {
+    std::string message;
+};
+
+struct RestoredScan {
+    SharedMessageSet set;
+    MailScanSummary summary;
+    Date scannedAt{};
+    std::optional<AvailabilityResult> known; // absent: the cache doesn't say which messages are available
+    // Of the local statistics, for the log.
+    std::size_t localStatCount = 0;
+    std::size_t accountStatCount = 0;
+};
+
+using RestoreOutcome = std::variant<NoCachedScan, UnreadableCache, RestoredScan>;
+
+// Reports the home snapshot when there is a current one, before the large file is read.
+RestoreOutcome restoreScan(const RestoreJob& job, const ReportingTask<MailHomeSnapshot>& task);
+
+} // namespace corvane
