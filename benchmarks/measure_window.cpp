@@ -194,7 +194,7 @@ std::string steps(TimedApplication& application, const std::string& home, const 
 
     application.step("run", [&] { whole.window().archive()->start(); });
     QTimer::singleShot(runTime, whole.window().archive(), &ArchiveScreen::cancelRun);
-    whole.waitFor([&] { return !model.archive().isArchiving(); });
+    whole.waitFor([&] { return !model.archiveRun().isArchiving(); });
     const std::string run = application.takeSummary();
     return fmt::format(
         R"("start": {}, "scan": {}, "firstList": {}, "typing": {}, "ticking": {}, "sheet": {}, "run": {})",

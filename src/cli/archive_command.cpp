@@ -34,22 +34,22 @@ void select(Session& session, const ArchiveOptions& options) {
     model.destinations().setTransferDestination(platform::standardizedPath(options.destination));
     session.waitUntilIdle();
     if (options.limit) {
-        model.archive().selectFirstArchiveCandidates(static_cast<std::size_t>(*options.limit));
+        model.ticks().selectFirstArchiveCandidates(static_cast<std::size_t>(*options.limit));
     } else {
-        model.archive().selectAllArchiveCandidates();
+        model.ticks().selectAllArchiveCandidates();
     }
 }
 
 EmailArchiveRunResult runToEnd(Session& session) {
     CorvaneViewModel& model = session.model();
     ProgressLine line;
-    const auto shown = QObject::connect(&model.archive(), &ArchiveControl::progressChanged, [&] {
-        const auto& progress = model.archive().emailArchiveProgress();
+    const auto shown = QObject::connect(&model.archiveRun(), &ArchiveRunFlow::progressChanged, [&] {
+        const auto& progress = model.archiveRun().emailArchiveProgress();
         if (progress) line.show(progress->statusText, progress->fraction());
     });
-    std::optional<ArchiveControl::RunOutcome> outcome;
-    model.archiveSelectedEmails([&](ArchiveControl::RunOutcome value) { outcome = std::move(value); });
-    session.waitUntilIdle([&] { model.archive().cancelEmailArchive(); });
+    std::optional<ArchiveRunFlow::RunOutcome> outcome;
+    model.archiveSelectedEmails([&](ArchiveRunFlow::RunOutcome value) { outcome = std::move(value); });
+    session.waitUntilIdle([&] { model.archiveRun().cancelEmailArchive(); });
     QObject::disconnect(shown);
     if (!outcome) throw CommandFailure("归档任务没有返回结果。");
     if (!*outcome) throw CommandFailure(outcome->error());
@@ -101,7 +101,7 @@ int runArchive(Session& session, const ArchiveOptions& options, bool json) {
     // Here it follows the run, whether or not that archived anything: an earlier one may have been killed.
     session.model().bodyTexts().setAutomaticRepair(false);
     EmailArchiveRunResult result;
-    if (session.model().archive().selectedArchiveMessageIDs().empty()) {
+    if (session.model().ticks().selectedArchiveMessageIDs().empty()) {
         const std::string root = platform::standardizedPath(options.destination);
         result.indexURL = FileURL(platform::joinPath(root, archiveIndexFileName));
     } else {

@@ -117,7 +117,7 @@ std::map<std::string, std::map<std::string, std::int64_t>> withTextKeys(const Co
 
 void printStatsJson(CorvaneViewModel& model, const std::set<std::int64_t>& years) {
     const DeletionSafety safety = model.deletionSafety(years);
-    const MailScanSummary candidates = model.archive().archiveCandidateSummary();
+    const MailScanSummary candidates = model.candidates().archiveCandidateSummary();
     JsonDocument document;
     document.object([&] {
         document.member("summary", model.catalog().summary());
@@ -125,7 +125,8 @@ void printStatsJson(CorvaneViewModel& model, const std::set<std::int64_t>& years
         document.member("localYearStats", model.catalog().cachedLocalYearStats());
         document.member("accountYearStats", model.catalog().cachedAccountYearStats());
         document.member("mailAccountYearStats", model.catalog().cachedMailAccountYearStats());
-        document.member("unbackedAccountYearStats", model.catalog().cachedUnbackedAccountYearStats());
+        document.member("unbackedAccountYearStats",
+                        model.catalog().state()->availability->unbackedAccountYearStats);
         document.member("indexedYearCounts", withTextKeys(model.counts().indexedYearCounts()));
         document.member("indexedYearCountsByAccount",
                         withTextKeys(model.counts().indexedYearCountsByAccount()));
@@ -157,7 +158,7 @@ void printStatsTable(CorvaneViewModel& model, const std::set<std::int64_t>& year
     }
     table.print();
     const DeletionSafety safety = model.deletionSafety(years);
-    const MailScanSummary candidates = model.archive().archiveCandidateSummary();
+    const MailScanSummary candidates = model.candidates().archiveCandidateSummary();
     printText(fmt::format("本机 {} 封，已归档 {} 封，仅在服务器 {} 封；可归档 {} 封，{}", safety.local,
                           safety.archived, safety.serverOnly, candidates.matchedMessages,
                           formatByteCount(candidates.bytes)));

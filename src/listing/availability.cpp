@@ -41,14 +41,13 @@ struct Selections {
 };
 
 Selections selectCounted(const AvailabilityJob& job, const CountedMessages& all,
-                         const SharedTextSet& available) {
+                         const SharedTextSet& available, const SharedTextSet& archived) {
     Selections selections;
     selections.local.reserve(all.size());
     selections.unbacked.reserve(all.size());
-    const SharedTextSet& archived = *job.inputs.archivedBaseIDs;
     const bool areAllLocal = areAllAvailable(*job.set->messages, available);
     for (const CountedMessage& counted : all) {
-        if (!archived.empty() && archived.contains(stableID(*counted.message))) continue;
+        if (!archived.empty() && archived.contains(counted.message->id)) continue;
         selections.unbacked.push_back(counted);
         const CandidateFacts facts{
             .isAvailable = [&] { return areAllLocal || available.contains(counted.message->id); },
@@ -59,7 +58,22 @@ Selections selectCounted(const AvailabilityJob& job, const CountedMessages& all,
     return selections;
 }
 
+std::shared_ptr<const SharedTextSet> archivedIDs(const AvailabilityJob& job) {
+    const auto& baseIDs = job.inputs.archivedBaseIDs;
+    if (job.known && job.known->archivedBaseIDs == baseIDs) return job.known->archivedMessageIDs;
+    return corvane::archivedIDs(*job.set->messages, *baseIDs);
+}
+
 } // namespace
+
+std::shared_ptr<const SharedTextSet> archivedIDs(const MessageList& messages, const SharedTextSet& baseIDs) {
+    auto archived = std::make_shared<SharedTextSet>();
+    if (baseIDs.empty()) return archived;
+    for (const MailMessageRecord& message : messages) {
+        if (baseIDs.contains(stableID(message))) archived->insert(message.id);
+    }
+    return archived;
+}
 
 // The list waits for this, so what doesn't depend on each other runs at a time.
 std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job,
@@ -72,16 +86,21 @@ std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job
         set.counted ? set.counted
                     : std::make_shared<const CountedMessages>(countedMessages(allOf(*set.messages)));
     const CountedMessages& all = *countedSet;
+    result.archivedBaseIDs = job.inputs.archivedBaseIDs;
     platform::parallelCalls(
         [&] {
-            result.locallyAvailableIDs = job.knownAvailable ? job.knownAvailable : findAvailable(job, stop);
+            result.locallyAvailableIDs =
+                job.known ? job.known->locallyAvailableIDs : findAvailable(job, stop);
+            result.archivedMessageIDs = archivedIDs(job);
         },
         [&] {
-            result.yearByID = std::make_shared<const YearByID>(yearsByID(all));
+            result.yearByID =
+                job.known ? job.known->yearByID : std::make_shared<const YearByID>(yearsByID(all));
             result.mailAccountYearStats = computeAccountYearStats(all, accounts);
         });
     if (!result.locallyAvailableIDs || stop.stop_requested()) return std::nullopt;
-    const Selections selections = selectCounted(job, all, *result.locallyAvailableIDs);
+    const Selections selections =
+        selectCounted(job, all, *result.locallyAvailableIDs, *result.archivedMessageIDs);
     // Nothing archived, or everything on this disk and within the limits: what is selected is all.
     const auto accountStats = [&](const CountedMessages& selected) {
         return selected.size() == all.size() ? result.mailAccountYearStats

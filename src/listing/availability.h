@@ -18,7 +18,7 @@
 
 namespace corvane {
 
-// What an availability run needs beside the messages.
+// What an availability run needs beside the messages. No pointer is null.
 struct AvailabilityInputs {
     std::shared_ptr<const SharedTextSet> archivedBaseIDs = std::make_shared<const SharedTextSet>();
     CandidateRules limits; // of size and newest year; the statistics have a row for every account and year
@@ -29,6 +29,9 @@ struct AvailabilityInputs {
 struct AvailabilityResult {
     std::shared_ptr<const SharedTextSet> locallyAvailableIDs = std::make_shared<const SharedTextSet>();
     std::shared_ptr<const YearByID> yearByID = std::make_shared<const YearByID>();
+    // The messages whose stable id is one of these base ids.
+    std::shared_ptr<const SharedTextSet> archivedMessageIDs = std::make_shared<const SharedTextSet>();
+    std::shared_ptr<const SharedTextSet> archivedBaseIDs = std::make_shared<const SharedTextSet>();
     std::vector<YearStat> localYearStats;
     std::vector<AccountYearStatGroup> accountYearStats;         // of the local candidates
     std::vector<AccountYearStatGroup> mailAccountYearStats;     // of all messages
@@ -37,15 +40,20 @@ struct AvailabilityResult {
     std::int64_t localBytes = 0;
 };
 
+using SharedAvailability = std::shared_ptr<const AvailabilityResult>;
+
 struct AvailabilityJob {
     SharedMessageSet set; // never null
     AvailabilityInputs inputs;
-    std::shared_ptr<const SharedTextSet> knownAvailable; // null when the files have to be looked for
+    SharedAvailability known; // of the same set by an earlier run; null when the files have to be looked for
     bool filesWereSeen = false; // by the scan that has just listed them: all are there
 };
 
 // A file that can't be looked at counts as absent. Absent when stopped.
 std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job,
                                                       const std::stop_token& stop = {});
+
+// The ids of the messages whose stable id is one of the base ids.
+std::shared_ptr<const SharedTextSet> archivedIDs(const MessageList& messages, const SharedTextSet& baseIDs);
 
 } // namespace corvane

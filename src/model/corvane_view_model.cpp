@@ -25,10 +25,12 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
                                            accounts_.availableAccounts()};
              })
   , visible_(context, catalog_, filters_)
-  , counts_(context, accounts_, catalog_)
+  , counts_(context, accounts_)
   , space_(accounts_, catalog_)
   , scanFlow_(context, accounts_, catalog_, counts_, filters_)
-  , archive_(context, catalog_, filters_)
+  , candidates_(context, catalog_, filters_)
+  , ticks_(context, candidates_)
+  , archiveRun_(context)
   , previews_(context, catalog_)
   , bodyTexts_(context, library_)
   , diskAccess_(context)
@@ -75,7 +77,7 @@ void CorvaneViewModel::wireScan() {
     connect(&scanFlow_, &ScanFlow::earlierMessagesRestored, this,
             [this] { visible_.rebuildVisibleMessages(); });
     connect(&scanFlow_, &ScanFlow::homeSnapshotApplied, this,
-            [this] { archive_.setKnownCandidateCount(catalog_.localMessageCount()); });
+            [this] { candidates_.setKnownCandidateCount(catalog_.state()->availability->localCount); });
     connect(&scanFlow_, &ScanFlow::cachedScanRestored, this, [this](bool loadIndex) {
         if (loadIndex) loadArchiveIndex(false);
         pruneFilterYears();
@@ -97,15 +99,14 @@ void CorvaneViewModel::reconcileCounts() {
 void CorvaneViewModel::wireAvailability() {
     connect(&catalog_, &MessageCatalog::messagesChanged, this, [this] {
         if (!catalog_.isAvailabilityKnown()) visible_.clear();
-        archive_.markArchiveCandidateCountStale();
-        if (!scanFlow_.state().isScanning()) archive_.refreshArchiveCandidateCountAsync();
+        candidates_.markArchiveCandidateCountStale();
     });
     connect(&catalog_, &MessageCatalog::availabilityPublished, this, [this] {
         visible_.rebuildVisibleMessages();
-        archive_.refreshArchiveCandidateCountAsync();
+        candidates_.markArchiveCandidateCountStale();
     });
     connect(&visible_, &VisibleMessages::visibleMessagesChanged, this,
-            [this] { archive_.pruneArchiveSelection(); });
+            [this] { ticks_.pruneArchiveSelection(); });
     connect(&visible_, &VisibleMessages::visibleMessagesChanged, &catalog_, &MessageCatalog::saveCacheIfDue);
 }
 
@@ -114,20 +115,16 @@ void CorvaneViewModel::wireFilters() {
     connect(
         &filters_, &ModelFilters::listFilterChanged, this, [this] { visible_.rebuildVisibleMessages(); },
         Qt::QueuedConnection);
-    connect(&filters_, &ModelFilters::candidateFilterChanged, this, [this] {
-        archive_.markArchiveCandidateCountStale();
-        archive_.refreshArchiveCandidateCountAsync();
-    });
+    connect(&filters_, &ModelFilters::candidateFilterChanged, &candidates_,
+            &ArchiveCandidates::markArchiveCandidateCountStale);
 }
 
 void CorvaneViewModel::wireArchive() {
-    library_.setBaseIDsPreparation(
-        [status = catalog_.archivedStatus()](const auto& baseIDs) { status->prepareFor(baseIDs); });
     connect(&library_, &LibraryLoader::archivedBaseIDsChanged, this, [this] { archivedBaseIDsReplaced(); });
     connect(&destinations_, &ArchiveDestinations::destinationPrepared, this,
             [this] { loadArchiveIndex(false); });
     connect(
-        &archive_, &ArchiveControl::archiveRunFinished, this,
+        &archiveRun_, &ArchiveRunFlow::archiveRunFinished, this,
         [this](const EmailArchiveRunResult& result, const QString& destination, const QString& signature) {
             loadArchiveIndex(true);
             destinations_.refreshFacts();
@@ -135,6 +132,7 @@ void CorvaneViewModel::wireArchive() {
             bodyTexts_.scheduleBodyTextIndexRepair({canonicalPath(destination.toStdString())},
                                                    result.archivedCount, signature.toStdString());
         });
+    connect(&archiveRun_, &ArchiveRunFlow::archiveRunEnded, &ticks_, &ArchiveTicks::pruneArchiveSelection);
     connect(&bodyTexts_, &BodyTexts::libraryReloadWanted, this, [this] { loadArchiveIndex(true); });
 }
 
@@ -152,16 +150,14 @@ void CorvaneViewModel::wirePreviews() {
 }
 
 void CorvaneViewModel::archivedBaseIDsReplaced() {
-    archive_.setArchivedBaseIDs(library_.archivedEmailBaseIDs());
-    catalog_.rebuildArchivedMessageStatusCache();
-    archive_.archivedMessagesReplaced();
+    candidates_.markArchiveCandidateCountStale();
     context_.tasks.postToMain([model = QPointer(this)] {
         if (!model) return;
-        model->archive_.pruneArchiveSelection();
+        model->ticks_.pruneArchiveSelection();
         if (model->filters_.migratedFilter() != MigratedFilter::all) model->visible_.rebuildVisibleMessages();
     });
+    // Which messages are archived is a result of this run.
     catalog_.refreshAvailabilityCacheAsync(true);
-    archive_.refreshArchiveCandidateCountAsync();
 }
 
 void CorvaneViewModel::wireVolumes() {
@@ -201,7 +197,6 @@ bool CorvaneViewModel::hasScanDisplayData() const {
 }
 
 DeletionSafety CorvaneViewModel::deletionSafety(const std::set<std::int64_t>& years) {
-    if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
     const TallyByAccount tallies =
         tallyMessages({*catalog_.messages(), *catalog_.locallyAvailableIDs(),
                        *library_.archivedEmailBaseIDs(), *catalog_.messageYearByID()});
@@ -213,11 +208,12 @@ DeletionSafety CorvaneViewModel::deletionSafety(const std::set<std::int64_t>& ye
 void CorvaneViewModel::applyHomeScope(const std::optional<std::string>& accountPrefix,
                                       const std::set<std::int64_t>& years) {
     filters_.applyHomeScope(accountPrefix, years);
-    archive_.setKnownCandidateCount(archive_.cachedCandidateCount(accountPrefix, years));
+    candidates_.setKnownCandidateCount(candidates_.cachedCandidateCount(accountPrefix, years));
 }
 
-void CorvaneViewModel::archiveSelectedEmails(ArchiveControl::Completion completion) {
-    archive_.archiveSelectedEmails(destinations_.transferDestination(), std::move(completion));
+void CorvaneViewModel::archiveSelectedEmails(ArchiveRunFlow::Completion completion) {
+    archiveRun_.archiveSelectedEmails(candidates_.archiveCandidates(), ticks_.selectedArchiveMessageIDs(),
+                                      destinations_.transferDestination(), std::move(completion));
 }
 
 } // namespace corvane

@@ -14,7 +14,9 @@
 
 #include <QObject>
 
-#include "model/archiving/archive_control.h"
+#include "model/archiving/archive_candidates.h"
+#include "model/archiving/archive_run_flow.h"
+#include "model/archiving/archive_ticks.h"
 #include "model/archiving/destinations.h"
 #include "model/library/body_texts.h"
 #include "model/library/library_loader.h"
@@ -48,7 +50,7 @@ class CorvaneViewModel : public QObject {
     void applyHomeScope(const std::optional<std::string>& accountPrefix, const std::set<std::int64_t>& years);
 
     // Archives the ticked candidates to the chosen destination.
-    void archiveSelectedEmails(ArchiveControl::Completion completion);
+    void archiveSelectedEmails(ArchiveRunFlow::Completion completion);
 
     [[nodiscard]] ModelContext& context() const { return context_; }
 
@@ -70,7 +72,11 @@ class CorvaneViewModel : public QObject {
 
     [[nodiscard]] ArchiveDestinations& destinations() { return destinations_; }
 
-    [[nodiscard]] ArchiveControl& archive() { return archive_; }
+    [[nodiscard]] ArchiveCandidates& candidates() { return candidates_; }
+
+    [[nodiscard]] ArchiveTicks& ticks() { return ticks_; }
+
+    [[nodiscard]] ArchiveRunFlow& archiveRun() { return archiveRun_; }
 
     [[nodiscard]] PreviewRefresh& previews() { return previews_; }
 
@@ -103,7 +109,9 @@ class CorvaneViewModel : public QObject {
     IndexCounts counts_;
     SpaceUsage space_;
     ScanFlow scanFlow_;
-    ArchiveControl archive_;
+    ArchiveCandidates candidates_;
+    ArchiveTicks ticks_;
+    ArchiveRunFlow archiveRun_;
     PreviewRefresh previews_;
     BodyTexts bodyTexts_;
     FullDiskAccess diskAccess_;

@@ -4,9 +4,9 @@
 
 namespace corvane {
 
-ModelContext::ModelContext(const platform::Platform& system)
+ModelContext::ModelContext(const platform::Platform& system, platform::FileLayer& files)
   : platform(system)
-  , support(system)
+  , support(system, files)
   , performanceLog(support)
   , startupLog(support, performanceLog)
   , settings(system.settingsPath())

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "model/tasks/task_runner.h"
+#include "platform/file_layer.h"
 #include "platform/platform.h"
 #include "platform/settings_store.h"
 #include "records/logs/performance_log.h"
@@ -14,7 +15,9 @@
 namespace corvane {
 
 struct ModelContext {
-    explicit ModelContext(const platform::Platform& system);
+    // All that the model writes goes through `files`.
+    explicit ModelContext(const platform::Platform& system,
+                          platform::FileLayer& files = platform::posixFileLayer());
 
     const platform::Platform& platform;
     CorvaneAppSupport support;

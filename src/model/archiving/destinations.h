@@ -14,12 +14,6 @@
 
 namespace corvane {
 
-// Texts of the folder picker. It takes one folder, which may be made in it.
-inline constexpr const char* chooseDestinationTitle = "选择附件转移位置";
-inline constexpr const char* chooseDestinationPrompt = "使用此位置";
-inline constexpr const char* chooseDestinationMessage =
-    "归档会直接放进所选文件夹，建议新建一个专用空文件夹（例如坚果云同步目录里的一个文件夹）。";
-
 class ArchiveDestinations : public QObject {
     Q_OBJECT
 

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include "locations/archive_locations.h"
 #include "locations/cloud_providers.h"
@@ -21,11 +20,6 @@ constexpr auto recently = 2.0s;
 double secondsSince(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
-
-struct LoadJob {
-    LibraryLoad load;
-    std::function<void(const std::shared_ptr<const SharedTextSet>&)> prepareBaseIDs;
-};
 
 struct ConnectionJob {
     const platform::Platform& platform;
@@ -67,12 +61,6 @@ const ArchiveLocation* LibraryLoader::location(std::string_view rootPath) const 
     return found == locations_.end() ? nullptr : &*found;
 }
 
-void LibraryLoader::setLibraryFilters(LibraryFilters filters) {
-    if (filters_ == filters) return;
-    filters_ = std::move(filters);
-    Q_EMIT libraryFiltersChanged();
-}
-
 void LibraryLoader::loadEmailArchiveIndex(const std::optional<std::string>& currentDestination, bool force) {
     LibraryLoadInput input;
     if (currentDestination) {
@@ -80,19 +68,18 @@ void LibraryLoader::loadEmailArchiveIndex(const std::optional<std::string>& curr
         input.candidates.add(*currentDestination);
     }
     for (const std::string& root : knownLocations(context_.settings)) input.candidates.add(root);
-    const std::string signature = fmt::format("{}", fmt::join(input.candidates.roots(), "\x1f"));
-    if (!force && isLoadNeedless(signature)) return;
+    if (!force && isLoadNeedless(input.candidates.roots())) return;
     input.forgotten = forgottenLocations(context_.settings);
     input.publishedBaseIDs = library_->baseIDs;
-    startLoad(std::move(input), signature);
+    startLoad(std::move(input));
 }
 
-bool LibraryLoader::isLoadNeedless(const std::string& signature) const {
-    if (isLoading_ && signature == archiveIndexLoadSignature_) {
+bool LibraryLoader::isLoadNeedless(const std::vector<std::string>& roots) const {
+    if (isLoading() && roots == loadingRoots_) {
         context_.startupLog.mark("live index load skipped reason=alreadyLoading");
         return true;
     }
-    if (lastArchiveIndexLoadFinishedAt_ && signature == lastArchiveIndexLoadSignature_ &&
+    if (lastArchiveIndexLoadFinishedAt_ && roots == lastLoadedRoots_ &&
         clock_() - *lastArchiveIndexLoadFinishedAt_ < recently) {
         context_.startupLog.mark("live index load skipped reason=recentlyLoaded");
         return true;
@@ -100,31 +87,23 @@ bool LibraryLoader::isLoadNeedless(const std::string& signature) const {
     return false;
 }
 
-void LibraryLoader::startLoad(LibraryLoadInput input, const std::string& signature) {
-    isLoading_ = true;
+void LibraryLoader::startLoad(LibraryLoadInput input) {
     pruneTask_.cancel(); // it knows nothing of what this load may bring
-    archiveIndexLoadSignature_ = signature;
+    loadingRoots_ = input.candidates.roots();
     context_.startupLog.mark("live index load start");
     const auto start = std::chrono::steady_clock::now();
     archiveIndexLoadTask_.start(
         TaskPriority::userInitiated,
-        LoadJob{LibraryLoad(context_.platform, context_.support, context_.startupLog, std::move(input)),
-                prepareBaseIDs_},
-        [](LoadJob job, const TaskHandle& task) {
-            auto result = job.load.run(task.stopToken());
-            if (result && job.prepareBaseIDs) job.prepareBaseIDs(result->library->baseIDs);
-            return result;
-        },
-        [this, signature, start](LibraryLoadResult result) {
-            applyLoadedArchiveIndex(std::move(result), signature, secondsSince(start));
+        LibraryLoad(context_.platform, context_.support, context_.startupLog, std::move(input)),
+        [](LibraryLoad load, const TaskHandle& task) { return load.run(task.stopToken()); },
+        [this, start](LibraryLoadResult result) {
+            applyLoadedArchiveIndex(std::move(result), secondsSince(start));
         });
     Q_EMIT loadStarted();
 }
 
-void LibraryLoader::applyLoadedArchiveIndex(LibraryLoadResult result, const std::string& signature,
-                                            double seconds) {
-    isLoading_ = false;
-    lastArchiveIndexLoadSignature_ = signature;
+void LibraryLoader::applyLoadedArchiveIndex(LibraryLoadResult result, double seconds) {
+    lastLoadedRoots_ = loadingRoots_;
     lastArchiveIndexLoadFinishedAt_ = clock_();
     adoptLocations(result);
     destination_ = result.destination;
@@ -170,7 +149,6 @@ void LibraryLoader::publish(SharedLibrary library, std::vector<ArchiveLocation> 
     locations_ = std::move(locations);
     // Equal sets have equal consequences, and those cost a pass over all messages.
     const bool sameBaseIDs = library_->baseIDs == library->baseIDs;
-    if (!sameBaseIDs) ++baseIDsToken_;
     context_.tasks.discard(std::move(library));
     context_.tasks.discard(std::move(searchIndexes));
     Q_EMIT archivedEntriesChanged();
@@ -213,7 +191,7 @@ std::optional<ArchiveLibrarySnapshot> LibraryLoader::readSnapshot() const {
 
 void LibraryLoader::refreshArchiveLocationConnectionStates() {
     // The running load may have tested before what this test is about.
-    testConnectionsAfterLoad_ = isLoading_;
+    testConnectionsAfterLoad_ = isLoading();
     if (locations_.empty()) return;
     connectionTask_.start(TaskPriority::utility, ConnectionJob{context_.platform, locations_},
                           &testConnections,

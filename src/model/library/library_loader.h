@@ -27,15 +27,6 @@
 
 namespace corvane {
 
-// Filters of the library's list; absent means all.
-struct LibraryFilters {
-    std::optional<std::string> location;
-    std::optional<std::string> account;
-    std::optional<std::string> mailbox;
-
-    friend bool operator==(const LibraryFilters&, const LibraryFilters&) = default;
-};
-
 class LibraryLoader : public QObject {
     Q_OBJECT
 
@@ -54,9 +45,6 @@ class LibraryLoader : public QObject {
         return library_->baseIDs;
     }
 
-    // Raised each time the base ids become others.
-    [[nodiscard]] std::int64_t archivedEmailBaseIDsToken() const { return baseIDsToken_; }
-
     // Of several variants or archives of one message, one. Null when it isn't archived; valid until the next
     // change.
     [[nodiscard]] const ArchivedEntry* archivedEntryByBaseID(std::string_view baseID) const {
@@ -72,20 +60,11 @@ class LibraryLoader : public QObject {
     // The first location with that root; null when there is none.
     [[nodiscard]] const ArchiveLocation* location(std::string_view rootPath) const;
 
-    [[nodiscard]] const LibraryFilters& libraryFilters() const { return filters_; }
-
-    void setLibraryFilters(LibraryFilters filters);
-
     // Starts a live load. Unless forced, none is started over the same roots while one runs or shortly after
     // one.
     void loadEmailArchiveIndex(const std::optional<std::string>& currentDestination, bool force);
 
-    // What the base ids of a load are given to before they are published, on its thread.
-    void setBaseIDsPreparation(std::function<void(const std::shared_ptr<const SharedTextSet>&)> prepare) {
-        prepareBaseIDs_ = std::move(prepare);
-    }
-
-    [[nodiscard]] bool isLoading() const { return isLoading_; }
+    [[nodiscard]] bool isLoading() const { return archiveIndexLoadTask_.isRunning(); }
 
     // Shows the snapshot of the last run while nothing else is there. Reads it on the calling thread.
     void loadCachedArchiveLibraryIfNeeded();
@@ -97,7 +76,6 @@ class LibraryLoader : public QObject {
     void archivedEntriesChanged();
     void archiveLocationsChanged();
     void archivedBaseIDsChanged();
-    void libraryFiltersChanged();
     void loadStarted();
     // A live load has been published.
     void loadFinished();
@@ -105,9 +83,9 @@ class LibraryLoader : public QObject {
   private:
     using ConnectionStates = std::map<std::string, bool>; // by root
 
-    [[nodiscard]] bool isLoadNeedless(const std::string& signature) const;
-    void startLoad(LibraryLoadInput input, const std::string& signature);
-    void applyLoadedArchiveIndex(LibraryLoadResult result, const std::string& signature, double seconds);
+    [[nodiscard]] bool isLoadNeedless(const std::vector<std::string>& roots) const;
+    void startLoad(LibraryLoadInput input);
+    void applyLoadedArchiveIndex(LibraryLoadResult result, double seconds);
     void adoptLocations(const LibraryLoadResult& result);
     [[nodiscard]] std::optional<ArchiveLibrarySnapshot> readSnapshot() const;
     void publish(SharedLibrary library, std::vector<ArchiveLocation> locations,
@@ -120,14 +98,10 @@ class LibraryLoader : public QObject {
     SharedLibrary library_ = std::make_shared<const ArchivedLibrary>();
     std::vector<ArchiveLocation> locations_;
     SharedSearchIndexes searchIndexes_ = std::make_shared<const SearchIndexTable>();
-    std::int64_t baseIDsToken_ = 0;
-    std::function<void(const std::shared_ptr<const SharedTextSet>&)> prepareBaseIDs_;
     std::optional<DestinationIndex> destination_;
-    LibraryFilters filters_;
-    bool isLoading_ = false;
     bool testConnectionsAfterLoad_ = false;
-    std::string archiveIndexLoadSignature_;
-    std::string lastArchiveIndexLoadSignature_;
+    std::vector<std::string> loadingRoots_; // what the last load to be started was asked for
+    std::vector<std::string> lastLoadedRoots_;
     std::optional<std::chrono::steady_clock::time_point> lastArchiveIndexLoadFinishedAt_;
     LibrarySnapshotWriter snapshotWriter_;
     TaskSlot archiveIndexLoadTask_;

@@ -2,19 +2,15 @@
 
 #include <memory>
 
-#include <fmt/format.h>
-
 #include "listing/account_titles.h"
 #include "mailstore/index/year_counts.h"
 
 namespace corvane {
 
-IndexCounts::IndexCounts(ModelContext& context, const AccountDirectory& accounts, MessageCatalog& catalog,
-                         QObject* parent)
+IndexCounts::IndexCounts(ModelContext& context, const AccountDirectory& accounts, QObject* parent)
   : QObject(parent)
   , context_(context)
   , accounts_(accounts)
-  , catalog_(catalog)
   , countTask_(context.tasks) {}
 
 void IndexCounts::setIndexed(Indexed indexed) {
@@ -53,35 +49,15 @@ std::optional<IndexCounts::Counts> IndexCounts::readCounts(const CountJob& job, 
 }
 
 const std::vector<SpaceAccountUsage>& SpaceUsage::spaceUsage() {
-    if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
-    const std::string signature =
-        fmt::format("{}|{}", catalog_.messagesToken(), catalog_.availabilityToken());
-    if (signature != spaceUsageSignature_) {
-        spaceUsageSignature_ = signature;
+    const SharedCatalogState& state = catalog_.state();
+    if (computedOf_.lock() != state) {
+        computedOf_ = state;
+        const SharedTextSet* available =
+            state->isAvailabilityKnown ? state->availability->locallyAvailableIDs.get() : nullptr;
         cachedSpaceUsage_ =
-            computeSpaceUsage(*catalog_.messages(),
-                              catalog_.isAvailabilityKnown() ? catalog_.locallyAvailableIDs().get() : nullptr,
-                              accounts_.availableAccounts());
+            computeSpaceUsage(*state->shown()->messages, available, accounts_.availableAccounts());
     }
     return cachedSpaceUsage_;
-}
-
-std::int64_t SpaceUsage::spaceUsageLocalTotalBytes() {
-    std::int64_t total = 0;
-    for (const SpaceAccountUsage& usage : spaceUsage()) total += usage.localBytes;
-    return total;
-}
-
-SharedTextSet SpaceUsage::localMessageIDs(std::string_view accountPrefix, std::string_view senderKey) {
-    if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
-    SharedTextSet ids;
-    for (const MailMessageRecord& message : *catalog_.messages()) {
-        if (accountGroupKey(message) != accountPrefix ||
-            !catalog_.locallyAvailableIDs()->contains(message.id))
-            continue;
-        if (spaceSenderParts(message.sender).key == senderKey) ids.insert(message.id);
-    }
-    return ids;
 }
 
 } // namespace corvane

@@ -4,10 +4,10 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <QObject>
@@ -25,8 +25,7 @@ class IndexCounts : public QObject {
     Q_OBJECT
 
   public:
-    IndexCounts(ModelContext& context, const AccountDirectory& accounts, MessageCatalog& catalog,
-                QObject* parent = nullptr);
+    IndexCounts(ModelContext& context, const AccountDirectory& accounts, QObject* parent = nullptr);
 
     [[nodiscard]] const CountByYear& indexedYearCounts() const { return counts_.indexed; }
 
@@ -72,28 +71,23 @@ class IndexCounts : public QObject {
 
     ModelContext& context_;
     const AccountDirectory& accounts_;
-    MessageCatalog& catalog_;
     Counts counts_;
     TaskSlot countTask_;
 };
 
-// The space that accounts occupy, kept while messages and availability stay as they are. Main thread.
+// The space that accounts occupy, kept while the state of the mail stays as it is. Main thread.
 class SpaceUsage {
   public:
-    SpaceUsage(const AccountDirectory& accounts, MessageCatalog& catalog)
+    SpaceUsage(const AccountDirectory& accounts, const MessageCatalog& catalog)
       : accounts_(accounts)
       , catalog_(catalog) {}
 
     [[nodiscard]] const std::vector<SpaceAccountUsage>& spaceUsage();
-    [[nodiscard]] std::int64_t spaceUsageLocalTotalBytes();
-
-    // The local messages of one sender in one account, by id.
-    [[nodiscard]] SharedTextSet localMessageIDs(std::string_view accountPrefix, std::string_view senderKey);
 
   private:
     const AccountDirectory& accounts_;
-    MessageCatalog& catalog_;
-    std::string spaceUsageSignature_;
+    const MessageCatalog& catalog_;
+    std::weak_ptr<const CatalogState> computedOf_;
     std::vector<SpaceAccountUsage> cachedSpaceUsage_;
 };
 

@@ -4,6 +4,21 @@
 
 namespace corvane {
 
+namespace {
+
+// What stays when a generation goes: its statistics, until the next ones are there.
+SharedAvailability statisticsOf(const AvailabilityResult& earlier) {
+    AvailabilityResult kept = earlier;
+    const AvailabilityResult nothingKnown;
+    kept.locallyAvailableIDs = nothingKnown.locallyAvailableIDs;
+    kept.yearByID = nothingKnown.yearByID;
+    kept.archivedMessageIDs = nothingKnown.archivedMessageIDs;
+    kept.archivedBaseIDs = nothingKnown.archivedBaseIDs;
+    return std::make_shared<const AvailabilityResult>(std::move(kept));
+}
+
+} // namespace
+
 MessageCatalog::MessageCatalog(ModelContext& context, InputsProvider inputs, QObject* parent)
   : QObject(parent)
   , context_(context)
@@ -13,32 +28,11 @@ MessageCatalog::MessageCatalog(ModelContext& context, InputsProvider inputs, QOb
 
 const MailMessageRecord* MessageCatalog::messageByID(std::string_view id) const {
     if (const auto known = withNewPreview_.find(id); known != withNewPreview_.end()) return &known->second;
-    return set_->find(id);
+    return state_->shown()->find(id);
 }
 
-const std::vector<YearStat>& MessageCatalog::yearStats() const {
-    if (yearStatsToken_ != messagesToken_) {
-        cachedYearStats_ = set_->counted ? set_->yearStats : computeYearStats(allOf(*messages()));
-        yearStatsToken_ = messagesToken_;
-    }
-    return cachedYearStats_;
-}
-
-MessageCatalog::CountAndBytes MessageCatalog::mailMessageSummary() const {
-    if (mailMessageSummaryToken_ != messagesToken_) {
-        cachedMailMessageSummary_ = {static_cast<std::int64_t>(messages()->size()), 0};
-        for (const MailMessageRecord& message : *messages())
-            cachedMailMessageSummary_.bytes += message.messageSize;
-        mailMessageSummaryToken_ = messagesToken_;
-    }
-    return cachedMailMessageSummary_;
-}
-
-void MessageCatalog::setSet(SharedMessageSet set) {
-    // The years refer to the ids of the earlier list.
-    context_.tasks.discard(std::exchange(derived_.yearByID, std::make_shared<const YearByID>()));
-    withNewPreview_.clear();
-    context_.tasks.discard(std::exchange(set_, std::move(set)));
+void MessageCatalog::setState(CatalogState state) {
+    context_.tasks.discard(std::exchange(state_, std::make_shared<const CatalogState>(std::move(state))));
 }
 
 void MessageCatalog::replacePreview(std::string_view id, SharedText preview) {
@@ -48,112 +42,104 @@ void MessageCatalog::replacePreview(std::string_view id, SharedText preview) {
     Q_EMIT previewReplaced(QString::fromUtf8(id.data(), static_cast<qsizetype>(id.size())));
 }
 
-void MessageCatalog::setSummary(MailScanSummary summary) {
-    summary_ = std::move(summary);
+void MessageCatalog::setGeneration(SharedMessageSet set, MailScanSummary summary, Files files,
+                                   SharedAvailability availability, bool isKnown) {
+    availabilityRefreshTask_.cancel(); // its result is of the generation before
+    files_ = files;
+    withNewPreview_.clear();
+    setState({std::move(set), nullptr, std::move(summary), std::move(availability), isKnown});
     Q_EMIT summaryChanged();
+    Q_EMIT archivedMessagesChanged();
 }
 
 void MessageCatalog::setMessages(SharedMessageSet set, MailScanSummary summary, Files files) {
-    setSet(std::move(set));
-    setSummary(std::move(summary));
-    ++messagesToken_;
-    if (files == Files::justSeen) filesSeenToken_ = messagesToken_;
-    availabilityToken_ = -1;
-    availabilityRefreshTokenInFlight_.reset();
-    derived_.locallyAvailableIDs = std::make_shared<const SharedTextSet>();
-    rebuildArchivedMessageStatusCache();
+    setGeneration(std::move(set), std::move(summary), files, statisticsOf(*state_->availability), false);
     Q_EMIT messagesChanged();
     refreshAvailabilityCacheAsync(false);
 }
 
 void MessageCatalog::showProgress(SharedMessageSet set, MailScanSummary summary) {
-    setSet(std::move(set));
-    setSummary(std::move(summary));
+    CatalogState state = *state_;
+    state.growing = std::move(set);
+    state.summary = std::move(summary);
+    withNewPreview_.clear();
+    setState(std::move(state));
+    Q_EMIT summaryChanged();
     Q_EMIT messagesChanged();
 }
 
 void MessageCatalog::restore(SharedMessageSet set, MailScanSummary summary,
                              std::optional<AvailabilityResult> known) {
-    setSet(std::move(set));
-    setSummary(std::move(summary));
-    ++messagesToken_;
-    availabilityRefreshTokenInFlight_.reset();
-    rebuildArchivedMessageStatusCache();
+    SharedAvailability availability = statisticsOf(*state_->availability);
     if (known) {
-        availabilityToken_ = messagesToken_;
-        known->mailAccountYearStats = std::move(derived_.mailAccountYearStats);
-        known->unbackedAccountYearStats = std::move(derived_.unbackedAccountYearStats);
-        derived_ = std::move(*known);
-        ++statsRevision_;
-        Q_EMIT statisticsChanged();
+        known->mailAccountYearStats = availability->mailAccountYearStats;
+        known->unbackedAccountYearStats = availability->unbackedAccountYearStats;
+        availability = std::make_shared<const AvailabilityResult>(std::move(*known));
     }
+    setGeneration(std::move(set), std::move(summary), Files::unknown, std::move(availability),
+                  known.has_value());
+    if (known) Q_EMIT statisticsChanged();
     Q_EMIT messagesChanged();
     if (known) Q_EMIT availabilityPublished();
     refreshAvailabilityCacheAsync(true);
 }
 
 void MessageCatalog::applyHomeSnapshot(const MailHomeSnapshot& snapshot) {
-    setSummary(snapshot.summary);
-    derived_.localYearStats = snapshot.localYearStats;
-    derived_.accountYearStats = snapshot.localAccountYearStats;
-    derived_.localCount = snapshot.localMessageCount;
-    derived_.localBytes = snapshot.localMessageBytes;
+    AvailabilityResult statistics = *state_->availability;
+    statistics.localYearStats = snapshot.localYearStats;
+    statistics.accountYearStats = snapshot.localAccountYearStats;
+    statistics.localCount = snapshot.localMessageCount;
+    statistics.localBytes = snapshot.localMessageBytes;
+    CatalogState state = *state_;
+    state.summary = snapshot.summary;
+    state.availability = std::make_shared<const AvailabilityResult>(std::move(statistics));
+    setState(std::move(state));
+    Q_EMIT summaryChanged();
     Q_EMIT statisticsChanged();
 }
 
 void MessageCatalog::refreshAvailabilityCacheAsync(bool force) {
-    const std::int64_t token = messagesToken_;
-    if (!force && (availabilityToken_ == token || availabilityRefreshTokenInFlight_ == token)) return;
-    availabilityRefreshTask_.cancel();
-    availabilityRefreshTokenInFlight_ = token;
-    deleteSafetyStatsReady_ = false;
-    if (messages()->empty()) {
-        clearDerivedOfNoMessages();
+    if (!force && (isAvailabilityKnown() || availabilityRefreshTask_.isRunning())) return;
+    if (state_->set->messages->empty()) {
+        availabilityRefreshTask_.cancel();
+        CatalogState state = *state_;
+        AvailabilityResult statistics = *statisticsOf(*state.availability);
+        statistics.unbackedAccountYearStats.clear();
+        state.availability = std::make_shared<const AvailabilityResult>(std::move(statistics));
+        state.isAvailabilityKnown = true;
+        setState(std::move(state));
+        Q_EMIT availabilityPublished();
         return;
     }
-    AvailabilityJob job{set_, inputs_(), nullptr, filesSeenToken_ == token};
-    if (availabilityToken_ == token && !derived_.locallyAvailableIDs->empty()) {
-        job.knownAvailable = derived_.locallyAvailableIDs;
-    }
+    AvailabilityJob job{state_->set, inputs_(), nullptr, files_ == Files::justSeen};
+    if (isAvailabilityKnown() && !locallyAvailableIDs()->empty()) job.known = state_->availability;
     availabilityRefreshTask_.start(
         TaskPriority::utility, std::move(job),
         [](const AvailabilityJob& given, const TaskHandle& task) {
             return computeAvailability(given, task.stopToken());
         },
-        [this, token](AvailabilityResult result) { publish(token, std::move(result)); });
+        [this](AvailabilityResult result) {
+            publish(std::make_shared<const AvailabilityResult>(std::move(result)));
+        });
 }
 
-void MessageCatalog::clearDerivedOfNoMessages() {
-    availabilityToken_ = messagesToken_;
-    availabilityRefreshTokenInFlight_.reset();
-    derived_.locallyAvailableIDs = std::make_shared<const SharedTextSet>();
-    derived_.unbackedAccountYearStats.clear();
-    Q_EMIT availabilityPublished();
-}
-
-void MessageCatalog::publish(std::int64_t token, AvailabilityResult result) {
-    if (token != messagesToken_) return;
-    derived_ = std::move(result);
-    availabilityToken_ = token;
-    availabilityRefreshTokenInFlight_.reset();
-    deleteSafetyStatsReady_ = true;
-    ++statsRevision_;
+void MessageCatalog::publish(SharedAvailability availability) {
+    const bool isArchivedAnew = archivedMessageIDs() != availability->archivedMessageIDs;
+    CatalogState state = *state_;
+    state.availability = std::move(availability);
+    state.isAvailabilityKnown = true;
+    setState(std::move(state));
     Q_EMIT statisticsChanged();
-    if (set_->isComplete) {
-        dueCache_ = ScanCacheState{messages(), summary_, derived_.locallyAvailableIDs,
-                                   derived_.localYearStats, derived_.accountYearStats};
+    if (isArchivedAnew) Q_EMIT archivedMessagesChanged();
+    if (state_->set->isComplete) {
+        dueCache_ = ScanCacheState{state_->set->messages, summary(), locallyAvailableIDs(),
+                                   cachedLocalYearStats(), cachedAccountYearStats()};
     }
     Q_EMIT availabilityPublished();
 }
 
 void MessageCatalog::saveCacheIfDue() {
     if (dueCache_) cacheWriter_.save(*std::exchange(dueCache_, std::nullopt));
-}
-
-void MessageCatalog::rebuildArchivedMessageStatusCache() {
-    auto archived = archivedStatus_->of(messages(), inputs_().archivedBaseIDs);
-    context_.tasks.discard(std::exchange(archivedMessageIDs_, std::move(archived)));
-    Q_EMIT archivedMessagesChanged();
 }
 
 } // namespace corvane

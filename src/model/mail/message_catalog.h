@@ -2,8 +2,8 @@
 // archived: lookups, availability on this machine, statistics. Main thread; the large work happens in one
 // background run, the availability run, whose results arrive in one step.
 //
-// Every change of the messages starts a new generation (`messagesToken`). The derived state is valid while
-// `availabilityToken` equals it.
+// All of it is one published state. Every new generation of messages starts a run, here and nowhere else, so
+// whoever reads while availability isn't known has only to wait for `availabilityPublished`.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@
 #include "listing/availability.h"
 #include "listing/message_set.h"
 #include "listing/message_statistics.h"
-#include "model/archiving/archived_status.h"
+#include "model/mail/catalog_state.h"
 #include "model/mail/scan_cache_writer.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
@@ -40,69 +40,48 @@ class MessageCatalog : public QObject {
     // `inputs` is asked on the main thread at the start of each availability run.
     MessageCatalog(ModelContext& context, InputsProvider inputs, QObject* parent = nullptr);
 
-    [[nodiscard]] const SharedMessageList& messages() const { return set_->messages; }
+    // Never null.
+    [[nodiscard]] const SharedCatalogState& state() const { return state_; }
 
-    // The present generation, for whoever may have to bring it back.
-    [[nodiscard]] const SharedMessageSet& messageSet() const { return set_; }
+    [[nodiscard]] const SharedMessageList& messages() const { return state_->shown()->messages; }
 
-    // As it is known now: the record may have another preview than the one in the list. Valid until the next
-    // change.
+    // As it is known now: the record may have another preview than the one in the list. Null for an unknown
+    // id; valid until the next change.
     [[nodiscard]] const MailMessageRecord* messageByID(std::string_view id) const;
 
-    [[nodiscard]] std::int64_t messagesToken() const { return messagesToken_; }
-
-    [[nodiscard]] std::int64_t availabilityToken() const { return availabilityToken_; }
-
-    [[nodiscard]] bool isAvailabilityKnown() const { return availabilityToken_ == messagesToken_; }
+    [[nodiscard]] bool isAvailabilityKnown() const { return state_->isAvailabilityKnown; }
 
     [[nodiscard]] const std::shared_ptr<const SharedTextSet>& locallyAvailableIDs() const {
-        return derived_.locallyAvailableIDs;
+        return state_->availability->locallyAvailableIDs;
     }
 
-    [[nodiscard]] const std::shared_ptr<const YearByID>& messageYearByID() const { return derived_.yearByID; }
+    [[nodiscard]] const std::shared_ptr<const YearByID>& messageYearByID() const {
+        return state_->availability->yearByID;
+    }
 
     [[nodiscard]] const std::shared_ptr<const SharedTextSet>& archivedMessageIDs() const {
-        return archivedMessageIDs_;
+        return state_->availability->archivedMessageIDs;
     }
 
-    // For the tasks that make new messages or base ids.
-    [[nodiscard]] const std::shared_ptr<ArchivedStatus>& archivedStatus() const { return archivedStatus_; }
+    // What runs are given from now on, for work that can't wait for one.
+    [[nodiscard]] AvailabilityInputs availabilityInputs() const { return inputs_(); }
 
-    [[nodiscard]] const MailScanSummary& summary() const { return summary_; }
+    [[nodiscard]] const MailScanSummary& summary() const { return state_->summary; }
+
+    // Of all messages of the generation.
+    [[nodiscard]] const std::vector<YearStat>& yearStats() const { return state_->set->yearStats; }
 
     [[nodiscard]] const std::vector<YearStat>& cachedLocalYearStats() const {
-        return derived_.localYearStats;
+        return state_->availability->localYearStats;
     }
 
     [[nodiscard]] const std::vector<AccountYearStatGroup>& cachedAccountYearStats() const {
-        return derived_.accountYearStats;
+        return state_->availability->accountYearStats;
     }
 
     [[nodiscard]] const std::vector<AccountYearStatGroup>& cachedMailAccountYearStats() const {
-        return derived_.mailAccountYearStats;
+        return state_->availability->mailAccountYearStats;
     }
-
-    [[nodiscard]] const std::vector<AccountYearStatGroup>& cachedUnbackedAccountYearStats() const {
-        return derived_.unbackedAccountYearStats;
-    }
-
-    [[nodiscard]] std::int64_t localMessageCount() const { return derived_.localCount; }
-
-    [[nodiscard]] std::int64_t localMessageBytes() const { return derived_.localBytes; }
-
-    [[nodiscard]] std::int64_t statsRevision() const { return statsRevision_; }
-
-    [[nodiscard]] bool deleteSafetyStatsReady() const { return deleteSafetyStatsReady_; }
-
-    // Statistics of all messages, computed at the first read after a change.
-    [[nodiscard]] const std::vector<YearStat>& yearStats() const;
-
-    struct CountAndBytes {
-        std::int64_t count = 0;
-        std::int64_t bytes = 0;
-    };
-
-    [[nodiscard]] CountAndBytes mailMessageSummary() const;
 
     // Whether the files of new messages have just been seen by the scan that lists them, or have to be looked
     // for.
@@ -120,8 +99,6 @@ class MessageCatalog : public QObject {
     // The statistics of a home snapshot, before its messages are there.
     void applyHomeSnapshot(const MailHomeSnapshot& snapshot);
 
-    void setSummary(MailScanSummary summary);
-
     // Unless forced, a generation that is known or being worked on isn't worked on again.
     void refreshAvailabilityCacheAsync(bool force);
 
@@ -132,9 +109,6 @@ class MessageCatalog : public QObject {
     // Gives the message another preview until the next generation. The list keeps the old one: a copy of
     // hundreds of thousands of records for each message that is looked at would be too much.
     void replacePreview(std::string_view id, SharedText preview);
-
-    // From the stable ids of the messages and the archived base ids.
-    void rebuildArchivedMessageStatusCache();
 
   Q_SIGNALS:
     // A new generation, or a progress update of a scan.
@@ -147,29 +121,18 @@ class MessageCatalog : public QObject {
     void previewReplaced(const QString& id);
 
   private:
-    void setSet(SharedMessageSet set);
-    void publish(std::int64_t token, AvailabilityResult result);
-    void clearDerivedOfNoMessages();
+    // Releases the earlier state in the background.
+    void setState(CatalogState state);
+    void setGeneration(SharedMessageSet set, MailScanSummary summary, Files files,
+                       SharedAvailability availability, bool isKnown);
+    void publish(SharedAvailability availability);
 
     ModelContext& context_;
     InputsProvider inputs_;
-    SharedMessageSet set_ = std::make_shared<const MessageSet>();
+    SharedCatalogState state_ = std::make_shared<const CatalogState>();
+    Files files_ = Files::unknown; // of the generation
     std::unordered_map<SharedText, MailMessageRecord, TextHash, TextEqual> withNewPreview_; // by id
-    MailScanSummary summary_;
-    std::int64_t messagesToken_ = 0;
-    std::int64_t availabilityToken_ = 0;
-    std::optional<std::int64_t> availabilityRefreshTokenInFlight_;
-    std::optional<std::int64_t> filesSeenToken_; // of the generation whose files the scan has just seen
-    AvailabilityResult derived_;
-    std::shared_ptr<ArchivedStatus> archivedStatus_ = std::make_shared<ArchivedStatus>();
-    std::shared_ptr<const SharedTextSet> archivedMessageIDs_ = std::make_shared<const SharedTextSet>();
-    std::int64_t statsRevision_ = 0;
-    bool deleteSafetyStatsReady_ = false;
     std::optional<ScanCacheState> dueCache_;
-    mutable std::int64_t yearStatsToken_ = -1;
-    mutable std::vector<YearStat> cachedYearStats_;
-    mutable std::int64_t mailMessageSummaryToken_ = -1;
-    mutable CountAndBytes cachedMailMessageSummary_;
     ScanCacheWriter cacheWriter_;
     TaskSlot availabilityRefreshTask_;
 };

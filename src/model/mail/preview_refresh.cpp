@@ -85,17 +85,18 @@ void PreviewRefresh::refreshPreviewIfNeeded(const std::optional<std::string>& me
     const MailMessageRecord* message = catalog_.messageByID(*messageID);
     if (message == nullptr || !mime::previewLooksCorrupt(message->preview)) return;
     refreshingPreviewMessageID_ = messageID;
-    previewRefreshTask_.start(
-        TaskPriority::utility, PreviewJob{message->allMessageFileURLs(), workerPreview_}, &findPreview,
-        [this, id = *messageID, token = catalog_.messagesToken()](const FoundPreview& found) {
-            refreshingPreviewMessageID_.reset();
-            if (token != catalog_.messagesToken()) return;
-            if (found.text.empty()) {
-                Q_EMIT nothingFound(QString::fromStdString(id), found.hasFile);
-            } else {
-                catalog_.replacePreview(id, found.text);
-            }
-        });
+    previewRefreshTask_.start(TaskPriority::utility,
+                              PreviewJob{message->allMessageFileURLs(), workerPreview_}, &findPreview,
+                              [this, id = *messageID,
+                               generation = std::weak_ptr(catalog_.state()->set)](const FoundPreview& found) {
+                                  refreshingPreviewMessageID_.reset();
+                                  if (generation.lock() != catalog_.state()->set) return;
+                                  if (found.text.empty()) {
+                                      Q_EMIT nothingFound(QString::fromStdString(id), found.hasFile);
+                                  } else {
+                                      catalog_.replacePreview(id, found.text);
+                                  }
+                              });
 }
 
 void PreviewRefresh::cancel() {

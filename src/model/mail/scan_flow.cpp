@@ -50,7 +50,7 @@ void ScanFlow::fail(const std::string& message, bool isYearRangeInfo) {
 }
 
 void ScanFlow::clearDisplay() {
-    beforeScan_ = Display{catalog_.messageSet(), catalog_.summary(), counts_.indexed(), cacheLoadedAt_};
+    beforeScan_ = Display{catalog_.state()->shown(), catalog_.summary(), counts_.indexed(), cacheLoadedAt_};
     catalog_.setMessages(std::make_shared<const MessageSet>(), {});
     counts_.setIndexed({});
     scanTimingLog_.clear();
@@ -65,8 +65,7 @@ void ScanFlow::forgetBeforeScan() {
 
 ScanJob ScanFlow::makeScanJob() const {
     const MailStore store = mailStoreOf(context_);
-    ScanJob job{
-        MailDataScanner{store.context, store.rootPath, {}, {}, {}}, {}, store, catalog_.archivedStatus()};
+    ScanJob job{MailDataScanner{store.context, store.rootPath, {}, {}, {}}, {}, store};
     if (filters_.onlyBeforeCutoff()) job.scanner.maximumYear = filters_.yearCutoff();
     for (const MailAccount& account : accounts_.availableAccounts()) {
         if (!accounts_.selectedAccountPrefixes().contains(account.urlPrefix)) continue;
@@ -150,7 +149,7 @@ void ScanFlow::loadCachedScanIfNeeded(bool loadArchiveIndex) {
     restoreTask_.startReporting<MailHomeSnapshot>(
         TaskPriority::userInitiated,
         RestoreJob{context_.startupLog, context_.performanceLog, MailScanCacheStore(context_.support),
-                   accounts_.availableAccounts(), catalog_.archivedStatus()},
+                   catalog_.availabilityInputs()},
         &restoreScan,
         [this](const MailHomeSnapshot& snapshot) {
             if (mayRestore()) applySnapshot(snapshot);

@@ -107,10 +107,7 @@ FinishedScan finish(const ScanJob& job, ScanProgress& progress) {
     FinishedScan finished;
     const SharedMessageList messages = progress.finalList();
     platform::parallelCalls([&] { finished.set = MessageSet::make(messages, !job.scanner.maximumYear); },
-                            [&] {
-                                finished.summary = progress.summary(*messages);
-                                job.archivedStatus->prepareFor(messages);
-                            });
+                            [&] { finished.summary = progress.summary(*messages); });
     finished.timingLog = progress.last().timingLog;
     if (progress.last().visitedCount < 1)
         finished.empty = emptyScanFailureMessage(job.store, job.scanner.maximumYear);

@@ -2,14 +2,12 @@
 // the whole. Works on values alone, on a thread of the runner.
 #pragma once
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
 #include "mailstore/scan/mail_data_scanner.h"
-#include "model/archiving/archived_status.h"
 #include "model/mail/mail_access.h"
 #include "model/mail/message_catalog.h"
 #include "model/tasks/task_slot.h"
@@ -21,7 +19,6 @@ struct ScanJob {
     MailDataScanner scanner;
     std::vector<std::string> accountNames; // for the summaries
     MailStore store;
-    std::shared_ptr<ArchivedStatus> archivedStatus;
 };
 
 // What is shown of a running scan.

@@ -43,7 +43,7 @@ void sumLocal(AvailabilityResult& result) {
 }
 
 AvailabilityResult knownAvailability(const MessageList& messages, const std::vector<SharedText>& ids,
-                                     const std::vector<MailAccount>& accounts, std::size_t& counted) {
+                                     const AvailabilityInputs& inputs, std::size_t& counted) {
     AvailabilityResult result;
     const SharedTextSet told(ids.begin(), ids.end()); // by a file: it may name what isn't in the list
     auto available = std::make_shared<SharedTextSet>();
@@ -56,9 +56,11 @@ AvailabilityResult knownAvailability(const MessageList& messages, const std::vec
     }
     counted = local.size();
     result.localYearStats = computeYearStats(local);
-    result.accountYearStats = computeAccountYearStats(local, accounts);
+    result.accountYearStats = computeAccountYearStats(local, inputs.accounts);
     result.yearByID = std::make_shared<const YearByID>(computeMessageYears(messages));
     result.locallyAvailableIDs = std::move(available);
+    result.archivedBaseIDs = inputs.archivedBaseIDs;
+    result.archivedMessageIDs = archivedIDs(messages, *inputs.archivedBaseIDs);
     sumLocal(result);
     return result;
 }
@@ -82,14 +84,13 @@ RestoredScan makeRestored(const RestoreJob& job, MailScanCache cache, LocalStats
     std::size_t counted = 0;
     if (cache.locallyAvailableMessageIDs) {
         restored.known = knownAvailability(*restored.set->messages, *cache.locallyAvailableMessageIDs,
-                                           job.accounts, counted);
+                                           job.inputs, counted);
         stats = {restored.known->localYearStats, restored.known->accountYearStats};
     } else {
         stats = {std::move(cache.localYearStats), std::move(cache.localAccountYearStats)};
     }
     if (stats.byYear) restored.localStatCount = stats.byYear->size();
     if (stats.byAccount) restored.accountStatCount = stats.byAccount->size();
-    job.archivedStatus->prepareFor(restored.set->messages);
     if (restored.known) mark(job, fmt::format("loadCachedScan recompute stats msgs={}", counted));
     return restored;
 }

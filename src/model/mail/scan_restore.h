@@ -7,14 +7,11 @@
 #include <optional>
 #include <string>
 #include <variant>
-#include <vector>
 
-#include "model/archiving/archived_status.h"
 #include "model/mail/message_catalog.h"
 #include "model/tasks/task_slot.h"
 #include "records/logs/performance_log.h"
 #include "records/logs/startup_log.h"
-#include "records/mail_account.h"
 #include "records/statistics_records.h"
 #include "records/stores/scan_cache_store.h"
 
@@ -24,8 +21,7 @@ struct RestoreJob {
     const ArchiveLibraryStartupLog& startupLog;
     MailPerformanceLog& performanceLog;
     MailScanCacheStore store;
-    std::vector<MailAccount> accounts;
-    std::shared_ptr<ArchivedStatus> archivedStatus;
+    AvailabilityInputs inputs;
     std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
 };
 

@@ -1,6 +1,7 @@
 #include "model/mail/visible_messages.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "text/case.h"
 #include "text/trim.h"
@@ -22,12 +23,34 @@ ListRules listRulesOf(const ModelFilters& filters) {
     return rules;
 }
 
+struct ListJob {
+    ListInput input;
+    ListRules rules;
+    std::optional<std::string> selectedID;
+};
+
+struct Listed {
+    SharedMessageList messages;
+    bool holdsSelected = false;
+};
+
+bool holds(const MessageList& messages, const std::optional<std::string>& id) {
+    return id && std::ranges::any_of(messages, [&](const auto& message) { return message.id == *id; });
+}
+
+// Absent when cancelled.
+std::optional<Listed> makeList(const ListJob& job, const TaskHandle& task) {
+    SharedMessageList messages = makeVisibleMessages(job.input, job.rules, task.stopToken());
+    if (!messages) return std::nullopt;
+    const bool holdsSelected = holds(*messages, job.selectedID);
+    return Listed{std::move(messages), holdsSelected};
+}
+
 } // namespace
 
-VisibleMessages::VisibleMessages(ModelContext& context, MessageCatalog& catalog, ModelFilters& filters,
-                                 QObject* parent)
+VisibleMessages::VisibleMessages(ModelContext& context, const MessageCatalog& catalog,
+                                 const ModelFilters& filters, QObject* parent)
   : QObject(parent)
-  , context_(context)
   , catalog_(catalog)
   , filters_(filters)
   , rebuildTask_(context.tasks) {}
@@ -39,40 +62,32 @@ void VisibleMessages::setSelectedMessageID(std::optional<std::string> id) {
 }
 
 void VisibleMessages::rebuildVisibleMessages() {
-    if (!catalog_.isAvailabilityKnown()) catalog_.refreshAvailabilityCacheAsync(false);
-
-    struct Job {
-        ListInput input;
-        ListRules rules;
-    };
-
-    rebuildTask_.start(
-        TaskPriority::userInitiated,
-        Job{{catalog_.messages(), catalog_.locallyAvailableIDs(), catalog_.archivedMessageIDs(),
-             catalog_.messageYearByID()},
-            listRulesOf(filters_)},
-        [](const Job& job, const TaskHandle& task) {
-            return makeVisibleMessages(job.input, job.rules, task.stopToken());
-        },
-        [this](SharedMessageList list) { publish(std::move(list)); });
+    rebuildTask_.start(TaskPriority::userInitiated,
+                       ListJob{{catalog_.messages(), catalog_.locallyAvailableIDs(),
+                                catalog_.archivedMessageIDs(), catalog_.messageYearByID()},
+                               listRulesOf(filters_),
+                               selectedMessageID_},
+                       &makeList, [this, asked = selectedMessageID_](Listed listed) {
+                           // Another message may have been selected meanwhile.
+                           const bool isListed = selectedMessageID_ == asked
+                                                     ? listed.holdsSelected
+                                                     : holds(*listed.messages, selectedMessageID_);
+                           publish(std::move(listed.messages), isListed);
+                       });
 }
 
 void VisibleMessages::clear() {
     rebuildTask_.cancel();
-    listedToken_ = -1;
+    listedOf_.reset();
     visibleMessages_ = std::make_shared<const MessageList>();
     Q_EMIT visibleMessagesChanged();
 }
 
-void VisibleMessages::publish(SharedMessageList list) {
+void VisibleMessages::publish(SharedMessageList list, bool isSelectedListed) {
     visibleMessages_ = std::move(list);
-    listedToken_ = catalog_.messagesToken();
+    listedOf_ = catalog_.state()->set;
     Q_EMIT visibleMessagesChanged();
-    const bool selectionStays =
-        selectedMessageID_ &&
-        std::any_of(visibleMessages_->begin(), visibleMessages_->end(),
-                    [&](const auto& message) { return message.id == *selectedMessageID_; });
-    if (selectionStays) return;
+    if (isSelectedListed) return;
     setSelectedMessageID(visibleMessages_->empty() ? std::nullopt
                                                    : std::optional(visibleMessages_->front().id.str()));
 }

@@ -21,13 +21,13 @@ class VisibleMessages : public QObject {
     Q_OBJECT
 
   public:
-    VisibleMessages(ModelContext& context, MessageCatalog& catalog, ModelFilters& filters,
+    VisibleMessages(ModelContext& context, const MessageCatalog& catalog, const ModelFilters& filters,
                     QObject* parent = nullptr);
 
     [[nodiscard]] const SharedMessageList& visibleMessages() const { return visibleMessages_; }
 
     // The list is that of the present messages, not still empty for them.
-    [[nodiscard]] bool isCurrent() const { return listedToken_ == catalog_.messagesToken(); }
+    [[nodiscard]] bool isCurrent() const { return listedOf_.lock() == catalog_.state()->set; }
 
     [[nodiscard]] const std::optional<std::string>& selectedMessageID() const { return selectedMessageID_; }
 
@@ -43,13 +43,12 @@ class VisibleMessages : public QObject {
     void selectedMessageChanged();
 
   private:
-    void publish(SharedMessageList list);
+    void publish(SharedMessageList list, bool isSelectedListed);
 
-    ModelContext& context_;
-    MessageCatalog& catalog_;
-    ModelFilters& filters_;
+    const MessageCatalog& catalog_;
+    const ModelFilters& filters_;
     SharedMessageList visibleMessages_ = std::make_shared<const MessageList>();
-    std::int64_t listedToken_ = -1;
+    std::weak_ptr<const MessageSet> listedOf_; // the generation; empty: cleared
     std::optional<std::string> selectedMessageID_;
     TaskSlot rebuildTask_;
 };

@@ -12,21 +12,17 @@ namespace {
 struct TickJob {
     screens::MessageRows rows;
     bool ticked = false;
-    SharedTextSet ids; // ticked so far
+    ArchiveSelection selection; // so far
 };
 
-SharedTextSet ticksOf(TickJob job, const TaskHandle&) {
+ArchiveSelection ticksOf(TickJob job, const TaskHandle&) {
     for (const auto& range : job.rows.rows.ranges()) {
         for (int row = range.first; row < range.end; ++row) {
             const SharedText& id = (*job.rows.messages)[static_cast<std::size_t>(row)].id;
-            if (job.ticked) {
-                job.ids.insert(id);
-            } else {
-                job.ids.erase(id);
-            }
+            if (job.selection.contains(id) != job.ticked) job.selection.toggle(id);
         }
     }
-    return std::move(job.ids);
+    return std::move(job.selection);
 }
 
 } // namespace
@@ -36,10 +32,10 @@ ArchiveCandidatesModel::ArchiveCandidatesModel(CorvaneViewModel& model, QObject*
   , model_(model)
   , compareTask_(model.context().tasks)
   , tickTask_(model.context().tasks) {
-    connect(&model.archive(), &ArchiveControl::archiveCandidatesReady, this, [this] {
-        if (isLoading_) show(model_.archive().archiveCandidates());
+    connect(&model.candidates(), &ArchiveCandidates::archiveCandidatesReady, this, [this] {
+        if (isLoading_) show(model_.candidates().archiveCandidates());
     });
-    connect(&model.archive(), &ArchiveControl::selectionChanged, this, [this] {
+    connect(&model.ticks(), &ArchiveTicks::selectionChanged, this, [this] {
         if (isOwnChange_ || count() == 0) return;
         sumSelection();
         Q_EMIT dataChanged(index(0), index(count() - 1), {TickedRole});
@@ -58,13 +54,13 @@ QHash<int, QByteArray> ArchiveCandidatesModel::roleNames() const {
 }
 
 bool ArchiveCandidatesModel::isTicked(const MailMessageRecord& message) const {
-    return model_.archive().selectedArchiveMessageIDs().contains(message.id);
+    return model_.ticks().selectedArchiveMessageIDs().contains(message.id);
 }
 
 void ArchiveCandidatesModel::load() {
     isLoading_ = true;
     Q_EMIT loadingChanged();
-    model_.archive().refreshArchiveCandidatesAsync();
+    model_.candidates().refreshArchiveCandidatesAsync();
 }
 
 void ArchiveCandidatesModel::clear() {
@@ -98,7 +94,7 @@ void ArchiveCandidatesModel::show(const SharedMessageList& candidates) {
 void ArchiveCandidatesModel::sumSelection() {
     selectedCount_ = 0;
     selectedBytes_ = 0;
-    const bool areAllTicked = model_.archive().isWholeOfferSelected();
+    const bool areAllTicked = model_.ticks().isWholeOfferSelected();
     for (const MailMessageRecord& message : *messages()) {
         if (!areAllTicked && !isTicked(message)) continue;
         selectedCount_ += 1;
@@ -116,7 +112,7 @@ void ArchiveCandidatesModel::toggleTick(int row) {
     const MailMessageRecord* const message = this->message(row);
     if (message == nullptr) return;
     isOwnChange_ = true;
-    model_.archive().toggleArchiveSelection(message->id);
+    model_.ticks().toggleArchiveSelection(message->id);
     isOwnChange_ = false;
     const std::int64_t sign = isTicked(*message) ? 1 : -1;
     selectedCount_ += sign;
@@ -131,22 +127,23 @@ void ArchiveCandidatesModel::toggleTicks(int row) {
     tickTask_.start(TaskPriority::userInitiated,
                     TickJob{{messages(), selection().rows()},
                             !isTicked(*message(row)),
-                            model_.archive().selectedArchiveMessageIDs()},
-                    &ticksOf,
-                    [this](SharedTextSet ids) { model_.archive().setArchiveSelection(std::move(ids)); });
+                            model_.ticks().selectedArchiveMessageIDs()},
+                    &ticksOf, [this](ArchiveSelection selection) {
+                        model_.ticks().setArchiveSelection(std::move(selection));
+                    });
 }
 
 void ArchiveCandidatesModel::tickRange(int row) {
     const MailMessageRecord* const message = this->message(row);
     if (message == nullptr) return;
     if (anchor_.empty()) anchor_ = message->id;
-    model_.archive().selectArchiveRange(anchor_, message->id);
+    model_.ticks().selectArchiveRange(anchor_, message->id);
 }
 
 void ArchiveCandidatesModel::setTicksOfAll(bool ticked) {
     if (!ticked) {
         tickTask_.cancel();
-        model_.archive().selectNoArchiveCandidates();
+        model_.ticks().selectNoArchiveCandidates();
         return;
     }
     tickTask_.start(
@@ -157,7 +154,7 @@ void ArchiveCandidatesModel::setTicksOfAll(bool ticked) {
             for (const MailMessageRecord& message : *all) ids.insert(message.id);
             return ids;
         },
-        [this](SharedTextSet ids) { model_.archive().setArchiveSelection(std::move(ids)); });
+        [this](SharedTextSet ids) { model_.ticks().setArchiveSelection(std::move(ids)); });
 }
 
 void ArchiveCandidatesModel::tickAll() {

@@ -19,12 +19,12 @@ RunPace::Moment now() {
 
 } // namespace
 
-ArchiveProgress::ArchiveProgress(ArchiveControl& archive, QObject* parent)
+ArchiveProgress::ArchiveProgress(ArchiveRunFlow& archive, QObject* parent)
   : QObject(parent)
   , archive_(archive) {
     tick_.setInterval(std::chrono::seconds(1));
     connect(&tick_, &QTimer::timeout, this, &ArchiveProgress::changed);
-    connect(&archive, &ArchiveControl::progressChanged, this, &ArchiveProgress::take);
+    connect(&archive, &ArchiveRunFlow::progressChanged, this, &ArchiveProgress::take);
 }
 
 void ArchiveProgress::start(std::int64_t total) {

@@ -9,7 +9,7 @@
 #include <QTimer>
 #include <QtQml/qqmlregistration.h>
 
-#include "model/archiving/archive_control.h"
+#include "model/archiving/archive_run_flow.h"
 #include "screens/archive/run_pace.h"
 
 namespace corvane {
@@ -29,7 +29,7 @@ class ArchiveProgress : public QObject {
     Q_PROPERTY(bool isCancelling READ isCancelling NOTIFY changed)
 
   public:
-    explicit ArchiveProgress(ArchiveControl& archive, QObject* parent = nullptr);
+    explicit ArchiveProgress(ArchiveRunFlow& archive, QObject* parent = nullptr);
 
     void start(std::int64_t total);
     void setCancelling();
@@ -57,7 +57,7 @@ class ArchiveProgress : public QObject {
   private:
     void take();
 
-    ArchiveControl& archive_;
+    ArchiveRunFlow& archive_;
     EmailArchiveProgress progress_;
     RunPace pace_;
     bool isCancelling_ = false;

@@ -22,7 +22,7 @@ ArchiveScreen::ArchiveScreen(CorvaneViewModel& model, OrganizeData& data, Deskto
   , candidates_(model)
   , quickDestinations_(model)
   , folderPicker_(model)
-  , progress_(model.archive())
+  , progress_(model.archiveRun())
   , prepareTask_(model.context().tasks)
   , copyTask_(model.context().tasks) {
     wire();
@@ -81,24 +81,18 @@ void ArchiveScreen::open(ArchiveOffer offer) {
     setStage(Confirm);
     Q_EMIT candidatesChanged();
 
-    struct Offered {
-        std::shared_ptr<const SharedTextSet> ids;
-        SharedTextSet selection;
-    };
-
     prepareTask_.start(
         TaskPriority::userInitiated, std::move(offer.makeIDs),
         [](const std::function<SharedTextSet()>& makeIDs, const TaskHandle&) {
-            const auto ids = std::make_shared<const SharedTextSet>(makeIDs());
-            return Offered{ids, *ids};
+            return std::make_shared<const SharedTextSet>(makeIDs());
         },
-        [this](Offered offered) { takeOffer(std::move(offered.ids), std::move(offered.selection)); });
+        [this](std::shared_ptr<const SharedTextSet> offered) { takeOffer(std::move(offered)); });
 }
 
-void ArchiveScreen::takeOffer(std::shared_ptr<const SharedTextSet> offered, SharedTextSet selection) {
+void ArchiveScreen::takeOffer(std::shared_ptr<const SharedTextSet> offered) {
     isPreparing_ = false;
-    model_.archive().setCandidateOffer(std::move(offered));
-    model_.archive().selectWholeOffer(std::move(selection));
+    model_.candidates().setCandidateOffer(std::move(offered));
+    model_.ticks().selectWholeOffer();
     candidates_.load();
 }
 
@@ -107,8 +101,8 @@ void ArchiveScreen::endConfirmation() {
     prepareTask_.cancel();
     isPreparing_ = false;
     candidates_.clear();
-    model_.archive().setCandidateOffer(nullptr);
-    model_.archive().selectNoArchiveCandidates();
+    model_.candidates().setCandidateOffer(nullptr);
+    model_.ticks().selectNoArchiveCandidates();
     model_.filters().setTransferMinimumSize(TransferSizePreset::any);
     model_.filters().setArchiveFilterYears(yearsBefore_);
 }
@@ -126,12 +120,12 @@ void ArchiveScreen::start() {
     setError({});
     progress_.start(candidates_.selectedCount());
     setStage(Running);
-    model_.archiveSelectedEmails([screen = QPointer(this)](ArchiveControl::RunOutcome outcome) {
+    model_.archiveSelectedEmails([screen = QPointer(this)](ArchiveRunFlow::RunOutcome outcome) {
         if (screen) screen->takeOutcome(std::move(outcome));
     });
 }
 
-void ArchiveScreen::takeOutcome(ArchiveControl::RunOutcome outcome) {
+void ArchiveScreen::takeOutcome(ArchiveRunFlow::RunOutcome outcome) {
     progress_.stop();
     if (!outcome) {
         setError(screens::wholeText(outcome.error()));
@@ -151,7 +145,7 @@ void ArchiveScreen::takeOutcome(ArchiveControl::RunOutcome outcome) {
 void ArchiveScreen::cancelRun() {
     if (stage_ != Running) return;
     progress_.setCancelling();
-    model_.archive().cancelEmailArchive();
+    model_.archiveRun().cancelEmailArchive();
 }
 
 void ArchiveScreen::sendToBackground() {
@@ -225,7 +219,7 @@ QString ArchiveScreen::archiveButtonTitle() const {
 
 bool ArchiveScreen::canStart() const {
     return stage_ == Confirm && !isLoading() && destination().path && destination().facts.connected &&
-           candidates_.selectedCount() > 0 && !model_.archive().isArchiving();
+           candidates_.selectedCount() > 0 && !model_.archiveRun().isArchiving();
 }
 
 QString ArchiveScreen::archiveSelectionSummary() const {

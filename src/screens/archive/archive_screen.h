@@ -152,8 +152,8 @@ class ArchiveScreen : public QObject {
     void wire();
     void setStage(Stage stage);
     void setError(const QString& text);
-    void takeOffer(std::shared_ptr<const SharedTextSet> offered, SharedTextSet selection);
-    void takeOutcome(ArchiveControl::RunOutcome outcome);
+    void takeOffer(std::shared_ptr<const SharedTextSet> offered);
+    void takeOutcome(ArchiveRunFlow::RunOutcome outcome);
     void endConfirmation();
     [[nodiscard]] DestinationView destination() const;
     [[nodiscard]] DeletionSafety safety() const;

@@ -45,7 +45,6 @@ void HomeScreen::wire() {
     connect(&data_, &OrganizeData::overviewChanged, this, &HomeScreen::takeOverview);
     connect(&tree_, &OrganizeTreeModel::ticksChanged, this, &HomeScreen::showFigures);
     connect(&model_.counts(), &IndexCounts::countsChanged, this, &HomeScreen::figuresChanged);
-    connect(&model_.archive(), &ArchiveControl::candidateCountChanged, this, &HomeScreen::figuresChanged);
     connect(&model_.scanFlow(), &ScanFlow::stateChanged, this, &HomeScreen::takeScanState);
     connect(&model_.diskAccess(), &FullDiskAccess::needsFullDiskAccessChanged, this,
             &HomeScreen::stateChanged);

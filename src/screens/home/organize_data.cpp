@@ -1,8 +1,8 @@
 #include "screens/home/organize_data.h"
 
 #include <algorithm>
-
-#include <fmt/format.h>
+#include <memory>
+#include <utility>
 
 namespace corvane {
 
@@ -30,16 +30,13 @@ bool OrganizeData::hasOnlyStatistics() const {
     return model_.catalog().messages()->empty() && !model_.catalog().cachedAccountYearStats().empty();
 }
 
-std::string OrganizeData::organizeYearSectionsSignature() const {
+OrganizeData::Inputs OrganizeData::inputs() const {
     const MessageCatalog& catalog = model_.catalog();
-    std::string names;
-    for (const MailAccount& account : model_.accounts().availableAccounts())
-        names += fmt::format("{}\x01{}\x01", account.urlPrefix, account.distinguishedLabel());
-    return fmt::format("{}|{}|{}|{}|{}|{}|{}|{}", catalog.messagesToken(), catalog.availabilityToken(),
-                       catalog.locallyAvailableIDs()->size(), model_.library().archivedEmailBaseIDsToken(),
-                       catalog.archivedMessageIDs()->size(),
-                       hasOnlyStatistics() ? catalog.statsRevision() : -1,
-                       model_.filters().transferMaxYear().value_or(-1), names);
+    OrganizeInput input{
+        catalog.messages(),        catalog.locallyAvailableIDs(),      catalog.archivedMessageIDs(),
+        catalog.messageYearByID(), model_.filters().transferMaxYear(), model_.accounts().availableAccounts()};
+    return {std::move(input), catalog.isAvailabilityKnown(),
+            hasOnlyStatistics() ? catalog.state()->availability : nullptr};
 }
 
 void OrganizeData::refreshWhenDue() {
@@ -58,38 +55,36 @@ void OrganizeData::refresh() {
     if (isHeld_) return;
     // A scan shows its own progress; its list is whole when it has ended.
     if (model_.scanFlow().state().isScanning()) return;
-    const std::string signature = organizeYearSectionsSignature();
-    if (signature == (computingSignature_.empty() ? publishedSignature_ : computingSignature_)) return;
-    if (hasOnlyStatistics()) {
-        publish(organizeOverviewOfStatistics(model_.catalog().cachedAccountYearStats()), signature);
-    } else if (model_.catalog().isAvailabilityKnown()) {
-        compute();
+    Inputs current = inputs();
+    if (current == (computing_ ? computing_ : published_)) return;
+    if (current.statistics) {
+        publish(organizeOverviewOfStatistics(current.statistics->accountYearStats), std::move(current));
+    } else if (current.isAvailabilityKnown) {
+        compute(std::move(current));
     }
 }
 
-void OrganizeData::compute() {
-    const MessageCatalog& catalog = model_.catalog();
-    computingSignature_ = organizeYearSectionsSignature();
-    OrganizeInput input{
-        catalog.messages(),        catalog.locallyAvailableIDs(),      catalog.archivedMessageIDs(),
-        catalog.messageYearByID(), model_.filters().transferMaxYear(), model_.accounts().availableAccounts()};
+void OrganizeData::compute(Inputs current) {
+    computing_ = current;
     task_.start(
-        TaskPriority::userInitiated, std::move(input),
-        [](const OrganizeInput& shared, const TaskHandle& task) {
-            return computeOrganizeYearSections(shared, task.stopToken());
+        TaskPriority::userInitiated, current.input,
+        [](const OrganizeInput& input, const TaskHandle& task) {
+            return computeOrganizeYearSections(input, task.stopToken());
         },
-        [this, signature = computingSignature_](SharedOrganizeOverview overview) {
-            publish(std::move(overview), signature);
+        [this, of = std::move(current)](SharedOrganizeOverview overview) {
+            publish(std::move(overview), of);
         });
 }
 
-void OrganizeData::publish(SharedOrganizeOverview overview, const std::string& signature) {
+void OrganizeData::publish(SharedOrganizeOverview overview, Inputs of) {
     task_.cancel();
-    computingSignature_.clear();
+    computing_.reset();
     if (isHeld_) return;
     overview_ = std::move(overview);
     isKnown_ = true;
-    publishedSignature_ = signature;
+    // The lists of before may be the last ones.
+    auto earlier = std::make_shared<std::optional<Inputs>>(std::exchange(published_, std::move(of)));
+    model_.context().tasks.discard(std::move(earlier));
     // An empty start must not hold back what comes first.
     if (!overview_->accounts.empty()) sincePublished_.start();
     Q_EMIT overviewChanged();

@@ -35,10 +35,7 @@ class OrganizeData : public QObject {
     [[nodiscard]] bool isKnown() const { return isKnown_ && (!overview_->accounts.empty() || isUpToDate()); }
 
     // Nothing has changed since that isn't shown yet.
-    [[nodiscard]] bool isUpToDate() const { return publishedSignature_ == organizeYearSectionsSignature(); }
-
-    // Equal signatures mean an equal overview.
-    [[nodiscard]] std::string organizeYearSectionsSignature() const;
+    [[nodiscard]] bool isUpToDate() const { return published_ == inputs(); }
 
     // Refers to the model: not to be kept.
     [[nodiscard]] IndexedYears indexedYears() const;
@@ -53,10 +50,20 @@ class OrganizeData : public QObject {
     void overviewChanged();
 
   private:
+    // Equal inputs have an equal overview.
+    struct Inputs {
+        OrganizeInput input;
+        bool isAvailabilityKnown = false;
+        SharedAvailability statistics; // that stand for the messages at a cold start; else null
+
+        friend bool operator==(const Inputs&, const Inputs&) = default;
+    };
+
     void refresh();
     void refreshWhenDue();
-    void compute();
-    void publish(SharedOrganizeOverview overview, const std::string& signature);
+    void compute(Inputs current);
+    void publish(SharedOrganizeOverview overview, Inputs of);
+    [[nodiscard]] Inputs inputs() const;
     [[nodiscard]] bool hasOnlyStatistics() const;
 
     CorvaneViewModel& model_;
@@ -64,8 +71,8 @@ class OrganizeData : public QObject {
     SharedOrganizeOverview overview_ = std::make_shared<const OrganizeOverview>();
     bool isKnown_ = false;
     bool isHeld_ = false;
-    std::string publishedSignature_;
-    std::string computingSignature_;
+    std::optional<Inputs> published_;
+    std::optional<Inputs> computing_;
     QElapsedTimer sincePublished_;
     QTimer due_;
     TaskSlot task_;

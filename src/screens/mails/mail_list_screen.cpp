@@ -74,7 +74,7 @@ void MailListScreen::wire() {
         isRearranging_ = true;
         updateState();
     });
-    connect(&model_.archive(), &ArchiveControl::progressChanged, this, &MailListScreen::updateCanArchive);
+    connect(&model_.archiveRun(), &ArchiveRunFlow::progressChanged, this, &MailListScreen::updateCanArchive);
     connect(selection(), &ListSelection::currentRowChanged, this, &MailListScreen::takeCurrentRow);
     connect(selection(), &ListSelection::selectionChanged, this, [this] {
         Q_EMIT summaryChanged();
@@ -244,7 +244,7 @@ QString MailListScreen::selectionText() const {
 }
 
 bool MailListScreen::mayArchiveSelection() const {
-    if (model_.archive().isArchiving()) return false;
+    if (model_.archiveRun().isArchiving()) return false;
     int looked = 0;
     for (const auto& range : list_.selection().rows().ranges()) {
         for (int row = range.first; row < range.end; ++row) {

@@ -38,7 +38,7 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
     connect(&home_, &HomeScreen::stateChanged, this, &WindowModel::showFigures);
     connect(&model.catalog(), &MessageCatalog::messagesChanged, this, &WindowModel::showFigures);
     connect(&model.catalog(), &MessageCatalog::summaryChanged, this, &WindowModel::showFigures);
-    connect(&model.archive(), &ArchiveControl::progressChanged, this, [this] {
+    connect(&model.archiveRun(), &ArchiveRunFlow::progressChanged, this, [this] {
         if (archiving() == wasArchiving_) return;
         wasArchiving_ = archiving();
         Q_EMIT archivingChanged();
@@ -83,7 +83,7 @@ void WindowModel::stopArchiving() {
         return;
     }
     stopping_ = true;
-    model_.archive().cancelEmailArchive();
+    model_.archiveRun().cancelEmailArchive();
 }
 
 void WindowModel::openAddress(const QString& address) {

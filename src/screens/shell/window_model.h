@@ -56,7 +56,7 @@ class WindowModel : public QObject {
 
     [[nodiscard]] MailListScreen* mails() { return &mails_; }
 
-    [[nodiscard]] bool archiving() const { return model_.archive().isArchiving(); }
+    [[nodiscard]] bool archiving() const { return model_.archiveRun().isArchiving(); }
 
     [[nodiscard]] bool hasChineseFont() const;
 

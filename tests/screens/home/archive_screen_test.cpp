@@ -61,7 +61,7 @@ TEST_F(ArchiveSheet, OffersWhatWasTickedAndArchivesWhatStaysTicked) {
     EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("2 封需要放入归档库。"));
     archiveScreen_.close();
     EXPECT_TRUE(model_.filters().archiveFilterYears().empty());
-    EXPECT_EQ(model_.archive().archiveCandidates()->size(), 2U);
+    EXPECT_EQ(model_.candidates().archiveCandidates()->size(), 2U);
 }
 
 TEST_F(ArchiveSheet, SelectedCandidatesAreTickedTogetherAndCopied) {
@@ -151,7 +151,7 @@ TEST_F(ArchiveSheet, ARangeTicksWhatIsShownAndNothingElse) {
     candidates_.toggleTick(0);
     candidates_.tickRange(2);
     EXPECT_EQ(candidates_.selectedCount(), 3);
-    EXPECT_EQ(model_.archive().selectedArchiveMessages().size(), 3U);
+    EXPECT_EQ(model_.ticks().selectedArchiveMessages().size(), 3U);
 }
 
 TEST_F(ArchiveSheet, FailuresCanBeCopiedAndTriedAgain) {

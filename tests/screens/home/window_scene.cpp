@@ -143,7 +143,7 @@ void WindowScene::fill(Destination destination) {
 }
 
 void WindowScene::showLatest() {
-    const std::int64_t expected = model_.archive().archiveCandidateCount();
+    const auto expected = static_cast<std::int64_t>(model_.candidates().archiveCandidates()->size());
     QEventLoop loop;
     const auto isShown = [&] {
         return window_.home()->tree()->overview()->candidateCount() == expected &&

@@ -51,18 +51,19 @@ TEST_F(WindowModels, StoppingForTheCloseKeepsWhatWasWrittenAndItsIndex) {
     const std::string root = home_.at("归档");
     model_.destinations().setTransferDestination(root);
     waitUntilIdle(context_.tasks);
-    model_.archive().selectAllArchiveCandidates();
+    model_.ticks().selectAllArchiveCandidates();
     QSignalSpy stopped(&window_, &WindowModel::stopped);
     bool wasShown = false;
     QObject::connect(window_.activity(), &Activity::changed, [&] {
         wasShown = wasShown || (window_.activity()->running() && window_.activity()->place() == u"home");
     });
-    QObject::connect(&model_.archive(), &ArchiveControl::progressChanged, [&] {
+    QObject::connect(&model_.archiveRun(), &ArchiveRunFlow::progressChanged, [&] {
         // Before it names a message a run may be stopped with nothing written.
-        const auto& progress = model_.archive().emailArchiveProgress();
+        const auto& progress = model_.archiveRun().emailArchiveProgress();
         if (window_.archiving() && progress && progress->currentSubject) window_.stopArchiving();
     });
-    model_.archive().archiveSelectedEmails(root, [](auto) {});
+    model_.archiveRun().archiveSelectedEmails(model_.candidates().archiveCandidates(),
+                                              model_.ticks().selectedArchiveMessageIDs(), root, [](auto) {});
     EXPECT_TRUE(window_.archiving());
     waitUntilIdle(context_.tasks);
     EXPECT_EQ(stopped.count(), 1);
@@ -80,13 +81,14 @@ TEST_F(WindowModels, TheFootTellsOfARunAndThenOfItsBodyTexts) {
     const std::string root = home_.at("归档");
     model_.destinations().setTransferDestination(root);
     waitUntilIdle(context_.tasks);
-    model_.archive().selectAllArchiveCandidates();
+    model_.ticks().selectAllArchiveCandidates();
     QStringList titles;
     QObject::connect(window_.activity(), &Activity::changed, [&] {
         if (titles.isEmpty() || titles.last() != window_.activity()->title())
             titles.append(window_.activity()->title());
     });
-    model_.archive().archiveSelectedEmails(root, [](auto) {});
+    model_.archiveRun().archiveSelectedEmails(model_.candidates().archiveCandidates(),
+                                              model_.ticks().selectedArchiveMessageIDs(), root, [](auto) {});
     waitUntilIdle(context_.tasks);
     EXPECT_LT(titles.indexOf(QStringLiteral("正在归档")), titles.indexOf(QStringLiteral("正在准备正文预览")));
     EXPECT_TRUE(titles.contains(QStringLiteral("正在归档")));

@@ -228,12 +228,6 @@ void OrganizeTreeModel::ticksWereChanged() {
     Q_EMIT ticksChanged();
 }
 
-void OrganizeTreeModel::clearTicks() {
-    if (ticks_.isEmpty()) return;
-    ticks_ = {};
-    ticksWereChanged();
-}
-
 void OrganizeTreeModel::toggleTick(int row) {
     if (row < 0 || row >= rowCount()) return;
     const Row& shown = rows_[static_cast<std::size_t>(row)];

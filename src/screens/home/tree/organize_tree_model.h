@@ -69,9 +69,6 @@ class OrganizeTreeModel : public RowListModel {
 
     [[nodiscard]] ListSelection* selection() { return &selection_; }
 
-    // What was ticked is done with.
-    void clearTicks();
-
     Q_INVOKABLE void toggleTick(int row);
 
     // Of all selected rows where this is one of them: they take the tick that it gets.

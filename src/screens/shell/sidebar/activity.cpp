@@ -27,7 +27,7 @@ Activity::Activity(CorvaneViewModel& model, std::chrono::milliseconds loadPatien
     connect(&pause_, &QTimer::timeout, this, [this] { show(present()); });
     connect(&model.scanFlow(), &ScanFlow::stateChanged, this, &Activity::follow);
     connect(&model.catalog(), &MessageCatalog::summaryChanged, this, &Activity::follow);
-    connect(&model.archive(), &ArchiveControl::progressChanged, this, &Activity::follow);
+    connect(&model.archiveRun(), &ArchiveRunFlow::progressChanged, this, &Activity::follow);
     connect(&model.bodyTexts(), &BodyTexts::bodyIndexProgressChanged, this, &Activity::follow);
     connect(&model.library(), &LibraryLoader::loadStarted, this, &Activity::noteLoad);
     connect(&model.library(), &LibraryLoader::loadFinished, this, &Activity::follow);
@@ -46,9 +46,9 @@ bool Activity::loadLasts() const {
 
 Activity::State Activity::present() const {
     const QString home = QStringLiteral("home");
-    if (model_.archive().isArchiving()) {
+    if (model_.archiveRun().isArchiving()) {
         const EmailArchiveProgress progress =
-            model_.archive().emailArchiveProgress().value_or(EmailArchiveProgress());
+            model_.archiveRun().emailArchiveProgress().value_or(EmailArchiveProgress());
         return {QStringLiteral("正在归档"), figureOf(progress), home, progress.fraction(), false};
     }
     if (model_.scanFlow().state().isScanning()) {

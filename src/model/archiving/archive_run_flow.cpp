@@ -1,0 +1,120 @@
+#include "model/archiving/archive_run_flow.h"
+
+#include <algorithm>
+#include <exception>
+#include <iterator>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "archive/mail_email_archiver.h"
+#include "listing/archive_capacity.h"
+#include "records/stable_hash.h"
+
+namespace corvane {
+
+namespace {
+
+struct RunJob {
+    SharedMessageList candidates;
+    ArchiveSelection selection;
+    std::string destination;
+    const platform::Platform& platform;
+    platform::FileLayer& files;
+};
+
+struct EndedRun {
+    ArchiveRunFlow::RunOutcome outcome;
+    std::string signature;
+};
+
+MessageList selectedOf(const RunJob& job) {
+    MessageList selected;
+    for (const MailMessageRecord& message : *job.candidates) {
+        if (job.selection.contains(message.id)) selected.push_back(message);
+    }
+    return selected;
+}
+
+std::string runSignature(const MessageList& messages, const std::string& destination) {
+    std::string run = fmt::format("postArchive:{}:", destination);
+    for (const MailMessageRecord& message : messages)
+        fmt::format_to(std::back_inserter(run), "{},", message.id);
+    return stableHash(run);
+}
+
+ArchiveRunFlow::RunOutcome archived(const RunJob& job, const MessageList& messages,
+                                    const ReportingTask<EmailArchiveProgress>& task) {
+    // The place may be a sleeping disk, so it isn't asked on the main thread.
+    if (auto shortfall = archiveCapacityShortfall(messages, job.destination, job.platform))
+        return std::unexpected(std::move(*shortfall));
+    try {
+        ArchiverOptions options;
+        options.markHidden = [&platform = job.platform](const std::string& path) {
+            platform.markHidden(path);
+        };
+        const auto report = [&](const EmailArchiveProgress& progress) { task.report(progress); };
+        return MailEmailArchiver(job.files, options)
+            .archive(messages, job.destination, report, task.stopToken());
+    } catch (const std::exception& error) {
+        return std::unexpected(std::string(error.what()));
+    }
+}
+
+EndedRun runArchive(const RunJob& job, const ReportingTask<EmailArchiveProgress>& task) {
+    const MessageList messages = selectedOf(job);
+    return {archived(job, messages, task), runSignature(messages, job.destination)};
+}
+
+} // namespace
+
+ArchiveRunFlow::ArchiveRunFlow(ModelContext& context, QObject* parent)
+  : QObject(parent)
+  , context_(context)
+  , runTask_(context.tasks) {}
+
+void ArchiveRunFlow::setProgress(std::optional<EmailArchiveProgress> progress) {
+    progress_ = std::move(progress);
+    Q_EMIT progressChanged();
+}
+
+void ArchiveRunFlow::archiveSelectedEmails(SharedMessageList candidates, ArchiveSelection selection,
+                                           const std::optional<std::string>& destination,
+                                           Completion completion) {
+    if (isArchiving()) {
+        completion(std::unexpected("已有归档任务正在进行，请等待其完成。"));
+        return;
+    }
+    if (!destination) {
+        completion(std::unexpected("您没有将文件存储到该位置的权限：请先选择归档位置。"));
+        return;
+    }
+    if (std::ranges::none_of(*candidates,
+                             [&](const auto& message) { return selection.contains(message.id); })) {
+        completion(std::unexpected("文件不存在：没有选择要归档的邮件。"));
+        return;
+    }
+    completion_ = std::move(completion);
+    runTask_.startReporting<EmailArchiveProgress>(
+        TaskPriority::userInitiated,
+        RunJob{std::move(candidates), std::move(selection), *destination, context_.platform,
+               context_.support.files()},
+        &runArchive, [this](EmailArchiveProgress progress) { setProgress(std::move(progress)); },
+        [this, root = *destination](EndedRun ended) {
+            finishRun(std::move(ended.outcome), root, ended.signature);
+        });
+}
+
+void ArchiveRunFlow::finishRun(RunOutcome outcome, const std::string& destination,
+                               const std::string& signature) {
+    const Completion completion = std::exchange(completion_, nullptr);
+    setProgress(std::nullopt);
+    if (outcome) {
+        Q_EMIT archiveRunFinished(*outcome, QString::fromStdString(destination),
+                                  QString::fromStdString(signature));
+    }
+    Q_EMIT archiveRunEnded();
+    completion(std::move(outcome));
+}
+
+} // namespace corvane

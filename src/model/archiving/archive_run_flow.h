@@ -1,0 +1,63 @@
+// The one archive run at a time: its start, its progress, its end. Main thread; the run itself is a
+// background job, and writes through the context's file layer.
+#pragma once
+
+#include <expected>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include <QObject>
+
+#include "model/archiving/archive_selection.h"
+#include "model/model_context.h"
+#include "model/tasks/task_slot.h"
+#include "records/archive_records.h"
+#include "records/mail_message_record.h"
+
+namespace corvane {
+
+class ArchiveRunFlow : public QObject {
+    Q_OBJECT
+
+  public:
+    // A result, or the user's text of what kept the run from happening.
+    using RunOutcome = std::expected<EmailArchiveRunResult, std::string>;
+    using Completion = std::function<void(RunOutcome)>;
+
+    explicit ArchiveRunFlow(ModelContext& context, QObject* parent = nullptr);
+
+    // Archives those of the candidates that are selected, in their order. `completion` is called once, on the
+    // main thread, when the run's place is free again.
+    void archiveSelectedEmails(SharedMessageList candidates, ArchiveSelection selection,
+                               const std::optional<std::string>& destination, Completion completion);
+
+    // The run stops after the message at work and reports through its completion.
+    void cancelEmailArchive() { runTask_.requestStop(); }
+
+    [[nodiscard]] bool isArchiving() const { return completion_ != nullptr; }
+
+    // Present while a run is under way, from its first message on.
+    [[nodiscard]] const std::optional<EmailArchiveProgress>& emailArchiveProgress() const {
+        return progress_;
+    }
+
+  Q_SIGNALS:
+    void progressChanged();
+    // A run has ended with a result. Runs of the same messages into the same place have the same signature.
+    void archiveRunFinished(const corvane::EmailArchiveRunResult& result, const QString& destination,
+                            const QString& signature);
+    // Behind it, and when a run couldn't be made.
+    void archiveRunEnded();
+
+  private:
+    void setProgress(std::optional<EmailArchiveProgress> progress);
+    void finishRun(RunOutcome outcome, const std::string& destination, const std::string& signature);
+
+    ModelContext& context_;
+    std::optional<EmailArchiveProgress> progress_;
+    Completion completion_;
+    TaskSlot runTask_;
+};
+
+} // namespace corvane
