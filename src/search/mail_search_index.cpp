@@ -79,12 +79,21 @@ void MailSearchIndex::provideRecordMap() {
 std::size_t MailSearchIndex::bulkInsert(std::span<const SearchIndexRow> rows) {
     if (rows.empty()) return 0;
     const text::MutexLock lock(writing_);
-    search::execute(database_.get(), "BEGIN;");
+    if (!beginWriting()) return 0;
     const std::size_t inserted = insertRows(rows);
     // What did work stays.
     const int status = search::execute(database_.get(), "COMMIT;");
     noteStatus(status);
     return status == SQLITE_OK ? inserted : 0;
+}
+
+// The lock comes first: preparing may read from the table, and a transaction that has read before another one
+// wrote can't write any more. One that couldn't be ended goes on.
+bool MailSearchIndex::beginWriting() {
+    if (sqlite3_get_autocommit(database_.get()) == 0) return true;
+    const int status = search::execute(database_.get(), "BEGIN IMMEDIATE;");
+    noteStatus(status);
+    return status == SQLITE_OK;
 }
 
 std::size_t MailSearchIndex::insertRows(std::span<const SearchIndexRow> rows) {

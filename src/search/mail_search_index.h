@@ -128,6 +128,7 @@ class MailSearchIndex {
     // Null for none.
     static std::unique_ptr<MailSearchIndex> make(platform::SqliteConnection database);
     void provideRecordMap();
+    bool beginWriting() REQUIRES(writing_);
     std::size_t insertRows(std::span<const SearchIndexRow> rows) REQUIRES(writing_);
     bool insertRow(const SearchIndexRow& row, platform::SqliteStatement& insert,
                    platform::SqliteStatement& map) REQUIRES(writing_);
