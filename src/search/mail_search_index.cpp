@@ -32,6 +32,9 @@ MailSearchIndex::MailSearchIndex(platform::SqliteConnection database)
   : database_(std::move(database))
   , hasTrigrams_(search::hasTrigramTable(database_.get()))
   , pairs_(database_.get()) {
+    // The first of each is made here, where nobody waits.
+    bodyLookup();
+    trigramStatements();
     provideRecordMap();
     if (metaInt(extractorVersionKey) != extractorVersion)
         setMeta(extractorVersionKey, std::to_string(extractorVersion));
@@ -146,10 +149,13 @@ std::optional<SharedTextSet> MailSearchIndex::idsByIndex(std::string_view text) 
         const text::MutexLock lock(searchingPairs_);
         return pairs_.ids(text);
     }
-    const auto statements = trigrams_.take([this] {
+    return trigramStatements()->ids(text);
+}
+
+text::IdlePool<search::TrigramStatements>::Lease MailSearchIndex::trigramStatements() const {
+    return trigrams_.take([this] {
         return std::make_unique<search::TrigramStatements>(database_.get(), SQLITE_PREPARE_PERSISTENT);
     });
-    return statements->ids(text);
 }
 
 text::IdlePool<MailSearchIndex::BodyLookup>::Lease MailSearchIndex::bodyLookup() const {

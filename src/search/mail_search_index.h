@@ -133,7 +133,8 @@ class MailSearchIndex {
     bool insertRow(const SearchIndexRow& row, platform::SqliteStatement& insert,
                    platform::SqliteStatement& map) REQUIRES(writing_);
     [[nodiscard]] std::optional<SharedTextSet> idsByIndex(std::string_view text) const;
-    [[nodiscard]] text::IdlePool<BodyLookup>::Lease bodyLookup() const;
+    text::IdlePool<BodyLookup>::Lease bodyLookup() const;
+    text::IdlePool<search::TrigramStatements>::Lease trigramStatements() const;
     std::optional<std::int64_t> rowIDOf(std::string_view recordID, BodyLookup& lookup) const;
     void noteStatus(int status) const;
 
