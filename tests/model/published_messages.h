@@ -1,6 +1,7 @@
 // What a whole scan leaves in the model, without the scan.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <utility>
 
