@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "locations/archive_search.h"
 #include "mime/header_decoding.h"
 #include "platform/directory.h"
 #include "search/mail_search_index.h"
@@ -23,12 +24,6 @@ std::optional<std::string> bodyInIndexes(const SearchIndexTable& indexes, const 
         if (auto body = index->body(id)) return body;
     }
     return std::nullopt;
-}
-
-SharedTextSet idsInIndexes(const SearchIndexTable& indexes, const std::string& query) {
-    SharedTextSet ids;
-    for (const auto& [root, index] : indexes) ids.merge(index->search(query));
-    return ids;
 }
 
 std::optional<std::string> ccOfFile(const platform::Platform& platform, const ArchivedEntry& entry) {
@@ -165,13 +160,17 @@ void BodyTexts::ccRecipients(const ArchivedEntry& entry, TextAnswer answer) {
 }
 
 void BodyTexts::searchArchive(std::string query, IDsAnswer answer) {
+    rootsNotSearched_.clear();
     if (library_.locationSearchIndexes()->empty()) return answer({});
     answerTasks_.start(
         TaskPriority::userInitiated, SearchQuestion{library_.locationSearchIndexes(), std::move(query)},
         [](const SearchQuestion& asked, const TaskHandle&) {
-            return idsInIndexes(*asked.indexes, asked.query);
+            return searchIndexes(*asked.indexes, asked.query);
         },
-        [answer = std::move(answer)](const SharedTextSet& ids) { answer(ids); });
+        [this, answer = std::move(answer)](const ArchiveSearchResult& result) {
+            rootsNotSearched_ = result.unreadableRoots;
+            answer(result.ids);
+        });
 }
 
 BodyIndexRequest BodyTexts::requestForAllLocations(bool force) const {

@@ -55,6 +55,10 @@ class BodyTexts : public QObject {
     // The ids of all records that hold the text, over all archives, connected or not.
     void searchArchive(std::string query, IDsAnswer answer);
 
+    // The roots of the archives that the search answered last couldn't look into: its answer says nothing of
+    // them.
+    [[nodiscard]] const std::vector<std::string>& rootsNotSearched() const { return rootsNotSearched_; }
+
     // Indexes what is missing in all locations, or everything anew.
     void rebuildBodyTextIndex(bool force);
 
@@ -103,6 +107,7 @@ class BodyTexts : public QObject {
     std::size_t cachedBytes_ = 0;
     std::unordered_map<SharedText, std::string> ccRecipientsCache_;      // empty for a known absence
     std::unordered_map<std::string, std::vector<TextAnswer>> preparing_; // by entry id, who waits
+    std::vector<std::string> rootsNotSearched_;
     std::deque<BodyIndexRequest> waitingIndexing_;
     std::optional<BodyIndexRequest> runningIndexing_;
     std::optional<EmailArchiveProgress> progress_;
