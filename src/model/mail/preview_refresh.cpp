@@ -1,6 +1,7 @@
 #include "model/mail/preview_refresh.h"
 
 #include <exception>
+#include <memory>
 
 #include "mime/emlx.h"
 #include "mime/preview_layout.h"

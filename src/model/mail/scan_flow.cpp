@@ -1,6 +1,7 @@
 #include "model/mail/scan_flow.h"
 
 #include <chrono>
+#include <memory>
 #include <set>
 #include <utility>
 #include <variant>

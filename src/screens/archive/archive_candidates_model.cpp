@@ -1,5 +1,6 @@
 #include "screens/archive/archive_candidates_model.h"
 
+#include <memory>
 #include <utility>
 
 #include "screens/lists/message_lines.h"
