@@ -8,6 +8,7 @@
 
 #include "locations/archive_locations.h"
 #include "locations/cloud_providers.h"
+#include "search/mail_search_index.h"
 
 namespace corvane {
 
