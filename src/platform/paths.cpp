@@ -85,6 +85,11 @@ std::string standardizedPath(std::string_view path) {
     return result.empty() ? "/" : result;
 }
 
+bool isAtOrBelow(std::string_view path, std::string_view folder) noexcept {
+    return path.starts_with(folder) &&
+           (path.size() == folder.size() || folder == "/" || path[folder.size()] == '/');
+}
+
 bool isSafeRelativePath(std::string_view path) noexcept {
     if (path.starts_with('/') || path.find('\0') != std::string_view::npos) return false;
     std::size_t depth = 0;

@@ -26,6 +26,9 @@ std::string_view withoutExtension(std::string_view path) noexcept;
 // trailing slash. Links aren't resolved.
 std::string standardizedPath(std::string_view path);
 
+// Whether the path is the folder or lies below it, by their texts alone; both standardized.
+bool isAtOrBelow(std::string_view path, std::string_view folder) noexcept;
+
 // Whether a relative path from an untrusted source stays below its root: not absolute, without NUL, never
 // leaving by ".." even for a moment, and not naming the root itself ("", ".", "a/.."). Links aren't looked
 // at.

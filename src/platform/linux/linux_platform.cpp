@@ -52,10 +52,6 @@ std::optional<std::string> nearestExisting(std::string_view path) {
     return current;
 }
 
-std::vector<MountEntry> mountTable() {
-    return parseMountTable(readFile("/proc/self/mountinfo").value_or(""));
-}
-
 // Some file systems (btrfs) have a device number of their own and name the disk only as the source.
 std::string diskOf(const MountEntry& mount) {
     struct stat source{};
@@ -72,7 +68,7 @@ std::optional<MountEntry> mountOf(const std::string& path) {
     const auto existing = nearestExisting(path);
     const auto resolved = existing ? resolvedPath(*existing) : std::nullopt;
     if (!resolved) return std::nullopt;
-    const auto table = mountTable();
+    const auto table = readMountTable();
     const MountEntry* mount = mountHolding(table, *resolved);
     if (mount == nullptr) return std::nullopt;
     return *mount;
@@ -120,7 +116,7 @@ class LinuxPlatform final : public Platform {
     }
 
     [[nodiscard]] std::optional<std::vector<Volume>> mountedVolumes() const override {
-        const auto table = mountTable();
+        const auto table = readMountTable();
         if (table.empty()) return std::nullopt;
         std::vector<Volume> volumes;
         for (const auto& mount : visibleMounts(table)) volumes.push_back(describedVolume(mount));

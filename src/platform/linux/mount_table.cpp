@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <set>
-#include <tuple>
 #include <utility>
 
+#include <libmount/libmount.h>
+#include <sys/sysmacros.h>
+
 #include "platform/paths.h"
-#include "text/split.h"
 
 namespace corvane::platform {
 
@@ -19,28 +21,20 @@ constexpr std::array<std::string_view, 3> mediaFolders{"/media", "/run/media", "
 constexpr std::array<std::string_view, 11> systemFolders{"/proc", "/sys", "/dev", "/run", "/boot", "/efi",
                                                          "/snap", "/var", "/usr", "/etc", "/tmp"};
 
-constexpr std::array<std::string_view, 33> kernelTypes{
-    "autofs",          "bdev",       "binfmt_misc", "bpf",
-    "cgroup",          "cgroup2",    "configfs",    "cpuset",
-    "debugfs",         "devpts",     "devtmpfs",    "efivarfs",
-    "fuse.gvfsd-fuse", "fuse.lxcfs", "fuse.portal", "fusectl",
-    "hugetlbfs",       "mqueue",     "none",        "nsfs",
-    "overlay",         "pipefs",     "proc",        "pstore",
-    "ramfs",           "rootfs",     "rpc_pipefs",  "securityfs",
-    "selinuxfs",       "squashfs",   "sysfs",       "tmpfs",
-    "tracefs"};
+// What libmount's own list of network file systems leaves out, those of virtual machines with them. FUSE file
+// systems are programs in front of something remote; "fuseblk" is one in front of a disk.
+constexpr std::array<std::string_view, 6> furtherNetworkTypes{"beegfs",    "ceph",   "davfs",
+                                                              "glusterfs", "lustre", "virtiofs"};
 
-constexpr std::array<std::string_view, 14> networkTypes{"9p",    "afs",       "beegfs", "ceph",    "cifs",
-                                                        "davfs", "glusterfs", "lustre", "ncpfs",   "nfs",
-                                                        "nfs4",  "smb3",      "smbfs",  "virtiofs"};
+// File systems in which the system keeps things of its own, beyond libmount's pseudo file systems.
+constexpr std::array<std::string_view, 4> furtherSystemTypes{"fuse.gvfsd-fuse", "fuse.lxcfs", "fuse.portal",
+                                                             "squashfs"};
+
+// A folder of the user's that VirtualBox shares, though libmount calls it a pseudo file system.
+constexpr std::string_view virtualBoxType = "vboxsf";
 
 bool contains(const auto& list, std::string_view value) {
     return std::find(list.begin(), list.end(), value) != list.end();
-}
-
-bool isAtOrBelow(std::string_view path, std::string_view folder) {
-    return path.starts_with(folder) &&
-           (path.size() == folder.size() || folder == "/" || path[folder.size()] == '/');
 }
 
 bool isBelow(std::string_view path, std::string_view folder) {
@@ -57,59 +51,52 @@ bool isAtOrBelowAny(std::string_view path, const auto& folders) {
                        [&](std::string_view folder) { return isAtOrBelow(path, folder); });
 }
 
-// FUSE file systems are programs in front of something remote; "fuseblk" is one in front of a disk.
-bool isNetworkType(std::string_view type) {
-    return contains(networkTypes, type) || type == "fuse" || type.starts_with("fuse.");
+bool isNetworkType(libmnt_fs* row, std::string_view type) {
+    return mnt_fs_is_netfs(row) == 1 || type == "fuse" || type.starts_with("fuse.") ||
+           contains(furtherNetworkTypes, type);
 }
 
-bool isOctal(char digit) {
-    return digit >= '0' && digit <= '7';
+bool isSystemType(libmnt_fs* row, std::string_view type) {
+    if (contains(furtherSystemTypes, type)) return true;
+    return mnt_fs_is_pseudofs(row) == 1 && type != virtualBoxType && !isNetworkType(row, type);
 }
 
-// The kernel writes blank, tab, line feed, backslash and '#' as a backslash and three octal digits.
-std::string unescaped(std::string_view field) {
-    std::string result;
-    result.reserve(field.size());
-    for (std::size_t i = 0; i < field.size(); ++i) {
-        const std::string_view rest = field.substr(i);
-        if (rest.size() >= 4 && rest[0] == '\\' && std::ranges::all_of(rest.substr(1, 3), isOctal)) {
-            result += static_cast<char>((rest[1] - '0') * 64 + (rest[2] - '0') * 8 + (rest[3] - '0'));
-            i += 3;
-        } else {
-            result += field[i];
-        }
-    }
-    return result;
+std::string textOf(const char* text) {
+    return text == nullptr ? "" : text;
 }
 
-// "36 35 98:0 /root /mount/point options [optional fields...] - type source super-options"
-std::optional<MountEntry> parsedRow(std::string_view row) {
-    const auto fields = text::splitText(row, ' ');
-    if (fields.size() < 6) return std::nullopt;
-    const auto separator = std::find(fields.begin() + 6, fields.end(), "-");
-    if (fields.end() - separator < 3 || !fields[4].starts_with('/')) return std::nullopt;
-    return MountEntry{.id = std::string(fields[0]),
-                      .device = std::string(fields[2]),
-                      .mountPoint = unescaped(fields[4]),
-                      .fileSystemType = unescaped(separator[1]),
-                      .source = unescaped(separator[2])};
+MountEntry entryOf(libmnt_fs* row) {
+    const dev_t device = mnt_fs_get_devno(row);
+    const std::string type = textOf(mnt_fs_get_fstype(row));
+    return MountEntry{.id = mnt_fs_get_id(row),
+                      .device = std::to_string(major(device)) + ":" + std::to_string(minor(device)),
+                      .mountPoint = textOf(mnt_fs_get_target(row)),
+                      .fileSystemType = type,
+                      .source = textOf(mnt_fs_get_source(row)),
+                      .isNetwork = isNetworkType(row, type),
+                      .isOfSystem = isSystemType(row, type)};
 }
 
 bool isBrowsable(const MountEntry& mount) {
     const std::string_view path = mount.mountPoint;
     if (mount.fileSystemType == "autofs") return false;
     if (isBelowAny(path, mediaFolders)) return true;
-    if (contains(kernelTypes, mount.fileSystemType)) return false;
-    if (isNetworkType(mount.fileSystemType)) return isBelow(path, "/mnt");
+    if (mount.isOfSystem) return false;
+    if (mount.isNetwork) return isBelow(path, "/mnt");
     return !isAtOrBelowAny(path, systemFolders);
 }
 
 } // namespace
 
-std::vector<MountEntry> parseMountTable(std::string_view rows) {
+std::vector<MountEntry> readMountTable(const std::string& file) {
+    const std::unique_ptr<libmnt_table, decltype(&mnt_unref_table)> rows(mnt_new_table(), mnt_unref_table);
+    const std::unique_ptr<libmnt_iter, decltype(&mnt_free_iter)> position(mnt_new_iter(MNT_ITER_FORWARD),
+                                                                          mnt_free_iter);
+    if (!rows || !position || mnt_table_parse_file(rows.get(), file.c_str()) != 0) return {};
     std::vector<MountEntry> table;
-    for (const std::string_view row : text::splitText(rows, '\n')) {
-        if (auto entry = parsedRow(row)) table.push_back(std::move(*entry));
+    libmnt_fs* row = nullptr;
+    while (mnt_table_next_fs(rows.get(), position.get(), &row) == 0) {
+        if (textOf(mnt_fs_get_target(row)).starts_with('/')) table.push_back(entryOf(row));
     }
     return table;
 }
@@ -143,7 +130,7 @@ Volume volumeOfMount(const MountEntry& mount, const DeviceTraits& traits) {
         volume.removable = removable;
         volume.ejectable = removable || *traits.isExternal;
         volume.internal = !*volume.ejectable;
-    } else if (isNetworkType(mount.fileSystemType) || isBelowAny(mount.mountPoint, mediaFolders)) {
+    } else if (mount.isNetwork || isBelowAny(mount.mountPoint, mediaFolders)) {
         volume.removable = false;
         volume.ejectable = true;
         volume.internal = false;
@@ -178,7 +165,7 @@ std::vector<MountEvent> mountChanges(const std::vector<MountEntry>& before,
                                      const std::vector<MountEntry>& after) {
     // With its id: a stick that is pulled and plugged in again between two looks went and came.
     const auto volumes = [](const std::vector<MountEntry>& table) {
-        std::set<std::pair<std::string_view, std::string_view>> result;
+        std::set<std::pair<std::string_view, int>> result;
         for (const auto& entry : table) {
             if (isBrowsable(entry)) result.emplace(entry.mountPoint, entry.id);
         }

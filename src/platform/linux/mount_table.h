@@ -1,5 +1,6 @@
-// The kernel's table of mounts as text, and what follows from a row of it. Pure functions over text, but for
-// the look at sysfs that tells what kind of device a volume lies on. Thread-safe.
+// The table of mounts, and what follows from a row of it. libmount reads the table and knows file system
+// types; which volumes a user means and whether they can be unplugged is decided here. Functions over values,
+// but for the table itself and the look at sysfs for the kind of device that a volume lies on. Thread-safe.
 #pragma once
 
 #include <optional>
@@ -12,11 +13,13 @@
 namespace corvane::platform {
 
 struct MountEntry {
-    std::string id;     // of the mount, not of the volume
+    int id = 0;         // of the mount, not of the volume
     std::string device; // "major:minor"
     std::string mountPoint;
     std::string fileSystemType; // as the kernel spells it
     std::string source;
+    bool isNetwork = false;  // by its type: the files lie elsewhere, or a FUSE program shows them
+    bool isOfSystem = false; // by its type: an interface of the kernel or a store of the system
 };
 
 // What the device of a volume tells; absent where there is no device or it doesn't say.
@@ -25,12 +28,14 @@ struct DeviceTraits {
     std::optional<bool> isExternal;         // on a bus that can be unplugged
 };
 
-// The rows of /proc/self/mountinfo (proc_pid_mountinfo(5)) in their order, octal escapes resolved. A row that
-// isn't one is left out.
-std::vector<MountEntry> parseMountTable(std::string_view rows);
+constexpr const char* mountTableFile = "/proc/self/mountinfo";
+
+// The rows of a file in the form of proc_pid_mountinfo(5), in their order, octal escapes resolved. A row that
+// can't be parsed is left out; empty when the file can't be read.
+std::vector<MountEntry> readMountTable(const std::string& file = mountTableFile);
 
 // The row whose mount point is the longest one above the path; of equal ones the last, which hides the
-// others. The path is absolute and has no links left in it.
+// others; null when there is none. The path is absolute and has no links left in it.
 const MountEntry* mountHolding(const std::vector<MountEntry>& table, std::string_view path);
 
 // Without the rows that a later mount at the same place hides.

@@ -2,13 +2,13 @@
 
 #include <array>
 #include <cerrno>
-#include <string>
 #include <system_error>
 #include <thread>
+#include <utility>
+#include <vector>
 
-#include <fcntl.h>
+#include <libmount/libmount.h>
 #include <poll.h>
-#include <unistd.h>
 
 #include "platform/child_process.h"
 #include "platform/linux/mount_table.h"
@@ -17,15 +17,10 @@ namespace corvane::platform {
 
 namespace {
 
-std::vector<MountEntry> currentTable(int descriptor) {
-    std::string text;
-    std::array<char, 16384> buffer{};
-    ::lseek(descriptor, 0, SEEK_SET);
-    while (true) {
-        const ssize_t got = ::read(descriptor, buffer.data(), buffer.size());
-        if (got > 0) text.append(buffer.data(), static_cast<std::size_t>(got));
-        if (got == 0 || (got < 0 && errno != EINTR)) return parseMountTable(text);
-    }
+// libmount returns what errno holds, below zero.
+int checked(int result) {
+    if (result < 0) throw std::system_error(-result, std::generic_category(), mountTableFile);
+    return result;
 }
 
 class MountWatch final : public MountSubscription {
@@ -33,10 +28,11 @@ class MountWatch final : public MountSubscription {
     explicit MountWatch(std::function<void(MountEvent)> handler)
       : handler_(std::move(handler))
       , stop_(makePipe())
-      , table_(::open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC)) {
-        if (!table_) throw std::system_error(errno, std::generic_category(), "/proc/self/mountinfo");
+      , monitor_(mnt_new_monitor(), mnt_unref_monitor) {
+        checked(monitor_ ? mnt_monitor_enable_kernel(monitor_.get(), 1) : -ENOMEM);
+        changes_ = checked(mnt_monitor_get_fd(monitor_.get()));
         // Read here: what is mounted after the subscription began must not be taken for its start.
-        mounts_ = currentTable(table_.get());
+        mounts_ = readMountTable();
         thread_ = std::thread([this] { run(); });
     }
 
@@ -46,18 +42,19 @@ class MountWatch final : public MountSubscription {
     }
 
   private:
-    // The kernel signals a change of the table as an exceptional condition of the open file.
     void run() {
+        std::array<pollfd, 2> events{{{changes_, POLLIN, 0}, {stop_.readEnd.get(), POLLIN, 0}}};
         while (true) {
-            std::array<pollfd, 2> events{{{table_.get(), POLLPRI, 0}, {stop_.readEnd.get(), POLLIN, 0}}};
             if (::poll(events.data(), events.size(), -1) < 0) continue;
             if (events[1].revents != 0) return;
-            if (events[0].revents != 0) tellChanges();
+            if (events[0].revents != 0) handleChanges();
         }
     }
 
-    void tellChanges() {
-        auto now = currentTable(table_.get());
+    // The event is cleared before the table is read: a change in between gives another event.
+    void handleChanges() {
+        mnt_monitor_event_cleanup(monitor_.get());
+        auto now = readMountTable();
         const auto changes = mountChanges(mounts_, now);
         mounts_ = std::move(now);
         for (const MountEvent event : changes) handler_(event);
@@ -65,7 +62,8 @@ class MountWatch final : public MountSubscription {
 
     std::function<void(MountEvent)> handler_;
     Pipe stop_;
-    FileDescriptor table_;
+    std::unique_ptr<libmnt_monitor, decltype(&mnt_unref_monitor)> monitor_;
+    int changes_ = -1; // a descriptor of the monitor's
     std::vector<MountEntry> mounts_;
     std::thread thread_;
 };

@@ -9,7 +9,7 @@
 namespace corvane::platform {
 
 // `handler` runs on a thread of its own, which ends with the subscription; the subscription must not be ended
-// by the handler itself. Throws std::system_error.
+// by the handler itself. Throws std::system_error when the table can't be watched.
 std::unique_ptr<MountSubscription> watchMounts(std::function<void(MountEvent)> handler);
 
 } // namespace corvane::platform
