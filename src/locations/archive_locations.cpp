@@ -10,14 +10,6 @@
 
 namespace corvane {
 
-namespace {
-
-bool holds(const platform::Volume& volume, const std::string& path) {
-    return path == volume.path || path.starts_with(volume.path + "/");
-}
-
-} // namespace
-
 bool volumeMounted(const platform::Platform& platform, const std::string& path) {
     const auto mountPoint = platform.removableMountPoint(path);
     if (!mountPoint) return false;
@@ -27,7 +19,8 @@ bool volumeMounted(const platform::Platform& platform, const std::string& path) 
     if (!volumes) return platform::fileExists(*mountPoint);
     return std::ranges::any_of(*volumes,
                                [&](const platform::Volume& volume) {
-                                   return holds(volume, path) && platform.removableMountPoint(volume.path);
+                                   return platform::isAtOrBelow(path, volume.path) &&
+                                          platform.removableMountPoint(volume.path);
                                }) ||
            platform::fileExists(path);
 }

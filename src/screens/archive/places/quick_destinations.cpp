@@ -15,10 +15,6 @@ namespace {
 // An archive's years don't go among the user's own folders.
 constexpr const char* ownFolderName = "邮件归档";
 
-bool isWithin(const std::string& path, const std::string& folder) {
-    return path == folder || path.starts_with(folder + "/");
-}
-
 QString shownFolder(const std::string& path, const std::string& home) {
     return screens::shownPath(screens::wholeText(path), screens::wholeText(home));
 }
@@ -73,9 +69,9 @@ bool QuickDestinations::hasQuickDestinations() const {
 // The archive that lies there already, so that a press doesn't begin a second one beside it.
 std::string QuickDestinations::archiveFolderIn(const std::string& place) const {
     const auto& chosen = model_.destinations().transferDestination();
-    if (chosen && isWithin(*chosen, place)) return *chosen;
+    if (chosen && platform::isAtOrBelow(*chosen, place)) return *chosen;
     for (const ArchiveLocation& location : model_.library().archiveLocations()) {
-        if (location.isConnected && isWithin(location.rootPath, place)) return location.rootPath;
+        if (location.isConnected && platform::isAtOrBelow(location.rootPath, place)) return location.rootPath;
     }
     return platform::joinPath(place, ownFolderName);
 }
@@ -87,7 +83,7 @@ QuickDestination QuickDestinations::rowOf(const CloudStorageProvider& place) con
     row.name = screens::shownLine(place.name);
     row.detail = screens::shownLine(place.detail.value_or("云盘"));
     row.symbol = QString::fromStdString(place.icon);
-    row.isChosen = chosen && isWithin(*chosen, place.path);
+    row.isChosen = chosen && platform::isAtOrBelow(*chosen, place.path);
     row.isConnected = !row.isChosen || model_.destinations().facts().connected;
     return row;
 }
