@@ -1,36 +1,20 @@
 #include "mime/emlx.h"
 
-#include <algorithm>
-
 #include <fmt/format.h>
 
 #include "platform/directory.h"
 #include "text/charset.h"
+#include "text/utf8_step.h"
 
 namespace corvane::mime {
-
-namespace {
-
-// The bytes at the end that begin a UTF-8 character and don't complete it: with them, all of a text that is
-// UTF-8 would be read as ISO Latin 1.
-std::size_t cutCharacterLength(std::string_view bytes) {
-    for (std::size_t length = 1; length <= std::min<std::size_t>(3, bytes.size()); ++length) {
-        const auto byte = static_cast<unsigned char>(bytes[bytes.size() - length]);
-        if ((byte & 0xC0) == 0x80) continue;
-        const std::size_t whole = byte < 0xC0 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
-        return whole > length ? length : 0;
-    }
-    return 0;
-}
-
-} // namespace
 
 std::string readMessagePrefix(const std::string& path, std::int64_t byteLimit) {
     std::string reason;
     auto content = platform::readFilePrefix(path, byteLimit, &reason);
     if (!content) throw MessageFileError(fmt::format("{}: {}", path, reason));
+    // With a character cut at its end, all of a text that is UTF-8 would be read as ISO Latin 1.
     if (static_cast<std::int64_t>(content->size()) == byteLimit)
-        content->resize(content->size() - cutCharacterLength(*content));
+        content->resize(text::withoutCutCharacter(*content).size());
     return std::move(*content);
 }
 

@@ -8,6 +8,7 @@
 #include "text/encoding.h"
 #include "text/graphemes.h"
 #include "text/trim.h"
+#include "text/utf8_step.h"
 
 namespace corvane::mime {
 
@@ -79,11 +80,6 @@ std::string withUnixLineEnds(std::string_view text) {
         result += text[i];
     }
     return result;
-}
-
-std::size_t scalarLength(char lead) noexcept {
-    const auto byte = static_cast<unsigned char>(lead);
-    return byte < 0x80 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
 }
 
 } // namespace
@@ -161,11 +157,11 @@ bool looksLikeMojibake(std::string_view text) {
     const std::string composed = text::canonicallyComposed(text);
     const std::string_view all = composed;
     int count = 0;
-    for (std::size_t i = 0; i < all.size() && count <= 3; i += scalarLength(all[i])) {
-        if (scalarLength(all[i]) != 2 || letters.find(all.substr(i, 2)) == npos) continue;
+    for (std::size_t i = 0; i < all.size() && count <= 3; i += text::characterLength(all[i])) {
+        if (text::characterLength(all[i]) != 2 || letters.find(all.substr(i, 2)) == npos) continue;
         const std::size_t after = i + 2;
-        const bool endsHere = after >= all.size() || scalarLength(all[after]) == 1 ||
-                              text::graphemeCount(all.substr(i, 2 + scalarLength(all[after]))) == 2;
+        const bool endsHere = after >= all.size() || text::characterLength(all[after]) == 1 ||
+                              text::graphemeCount(all.substr(i, 2 + text::characterLength(all[after]))) == 2;
         if (endsHere) ++count;
     }
     return count > 3;

@@ -4,6 +4,7 @@
 
 #include "text/ascii.h"
 #include "text/charset.h"
+#include "text/utf8_step.h"
 
 namespace corvane::search {
 
@@ -14,16 +15,12 @@ using platform::SqliteStatement;
 constexpr std::uint32_t noPair = 0;  // fewer than two characters
 constexpr std::uint32_t anyPair = 1; // ill-formed: what SQLite reads there isn't worth knowing
 
-bool continuesCharacter(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
-}
-
 // The last two characters, or all of a shorter text. LIKE reads a text up to its first U+0000.
 std::string_view lastTwoCharacters(std::string_view text) {
     text = text.substr(0, text.find('\0'));
     std::size_t begin = text.size();
     for (int characters = 0; begin > 0 && characters < 2;) {
-        if (!continuesCharacter(text[--begin])) ++characters;
+        if (!text::continuesCharacter(text[--begin])) ++characters;
     }
     return text.substr(begin);
 }
@@ -39,7 +36,8 @@ std::uint32_t keyOf(std::string_view pair) {
 std::uint32_t endOf(std::string_view text) {
     const std::string_view end = lastTwoCharacters(text);
     if (!text::isValidUtf8(end) || holdsNoncharacter(end)) return anyPair;
-    const auto characters = std::ranges::count_if(end, [](char byte) { return !continuesCharacter(byte); });
+    const auto characters =
+        std::ranges::count_if(end, [](char byte) { return !text::continuesCharacter(byte); });
     return characters < 2 ? noPair : keyOf(end);
 }
 

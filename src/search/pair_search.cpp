@@ -5,6 +5,7 @@
 
 #include "search/search_database.h"
 #include "text/charset.h"
+#include "text/utf8_step.h"
 
 namespace corvane::search {
 
@@ -75,7 +76,7 @@ void sortOut(std::vector<std::int64_t>& rows) {
 } // namespace
 
 bool isPair(std::string_view text) {
-    const auto begins = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; };
+    const auto begins = [](char byte) { return !text::continuesCharacter(byte); };
     return text.size() <= 8 && text::isValidUtf8(text) && std::ranges::count_if(text, begins) == 2 &&
            text.find('\0') == std::string_view::npos && !holdsNoncharacter(text);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "text/charset.h"
+#include "text/utf8_step.h"
 
 namespace corvane::search {
 
@@ -48,7 +49,7 @@ bool endedWell(const SqliteStatement& statement) {
 std::vector<std::size_t> characterOffsets(std::string_view text) {
     std::vector<std::size_t> offsets;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) offsets.push_back(i);
+        if (!text::continuesCharacter(text[i])) offsets.push_back(i);
     }
     offsets.push_back(text.size());
     return offsets;

@@ -1,12 +1,11 @@
 #include "screens/texts/shown_text.h"
 
 #include "records/name_and_address.h"
+#include "text/utf8_step.h"
 
 namespace corvane::screens {
 
 namespace {
-
-constexpr qsizetype longestUtf8Sequence = 4;
 
 bool isDirectionMark(char16_t unit) {
     return unit == 0x061C || unit == 0x200E || unit == 0x200F || (unit >= 0x202A && unit <= 0x202E) ||
@@ -23,13 +22,8 @@ bool isControl(char16_t unit) {
 
 // As many whole characters as `limit` units and some that are taken out can need.
 std::string_view headOf(std::string_view text, qsizetype limit) {
-    const auto bytes = static_cast<std::size_t>(limit * 2 * longestUtf8Sequence);
-    if (text.size() <= bytes) return text;
-    std::size_t end = bytes;
-    for (qsizetype step = 0; step < longestUtf8Sequence && end > 0; ++step, --end) {
-        if ((static_cast<unsigned char>(text[end]) & 0xC0) != 0x80) break;
-    }
-    return text.substr(0, end);
+    const auto bytes = static_cast<std::size_t>(limit * 2 * U8_MAX_LENGTH);
+    return text.size() <= bytes ? text : text::withoutCutCharacter(text.substr(0, bytes));
 }
 
 QString cut(QString text, qsizetype limit, bool isShortened) {
