@@ -1,11 +1,10 @@
-// Everything that turns bytes of a message or of the store's small files into text.
+// Everything that turns bytes of a message or names of the store into text.
 #include <cstdint>
 #include <cstdlib>
 #include <set>
 #include <string_view>
 
 #include "mailstore/folders/mailbox_url.h"
-#include "mailstore/property_list.h"
 #include "mime/attachment_names.h"
 #include "mime/emlx.h"
 #include "mime/header_decoding.h"
@@ -44,7 +43,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     mime::looksLikeMojibake(bytes);
     mime::parseMailDate(bytes.substr(0, 200));
     mime::cleanAttachmentName(bytes);
-    mailstore::parsePropertyList(bytes);
     mailstore::mailboxName(bytes);
     const auto identifiers = mime::normalizedMessageIdentifiers(bytes);
     require(std::set<std::string>(identifiers.begin(), identifiers.end()).size() == identifiers.size());

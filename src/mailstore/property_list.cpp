@@ -3,34 +3,20 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <map>
 #include <optional>
+
+#include <unicode/utf16.h>
 
 #include "platform/directory.h"
 #include "text/charset.h"
+#include "text/utf8_step.h"
 
 namespace corvane::mailstore {
 
 namespace {
 
 constexpr std::int64_t largestFile = 1 << 20;
-
-void appendScalar(std::string& text, std::uint32_t scalar) {
-    const auto append = [&](std::uint32_t byte) { text += static_cast<char>(byte); };
-    if (scalar > 0x10FFFF || (scalar >= 0xD800 && scalar < 0xE000)) scalar = 0xFFFD;
-    if (scalar < 0x80) return append(scalar);
-    if (scalar < 0x800) {
-        append(0xC0 | scalar >> 6);
-    } else {
-        if (scalar < 0x10000) {
-            append(0xE0 | scalar >> 12);
-        } else {
-            append(0xF0 | scalar >> 18);
-            append(0x80 | (scalar >> 12 & 0x3F));
-        }
-        append(0x80 | (scalar >> 6 & 0x3F));
-    }
-    append(0x80 | (scalar & 0x3F));
-}
 
 // The XML form (Apple's PropertyList-1.0.dtd).
 class XMLReader {
@@ -124,7 +110,7 @@ class XMLReader {
             std::from_chars(first, last, scalar, isHexadecimal ? 16 : 10).ptr != last)
             result.append(entity);
         else
-            appendScalar(result, scalar);
+            text::appendScalar(result, static_cast<UChar32>(scalar));
     }
 
     static constexpr std::size_t longestEntity = 12;
@@ -224,17 +210,15 @@ class BinaryReader {
     }
 
     static std::string fromUTF16(std::string_view bigEndian) {
+        std::u16string units;
+        for (std::size_t i = 0; i + 1 < bigEndian.size(); i += 2)
+            units += static_cast<char16_t>(static_cast<unsigned char>(bigEndian[i]) << 8 |
+                                           static_cast<unsigned char>(bigEndian[i + 1]));
         std::string result;
-        const auto unitAt = [&](std::size_t i) -> std::uint32_t {
-            return static_cast<unsigned char>(bigEndian[i]) << 8 |
-                   static_cast<unsigned char>(bigEndian[i + 1]);
-        };
-        for (std::size_t i = 0; i + 1 < bigEndian.size(); i += 2) {
-            const std::uint32_t unit = unitAt(i);
-            const std::uint32_t next = i + 3 < bigEndian.size() ? unitAt(i + 2) : 0;
-            const bool isPair = unit >> 10 == 0x36 && next >> 10 == 0x37;
-            appendScalar(result, isPair ? 0x10000 + ((unit & 0x3FF) << 10) + (next & 0x3FF) : unit);
-            if (isPair) i += 2;
+        for (std::size_t i = 0; i < units.size();) {
+            UChar32 scalar = 0;
+            U16_NEXT(units.data(), i, units.size(), scalar);
+            text::appendScalar(result, scalar);
         }
         return result;
     }
