@@ -125,54 +125,10 @@ bool TimeLimitedWorker::run(std::chrono::nanoseconds limit, std::function<void(J
     return hasEnded;
 }
 
-bool AbandonableFileLayer::mayGoOn() const noexcept {
+bool AbandonableFileLayer::permits() noexcept {
     if (!limit_.isAbandoned()) return true;
     errno = ECANCELED;
     return false;
-}
-
-int AbandonableFileLayer::open(const std::string& path, int flags, mode_t mode) {
-    return mayGoOn() ? files_.open(path, flags, mode) : -1;
-}
-
-ssize_t AbandonableFileLayer::write(int descriptor, const void* bytes, std::size_t count) {
-    return mayGoOn() ? files_.write(descriptor, bytes, count) : -1;
-}
-
-ssize_t AbandonableFileLayer::read(int descriptor, void* bytes, std::size_t count) {
-    return mayGoOn() ? files_.read(descriptor, bytes, count) : -1;
-}
-
-int AbandonableFileLayer::close(int descriptor) {
-    return files_.close(descriptor);
-}
-
-int AbandonableFileLayer::sync(int descriptor) {
-    return mayGoOn() ? files_.sync(descriptor) : -1;
-}
-
-int AbandonableFileLayer::fullSync(int descriptor) {
-    return mayGoOn() ? files_.fullSync(descriptor) : -1;
-}
-
-void AbandonableFileLayer::bypassCache(int descriptor) {
-    if (mayGoOn()) files_.bypassCache(descriptor);
-}
-
-int AbandonableFileLayer::stat(const std::string& path, struct stat& result) {
-    return mayGoOn() ? files_.stat(path, result) : -1;
-}
-
-int AbandonableFileLayer::makeDirectory(const std::string& path, mode_t mode) {
-    return mayGoOn() ? files_.makeDirectory(path, mode) : -1;
-}
-
-int AbandonableFileLayer::rename(const std::string& from, const std::string& to) {
-    return mayGoOn() ? files_.rename(from, to) : -1;
-}
-
-int AbandonableFileLayer::unlink(const std::string& path) {
-    return mayGoOn() ? files_.unlink(path) : -1;
 }
 
 void waitForAbandonedJobs() {

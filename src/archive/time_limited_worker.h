@@ -7,9 +7,8 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <string>
 
-#include "platform/file_layer.h"
+#include "platform/forwarding_file_layer.h"
 
 namespace corvane::archive {
 
@@ -44,29 +43,16 @@ class TimeLimitedWorker {
 
 // The file layer of one job: once that is abandoned, everything that could change a file fails with
 // ECANCELED. What hung may come back after another run has written the same file and proved it.
-class AbandonableFileLayer final : public platform::FileLayer {
+class AbandonableFileLayer final : public platform::ForwardingFileLayer {
   public:
+    // Both must outlive this layer.
     AbandonableFileLayer(platform::FileLayer& files, const JobLimit& limit)
-      : files_(files)
+      : ForwardingFileLayer(files)
       , limit_(limit) {}
 
-    int open(const std::string& path, int flags, mode_t mode) override;
-    ssize_t write(int descriptor, const void* bytes, std::size_t count) override;
-    ssize_t read(int descriptor, void* bytes, std::size_t count) override;
-    int close(int descriptor) override;
-    int sync(int descriptor) override;
-    int fullSync(int descriptor) override;
-    void bypassCache(int descriptor) override;
-    int stat(const std::string& path, struct stat& result) override;
-    int makeDirectory(const std::string& path, mode_t mode) override;
-    int rename(const std::string& from, const std::string& to) override;
-    int unlink(const std::string& path) override;
-
   private:
-    // False, and errno, once the job is abandoned.
-    [[nodiscard]] bool mayGoOn() const noexcept;
+    [[nodiscard]] bool permits() noexcept override;
 
-    platform::FileLayer& files_;
     const JobLimit& limit_;
 };
 

@@ -12,6 +12,7 @@
 #include "archive/archive_error.h"
 #include "archive/archive_fixture.h"
 #include "platform/directory.h"
+#include "platform/forwarding_file_layer.h"
 
 namespace corvane {
 namespace {
@@ -276,39 +277,28 @@ TEST_F(ArchiveRun, AFileIsFlushedBeforeItCountsAsInPlace) {
 }
 
 // Lies as a disk without case does: the name in another case is found.
-class CaselessLayer final : public platform::FileLayer {
+class CaselessLayer final : public platform::ForwardingFileLayer {
   public:
+    CaselessLayer()
+      : ForwardingFileLayer(platform::posixFileLayer()) {}
+
     int open(const std::string& path, int flags, mode_t mode) override {
-        return real_.open(folded(path), flags, mode);
+        return ForwardingFileLayer::open(folded(path), flags, mode);
     }
-
-    ssize_t write(int file, const void* bytes, std::size_t count) override {
-        return real_.write(file, bytes, count);
-    }
-
-    ssize_t read(int file, void* bytes, std::size_t count) override { return real_.read(file, bytes, count); }
-
-    int close(int file) override { return real_.close(file); }
-
-    int sync(int file) override { return real_.sync(file); }
-
-    int fullSync(int file) override { return real_.fullSync(file); }
-
-    void bypassCache(int file) override { real_.bypassCache(file); }
 
     int stat(const std::string& path, struct stat& result) override {
-        return real_.stat(folded(path), result);
+        return ForwardingFileLayer::stat(folded(path), result);
     }
 
     int makeDirectory(const std::string& path, mode_t mode) override {
-        return real_.makeDirectory(folded(path), mode);
+        return ForwardingFileLayer::makeDirectory(folded(path), mode);
     }
 
-    int rename(const std::string& a, const std::string& b) override {
-        return real_.rename(folded(a), folded(b));
+    int rename(const std::string& from, const std::string& to) override {
+        return ForwardingFileLayer::rename(folded(from), folded(to));
     }
 
-    int unlink(const std::string& path) override { return real_.unlink(folded(path)); }
+    int unlink(const std::string& path) override { return ForwardingFileLayer::unlink(folded(path)); }
 
   private:
     static std::string folded(const std::string& path) {
@@ -319,8 +309,6 @@ class CaselessLayer final : public platform::FileLayer {
         }
         return path;
     }
-
-    platform::FileLayer& real_ = platform::posixFileLayer();
 };
 
 TEST_F(ArchiveRun, MailsWhoseNamesDifferInCaseOnlyStayApartOnADiskWithoutCase) {
