@@ -12,7 +12,7 @@
 #include <fmt/format.h>
 
 #include "archive/archive_error.h"
-#include "archive/archive_paths.h"
+#include "archive/archive_root.h"
 #include "archive/durable_write.h"
 #include "mime/header_decoding.h"
 #include "mime/message_identifiers.h"

@@ -12,7 +12,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "archive/archive_paths.h"
+#include "archive/archive_root.h"
 #include "archive/batch_extraction.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"

@@ -15,7 +15,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "archive/archive_paths.h"
+#include "archive/archive_root.h"
 #include "archive/message_extraction.h"
 #include "archive/time_limited_worker.h"
 #include "platform/file_layer.h"

@@ -1,4 +1,4 @@
-#include "archive/archive_paths.h"
+#include "archive/archive_root.h"
 
 #include "platform/directory.h"
 #include "platform/paths.h"
