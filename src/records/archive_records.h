@@ -7,7 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "records/mail_message_record.h"
+#include "records/file_url.h"
+#include "records/values.h"
+#include "text/shared_text.h"
 
 namespace corvane {
 

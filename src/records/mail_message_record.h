@@ -2,7 +2,7 @@
 // building a changed copy, which shares all texts with the original.
 #pragma once
 
-#include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -11,24 +11,10 @@
 #include <vector>
 
 #include "records/file_url.h"
+#include "records/values.h"
 #include "text/shared_text.h"
 
 namespace corvane {
-
-// A point in time with the precision that every file of the program has.
-using Date = std::chrono::sys_seconds;
-
-// 128 bits, upper-case hyphenated text when written.
-struct Uuid {
-    std::uint64_t high = 0;
-    std::uint64_t low = 0;
-
-    static Uuid random();
-    static std::optional<Uuid> parse(std::string_view text);
-    [[nodiscard]] std::string text() const;
-
-    friend bool operator==(const Uuid&, const Uuid&) = default;
-};
 
 struct MailAttachmentRecord {
     Uuid id;

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "records/mail_message_record.h"
+#include "records/values.h"
 
 namespace corvane {
 

@@ -24,8 +24,8 @@
 
 #include "records/file_url.h"
 #include "records/json/json_form.h"
-#include "records/mail_message_record.h"
 #include "records/timestamps.h"
+#include "records/values.h"
 #include "text/charset.h"
 #include "text/shared_text.h"
 
