@@ -1,5 +1,7 @@
 // The file operations that archiving and saving are made of, behind one interface, so that tests can fail,
-// delay or interrupt any of them. Everything that the program writes outside of SQLite goes through here.
+// delay or interrupt any of them. What must not be lost or be found half written goes through here: archives,
+// settings, caches. SQLite writes by itself, and so does what can be thrown away: files in the temporary
+// folder, lines of logs, the sample store, an empty folder that the folder picker makes.
 //
 // Results follow POSIX: -1 and errno for a failure, EINTR and short counts included; a path with a NUL is
 // EINVAL. Nothing throws. Implementations are called from several threads at once.
