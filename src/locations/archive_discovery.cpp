@@ -4,7 +4,6 @@
 
 #include <fmt/format.h>
 
-#include "locations/cloud_providers.h"
 #include "locations/destination_detection.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
@@ -50,7 +49,7 @@ std::vector<std::string> discoverArchiveRoots(const platform::Platform& platform
     std::vector<std::string> roots;
     std::set<std::string> searched;
     for (const std::string& path : spots(platform)) {
-        const std::string spot = canonicalPath(path);
+        const std::string spot = platform::canonicalPath(path);
         if (stop.stop_requested()) break;
         if (searched.insert(spot).second) searchSpot(spot, stop, roots);
     }

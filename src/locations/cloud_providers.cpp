@@ -3,7 +3,6 @@
 #include <array>
 #include <vector>
 
-#include "platform/paths.h"
 #include "text/case.h"
 
 namespace corvane {
@@ -56,12 +55,6 @@ std::optional<std::string> cloudStorageFolderProviderName(std::string_view path)
     if (lowered == "googledrive") return "Google Drive";
     if (lowered == "pclouddrive") return "pCloud";
     return std::string(brand);
-}
-
-std::string canonicalPath(std::string_view path) {
-    std::string standard = platform::standardizedPath(path);
-    if (standard.size() >= 2 && standard.ends_with('/')) standard.pop_back();
-    return standard;
 }
 
 bool isInCloudFolder(std::string_view path) {

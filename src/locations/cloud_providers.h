@@ -1,4 +1,4 @@
-// Which cloud provider a path belongs to, by its text alone, and the one form of a path that lists compare.
+// Which cloud provider a path belongs to, by its text alone. Thread-safe; nothing here touches the disk.
 #pragma once
 
 #include <optional>
@@ -7,16 +7,13 @@
 
 namespace corvane {
 
-// The provider's name as shown; nothing for a path of none.
+// The provider's name as shown; absent for a path of none.
 std::optional<std::string> cloudProviderName(std::string_view path);
 
-// From the folder's name behind "/Library/CloudStorage/".
+// The same from the folder's name behind "/Library/CloudStorage/" alone.
 std::optional<std::string> cloudStorageFolderProviderName(std::string_view path);
 
-// Standardized, without a closing slash.
-std::string canonicalPath(std::string_view path);
-
-// Where the system keeps its own and other providers' folders, in anybody's home.
+// Whether the path lies where macOS keeps its own and other providers' folders, in anybody's home.
 bool isInCloudFolder(std::string_view path);
 
 } // namespace corvane

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "locations/cloud_providers.h"
 #include "locations/settings_keys.h"
+#include "platform/paths.h"
 
 namespace corvane {
 
@@ -19,7 +19,7 @@ void RootList::add(std::string_view path) {
     if (path.empty() || path.find('\x01') != std::string_view::npos ||
         path.find('\0') != std::string_view::npos)
         return;
-    std::string root = canonicalPath(path);
+    std::string root = platform::canonicalPath(path);
     if (seen_.insert(root).second) roots_.push_back(std::move(root));
 }
 
@@ -43,16 +43,16 @@ void rememberLocation(platform::SettingsStore& settings, std::string_view path) 
 std::set<std::string> forgottenLocations(const platform::SettingsStore& settings) {
     std::set<std::string> forgotten;
     for (const std::string& path : storedList(settings, forgottenLocationsKey)) {
-        forgotten.insert(canonicalPath(path));
+        forgotten.insert(platform::canonicalPath(path));
     }
     return forgotten;
 }
 
 void unforgetLocation(platform::SettingsStore& settings, std::string_view path) {
     std::vector<std::string> list = storedList(settings, forgottenLocationsKey);
-    const std::string root = canonicalPath(path);
+    const std::string root = platform::canonicalPath(path);
     const auto removed =
-        std::erase_if(list, [&](const std::string& entry) { return canonicalPath(entry) == root; });
+        std::erase_if(list, [&](const std::string& entry) { return platform::canonicalPath(entry) == root; });
     if (removed > 0) settings.setTextList(forgottenLocationsKey, list);
 }
 

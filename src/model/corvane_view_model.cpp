@@ -8,7 +8,7 @@
 #include <fmt/format.h>
 
 #include "listing/count_reconciliation.h"
-#include "locations/cloud_providers.h"
+#include "platform/paths.h"
 
 namespace corvane {
 
@@ -129,7 +129,7 @@ void CorvaneViewModel::wireArchive() {
             loadArchiveIndex(true);
             destinations_.refreshFacts();
             if (result.archivedCount == 0) return;
-            bodyTexts_.scheduleBodyTextIndexRepair({canonicalPath(destination.toStdString())},
+            bodyTexts_.scheduleBodyTextIndexRepair({platform::canonicalPath(destination.toStdString())},
                                                    result.archivedCount, signature.toStdString());
         });
     connect(&archiveRun_, &ArchiveRunFlow::archiveRunEnded, &ticks_, &ArchiveTicks::pruneArchiveSelection);

@@ -85,6 +85,10 @@ std::string standardizedPath(std::string_view path) {
     return result.empty() ? "/" : result;
 }
 
+std::string canonicalPath(std::string_view path) {
+    return standardizedPath(path);
+}
+
 bool isAtOrBelow(std::string_view path, std::string_view folder) noexcept {
     return path.starts_with(folder) &&
            (path.size() == folder.size() || folder == "/" || path[folder.size()] == '/');

@@ -26,6 +26,9 @@ std::string_view withoutExtension(std::string_view path) noexcept;
 // trailing slash. Links aren't resolved.
 std::string standardizedPath(std::string_view path);
 
+// The form in which lists of folders are kept and compared: the standardized path.
+std::string canonicalPath(std::string_view path);
+
 // Whether the path is the folder or lies below it, by their texts alone; both standardized.
 bool isAtOrBelow(std::string_view path, std::string_view folder) noexcept;
 

@@ -41,13 +41,5 @@ TEST(CloudProviders, TellTheProviderFromThePathAlone) {
     EXPECT_EQ(cloudStorageFolderProviderName("/h/Dropbox"), std::nullopt);
 }
 
-TEST(CloudProviders, OnePathHasOneCanonicalForm) {
-    for (const char* path : {"/a/b", "/a/b/", "/a//b", "/a/./b/", "/a/c/../b", "/../a/b//"}) {
-        EXPECT_EQ(canonicalPath(path), "/a/b") << path;
-    }
-    EXPECT_EQ(canonicalPath("/"), "/");
-    EXPECT_EQ(canonicalPath("//"), "/");
-}
-
 } // namespace
 } // namespace corvane

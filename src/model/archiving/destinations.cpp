@@ -9,6 +9,7 @@
 #include "locations/known_locations.h"
 #include "locations/settings_keys.h"
 #include "platform/durable_file.h"
+#include "platform/paths.h"
 #include "records/logs/console_log.h"
 
 namespace corvane {
@@ -47,7 +48,7 @@ ArchiveDestinations::ArchiveDestinations(ModelContext& context, QObject* parent)
     connect(&lookAgain_, &QTimer::timeout, this, &ArchiveDestinations::refreshFacts);
     const std::string stored = context.settings.text(transferDestinationKey).value_or("");
     if (!stored.empty()) {
-        destination_ = canonicalPath(stored);
+        destination_ = platform::canonicalPath(stored);
         facts_.cloudName = cloudProviderName(*destination_);
         rememberLocation(context.settings, *destination_);
     }
@@ -55,7 +56,7 @@ ArchiveDestinations::ArchiveDestinations(ModelContext& context, QObject* parent)
 }
 
 void ArchiveDestinations::setTransferDestination(const std::string& path) {
-    const std::string root = canonicalPath(path);
+    const std::string root = platform::canonicalPath(path);
     consoleLine(fmt::format("[HangTrace] setTransferDestination begin {}", root));
     destination_ = root;
     context_.settings.setText(transferDestinationKey, root);

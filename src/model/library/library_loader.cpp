@@ -8,6 +8,7 @@
 
 #include "locations/archive_locations.h"
 #include "locations/cloud_providers.h"
+#include "platform/paths.h"
 #include "search/mail_search_index.h"
 
 namespace corvane {
@@ -65,7 +66,7 @@ const ArchiveLocation* LibraryLoader::location(std::string_view rootPath) const 
 void LibraryLoader::loadEmailArchiveIndex(const std::optional<std::string>& currentDestination, bool force) {
     LibraryLoadInput input;
     if (currentDestination) {
-        input.currentDestination = canonicalPath(*currentDestination);
+        input.currentDestination = platform::canonicalPath(*currentDestination);
         input.candidates.add(*currentDestination);
     }
     for (const std::string& root : knownLocations(context_.settings)) input.candidates.add(root);
