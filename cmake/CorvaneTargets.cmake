@@ -45,7 +45,7 @@ function(corvane_test)
     cmake_parse_arguments(ARG "" "NAME;TIMEOUT" "LINKS;SOURCES" ${ARGN})
     set(target test_${ARG_NAME})
     add_executable(${target} ${ARG_SOURCES})
-    target_link_libraries(${target} PRIVATE corvane_test_support ${ARG_LINKS} GTest::gmock)
+    target_link_libraries(${target} PRIVATE corvane_test_main corvane_test_support ${ARG_LINKS} GTest::gmock)
     target_precompile_headers(${target} PRIVATE
         ${PROJECT_SOURCE_DIR}/cmake/standard_pch.h <gtest/gtest.h> <gmock/gmock.h>)
     if(NOT ARG_TIMEOUT)

@@ -3,20 +3,26 @@
 #include <filesystem>
 #include <fstream>
 
+#include <gtest/gtest.h>
+
 #include "locations/archive_discovery.h"
-#include "model/archive_samples.h"
-#include "model/model_test.h"
+#include "locations/archive_samples.h"
+#include "support/scripted_platform.h"
+#include "support/temporary_home.h"
 
 namespace corvane {
 namespace {
 
-using testing::ModelTest;
 using testing::sampleIndex;
 using testing::writeArchive;
 
 constexpr const char* iCloud = "Library/Mobile Documents/com~apple~CloudDocs";
 
-class DestinationDetection : public ModelTest {};
+class DestinationDetection : public ::testing::Test {
+  protected:
+    testing::TemporaryHome home_;
+    testing::ScriptedPlatform platform_{home_};
+};
 
 TEST_F(DestinationDetection, NamesCloudFoldersWithICloudFirst) {
     home_.makeFolder(iCloud);

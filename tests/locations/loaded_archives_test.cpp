@@ -2,13 +2,16 @@
 
 #include <filesystem>
 
+#include <gtest/gtest.h>
+
 #include "locations/archive_index_cache.h"
 #include "locations/archive_locations.h"
+#include "locations/archive_samples.h"
 #include "locations/archived_files.h"
-#include "model/archive_samples.h"
-#include "model/model_test.h"
 #include "platform/directory.h"
 #include "support/faulty_file_layer.h"
+#include "support/scripted_platform.h"
+#include "support/temporary_home.h"
 
 namespace corvane {
 namespace {
@@ -16,18 +19,19 @@ namespace {
 using testing::Effect;
 using testing::FaultyFileLayer;
 using testing::FileOperation;
-using testing::ModelTest;
 using testing::sampleIndex;
 using testing::sampleRecord;
 using testing::writeArchive;
 using testing::writeIndex;
 
-class LoadedArchives : public ModelTest {
+class LoadedArchives : public ::testing::Test {
   protected:
     [[nodiscard]] bool allGone(const EmailArchiveIndex& index, const std::string& root) {
         return allArchivedEmlGone(files_, index, root, {});
     }
 
+    testing::TemporaryHome home_;
+    testing::ScriptedPlatform platform_{home_};
     FaultyFileLayer files_;
     CorvaneAppSupport support_{platform_, files_};
     ArchiveIndexCache cache_{platform_, support_};

@@ -1,5 +1,6 @@
 #include "model/library/body_texts.h"
 
+#include <atomic>
 #include <filesystem>
 #include <future>
 #include <stdexcept>
@@ -7,8 +8,8 @@
 
 #include <gmock/gmock.h>
 
+#include "locations/archive_samples.h"
 #include "locations/known_locations.h"
-#include "model/archive_samples.h"
 #include "model/model_test.h"
 
 namespace corvane {

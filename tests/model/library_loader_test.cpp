@@ -5,8 +5,8 @@
 #include <future>
 #include <set>
 
+#include "locations/archive_samples.h"
 #include "locations/settings_keys.h"
-#include "model/archive_samples.h"
 #include "model/model_test.h"
 #include "platform/directory.h"
 

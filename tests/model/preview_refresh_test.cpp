@@ -1,7 +1,10 @@
 #include "model/mail/preview_refresh.h"
 
+#include <atomic>
 #include <future>
+#include <memory>
 #include <stdexcept>
+#include <vector>
 
 #include "model/model_test.h"
 #include "records/preview_placeholders.h"

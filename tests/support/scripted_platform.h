@@ -1,11 +1,16 @@
-// A platform whose answers a test chooses: the sqlite3 shell, the temporary folder, the worker's places.
+// A platform whose answers a test chooses; the rest is that of the system over the test's home. Removable
+// disks are folders of "Volumes" in the home; a disk is there while it is listed as mounted. The fields and
+// hooks are set before other threads ask; everything else is thread-safe.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/platform.h"
@@ -15,21 +20,43 @@ namespace corvane::testing {
 
 class ScriptedPlatform final : public platform::Platform {
   public:
+    // The home must outlive this platform.
     explicit ScriptedPlatform(const TemporaryHome& home);
 
     std::string shell = "/usr/bin/sqlite3";
-    std::string temporary;
+    std::string temporary; // a folder of its own in the home
     std::vector<std::string> resourceFolders;
     std::vector<std::string> runtimes;
 
     // Makes the shell a script of these lines.
     void setShellScript(const std::string& lines);
 
-    [[nodiscard]] std::string realUserHomeDirectory() const override { return home_.path(); }
+    void setMountedVolumes(std::optional<std::vector<platform::Volume>> volumes);
+    void plugIn(const std::string& name); // as the only disk
+    void unplug();
 
-    [[nodiscard]] std::string applicationSupportDirectory() const override { return home_.at("support"); }
+    void setVolumeOfPaths(std::optional<platform::Volume> volume) { volumeOfPaths_ = std::move(volume); }
 
-    [[nodiscard]] std::string settingsPath() const override { return home_.at("settings.json"); }
+    void setFileSystemTypeName(std::optional<std::string> name) { fileSystemTypeName_ = std::move(name); }
+
+    // Runs at each question for the mounted volumes, with its number from 1 on.
+    void onMountedVolumes(std::function<void(int)> hook) { hook_ = std::move(hook); }
+
+    // Runs at each question for the volume of a path.
+    void onVolumeOf(std::function<void()> hook) { volumeOfHook_ = std::move(hook); }
+
+    // Runs at each question for free space, which a run asks before its first message.
+    void onAvailableCapacity(std::function<void()> hook) { capacityHook_ = std::move(hook); }
+
+    [[nodiscard]] int mountedVolumesCalls() const { return calls_; }
+
+    [[nodiscard]] std::string realUserHomeDirectory() const override { return real_.realUserHomeDirectory(); }
+
+    [[nodiscard]] std::string applicationSupportDirectory() const override {
+        return real_.applicationSupportDirectory();
+    }
+
+    [[nodiscard]] std::string settingsPath() const override { return real_.settingsPath(); }
 
     [[nodiscard]] std::string temporaryDirectory() const override { return temporary; }
 
@@ -39,25 +66,21 @@ class ScriptedPlatform final : public platform::Platform {
 
     [[nodiscard]] std::vector<std::string> pythonRuntimes() const override { return runtimes; }
 
-    [[nodiscard]] std::optional<std::vector<platform::Volume>> mountedVolumes() const override { return {}; }
-
-    [[nodiscard]] std::optional<platform::Volume> volumeOf(const std::string&) const override { return {}; }
-
-    [[nodiscard]] std::optional<std::string> removableMountPoint(const std::string&) const override {
-        return {};
-    }
+    [[nodiscard]] std::optional<std::vector<platform::Volume>> mountedVolumes() const override;
+    [[nodiscard]] std::optional<platform::Volume> volumeOf(const std::string& path) const override;
+    [[nodiscard]] std::optional<std::string> removableMountPoint(const std::string& path) const override;
 
     [[nodiscard]] std::optional<std::string> fileSystemTypeName(const std::string&) const override {
-        return {};
+        return fileSystemTypeName_;
     }
 
-    [[nodiscard]] std::optional<std::int64_t> availableCapacity(const std::string&) const override {
-        return {};
+    [[nodiscard]] std::optional<std::int64_t> availableCapacity(const std::string& path) const override;
+
+    [[nodiscard]] bool isCloudPlaceholder(const std::string& path) const override {
+        return real_.isCloudPlaceholder(path);
     }
 
-    [[nodiscard]] bool isCloudPlaceholder(const std::string&) const override { return false; }
-
-    void markHidden(const std::string&) const override {}
+    void markHidden(const std::string& path) const override { real_.markHidden(path); }
 
     [[nodiscard]] std::unique_ptr<platform::MountSubscription>
     subscribeToMounts(std::function<void(platform::MountEvent)>) const override {
@@ -66,6 +89,16 @@ class ScriptedPlatform final : public platform::Platform {
 
   private:
     const TemporaryHome& home_;
+    platform::Platform& real_;
+    std::string volumesFolder_;
+    mutable std::mutex mutex_;
+    std::optional<std::vector<platform::Volume>> volumes_ = std::vector<platform::Volume>();
+    std::optional<platform::Volume> volumeOfPaths_;
+    std::optional<std::string> fileSystemTypeName_;
+    std::function<void(int)> hook_;
+    std::function<void()> volumeOfHook_;
+    std::function<void()> capacityHook_;
+    mutable std::atomic<int> calls_ = 0;
 };
 
 // Names of what is left in the temporary folder of a platform.

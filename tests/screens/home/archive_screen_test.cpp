@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "model/archive_samples.h"
+#include "locations/archive_samples.h"
 #include "records/stores/archive_index_file.h"
 #include "screens/home/screens_fixture.h"
 

@@ -1,5 +1,7 @@
 #include "screens/home/tree/organize_tree_model.h"
 
+#include <optional>
+
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
 

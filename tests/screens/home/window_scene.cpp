@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "model/archive_samples.h"
+#include "locations/archive_samples.h"
 #include "records/stable_id.h"
 #include "records/stores/account_cache_store.h"
 

@@ -1,6 +1,7 @@
 #include "screens/mails/mail_list_screen.h"
 
 #include <filesystem>
+#include <optional>
 
 #include <QTest>
 
