@@ -14,9 +14,7 @@ from pathlib import Path
 BUILD = Path("build/dev")
 CLEAN = BUILD / "lint-clean"
 TIDY = ["clang-tidy-19", "-p", str(BUILD), "--quiet", "--warnings-as-errors=*",
-        "--extra-arg=-Wno-unknown-warning-option", "--extra-arg=-Wno-ignored-gch",
-        # A template of RapidJSON 1.1 that nobody uses is no valid C++.
-        "--extra-arg=-fdelayed-template-parsing", "--extra-arg=-Wno-delayed-template-parsing-in-cxx20"]
+        "--extra-arg=-Wno-unknown-warning-option", "--extra-arg=-Wno-ignored-gch"]
 
 
 def output_of(command):
