@@ -1,7 +1,6 @@
 #include "archive/body_indexing.h"
 
 #include <algorithm>
-#include <chrono>
 #include <exception>
 #include <filesystem>
 #include <optional>
@@ -15,6 +14,7 @@
 #include "archive/archive_root.h"
 #include "archive/batch_extraction.h"
 #include "platform/paths.h"
+#include "platform/stop_watch.h"
 #include "records/logs/console_log.h"
 #include "records/preview_placeholders.h"
 #include "records/stores/archive_index_file.h"
@@ -26,15 +26,9 @@ namespace corvane {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-double secondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
 // The ids that need no work, after those whose body came out empty last time were removed to be tried again.
 // An id that has both an empty row and a full one is finished, and its rows stay: the full one answers for
-// it. Nothing when the index can't be read.
+// it. Absent when the index can't be read.
 std::optional<SharedTextSet> finishedIDs(const EmailArchiveIndex& archive, MailSearchIndex& index) {
     auto states = index.bodyStates();
     if (!states) return std::nullopt;
@@ -157,23 +151,23 @@ void BodyIndexing::indexBodies(const std::vector<BodyIndexItem>& items, MailSear
         consoleLine(fmt::format("[index] 全部已索引,跳过 · 共 {} 封", total));
         return;
     }
-    const auto start = Clock::now();
+    const platform::StopWatch watch;
     double writeSeconds = 0;
     archive::BatchExtraction extraction(pending, batchSize, texts_, stop);
     while (auto rows = extraction.nextRows()) {
-        const auto writeStart = Clock::now();
+        const platform::StopWatch writeWatch;
         // Another process, or the library for a message it shows, may have been here meanwhile.
         const std::int64_t count = std::ssize(*rows);
         std::erase_if(*rows, [&](const SearchIndexRow& row) { return index.ftsRowID(row.id).has_value(); });
         const std::size_t written = index.bulkInsert(*rows);
-        writeSeconds += secondsSince(writeStart);
+        writeSeconds += writeWatch.seconds();
         // A full disk or a lock that stays: extracting the rest would be for nothing.
         if (index.isDamaged() || (written == 0 && !rows->empty())) break;
         done += count;
         progress(done, total);
     }
     consoleLine(fmt::format("[index] 并行提取+写入 {:.1f}s(其中写 FTS {:.1f}s) · 共 {} 封 · 并发 {}",
-                            secondsSince(start), writeSeconds, pending.size(), extraction.concurrency()));
+                            watch.seconds(), writeSeconds, pending.size(), extraction.concurrency()));
 }
 
 } // namespace corvane

@@ -10,6 +10,7 @@
 #include "archive/durable_write.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
+#include "platform/stop_watch.h"
 #include "records/logs/console_log.h"
 #include "text/collation.h"
 #include "text/graphemes.h"
@@ -18,9 +19,7 @@ namespace corvane::archive {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-// Nothing when the folder can't be listed.
+// Absent when the folder can't be listed.
 std::optional<std::unordered_set<std::string>> composedNamesIn(const std::string& folder) {
     std::unordered_set<std::string> names;
     const bool wasListed = platform::visitDirectory(
@@ -100,10 +99,10 @@ bool FilePlacement::keepExisting(const struct stat& status) {
     if (!S_ISREG(status.st_mode)) refuse("not a regular file");
     auto content = DiskContent::other;
     if (static_cast<std::uint64_t>(status.st_size) <= bytes_.size()) {
-        const auto start = Clock::now();
+        const platform::StopWatch watch;
         // A killed run may have died before its flush.
         content = contentOnDisk(files_, bytes_, path_, BeforeReading::flush, [this] { limit_.restart(); });
-        result_.verifying = Clock::now() - start;
+        result_.verifying = watch.elapsed();
     }
     limit_.restart();
     switch (content) {
@@ -142,9 +141,9 @@ void FilePlacement::write() {
     limit_.restart();
     writePOSIXBlocking(files_, bytes_, path_);
     limit_.restart();
-    const auto start = Clock::now();
+    const platform::StopWatch watch;
     const bool isProved = verifyOnDisk(files_, bytes_, path_, [this] { limit_.restart(); });
-    result_.verifying += Clock::now() - start;
+    result_.verifying += watch.elapsed();
     if (!isProved) throw ArchiveError(ArchiveError::Case::writeVerificationFailed);
 }
 

@@ -13,6 +13,7 @@
 #include "mime/header_decoding.h"
 #include "platform/directory.h"
 #include "platform/paths.h"
+#include "platform/stop_watch.h"
 #include "records/logs/console_log.h"
 #include "records/stable_id.h"
 #include "records/stores/archive_index_file.h"
@@ -26,20 +27,13 @@ using archive::ArchiveDestination;
 using archive::BodyGroup;
 using archive::MessageBytes;
 using archive::PlacedFile;
-using Seconds = std::chrono::duration<double>;
+using platform::StopWatch;
+using Seconds = StopWatch::Seconds;
 
 // Real mail never comes near; a lying sparse file must not take all memory.
 constexpr std::int64_t maximumSourceBytes = std::int64_t{4} << 30;
 
 constexpr auto progressInterval = std::chrono::seconds(1);
-
-class Stopwatch {
-  public:
-    [[nodiscard]] Seconds elapsed() const { return std::chrono::steady_clock::now() - start_; }
-
-  private:
-    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-};
 
 struct RunTimes {
     Seconds loop{};
@@ -150,7 +144,7 @@ void ArchiveRun::loadIndex() {
 }
 
 void ArchiveRun::archiveMessages(const std::stop_token& stop) {
-    const Stopwatch watch;
+    const StopWatch watch;
     std::optional<std::chrono::steady_clock::time_point> lastProgress;
     for (std::size_t position = 0; position < messages_.size(); ++position) {
         if (stop.stop_requested()) {
@@ -175,7 +169,7 @@ void ArchiveRun::archiveMessage(const MailMessageRecord& message) {
         ++result_.skippedAlreadyArchived;
         return;
     }
-    const Stopwatch watch;
+    const StopWatch watch;
     const std::vector<std::string> files = existingFiles(message);
     times_.findingCopies += watch.elapsed();
     if (files.empty()) {
@@ -204,11 +198,11 @@ void ArchiveRun::archiveMessage(const MailMessageRecord& message) {
 Copies ArchiveRun::readCopies(const std::vector<std::string>& paths) {
     Copies copies;
     for (const std::string& path : paths) {
-        const Stopwatch readWatch;
+        const StopWatch readWatch;
         auto message = readMessage(path);
         times_.reading += readWatch.elapsed();
         if (!message) continue;
-        const Stopwatch groupWatch;
+        const StopWatch groupWatch;
         groupByBody(std::move(*message), copies.groups);
         times_.grouping += groupWatch.elapsed();
         ++copies.count;
@@ -278,7 +272,7 @@ std::pair<std::string, PlacedFile>
 ArchiveRun::placeFile(const MailMessageRecord& message, std::string_view suffix, const MessageBytes& chosen) {
     while (true) {
         std::string path = paths_.uniqueRelativePath(message, suffix);
-        const Stopwatch watch;
+        const StopWatch watch;
         const PlacedFile placed = destination_.writePOSIX(chosen, path);
         times_.verifying += placed.verifying;
         times_.writing += watch.elapsed() - placed.verifying;
@@ -287,14 +281,14 @@ ArchiveRun::placeFile(const MailMessageRecord& message, std::string_view suffix,
 }
 
 void ArchiveRun::finish() {
-    const Stopwatch folderWatch;
+    const StopWatch folderWatch;
     destination_.syncFolders();
     times_.syncing = folderWatch.elapsed();
     index_.updatedAt = now();
     destination_.saveIndex(encodeArchiveIndex(index_),
                            isOldIndexDamaged_ ? damagedIndexName(index_.updatedAt) : std::string(),
                            options_.markHidden);
-    const Stopwatch rootWatch;
+    const StopWatch rootWatch;
     destination_.syncRoot();
     times_.syncing += rootWatch.elapsed();
     logTimes();

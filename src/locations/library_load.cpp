@@ -1,29 +1,14 @@
 #include "locations/library_load.h"
 
-#include <chrono>
-
 #include <fmt/format.h>
 
 #include "locations/archive_discovery.h"
 #include "locations/archive_locations.h"
 #include "locations/archived_files.h"
+#include "platform/stop_watch.h"
 #include "search/mail_search_index.h"
 
 namespace corvane {
-
-namespace {
-
-class Stopwatch {
-  public:
-    [[nodiscard]] double seconds() const {
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
-    }
-
-  private:
-    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-};
-
-} // namespace
 
 std::optional<LibraryLoadResult> LibraryLoad::run(const std::stop_token& stop) {
     addDiscoveredRoots(stop);
@@ -40,7 +25,7 @@ std::optional<LibraryLoadResult> LibraryLoad::run(const std::stop_token& stop) {
 }
 
 void LibraryLoad::addDiscoveredRoots(const std::stop_token& stop) {
-    const Stopwatch watch;
+    const platform::StopWatch watch;
     const std::vector<std::string> found = discoverArchiveRoots(platform_, stop);
     for (const std::string& root : found) input_.candidates.add(root);
     log_.mark(fmt::format("liveIndex discoverArchiveRoots count={} elapsed={:.3f}s", found.size(),
@@ -48,7 +33,7 @@ void LibraryLoad::addDiscoveredRoots(const std::stop_token& stop) {
 }
 
 void LibraryLoad::loadRoot(const std::string& root, const std::stop_token& stop) {
-    const Stopwatch watch;
+    const platform::StopWatch watch;
     const bool connected = isLocationConnected(platform_, root);
     auto index = cache_.loadIndexWithCache(root, root, connected);
     if (!index || index->records.empty()) {

@@ -1,7 +1,7 @@
 // A stop-watch for the parts of a scan. One thread.
 #pragma once
 
-#include <chrono>
+#include "platform/stop_watch.h"
 
 namespace corvane {
 
@@ -14,13 +14,11 @@ class SecondsCounter {
     SecondsCounter(const SecondsCounter&) = delete;
     SecondsCounter& operator=(const SecondsCounter&) = delete;
 
-    ~SecondsCounter() { total_ += std::chrono::duration<double>(Clock::now() - start_).count(); }
+    ~SecondsCounter() { total_ += watch_.seconds(); }
 
   private:
-    using Clock = std::chrono::steady_clock;
-
     double& total_;
-    Clock::time_point start_ = Clock::now();
+    platform::StopWatch watch_;
 };
 
 } // namespace corvane

@@ -1,7 +1,6 @@
 #include "model/corvane_view_model.h"
 
 #include <algorithm>
-#include <chrono>
 #include <iterator>
 
 #include <QPointer>
@@ -9,6 +8,7 @@
 
 #include "listing/count_reconciliation.h"
 #include "platform/paths.h"
+#include "platform/stop_watch.h"
 
 namespace corvane {
 
@@ -45,18 +45,15 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
 }
 
 void CorvaneViewModel::startUp() {
-    const auto start = std::chrono::steady_clock::now();
-    const auto elapsed = [&] {
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    };
+    const platform::StopWatch watch;
     context_.startupLog.mark("viewModel init start");
     if (!accounts_.loadCachedAccounts()) accounts_.refreshAccountsFromMail();
-    context_.startupLog.mark(fmt::format("viewModel after accounts elapsed={:.3f}s accounts={}", elapsed(),
-                                         accounts_.availableAccounts().size()));
+    context_.startupLog.mark(fmt::format("viewModel after accounts elapsed={:.3f}s accounts={}",
+                                         watch.seconds(), accounts_.availableAccounts().size()));
     library_.loadCachedArchiveLibraryIfNeeded();
     library_.refreshArchiveLocationConnectionStates();
-    context_.startupLog.mark(fmt::format("viewModel init finish elapsed={:.3f}s cachedEntries={}", elapsed(),
-                                         library_.archivedEntries()->size()));
+    context_.startupLog.mark(fmt::format("viewModel init finish elapsed={:.3f}s cachedEntries={}",
+                                         watch.seconds(), library_.archivedEntries()->size()));
     diskAccess_.refreshFullDiskAccessState();
 }
 

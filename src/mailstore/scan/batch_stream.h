@@ -10,6 +10,7 @@
 
 #include "mailstore/scan/record_batch.h"
 #include "mailstore/scan/scan_timing_metrics.h"
+#include "platform/stop_watch.h"
 #include "records/mail_message_record.h"
 
 namespace corvane::mailstore {
@@ -30,7 +31,7 @@ class BatchStream {
         ++visited_;
         if (record) pending_.push_back(std::move(*record));
         if (pending_.size() >= fullBatch || visited_ % progressStep == 0 ||
-            ScanTimingMetrics::Clock::now() - lastBatch_ >= longestSilence)
+            sinceLastBatch_.elapsed() >= longestSilence)
             flush();
     }
 
@@ -43,7 +44,7 @@ class BatchStream {
                           .timingLog = summary()};
         pending_.reserve(fullBatch);
         handle_(std::move(batch));
-        lastBatch_ = ScanTimingMetrics::Clock::now();
+        sinceLastBatch_ = {};
     }
 
     [[nodiscard]] std::string summary() const {
@@ -60,7 +61,7 @@ class BatchStream {
     MessageList pending_;
     std::size_t expected_ = 0;
     std::int64_t visited_ = 0;
-    ScanTimingMetrics::Clock::time_point lastBatch_ = ScanTimingMetrics::Clock::now();
+    platform::StopWatch sinceLastBatch_;
 };
 
 } // namespace corvane::mailstore

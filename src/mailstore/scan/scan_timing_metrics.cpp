@@ -6,7 +6,7 @@ namespace corvane {
 
 std::string ScanTimingMetrics::summary(std::int64_t scanned, std::int64_t visited, std::int64_t matched,
                                        std::optional<double> uiSeconds) const {
-    const double total = std::chrono::duration<double>(Clock::now() - startedAt).count();
+    const double total = sinceStart.seconds();
     std::string line = fmt::format(
         "总 {:.2f}s｜已访问 {}｜已纳入 {}｜含附件 {}｜Mail索引 {:.2f}s/{} 封｜附件索引 {:.2f}s/{} "
         "目录｜枚举循环 {:.2f}s｜"

@@ -3,17 +3,16 @@
 #pragma once
 
 #include <atomic>
-#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
 
+#include "platform/stop_watch.h"
+
 namespace corvane {
 
 struct ScanTimingMetrics {
-    using Clock = std::chrono::steady_clock;
-
-    Clock::time_point startedAt = Clock::now();
+    platform::StopWatch sinceStart;
     double attachmentIndexSeconds = 0;
     double enumerationSeconds = 0;
     double readMessageSeconds = 0;

@@ -9,6 +9,7 @@
 #include "locations/archive_locations.h"
 #include "locations/cloud_providers.h"
 #include "platform/paths.h"
+#include "platform/stop_watch.h"
 #include "search/mail_search_index.h"
 
 namespace corvane {
@@ -18,10 +19,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto recently = 2.0s;
-
-double secondsSince(std::chrono::steady_clock::time_point start) {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 struct ConnectionJob {
     const platform::Platform& platform;
@@ -93,13 +90,13 @@ void LibraryLoader::startLoad(LibraryLoadInput input) {
     pruneTask_.cancel(); // it knows nothing of what this load may bring
     loadingRoots_ = input.candidates.roots();
     context_.startupLog.mark("live index load start");
-    const auto start = std::chrono::steady_clock::now();
+    const platform::StopWatch watch;
     archiveIndexLoadTask_.start(
         TaskPriority::userInitiated,
         LibraryLoad(context_.platform, context_.support, context_.startupLog, std::move(input)),
         [](LibraryLoad load, const TaskHandle& task) { return load.run(task.stopToken()); },
-        [this, start](LibraryLoadResult result) {
-            applyLoadedArchiveIndex(std::move(result), secondsSince(start));
+        [this, watch](LibraryLoadResult result) {
+            applyLoadedArchiveIndex(std::move(result), watch.seconds());
         });
     Q_EMIT loadStarted();
 }
@@ -165,7 +162,7 @@ void LibraryLoader::loadCachedArchiveLibraryIfNeeded() {
         log.mark(fmt::format("cache skipped archivedEntriesAlreadyLoaded={}", library_->entries->size()));
         return;
     }
-    const auto start = std::chrono::steady_clock::now();
+    const platform::StopWatch watch;
     auto snapshot = readSnapshot();
     if (!snapshot) return;
     SharedLibrary library = ArchivedLibrary::make(std::move(snapshot->entries));
@@ -174,7 +171,7 @@ void LibraryLoader::loadCachedArchiveLibraryIfNeeded() {
     publish(std::move(library), std::move(snapshot->locations), std::make_shared<const SearchIndexTable>());
     log.mark(
         fmt::format("cache applied entries={} locations={}", library_->entries->size(), locations_.size()));
-    context_.performanceLog.mark(fmt::format("[Perf] loadCachedArchiveLibrary {:.3f}s", secondsSince(start)));
+    context_.performanceLog.mark(fmt::format("[Perf] loadCachedArchiveLibrary {:.3f}s", watch.seconds()));
 }
 
 std::optional<ArchiveLibrarySnapshot> LibraryLoader::readSnapshot() const {

@@ -175,13 +175,13 @@ void ScanFlow::applySnapshot(const MailHomeSnapshot& snapshot) {
 }
 
 void ScanFlow::applyRestored(RestoredScan restored, bool loadArchiveIndex) {
-    const auto start = std::chrono::steady_clock::now();
+    const platform::StopWatch watch;
     const std::size_t messages = restored.set->messages->size();
     catalog_.restore(std::move(restored.set), std::move(restored.summary), std::move(restored.known));
     cacheLoadedAt_ = restored.scannedAt;
     setState(MailScanState::finished());
     Q_EMIT cachedScanRestored(loadArchiveIndex);
-    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const double seconds = watch.seconds();
     if (seconds < applyLogThreshold) return;
     context_.performanceLog.mark(
         fmt::format("[Perf] loadCachedScan.apply {:.3f}s messages={} localStats={} accountStats={}", seconds,

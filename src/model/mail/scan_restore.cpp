@@ -1,6 +1,5 @@
 #include "model/mail/scan_restore.h"
 
-#include <chrono>
 #include <exception>
 #include <memory>
 #include <stdexcept>
@@ -9,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include "platform/stop_watch.h"
 #include "records/json/json_form.h"
 
 namespace corvane {
@@ -17,12 +17,8 @@ namespace {
 
 constexpr double totalLogThreshold = 0.05; // seconds
 
-double secondsSince(std::chrono::steady_clock::time_point start) {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 void mark(const RestoreJob& job, const std::string& text) {
-    job.startupLog.mark(fmt::format("{} elapsed={:.3f}s", text, secondsSince(job.start)));
+    job.startupLog.mark(fmt::format("{} elapsed={:.3f}s", text, job.watch.seconds()));
 }
 
 // Local statistics hold only messages with attachments; a snapshot that says otherwise was made under other
@@ -130,7 +126,7 @@ RestoreOutcome restoreScan(const RestoreJob& job, const ReportingTask<MailHomeSn
     if (restored == nullptr) return outcome;
     if (!hasSnapshot && stats.byYear && stats.byAccount)
         job.store.saveHomeSnapshot(restored->scannedAt, restored->summary, *stats.byYear, *stats.byAccount);
-    const double total = secondsSince(job.start);
+    const double total = job.watch.seconds();
     if (total >= totalLogThreshold) {
         job.performanceLog.mark(fmt::format("[Perf] loadCachedScan.total {:.3f}s messages={}", total,
                                             restored->set->messages->size()));

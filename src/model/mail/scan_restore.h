@@ -2,7 +2,6 @@
 // the large one. Works on values alone, on a thread of the runner.
 #pragma once
 
-#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,6 +9,7 @@
 
 #include "model/mail/message_catalog.h"
 #include "model/tasks/task_slot.h"
+#include "platform/stop_watch.h"
 #include "records/logs/performance_log.h"
 #include "records/logs/startup_log.h"
 #include "records/statistics_records.h"
@@ -22,7 +22,7 @@ struct RestoreJob {
     MailPerformanceLog& performanceLog;
     MailScanCacheStore store;
     AvailabilityInputs inputs;
-    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+    platform::StopWatch watch{};
 };
 
 struct NoCachedScan {};
