@@ -11,6 +11,7 @@
 #include <QLocale>
 
 #include "platform/paths.h"
+#include "records/error_reasons.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane::screens {
@@ -24,10 +25,7 @@ QString reasonOf(const std::error_code& error) {
     if (error == std::errc::not_a_directory) return QStringLiteral("这不是文件夹。");
     if (error == std::errc::permission_denied || error == std::errc::operation_not_permitted)
         return QStringLiteral("没有权限打开这个文件夹。");
-    if (error == std::errc::filename_too_long) return QStringLiteral("名称或路径太长。");
-    if (error == std::errc::read_only_file_system) return QStringLiteral("这个磁盘是只读的。");
-    if (error == std::errc::no_space_on_device) return QStringLiteral("磁盘空间不足。");
-    return QStringLiteral("系统报告错误：%1。").arg(shownLine(error.message()));
+    return QStringLiteral("%1。").arg(shownLine(systemErrorReason(error.value())));
 }
 
 void sortByName(std::vector<ListedFolder>& folders) {

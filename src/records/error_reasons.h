@@ -1,0 +1,12 @@
+// What the errors of the system mean to a user. Thread-safe.
+#pragma once
+
+#include <string>
+
+namespace corvane {
+
+// The reason for an errno of a file operation, as a part of a sentence without a full stop; one that users
+// don't meet gets the system's own text.
+std::string systemErrorReason(int errorNumber);
+
+} // namespace corvane
