@@ -13,6 +13,7 @@ class ArchiveRoot {
     explicit ArchiveRoot(std::string path)
       : path_(std::move(path)) {}
 
+    // The path below the root, links and ".." left as they are.
     [[nodiscard]] std::string at(std::string_view relativePath) const;
 
     // Whether this folder exists and lies below the root after its links are resolved: a link planted in an

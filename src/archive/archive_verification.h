@@ -27,7 +27,7 @@ struct ArchiveVerification {
     std::vector<std::string> identityMismatch;
     // Paths, or one file under two spellings, named by more than one record.
     std::vector<std::string> duplicatePaths;
-    // Files and folders that are there and couldn't be read: nothing is known of them.
+    // Files and folders that are there and couldn't be read: their content is unknown.
     std::vector<std::string> unreadable;
     bool wasCancelled = false;
 

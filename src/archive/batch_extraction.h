@@ -30,7 +30,7 @@ class BatchExtraction {
     // Batches at work at one time.
     [[nodiscard]] std::size_t concurrency() const { return concurrency_; }
 
-    // The rows of the next finished batch. Nothing after the last, or after a stop. A batch that failed has
+    // The rows of the next finished batch. Absent after the last, or after a stop. A batch that failed has
     // rows with empty bodies.
     std::optional<std::vector<SearchIndexRow>> nextRows();
 

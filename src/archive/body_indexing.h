@@ -73,7 +73,7 @@ class BodyIndexing {
                      const BodyIndexProgress& progress, const std::stop_token& stop = {}) const;
 
     // The body of one message that the library shows before the indexing has reached it: out of the index, or
-    // out of the file and then put into the index. Nothing when there is no text, or no index can be opened.
+    // out of the file and then put into the index. Absent when there is no text, or no index can be opened.
     std::optional<std::string> prepareBody(const std::string& archiveRoot, const ArchivedEmailRecord& record,
                                            const std::stop_token& stop = {}) const;
 

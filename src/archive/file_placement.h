@@ -1,9 +1,9 @@
 // Brings the bytes of one message to their place in an archive, and proves them there. Blocks, without a time
 // limit of its own: ArchiveDestination gives it one.
 //
-// An existing file at the place is one of three. The same bytes: the file of a killed run, nothing to write.
-// A part of the bytes, or zeros in places: a write that was cut short, made anew. Anything else may be the
-// only copy of some other mail, since names repeat and an index can be lost: it is moved aside, never
+// An existing file at the place is one of three. The same bytes: the file of a killed run, which is proved
+// and kept. A part of the bytes, or zeros in places: a write that was cut short, made anew. Anything else may
+// be the only copy of some other mail, since names repeat and an index can be lost: it is moved aside, never
 // overwritten. What can't be looked at is left alone, and the message fails.
 #pragma once
 

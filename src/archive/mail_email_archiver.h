@@ -23,7 +23,7 @@ struct ArchiverOptions {
     std::chrono::nanoseconds timeLimit = std::chrono::seconds(25);
     std::function<std::chrono::steady_clock::time_point()> clock = std::chrono::steady_clock::now;
     std::function<Date()> now;                          // empty: the system's
-    std::function<void(const std::string&)> markHidden; // empty: nothing is hidden
+    std::function<void(const std::string&)> markHidden; // empty: no file is hidden
 };
 
 class MailEmailArchiver {

@@ -17,7 +17,7 @@ struct MessageBytes {
     std::shared_ptr<const std::string> file;
     std::string_view bytes; // inside *file
 
-    // Nothing when the file can't be cut.
+    // Absent when the file can't be cut.
     static std::optional<MessageBytes> fromEmlx(std::string file);
 };
 

@@ -18,15 +18,16 @@ class ArchiveIndexCache {
       : platform_(platform)
       , support_(std::move(support)) {}
 
-    // The index of a connected archive, copied into the cache; the copy of one that isn't connected. Nothing
+    // The index of a connected archive, copied into the cache; the copy of one that isn't connected. Absent
     // when there is none or it can't be read: a connected archive with a broken index has no other. `key` is
     // the root.
     [[nodiscard]] std::optional<EmailArchiveIndex>
     loadIndexWithCache(const std::string& archiveRoot, std::string_view key, bool connected) const;
 
+    // The file of the copy; it need not exist.
     [[nodiscard]] std::string indexCachePath(std::string_view key) const;
 
-    // A failure is ignored.
+    // Removes the copy. One that can't be removed stays and goes on to stand for the archive.
     void remove(std::string_view key) const;
 
   private:

@@ -16,9 +16,11 @@ bool volumeMounted(const platform::Platform& platform, const std::string& path);
 // The disk is there for a root on a removable disk, the folder itself for any other.
 bool isLocationConnected(const platform::Platform& platform, const std::string& rootPath);
 
-// Touches no disk.
+// The name as shown, of the disk or the provider and the folder. Touches no disk.
 std::string locationDisplayName(const platform::Platform& platform, const std::string& rootPath);
 
+// `connected` is what isLocationConnected() gives: the volume of a root that can't be reached isn't asked
+// for.
 ArchiveLocation::Kind locationKind(const platform::Platform& platform, const std::string& rootPath,
                                    bool connected);
 

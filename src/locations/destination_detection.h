@@ -25,15 +25,17 @@ struct CloudStorageProvider {
 // iCloud first, then the folders in the order of their names.
 std::vector<CloudStorageProvider> detectCloudStorage(const platform::Platform& platform);
 
+// Mounted volumes that are known to be external and shown to users; empty when the system can't tell.
 std::vector<CloudStorageProvider> detectRemovableVolumes(const platform::Platform& platform);
 
 // Name, detail and path for a folder under "Library/CloudStorage"; icon and id are left to the caller.
 CloudStorageProvider providerInfo(const std::string& folder);
 
+// The name that people know a provider by; the brand itself for one that isn't in the list.
 std::string prettyBrandName(std::string_view brand);
 
 // Where a Google Drive folder holds the user's files: one level down, under a name that depends on the
-// language.
+// language; the folder itself when none is found.
 std::string googleDriveActivePath(const std::string& root);
 
 } // namespace corvane

@@ -23,6 +23,8 @@ struct DestinationFacts {
     friend bool operator==(const DestinationFacts&, const DestinationFacts&) = default;
 };
 
+// Of a destination that isn't connected only what its path tells is set. `knownLocations` are the roots ever
+// used.
 DestinationFacts computeDestinationFacts(const platform::Platform& platform,
                                          const std::optional<std::string>& destination,
                                          const std::vector<std::string>& knownLocations);

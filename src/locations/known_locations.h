@@ -15,13 +15,16 @@ namespace corvane {
 // In their order, each once. A path that can't be an archive's is left out.
 std::vector<std::string> knownLocations(const platform::SettingsStore& settings);
 
+// Replaces the list by these roots.
 void setKnownLocations(platform::SettingsStore& settings, const std::vector<std::string>& roots);
 
 // Adds a root at the end if it isn't there.
 void rememberLocation(platform::SettingsStore& settings, std::string_view path);
 
+// The roots that the user told the program to forget.
 std::set<std::string> forgottenLocations(const platform::SettingsStore& settings);
 
+// No effect when the path isn't among the forgotten ones.
 void unforgetLocation(platform::SettingsStore& settings, std::string_view path);
 
 // An ordered list of roots, each in its canonical form and once.

@@ -54,7 +54,7 @@ class LibraryLoad {
       , cache_(platform, support)
       , input_(std::move(input)) {}
 
-    // Nothing after a stop.
+    // Absent after a stop.
     std::optional<LibraryLoadResult> run(const std::stop_token& stop);
 
   private:

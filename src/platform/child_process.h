@@ -51,7 +51,7 @@ class ChildProcess {
     // Waits for the end. The exit status, 128 + n for a child that died by signal n.
     int wait();
 
-    // The same, but nothing when the deadline passes first, or a stop is requested.
+    // The same; absent when the deadline passes first, or a stop is requested.
     std::optional<int> waitUntil(std::chrono::steady_clock::time_point deadline, std::stop_token stop = {});
 
     [[nodiscard]] bool isRunning();

@@ -1,5 +1,5 @@
 // Questions to the file system that only look: existence, kind, size, listings. They never write, follow
-// links as stat() does, and take a failed look as told at each function. Thread-safe.
+// links as stat() does, and what a failed look gives is said at each function. Thread-safe.
 #pragma once
 
 #include <cstdint>
@@ -19,24 +19,25 @@ struct DirectoryEntry {
     EntryKind kind = EntryKind::other;
 };
 
+// False also when the look fails, for instance where a folder above can't be entered.
 bool fileExists(const std::string& path) noexcept;
 bool isDirectory(const std::string& path) noexcept;
 bool isRegularFile(const std::string& path) noexcept;
 bool isExecutableFile(const std::string& path) noexcept;
 
-// Size in bytes of a regular file; nothing when there is none or it can't be told.
+// Size in bytes of a regular file; absent when there is none or it can't be told.
 std::optional<std::int64_t> fileSize(const std::string& path) noexcept;
 
 // Opens the file and reads one byte: true only when a byte came.
 bool canReadAByte(const std::string& path) noexcept;
 
-// The absolute path with all links resolved; nothing when it leads nowhere or can't be followed.
+// The absolute path with all links resolved; absent when it leads nowhere or can't be followed.
 std::optional<std::string> resolvedPath(const std::string& path);
 
 enum class HiddenEntries { skip, include };
 
 // The entries in ascending byte order of their names, without "." and "..". Hidden entries begin with a dot.
-// Nothing when the directory can't be opened or read to its end; `error` then takes the reason.
+// Absent when the directory can't be opened or read to its end; `error` then gets the reason.
 std::optional<std::vector<DirectoryEntry>> listDirectory(const std::string& path, HiddenEntries hidden,
                                                          std::string* error = nullptr);
 
@@ -46,13 +47,13 @@ std::optional<std::vector<DirectoryEntry>> listDirectory(const std::string& path
 bool visitDirectory(const std::string& path,
                     const std::function<void(std::string_view name, unsigned char dType)>& visit);
 
-// The whole content of a regular file; nothing when it isn't one (a FIFO can't hang the call), or can't be
-// opened or read to its end. A file larger than `limit` bytes gives nothing too, before anything is read.
-// `error` takes the reason.
+// The whole content of a regular file; absent when it isn't one (a FIFO can't hang the call), can't be opened
+// or read to its end, or is larger than `limit` bytes, which is looked at before anything is read. `error`
+// then gets the reason.
 std::optional<std::string> readFile(const std::string& path, std::int64_t limit = INT64_MAX,
                                     std::string* error = nullptr);
 
-// At most `limit` bytes from the start of a regular file.
+// At most `limit` bytes from the start of a regular file; absent as with readFile().
 std::optional<std::string> readFilePrefix(const std::string& path, std::int64_t limit,
                                           std::string* error = nullptr);
 

@@ -29,7 +29,8 @@ std::error_code writeFileAtomically(FileLayer& files, const std::string& path,
 // included. On a failure what was made is gone.
 std::error_code writeNewFile(FileLayer& files, const std::string& path, std::string_view content);
 
-// The folder with its missing parents. An existing folder is a success.
+// Makes the folder with its missing parents. An existing folder is a success; the error of the first one that
+// can't be made otherwise.
 std::error_code createDirectories(FileLayer& files, const std::string& path);
 
 // A hidden name next to `path` that no other process or thread uses.

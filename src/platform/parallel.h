@@ -60,7 +60,7 @@ class CallAhead {
     tbb::task_group group_;
 };
 
-// Takes items from `next`, a function that gives std::optional and nothing behind the last, works on up to
+// Takes items from `next`, a function that gives std::optional, absent behind the last, works on up to
 // `inFlight` of them at a time, and hands what came of them to `pass` in the order of the items. `next` and
 // `pass` are never called twice at a time.
 template <class Next, class Work, class Pass>

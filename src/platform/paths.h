@@ -6,7 +6,7 @@
 
 namespace corvane::platform {
 
-// One '/' between both; an absolute or empty part isn't treated specially, an empty base adds nothing.
+// One '/' between both; an absolute or empty part isn't treated specially; with an empty base the part alone.
 std::string joinPath(std::string_view base, std::string_view part);
 
 // The text behind the last '/', trailing slashes left out; "/" gives "/".

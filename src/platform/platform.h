@@ -43,9 +43,10 @@ class Platform {
     // The file of the settings. Never blocks.
     [[nodiscard]] virtual std::string settingsPath() const = 0;
 
+    // An absolute folder for files that needn't outlive the program. Never blocks.
     [[nodiscard]] virtual std::string temporaryDirectory() const = 0;
 
-    // The sqlite3 command-line shell.
+    // Where the sqlite3 command-line shell lies; it need not exist. Never blocks.
     [[nodiscard]] virtual std::string sqliteShellPath() const = 0;
 
     // Folders that may hold files that belong to the program, in the order in which to look. They need not
@@ -55,29 +56,31 @@ class Platform {
     // Where this system keeps a Python 3 runtime, in the order in which to look. Never blocks.
     [[nodiscard]] virtual std::vector<std::string> pythonRuntimes() const { return {}; }
 
-    // Mounted volumes; nothing when the system can't tell.
+    // Mounted volumes, the hidden ones too; absent when the system can't tell.
     [[nodiscard]] virtual std::optional<std::vector<Volume>> mountedVolumes() const = 0;
 
-    // The volume that holds a path; nothing when it can't be told.
+    // The volume that holds a path, which need not exist; absent when it can't be told.
     [[nodiscard]] virtual std::optional<Volume> volumeOf(const std::string& path) const = 0;
 
-    // Whether a path lies where this system mounts removable media ("/Volumes/", "/media/", "/run/media/"),
-    // and then the path of its mount point. Text only, never blocks.
+    // The mount point of a path that lies where this system mounts removable media ("/Volumes/", "/media/",
+    // "/run/media/"), mounted or not; absent for a path elsewhere. Text only, never blocks.
     [[nodiscard]] virtual std::optional<std::string> removableMountPoint(const std::string& path) const = 0;
 
-    // Type name as the system spells it ("msdos", "exfat", "apfs", "ext4"); nothing when it can't be told.
+    // Type name as the system spells it ("msdos", "exfat", "apfs", "ext4"); absent when it can't be told.
     [[nodiscard]] virtual std::optional<std::string> fileSystemTypeName(const std::string& path) const = 0;
 
-    // Bytes available to the user at a path, or at its nearest existing parent; nothing when unreadable.
+    // Bytes available to the user at a path, or at its nearest existing parent; absent when unreadable.
     [[nodiscard]] virtual std::optional<std::int64_t> availableCapacity(const std::string& path) const = 0;
 
     // Whether a cloud provider holds only a placeholder of this file.
     [[nodiscard]] virtual bool isCloudPlaceholder(const std::string& path) const = 0;
 
-    // Hides a file from listings where the system has such a flag; without it nothing happens.
+    // Hides a file from listings where the system has such a flag; without it there is no effect. A failure
+    // isn't reported.
     virtual void markHidden(const std::string& path) const = 0;
 
-    // `handler` runs on a thread of the platform for every volume that comes or goes.
+    // Throws std::system_error when the system can't be asked. `handler` runs on a thread of the platform for
+    // every volume that comes or goes.
     [[nodiscard]] virtual std::unique_ptr<MountSubscription>
     subscribeToMounts(std::function<void(MountEvent)> handler) const = 0;
 };

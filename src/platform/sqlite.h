@@ -56,7 +56,7 @@ class SqliteStatement {
         return sqlite3_column_int64(handle_.get(), column);
     }
 
-    // Nothing for NULL. Valid until the next step or reset.
+    // Absent for NULL. Valid until the next step or reset.
     [[nodiscard]] std::optional<std::string_view> text(int column) const;
 
   private:

@@ -23,7 +23,7 @@ using PipeDeadline = std::chrono::steady_clock::time_point;
 PipeOutcome sendAll(int descriptor, std::string_view bytes, PipeDeadline deadline,
                     const std::stop_token& stop = {});
 
-// Appends what has arrived, at least one byte and at most 65536; waits for it when there is nothing yet.
+// Appends what has arrived, at least one byte and at most 65536; waits for it when none has arrived yet.
 // Throws as above.
 PipeOutcome receiveSome(int descriptor, std::string& received, PipeDeadline deadline,
                         const std::stop_token& stop = {});

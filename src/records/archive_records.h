@@ -26,11 +26,11 @@ struct ArchivedEmailRecord {
     SharedText mailbox;
     std::optional<SharedText> accountIdentifier;
     std::optional<SharedText> accountName;
-    std::int64_t sizeBytes = 0;
+    std::int64_t sizeBytes = 0; // of the .eml file
     std::vector<SharedText> attachmentNames;
-    SharedText emlRelativePath;
+    SharedText emlRelativePath; // to the archive's root; from outside, so it may lead anywhere
     Date archivedAt{};
-    std::int64_t sourceCopyCount = 0;
+    std::int64_t sourceCopyCount = 0; // files of the message in Mail's store
     bool sourceCopiesIdentical = false;
 
     friend bool operator==(const ArchivedEmailRecord&, const ArchivedEmailRecord&) = default;
@@ -66,7 +66,7 @@ struct ArchiveLocation {
     std::string displayName;
     Kind kind = Kind::local;
     bool isConnected = false;
-    std::int64_t count = 0;
+    std::int64_t count = 0; // messages in the library
 
     [[nodiscard]] const std::string& id() const { return rootPath; }
 

@@ -24,7 +24,7 @@ class FileURL {
     // "file://" and the percent-encoded path (RFC 8089).
     [[nodiscard]] std::string absoluteString() const;
 
-    // Nothing when the text isn't a file URL of this machine.
+    // Absent when the text isn't a file URL of this machine.
     static std::optional<FileURL> fromAbsoluteString(std::string_view text);
 
     friend bool operator==(const FileURL&, const FileURL&) = default;

@@ -48,7 +48,7 @@ constexpr std::int64_t minimumBytes(TransferSizePreset preset) {
     return static_cast<std::int64_t>(preset);
 }
 
-// Nothing for a number that is no preset.
+// Absent for a number that is no preset.
 constexpr std::optional<TransferSizePreset> sizePreset(std::int64_t bytes) {
     for (const auto preset : allSizePresets) {
         if (minimumBytes(preset) == bytes) return preset;

@@ -13,7 +13,7 @@ namespace corvane {
 // needed.
 std::string formatTimestamp(std::chrono::sys_seconds date);
 
-// Nothing for any other form; a fraction of a second doesn't read.
+// Absent for any other form, one with a fraction of a second among them.
 std::optional<std::chrono::sys_seconds> parseTimestamp(std::string_view text);
 
 // With three digits of a second behind a point, for logs.

@@ -17,10 +17,10 @@ std::string repairedUtf8(std::string_view bytes);
 // ISO 8859-1: every byte is the scalar of its value. Never fails.
 std::string fromLatin1(std::string_view bytes);
 
-// Each scalar must be at most U+00FF and gives one byte; otherwise nothing.
+// Each scalar must be at most U+00FF and gives one byte; absent otherwise.
 std::optional<std::string> toLatin1(std::string_view text);
 
-// GB 18030, which holds GBK and GB 2312. Nothing when a sequence is invalid.
+// GB 18030, which holds GBK and GB 2312. Absent when a sequence is invalid.
 std::optional<std::string> fromGb18030(std::string_view bytes);
 
 } // namespace corvane::text

@@ -8,15 +8,15 @@
 
 namespace corvane::text {
 
-// RFC 3986 section 2.1. Nothing when a '%' has no two hexadecimal digits behind it or when the result is no
+// RFC 3986 section 2.1. Absent when a '%' has no two hexadecimal digits behind it or when the result is no
 // valid UTF-8.
 std::optional<std::string> percentDecoded(std::string_view text);
 
 // Encodes every byte but the unreserved and sub-delimiter characters, ':', '@' and '/'; ';' is encoded too.
 std::string percentEncodedPath(std::string_view path);
 
-// RFC 4648 section 4, strict: the alphabet, right padding, nothing else. Bits that padding leaves over in the
-// last digit may be set, as some mail programs do.
+// RFC 4648 section 4, strict: the alphabet, right padding and no other character; absent otherwise. Bits that
+// padding leaves over in the last digit may be set, as some mail programs do.
 std::optional<std::string> base64Decoded(std::string_view text);
 std::string base64Encoded(std::string_view bytes);
 

@@ -41,7 +41,7 @@ std::string baseFolder(const char* variable, const std::string& fallback) {
     return folder.starts_with('/') ? standardizedPath(folder) : fallback;
 }
 
-// Nothing when the file system doesn't answer, which is not the same as "isn't there".
+// Absent when the file system doesn't answer, which is not the same as "isn't there".
 std::optional<std::string> nearestExisting(std::string_view path) {
     std::string current = standardizedPath(path);
     struct stat status{};
@@ -74,7 +74,7 @@ std::optional<MountEntry> mountOf(const std::string& path) {
     return *mount;
 }
 
-// Nothing when the system doesn't tell.
+// Empty when the system doesn't tell.
 std::string folderOfProgram() {
     const auto program = resolvedPath("/proc/self/exe");
     return program ? std::string(parentPath(*program)) : std::string();

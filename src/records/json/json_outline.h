@@ -17,10 +17,10 @@ struct JsonMember {
 
 class JsonObjectOutline {
   public:
-    // `json` must be one object with nothing but white space around it.
+    // `json` must be one object with only white space around it.
     explicit JsonObjectOutline(std::string_view json);
 
-    // The next member, nothing behind the last. Throws JsonError where the structure is broken.
+    // The next member; absent behind the last. Throws JsonError where the structure is broken.
     std::optional<JsonMember> next();
 
   private:
@@ -35,7 +35,7 @@ class JsonArrayPieces {
     JsonArrayPieces(std::string_view array, std::size_t pieceBytes);
 
     // The next run of whole elements with the commas between them, of about the wanted size (a larger element
-    // stands alone); nothing behind the last. Throws JsonError where the structure is broken.
+    // stands alone); absent behind the last. Throws JsonError where the structure is broken.
     std::optional<std::string_view> next();
 
   private:

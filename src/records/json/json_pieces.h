@@ -135,7 +135,7 @@ Record decodeJsonInPieces(std::string_view json) {
     return record;
 }
 
-// Nothing when the file doesn't exist. Throws std::system_error when it can't be read, JsonError when it
+// Absent when the file doesn't exist. Throws std::system_error when it can't be read, JsonError when it
 // doesn't decode.
 template <class Record>
 std::optional<Record> readRecordFileInPieces(const std::string& path) {

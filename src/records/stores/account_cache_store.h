@@ -22,7 +22,7 @@ class MailAccountCacheStore {
     explicit MailAccountCacheStore(CorvaneAppSupport support)
       : support_(std::move(support)) {}
 
-    // Nothing when there is no file or it belongs to another Mail root. Throws std::system_error or
+    // Absent when there is no file or it belongs to another Mail root. Throws std::system_error or
     // JsonError.
     [[nodiscard]] std::optional<std::vector<MailAccount>> load(const std::string& mailRootPath) const;
 

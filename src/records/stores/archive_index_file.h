@@ -11,7 +11,7 @@ namespace corvane {
 
 inline constexpr std::string_view archiveIndexFileName = "archive-index.json";
 
-// Nothing when the file is missing, can't be read or doesn't decode. The content is from outside: ids and
+// Absent when the file is missing, can't be read or doesn't decode. The content is from outside: ids and
 // paths in it are untrusted.
 std::optional<EmailArchiveIndex> readArchiveIndex(const std::string& path);
 

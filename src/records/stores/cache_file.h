@@ -12,7 +12,7 @@
 
 namespace corvane {
 
-// Nothing when the file doesn't exist. Throws std::system_error when it can't be read, JsonError when it
+// Absent when the file doesn't exist. Throws std::system_error when it can't be read, JsonError when it
 // doesn't decode.
 template <class Record>
 std::optional<Record> readRecordFile(const std::string& path) {

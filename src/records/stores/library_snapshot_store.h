@@ -25,7 +25,7 @@ class ArchiveLibrarySnapshotStore {
     // For log lines only.
     [[nodiscard]] std::string snapshotPathForDiagnostics() const;
 
-    // Nothing when there is no file. Throws std::system_error or JsonError.
+    // Absent when there is no file. Throws std::system_error or JsonError.
     [[nodiscard]] std::optional<ArchiveLibrarySnapshot> load() const;
 
     // A failure is ignored.

@@ -23,7 +23,7 @@ class ArchivedOriginalPresenceCacheStore {
     explicit ArchivedOriginalPresenceCacheStore(CorvaneAppSupport support)
       : support_(std::move(support)) {}
 
-    // Nothing when there is no file or its signature differs. Throws std::system_error or JsonError.
+    // Absent when there is no file or its signature differs. Throws std::system_error or JsonError.
     [[nodiscard]] std::optional<PresenceByEntryID> load(const std::string& signature) const;
 
     // A failure is ignored.

@@ -55,7 +55,7 @@ void encodeScanCache(const ScanCacheContent& content, const platform::ByteSink& 
 // the same order.
 MailScanCache decodeScanCache(std::string_view json);
 
-// Nothing when the file doesn't exist. Throws std::system_error when it can't be read, JsonError when it
+// Absent when the file doesn't exist. Throws std::system_error when it can't be read, JsonError when it
 // doesn't decode.
 std::optional<MailScanCache> readScanCacheFile(const std::string& path);
 

@@ -28,10 +28,10 @@ class MailScanCacheStore {
                           const std::vector<YearStat>& localYearStats,
                           const std::vector<AccountYearStatGroup>& localAccountYearStats) const;
 
-    // Nothing when there is no file. Throws std::system_error or JsonError.
+    // Absent when there is no file. Throws std::system_error or JsonError.
     [[nodiscard]] std::optional<MailScanCache> load() const;
 
-    // Nothing when there is no usable file.
+    // Absent when there is no usable file.
     [[nodiscard]] std::optional<MailHomeSnapshot> loadHomeSnapshot() const;
 
   private:
