@@ -1,6 +1,5 @@
 #include "model/mail/scan_flow.h"
 
-#include <chrono>
 #include <memory>
 #include <set>
 #include <utility>
@@ -8,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "platform/stop_watch.h"
 #include "records/timestamps.h"
 
 namespace corvane {
