@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdlib>
 #include <iterator>
 #include <system_error>
 #include <utility>
@@ -17,6 +16,7 @@
 #include "records/json/json_reader.h"
 #include "records/json/json_writer.h"
 #include "text/charset.h"
+#include "worker/python_runtime.h"
 #include "worker/worker_forms.h"
 
 namespace corvane {
@@ -114,14 +114,7 @@ FileURL MailWorkerClient::workerScriptURL() const {
 }
 
 FileURL MailWorkerClient::pythonRuntimeURL() const {
-    std::vector<std::string> candidates;
-    if (const char* chosen = std::getenv("CORVANE_PYTHON")) candidates.emplace_back(chosen);
-    for (const std::string& folder : platform_.programResourceFolders())
-        candidates.push_back(platform::joinPath(folder, "PythonRuntime/bin/python3"));
-    for (std::string& runtime : platform_.pythonRuntimes()) candidates.push_back(std::move(runtime));
-    for (const std::string& candidate : candidates) {
-        if (platform::isExecutableFile(candidate)) return FileURL(candidate);
-    }
+    if (const auto python = findPythonRuntime(platform_)) return FileURL(*python);
     throw WorkerError(Kind::pythonNotFound);
 }
 
