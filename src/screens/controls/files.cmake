@@ -31,13 +31,17 @@ set(controls_qml
     panes/BottomBar.qml
     panes/CountPill.qml
     panes/EmptyState.qml
+    panes/Notice.qml
     panes/ScreenHead.qml
     panes/Splitter.qml
     panes/StepList.qml
     sheets/ConfirmSheet.qml
     sheets/OpenSheets.qml
     sheets/Sheet.qml
+    sheets/SheetBar.qml
     sheets/SheetHead.qml
+    sheets/SheetKeyboard.qml
+    sheets/SheetScroller.qml
     theme/AppText.qml
     theme/FocusRing.qml
     theme/Swatch.qml

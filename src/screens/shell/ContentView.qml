@@ -10,6 +10,8 @@ FocusScope {
     required property WindowModel app
     property string place: "home"
     property ScreenPage currentPage: null
+    // The screen of each place, by the keys of SidebarModel.
+    readonly property var pages: ({ home: homePage, mails: mailsPage })
     readonly property bool narrow: width < Theme.narrowBelow
     readonly property bool low: height < Theme.lowBelow
 
@@ -30,9 +32,6 @@ FocusScope {
     function settleKeyboard() {
         if (currentPage && !OpenSheets.shown && !KeyboardFocus.isHeldIn(view))
             enterPage();
-    }
-    function pageOf(key: string): Component {
-        return key === "mails" ? mailsPage : homePage;
     }
     function find() {
         if (currentPage && currentPage.searchField)
@@ -98,11 +97,11 @@ FocusScope {
                 active: current || item !== null
                 visible: current
                 focus: current
-                sourceComponent: view.pageOf(key)
-                onCurrentChanged: take()
-                onLoaded: take()
+                sourceComponent: view.pages[key]
+                onCurrentChanged: showPage()
+                onLoaded: showPage()
 
-                function take() {
+                function showPage() {
                     if (current && item)
                         view.currentPage = item as ScreenPage;
                 }

@@ -12,12 +12,12 @@ Column {
 
     spacing: Theme.space
 
-    component Notice: Banner {
+    component NoticeBanner: Banner {
         x: notices.margin
         width: notices.width - 2 * notices.margin
     }
 
-    Notice {
+    NoticeBanner {
         objectName: "fontNotice"
         visible: !notices.app.hasChineseFont
         kind: "attention"
@@ -25,7 +25,7 @@ Column {
         headline: "No font for Chinese was found"
         lines: ["Install one (Debian and Ubuntu: fonts-noto-cjk) and start Corvane again."]
     }
-    Notice {
+    NoticeBanner {
         id: settingsNotice
         objectName: "settingsNotice"
 
@@ -42,7 +42,7 @@ Column {
             onClicked: settingsNotice.isRead = true
         }
     }
-    Notice {
+    NoticeBanner {
         objectName: "sampleNotice"
         visible: notices.app.sampleStore.offered || notices.app.sampleStore.failure.length > 0
         kind: notices.app.sampleStore.failure.length > 0 ? "danger" : "info"

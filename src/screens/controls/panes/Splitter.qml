@@ -1,4 +1,4 @@
-// The line between two panes, with a grip to move it. It tells where it is wanted by `moved` (the width of the pane
+// The line between two panes, with a grip to move it. It says where it is wanted by `moved` (the width of the pane
 // at its left) and at the end of a drag by `settled`; a double click asks for the width it had by `restored`.
 import QtQuick
 import Corvane

@@ -20,16 +20,16 @@ QtObject {
         if (others.length === 0)
             returnTo = holder;
         sheets = others.concat([sheet]);
-        Qt.callLater(giveKeyboard);
+        Qt.callLater(passKeyboard);
     }
     function leave(sheet: var, reason: int) {
         returnReason = reason;
         sheets = sheets.filter(other => other && other !== sheet);
-        giveKeyboard();
+        passKeyboard();
     }
-    function giveKeyboard() {
+    function passKeyboard() {
         if (shown) {
-            shown.takeKeyboard();
+            shown.keyboard.enter();
         } else if (returnTo) {
             // What opened the first may have gone by what was done in it.
             const holder = returnTo.visible && returnTo.enabled ? returnTo : returnTo.nextItemInFocusChain(true);

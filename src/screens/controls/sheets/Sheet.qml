@@ -28,18 +28,18 @@ T.Popup {
     property int bodyGap: 20
     property string subtitleSymbol: ""
     property AppButton primary: null
-    default property alias bodyItems: scrollingBody.data
+    default property alias bodyItems: scroller.items
     property alias fillingItems: fillingBody.data
-    property alias barItems: buttons.data
+    property alias barItems: bar.items
     property real offset: 0
     // It goes before others, whenever they came.
     property bool urgent: false
-    readonly property int focusReason: KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason
     // Another one is shown in its place. By opacity: layouts of Qt 6.4 that are hidden keep items that were destroyed
     // meanwhile, and crash when they are shown again.
     readonly property bool waits: visible && OpenSheets.shown !== sheet
-    // What the sheet gave the keyboard to.
-    property Item begunAt: null
+    readonly property SheetKeyboard keyboard: SheetKeyboard {
+        sheet: sheet
+    }
 
     modal: true
     focus: true
@@ -52,11 +52,11 @@ T.Popup {
     padding: 1
 
     onAboutToShow: {
-        begunAt = null;
+        keyboard.begunAt = null;
         OpenSheets.enter(sheet, parent.Window.activeFocusItem);
     }
-    onClosed: OpenSheets.leave(sheet, focusReason)
-    onOpened: takeKeyboard()
+    onClosed: OpenSheets.leave(sheet, keyboard.focusReason)
+    onOpened: keyboard.enter()
 
     z: urgent ? 1 : 0
     T.Overlay.modal: Rectangle {
@@ -99,9 +99,9 @@ T.Popup {
 
         Keys.onReturnPressed: event => event.accepted = event.isAutoRepeat || sheet.pressPrimary()
         Keys.onEnterPressed: event => event.accepted = event.isAutoRepeat || sheet.pressPrimary()
-        Keys.onPressed: event => event.accepted = sheet.scrolls && flick.scrollBy(event.key)
+        Keys.onPressed: event => event.accepted = sheet.scrolls && scroller.scrollBy(event.key)
         readonly property Item holder: Window.activeFocusItem
-        onHolderChanged: flick.show(holder)
+        onHolderChanged: scroller.show(holder)
 
         ColumnLayout {
             id: frame
@@ -116,50 +116,12 @@ T.Popup {
                 symbol: sheet.symbol
                 symbolColor: sheet.symbolColor
             }
-            Flickable {
-                id: flick
+            SheetScroller {
+                id: scroller
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 visible: sheet.scrolls
-                implicitHeight: scrollingBody.implicitHeight + sheet.bodyGap
-                contentHeight: implicitHeight
-                clip: contentHeight > height
-                boundsBehavior: Flickable.StopAtBounds
-                interactive: contentHeight > height
-                T.ScrollBar.vertical: AppScrollBar {}
-
-                readonly property real lowest: Math.max(0, contentHeight - height)
-
-                function moveTo(position: real) {
-                    contentY = Math.max(0, Math.min(lowest, position));
-                }
-                // Whether the key was one that scrolls.
-                function scrollBy(key: int): bool {
-                    const page = height - Theme.controlHeight;
-                    const steps = new Map([[Qt.Key_Up, -Theme.rowDense], [Qt.Key_Down, Theme.rowDense],
-                        [Qt.Key_PageUp, -page], [Qt.Key_PageDown, page], [Qt.Key_Home, -contentHeight],
-                        [Qt.Key_End, contentHeight]]);
-                    if (!steps.has(key))
-                        return false;
-                    moveTo(contentY + steps.get(key));
-                    return true;
-                }
-                function show(item: Item) {
-                    let at = item;
-                    while (at && at !== scrollingBody)
-                        at = at.parent;
-                    if (!at)
-                        return;
-                    const top = item.mapToItem(scrollingBody, 0, 0).y;
-                    moveTo(Math.min(top - Theme.space, Math.max(contentY, top + item.height + Theme.space - height)));
-                }
-
-                ColumnLayout {
-                    id: scrollingBody
-                    x: 24
-                    width: flick.width - 48
-                    spacing: 0
-                }
+                gap: sheet.bodyGap
             }
             Item {
                 id: fillingBody
@@ -175,77 +137,15 @@ T.Popup {
                 implicitHeight: Theme.hairline
                 color: Theme.line
             }
-            Rectangle {
+            SheetBar {
+                id: bar
                 Layout.fillWidth: true
-                implicitHeight: 64
-                // The page's colour would show square corners below the sheet's round ones.
-                color: Theme.page
-                radius: Theme.radiusSheet - 1
-
-                Rectangle {
-                    width: parent.width
-                    height: parent.radius
-                    color: parent.color
-                }
-                RowLayout {
-                    anchors.fill: parent
-                    anchors.leftMargin: 24
-                    anchors.rightMargin: 24
-                    spacing: 12
-
-                    ColumnLayout {
-                        Layout.fillWidth: true
-                        spacing: 0
-
-                        AppText {
-                            Layout.fillWidth: true
-                            text: sheet.note
-                            visible: text.length > 0
-                            color: sheet.noteColor
-                        }
-                        AppText {
-                            Layout.fillWidth: true
-                            text: sheet.noteLine
-                            elide: sheet.noteLineElide
-                            visible: text.length > 0
-                            role: AppText.Note
-                            color: Theme.text3
-                        }
-                    }
-                    RowLayout {
-                        id: buttons
-                        spacing: 12
-                    }
-                }
+                note: sheet.note
+                noteLine: sheet.noteLine
+                noteColor: sheet.noteColor
+                noteLineElide: sheet.noteLineElide
             }
         }
-    }
-
-    function sheetOf(item: Item): var {
-        for (let at = item; at; at = at.parent) {
-            if (at.sheetAround)
-                return at.sheetAround;
-        }
-        return null;
-    }
-
-    // At once, and again when the sheet stands, as its primary button may have had to wait. Who has gone on by then
-    // stays where they are: a Space meant for another control must not press the primary one. A sheet that was away
-    // goes on where it was left.
-    function takeKeyboard(): void {
-        const holder = parent.Window.activeFocusItem;
-        if (!visible || waits || (begunAt && holder !== begunAt && sheetOf(holder) === sheet))
-            return;
-        if (begunAt && sheetOf(holder) !== sheet) {
-            KeyboardFocus.enter(contentItem);
-            return;
-        }
-        const first = primary && primary.enabled ? primary
-            : KeyboardFocus.inUse && holder === contentItem ? contentItem.nextItemInFocusChain(true)
-            : null;
-        if (first)
-            first.forceActiveFocus(focusReason);
-        begunAt = parent.Window.activeFocusItem;
     }
 
     function pressPrimary(): bool {

@@ -27,7 +27,7 @@ Appearance::Appearance(std::optional<Scheme> forced, QObject* parent)
   , reducedMotion_(qEnvironmentVariableIsSet("CORVANE_REDUCED_MOTION") || looks_.animates == false) {
     theAppearance = this;
     qGuiApp->installEventFilter(this);
-    follow();
+    update();
 }
 
 Appearance::~Appearance() {
@@ -49,11 +49,11 @@ QFont Appearance::windowFont(int pixels) const {
 }
 
 bool Appearance::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::ApplicationPaletteChange) follow();
+    if (event->type() == QEvent::ApplicationPaletteChange) update();
     return QObject::eventFilter(watched, event);
 }
 
-void Appearance::follow() {
+void Appearance::update() {
     const bool dark = forced_ ? *forced_ == Scheme::dark : paletteIsDark() || looks_.isDark == true;
     if (dark == dark_) return;
     dark_ = dark;

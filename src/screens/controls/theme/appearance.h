@@ -46,7 +46,7 @@ class Appearance : public QObject {
     void darkChanged();
 
   private:
-    void follow();
+    void update();
 
     std::optional<Scheme> forced_;
     DesktopLooks looks_; // at the start
