@@ -170,18 +170,28 @@ class Window:
         def found():
             part = self.part(name)
             return part if part and condition(part) else None
-        return wait_until(found, f"{name} (it is {self.part(name)}, the keyboard is at {self.focus()})")
+        return wait_until(found, f"{name} (it was {self.part(name)}, the keyboard at {self.focus()})")
 
     def click_part(self, name, button=1):
-        """The middle of a part, once it can be pressed and stands still."""
-        part = self.wait_for_part(name, lambda part: part["enabled"])
-        self.settled(0.2)
-        part = self.part(name)
+        """The middle of a part, once it can be pressed and stands still: sheets move while they open."""
+        places = []
+
+        def stands(part):
+            places.append([part[side] for side in ("x", "y", "width", "height")])
+            return part["enabled"] and len(places) > 3 and all(place == places[-1] for place in places[-4:])
+        part = self.wait_for_part(name, stands)
         self.click(round(part["x"] + part["width"] / 2), round(part["y"] + part["height"] / 2), button)
 
     def focus(self):
         """The part that has the keyboard, None where nothing has."""
         return self.ask("focus") or None
+
+    def wait_for_focus(self, name, shown=False):
+        """Until the part has the keyboard, and shows it where that is asked for."""
+        def has():
+            focus = self.focus()
+            return focus and name in focus["names"] and (focus["showsFocus"] or not shown)
+        wait_until(has, f"{name} to have the keyboard")
 
     def press(self, *keys):
         """Returns when the window has taken the keys."""

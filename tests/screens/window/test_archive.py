@@ -23,28 +23,29 @@ class ArchiveWalk(WindowCase):
             window.picture(PICTURES / "walk-1-first.png")
             window.click_part("emptyStateButton")
             wait_until((self.home / ".local/share/Corvane/home-scan-snapshot.json").exists, "the end of the scan")
-            window.settled(1.5)
+            window.wait_for_part("organizeTree", lambda tree: tree["count"] > 3)
             window.picture(PICTURES / "walk-2-list.png")
 
             window.click_part("chooseLocationButton")
-            window.settled()
             window.click_part("folder0")  # Documents, the first of the home
             window.picture(PICTURES / "walk-3-place.png")
             window.click_part("useFolderButton")
-            window.settled(1.0)
+            wait_until(lambda: window.part("useFolderButton") is None, "the picker to close")
 
             window.click_part("treeRow1/tickBox")
-            window.settled()
+            window.wait_for_part("treeRow1", lambda row: row["tick"] == 1)
             window.click_part("primaryAction")
+            window.wait_for_part("startArchiveButton", lambda button: button["enabled"])
             window.picture(PICTURES / "walk-4-confirm.png")
             window.click_part("destinationCard0")  # the cloud folder instead
+            window.wait_for_part("startArchiveButton", lambda button: button["enabled"])
             window.picture(PICTURES / "walk-5-cloud.png")
             window.press("Return")
             records = wait_until(self.records, "the archive's index")
-            window.settled(1.5)
+            window.wait_for_part("doneButton", lambda button: button["focus"])
             window.picture(PICTURES / "walk-6-result.png")
             window.press("Return")
-            window.settled(1.5)
+            wait_until(lambda: window.part("doneButton") is None, "the result to close")
             window.picture(PICTURES / "walk-7-left.png")
             status, said = window.quit()
             self.assertEqual(status, 0, said)
@@ -58,7 +59,7 @@ class ArchiveWalk(WindowCase):
 
         # The next start shows what is left, without a scan.
         with self.display.window(self.home) as window:
-            window.settled(1.5)
+            window.wait_for_part("organizeTree", lambda tree: tree["count"] > 3)
             window.picture(PICTURES / "walk-8-next-start.png")
 
 

@@ -126,7 +126,7 @@ class FrameTest(unittest.TestCase):
     def test_window_comes_back_as_it_was_left(self):
         with self.display.window(self.home) as window:
             window.resize(1100, 640)
-            window.settled()
+            wait_until(lambda: window.part("sidebar")["height"] == 640, "the window's new size")
             left = window.geometry()
             window.quit()
         with self.display.window(self.home) as window:
@@ -146,7 +146,7 @@ class FrameTest(unittest.TestCase):
             self.assertNotEqual(self.display.pixels()[0], first)
             window.press("ctrl+2")  # a place without a screen
             window.press("ctrl+1")
-            window.settled()
+            window.wait_for_part("homePage")
             window.picture(PICTURES / "home-small.png")
 
     def test_newcomer_gets_samples(self):

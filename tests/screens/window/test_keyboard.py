@@ -19,7 +19,7 @@ class KeyboardWalk(WindowCase):
                 self.assertNotIn(trouble, said)
 
     def update(self, window):
-        self.assertIn("emptyStateButton", window.focus()["names"], "the one thing to do has the keyboard")
+        window.wait_for_focus("emptyStateButton")  # the one thing to do
         window.press("Tab")
         window.tab_to("emptyStateButton")
         window.press("Return")
@@ -51,7 +51,6 @@ class KeyboardWalk(WindowCase):
         window.press_to("archiveButton", "Right")
         window.press("Return")
         window.wait_for_part("startArchiveButton", lambda button: not button["enabled"])
-        window.settled()
         window.tab_to("destinationCard0")
         window.press("space")
         window.wait_for_part("startArchiveButton", lambda button: button["enabled"])
@@ -64,8 +63,7 @@ class KeyboardWalk(WindowCase):
         window.picture(PICTURES / "keys-2-confirm.png")
         window.press("Escape")
         wait_until(lambda: window.part("startArchiveButton") is None, "the sheet to close")
-        self.assertIn("archiveButton", window.focus()["names"], "the keyboard goes back to what opened the sheet")
-        self.assertTrue(window.focus()["showsFocus"])
+        window.wait_for_focus("archiveButton", shown=True)  # what opened the sheet
 
         window.press("ctrl+1")
         window.tab_to("changeLocationButton")
@@ -82,14 +80,14 @@ class KeyboardWalk(WindowCase):
 
     def mail_list(self, window):
         window.press("ctrl+4", "ctrl+f")
-        self.assertIn("mailSearch", window.focus()["names"])
+        window.wait_for_focus("mailSearch")
         count = window.part("messageView")["count"]
         window.press("x", "q", "z", "j")
         window.wait_for_part("noMatch")
         window.press("Escape")
         window.wait_for_part("messageView", lambda view: view["count"] == count)
         window.press("Escape")
-        self.assertIn("messageView", window.focus()["names"])
+        window.wait_for_focus("messageView")
         window.press("Home", "ctrl+a")
         window.wait_for_part("listSummary", lambda text: text["text"].startswith("已选 "))
         window.press("Home")
