@@ -185,7 +185,8 @@ std::string steps(TimedApplication& application, const std::string& home, const 
     const std::string ticking = application.takeSummary();
 
     application.step("destination", [&] {
-        whole.window().archive()->chooseDestination(QUrl::fromLocalFile(QString::fromStdString(archive)));
+        whole.window().archive()->quickDestinations()->chooseFolder(
+            QUrl::fromLocalFile(QString::fromStdString(archive)));
     });
     whole.waitFor([] { return true; });
     application.step("sheet", [&] { whole.window().home()->runOrganizePrimaryAction(); });

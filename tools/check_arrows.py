@@ -38,15 +38,16 @@ SUBFOLDERS = {
                   "scan": ". folders index"},
     "model": {"tasks": "", ".": "tasks", "mail": ". tasks", "archiving": ". tasks mail", "library": ". tasks",
               "corvane_view_model": ". tasks mail archiving library"},
-    "screens": {"controls": "", "texts": "", "lists": "texts", "archive": "controls texts lists",
-                "mails": "controls texts lists", "home": "controls texts lists archive",
-                "shell": "controls texts lists archive mails home"},
+    "screens": {"controls": "", "texts": "", "desktop": "", "lists": "texts",
+                "archive": "controls texts desktop lists", "mails": "controls texts desktop lists",
+                "home": "controls texts desktop lists archive",
+                "shell": "controls texts desktop lists archive mails home"},
 }
 # Headers that lie above some of their users, and belong lower: until they are moved, anybody may include them.
 MISPLACED = {
     "mailstore/index/index_sql.h", "mailstore/index/quiet_database.h", "mailstore/index/sqlite_connection.h",
     "mailstore/scan/scan_timing_metrics.h", "model/archiving/archived_status.h",
-    "screens/home/organize_data.h", "screens/mails/detail/message_detail.h", "screens/shell/desktop_actions.h",
+    "screens/home/organize_data.h", "screens/mails/detail/message_detail.h", "screens/desktop/desktop_actions.h",
     "screens/shell/sidebar/sidebar_model.h",
 }
 QT_ALLOWED = {"model", "cli", "screens", "app"}

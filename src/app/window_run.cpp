@@ -41,7 +41,7 @@ QString supportFolder(const ModelContext& context) {
     }
 }
 
-// Nothing when this start goes on as the first one.
+// Absent when this start goes on as the first one.
 std::optional<WindowOutcome> leaveToFirst(SingleInstance& instance, const WindowOptions& options) {
     if (instance.handOver(QString::fromStdString(options.address))) return WindowOutcome();
     consoleLine(instance.obstacle().toStdString());

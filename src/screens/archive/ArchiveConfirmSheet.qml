@@ -8,20 +8,21 @@ Sheet {
 
     required property ArchiveScreen archive
     readonly property bool wanted: archive.isShown && archive.stage === ArchiveScreen.Confirm
-    readonly property var remark: archive.remark
+    readonly property var remark: archive.destination.archiveRemark
+    readonly property var confirmation: archive.confirmation
     readonly property bool hasError: archive.errorText.length > 0
 
     objectName: "confirmSheet"
     title: "确认归档"
-    subtitle: archive.archiveSelectionSummary + (archive.candidates.tickState !== 0 ? "。Mail 里的原件不会改动。" : "")
+    subtitle: confirmation.archiveSelectionSummary + (archive.candidates.tickState !== 0 ? "。Mail 里的原件不会改动。" : "")
     wantedWidth: 820
     wantedHeight: 760
     scrolls: false
     bodyGap: 0
     primary: start
-    note: archive.spaceText
-    noteLine: archive.footnote
-    noteColor: archive.isSpaceShort ? Theme.attention : Theme.text1
+    note: confirmation.spaceText
+    noteLine: confirmation.footnote
+    noteColor: confirmation.isSpaceShort ? Theme.attention : Theme.text1
     onWantedChanged: visible = wanted
     Component.onCompleted: visible = wanted
     // Only what the user closes: at a change of the stage the sheet is no longer wanted.
@@ -77,7 +78,7 @@ Sheet {
             }
             AppText {
                 Layout.fillWidth: true
-                text: sheet.archive.archiveScopeTitle
+                text: sheet.confirmation.archiveScopeTitle
                 color: Theme.text2
             }
             AppText {
@@ -87,7 +88,7 @@ Sheet {
             SegmentedControl {
                 objectName: "minimumSize"
                 name: "体积至少"
-                options: sheet.archive.sizeTitles
+                options: sheet.confirmation.sizeTitles
                 currentIndex: sheet.archive.minimumSize
                 onActivated: index => sheet.archive.minimumSize = index
             }
@@ -111,8 +112,8 @@ Sheet {
         PrimaryButton {
             id: start
             objectName: "startArchiveButton"
-            enabled: sheet.archive.canStart
-            text: sheet.archive.archiveButtonTitle
+            enabled: sheet.confirmation.canStart
+            text: sheet.confirmation.archiveButtonTitle
             onClicked: sheet.archive.start()
         }
     ]

@@ -10,7 +10,7 @@ Sheet {
 
     required property ArchiveScreen archive
     readonly property bool wanted: archive.isShown && archive.stage === ArchiveScreen.Result
-    readonly property var result: archive.result
+    readonly property var result: archive.outcome.view
 
     objectName: "resultSheet"
     title: result.title
@@ -59,7 +59,7 @@ Sheet {
         }
         CopyButton {
             objectName: "copyFailuresButton"
-            onClicked: sheet.archive.copyFailures()
+            onClicked: sheet.archive.outcome.copyFailures()
         }
     }
     FailureGroups {
@@ -82,7 +82,7 @@ Sheet {
         }
         CopyButton {
             objectName: "copyVariantsButton"
-            onClicked: sheet.archive.copyVariants()
+            onClicked: sheet.archive.outcome.copyVariants()
         }
     }
     Rectangle {

@@ -12,8 +12,8 @@ Sheet {
 
     objectName: "runningSheet"
     title: "正在归档"
-    subtitle: archive.destinationPlace
-    subtitleSymbol: archive.destinationSymbol
+    subtitle: archive.destination.place
+    subtitleSymbol: archive.destination.symbol
     wantedWidth: 580
     dismissable: false
     note: "可以随时取消，已写好的邮件会保留。"

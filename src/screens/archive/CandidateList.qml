@@ -63,7 +63,7 @@ FocusGroup {
             objectName: "tickedText"
             x: 39
             anchors.verticalCenter: parent.verticalCenter
-            text: group.archive.isLoading ? "正在列出邮件…" : group.archive.tickedText
+            text: group.archive.confirmation.isLoading ? "正在列出邮件…" : group.archive.confirmation.tickedText
             role: AppText.Note
             color: Theme.text3
         }
@@ -109,7 +109,7 @@ FocusGroup {
 
         Keys.onPressed: event => {
             event.accepted = true;
-            if (take(event.key, event.modifiers))
+            if (handleKey(event.key, event.modifiers))
                 return;
             if (event.key === Qt.Key_Space && event.modifiers & Qt.ShiftModifier)
                 group.candidates.tickRange(keyRow);
@@ -118,7 +118,7 @@ FocusGroup {
             else if (event.matches(StandardKey.SelectAll))
                 group.candidates.tickAll();
             else if (event.matches(StandardKey.Copy))
-                group.archive.copyCandidates();
+                group.candidates.copySelection();
             else
                 event.accepted = false;
         }
@@ -136,10 +136,10 @@ FocusGroup {
         objectName: "noCandidates"
         anchors.fill: parent
         anchors.topMargin: Theme.tableHeadHeight
-        visible: list.count === 0 && !group.archive.isLoading
+        visible: list.count === 0 && !group.archive.confirmation.isLoading
         symbolSize: 32
         symbol: height < 150 ? "" : "archive"
-        title: group.archive.archiveEmptyTitle
-        line: group.archive.archiveEmptyDescription
+        title: group.archive.confirmation.archiveEmptyTitle
+        line: group.archive.confirmation.archiveEmptyDescription
     }
 }

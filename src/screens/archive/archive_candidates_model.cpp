@@ -17,35 +17,35 @@ struct TickJob {
 };
 
 ArchiveSelection ticksOf(TickJob job, const TaskHandle&) {
-    for (const auto& range : job.rows.rows.ranges()) {
-        for (int row = range.first; row < range.end; ++row) {
-            const SharedText& id = (*job.rows.messages)[static_cast<std::size_t>(row)].id;
-            if (job.selection.contains(id) != job.ticked) job.selection.toggle(id);
-        }
-    }
+    job.rows.rows.forEach([&](int row) {
+        const SharedText& id = (*job.rows.messages)[static_cast<std::size_t>(row)].id;
+        if (job.selection.contains(id) != job.ticked) job.selection.toggle(id);
+    });
     return std::move(job.selection);
 }
 
 } // namespace
 
-ArchiveCandidatesModel::ArchiveCandidatesModel(CorvaneViewModel& model, QObject* parent)
+ArchiveCandidatesModel::ArchiveCandidatesModel(CorvaneViewModel& model, DesktopActions& desktop,
+                                               QObject* parent)
   : MessageListModel(parent)
   , model_(model)
+  , desktop_(desktop)
   , compareTask_(model.context().tasks)
-  , tickTask_(model.context().tasks) {
+  , tickTask_(model.context().tasks)
+  , copyTask_(model.context().tasks) {
     connect(&model.candidates(), &ArchiveCandidates::archiveCandidatesReady, this, [this] {
         if (isLoading_) show(model_.candidates().archiveCandidates());
     });
     connect(&model.ticks(), &ArchiveTicks::selectionChanged, this, [this] {
         if (isOwnChange_ || count() == 0) return;
         sumSelection();
-        Q_EMIT dataChanged(index(0), index(count() - 1), {TickedRole});
+        notifyAllRows({TickedRole});
     });
 }
 
-QVariant ArchiveCandidatesModel::data(const QModelIndex& index, int role) const {
-    if (role != TickedRole) return MessageListModel::data(index, role);
-    return index.isValid() && index.row() < rowCount() && isTicked(shownAt(index.row()));
+QVariant ArchiveCandidatesModel::value(const MailMessageRecord& message, int role) const {
+    return role == TickedRole ? QVariant(isTicked(message)) : MessageListModel::value(message, role);
 }
 
 QHash<int, QByteArray> ArchiveCandidatesModel::roleNames() const {
@@ -69,8 +69,8 @@ void ArchiveCandidatesModel::clear() {
     tickTask_.cancel();
     isLoading_ = false;
     anchor_ = {};
-    const auto nothing = std::make_shared<const MessageList>();
-    apply(nothing, rowChanges(*messages(), *nothing));
+    const auto none = std::make_shared<const MessageList>();
+    apply(none, messageRowChanges(*records(), *none));
     sumSelection();
     Q_EMIT loadingChanged();
 }
@@ -82,8 +82,8 @@ void ArchiveCandidatesModel::show(const SharedMessageList& candidates) {
     };
 
     compareTask_.start(
-        TaskPriority::userInitiated, Lists{messages(), candidates},
-        [](const Lists& lists, const TaskHandle&) { return rowChanges(*lists.from, *lists.to); },
+        TaskPriority::userInitiated, Lists{records(), candidates},
+        [](const Lists& lists, const TaskHandle&) { return messageRowChanges(*lists.from, *lists.to); },
         [this, candidates](const RowChanges& changes) {
             isLoading_ = false;
             apply(candidates, changes);
@@ -96,7 +96,7 @@ void ArchiveCandidatesModel::sumSelection() {
     selectedCount_ = 0;
     selectedBytes_ = 0;
     const bool areAllTicked = model_.ticks().isWholeOfferSelected();
-    for (const MailMessageRecord& message : *messages()) {
+    for (const MailMessageRecord& message : *records()) {
         if (!areAllTicked && !isTicked(message)) continue;
         selectedCount_ += 1;
         selectedBytes_ += message.messageSize;
@@ -110,7 +110,7 @@ int ArchiveCandidatesModel::tickState() const {
 }
 
 void ArchiveCandidatesModel::toggleTick(int row) {
-    const MailMessageRecord* const message = this->message(row);
+    const MailMessageRecord* const message = record(row);
     if (message == nullptr) return;
     isOwnChange_ = true;
     model_.ticks().toggleArchiveSelection(message->id);
@@ -119,15 +119,15 @@ void ArchiveCandidatesModel::toggleTick(int row) {
     selectedCount_ += sign;
     selectedBytes_ += sign * message->messageSize;
     anchor_ = message->id;
-    Q_EMIT dataChanged(index(row), index(row), {TickedRole});
+    notifyRows(row, row, {TickedRole});
     Q_EMIT selectionSummed();
 }
 
 void ArchiveCandidatesModel::toggleTicks(int row) {
-    if (selection().count() < 2 || !selection().isSelected(row)) return toggleTick(row);
+    if (selection()->count() < 2 || !selection()->isSelected(row)) return toggleTick(row);
     tickTask_.start(TaskPriority::userInitiated,
-                    TickJob{{messages(), selection().rows()},
-                            !isTicked(*message(row)),
+                    TickJob{{records(), selection()->rows()},
+                            !isTicked(*record(row)),
                             model_.ticks().selectedArchiveMessageIDs()},
                     &ticksOf, [this](ArchiveSelection selection) {
                         model_.ticks().setArchiveSelection(std::move(selection));
@@ -135,7 +135,7 @@ void ArchiveCandidatesModel::toggleTicks(int row) {
 }
 
 void ArchiveCandidatesModel::tickRange(int row) {
-    const MailMessageRecord* const message = this->message(row);
+    const MailMessageRecord* const message = record(row);
     if (message == nullptr) return;
     if (anchor_.empty()) anchor_ = message->id;
     model_.ticks().selectArchiveRange(anchor_, message->id);
@@ -148,7 +148,7 @@ void ArchiveCandidatesModel::setTicksOfAll(bool ticked) {
         return;
     }
     tickTask_.start(
-        TaskPriority::userInitiated, messages(),
+        TaskPriority::userInitiated, records(),
         [](const SharedMessageList& all, const TaskHandle&) {
             SharedTextSet ids;
             ids.reserve(all->size());
@@ -166,13 +166,18 @@ void ArchiveCandidatesModel::toggleAllTicks() {
     setTicksOfAll(tickState() != 1);
 }
 
+void ArchiveCandidatesModel::copySelection() {
+    copyTask_.start(TaskPriority::userInitiated, screens::MessageRows{records(), selection()->rows()},
+                    &screens::linesOfRows, [this](const QString& lines) { desktop_.copy(lines); });
+}
+
 QString ArchiveCandidatesModel::wholeSender(int row) const {
-    const MailMessageRecord* const message = this->message(row);
+    const MailMessageRecord* const message = record(row);
     return message == nullptr ? QString() : screens::shownLine(message->sender);
 }
 
 QString ArchiveCandidatesModel::spokenCandidate(int row) const {
-    const MailMessageRecord* const message = this->message(row);
+    const MailMessageRecord* const message = record(row);
     if (message == nullptr) return {};
     return spokenName(*message) +
            (isTicked(*message) ? QStringLiteral("，已勾选") : QStringLiteral("，未勾选"));

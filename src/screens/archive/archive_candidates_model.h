@@ -7,6 +7,7 @@
 #include <QtQml/qqmlregistration.h>
 
 #include "model/corvane_view_model.h"
+#include "screens/desktop/desktop_actions.h"
 #include "screens/lists/message_list_model.h"
 
 namespace corvane {
@@ -16,24 +17,20 @@ class ArchiveCandidatesModel : public MessageListModel {
     QML_ELEMENT
     QML_UNCREATABLE("part of the archive sheet")
     Q_PROPERTY(int tickState READ tickState NOTIFY selectionSummed)
-    Q_PROPERTY(corvane::ListSelection* selection READ rowSelection CONSTANT)
 
   public:
-    enum CandidateRole { TickedRole = SelectedRole + 1 };
+    enum CandidateRole { TickedRole = FirstRoleOfDerived };
 
-    explicit ArchiveCandidatesModel(CorvaneViewModel& model, QObject* parent = nullptr);
+    // Both must outlive it.
+    ArchiveCandidatesModel(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent = nullptr);
 
-    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
     // Asks the model for the candidates; `isLoading` until they are shown.
     void load();
 
-    // Shows nothing, and takes nothing that is still under way.
+    // Empties the list and drops what is still under way.
     void clear();
-
-    // The rows that are selected, which says nothing of their ticks.
-    [[nodiscard]] ListSelection* rowSelection() { return &selection(); }
 
     [[nodiscard]] bool isLoading() const { return isLoading_; }
 
@@ -53,6 +50,11 @@ class ArchiveCandidatesModel : public MessageListModel {
     Q_INVOKABLE void tickRange(int row);
     Q_INVOKABLE void tickAll();
     Q_INVOKABLE void toggleAllTicks();
+
+    // The selected rows as lines of text. Large selections arrive a moment later.
+    Q_INVOKABLE void copySelection();
+
+    // What a screen reader says of the row and its tick.
     Q_INVOKABLE [[nodiscard]] QString spokenCandidate(int row) const;
 
     // With the address.
@@ -63,6 +65,9 @@ class ArchiveCandidatesModel : public MessageListModel {
     // Count or size of what is ticked may have changed.
     void selectionSummed();
 
+  protected:
+    [[nodiscard]] QVariant value(const MailMessageRecord& message, int role) const override;
+
   private:
     void show(const SharedMessageList& candidates);
     void sumSelection();
@@ -70,6 +75,7 @@ class ArchiveCandidatesModel : public MessageListModel {
     [[nodiscard]] bool isTicked(const MailMessageRecord& message) const;
 
     CorvaneViewModel& model_;
+    DesktopActions& desktop_;
     bool isLoading_ = false;
     bool isOwnChange_ = false;
     std::int64_t selectedCount_ = 0;
@@ -77,6 +83,7 @@ class ArchiveCandidatesModel : public MessageListModel {
     SharedText anchor_; // id of the message ticked last
     TaskSlot compareTask_;
     TaskSlot tickTask_;
+    TaskSlot copyTask_;
 };
 
 } // namespace corvane

@@ -24,7 +24,7 @@ ArchiveProgress::ArchiveProgress(ArchiveRunFlow& archive, QObject* parent)
   , archive_(archive) {
     tick_.setInterval(std::chrono::seconds(1));
     connect(&tick_, &QTimer::timeout, this, &ArchiveProgress::changed);
-    connect(&archive, &ArchiveRunFlow::progressChanged, this, &ArchiveProgress::take);
+    connect(&archive, &ArchiveRunFlow::progressChanged, this, &ArchiveProgress::handleProgress);
 }
 
 void ArchiveProgress::start(std::int64_t total) {
@@ -44,7 +44,7 @@ void ArchiveProgress::stop() {
     tick_.stop();
 }
 
-void ArchiveProgress::take() {
+void ArchiveProgress::handleProgress() {
     const auto& report = archive_.emailArchiveProgress();
     if (!report || !tick_.isActive()) return;
     progress_ = *report;

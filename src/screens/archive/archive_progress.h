@@ -55,7 +55,7 @@ class ArchiveProgress : public QObject {
     void changed();
 
   private:
-    void take();
+    void handleProgress();
 
     ArchiveRunFlow& archive_;
     EmailArchiveProgress progress_;

@@ -18,7 +18,7 @@
 namespace corvane {
 
 // The run counts files where a message has several versions; here every message counts once. What goes beyond
-// is told behind the figures.
+// stands behind the figures.
 struct ArchiveResultFigures {
     std::int64_t chosen = 0;
     std::int64_t archived = 0;

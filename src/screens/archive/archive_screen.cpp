@@ -4,11 +4,7 @@
 
 #include <QPointer>
 
-#include "listing/archive_capacity.h"
-#include "platform/paths.h"
 #include "screens/archive/archive_texts.h"
-#include "screens/lists/message_lines.h"
-#include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {
@@ -18,20 +14,19 @@ ArchiveScreen::ArchiveScreen(CorvaneViewModel& model, OrganizeData& data, Deskto
   : QObject(parent)
   , model_(model)
   , data_(data)
-  , desktop_(desktop)
-  , candidates_(model)
+  , candidates_(model, desktop)
   , quickDestinations_(model)
   , folderPicker_(model)
   , progress_(model.archiveRun())
-  , prepareTask_(model.context().tasks)
-  , copyTask_(model.context().tasks) {
+  , outcome_(desktop)
+  , prepareTask_(model.context().tasks) {
     wire();
 }
 
 void ArchiveScreen::wire() {
     const auto destinationReplaced = [this] {
         Q_EMIT destinationChanged();
-        Q_EMIT selectionChanged();
+        Q_EMIT confirmationChanged();
     };
     // What was said of a run there doesn't hold for another place.
     connect(&model_.destinations(), &ArchiveDestinations::destinationChanged, this, [this] { setError({}); });
@@ -39,9 +34,10 @@ void ArchiveScreen::wire() {
     connect(&model_.destinations(), &ArchiveDestinations::factsChanged, this, destinationReplaced);
     connect(&folderPicker_, &FolderPicker::chosen, this,
             [this] { model_.destinations().setTransferDestination(folderPicker_.chosenPath()); });
-    connect(&candidates_, &ArchiveCandidatesModel::selectionSummed, this, &ArchiveScreen::selectionChanged);
-    connect(&candidates_, &ArchiveCandidatesModel::loadingChanged, this, &ArchiveScreen::candidatesChanged);
-    connect(&data_, &OrganizeData::overviewChanged, this, &ArchiveScreen::candidatesChanged);
+    connect(&candidates_, &ArchiveCandidatesModel::selectionSummed, this,
+            &ArchiveScreen::confirmationChanged);
+    connect(&candidates_, &ArchiveCandidatesModel::loadingChanged, this, &ArchiveScreen::confirmationChanged);
+    connect(&data_, &OrganizeData::overviewChanged, this, &ArchiveScreen::confirmationChanged);
     const auto reload = [this] {
         if (stage_ == Confirm && !isPreparing_) candidates_.load();
     };
@@ -63,10 +59,10 @@ void ArchiveScreen::setError(const QString& text) {
 }
 
 void ArchiveScreen::open(const std::shared_ptr<const SharedTextSet>& ids) {
-    open(ArchiveOffer{[ids] { return *ids; }, {}});
+    open(ArchiveRequest{[ids] { return *ids; }, {}});
 }
 
-void ArchiveScreen::open(ArchiveOffer offer) {
+void ArchiveScreen::open(ArchiveRequest request) {
     if (stage_ == Running) {
         bringToFront();
         return;
@@ -75,23 +71,22 @@ void ArchiveScreen::open(ArchiveOffer offer) {
     setError({});
     isPreparing_ = true;
     yearsBefore_ = model_.filters().archiveFilterYears();
-    model_.filters().setArchiveFilterYears(std::move(offer.years));
+    model_.filters().setArchiveFilterYears(std::move(request.years));
     quickDestinations_.refreshDetectedDestinations();
     model_.destinations().refreshFacts();
     setStage(Confirm);
-    Q_EMIT candidatesChanged();
-
+    Q_EMIT confirmationChanged();
     prepareTask_.start(
-        TaskPriority::userInitiated, std::move(offer.makeIDs),
+        TaskPriority::userInitiated, std::move(request.makeIDs),
         [](const std::function<SharedTextSet()>& makeIDs, const TaskHandle&) {
             return std::make_shared<const SharedTextSet>(makeIDs());
         },
-        [this](std::shared_ptr<const SharedTextSet> offered) { takeOffer(std::move(offered)); });
+        [this](std::shared_ptr<const SharedTextSet> ids) { showCandidates(std::move(ids)); });
 }
 
-void ArchiveScreen::takeOffer(std::shared_ptr<const SharedTextSet> offered) {
+void ArchiveScreen::showCandidates(std::shared_ptr<const SharedTextSet> requested) {
     isPreparing_ = false;
-    model_.candidates().setCandidateOffer(std::move(offered));
+    model_.candidates().setCandidateOffer(std::move(requested));
     model_.ticks().selectWholeOffer();
     candidates_.load();
 }
@@ -121,11 +116,11 @@ void ArchiveScreen::start() {
     progress_.start(candidates_.selectedCount());
     setStage(Running);
     model_.archiveSelectedEmails([screen = QPointer(this)](ArchiveRunFlow::RunOutcome outcome) {
-        if (screen) screen->takeOutcome(std::move(outcome));
+        if (screen) screen->handleRunEnd(std::move(outcome));
     });
 }
 
-void ArchiveScreen::takeOutcome(ArchiveRunFlow::RunOutcome outcome) {
+void ArchiveScreen::handleRunEnd(ArchiveRunFlow::RunOutcome outcome) {
     progress_.stop();
     if (!outcome) {
         setError(screens::wholeText(outcome.error()));
@@ -134,9 +129,7 @@ void ArchiveScreen::takeOutcome(ArchiveRunFlow::RunOutcome outcome) {
         candidates_.load();
         return;
     }
-    result_ = ArchiveResultView::of(*outcome, progress_.total());
-    failures_ = std::move(outcome->failures);
-    variantWarnings_ = std::move(outcome->variantWarnings);
+    outcome_.set(std::move(*outcome), progress_.total());
     setStage(Result);
     endConfirmation();
     Q_EMIT archiveFinished();
@@ -161,112 +154,37 @@ void ArchiveScreen::bringToFront() {
 }
 
 void ArchiveScreen::retryFailed() {
-    if (stage_ != Result || failures_.empty()) return;
-    auto ids = std::make_shared<SharedTextSet>();
-    for (const EmailArchiveFailure& failure : failures_) ids->insert(failure.messageFileURL.path());
-    open(ids);
-}
-
-void ArchiveScreen::copyFailures() {
-    desktop_.copy(screens::failureList(failures_));
-}
-
-void ArchiveScreen::copyVariants() {
-    desktop_.copy(screens::variantList(variantWarnings_));
-}
-
-void ArchiveScreen::copyCandidates() {
-    copyTask_.start(TaskPriority::userInitiated,
-                    screens::MessageRows{candidates_.messages(), candidates_.selection().rows()},
-                    &screens::linesOfRows, [this](const QString& lines) { desktop_.copy(lines); });
-}
-
-void ArchiveScreen::chooseDestination(const QUrl& folder) {
-    if (folder.isLocalFile())
-        model_.destinations().setTransferDestination(folder.toLocalFile().toStdString());
-}
-
-DestinationView ArchiveScreen::destination() const {
-    return {model_.destinations().transferDestination(), model_.destinations().facts(),
-            model_.context().platform};
-}
-
-QString ArchiveScreen::destinationName() const {
-    return screens::destinationName(destination());
-}
-
-QString ArchiveScreen::destinationSymbol() const {
-    return screens::destinationSymbol(destination());
-}
-
-QString ArchiveScreen::destinationPlace() const {
-    return screens::destinationPlace(destination());
-}
-
-QUrl ArchiveScreen::destinationFolder() const {
-    const auto& path = model_.destinations().transferDestination();
-    return QUrl::fromLocalFile(
-        screens::wholeText(path.value_or(model_.context().platform.realUserHomeDirectory())));
-}
-
-DestinationRemark ArchiveScreen::remark() const {
-    return screens::archiveRemark(destination());
-}
-
-QString ArchiveScreen::archiveButtonTitle() const {
-    return screens::archiveButtonTitle(destination(), candidates_.selectedCount());
+    if (stage_ != Result) return;
+    const auto ids = std::make_shared<const SharedTextSet>(outcome_.failedIDs());
+    if (!ids->empty()) open(ids);
 }
 
 bool ArchiveScreen::canStart() const {
-    return stage_ == Confirm && !isLoading() && destination().path && destination().facts.connected &&
+    const DestinationView destination = destinationView(model_);
+    return stage_ == Confirm && !isLoading() && destination.path && destination.facts.connected &&
            candidates_.selectedCount() > 0 && !model_.archiveRun().isArchiving();
 }
 
-QString ArchiveScreen::archiveSelectionSummary() const {
-    return screens::archiveSelectionSummary(candidates_.selectedCount(), candidates_.selectedBytes());
-}
-
-QString ArchiveScreen::archiveScopeTitle() const {
-    return screens::archiveScopeTitle(model_.filters().archiveFilterYears());
-}
-
-DeletionSafety ArchiveScreen::safety() const {
-    return data_.deletionSafety(std::nullopt, model_.filters().archiveFilterYears());
-}
-
-QString ArchiveScreen::archiveEmptyTitle() const {
-    return screens::archiveEmptyTitle(safety());
-}
-
-QString ArchiveScreen::archiveEmptyDescription() const {
-    return screens::archiveEmptyDescription(archiveScopeTitle(), safety());
-}
-
-QString ArchiveScreen::tickedText() const {
-    return QStringLiteral("已勾选 %1，共 %2")
-        .arg(screens::shownMessageCount(candidates_.selectedCount()),
-             screens::shownMessageCount(candidates_.count()));
-}
-
-QString ArchiveScreen::spaceText() const {
-    return screens::archiveSpaceText(candidates_.selectedBytes(), destination().facts.availableBytes);
-}
-
-bool ArchiveScreen::isSpaceShort() const {
-    const auto& available = destination().facts.availableBytes;
-    return available && *available < estimatedArchiveBytes(static_cast<double>(candidates_.selectedBytes()));
-}
-
-QString ArchiveScreen::footnote() const {
-    const DestinationView view = destination();
-    return !view.facts.connected && view.isOnRemovableDisk()
-               ? QStringLiteral("归档位置所在的 U 盘 / 外置盘未连接，请插入后再归档。")
-               : QStringLiteral("每封写好后都会从磁盘重新读出核对");
-}
-
-QStringList ArchiveScreen::sizeTitles() const {
-    return {QStringLiteral("不限"), QStringLiteral("10 MB"), QStringLiteral("50 MB"),
-            QStringLiteral("100 MB")};
+ArchiveConfirmation ArchiveScreen::confirmation() const {
+    const DestinationView destination = destinationView(model_);
+    const std::set<std::int64_t>& years = model_.filters().archiveFilterYears();
+    const DeletionSafety safety = data_.deletionSafety(std::nullopt, years);
+    const std::int64_t count = candidates_.selectedCount();
+    const std::int64_t bytes = candidates_.selectedBytes();
+    ArchiveConfirmation shown;
+    shown.isLoading = isLoading();
+    shown.canStart = canStart();
+    shown.archiveButtonTitle = screens::archiveButtonTitle(destination, count);
+    shown.archiveSelectionSummary = screens::archiveSelectionSummary(count, bytes);
+    shown.archiveScopeTitle = screens::archiveScopeTitle(years);
+    shown.archiveEmptyTitle = screens::archiveEmptyTitle(safety);
+    shown.archiveEmptyDescription = screens::archiveEmptyDescription(shown.archiveScopeTitle, safety);
+    shown.tickedText = screens::archiveTickedText(count, candidates_.count());
+    shown.spaceText = screens::archiveSpaceText(bytes, destination.facts.availableBytes);
+    shown.isSpaceShort = screens::isSpaceShort(bytes, destination.facts.availableBytes);
+    shown.footnote = screens::archiveFootnote(destination);
+    shown.sizeTitles = screens::archiveSizeTitles();
+    return shown;
 }
 
 int ArchiveScreen::minimumSize() const {
@@ -278,7 +196,7 @@ int ArchiveScreen::minimumSize() const {
 void ArchiveScreen::setMinimumSize(int preset) {
     if (stage_ != Confirm || preset < 0 || preset >= static_cast<int>(allSizePresets.size())) return;
     model_.filters().setTransferMinimumSize(allSizePresets[static_cast<std::size_t>(preset)]);
-    Q_EMIT candidatesChanged();
+    Q_EMIT confirmationChanged();
 }
 
 } // namespace corvane

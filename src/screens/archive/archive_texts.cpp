@@ -11,10 +11,6 @@ namespace {
 
 constexpr std::size_t yearsNamed = 4;
 
-QString yearName(std::int64_t year) {
-    return QStringLiteral("%1 年").arg(year);
-}
-
 } // namespace
 
 QString archiveButtonTitle(const DestinationView& destination, std::int64_t selectedCount) {
@@ -34,11 +30,11 @@ QString archiveScopeTitle(const std::set<std::int64_t>& years) {
     const std::int64_t last = *years.rbegin();
     if (years.size() > yearsNamed) {
         const bool isUnbroken = last - first + 1 == static_cast<std::int64_t>(years.size());
-        return isUnbroken ? QStringLiteral("%1至 %2").arg(yearName(first), yearName(last))
-                          : QStringLiteral("%1等 %2 个年份").arg(yearName(first)).arg(years.size());
+        return isUnbroken ? QStringLiteral("%1至 %2").arg(shownYear(first), shownYear(last))
+                          : QStringLiteral("%1等 %2 个年份").arg(shownYear(first)).arg(years.size());
     }
     QStringList names;
-    for (const std::int64_t year : years) names << yearName(year);
+    for (const std::int64_t year : years) names << shownYear(year);
     return names.join(QStringLiteral("、"));
 }
 
@@ -64,14 +60,31 @@ QString archiveEmptyDescription(const QString& scopeTitle, const DeletionSafety&
     return QStringLiteral("调整年份范围或降低体积阈值；已归档的邮件不会重复出现。");
 }
 
+bool isSpaceShort(std::int64_t selectedBytes, std::optional<std::int64_t> availableBytes) {
+    return availableBytes && *availableBytes < estimatedArchiveBytes(static_cast<double>(selectedBytes));
+}
+
 QString archiveSpaceText(std::int64_t selectedBytes, std::optional<std::int64_t> availableBytes) {
     QString needed =
         QStringLiteral("约需 %1").arg(shownSize(estimatedArchiveBytes(static_cast<double>(selectedBytes))));
     if (!availableBytes) return needed;
     const QString text = QStringLiteral("%1，可用 %2").arg(needed, shownSize(*availableBytes));
-    return *availableBytes < estimatedArchiveBytes(static_cast<double>(selectedBytes))
-               ? text + QStringLiteral("，空间不足")
-               : text;
+    return isSpaceShort(selectedBytes, availableBytes) ? text + QStringLiteral("，空间不足") : text;
+}
+
+QString archiveTickedText(std::int64_t tickedCount, std::int64_t count) {
+    return QStringLiteral("已勾选 %1，共 %2").arg(shownMessageCount(tickedCount), shownMessageCount(count));
+}
+
+QString archiveFootnote(const DestinationView& destination) {
+    return !destination.facts.connected && destination.isOnRemovableDisk()
+               ? QStringLiteral("归档位置所在的 U 盘 / 外置盘未连接，请插入后再归档。")
+               : QStringLiteral("每封写好后都会从磁盘重新读出核对");
+}
+
+QStringList archiveSizeTitles() {
+    return {QStringLiteral("不限"), QStringLiteral("10 MB"), QStringLiteral("50 MB"),
+            QStringLiteral("100 MB")};
 }
 
 } // namespace corvane::screens

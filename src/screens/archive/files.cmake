@@ -17,12 +17,14 @@ set(archive_qml
 )
 set(archive_sources
     archive_candidates_model.cpp
+    archive_confirmation.h
+    archive_outcome.cpp
     archive_progress.cpp
     archive_result.cpp
     archive_screen.cpp
     archive_texts.cpp
     run_pace.cpp
-    places/folder_listing.cpp
+    places/folder_texts.cpp
     places/folder_picker.cpp
     places/quick_destinations.cpp
 )

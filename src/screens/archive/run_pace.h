@@ -22,10 +22,10 @@ class RunPace {
 
     [[nodiscard]] std::chrono::seconds elapsed(Moment now) const;
 
-    // Messages a second; nothing before the second report.
+    // Messages a second; absent before the second report.
     [[nodiscard]] std::optional<double> rate() const;
 
-    // Nothing in the first three seconds, and while nothing is done.
+    // Absent in the first three seconds, and while no message is done.
     [[nodiscard]] std::optional<std::chrono::seconds> timeLeft(std::int64_t total, Moment now) const;
 
   private:

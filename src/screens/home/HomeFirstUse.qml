@@ -13,11 +13,11 @@ CentredPane {
     EmptyState {
         Layout.fillWidth: true
         focus: true
-        symbol: pane.home.failureText.length > 0 && !pane.home.isFailureAdvice ? "triangle-alert" : "mail-search"
-        symbolColor: pane.home.failureText.length === 0 ? Theme.accent
-            : pane.home.isFailureAdvice ? Theme.text3 : Theme.attention
+        symbol: pane.home.scan.failureText.length > 0 && !pane.home.scan.isFailureAdvice ? "triangle-alert" : "mail-search"
+        symbolColor: pane.home.scan.failureText.length === 0 ? Theme.accent
+            : pane.home.scan.isFailureAdvice ? Theme.text3 : Theme.attention
         title: "先更新所有 Mail 数据"
-        line: pane.home.failureText.length > 0 ? pane.home.failureText
+        line: pane.home.scan.failureText.length > 0 ? pane.home.scan.failureText
             : "更新后这里会按邮箱和年份列出待归档邮件，展开年份可查看文件夹。"
         buttonText: "更新 Mail 数据"
         steps: [
@@ -25,6 +25,6 @@ CentredPane {
             { title: "选择归档位置，放入归档库", line: "每封邮件存成标准的 .eml 文件，写好后从磁盘重新读出核对。" },
             { title: "确认无误，再到 Apple Mail 里删除", line: "本 App 不会替你删邮件；归档之后，哪些可以删会写在这一页上。" }
         ]
-        onActivated: pane.home.updateMailData()
+        onActivated: pane.home.scan.update()
     }
 }

@@ -11,7 +11,9 @@ BottomBar {
     property bool narrow: false
     // Nothing is listed yet: there is only a place to choose.
     property bool choosesOnly: false
-    readonly property var remark: home.locationRemark
+    readonly property var destination: home.destination
+    readonly property var selection: home.selection
+    readonly property var remark: destination.locationBarRemark
     readonly property color remarkColor: Theme.toneText(remark.kind)
 
     objectName: "locationBar"
@@ -30,7 +32,7 @@ BottomBar {
                 Layout.alignment: bar.remark.text.length > 0 ? Qt.AlignTop : Qt.AlignVCenter
                 Layout.topMargin: bar.remark.text.length > 0 ? 2 : 0
                 size: 20
-                name: bar.home.hasDestination ? bar.home.destinationSymbol : "externaldrive"
+                name: bar.destination.isChosen ? bar.destination.symbol : "externaldrive"
                 color: bar.remark.kind.length > 0 ? bar.remarkColor : Theme.text2
             }
             ColumnLayout {
@@ -43,20 +45,20 @@ BottomBar {
 
                     AppText {
                         objectName: "locationName"
-                        text: bar.home.hasDestination ? bar.home.destinationName : "先选择归档位置"
+                        text: bar.destination.isChosen ? bar.destination.destinationName : "先选择归档位置"
                         font.weight: Theme.medium
                     }
                     AppText {
                         Layout.maximumWidth: implicitWidth + 1
                         Layout.fillWidth: true
-                        visible: bar.home.hasDestination
-                        text: bar.home.destinationPath
+                        visible: bar.destination.isChosen
+                        text: bar.destination.destinationPath
                         elide: Text.ElideMiddle
                         color: Theme.text3
                     }
                     PlainButton {
                         objectName: "changeLocationButton"
-                        visible: bar.home.hasDestination
+                        visible: bar.destination.isChosen
                         implicitHeight: Theme.bodyLine
                         text: "更改…"
                         onClicked: chooser.ask()
@@ -67,7 +69,7 @@ BottomBar {
                 }
                 AppText {
                     Layout.fillWidth: true
-                    visible: !bar.home.hasDestination
+                    visible: !bar.destination.isChosen
                     text: "云盘 / U 盘 / 外置硬盘"
                     role: AppText.Note
                     color: Theme.text2
@@ -92,20 +94,20 @@ BottomBar {
             AppText {
                 objectName: "selectionTitle"
                 Layout.alignment: Qt.AlignRight
-                text: bar.narrow ? bar.home.selectionLine : bar.home.selectionTitle
+                text: bar.narrow ? bar.selection.line : bar.selection.title
                 font.weight: Theme.strong
             }
             AppText {
                 Layout.alignment: Qt.AlignRight
                 visible: !bar.narrow
-                text: bar.home.organizeSelectionSummary
+                text: bar.selection.organizeSelectionSummary
                 role: AppText.Note
                 color: Theme.text2
             }
         }
         AppButton {
             objectName: "chooseLocationButton"
-            visible: !bar.home.hasDestination
+            visible: !bar.destination.isChosen
             implicitHeight: Theme.controlHeightPrimary
             horizontalPadding: 20
             text: "选择位置…"
@@ -113,9 +115,9 @@ BottomBar {
         }
         PrimaryButton {
             objectName: "primaryAction"
-            visible: !bar.choosesOnly && bar.home.hasDestination
-            enabled: !bar.home.organizePrimaryDisabled
-            text: bar.home.organizePrimaryTitle
+            visible: !bar.choosesOnly && bar.destination.isChosen
+            enabled: !bar.selection.organizePrimaryDisabled
+            text: bar.selection.organizePrimaryTitle
             onClicked: bar.home.runOrganizePrimaryAction()
         }
     }

@@ -39,13 +39,13 @@ CentredPane {
             text: "已授权，重新检查"
             implicitHeight: Theme.controlHeightPrimary
             horizontalPadding: 20
-            onClicked: pane.home.recheckAccess()
+            onClicked: pane.home.access.recheckAccess()
         }
         PrimaryButton {
             objectName: "openSettingsButton"
             text: "打开完全磁盘访问设置"
             focus: true
-            onClicked: pane.home.openPrivacySettings()
+            onClicked: pane.home.access.openPrivacySettings()
         }
     }
 }

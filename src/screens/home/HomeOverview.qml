@@ -11,7 +11,9 @@ FocusScope {
     property bool narrow: false
     property bool low: false
     property int margin: Theme.margin
-    readonly property bool hasFailure: home.failureText.length > 0
+    readonly property ScanStatus scan: home.scan
+    readonly property var banner: home.figures.banner
+    readonly property bool hasFailure: scan.failureText.length > 0
 
     objectName: "overview"
     focus: true
@@ -27,11 +29,11 @@ FocusScope {
             Layout.fillWidth: true
             Layout.topMargin: 4
             compact: overview.low
-            kind: overview.hasFailure ? (overview.home.isFailureAdvice ? "info" : "danger") : overview.home.banner.kind
-            symbol: overview.hasFailure ? (overview.home.isFailureAdvice ? "info" : "octagon-x")
-                : overview.home.banner.symbol
-            headline: overview.hasFailure ? "没有更新成功，下面是上次的结果" : overview.home.banner.headline
-            lines: overview.hasFailure ? [overview.home.failureText] : overview.home.banner.lines
+            kind: overview.hasFailure ? (overview.scan.isFailureAdvice ? "info" : "danger") : overview.banner.kind
+            symbol: overview.hasFailure ? (overview.scan.isFailureAdvice ? "info" : "octagon-x")
+                : overview.banner.symbol
+            headline: overview.hasFailure ? "没有更新成功，下面是上次的结果" : overview.banner.headline
+            lines: overview.hasFailure ? [overview.scan.failureText] : overview.banner.lines
         }
         HomeChart {
             Layout.fillWidth: true

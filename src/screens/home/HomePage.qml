@@ -25,18 +25,18 @@ ScreenPage {
 
             AppText {
                 visible: !page.narrow && text.length > 0
-                text: page.home.updatedText
+                text: page.home.scan.updatedText
                 role: AppText.Note
                 color: Theme.text3
             }
             AppButton {
                 objectName: "updateButton"
-                visible: page.hasList || page.home.isScanning
-                enabled: page.home.canUpdate
+                visible: page.hasList || page.home.scan.isScanning
+                enabled: page.home.scan.canUpdate
                 symbol: "refresh-cw"
-                text: page.home.updateTitle
+                text: page.home.scan.updateTitle
                 help: "重新读取所有 Mail 邮箱和全部年份的数据，找出可归档的邮件"
-                onClicked: page.home.updateMailData()
+                onClicked: page.home.scan.update()
             }
         }
         Loader {
@@ -59,7 +59,7 @@ ScreenPage {
         }
         HomeLocationBar {
             Layout.fillWidth: true
-            visible: page.hasList || (page.home.state === HomeScreen.FirstUse && !page.home.hasDestination)
+            visible: page.hasList || (page.home.state === HomeScreen.FirstUse && !page.home.destination.isChosen)
             home: page.home
             archive: page.app.archive
             margin: page.margin
@@ -68,6 +68,16 @@ ScreenPage {
         }
     }
 
+    Notice {
+        id: notice
+        area: page
+    }
+    Connections {
+        target: page.home.access
+        function onFailed(text: string) {
+            notice.show(text);
+        }
+    }
     ArchiveSheets {
         archive: page.app.archive
     }

@@ -43,14 +43,14 @@ CentredPane {
             AppText {
                 objectName: "scanLine"
                 Layout.fillWidth: true
-                text: pane.home.scanLine
+                text: pane.home.scan.line
                 role: AppText.Heading
                 wrapMode: Text.Wrap
                 maximumLineCount: 2
             }
             AppText {
                 Layout.alignment: Qt.AlignBaseline
-                text: "已用时 " + pane.home.scanElapsed
+                text: "已用时 " + pane.home.scan.elapsed
                 color: Theme.text2
             }
         }
@@ -58,7 +58,7 @@ CentredPane {
     ScanAccounts {
         Layout.fillWidth: true
         visible: entries.length > 0
-        entries: pane.home.scanAccounts
+        entries: pane.home.scan.accounts
     }
     RowLayout {
         Layout.fillWidth: true
@@ -73,7 +73,7 @@ CentredPane {
             objectName: "cancelScanButton"
             focus: true
             text: "取消扫描"
-            onClicked: pane.home.cancelScan()
+            onClicked: pane.home.access.cancelScan()
         }
     }
 }

@@ -19,7 +19,9 @@ set(home_qml
 set(home_sources
     home_screen.cpp
     organize_data.cpp
+    organize_figures.h
     safety_banner.cpp
+    scan_status.cpp
     figures/account_shares_model.cpp
     figures/year_series.cpp
     tree/organize_tree_model.cpp

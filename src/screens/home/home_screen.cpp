@@ -4,8 +4,6 @@
 
 #include <QVariantMap>
 
-#include "records/formatters.h"
-#include "records/timestamps.h"
 #include "screens/home/figures/year_series.h"
 #include "screens/shell/sidebar/sidebar_model.h"
 #include "screens/texts/shown_figures.h"
@@ -19,11 +17,19 @@ using screens::shownCount;
 using screens::shownLine;
 using screens::shownSize;
 
-// From then on a scan is worth repeating before one decides about years of mail.
-constexpr std::chrono::days freshness(7);
+// A series of the legend; a dash while nothing is known.
+QVariantMap seriesSum(const char* series, const QString& label, std::int64_t value, bool isKnown) {
+    return {{QStringLiteral("series"), QString::fromLatin1(series)},
+            {QStringLiteral("label"), label},
+            {QStringLiteral("value"), static_cast<int>(value)},
+            {QStringLiteral("text"), isKnown ? shownCount(value) : QStringLiteral("—")}};
+}
 
-QString yearTitle(std::int64_t year) {
-    return QStringLiteral("%1 年").arg(year);
+SafetyBanner unknownBanner() {
+    return {QStringLiteral("info"),
+            QStringLiteral("info"),
+            QStringLiteral("正在读取上次的结果"),
+            {QStringLiteral("正在确认哪些邮件还需要放入归档库。")}};
 }
 
 } // namespace
@@ -34,66 +40,53 @@ HomeScreen::HomeScreen(CorvaneViewModel& model, OrganizeData& data, ArchiveScree
   , model_(model)
   , data_(data)
   , archive_(archive)
-  , desktop_(desktop) {
-    scanTick_.setInterval(std::chrono::seconds(1));
+  , desktop_(desktop)
+  , scan_(model, archive)
+  , access_(model, desktop) {
     wire();
-    takeOverview();
-    takeScanState();
+    handleOverviewChange();
 }
 
 void HomeScreen::wire() {
-    connect(&data_, &OrganizeData::overviewChanged, this, &HomeScreen::takeOverview);
-    connect(&tree_, &OrganizeTreeModel::ticksChanged, this, &HomeScreen::showFigures);
-    connect(&model_.counts(), &IndexCounts::countsChanged, this, &HomeScreen::figuresChanged);
-    connect(&model_.scanFlow(), &ScanFlow::stateChanged, this, &HomeScreen::takeScanState);
-    connect(&model_.diskAccess(), &FullDiskAccess::needsFullDiskAccessChanged, this,
-            &HomeScreen::stateChanged);
-    connect(&model_.accounts(), &AccountDirectory::accountsChanged, this, &HomeScreen::scanAccountsChanged);
-    connect(&model_.accounts(), &AccountDirectory::loadFailureChanged, this, &HomeScreen::stateChanged);
-    connect(&scanTick_, &QTimer::timeout, this, &HomeScreen::scanElapsedChanged);
-    const auto destinationReplaced = [this] {
-        Q_EMIT destinationChanged();
-        Q_EMIT selectionChanged();
+    const auto on = [this](auto* sender, auto signal, auto reaction) {
+        connect(sender, signal, this, reaction);
     };
-    connect(&model_.destinations(), &ArchiveDestinations::destinationChanged, this, destinationReplaced);
-    connect(&model_.destinations(), &ArchiveDestinations::factsChanged, this, destinationReplaced);
-    connect(&archive_, &ArchiveScreen::stageChanged, this, &HomeScreen::selectionChanged);
-    connect(&archive_, &ArchiveScreen::stageChanged, this, &HomeScreen::stateChanged);
+    on(&data_, &OrganizeData::overviewChanged, &HomeScreen::handleOverviewChange);
+    on(&tree_, &OrganizeTreeModel::ticksChanged, &HomeScreen::updateFigures);
+    on(&model_.counts(), &IndexCounts::countsChanged, &HomeScreen::figuresChanged);
+    on(&model_.diskAccess(), &FullDiskAccess::needsFullDiskAccessChanged, &HomeScreen::stateChanged);
+    on(&model_.accounts(), &AccountDirectory::loadFailureChanged, &HomeScreen::stateChanged);
+    for (const auto signal :
+         {&HomeScreen::stateChanged, &HomeScreen::figuresChanged, &HomeScreen::selectionChanged})
+        on(&model_.scanFlow(), &ScanFlow::stateChanged, signal);
+    for (const auto signal : {&HomeScreen::destinationChanged, &HomeScreen::selectionChanged}) {
+        on(&model_.destinations(), &ArchiveDestinations::destinationChanged, signal);
+        on(&model_.destinations(), &ArchiveDestinations::factsChanged, signal);
+    }
+    for (const auto signal : {&HomeScreen::selectionChanged, &HomeScreen::stateChanged})
+        on(&archive_, &ArchiveScreen::stageChanged, signal);
 }
 
-void HomeScreen::takeOverview() {
+void HomeScreen::handleOverviewChange() {
     const auto& accounts = data_.overview()->accounts;
     const auto isKnown = [&](const OrganizeAccount& account) { return scope_.accountKey == account.key; };
     // A scope of what has gone would hide all the mail.
     if (scope_.accountKey && std::none_of(accounts.begin(), accounts.end(), isKnown)) setScope({});
     tree_.setOverview(data_.overview());
     accounts_.show(*data_.overview(), scope_.accountKey);
-    showFigures();
+    updateFigures();
     Q_EMIT stateChanged();
 }
 
-void HomeScreen::showFigures() {
+void HomeScreen::updateFigures() {
     selection_ = tree_.ticks().selectionIn(*data_.overview());
-    Q_EMIT figuresChanged();
-    Q_EMIT selectionChanged();
-}
-
-void HomeScreen::takeScanState() {
-    if (isScanning() && !scanTick_.isActive()) {
-        scanClock_.start();
-        scanTick_.start();
-    } else if (!isScanning()) {
-        scanTick_.stop();
-    }
-    Q_EMIT stateChanged();
-    Q_EMIT scanElapsedChanged();
     Q_EMIT figuresChanged();
     Q_EMIT selectionChanged();
 }
 
 HomeScreen::State HomeScreen::state() const {
     if (model_.diskAccess().needsFullDiskAccess()) return NoAccess;
-    if (isScanning()) return Scanning;
+    if (scan_.isScanning()) return Scanning;
     if (!model_.hasScanDisplayData()) return FirstUse;
     return data_.isKnown() && candidateCount() == 0 ? NothingToDo : List;
 }
@@ -135,7 +128,7 @@ QString HomeScreen::organizeSidebarSubtitle() const {
 }
 
 QString HomeScreen::organizeRangeTitle() const {
-    QString title = scope_.year ? yearTitle(*scope_.year) : QStringLiteral("全部年份");
+    QString title = scope_.year ? screens::shownYear(*scope_.year) : QStringLiteral("全部年份");
     if (!scope_.accountKey) return title;
     for (const OrganizeAccount& account : data_.overview()->accounts) {
         if (account.key == *scope_.accountKey)
@@ -144,77 +137,32 @@ QString HomeScreen::organizeRangeTitle() const {
     return title;
 }
 
-QString HomeScreen::updatedText() const {
-    const auto& date = model_.scanFlow().cacheLoadedAt();
-    if (!date || isScanning()) return {};
-    const QString text = screens::wholeText(formatListDate(*date)) + QStringLiteral(" 更新");
-    return currentTimestamp() - *date > freshness ? text + QStringLiteral(" · 建议重新扫描") : text;
-}
-
-QString HomeScreen::updateTitle() const {
-    return isScanning() ? QStringLiteral("正在更新 Mail 数据") : QStringLiteral("更新 Mail 数据");
-}
-
-QString HomeScreen::scanLine() const {
-    return isScanning() ? screens::wholeText(model_.scanFlow().state().text) : QString();
-}
-
-QString HomeScreen::scanElapsed() const {
-    return scanClock_.isValid() ? screens::shownDuration(scanClock_.elapsed() / 1000) : QString();
-}
-
-QVariantList HomeScreen::scanAccounts() const {
-    QVariantList shown;
-    for (const MailAccount& account : model_.accounts().availableAccounts()) {
-        const QString kind =
-            account.isLocalStore ? QStringLiteral("本机") : screens::wholeText(account.scheme).toUpper();
-        shown << QVariantMap{{QStringLiteral("name"), shownLine(account.distinguishedLabel())},
-                             {QStringLiteral("symbol"),
-                              account.isLocalStore ? QStringLiteral("folder") : QStringLiteral("at-sign")},
-                             {QStringLiteral("line"),
-                              QStringLiteral("%1 · %2 个文件夹")
-                                  .arg(kind, shownCount(static_cast<std::int64_t>(account.folders.size())))}};
-    }
-    return shown;
-}
-
-QString HomeScreen::failureText() const {
-    const MailScanState& scan = model_.scanFlow().state();
-    return scan.kind == MailScanState::Kind::failed ? screens::wholeText(scan.text) : QString();
-}
-
 DeletionSafety HomeScreen::safety() const {
     std::set<std::int64_t> years;
     if (scope_.year) years.insert(*scope_.year);
     return data_.deletionSafety(scope_.accountKey, years);
 }
 
-SafetyBanner HomeScreen::banner() const {
-    if (!hasFigures()) {
-        return {QStringLiteral("info"),
-                QStringLiteral("info"),
-                QStringLiteral("正在读取上次的结果"),
-                {QStringLiteral("正在确认哪些邮件还需要放入归档库。")}};
-    }
-    return screens::deletionSafetyBanner(organizeRangeTitle(), safety());
+bool HomeScreen::hasFigures() const {
+    return data_.isKnown() && data_.overview()->hasMessages;
 }
 
-QVariantList HomeScreen::years() const {
-    return screens::chartYears(
-        screens::yearBars(*data_.overview(), scope_.accountKey, selection_.years, data_.indexedYears()));
-}
-
-QVariantList HomeScreen::sums() const {
+OrganizeFigures HomeScreen::figures() const {
     const DeletionSafety known = safety();
-    const auto entry = [this](const char* series, const QString& label, std::int64_t value) {
-        return QVariantMap{{QStringLiteral("series"), QString::fromLatin1(series)},
-                           {QStringLiteral("label"), label},
-                           {QStringLiteral("value"), static_cast<int>(value)},
-                           {QStringLiteral("text"), hasFigures() ? shownCount(value) : QStringLiteral("—")}};
-    };
-    return {entry("archived", QStringLiteral("已归档"), known.archived),
-            entry("unarchived", QStringLiteral("未归档"), known.local - known.archived),
-            entry("serverOnly", QStringLiteral("仅在服务器"), known.serverOnly)};
+    OrganizeFigures figures;
+    figures.isKnown = hasFigures();
+    figures.organizeRangeTitle = organizeRangeTitle();
+    figures.banner =
+        figures.isKnown ? screens::deletionSafetyBanner(figures.organizeRangeTitle, known) : unknownBanner();
+    figures.years = screens::chartYears(
+        screens::yearBars(*data_.overview(), scope_.accountKey, selection_.years, data_.indexedYears()));
+    figures.sums = {
+        seriesSum("archived", QStringLiteral("已归档"), known.archived, figures.isKnown),
+        seriesSum("unarchived", QStringLiteral("未归档"), known.local - known.archived, figures.isKnown),
+        seriesSum("serverOnly", QStringLiteral("仅在服务器"), known.serverOnly, figures.isKnown)};
+    figures.scopeYear = static_cast<int>(scope_.year.value_or(0));
+    figures.isNarrowed = scope_ != OrganizeScope();
+    return figures;
 }
 
 void HomeScreen::setScope(OrganizeScope scope) {
@@ -239,39 +187,17 @@ void HomeScreen::clearScope() {
     setScope({});
 }
 
-DestinationView HomeScreen::destination() const {
-    return {model_.destinations().transferDestination(), model_.destinations().facts(),
-            model_.context().platform};
-}
-
-QString HomeScreen::destinationName() const {
-    return screens::destinationName(destination());
-}
-
-QString HomeScreen::destinationPath() const {
-    const auto& path = destination().path;
-    if (!path) return {};
-    return screens::shownPath(screens::wholeText(*path),
-                              screens::wholeText(model_.context().platform.realUserHomeDirectory()));
-}
-
-QString HomeScreen::destinationSymbol() const {
-    return screens::destinationSymbol(destination());
-}
-
-DestinationRemark HomeScreen::locationRemark() const {
-    return screens::locationBarRemark(destination());
-}
-
-QString HomeScreen::selectionTitle() const {
-    return selection_.count > 0 ? QStringLiteral("已选 ") + shownSize(selection_.bytes)
-                                : QStringLiteral("尚未勾选");
-}
-
-QString HomeScreen::selectionLine() const {
-    if (selection_.count == 0) return QStringLiteral("尚未勾选");
-    return QStringLiteral("已选 %1 · %2")
-        .arg(screens::shownMessageCount(selection_.count), shownSize(selection_.bytes));
+OrganizeSelectionItem HomeScreen::selection() const {
+    const bool isEmpty = selection_.count == 0;
+    OrganizeSelectionItem item;
+    item.title = isEmpty ? QStringLiteral("尚未勾选") : QStringLiteral("已选 ") + shownSize(selection_.bytes);
+    item.line = isEmpty ? item.title
+                        : QStringLiteral("已选 %1 · %2")
+                              .arg(screens::shownMessageCount(selection_.count), shownSize(selection_.bytes));
+    item.organizeSelectionSummary = organizeSelectionSummary();
+    item.organizePrimaryTitle = organizePrimaryTitle();
+    item.organizePrimaryDisabled = organizePrimaryDisabled();
+    return item;
 }
 
 QString HomeScreen::organizeSelectionSummary() const {
@@ -287,9 +213,8 @@ HomeScreen::HomeAction HomeScreen::effectiveHomeAction() const {
                : HomeAction::organize;
 }
 
-// Says nothing of a place that isn't in the sidebar.
 QString HomeScreen::nothingToDoLine() const {
-    if (SidebarModel::hasScreen(u"archived"))
+    if (SidebarModel::hasScreen(SidebarPlace::archived))
         return QStringLiteral("已备份的邮件可以在「已归档概览」里查看。");
     return model_.library().archivedEntries()->empty() ? QString()
                                                        : QStringLiteral("已备份的邮件在归档文件夹里。");
@@ -298,16 +223,19 @@ QString HomeScreen::nothingToDoLine() const {
 QString HomeScreen::organizePrimaryTitle() const {
     if (archive_.isRunning()) return QStringLiteral("查看归档进度");
     if (effectiveHomeAction() == HomeAction::openArchiveLibrary)
-        return SidebarModel::hasScreen(u"library") ? QStringLiteral("打开归档库")
-                                                   : QStringLiteral("打开归档文件夹");
+        return SidebarModel::hasScreen(SidebarPlace::library) ? QStringLiteral("打开归档库")
+                                                              : QStringLiteral("打开归档文件夹");
     return selection_.count > 0 ? QStringLiteral("归档选中") : QStringLiteral("归档全部");
 }
 
 bool HomeScreen::organizePrimaryDisabled() const {
     if (archive_.isRunning()) return false;
-    if (effectiveHomeAction() == HomeAction::openArchiveLibrary)
-        return !SidebarModel::hasScreen(u"library") && !(hasDestination() && destination().facts.connected);
-    return state() != List || !hasDestination() || model_.catalog().messages()->empty() || !hasFigures() ||
+    const DestinationView destination = destinationView(model_);
+    if (effectiveHomeAction() == HomeAction::openArchiveLibrary) {
+        const bool canOpenFolder = destination.path && destination.facts.connected;
+        return !SidebarModel::hasScreen(SidebarPlace::library) && !canOpenFolder;
+    }
+    return state() != List || !destination.path || model_.catalog().messages()->empty() || !hasFigures() ||
            (selection_.count == 0 && candidateCountInScope() == 0);
 }
 
@@ -316,11 +244,11 @@ void HomeScreen::runOrganizePrimaryAction() {
         archive_.bringToFront();
     } else if (effectiveHomeAction() == HomeAction::openArchiveLibrary) {
         openLibrary();
-    } else if (!hasDestination()) {
+    } else if (!destinationView(model_).path) {
         return; // the location bar asks for it
     } else if (model_.accounts().availableAccounts().empty() &&
                model_.accounts().accountLoadFailureMessage()) {
-        openPrivacySettings();
+        access_.openPrivacySettings();
     } else if (!model_.hasScanDisplayData()) {
         model_.scanFlow().scan();
     } else if (!model_.catalog().messages()->empty()) {
@@ -329,9 +257,9 @@ void HomeScreen::runOrganizePrimaryAction() {
 }
 
 void HomeScreen::openLibrary() {
-    if (SidebarModel::hasScreen(u"library")) {
+    if (SidebarModel::hasScreen(SidebarPlace::library)) {
         Q_EMIT libraryRequested();
-    } else if (const auto path = destination().path) {
+    } else if (const auto& path = destinationView(model_).path) {
         desktop_.open(QUrl::fromLocalFile(screens::wholeText(*path)));
     }
 }
@@ -343,30 +271,13 @@ void HomeScreen::openArchive(bool everything) {
     // The undated are in no year, and all years are no choice of some.
     const bool isAllYears = everything && !scope_.year;
     if (isAllYears || years.contains(undatedYear)) years.clear();
-    archive_.open(ArchiveOffer{
+    archive_.open(ArchiveRequest{
         [overview = data_.overview(), ticks] { return ticks.organizeSelectedMessageIDs(*overview); }, years});
 }
 
 void HomeScreen::copyTreeRows() {
     const QString lines = tree_.selectedLines();
     if (!lines.isEmpty()) desktop_.copy(lines);
-}
-
-void HomeScreen::updateMailData() {
-    if (canUpdate()) model_.scanFlow().refreshAllMailData();
-}
-
-void HomeScreen::cancelScan() {
-    model_.scanFlow().cancelScan();
-}
-
-void HomeScreen::recheckAccess() {
-    model_.diskAccess().refreshFullDiskAccessState();
-}
-
-void HomeScreen::openPrivacySettings() {
-    desktop_.open(
-        QUrl(QStringLiteral("x-apple.systempreferences:com.apple.preference.security?Privacy_AllFiles")));
 }
 
 } // namespace corvane

@@ -34,7 +34,7 @@ class OrganizeData : public QObject {
     // empty one holds only as long as nothing has changed: mail that just came in is not "nothing to do".
     [[nodiscard]] bool isKnown() const { return isKnown_ && (!overview_->accounts.empty() || isUpToDate()); }
 
-    // Nothing has changed since that isn't shown yet.
+    // The overview is that of the present state.
     [[nodiscard]] bool isUpToDate() const { return published_ == inputs(); }
 
     // Refers to the model: not to be kept.

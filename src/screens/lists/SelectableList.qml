@@ -39,7 +39,7 @@ ListView {
             selection.select(row);
     }
     // Whether the key was one that moves or toggles.
-    function take(key: int, modifiers: int): bool {
+    function handleKey(key: int, modifiers: int): bool {
         const page = Math.max(1, Math.floor(height / rowHeight) - 1);
         const current = selection.currentRow;
         if (key === Qt.Key_Up)

@@ -1,7 +1,5 @@
-// The rows of the mail list over a shared snapshot of messages. Rows come, go and change in place; texts are
-// made when a row is asked for. Main thread.
-//
-// A view that wants to keep its place looks where it stands at `aboutToChange` and goes back at `changed`.
+// The rows of a list of messages over a shared snapshot, with what is known of them beside the records: which
+// are archived, and previews that were read again. Main thread.
 #pragma once
 
 #include <functional>
@@ -9,25 +7,30 @@
 #include <unordered_map>
 #include <vector>
 
-#include <QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
 
 #include "records/mail_message_record.h"
-#include "screens/lists/list_selection.h"
-#include "screens/lists/row_changes.h"
+#include "screens/lists/record_list_model.h"
 #include "text/shared_text.h"
 
 namespace corvane {
 
-class MessageListModel : public QAbstractListModel {
+struct MessageID {
+    const SharedText& operator()(const MailMessageRecord& message) const { return message.id; }
+};
+
+// Compares what a row shows of a message, not all of it. Any thread.
+RowChanges messageRowChanges(const MessageList& before, const MessageList& after,
+                             const RowChangeRules& rules = largeListRules);
+
+class MessageListModel : public RecordListModel<MailMessageRecord, MessageID> {
     Q_OBJECT
     QML_ELEMENT
-    QML_UNCREATABLE("belongs to the mail list")
-    Q_PROPERTY(int count READ count NOTIFY countChanged)
+    QML_UNCREATABLE("belongs to a screen")
 
   public:
     enum Role {
-        SenderRole = Qt::UserRole + 1,
+        SenderRole = FirstRole,
         SubjectRole,
         PreviewRole,
         DateTextRole,
@@ -35,25 +38,12 @@ class MessageListModel : public QAbstractListModel {
         AttachmentCountRole,
         ArchivedRole,
         SpokenNameRole,
-        SelectedRole, // the last: lists of messages with more to show go on from here
+        FirstRoleOfDerived, // lists of messages with more to show go on from here
     };
 
-    explicit MessageListModel(QObject* parent = nullptr);
+    using RecordListModel::RecordListModel;
 
-    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
-    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
-
-    [[nodiscard]] int count() const { return static_cast<int>(messages_->size()); }
-
-    [[nodiscard]] const SharedMessageList& messages() const { return messages_; }
-
-    [[nodiscard]] ListSelection& selection() { return selection_; }
-
-    [[nodiscard]] const ListSelection& selection() const { return selection_; }
-
-    // Nothing for a row that isn't there.
-    [[nodiscard]] const MailMessageRecord* message(int row) const;
 
     [[nodiscard]] const std::shared_ptr<const SharedTextSet>& archivedIDs() const { return archivedIDs_; }
 
@@ -62,9 +52,6 @@ class MessageListModel : public QAbstractListModel {
     // What a screen reader says: subject, sender, date, size, state.
     [[nodiscard]] QString spokenName(const MailMessageRecord& message) const;
 
-    // `changes` lead from the present messages to the given ones. The selection follows.
-    void apply(SharedMessageList messages, const RowChanges& changes);
-
     void setArchivedIDs(std::shared_ptr<const SharedTextSet> ids);
 
     // A text that was read again, for as long as the message is listed with the one in its record.
@@ -72,37 +59,15 @@ class MessageListModel : public QAbstractListModel {
 
     void forgetPreviews() { newPreviews_.clear(); }
 
-    // The row in the present list of one in the list before the last change; what a view asks at `changed`.
-    [[nodiscard]] Q_INVOKABLE int rowAfterChange(int earlierRow) const;
-
-  Q_SIGNALS:
-    void countChanged();
-    void aboutToChange();
-    void changed();
-
   protected:
-    // Also while rows go or come.
-    [[nodiscard]] const MailMessageRecord& shownAt(int row) const;
+    [[nodiscard]] QVariant value(const MailMessageRecord& message, int role) const override;
+    [[nodiscard]] QList<int> rolesOfChange() const override;
 
   private:
-    // The list that is shown while rows go or come: some of its rows aren't there any more, or not yet.
-    struct Passage {
-        SharedMessageList list;
-        std::vector<RowRun> hidden; // in order
-        int hiddenRows = 0;
-    };
-
-    void removeRows(const std::vector<RowRun>& runs);
-    void insertRows(SharedMessageList messages, const std::vector<RowRun>& runs);
     [[nodiscard]] QString previewLine(const MailMessageRecord& message) const;
-    void tellChanged(int first, int last, const QList<int>& roles);
 
-    SharedMessageList messages_ = std::make_shared<const MessageList>();
     std::shared_ptr<const SharedTextSet> archivedIDs_ = std::make_shared<const SharedTextSet>();
     std::unordered_map<SharedText, SharedText, TextHash, std::equal_to<>> newPreviews_; // by message id
-    Passage passage_;
-    std::vector<int> newRows_;
-    ListSelection selection_;
 };
 
 } // namespace corvane

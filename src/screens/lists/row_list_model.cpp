@@ -1,40 +1,86 @@
 #include "screens/lists/row_list_model.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace corvane {
 
-std::vector<std::size_t> RowListModel::longestAscending(const std::vector<std::size_t>& values) {
-    std::vector<std::size_t> tails;
-    std::vector<std::size_t> earlier(values.size());
-    for (std::size_t position = 0; position < values.size(); ++position) {
-        const auto place =
-            std::lower_bound(tails.begin(), tails.end(), values[position],
-                             [&](std::size_t tail, std::size_t value) { return values[tail] < value; });
-        earlier[position] = place == tails.begin() ? position : *(place - 1);
-        if (place == tails.end()) {
-            tails.push_back(position);
-        } else {
-            *place = position;
-        }
-    }
-    std::vector<std::size_t> chosen(tails.size());
-    for (std::size_t position = tails.empty() ? 0 : tails.back(), left = tails.size(); left > 0;
-         position = earlier[position]) {
-        chosen[--left] = position;
-    }
-    return chosen;
+RowListModel::RowListModel(QObject* parent)
+  : QAbstractListModel(parent) {
+    connect(&selection_, &ListSelection::selectionChanged, this,
+            [this](int first, int last) { notifyRows(first, last, {SelectedRole}); });
 }
 
-std::vector<RowListModel::Range> RowListModel::rangesWithout(const std::vector<bool>& staying) {
-    std::vector<Range> ranges;
-    for (std::size_t position = 0; position < staying.size(); ++position) {
-        if (staying[position]) continue;
-        if (!ranges.empty() && ranges.back().end == position) {
-            ++ranges.back().end;
-        } else {
-            ranges.push_back({position, position + 1});
-        }
+int RowListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : count_ - hiddenRows_;
+}
+
+int RowListModel::listedRow(int row) const {
+    for (const RowRun& run : hidden_) {
+        if (run.first > row) break;
+        row += run.count;
     }
-    return ranges;
+    return row;
+}
+
+void RowListModel::applyChanges(const RowChanges& changes, int nextCount,
+                                const std::function<void()>& replace) {
+    const int earlierCount = count_;
+    Q_EMIT aboutToChange();
+    newRows_ = changes.newRows;
+    if (changes.isReset) {
+        beginResetModel();
+        replace();
+        count_ = nextCount;
+        endResetModel();
+    } else {
+        removeRuns(changes.removed);
+        replace();
+        insertRuns(changes.inserted, nextCount);
+        for (const RowRun& run : changes.changed)
+            notifyRows(run.first, run.first + run.count - 1, rolesOfChange());
+    }
+    selection_.remap(newRows_, count_);
+    // What a view asked for while rows went and came was answered by the rows of before.
+    notifyAllRows({SelectedRole});
+    Q_EMIT changed();
+    newRows_ = {};
+    if (earlierCount != count_) Q_EMIT countChanged();
+}
+
+// From the end on, so that the rows named still stand where they are named.
+void RowListModel::removeRuns(const std::vector<RowRun>& runs) {
+    for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
+        beginRemoveRows({}, run->first, run->first + run->count - 1);
+        hidden_.insert(hidden_.begin(), *run);
+        hiddenRows_ += run->count;
+        endRemoveRows();
+    }
+}
+
+// The list is the next one from here on, with what comes still hidden.
+void RowListModel::insertRuns(const std::vector<RowRun>& runs, int nextCount) {
+    count_ = nextCount;
+    hidden_ = runs;
+    hiddenRows_ = 0;
+    for (const RowRun& run : runs) hiddenRows_ += run.count;
+    for (const RowRun& run : runs) {
+        beginInsertRows({}, run.first, run.first + run.count - 1);
+        hidden_.erase(hidden_.begin());
+        hiddenRows_ -= run.count;
+        endInsertRows();
+    }
+}
+
+void RowListModel::notifyRows(int first, int last, const QList<int>& roles) {
+    last = std::min(last, rowCount() - 1);
+    if (first <= last) Q_EMIT dataChanged(index(first), index(last), roles);
+}
+
+int RowListModel::rowAfterChange(int earlierRow) const {
+    return earlierRow >= 0 && std::cmp_less(earlierRow, newRows_.size())
+               ? newRows_[static_cast<std::size_t>(earlierRow)]
+               : -1;
 }
 
 } // namespace corvane

@@ -1,84 +1,76 @@
-// A list model whose rows are brought to a new state without a reset, so that a view keeps its place: rows go
-// and come in ranges, everything else stays. Rows that change their order go and come again, as few of them
-// as possible. For lists of up to some thousand rows; n log n.
+// Base of the list models whose rows come, go and change in place: what doesn't depend on the record of a
+// row. It knows how many rows there are, which of them are selected, and which rows a view may ask for while
+// it is being told of changes. Main thread.
+//
+// A view that wants to keep its place looks where it stands at `aboutToChange` and goes back at `changed`.
 #pragma once
 
-#include <algorithm>
-#include <unordered_map>
-#include <utility>
+#include <functional>
 #include <vector>
 
 #include <QAbstractListModel>
+#include <QtQml/qqmlregistration.h>
+
+#include "screens/lists/list_selection.h"
+#include "screens/lists/row_changes.h"
 
 namespace corvane {
 
 class RowListModel : public QAbstractListModel {
+    Q_OBJECT
+    QML_ANONYMOUS
+    Q_PROPERTY(int count READ count NOTIFY countChanged)
+    Q_PROPERTY(corvane::ListSelection* selection READ selection CONSTANT)
+
   public:
-    using QAbstractListModel::QAbstractListModel;
+    // The roles of a derived class begin at `FirstRole`.
+    enum BaseRole { SelectedRole = Qt::UserRole, FirstRole };
+
+    explicit RowListModel(QObject* parent = nullptr);
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+
+    [[nodiscard]] int count() const { return count_; }
+
+    [[nodiscard]] ListSelection* selection() { return &selection_; }
+
+    [[nodiscard]] const ListSelection* selection() const { return &selection_; }
+
+    // The row in the present list of one in the list before the last change; what a view asks at `changed`.
+    // -1 for a row that has gone, and at any other time.
+    [[nodiscard]] Q_INVOKABLE int rowAfterChange(int earlierRow) const;
+
+  Q_SIGNALS:
+    void countChanged();
+    void aboutToChange();
+    void changed();
 
   protected:
-    // `keyOf` gives a hashable key, unique in each list, that lives as long as the rows.
-    template <class Row, class KeyOf>
-    void updateRows(std::vector<Row>& shown, std::vector<Row> rows, const KeyOf& keyOf) {
-        const auto [staysInShown, staysInRows] = stayingRows(shown, rows, keyOf);
-        const auto goingRanges = rangesWithout(staysInShown);
-        for (auto going = goingRanges.rbegin(); going != goingRanges.rend(); ++going) {
-            beginRemoveRows({}, static_cast<int>(going->first), static_cast<int>(going->end - 1));
-            shown.erase(at(shown, going->first), at(shown, going->end));
-            endRemoveRows();
-        }
-        for (const Range& coming : rangesWithout(staysInRows)) {
-            beginInsertRows({}, static_cast<int>(coming.first), static_cast<int>(coming.end - 1));
-            shown.insert(at(shown, coming.first), at(rows, coming.first), at(rows, coming.end));
-            endInsertRows();
-        }
-        for (std::size_t position = 0; position < rows.size(); ++position) {
-            if (shown[position] == rows[position]) continue;
-            shown[position] = std::move(rows[position]);
-            const QModelIndex changed = index(static_cast<int>(position));
-            Q_EMIT dataChanged(changed, changed);
-        }
-    }
+    // Tells the view of `changes`, which lead to a list of `nextCount` rows; `replace` puts that in the place
+    // of the present one and is called once, in the middle. The selection goes with its rows.
+    void applyChanges(const RowChanges& changes, int nextCount, const std::function<void()>& replace);
+
+    // Where a row lies in the derived class's list. Another place than the row itself only while rows go and
+    // come: some of the list's rows aren't shown any more, or not yet.
+    [[nodiscard]] int listedRow(int row) const;
+
+    // No rows beyond the last; without `roles` all of them.
+    void notifyRows(int first, int last, const QList<int>& roles = {});
+
+    void notifyAllRows(const QList<int>& roles = {}) { notifyRows(0, count_ - 1, roles); }
+
+    // Those that changed rows may show otherwise; empty for all.
+    [[nodiscard]] virtual QList<int> rolesOfChange() const { return {}; }
 
   private:
-    struct Range {
-        std::size_t first = 0;
-        std::size_t end = 0; // behind the last row
-    };
+    void removeRuns(const std::vector<RowRun>& runs);
+    void insertRuns(const std::vector<RowRun>& runs, int nextCount);
 
-    template <class Row>
-    static auto at(std::vector<Row>& rows, std::size_t position) {
-        return rows.begin() + static_cast<std::ptrdiff_t>(position);
-    }
-
-    // For each list which of its rows stay where they are among each other.
-    template <class Row, class KeyOf>
-    static std::pair<std::vector<bool>, std::vector<bool>>
-    stayingRows(const std::vector<Row>& before, const std::vector<Row>& after, const KeyOf& keyOf) {
-        std::unordered_map<decltype(keyOf(before.front())), std::size_t> positionAfter;
-        for (std::size_t position = 0; position < after.size(); ++position)
-            positionAfter.emplace(keyOf(after[position]), position);
-        std::vector<std::size_t> commonBefore;
-        std::vector<std::size_t> commonAfter;
-        for (std::size_t position = 0; position < before.size(); ++position) {
-            const auto found = positionAfter.find(keyOf(before[position]));
-            if (found == positionAfter.end()) continue;
-            commonBefore.push_back(position);
-            commonAfter.push_back(found->second);
-        }
-        std::vector<bool> staysBefore(before.size());
-        std::vector<bool> staysAfter(after.size());
-        for (const std::size_t chosen : longestAscending(commonAfter)) {
-            staysBefore[commonBefore[chosen]] = true;
-            staysAfter[commonAfter[chosen]] = true;
-        }
-        return {std::move(staysBefore), std::move(staysAfter)};
-    }
-
-    // Positions in `values` of one of its longest ascending subsequences.
-    static std::vector<std::size_t> longestAscending(const std::vector<std::size_t>& values);
-
-    static std::vector<Range> rangesWithout(const std::vector<bool>& staying);
+    int count_ = 0;              // of the list, hidden rows among them
+    std::vector<RowRun> hidden_; // rows of the list that aren't shown at the moment, in order
+    int hiddenRows_ = 0;
+    std::vector<int> newRows_;
+    ListSelection selection_;
 };
 
 } // namespace corvane

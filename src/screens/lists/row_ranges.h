@@ -16,7 +16,7 @@ class RowRanges {
         friend bool operator==(const Range&, const Range&) = default;
     };
 
-    // Rows from `first` to before `end`; nothing happens when that is empty.
+    // Rows from `first` to before `end`; no effect when that is empty.
     void add(int first, int end);
     void remove(int first, int end);
 
@@ -28,6 +28,14 @@ class RowRanges {
     [[nodiscard]] bool isEmpty() const { return ranges_.empty(); }
 
     [[nodiscard]] const std::vector<Range>& ranges() const { return ranges_; }
+
+    // Calls `visit` with each row, in order.
+    template <class Visit>
+    void forEach(const Visit& visit) const {
+        for (const Range& range : ranges_) {
+            for (int row = range.first; row < range.end; ++row) visit(row);
+        }
+    }
 
     // Where the rows have gone: `newRows` holds the new row of each old one, -1 for those that have gone.
     [[nodiscard]] RowRanges mapped(const std::vector<int>& newRows) const;

@@ -137,7 +137,7 @@ ScreenPage {
         visible: !page.showsPanes
         onVisibleChanged: page.handKeyboardTo(reason)
         screen: page.screen
-        canUpdate: page.app.home.canUpdate
+        canUpdate: page.app.home.scan.canUpdate
         onUpdateRequested: page.app.refreshAllMailData()
     }
 
@@ -187,43 +187,19 @@ ScreenPage {
         value: list.pressed || menu.opened
     }
     Connections {
-        target: page.screen
-        function onActionFailed(text: string) {
+        target: page.screen.actions
+        function onFailed(text: string) {
             notice.show(text);
         }
     }
-    // What an action couldn't do; goes by itself.
-    Rectangle {
+    Connections {
+        target: page.screen.access
+        function onFailed(text: string) {
+            notice.show(text);
+        }
+    }
+    Notice {
         id: notice
-        objectName: "notice"
-
-        function show(text: string) {
-            noticeText.text = text;
-            visible = true;
-            noticeTime.restart();
-        }
-
-        anchors.horizontalCenter: parent.horizontalCenter
-        anchors.bottom: parent.bottom
-        anchors.bottomMargin: Theme.margin
-        width: noticeText.implicitWidth + 32
-        height: 36
-        visible: false
-        radius: Theme.radiusLarge
-        color: Theme.sheet
-        border.color: Theme.lineStrong
-        Accessible.role: Accessible.AlertMessage
-        Accessible.name: noticeText.text
-
-        AppText {
-            id: noticeText
-            anchors.centerIn: parent
-            Accessible.ignored: true
-        }
-        Timer {
-            id: noticeTime
-            interval: 6000
-            onTriggered: notice.visible = false
-        }
+        area: page
     }
 }

@@ -117,7 +117,7 @@ FocusScope {
         width: parent.width
         focus: true
         screen: pane.screen
-        onOpened: pane.screen.openInMail()
+        onOpened: pane.screen.actions.openInMail()
         onMenuRequested: (x, y) => pane.menuRequested(x, rows.y + y)
         onPageRequested: forward => pane.pageRequested(forward)
     }

@@ -60,12 +60,12 @@ FocusScope {
         secondText: place.kind === MailListScreen.NoAccess ? "已授权，重新检查" : ""
         onActivated: {
             if (place.kind === MailListScreen.NoAccess)
-                place.screen.openAccessSettings();
+                place.screen.access.openPrivacySettings();
             else
                 place.updateRequested();
         }
         button.enabled: place.kind === MailListScreen.NoAccess || place.canUpdate
-        onSecondActivated: place.screen.recheckAccess()
+        onSecondActivated: place.screen.access.recheckAccess()
     }
     AppButton {
         objectName: "cancelScan"
@@ -73,6 +73,6 @@ FocusScope {
         y: parent.height / 2 + 96
         visible: place.kind === MailListScreen.Scanning
         text: "取消扫描"
-        onClicked: place.screen.cancelScan()
+        onClicked: place.screen.access.cancelScan()
     }
 }

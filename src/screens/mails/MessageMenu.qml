@@ -13,51 +13,51 @@ AppMenu {
     AppMenuRow {
         text: "在 Mail 中打开"
         keys: "↩"
-        onTriggered: menu.screen.openInMail()
+        onTriggered: menu.screen.actions.openInMail()
     }
     AppMenuRow {
         text: "用系统程序打开文件"
-        onTriggered: menu.screen.openFile()
+        onTriggered: menu.screen.actions.openFile()
     }
     AppMenuRow {
         text: "在文件管理器中显示"
-        onTriggered: menu.screen.revealFile()
+        onTriggered: menu.screen.actions.revealFile()
     }
     AppMenuLine {}
     AppMenuRow {
         objectName: "archiveRow"
         text: menu.several ? "归档选中的 " + menu.screen.selection.count + " 封…" : "只归档这一封…"
         enabled: menu.screen.canArchive
-        onTriggered: menu.screen.archiveSelection()
+        onTriggered: menu.screen.actions.archiveSelection()
     }
     AppMenuLine {}
     AppMenuRow {
         text: menu.several ? "拷贝选中的行" : "拷贝这一行"
         keys: Qt.platform.os === "osx" ? "⌘C" : "Ctrl+C"
-        onTriggered: menu.screen.copySelection()
+        onTriggered: menu.screen.actions.copySelection()
     }
     AppMenuRow {
         objectName: "copySubjectRow"
         text: "拷贝主题"
-        onTriggered: menu.screen.copySubject()
+        onTriggered: menu.screen.actions.copySubject()
     }
     AppMenuRow {
         text: "拷贝 Message-ID"
-        enabled: menu.screen.detail.hasMessageID
-        onTriggered: menu.screen.copyMessageID()
+        enabled: menu.screen.detail.shown.hasMessageID
+        onTriggered: menu.screen.actions.copyMessageID()
     }
     AppMenuRow {
         text: "拷贝文件路径"
-        onTriggered: menu.screen.copyPath()
+        onTriggered: menu.screen.actions.copyPath()
     }
     AppMenuLine {}
     AppMenuRow {
         text: "只看这位发件人"
-        onTriggered: menu.screen.filterBySender()
+        onTriggered: menu.screen.actions.filterBySender()
     }
     AppMenuRow {
         text: "只看这一年"
-        enabled: menu.screen.detail.isDated
-        onTriggered: menu.screen.filterByYear()
+        enabled: menu.screen.detail.shown.isDated
+        onTriggered: menu.screen.actions.filterByYear()
     }
 }

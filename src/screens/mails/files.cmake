@@ -23,4 +23,5 @@ set(mails_sources
     detail/attachment_list_model.cpp
     detail/attachment_symbol.cpp
     detail/message_detail.cpp
+    detail/shown_message.cpp
 )

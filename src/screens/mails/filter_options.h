@@ -1,13 +1,14 @@
-// A short list of values by which a list is narrowed, each with its count and tick. Rows change in place.
-// Main thread.
+// A short list of values by which a list is narrowed, each with its count and tick. Main thread.
 #pragma once
 
 #include <cstdint>
 #include <string>
-#include <vector>
+#include <string_view>
 
-#include <QAbstractListModel>
+#include <QString>
 #include <QtQml/qqmlregistration.h>
+
+#include "screens/lists/record_list_model.h"
 
 namespace corvane {
 
@@ -20,32 +21,24 @@ struct FilterOption {
     friend bool operator==(const FilterOption&, const FilterOption&) = default;
 };
 
-class FilterOptions : public QAbstractListModel {
+struct FilterOptionKey {
+    std::string_view operator()(const FilterOption& option) const { return option.key; }
+};
+
+class FilterOptions : public RecordListModel<FilterOption, FilterOptionKey> {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("belongs to its filter")
-    Q_PROPERTY(int count READ count NOTIFY countChanged)
 
   public:
-    enum Role { TitleRole = Qt::UserRole + 1, CountTextRole, TickedRole };
+    enum Role { TitleRole = FirstRole, CountTextRole, TickedRole };
 
-    using QAbstractListModel::QAbstractListModel;
+    using RecordListModel::RecordListModel;
 
-    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
-    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
-    [[nodiscard]] int count() const { return static_cast<int>(options_.size()); }
-
-    [[nodiscard]] const std::vector<FilterOption>& options() const { return options_; }
-
-    void setOptions(std::vector<FilterOption> options);
-
-  Q_SIGNALS:
-    void countChanged();
-
-  private:
-    std::vector<FilterOption> options_;
+  protected:
+    [[nodiscard]] QVariant value(const FilterOption& option, int role) const override;
 };
 
 } // namespace corvane

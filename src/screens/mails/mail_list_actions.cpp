@@ -1,9 +1,7 @@
-// What the user can do with the selected messages of the mail list.
-#include <QUrl>
+#include "screens/mails/mail_list_actions.h"
 
 #include "records/name_and_address.h"
 #include "screens/lists/message_lines.h"
-#include "screens/mails/mail_list_screen.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {
@@ -32,72 +30,79 @@ struct ArchiveJob {
 // Without what is archived already.
 std::shared_ptr<const SharedTextSet> idsToArchive(const ArchiveJob& job, const TaskHandle&) {
     auto ids = std::make_shared<SharedTextSet>();
-    for (const auto& range : job.selected.rows.ranges()) {
-        for (int row = range.first; row < range.end; ++row) {
-            const SharedText& id = (*job.selected.messages)[static_cast<std::size_t>(row)].id;
-            if (!job.archivedIDs->contains(id)) ids->insert(id);
-        }
-    }
+    job.selected.rows.forEach([&](int row) {
+        const SharedText& id = (*job.selected.messages)[static_cast<std::size_t>(row)].id;
+        if (!job.archivedIDs->contains(id)) ids->insert(id);
+    });
     return ids;
 }
 
 } // namespace
 
-void MailListScreen::copySelection() {
+MailListActions::MailListActions(CorvaneViewModel& model, DesktopActions& desktop, MessageListModel& list,
+                                 MailListFilters& filters, QObject* parent)
+  : QObject(parent)
+  , model_(model)
+  , desktop_(desktop)
+  , list_(list)
+  , filters_(filters)
+  , copyTask_(model.context().tasks)
+  , archiveTask_(model.context().tasks) {}
+
+const MailMessageRecord* MailListActions::current() const {
+    return list_.record(list_.selection()->currentRow());
+}
+
+void MailListActions::copySelection() {
     copyTask_.start(TaskPriority::userInitiated,
-                    screens::MessageRows{list_.messages(), list_.selection().rows()}, &screens::linesOfRows,
+                    screens::MessageRows{list_.records(), list_.selection()->rows()}, &screens::linesOfRows,
                     [this](const QString& lines) { desktop_.copy(lines); });
 }
 
-void MailListScreen::copySubject() {
+void MailListActions::copySubject() {
     if (const auto* message = current()) desktop_.copy(screens::wholeText(message->subject));
 }
 
-void MailListScreen::copyMessageID() {
+void MailListActions::copyMessageID() {
     const auto* message = current();
     if (message != nullptr && message->messageIdentifier) {
         desktop_.copy(screens::wholeText(*message->messageIdentifier));
     }
 }
 
-void MailListScreen::copyPath() {
+void MailListActions::copyPath() {
     if (const auto* message = current()) desktop_.copy(screens::wholeText(message->fileURL.path()));
 }
 
-void MailListScreen::revealFile() {
+void MailListActions::revealFile() {
     const auto* message = current();
     if (message != nullptr && !desktop_.reveal(screens::wholeText(message->fileURL.path()))) {
-        Q_EMIT actionFailed(QStringLiteral("无法在文件管理器中显示这封邮件的文件。"));
+        Q_EMIT failed(QStringLiteral("无法在文件管理器中显示这封邮件的文件。"));
     }
 }
 
-bool MailListScreen::openOrTell(const QUrl& url) {
-    if (desktop_.open(url)) return true;
-    Q_EMIT actionFailed(QStringLiteral("系统没有能打开这封邮件的程序。"));
-    return false;
+void MailListActions::openFile() {
+    const auto* message = current();
+    if (message != nullptr &&
+        !desktop_.open(QUrl::fromLocalFile(screens::wholeText(message->fileURL.path()))))
+        Q_EMIT failed(QStringLiteral("系统没有能打开这封邮件的程序。"));
 }
 
-void MailListScreen::openFile() {
-    if (const auto* message = current()) {
-        openOrTell(QUrl::fromLocalFile(screens::wholeText(message->fileURL.path())));
-    }
-}
-
-void MailListScreen::openInMail() {
+void MailListActions::openInMail() {
     const auto* message = current();
     if (message == nullptr) return;
     if (message->messageIdentifier && desktop_.open(mailURL(*message->messageIdentifier))) return;
     openFile();
 }
 
-void MailListScreen::filterBySender() {
+void MailListActions::filterBySender() {
     const auto* message = current();
     if (message == nullptr) return;
     filters_.setQuery(screens::wholeText(addressOf(message->sender)));
     filters_.applyQuery();
 }
 
-void MailListScreen::filterByYear() {
+void MailListActions::filterByYear() {
     const auto* message = current();
     if (message == nullptr) return;
     const auto& years = *model_.catalog().messageYearByID();
@@ -105,33 +110,18 @@ void MailListScreen::filterByYear() {
     if (year != years.end()) model_.filters().setFilterYears({year->second});
 }
 
-void MailListScreen::archiveSelection() {
+void MailListActions::archiveSelection() {
     archiveTask_.start(TaskPriority::userInitiated,
-                       ArchiveJob{{list_.messages(), list_.selection().rows()}, list_.archivedIDs()},
+                       ArchiveJob{{list_.records(), list_.selection()->rows()}, list_.archivedIDs()},
                        &idsToArchive,
-                       [this](const std::shared_ptr<const SharedTextSet>& ids) { handOver(ids); });
+                       [this](const std::shared_ptr<const SharedTextSet>& ids) { requestArchive(ids); });
 }
 
-void MailListScreen::handOver(const std::shared_ptr<const SharedTextSet>& ids) {
+void MailListActions::requestArchive(const std::shared_ptr<const SharedTextSet>& ids) {
     if (ids->empty()) {
-        Q_EMIT actionFailed(QStringLiteral("选中的邮件都已经归档。"));
+        Q_EMIT failed(QStringLiteral("选中的邮件都已经归档。"));
     } else {
         Q_EMIT archiveRequested(ids);
-    }
-}
-
-void MailListScreen::cancelScan() {
-    model_.scanFlow().cancelScan();
-}
-
-void MailListScreen::recheckAccess() {
-    model_.diskAccess().refreshFullDiskAccessState();
-}
-
-void MailListScreen::openAccessSettings() {
-    if (!desktop_.open(QUrl(
-            QStringLiteral("x-apple.systempreferences:com.apple.preference.security?Privacy_AllFiles")))) {
-        Q_EMIT actionFailed(QStringLiteral("无法打开系统设置，请手动打开「完全磁盘访问权限」。"));
     }
 }
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "listing/account_titles.h"
+#include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {
@@ -16,10 +17,6 @@ template <class Value>
 std::set<Value> toggled(std::set<Value> values, const Value& value) {
     if (values.erase(value) == 0) values.insert(value);
     return values;
-}
-
-QString yearTitle(std::int64_t year) {
-    return QStringLiteral("%1 年").arg(year);
 }
 
 } // namespace
@@ -43,9 +40,9 @@ MailListFilters::MailListFilters(ModelFilters& filters, AccountDirectory& accoun
     pause_.setSingleShot(true);
     pause_.setInterval(queryPause);
     connect(&pause_, &QTimer::timeout, this, &MailListFilters::applyQuery);
-    connect(&filters_, &ModelFilters::listFilterChanged, this, &MailListFilters::follow);
-    connect(&directory_, &AccountDirectory::accountsChanged, this, &MailListFilters::follow);
-    follow();
+    connect(&filters_, &ModelFilters::listFilterChanged, this, &MailListFilters::update);
+    connect(&directory_, &AccountDirectory::accountsChanged, this, &MailListFilters::update);
+    update();
 }
 
 bool MailListFilters::narrows() const {
@@ -88,16 +85,15 @@ void MailListFilters::setOnlyBeforeCutoff(bool only) {
 }
 
 void MailListFilters::toggleAccount(int row) {
-    if (row < 0 || row >= accountOptions_.count()) return;
-    const std::string& key = accountOptions_.options()[static_cast<std::size_t>(row)].key;
-    filters_.setFilterAccountPrefixes(toggled(filters_.filterAccountPrefixes(), key));
+    if (const FilterOption* const option = accountOptions_.record(row))
+        filters_.setFilterAccountPrefixes(toggled(filters_.filterAccountPrefixes(), option->key));
 }
 
 void MailListFilters::toggleYear(int row) {
-    if (row < 0 || row >= yearOptions_.count()) return;
-    const std::string& key = yearOptions_.options()[static_cast<std::size_t>(row)].key;
+    const FilterOption* const option = yearOptions_.record(row);
+    if (option == nullptr) return;
     std::int64_t year = 0;
-    std::from_chars(key.data(), key.data() + key.size(), year);
+    std::from_chars(option->key.data(), option->key.data() + option->key.size(), year);
     filters_.setFilterYears(toggled(filters_.filterYears(), year));
 }
 
@@ -124,12 +120,12 @@ void MailListFilters::clear() {
 
 void MailListFilters::setCounts(ListedCounts counts) {
     counts_ = std::move(counts);
-    follow();
+    update();
 }
 
-void MailListFilters::follow() {
-    accountOptions_.setOptions(makeAccountOptions());
-    yearOptions_.setOptions(makeYearOptions());
+void MailListFilters::update() {
+    accountOptions_.replace(makeAccountOptions());
+    yearOptions_.replace(makeYearOptions());
     chipList_ = makeChips();
     QStringList chips;
     for (const Chip& chip : chipList_) chips += chip.text;
@@ -137,7 +133,7 @@ void MailListFilters::follow() {
         chips_ = chips;
         Q_EMIT chipsChanged();
     }
-    // While somebody types, the field is ahead of the filter.
+    // While somebody types, the field holds more than the filter.
     const QString applied = QString::fromStdString(filters_.searchText());
     if (!pause_.isActive() && query_ != applied) {
         query_ = applied;
@@ -181,7 +177,7 @@ std::vector<FilterOption> MailListFilters::makeYearOptions() const {
     std::vector<FilterOption> options;
     options.reserve(counts.size());
     for (auto each = counts.rbegin(); each != counts.rend(); ++each) {
-        options.push_back({std::to_string(each->first), yearTitle(each->first), each->second,
+        options.push_back({std::to_string(each->first), screens::shownYear(each->first), each->second,
                            chosen.contains(each->first)});
     }
     return options;
@@ -200,7 +196,7 @@ std::vector<MailListFilters::Chip> MailListFilters::makeChips() {
                          [this] { filters_.setMinimumAttachmentCount(0); }});
     }
     if (onlyBeforeCutoff()) {
-        chips.push_back({QStringLiteral("%1 年及以前").arg(cutoffYear()),
+        chips.push_back({screens::shownYear(cutoffYear()) + QStringLiteral("及以前"),
                          [this] { filters_.setOnlyBeforeCutoff(false); }});
     }
     if (!filters_.filterYears().empty()) {

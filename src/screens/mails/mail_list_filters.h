@@ -22,7 +22,7 @@
 
 namespace corvane {
 
-// A list that holds its breath while somebody types, but not for long.
+// While somebody types, the list waits this long for the next character before it is filtered.
 inline constexpr std::chrono::milliseconds queryPause{150};
 
 class MailListFilters : public QObject {
@@ -103,7 +103,7 @@ class MailListFilters : public QObject {
         std::function<void()> remove;
     };
 
-    void follow();
+    void update();
     [[nodiscard]] QString accountTitle(const std::string& key) const;
     [[nodiscard]] std::vector<FilterOption> makeAccountOptions() const;
     [[nodiscard]] std::vector<FilterOption> makeYearOptions() const;

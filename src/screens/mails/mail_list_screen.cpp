@@ -40,27 +40,26 @@ struct MailListScreen::Update {
 MailListScreen::MailListScreen(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
   : QObject(parent)
   , model_(model)
-  , desktop_(desktop)
   , filters_(model.filters(), model.accounts())
+  , actions_(model, desktop, list_, filters_)
+  , access_(model, desktop)
   , updateTask_(model.context().tasks)
-  , countTask_(model.context().tasks)
-  , copyTask_(model.context().tasks)
-  , archiveTask_(model.context().tasks) {
+  , countTask_(model.context().tasks) {
     wire();
-    followArchived();
-    followList();
+    updateArchived();
+    updateList();
     recount();
     updateState();
 }
 
 void MailListScreen::wire() {
-    connect(&model_.visible(), &VisibleMessages::visibleMessagesChanged, this, &MailListScreen::followList);
+    connect(&model_.visible(), &VisibleMessages::visibleMessagesChanged, this, &MailListScreen::updateList);
     connect(&model_.visible(), &VisibleMessages::selectedMessageChanged, this,
-            &MailListScreen::followSelectedMessage);
+            &MailListScreen::showSelectedMessage);
     connect(&model_.catalog(), &MessageCatalog::archivedMessagesChanged, this,
-            &MailListScreen::followArchived);
+            &MailListScreen::updateArchived);
     connect(&model_.catalog(), &MessageCatalog::availabilityPublished, this, &MailListScreen::recount);
-    connect(&model_.catalog(), &MessageCatalog::previewReplaced, this, &MailListScreen::takePreview);
+    connect(&model_.catalog(), &MessageCatalog::previewReplaced, this, &MailListScreen::updatePreview);
     connect(&model_.previews(), &PreviewRefresh::nothingFound, &detail_, &MessageDetail::setPreviewMissing);
     model_.previews().setPreviewsShown(true);
     connect(&model_.catalog(), &MessageCatalog::messagesChanged, this, [this] {
@@ -75,14 +74,14 @@ void MailListScreen::wire() {
         updateState();
     });
     connect(&model_.archiveRun(), &ArchiveRunFlow::progressChanged, this, &MailListScreen::updateCanArchive);
-    connect(selection(), &ListSelection::currentRowChanged, this, &MailListScreen::takeCurrentRow);
+    connect(selection(), &ListSelection::currentRowChanged, this, &MailListScreen::handleCurrentRowChange);
     connect(selection(), &ListSelection::selectionChanged, this, [this] {
         Q_EMIT summaryChanged();
         updateCanArchive();
     });
 }
 
-void MailListScreen::followList() {
+void MailListScreen::updateList() {
     isUpdating_ = true;
     waiting_.reset();
 
@@ -92,19 +91,19 @@ void MailListScreen::followList() {
     };
 
     updateTask_.start(
-        TaskPriority::userInitiated, Lists{list_.messages(), model_.visible().visibleMessages()},
+        TaskPriority::userInitiated, Lists{list_.records(), model_.visible().visibleMessages()},
         [](const Lists& lists, const TaskHandle&) {
             auto update = std::make_shared<Update>();
-            update->changes = rowChanges(*lists.from, *lists.to);
+            update->changes = messageRowChanges(*lists.from, *lists.to);
             update->bytesBefore = bytesBeforeRows(*lists.to);
             update->messages = lists.to;
             return update;
         },
-        [this](std::shared_ptr<Update> update) { take(std::move(update)); });
+        [this](std::shared_ptr<Update> update) { applyUnlessHeld(std::move(update)); });
     updateState();
 }
 
-void MailListScreen::take(std::shared_ptr<Update> update) {
+void MailListScreen::applyUnlessHeld(std::shared_ptr<Update> update) {
     if (isHeld_) {
         waiting_ = std::move(update);
     } else {
@@ -122,13 +121,13 @@ void MailListScreen::setHeld(bool held) {
 void MailListScreen::apply(Update& update) {
     isUpdating_ = false;
     bytesBefore_ = std::move(update.bytesBefore);
-    SharedMessageList earlier = list_.messages();
+    SharedMessageList earlier = list_.records();
     isApplying_ = true;
     list_.apply(std::move(update.messages), update.changes);
     isApplying_ = false;
     // The end of a large list takes longer than a frame.
     model_.context().tasks.discard(std::move(earlier));
-    followSelectedMessage();
+    showSelectedMessage();
     if (std::exchange(isRearranging_, false)) Q_EMIT listRearranged();
     Q_EMIT summaryChanged();
     updateCanArchive();
@@ -136,25 +135,25 @@ void MailListScreen::apply(Update& update) {
 }
 
 // The model says which message is selected; the row follows where it isn't there already.
-void MailListScreen::followSelectedMessage() {
+void MailListScreen::showSelectedMessage() {
     if (isUpdating_ || isApplying_) return;
     const auto& id = model_.visible().selectedMessageID();
     const MailMessageRecord* present = current();
     if (id && (present == nullptr || present->id != *id)) showMessage(QString::fromStdString(*id));
-    // It went while the list was compared.
+    // The selected message has gone from the list meanwhile.
     if (current() == nullptr) selection()->select(0);
     showDetail();
 }
 
 void MailListScreen::showMessage(const QString& id) {
     const std::string wanted = id.toStdString();
-    const MessageList& messages = *list_.messages();
+    const MessageList& messages = *list_.records();
     const auto found = std::find_if(messages.begin(), messages.end(),
                                     [&](const MailMessageRecord& message) { return message.id == wanted; });
     if (found != messages.end()) selection()->select(static_cast<int>(found - messages.begin()));
 }
 
-void MailListScreen::takeCurrentRow() {
+void MailListScreen::handleCurrentRowChange() {
     if (isApplying_) return;
     if (const MailMessageRecord* message = current())
         model_.visible().setSelectedMessageID(message->id.str());
@@ -170,13 +169,13 @@ void MailListScreen::showDetail() {
     detail_.show(newest, newest != nullptr && list_.isArchived(*newest));
 }
 
-void MailListScreen::takePreview(const QString& id) {
+void MailListScreen::updatePreview(const QString& id) {
     if (const MailMessageRecord* message = model_.catalog().messageByID(id.toStdString()))
         list_.setPreview(message->id, message->preview);
     showDetail();
 }
 
-void MailListScreen::followArchived() {
+void MailListScreen::updateArchived() {
     list_.setArchivedIDs(model_.catalog().archivedMessageIDs());
     showDetail();
     updateCanArchive();
@@ -233,7 +232,7 @@ QString MailListScreen::summaryText() const {
 }
 
 QString MailListScreen::selectionText() const {
-    const RowRanges& rows = list_.selection().rows();
+    const RowRanges& rows = list_.selection()->rows();
     if (rows.count() < 2) return {};
     std::int64_t bytes = 0;
     for (const auto& range : rows.ranges()) {
@@ -246,9 +245,9 @@ QString MailListScreen::selectionText() const {
 bool MailListScreen::mayArchiveSelection() const {
     if (model_.archiveRun().isArchiving()) return false;
     int looked = 0;
-    for (const auto& range : list_.selection().rows().ranges()) {
+    for (const auto& range : list_.selection()->rows().ranges()) {
         for (int row = range.first; row < range.end; ++row) {
-            if (++looked > mostRowsLookedAt || !list_.isArchived(*list_.message(row))) return true;
+            if (++looked > mostRowsLookedAt || !list_.isArchived(*list_.record(row))) return true;
         }
     }
     return false;
@@ -262,7 +261,7 @@ void MailListScreen::updateCanArchive() {
 }
 
 const MailMessageRecord* MailListScreen::current() const {
-    return list_.message(list_.selection().currentRow());
+    return list_.record(list_.selection()->currentRow());
 }
 
 } // namespace corvane

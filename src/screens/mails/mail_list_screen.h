@@ -13,10 +13,12 @@
 #include <QtQml/qqmlregistration.h>
 
 #include "model/corvane_view_model.h"
+#include "screens/desktop/access_actions.h"
+#include "screens/desktop/desktop_actions.h"
 #include "screens/lists/message_list_model.h"
 #include "screens/mails/detail/message_detail.h"
+#include "screens/mails/mail_list_actions.h"
 #include "screens/mails/mail_list_filters.h"
-#include "screens/shell/desktop_actions.h"
 
 namespace corvane {
 
@@ -34,6 +36,8 @@ class MailListScreen : public QObject {
     Q_PROPERTY(corvane::ListSelection* selection READ selection CONSTANT)
     Q_PROPERTY(corvane::MailListFilters* filters READ filters CONSTANT)
     Q_PROPERTY(corvane::MessageDetail* detail READ detail CONSTANT)
+    Q_PROPERTY(corvane::MailListActions* actions READ actions CONSTANT)
+    Q_PROPERTY(corvane::AccessActions* access READ access CONSTANT)
 
   public:
     // Capitals: QML takes no other names.
@@ -74,35 +78,18 @@ class MailListScreen : public QObject {
 
     [[nodiscard]] MessageListModel* list() { return &list_; }
 
-    [[nodiscard]] ListSelection* selection() { return &list_.selection(); }
+    [[nodiscard]] ListSelection* selection() { return list_.selection(); }
 
     [[nodiscard]] MailListFilters* filters() { return &filters_; }
 
     [[nodiscard]] MessageDetail* detail() { return &detail_; }
 
+    [[nodiscard]] MailListActions* actions() { return &actions_; }
+
+    [[nodiscard]] AccessActions* access() { return &access_; }
+
     // Makes the current row that of this message, if it is listed.
     Q_INVOKABLE void showMessage(const QString& id);
-
-    Q_INVOKABLE void cancelScan();
-    Q_INVOKABLE void recheckAccess();
-    Q_INVOKABLE void openAccessSettings();
-
-    // The selected rows as lines of text. Large selections arrive a moment later.
-    Q_INVOKABLE void copySelection();
-    Q_INVOKABLE void copySubject();
-    Q_INVOKABLE void copyMessageID();
-    Q_INVOKABLE void copyPath();
-    Q_INVOKABLE void revealFile();
-    Q_INVOKABLE void openFile();
-
-    // The message in the mail program, by its Message-ID; its file where that can't be done.
-    Q_INVOKABLE void openInMail();
-    Q_INVOKABLE void filterBySender();
-    Q_INVOKABLE void filterByYear();
-
-    // Hands the selected messages that aren't archived to the archive screen; large selections a moment
-    // later.
-    Q_INVOKABLE void archiveSelection();
 
   Q_SIGNALS:
     void stateChanged();
@@ -111,36 +98,32 @@ class MailListScreen : public QObject {
     void canArchiveChanged();
     // The list is another one because filters or order are others: the view shows the current row.
     void listRearranged();
-    void archiveRequested(std::shared_ptr<const corvane::SharedTextSet> ids);
-    // An action didn't work; the text says what and why.
-    void actionFailed(const QString& text);
 
   private:
     struct Update;
 
     void wire();
-    void followList();
-    void take(std::shared_ptr<Update> update);
+    void updateList();
+    void applyUnlessHeld(std::shared_ptr<Update> update);
     void apply(Update& update);
-    void followSelectedMessage();
-    void takeCurrentRow();
+    void showSelectedMessage();
+    void handleCurrentRowChange();
     void showDetail();
-    void takePreview(const QString& id);
-    void followArchived();
+    void updatePreview(const QString& id);
+    void updateArchived();
     void recount();
     void updateState();
     void updateCanArchive();
     [[nodiscard]] bool mayArchiveSelection() const;
     [[nodiscard]] State currentState() const;
     [[nodiscard]] const MailMessageRecord* current() const;
-    void handOver(const std::shared_ptr<const SharedTextSet>& ids);
-    bool openOrTell(const QUrl& url);
 
     CorvaneViewModel& model_;
-    DesktopActions& desktop_;
     MessageListModel list_;
     MailListFilters filters_;
     MessageDetail detail_;
+    MailListActions actions_;
+    AccessActions access_;
     State state_ = State::NeverScanned;
     bool canArchive_ = false;
     bool isUpdating_ = false;
@@ -152,8 +135,6 @@ class MailListScreen : public QObject {
     std::vector<std::int64_t> bytesBefore_ = {0};
     TaskSlot updateTask_;
     TaskSlot countTask_;
-    TaskSlot copyTask_;
-    TaskSlot archiveTask_;
 };
 
 } // namespace corvane

@@ -11,8 +11,6 @@ set(shell_qml
     sidebar/SidebarItem.qml
 )
 set(shell_sources
-    archive_place.cpp
-    desktop_actions.cpp
     window_frame.cpp
     window_model.cpp
     sidebar/activity.cpp

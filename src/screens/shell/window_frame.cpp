@@ -56,11 +56,11 @@ WindowFrame::WindowFrame(QWindow& window, platform::SettingsStore& settings, QOb
   , window_(window)
   , settings_(settings) {
     restore();
-    const auto follow = [this](QScreen* screen) {
+    const auto watch = [this](QScreen* screen) {
         connect(screen, &QScreen::availableGeometryChanged, this, &WindowFrame::clamp);
     };
-    for (QScreen* screen : QGuiApplication::screens()) follow(screen);
-    connect(qGuiApp, &QGuiApplication::screenAdded, this, follow);
+    for (QScreen* screen : QGuiApplication::screens()) watch(screen);
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, watch);
     // Queued: the window has been moved to another screen by then.
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, &WindowFrame::clamp, Qt::QueuedConnection);
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {

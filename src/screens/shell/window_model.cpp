@@ -8,6 +8,7 @@
 #include <QUrl>
 #include <fmt/format.h>
 
+#include "model/mail/sample_mail_maker.h"
 #include "screens/controls/theme/fonts.h"
 #include "screens/shell/start/corvane_url.h"
 #include "screens/texts/shown_figures.h"
@@ -30,8 +31,7 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
   , archive_(model, organizeData_, desktop_)
   , home_(model, organizeData_, archive_, desktop_)
   , activity_(model)
-  , archivePlace_(model)
-  , sampleStore_(model.context(), SampleStore::makersOf(model.context().platform))
+  , sampleStore_(model.context(), sampleMailMakers(model.context().platform))
   , mails_(model, desktop_)
   , addressTask_(model.context().tasks) {
     connect(&home_, &HomeScreen::figuresChanged, this, &WindowModel::showFigures);
@@ -47,8 +47,12 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
             Q_EMIT stopped();
         }
     });
-    connect(&mails_, &MailListScreen::archiveRequested, &archive_,
+    connect(mails_.actions(), &MailListActions::archiveRequested, &archive_,
             [this](const std::shared_ptr<const SharedTextSet>& ids) { archive_.open(ids); });
+    connect(&model.destinations(), &ArchiveDestinations::destinationChanged, this,
+            &WindowModel::destinationChanged);
+    connect(&model.destinations(), &ArchiveDestinations::factsChanged, this,
+            &WindowModel::destinationChanged);
     showFigures();
 }
 
@@ -114,10 +118,10 @@ void WindowModel::storeLength(const QString& name, qreal length) {
 }
 
 void WindowModel::showFigures() {
-    sidebar_.setFigure(u"home", home_.organizeSidebarSubtitle());
+    sidebar_.setFigure(SidebarPlace::home, home_.organizeSidebarSubtitle());
     const std::int64_t listed = static_cast<std::int64_t>(model_.catalog().messages()->size());
     const std::int64_t shown = listed > 0 ? listed : model_.catalog().summary().scannedMessages;
-    sidebar_.setFigure(u"mails", shown > 0 ? screens::shownCount(shown) : QString());
+    sidebar_.setFigure(SidebarPlace::mails, shown > 0 ? screens::shownCount(shown) : QString());
 }
 
 } // namespace corvane

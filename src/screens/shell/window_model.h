@@ -9,14 +9,14 @@
 
 #include "model/corvane_view_model.h"
 #include "screens/archive/archive_screen.h"
+#include "screens/desktop/desktop_actions.h"
 #include "screens/home/home_screen.h"
 #include "screens/home/organize_data.h"
 #include "screens/mails/mail_list_screen.h"
-#include "screens/shell/archive_place.h"
-#include "screens/shell/desktop_actions.h"
 #include "screens/shell/sidebar/activity.h"
 #include "screens/shell/sidebar/sidebar_model.h"
 #include "screens/shell/start/sample_store.h"
+#include "screens/texts/destination_item.h"
 
 namespace corvane {
 
@@ -28,7 +28,7 @@ class WindowModel : public QObject {
     Q_PROPERTY(corvane::ArchiveScreen* archive READ archive CONSTANT)
     Q_PROPERTY(corvane::SidebarModel* sidebar READ sidebar CONSTANT)
     Q_PROPERTY(corvane::Activity* activity READ activity CONSTANT)
-    Q_PROPERTY(corvane::ArchivePlace* archivePlace READ archivePlace CONSTANT)
+    Q_PROPERTY(corvane::DestinationItem destination READ destination NOTIFY destinationChanged)
     Q_PROPERTY(corvane::SampleStore* sampleStore READ sampleStore CONSTANT)
     Q_PROPERTY(corvane::MailListScreen* mails READ mails CONSTANT)
     Q_PROPERTY(bool archiving READ archiving NOTIFY archivingChanged)
@@ -50,7 +50,7 @@ class WindowModel : public QObject {
 
     [[nodiscard]] Activity* activity() { return &activity_; }
 
-    [[nodiscard]] ArchivePlace* archivePlace() { return &archivePlace_; }
+    [[nodiscard]] DestinationItem destination() const { return DestinationItem::of(model_); }
 
     [[nodiscard]] SampleStore* sampleStore() { return &sampleStore_; }
 
@@ -73,7 +73,7 @@ class WindowModel : public QObject {
     // follows, at once when none runs.
     Q_INVOKABLE void stopArchiving();
 
-    // Opens the folder that one of the program's own addresses names, if there is one; does nothing for any
+    // Opens the folder that one of the program's own addresses names, if there is one; no effect for any
     // other.
     Q_INVOKABLE void openAddress(const QString& address);
 
@@ -85,6 +85,7 @@ class WindowModel : public QObject {
 
   Q_SIGNALS:
     void archivingChanged();
+    void destinationChanged();
     void stopped();
 
   private:
@@ -97,7 +98,6 @@ class WindowModel : public QObject {
     HomeScreen home_;
     SidebarModel sidebar_;
     Activity activity_;
-    ArchivePlace archivePlace_;
     SampleStore sampleStore_;
     MailListScreen mails_;
     TaskSlot addressTask_;

@@ -1,6 +1,7 @@
 #include "screens/texts/destination_texts.h"
 
 #include "platform/paths.h"
+#include "records/formatters.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane::screens {
@@ -42,6 +43,17 @@ QString destinationPlace(const DestinationView& destination) {
     const QString folder = wholeText(platform::lastPathComponent(*destination.path));
     const QString place = destination.facts.cloudName ? wholeText(*destination.facts.cloudName) : name;
     return place == folder ? folder : place + QStringLiteral(" · ") + folder;
+}
+
+QString destinationLine(const DestinationView& destination) {
+    if (!destination.path) return QStringLiteral("云盘 / U 盘 / 外置硬盘");
+    if (!destination.facts.connected) return QStringLiteral("未连接");
+    if (destination.facts.cloudName) {
+        return wholeText(platform::lastPathComponent(*destination.path)) + QStringLiteral(" · 已连接");
+    }
+    QString kind = destination.isOnRemovableDisk() ? QStringLiteral("U 盘 / 外置盘") : QStringLiteral("本机");
+    if (!destination.facts.availableBytes) return kind;
+    return kind + QStringLiteral(" · 可用 ") + wholeText(formatByteCount(*destination.facts.availableBytes));
 }
 
 QString destinationSymbol(const DestinationView& destination) {

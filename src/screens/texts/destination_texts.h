@@ -52,6 +52,9 @@ QString destinationName(const DestinationView& destination);
 // Provider or disk, and the folder: "坚果云 · 邮件归档".
 QString destinationPlace(const DestinationView& destination);
 
+// What is said below its name: the kind of place and the free space, or what is wrong.
+QString destinationLine(const DestinationView& destination);
+
 // A system name of a symbol.
 QString destinationSymbol(const DestinationView& destination);
 

@@ -1,5 +1,6 @@
 # The QML files and the C++ sources of this folder.
 set(texts_sources
+    destination_item.cpp
     destination_texts.cpp
     shown_figures.cpp
     shown_text.cpp

@@ -15,6 +15,10 @@ QString shownMessageCount(std::int64_t count) {
     return shownCount(count) + QStringLiteral(" 封");
 }
 
+QString shownYear(std::int64_t year) {
+    return QStringLiteral("%1 年").arg(year);
+}
+
 QString shownSize(std::int64_t bytes) {
     return bytes == 0 ? QStringLiteral("—") : QString::fromStdString(formatByteCount(bytes));
 }

@@ -13,7 +13,10 @@ QString shownCount(std::int64_t count);
 // "12,406 封".
 QString shownMessageCount(std::int64_t count);
 
-// As the formatter gives it; a dash for nothing.
+// "2019 年".
+QString shownYear(std::int64_t year);
+
+// As the formatter gives it; a dash for 0.
 QString shownSize(std::int64_t bytes);
 
 // "0:42", "12:05", "1:02:09".

@@ -6,13 +6,35 @@
 
 #include <gtest/gtest.h>
 
-#include "screens/home/screens_fixture.h"
 #include "screens/shell/sidebar/sidebar_model.h"
+#include "screens/support/screens_fixture.h"
 
 namespace corvane {
 namespace {
 
 using State = HomeScreen::State;
+
+TEST(SafetyBanners, NothingIsSafeBeforeEveryLocalMessageHasACopy) {
+    const struct {
+        DeletionSafety safety;
+        const char* kind;
+        qsizetype lines; // the server's messages have one of their own
+    } cases[] = {{{36195, 23789, 3127}, "attention", 2},
+                 {{5, 5, 0}, "safe", 1},
+                 {{5, 5, 2}, "safe", 2},
+                 {{5, 4, 0}, "attention", 1},
+                 {{0, 0, 0}, "info", 1},
+                 {{0, 0, 9}, "info", 2}};
+
+    for (const auto& [safety, kind, lines] : cases) {
+        const SafetyBanner banner = screens::deletionSafetyBanner(QStringLiteral("范围"), safety);
+        EXPECT_EQ(banner.kind.toStdString(), kind);
+        EXPECT_EQ(banner.lines.size(), lines);
+        EXPECT_TRUE(banner.headline.startsWith(QStringLiteral("范围：")));
+    }
+    EXPECT_TRUE(screens::deletionSafetyBanner({}, {36195, 23789, 0})
+                    .headline.contains(QStringLiteral("23,789 封，未归档 12,406 封")));
+}
 
 class OrganizeHome : public testing::ScreensTest {
   protected:
@@ -22,7 +44,7 @@ class OrganizeHome : public testing::ScreensTest {
 
     [[nodiscard]] std::vector<int> shownYears() const {
         std::vector<int> years;
-        for (const QVariant& year : homeScreen_.years())
+        for (const QVariant& year : homeScreen_.figures().years)
             years.push_back(year.toMap()[QStringLiteral("year")].toInt());
         return years;
     }
@@ -30,12 +52,11 @@ class OrganizeHome : public testing::ScreensTest {
 
 TEST_F(OrganizeHome, BeginsWithTheUpdateAndListsWhatIsThere) {
     EXPECT_EQ(homeScreen_.state(), State::FirstUse);
-    EXPECT_EQ(homeScreen_.organizeSimpleSummary(),
-              QStringLiteral("把多年的邮件安全放进归档库，再放心腾出空间。"));
     publishTwoAccounts();
     EXPECT_EQ(homeScreen_.state(), State::List);
     EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("3 封需要放入归档库。"));
-    EXPECT_EQ(homeScreen_.banner().headline, QStringLiteral("全部年份：已完成归档 0 封，未归档 3 封"));
+    EXPECT_EQ(homeScreen_.figures().banner.headline,
+              QStringLiteral("全部年份：已完成归档 0 封，未归档 3 封"));
     EXPECT_EQ(shownYears(), (std::vector<int>{2019, 2020}));
     EXPECT_EQ(homeScreen_.accounts()->rowCount(), 3);
     EXPECT_NE(rowOf("a@example.org"), -1);
@@ -49,10 +70,10 @@ TEST_F(OrganizeHome, ACapturedStartShowsStatisticsAndCallsNothingSafe) {
     settle();
     EXPECT_EQ(homeScreen_.state(), State::List);
     EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("5 封需要放入归档库。"));
-    EXPECT_EQ(homeScreen_.banner().kind, QStringLiteral("info"));
-    EXPECT_FALSE(homeScreen_.hasFigures());
+    EXPECT_EQ(homeScreen_.figures().banner.kind, QStringLiteral("info"));
+    EXPECT_FALSE(homeScreen_.figures().isKnown);
     chooseDestination(home_.at("x"));
-    EXPECT_TRUE(homeScreen_.organizePrimaryDisabled());
+    EXPECT_TRUE(homeScreen_.selection().organizePrimaryDisabled);
     homeScreen_.runOrganizePrimaryAction();
     EXPECT_EQ(archiveScreen_.stage(), ArchiveScreen::Closed) << "there are no messages yet";
 }
@@ -60,19 +81,19 @@ TEST_F(OrganizeHome, ACapturedStartShowsStatisticsAndCallsNothingSafe) {
 TEST_F(OrganizeHome, ThePrimaryActionStopsAtTheFirstStepThatActs) {
     homeScreen_.runOrganizePrimaryAction();
     EXPECT_EQ(archiveScreen_.stage(), ArchiveScreen::Closed);
-    EXPECT_FALSE(homeScreen_.isScanning()) << "without a destination nothing happens";
+    EXPECT_FALSE(homeScreen_.scan()->isScanning()) << "without a destination nothing happens";
 
     publishTwoAccounts();
     homeScreen_.runOrganizePrimaryAction();
     EXPECT_EQ(archiveScreen_.stage(), ArchiveScreen::Closed);
-    EXPECT_TRUE(homeScreen_.organizePrimaryDisabled());
+    EXPECT_TRUE(homeScreen_.selection().organizePrimaryDisabled);
 
     chooseDestination(home_.at("归档"));
     homeScreen_.runOrganizePrimaryAction();
     settle();
     EXPECT_EQ(archiveScreen_.stage(), ArchiveScreen::Confirm);
     EXPECT_EQ(archiveScreen_.candidates()->selectedCount(), 3) << "nothing ticked: all of them";
-    EXPECT_EQ(archiveScreen_.archiveScopeTitle(), QStringLiteral("全部年份"));
+    EXPECT_EQ(archiveScreen_.confirmation().archiveScopeTitle, QStringLiteral("全部年份"));
 }
 
 TEST_F(OrganizeHome, WithoutAccountsThePrimaryActionLeadsToThePermission) {
@@ -81,29 +102,34 @@ TEST_F(OrganizeHome, WithoutAccountsThePrimaryActionLeadsToThePermission) {
     model_.scanFlow().refreshAllMailData();
     settle();
     ASSERT_TRUE(model_.accounts().availableAccounts().empty());
+    QSignalSpy failed(homeScreen_.access(), &AccessActions::failed);
     homeScreen_.runOrganizePrimaryAction();
     EXPECT_EQ(desktop_.opened.size(), 1);
+    EXPECT_EQ(failed.size(), 0);
+    desktop_.opens = false;
+    homeScreen_.runOrganizePrimaryAction();
+    EXPECT_EQ(failed.size(), 1) << "a system without these settings";
     EXPECT_EQ(archiveScreen_.stage(), ArchiveScreen::Closed);
-    EXPECT_TRUE(homeScreen_.failureText().contains(QStringLiteral("没有找到 Mail 索引文件")));
+    EXPECT_TRUE(homeScreen_.scan()->failureText().contains(QStringLiteral("没有找到 Mail 索引文件")));
 }
 
 TEST_F(OrganizeHome, NarrowingKeepsTicksAndTellsItsScope) {
     publishTwoAccounts();
     homeScreen_.tree()->toggleTick(rowOf("2019 年"));
-    EXPECT_EQ(homeScreen_.selectionTitle(), QStringLiteral("已选 3 KB"));
-    EXPECT_EQ(homeScreen_.organizeSelectionSummary(),
+    EXPECT_EQ(homeScreen_.selection().title, QStringLiteral("已选 3 KB"));
+    EXPECT_EQ(homeScreen_.selection().organizeSelectionSummary,
               QStringLiteral("1 封邮件。点击「归档选中」只会归档这些邮件。"));
 
     homeScreen_.setScopeYear(2020);
-    EXPECT_EQ(homeScreen_.organizeRangeTitle(), QStringLiteral("2020 年"));
+    EXPECT_EQ(homeScreen_.figures().organizeRangeTitle, QStringLiteral("2020 年"));
     EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("2 封需要放入归档库。"));
     EXPECT_EQ(model_.filters().filterYears(), std::set<std::int64_t>{2020});
     EXPECT_EQ(rowOf("2019 年"), -1);
-    EXPECT_EQ(homeScreen_.selectionLine(), QStringLiteral("已选 1 封 · 3 KB")) << "ticks outside stay";
+    EXPECT_EQ(homeScreen_.selection().line, QStringLiteral("已选 1 封 · 3 KB")) << "ticks outside stay";
     EXPECT_EQ(shownYears().size(), 2U) << "the chart keeps all years to press";
 
     homeScreen_.chooseAccount(2);
-    EXPECT_EQ(homeScreen_.organizeRangeTitle(), QStringLiteral("imap://B · 2020 年"));
+    EXPECT_EQ(homeScreen_.figures().organizeRangeTitle, QStringLiteral("imap://B · 2020 年"));
     homeScreen_.setScopeYear(2018);
     EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("当前范围暂无邮件。"));
     homeScreen_.clearScope();
@@ -115,7 +141,7 @@ TEST_F(OrganizeHome, AScopeOfAnAccountThatHasGoneIsGivenUp) {
     publishTwoAccounts();
     homeScreen_.chooseAccount(2);
     publish({{"a", 2019}});
-    EXPECT_FALSE(homeScreen_.isNarrowed());
+    EXPECT_FALSE(homeScreen_.figures().isNarrowed);
     EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("1 封需要放入归档库。"));
 }
 
@@ -153,47 +179,47 @@ TEST_F(OrganizeHome, AfterTheLastMessageTheLibraryIsNext) {
     archiveScreen_.start();
     settle();
     EXPECT_EQ(homeScreen_.state(), State::NothingToDo);
-    EXPECT_EQ(homeScreen_.banner().kind, QStringLiteral("safe"));
+    EXPECT_EQ(homeScreen_.figures().banner.kind, QStringLiteral("safe"));
     // As long as the library itself isn't a place of the window.
-    ASSERT_FALSE(SidebarModel::hasScreen(u"library"));
-    EXPECT_EQ(homeScreen_.organizePrimaryTitle(), QStringLiteral("打开归档文件夹"));
-    EXPECT_FALSE(homeScreen_.organizePrimaryDisabled());
+    ASSERT_FALSE(SidebarModel::hasScreen(SidebarPlace::library));
+    EXPECT_EQ(homeScreen_.selection().organizePrimaryTitle, QStringLiteral("打开归档文件夹"));
+    EXPECT_FALSE(homeScreen_.selection().organizePrimaryDisabled);
     homeScreen_.runOrganizePrimaryAction();
     EXPECT_EQ(desktop_.opened.takeFirst(),
-              QUrl::fromLocalFile(QString::fromStdString(home_.at("归档"))).toString());
+              QUrl::fromLocalFile(QString::fromStdString(home_.at("归档"))).toString(QUrl::FullyEncoded));
     EXPECT_FALSE(homeScreen_.nothingToDoLine().contains(QStringLiteral("已归档概览")));
     std::filesystem::rename(home_.at("归档"), home_.at("拔掉"));
     model_.destinations().refreshFacts();
     settle();
-    EXPECT_TRUE(homeScreen_.organizePrimaryDisabled());
+    EXPECT_TRUE(homeScreen_.selection().organizePrimaryDisabled);
     std::filesystem::rename(home_.at("拔掉"), home_.at("归档"));
     QSignalSpy seen(&homeScreen_, &HomeScreen::destinationChanged);
     EXPECT_TRUE(seen.wait(20'000)) << "nobody has to ask";
-    EXPECT_FALSE(homeScreen_.organizePrimaryDisabled());
+    EXPECT_FALSE(homeScreen_.selection().organizePrimaryDisabled);
 }
 
 TEST_F(OrganizeHome, MailThatHasJustComeInIsNotNothingToDo) {
     settle();
     testing::publishMessages(model_.catalog(), testing::sampleMessages(home_, {{"a", 2019}}));
     const auto isUndecided = [this] {
-        return homeScreen_.state() == State::List && !homeScreen_.hasFigures() &&
-               homeScreen_.banner().kind == u"info";
+        return homeScreen_.state() == State::List && !homeScreen_.figures().isKnown &&
+               homeScreen_.figures().banner.kind == u"info";
     };
     EXPECT_TRUE(isUndecided());
     testing::waitUntilIdle(context_.tasks);
-    EXPECT_TRUE(isUndecided() || homeScreen_.hasFigures());
+    EXPECT_TRUE(isUndecided() || homeScreen_.figures().isKnown);
     settle();
     EXPECT_EQ(homeScreen_.state(), State::List);
-    EXPECT_TRUE(homeScreen_.hasFigures());
+    EXPECT_TRUE(homeScreen_.figures().isKnown);
 }
 
 TEST_F(OrganizeHome, AStoreThatCannotBeReadAsksForThePermission) {
     home_.write("Library/Mail/V10/MailData/Envelope Index", "");
-    homeScreen_.recheckAccess();
+    homeScreen_.access()->recheckAccess();
     settle();
     EXPECT_EQ(homeScreen_.state(), State::NoAccess);
     home_.write("Library/Mail/V10/MailData/Envelope Index", "x");
-    homeScreen_.recheckAccess();
+    homeScreen_.access()->recheckAccess();
     settle();
     EXPECT_EQ(homeScreen_.state(), State::FirstUse);
 }

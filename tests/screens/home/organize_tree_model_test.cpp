@@ -30,7 +30,7 @@ class OrganizeTree : public ::testing::Test {
         tree_.setOverview(computeOrganizeYearSections({messages, local, none, years, std::nullopt, {}}));
     }
 
-    [[nodiscard]] QVariant at(int row, Role role) const { return tree_.data(tree_.index(row), role); }
+    [[nodiscard]] QVariant at(int row, int role) const { return tree_.data(tree_.index(row), role); }
 
     // "A", "2019", "甲" with a mark for the tick.
     [[nodiscard]] QStringList shown() const {
@@ -185,7 +185,7 @@ TEST_F(OrganizeTree, SelectedRowsAreTickedTogetherAndFollowTheirRows) {
     selection.select(rowOf("2020 年"));
     open("2019 年");
     EXPECT_EQ(selection.currentRow(), rowOf("2020 年"));
-    EXPECT_TRUE(at(rowOf("2020 年"), Role::SelectedRole).toBool());
+    EXPECT_TRUE(at(rowOf("2020 年"), OrganizeTreeModel::SelectedRole).toBool());
     tree_.toggleTicks(rowOf("甲")); // not among the selected ones
     EXPECT_EQ(at(rowOf("2020 年"), Role::TickRole).toInt(), OrganizeTreeModel::Unticked);
 }

@@ -7,7 +7,8 @@
 
 #include "model/model_test.h"
 #include "records/preview_placeholders.h"
-#include "screens/mails/mail_samples.h"
+#include "screens/support/mail_samples.h"
+#include "screens/support/recording_desktop.h"
 
 namespace corvane {
 namespace {
@@ -17,26 +18,6 @@ using testing::sampleMessage;
 using testing::texts;
 using testing::waitUntilIdle;
 using State = MailListScreen::State;
-
-class RecordingDesktop : public DesktopActions {
-  public:
-    bool open(const QUrl& url) override {
-        opened += url.toString(QUrl::FullyEncoded);
-        return opens;
-    }
-
-    bool reveal(const QString& path) override {
-        revealed += path;
-        return opens;
-    }
-
-    void copy(const QString& text) override { copied = text; }
-
-    bool opens = true;
-    QStringList opened;
-    QStringList revealed;
-    QString copied;
-};
 
 class MailListScreenTest : public testing::ModelTest {
   protected:
@@ -62,14 +43,14 @@ class MailListScreenTest : public testing::ModelTest {
 
     [[nodiscard]] QStringList subjects() const {
         QStringList all;
-        for (const auto& message : *screen_.list()->messages())
+        for (const auto& message : *screen_.list()->records())
             all += QString::fromStdString(message.subject.str());
         return all;
     }
 
     ModelContext context_{platform_};
     CorvaneViewModel model_{context_};
-    RecordingDesktop desktop_;
+    testing::RecordingDesktop desktop_;
     mutable MailListScreen screen_{model_, desktop_};
 };
 
@@ -105,23 +86,23 @@ TEST_F(MailListScreenTest, EveryReasonForAnEmptyListIsToldApart) {
 
 TEST_F(MailListScreenTest, AStoreThatCannotBeReadAsksForAccess) {
     home_.write("Library/Mail/V10/MailData/Envelope Index", "");
-    screen_.recheckAccess();
+    screen_.access()->recheckAccess();
     waitUntilIdle(context_.tasks);
     EXPECT_EQ(screen_.state(), State::NoAccess);
 }
 
 TEST_F(MailListScreenTest, DetailFollowsTheRowAndTheModelKnowsIt) {
     publish({local("a"), local("b"), local("c")});
-    EXPECT_EQ(screen_.detail()->subject(), QStringLiteral("a"));
+    EXPECT_EQ(screen_.detail()->shown().subject, QStringLiteral("a"));
     screen_.selection()->select(1);
-    EXPECT_EQ(screen_.detail()->subject(), QStringLiteral("b"));
+    EXPECT_EQ(screen_.detail()->shown().subject, QStringLiteral("b"));
     EXPECT_TRUE(model_.visible().selectedMessageID()->ends_with("/b"));
 
     publish({local("a1"), local("a2"), local("b")}); // another generation
-    EXPECT_EQ(screen_.detail()->subject(), QStringLiteral("b"));
+    EXPECT_EQ(screen_.detail()->shown().subject, QStringLiteral("b"));
     EXPECT_EQ(screen_.selection()->currentRow(), 2);
     publish({local("x")});
-    EXPECT_EQ(screen_.detail()->subject(), QStringLiteral("x"));
+    EXPECT_EQ(screen_.detail()->shown().subject, QStringLiteral("x"));
     publish({});
     EXPECT_FALSE(screen_.detail()->hasMessage());
 }
@@ -133,12 +114,12 @@ TEST_F(MailListScreenTest, TheSelectedMessageIsKeptThroughFiltersThatKeepIt) {
     screen_.filters()->applyQuery();
     settle();
     EXPECT_EQ(subjects(), texts({"b1", "b2"}));
-    EXPECT_EQ(screen_.detail()->subject(), QStringLiteral("b2"));
+    EXPECT_EQ(screen_.detail()->shown().subject, QStringLiteral("b2"));
     EXPECT_EQ(screen_.selection()->currentRow(), 1);
     screen_.filters()->setQuery(QStringLiteral("c"));
     screen_.filters()->applyQuery();
     settle();
-    EXPECT_EQ(screen_.detail()->subject(), QStringLiteral("c1"));
+    EXPECT_EQ(screen_.detail()->shown().subject, QStringLiteral("c1"));
     EXPECT_EQ(screen_.selection()->rows().ranges(), (std::vector<RowRanges::Range>{{0, 1}}));
 }
 
@@ -149,7 +130,7 @@ TEST_F(MailListScreenTest, ARowChosenWhileTheNextListIsMadeStaysChosen) {
     QObject::connect(&model_.visible(), &VisibleMessages::visibleMessagesChanged,
                      [&] { screen_.selection()->select(2); });
     settle();
-    EXPECT_EQ(screen_.detail()->subject(), QStringLiteral("c"));
+    EXPECT_EQ(screen_.detail()->shown().subject, QStringLiteral("c"));
 }
 
 TEST_F(MailListScreenTest, FiltersShowWhatTheyHoldAndGoBothWays) {
@@ -164,12 +145,12 @@ TEST_F(MailListScreenTest, FiltersShowWhatTheyHoldAndGoBothWays) {
     publish({local("a", 2020), local("b", 2021), other, lost, sampleMessage("/gone")});
     MailListFilters& filters = *screen_.filters();
 
-    const auto& accounts = filters.accounts()->options();
+    const auto& accounts = *filters.accounts()->records();
     ASSERT_EQ(accounts.size(), 3U);
     EXPECT_EQ(accounts[0], (FilterOption{"imap://A", QStringLiteral("a@a.example"), 2, false}));
     EXPECT_EQ(accounts[2], (FilterOption{"legacy-unclassified", QStringLiteral("未识别邮箱"), 1, false}));
     ASSERT_EQ(filters.years()->count(), 3);
-    EXPECT_EQ(filters.years()->options()[0], (FilterOption{"2021", QStringLiteral("2021 年"), 2, false}));
+    EXPECT_EQ(filters.years()->records()->at(0), (FilterOption{"2021", QStringLiteral("2021 年"), 2, false}));
 
     filters.toggleAccount(0);
     filters.toggleYear(0);
@@ -189,7 +170,7 @@ TEST_F(MailListScreenTest, FiltersShowWhatTheyHoldAndGoBothWays) {
     model_.applyHomeScope("imap://B", {2018}); // another screen narrows the list
     settle();
     EXPECT_EQ(filters.chips(), texts({"b@b.example", "2018 年"}));
-    EXPECT_TRUE(filters.accounts()->options()[1].isTicked);
+    EXPECT_TRUE(filters.accounts()->records()->at(1).isTicked);
 }
 
 TEST_F(MailListScreenTest, TypingReachesTheModelWhenItPauses) {
@@ -209,13 +190,14 @@ TEST_F(MailListScreenTest, TypingReachesTheModelWhenItPauses) {
 TEST_F(MailListScreenTest, ArchivedMessagesAreMarkedAndNotHandedOver) {
     publish({local("a"), local("b"), local("c")});
     std::shared_ptr<const SharedTextSet> handed;
-    QObject::connect(&screen_, &MailListScreen::archiveRequested, [&](const auto& ids) { handed = ids; });
+    QObject::connect(screen_.actions(), &MailListActions::archiveRequested,
+                     [&](const auto& ids) { handed = ids; });
     screen_.list()->setArchivedIDs(std::make_shared<const SharedTextSet>(SharedTextSet{local("b").id}));
 
     screen_.selection()->selectAll();
     EXPECT_TRUE(screen_.canArchive());
     EXPECT_TRUE(screen_.selectionText().startsWith(QStringLiteral("已选 3 封 · 3 MB")));
-    screen_.archiveSelection();
+    screen_.actions()->archiveSelection();
     settle();
     ASSERT_NE(handed, nullptr);
     EXPECT_EQ(*handed, (SharedTextSet{local("a").id, local("c").id}));
@@ -224,7 +206,7 @@ TEST_F(MailListScreenTest, ArchivedMessagesAreMarkedAndNotHandedOver) {
     screen_.selection()->select(1);
     EXPECT_FALSE(screen_.canArchive());
     EXPECT_EQ(screen_.selectionText(), QString());
-    screen_.archiveSelection();
+    screen_.actions()->archiveSelection();
     settle();
     EXPECT_EQ(handed, nullptr);
 }
@@ -235,23 +217,23 @@ TEST_F(MailListScreenTest, CopiesAndOpensWhatIsSelected) {
     formula.messageIdentifier = SharedText("a b/c?d#\"@x");
     publish({local("a"), formula});
     screen_.selection()->selectAll();
-    screen_.copySelection();
+    screen_.actions()->copySelection();
     waitUntilIdle(context_.tasks);
     EXPECT_EQ(desktop_.copied.toStdString(),
               "2021-06-15 04:00 · 周明哲 <zhou@a.example> · =HYPERLINK(1) 第二行 · 1 MB\n"
               "2021-06-15 04:00 · 周明哲 <zhou@a.example> · a · 1 MB");
 
     screen_.selection()->select(0);
-    screen_.openInMail();
+    screen_.actions()->openInMail();
     EXPECT_EQ(desktop_.opened, texts({"message:%3Ca%20b%2Fc%3Fd%23%22@x%3E"}));
-    screen_.copySubject();
+    screen_.actions()->copySubject();
     EXPECT_EQ(desktop_.copied, QStringLiteral("=HYPERLINK(1)\n第二行"));
 
     desktop_.opens = false; // a system without such programs
     QStringList told;
-    QObject::connect(&screen_, &MailListScreen::actionFailed, [&](const QString& text) { told += text; });
-    screen_.openInMail();
-    screen_.revealFile();
+    QObject::connect(screen_.actions(), &MailListActions::failed, [&](const QString& text) { told += text; });
+    screen_.actions()->openInMail();
+    screen_.actions()->revealFile();
     EXPECT_EQ(told.size(), 2);
     EXPECT_TRUE(desktop_.opened.last().startsWith(QStringLiteral("file:///")));
 }
@@ -261,11 +243,11 @@ TEST_F(MailListScreenTest, FiltersCanBeTakenFromTheMessage) {
     other.sender = "陈思远 <chen@a.example>";
     publish({local("a"), other, local("c")});
     screen_.selection()->select(0);
-    screen_.filterBySender();
+    screen_.actions()->filterBySender();
     EXPECT_EQ(screen_.filters()->query(), QStringLiteral("zhou@a.example"));
     settle();
     EXPECT_EQ(subjects(), texts({"a", "c"}));
-    screen_.filterByYear();
+    screen_.actions()->filterByYear();
     EXPECT_EQ(screen_.filters()->chips(), texts({"2021 年"}));
 }
 
@@ -283,14 +265,14 @@ TEST_F(MailListScreenTest, DetailNamesCopiesAttachmentsAndAPreviewThatIsNone) {
                             {}},
                            {Uuid::random(), "b.zip", "application/zip", std::nullopt, {}}};
     publish({message});
-    const MessageDetail& detail = *screen_.detail();
-    EXPECT_EQ(detail.copiesTitle(), QStringLiteral("本机有 3 个文件保存着这封邮件"));
-    EXPECT_EQ(detail.copiesPlaces(), QStringLiteral("收件箱、全部邮件。"));
-    EXPECT_EQ(detail.files().size(), 3);
-    EXPECT_FALSE(detail.hasPreview());
-    EXPECT_EQ(detail.place(), QStringLiteral("a@a.example · 收件箱 · 1 MB"));
-    EXPECT_EQ(detail.attachmentCount(), 2);
-    EXPECT_EQ(detail.attachmentsSize(), QStringLiteral("已知 11.8 MB"));
+    const ShownMessage& detail = screen_.detail()->shown();
+    EXPECT_EQ(detail.copiesTitle, QStringLiteral("本机有 3 个文件保存着这封邮件"));
+    EXPECT_EQ(detail.copiesPlaces, QStringLiteral("收件箱、全部邮件。"));
+    EXPECT_EQ(detail.files.size(), 3);
+    EXPECT_FALSE(detail.hasPreview);
+    EXPECT_EQ(detail.place, QStringLiteral("a@a.example · 收件箱 · 1 MB"));
+    EXPECT_EQ(detail.attachmentCount, 2);
+    EXPECT_EQ(detail.attachmentsSize, QStringLiteral("已知 11.8 MB"));
     AttachmentListModel& attachments = *screen_.detail()->attachments();
     const auto role = [&](int row, int which) {
         return attachments.data(attachments.index(row), which).toString();
@@ -307,20 +289,18 @@ TEST_F(MailListScreenTest, DetailWaitsForNoPreviewThatWontCome) {
     publish({gone, there});
     screen_.showMessage(QString::fromStdString(there.id.str()));
     settle();
-    EXPECT_TRUE(screen_.detail()->preview().contains(QStringLiteral("没有可以显示")));
+    EXPECT_TRUE(screen_.detail()->shown().preview.contains(QStringLiteral("没有可以显示")));
     std::filesystem::remove(gone.allMessageFileURLs().front().path().str());
     screen_.showMessage(QString::fromStdString(gone.id.str()));
     settle();
-    EXPECT_TRUE(screen_.detail()->preview().contains(QStringLiteral("已不在")));
-    EXPECT_FALSE(screen_.detail()->hasPreview());
-}
+    EXPECT_TRUE(screen_.detail()->shown().preview.contains(QStringLiteral("已不在")));
+    EXPECT_FALSE(screen_.detail()->shown().hasPreview);
 
-TEST_F(MailListScreenTest, DetailTellsAPreviewThatWasCut) {
     for (const std::size_t length : {279U, 280U}) {
-        auto message = local("a");
-        message.preview = std::string(length, 'x');
-        publish({message});
-        EXPECT_EQ(screen_.detail()->preview().endsWith(u'…'), length == 280) << length;
+        auto cut = local("a");
+        cut.preview = std::string(length, 'x');
+        const QString shown = ShownMessage::of(cut, false, {}).preview;
+        EXPECT_EQ(shown.endsWith(u'…'), length == 280) << length;
     }
 }
 

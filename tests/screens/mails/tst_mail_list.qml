@@ -13,7 +13,7 @@ Item {
         id: page
         width: root.width
         height: root.height
-        app: samples.app
+        app: scenes.app
     }
 
     TestCase {
@@ -38,9 +38,9 @@ Item {
         }
         function publish(subject: string) {
             wait(0);
-            tryVerify(() => samples.isIdle());
-            samples.publish(total, subject);
-            tryVerify(() => samples.isIdle());
+            tryVerify(() => scenes.isIdle());
+            scenes.publish(total, subject);
+            tryVerify(() => scenes.isIdle());
             compare(view.count, total);
         }
         function clickRow(row: int, modifiers: int) {
@@ -225,7 +225,7 @@ Item {
         }
 
         function test_WithoutMailThePageSaysWhy() {
-            samples.fail();
+            scenes.fail();
             const state = findChild(page, "mailListState");
             tryCompare(state, "title", "没有读到邮件");
             verify(state.line.length > 0);

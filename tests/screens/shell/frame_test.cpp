@@ -126,9 +126,9 @@ TEST(SidebarModel, ShowsPlacesThatHaveAScreenUnderTheirOwnNumbers) {
     }
     int changes = 0;
     QObject::connect(&sidebar, &SidebarModel::dataChanged, &sidebar, [&] { ++changes; });
-    for (int i = 0; i < 100; ++i) sidebar.setFigure(u"home", QString::number(i));
+    for (int i = 0; i < 100; ++i) sidebar.setFigure(SidebarPlace::home, QString::number(i));
     EXPECT_EQ(changes, 1) << "a running scan must not flicker";
-    sidebar.setFigure(u"nowhere", QStringLiteral("1"));
+    sidebar.setFigure(SidebarPlace::space, QStringLiteral("1"));
     EXPECT_EQ(sidebar.index(0).data(SidebarModel::FigureRole), QStringLiteral("0"));
 }
 

@@ -29,9 +29,9 @@ Item {
         sourceComponent: FolderDialog {
             title: own.title
             acceptLabel: "使用此位置"
-            currentFolder: chooser.archive.destinationFolder
+            currentFolder: chooser.archive.destination.folder
             onAccepted: {
-                chooser.archive.chooseDestination(selectedFolder);
+                chooser.archive.quickDestinations.chooseFolder(selectedFolder);
                 systemPicker.active = false;
             }
             onRejected: systemPicker.active = false

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <system_error>
 
 #include "locations/destination_detection.h"
 #include "platform/paths.h"
@@ -27,12 +28,12 @@ FolderPicker::FolderPicker(CorvaneViewModel& model, QObject* parent)
   , placesTask_(model.context().tasks) {}
 
 int FolderPicker::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(shown_.folders.size());
+    return parent.isValid() ? 0 : static_cast<int>(folders_.size());
 }
 
 QVariant FolderPicker::data(const QModelIndex& index, int role) const {
     if (role != NameRole || !checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
-    return shown_.folders[static_cast<std::size_t>(index.row())].name;
+    return folders_[static_cast<std::size_t>(index.row())].shown;
 }
 
 QHash<int, QByteArray> FolderPicker::roleNames() const {
@@ -40,7 +41,7 @@ QHash<int, QByteArray> FolderPicker::roleNames() const {
 }
 
 QString FolderPicker::pathText() const {
-    return shownFolderPath(shown_.path);
+    return shownFolderPath(path_);
 }
 
 QVariantList FolderPicker::places() const {
@@ -49,13 +50,15 @@ QVariantList FolderPicker::places() const {
         shown << QVariantMap{{QStringLiteral("name"), place.name},
                              {QStringLiteral("detail"), place.detail},
                              {QStringLiteral("symbol"), place.symbol},
-                             {QStringLiteral("chosen"), place.path == shown_.path}};
+                             {QStringLiteral("chosen"), place.path == path_}};
     }
     return shown;
 }
 
 std::string FolderPicker::target(int row) const {
-    return row >= 0 && row < rowCount() ? shown_.folders[static_cast<std::size_t>(row)].path : shown_.path;
+    return row >= 0 && row < rowCount()
+               ? platform::joinPath(path_, folders_[static_cast<std::size_t>(row)].name)
+               : path_;
 }
 
 QString FolderPicker::targetText(int row) const {
@@ -66,8 +69,7 @@ int FolderPicker::rowStartingWith(const QString& text, int from) const {
     const int count = rowCount();
     for (int step = 0; step < count && !text.isEmpty(); ++step) {
         const int row = (std::max(from, 0) + step) % count;
-        if (shown_.folders[static_cast<std::size_t>(row)].name.startsWith(text, Qt::CaseInsensitive))
-            return row;
+        if (folders_[static_cast<std::size_t>(row)].shown.startsWith(text, Qt::CaseInsensitive)) return row;
     }
     return -1;
 }
@@ -76,39 +78,38 @@ void FolderPicker::begin() {
     findPlaces();
     const std::string home = model_.context().platform.realUserHomeDirectory();
     const std::string start = model_.destinations().transferDestination().value_or(home);
-    list(
-        [start, home](const std::stop_token& stop) { return screens::listNearestFolder(start, home, stop); });
+    list([start, home](const std::stop_token& stop) { return listNearestFolder(start, home, stop); });
 }
 
 void FolderPicker::openRow(int row) {
     if (row < 0 || row >= rowCount()) return;
-    list([path = target(row)](const std::stop_token& stop) { return screens::listFolders(path, stop); });
+    list([path = target(row)](const std::stop_token& stop) { return listFolders(path, stop); });
 }
 
 void FolderPicker::openPlace(int place) {
     if (place < 0 || place >= static_cast<int>(places_.size())) return;
     const std::string path = places_[static_cast<std::size_t>(place)].path;
-    list([path](const std::stop_token& stop) { return screens::listFolders(path, stop); });
+    list([path](const std::stop_token& stop) { return listFolders(path, stop); });
 }
 
 void FolderPicker::openTyped(const QString& text) {
     // A name that can't be shown as it is would lead elsewhere when it is read back.
     if (text.isEmpty() || text == pathText()) return;
-    const std::string path = screens::typedFolder(text.toStdString(), shown_.path,
-                                                  model_.context().platform.realUserHomeDirectory());
-    list([path](const std::stop_token& stop) { return screens::listFolders(path, stop); });
+    const std::string path =
+        typedFolder(text.toStdString(), path_, model_.context().platform.realUserHomeDirectory());
+    list([path](const std::stop_token& stop) { return listFolders(path, stop); });
 }
 
 void FolderPicker::goUp() {
     if (!canGoUp()) return;
-    const std::string path(platform::parentPath(shown_.path));
-    list([path](const std::stop_token& stop) { return screens::listFolders(path, stop); });
+    const std::string path(platform::parentPath(path_));
+    list([path](const std::stop_token& stop) { return listFolders(path, stop); });
 }
 
 void FolderPicker::makeFolder(const QString& name) {
-    list([parent = shown_.path, wanted = name.toStdString()](
-             const std::stop_token&) { return screens::makeFolder(parent, wanted); },
-         true);
+    list([parent = path_, wanted = name.toStdString()](
+             const std::stop_token&) { return corvane::makeFolder(parent, wanted); },
+         screens::FolderAction::make);
 }
 
 void FolderPicker::choose(int row) {
@@ -116,7 +117,9 @@ void FolderPicker::choose(int row) {
     setBusy(true);
     task_.start(
         TaskPriority::userInitiated, target(row),
-        [](const std::string& path, const TaskHandle&) { return screens::obstacleToWriting(path); },
+        [](const std::string& path, const TaskHandle&) {
+            return screens::folderErrorText(writingObstacle(path), screens::FolderAction::write);
+        },
         [this, path = target(row)](const QString& obstacle) {
             setBusy(false);
             setError(obstacle);
@@ -126,27 +129,35 @@ void FolderPicker::choose(int row) {
         });
 }
 
-void FolderPicker::list(Job job, bool makesFolder) {
+void FolderPicker::list(Job job, screens::FolderAction action) {
+    struct Listed {
+        std::string path;
+        std::vector<screens::NamedFolder> folders;
+        std::error_code error;
+    };
+
     setError({});
     setBusy(true);
     task_.start(
         TaskPriority::userInitiated, std::move(job),
-        [](const Job& listing, const TaskHandle& task) { return listing(task.stopToken()); },
-        [this, makesFolder](FolderListing listing) {
-            const bool isMade = makesFolder && listing.error.isEmpty();
-            take(std::move(listing));
-            if (isMade) Q_EMIT folderMade();
+        [](const Job& work, const TaskHandle& task) {
+            FolderListing listing = work(task.stopToken());
+            return Listed{std::move(listing.path), screens::sortedFolders(std::move(listing.names)),
+                          listing.error};
+        },
+        [this, action](Listed listed) {
+            setBusy(false);
+            setError(screens::folderErrorText(listed.error, action));
+            if (listed.error) return;
+            show(std::move(listed.path), std::move(listed.folders));
+            if (action == screens::FolderAction::make) Q_EMIT folderMade();
         });
 }
 
-void FolderPicker::take(FolderListing listing) {
-    setBusy(false);
-    if (!listing.error.isEmpty()) {
-        setError(listing.error);
-        return;
-    }
+void FolderPicker::show(std::string path, std::vector<screens::NamedFolder> folders) {
     beginResetModel();
-    shown_ = std::move(listing);
+    path_ = std::move(path);
+    folders_ = std::move(folders);
     endResetModel();
     Q_EMIT listed();
     Q_EMIT placesChanged();

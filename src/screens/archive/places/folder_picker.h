@@ -12,8 +12,9 @@
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 
+#include "locations/folder_listing.h"
 #include "model/corvane_view_model.h"
-#include "screens/archive/places/folder_listing.h"
+#include "screens/archive/places/folder_texts.h"
 
 namespace corvane {
 
@@ -39,18 +40,18 @@ class FolderPicker : public QAbstractListModel {
     // The shown folder, as it is written into the field.
     [[nodiscard]] QString pathText() const;
 
-    [[nodiscard]] bool canGoUp() const { return !shown_.path.empty() && shown_.path != "/"; }
+    [[nodiscard]] bool canGoUp() const { return !path_.empty() && path_ != "/"; }
 
     [[nodiscard]] bool isBusy() const { return isBusy_; }
 
     [[nodiscard]] const QString& errorText() const { return errorText_; }
 
-    // Each with `name`, `detail`, `symbol` and `chosen`: whether it is the shown folder.
+    // Where to begin, each with `name`, `detail`, `symbol` and `chosen`: whether it is the shown folder.
     [[nodiscard]] QVariantList places() const;
 
     [[nodiscard]] const std::string& chosenPath() const { return chosenPath_; }
 
-    // The chosen folder would be this one: that of the row, the shown one for -1.
+    // The path that `choose` takes: that of the row's folder, of the shown one for -1.
     Q_INVOKABLE [[nodiscard]] QString targetText(int row) const;
 
     // The first row from `from` on, round the end, whose name begins so; -1 for none.
@@ -84,8 +85,8 @@ class FolderPicker : public QAbstractListModel {
 
     using Job = std::function<FolderListing(const std::stop_token&)>;
 
-    void list(Job job, bool makesFolder = false);
-    void take(FolderListing listing);
+    void list(Job job, screens::FolderAction action = screens::FolderAction::open);
+    void show(std::string path, std::vector<screens::NamedFolder> folders);
     void setBusy(bool busy);
     void setError(const QString& text);
     void findPlaces();
@@ -93,7 +94,8 @@ class FolderPicker : public QAbstractListModel {
     [[nodiscard]] std::string target(int row) const;
 
     CorvaneViewModel& model_;
-    FolderListing shown_;
+    std::string path_; // of the shown folder; empty before the first
+    std::vector<screens::NamedFolder> folders_;
     std::vector<Place> places_;
     std::string chosenPath_;
     QString errorText_;

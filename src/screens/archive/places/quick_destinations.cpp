@@ -22,16 +22,12 @@ QString shownFolder(const std::string& path, const std::string& home) {
 } // namespace
 
 QuickDestinations::QuickDestinations(CorvaneViewModel& model, QObject* parent)
-  : RowListModel(parent)
+  : RecordListModel(parent)
   , model_(model)
   , detectionTask_(model.context().tasks) {
     connect(&model.destinations(), &ArchiveDestinations::destinationChanged, this, &QuickDestinations::show);
     connect(&model.destinations(), &ArchiveDestinations::factsChanged, this, &QuickDestinations::show);
     show();
-}
-
-int QuickDestinations::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
 }
 
 QHash<int, QByteArray> QuickDestinations::roleNames() const {
@@ -42,20 +38,18 @@ QHash<int, QByteArray> QuickDestinations::roleNames() const {
             {ConnectedRole, "connected"}};
 }
 
-QVariant QuickDestinations::data(const QModelIndex& index, int role) const {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
-    const QuickDestination& row = rows_[static_cast<std::size_t>(index.row())];
+QVariant QuickDestinations::value(const QuickDestination& destination, int role) const {
     switch (role) {
     case NameRole:
-        return row.name;
+        return destination.name;
     case DetailRole:
-        return row.isConnected ? row.detail : QStringLiteral("未连接");
+        return destination.isConnected ? destination.detail : QStringLiteral("未连接");
     case SymbolRole:
-        return row.symbol;
+        return destination.symbol;
     case ChosenRole:
-        return row.isChosen;
+        return destination.isChosen;
     case ConnectedRole:
-        return row.isConnected;
+        return destination.isConnected;
     default:
         return {};
     }
@@ -118,8 +112,8 @@ std::vector<QuickDestination> QuickDestinations::makeRows() const {
 }
 
 void QuickDestinations::show() {
-    updateRows(rows_, makeRows(), [](const QuickDestination& row) { return std::string_view(row.path); });
-    Q_EMIT changed();
+    replace(makeRows());
+    Q_EMIT placesChanged();
 }
 
 void QuickDestinations::refreshDetectedDestinations() {
@@ -147,10 +141,16 @@ void QuickDestinations::refreshDetectedDestinations() {
         });
 }
 
+void QuickDestinations::chooseFolder(const QUrl& folder) {
+    if (folder.isLocalFile())
+        model_.destinations().setTransferDestination(folder.toLocalFile().toStdString());
+}
+
 void QuickDestinations::choose(int row) {
-    if (row < 0 || row >= rowCount()) return;
-    const QuickDestination& chosen = rows_[static_cast<std::size_t>(row)];
-    if (chosen.isConnected && !chosen.isChosen) model_.destinations().setTransferDestination(chosen.path);
+    const QuickDestination* const chosen = record(row);
+    if (chosen == nullptr || !chosen->isConnected || chosen->isChosen) return;
+    // Copied: the rows are replaced when the destination changes.
+    model_.destinations().setTransferDestination(std::string(chosen->path));
 }
 
 } // namespace corvane

@@ -4,13 +4,16 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include <QString>
+#include <QUrl>
 #include <QtQml/qqmlregistration.h>
 
 #include "locations/destination_detection.h"
 #include "model/corvane_view_model.h"
-#include "screens/lists/row_list_model.h"
+#include "screens/lists/record_list_model.h"
 
 namespace corvane {
 
@@ -25,19 +28,21 @@ struct QuickDestination {
     friend bool operator==(const QuickDestination&, const QuickDestination&) = default;
 };
 
-class QuickDestinations : public RowListModel {
+struct QuickDestinationPath {
+    std::string_view operator()(const QuickDestination& destination) const { return destination.path; }
+};
+
+class QuickDestinations : public RecordListModel<QuickDestination, QuickDestinationPath> {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("part of the archive sheet")
-    Q_PROPERTY(bool hasQuickDestinations READ hasQuickDestinations NOTIFY changed)
+    Q_PROPERTY(bool hasQuickDestinations READ hasQuickDestinations NOTIFY placesChanged)
 
   public:
-    enum Role { NameRole = Qt::UserRole, DetailRole, SymbolRole, ChosenRole, ConnectedRole };
+    enum Role { NameRole = FirstRole, DetailRole, SymbolRole, ChosenRole, ConnectedRole };
 
     explicit QuickDestinations(CorvaneViewModel& model, QObject* parent = nullptr);
 
-    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
-    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
     [[nodiscard]] bool hasQuickDestinations() const;
@@ -46,8 +51,14 @@ class QuickDestinations : public RowListModel {
 
     Q_INVOKABLE void choose(int row);
 
+    // No effect for an address that is no local file.
+    Q_INVOKABLE void chooseFolder(const QUrl& folder);
+
   Q_SIGNALS:
-    void changed();
+    void placesChanged();
+
+  protected:
+    [[nodiscard]] QVariant value(const QuickDestination& destination, int role) const override;
 
   private:
     [[nodiscard]] std::vector<QuickDestination> makeRows() const;
@@ -59,7 +70,6 @@ class QuickDestinations : public RowListModel {
     CorvaneViewModel& model_;
     std::vector<CloudStorageProvider> detectedProviders_;
     std::vector<CloudStorageProvider> detectedVolumes_;
-    std::vector<QuickDestination> rows_;
     TaskSlot detectionTask_;
 };
 

@@ -7,6 +7,7 @@ FocusScope {
     id: section
 
     required property HomeScreen home
+    readonly property var figures: home.figures
     property bool narrow: false
     property bool low: false
 
@@ -27,7 +28,7 @@ FocusScope {
             Layout.fillWidth: true
             visible: !section.low
             opacity: section.narrow ? 0 : 1
-            text: section.home.isNarrowed ? "再点一次或按 Esc 恢复全部" : "点按年份可只看这一年；蓝色年份已有勾选"
+            text: section.figures.isNarrowed ? "再点一次或按 Esc 恢复全部" : "点按年份可只看这一年；蓝色年份已有勾选"
             role: AppText.Note
             color: Theme.text3
         }
@@ -38,10 +39,10 @@ FocusScope {
             Layout.rightMargin: 4
             visible: section.low
             thickness: 10
-            parts: section.home.sums
+            parts: section.figures.sums
         }
         ChartLegend {
-            entries: section.home.sums
+            entries: section.figures.sums
         }
     }
     YearChart {
@@ -52,8 +53,8 @@ FocusScope {
         width: parent.width
         visible: !section.low
         implicitHeight: 140
-        years: section.home.years
-        chosenYear: section.home.scopeYear
+        years: section.figures.years
+        chosenYear: section.figures.scopeYear
         onYearChosen: year => section.home.setScopeYear(year)
         onYearCleared: section.home.clearScope()
     }

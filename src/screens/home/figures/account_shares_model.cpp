@@ -5,46 +5,40 @@
 
 namespace corvane {
 
-int AccountSharesModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
-}
-
 QHash<int, QByteArray> AccountSharesModel::roleNames() const {
     return {
         {TitleRole, "title"},           {LineRole, "line"},    {SizeRole, "size"}, {ArchivedRole, "archived"},
         {UnarchivedRole, "unarchived"}, {ChosenRole, "chosen"}};
 }
 
-QVariant AccountSharesModel::data(const QModelIndex& index, int role) const {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
-    const Row& row = rows_[static_cast<std::size_t>(index.row())];
+QVariant AccountSharesModel::value(const AccountShare& share, int role) const {
     switch (role) {
     case TitleRole:
-        return row.title;
+        return share.title;
     case LineRole:
-        return QStringLiteral("未归档 ") + screens::shownCount(row.unarchived);
+        return QStringLiteral("未归档 ") + screens::shownCount(share.unarchived);
     case SizeRole:
-        return screens::shownSize(row.unarchivedBytes);
+        return screens::shownSize(share.unarchivedBytes);
     case ArchivedRole:
-        return static_cast<int>(row.archived);
+        return static_cast<int>(share.archived);
     case UnarchivedRole:
-        return static_cast<int>(row.unarchived);
+        return static_cast<int>(share.unarchived);
     case ChosenRole:
-        return row.isChosen;
+        return share.isChosen;
     default:
         return {};
     }
 }
 
 void AccountSharesModel::show(const OrganizeOverview& overview, const std::optional<std::string>& chosenKey) {
-    Row all;
+    AccountShare all;
     all.title = QStringLiteral("全部邮箱");
     all.isChosen = !chosenKey;
-    std::vector<Row> rows{std::move(all)};
+    Records rows{std::move(all)};
     for (const OrganizeAccount& account : overview.accounts) {
-        Row row{.key = account.key,
-                .title = screens::shownLine(account.title),
-                .isChosen = chosenKey == account.key};
+        AccountShare row{.key = account.key,
+                         .title = screens::shownLine(account.title),
+                         .isChosen = chosenKey == account.key};
         for (const auto& [year, tally] : overview.tallies.at(account.key)) {
             row.archived += tally.archived;
             row.unarchived += tally.local - tally.archived;
@@ -57,14 +51,12 @@ void AccountSharesModel::show(const OrganizeOverview& overview, const std::optio
         rows.front().unarchivedBytes += row.unarchivedBytes;
         rows.push_back(std::move(row));
     }
-    const auto before = rows_.size();
-    updateRows(rows_, std::move(rows), [](const Row& row) { return std::string_view(row.key); });
-    if (before != rows_.size()) Q_EMIT countChanged();
+    replace(std::move(rows));
 }
 
 std::optional<std::string> AccountSharesModel::keyAt(int row) const {
-    return row > 0 && row < rowCount() ? std::optional(rows_[static_cast<std::size_t>(row)].key)
-                                       : std::nullopt;
+    const AccountShare* const share = record(row);
+    return share == nullptr || row == 0 ? std::nullopt : std::optional(share->key);
 }
 
 } // namespace corvane

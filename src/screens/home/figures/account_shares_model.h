@@ -5,53 +5,50 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <vector>
+#include <string_view>
 
+#include <QString>
 #include <QtQml/qqmlregistration.h>
 
 #include "listing/organize_sections.h"
-#include "screens/lists/row_list_model.h"
+#include "screens/lists/record_list_model.h"
 
 namespace corvane {
 
-class AccountSharesModel : public RowListModel {
+struct AccountShare {
+    std::string key; // empty for all
+    QString title;
+    std::int64_t archived = 0;
+    std::int64_t unarchived = 0;
+    std::int64_t unarchivedBytes = 0;
+    bool isChosen = false;
+
+    friend bool operator==(const AccountShare&, const AccountShare&) = default;
+};
+
+struct AccountShareKey {
+    std::string_view operator()(const AccountShare& share) const { return share.key; }
+};
+
+class AccountSharesModel : public RecordListModel<AccountShare, AccountShareKey> {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("part of the home screen")
-    Q_PROPERTY(int count READ count NOTIFY countChanged)
 
   public:
-    enum Role { TitleRole = Qt::UserRole, LineRole, SizeRole, ArchivedRole, UnarchivedRole, ChosenRole };
+    enum Role { TitleRole = FirstRole, LineRole, SizeRole, ArchivedRole, UnarchivedRole, ChosenRole };
 
-    using RowListModel::RowListModel;
+    using RecordListModel::RecordListModel;
 
-    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
-    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
-
-    [[nodiscard]] int count() const { return rowCount(); }
 
     void show(const OrganizeOverview& overview, const std::optional<std::string>& chosenKey);
 
     // Absent for the row of all.
     [[nodiscard]] std::optional<std::string> keyAt(int row) const;
 
-  Q_SIGNALS:
-    void countChanged();
-
-  private:
-    struct Row {
-        std::string key; // empty for all
-        QString title;
-        std::int64_t archived = 0;
-        std::int64_t unarchived = 0;
-        std::int64_t unarchivedBytes = 0;
-        bool isChosen = false;
-
-        friend bool operator==(const Row&, const Row&) = default;
-    };
-
-    std::vector<Row> rows_;
+  protected:
+    [[nodiscard]] QVariant value(const AccountShare& share, int role) const override;
 };
 
 } // namespace corvane

@@ -67,7 +67,7 @@ FocusGroup {
         Keys.onRightPressed: group.openOrGoToChild()
         Keys.onPressed: event => {
             event.accepted = true;
-            if (take(event.key, event.modifiers))
+            if (handleKey(event.key, event.modifiers))
                 return;
             if (event.key === Qt.Key_Space)
                 group.tree.toggleTicks(keyRow);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
-#include <unordered_map>
+#include <vector>
 
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
@@ -17,7 +17,7 @@ using screens::shownMessageCount;
 using screens::shownSize;
 
 QString yearTitle(std::int64_t year) {
-    return year == undatedYear ? QStringLiteral("没有日期") : QStringLiteral("%1 年").arg(year);
+    return year == undatedYear ? QStringLiteral("没有日期") : screens::shownYear(year);
 }
 
 QString folderTitle(const std::string& mailbox) {
@@ -30,22 +30,30 @@ OrganizeTreeModel::Tick shownTick(TickState state) {
     return ticks[static_cast<std::size_t>(state)];
 }
 
-QString tickHelpOf(OrganizeTreeModel::Level level, bool isTicked) {
+QString tickHelpOf(OrganizeLevel level, bool isTicked) {
     switch (level) {
-    case OrganizeTreeModel::Account:
+    case OrganizeLevel::account:
         return isTicked ? QStringLiteral("取消选择这个邮箱") : QStringLiteral("选择这个邮箱全部待归档邮件");
-    case OrganizeTreeModel::Year:
+    case OrganizeLevel::year:
         return isTicked ? QStringLiteral("取消选择这一年") : QStringLiteral("选择这一年全部待归档邮件");
-    case OrganizeTreeModel::Folder:
+    case OrganizeLevel::folder:
         return isTicked ? QStringLiteral("取消选择这个文件夹") : QStringLiteral("选择这个文件夹");
     }
     return {};
 }
 
-QString expandHelpOf(OrganizeTreeModel::Level level, bool isExpanded) {
-    if (level == OrganizeTreeModel::Account)
+QString expandHelpOf(OrganizeLevel level, bool isExpanded) {
+    if (level == OrganizeLevel::account)
         return isExpanded ? QStringLiteral("收起年份") : QStringLiteral("展开查看年份");
     return isExpanded ? QStringLiteral("收起文件夹明细") : QStringLiteral("展开查看文件夹明细");
+}
+
+QString accessibleText(const OrganizeRow& row) {
+    const std::array states = {QStringLiteral("未勾选"), QStringLiteral("部分勾选"),
+                               QStringLiteral("已勾选")};
+    return QStringLiteral("%1，%2，%3，%4")
+        .arg(row.title, shownMessageCount(row.count), shownSize(row.bytes),
+             states[static_cast<std::size_t>(row.tick)]);
 }
 
 double largestYear(const OrganizeOverview& overview, const OrganizeScope& scope) {
@@ -60,15 +68,6 @@ double largestYear(const OrganizeOverview& overview, const OrganizeScope& scope)
 }
 
 } // namespace
-
-OrganizeTreeModel::OrganizeTreeModel(QObject* parent)
-  : RowListModel(parent) {
-    connect(&selection_, &ListSelection::selectionChanged, this, &OrganizeTreeModel::tellSelected);
-}
-
-int OrganizeTreeModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
-}
 
 QHash<int, QByteArray> OrganizeTreeModel::roleNames() const {
     return {{LevelRole, "level"},
@@ -85,12 +84,10 @@ QHash<int, QByteArray> OrganizeTreeModel::roleNames() const {
             {SelectedRole, "selected"}};
 }
 
-QVariant OrganizeTreeModel::data(const QModelIndex& index, int role) const {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
-    const Row& row = rows_[static_cast<std::size_t>(index.row())];
+QVariant OrganizeTreeModel::value(const OrganizeRow& row, int role) const {
     switch (role) {
     case LevelRole:
-        return row.level;
+        return static_cast<int>(row.level);
     case TitleRole:
         return row.title;
     case CountRole:
@@ -111,34 +108,24 @@ QVariant OrganizeTreeModel::data(const QModelIndex& index, int role) const {
         return row.isExpandable ? expandHelpOf(row.level, row.isExpanded) : QString();
     case AccessibleTextRole:
         return accessibleText(row);
-    case SelectedRole:
-        return selection_.isSelected(index.row());
     default:
         return {};
     }
 }
 
-QString OrganizeTreeModel::accessibleText(const Row& row) const {
-    const std::array states = {QStringLiteral("未勾选"), QStringLiteral("部分勾选"),
-                               QStringLiteral("已勾选")};
-    return QStringLiteral("%1，%2，%3，%4")
-        .arg(row.title, shownMessageCount(row.count), shownSize(row.bytes),
-             states[static_cast<std::size_t>(row.tick)]);
-}
-
-std::vector<OrganizeTreeModel::Row> OrganizeTreeModel::makeRows() const {
-    std::vector<Row> rows;
+OrganizeTreeModel::Records OrganizeTreeModel::makeRows() const {
+    Records rows;
     const double wholeBytes = largestYear(*overview_, scope_);
     for (std::size_t position = 0; position < overview_->sections.size(); ++position) {
         const auto& section = overview_->sections[position];
         if (!scope_.holdsAccount(section.key)) continue;
-        Row row{.level = Account,
-                .key = section.key,
-                .title = screens::shownLine(section.title),
-                .tick = ticks_.stateOf(section, scope_),
-                .isExpanded = !collapsedAccountKeys_.contains(section.key),
-                .section = position};
-        std::vector<Row> years;
+        OrganizeRow row{.level = OrganizeLevel::account,
+                        .key = section.key,
+                        .title = screens::shownLine(section.title),
+                        .tick = ticks_.stateOf(section, scope_),
+                        .isExpanded = !collapsedAccountKeys_.contains(section.key),
+                        .section = position};
+        Records years;
         for (std::size_t year = 0; year < section.years.size(); ++year) {
             if (!scope_.holdsYear(section.years[year].year)) continue;
             row.count += section.years[year].count;
@@ -153,66 +140,43 @@ std::vector<OrganizeTreeModel::Row> OrganizeTreeModel::makeRows() const {
     return rows;
 }
 
-void OrganizeTreeModel::addYear(std::vector<Row>& rows, std::size_t section, std::size_t year,
+void OrganizeTreeModel::addYear(Records& rows, std::size_t section, std::size_t year,
                                 double wholeBytes) const {
     const OrganizeYearGroup& group = overview_->sections[section].years[year];
     const bool isExpanded = expandedOrganizeYearKeys_.contains(group.key) && !group.folders.empty();
-    rows.push_back({Year, group.key, yearTitle(group.year), group.count, group.bytes,
+    rows.push_back({OrganizeLevel::year, group.key, yearTitle(group.year), group.count, group.bytes,
                     static_cast<double>(group.bytes) / wholeBytes, ticks_.stateOf(group), isExpanded,
                     !group.folders.empty(), section, year, 0});
     if (!isExpanded) return;
     for (std::size_t position = 0; position < group.folders.size(); ++position) {
         const OrganizeFolderRow& folder = group.folders[position];
-        rows.push_back({Folder, folder.key, folderTitle(folder.mailbox), folder.count, folder.bytes,
-                        static_cast<double>(folder.bytes) / wholeBytes, ticks_.stateOf(group, folder), false,
-                        false, section, year, position});
+        rows.push_back({OrganizeLevel::folder, folder.key, folderTitle(folder.mailbox), folder.count,
+                        folder.bytes, static_cast<double>(folder.bytes) / wholeBytes,
+                        ticks_.stateOf(group, folder), false, false, section, year, position});
     }
 }
 
 void OrganizeTreeModel::show() {
-    std::vector<std::string> earlierKeys;
-    earlierKeys.reserve(rows_.size());
-    for (const Row& row : rows_) earlierKeys.push_back(row.key);
-    updateRows(rows_, makeRows(), [](const Row& row) { return std::string_view(row.key); });
-    selectionFollows(earlierKeys);
-}
-
-// Where the current row has gone, what stood above it is the current one: the year whose folders were closed.
-void OrganizeTreeModel::selectionFollows(const std::vector<std::string>& earlierKeys) {
-    std::unordered_map<std::string_view, int> rowOfKey;
-    for (int row = 0; row < rowCount(); ++row)
-        rowOfKey.emplace(rows_[static_cast<std::size_t>(row)].key, row);
-    std::vector<int> newRows;
-    newRows.reserve(earlierKeys.size());
-    for (const std::string& key : earlierKeys) {
-        const auto found = rowOfKey.find(key);
-        newRows.push_back(found == rowOfKey.end() ? -1 : found->second);
-    }
-    int current = selection_.currentRow();
-    const bool isLost = current >= 0 && newRows[static_cast<std::size_t>(current)] < 0;
-    while (current >= 0 && newRows[static_cast<std::size_t>(current)] < 0) --current;
-    selection_.remap(newRows, rowCount());
-    if (isLost) selection_.select(current < 0 ? 0 : newRows[static_cast<std::size_t>(current)]);
-    // What a view asked for while rows went and came was told by the rows of before.
-    tellSelected(0, rowCount() - 1);
-}
-
-void OrganizeTreeModel::tellSelected(int first, int last) {
-    last = std::min(last, rowCount() - 1);
-    if (first <= last) Q_EMIT dataChanged(index(first), index(last), {SelectedRole});
+    int current = selection()->currentRow();
+    const std::vector<int> newRows = replace(makeRows());
+    const auto isGone = [&](int row) { return newRows[static_cast<std::size_t>(row)] < 0; };
+    if (current < 0 || !isGone(current)) return;
+    // What stood above a row that has gone is the current one: the year whose folders were closed.
+    while (current >= 0 && isGone(current)) --current;
+    selection()->select(current < 0 ? 0 : newRows[static_cast<std::size_t>(current)]);
 }
 
 void OrganizeTreeModel::setOverview(SharedOrganizeOverview overview) {
     overview_ = std::move(overview);
     ticks_.prune(*overview_);
     // The figures of what is ticked may be others also when no tick has gone.
-    ticksWereChanged();
+    handleTickChange();
 }
 
 void OrganizeTreeModel::setScope(const OrganizeScope& scope) {
     if (scope_ == scope) return;
     scope_ = scope;
-    ticksWereChanged();
+    handleTickChange();
 }
 
 int OrganizeTreeModel::tickState() const {
@@ -223,33 +187,30 @@ QString OrganizeTreeModel::tickHelp() const {
     return tickState() == Ticked ? QStringLiteral("取消选择全部") : QStringLiteral("选中全部邮箱和年份");
 }
 
-void OrganizeTreeModel::ticksWereChanged() {
+void OrganizeTreeModel::handleTickChange() {
     show();
     Q_EMIT ticksChanged();
 }
 
 void OrganizeTreeModel::toggleTick(int row) {
-    if (row < 0 || row >= rowCount()) return;
-    const Row& shown = rows_[static_cast<std::size_t>(row)];
-    setTick(shown, shown.tick != TickState::on);
-    ticksWereChanged();
+    const OrganizeRow* const shown = record(row);
+    if (shown == nullptr) return;
+    setTick(*shown, shown->tick != TickState::on);
+    handleTickChange();
 }
 
 void OrganizeTreeModel::toggleTicks(int row) {
-    if (!selection_.isSelected(row)) return toggleTick(row);
-    const bool ticked = rows_[static_cast<std::size_t>(row)].tick != TickState::on;
-    for (const auto& range : selection_.rows().ranges()) {
-        for (int each = range.first; each < range.end; ++each)
-            setTick(rows_[static_cast<std::size_t>(each)], ticked);
-    }
-    ticksWereChanged();
+    if (!selection()->isSelected(row)) return toggleTick(row);
+    const bool ticked = record(row)->tick != TickState::on;
+    selection()->rows().forEach([&](int each) { setTick(*record(each), ticked); });
+    handleTickChange();
 }
 
-void OrganizeTreeModel::setTick(const Row& shown, bool ticked) {
+void OrganizeTreeModel::setTick(const OrganizeRow& shown, bool ticked) {
     const auto& section = overview_->sections[shown.section];
-    if (shown.level == Account) ticks_.setSection(section, scope_, ticked);
-    if (shown.level == Year) ticks_.setYear(section.years[shown.year], ticked);
-    if (shown.level == Folder) {
+    if (shown.level == OrganizeLevel::account) ticks_.setSection(section, scope_, ticked);
+    if (shown.level == OrganizeLevel::year) ticks_.setYear(section.years[shown.year], ticked);
+    if (shown.level == OrganizeLevel::folder) {
         const OrganizeYearGroup& year = section.years[shown.year];
         ticks_.setFolder(year, year.folders[shown.folder], ticked);
     }
@@ -257,21 +218,19 @@ void OrganizeTreeModel::setTick(const Row& shown, bool ticked) {
 
 QString OrganizeTreeModel::selectedLines() const {
     QStringList lines;
-    for (const auto& range : selection_.rows().ranges()) {
-        for (int row = range.first; row < range.end; ++row) {
-            const Row& shown = rows_[static_cast<std::size_t>(row)];
-            QStringList parts{shown.title, shownMessageCount(shown.count), shownSize(shown.bytes)};
-            for (int above = parentRow(row); above >= 0; above = parentRow(above))
-                parts.prepend(rows_[static_cast<std::size_t>(above)].title);
-            lines += parts.join(QStringLiteral(" · "));
-        }
-    }
+    selection()->rows().forEach([&](int row) {
+        const OrganizeRow& shown = *record(row);
+        QStringList parts{shown.title, shownMessageCount(shown.count), shownSize(shown.bytes)};
+        for (int above = parentRow(row); above >= 0; above = parentRow(above))
+            parts.prepend(record(above)->title);
+        lines += parts.join(QStringLiteral(" · "));
+    });
     return lines.join(u'\n');
 }
 
 void OrganizeTreeModel::setAllTicks(bool ticked) {
     ticks_.setAll(*overview_, scope_, ticked);
-    ticksWereChanged();
+    handleTickChange();
 }
 
 void OrganizeTreeModel::toggleAllTicks() {
@@ -283,33 +242,28 @@ void OrganizeTreeModel::tickAll() {
 }
 
 void OrganizeTreeModel::setExpanded(int row, bool expanded) {
-    if (row < 0 || row >= rowCount()) return;
-    const Row& shown = rows_[static_cast<std::size_t>(row)];
-    if (!shown.isExpandable || shown.isExpanded == expanded) return;
-    const bool isListed = (shown.level == Account) != expanded;
-    auto& keys = shown.level == Account ? collapsedAccountKeys_ : expandedOrganizeYearKeys_;
-    if (isListed) {
-        keys.insert(shown.key);
+    const OrganizeRow* const shown = record(row);
+    if (shown == nullptr || !shown->isExpandable || shown->isExpanded == expanded) return;
+    const bool isAccount = shown->level == OrganizeLevel::account;
+    auto& keys = isAccount ? collapsedAccountKeys_ : expandedOrganizeYearKeys_;
+    if (isAccount != expanded) {
+        keys.insert(shown->key);
     } else {
-        keys.erase(shown.key);
+        keys.erase(shown->key);
     }
     show();
 }
 
 int OrganizeTreeModel::parentRow(int row) const {
-    if (row < 0 || row >= rowCount()) return -1;
-    const Level level = rows_[static_cast<std::size_t>(row)].level;
-    for (int above = row - 1; above >= 0; --above) {
-        if (rows_[static_cast<std::size_t>(above)].level < level) return above;
-    }
-    return -1;
+    if (record(row) == nullptr) return -1;
+    int above = row - 1;
+    while (above >= 0 && record(above)->level >= record(row)->level) --above;
+    return above;
 }
 
 int OrganizeTreeModel::firstChildRow(int row) const {
-    if (row < 0 || row + 1 >= rowCount()) return -1;
-    return rows_[static_cast<std::size_t>(row) + 1].level > rows_[static_cast<std::size_t>(row)].level
-               ? row + 1
-               : -1;
+    if (record(row) == nullptr || record(row + 1) == nullptr) return -1;
+    return record(row + 1)->level > record(row)->level ? row + 1 : -1;
 }
 
 } // namespace corvane

@@ -7,27 +7,54 @@
 #include <memory>
 #include <set>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include <QtQml/qqmlregistration.h>
 
 #include "listing/organize_sections.h"
 #include "listing/organize_ticks.h"
-#include "screens/lists/list_selection.h"
-#include "screens/lists/row_list_model.h"
+#include "screens/lists/record_list_model.h"
 
 namespace corvane {
 
-class OrganizeTreeModel : public RowListModel {
+enum class OrganizeLevel { account, year, folder };
+
+struct OrganizeRow {
+    OrganizeLevel level = OrganizeLevel::account;
+    std::string key;
+    QString title;
+    std::int64_t count = 0;
+    std::int64_t bytes = 0;
+    double share = 0; // 0 to 1, of the largest year that is shown
+    TickState tick = TickState::off;
+    bool isExpanded = false;
+    bool isExpandable = true;
+    // Positions in the overview.
+    std::size_t section = 0;
+    std::size_t year = 0;
+    std::size_t folder = 0;
+
+    friend bool operator==(const OrganizeRow&, const OrganizeRow&) = default;
+};
+
+struct OrganizeRowKey {
+    std::string_view operator()(const OrganizeRow& row) const { return row.key; }
+};
+
+class OrganizeTreeModel : public RecordListModel<OrganizeRow, OrganizeRowKey> {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("part of the home screen")
     Q_PROPERTY(int tickState READ tickState NOTIFY ticksChanged)
     Q_PROPERTY(QString tickHelp READ tickHelp NOTIFY ticksChanged)
-    Q_PROPERTY(corvane::ListSelection* selection READ selection CONSTANT)
 
   public:
-    enum Level { Account, Year, Folder };
+    // OrganizeLevel as QML knows it.
+    enum Level {
+        Account = static_cast<int>(OrganizeLevel::account),
+        Year = static_cast<int>(OrganizeLevel::year),
+        Folder = static_cast<int>(OrganizeLevel::folder),
+    };
     Q_ENUM(Level)
 
     // As the tick box of the controls has them.
@@ -35,7 +62,7 @@ class OrganizeTreeModel : public RowListModel {
     Q_ENUM(Tick)
 
     enum Role {
-        LevelRole = Qt::UserRole,
+        LevelRole = FirstRole,
         TitleRole,
         CountRole,
         SizeRole,
@@ -46,13 +73,10 @@ class OrganizeTreeModel : public RowListModel {
         TickHelpRole,
         ExpandHelpRole,
         AccessibleTextRole,
-        SelectedRole,
     };
 
-    explicit OrganizeTreeModel(QObject* parent = nullptr);
+    using RecordListModel::RecordListModel;
 
-    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
-    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
     // Drops the ticks of what has gone.
@@ -63,11 +87,9 @@ class OrganizeTreeModel : public RowListModel {
 
     [[nodiscard]] const OrganizeTicks& ticks() const { return ticks_; }
 
-    // Of everything in the scope.
+    // A `Tick`: of everything in the scope.
     [[nodiscard]] int tickState() const;
     [[nodiscard]] QString tickHelp() const;
-
-    [[nodiscard]] ListSelection* selection() { return &selection_; }
 
     Q_INVOKABLE void toggleTick(int row);
 
@@ -87,42 +109,22 @@ class OrganizeTreeModel : public RowListModel {
   Q_SIGNALS:
     void ticksChanged();
 
+  protected:
+    [[nodiscard]] QVariant value(const OrganizeRow& row, int role) const override;
+
   private:
-    struct Row {
-        Level level = Account;
-        std::string key;
-        QString title;
-        std::int64_t count = 0;
-        std::int64_t bytes = 0;
-        double share = 0;
-        TickState tick = TickState::off;
-        bool isExpanded = false;
-        bool isExpandable = true;
-        // Positions in the overview.
-        std::size_t section = 0;
-        std::size_t year = 0;
-        std::size_t folder = 0;
-
-        friend bool operator==(const Row&, const Row&) = default;
-    };
-
-    [[nodiscard]] std::vector<Row> makeRows() const;
-    void addYear(std::vector<Row>& rows, std::size_t section, std::size_t year, double wholeBytes) const;
+    [[nodiscard]] Records makeRows() const;
+    void addYear(Records& rows, std::size_t section, std::size_t year, double wholeBytes) const;
     void show();
-    void selectionFollows(const std::vector<std::string>& earlierKeys);
-    void tellSelected(int first, int last);
-    void setTick(const Row& row, bool ticked);
+    void setTick(const OrganizeRow& row, bool ticked);
     void setAllTicks(bool ticked);
-    void ticksWereChanged();
-    [[nodiscard]] QString accessibleText(const Row& row) const;
+    void handleTickChange();
 
     SharedOrganizeOverview overview_ = std::make_shared<const OrganizeOverview>();
     OrganizeScope scope_;
     OrganizeTicks ticks_;
     std::set<std::string> collapsedAccountKeys_;
     std::set<std::string> expandedOrganizeYearKeys_;
-    std::vector<Row> rows_;
-    ListSelection selection_;
 };
 
 } // namespace corvane

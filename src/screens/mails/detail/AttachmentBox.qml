@@ -42,14 +42,14 @@ Rectangle {
             AppText {
                 anchors.verticalCenter: parent.verticalCenter
                 x: 12
-                text: box.detail.attachmentCount + " 个附件"
+                text: box.detail.shown.attachmentCount + " 个附件"
                 font.weight: Theme.medium
             }
             AppText {
                 anchors.verticalCenter: parent.verticalCenter
                 anchors.right: parent.right
                 anchors.rightMargin: box.compact ? 32 : 12
-                text: box.detail.attachmentsSize
+                text: box.detail.shown.attachmentsSize
                 role: AppText.Note
                 color: Theme.text3
             }

@@ -28,9 +28,9 @@ FocusScope {
             objectName: "archivedChip"
             anchors.verticalCenter: parent.verticalCenter
             x: Theme.margin
-            kind: view.detail.archived ? "safe" : "attention"
-            symbol: view.detail.archived ? "circle-check" : "circle-dashed"
-            text: view.detail.archived ? "已归档" : "未归档"
+            kind: view.detail.shown.archived ? "safe" : "attention"
+            symbol: view.detail.shown.archived ? "circle-check" : "circle-dashed"
+            text: view.detail.shown.archived ? "已归档" : "未归档"
         }
         Row {
             anchors.right: parent.right
@@ -44,7 +44,7 @@ FocusScope {
                 symbol: "square-arrow-out-up-right"
                 symbolSize: 14
                 text: "在 Mail 中打开"
-                onClicked: view.screen.openInMail()
+                onClicked: view.screen.actions.openInMail()
             }
             AppButton {
                 objectName: "archiveButton"
@@ -54,7 +54,7 @@ FocusScope {
                 text: "归档…"
                 enabled: view.screen.canArchive
                 help: view.screen.selection.count > 1 ? "归档选中的 " + view.screen.selection.count + " 封邮件" : "只归档这一封邮件"
-                onClicked: view.screen.archiveSelection()
+                onClicked: view.screen.actions.archiveSelection()
             }
             IconButton {
                 id: moreButton
@@ -104,7 +104,7 @@ FocusScope {
                         objectName: "detailSubject"
                         width: parent.width
                         bottomPadding: 5
-                        text: view.detail.subject
+                        text: view.detail.shown.subject
                         role: AppText.Title
                         wrapMode: Text.Wrap
                         maximumLineCount: 2
@@ -113,23 +113,23 @@ FocusScope {
                     DetailField {
                         width: parent.width
                         name: "发件人"
-                        value: view.detail.sender
+                        value: view.detail.shown.sender
                     }
                     DetailField {
                         objectName: "detailRecipients"
                         width: parent.width
                         name: "收件人"
-                        value: view.detail.recipients
+                        value: view.detail.shown.recipients
                     }
                     DetailField {
                         width: parent.width
                         name: "日期"
-                        value: view.detail.dateText
+                        value: view.detail.shown.dateText
                     }
                     DetailField {
                         width: parent.width
                         name: "位置"
-                        value: view.detail.place
+                        value: view.detail.shown.place
                     }
                 }
                 CopiesNote {
@@ -137,12 +137,12 @@ FocusScope {
                     width: parent.width
                     visible: title.length > 0
                     compact: view.low
-                    title: view.detail.copiesTitle
-                    places: view.detail.copiesPlaces
+                    title: view.detail.shown.copiesTitle
+                    places: view.detail.shown.copiesPlaces
                 }
                 AppText {
                     width: parent.width
-                    visible: view.detail.imported
+                    visible: view.detail.shown.imported
                     text: "这封邮件在一个导入到 Mail 的邮箱里。"
                     role: AppText.Note
                     color: Theme.text3
@@ -151,8 +151,8 @@ FocusScope {
                     id: body
                     objectName: "detailPreview"
                     width: Math.min(parent.width, Theme.messageMeasure)
-                    visible: view.detail.hasPreview
-                    text: view.detail.preview
+                    visible: view.detail.shown.hasPreview
+                    text: view.detail.shown.preview
                     textFormat: TextEdit.PlainText
                     wrapMode: TextEdit.Wrap
                     readOnly: true
@@ -174,13 +174,13 @@ FocusScope {
                     }
                 }
                 AppText {
-                    visible: !view.detail.hasPreview
-                    text: view.detail.preview
+                    visible: !view.detail.shown.hasPreview
+                    text: view.detail.shown.preview
                     color: Theme.text3
                 }
                 AttachmentBox {
                     width: parent.width
-                    visible: view.detail.attachmentCount > 0
+                    visible: view.detail.shown.attachmentCount > 0
                     compact: view.low
                     detail: view.detail
                 }

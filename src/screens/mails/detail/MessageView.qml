@@ -54,7 +54,7 @@ SelectableList {
 
     Keys.onPressed: event => {
         event.accepted = true;
-        if (take(event.key, event.modifiers))
+        if (handleKey(event.key, event.modifiers))
             return;
         if (event.key === Qt.Key_Space)
             pageRequested(!(event.modifiers & Qt.ShiftModifier));
@@ -65,7 +65,7 @@ SelectableList {
         else if (event.matches(StandardKey.SelectAll))
             selection.selectAll();
         else if (event.matches(StandardKey.Copy))
-            screen.copySelection();
+            screen.actions.copySelection();
         else
             event.accepted = false;
     }

@@ -58,7 +58,7 @@ Rectangle {
     SidebarFoot {
         anchors.bottom: parent.bottom
         width: parent.width - 1
-        archivePlace: sidebar.app.archivePlace
+        destination: sidebar.app.destination
         activity: sidebar.app.activity
         onPlaceChosen: key => {
             sidebar.app.archive.bringToFront();

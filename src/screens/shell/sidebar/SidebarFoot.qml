@@ -7,7 +7,8 @@ import Corvane
 FocusGroup {
     id: foot
 
-    required property ArchivePlace archivePlace
+    // A destinationItem.
+    required property var destination
     required property Activity activity
 
     signal placeChosen(string key)
@@ -39,8 +40,8 @@ FocusGroup {
                 Layout.alignment: Qt.AlignTop
                 Layout.topMargin: 1
                 size: 18
-                name: foot.archivePlace.symbol
-                color: foot.archivePlace.missing ? Theme.attention : Theme.text2
+                name: foot.destination.symbol
+                color: foot.destination.isMissing ? Theme.attention : Theme.text2
             }
             ColumnLayout {
                 Layout.fillWidth: true
@@ -49,16 +50,16 @@ FocusGroup {
                 AppText {
                     objectName: "archivePlaceName"
                     Layout.fillWidth: true
-                    text: foot.archivePlace.name
+                    text: foot.destination.shortName
                     font.weight: Theme.medium
-                    wholeText: foot.archivePlace.path.length > 0 ? foot.archivePlace.path : text
+                    wholeText: foot.destination.isChosen ? foot.destination.fullPath : text
                 }
                 AppText {
                     objectName: "archivePlaceLine"
                     Layout.fillWidth: true
-                    text: foot.archivePlace.line
+                    text: foot.destination.line
                     role: AppText.Note
-                    color: foot.archivePlace.missing ? Theme.attention : Theme.text3
+                    color: foot.destination.isMissing ? Theme.attention : Theme.text3
                 }
             }
         }

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <utility>
 
+#include "screens/shell/sidebar/sidebar_model.h"
 #include "screens/texts/shown_figures.h"
 
 namespace corvane {
@@ -25,19 +26,19 @@ Activity::Activity(CorvaneViewModel& model, std::chrono::milliseconds loadPatien
     pause_.setSingleShot(true);
     pause_.setInterval(changePause);
     connect(&pause_, &QTimer::timeout, this, [this] { show(present()); });
-    connect(&model.scanFlow(), &ScanFlow::stateChanged, this, &Activity::follow);
-    connect(&model.catalog(), &MessageCatalog::summaryChanged, this, &Activity::follow);
-    connect(&model.archiveRun(), &ArchiveRunFlow::progressChanged, this, &Activity::follow);
-    connect(&model.bodyTexts(), &BodyTexts::bodyIndexProgressChanged, this, &Activity::follow);
-    connect(&model.library(), &LibraryLoader::loadStarted, this, &Activity::noteLoad);
-    connect(&model.library(), &LibraryLoader::loadFinished, this, &Activity::follow);
-    noteLoad();
+    connect(&model.scanFlow(), &ScanFlow::stateChanged, this, &Activity::update);
+    connect(&model.catalog(), &MessageCatalog::summaryChanged, this, &Activity::update);
+    connect(&model.archiveRun(), &ArchiveRunFlow::progressChanged, this, &Activity::update);
+    connect(&model.bodyTexts(), &BodyTexts::bodyIndexProgressChanged, this, &Activity::update);
+    connect(&model.library(), &LibraryLoader::loadStarted, this, &Activity::handleLoadStart);
+    connect(&model.library(), &LibraryLoader::loadFinished, this, &Activity::update);
+    handleLoadStart();
 }
 
-void Activity::noteLoad() {
+void Activity::handleLoadStart() {
     loadClock_.start();
-    QTimer::singleShot(loadPatience_, this, &Activity::follow);
-    follow();
+    QTimer::singleShot(loadPatience_, this, &Activity::update);
+    update();
 }
 
 bool Activity::loadLasts() const {
@@ -45,7 +46,7 @@ bool Activity::loadLasts() const {
 }
 
 Activity::State Activity::present() const {
-    const QString home = QStringLiteral("home");
+    const QString home = SidebarModel::keyOf(SidebarPlace::home);
     if (model_.archiveRun().isArchiving()) {
         const EmailArchiveProgress progress =
             model_.archiveRun().emailArchiveProgress().value_or(EmailArchiveProgress());
@@ -61,9 +62,9 @@ Activity::State Activity::present() const {
     return {};
 }
 
-void Activity::follow() {
+void Activity::update() {
     State state = present();
-    // Another work, or its end, is told at once.
+    // Another work, or its end, is shown at once.
     if (state.title != shown_.title) {
         show(std::move(state));
     } else if (running() && !pause_.isActive()) {

@@ -28,8 +28,8 @@ class Activity : public QObject {
     Q_PROPERTY(QString place READ place NOTIFY changed)
 
   public:
-    // `model` must outlive it. The archive's index is mostly read before one could read of it: it is told of
-    // after `loadPatience`.
+    // `model` must outlive it. Reading the archive's index mostly takes no time: it is shown only when it
+    // lasts longer than `loadPatience`.
     explicit Activity(CorvaneViewModel& model,
                       std::chrono::milliseconds loadPatience = std::chrono::milliseconds(500),
                       QObject* parent = nullptr);
@@ -62,8 +62,8 @@ class Activity : public QObject {
 
     [[nodiscard]] State present() const;
     [[nodiscard]] bool loadLasts() const;
-    void noteLoad();
-    void follow();
+    void handleLoadStart();
+    void update();
     void show(State state);
 
     CorvaneViewModel& model_;

@@ -1,6 +1,7 @@
 #include "screens/shell/sidebar/sidebar_model.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 
 namespace corvane {
@@ -14,7 +15,8 @@ struct Place {
     bool hasScreen;
 };
 
-// In the order of the keys Ctrl 1 to Ctrl 5, which stay the same whichever of them have a screen yet.
+// By SidebarPlace, in the order of the keys Ctrl 1 to Ctrl 5, which stay the same whichever of them have a
+// screen yet.
 constexpr std::array<Place, 5> places = {{
     {u"home", u"归档邮件", u"archive", true},
     {u"archived", u"已归档概览", u"shield-check", false},
@@ -25,20 +27,33 @@ constexpr std::array<Place, 5> places = {{
 
 constexpr std::chrono::seconds figurePause(1);
 
+const Place& entryOf(SidebarPlace place) {
+    return places.at(static_cast<std::size_t>(place));
+}
+
+int numberOf(SidebarPlace place) {
+    return static_cast<int>(place) + 1;
+}
+
 } // namespace
 
 SidebarModel::SidebarModel(QObject* parent)
   : QAbstractListModel(parent) {
-    for (int place = 0; place < static_cast<int>(places.size()); ++place)
-        if (places.at(static_cast<std::size_t>(place)).hasScreen) rows_.push_back({place, {}, {}});
+    for (std::size_t position = 0; position < places.size(); ++position) {
+        const auto place = static_cast<SidebarPlace>(position);
+        if (hasScreen(place)) rows_.push_back({place, {}, {}});
+    }
     pause_.setSingleShot(true);
     pause_.setInterval(figurePause);
     connect(&pause_, &QTimer::timeout, this, &SidebarModel::publish);
 }
 
-bool SidebarModel::hasScreen(QStringView key) {
-    return std::ranges::any_of(places,
-                               [key](const Place& place) { return place.hasScreen && key == place.key; });
+bool SidebarModel::hasScreen(SidebarPlace place) {
+    return entryOf(place).hasScreen;
+}
+
+QString SidebarModel::keyOf(SidebarPlace place) {
+    return QString::fromUtf16(entryOf(place).key);
 }
 
 int SidebarModel::rowCount(const QModelIndex& parent) const {
@@ -48,7 +63,7 @@ int SidebarModel::rowCount(const QModelIndex& parent) const {
 QVariant SidebarModel::data(const QModelIndex& index, int role) const {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
     const Row& row = rows_[static_cast<std::size_t>(index.row())];
-    const Place& place = places.at(static_cast<std::size_t>(row.place));
+    const Place& place = entryOf(row.place);
     switch (role) {
     case KeyRole:
         return QString::fromUtf16(place.key);
@@ -59,7 +74,7 @@ QVariant SidebarModel::data(const QModelIndex& index, int role) const {
     case FigureRole:
         return row.shownFigure;
     case NumberRole:
-        return row.place + 1;
+        return numberOf(row.place);
     default:
         return {};
     }
@@ -73,19 +88,18 @@ QHash<int, QByteArray> SidebarModel::roleNames() const {
             {NumberRole, "number"}};
 }
 
-void SidebarModel::setFigure(QStringView key, const QString& figure) {
-    const auto row = std::find_if(rows_.begin(), rows_.end(), [key](const Row& candidate) {
-        return key == places.at(static_cast<std::size_t>(candidate.place)).key;
-    });
+void SidebarModel::setFigure(SidebarPlace place, const QString& figure) {
+    const auto row = std::find_if(rows_.begin(), rows_.end(),
+                                  [place](const Row& candidate) { return candidate.place == place; });
     if (row == rows_.end() || row->figure == figure) return;
     row->figure = figure;
     if (!pause_.isActive()) publish();
 }
 
 QString SidebarModel::keyOfNumber(int number) const {
-    for (const Row& row : rows_)
-        if (row.place + 1 == number)
-            return QString::fromUtf16(places.at(static_cast<std::size_t>(row.place)).key);
+    for (const Row& row : rows_) {
+        if (numberOf(row.place) == number) return keyOf(row.place);
+    }
     return {};
 }
 

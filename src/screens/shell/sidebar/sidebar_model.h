@@ -2,7 +2,6 @@
 // second, so that a running scan doesn't flicker.
 #pragma once
 
-#include <array>
 #include <vector>
 
 #include <QAbstractListModel>
@@ -10,6 +9,9 @@
 #include <QtQml/qqmlregistration.h>
 
 namespace corvane {
+
+// The places of the window. Some of them have no screen yet.
+enum class SidebarPlace { home, archived, library, mails, space };
 
 class SidebarModel : public QAbstractListModel {
     Q_OBJECT
@@ -25,18 +27,21 @@ class SidebarModel : public QAbstractListModel {
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
-    // Whether the place of that key is to be seen.
-    [[nodiscard]] static bool hasScreen(QStringView key);
+    // Only places with a screen are listed.
+    [[nodiscard]] static bool hasScreen(SidebarPlace place);
 
-    // What stands beside a place's name; empty for nothing. A place that isn't shown is ignored.
-    void setFigure(QStringView key, const QString& figure);
+    // By which QML knows a place.
+    [[nodiscard]] static QString keyOf(SidebarPlace place);
+
+    // What stands beside a place's name; may be empty. No effect for a place that isn't listed.
+    void setFigure(SidebarPlace place, const QString& figure);
 
     // The key of the place that Ctrl and `number` go to; empty where there is none.
     Q_INVOKABLE [[nodiscard]] QString keyOfNumber(int number) const;
 
   private:
     struct Row {
-        int place = 0; // in the table of all places
+        SidebarPlace place = SidebarPlace::home;
         QString figure;
         QString shownFigure;
     };

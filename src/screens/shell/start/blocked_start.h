@@ -27,7 +27,7 @@ class BlockedStart : public QObject {
 
     void setRetrying(bool retrying);
 
-    // Does nothing while a try is under way.
+    // No effect while a try is under way.
     Q_INVOKABLE void retry();
 
   Q_SIGNALS:

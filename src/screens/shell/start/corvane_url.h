@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-// The absolute path that the address asks to open; nothing for any other address. Text only: whether there is
+// The absolute path that the address asks to open; absent for any other address. Text only: whether there is
 // such a folder isn't looked at.
 std::optional<QString> folderOfUrl(const QString& address);
 

@@ -1,49 +1,13 @@
 #include "screens/shell/start/sample_store.h"
 
-#include <cstdlib>
 #include <exception>
-#include <filesystem>
-#include <stdexcept>
-#include <system_error>
 
-#include "platform/child_process.h"
+#include "model/mail/sample_mail_maker.h"
 #include "platform/paths.h"
 
 namespace corvane {
 
 namespace {
-
-namespace fs = std::filesystem;
-
-bool isThere(const std::string& path) {
-    std::error_code ignored;
-    return fs::exists(path, ignored);
-}
-
-std::string firstThere(const std::vector<std::string>& paths) {
-    for (const std::string& path : paths)
-        if (isThere(path)) return path;
-    return {};
-}
-
-std::string pythonRuntime(const platform::Platform& platform) {
-    const char* chosen = std::getenv("CORVANE_PYTHON"); // NOLINT(concurrency-mt-unsafe): never set by us
-    if (chosen != nullptr && *chosen != '\0') return chosen;
-    return firstThere(platform.pythonRuntimes());
-}
-
-// Made beside its place and then moved there: a broken try never looks like a store.
-void makeSamples(const platform::Platform& platform, const std::string& maker, const std::string& home) {
-    if (isThere(platform::joinPath(home, "Library/Mail"))) return;
-    const std::string draft = home + ".new";
-    fs::remove_all(draft);
-    fs::create_directories(platform::parentPath(home));
-    const platform::CapturedOutput run =
-        platform::runAndCapture(pythonRuntime(platform), {"-B", maker, "--no-odd", "--quiet", draft});
-    if (run.exitStatus != 0) throw std::runtime_error(run.errorOutput);
-    fs::remove_all(home);
-    fs::rename(draft, home);
-}
 
 struct MakeJob {
     const platform::Platform& platform;
@@ -54,7 +18,7 @@ struct MakeJob {
 // The user's text; empty when the samples are there.
 QString failureOfMaking(const MakeJob& job, const TaskHandle&) {
     try {
-        makeSamples(job.platform, job.maker, job.home);
+        makeSampleMail(job.platform, job.maker, job.home);
     } catch (const std::exception& error) {
         return QStringLiteral("没能生成示例邮件：") + QString::fromLocal8Bit(error.what()).trimmed();
     }
@@ -68,14 +32,6 @@ SampleStore::SampleStore(ModelContext& context, std::vector<std::string> makers,
   , context_(context)
   , task_(context.tasks) {
     look(std::move(makers));
-}
-
-std::vector<std::string> SampleStore::makersOf(const platform::Platform& platform) {
-    std::vector<std::string> makers;
-    for (const std::string& folder : platform.programResourceFolders())
-        makers.push_back(platform::joinPath(folder, "make_sample_store.py"));
-    makers.emplace_back(CORVANE_DEVELOPMENT_SAMPLE_MAKER);
-    return makers;
 }
 
 bool SampleStore::open() const {
@@ -110,8 +66,7 @@ void SampleStore::look(std::vector<std::string> makers) {
     task_.start(
         TaskPriority::utility, Job{context_.platform, context_.mailRootPath, std::move(makers)},
         [](const Job& job, const TaskHandle&) {
-            return isThere(job.mailRoot) || pythonRuntime(job.platform).empty() ? std::string()
-                                                                                : firstThere(job.makers);
+            return findSampleMailMaker(job.platform, job.mailRoot, job.makers);
         },
         [this](std::string maker) {
             maker_ = std::move(maker);

@@ -29,9 +29,6 @@ class SampleStore : public QObject {
     // `makers` are the places to look for the script, in order. Looks at once whether to offer it.
     SampleStore(ModelContext& context, std::vector<std::string> makers, QObject* parent = nullptr);
 
-    // Where the script lies: among the program's files, and in the tree that it was built from.
-    static std::vector<std::string> makersOf(const platform::Platform& platform);
-
     [[nodiscard]] bool offered() const { return !maker_.empty(); }
 
     [[nodiscard]] bool busy() const { return busy_; }

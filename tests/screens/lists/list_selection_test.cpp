@@ -10,9 +10,7 @@ using Ranges = std::vector<RowRanges::Range>;
 
 std::set<int> rowsOf(const RowRanges& ranges) {
     std::set<int> rows;
-    for (const auto& range : ranges.ranges()) {
-        for (int row = range.first; row < range.end; ++row) rows.insert(row);
-    }
+    ranges.forEach([&](int row) { rows.insert(row); });
     return rows;
 }
 

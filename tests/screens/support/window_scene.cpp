@@ -1,4 +1,4 @@
-#include "screens/home/window_scene.h"
+#include "screens/support/window_scene.h"
 
 #include <array>
 #include <cstdint>
@@ -147,7 +147,7 @@ void WindowScene::showLatest() {
     QEventLoop loop;
     const auto isShown = [&] {
         return window_.home()->tree()->overview()->candidateCount() == expected &&
-               window_.home()->hasFigures();
+               window_.home()->figures().isKnown;
     };
     QObject::connect(window_.home(), &HomeScreen::figuresChanged, &loop, [&] {
         if (isShown()) loop.quit();

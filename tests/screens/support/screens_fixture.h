@@ -13,23 +13,9 @@
 #include "screens/archive/archive_screen.h"
 #include "screens/home/home_screen.h"
 #include "screens/home/organize_data.h"
+#include "screens/support/recording_desktop.h"
 
 namespace corvane::testing {
-
-class SilentDesktop : public DesktopActions {
-  public:
-    bool open(const QUrl& url) override {
-        opened << url.toString();
-        return true;
-    }
-
-    bool reveal(const QString&) override { return true; }
-
-    void copy(const QString& text) override { copied = text; }
-
-    QStringList opened;
-    QString copied;
-};
 
 class ScreensTest : public ModelTest {
   protected:
@@ -53,7 +39,7 @@ class ScreensTest : public ModelTest {
     }
 
     void chooseDestination(const std::string& folder) {
-        archiveScreen_.chooseDestination(QUrl::fromLocalFile(QString::fromStdString(folder)));
+        archiveScreen_.quickDestinations()->chooseFolder(QUrl::fromLocalFile(QString::fromStdString(folder)));
         settle();
     }
 
@@ -79,7 +65,7 @@ class ScreensTest : public ModelTest {
 
     ModelContext context_{platform_};
     CorvaneViewModel model_{withKnownAccount(context_)};
-    SilentDesktop desktop_;
+    RecordingDesktop desktop_;
     OrganizeData data_{model_, std::chrono::milliseconds(0)};
     ArchiveScreen archiveScreen_{model_, data_, desktop_};
     HomeScreen homeScreen_{model_, data_, archiveScreen_, desktop_};

@@ -6,7 +6,7 @@
 
 #include "locations/archive_samples.h"
 #include "records/stores/archive_index_file.h"
-#include "screens/home/screens_fixture.h"
+#include "screens/support/screens_fixture.h"
 
 namespace corvane {
 namespace {
@@ -31,8 +31,8 @@ class ArchiveSheet : public testing::ScreensTest {
         settle();
     }
 
-    [[nodiscard]] QString tile(int position) const {
-        const QVariantMap tile = archiveScreen_.result().tiles.at(position).toMap();
+    [[nodiscard]] QString tile(int position) {
+        const QVariantMap tile = archiveScreen_.outcome()->view().tiles.at(position).toMap();
         return tile[QStringLiteral("caption")].toString() + u' ' + tile[QStringLiteral("figure")].toString();
     }
 
@@ -44,18 +44,18 @@ TEST_F(ArchiveSheet, OffersWhatWasTickedAndArchivesWhatStaysTicked) {
     chooseDestination(home_.at("Documents/邮件归档"));
     openForYears({1});
     EXPECT_EQ(archiveScreen_.stage(), Stage::Confirm);
-    EXPECT_EQ(archiveScreen_.archiveScopeTitle(), QStringLiteral("2019 年"));
+    EXPECT_EQ(archiveScreen_.confirmation().archiveScopeTitle, QStringLiteral("2019 年"));
     ASSERT_EQ(candidates_.count(), 2);
-    EXPECT_EQ(archiveScreen_.tickedText(), QStringLiteral("已勾选 2 封，共 2 封"));
+    EXPECT_EQ(archiveScreen_.confirmation().tickedText, QStringLiteral("已勾选 2 封，共 2 封"));
     candidates_.toggleTick(1);
-    EXPECT_EQ(archiveScreen_.archiveSelectionSummary(), QStringLiteral("1 封邮件，共 3 KB"));
+    EXPECT_EQ(archiveScreen_.confirmation().archiveSelectionSummary, QStringLiteral("1 封邮件，共 3 KB"));
     EXPECT_EQ(candidates_.tickState(), 2);
 
     QSignalSpy finished(&archiveScreen_, &ArchiveScreen::archiveFinished);
     run();
     EXPECT_EQ(finished.size(), 1);
     EXPECT_EQ(archiveScreen_.stage(), Stage::Result);
-    EXPECT_TRUE(archiveScreen_.result().isSafe);
+    EXPECT_TRUE(archiveScreen_.outcome()->view().isSafe);
     EXPECT_EQ(tile(0), QStringLiteral("已归档 1"));
     EXPECT_EQ(readArchiveIndex(home_.at("Documents/邮件归档/archive-index.json"))->records.size(), 1U);
     EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("2 封需要放入归档库。"));
@@ -69,20 +69,20 @@ TEST_F(ArchiveSheet, SelectedCandidatesAreTickedTogetherAndCopied) {
     archiveScreen_.open(std::make_shared<const SharedTextSet>(*model_.catalog().locallyAvailableIDs()));
     settle();
     ASSERT_EQ(candidates_.count(), 3);
-    candidates_.rowSelection()->select(2);
-    candidates_.rowSelection()->extendTo(1);
-    archiveScreen_.copyCandidates();
+    candidates_.selection()->select(2);
+    candidates_.selection()->extendTo(1);
+    candidates_.copySelection();
     candidates_.toggleTicks(1);
     settle();
     EXPECT_EQ(desktop_.copied.count(u'\n'), 1) << desktop_.copied.toStdString();
-    EXPECT_EQ(archiveScreen_.tickedText(), QStringLiteral("已勾选 1 封，共 3 封"));
+    EXPECT_EQ(archiveScreen_.confirmation().tickedText, QStringLiteral("已勾选 1 封，共 3 封"));
     candidates_.toggleTick(2);
     candidates_.toggleTicks(1); // one of the two is ticked: they take what the row at the keyboard gets
     settle();
     EXPECT_EQ(candidates_.tickState(), 1);
-    candidates_.rowSelection()->select(0);
+    candidates_.selection()->select(0);
     candidates_.toggleTicks(0);
-    EXPECT_EQ(archiveScreen_.tickedText(), QStringLiteral("已勾选 2 封，共 3 封"));
+    EXPECT_EQ(archiveScreen_.confirmation().tickedText, QStringLiteral("已勾选 2 封，共 3 封"));
 }
 
 TEST_F(ArchiveSheet, FiltersOfOtherScreensTakeNothingFromWhatWasTicked) {
@@ -98,27 +98,26 @@ TEST_F(ArchiveSheet, SaysWhyItCannotStart) {
     archiveScreen_.open(
         std::make_shared<const SharedTextSet>(SharedTextSet{model_.catalog().messages()->front().id}));
     settle();
-    EXPECT_EQ(archiveScreen_.archiveButtonTitle(), QStringLiteral("先选择位置"));
-    EXPECT_FALSE(archiveScreen_.canStart());
+    EXPECT_EQ(archiveScreen_.confirmation().archiveButtonTitle, QStringLiteral("先选择位置"));
+    EXPECT_FALSE(archiveScreen_.confirmation().canStart);
 
     platform_.plugIn("盘");
     home_.makeFolder("Volumes/盘");
     chooseDestination(home_.at("Volumes/盘/邮件"));
-    EXPECT_TRUE(archiveScreen_.canStart());
+    EXPECT_TRUE(archiveScreen_.confirmation().canStart);
     std::filesystem::remove_all(home_.at("Volumes/盘"));
     platform_.unplug();
     model_.destinations().refreshFacts();
     settle();
-    EXPECT_EQ(archiveScreen_.archiveButtonTitle(), QStringLiteral("位置不可用"));
-    EXPECT_EQ(archiveScreen_.footnote(),
-              QStringLiteral("归档位置所在的 U 盘 / 外置盘未连接，请插入后再归档。"));
+    EXPECT_EQ(archiveScreen_.confirmation().archiveButtonTitle, QStringLiteral("位置不可用"));
+    EXPECT_TRUE(archiveScreen_.confirmation().footnote.contains(QStringLiteral("未连接")));
     archiveScreen_.start();
     EXPECT_EQ(archiveScreen_.stage(), Stage::Confirm);
 
     chooseDestination(home_.at("Documents/x"));
     candidates_.toggleAllTicks();
-    EXPECT_EQ(archiveScreen_.archiveButtonTitle(), QStringLiteral("选择邮件后归档"));
-    EXPECT_FALSE(archiveScreen_.canStart());
+    EXPECT_EQ(archiveScreen_.confirmation().archiveButtonTitle, QStringLiteral("选择邮件后归档"));
+    EXPECT_FALSE(archiveScreen_.confirmation().canStart);
 }
 
 TEST_F(ArchiveSheet, TheSmallestSizeIsOfOneSheetAndLeavesTheHomeAlone) {
@@ -137,7 +136,7 @@ TEST_F(ArchiveSheet, TheSmallestSizeIsOfOneSheetAndLeavesTheHomeAlone) {
     archiveScreen_.setMinimumSize(3);
     settle();
     EXPECT_EQ(candidates_.count(), 0);
-    EXPECT_EQ(archiveScreen_.archiveEmptyTitle(), QStringLiteral("没有可归档的邮件"));
+    EXPECT_EQ(archiveScreen_.confirmation().archiveEmptyTitle, QStringLiteral("没有可归档的邮件"));
     archiveScreen_.close();
     EXPECT_EQ(model_.filters().transferMinimumSize(), TransferSizePreset::any);
 }
@@ -162,9 +161,9 @@ TEST_F(ArchiveSheet, FailuresCanBeCopiedAndTriedAgain) {
     std::filesystem::remove(lost);
     openForYears({1});
     run();
-    EXPECT_EQ(archiveScreen_.result().title, QStringLiteral("归档完成，1 封失败"));
-    EXPECT_EQ(archiveScreen_.result().retryTitle, QStringLiteral("再试失败的 1 封"));
-    archiveScreen_.copyFailures();
+    EXPECT_EQ(archiveScreen_.outcome()->view().title, QStringLiteral("归档完成，1 封失败"));
+    EXPECT_EQ(archiveScreen_.outcome()->view().retryTitle, QStringLiteral("再试失败的 1 封"));
+    archiveScreen_.outcome()->copyFailures();
     EXPECT_TRUE(desktop_.copied.contains(QString::fromStdString(lost)));
 
     home_.write("Library/Mail/V10/a/b.emlx", kept);
@@ -173,7 +172,7 @@ TEST_F(ArchiveSheet, FailuresCanBeCopiedAndTriedAgain) {
     EXPECT_EQ(archiveScreen_.stage(), Stage::Confirm) << "where another place can be chosen";
     ASSERT_EQ(candidates_.count(), 1);
     run();
-    EXPECT_TRUE(archiveScreen_.result().isSafe);
+    EXPECT_TRUE(archiveScreen_.outcome()->view().isSafe);
 }
 
 TEST_F(ArchiveSheet, AnErrorBringsTheConfirmationBackWithItsTicks) {
@@ -205,7 +204,7 @@ TEST_F(ArchiveSheet, ARunGoesOnInTheBackgroundAndEndsInItsResult) {
     EXPECT_EQ(archiveScreen_.stage(), Stage::Running) << "a run is cancelled, not closed";
     archiveScreen_.sendToBackground();
     EXPECT_FALSE(archiveScreen_.isShown());
-    EXPECT_EQ(homeScreen_.organizePrimaryTitle(), QStringLiteral("查看归档进度"));
+    EXPECT_EQ(homeScreen_.selection().organizePrimaryTitle, QStringLiteral("查看归档进度"));
     homeScreen_.runOrganizePrimaryAction();
     EXPECT_TRUE(archiveScreen_.isShown());
     archiveScreen_.sendToBackground();
@@ -214,8 +213,8 @@ TEST_F(ArchiveSheet, ARunGoesOnInTheBackgroundAndEndsInItsResult) {
     settle();
     EXPECT_TRUE(archiveScreen_.isShown());
     EXPECT_EQ(archiveScreen_.stage(), Stage::Result);
-    EXPECT_EQ(archiveScreen_.result().title, QStringLiteral("归档已取消"));
-    const ArchiveResultView& result = archiveScreen_.result();
+    EXPECT_EQ(archiveScreen_.outcome()->view().title, QStringLiteral("归档已取消"));
+    const ArchiveResultView& result = archiveScreen_.outcome()->view();
     EXPECT_EQ(tile(static_cast<int>(result.tiles.size()) - 1), QStringLiteral("合计 200"));
 }
 
@@ -228,7 +227,7 @@ TEST_F(ArchiveSheet, CandidatesThatAreArchivedElsewhereLeaveTheSheet) {
     model_.library().loadEmailArchiveIndex(home_.at("归档"), true);
     settle();
     EXPECT_EQ(candidates_.count(), 1);
-    EXPECT_EQ(archiveScreen_.tickedText(), QStringLiteral("已勾选 1 封，共 1 封"));
+    EXPECT_EQ(archiveScreen_.confirmation().tickedText, QStringLiteral("已勾选 1 封，共 1 封"));
     EXPECT_EQ(resets.size(), 0);
 }
 

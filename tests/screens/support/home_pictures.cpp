@@ -13,11 +13,11 @@
 
 #include "screens/controls/theme/appearance.h"
 #include "screens/controls/theme/fonts.h"
-#include "screens/home/window_scene.h"
+#include "screens/support/window_scene.h"
 
 namespace {
 
-using corvane::HomeScreen;
+using corvane::ScanStatus;
 using corvane::testing::WindowScene;
 
 void tickSome(WindowScene& scene) {
@@ -32,8 +32,13 @@ void tickSome(WindowScene& scene) {
     tick("客户往来", 0);
 }
 
-void openConfirmation(WindowScene& scene) {
+void fillAndTick(WindowScene& scene) {
+    scene.fill();
     tickSome(scene);
+}
+
+void openConfirmation(WindowScene& scene) {
+    fillAndTick(scene);
     for (const char* folder :
          {"Library/Mobile Documents/com~apple~CloudDocs", "Library/CloudStorage/Nutstore-linzy@mail.example",
           "Library/CloudStorage/GoogleDrive-zhiyuan@linjia.example/My Drive"}) {
@@ -52,6 +57,13 @@ void runToItsEnd(WindowScene& scene) {
     scene.settle();
 }
 
+// The run waits at its beginning.
+void startHeldRun(WindowScene& scene) {
+    openConfirmation(scene);
+    scene.platform().onAvailableCapacity([&scene] { scene.waitForRelease(); });
+    scene.window().archive()->start();
+}
+
 // Mail that the real scanner reads, in a store made by the script of the sample mail.
 void makeStore(WindowScene& scene) {
     QProcess maker;
@@ -66,18 +78,18 @@ void makeStore(WindowScene& scene) {
 
 void scanStore(WindowScene& scene) {
     makeStore(scene);
-    scene.window().home()->updateMailData();
+    scene.window().home()->scan()->update();
     scene.settle();
 }
 
 // Nothing of the main thread runs between this and the picture, so the scan stays as it is.
 void scanHalfWay(WindowScene& scene, QQuickWindow&) {
     QEventLoop loop;
-    HomeScreen& home = *scene.window().home();
-    QObject::connect(&home, &HomeScreen::stateChanged, &loop, [&] {
-        if (!home.isScanning() || home.scanLine().startsWith(QStringLiteral("已扫描"))) loop.quit();
+    ScanStatus& scan = *scene.window().home()->scan();
+    QObject::connect(&scan, &ScanStatus::changed, &loop, [&] {
+        if (!scan.isScanning() || scan.line().startsWith(QStringLiteral("已扫描"))) loop.quit();
     });
-    home.updateMailData();
+    scan.update();
     loop.exec();
 }
 
@@ -150,11 +162,7 @@ struct State {
 
 const std::vector<State>& homeStates() {
     static const std::vector<State> all = {
-        {"a-home",
-         [](WindowScene& scene) {
-             scene.fill();
-             tickSome(scene);
-         }},
+        {"a-home", fillAndTick},
         {"a-home-unticked", [](WindowScene& scene) { scene.fill(); }},
         {"a-home-narrowed",
          [](WindowScene& scene) {
@@ -167,7 +175,7 @@ const std::vector<State>& homeStates() {
          [](WindowScene& scene) {
              scene.fill();
              scene.home().write("Library/Mail/V10/MailData/Envelope Index", std::string(4096, 'x'));
-             scene.window().home()->updateMailData();
+             scene.window().home()->scan()->update();
              scene.settle();
          }},
         {"a-home-advice",
@@ -188,16 +196,11 @@ const std::vector<State>& homeStates() {
         {"h-mail-list-no-match", scanStore, searchInVain},
         {"h-mail-list-menu", scanStore, openMenu},
         {"h-mail-list-filters", scanStore, openFilters},
-        {"a-home-keys",
-         [](WindowScene& scene) {
-             scene.fill();
-             tickSome(scene);
-         },
-         walkByKeys},
+        {"a-home-keys", fillAndTick, walkByKeys},
         {"d-home-no-access",
          [](WindowScene& scene) {
              scene.home().write("Library/Mail/V10/MailData/Envelope Index", "");
-             scene.window().home()->recheckAccess();
+             scene.window().home()->access()->recheckAccess();
              scene.settle();
          }},
     };
@@ -206,14 +209,9 @@ const std::vector<State>& homeStates() {
 
 const std::vector<State>& confirmationStates() {
     static const std::vector<State> all = {
-        {"e-archive-confirm",
-         [](WindowScene& scene) {
-             scene.fill();
-             openConfirmation(scene);
-         }},
+        {"e-archive-confirm", openConfirmation},
         {"e-archive-no-place",
          [](WindowScene& scene) {
-             scene.fill();
              openConfirmation(scene);
              std::filesystem::remove_all(scene.home().at("Documents/邮件归档"));
              scene.model().destinations().refreshFacts();
@@ -221,14 +219,12 @@ const std::vector<State>& confirmationStates() {
          }},
         {"e-archive-empty",
          [](WindowScene& scene) {
-             scene.fill();
              openConfirmation(scene);
              scene.window().archive()->setMinimumSize(3);
              scene.settle();
          }},
         {"e-archive-error",
          [](WindowScene& scene) {
-             scene.fill();
              openConfirmation(scene);
              std::filesystem::remove_all(scene.home().at("Documents"));
              scene.home().write("Documents", "");
@@ -237,7 +233,6 @@ const std::vector<State>& confirmationStates() {
          }},
         {"e-folder-picker",
          [](WindowScene& scene) {
-             scene.fill();
              openConfirmation(scene);
              for (const char* folder :
                   {"合同", "2018 旧项目", "2019 旧项目", "图片", "发票与报销", "👪 家庭", "Backups"})
@@ -252,21 +247,8 @@ const std::vector<State>& confirmationStates() {
 
 const std::vector<State>& runStates() {
     static const std::vector<State> all = {
-        {"f-archive-running",
-         [](WindowScene& scene) {
-             scene.fill();
-             openConfirmation(scene);
-             scene.platform().onAvailableCapacity([&scene] { scene.waitForRelease(); });
-             scene.window().archive()->start();
-         }},
-        {"f-close-question",
-         [](WindowScene& scene) {
-             scene.fill();
-             openConfirmation(scene);
-             scene.platform().onAvailableCapacity([&scene] { scene.waitForRelease(); });
-             scene.window().archive()->start();
-         },
-         askToClose},
+        {"f-archive-running", startHeldRun},
+        {"f-close-question", startHeldRun, askToClose},
         {"g-archive-ok",
          [](WindowScene& scene) {
              scene.fill();
@@ -279,19 +261,12 @@ const std::vector<State>& runStates() {
          }},
         {"g-archive-cancelled",
          [](WindowScene& scene) {
-             scene.fill();
-             openConfirmation(scene);
-             scene.platform().onAvailableCapacity([&scene] { scene.waitForRelease(); });
-             scene.window().archive()->start();
+             startHeldRun(scene);
              scene.window().archive()->cancelRun();
              scene.release();
              scene.settle();
          }},
-        {"g-archive-result",
-         [](WindowScene& scene) {
-             scene.fill();
-             runToItsEnd(scene);
-         }},
+        {"g-archive-result", runToItsEnd},
     };
     return all;
 }

@@ -1,4 +1,4 @@
-#include "screens/shell/desktop_actions.h"
+#include "screens/desktop/desktop_actions.h"
 
 #include <QClipboard>
 #include <QDesktopServices>

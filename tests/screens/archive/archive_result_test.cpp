@@ -38,38 +38,32 @@ TEST(ArchiveResults, EveryMessageCountsOnceAndTheSumIsWhatWasChosen) {
     }
 }
 
-TEST(ArchiveResults, OnlyARunWithoutIssuesIsCalledSafe) {
-    EmailArchiveRunResult result;
-    result.archivedCount = result.triedCount = 3;
-    auto view = ArchiveResultView::of(result, 3);
-    EXPECT_TRUE(view.isSafe);
-    EXPECT_EQ(view.title, QStringLiteral("归档完成"));
-    EXPECT_TRUE(view.failureTitle.isEmpty() && view.variantTitle.isEmpty() && view.retryTitle.isEmpty());
+TEST(ArchiveResults, OnlyARunWithoutIssuesIsCalledSafeAndOnlyCopiesAreSpokenOf) {
+    struct Case {
+        const char* what;
+        std::int64_t archived, skipped, chosen;
+        bool cancelled, hasVariants, isSafe, hasCopies;
+    };
 
-    result.wasCancelled = true;
-    view = ArchiveResultView::of(result, 5);
-    EXPECT_FALSE(view.isSafe);
-    EXPECT_EQ(view.title, QStringLiteral("归档已取消"));
-    EXPECT_EQ(view.tiles.size(), 5) << "with the figure of those that were not tried";
-
-    result.wasCancelled = false;
-    result.variantWarnings = {"a（2 个内容不一致的副本，已全部保留）"};
-    view = ArchiveResultView::of(result, 3);
-    EXPECT_FALSE(view.isSafe);
-    EXPECT_EQ(view.variantTitle, QStringLiteral("1 封邮件存在内容不一致的多个副本，已全部保留："));
-}
-
-TEST(ArchiveResults, NoSentenceTellsOfCopiesWhereNoneWasWritten) {
-    EmailArchiveRunResult result;
-    result.wasCancelled = true;
-    auto view = ArchiveResultView::of(result, 5);
-    EXPECT_EQ(view.subtitle, QStringLiteral("没有邮件放入归档库，Mail 未被改动。"));
-    EXPECT_TRUE(view.note.isEmpty());
-
-    result.skippedAlreadyArchived = result.triedCount = 1;
-    view = ArchiveResultView::of(result, 5);
-    EXPECT_EQ(view.subtitle, QStringLiteral("完整邮件已只读备份为 .eml，Mail 未被改动。"));
-    EXPECT_FALSE(view.note.isEmpty());
+    for (const Case& test : {Case{"all", 3, 0, 3, false, false, true, true},
+                             Case{"cancelled half way", 3, 0, 5, true, false, false, true},
+                             Case{"several versions", 3, 0, 3, false, true, false, true},
+                             Case{"there already, then cancelled", 0, 1, 5, true, false, false, true},
+                             Case{"cancelled before the first", 0, 0, 5, true, false, false, false}}) {
+        EmailArchiveRunResult result;
+        result.archivedCount = test.archived;
+        result.skippedAlreadyArchived = test.skipped;
+        result.triedCount = test.archived + test.skipped;
+        result.wasCancelled = test.cancelled;
+        if (test.hasVariants) result.variantWarnings = {"a"};
+        const auto view = ArchiveResultView::of(result, test.chosen);
+        EXPECT_EQ(view.isSafe, test.isSafe) << test.what;
+        EXPECT_EQ(view.tiles.size(), test.cancelled ? 5 : 4) << "with those that were not tried";
+        EXPECT_EQ(view.variantTitle.isEmpty(), !test.hasVariants) << test.what;
+        EXPECT_EQ(view.note.isEmpty(), !test.hasCopies) << test.what;
+        EXPECT_EQ(view.subtitle.contains(QStringLiteral(".eml")), test.hasCopies) << test.what;
+        EXPECT_TRUE(view.failureTitle.isEmpty() && view.retryTitle.isEmpty()) << test.what;
+    }
 }
 
 TEST(ArchiveResults, FailuresStandTogetherByReasonInTheOrderInWhichTheyCame) {
@@ -87,7 +81,7 @@ TEST(ArchiveResults, FailuresStandTogetherByReasonInTheOrderInWhichTheyCame) {
     const QVariantMap second = view.failureGroups[1].toMap();
     EXPECT_EQ(second[QStringLiteral("count")].toString(), QStringLiteral("21"));
     EXPECT_EQ(second[QStringLiteral("subjects")].toStringList().size(), 20);
-    EXPECT_EQ(second[QStringLiteral("more")].toString(), QStringLiteral("另有 1 封，拷贝清单里有全部。"));
+    EXPECT_TRUE(second[QStringLiteral("more")].toString().contains(QStringLiteral("另有 1 封")));
 
     const QString list = screens::failureList(result.failures);
     EXPECT_EQ(list.count(u'\n'), 31) << "one line each, whatever stands in a subject";
@@ -99,10 +93,8 @@ TEST(ArchiveResults, VersionsThatArentListedAreInTheCopiedList) {
         result.variantWarnings.push_back("两个\n版本 " + std::to_string(number));
     const auto view = ArchiveResultView::of(result, 25);
     EXPECT_EQ(view.variants.size(), 21);
-    EXPECT_EQ(view.variants.last(), QStringLiteral("另有 5 封，拷贝清单里有全部。"));
-    const QString list = screens::variantList(result.variantWarnings);
-    EXPECT_EQ(list.count(u'\n'), 25);
-    EXPECT_TRUE(list.contains(QStringLiteral("两个 版本 24\n")));
+    EXPECT_TRUE(view.variants.last().contains(QStringLiteral("另有 5 封")));
+    EXPECT_EQ(screens::variantList(result.variantWarnings).count(u'\n'), 25);
 }
 
 } // namespace

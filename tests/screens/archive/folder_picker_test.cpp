@@ -6,8 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "screens/home/screens_fixture.h"
-#include "screens/home/unprivileged.h"
+#include "screens/archive/unprivileged.h"
+#include "screens/support/screens_fixture.h"
 
 namespace corvane::testing {
 namespace {
@@ -110,8 +110,8 @@ TEST_F(FolderPickers, AFolderWithoutPermissionIsNeitherOpenedNorChosen) {
         waitUntilIdle(context_.tasks);
         EXPECT_EQ(picker_.errorText(), QStringLiteral("没有权限打开这个文件夹。"));
         EXPECT_EQ(picker_.rowCount(), 2);
-        EXPECT_FALSE(screens::obstacleToWriting(home_.at("open/locked")).isEmpty());
-        EXPECT_FALSE(screens::makeFolder("/usr", "corvane-test").error.isEmpty());
+        EXPECT_TRUE(writingObstacle(home_.at("open/locked")));
+        EXPECT_TRUE(corvane::makeFolder("/usr", "corvane-test").error);
     }
     ::chmod(home_.at("open/locked").c_str(), 0755);
     EXPECT_EQ(model_.destinations().transferDestination(), before);

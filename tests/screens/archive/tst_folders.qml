@@ -1,59 +1,40 @@
 // The picker of the archive's folder as a user has it before them.
 import QtQuick
-import QtQuick.Templates as T
 import QtTest
 import Corvane
+import "../support"
 
-Item {
+WindowUnderTest {
     id: root
-    width: 1240
-    height: 840
-
-    readonly property Item overlay: T.Overlay.overlay
-
-    Loader {
-        id: holder
-        anchors.fill: parent
-        active: false
-        focus: true
-        sourceComponent: ContentView {
-            app: scenes.app
-            focus: true
-        }
-    }
 
     TestCase {
         id: test
         name: "Folders"
         when: windowShown
 
-        property ArchiveScreen archive
         property FolderPicker picker
         property ListView list
         property string base
 
         function init() {
-            holder.active = false;
-            scenes.begin(true);
+            root.begin(true);
             base = scenes.makeFolders("Documents/places", 30);
             scenes.makeFolders("Documents/places/f1", 2);
-            holder.active = true;
-            archive = scenes.app.archive;
-            picker = archive.folderPicker;
-            mouseClick(findChild(holder.item, "changeLocationButton"));
+            picker = root.archive.folderPicker;
+            mouseClick(part("changeLocationButton"));
             tryVerify(() => picker.pathText.length > 0 && !picker.busy);
-            list = inSheet("folderList");
+            list = part("folderList");
             tryVerify(() => list.visible && list.activeFocus);
             go(base);
         }
         function cleanup() {
             scenes.settle();
             if (list && list.visible)
-                mouseClick(inSheet("cancelFolderButton"));
+                mouseClick(part("cancelFolderButton"));
             tryVerify(() => !list || !list.visible);
         }
-        function inSheet(name: string): Item {
-            const found = findChild(root.overlay, name);
+        function part(name: string): Item {
+            const found = findChild(root.view, name) ?? findChild(root.overlay, name);
             verify(found, name);
             return found;
         }
@@ -63,7 +44,7 @@ Item {
         }
         // By the field, as a user types it.
         function go(path: string) {
-            const field = inSheet("folderPath");
+            const field = part("folderPath");
             field.forceActiveFocus(Qt.TabFocusReason);
             field.selectAll();
             field.text = path;
@@ -87,60 +68,60 @@ Item {
             settled();
             compare(picker.pathText, base + "/f1");
             compare(list.currentIndex, -1);
-            compare(inSheet("folderPath").text, base + "/f1");
+            compare(part("folderPath").text, base + "/f1");
             keyClick(Qt.Key_Backspace);
             settled();
             compare(picker.pathText, base);
             keyClick(Qt.Key_Down);
-            mouseClick(inSheet("useFolderButton"));
+            mouseClick(part("useFolderButton"));
             settled();
             tryVerify(() => !list.visible);
-            compare(archive.destinationFolder.toString(), "file://" + base + "/f0");
+            compare(root.archive.destination.folder.toString(), "file://" + base + "/f0");
         }
         function test_WithoutARowReturnTakesTheShownFolder_EscapeTakesNothing() {
-            const before = archive.destinationFolder.toString();
+            const before = root.archive.destination.folder.toString();
             keyClick(Qt.Key_Escape);
             tryVerify(() => !list.visible);
-            compare(archive.destinationFolder.toString(), before);
+            compare(root.archive.destination.folder.toString(), before);
 
-            mouseClick(findChild(holder.item, "changeLocationButton"));
+            mouseClick(part("changeLocationButton"));
             settled();
             tryVerify(() => list.activeFocus);
             go(base);
             keyClick(Qt.Key_Return);
             settled();
             tryVerify(() => !list.visible);
-            compare(archive.destinationFolder.toString(), "file://" + base);
+            compare(root.archive.destination.folder.toString(), "file://" + base);
         }
         // A field keeps the arrows to itself: what stands beside it needs Tab.
         function test_TabComesToEveryControl() {
             for (const name of ["cancelFolderButton", "useFolderButton", "folderUpButton", "folderPath", "newFolderButton",
                     "folderPlaces", "folderList"]) {
                 keyClick(Qt.Key_Tab);
-                verify(inSheet(name).activeFocus, name);
+                verify(part(name).activeFocus, name);
             }
         }
         function test_AWrongPathIsSaid_AndTheListStays() {
             go(base + "/missing");
-            compare(inSheet("folderError").text, "没有这个文件夹。");
-            verify(inSheet("folderError").visible);
+            compare(part("folderError").text, "没有这个文件夹。");
+            verify(part("folderError").visible);
             compare(list.count, 30);
             compare(picker.pathText, base);
         }
         function test_ANewFolderIsMadeAndOpened_EscapeOnlyLeavesItsField() {
-            mouseClick(inSheet("newFolderButton"));
-            const field = inSheet("newFolderName");
+            mouseClick(part("newFolderButton"));
+            const field = part("newFolderName");
             tryVerify(() => field.activeFocus);
             keyClick(Qt.Key_Escape);
             tryVerify(() => !field.visible);
             verify(list.visible);
 
-            mouseClick(inSheet("newFolderButton"));
+            mouseClick(part("newFolderButton"));
             tryVerify(() => field.activeFocus);
             field.text = "f3";
             keyClick(Qt.Key_Return);
             settled();
-            verify(inSheet("folderError").visible);
+            verify(part("folderError").visible);
             field.text = "归档";
             keyClick(Qt.Key_Return);
             settled();

@@ -5,7 +5,8 @@
 
 #include <QAbstractItemModelTester>
 
-#include "screens/mails/mail_samples.h"
+#include "records/archive_records.h"
+#include "screens/support/mail_samples.h"
 #include "screens/texts/shown_text.h"
 #include "support/temporary_home.h"
 
@@ -57,8 +58,13 @@ QStringList subjectsOf(const MessageList& messages) {
     return subjects;
 }
 
-void become(MessageListModel& model, const SharedMessageList& next, std::size_t mostRuns = mostRunsTold) {
-    model.apply(next, rowChanges(*model.messages(), *next, mostRuns));
+RowChanges changesOf(const char* before, const char* after, const RowChangeRules& rules = largeListRules) {
+    return messageRowChanges(*messagesOf(before), *messagesOf(after), rules);
+}
+
+void become(MessageListModel& model, const SharedMessageList& next,
+            const RowChangeRules& rules = largeListRules) {
+    model.apply(next, messageRowChanges(*model.records(), *next, rules));
 }
 
 TEST(MessageList, RowsThatStayAreNeverTakenAway) {
@@ -76,7 +82,7 @@ TEST(MessageList, RowsThatStayAreNeverTakenAway) {
     };
 
     for (const auto& [from, to, removed, inserted] : cases) {
-        const RowChanges changes = rowChanges(*messagesOf(from), *messagesOf(to));
+        const RowChanges changes = changesOf(from, to);
         EXPECT_FALSE(changes.isReset) << from << " " << to;
         EXPECT_EQ(changes.removed, removed) << from << " " << to;
         EXPECT_EQ(changes.inserted, inserted) << from << " " << to;
@@ -84,19 +90,25 @@ TEST(MessageList, RowsThatStayAreNeverTakenAway) {
     }
 }
 
-TEST(MessageList, AnotherOrderOrTooManyChangesBeginAnewAndKnowWhereEachRowWent) {
-    const RowChanges sorted = rowChanges(*messagesOf("abc"), *messagesOf("cxa"));
+TEST(MessageList, ALargeListBeginsAnewAfterAnotherOrderOrTooManyChangesAndASmallOneMovesItsRows) {
+    const RowChanges sorted = changesOf("abc", "cxa");
     EXPECT_TRUE(sorted.isReset);
     EXPECT_EQ(sorted.newRows, (std::vector<int>{2, -1, 0}));
-    EXPECT_FALSE(rowChanges(*messagesOf("abcde"), *messagesOf("ace"), 2).isReset);
-    EXPECT_TRUE(rowChanges(*messagesOf("abcde"), *messagesOf("ace"), 1).isReset);
+    EXPECT_FALSE(changesOf("abcde", "ace", {.mostRuns = 2}).isReset);
+    EXPECT_TRUE(changesOf("abcde", "ace", {.mostRuns = 1}).isReset);
+
+    const RowChanges moved = changesOf("abcde", "bcxdae", {});
+    EXPECT_FALSE(moved.isReset);
+    EXPECT_EQ(moved.removed, (std::vector<RowRun>{{0, 1}}));
+    EXPECT_EQ(moved.inserted, (std::vector<RowRun>{{2, 1}, {4, 1}}));
+    EXPECT_EQ(moved.newRows, (std::vector<int>{4, 0, 1, 3, 5}));
 }
 
 TEST(MessageList, AMessageThatShowsSomethingElseChangesItsRowOnly) {
     auto next = std::make_shared<MessageList>(*messagesOf("abc"));
     (*next)[1].preview = "新的正文";
     (*next)[2].recipients = "不在行里显示";
-    const RowChanges changes = rowChanges(*messagesOf("abc"), *next);
+    const RowChanges changes = messageRowChanges(*messagesOf("abc"), *next);
     EXPECT_EQ(changes.changed, (std::vector<RowRun>{{1, 1}}));
     EXPECT_TRUE(changes.removed.empty());
 }
@@ -112,8 +124,8 @@ TEST(MessageList, AViewThatHearsOnlyTheSignalsHoldsTheSameRows) {
             if (random() % 3 != 0) letters += letter;
         }
         if (round % 10 == 0) std::shuffle(letters.begin(), letters.end(), random);
-        become(model, messagesOf(letters), 8);
-        ASSERT_EQ(mirror.subjects(), subjectsOf(*model.messages())) << letters;
+        become(model, messagesOf(letters), {.mostRuns = 8, .resetsOnNewOrder = round % 20 == 0});
+        ASSERT_EQ(mirror.subjects(), subjectsOf(*model.records())) << letters;
     }
     EXPECT_GT(mirror.resets, 0);
     EXPECT_LT(mirror.resets, 300);
@@ -122,28 +134,28 @@ TEST(MessageList, AViewThatHearsOnlyTheSignalsHoldsTheSameRows) {
 TEST(MessageList, SelectionAndCurrentRowFollowTheirMessages) {
     MessageListModel model;
     become(model, messagesOf("abcdef"));
-    model.selection().select(1);
-    model.selection().extendTo(3); // b c d
+    model.selection()->select(1);
+    model.selection()->extendTo(3); // b c d
 
     become(model, messagesOf("xabdef")); // c goes, x comes
-    EXPECT_EQ(model.selection().rows().ranges(), (std::vector<RowRanges::Range>{{2, 4}}));
-    EXPECT_EQ(model.selection().currentRow(), 3);
+    EXPECT_EQ(model.selection()->rows().ranges(), (std::vector<RowRanges::Range>{{2, 4}}));
+    EXPECT_EQ(model.selection()->currentRow(), 3);
 
     become(model, messagesOf("fedba")); // turned round
-    EXPECT_EQ(model.selection().rows().ranges(), (std::vector<RowRanges::Range>{{2, 4}}));
-    EXPECT_EQ(model.selection().currentRow(), 2);
-    model.selection().extendTo(4); // the anchor is still b
-    EXPECT_EQ(model.selection().rows().ranges(), (std::vector<RowRanges::Range>{{3, 5}}));
+    EXPECT_EQ(model.selection()->rows().ranges(), (std::vector<RowRanges::Range>{{2, 4}}));
+    EXPECT_EQ(model.selection()->currentRow(), 2);
+    model.selection()->extendTo(4); // the anchor is still b
+    EXPECT_EQ(model.selection()->rows().ranges(), (std::vector<RowRanges::Range>{{3, 5}}));
 
     become(model, messagesOf("fed"));
-    EXPECT_EQ(model.selection().count(), 0);
-    EXPECT_EQ(model.selection().currentRow(), -1);
+    EXPECT_EQ(model.selection()->count(), 0);
+    EXPECT_EQ(model.selection()->currentRow(), -1);
 }
 
 TEST(MessageList, NoRowShowsASelectionThatIsNotItsOwn) {
     MessageListModel model;
     become(model, messagesOf("abcd"));
-    model.selection().select(3);
+    model.selection()->select(3);
     QStringList seen = texts({"", "", "", ""});
     QObject::connect(&model, &QAbstractItemModel::rowsInserted, [&](const auto&, int first, int) {
         // A view makes rows as they come, while others are still to come.
@@ -171,6 +183,37 @@ TEST(MessageList, ARowIsSpokenWithItsState) {
     EXPECT_EQ(model.spokenName(list->front()).toStdString(),
               "施工图，周明哲，2021-06-15 04:00，1 MB，已归档");
     EXPECT_TRUE(model.spokenName(list->back()).endsWith(QStringLiteral("日期未知，1 MB，未归档")));
+}
+
+struct EntryID {
+    std::string operator()(const ArchivedEntry& entry) const { return entry.id(); }
+};
+
+class EntryList : public RecordListModel<ArchivedEntry, EntryID> {
+  protected:
+    [[nodiscard]] QVariant value(const ArchivedEntry& entry, int role) const override {
+        return role == FirstRole ? QString::fromStdString(entry.record.subject.str()) : QVariant();
+    }
+};
+
+TEST(RecordList, CarriesAnyRecordByAKeyThatIsMadeOfSeveralFields) {
+    const auto entry = [](const char* root, const char* id, const char* subject) {
+        ArchivedEntry made;
+        made.locationRootPath = root;
+        made.record.id = id;
+        made.record.subject = subject;
+        return made;
+    };
+    EntryList list;
+    const QAbstractItemModelTester tester(&list, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    list.replace({entry("/a", "1", "x"), entry("/b", "1", "y")});
+    list.selection()->select(1);
+    const QPersistentModelIndex kept = list.index(1);
+    list.replace({entry("/b", "1", "z"), entry("/c", "1", "w"), entry("/a", "1", "x")});
+    EXPECT_EQ(kept.row(), 0);
+    EXPECT_EQ(kept.data(EntryList::FirstRole).toString(), QStringLiteral("z"));
+    EXPECT_EQ(list.selection()->currentRow(), 0);
+    EXPECT_EQ(list.record(3), nullptr);
 }
 
 } // namespace

@@ -1,0 +1,37 @@
+// What the user can do while Mail can't be read, or while it is being read: have the permission looked at
+// again, open the settings in which it is given, stop the scan. Main thread.
+#pragma once
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+#include "model/corvane_view_model.h"
+#include "screens/desktop/desktop_actions.h"
+
+namespace corvane {
+
+class AccessActions : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("belongs to a screen")
+
+  public:
+    // Both must outlive it.
+    AccessActions(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent = nullptr);
+
+    Q_INVOKABLE void recheckAccess();
+
+    // The system's page for the permission; `failed` where it can't be opened.
+    Q_INVOKABLE void openPrivacySettings();
+    Q_INVOKABLE void cancelScan();
+
+  Q_SIGNALS:
+    // What didn't work, and what to do instead.
+    void failed(const QString& text);
+
+  private:
+    CorvaneViewModel& model_;
+    DesktopActions& desktop_;
+};
+
+} // namespace corvane

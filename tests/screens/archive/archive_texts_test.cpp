@@ -1,0 +1,45 @@
+#include "screens/archive/archive_texts.h"
+
+#include <set>
+
+#include <gtest/gtest.h>
+
+namespace corvane {
+namespace {
+
+const QString scope = QStringLiteral("范围");
+
+TEST(ArchiveTexts, AnEmptyListGivesTheFirstReasonThatHolds) {
+    const auto reason = [](const DeletionSafety& safety) {
+        return screens::archiveEmptyDescription(scope, safety);
+    };
+    std::set<QString> reasons;
+    for (const DeletionSafety& safety :
+         {DeletionSafety{0, 0, 3}, DeletionSafety{4, 4, 3}, DeletionSafety{4, 1, 0}, DeletionSafety{4, 0, 0}})
+        reasons.insert(reason(safety));
+    EXPECT_EQ(reasons.size(), 4U);
+    EXPECT_EQ(reason({0, 0, 0}), reason({4, 0, 0}));
+    EXPECT_TRUE(reason({0, 0, 3}).contains(QStringLiteral("仅在服务器")));
+    EXPECT_TRUE(screens::archiveEmptyTitle({4, 4, 0}).contains(QStringLiteral("已全部归档")));
+    for (const DeletionSafety& safety : {DeletionSafety{0, 0, 0}, DeletionSafety{4, 3, 0}})
+        EXPECT_FALSE(screens::archiveEmptyTitle(safety).contains(QStringLiteral("已全部归档")));
+}
+
+TEST(ArchiveTexts, YearsAreNamedWhileTheyAreFew) {
+    EXPECT_EQ(screens::archiveScopeTitle({2018, 2019, 2020}), QStringLiteral("2018 年、2019 年、2020 年"));
+    EXPECT_EQ(screens::archiveScopeTitle({2016, 2017, 2018, 2019, 2020}),
+              QStringLiteral("2016 年至 2020 年"));
+    EXPECT_EQ(screens::archiveScopeTitle({2010, 2017, 2018, 2019, 2020}),
+              QStringLiteral("2010 年等 5 个年份"));
+}
+
+TEST(ArchiveTexts, SpaceIsCountedWithItsMargin) {
+    EXPECT_EQ(screens::archiveSpaceText(461'100'000, 96'300'000'000),
+              QStringLiteral("约需 530.3 MB，可用 96.3 GB"));
+    EXPECT_EQ(screens::archiveSpaceText(461'100'000, std::nullopt), QStringLiteral("约需 530.3 MB"));
+    EXPECT_TRUE(screens::isSpaceShort(2'000'000, 2'000'000));
+    EXPECT_FALSE(screens::isSpaceShort(2'000'000, std::nullopt));
+}
+
+} // namespace
+} // namespace corvane

@@ -1,0 +1,73 @@
+#include "screens/support/qml_scenes.h"
+
+#include <filesystem>
+#include <utility>
+
+#include "screens/support/mail_samples.h"
+
+namespace corvane::testing {
+
+namespace {
+
+MailMessageRecord numberedMessage(const TemporaryHome& home, int number) {
+    const std::string name = std::to_string(number);
+    MailMessageRecord message = sampleMessage(home.write("Library/Mail/V10/A/收件箱.mbox/" + name, "x"));
+    message.subject = "邮件 " + name;
+    message.date = dateIn(number < 5 ? 2022 : 2021) - std::chrono::minutes(number);
+    message.messageIdentifier = SharedText(name);
+    message.preview = "正文 " + name;
+    if (number % 4 == 0) message.attachments = {{Uuid::random(), "图.pdf", "", 1'000, {}}};
+    return message;
+}
+
+} // namespace
+
+WindowScene& QmlScenes::scene() {
+    if (!scene_) scene_ = std::make_unique<WindowScene>();
+    return *scene_;
+}
+
+void QmlScenes::begin(bool withDestination) {
+    auto next = std::make_unique<WindowScene>();
+    next->fill(withDestination ? WindowScene::Destination::chosen : WindowScene::Destination::none);
+    next->showLatest();
+    // The QML leaves the old model before it goes.
+    std::swap(scene_, next);
+    Q_EMIT begun();
+}
+
+void QmlScenes::holdRuns() {
+    scene().platform().onAvailableCapacity([this] { scene().waitForRelease(); });
+}
+
+void QmlScenes::replacePlace() {
+    std::filesystem::remove_all(scene().home().at("Documents"));
+    scene().home().write("Documents", "");
+}
+
+void QmlScenes::losePlace() {
+    std::filesystem::remove_all(scene().home().at("Documents"));
+    scene().model().destinations().refreshFacts();
+    scene().settle();
+}
+
+QString QmlScenes::makeFolders(const QString& base, int count) {
+    for (int number = 0; number < count; ++number)
+        scene().home().makeFolder((base + QStringLiteral("/f%1").arg(number)).toStdString());
+    return QString::fromStdString(scene().home().at(base.toStdString()));
+}
+
+void QmlScenes::publish(int count, const QString& subject) {
+    auto messages = std::make_shared<MessageList>();
+    for (int number = 0; number < count; ++number)
+        messages->push_back(numberedMessage(scene().home(), number));
+    if (!subject.isEmpty() && count > 0) messages->front().subject = subject.toStdString();
+    scene().model().catalog().setMessages(MessageSet::make(messages, false), {});
+}
+
+void QmlScenes::fail() {
+    scene().model().catalog().setMessages(std::make_shared<const MessageSet>(), {});
+    scene().model().scanFlow().scan();
+}
+
+} // namespace corvane::testing
