@@ -1,0 +1,91 @@
+"""The faults that tools/plant_faults.py plants: each a change of one place that the named test programs must notice.
+
+A place is named by its file and by a text that stands there just once, so a fault outlives moves between folders.
+"""
+
+from typing import NamedTuple
+
+
+class Fault(NamedTuple):
+    name: str
+    file: str  # its name alone, without folder
+    old: str
+    new: str
+    tests: tuple  # test programs, the first that may notice it first
+
+
+FAULTS = (
+    # Archive: what is written, proved and named in the index.
+    Fault("an .eml isn't flushed", "durable_write.cpp",
+          'if (files.sync(file.get()) != 0) failWrite("fsync", path);', "", ("archive",)),
+    Fault("any readable file counts as proved", "durable_write.cpp",
+          "BeforeReading::nothing, onProgress) == DiskContent::same;",
+          "BeforeReading::nothing, onProgress) != DiskContent::unreadable;", ("archive",)),
+    Fault("a failed proof is passed over", "file_placement.cpp", "if (!isProved) throw", "if (false) throw", ("archive",)),
+    Fault("another mail's file is removed", "file_placement.cpp",
+          "case DiskContent::other:\n        moveAside();", "case DiskContent::other:\n        files_.unlink(path_);",
+          ("archive",)),
+    Fault("a folder that leaves the archive is taken", "file_placement.cpp",
+          "if (!folders_.root.holdsFolder(folder)) refuse", "if (false) refuse", ("archive",)),
+    Fault("a negative count cuts everything", "message_extraction.cpp", "if (!count || *count < 0)", "if (!count)",
+          ("archive",)),
+    Fault("the smallest copy is kept", "message_extraction.cpp",
+          "copy.bytes.size() > group->largest.bytes.size()", "copy.bytes.size() < group->largest.bytes.size()",
+          ("archive",)),
+    Fault("known mail is archived again", "mail_email_archiver.cpp",
+          "if (knownIDs_.contains(std::string_view(identity))) {", "if (false) {", ("archive",)),
+    Fault("a damaged index isn't kept", "mail_email_archiver.cpp",
+          "isOldIndexDamaged_ = platform::fileExists(destination_.indexPath());", "isOldIndexDamaged_ = false;",
+          ("archive",)),
+    Fault("two runs write into one archive", "archive_destination.cpp", "if (attempt->isTaken) {", "if (false) {",
+          ("archive",)),
+    Fault("a file that grew is clean", "archive_verification.cpp", "if (size != record.sizeBytes)",
+          "if (size < record.sizeBytes)", ("archive",)),
+    # Search: the same set for every query.
+    Fault("an underscore stands for any character", "substring_search.cpp",
+          "character == '%' || character == '_')", "character == '%')", ("search",)),
+    Fault("a long text is found by half of its pieces", "substring_search.cpp",
+          "if (!isCertain) return lookups_.idsHolding(text, *rows);", "", ("search",)),
+    Fault("the ends of columns are left out", "pair_search.cpp", "ends_.addRowsEndingWith(pair, rows);", "",
+          ("search",)),
+    Fault("a placeholder counts as a body", "mail_search_index.cpp",
+          "return trimmed.empty() || trimmed == emptyBodyPreviewPlaceholder;", "return trimmed.empty();",
+          ("search", "archive")),
+    Fault("rows that a failed commit took back count", "mail_search_index.cpp",
+          "return status == SQLITE_OK ? inserted : 0;", "return inserted;", ("search", "archive")),
+    # Listing: what follows from a list of messages.
+    Fault("the poorer copy is kept", "scan_deduplication.cpp", "if (isBetterDuplicate(record, existing)) existing",
+          "if (!isBetterDuplicate(record, existing)) existing", ("listing", "model")),
+    Fault("the files of other copies are forgotten", "scan_deduplication.cpp",
+          "existing.relatedMessageFileURLs = std::move(urls);", "", ("listing", "model")),
+    Fault("trash counts", "message_statistics.cpp", "if (counted.isTrash || seen[counted.key]) continue;",
+          "if (seen[counted.key]) continue;", ("listing", "model")),
+    Fault("years before 1 count", "message_statistics.cpp", "if (!counted.year || *counted.year < 1) return;",
+          "if (!counted.year) return;", ("listing", "model")),
+    # Locations and model: what is known to be archived, and what is shown of it.
+    Fault("the unconnected copy of an archive is listed", "loaded_archives.cpp",
+          "archives[i].connected && !archives[holder->second].connected",
+          "!archives[i].connected && archives[holder->second].connected", ("locations", "model")),
+    Fault("a variant's own id takes nothing out of the candidates", "loaded_archives.cpp",
+          "const std::string_view base = baseID(entries[i].record.id);",
+          "const std::string_view base = entries[i].record.id.view();", ("locations", "model")),
+    Fault("a forgotten archive stays listed", "library_load.cpp",
+          "if (input_.forgotten.contains(root) && !comesBack(root, hasContent)) return;", "", ("locations", "model")),
+    Fault("a replaced job is still wanted", "task_slot.h", "        requestStop();\n        job_.reset();",
+          "        requestStop();", ("model",)),
+    Fault("the list of a cancelled scan is kept for the next start", "message_catalog.cpp", "if (state_->set->isComplete) {",
+          "if (true) {", ("model",)),
+    Fault("a run leaves the library as it was", "corvane_view_model.cpp",
+          "loadArchiveIndex(true);\n            destinations_.refreshFacts();", "destinations_.refreshFacts();",
+          ("model", "screens_home")),
+    Fault("archived mail stays a candidate", "candidates.h", "return !facts.isArchived();", "return true;",
+          ("listing", "model")),
+    Fault("mail of the newest year asked for is left out", "candidates.cpp",
+          "(!maximumYear || *year <= *maximumYear)", "(!maximumYear || *year < *maximumYear)", ("listing", "model")),
+    Fault("a destination that is exactly large enough is refused", "archive_capacity.cpp",
+          "*available >= estimate", "*available > estimate", ("listing", "model")),
+    Fault("mail without a local file counts as safe", "deletion_safety.cpp",
+          "if (!input.locallyAvailableIDs.contains(message.id)) continue;", "", ("listing", "model")),
+    Fault("a window's safe figure counts what isn't archived", "deletion_safety.h",
+          "archived += isArchived ? 1 : 0;", "archived += 1;", ("listing", "screens_home")),
+)
