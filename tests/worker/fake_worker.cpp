@@ -9,11 +9,10 @@
 
 namespace corvane::testing {
 
-ScriptedPlatform FakeWorker::makePlatform() const {
-    ScriptedPlatform made(home);
-    made.resourceFolders = {home.makeFolder("resources")};
-    made.runtimes = {"/usr/bin/python3"};
-    return made;
+FakeWorker::FakeWorker(const std::string& lines) {
+    platform.resourceFolders = {home.makeFolder("resources")};
+    platform.runtimes = {"/usr/bin/python3"};
+    become(lines);
 }
 
 void FakeWorker::become(const std::string& lines) const {

@@ -15,7 +15,7 @@ class FakeWorker {
   public:
     // `lines` find the modules json, os, signal, sys and time imported, and out(text) and out(bytes), which
     // write at once.
-    explicit FakeWorker(const std::string& lines) { become(lines); }
+    explicit FakeWorker(const std::string& lines);
 
     void become(const std::string& lines) const;
 
@@ -27,16 +27,13 @@ class FakeWorker {
     [[nodiscard]] std::string scriptPath() const { return home.at("resources/mail_worker.py"); }
 
     TemporaryHome home;
-    ScriptedPlatform platform = makePlatform();
+    ScriptedPlatform platform{home};
     // Long enough for a loaded machine, except where a test waits for the time-out.
     MailWorkerClient::Limits limits{.quickRun = std::chrono::minutes(2),
                                     .batchRun = std::chrono::minutes(2),
                                     .sessionRead = std::chrono::minutes(2),
                                     .runAnswerBytes = 8 << 20,
                                     .sessionAnswerBytes = 1 << 20};
-
-  private:
-    [[nodiscard]] ScriptedPlatform makePlatform() const;
 };
 
 // The error that a call ends with; fails the test when there is none.
