@@ -58,22 +58,21 @@ void OrganizeData::refresh() {
     Inputs current = inputs();
     if (current == (computing_ ? computing_ : published_)) return;
     if (current.statistics) {
-        publish(organizeOverviewOfStatistics(current.statistics->accountYearStats), std::move(current));
+        auto overview = organizeOverviewOfStatistics(current.statistics->accountYearStats);
+        publish(std::move(overview), std::move(current));
     } else if (current.isAvailabilityKnown) {
         compute(std::move(current));
     }
 }
 
 void OrganizeData::compute(Inputs current) {
-    computing_ = current;
+    computing_ = std::move(current);
     task_.start(
-        TaskPriority::userInitiated, current.input,
+        TaskPriority::userInitiated, computing_->input,
         [](const OrganizeInput& input, const TaskHandle& task) {
             return computeOrganizeYearSections(input, task.stopToken());
         },
-        [this, of = std::move(current)](SharedOrganizeOverview overview) {
-            publish(std::move(overview), of);
-        });
+        [this, of = *computing_](SharedOrganizeOverview overview) { publish(std::move(overview), of); });
 }
 
 void OrganizeData::publish(SharedOrganizeOverview overview, Inputs of) {
