@@ -29,7 +29,7 @@ NAMES = {
     "chrono": "chrono chrono_literals",
     "cmath": "floor ceil llround log10 log2 lround pow round sqrt isnan isfinite isinf fabs",
     "compare": "strong_ordering weak_ordering partial_ordering",
-    "concepts": "same_as convertible_to invocable integral floating_point predicate",
+    "concepts": "same_as convertible_to derived_from invocable integral floating_point predicate",
     "condition_variable": "condition_variable condition_variable_any cv_status",
     "csignal": "signal sig_atomic_t raise",
     "cstdint": "int8_t int16_t int32_t int64_t uint8_t uint16_t uint32_t uint64_t intptr_t uintptr_t",
@@ -84,7 +84,7 @@ NAMES = {
     "type_traits": "false_type true_type integral_constant invoke_result_t is_convertible_v is_floating_point_v "
                    "is_integral_v is_same_v remove_const_t remove_cvref_t remove_reference_t conditional_t decay_t "
                    "enable_if_t is_invocable_v is_base_of_v underlying_type_t is_enum_v is_trivially_copyable_v "
-                   "is_void_v is_empty_v is_member_function_pointer_v is_constructible_v is_nothrow_move_constructible_v "
+                   "is_void_v is_empty_v is_aggregate_v is_object_v is_member_function_pointer_v is_constructible_v is_nothrow_move_constructible_v "
                    "is_default_constructible_v is_signed_v make_unsigned_t make_signed_t is_class_v is_pointer_v",
     "unordered_map": "unordered_map unordered_multimap",
     "unordered_set": "unordered_set unordered_multiset",

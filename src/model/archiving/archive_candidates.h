@@ -42,7 +42,7 @@ class ArchiveCandidates : public QObject {
     void keep(CandidateInputs inputs, SharedMessageList candidates);
 
     // While set, of these messages only are candidates made, whatever accounts and years the filters name;
-    // null gives all back. The count for the screens stays that of the filters.
+    // null: of all messages. The count for the screens stays that of the filters.
     void setCandidateOffer(std::shared_ptr<const SharedTextSet> ids);
 
     [[nodiscard]] const std::shared_ptr<const SharedTextSet>& candidateOffer() const { return offer_; }

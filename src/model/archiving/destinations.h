@@ -21,14 +21,14 @@ class ArchiveDestinations : public QObject {
     // Reads the stored choice and remembers it among the known locations.
     explicit ArchiveDestinations(ModelContext& context, QObject* parent = nullptr);
 
-    // Path of the folder, canonical; nothing before the first choice.
+    // Path of the folder, canonical; absent before the first choice.
     [[nodiscard]] const std::optional<std::string>& transferDestination() const { return destination_; }
 
     // Publishes and stores the choice at once and makes the folder in the background; `destinationPrepared`
     // follows.
     void setTransferDestination(const std::string& path);
 
-    // As last asked. Right after a choice only what its path tells.
+    // As last asked. Right after a choice only what follows from its path.
     [[nodiscard]] const DestinationFacts& facts() const { return facts_; }
 
     // Asks again in the background; a place out of reach is asked for from then on until it is back.

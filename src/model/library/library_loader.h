@@ -1,7 +1,7 @@
 // What is archived, over all archives that are known or can be found, also on disks that aren't connected.
 // Main thread; disks are touched by background tasks only, but for the snapshot that is read at start.
 //
-// The library shows in turn nothing, the snapshot of the last run, the live state. All fields of one state
+// The library is in turn empty, the snapshot of the last run, the live state. All fields of one state
 // change in one step, before any signal. One load runs at a time: a new one cancels the old, whose late
 // result is dropped.
 #pragma once
@@ -51,7 +51,7 @@ class LibraryLoader : public QObject {
         return library_->entryByBaseID(baseID);
     }
 
-    // The index of the destination of the last load; nothing when the library doesn't hold it. A copy.
+    // The index of the destination of the last load; absent when the library doesn't hold it. A copy.
     [[nodiscard]] std::optional<EmailArchiveIndex> emailArchiveIndex() const;
 
     // Of the archives of the last live load; never null, and empty before it.

@@ -114,14 +114,14 @@ void AccountDirectory::start(Purpose purpose) {
     const auto priority = purpose == Purpose::upkeep ? TaskPriority::utility : TaskPriority::userInitiated;
     readTask_.startReporting<FoundAccounts>(
         priority, ReadJob{cache_, mailStoreOf(context_), upkeepMailStoreOf(context_)}, &readAndAnalyze,
-        [this](FoundAccounts found) { takeAccounts(std::move(found.accounts), found.emptyMessage); },
+        [this](FoundAccounts found) { onAccountsRead(std::move(found.accounts), found.emptyMessage); },
         [this](std::vector<MailAccount> withNotes) {
             availableAccounts_ = std::move(withNotes);
             Q_EMIT accountsChanged();
         });
 }
 
-void AccountDirectory::takeAccounts(std::vector<MailAccount> accounts, const std::string& emptyMessage) {
+void AccountDirectory::onAccountsRead(std::vector<MailAccount> accounts, const std::string& emptyMessage) {
     const Purpose purpose = std::exchange(readingFor_, std::nullopt).value_or(Purpose::upkeep);
     if (!accounts.empty()) {
         adopt(std::move(accounts));

@@ -36,7 +36,8 @@ class AccountDirectory : public QObject {
     // Reads the accounts from the store in the background; without any, those that are known stay.
     void refreshAccountsFromMail();
 
-    // The same for a full refresh, which starts without accounts when there are none. One of both is told.
+    // The same for a full refresh, which drops the known accounts when there are none. Emits exactly one of
+    // fullRefreshFoundAccounts, fullRefreshFoundNone.
     void readForFullRefresh();
 
   Q_SIGNALS:
@@ -50,7 +51,7 @@ class AccountDirectory : public QObject {
     enum class Purpose { upkeep, fullRefresh };
 
     void start(Purpose purpose);
-    void takeAccounts(std::vector<MailAccount> accounts, const std::string& emptyMessage);
+    void onAccountsRead(std::vector<MailAccount> accounts, const std::string& emptyMessage);
     void adopt(std::vector<MailAccount> accounts);
     void setLoadFailure(std::optional<std::string> message);
     void keepSelectionWithinAccounts();
@@ -60,7 +61,7 @@ class AccountDirectory : public QObject {
     std::vector<MailAccount> availableAccounts_;
     std::optional<std::string> loadFailure_;
     std::set<std::string> selectedPrefixes_;
-    // What the running read is for; nothing once its accounts have been taken.
+    // What the running read is for; absent once its accounts are published.
     std::optional<Purpose> readingFor_;
     TaskSlot readTask_;
 };

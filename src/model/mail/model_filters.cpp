@@ -23,54 +23,54 @@ bool ModelFilters::assign(Value& field, Value value) {
     return true;
 }
 
-void ModelFilters::tellList() {
+void ModelFilters::notifyList() {
     if (!isApplyingHomeScope_) Q_EMIT listFilterChanged();
 }
 
-void ModelFilters::tellCandidates() {
+void ModelFilters::notifyCandidates() {
     if (!isApplyingHomeScope_) Q_EMIT candidateFilterChanged();
 }
 
 void ModelFilters::setSearchText(std::string text) {
-    if (assign(searchText_, std::move(text))) tellList();
+    if (assign(searchText_, std::move(text))) notifyList();
 }
 
 void ModelFilters::setMinimumAttachmentCount(std::int64_t count) {
-    if (assign(minimumAttachmentCount_, count)) tellList();
+    if (assign(minimumAttachmentCount_, count)) notifyList();
 }
 
 void ModelFilters::setYearCutoff(std::int64_t year) {
-    if (assign(yearCutoff_, year)) tellList();
+    if (assign(yearCutoff_, year)) notifyList();
 }
 
 void ModelFilters::setOnlyBeforeCutoff(bool only) {
-    if (assign(onlyBeforeCutoff_, only)) tellList();
+    if (assign(onlyBeforeCutoff_, only)) notifyList();
 }
 
 void ModelFilters::setSortMode(MailSortMode mode) {
-    if (assign(sortMode_, mode)) tellList();
+    if (assign(sortMode_, mode)) notifyList();
 }
 
 void ModelFilters::setSortAscending(bool ascending) {
-    if (assign(sortAscending_, ascending)) tellList();
+    if (assign(sortAscending_, ascending)) notifyList();
 }
 
 void ModelFilters::setMigratedFilter(MigratedFilter filter) {
-    if (assign(migratedFilter_, filter)) tellList();
+    if (assign(migratedFilter_, filter)) notifyList();
 }
 
 void ModelFilters::setFilterYears(std::set<std::int64_t> years) {
-    if (assign(filterYears_, std::move(years))) tellList();
+    if (assign(filterYears_, std::move(years))) notifyList();
 }
 
 void ModelFilters::setFilterAccountPrefixes(std::set<std::string> prefixes) {
     if (!assign(filterAccountPrefixes_, std::move(prefixes))) return;
-    tellList();
-    tellCandidates();
+    notifyList();
+    notifyCandidates();
 }
 
 void ModelFilters::setArchiveFilterYears(std::set<std::int64_t> years) {
-    if (assign(archiveFilterYears_, std::move(years))) tellCandidates();
+    if (assign(archiveFilterYears_, std::move(years))) notifyCandidates();
 }
 
 void ModelFilters::setTransferMinimumSize(TransferSizePreset preset) {
@@ -79,11 +79,11 @@ void ModelFilters::setTransferMinimumSize(TransferSizePreset preset) {
 }
 
 void ModelFilters::setMinimumCandidateBytes(std::int64_t bytes) {
-    if (assign(minimumCandidateBytes_, bytes)) tellCandidates();
+    if (assign(minimumCandidateBytes_, bytes)) notifyCandidates();
 }
 
 void ModelFilters::setTransferMaxYear(std::optional<std::int64_t> year) {
-    if (assign(transferMaxYear_, year)) tellCandidates();
+    if (assign(transferMaxYear_, year)) notifyCandidates();
 }
 
 void ModelFilters::applyHomeScope(const std::optional<std::string>& accountPrefix,

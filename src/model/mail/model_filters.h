@@ -1,5 +1,5 @@
 // Everything by which the user narrows lists and candidates. Main thread. Every setter that changes a value
-// says so by the signals of what depends on it; several values set together are told once.
+// emits the signals of what depends on it; several values set together emit them once.
 #pragma once
 
 #include <cstdint>
@@ -78,8 +78,8 @@ class ModelFilters : public QObject {
   private:
     template <class Value>
     bool assign(Value& field, Value value);
-    void tellList();
-    void tellCandidates();
+    void notifyList();
+    void notifyCandidates();
 
     std::string searchText_;
     std::int64_t minimumAttachmentCount_ = 0;

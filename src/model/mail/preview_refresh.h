@@ -1,5 +1,5 @@
 // Another try at the preview of the selected message, where the scan left none or a garbled one. Main thread;
-// files are read in the background, one message at a time: selecting another one gives the earlier up.
+// files are read in the background, one message at a time: another one cancels the earlier.
 #pragma once
 
 #include <functional>
@@ -25,7 +25,7 @@ class PreviewRefresh : public QObject {
     PreviewRefresh(ModelContext& context, MessageCatalog& catalog, QObject* parent = nullptr,
                    WorkerPreview workerPreview = {});
 
-    // Nothing is read before somebody shows previews.
+    // While they aren't shown, no file is read.
     void setPreviewsShown(bool areShown) { areShown_ = areShown; }
 
     // Not to be called during a scan. A text that is found takes the place of the preview in the catalog.

@@ -43,8 +43,8 @@ class ScanFlow : public QObject {
     // Reads the accounts, makes the scan cover everything, and scans.
     void refreshAllMailData();
 
-    // Restores the last result, unless there are messages or a scan runs. Asks for the archive index where
-    // told.
+    // Restores the last result; no effect when there are messages or a scan runs. `loadArchiveIndex` goes on
+    // to cachedScanRestored.
     void loadCachedScanIfNeeded(bool loadArchiveIndex);
 
   Q_SIGNALS:

@@ -32,7 +32,7 @@ void TaskRunner::run(TaskPriority priority, std::stop_source stop, std::function
         {
             const std::stop_callback stopAtShutdown(shutdown_.get_token(), [&stop] { stop.request_stop(); });
             job();
-            // What the job captured goes before the runner may be told idle.
+            // What the job captured is released before the runner may become idle.
             job = nullptr;
         }
         end();
