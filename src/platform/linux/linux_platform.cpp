@@ -1,14 +1,12 @@
-#include <cerrno>
 #include <cstdint>
-#include <cstdlib>
+#include <utility>
 
-#include <pwd.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/sysmacros.h>
-#include <unistd.h>
 
 #include "platform/directory.h"
+#include "platform/home_places.h"
 #include "platform/linux/mount_table.h"
 #include "platform/linux/mount_watch.h"
 #include "platform/paths.h"
@@ -18,38 +16,10 @@ namespace corvane::platform {
 
 namespace {
 
-std::string environmentText(const char* name) {
-    const char* value = std::getenv(name);
-    return value == nullptr ? "" : value;
-}
-
-std::string homeOfUser() {
-    std::vector<char> buffer(4096);
-    passwd entry{};
-    passwd* found = nullptr;
-    while (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) == ERANGE) {
-        buffer.resize(buffer.size() * 2);
-    }
-    std::string home = found != nullptr && found->pw_dir != nullptr ? found->pw_dir : "";
-    if (!home.starts_with('/')) home = environmentText("HOME");
-    return standardizedPath(home.starts_with('/') ? home : "/");
-}
-
 // The XDG base directories: a relative path there is to be ignored.
 std::string baseFolder(const char* variable, const std::string& fallback) {
     const std::string folder = environmentText(variable);
     return folder.starts_with('/') ? standardizedPath(folder) : fallback;
-}
-
-// Absent when the file system doesn't answer, which is not the same as "isn't there".
-std::optional<std::string> nearestExisting(std::string_view path) {
-    std::string current = standardizedPath(path);
-    struct stat status{};
-    while (::stat(current.c_str(), &status) != 0) {
-        if ((errno != ENOENT && errno != ENOTDIR) || current == "/") return std::nullopt;
-        current = parentPath(current);
-    }
-    return current;
 }
 
 // Some file systems (btrfs) have a device number of their own and name the disk only as the source.

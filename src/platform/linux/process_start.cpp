@@ -14,12 +14,14 @@
 #include <vector>
 
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <linux/close_range.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <unistd.h>
+
+#include "platform/launch_texts.h"
 
 #include "text/mutex.h"
 
@@ -30,86 +32,26 @@ namespace {
 // Everything that the child needs, made before it exists: it shares this process's memory until its exec, so
 // it may only call what is safe in a signal handler.
 struct Launch {
-    std::string executable;
-    std::vector<std::string> argumentTexts;
-    std::vector<std::string> environmentTexts;
-    std::vector<char*> arguments;
-    std::vector<char*> environment;
-    std::array<FileDescriptor, 3> standardStreams;
+    Launch(const ChildProcessOptions& options, int errorDescriptor)
+      : texts(options, environ)
+      , streams(options)
+      , errorWriter(copyAboveStandardStreams(errorDescriptor))
+      , isUpkeep(options.isUpkeep) {
+        if (!options.fileSizeLimitBytes) return;
+        const auto bytes = static_cast<rlim_t>(*options.fileSizeLimitBytes);
+        fileSizeLimit = rlimit{.rlim_cur = bytes, .rlim_max = bytes};
+    }
+
+    LaunchTexts texts;
+    LaunchStreams streams;
     FileDescriptor errorWriter;
-    pid_t parent = -1;
-    bool isUpkeep = false;
+    pid_t parent = ::getpid();
+    bool isUpkeep;
     std::optional<rlimit> fileSizeLimit;
 };
 
 [[noreturn]] void throwLastError(const std::string& what) {
     throw std::system_error(errno, std::generic_category(), what);
-}
-
-// A close-on-exec copy that isn't one of the standard streams, which the child is about to replace.
-FileDescriptor copyAboveStandardStreams(int descriptor) {
-    FileDescriptor copy(::fcntl(descriptor, F_DUPFD_CLOEXEC, 3));
-    if (!copy) throwLastError("fcntl");
-    return copy;
-}
-
-FileDescriptor sourceOfStream(int descriptor) {
-    if (descriptor >= 0) return copyAboveStandardStreams(descriptor);
-    const FileDescriptor nothing(::open("/dev/null", O_RDWR | O_CLOEXEC));
-    if (!nothing) throwLastError("/dev/null");
-    return copyAboveStandardStreams(nothing.get());
-}
-
-bool isVariable(std::string_view entry, const std::string& name) {
-    return entry.size() > name.size() && entry.starts_with(name) && entry[name.size()] == '=';
-}
-
-std::vector<std::string> environmentWith(const std::vector<std::pair<std::string, std::string>>& added) {
-    std::vector<std::string> result;
-    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
-        bool isReplaced = false;
-        for (const auto& [name, value] : added) isReplaced = isReplaced || isVariable(*entry, name);
-        if (!isReplaced) result.emplace_back(*entry);
-    }
-    for (const auto& [name, value] : added) result.push_back(fmt::format("{}={}", name, value));
-    return result;
-}
-
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (auto& text : texts) pointers.push_back(text.data());
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
-void rejectNul(const std::vector<std::string>& texts) {
-    for (const auto& text : texts) {
-        if (text.find('\0') != std::string::npos) {
-            throw std::system_error(EINVAL, std::generic_category(), "NUL in an argument");
-        }
-    }
-}
-
-void prepare(Launch& launch, const ChildProcessOptions& options, int errorWriter) {
-    launch.executable = options.executable;
-    launch.argumentTexts = {options.executable};
-    launch.argumentTexts.insert(launch.argumentTexts.end(), options.arguments.begin(),
-                                options.arguments.end());
-    launch.environmentTexts = environmentWith(options.environment);
-    rejectNul(launch.argumentTexts);
-    rejectNul(launch.environmentTexts);
-    launch.arguments = pointersTo(launch.argumentTexts);
-    launch.environment = pointersTo(launch.environmentTexts);
-    launch.isUpkeep = options.isUpkeep;
-    if (options.fileSizeLimitBytes) {
-        const auto bytes = static_cast<rlim_t>(*options.fileSizeLimitBytes);
-        launch.fileSizeLimit = rlimit{.rlim_cur = bytes, .rlim_max = bytes};
-    }
-    launch.standardStreams = {sourceOfStream(options.standardInput), sourceOfStream(options.standardOutput),
-                              sourceOfStream(options.standardError)};
-    launch.errorWriter = copyAboveStandardStreams(errorWriter);
-    launch.parent = ::getpid();
 }
 
 // exec() resets handlers but keeps ignored signals ignored, and the mask.
@@ -118,13 +60,13 @@ void restoreDefaultSignals() noexcept {
     defaultAction.sa_handler = SIG_DFL;
     for (int signal = 1; signal < NSIG; ++signal) ::sigaction(signal, &defaultAction, nullptr);
     sigset_t none;
-    ::sigemptyset(&none);
+    sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
 bool takeStandardStreams(const Launch& launch) noexcept {
     for (int target = 0; target < 3; ++target) {
-        if (::dup2(launch.standardStreams[static_cast<std::size_t>(target)].get(), target) < 0) return false;
+        if (::dup2(launch.streams.source(target), target) < 0) return false;
     }
     return true;
 }
@@ -142,7 +84,7 @@ bool takeStandardStreams(const Launch& launch) noexcept {
         // lost.
         ::close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);
         restoreDefaultSignals();
-        ::execve(launch.executable.c_str(), launch.arguments.data(), launch.environment.data());
+        ::execve(launch.texts.executable(), launch.texts.arguments(), launch.texts.environment());
     }
     const int error = errno;
     [[maybe_unused]] const ssize_t written = ::write(launch.errorWriter.get(), &error, sizeof error);
@@ -208,7 +150,7 @@ class Starter {
 
     [[noreturn]] void run() {
         sigset_t all;
-        ::sigfillset(&all);
+        sigfillset(&all);
         ::pthread_sigmask(SIG_SETMASK, &all, nullptr);
         while (true) next()();
     }
@@ -236,8 +178,7 @@ Pipe makePipe() {
 
 StartedProcess startProcess(const ChildProcessOptions& options) {
     Pipe errorPipe = makePipe();
-    Launch launch;
-    prepare(launch, options, errorPipe.writeEnd.get());
+    Launch launch(options, errorPipe.writeEnd.get());
     errorPipe.writeEnd.reset();
     const pid_t pid = Starter::instance().start(launch);
     launch.errorWriter.reset();
