@@ -86,7 +86,7 @@ class TimeLimitedWorker::Lane final : public JobLimit {
     void work() {
         // A signal that ends the program politely must not interrupt a write to a network or FUSE disk.
         sigset_t all;
-        ::sigfillset(&all);
+        sigfillset(&all);
         ::pthread_sigmask(SIG_SETMASK, &all, nullptr);
         text::MutexLock lock(mutex_);
         while (!isAbandoned_) {

@@ -29,8 +29,8 @@ constexpr std::chrono::seconds terminationGrace{1};
 class PipeSignalBlock {
   public:
     PipeSignalBlock() noexcept {
-        ::sigemptyset(&pipeSignal_);
-        ::sigaddset(&pipeSignal_, SIGPIPE);
+        sigemptyset(&pipeSignal_);
+        sigaddset(&pipeSignal_, SIGPIPE);
         wasPending_ = isPending();
         ::pthread_sigmask(SIG_BLOCK, &pipeSignal_, &earlier_);
     }
@@ -49,9 +49,9 @@ class PipeSignalBlock {
   private:
     static bool isPending() noexcept {
         sigset_t pending;
-        ::sigemptyset(&pending);
+        sigemptyset(&pending);
         ::sigpending(&pending);
-        return ::sigismember(&pending, SIGPIPE) == 1;
+        return sigismember(&pending, SIGPIPE) == 1;
     }
 
     sigset_t pipeSignal_{};

@@ -173,7 +173,7 @@ TEST(ChildProcess, StandsApartFromThisProcess) {
     const FileDescriptor leaky(::fcntl(STDERR_FILENO, F_DUPFD, 90));
     sigset_t blocked;
     sigset_t earlierMask;
-    ::sigfillset(&blocked);
+    sigfillset(&blocked);
     ::pthread_sigmask(SIG_BLOCK, &blocked, &earlierMask);
     const auto status = runAndCapture("/bin/cat", {"/proc/self/status"});
     const auto descriptors = runAndCapture("/bin/ls", {"/proc/self/fd"});
@@ -243,7 +243,7 @@ TEST(WriteToPipe, AGoneReaderIsAnErrorAndNoSignal) {
     EXPECT_EQ(errno, EPIPE);
     sigset_t pending;
     ::sigpending(&pending);
-    EXPECT_EQ(::sigismember(&pending, SIGPIPE), 0);
+    EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
 }
 
 TEST(ProcessEnd, IsToldByAThreadWhereTheSystemHasNoDescriptorForIt) {
