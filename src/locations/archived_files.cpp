@@ -2,8 +2,7 @@
 
 #include <cerrno>
 
-#include <fmt/format.h>
-
+#include "platform/cloud_placeholder.h"
 #include "platform/paths.h"
 
 namespace corvane {
@@ -25,14 +24,9 @@ FilePresence filePresence(platform::FileLayer& files, const std::string& path) {
     return cannotExist ? FilePresence::absent : FilePresence::unknown;
 }
 
-std::string placeholderPath(const std::string& path) {
-    return platform::joinPath(platform::parentPath(path),
-                              fmt::format(".{}.icloud", platform::lastPathComponent(path)));
-}
-
 bool isArchiveFileGone(platform::FileLayer& files, const std::string& path) {
     return filePresence(files, path) == FilePresence::absent &&
-           filePresence(files, placeholderPath(path)) == FilePresence::absent;
+           filePresence(files, platform::cloudPlaceholderPath(path)) == FilePresence::absent;
 }
 
 bool allArchivedEmlGone(platform::FileLayer& files, const EmailArchiveIndex& index,

@@ -17,9 +17,6 @@ enum class FilePresence { present, absent, unknown };
 // `unknown` when the look fails for another reason than a missing file or folder.
 FilePresence filePresence(platform::FileLayer& files, const std::string& path);
 
-// The name under which a cloud provider keeps the placeholder of a file that it holds itself.
-std::string placeholderPath(const std::string& path);
-
 // Neither the file nor its placeholder is there.
 bool isArchiveFileGone(platform::FileLayer& files, const std::string& path);
 

@@ -75,6 +75,10 @@ class Platform {
     // Whether a cloud provider holds only a placeholder of this file.
     [[nodiscard]] virtual bool isCloudPlaceholder(const std::string& path) const = 0;
 
+    // Asks the cloud provider for the content of such a file and returns without waiting for it; it comes
+    // later or never. No effect for any other file.
+    virtual void requestDownload(const std::string& /*path*/) const {}
+
     // Hides a file from listings where the system has such a flag; without it there is no effect. A failure
     // isn't reported.
     virtual void markHidden(const std::string& path) const = 0;
@@ -83,6 +87,24 @@ class Platform {
     // every volume that comes or goes.
     [[nodiscard]] virtual std::unique_ptr<MountSubscription>
     subscribeToMounts(std::function<void(MountEvent)> handler) const = 0;
+
+    // Opens a file or folder (absolute path) or an address ("message:...") with the program that the user's
+    // desktop has for it. False when there is no desktop, or it refused. Takes up to some seconds.
+    [[nodiscard]] virtual bool open(const std::string& /*target*/) const { return false; }
+
+    // Shows a file, marked, in the file manager, or at least its folder. Otherwise as open().
+    [[nodiscard]] virtual bool reveal(const std::string& /*path*/) const { return false; }
+
+    // The page of the system's settings where the user lets this program read Mail's data; false where the
+    // system has none.
+    [[nodiscard]] virtual bool openPrivacySettings() const { return false; }
+
+    // A PNG of at most `pixels` at its longer side that shows what is in a file, made in `folder`, which is
+    // there. Its path; absent where the system makes none. Takes up to some seconds.
+    [[nodiscard]] virtual std::optional<std::string>
+    makeThumbnail(const std::string& /*path*/, int /*pixels*/, const std::string& /*folder*/) const {
+        return std::nullopt;
+    }
 };
 
 // The platform of this system. `home` replaces the user's home for the whole run (support folder and settings

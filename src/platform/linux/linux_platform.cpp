@@ -5,8 +5,10 @@
 #include <sys/statvfs.h>
 #include <sys/sysmacros.h>
 
+#include "platform/desktop_program.h"
 #include "platform/directory.h"
 #include "platform/home_places.h"
+#include "platform/linux/desktop_commands.h"
 #include "platform/linux/mount_table.h"
 #include "platform/linux/mount_watch.h"
 #include "platform/paths.h"
@@ -15,6 +17,8 @@
 namespace corvane::platform {
 
 namespace {
+
+constexpr std::chrono::seconds desktopPatience{5};
 
 // The XDG base directories: a relative path there is to be ignored.
 std::string baseFolder(const char* variable, const std::string& fallback) {
@@ -127,6 +131,14 @@ class LinuxPlatform final : public Platform {
     [[nodiscard]] std::unique_ptr<MountSubscription>
     subscribeToMounts(std::function<void(MountEvent)> handler) const override {
         return watchMounts(std::move(handler));
+    }
+
+    [[nodiscard]] bool open(const std::string& target) const override {
+        return isExecutableFile(desktopOpener) && runBriefly(openCommand(target), desktopPatience);
+    }
+
+    [[nodiscard]] bool reveal(const std::string& path) const override {
+        return runBriefly(revealCommand(path), desktopPatience) || open(std::string(parentPath(path)));
     }
 
   private:
