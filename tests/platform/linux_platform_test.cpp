@@ -17,6 +17,7 @@
 #include <unistd.h>
 
 #include "platform/directory.h"
+#include "platform/linux/desktop_commands.h"
 #include "platform/platform.h"
 #include "support/temporary_home.h"
 
@@ -117,6 +118,10 @@ TEST(LinuxPlatform, VolumesHoldTheRootAndTheKernelsOwn) {
     const auto proc = std::ranges::find(*volumes, "/proc", &Volume::path);
     ASSERT_NE(proc, volumes->end());
     EXPECT_EQ(proc->browsable, false);
+}
+
+TEST(LinuxPlatform, TheFileManagerIsAskedByAnAddressWithoutCommas) {
+    EXPECT_EQ(revealCommand("/a b/信,1.eml").arguments[5], "array:string:file:///a%20b/%E4%BF%A1%2C1.eml");
 }
 
 // Collects events and lets the test wait for them.

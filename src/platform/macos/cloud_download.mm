@@ -1,0 +1,16 @@
+#include "platform/macos/cloud_download.h"
+
+#import <Foundation/Foundation.h>
+
+namespace corvane::platform::macos {
+
+void startCloudDownload(const std::string& path) {
+    @autoreleasepool {
+        NSFileManager* const files = [NSFileManager defaultManager];
+        NSString* const text = [files stringWithFileSystemRepresentation:path.data() length:path.size()];
+        // The wait for the file tells whether it came.
+        [files startDownloadingUbiquitousItemAtURL:[NSURL fileURLWithPath:text isDirectory:NO] error:nil];
+    }
+}
+
+} // namespace corvane::platform::macos

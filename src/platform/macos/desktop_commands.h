@@ -1,0 +1,32 @@
+// The programs of a Mac that open, show and picture files, as they are started. Plain values, built and
+// tested on every system. Thread-safe.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/child_process.h"
+#include "platform/program_command.h"
+
+namespace corvane::platform::macos {
+
+// Absent for what is neither an absolute path nor an address with a scheme: "open" would take a dash for an
+// option and anything else for a path below its own folder.
+std::optional<ProgramCommand> openCommand(std::string_view target);
+
+// Absent for a path that isn't absolute.
+std::optional<ProgramCommand> revealCommand(std::string_view path);
+
+// The page of the system's settings where the user grants full disk access.
+ProgramCommand privacySettingsCommand();
+
+// Quick Look writes a PNG of at most `pixels` at its longer side to thumbnailPath(path, folder).
+ProgramCommand thumbnailCommand(const std::string& path, int pixels, const std::string& folder);
+std::string thumbnailPath(const std::string& path, const std::string& folder);
+
+// Starts the same program by a shell that first limits the size of the files that it may write, for which
+// posix_spawn(2) has no attribute. The limit is rounded up to the shell's blocks. Needs a limit.
+ChildProcessOptions withLimitByShell(const ChildProcessOptions& options);
+
+} // namespace corvane::platform::macos
