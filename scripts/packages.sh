@@ -11,7 +11,8 @@ window=(qt6-declarative-dev qt6-declarative-dev-tools qml6-module-qtqml qml6-mod
     qml6-module-qt-labs-folderlistmodel libqt6svg6 qt6-qpa-plugins qt6-translations-l10n fonts-noto-cjk)
 run=(sqlite3 python3)
 tests=(libgtest-dev libgmock-dev qml6-module-qttest xvfb xauth xdotool)
-checks=(clang-format-19 clang-tidy-19 clang-19 libclang-rt-19-dev lld-19 ccache)
+checks=(clang-format-19 clang-tidy-19 clang-19 libclang-rt-19-dev lld-19 ccache libc++-19-dev llvm-19)
+headers=(npm) # where no npm is there already
 
 for group in "$@"; do
     declare -n packages=$group
