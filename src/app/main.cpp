@@ -8,6 +8,7 @@
 
 #include "app/window_run.h"
 #include "platform/quit_signals.h"
+#include "platform/system_menus.h"
 #include "records/logs/console_log.h"
 #include "screens/controls/theme/appearance.h"
 #include "screens/controls/theme/fonts.h"
@@ -56,8 +57,10 @@ int main(int argc, char** argv) {
     CLI11_PARSE(parser, argc, argv);
     try {
         corvane::thinTextStems();
+        corvane::platform::declineSystemMenuItems();
         const QGuiApplication application(argc, argv);
         QGuiApplication::setDesktopFileName(QStringLiteral("corvane"));
+        const auto menuPolicy = corvane::platform::enforceMenuPolicy();
         return corvane::runWindows(line);
     } catch (const std::exception& error) {
         corvane::consoleLine(error.what());

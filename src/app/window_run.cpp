@@ -8,6 +8,7 @@
 #include <QSocketNotifier>
 
 #include "app/blocked_window.h"
+#include "app/open_requests.h"
 #include "app/single_instance.h"
 #include "app/window_load.h"
 #include "model/corvane_view_model.h"
@@ -88,10 +89,13 @@ WindowOutcome runWindow(const WindowOptions& options) {
                      static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
     shown->show();
 
-    QObject::connect(&instance, &SingleInstance::requested, &window, [&](const QString& address) {
+    const auto openForward = [&](const QString& address) {
         bringForward(*shown);
         window.openAddress(address);
-    });
+    };
+    QObject::connect(&instance, &SingleInstance::requested, &window, openForward);
+    const OpenRequests openRequests;
+    QObject::connect(&openRequests, &OpenRequests::requested, &window, openForward);
     QObject::connect(window.sampleStore(), &SampleStore::ready, &window, [&](const QString& home) {
         outcome.reopenHome = home.toStdString();
         QCoreApplication::quit();

@@ -7,6 +7,7 @@
 #include "platform/cloud_placeholder.h"
 #include "platform/desktop_program.h"
 #include "platform/macos/desktop_commands.h"
+#include "platform/macos/menu_rules.h"
 #include "platform/macos/mount_values.h"
 #include "platform/macos/user_places.h"
 #include "support/temporary_home.h"
@@ -140,6 +141,32 @@ TEST(MacosSpace, WhatTheSystemWouldClearAwayCountsWhereItKnows) {
     EXPECT_EQ(availableBytes(0, 200), 200); // exFAT, a disk image
     EXPECT_EQ(availableBytes({}, 200), 200);
     EXPECT_EQ(availableBytes(0, {}), std::nullopt);
+}
+
+TEST(MacosMenus, WhatTheSystemAddsGoes) {
+    const auto item = [](const char* action, const char* title = "x") {
+        return MenuItemFacts{.action = action, .title = title};
+    };
+    const auto menu = [](const char* title, std::vector<std::string> actions, bool isServices = false) {
+        return MenuItemFacts{.action = "submenuAction:",
+                             .title = title,
+                             .hasSubmenu = true,
+                             .isServicesMenu = isServices,
+                             .submenuActions = std::move(actions)};
+    };
+    for (const auto& removed : {item("startDictation:"), item("performClose:"), item("", "全部关闭"),
+                                menu("服务", {}), menu("x", {}, true), menu("语音", {"", "startSpeaking:"})})
+        EXPECT_TRUE(shouldRemove(removed)) << removed.title;
+    for (const auto& kept :
+         {item("terminate:"), item("", "服务"), menu("x", {}), menu("x", {"", "copy:", "startSpeaking:"})})
+        EXPECT_FALSE(shouldRemove(kept)) << kept.title;
+}
+
+TEST(MacosMenus, SeparatorsStandOnlyBetweenEntries) {
+    EXPECT_THAT(superfluousSeparators({true, false, true, true, false, true, true}), ElementsAre(0, 3, 5, 6));
+    EXPECT_THAT(superfluousSeparators({false, true, false}), IsEmpty());
+    EXPECT_THAT(superfluousSeparators({true, true}), ElementsAre(0, 1));
+    EXPECT_THAT(superfluousSeparators({}), IsEmpty());
 }
 
 TEST(CloudPlaceholder, NamesLeadThereAndBack) {

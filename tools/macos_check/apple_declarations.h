@@ -1,11 +1,12 @@
-// For scripts/check-macos alone, never for a build on a Mac: what this project uses of Apple's frameworks, whose
-// headers can't be had elsewhere. Written from their public documentation, as little as the sources need. It
-// stands for <CoreFoundation/CoreFoundation.h>, <Foundation/Foundation.h> and <AppKit/AppKit.h>.
+// For scripts/check-macos alone, never for a build on a Mac: what this project uses of Apple's frameworks,
+// whose headers can't be had elsewhere. Written from their public documentation, as little as the sources
+// need. It stands for <CoreFoundation/CoreFoundation.h>, <Foundation/Foundation.h> and <AppKit/AppKit.h>.
 #pragma once
 
 #include <stdint.h>
 
-// ---- Core Foundation -------------------------------------------------------------------------------------------
+// ---- Core Foundation
+// -------------------------------------------------------------------------------------------
 
 extern "C" {
 
@@ -24,6 +25,7 @@ typedef uint32_t CFStringEncoding;
 typedef CFIndex CFNumberType;
 
 enum : CFStringEncoding { kCFStringEncodingUTF8 = 0x08000100 };
+
 enum : CFNumberType { kCFNumberSInt64Type = 4 };
 
 extern const CFAllocatorRef kCFAllocatorDefault;
@@ -44,27 +46,48 @@ Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 CFIndex CFStringGetLength(CFStringRef string);
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, CFStringEncoding encoding);
-CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* buffer, CFIndex length,
-                                                 Boolean isDirectory);
+CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* buffer,
+                                                 CFIndex length, Boolean isDirectory);
 Boolean CFURLCopyResourcePropertyForKey(CFURLRef url, CFStringRef key, void* value, CFErrorRef* error);
 }
 
-// ---- Foundation and AppKit -------------------------------------------------------------------------------------
+// ---- Foundation and AppKit
+// -------------------------------------------------------------------------------------
 
 #ifdef __OBJC__
 #include <objc/NSObject.h>
 #include <objc/objc.h>
 
-@class NSArray<ObjectType>;
-@class NSError;
+@class NSError, NSMenu, NSTimer;
+
+typedef struct {
+    unsigned long state;
+    id __unsafe_unretained* itemsPtr;
+    unsigned long* mutationsPtr;
+    unsigned long extra[5];
+} NSFastEnumerationState;
+
+@protocol NSFastEnumeration
+- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
+                                  objects:(id __unsafe_unretained[])buffer
+                                    count:(NSUInteger)count;
+@end
 
 @interface NSString : NSObject
-- (BOOL)isEqualToString:(NSString*)other;
-- (const char*)UTF8String;
-+ (instancetype)stringWithUTF8String:(const char*)text;
+@property(readonly) const char* UTF8String;
 @end
 
 @interface NSConstantString : NSString
+@end
+
+@interface NSArray<__covariant ObjectType> : NSObject <NSFastEnumeration>
+- (NSArray<ObjectType>*)copy;
+@end
+
+@interface NSMapTable<KeyType, ObjectType> : NSObject <NSFastEnumeration>
++ (NSMapTable<KeyType, ObjectType>*)weakToStrongObjectsMapTable;
+- (ObjectType)objectForKey:(KeyType)key;
+- (void)setObject:(ObjectType)object forKey:(KeyType)key;
 @end
 
 @interface NSURL : NSObject
@@ -76,4 +99,53 @@ Boolean CFURLCopyResourcePropertyForKey(CFURLRef url, CFStringRef key, void* val
 - (NSString*)stringWithFileSystemRepresentation:(const char*)text length:(NSUInteger)length;
 - (BOOL)startDownloadingUbiquitousItemAtURL:(NSURL*)url error:(NSError**)error;
 @end
+
+@interface NSUserDefaults : NSObject
+@property(class, readonly, strong) NSUserDefaults* standardUserDefaults;
+- (void)setBool:(BOOL)value forKey:(NSString*)key;
+@end
+
+@interface NSTimer : NSObject
++ (NSTimer*)scheduledTimerWithTimeInterval:(double)seconds
+                                   repeats:(BOOL)repeats
+                                     block:(void (^)(NSTimer* timer))block;
+- (void)invalidate;
+@end
+
+@interface NSNotificationCenter : NSObject
+@property(class, readonly, strong) NSNotificationCenter* defaultCenter;
+- (void)addObserver:(id)observer selector:(SEL)selector name:(NSString*)name object:(id)object;
+- (void)removeObserver:(id)observer;
+@end
+
+extern "C" NSString* NSStringFromSelector(SEL selector);
+
+@protocol NSMenuDelegate <NSObject>
+@optional
+- (void)menuNeedsUpdate:(NSMenu*)menu;
+@end
+
+@interface NSMenuItem : NSObject
+@property(copy) NSString* title;
+@property SEL action;
+@property(strong) NSMenu* submenu;
+@property(getter=isSeparatorItem, readonly) BOOL separatorItem;
+@end
+
+@interface NSMenu : NSObject
+@property(weak) id<NSMenuDelegate> delegate;
+@property(copy) NSArray<NSMenuItem*>* itemArray;
+- (void)removeItem:(NSMenuItem*)item;
+- (void)removeItemAtIndex:(NSInteger)index;
+@end
+
+@interface NSApplication : NSObject
+@property(strong) NSMenu* mainMenu;
+@property(strong) NSMenu* servicesMenu;
+@property(strong) NSMenu* windowsMenu;
+@property(strong) NSMenu* helpMenu;
+@end
+
+extern "C" NSApplication* NSApp;
+extern "C" NSString* const NSApplicationDidBecomeActiveNotification;
 #endif

@@ -1,11 +1,15 @@
 #include <chrono>
 #include <future>
 
+#include <QCoreApplication>
+#include <QFileOpenEvent>
 #include <QLocalSocket>
 #include <QSignalSpy>
 #include <gtest/gtest.h>
 
+#include "app/open_requests.h"
 #include "app/single_instance.h"
+#include "screens/shell/start/corvane_url.h"
 #include "support/temporary_home.h"
 
 namespace corvane {
@@ -69,6 +73,20 @@ TEST(SingleInstance, DataFolderThatCannotBeMadeIsntAnotherWindow_AndIsMadeOnceIt
     EXPECT_TRUE(start.obstacle().contains(folder));
     ASSERT_TRUE(QFile::remove(QString::fromStdString(inTheWay)));
     EXPECT_TRUE(start.becomeFirst());
+}
+
+TEST(OpenRequests, WhatTheDesktopOpensIsAnAddress) {
+    OpenRequests requests;
+    QSignalSpy requested(&requests, &OpenRequests::requested);
+    for (const QUrl& url : {QUrl(QStringLiteral("corvane://open?path=/a%20b")),
+                            QUrl::fromLocalFile(QStringLiteral("/归档 1&2"))}) {
+        QFileOpenEvent event(url);
+        QCoreApplication::sendEvent(qApp, &event);
+        const QUrl address(requested.takeFirst().front().toString());
+        EXPECT_EQ(address.scheme(), QStringLiteral("corvane"));
+        EXPECT_EQ(folderOfUrl(address.toString(QUrl::FullyEncoded)),
+                  url.isLocalFile() ? QStringLiteral("/归档 1&2") : QStringLiteral("/a b"));
+    }
 }
 
 } // namespace

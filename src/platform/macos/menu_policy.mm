@@ -1,0 +1,164 @@
+#include "platform/system_menus.h"
+
+#import <AppKit/AppKit.h>
+
+#include "platform/macos/menu_rules.h"
+
+namespace {
+
+using namespace corvane::platform;
+
+std::string utf8(NSString* text) {
+    return text == nil ? std::string() : std::string(text.UTF8String);
+}
+
+std::string actionOf(NSMenuItem* item) {
+    return item.action == nullptr ? std::string() : utf8(NSStringFromSelector(item.action));
+}
+
+macos::MenuItemFacts factsOf(NSMenuItem* item) {
+    macos::MenuItemFacts facts{.action = actionOf(item), .title = utf8(item.title)};
+    NSMenu* const submenu = item.submenu;
+    facts.hasSubmenu = submenu != nil;
+    facts.isServicesMenu = submenu != nil && submenu == NSApp.servicesMenu;
+    for (NSMenuItem* entry in submenu.itemArray) facts.submenuActions.push_back(actionOf(entry));
+    return facts;
+}
+
+void pruneNoiseItems(NSMenu* menu) {
+    // A copy: the menu changes below.
+    for (NSMenuItem* item in [menu.itemArray copy]) {
+        if (macos::shouldRemove(factsOf(item))) [menu removeItem:item];
+    }
+    std::vector<bool> isSeparator;
+    for (NSMenuItem* item in menu.itemArray) isSeparator.push_back(item.separatorItem);
+    const auto places = macos::superfluousSeparators(isSeparator);
+    for (auto place = places.rbegin(); place != places.rend(); ++place)
+        [menu removeItemAtIndex:static_cast<NSInteger>(*place)];
+}
+
+} // namespace
+
+// Stands before the delegate that a menu had. What the menu asks is answered by that one; then what it may
+// have added is removed, before the menu is seen.
+@interface CorvaneMenuPruner : NSObject <NSMenuDelegate>
+@property(nonatomic, weak) id<NSMenuDelegate> original;
+@end
+
+@implementation CorvaneMenuPruner
+
+- (void)menuNeedsUpdate:(NSMenu*)menu {
+    if ([self.original respondsToSelector:@selector(menuNeedsUpdate:)]) [self.original menuNeedsUpdate:menu];
+    pruneNoiseItems(menu);
+}
+
+- (BOOL)respondsToSelector:(SEL)selector {
+    return [super respondsToSelector:selector] || [self.original respondsToSelector:selector];
+}
+
+- (id)forwardingTargetForSelector:(SEL)selector {
+    return [self.original respondsToSelector:selector] ? self.original
+                                                       : [super forwardingTargetForSelector:selector];
+}
+
+@end
+
+@interface CorvaneMenuPolicy : NSObject
+@property(nonatomic, strong) NSTimer* menuPolicyTimer;
+// A menu doesn't own its delegate, so the pruners live here, as long as their menus.
+@property(nonatomic, strong) NSMapTable<NSMenu*, CorvaneMenuPruner*>* pruners;
+@end
+
+@implementation CorvaneMenuPolicy
+
+- (instancetype)init {
+    self = [super init];
+    if (self == nil) return nil;
+    self.pruners = [NSMapTable weakToStrongObjectsMapTable];
+    [self enforceMenuPolicy];
+    __weak CorvaneMenuPolicy* weakSelf = self;
+    // The system fills the menus late, and some of them again whenever the program comes forward.
+    self.menuPolicyTimer = [NSTimer scheduledTimerWithTimeInterval:0.3
+                                                           repeats:YES
+                                                             block:^(NSTimer* timer) {
+                                                               CorvaneMenuPolicy* policy = weakSelf;
+                                                               if (policy == nil) [timer invalidate];
+                                                               [policy enforceMenuPolicy];
+                                                             }];
+    [[NSNotificationCenter defaultCenter] addObserver:self
+                                             selector:@selector(enforceMenuPolicy)
+                                                 name:NSApplicationDidBecomeActiveNotification
+                                               object:nil];
+    return self;
+}
+
+- (void)stop {
+    [self.menuPolicyTimer invalidate];
+    [[NSNotificationCenter defaultCenter] removeObserver:self];
+    for (NSMenu* menu in self.pruners) {
+        CorvaneMenuPruner* pruner = [self.pruners objectForKey:menu];
+        if (menu.delegate == pruner) menu.delegate = pruner.original;
+    }
+}
+
+- (void)enforceMenuPolicy {
+    [self removeHelpMenu];
+    for (NSMenuItem* item in NSApp.mainMenu.itemArray) [self watch:item.submenu];
+    [self watch:NSApp.windowsMenu];
+}
+
+- (void)removeHelpMenu {
+    NSMenu* const help = NSApp.helpMenu;
+    for (NSMenuItem* item in [NSApp.mainMenu.itemArray copy]) {
+        if (help != nil && item.submenu == help) [NSApp.mainMenu removeItem:item];
+    }
+    NSApp.helpMenu = nil;
+}
+
+- (void)watch:(NSMenu*)menu {
+    if (menu == nil) return;
+    CorvaneMenuPruner* pruner = [self.pruners objectForKey:menu];
+    if (pruner == nil || menu.delegate != pruner) {
+        pruner = [[CorvaneMenuPruner alloc] init];
+        pruner.original = menu.delegate;
+        [self.pruners setObject:pruner forKey:menu];
+        menu.delegate = pruner;
+    }
+    pruneNoiseItems(menu);
+}
+
+@end
+
+namespace corvane::platform {
+
+namespace {
+
+class MacosMenuPolicy final : public MenuPolicy {
+  public:
+    MacosMenuPolicy()
+      : policy_([[CorvaneMenuPolicy alloc] init]) {}
+
+    MacosMenuPolicy(const MacosMenuPolicy&) = delete;
+    MacosMenuPolicy& operator=(const MacosMenuPolicy&) = delete;
+
+    ~MacosMenuPolicy() override { [policy_ stop]; }
+
+  private:
+    CorvaneMenuPolicy* policy_;
+};
+
+} // namespace
+
+void declineSystemMenuItems() {
+    @autoreleasepool {
+        NSUserDefaults* const defaults = [NSUserDefaults standardUserDefaults];
+        [defaults setBool:YES forKey:@"NSDisabledDictationMenuItem"];
+        [defaults setBool:YES forKey:@"NSDisabledCharacterPaletteMenuItem"];
+    }
+}
+
+std::unique_ptr<MenuPolicy> enforceMenuPolicy() {
+    return std::make_unique<MacosMenuPolicy>();
+}
+
+} // namespace corvane::platform
