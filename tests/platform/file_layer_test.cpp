@@ -1,14 +1,10 @@
 #include "platform/file_layer.h"
 
-#include <algorithm>
 #include <system_error>
-#include <vector>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <sys/vfs.h>
 #include <unistd.h>
 
 #include "platform/directory.h"
@@ -20,44 +16,6 @@ namespace corvane::platform {
 namespace {
 
 using testing::TemporaryHome;
-
-// Pages of the file that are in the page cache.
-std::size_t cachedPages(const std::string& path, std::size_t bytes) {
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY));
-    void* mapped = ::mmap(nullptr, bytes, PROT_READ, MAP_SHARED, file.get(), 0);
-    const auto pageSize = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
-    std::vector<unsigned char> resident((bytes + pageSize - 1) / pageSize);
-    EXPECT_EQ(::mincore(mapped, bytes, resident.data()), 0);
-    ::munmap(mapped, bytes);
-    return static_cast<std::size_t>(
-        std::ranges::count_if(resident, [](unsigned char page) { return page & 1; }));
-}
-
-bool keepsFilesInMemory(const std::string& folder) {
-    struct statfs status{};
-    return ::statfs(folder.c_str(), &status) != 0 || status.f_type == 0x01021994 ||
-           status.f_type == 0x794c7630;
-}
-
-TEST(FileLayer, BypassCache_LeavesNoPageOfAFileJustWritten) {
-    const TemporaryHome home;
-    if (keepsFilesInMemory(home.path()))
-        GTEST_SKIP() << "the temporary folder has no storage below its cache";
-    FileLayer& files = posixFileLayer();
-    constexpr std::size_t size = 300'000;
-    const std::string path = home.write("mail.eml", std::string(size, 'x'));
-    for (const bool isSynced : {true, false}) {
-        const FileDescriptor written(files.open(path, O_WRONLY | O_TRUNC, 0));
-        ASSERT_EQ(files.write(written.get(), std::string(size, 'y').data(), size),
-                  static_cast<ssize_t>(size));
-        ASSERT_EQ(isSynced ? files.sync(written.get()) : 0, 0);
-        ASSERT_GT(cachedPages(path, size), 0U);
-        const FileDescriptor reader(files.open(path, O_RDONLY, 0));
-        files.bypassCache(reader.get());
-        EXPECT_EQ(cachedPages(path, size), 0U) << "synced: " << isSynced;
-        EXPECT_EQ(readFile(path), std::string(size, 'y'));
-    }
-}
 
 TEST(FileLayer, RefusesNamesThatASystemCallWouldCutShort) {
     const TemporaryHome home;

@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <system_error>
 
+#include <unistd.h>
+
 namespace corvane::testing {
 
 namespace fs = std::filesystem;
