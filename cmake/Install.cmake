@@ -1,32 +1,38 @@
-# What an installed Corvane is made of beside its worker, and its packages. Linux: the FreeDesktop folders and a .deb by CPack. macOS: a
+# What an installed Corvane is made of, and its packages. Linux: the FreeDesktop folders and a .deb by CPack. macOS: a
 # bundle, whose resources lie where the platform's list of resource folders looks for them.
 include(GNUInstallDirs)
 
-set(corvane_data ${CMAKE_INSTALL_DATADIR}/corvane)
+if(APPLE)
+    set(corvane_data Corvane.app/Contents/Resources)
+else()
+    set(corvane_data ${CMAKE_INSTALL_DATADIR}/corvane)
+endif()
+install(FILES ${worker_copy}/mail_worker.py DESTINATION ${corvane_data})
+install(DIRECTORY ${worker_copy}/corvane_mail DESTINATION ${corvane_data} PATTERN made EXCLUDE)
+install(PROGRAMS tools/make_sample_store.py DESTINATION ${corvane_data})
+install(DIRECTORY tools/samplestore DESTINATION ${corvane_data} FILES_MATCHING PATTERN "*.py")
+
+set(CPACK_PACKAGE_NAME corvane)
+set(CPACK_PACKAGE_VENDOR Corvane)
+set(CPACK_PACKAGE_CONTACT "Corvane <corvane@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "archive of mail from Apple Mail, every message verified")
+set(CPACK_STRIP_FILES ON)
+
+if(APPLE)
+    if(CORVANE_WINDOW)
+        include(cmake/MacosBundle.cmake)
+        include(CPack)
+    endif()
+    return()
+endif()
+
 set(corvane_programs corvane-cli)
 if(CORVANE_WINDOW)
     list(APPEND corvane_programs corvane)
 endif()
+install(TARGETS ${corvane_programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-if(APPLE)
-    set(corvane_data Corvane.app/Contents/Resources)
-    set_target_properties(corvane PROPERTIES
-        MACOSX_BUNDLE TRUE
-        OUTPUT_NAME Corvane
-        MACOSX_BUNDLE_INFO_PLIST ${PROJECT_SOURCE_DIR}/desktop/Info.plist.in
-        MACOSX_BUNDLE_BUNDLE_NAME Corvane
-        MACOSX_BUNDLE_GUI_IDENTIFIER app.corvane.Corvane
-        MACOSX_BUNDLE_BUNDLE_VERSION ${PROJECT_VERSION}
-        MACOSX_BUNDLE_SHORT_VERSION_STRING ${PROJECT_VERSION})
-    install(TARGETS corvane BUNDLE DESTINATION .)
-    install(TARGETS corvane-cli RUNTIME DESTINATION Corvane.app/Contents/MacOS)
-else()
-    install(TARGETS ${corvane_programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-endif()
-install(PROGRAMS tools/make_sample_store.py DESTINATION ${corvane_data})
-install(DIRECTORY tools/samplestore DESTINATION ${corvane_data} FILES_MATCHING PATTERN "*.py")
-
-if(CORVANE_WINDOW AND NOT APPLE)
+if(CORVANE_WINDOW)
     install(FILES desktop/corvane.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
     install(FILES desktop/corvane.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
     set(icons ${CMAKE_INSTALL_DATADIR}/icons/hicolor)
@@ -36,11 +42,6 @@ if(CORVANE_WINDOW AND NOT APPLE)
     endforeach()
 endif()
 
-set(CPACK_PACKAGE_NAME corvane)
-set(CPACK_PACKAGE_VENDOR Corvane)
-set(CPACK_PACKAGE_CONTACT "Corvane <corvane@localhost>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "archive of mail from Apple Mail, every message verified")
-set(CPACK_STRIP_FILES ON)
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

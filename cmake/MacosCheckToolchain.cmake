@@ -21,9 +21,10 @@ set(CMAKE_RANLIB /usr/bin/llvm-ranlib-19)
 set(CMAKE_INSTALL_NAME_TOOL /usr/bin/llvm-install-name-tool-19)
 
 set(darwin_flags "-nostdlibinc -isystem ${CORVANE_DARWIN_HEADERS}")
-set(library_flags "-nostdinc++ -isystem /usr/lib/llvm-19/include/c++/v1 ${darwin_flags} -isystem ${CORVANE_LIBRARY_HEADERS} -fexperimental-library")
+set(library_flags "-nostdinc++ -isystem /usr/lib/llvm-19/include/c++/v1 ${darwin_flags} -isystem ${CORVANE_LIBRARY_HEADERS}")
 set(CMAKE_C_FLAGS_INIT "${darwin_flags}")
-set(CMAKE_CXX_FLAGS_INIT "${library_flags}")
+# Without its time a precompiled header is the same each time that it is made, which ccache needs.
+set(CMAKE_CXX_FLAGS_INIT "${library_flags} -Xclang -fno-pch-timestamp")
 set(CMAKE_OBJCXX_FLAGS_INIT "${library_flags}")
 
 # The libraries themselves are this system's; only their headers count.

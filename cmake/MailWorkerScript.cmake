@@ -17,7 +17,3 @@ add_custom_command(OUTPUT ${worker_copy}/corvane_mail/__pycache__/made
     DEPENDS ${worker_source}/mail_worker.py ${worker_modules}
     COMMENT "Mail worker" VERBATIM)
 add_custom_target(mail_worker_script ALL DEPENDS ${worker_copy}/corvane_mail/__pycache__/made)
-
-include(GNUInstallDirs)
-install(FILES ${worker_copy}/mail_worker.py DESTINATION ${CMAKE_INSTALL_DATADIR}/corvane)
-install(DIRECTORY ${worker_copy}/corvane_mail DESTINATION ${CMAKE_INSTALL_DATADIR}/corvane PATTERN made EXCLUDE)

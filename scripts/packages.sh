@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# The one list of Debian packages, by what needs them. Prints the names for the given groups.
+# The one list of packages, by system and by what needs them: Debian's, and on a Mac Homebrew's. Prints the names for
+# the given groups.
 set -euo pipefail
 
 build=(g++ cmake ninja-build pkg-config git ca-certificates
@@ -14,7 +15,18 @@ tests=(libgtest-dev libgmock-dev qml6-module-qttest xvfb xauth xdotool)
 checks=(clang-format-19 clang-tidy-19 clang-19 libclang-rt-19-dev lld-19 ccache libc++-19-dev llvm-19)
 headers=(npm) # where no npm is there already
 
+if [ "$(uname)" = Darwin ]; then
+    # SQLite, its shell and a Python are the system's; Qt comes whole.
+    build=(llvm cmake ninja pkgconf qt icu4c simdjson rapidjson cli11 tbb fmt)
+    window=("")
+    run=(python@3.12)
+    tests=(googletest)
+    checks=("")
+    headers=("")
+fi
+
 for group in "$@"; do
-    declare -n packages=$group
-    printf '%s\n' "${packages[@]}"
+    # Not by a reference: the shell of a Mac is that old.
+    members="$group[@]"
+    printf '%s\n' "${!members}"
 done
