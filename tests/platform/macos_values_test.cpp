@@ -1,4 +1,5 @@
 // What a Mac's part of the platform concludes, over lists and paths as real Macs give them; runs anywhere.
+#include <algorithm>
 #include <filesystem>
 
 #include <gmock/gmock.h>

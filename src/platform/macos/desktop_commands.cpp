@@ -1,6 +1,7 @@
 #include "platform/macos/desktop_commands.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "platform/paths.h"
 

@@ -1,6 +1,7 @@
 #include "platform/macos/mount_list.h"
 
 #include <cerrno>
+#include <cstdint>
 
 #include <fmt/format.h>
 #include <sys/mount.h>

@@ -1,6 +1,7 @@
 // The mounts of this system as values. Thread-safe.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>

@@ -1,6 +1,7 @@
 #include "platform/storage_flush.h"
 
 #include <cerrno>
+#include <cstddef>
 
 #include <fcntl.h>
 #include <sys/mman.h>
