@@ -23,7 +23,7 @@ def main():
     files = [name for name in inputs if name.endswith((".o", ".a")) and pathlib.Path(name).exists()]
     missing = symbols(files, "--undefined-only") - symbols(files, "--defined-only")
     if missing:
-        names = subprocess.run(["llvm-cxxfilt-19"], input="\n".join(sorted(missing)), capture_output=True, text=True)
+        names = subprocess.run(["llvm-cxxfilt-19", "--strip-underscore"], input="\n".join(sorted(missing)), capture_output=True, text=True)
         print(f"{program}: used, and defined nowhere:", file=sys.stderr)
         print("\n".join(f"  {name}" for name in names.stdout.splitlines()), file=sys.stderr)
         return 1
