@@ -9,7 +9,7 @@
 #include <fmt/format.h>
 
 #include "archive/mail_email_archiver.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <QSocketNotifier>
 
 #include "app/window_load.h"
-#include "platform/quit_signals.h"
+#include "platform/processes/quit_signals.h"
 #include "screens/shell/start/blocked_start.h"
 
 namespace corvane {

@@ -7,7 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "app/window_run.h"
-#include "platform/quit_signals.h"
+#include "platform/processes/quit_signals.h"
 #include "platform/system_menus.h"
 #include "records/logs/console_log.h"
 #include "screens/controls/theme/appearance.h"

@@ -14,7 +14,7 @@
 #include "model/corvane_view_model.h"
 #include "model/model_context.h"
 #include "platform/platform.h"
-#include "platform/quit_signals.h"
+#include "platform/processes/quit_signals.h"
 #include "records/logs/console_log.h"
 #include "screens/shell/window_frame.h"
 #include "screens/shell/window_model.h"

@@ -12,7 +12,7 @@
 
 #include "archive/archive_error.h"
 #include "archive/durable_write.h"
-#include "platform/durable_file.h"
+#include "platform/files/durable_file.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
 #include "records/stores/archive_index_file.h"

@@ -12,8 +12,8 @@
 #include "archive/file_placement.h"
 #include "archive/message_extraction.h"
 #include "archive/time_limited_worker.h"
-#include "platform/file_descriptor.h"
-#include "platform/file_layer.h"
+#include "platform/files/file_descriptor.h"
+#include "platform/files/file_layer.h"
 
 namespace corvane::archive {
 

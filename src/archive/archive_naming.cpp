@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include "platform/temporary_file.h"
+#include "platform/files/temporary_file.h"
 #include "records/timestamps.h"
 #include "text/charset.h"
 #include "text/collation.h"

@@ -1,6 +1,6 @@
 #include "archive/archive_root.h"
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 
 namespace corvane::archive {

@@ -16,7 +16,7 @@
 #include "archive/durable_write.h"
 #include "mime/header_decoding.h"
 #include "mime/message_identifiers.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "records/stable_id.h"
 #include "records/stores/archive_index_file.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/file_layer.h"
+#include "platform/files/file_layer.h"
 
 namespace corvane::archive {
 

@@ -8,7 +8,7 @@
 #include "archive/archive_error.h"
 #include "archive/archive_naming.h"
 #include "archive/durable_write.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "platform/stop_watch.h"
 #include "records/logs/console_log.h"

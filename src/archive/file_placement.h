@@ -18,7 +18,7 @@
 #include "archive/archive_root.h"
 #include "archive/message_extraction.h"
 #include "archive/time_limited_worker.h"
-#include "platform/file_layer.h"
+#include "platform/files/file_layer.h"
 
 namespace corvane::archive {
 

@@ -11,7 +11,7 @@
 #include "archive/archive_naming.h"
 #include "archive/message_extraction.h"
 #include "mime/header_decoding.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "platform/stop_watch.h"
 #include "records/logs/console_log.h"

@@ -12,7 +12,7 @@
 #include <stop_token>
 #include <string>
 
-#include "platform/file_layer.h"
+#include "platform/files/file_layer.h"
 #include "records/archive_records.h"
 #include "records/mail_message_record.h"
 

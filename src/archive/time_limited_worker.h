@@ -8,7 +8,7 @@
 #include <functional>
 #include <memory>
 
-#include "platform/forwarding_file_layer.h"
+#include "platform/files/forwarding_file_layer.h"
 
 namespace corvane::archive {
 

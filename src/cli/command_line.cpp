@@ -10,7 +10,7 @@
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/output.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "records/logs/console_log.h"
 
 namespace corvane::cli {

@@ -4,7 +4,7 @@
 #include <QSocketNotifier>
 #include <fmt/format.h>
 
-#include "platform/quit_signals.h"
+#include "platform/processes/quit_signals.h"
 #include "records/logs/console_log.h"
 
 namespace corvane::cli {

@@ -9,8 +9,8 @@
 #include "cli/exit_status.h"
 #include "cli/output.h"
 #include "cli/progress_line.h"
-#include "platform/directory.h"
-#include "platform/durable_file.h"
+#include "platform/files/directory.h"
+#include "platform/files/durable_file.h"
 #include "platform/paths.h"
 #include "records/formatters.h"
 

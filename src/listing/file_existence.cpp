@@ -4,7 +4,7 @@
 
 #include <dirent.h>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 
 namespace corvane {

@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 
 #include "locations/destination_detection.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
 #include "records/stores/archive_index_file.h"

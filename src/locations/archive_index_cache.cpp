@@ -8,8 +8,8 @@
 
 #include "locations/archive_locations.h"
 #include "locations/archived_files.h"
-#include "platform/directory.h"
-#include "platform/durable_file.h"
+#include "platform/files/directory.h"
+#include "platform/files/durable_file.h"
 #include "platform/paths.h"
 #include "records/stable_hash.h"
 #include "records/stores/archive_index_file.h"

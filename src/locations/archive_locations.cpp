@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 
 #include "locations/cloud_providers.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 
 namespace corvane {

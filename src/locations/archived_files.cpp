@@ -2,7 +2,7 @@
 
 #include <cerrno>
 
-#include "platform/cloud_placeholder.h"
+#include "platform/files/cloud_placeholder.h"
 #include "platform/paths.h"
 
 namespace corvane {

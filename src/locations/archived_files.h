@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/file_layer.h"
+#include "platform/files/file_layer.h"
 #include "records/archive_records.h"
 
 namespace corvane {

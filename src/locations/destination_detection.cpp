@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
 #include "text/case.h"

@@ -4,7 +4,7 @@
 
 #include "locations/archive_locations.h"
 #include "locations/cloud_providers.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "text/case.h"
 
 namespace corvane {

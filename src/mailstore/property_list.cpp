@@ -8,7 +8,7 @@
 
 #include <unicode/utf16.h>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "text/charset.h"
 #include "text/utf8_step.h"
 

@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "text/charset.h"
 #include "text/utf8_step.h"
 

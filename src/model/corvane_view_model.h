@@ -27,7 +27,7 @@
 #include "model/mail/message_catalog.h"
 #include "model/mail/model_filters.h"
 #include "model/mail/preview_refresh.h"
-#include "model/mail/scan_flow.h"
+#include "model/mail/scan/scan_flow.h"
 #include "model/mail/visible_messages.h"
 
 namespace corvane {

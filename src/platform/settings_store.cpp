@@ -17,8 +17,8 @@
 #include <rapidjson/stringbuffer.h>
 #include <simdjson.h>
 
-#include "platform/directory.h"
-#include "platform/durable_file.h"
+#include "platform/files/directory.h"
+#include "platform/files/durable_file.h"
 #include "platform/paths.h"
 #include "text/charset.h"
 

@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/file_descriptor.h"
-#include "platform/file_layer.h"
+#include "platform/files/file_descriptor.h"
+#include "platform/files/file_layer.h"
 
 namespace corvane::platform {
 

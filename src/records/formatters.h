@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "text/date_pattern.h"
+#include "text/dates/date_pattern.h"
 
 namespace corvane {
 

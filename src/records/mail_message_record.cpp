@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "records/formatters.h"
 #include "records/timestamps.h"
 

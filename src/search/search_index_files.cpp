@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "records/stable_hash.h"
 

@@ -8,11 +8,11 @@
 
 #include <fmt/format.h>
 
-#include "platform/child_process.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
+#include "platform/files/temporary_file.h"
 #include "platform/paths.h"
-#include "platform/temporary_file.h"
-#include "platform/timed_pipe.h"
+#include "platform/processes/child_process.h"
+#include "platform/processes/timed_pipe.h"
 #include "records/json/json_reader.h"
 #include "records/json/json_writer.h"
 #include "text/charset.h"

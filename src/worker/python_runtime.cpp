@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 
 namespace corvane {

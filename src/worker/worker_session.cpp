@@ -10,8 +10,8 @@
 
 #include <fmt/format.h>
 
-#include "platform/child_process.h"
-#include "platform/timed_pipe.h"
+#include "platform/processes/child_process.h"
+#include "platform/processes/timed_pipe.h"
 #include "records/json/json_writer.h"
 #include "worker/worker_error.h"
 #include "worker/worker_forms.h"

@@ -11,8 +11,8 @@
 
 #include "archive/archive_error.h"
 #include "archive/archive_fixture.h"
-#include "platform/directory.h"
-#include "platform/forwarding_file_layer.h"
+#include "platform/files/directory.h"
+#include "platform/files/forwarding_file_layer.h"
 
 namespace corvane {
 namespace {

@@ -14,7 +14,7 @@
 
 #include "archive/archive_error.h"
 #include "archive/time_limited_worker.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "support/faulty_file_layer.h"
 #include "support/temporary_home.h"
 

@@ -8,7 +8,7 @@
 #include "locations/archive_locations.h"
 #include "locations/archive_samples.h"
 #include "locations/archived_files.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "support/faulty_file_layer.h"
 #include "support/scripted_platform.h"
 #include "support/temporary_home.h"

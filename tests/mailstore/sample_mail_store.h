@@ -12,7 +12,7 @@
 
 #include "mailstore/mail_store_context.h"
 #include "mailstore/scan/mail_data_scanner.h"
-#include "platform/child_process.h"
+#include "platform/processes/child_process.h"
 #include "support/scripted_platform.h"
 #include "support/temporary_home.h"
 

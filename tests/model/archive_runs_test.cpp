@@ -1,7 +1,7 @@
 #include "model/corvane_view_model.h"
 #include "model/model_test.h"
 #include "model/published_messages.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "records/stores/archive_index_file.h"
 #include "support/faulty_file_layer.h"
 

@@ -5,7 +5,7 @@
 #include "locations/known_locations.h"
 #include "locations/settings_keys.h"
 #include "model/model_test.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 
 namespace corvane {
 namespace {

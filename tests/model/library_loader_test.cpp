@@ -8,7 +8,7 @@
 #include "locations/archive_samples.h"
 #include "locations/settings_keys.h"
 #include "model/model_test.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 
 namespace corvane {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/child_process.h"
+#include "platform/processes/child_process.h"
 
 #include <chrono>
 #include <csignal>
@@ -11,8 +11,8 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 
-#include "platform/directory.h"
-#include "platform/process_start.h"
+#include "platform/files/directory.h"
+#include "platform/processes/process_start.h"
 #include "support/temporary_home.h"
 
 namespace corvane::platform {

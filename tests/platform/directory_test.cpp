@@ -1,4 +1,4 @@
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 
 #include <algorithm>
 #include <filesystem>

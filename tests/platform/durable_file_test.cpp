@@ -1,4 +1,4 @@
-#include "platform/durable_file.h"
+#include "platform/files/durable_file.h"
 
 #include <filesystem>
 #include <stdexcept>
@@ -7,7 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "support/faulty_file_layer.h"
 #include "support/temporary_home.h"

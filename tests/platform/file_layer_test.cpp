@@ -1,4 +1,4 @@
-#include "platform/file_layer.h"
+#include "platform/files/file_layer.h"
 
 #include <system_error>
 
@@ -7,9 +7,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "platform/directory.h"
-#include "platform/file_descriptor.h"
-#include "platform/temporary_file.h"
+#include "platform/files/directory.h"
+#include "platform/files/file_descriptor.h"
+#include "platform/files/temporary_file.h"
 #include "support/temporary_home.h"
 
 namespace corvane::platform {

@@ -13,9 +13,9 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
-#include "platform/child_process.h"
-#include "platform/directory.h"
-#include "platform/file_layer.h"
+#include "platform/files/directory.h"
+#include "platform/files/file_layer.h"
+#include "platform/processes/child_process.h"
 #include "support/temporary_home.h"
 
 namespace corvane::platform {

@@ -16,7 +16,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/linux/desktop_commands.h"
 #include "platform/platform.h"
 #include "support/temporary_home.h"

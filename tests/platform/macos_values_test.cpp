@@ -5,12 +5,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/cloud_placeholder.h"
-#include "platform/desktop_program.h"
+#include "platform/files/cloud_placeholder.h"
 #include "platform/macos/desktop_commands.h"
 #include "platform/macos/menu_rules.h"
 #include "platform/macos/mount_values.h"
 #include "platform/macos/user_places.h"
+#include "platform/processes/desktop_program.h"
 #include "support/temporary_home.h"
 #include "text/split.h"
 

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "support/faulty_file_layer.h"
 #include "support/temporary_home.h"
 

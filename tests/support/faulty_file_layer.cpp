@@ -7,7 +7,7 @@
 
 #include <fcntl.h>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 
 namespace corvane::testing {

@@ -1,4 +1,4 @@
-#include "text/date_pattern.h"
+#include "text/dates/date_pattern.h"
 
 #include <stdexcept>
 #include <thread>

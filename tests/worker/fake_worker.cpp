@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 
 namespace corvane::testing {
 

@@ -11,7 +11,7 @@
 #include "mailstore/accounts/account_queries.h"
 #include "mailstore/folders/store_location.h"
 #include "mailstore/reader_logs.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "text/case.h"
 
 namespace corvane::mailstore {

@@ -12,7 +12,7 @@
 #include "mailstore/index/sqlite_shell.h"
 #include "mailstore/property_list.h"
 #include "mailstore/reader_logs.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "text/case.h"
 #include "text/regex.h"

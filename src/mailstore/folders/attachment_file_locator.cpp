@@ -2,7 +2,7 @@
 
 #include "mailstore/folders/folder_walk.h"
 #include "mailstore/folders/store_location.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 
 namespace corvane {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "text/collation.h"
 #include "text/encoding.h"

@@ -6,7 +6,7 @@
 
 #include "mailstore/folders/store_location.h"
 #include "mailstore/property_list.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "text/case.h"
 #include "text/collation.h"

@@ -9,7 +9,7 @@
 #include "mailstore/folders/attachment_file_locator.h"
 #include "mailstore/folders/store_location.h"
 #include "mailstore/seconds_counter.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "text/encoding.h"
 

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "text/encoding.h"
 

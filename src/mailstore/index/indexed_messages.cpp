@@ -10,7 +10,7 @@
 #include "mailstore/reader_logs.h"
 #include "mime/attachment_names.h"
 #include "mime/message_identifiers.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "records/preview_placeholders.h"
 #include "text/split.h"
 

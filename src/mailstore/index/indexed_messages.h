@@ -17,7 +17,7 @@
 #include "mailstore/index/json_rows.h"
 #include "mailstore/index/sqlite_shell.h"
 #include "mailstore/mail_store_context.h"
-#include "platform/temporary_file.h"
+#include "platform/files/temporary_file.h"
 #include "records/file_url.h"
 #include "records/mail_message_record.h"
 #include "text/shared_text.h"

@@ -10,7 +10,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "text/encoding.h"
 #include "text/mutex.h"

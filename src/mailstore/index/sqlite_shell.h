@@ -17,7 +17,7 @@
 
 #include "mailstore/index/json_rows.h"
 #include "mailstore/mail_store_context.h"
-#include "platform/temporary_file.h"
+#include "platform/files/temporary_file.h"
 
 namespace corvane::mailstore {
 

@@ -11,7 +11,7 @@
 #include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/index_sql.h"
 #include "mailstore/index/sqlite_shell.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "text/encoding.h"
 #include "text/split.h"
 #include "text/trim.h"

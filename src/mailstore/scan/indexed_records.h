@@ -8,7 +8,7 @@
 
 #include "mailstore/scan/scan_request.h"
 #include "mailstore/scan/scan_timing_metrics.h"
-#include "platform/temporary_file.h"
+#include "platform/files/temporary_file.h"
 #include "records/mail_message_record.h"
 
 namespace corvane::mailstore {

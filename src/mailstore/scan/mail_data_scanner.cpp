@@ -10,8 +10,8 @@
 #include "mailstore/scan/scan_timing_metrics.h"
 #include "mailstore/scan/walk_scan.h"
 #include "mailstore/seconds_counter.h"
+#include "platform/files/temporary_file.h"
 #include "platform/parallel.h"
-#include "platform/temporary_file.h"
 #include "records/logs/console_log.h"
 
 namespace corvane {

@@ -11,7 +11,7 @@
 #include "mime/header_decoding.h"
 #include "mime/mail_date.h"
 #include "mime/message_identifiers.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "records/preview_placeholders.h"
 #include "records/timestamps.h"

@@ -8,7 +8,7 @@
 #include "locations/cloud_providers.h"
 #include "locations/known_locations.h"
 #include "locations/settings_keys.h"
-#include "platform/durable_file.h"
+#include "platform/files/durable_file.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
 

@@ -7,7 +7,7 @@
 
 #include "locations/archive_search.h"
 #include "mime/header_decoding.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "search/mail_search_index.h"
 
 namespace corvane {

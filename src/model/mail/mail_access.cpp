@@ -4,7 +4,7 @@
 
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/year_counts.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 
 namespace corvane {
 

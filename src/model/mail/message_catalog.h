@@ -21,7 +21,7 @@
 #include "listing/message_set.h"
 #include "listing/message_statistics.h"
 #include "model/mail/catalog_state.h"
-#include "model/mail/scan_cache_writer.h"
+#include "model/mail/scan/scan_cache_writer.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
 #include "records/mail_message_record.h"

@@ -6,7 +6,7 @@
 #include "mime/emlx.h"
 #include "mime/preview_layout.h"
 #include "mime/preview_text.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "records/preview_placeholders.h"
 #include "worker/mail_worker_client.h"
 

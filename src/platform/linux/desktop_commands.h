@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/program_command.h"
+#include "platform/processes/program_command.h"
 
 namespace corvane::platform {
 

@@ -2,7 +2,7 @@
 
 #include <cctype>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
 
 namespace corvane::platform {

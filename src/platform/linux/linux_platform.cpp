@@ -5,14 +5,14 @@
 #include <sys/statvfs.h>
 #include <sys/sysmacros.h>
 
-#include "platform/desktop_program.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/home_places.h"
 #include "platform/linux/desktop_commands.h"
 #include "platform/linux/mount_table.h"
 #include "platform/linux/mount_watch.h"
 #include "platform/paths.h"
 #include "platform/platform.h"
+#include "platform/processes/desktop_program.h"
 
 namespace corvane::platform {
 

@@ -10,8 +10,8 @@
 #include <libmount/libmount.h>
 #include <poll.h>
 
-#include "platform/child_process.h"
 #include "platform/linux/mount_table.h"
+#include "platform/processes/child_process.h"
 
 namespace corvane::platform {
 

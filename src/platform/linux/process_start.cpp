@@ -1,4 +1,4 @@
-#include "platform/process_start.h"
+#include "platform/processes/process_start.h"
 
 #include <array>
 #include <cerrno>
@@ -21,7 +21,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/launch_texts.h"
+#include "platform/processes/launch_texts.h"
 
 #include "text/mutex.h"
 

@@ -1,4 +1,4 @@
-#include "platform/storage_flush.h"
+#include "platform/files/storage_flush.h"
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/child_process.h"
-#include "platform/program_command.h"
+#include "platform/processes/child_process.h"
+#include "platform/processes/program_command.h"
 
 namespace corvane::platform::macos {
 

@@ -7,9 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/cloud_placeholder.h"
-#include "platform/desktop_program.h"
-#include "platform/directory.h"
+#include "platform/files/cloud_placeholder.h"
+#include "platform/files/directory.h"
 #include "platform/home_places.h"
 #include "platform/macos/cloud_download.h"
 #include "platform/macos/desktop_commands.h"
@@ -19,6 +18,7 @@
 #include "platform/macos/volume_properties.h"
 #include "platform/paths.h"
 #include "platform/platform.h"
+#include "platform/processes/desktop_program.h"
 
 namespace corvane::platform {
 

@@ -9,8 +9,8 @@
 #include <sys/mount.h>
 #include <unistd.h>
 
-#include "platform/child_process.h"
 #include "platform/macos/mount_list.h"
+#include "platform/processes/child_process.h"
 
 namespace corvane::platform::macos {
 

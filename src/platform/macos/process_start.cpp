@@ -1,4 +1,4 @@
-#include "platform/process_start.h"
+#include "platform/processes/process_start.h"
 
 #include <array>
 #include <cerrno>
@@ -12,8 +12,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include "platform/launch_texts.h"
 #include "platform/macos/desktop_commands.h"
+#include "platform/processes/launch_texts.h"
 
 namespace corvane::platform {
 

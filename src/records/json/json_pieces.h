@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/directory.h"
-#include "platform/durable_file.h"
+#include "platform/files/directory.h"
+#include "platform/files/durable_file.h"
 #include "platform/parallel.h"
 #include "records/json/json_outline.h"
 #include "records/json/json_reader.h"

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/durable_file.h"
-#include "platform/file_layer.h"
+#include "platform/files/durable_file.h"
+#include "platform/files/file_layer.h"
 #include "platform/platform.h"
 
 namespace corvane {

@@ -5,7 +5,7 @@
 #include <string>
 #include <system_error>
 
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "records/json/json_reader.h"
 #include "records/json/json_writer.h"
 #include "records/stores/app_support.h"

@@ -8,7 +8,7 @@
 #include <QUrl>
 #include <fmt/format.h>
 
-#include "model/mail/sample_mail_maker.h"
+#include "model/mail/scan/sample_mail_maker.h"
 #include "screens/controls/theme/fonts.h"
 #include "screens/shell/start/corvane_url.h"
 #include "screens/texts/shown_figures.h"

@@ -5,7 +5,7 @@
 
 #include "model/model_test.h"
 #include "model/published_messages.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "records/stores/archive_index_file.h"
 
 namespace corvane {

@@ -24,7 +24,7 @@
 #include <unistd.h>
 
 #include "app/window_run.h"
-#include "platform/quit_signals.h"
+#include "platform/processes/quit_signals.h"
 #include "screens/controls/theme/appearance.h"
 #include "screens/controls/theme/fonts.h"
 

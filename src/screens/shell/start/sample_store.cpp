@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "model/mail/sample_mail_maker.h"
+#include "model/mail/scan/sample_mail_maker.h"
 #include "platform/paths.h"
 
 namespace corvane {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/file_layer.h"
+#include "platform/files/file_layer.h"
 
 namespace corvane::platform {
 

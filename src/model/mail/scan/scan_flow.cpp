@@ -1,4 +1,4 @@
-#include "model/mail/scan_flow.h"
+#include "model/mail/scan/scan_flow.h"
 
 #include <memory>
 #include <set>

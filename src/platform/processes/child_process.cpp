@@ -1,4 +1,4 @@
-#include "platform/child_process.h"
+#include "platform/processes/child_process.h"
 
 #include <algorithm>
 #include <array>
@@ -10,8 +10,8 @@
 #include <poll.h>
 #include <sys/wait.h>
 
-#include "platform/process_start.h"
-#include "platform/timed_poll.h"
+#include "platform/processes/process_start.h"
+#include "platform/processes/timed_poll.h"
 
 namespace corvane::platform {
 

@@ -1,13 +1,13 @@
-#include "model/mail/sample_mail_maker.h"
+#include "model/mail/scan/sample_mail_maker.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <stdexcept>
 #include <system_error>
 
-#include "platform/child_process.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/paths.h"
+#include "platform/processes/child_process.h"
 #include "worker/python_runtime.h"
 
 namespace corvane {

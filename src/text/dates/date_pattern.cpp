@@ -1,4 +1,4 @@
-#include "text/date_pattern.h"
+#include "text/dates/date_pattern.h"
 
 #include <cmath>
 #include <stdexcept>
@@ -7,7 +7,7 @@
 #include <unicode/gregocal.h>
 #include <unicode/smpdtfmt.h>
 
-#include "text/date_outline.h"
+#include "text/dates/date_outline.h"
 #include "text/icu_text.h"
 #include "text/idle_pool.h"
 

@@ -4,7 +4,7 @@
 
 #include <sys/types.h>
 
-#include "platform/child_process.h"
+#include "platform/processes/child_process.h"
 
 namespace corvane::platform {
 

@@ -1,4 +1,4 @@
-#include "text/date_outline.h"
+#include "text/dates/date_outline.h"
 
 #include <algorithm>
 

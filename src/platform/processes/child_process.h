@@ -18,8 +18,8 @@
 
 #include <sys/types.h>
 
-#include "platform/file_descriptor.h"
-#include "platform/process_end.h"
+#include "platform/files/file_descriptor.h"
+#include "platform/processes/process_end.h"
 
 namespace corvane::platform {
 

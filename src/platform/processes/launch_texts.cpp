@@ -1,4 +1,4 @@
-#include "platform/launch_texts.h"
+#include "platform/processes/launch_texts.h"
 
 #include <cerrno>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "platform/cloud_placeholder.h"
+#include "platform/files/cloud_placeholder.h"
 
 #include <fmt/format.h>
 

@@ -1,12 +1,12 @@
-#include "platform/file_layer.h"
+#include "platform/files/file_layer.h"
 
 #include <cstdio>
 
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "platform/nameable_path.h"
-#include "platform/storage_flush.h"
+#include "platform/files/nameable_path.h"
+#include "platform/files/storage_flush.h"
 
 namespace corvane::platform {
 

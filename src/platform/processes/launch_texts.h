@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/child_process.h"
-#include "platform/file_descriptor.h"
+#include "platform/files/file_descriptor.h"
+#include "platform/processes/child_process.h"
 
 namespace corvane::platform {
 

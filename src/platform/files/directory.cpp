@@ -1,4 +1,4 @@
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -13,8 +13,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/file_descriptor.h"
-#include "platform/nameable_path.h"
+#include "platform/files/file_descriptor.h"
+#include "platform/files/nameable_path.h"
 
 namespace corvane::platform {
 

@@ -1,4 +1,4 @@
-#include "model/mail/scan_cache_writer.h"
+#include "model/mail/scan/scan_cache_writer.h"
 
 #include <tuple>
 

@@ -3,7 +3,7 @@
 
 #include <chrono>
 
-#include "platform/program_command.h"
+#include "platform/processes/program_command.h"
 
 namespace corvane::platform {
 

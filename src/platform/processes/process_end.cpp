@@ -1,10 +1,10 @@
-#include "platform/process_end.h"
+#include "platform/processes/process_end.h"
 
 #include <cerrno>
 
 #include <sys/wait.h>
 
-#include "platform/child_process.h"
+#include "platform/processes/child_process.h"
 
 namespace corvane::platform {
 

@@ -1,4 +1,4 @@
-#include "model/mail/scan_job.h"
+#include "model/mail/scan/scan_job.h"
 
 #include <algorithm>
 #include <chrono>
@@ -8,7 +8,7 @@
 #include <fmt/format.h>
 
 #include "listing/scan_deduplication.h"
-#include "platform/directory.h"
+#include "platform/files/directory.h"
 #include "platform/parallel.h"
 #include "records/logs/console_log.h"
 

@@ -1,4 +1,4 @@
-#include "platform/temporary_file.h"
+#include "platform/files/temporary_file.h"
 
 #include <array>
 #include <cerrno>

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/file_descriptor.h"
+#include "platform/files/file_descriptor.h"
 
 namespace corvane::platform {
 

@@ -1,4 +1,4 @@
-#include "platform/timed_pipe.h"
+#include "platform/processes/timed_pipe.h"
 
 #include <array>
 #include <cerrno>
@@ -8,8 +8,8 @@
 #include <poll.h>
 #include <unistd.h>
 
-#include "platform/child_process.h"
-#include "platform/timed_poll.h"
+#include "platform/processes/child_process.h"
+#include "platform/processes/timed_poll.h"
 
 namespace corvane::platform {
 

@@ -1,8 +1,8 @@
-#include "platform/desktop_program.h"
+#include "platform/processes/desktop_program.h"
 
 #include <system_error>
 
-#include "platform/child_process.h"
+#include "platform/processes/child_process.h"
 
 namespace corvane::platform {
 

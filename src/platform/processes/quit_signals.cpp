@@ -1,11 +1,11 @@
-#include "platform/quit_signals.h"
+#include "platform/processes/quit_signals.h"
 
 #include <csignal>
 
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "platform/child_process.h"
+#include "platform/processes/child_process.h"
 
 namespace corvane::platform {
 

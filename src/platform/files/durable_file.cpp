@@ -1,4 +1,4 @@
-#include "platform/durable_file.h"
+#include "platform/files/durable_file.h"
 
 #include <cerrno>
 #include <utility>
@@ -6,8 +6,8 @@
 
 #include <fcntl.h>
 
+#include "platform/files/temporary_file.h"
 #include "platform/paths.h"
-#include "platform/temporary_file.h"
 
 namespace corvane::platform {
 

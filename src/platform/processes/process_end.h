@@ -6,7 +6,7 @@
 
 #include <sys/types.h>
 
-#include "platform/file_descriptor.h"
+#include "platform/files/file_descriptor.h"
 
 namespace corvane::platform {
 

@@ -1,4 +1,4 @@
-#include "model/mail/scan_restore.h"
+#include "model/mail/scan/scan_restore.h"
 
 #include <exception>
 #include <memory>

@@ -6,7 +6,7 @@
 #include <stop_token>
 #include <utility>
 
-#include "platform/child_process.h"
+#include "platform/processes/child_process.h"
 
 namespace corvane::platform {
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string>
 
-#include "platform/file_layer.h"
+#include "platform/files/file_layer.h"
 
 namespace corvane::platform {
 
