@@ -9,6 +9,7 @@
 #include "mailstore/accounts/account_queries.h"
 #include "mailstore/folders/mailbox_url.h"
 #include "model/mail/mail_access.h"
+#include "model/mail/mail_store.h"
 #include "platform/parallel.h"
 
 namespace corvane {

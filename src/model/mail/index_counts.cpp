@@ -4,8 +4,15 @@
 
 #include "listing/account_titles.h"
 #include "mailstore/index/year_counts.h"
+#include "model/mail/mail_store.h"
 
 namespace corvane {
+
+struct IndexCounts::CountJob {
+    MailStore store;
+    std::vector<std::string> selection; // prefixes of the selected accounts
+    std::vector<std::string> prefixes;  // of all accounts
+};
 
 IndexCounts::IndexCounts(ModelContext& context, const AccountDirectory& accounts, QObject* parent)
   : QObject(parent)

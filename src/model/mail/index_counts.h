@@ -15,7 +15,6 @@
 #include "listing/deletion_safety.h"
 #include "listing/space_usage.h"
 #include "model/mail/account_directory.h"
-#include "model/mail/mail_access.h"
 #include "model/mail/message_catalog.h"
 #include "model/tasks/task_slot.h"
 
@@ -61,11 +60,7 @@ class IndexCounts : public QObject {
         CountByAccountAndYear undownloadedByAccount;
     };
 
-    struct CountJob {
-        MailStore store;
-        std::vector<std::string> selection; // prefixes of the selected accounts
-        std::vector<std::string> prefixes;  // of all accounts
-    };
+    struct CountJob;
 
     static std::optional<Counts> readCounts(const CountJob& job, const TaskHandle& task);
 

@@ -4,6 +4,7 @@
 
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/year_counts.h"
+#include "model/mail/mail_store.h"
 #include "platform/files/directory.h"
 
 namespace corvane {
@@ -24,16 +25,6 @@ EmptyScanMessage yearMessage(const MailStore& store, std::int64_t maximumYear) {
 }
 
 } // namespace
-
-MailStore mailStoreOf(const ModelContext& context) {
-    return {{context.platform, context.support}, context.mailRootPath};
-}
-
-MailStore upkeepMailStoreOf(const ModelContext& context) {
-    MailStore store = mailStoreOf(context);
-    store.context.isUpkeep = true;
-    return store;
-}
 
 bool canReadMailData(const std::string& mailRootPath) {
     if (!platform::fileExists(mailRootPath)) return true;

@@ -7,22 +7,12 @@
 
 #include <QObject>
 
-#include "mailstore/mail_store_context.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
 
 namespace corvane {
 
-// The store of this home, as background jobs carry it.
-struct MailStore {
-    MailStoreContext context;
-    std::string rootPath;
-};
-
-MailStore mailStoreOf(const ModelContext& context);
-
-// The same for reads that nobody waits for.
-MailStore upkeepMailStoreOf(const ModelContext& context);
+struct MailStore;
 
 // A store that isn't there is no lack of permission: only an index that exists and gives no byte is.
 bool canReadMailData(const std::string& mailRootPath);

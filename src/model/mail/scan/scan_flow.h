@@ -12,12 +12,15 @@
 #include "model/mail/index_counts.h"
 #include "model/mail/message_catalog.h"
 #include "model/mail/model_filters.h"
-#include "model/mail/scan/scan_job.h"
 #include "model/mail/scan/scan_restore.h"
 #include "model/tasks/task_slot.h"
 #include "records/model_enums.h"
 
 namespace corvane {
+
+struct FinishedScan;
+struct ScanJob;
+struct ScanStep;
 
 class ScanFlow : public QObject {
     Q_OBJECT

@@ -9,6 +9,7 @@
 
 #include "mailstore/scan/mail_data_scanner.h"
 #include "model/mail/mail_access.h"
+#include "model/mail/mail_store.h"
 #include "model/mail/message_catalog.h"
 #include "model/tasks/task_slot.h"
 #include "records/statistics_records.h"
