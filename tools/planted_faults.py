@@ -21,7 +21,7 @@ FAULTS = (
     Fault("any readable file counts as proved", "durable_write.cpp",
           "BeforeReading::nothing, onProgress) == DiskContent::same;",
           "BeforeReading::nothing, onProgress) != DiskContent::unreadable;", ("archive",)),
-    Fault("a failed proof is passed over", "file_placement.cpp", "if (!isProved) throw", "if (false) throw", ("archive",)),
+    Fault("a failed proof is passed over", "file_placement.cpp", "if (!isProved) throw", "if (!isProved && false) throw", ("archive",)),
     Fault("another mail's file is removed", "file_placement.cpp",
           "case DiskContent::other:\n        moveAside();", "case DiskContent::other:\n        files_.unlink(path_);",
           ("archive",)),
@@ -87,5 +87,5 @@ FAULTS = (
     Fault("mail without a local file counts as safe", "deletion_safety.cpp",
           "if (!input.locallyAvailableIDs.contains(message.id)) continue;", "", ("listing", "model")),
     Fault("a window's safe figure counts what isn't archived", "deletion_safety.h",
-          "archived += isArchived ? 1 : 0;", "archived += 1;", ("listing", "screens_home")),
+          "archived += isArchived ? 1 : 0;", "archived += isArchived ? 1 : 1;", ("listing", "screens_home")),
 )

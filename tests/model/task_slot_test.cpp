@@ -76,6 +76,17 @@ TEST_F(TaskRunners, PublishNothingOfAJobThatWasReplacedWhileItRan) {
     EXPECT_EQ(shown_, "new") << "not even a step that was queued before the replacement";
 }
 
+TEST_F(TaskRunners, PublishNothingOfAJobThatWasCancelled) {
+    TaskSlot slot(runner_);
+    startGated(slot);
+    slot.cancel();
+    EXPECT_FALSE(slot.isRunning());
+    gates_->mayGoOn.release();
+    waitUntilIdle(runner_);
+    EXPECT_TRUE(gates_->sawStop);
+    EXPECT_EQ(shown_, "");
+}
+
 TEST_F(TaskRunners, PublishWhatAJobMadeUntilItWasAskedToStop) {
     TaskSlot slot(runner_);
     startGated(slot);
