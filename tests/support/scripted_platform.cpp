@@ -53,7 +53,7 @@ std::optional<std::string> ScriptedPlatform::removableMountPoint(const std::stri
 
 std::optional<std::int64_t> ScriptedPlatform::availableCapacity(const std::string& path) const {
     if (capacityHook_) capacityHook_();
-    return real_.availableCapacity(path);
+    return capacity ? capacity : real_.availableCapacity(path);
 }
 
 std::vector<std::string> leftoversIn(const platform::Platform& platform) {

@@ -45,6 +45,9 @@ class ScriptedPlatform final : public platform::Platform {
     // Runs at each question for the volume of a path.
     void onVolumeOf(std::function<void()> hook) { volumeOfHook_ = std::move(hook); }
 
+    // What every place has room for, instead of what the disk says.
+    std::optional<std::int64_t> capacity;
+
     // Runs at each question for free space, which a run asks before its first message.
     void onAvailableCapacity(std::function<void()> hook) { capacityHook_ = std::move(hook); }
 
