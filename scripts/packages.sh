@@ -5,7 +5,7 @@ set -euo pipefail
 
 build=(g++ cmake ninja-build pkg-config git ca-certificates
     qt6-base-dev libicu-dev libsqlite3-dev libsimdjson-dev rapidjson-dev libcli11-dev libtbb-dev libfmt-dev
-    libmount-dev)
+    libmount-dev libssl-dev)
 window=(qt6-declarative-dev qt6-declarative-dev-tools qml6-module-qtqml qml6-module-qtqml-models
     qml6-module-qtqml-workerscript qml6-module-qtquick qml6-module-qtquick-window qml6-module-qtquick-templates
     qml6-module-qtquick-controls qml6-module-qtquick-layouts qml6-module-qtquick-dialogs

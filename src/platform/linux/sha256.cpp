@@ -1,0 +1,52 @@
+#include "platform/files/sha256.h"
+
+#include <stdexcept>
+
+#include <openssl/evp.h>
+
+namespace corvane::platform {
+
+namespace {
+
+void require(int success) {
+    if (success != 1) throw std::runtime_error("libcrypto can't make a SHA-256");
+}
+
+} // namespace
+
+struct Sha256::State {
+    EVP_MD_CTX* context = EVP_MD_CTX_new();
+
+    State() { require(context ? EVP_DigestInit_ex(context, EVP_sha256(), nullptr) : 0); }
+
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+
+    ~State() { EVP_MD_CTX_free(context); }
+};
+
+Sha256::Sha256()
+  : state_(std::make_unique<State>()) {}
+
+void Sha256::update(std::string_view bytes) {
+    require(EVP_DigestUpdate(state_->context, bytes.data(), bytes.size()));
+}
+
+Sha256Digest Sha256::digest() {
+    Sha256Digest result;
+    require(EVP_DigestFinal_ex(state_->context, result.data(), nullptr));
+    require(EVP_DigestInit_ex(state_->context, nullptr, nullptr));
+    return result;
+}
+
+Sha256::Sha256(Sha256&&) noexcept = default;
+Sha256& Sha256::operator=(Sha256&&) noexcept = default;
+Sha256::~Sha256() = default;
+
+Sha256Digest sha256(std::string_view bytes) {
+    Sha256 hash;
+    hash.update(bytes);
+    return hash.digest();
+}
+
+} // namespace corvane::platform
