@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "records/file_readings.h"
 #include "records/file_url.h"
 #include "records/values.h"
 #include "text/shared_text.h"
@@ -32,6 +33,8 @@ struct ArchivedEmailRecord {
     Date archivedAt{};
     std::int64_t sourceCopyCount = 0; // files of the message in Mail's store
     bool sourceCopiesIdentical = false;
+    // Of the .eml as it was read back, see records/content_hash.h; absent in indexes of older versions.
+    std::optional<SharedText> contentHash{};
 
     friend bool operator==(const ArchivedEmailRecord&, const ArchivedEmailRecord&) = default;
 };
@@ -109,6 +112,9 @@ struct EmailArchiveRunResult {
     std::int64_t triedCount = 0; // messages the run came to; all of them unless cancelled
     std::vector<std::string> variantWarnings;
     std::vector<EmailArchiveFailure> failures;
+    // What the run has read: the copies it archived, and the files of the archive that it read back.
+    std::vector<CopyReading> copyReadings;
+    std::vector<ArchivedFileReading> archivedReadings;
 
     // A run that was only cancelled has none.
     [[nodiscard]] bool hasIssues() const { return failedCount > 0 || !variantWarnings.empty(); }

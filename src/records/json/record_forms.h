@@ -143,7 +143,8 @@ struct JsonForm<ArchivedEmailRecord> {
                    jsonField("emlRelativePath", &R::emlRelativePath),
                    jsonField("archivedAt", &R::archivedAt),
                    jsonField("sourceCopyCount", &R::sourceCopyCount),
-                   jsonField("sourceCopiesIdentical", &R::sourceCopiesIdentical)};
+                   jsonField("sourceCopiesIdentical", &R::sourceCopiesIdentical),
+                   jsonField("contentHash", &R::contentHash)};
 };
 
 template <>
