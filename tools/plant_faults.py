@@ -9,6 +9,7 @@ after an interruption. Needs a built tree; each fault costs a build of one sourc
 
 import argparse
 import pathlib
+import re
 import subprocess
 import sys
 
@@ -34,14 +35,18 @@ class Tree:
         targets = [f"test_{test}" for test in tests]
         return subprocess.run(["ninja", "-C", self.build, *targets], capture_output=True, text=True)
 
-    def fails(self, test):
+    def failure(self, test):
+        """What says that the test program fails: its first failing test. None when it passes."""
         command = [self.program(test), "--gtest_brief=1", "--gtest_fail_fast"]
         environment = {"QT_QPA_PLATFORM": "offscreen", "PATH": "/usr/bin:/bin:/usr/local/bin", "HOME": "/root"}
         try:
             done = subprocess.run(command, capture_output=True, timeout=300, env=environment, cwd=self.root)
         except subprocess.TimeoutExpired:
-            return True
-        return done.returncode != 0
+            return "no end in 300 s"
+        if done.returncode == 0:
+            return None
+        failed = re.search(rb"\[  FAILED  \] ([\w./]+)", done.stdout)
+        return failed.group(1).decode() if failed else f"status {done.returncode}"
 
 
 def verdict(tree, fault):
@@ -55,7 +60,8 @@ def verdict(tree, fault):
         source.write_text(sound.replace(fault.old, fault.new), encoding="utf-8")
         if (made := tree.make(tests)).returncode != 0:
             return "COMPILER: " + (made.stdout.split("error:")[1:] or [made.stdout[-200:]])[0].split("\n")[0]
-        return next((f"noticed by {test}" for test in tests if tree.fails(test)), "MISSED")
+        found = ((test, tree.failure(test)) for test in tests)
+        return next((f"noticed by {test}: {failure}" for test, failure in found if failure), "MISSED")
     finally:
         source.write_text(sound, encoding="utf-8")
 
