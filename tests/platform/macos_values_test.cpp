@@ -50,7 +50,7 @@ Mount mountOfRow(std::string_view row) {
     return mount;
 }
 
-std::vector<Mount> recordedMounts() {
+std::vector<Mount> sampleMounts() {
     std::vector<Mount> mounts;
     for (const std::string_view row : text::splitText(mountOutput, '\n')) {
         if (!row.empty()) mounts.push_back(mountOfRow(row));
@@ -84,7 +84,7 @@ TEST(MacosMounts, AVolumeIsWhatTheSystemTellsOfItAndAServersIsNeverAsked) {
         {"/net", {}, false, "net", false, true, false, false},
     };
 
-    const auto mounts = recordedMounts();
+    const auto mounts = sampleMounts();
     for (const auto& expected : cases) {
         const Mount& mount = mountAt(mounts, expected.point);
         const Volume volume = volumeOfMount(mount, expected.properties);
@@ -99,7 +99,7 @@ TEST(MacosMounts, AVolumeIsWhatTheSystemTellsOfItAndAServersIsNeverAsked) {
 }
 
 TEST(MacosMounts, EventsTellOfVolumesThatPeopleSee) {
-    const auto all = recordedMounts();
+    const auto all = sampleMounts();
     const auto without = [&](std::string_view point) {
         auto mounts = all;
         std::erase_if(mounts, [&](const Mount& mount) { return mount.mountPoint == point; });
