@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (decodeArchiveIndex(encodeArchiveIndex(*index)) != index) std::abort();
     archive::ArchivePaths paths;
     for (const ArchivedEmailRecord& record : index->records) {
-        if (!record.id.view().starts_with(baseID(record.id))) std::abort();
+        if (!record.id.view().starts_with(baseID(record))) std::abort();
         paths.markUsed(record.emlRelativePath);
     }
     return 0;

@@ -67,7 +67,7 @@ FAULTS = (
           "archives[i].connected && !archives[holder->second].connected",
           "!archives[i].connected && archives[holder->second].connected", ("locations", "model")),
     Fault("a variant's own id takes nothing out of the candidates", "loaded_archives.cpp",
-          "const std::string_view base = baseID(entries[i].record.id);",
+          "const std::string_view base = baseID(entries[i].record);",
           "const std::string_view base = entries[i].record.id.view();", ("locations", "model")),
     Fault("a forgotten archive stays listed", "library_load.cpp",
           "if (input_.forgotten.contains(root) && !comesBack(root, hasContent)) return;", "", ("locations", "model")),

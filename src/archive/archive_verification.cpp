@@ -45,12 +45,7 @@ EmailArchiveIndex indexOf(const std::string& root) {
 
 // Whether a record's id isn't that of its own fields.
 bool contradictsItself(const ArchivedEmailRecord& record) {
-    MailMessageRecord message;
-    message.messageIdentifier = record.messageIdentifier;
-    message.date = record.date;
-    message.sender = record.sender;
-    message.subject = record.subject;
-    return baseID(record.id) != baseID(stableID(message));
+    return baseID(record) != stableID(record);
 }
 
 // Whether the header of the file says that it is another message. A message may lack a Message-ID that Mail

@@ -64,7 +64,7 @@ SharedLibrary ArchivedLibrary::make(std::vector<ArchivedEntry> entries,
     baseIDs->reserve(entries.size());
     library->positionByBaseID.reserve(entries.size());
     for (std::size_t i = 0; i < entries.size(); ++i) {
-        const std::string_view base = baseID(entries[i].record.id);
+        const std::string_view base = baseID(entries[i].record);
         library->positionByBaseID[base] = i;
         if (!baseIDs->contains(base)) baseIDs->insert(sharedBaseID(entries[i].record, base));
     }

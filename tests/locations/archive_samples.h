@@ -12,9 +12,11 @@
 
 namespace corvane::testing {
 
+// "mid:" and the record's Message-ID, for a variant with its number.
 inline ArchivedEmailRecord sampleRecord(const std::string& id) {
     ArchivedEmailRecord record;
     record.id = id;
+    if (id.starts_with("mid:")) record.messageIdentifier = SharedText(id.substr(4, id.find("#v") - 4));
     record.subject = "主题 " + id;
     record.emlRelativePath = "2019/a/" + id + ".eml";
     record.sizeBytes = 10;

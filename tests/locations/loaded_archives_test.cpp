@@ -78,7 +78,7 @@ TEST_F(LoadedArchives, EntriesAreUniqueAndVariantsAreOneMessage) {
                                                 {sampleRecord("#v1"), "/y"}});
     EXPECT_EQ(library->entries->size(), 5U);
     EXPECT_EQ(library->entries->front().record.subject, sampleRecord("mid:a").subject);
-    EXPECT_EQ(*library->baseIDs, (SharedTextSet{"mid:a", "mid:b", ""}));
+    EXPECT_EQ(*library->baseIDs, (SharedTextSet{"mid:a", "mid:b", "#v1"}));
     EXPECT_EQ(library->entryByBaseID("mid:a")->locationRootPath, "/y");
     EXPECT_EQ(library->entryByBaseID("mid:b")->record.id, "mid:b#v2");
     EXPECT_EQ(library->entryByBaseID("mid:b#v2"), nullptr);
