@@ -1,0 +1,104 @@
+#include "archive/message_identity.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "mime/header_decoding.h"
+#include "mime/mail_date.h"
+#include "mime/message_identifiers.h"
+#include "text/case.h"
+#include "text/charset.h"
+#include "text/collation.h"
+
+namespace corvane::archive {
+
+namespace {
+
+// As much as the decoding of a header field looks at.
+constexpr std::size_t headerBytes = 65536;
+
+template <class Record>
+ExpectedMessage expectedOf(const Record& record) {
+    ExpectedMessage expected{.messageIdentifier = {}, .subject = record.subject, .date = record.date};
+    if (record.messageIdentifier && !record.messageIdentifier->empty()) {
+        expected.messageIdentifier = record.messageIdentifier->view();
+    }
+    return expected;
+}
+
+// The header with line ends that the decoding of fields knows.
+class Header {
+  public:
+    explicit Header(std::string_view mail)
+      : start_(mail.substr(0, headerBytes)) {
+        if (start_.find('\n') != std::string_view::npos || start_.find('\r') == std::string_view::npos)
+            return;
+        withFeeds_ = start_;
+        std::ranges::replace(withFeeds_, '\r', '\n');
+        start_ = withFeeds_;
+    }
+
+    Header(const Header&) = delete;
+    Header& operator=(const Header&) = delete;
+
+    [[nodiscard]] std::optional<std::string> field(std::string_view name) const {
+        return mime::decodedHeaderField(name, start_);
+    }
+
+  private:
+    std::string_view start_;
+    std::string withFeeds_;
+};
+
+// What is left of a subject when decoders disagree about blanks and normal forms; empty for one that says
+// nothing.
+std::string comparableSubject(std::string_view subject) {
+    if (subject == "无主题" || subject == "（无主题）") return {};
+    std::string text = text::lowercased(text::canonicallyComposed(text::repairedUtf8(subject)));
+    std::erase_if(text, [](char byte) {
+        return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n' || byte == '_';
+    });
+    return text;
+}
+
+bool subjectsDiffer(const ExpectedMessage& expected, const Header& header) {
+    const std::string found = comparableSubject(header.field("subject").value_or(""));
+    const std::string wanted = comparableSubject(expected.subject);
+    // A word that is still encoded, or in bytes of an unknown charset, can't be compared.
+    if (found.find("=?") != std::string::npos || found.find("\uFFFD") != std::string::npos) return false;
+    return !found.empty() && !wanted.empty() && found != wanted;
+}
+
+bool datesDiffer(const ExpectedMessage& expected, const Header& header) {
+    const auto field = header.field("date");
+    const auto found = field ? mime::parseMailDate(*field) : std::nullopt;
+    if (!found || !expected.date) return false;
+    const auto apart = *found < *expected.date ? *expected.date - *found : *found - *expected.date;
+    return apart > std::chrono::days(1);
+}
+
+} // namespace
+
+ExpectedMessage ExpectedMessage::of(const MailMessageRecord& message) {
+    return expectedOf(message);
+}
+
+ExpectedMessage ExpectedMessage::of(const ArchivedEmailRecord& record) {
+    return expectedOf(record);
+}
+
+bool holdsAnotherMessage(const ExpectedMessage& expected, std::string_view mail) {
+    const Header header(mail);
+    const auto field = header.field("message-id");
+    const auto found = field ? mime::normalizedMessageIdentifier(*field) : std::nullopt;
+    if (!found || !expected.messageIdentifier) {
+        return subjectsDiffer(expected, header) && datesDiffer(expected, header);
+    }
+    return *found != *expected.messageIdentifier &&
+           (subjectsDiffer(expected, header) || datesDiffer(expected, header));
+}
+
+} // namespace corvane::archive
