@@ -1,6 +1,11 @@
 #include "platform/files/file_layer.h"
 
+#include <cerrno>
+#include <filesystem>
+#include <string>
+#include <string_view>
 #include <system_error>
+#include <vector>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -8,7 +13,9 @@
 #include <unistd.h>
 
 #include "platform/files/directory.h"
+#include "platform/files/durable_file.h"
 #include "platform/files/file_descriptor.h"
+#include "platform/files/folder_file_layer.h"
 #include "platform/files/temporary_file.h"
 #include "support/temporary_home.h"
 
@@ -31,6 +38,34 @@ TEST(FileLayer, RefusesNamesThatASystemCallWouldCutShort) {
     EXPECT_EQ(files.rename(home.write("other", ""), name), -1);
     EXPECT_EQ(files.makeDirectory(home.at("folder") + std::string("\0x", 2), 0755), -1);
     EXPECT_EQ(readFile(victim), "precious");
+}
+
+TEST(FileLayer, StaysInAFolderThatWasOpenedWhateverItsPathMeansNow) {
+    const TemporaryHome home;
+    FileLayer& files = posixFileLayer();
+    home.write("root/inside", "1");
+    const FileDescriptor root(files.open(home.at("root"), O_RDONLY | O_DIRECTORY, 0));
+    std::filesystem::rename(home.at("root"), home.at("moved"));
+    home.write("root/inside", "other");
+    ASSERT_EQ(::symlink("inside", home.at("moved/link").c_str()), 0);
+
+    FolderFileLayer folder(files, root.get());
+    struct stat status{};
+    EXPECT_EQ(folder.stat("inside", status), 0);
+    EXPECT_EQ(status.st_size, 1);
+    EXPECT_EQ(folder.stat("link", status), 0);
+    EXPECT_TRUE(S_ISLNK(status.st_mode));
+    EXPECT_EQ(folder.makeDirectory("new", 0755), 0);
+    EXPECT_EQ(folder.rename("inside", "renamed"), 0);
+    EXPECT_EQ(folder.unlink("link"), 0);
+    EXPECT_FALSE(writeFileAtomically(folder, "index", "x"));
+    std::vector<std::string> names;
+    EXPECT_EQ(files.list(root.get(), [&](std::string_view name, unsigned char) { names.emplace_back(name); }),
+              0);
+    EXPECT_THAT(names, ::testing::UnorderedElementsAre("index", "new", "renamed"));
+    EXPECT_EQ(listDirectory(home.at("root"), HiddenEntries::include)->size(), 1U);
+    EXPECT_EQ(files.openAt(root.get(), std::string("renamed\0x", 9), O_RDONLY, 0), -1);
+    EXPECT_EQ(errno, EINVAL);
 }
 
 TEST(FileLayer, OpensCloseOnExec) {

@@ -1,9 +1,10 @@
 #include "support/faulty_file_layer.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <ranges>
+#include <system_error>
 
 #include <fcntl.h>
 
@@ -46,6 +47,13 @@ std::size_t FaultyFileLayer::operationCount(FileOperation operation) const {
     return static_cast<std::size_t>(std::ranges::count(record_, operation, &RecordedOperation::operation));
 }
 
+std::size_t FaultyFileLayer::operationCount(const std::string& path) const {
+    const std::lock_guard lock(mutex_);
+    return static_cast<std::size_t>(std::ranges::count_if(record_, [&](const RecordedOperation& operation) {
+        return operation.path.find(path) != std::string::npos;
+    }));
+}
+
 std::vector<RecordedOperation> FaultyFileLayer::record() const {
     const std::lock_guard lock(mutex_);
     return record_;
@@ -72,16 +80,25 @@ void FaultyFileLayer::losePower() {
     const std::lock_guard lock(mutex_);
     hasCrashed_ = true;
     for (const auto& path : unsynced_) std::ofstream(path, std::ios::trunc);
-    for (const Rename& rename : std::views::reverse(unsyncedRenames_)) {
-        ::rename(rename.to.c_str(), rename.from.c_str());
-        if (rename.replaced) std::ofstream(rename.to, std::ios::binary) << *rename.replaced;
-    }
+    for (const EntryChange& change : std::views::reverse(unsyncedEntries_)) undo(change);
+    unsyncedEntries_.clear();
 }
 
-std::optional<Fault> FaultyFileLayer::dueFault(FileOperation operation) {
+void FaultyFileLayer::undo(const EntryChange& change) {
+    std::error_code ignored;
+    if (change.from.empty()) {
+        std::filesystem::remove_all(change.path, ignored);
+    } else {
+        std::filesystem::rename(change.path, change.from, ignored);
+    }
+    if (change.before) std::ofstream(change.path, std::ios::binary) << *change.before;
+}
+
+std::optional<Fault> FaultyFileLayer::dueFault(FileOperation operation, const std::string& path) {
     std::optional<Fault> due;
     for (Pending& pending : faults_) {
         if (pending.fault.operation.value_or(operation) != operation) continue;
+        if (path.find(pending.fault.path) == std::string::npos) continue;
         ++pending.seen;
         const bool isDue = pending.fault.effect == Effect::failFromHere ? pending.seen >= pending.fault.at
                                                                         : pending.seen == pending.fault.at;
@@ -97,7 +114,7 @@ std::optional<Fault> FaultyFileLayer::begin(FileOperation operation, const std::
     record_.push_back(recorded);
     const Fault afterCrash{.at = 0, .effect = Effect::fail, .operation = {}, .error = EIO};
     if (hasCrashed_) return afterCrash;
-    auto fault = dueFault(operation);
+    auto fault = dueFault(operation, path);
     if (!fault) return fault;
     if (fault->effect == Effect::crash) {
         hasCrashed_ = true;
@@ -119,12 +136,29 @@ std::string FaultyFileLayer::pathOf(int descriptor) const {
     return found == openPaths_.end() ? std::string() : found->second;
 }
 
+std::string FaultyFileLayer::pathIn(int folder, const std::string& name) const {
+    if (folder == AT_FDCWD) return name;
+    return name == "." ? pathOf(folder) : platform::joinPath(pathOf(folder), name);
+}
+
 int FaultyFileLayer::open(const std::string& path, int flags, mode_t mode) {
+    return opened(path, flags, [&] { return real_.open(path, flags, mode); });
+}
+
+int FaultyFileLayer::openAt(int folder, const std::string& name, int flags, mode_t mode) {
+    return opened(pathIn(folder, name), flags, [&] { return real_.openAt(folder, name, flags, mode); });
+}
+
+int FaultyFileLayer::opened(const std::string& path, int flags, const std::function<int()>& call) {
     if (prevents(begin(FileOperation::open, path))) return -1;
-    const int descriptor = real_.open(path, flags, mode);
+    struct stat status{};
+    const bool isMade = (flags & O_CREAT) != 0 && ::lstat(path.c_str(), &status) != 0;
+    const int descriptor = call();
     const std::lock_guard lock(mutex_);
-    if (descriptor >= 0) openPaths_[descriptor] = path;
-    if (descriptor >= 0 && (flags & O_TRUNC) != 0) unsynced_.insert(path);
+    if (descriptor < 0) return descriptor;
+    openPaths_[descriptor] = path;
+    if (isMade) unsyncedEntries_.push_back({.path = path});
+    if ((flags & O_TRUNC) != 0) unsynced_.insert(path);
     return descriptor;
 }
 
@@ -171,8 +205,8 @@ int FaultyFileLayer::synced(FileOperation operation, int descriptor, int (platfo
     const std::lock_guard lock(mutex_);
     if (result != 0) return result;
     unsynced_.erase(path);
-    std::erase_if(unsyncedRenames_,
-                  [&](const Rename& rename) { return platform::parentPath(rename.to) == path; });
+    std::erase_if(unsyncedEntries_,
+                  [&](const EntryChange& change) { return platform::parentPath(change.path) == path; });
     return result;
 }
 
@@ -188,31 +222,81 @@ void FaultyFileLayer::bypassCache(int descriptor) {
     if (!prevents(begin(FileOperation::bypassCache, pathOf(descriptor)))) real_.bypassCache(descriptor);
 }
 
+int FaultyFileLayer::statOpen(int descriptor, struct stat& result) {
+    return prevents(begin(FileOperation::stat, pathOf(descriptor))) ? -1 : real_.statOpen(descriptor, result);
+}
+
+int FaultyFileLayer::lock(int descriptor) {
+    return prevents(begin(FileOperation::lock, pathOf(descriptor))) ? -1 : real_.lock(descriptor);
+}
+
+int FaultyFileLayer::list(int folder, const platform::EntryVisitor& visit) {
+    return prevents(begin(FileOperation::list, pathOf(folder))) ? -1 : real_.list(folder, visit);
+}
+
 int FaultyFileLayer::stat(const std::string& path, struct stat& result) {
     return prevents(begin(FileOperation::stat, path)) ? -1 : real_.stat(path, result);
 }
 
+int FaultyFileLayer::statAt(int folder, const std::string& name, struct stat& result) {
+    const bool isPrevented = prevents(begin(FileOperation::stat, pathIn(folder, name)));
+    return isPrevented ? -1 : real_.statAt(folder, name, result);
+}
+
 int FaultyFileLayer::makeDirectory(const std::string& path, mode_t mode) {
-    return prevents(begin(FileOperation::makeDirectory, path)) ? -1 : real_.makeDirectory(path, mode);
+    return madeDirectory(path, [&] { return real_.makeDirectory(path, mode); });
+}
+
+int FaultyFileLayer::makeDirectoryAt(int folder, const std::string& name, mode_t mode) {
+    return madeDirectory(pathIn(folder, name), [&] { return real_.makeDirectoryAt(folder, name, mode); });
+}
+
+int FaultyFileLayer::madeDirectory(const std::string& path, const std::function<int()>& call) {
+    if (prevents(begin(FileOperation::makeDirectory, path))) return -1;
+    const int result = call();
+    const std::lock_guard lock(mutex_);
+    if (result == 0) unsyncedEntries_.push_back({.path = path});
+    return result;
 }
 
 int FaultyFileLayer::rename(const std::string& from, const std::string& to) {
+    return renamed(from, to, [&] { return real_.rename(from, to); });
+}
+
+int FaultyFileLayer::renameAt(int folder, const std::string& from, const std::string& to) {
+    return renamed(pathIn(folder, from), pathIn(folder, to),
+                   [&] { return real_.renameAt(folder, from, to); });
+}
+
+int FaultyFileLayer::renamed(const std::string& from, const std::string& to,
+                             const std::function<int()>& call) {
     if (prevents(begin(FileOperation::rename, from))) return -1;
-    Rename done{from, to, platform::readFile(to)};
-    const int result = real_.rename(from, to);
+    EntryChange done{to, from, platform::readFile(to)};
+    const int result = call();
     const std::lock_guard lock(mutex_);
     if (result != 0) return result;
-    unsyncedRenames_.push_back(std::move(done));
+    unsyncedEntries_.push_back(std::move(done));
     unsynced_.erase(to);
     if (unsynced_.erase(from) > 0) unsynced_.insert(to);
     return result;
 }
 
 int FaultyFileLayer::unlink(const std::string& path) {
+    return unlinked(path, [&] { return real_.unlink(path); });
+}
+
+int FaultyFileLayer::unlinkAt(int folder, const std::string& name) {
+    return unlinked(pathIn(folder, name), [&] { return real_.unlinkAt(folder, name); });
+}
+
+int FaultyFileLayer::unlinked(const std::string& path, const std::function<int()>& call) {
     if (prevents(begin(FileOperation::unlink, path))) return -1;
-    const int result = real_.unlink(path);
+    EntryChange done{path, {}, platform::readFile(path)};
+    const int result = call();
     const std::lock_guard lock(mutex_);
-    if (result == 0) unsynced_.erase(path);
+    if (result != 0) return result;
+    if (done.before) unsyncedEntries_.push_back(std::move(done));
+    unsynced_.erase(path);
     return result;
 }
 

@@ -34,7 +34,9 @@ enum class FileOperation {
     stat,
     makeDirectory,
     rename,
-    unlink
+    unlink,
+    list,
+    lock
 };
 
 enum class Effect {
@@ -51,11 +53,13 @@ struct Fault {
     Effect effect = Effect::fail;
     std::optional<FileOperation> operation{}; // nothing: any
     int error = EIO;
+    std::string path{}; // only operations on paths that contain this text
 };
 
 struct RecordedOperation {
     FileOperation operation;
-    std::string path; // of the descriptor's open, for an operation on one
+    // Of the descriptor's open, for an operation on one; below the folder, for one in an open folder.
+    std::string path;
 };
 
 class FaultyFileLayer final : public platform::FileLayer {
@@ -71,6 +75,7 @@ class FaultyFileLayer final : public platform::FileLayer {
 
     [[nodiscard]] std::size_t operationCount() const;
     [[nodiscard]] std::size_t operationCount(FileOperation operation) const;
+    [[nodiscard]] std::size_t operationCount(const std::string& path) const; // as Fault::path has it
     [[nodiscard]] std::vector<RecordedOperation> record() const;
     [[nodiscard]] bool hasCrashed() const;
 
@@ -78,7 +83,8 @@ class FaultyFileLayer final : public platform::FileLayer {
     void release();          // lets all that hang go on, and takes such faults away
 
     // Ends the layer as a crash does, and with it what only the cache held: files with writes that no sync
-    // followed are cut to nothing, renames that no sync of the folder followed are undone.
+    // followed are cut to nothing; files and folders that were made, renamed or removed are as before, and
+    // what lies in a new folder is gone with it, unless a sync of the folder around them followed.
     void losePower();
 
     int open(const std::string& path, int flags, mode_t mode) override;
@@ -88,6 +94,14 @@ class FaultyFileLayer final : public platform::FileLayer {
     int sync(int descriptor) override;
     int fullSync(int descriptor) override;
     void bypassCache(int descriptor) override;
+    int statOpen(int descriptor, struct stat& result) override;
+    int lock(int descriptor) override;
+    int list(int folder, const platform::EntryVisitor& visit) override;
+    int openAt(int folder, const std::string& name, int flags, mode_t mode) override;
+    int statAt(int folder, const std::string& name, struct stat& result) override;
+    int makeDirectoryAt(int folder, const std::string& name, mode_t mode) override;
+    int renameAt(int folder, const std::string& from, const std::string& to) override;
+    int unlinkAt(int folder, const std::string& name) override;
     int stat(const std::string& path, struct stat& result) override;
     int makeDirectory(const std::string& path, mode_t mode) override;
     int rename(const std::string& from, const std::string& to) override;
@@ -99,15 +113,25 @@ class FaultyFileLayer final : public platform::FileLayer {
         std::size_t seen = 0;
     };
 
-    struct Rename {
-        std::string from, to;
-        std::optional<std::string> replaced; // the content that was at `to`
+    // An entry of a folder that came or went.
+    struct EntryChange {
+        std::string path;
+        std::string from{};                  // for a rename
+        std::optional<std::string> before{}; // the content that was at `path`
     };
 
     // The effect on this operation, after a hang if there is one. `crash` for every one after a crash.
     std::optional<Fault> begin(FileOperation operation, const std::string& path);
-    std::optional<Fault> dueFault(FileOperation operation);
+    std::optional<Fault> dueFault(FileOperation operation, const std::string& path);
     std::string pathOf(int descriptor) const;
+    std::string pathIn(int folder, const std::string& name) const;
+    static void undo(const EntryChange& change);
+
+    // Each does the operation `call` on that path.
+    int opened(const std::string& path, int flags, const std::function<int()>& call);
+    int madeDirectory(const std::string& path, const std::function<int()>& call);
+    int renamed(const std::string& from, const std::string& to, const std::function<int()>& call);
+    int unlinked(const std::string& path, const std::function<int()>& call);
     int synced(FileOperation operation, int descriptor, int (platform::FileLayer::*call)(int));
 
     platform::FileLayer& real_;
@@ -118,7 +142,7 @@ class FaultyFileLayer final : public platform::FileLayer {
     std::vector<RecordedOperation> record_;
     std::map<int, std::string> openPaths_;
     std::set<std::string> unsynced_;
-    std::vector<Rename> unsyncedRenames_;
+    std::vector<EntryChange> unsyncedEntries_;
     std::size_t hanging_ = 0;
     std::size_t releases_ = 0;
     bool hasCrashed_ = false;

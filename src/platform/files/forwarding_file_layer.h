@@ -37,6 +37,36 @@ class ForwardingFileLayer : public FileLayer {
         if (permits()) files_.bypassCache(descriptor);
     }
 
+    int statOpen(int descriptor, struct stat& result) override {
+        return permits() ? files_.statOpen(descriptor, result) : -1;
+    }
+
+    int lock(int descriptor) override { return permits() ? files_.lock(descriptor) : -1; }
+
+    int list(int folder, const EntryVisitor& visit) override {
+        return permits() ? files_.list(folder, visit) : -1;
+    }
+
+    int openAt(int folder, const std::string& name, int flags, mode_t mode) override {
+        return permits() ? files_.openAt(folder, name, flags, mode) : -1;
+    }
+
+    int statAt(int folder, const std::string& name, struct stat& result) override {
+        return permits() ? files_.statAt(folder, name, result) : -1;
+    }
+
+    int makeDirectoryAt(int folder, const std::string& name, mode_t mode) override {
+        return permits() ? files_.makeDirectoryAt(folder, name, mode) : -1;
+    }
+
+    int renameAt(int folder, const std::string& from, const std::string& to) override {
+        return permits() ? files_.renameAt(folder, from, to) : -1;
+    }
+
+    int unlinkAt(int folder, const std::string& name) override {
+        return permits() ? files_.unlinkAt(folder, name) : -1;
+    }
+
     int stat(const std::string& path, struct stat& result) override {
         return permits() ? files_.stat(path, result) : -1;
     }
