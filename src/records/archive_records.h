@@ -105,19 +105,24 @@ struct EmailArchiveFailure {
 struct EmailArchiveRunResult {
     std::int64_t archivedCount = 0;
     std::int64_t skippedAlreadyArchived = 0;
-    std::int64_t failedCount = 0;
+    std::int64_t failedCount = 0; // messages with a failure
     std::int64_t archivedBytes = 0;
     FileURL indexURL;
     bool wasCancelled = false;
     std::int64_t triedCount = 0; // messages the run came to; all of them unless cancelled
     std::vector<std::string> variantWarnings;
+    // What the user has to know of the archive itself, such as an index that was damaged.
+    std::vector<std::string> archiveWarnings;
+    // One message may have several, and be archived all the same: a copy that couldn't be read is one.
     std::vector<EmailArchiveFailure> failures;
     // What the run has read: the copies it archived, and the files of the archive that it read back.
     std::vector<CopyReading> copyReadings;
     std::vector<ArchivedFileReading> archivedReadings;
 
     // A run that was only cancelled has none.
-    [[nodiscard]] bool hasIssues() const { return failedCount > 0 || !variantWarnings.empty(); }
+    [[nodiscard]] bool hasIssues() const {
+        return failedCount > 0 || !variantWarnings.empty() || !archiveWarnings.empty();
+    }
 };
 
 enum class ArchivedOriginalPresenceStatus { unknown, present, missing };
