@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <stop_token>
 #include <thread>
 #include <utility>
 
@@ -50,7 +51,9 @@ class TimeLimitedWorker::Lane final : public JobLimit {
         return lane;
     }
 
-    bool run(std::chrono::nanoseconds limit, std::function<void(JobLimit&)> job) {
+    bool run(std::chrono::nanoseconds limit, std::function<void(JobLimit&)> job,
+             const std::stop_token& stop) {
+        const std::stop_callback wakeAtStop(stop, [this] { wakeWaiter(); });
         text::MutexLock lock(mutex_);
         job_ = std::move(job);
         limit_ = limit;
@@ -59,7 +62,9 @@ class TimeLimitedWorker::Lane final : public JobLimit {
         wake_.notifyOne();
         while (!isDone_) {
             const Clock::time_point deadline = deadline_;
-            if (!done_.waitUntil(lock, deadline) && !isDone_ && deadline == deadline_) {
+            const bool isLate =
+                !stop.stop_requested() && !done_.waitUntil(lock, deadline) && deadline == deadline_;
+            if (!isDone_ && (isLate || stop.stop_requested())) {
                 isAbandoned_ = true;
                 AbandonedJobs::ofProcess().add();
                 return false;
@@ -83,6 +88,12 @@ class TimeLimitedWorker::Lane final : public JobLimit {
     [[nodiscard]] bool isAbandoned() const noexcept override { return isAbandoned_; }
 
   private:
+    // With the lock, so that no request falls between the waiter's look and its sleep.
+    void wakeWaiter() {
+        const text::MutexLock lock(mutex_);
+        done_.notifyOne();
+    }
+
     void work() {
         // A signal that ends the program politely must not interrupt a write to a network or FUSE disk.
         sigset_t all;
@@ -118,9 +129,10 @@ TimeLimitedWorker::~TimeLimitedWorker() {
     if (lane_) lane_->finish();
 }
 
-bool TimeLimitedWorker::run(std::chrono::nanoseconds limit, std::function<void(JobLimit&)> job) {
+bool TimeLimitedWorker::run(std::chrono::nanoseconds limit, std::function<void(JobLimit&)> job,
+                            const std::stop_token& stop) {
     if (!lane_) lane_ = Lane::start();
-    const bool hasEnded = lane_->run(limit, std::move(job));
+    const bool hasEnded = lane_->run(limit, std::move(job), stop);
     if (!hasEnded) lane_.reset();
     return hasEnded;
 }

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <stop_token>
 
 #include "platform/files/forwarding_file_layer.h"
 
@@ -31,9 +32,10 @@ class TimeLimitedWorker {
     TimeLimitedWorker& operator=(const TimeLimitedWorker&) = delete;
     ~TimeLimitedWorker();
 
-    // False when a step of the job took longer than `limit`, and it was abandoned. Jobs don't throw: they
-    // tell their outcome through what they share with the caller.
-    bool run(std::chrono::nanoseconds limit, std::function<void(JobLimit&)> job);
+    // False when a step of the job took longer than `limit`, or a stop was requested before its end: it was
+    // abandoned. Jobs don't throw: they tell their outcome through what they share with the caller.
+    bool run(std::chrono::nanoseconds limit, std::function<void(JobLimit&)> job,
+             const std::stop_token& stop = {});
 
   private:
     class Lane;

@@ -1,6 +1,7 @@
 #include "records/stores/archive_index_file.h"
 
 #include "records/json/record_forms.h"
+#include "records/stores/archive_index_decoder.h"
 #include "records/stores/cache_file.h"
 
 namespace corvane {
@@ -10,11 +11,9 @@ std::optional<EmailArchiveIndex> readArchiveIndex(const std::string& path) {
 }
 
 std::optional<EmailArchiveIndex> decodeArchiveIndex(std::string_view json) {
-    try {
-        return JsonReader().read<EmailArchiveIndex>(json);
-    } catch (const JsonError&) {
-        return std::nullopt;
-    }
+    ArchiveIndexDecoder decoder;
+    decoder.add(json);
+    return decoder.finish();
 }
 
 std::string encodeArchiveIndex(const EmailArchiveIndex& index) {
