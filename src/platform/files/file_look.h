@@ -1,0 +1,31 @@
+// One look at a file: whether it is there, its size and its time. Follows links, never opens. Thread-safe.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include <sys/stat.h>
+
+namespace corvane::platform {
+
+struct FileLook {
+    enum class Presence {
+        there,   // of whatever kind
+        absent,  // the folder answered, and there is no such name
+        unknown, // the look failed for another reason
+    };
+
+    Presence presence = Presence::unknown;
+    // Of a file that is there, else 0.
+    std::int64_t sizeBytes = 0;
+    std::int64_t modifiedNanoseconds = 0; // since 1970
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0; // files of near numbers tend to lie near each other on the disk
+};
+
+FileLook lookAtFile(const std::string& path) noexcept;
+
+// Since 1970.
+std::int64_t modifiedNanoseconds(const struct stat& status) noexcept;
+
+} // namespace corvane::platform
