@@ -21,7 +21,7 @@
 #include "screens/archive/places/folder_picker.h"
 #include "screens/archive/places/quick_destinations.h"
 #include "screens/desktop/desktop_actions.h"
-#include "screens/home/organize_data.h"
+#include "screens/overview/organize_data.h"
 #include "screens/texts/destination_item.h"
 
 namespace corvane {

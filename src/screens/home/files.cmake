@@ -18,7 +18,6 @@ set(home_qml
 )
 set(home_sources
     home_screen.cpp
-    organize_data.cpp
     organize_figures.h
     safety_banner.cpp
     scan_status.cpp

@@ -5,9 +5,9 @@
 #include <QVariantMap>
 
 #include "screens/home/figures/year_series.h"
-#include "screens/shell/sidebar/sidebar_model.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
+#include "screens/texts/window_places.h"
 
 namespace corvane {
 
@@ -214,7 +214,7 @@ HomeScreen::HomeAction HomeScreen::effectiveHomeAction() const {
 }
 
 QString HomeScreen::nothingToDoLine() const {
-    if (SidebarModel::hasScreen(SidebarPlace::archived))
+    if (screens::hasScreen(SidebarPlace::archived))
         return QStringLiteral("已备份的邮件可以在「已归档概览」里查看。");
     return model_.library().archivedEntries()->empty() ? QString()
                                                        : QStringLiteral("已备份的邮件在归档文件夹里。");
@@ -223,7 +223,7 @@ QString HomeScreen::nothingToDoLine() const {
 QString HomeScreen::organizePrimaryTitle() const {
     if (archive_.isRunning()) return QStringLiteral("查看归档进度");
     if (effectiveHomeAction() == HomeAction::openArchiveLibrary)
-        return SidebarModel::hasScreen(SidebarPlace::library) ? QStringLiteral("打开归档库")
+        return screens::hasScreen(SidebarPlace::library) ? QStringLiteral("打开归档库")
                                                               : QStringLiteral("打开归档文件夹");
     return selection_.count > 0 ? QStringLiteral("归档选中") : QStringLiteral("归档全部");
 }
@@ -233,7 +233,7 @@ bool HomeScreen::organizePrimaryDisabled() const {
     const DestinationView destination = destinationView(model_);
     if (effectiveHomeAction() == HomeAction::openArchiveLibrary) {
         const bool canOpenFolder = destination.path && destination.facts.connected;
-        return !SidebarModel::hasScreen(SidebarPlace::library) && !canOpenFolder;
+        return !screens::hasScreen(SidebarPlace::library) && !canOpenFolder;
     }
     return state() != List || !destination.path || model_.catalog().messages()->empty() || !hasFigures() ||
            (selection_.count == 0 && candidateCountInScope() == 0);
@@ -257,7 +257,7 @@ void HomeScreen::runOrganizePrimaryAction() {
 }
 
 void HomeScreen::openLibrary() {
-    if (SidebarModel::hasScreen(SidebarPlace::library)) {
+    if (screens::hasScreen(SidebarPlace::library)) {
         Q_EMIT libraryRequested();
     } else if (const auto& path = destinationView(model_).path) {
         desktop_.open(QUrl::fromLocalFile(screens::wholeText(*path)));

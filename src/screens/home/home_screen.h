@@ -14,7 +14,7 @@
 #include "screens/archive/archive_screen.h"
 #include "screens/desktop/access_actions.h"
 #include "screens/home/figures/account_shares_model.h"
-#include "screens/home/organize_data.h"
+#include "screens/overview/organize_data.h"
 #include "screens/home/organize_figures.h"
 #include "screens/home/scan_status.h"
 #include "screens/home/tree/organize_tree_model.h"

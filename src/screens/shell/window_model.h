@@ -11,7 +11,7 @@
 #include "screens/archive/archive_screen.h"
 #include "screens/desktop/desktop_actions.h"
 #include "screens/home/home_screen.h"
-#include "screens/home/organize_data.h"
+#include "screens/overview/organize_data.h"
 #include "screens/mails/mail_list_screen.h"
 #include "screens/shell/sidebar/activity.h"
 #include "screens/shell/sidebar/sidebar_model.h"

@@ -5,4 +5,5 @@ set(texts_sources
     shown_figures.cpp
     shown_text.cpp
     text_lines.cpp
+    window_places.cpp
 )

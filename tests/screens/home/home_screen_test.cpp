@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "screens/shell/sidebar/sidebar_model.h"
 #include "screens/support/screens_fixture.h"
+#include "screens/texts/window_places.h"
 
 namespace corvane {
 namespace {
@@ -181,7 +181,7 @@ TEST_F(OrganizeHome, AfterTheLastMessageTheLibraryIsNext) {
     EXPECT_EQ(homeScreen_.state(), State::NothingToDo);
     EXPECT_EQ(homeScreen_.figures().banner.kind, QStringLiteral("safe"));
     // As long as the library itself isn't a place of the window.
-    ASSERT_FALSE(SidebarModel::hasScreen(SidebarPlace::library));
+    ASSERT_FALSE(screens::hasScreen(SidebarPlace::library));
     EXPECT_EQ(homeScreen_.selection().organizePrimaryTitle, QStringLiteral("打开归档文件夹"));
     EXPECT_FALSE(homeScreen_.selection().organizePrimaryDisabled);
     homeScreen_.runOrganizePrimaryAction();

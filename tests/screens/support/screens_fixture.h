@@ -12,7 +12,7 @@
 #include "records/stores/account_cache_store.h"
 #include "screens/archive/archive_screen.h"
 #include "screens/home/home_screen.h"
-#include "screens/home/organize_data.h"
+#include "screens/overview/organize_data.h"
 #include "screens/support/recording_desktop.h"
 
 namespace corvane::testing {

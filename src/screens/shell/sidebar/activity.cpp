@@ -3,8 +3,8 @@
 #include <chrono>
 #include <utility>
 
-#include "screens/shell/sidebar/sidebar_model.h"
 #include "screens/texts/shown_figures.h"
+#include "screens/texts/window_places.h"
 
 namespace corvane {
 
@@ -46,7 +46,7 @@ bool Activity::loadLasts() const {
 }
 
 Activity::State Activity::present() const {
-    const QString home = SidebarModel::keyOf(SidebarPlace::home);
+    const QString home = screens::textsOf(SidebarPlace::home).key;
     if (model_.archiveRun().isArchiving()) {
         const EmailArchiveProgress progress =
             model_.archiveRun().emailArchiveProgress().value_or(EmailArchiveProgress());

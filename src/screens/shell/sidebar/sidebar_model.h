@@ -1,4 +1,4 @@
-// The places of the sidebar in their order, each with its figure. Main thread. Figures change at most once a
+// The places of the window that have a screen, in their order, each with its figure. Main thread. Figures change at most once a
 // second, so that a running scan doesn't flicker.
 #pragma once
 
@@ -8,10 +8,9 @@
 #include <QTimer>
 #include <QtQml/qqmlregistration.h>
 
-namespace corvane {
+#include "screens/texts/window_places.h"
 
-// The places of the window. Some of them have no screen yet.
-enum class SidebarPlace { home, archived, library, mails, space };
+namespace corvane {
 
 class SidebarModel : public QAbstractListModel {
     Q_OBJECT
@@ -26,12 +25,6 @@ class SidebarModel : public QAbstractListModel {
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
-
-    // Only places with a screen are listed.
-    [[nodiscard]] static bool hasScreen(SidebarPlace place);
-
-    // By which QML knows a place.
-    [[nodiscard]] static QString keyOf(SidebarPlace place);
 
     // What stands beside a place's name; may be empty. No effect for a place that isn't listed.
     void setFigure(SidebarPlace place, const QString& figure);

@@ -1,4 +1,4 @@
-#include "screens/home/organize_data.h"
+#include "screens/overview/organize_data.h"
 
 #include <algorithm>
 #include <memory>

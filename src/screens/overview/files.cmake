@@ -1,0 +1,4 @@
+# The C++ sources of this folder.
+set(overview_sources
+    organize_data.cpp
+)
