@@ -54,6 +54,15 @@ class Charsets(unittest.TestCase):
         for label in ("", "us-ascii", "iso-8859-1"):
             self.assertEqual(body(mail(part(markup.encode("gb18030"), "text/html", label))), "您好吗")
 
+    def test_single_bytes_that_are_called_wide(self):
+        markup = "<html><head><meta http-equiv=Content-Type content='text/html; charset=unicode'></head><body>%s</body></html>"
+        for text, codec in (("plain words", "ascii"), ("it’s a café", "cp1252"), ("您好，附件是会议纪要", "gb18030")):
+            for label in ("", "us-ascii", "unicode"):
+                self.assertEqual(body(mail(part((markup % text).encode(codec), "text/html", label))), text, (codec, label))
+        self.assertEqual(body(mail(part("it’s what we said".encode("cp1252"), charset="unicode"))), "it’s what we said")
+        for order in ("utf-16-le", "utf-16-be"):
+            self.assertEqual(body(mail(part((markup % SIMPLIFIED).encode(order), "text/html", "unicode"))), SIMPLIFIED)
+
 
 class TransferEncodings(unittest.TestCase):
     def test_names_and_damage(self):

@@ -11,14 +11,21 @@ from .plain_text import bare_ends, unflow, unix_lines
 
 HTML_DOCUMENT = r"(?i)\s*(?:<!--[^>]{0,2000}-->\s*)?<(?:!doctype\s+html|html[\s>]|body[\s>])"
 META_CHARSET = rb"(?i)<meta[^>]{0,300}charset\s*=\s*[\"']?\s*([\w.:-]{1,40})"
+WIDE = ("utf-16", "utf-32")
 BASE64_LINES = rb"(?:[A-Za-z0-9+/]{60,76}=*\r?\n){3}"
 
 
 def html_leaf(data, label, hint):
-    """Text of an HTML document; a charset that it tells itself counts where its label tells nothing."""
-    if codec_for(label) in ("", "cp1252"):
+    """Text of an HTML document; a charset that it tells itself counts where its label tells nothing.
+
+    One that tells in single bytes that it has two a character is wrong, whoever repeats it.
+    """
+    wide = codec_for(label).startswith(WIDE)
+    if wide or codec_for(label) in ("", "cp1252"):
         meta = re.search(META_CHARSET, data[:8192])
-        label = meta.group(1) if meta and codec_for(meta.group(1)) else label
+        told = codec_for(meta.group(1)) if meta else ""
+        if told:
+            label = meta.group(1) if not told.startswith(WIDE) else b"" if wide else label
     html = decode_text(data, label, hint)
     return html_text(html) if "<" in html else bare_ends(unescaped(unix_lines(html))).strip("\n")
 

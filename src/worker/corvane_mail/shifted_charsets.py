@@ -60,11 +60,17 @@ def decode_wide(data, codec):
         return data.decode("utf-32", "replace")
     if data[:2] in (b"\xff\xfe", b"\xfe\xff"):
         return data.decode("utf-16", "replace")
-    if b"\0" not in data[:2000] and utf8(data) is not None:
+    if b"\0" not in data[:2000] and utf8(data) is not None or in_single_bytes(data[:2000]):
         return None
     if codec.endswith("e"):
         return data.decode(codec, "replace")
     return max((data.decode((codec or "utf-16") + order, "replace") for order in ("-le", "-be")), key=usual)
+
+
+def in_single_bytes(data):
+    """Whether most bytes are ASCII in both places of a pair, as two bytes a character never are."""
+    halves = data[::2], data[1::2]
+    return all(sum(0x20 <= byte <= 0x7E for byte in half) * 10 > len(half) * 7 for half in halves)
 
 
 def usual(text):
