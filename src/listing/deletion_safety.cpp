@@ -16,7 +16,7 @@ TallyByAccount tallyMessages(const TallyInputs& input) {
     TallyByAccount tallies;
     for (const MailMessageRecord& message : input.messages) {
         if (!input.locallyAvailableIDs.contains(message.id)) continue;
-        const std::string_view key = accountFilterKey(message);
+        const std::string_view key = accountGroupKey(message);
         auto account = tallies.find(key);
         if (account == tallies.end()) account = tallies.emplace(key, TallyByYear()).first;
         account->second[yearIn(input.yearByID, message)].add(

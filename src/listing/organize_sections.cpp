@@ -69,7 +69,7 @@ class OverviewMaker {
 };
 
 AccountInMaking& OverviewMaker::accountOf(const MailMessageRecord& message) {
-    const std::string_view key = accountFilterKey(message);
+    const std::string_view key = accountGroupKey(message);
     const auto [position, isNew] = positionByKey_.try_emplace(key, accounts_.size());
     if (isNew) {
         AccountInMaking making;

@@ -22,7 +22,8 @@ TEST(DeletionSafety, CountsOnlyWhatIsLocalAndArchived) {
                                           {.id = "2", .identifier = "b"},
                                           {.id = "3", .identifier = "a2", .account = "imap://B"},
                                           {.id = "4", .identifier = "gone"},
-                                          {.id = "5", .date = {}, .identifier = "c"}});
+                                          {.id = "5", .date = {}, .identifier = "c"},
+                                          {.id = "6", .identifier = "a", .account = ""}});
     const SharedTextSet available = {"1", "2", "3", "5"};
     const SharedTextSet archived = {"mid:a", "mid:a2", "mid:gone"};
     const YearByID years = computeMessageYears(messages);
@@ -40,6 +41,8 @@ TEST(DeletionSafety, CountsOnlyWhatIsLocalAndArchived) {
     EXPECT_EQ(safety(onlyA, {year}, available), (DeletionSafety{2, 1, year == 2024 ? 1 : 0}));
     EXPECT_EQ(safety(onlyA, {}, available, "imap://B"), (DeletionSafety{1, 1, 0}));
     EXPECT_EQ(safety(all, {1999}, available), (DeletionSafety{0, 0, 0}));
+    EXPECT_EQ(safety(std::set<std::string>{"legacy-unclassified"}, {}, {"6"}), (DeletionSafety{1, 1, 0}))
+        << "no name of an account and an empty one are the same";
     EXPECT_EQ(safety(all, {}, {}).archived, 0) << "nothing is safe while nothing is known to be local";
 }
 
