@@ -8,6 +8,8 @@
 #include <QSysInfo>
 #include <QTimer>
 
+#include "records/stores/app_support.h"
+
 namespace corvane {
 
 namespace {
@@ -45,7 +47,7 @@ void answer(QLocalSocket* socket, SingleInstance* instance) {
 
 SingleInstance::SingleInstance(const QString& supportFolder, QObject* parent)
   : QObject(parent)
-  , lock_(supportFolder + QStringLiteral("/window.lock"))
+  , lock_(supportFolder + u'/' + QLatin1String(windowLockFileName))
   , socketPath_(socketPathFor(supportFolder)) {
     // Held as long as its process lives, however long that is.
     lock_.setStaleLockTime(0);

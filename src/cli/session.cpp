@@ -4,6 +4,7 @@
 #include <QSocketNotifier>
 #include <fmt/format.h>
 
+#include "platform/files/directory.h"
 #include "platform/processes/quit_signals.h"
 #include "records/logs/console_log.h"
 
@@ -12,6 +13,14 @@ namespace corvane::cli {
 namespace {
 
 int interruptReadEnd = -1;
+
+// They tell of one run, but for that of an open window, which goes on writing to them. A window that was
+// killed leaves its lock, and the next one empties them.
+void resetLogs(ModelContext& context) {
+    if (platform::fileExists(context.support.filePath(windowLockFileName))) return;
+    context.performanceLog.reset();
+    context.startupLog.reset();
+}
 
 } // namespace
 
@@ -26,8 +35,7 @@ bool wasInterrupted() {
 Session::Session(const std::string& home)
   : platform_(platform::makePlatform(home))
   , context_(std::make_unique<ModelContext>(*platform_)) {
-    context_->performanceLog.reset();
-    context_->startupLog.reset();
+    resetLogs(*context_);
     model_ = std::make_unique<CorvaneViewModel>(*context_);
     if (const auto& path = context_->settings.setAside())
         consoleLine(fmt::format("设置文件无法读取，已按初始设置运行；原来的设置保留在 {}", *path));

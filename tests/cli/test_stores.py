@@ -156,6 +156,20 @@ class Stores(CliCase):
         self.assertGreater(result["messages"], 10)
 
 
+    def test_logs_of_an_open_window_are_left_alone(self):
+        home = self.home("home", "--messages", "5")
+        support = home / ".local/share/Corvane"
+        support.mkdir(parents=True)
+        line, logs = "a line of the window", ("performance.log", "archive-library-startup.log")
+        for lock, stays in (("window.lock", True), ("other", False)):
+            (support / lock).touch()
+            for name in logs:
+                (support / name).write_text(line + "\n")
+            self.run_cli(home, "locations")
+            (support / lock).unlink()
+            self.assertEqual([line in (support / name).read_text() for name in logs], [stays, stays])
+
+
 class Usage(unittest.TestCase):
     def test_wrong_usage_exits_with_two(self):
         for arguments in ((), ("nothing",), ("archive",), ("--home", "/does/not/exist", "accounts"),

@@ -19,13 +19,14 @@ void ArchiveLibraryStartupLog::mark(std::string_view message) const {
     performanceLog_.mark(fmt::format("[ArchiveStartup] {}", message));
     const std::chrono::duration<double> now = std::chrono::system_clock::now().time_since_epoch();
     const std::string line = fmt::format("{:.6f} {}", now.count(), message);
-    if (!appendLine(support_.filePath(fileName), line, MissingFile::fail))
-        systemLogLine(fmt::format("[ArchiveLibraryStartup] {}", message));
+    const bool isWritten =
+        !support_.createBaseDirectory() && appendLine(support_.filePath(fileName), line, MissingFile::fail);
+    if (!isWritten) systemLogLine(fmt::format("[ArchiveLibraryStartup] {}", message));
 }
 
 void ArchiveLibraryStartupLog::reset() const {
     if (const auto error = support_.writeFile(fileName, ""))
-        systemLogLine(fmt::format("[ArchiveLibraryStartup] {}", error.message()));
+        systemLogLine(fmt::format("[ArchiveLibraryStartup] reset failed: {}", error.message()));
 }
 
 } // namespace corvane

@@ -1,5 +1,5 @@
 // "archive-library-startup.log": the path from launch to the library. The file is emptied at each launch; a
-// mark never creates it. Marks do their file work on the calling thread and are few.
+// mark creates the folder, and never the file. Marks do their file work on the calling thread and are few.
 #pragma once
 
 #include <string_view>

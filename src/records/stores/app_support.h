@@ -13,6 +13,9 @@
 
 namespace corvane {
 
+// Held by the open window of a home.
+inline constexpr const char* windowLockFileName = "window.lock";
+
 class CorvaneAppSupport {
   public:
     explicit CorvaneAppSupport(const platform::Platform& platform,
