@@ -13,6 +13,7 @@
 #include "platform/files/durable_file.h"
 #include "platform/paths.h"
 #include "records/formatters.h"
+#include "records/logs/console_log.h"
 
 namespace corvane::cli {
 
@@ -81,10 +82,14 @@ std::int64_t fillBodyIndex(Session& session, BodyIndexRequest request) {
 int runSearch(Session& session, const std::string& text, bool json) {
     loadLibrary(session);
     std::vector<std::string> ids;
-    session.model().bodyTexts().searchArchive(text, [&](const SharedTextSet& found) {
-        for (const SharedText& id : found) ids.push_back(id.str());
+    std::vector<std::string> rootsNotAsked;
+    session.model().bodyTexts().searchArchive(text, [&](const ArchiveSearchResult& found) {
+        for (const SharedText& id : found.ids) ids.push_back(id.str());
+        rootsNotAsked = found.unreadableRoots;
     });
     session.waitUntilIdle();
+    for (const std::string& root : rootsNotAsked)
+        consoleLine(fmt::format("没能搜索这个归档，结果里没有它的邮件：{}", root));
     std::ranges::sort(ids);
     if (json) {
         JsonDocument document;

@@ -69,7 +69,7 @@ class BodyTextsTest : public ModelTest {
 
     SharedTextSet found(const std::string& query) {
         SharedTextSet ids{"not answered"};
-        texts_.searchArchive(query, [&](const SharedTextSet& given) { ids = given; });
+        texts_.searchArchive(query, [&](const ArchiveSearchResult& given) { ids = given.ids; });
         waitUntilIdle(context_.tasks);
         return ids;
     }
@@ -189,17 +189,18 @@ TEST_F(BodyTextsTest, Repair_RunsOncePerSignatureAndOneAtATime) {
     texts_.scheduleBodyTextIndexRepair(roots, 0, "nothing new");
     EXPECT_EQ(texts_.bodyIndexProgress(), std::nullopt);
     texts_.scheduleBodyTextIndexRepair(roots, 1, "first");
-    texts_.scheduleBodyTextIndexRepair(roots, 1, "second, while the first runs");
+    for (const char* run : {"second, while the first runs", "third"})
+        texts_.scheduleBodyTextIndexRepair(roots, 1, run);
     waitUntilIdle(context_.tasks);
-    EXPECT_EQ(ended, 1);
-    texts_.scheduleBodyTextIndexRepair(roots, 1, "first");
+    EXPECT_EQ(ended, 2) << "one behind the other, for all runs that came meanwhile";
+    texts_.scheduleBodyTextIndexRepair(roots, 1, "third");
     EXPECT_EQ(texts_.bodyIndexProgress(), std::nullopt);
-    texts_.scheduleBodyTextIndexRepair(roots, 1, "second");
+    texts_.scheduleBodyTextIndexRepair(roots, 1, "fourth");
     texts_.rebuildBodyTextIndex(true);
     waitUntilIdle(context_.tasks);
-    EXPECT_EQ(ended, 3) << "the user's command waits for the repair";
+    EXPECT_EQ(ended, 4) << "the user's command waits for the repair";
     texts_.setAutomaticRepair(false);
-    texts_.scheduleBodyTextIndexRepair(roots, 1, "third");
+    texts_.scheduleBodyTextIndexRepair(roots, 1, "fifth");
     EXPECT_EQ(texts_.bodyIndexProgress(), std::nullopt);
 }
 

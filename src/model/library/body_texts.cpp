@@ -5,7 +5,6 @@
 
 #include <fmt/format.h>
 
-#include "locations/archive_search.h"
 #include "mime/header_decoding.h"
 #include "platform/files/directory.h"
 #include "search/mail_search_index.h"
@@ -159,18 +158,14 @@ void BodyTexts::ccRecipients(const ArchivedEntry& entry, TextAnswer answer) {
         });
 }
 
-void BodyTexts::searchArchive(std::string query, IDsAnswer answer) {
-    rootsNotSearched_.clear();
+void BodyTexts::searchArchive(std::string query, SearchAnswer answer) {
     if (library_.locationSearchIndexes()->empty()) return answer({});
     answerTasks_.start(
         TaskPriority::userInitiated, SearchQuestion{library_.locationSearchIndexes(), std::move(query)},
         [](const SearchQuestion& asked, const TaskHandle&) {
             return searchIndexes(*asked.indexes, asked.query);
         },
-        [this, answer = std::move(answer)](const ArchiveSearchResult& result) {
-            rootsNotSearched_ = result.unreadableRoots;
-            answer(result.ids);
-        });
+        std::move(answer));
 }
 
 BodyIndexRequest BodyTexts::requestForAllLocations(bool force) const {
@@ -219,16 +214,19 @@ void BodyTexts::finishIndexing(std::int64_t indexed) {
     if (!runningIndexing_) startNextIndexing();
 }
 
-bool BodyTexts::isRepairing() const {
-    return (runningIndexing_ && runningIndexing_->isRepair) ||
-           std::ranges::any_of(waitingIndexing_, &BodyIndexRequest::isRepair);
+// What waits looks at the archives only when it begins.
+bool BodyTexts::isRepairWaiting(const std::vector<std::string>& roots) const {
+    return std::ranges::any_of(waitingIndexing_, [&](const BodyIndexRequest& request) {
+        return request.isRepair && request.roots == roots;
+    });
 }
 
 void BodyTexts::scheduleBodyTextIndexRepair(const std::vector<std::string>& roots, std::int64_t total,
                                             const std::string& signature) {
-    if (!repairsAutomatically_ || total < 1 || roots.empty() || isRepairing()) return;
+    if (!repairsAutomatically_ || total < 1 || roots.empty()) return;
     if (signature == lastBodyIndexRepairSignature_) return;
     lastBodyIndexRepairSignature_ = signature;
+    if (isRepairWaiting(roots)) return;
     rebuildBodyTextIndex({.roots = roots, .total = total, .isRepair = true});
 }
 

@@ -16,6 +16,7 @@
 #include <QObject>
 
 #include "archive/body_indexing.h"
+#include "locations/archive_search.h"
 #include "model/library/library_loader.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
@@ -37,7 +38,7 @@ class BodyTexts : public QObject {
 
   public:
     using TextAnswer = std::function<void(const std::optional<std::string>&)>;
-    using IDsAnswer = std::function<void(const SharedTextSet&)>;
+    using SearchAnswer = std::function<void(const ArchiveSearchResult&)>;
 
     // `texts` replaces the worker in tests.
     BodyTexts(ModelContext& context, LibraryLoader& library, QObject* parent = nullptr,
@@ -52,12 +53,9 @@ class BodyTexts : public QObject {
     // From the record, or from the start of the file if that is on this machine: it is never downloaded.
     void ccRecipients(const ArchivedEntry& entry, TextAnswer answer);
 
-    // The ids of all records that hold the text, over all archives, connected or not.
-    void searchArchive(std::string query, IDsAnswer answer);
-
-    // The roots of the archives that the search answered last couldn't look into: its answer says nothing of
-    // them.
-    [[nodiscard]] const std::vector<std::string>& rootsNotSearched() const { return rootsNotSearched_; }
+    // Looks for the text in all archives, connected or not. The answer has the ids of the records that hold
+    // it, and the archives that couldn't be asked, of which it says nothing else.
+    void searchArchive(std::string query, SearchAnswer answer);
 
     // Indexes what is missing in all locations, or everything anew.
     void rebuildBodyTextIndex(bool force);
@@ -67,7 +65,8 @@ class BodyTexts : public QObject {
     // Begins when earlier requests have ended.
     void rebuildBodyTextIndex(BodyIndexRequest request);
 
-    // After an archive run. One repair at a time; the same signature as last time needs none.
+    // After an archive run: what it brought is indexed, when earlier requests have ended. The same signature
+    // as last time needs nothing.
     void scheduleBodyTextIndexRepair(const std::vector<std::string>& roots, std::int64_t total,
                                      const std::string& signature);
 
@@ -96,7 +95,7 @@ class BodyTexts : public QObject {
     void finishPreparing(const ArchivedEntry& entry, const std::optional<std::string>& body);
     void startNextIndexing();
     void finishIndexing(std::int64_t indexed);
-    [[nodiscard]] bool isRepairing() const;
+    [[nodiscard]] bool isRepairWaiting(const std::vector<std::string>& roots) const;
     void setProgress(std::optional<EmailArchiveProgress> progress);
 
     ModelContext& context_;
@@ -107,7 +106,6 @@ class BodyTexts : public QObject {
     std::size_t cachedBytes_ = 0;
     std::unordered_map<SharedText, std::string> ccRecipientsCache_;      // empty for a known absence
     std::unordered_map<std::string, std::vector<TextAnswer>> preparing_; // by entry id, who waits
-    std::vector<std::string> rootsNotSearched_;
     std::deque<BodyIndexRequest> waitingIndexing_;
     std::optional<BodyIndexRequest> runningIndexing_;
     std::optional<EmailArchiveProgress> progress_;
