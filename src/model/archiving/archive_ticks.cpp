@@ -14,21 +14,45 @@ struct PruneJob {
     ArchiveSelection selection;
 };
 
-struct Pruned {
+struct RangeJob {
+    CandidateInputs inputs;
+    SharedMessageList known; // as above
+    ArchiveSelection selection;
+    SharedText from;
+    SharedText to;
+};
+
+struct ChangedTicks {
     SharedMessageList candidates;
-    std::optional<ArchiveSelection> kept; // absent: all of it
+    std::optional<ArchiveSelection> selection; // absent: as it was
 };
 
 // Absent when cancelled.
-std::optional<Pruned> prune(const PruneJob& job, const TaskHandle& task) {
-    Pruned pruned{job.known ? job.known : makeCandidates(job.inputs, task.stopToken()), std::nullopt};
+std::optional<ChangedTicks> prune(const PruneJob& job, const TaskHandle& task) {
+    ChangedTicks pruned{job.known ? job.known : makeCandidates(job.inputs, task.stopToken()), std::nullopt};
     if (!pruned.candidates) return std::nullopt;
     SharedTextSet kept;
     for (const MailMessageRecord& message : *pruned.candidates) {
         if (job.selection.contains(message.id)) kept.insert(message.id);
     }
-    if (kept.size() != job.selection.size()) pruned.kept = ArchiveSelection(std::move(kept));
+    if (kept.size() != job.selection.size()) pruned.selection = ArchiveSelection(std::move(kept));
     return pruned;
+}
+
+// Absent when cancelled.
+std::optional<ChangedTicks> withRange(const RangeJob& job, const TaskHandle& task) {
+    ChangedTicks extended{job.known ? job.known : makeCandidates(job.inputs, task.stopToken()), std::nullopt};
+    if (!extended.candidates) return std::nullopt;
+    const auto find = [&](const SharedText& id) {
+        return std::ranges::find(*extended.candidates, id, &MailMessageRecord::id);
+    };
+    const auto [low, high] = std::minmax({find(job.from), find(job.to)});
+    if (high == extended.candidates->end()) return extended;
+    extended.selection = job.selection;
+    for (auto message = low; message <= high; ++message) {
+        if (!job.selection.contains(message->id)) extended.selection->toggle(message->id);
+    }
+    return extended;
 }
 
 } // namespace
@@ -36,7 +60,8 @@ std::optional<Pruned> prune(const PruneJob& job, const TaskHandle& task) {
 ArchiveTicks::ArchiveTicks(ModelContext& context, ArchiveCandidates& candidates, QObject* parent)
   : QObject(parent)
   , candidates_(candidates)
-  , pruneTask_(context.tasks) {}
+  , pruneTask_(context.tasks)
+  , rangeTask_(context.tasks) {}
 
 MessageList ArchiveTicks::selectedArchiveMessages() {
     MessageList selected;
@@ -79,29 +104,26 @@ void ArchiveTicks::selectFirstArchiveCandidates(std::size_t count) {
 }
 
 void ArchiveTicks::selectArchiveRange(std::string_view from, std::string_view to) {
-    const MessageList& candidates = *candidates_.archiveCandidates();
-    const auto find = [&](std::string_view id) {
-        return std::find_if(candidates.begin(), candidates.end(),
-                            [&](const auto& message) { return message.id == id; });
-    };
-    const auto [low, high] = std::minmax({find(from), find(to)});
-    if (high == candidates.end()) return;
-    for (auto message = low; message <= high; ++message) {
-        if (!selection_.contains(message->id)) selection_.toggle(message->id);
-    }
-    Q_EMIT selectionChanged();
+    RangeJob job{candidates_.inputs(), candidates_.known(), selection_, SharedText(from), SharedText(to)};
+    rangeTask_.start(TaskPriority::userInitiated, job, &withRange, [this, job](ChangedTicks extended) {
+        // Ticks or candidates have changed meanwhile.
+        if (job.selection != selection_ || job.inputs != candidates_.inputs())
+            return selectArchiveRange(job.from, job.to);
+        candidates_.keep(job.inputs, std::move(extended.candidates));
+        if (extended.selection) setArchiveSelection(std::move(*extended.selection));
+    });
 }
 
 void ArchiveTicks::pruneArchiveSelection() {
     if (selection_.empty()) return;
     PruneJob job{candidates_.inputs(), candidates_.known(), selection_};
     pruneTask_.start(TaskPriority::userInitiated, job, &prune,
-                     [this, inputs = job.inputs, from = job.selection](Pruned pruned) {
+                     [this, inputs = job.inputs, from = job.selection](ChangedTicks pruned) {
                          // Ticks or candidates have changed meanwhile.
                          if (from != selection_ || inputs != candidates_.inputs())
                              return pruneArchiveSelection();
                          candidates_.keep(inputs, std::move(pruned.candidates));
-                         if (pruned.kept) setArchiveSelection(std::move(*pruned.kept));
+                         if (pruned.selection) setArchiveSelection(std::move(*pruned.selection));
                      });
 }
 

@@ -28,8 +28,13 @@ class ArchiveTicks : public QObject {
     // All of the offer is ticked, known without a look at each.
     [[nodiscard]] bool isWholeOfferSelected() const;
 
+    // Ticks exactly what is offered; nothing without an offer.
     void selectWholeOffer();
+
+    // Ticks the message, or takes its tick away; it need not be a candidate.
     void toggleArchiveSelection(std::string_view id);
+
+    // These three replace the ticks.
     void selectAllArchiveCandidates();
 
     void selectNoArchiveCandidates() { setArchiveSelection({}); }
@@ -39,7 +44,8 @@ class ArchiveTicks : public QObject {
     // The first `count` candidates.
     void selectFirstArchiveCandidates(std::size_t count);
 
-    // Adds everything between both, in the candidates' order; no effect when one of them is no candidate.
+    // Adds everything between both, in the candidates' order; no effect when one of them is no candidate. The
+    // places of both are looked for in the background; `selectionChanged` follows.
     void selectArchiveRange(std::string_view from, std::string_view to);
 
     // Drops what is no candidate, in the background.
@@ -52,6 +58,7 @@ class ArchiveTicks : public QObject {
     ArchiveCandidates& candidates_;
     ArchiveSelection selection_;
     TaskSlot pruneTask_;
+    TaskSlot rangeTask_;
 };
 
 } // namespace corvane

@@ -26,12 +26,19 @@ ArchiveSelection ticksOf(TickJob job, const TaskHandle&) {
 
 } // namespace
 
+struct ArchiveCandidatesModel::SumJob {
+    SharedMessageList messages;
+    ArchiveSelection selection;
+    bool areAllTicked = false; // known without a look at each
+};
+
 ArchiveCandidatesModel::ArchiveCandidatesModel(CorvaneViewModel& model, DesktopActions& desktop,
                                                QObject* parent)
   : MessageListModel(parent)
   , model_(model)
   , desktop_(desktop)
   , compareTask_(model.context().tasks)
+  , sumTask_(model.context().tasks)
   , tickTask_(model.context().tasks)
   , copyTask_(model.context().tasks) {
     connect(&model.candidates(), &ArchiveCandidates::archiveCandidatesReady, this, [this] {
@@ -71,42 +78,65 @@ void ArchiveCandidatesModel::clear() {
     anchor_ = {};
     const auto none = std::make_shared<const MessageList>();
     apply(none, messageRowChanges(*records(), *none));
-    sumSelection();
+    setSum({});
     Q_EMIT loadingChanged();
 }
 
 void ArchiveCandidatesModel::show(const SharedMessageList& candidates) {
     struct Lists {
         SharedMessageList from;
-        SharedMessageList to;
+        SumJob to;
     };
 
+    struct Shown {
+        RowChanges changes;
+        Sum sum;
+    };
+
+    const ArchiveSelection& ticks = model_.ticks().selectedArchiveMessageIDs();
     compareTask_.start(
-        TaskPriority::userInitiated, Lists{records(), candidates},
-        [](const Lists& lists, const TaskHandle&) { return messageRowChanges(*lists.from, *lists.to); },
-        [this, candidates](const RowChanges& changes) {
+        TaskPriority::userInitiated,
+        Lists{records(), {candidates, ticks, model_.ticks().isWholeOfferSelected()}},
+        [](const Lists& lists, const TaskHandle&) {
+            return Shown{messageRowChanges(*lists.from, *lists.to.messages), sumOf(lists.to)};
+        },
+        [this, candidates, ticks](const Shown& shown) {
             isLoading_ = false;
-            apply(candidates, changes);
-            sumSelection();
+            apply(candidates, shown.changes);
+            setSum(shown.sum);
+            if (ticks != model_.ticks().selectedArchiveMessageIDs()) sumSelection();
             Q_EMIT loadingChanged();
         });
 }
 
-void ArchiveCandidatesModel::sumSelection() {
-    selectedCount_ = 0;
-    selectedBytes_ = 0;
-    const bool areAllTicked = model_.ticks().isWholeOfferSelected();
-    for (const MailMessageRecord& message : *records()) {
-        if (!areAllTicked && !isTicked(message)) continue;
-        selectedCount_ += 1;
-        selectedBytes_ += message.messageSize;
+ArchiveCandidatesModel::Sum ArchiveCandidatesModel::sumOf(const SumJob& job) {
+    Sum sum;
+    for (const MailMessageRecord& message : *job.messages) {
+        if (!job.areAllTicked && !job.selection.contains(message.id)) continue;
+        sum.count += 1;
+        sum.bytes += message.messageSize;
     }
+    return sum;
+}
+
+void ArchiveCandidatesModel::sumSelection() {
+    if (model_.ticks().selectedArchiveMessageIDs().empty()) return setSum({});
+    sumTask_.start(
+        TaskPriority::userInitiated,
+        SumJob{records(), model_.ticks().selectedArchiveMessageIDs(), model_.ticks().isWholeOfferSelected()},
+        [](const SumJob& job, const TaskHandle&) { return sumOf(job); },
+        [this](const Sum& sum) { setSum(sum); });
+}
+
+void ArchiveCandidatesModel::setSum(const Sum& sum) {
+    sumTask_.cancel();
+    selected_ = sum;
     Q_EMIT selectionSummed();
 }
 
 int ArchiveCandidatesModel::tickState() const {
-    if (selectedCount_ == 0) return 0;
-    return selectedCount_ == count() ? 1 : 2;
+    if (selected_.count == 0) return 0;
+    return selected_.count == count() ? 1 : 2;
 }
 
 void ArchiveCandidatesModel::toggleTick(int row) {
@@ -116,11 +146,11 @@ void ArchiveCandidatesModel::toggleTick(int row) {
     model_.ticks().toggleArchiveSelection(message->id);
     isOwnChange_ = false;
     const std::int64_t sign = isTicked(*message) ? 1 : -1;
-    selectedCount_ += sign;
-    selectedBytes_ += sign * message->messageSize;
     anchor_ = message->id;
     notifyRows(row, row, {TickedRole});
-    Q_EMIT selectionSummed();
+    // A sum that is being made is of the ticks before.
+    if (sumTask_.isRunning()) return sumSelection();
+    setSum({selected_.count + sign, selected_.bytes + sign * message->messageSize});
 }
 
 void ArchiveCandidatesModel::toggleTicks(int row) {

@@ -34,9 +34,10 @@ class ArchiveCandidatesModel : public MessageListModel {
 
     [[nodiscard]] bool isLoading() const { return isLoading_; }
 
-    [[nodiscard]] std::int64_t selectedCount() const { return selectedCount_; }
+    // Both follow a change of many ticks a moment later.
+    [[nodiscard]] std::int64_t selectedCount() const { return selected_.count; }
 
-    [[nodiscard]] std::int64_t selectedBytes() const { return selectedBytes_; }
+    [[nodiscard]] std::int64_t selectedBytes() const { return selected_.bytes; }
 
     // 0 none, 1 all, 2 some.
     [[nodiscard]] int tickState() const;
@@ -69,8 +70,17 @@ class ArchiveCandidatesModel : public MessageListModel {
     [[nodiscard]] QVariant value(const MailMessageRecord& message, int role) const override;
 
   private:
+    struct Sum {
+        std::int64_t count = 0;
+        std::int64_t bytes = 0;
+    };
+
+    struct SumJob;
+
+    static Sum sumOf(const SumJob& job);
     void show(const SharedMessageList& candidates);
     void sumSelection();
+    void setSum(const Sum& sum);
     void setTicksOfAll(bool ticked);
     [[nodiscard]] bool isTicked(const MailMessageRecord& message) const;
 
@@ -78,10 +88,10 @@ class ArchiveCandidatesModel : public MessageListModel {
     DesktopActions& desktop_;
     bool isLoading_ = false;
     bool isOwnChange_ = false;
-    std::int64_t selectedCount_ = 0;
-    std::int64_t selectedBytes_ = 0;
+    Sum selected_;      // of the ticked rows
     SharedText anchor_; // id of the message ticked last
     TaskSlot compareTask_;
+    TaskSlot sumTask_;
     TaskSlot tickTask_;
     TaskSlot copyTask_;
 };

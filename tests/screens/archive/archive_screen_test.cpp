@@ -149,6 +149,7 @@ TEST_F(ArchiveSheet, ARangeTicksWhatIsShownAndNothingElse) {
     ASSERT_EQ(candidates_.selectedCount(), 0);
     candidates_.toggleTick(0);
     candidates_.tickRange(2);
+    settle();
     EXPECT_EQ(candidates_.selectedCount(), 3);
     EXPECT_EQ(model_.ticks().selectedArchiveMessages().size(), 3U);
 }
