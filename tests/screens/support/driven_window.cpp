@@ -2,7 +2,7 @@
 // keyboard, so that no test needs to know a place on the screen. Everything else is the program's own.
 //
 // Questions are lines on the standard input; each answer is a line of JSON on the standard output, {} for
-// nothing:
+// nothing. What the keys before it have set off is done by then, as far as no background job is in it:
 //   part NAME   the first visible part of that object name; A/B is a part B within a part A
 //   focus       the part that has the keyboard, with the names of what it stands in
 //   keys        how many keys have been let go
@@ -107,6 +107,9 @@ class Answers : public QObject {
         for (qsizetype end = unread_.indexOf('\n'); end >= 0; end = unread_.indexOf('\n')) {
             const QString question = QString::fromUtf8(unread_.left(end));
             unread_.remove(0, end + 1);
+            // Parts move the keyboard with steps that they queue, and these queue others.
+            for (int round = 0; round < 3; ++round)
+                QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
             const QByteArray answer = QJsonDocument(answered(question)).toJson(QJsonDocument::Compact);
             QTextStream(stdout) << answer << Qt::endl;
         }

@@ -193,6 +193,13 @@ class Window:
             return focus and name in focus["names"] and (focus["showsFocus"] or not shown)
         wait_until(has, f"{name} to have the keyboard")
 
+    def wait_for_clipboard(self, condition):
+        """Its text; large copies are made in the background."""
+        def copied():
+            text = self.ask("clipboard")["text"]
+            return text if condition(text) else None
+        return wait_until(copied, "the copied text")
+
     def press(self, *keys):
         """Returns when the window has taken the keys."""
         before = self.ask("keys")["keys"]
@@ -204,11 +211,11 @@ class Window:
         """Presses the key until the part has the keyboard, and shows it. The names of what had it on the way."""
         way = []
         for _ in range(most):
-            focus = self.focus()
-            way.append(focus["names"][0] if focus and focus["names"] else "?")
-            if focus and name in focus["names"]:
-                if not focus["showsFocus"]:
-                    raise AssertionError(f"{name} has the keyboard and doesn't show it")
+            # Between a part that goes and the one that takes over nothing has it.
+            focus = wait_until(self.focus, "anything to have the keyboard")
+            way.append(focus["names"][0] if focus["names"] else "?")
+            if name in focus["names"]:
+                self.wait_for_focus(name, shown=True)
                 return way
             self.press(key)
         raise AssertionError(f"{key} doesn't come to {name}, only to {way}")

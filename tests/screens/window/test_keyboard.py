@@ -33,14 +33,17 @@ class KeyboardWalk(WindowCase):
         self.assertLess(way.index("yearChart"), way.index("accountList"))
         window.press("Home", "Down", "shift+Down", "shift+Down")
         window.press("ctrl+c")
-        lines = window.ask("clipboard")["text"].split("\n")
-        self.assertEqual(len(lines), 3)
+        lines = window.wait_for_clipboard(lambda text: text.count("\n") == 2).split("\n")
         self.assertTrue(all(" 封 · " in line for line in lines), lines)
         window.picture(PICTURES / "keys-1-tree.png")
         window.press("space")  # the three years, from the last
-        self.assertEqual([window.part(f"treeRow{row}")["tick"] for row in (1, 2, 3)], [1, 1, 1])
+        self.wait_for_ticks(window, [1, 1, 1])
         window.press("Up", "Up", "space", "Right", "Right", "space", "Left", "Left")  # one folder of the first year only
-        self.assertEqual([window.part(f"treeRow{row}")["tick"] for row in (1, 2, 3)], [2, 1, 1])
+        self.wait_for_ticks(window, [2, 1, 1])
+
+    def wait_for_ticks(self, window, ticks):
+        for row, tick in enumerate(ticks, 1):
+            window.wait_for_part(f"treeRow{row}", lambda part: part["tick"] == tick)
 
     def archive(self, window):
         window.tab_to("chooseLocationButton")  # the picker is the system's; a place at one press is in the sheet
@@ -81,7 +84,7 @@ class KeyboardWalk(WindowCase):
     def mail_list(self, window):
         window.press("ctrl+4", "ctrl+f")
         window.wait_for_focus("mailSearch")
-        count = window.part("messageView")["count"]
+        count = window.wait_for_part("messageView", lambda view: view["count"] > 0)["count"]
         window.press("x", "q", "z", "j")
         window.wait_for_part("noMatch")
         window.press("Escape")
@@ -99,7 +102,7 @@ class KeyboardWalk(WindowCase):
         window.wait_for_part("messageView", lambda view: view["count"] == count)
         window.tab_to("sortMode")
         window.press("Right")
-        self.assertEqual(window.part("sortMode")["currentIndex"], 1)
+        window.wait_for_part("sortMode", lambda control: control["currentIndex"] == 1)
         window.tab_to("accountFilter0")
         window.press("space")
         window.wait_for_part("messageView", lambda view: 0 < view["count"] < count)
@@ -129,7 +132,7 @@ class KeyboardWalk(WindowCase):
         window.wait_for_part("copySubjectRow", lambda row: row["focus"])
         window.press("Return")
         window.wait_for_part("messageView", lambda view: view["focus"])
-        self.assertEqual(window.ask("clipboard")["text"], window.part("detailSubject")["text"])
+        window.wait_for_clipboard(lambda text: text == window.part("detailSubject")["text"])
 
 
 if __name__ == "__main__":
