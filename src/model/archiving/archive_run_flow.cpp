@@ -89,12 +89,15 @@ void ArchiveRunFlow::archiveSelectedEmails(SharedMessageList candidates, Archive
         completion(std::unexpected("您没有将文件存储到该位置的权限：请先选择归档位置。"));
         return;
     }
-    if (std::ranges::none_of(*candidates,
-                             [&](const auto& message) { return selection.contains(message.id); })) {
+    const auto count = std::ranges::count_if(
+        *candidates, [&](const auto& message) { return selection.contains(message.id); });
+    if (count == 0) {
         completion(std::unexpected("文件不存在：没有选择要归档的邮件。"));
         return;
     }
     completion_ = std::move(completion);
+    setProgress(EmailArchiveProgress{0, count, std::nullopt, fmt::format("准备归档 {} 封邮件...", count)});
+    Q_EMIT archiveRunStarted();
     runTask_.startReporting<EmailArchiveProgress>(
         TaskPriority::userInitiated,
         RunJob{std::move(candidates), std::move(selection), *destination, context_.platform,

@@ -27,8 +27,9 @@ class ArchiveRunFlow : public QObject {
 
     explicit ArchiveRunFlow(ModelContext& context, QObject* parent = nullptr);
 
-    // Archives those of the candidates that are selected, in their order. `completion` is called once, on the
-    // main thread, when the run's place is free again.
+    // Archives those of the candidates that are selected, in their order. Its first progress is there when
+    // this returns. `completion` is called once, on the main thread, when the run's place is free again; at
+    // once for a run that can't begin.
     void archiveSelectedEmails(SharedMessageList candidates, ArchiveSelection selection,
                                const std::optional<std::string>& destination, Completion completion);
 
@@ -37,17 +38,19 @@ class ArchiveRunFlow : public QObject {
 
     [[nodiscard]] bool isArchiving() const { return completion_ != nullptr; }
 
-    // Present while a run is under way, from its first message on.
+    // Present exactly while a run is under way.
     [[nodiscard]] const std::optional<EmailArchiveProgress>& emailArchiveProgress() const {
         return progress_;
     }
 
   Q_SIGNALS:
     void progressChanged();
+    // A run has begun; archiveRunEnded follows, whatever becomes of it.
+    void archiveRunStarted();
     // A run has ended with a result. Runs of the same messages into the same place have the same signature.
     void archiveRunFinished(const corvane::EmailArchiveRunResult& result, const QString& destination,
                             const QString& signature);
-    // Behind it, and when a run couldn't be made.
+    // Behind it, and when the run has failed.
     void archiveRunEnded();
 
   private:
