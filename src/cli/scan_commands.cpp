@@ -10,6 +10,7 @@
 #include "cli/progress_line.h"
 #include "model/mail/message_preview.h"
 #include "records/formatters.h"
+#include "records/logs/console_log.h"
 
 namespace corvane::cli {
 
@@ -39,6 +40,7 @@ void printScanJson(CorvaneViewModel& model, double seconds) {
         document.member("timingLog", model.scanFlow().scanTimingLog());
         document.member("messages", static_cast<std::int64_t>(model.catalog().messages()->size()));
         document.member("scanSeconds", seconds);
+        if (model.catalog().state()->isPartial()) document.member("complete", false);
     });
     document.print();
 }
@@ -59,6 +61,8 @@ int runScanToEnd(Session& session, bool json, const std::function<void()>& start
     QObject::disconnect(showState);
     QObject::disconnect(notePublished);
     const double seconds = std::chrono::duration<double>(published - begin).count();
+    if (model.catalog().state()->isPartial())
+        consoleLine("扫描没有完成，列出的邮件不是全部；上次的完整结果没有改动。");
     if (wasInterrupted()) throw Interrupted();
     const MailScanState& state = model.scanFlow().state();
     const bool isFailure = state.kind == MailScanState::Kind::failed;

@@ -19,8 +19,8 @@ struct MessageSet {
     PositionTable positionByID;
     std::shared_ptr<const CountedMessages> counted; // in the order of the list; null: not counted
     std::vector<YearStat> yearStats;
-    // False for a list that isn't the whole picture: of a year-limited or cancelled scan. It is never cached.
-    bool isComplete = true;
+    // What a scan of everything found. No other list, such as that of a year-limited scan, is ever cached.
+    bool isComplete = false;
 
     // Throws std::logic_error for a repeated id, which no scan and no sound cache has.
     static std::shared_ptr<const MessageSet> make(SharedMessageList messages, bool isComplete);

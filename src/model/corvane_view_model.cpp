@@ -70,7 +70,10 @@ void CorvaneViewModel::wireScan() {
         isReconciliationDue_ = true;
         reconcileCounts();
     });
-    connect(&catalog_, &MessageCatalog::availabilityPublished, this, &CorvaneViewModel::reconcileCounts);
+    connect(&catalog_, &MessageCatalog::availabilityPublished, this, [this] {
+        pruneFilterAccounts();
+        reconcileCounts();
+    });
     connect(&scanFlow_, &ScanFlow::earlierMessagesRestored, this,
             [this] { visible_.rebuildVisibleMessages(); });
     connect(&scanFlow_, &ScanFlow::homeSnapshotApplied, this,
@@ -94,7 +97,7 @@ void CorvaneViewModel::reconcileCounts() {
 }
 
 void CorvaneViewModel::wireAvailability() {
-    connect(&catalog_, &MessageCatalog::messagesChanged, this, [this] {
+    connect(&catalog_, &MessageCatalog::generationReplaced, this, [this] {
         if (!catalog_.isAvailabilityKnown()) visible_.clear();
         candidates_.markArchiveCandidateCountStale();
     });
@@ -173,8 +176,25 @@ void CorvaneViewModel::loadArchiveIndex(bool force) {
     library_.loadEmailArchiveIndex(destinations_.transferDestination(), force);
 }
 
+// The same for accounts, once after each scan: which of them have mail is known with its statistics.
+void CorvaneViewModel::pruneFilterAccounts() {
+    const auto& withMail = catalog_.cachedMailAccountYearStats();
+    if (!areFilterAccountsDue_ || (withMail.empty() && !catalog_.messages()->empty())) return;
+    areFilterAccountsDue_ = false;
+    const std::vector<MailAccount>& known = accounts_.availableAccounts();
+    std::set<std::string> kept;
+    for (const std::string& key : filters_.filterAccountPrefixes()) {
+        const bool isKnown =
+            std::ranges::find(withMail, key, &AccountYearStatGroup::accountPrefix) != withMail.end() ||
+            std::ranges::find(known, key, &MailAccount::urlPrefix) != known.end();
+        if (isKnown) kept.insert(key);
+    }
+    filters_.setFilterAccountPrefixes(std::move(kept));
+}
+
 // A filter on a year that no longer exists would hide all the mail.
 void CorvaneViewModel::pruneFilterYears() {
+    areFilterAccountsDue_ = true;
     if (filters_.filterYears().empty() && filters_.archiveFilterYears().empty()) return;
     std::set<std::int64_t> known;
     for (const YearStat& stat : catalog_.yearStats()) known.insert(stat.year);

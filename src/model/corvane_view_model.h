@@ -43,13 +43,14 @@ class CorvaneViewModel : public QObject {
     // There is something to show: messages, or the statistics of a snapshot.
     [[nodiscard]] bool hasScanDisplayData() const;
 
-    // Local, archived and server-only counts of the selected accounts; all years when `years` is empty.
+    // Numbers of local, archived and server-only messages of the selected accounts; of all years when `years`
+    // is empty. All are 0 as long as it isn't known what is on this machine. A pass over all messages.
     [[nodiscard]] DeletionSafety deletionSafety(const std::set<std::int64_t>& years);
 
     // Narrows everything to one account (or none in particular) and some years.
     void applyHomeScope(const std::optional<std::string>& accountPrefix, const std::set<std::int64_t>& years);
 
-    // Archives the ticked candidates to the chosen destination.
+    // Archives the ticked candidates to the chosen destination; see ArchiveRunFlow.
     void archiveSelectedEmails(ArchiveRunFlow::Completion completion);
 
     [[nodiscard]] ModelContext& context() const { return context_; }
@@ -97,6 +98,7 @@ class CorvaneViewModel : public QObject {
     void wireVolumes();
     void archivedBaseIDsReplaced();
     void pruneFilterYears();
+    void pruneFilterAccounts();
     void loadArchiveIndex(bool force);
 
     ModelContext& context_;
@@ -117,6 +119,7 @@ class CorvaneViewModel : public QObject {
     FullDiskAccess diskAccess_;
     MailDiagnostics diagnostics_;
     bool isReconciliationDue_ = false;
+    bool areFilterAccountsDue_ = false;
     std::unique_ptr<platform::MountSubscription> mounts_;
 };
 

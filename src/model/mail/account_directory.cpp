@@ -107,6 +107,12 @@ void AccountDirectory::readForFullRefresh() {
     start(Purpose::fullRefresh);
 }
 
+void AccountDirectory::cancelFullRefresh() {
+    if (readingFor_ != Purpose::fullRefresh) return;
+    readTask_.cancel();
+    readingFor_.reset();
+}
+
 void AccountDirectory::start(Purpose purpose) {
     // The queries cost seconds on a large store, so a full refresh takes over a read that has just begun.
     const bool takesOver = readingFor_ == Purpose::upkeep && readTask_.isRunning();

@@ -30,15 +30,21 @@ class AccountDirectory : public QObject {
     // Stores the choice under its settings key.
     void setSelectedAccountPrefixes(std::set<std::string> prefixes);
 
-    // True when accounts came from the cache of this Mail root. Reads one small file.
+    // True when accounts came from the cache of this Mail root; a damaged cache counts as none. Reads one
+    // small file.
     bool loadCachedAccounts();
 
-    // Reads the accounts from the store in the background; without any, those that are known stay.
+    // Reads the accounts from the store in the background; `accountsChanged` follows. Without any, those that
+    // are known stay, and the failure's message says why.
     void refreshAccountsFromMail();
 
     // The same for a full refresh, which drops the known accounts when there are none. Emits exactly one of
-    // fullRefreshFoundAccounts, fullRefreshFoundNone.
+    // fullRefreshFoundAccounts, fullRefreshFoundNone, unless it is cancelled.
     void readForFullRefresh();
+
+    // Ends a read for a full refresh that hasn't found its accounts yet: neither signal follows, and the
+    // known accounts stay. No effect on any other read.
+    void cancelFullRefresh();
 
   Q_SIGNALS:
     void accountsChanged();

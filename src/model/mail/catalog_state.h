@@ -14,7 +14,8 @@ struct CatalogState {
     // The present generation, never null. Everything derived is of it.
     SharedMessageSet set = std::make_shared<const MessageSet>();
 
-    // What a scan has listed so far; null before its first progress and once its generation is there.
+    // What a scan has listed so far, from its beginning; null once its generation is there. It stays where a
+    // scan was cancelled or broke off.
     SharedMessageSet growing;
 
     MailScanSummary summary;
@@ -23,6 +24,10 @@ struct CatalogState {
     // generation before, or of a home snapshot. Never null.
     SharedAvailability availability = std::make_shared<const AvailabilityResult>();
     bool isAvailabilityKnown = true;
+
+    // What is shown is a part of the mail: a scan is listing the rest, or has left it out. Nothing that is
+    // said of all the mail may rest on it.
+    [[nodiscard]] bool isPartial() const { return growing != nullptr; }
 
     // The messages that are shown.
     [[nodiscard]] const SharedMessageSet& shown() const { return growing ? growing : set; }

@@ -44,8 +44,11 @@ class IndexCounts : public QObject {
     // The two indexed maps, for a scan that may have to bring them back.
     [[nodiscard]] Indexed indexed() const { return {counts_.indexed, counts_.indexedByAccount}; }
 
+    // Replaces both, without a look at the index.
     void setIndexed(Indexed indexed);
 
+    // Reads the counts from the index in the background; `countsRefreshed` follows. An index that can't be
+    // read leaves its counts empty.
     void refreshIndexedYearCounts();
 
   Q_SIGNALS:
@@ -77,6 +80,8 @@ class SpaceUsage {
       : accounts_(accounts)
       , catalog_(catalog) {}
 
+    // Of each account, in bytes; computed here where the state has changed. While it isn't known which
+    // messages are on this machine, all count as local.
     [[nodiscard]] const std::vector<SpaceAccountUsage>& spaceUsage();
 
   private:

@@ -40,6 +40,7 @@ class FullDiskAccess : public QObject {
 
     [[nodiscard]] bool needsFullDiskAccess() const { return needsFullDiskAccess_; }
 
+    // Looks again in the background; `needsFullDiskAccessChanged` follows where the answer is another one.
     void refreshFullDiskAccessState();
 
   Q_SIGNALS:

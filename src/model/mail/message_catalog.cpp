@@ -42,18 +42,34 @@ void MessageCatalog::replacePreview(std::string_view id, SharedText preview) {
     Q_EMIT previewReplaced(QString::fromUtf8(id.data(), static_cast<qsizetype>(id.size())));
 }
 
-void MessageCatalog::setGeneration(SharedMessageSet set, MailScanSummary summary, Files files,
-                                   SharedAvailability availability, bool isKnown) {
+void MessageCatalog::setGeneration(CatalogState state, Files files) {
     availabilityRefreshTask_.cancel(); // its result is of the generation before
     files_ = files;
     withNewPreview_.clear();
-    setState({std::move(set), nullptr, std::move(summary), std::move(availability), isKnown});
+    setState(std::move(state));
     Q_EMIT summaryChanged();
     Q_EMIT archivedMessagesChanged();
+    Q_EMIT generationReplaced();
 }
 
 void MessageCatalog::setMessages(SharedMessageSet set, MailScanSummary summary, Files files) {
-    setGeneration(std::move(set), std::move(summary), files, statisticsOf(*state_->availability), false);
+    setGeneration({.set = std::move(set),
+                   .growing = nullptr,
+                   .summary = std::move(summary),
+                   .availability = statisticsOf(*state_->availability),
+                   .isAvailabilityKnown = false},
+                  files);
+    Q_EMIT messagesChanged();
+    refreshAvailabilityCacheAsync(false);
+}
+
+void MessageCatalog::emptyForScan(MailScanSummary summary) {
+    setGeneration({.set = std::make_shared<const MessageSet>(),
+                   .growing = std::make_shared<const MessageSet>(),
+                   .summary = std::move(summary),
+                   .availability = statisticsOf(*state_->availability),
+                   .isAvailabilityKnown = false},
+                  Files::unknown);
     Q_EMIT messagesChanged();
     refreshAvailabilityCacheAsync(false);
 }
@@ -76,8 +92,12 @@ void MessageCatalog::restore(SharedMessageSet set, MailScanSummary summary,
         known->unbackedAccountYearStats = availability->unbackedAccountYearStats;
         availability = std::make_shared<const AvailabilityResult>(std::move(*known));
     }
-    setGeneration(std::move(set), std::move(summary), Files::unknown, std::move(availability),
-                  known.has_value());
+    setGeneration({.set = std::move(set),
+                   .growing = nullptr,
+                   .summary = std::move(summary),
+                   .availability = std::move(availability),
+                   .isAvailabilityKnown = known.has_value()},
+                  Files::unknown);
     if (known) Q_EMIT statisticsChanged();
     Q_EMIT messagesChanged();
     if (known) Q_EMIT availabilityPublished();
@@ -100,17 +120,7 @@ void MessageCatalog::applyHomeSnapshot(const MailHomeSnapshot& snapshot) {
 
 void MessageCatalog::refreshAvailabilityCacheAsync(bool force) {
     if (!force && (isAvailabilityKnown() || availabilityRefreshTask_.isRunning())) return;
-    if (state_->set->messages->empty()) {
-        availabilityRefreshTask_.cancel();
-        CatalogState state = *state_;
-        AvailabilityResult statistics = *statisticsOf(*state.availability);
-        statistics.unbackedAccountYearStats.clear();
-        state.availability = std::make_shared<const AvailabilityResult>(std::move(statistics));
-        state.isAvailabilityKnown = true;
-        setState(std::move(state));
-        Q_EMIT availabilityPublished();
-        return;
-    }
+    if (state_->set->messages->empty()) return publishEmpty();
     AvailabilityJob job{state_->set, inputs_(), nullptr, files_ == Files::justSeen};
     if (isAvailabilityKnown() && !locallyAvailableIDs()->empty()) job.known = state_->availability;
     availabilityRefreshTask_.start(
@@ -121,6 +131,23 @@ void MessageCatalog::refreshAvailabilityCacheAsync(bool force) {
         [this](AvailabilityResult result) {
             publish(std::make_shared<const AvailabilityResult>(std::move(result)));
         });
+}
+
+// Without messages there is nothing to look for. Of a whole scan that found none the statistics say so too.
+void MessageCatalog::publishEmpty() {
+    availabilityRefreshTask_.cancel();
+    if (state_->set->isComplete) {
+        AvailabilityResult nothingThere;
+        nothingThere.archivedBaseIDs = inputs_().archivedBaseIDs;
+        return publish(std::make_shared<const AvailabilityResult>(std::move(nothingThere)));
+    }
+    CatalogState state = *state_;
+    AvailabilityResult statistics = *statisticsOf(*state.availability);
+    statistics.unbackedAccountYearStats.clear();
+    state.availability = std::make_shared<const AvailabilityResult>(std::move(statistics));
+    state.isAvailabilityKnown = true;
+    setState(std::move(state));
+    Q_EMIT availabilityPublished();
 }
 
 void MessageCatalog::publish(SharedAvailability availability) {

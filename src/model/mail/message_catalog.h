@@ -90,6 +90,10 @@ class MessageCatalog : public QObject {
     // A new generation with its whole reaction: nothing is available until the availability run has ended.
     void setMessages(SharedMessageSet set, MailScanSummary summary, Files files = Files::unknown);
 
+    // Empties the list with the same reaction, for a scan that lists others or found none. From here on what
+    // is shown is partial, until the next generation.
+    void emptyForScan(MailScanSummary summary = {});
+
     // The growing list of a running scan, without any reaction.
     void showProgress(SharedMessageSet set, MailScanSummary summary);
 
@@ -113,6 +117,8 @@ class MessageCatalog : public QObject {
   Q_SIGNALS:
     // A new generation, or a progress update of a scan.
     void messagesChanged();
+    // In front of messagesChanged: what was derived of the earlier messages holds no more.
+    void generationReplaced();
     void summaryChanged();
     // The derived state is valid for the present messages.
     void availabilityPublished();
@@ -123,8 +129,8 @@ class MessageCatalog : public QObject {
   private:
     // Releases the earlier state in the background.
     void setState(CatalogState state);
-    void setGeneration(SharedMessageSet set, MailScanSummary summary, Files files,
-                       SharedAvailability availability, bool isKnown);
+    void setGeneration(CatalogState state, Files files);
+    void publishEmpty();
     void publish(SharedAvailability availability);
 
     ModelContext& context_;

@@ -103,6 +103,7 @@ void ModelFilters::clearScope() {
     setArchiveFilterYears({});
     setOnlyBeforeCutoff(false);
     setTransferMaxYear(std::nullopt);
+    Q_EMIT scopeCleared();
 }
 
 } // namespace corvane

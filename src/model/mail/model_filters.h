@@ -51,6 +51,7 @@ class ModelFilters : public QObject {
 
     [[nodiscard]] std::optional<std::int64_t> transferMaxYear() const { return transferMaxYear_; }
 
+    // Each notifies only of another value than before.
     void setSearchText(std::string text);
     void setMinimumAttachmentCount(std::int64_t count);
     void setYearCutoff(std::int64_t year);
@@ -72,6 +73,8 @@ class ModelFilters : public QObject {
     void clearScope();
 
   Q_SIGNALS:
+    // Behind the other signals of `clearScope`: whoever narrowed the filters gives it up as well.
+    void scopeCleared();
     void listFilterChanged();
     void candidateFilterChanged();
 

@@ -28,9 +28,11 @@ class PreviewRefresh : public QObject {
     // While they aren't shown, no file is read.
     void setPreviewsShown(bool areShown) { areShown_ = areShown; }
 
-    // Not to be called during a scan. A text that is found takes the place of the preview in the catalog.
+    // Reads the message's files in the background where its preview is damaged; not to be called during a
+    // scan. A text that is found takes the place of the preview in the catalog, else `nothingFound` follows.
     void refreshPreviewIfNeeded(const std::optional<std::string>& messageID);
 
+    // Nothing is replaced from here on.
     void cancel();
 
   Q_SIGNALS:

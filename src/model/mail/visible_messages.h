@@ -31,8 +31,11 @@ class VisibleMessages : public QObject {
 
     [[nodiscard]] const std::optional<std::string>& selectedMessageID() const { return selectedMessageID_; }
 
+    // Whether or not it is listed: the next list moves a selection that it doesn't hold to its first message.
     void setSelectedMessageID(std::optional<std::string> id);
 
+    // Makes the list of the present messages and filters in the background; `visibleMessagesChanged` follows
+    // unless another rebuild comes first.
     void rebuildVisibleMessages();
 
     // Empties the list at once: a new generation of messages has come.

@@ -59,4 +59,7 @@ MailScanCache decodeScanCache(std::string_view json);
 // doesn't decode.
 std::optional<MailScanCache> readScanCacheFile(const std::string& path);
 
+// The first member of such a file, without a look at the rest. Absent when it can't be read there.
+std::optional<Date> readScanTime(const std::string& path);
+
 } // namespace corvane

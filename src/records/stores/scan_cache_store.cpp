@@ -54,6 +54,10 @@ void MailScanCacheStore::saveHomeSnapshot(
     std::ignore = support_.writeFile(snapshotFileName, encodeJson(snapshot));
 }
 
+std::optional<Date> MailScanCacheStore::cachedScanTime() const {
+    return readScanTime(support_.filePath(cacheFileName));
+}
+
 std::optional<MailScanCache> MailScanCacheStore::load() const {
     return readScanCacheFile(support_.filePath(cacheFileName));
 }

@@ -28,6 +28,10 @@ class MailScanCacheStore {
                           const std::vector<YearStat>& localYearStats,
                           const std::vector<AccountYearStatGroup>& localAccountYearStats) const;
 
+    // When the cached scan was written, by the first bytes of its file; absent when there is none, or they
+    // can't be read.
+    [[nodiscard]] std::optional<Date> cachedScanTime() const;
+
     // Absent when there is no file. Throws std::system_error or JsonError.
     [[nodiscard]] std::optional<MailScanCache> load() const;
 

@@ -28,7 +28,8 @@ ScanFlow::ScanFlow(ModelContext& context, AccountDirectory& accounts, MessageCat
   , counts_(counts)
   , filters_(filters)
   , scanTask_(context.tasks)
-  , restoreTask_(context.tasks) {
+  , restoreTask_(context.tasks)
+  , lookTask_(context.tasks) {
     connect(&accounts_, &AccountDirectory::fullRefreshFoundAccounts, this, [this] {
         std::set<std::string> all;
         for (const MailAccount& account : accounts_.availableAccounts()) all.insert(account.urlPrefix);
@@ -48,12 +49,39 @@ void ScanFlow::setState(MailScanState state) {
 
 void ScanFlow::fail(const std::string& message, bool isYearRangeInfo) {
     failureIsYearRangeInfo_ = isYearRangeInfo;
+    hasLookedForLastScan_ = true;
     setState(MailScanState::failed(message));
+    lookForWholeScan();
+}
+
+std::optional<Date> ScanFlow::restorableScanTime() const {
+    return catalog_.state()->isPartial() ? wholeScanTime_ : std::nullopt;
+}
+
+// So that only what is there is offered.
+void ScanFlow::lookForWholeScan() {
+    if (!catalog_.state()->isPartial()) return;
+
+    struct Found {
+        std::optional<Date> time;
+    };
+
+    lookTask_.start(
+        TaskPriority::userInitiated, MailScanCacheStore(context_.support),
+        [](const MailScanCacheStore& store, const TaskHandle&) { return Found{store.cachedScanTime()}; },
+        [this](const Found& found) {
+            wholeScanTime_ = found.time;
+            Q_EMIT restorableChanged();
+        });
 }
 
 void ScanFlow::clearDisplay() {
-    beforeScan_ = Display{catalog_.state()->shown(), catalog_.summary(), counts_.indexed(), cacheLoadedAt_};
-    catalog_.setMessages(std::make_shared<const MessageSet>(), {});
+    hasLookedForLastScan_ = true; // nobody waits for it any more
+    isRestoreDropped_ = false;
+    const SharedCatalogState& shown = catalog_.state();
+    beforeScan_ =
+        Display{shown->shown(), shown->isPartial(), shown->summary, counts_.indexed(), cacheLoadedAt_};
+    catalog_.emptyForScan();
     counts_.setIndexed({});
     scanTimingLog_.clear();
     cacheLoadedAt_.reset();
@@ -88,7 +116,10 @@ void ScanFlow::scan() {
         TaskPriority::userInitiated, makeScanJob(), &runScan,
         [this](ScanStep step) { onStep(std::move(step)); },
         [this](ScanOutcome outcome) {
-            if (std::holds_alternative<MissingMailRoot>(outcome)) fail(missingMailRootMessage);
+            if (std::holds_alternative<MissingMailRoot>(outcome)) {
+                forgetBeforeScan();
+                fail(missingMailRootMessage);
+            }
             if (const auto* broken = std::get_if<BrokenScan>(&outcome)) onScanBroken(broken->message);
             if (auto* finished = std::get_if<FinishedScan>(&outcome)) onScanFinished(std::move(*finished));
         });
@@ -105,11 +136,12 @@ void ScanFlow::onScanFinished(FinishedScan finished) {
     forgetBeforeScan();
     scanTimingLog_ = std::move(finished.timingLog);
     Q_EMIT timingChanged();
-    catalog_.setMessages(std::move(finished.set), std::move(finished.summary),
-                         MessageCatalog::Files::justSeen);
     if (finished.empty) {
+        catalog_.emptyForScan(std::move(finished.summary));
         fail(finished.empty->text, finished.empty->isYearRangeInfo);
     } else {
+        catalog_.setMessages(std::move(finished.set), std::move(finished.summary),
+                             MessageCatalog::Files::justSeen);
         cacheLoadedAt_ = currentTimestamp();
         setState(MailScanState::finished());
         Q_EMIT scanFinished();
@@ -121,7 +153,10 @@ void ScanFlow::onScanBroken(const std::string& message) {
     if (catalog_.messages()->empty() && beforeScan_ && !beforeScan_->messages->messages->empty()) {
         cacheLoadedAt_ = beforeScan_->cacheLoadedAt;
         counts_.setIndexed(std::move(beforeScan_->counts));
-        catalog_.setMessages(beforeScan_->messages, beforeScan_->summary);
+        if (beforeScan_->isPartial)
+            catalog_.showProgress(beforeScan_->messages, beforeScan_->summary);
+        else
+            catalog_.setMessages(beforeScan_->messages, beforeScan_->summary);
         Q_EMIT earlierMessagesRestored();
     }
     forgetBeforeScan();
@@ -131,8 +166,11 @@ void ScanFlow::onScanBroken(const std::string& message) {
 
 void ScanFlow::cancelScan() {
     scanTask_.cancel();
+    accounts_.cancelFullRefresh();
     forgetBeforeScan();
     setState(MailScanState::idle());
+    lookForWholeScan();
+    if (std::exchange(isRestoreDropped_, false)) loadCachedScanIfNeeded(false);
 }
 
 void ScanFlow::refreshAllMailData() {
@@ -142,7 +180,7 @@ void ScanFlow::refreshAllMailData() {
 }
 
 bool ScanFlow::mayRestore() const {
-    return catalog_.messages()->empty() && !state_.isScanning();
+    return (catalog_.messages()->empty() || catalog_.state()->isPartial()) && !state_.isScanning();
 }
 
 void ScanFlow::loadCachedScanIfNeeded(bool loadArchiveIndex) {
@@ -157,12 +195,20 @@ void ScanFlow::loadCachedScanIfNeeded(bool loadArchiveIndex) {
             if (mayRestore()) applySnapshot(snapshot);
         },
         [this, loadArchiveIndex](RestoreOutcome outcome) {
-            if (!mayRestore()) return;
-            if (std::holds_alternative<NoCachedScan>(outcome)) setState(MailScanState::idle());
-            if (const auto* damaged = std::get_if<UnreadableCache>(&outcome)) fail(damaged->message);
-            if (auto* restored = std::get_if<RestoredScan>(&outcome))
-                applyRestored(std::move(*restored), loadArchiveIndex);
+            // The accounts of a refresh may be read just now, which can still be cancelled.
+            isRestoreDropped_ = !mayRestore() && !hasLookedForLastScan_;
+            if (mayRestore()) restoreEnded(std::move(outcome), loadArchiveIndex);
+            Q_EMIT restorableChanged();
         });
+    Q_EMIT restorableChanged();
+}
+
+void ScanFlow::restoreEnded(RestoreOutcome outcome, bool loadArchiveIndex) {
+    hasLookedForLastScan_ = true;
+    if (std::holds_alternative<NoCachedScan>(outcome)) setState(MailScanState::idle());
+    if (const auto* damaged = std::get_if<UnreadableCache>(&outcome)) fail(damaged->message);
+    if (auto* restored = std::get_if<RestoredScan>(&outcome))
+        applyRestored(std::move(*restored), loadArchiveIndex);
 }
 
 void ScanFlow::applySnapshot(const MailHomeSnapshot& snapshot) {

@@ -39,19 +39,38 @@ class ScanFlow : public QObject {
     // The last failure's message is advice on the year range, not an error.
     [[nodiscard]] bool scanFailureIsYearRangeInfo() const { return failureIsYearRangeInfo_; }
 
-    // A scan of the selected accounts.
+    // The result of the last whole scan hasn't been looked for yet: nothing is known, and not that there is
+    // nothing.
+    [[nodiscard]] bool isLastScanAwaited() const { return !hasLookedForLastScan_; }
+
+    // That result is being read.
+    [[nodiscard]] bool isRestoring() const { return restoreTask_.isRunning(); }
+
+    // When the whole scan was made that can be brought back in place of a partial list; absent where the list
+    // isn't partial, and where there is none.
+    [[nodiscard]] std::optional<Date> restorableScanTime() const;
+
+    // A scan of the selected accounts. Its end is `finished` or `failed`; what it has listed is partial until
+    // it has finished.
     void scan();
+
+    // Ends the scan, or the whole refresh where the accounts are still being read. What was listed stays, as
+    // a part of the mail.
     void cancelScan();
 
-    // Reads the accounts, makes the scan cover everything, and scans.
+    // Reads the accounts, makes the scan cover everything, and scans. Without accounts it ends as `failed`,
+    // and what is shown stays.
     void refreshAllMailData();
 
-    // Restores the last result; no effect when there are messages or a scan runs. `loadArchiveIndex` goes on
-    // to cachedScanRestored.
+    // Restores the last whole result; no effect while a scan runs, and where there are messages that aren't
+    // partial. `loadArchiveIndex` goes on to cachedScanRestored. A result that can't be read ends as
+    // `failed`.
     void loadCachedScanIfNeeded(bool loadArchiveIndex);
 
   Q_SIGNALS:
     void stateChanged();
+    // What is known of the last whole result, or whether it is being read.
+    void restorableChanged();
     void timingChanged();
     // The display was cleared for a new scan.
     void scanStarted();
@@ -67,6 +86,7 @@ class ScanFlow : public QObject {
   private:
     struct Display {
         SharedMessageSet messages;
+        bool isPartial = false;
         MailScanSummary summary;
         IndexCounts::Indexed counts;
         std::optional<Date> cacheLoadedAt;
@@ -75,6 +95,8 @@ class ScanFlow : public QObject {
     void setState(MailScanState state);
     void clearDisplay();
     void forgetBeforeScan();
+    void lookForWholeScan();
+    void restoreEnded(RestoreOutcome outcome, bool loadArchiveIndex);
     [[nodiscard]] ScanJob makeScanJob() const;
     void onStep(ScanStep step);
     void onScanFinished(FinishedScan finished);
@@ -93,9 +115,13 @@ class ScanFlow : public QObject {
     std::string scanTimingLog_;
     std::optional<Date> cacheLoadedAt_;
     bool failureIsYearRangeInfo_ = false;
+    bool hasLookedForLastScan_ = false;
+    bool isRestoreDropped_ = false;     // it came while the state said that a scan runs
+    std::optional<Date> wholeScanTime_; // of the cached one, as it was when a scan came to no end
     std::optional<Display> beforeScan_;
     TaskSlot scanTask_;
     TaskSlot restoreTask_;
+    TaskSlot lookTask_;
 };
 
 } // namespace corvane

@@ -107,11 +107,12 @@ class ScanProgress {
 FinishedScan finish(const ScanJob& job, ScanProgress& progress) {
     FinishedScan finished;
     const SharedMessageList messages = progress.finalList();
-    platform::parallelCalls([&] { finished.set = MessageSet::make(messages, !job.scanner.maximumYear); },
+    const bool hasVisited = progress.last().visitedCount >= 1;
+    const bool isComplete = hasVisited && !job.scanner.maximumYear;
+    platform::parallelCalls([&] { finished.set = MessageSet::make(messages, isComplete); },
                             [&] { finished.summary = progress.summary(*messages); });
     finished.timingLog = progress.last().timingLog;
-    if (progress.last().visitedCount < 1)
-        finished.empty = emptyScanFailureMessage(job.store, job.scanner.maximumYear);
+    if (!hasVisited) finished.empty = emptyScanFailureMessage(job.store, job.scanner.maximumYear);
     return finished;
 }
 

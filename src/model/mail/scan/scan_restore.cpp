@@ -21,9 +21,10 @@ void mark(const RestoreJob& job, const std::string& text) {
     job.startupLog.mark(fmt::format("{} elapsed={:.3f}s", text, job.watch.seconds()));
 }
 
-// Local statistics hold only messages with attachments; a snapshot that says otherwise was made under other
-// rules.
-bool isCurrent(const MailHomeSnapshot& snapshot) {
+// A snapshot of another scan than the cached one shows what isn't there any more. Local statistics hold only
+// messages with attachments; a snapshot that says otherwise was made under other rules.
+bool isCurrent(const MailHomeSnapshot& snapshot, const std::optional<Date>& cachedScan) {
+    if (snapshot.scannedAt != cachedScan) return false;
     for (const AccountYearStatGroup& group : snapshot.localAccountYearStats) {
         for (const YearStat& stat : group.years) {
             if (stat.messageCount != stat.withAttachmentCount) return false;
@@ -96,7 +97,7 @@ bool reportSnapshot(const RestoreJob& job, const ReportingTask<MailHomeSnapshot>
     auto snapshot = job.store.loadHomeSnapshot();
     if (!snapshot) return false;
     mark(job, "loadCachedScan homeSnapshot decoded");
-    if (!isCurrent(*snapshot)) return false;
+    if (!isCurrent(*snapshot, job.store.cachedScanTime())) return false;
     task.report(std::move(*snapshot));
     return true;
 }
