@@ -44,6 +44,7 @@ void ArchiveScreen::wire() {
     connect(&model_.catalog(), &MessageCatalog::availabilityPublished, this, reload);
     connect(&model_.catalog(), &MessageCatalog::archivedMessagesChanged, this, reload);
     connect(&model_.filters(), &ModelFilters::candidateFilterChanged, this, reload);
+    connect(&model_.filters(), &ModelFilters::scopeCleared, this, [this] { yearsBefore_.clear(); });
 }
 
 void ArchiveScreen::setStage(Stage stage) {

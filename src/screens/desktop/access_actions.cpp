@@ -2,12 +2,17 @@
 
 #include <QUrl>
 
+#include "records/formatters.h"
+
 namespace corvane {
 
 AccessActions::AccessActions(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
   : QObject(parent)
   , model_(model)
-  , desktop_(desktop) {}
+  , desktop_(desktop) {
+    connect(&model.scanFlow(), &ScanFlow::restorableChanged, this, &AccessActions::restorableChanged);
+    connect(&model.scanFlow(), &ScanFlow::stateChanged, this, &AccessActions::restorableChanged);
+}
 
 void AccessActions::recheckAccess() {
     model_.diskAccess().refreshFullDiskAccessState();
@@ -22,6 +27,16 @@ void AccessActions::openPrivacySettings() {
 
 void AccessActions::cancelScan() {
     model_.scanFlow().cancelScan();
+}
+
+QString AccessActions::restoreTitle() const {
+    const auto time = model_.scanFlow().restorableScanTime();
+    if (!time) return {};
+    return QStringLiteral("恢复%1的完整结果").arg(QString::fromStdString(formatListDate(*time)));
+}
+
+void AccessActions::restoreLastScan() {
+    if (model_.scanFlow().restorableScanTime()) model_.scanFlow().loadCachedScanIfNeeded(false);
 }
 
 } // namespace corvane

@@ -1,5 +1,5 @@
 // What the user can do while Mail can't be read, or while it is being read: have the permission looked at
-// again, open the settings in which it is given, stop the scan. Main thread.
+// again, open the settings in which it is given, stop the scan, go back to the last whole one. Main thread.
 #pragma once
 
 #include <QObject>
@@ -14,6 +14,8 @@ class AccessActions : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("belongs to a screen")
+    Q_PROPERTY(QString restoreTitle READ restoreTitle NOTIFY restorableChanged)
+    Q_PROPERTY(bool isRestoring READ isRestoring NOTIFY restorableChanged)
 
   public:
     // Both must outlive it.
@@ -25,9 +27,18 @@ class AccessActions : public QObject {
     Q_INVOKABLE void openPrivacySettings();
     Q_INVOKABLE void cancelScan();
 
+    // Of the button that brings back the last whole scan; empty where the list is whole, or there is none.
+    [[nodiscard]] QString restoreTitle() const;
+
+    [[nodiscard]] bool isRestoring() const { return model_.scanFlow().isRestoring(); }
+
+    // No effect where there is nothing to bring back.
+    Q_INVOKABLE void restoreLastScan();
+
   Q_SIGNALS:
     // What didn't work, and what to do instead.
     void failed(const QString& text);
+    void restorableChanged();
 
   private:
     CorvaneViewModel& model_;

@@ -13,7 +13,8 @@ FocusScope {
     property int margin: Theme.margin
     readonly property ScanStatus scan: home.scan
     readonly property var banner: home.figures.banner
-    readonly property bool hasFailure: scan.failureText.length > 0
+    readonly property bool isPartial: home.state === HomeScreen.Partial
+    readonly property bool hasFailure: scan.failureText.length > 0 && !isPartial
 
     objectName: "overview"
     focus: true
@@ -51,7 +52,7 @@ FocusScope {
             AccountList {
                 Layout.preferredWidth: 228
                 Layout.fillHeight: true
-                visible: !overview.narrow && !overview.low
+                visible: !overview.narrow && !overview.low && !overview.isPartial
                 home: overview.home
             }
             ColumnLayout {
@@ -81,6 +82,22 @@ FocusScope {
                     symbol: "archive"
                     title: "当前没有需要归档的邮件"
                     line: overview.home.nothingToDoLine
+                }
+                EmptyState {
+                    objectName: "partialList"
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    visible: overview.isPartial
+                    focus: visible
+                    symbol: "refresh-cw"
+                    title: "邮件没有全部读完"
+                    line: "继续更新会重新读取全部邮件。"
+                        + (secondText.length > 0 ? "也可以先回到上次的完整结果，邮件和归档都不会受影响。" : "")
+                    buttonText: "继续更新"
+                    button.enabled: overview.scan.canUpdate
+                    secondText: overview.home.access.restoreTitle
+                    onActivated: overview.scan.update()
+                    onSecondActivated: overview.home.access.restoreLastScan()
                 }
             }
         }

@@ -7,7 +7,8 @@ ScreenPage {
     id: page
 
     readonly property HomeScreen home: app.home
-    readonly property bool hasList: home.state === HomeScreen.List || home.state === HomeScreen.NothingToDo
+    readonly property bool hasList: home.state !== HomeScreen.NoAccess && home.state !== HomeScreen.Scanning
+        && home.state !== HomeScreen.FirstUse
 
     objectName: "homePage"
     onEscaped: home.clearScope()

@@ -57,8 +57,13 @@ void HomeScreen::wire() {
     on(&model_.diskAccess(), &FullDiskAccess::needsFullDiskAccessChanged, &HomeScreen::stateChanged);
     on(&model_.accounts(), &AccountDirectory::loadFailureChanged, &HomeScreen::stateChanged);
     for (const auto signal :
-         {&HomeScreen::stateChanged, &HomeScreen::figuresChanged, &HomeScreen::selectionChanged})
+         {&HomeScreen::stateChanged, &HomeScreen::figuresChanged, &HomeScreen::selectionChanged}) {
         on(&model_.scanFlow(), &ScanFlow::stateChanged, signal);
+        on(&model_.scanFlow(), &ScanFlow::restorableChanged, signal);
+    }
+    on(&model_.filters(), &ModelFilters::scopeCleared, &HomeScreen::handleScopeCleared);
+    on(&model_.scanFlow(), &ScanFlow::scanFinished, &HomeScreen::dropMissingYear);
+    on(&model_.scanFlow(), &ScanFlow::cachedScanRestored, [this] { dropMissingYear(); });
     for (const auto signal : {&HomeScreen::destinationChanged, &HomeScreen::selectionChanged}) {
         on(&model_.destinations(), &ArchiveDestinations::destinationChanged, signal);
         on(&model_.destinations(), &ArchiveDestinations::factsChanged, signal);
@@ -87,7 +92,10 @@ void HomeScreen::updateFigures() {
 HomeScreen::State HomeScreen::state() const {
     if (model_.diskAccess().needsFullDiskAccess()) return NoAccess;
     if (scan_.isScanning()) return Scanning;
-    if (!model_.hasScanDisplayData()) return FirstUse;
+    const ScanFlow& scan = model_.scanFlow();
+    const bool hasData = model_.hasScanDisplayData();
+    if (isPartial() && (hasData || scan.restorableScanTime())) return Partial;
+    if (!hasData) return scan.isLastScanAwaited() ? Loading : FirstUse;
     return data_.isKnown() && candidateCount() == 0 ? NothingToDo : List;
 }
 
@@ -112,6 +120,10 @@ QString HomeScreen::organizeSimpleSummary() const {
         return QStringLiteral("正在确认哪些邮件还需要放入归档库。");
     case FirstUse:
         return QStringLiteral("把多年的邮件安全放进归档库，再放心腾出空间。");
+    case Loading:
+        return QStringLiteral("正在确认哪些邮件还需要放入归档库。");
+    case Partial:
+        return QStringLiteral("邮件列表不完整，还不能确认哪些邮件需要归档。");
     case NothingToDo:
         return QStringLiteral("没有需要继续归档的邮件。");
     case List:
@@ -144,7 +156,12 @@ DeletionSafety HomeScreen::safety() const {
 }
 
 bool HomeScreen::hasFigures() const {
-    return data_.isKnown() && data_.overview()->hasMessages;
+    return !isPartial() && data_.isKnown() && data_.overview()->hasMessages;
+}
+
+SafetyBanner HomeScreen::banner(const DeletionSafety& safety) const {
+    if (isPartial()) return screens::partialListBanner(scan_.failureText());
+    return hasFigures() ? screens::deletionSafetyBanner(organizeRangeTitle(), safety) : unknownBanner();
 }
 
 OrganizeFigures HomeScreen::figures() const {
@@ -152,10 +169,10 @@ OrganizeFigures HomeScreen::figures() const {
     OrganizeFigures figures;
     figures.isKnown = hasFigures();
     figures.organizeRangeTitle = organizeRangeTitle();
-    figures.banner =
-        figures.isKnown ? screens::deletionSafetyBanner(figures.organizeRangeTitle, known) : unknownBanner();
-    figures.years = screens::chartYears(
-        screens::yearBars(*data_.overview(), scope_.accountKey, selection_.years, data_.indexedYears()));
+    figures.banner = banner(known);
+    if (!isPartial())
+        figures.years = screens::chartYears(
+            screens::yearBars(*data_.overview(), scope_.accountKey, selection_.years, data_.indexedYears()));
     figures.sums = {
         seriesSum("archived", QStringLiteral("已归档"), known.archived, figures.isKnown),
         seriesSum("unarchived", QStringLiteral("未归档"), known.local - known.archived, figures.isKnown),
@@ -171,8 +188,27 @@ void HomeScreen::setScope(OrganizeScope scope) {
     std::set<std::int64_t> years;
     if (scope_.year) years.insert(*scope_.year);
     model_.applyHomeScope(scope_.accountKey, years);
+    showScope();
+}
+
+void HomeScreen::showScope() {
     accounts_.show(*data_.overview(), scope_.accountKey);
     tree_.setScope(scope_);
+}
+
+// The model's filters have been emptied already.
+void HomeScreen::handleScopeCleared() {
+    scope_ = {};
+    showScope();
+    updateFigures();
+}
+
+// By the rule of the model's filters, which have dropped it.
+void HomeScreen::dropMissingYear() {
+    const std::vector<YearStat>& years = model_.catalog().yearStats();
+    if (!scope_.year || std::ranges::find(years, *scope_.year, &YearStat::year) != years.end()) return;
+    setScope({scope_.accountKey, std::nullopt});
+    updateFigures();
 }
 
 void HomeScreen::setScopeYear(int year) {
@@ -224,7 +260,7 @@ QString HomeScreen::organizePrimaryTitle() const {
     if (archive_.isRunning()) return QStringLiteral("查看归档进度");
     if (effectiveHomeAction() == HomeAction::openArchiveLibrary)
         return screens::hasScreen(SidebarPlace::library) ? QStringLiteral("打开归档库")
-                                                              : QStringLiteral("打开归档文件夹");
+                                                         : QStringLiteral("打开归档文件夹");
     return selection_.count > 0 ? QStringLiteral("归档选中") : QStringLiteral("归档全部");
 }
 
@@ -251,7 +287,7 @@ void HomeScreen::runOrganizePrimaryAction() {
         access_.openPrivacySettings();
     } else if (!model_.hasScanDisplayData()) {
         model_.scanFlow().scan();
-    } else if (!model_.catalog().messages()->empty()) {
+    } else if (!model_.catalog().messages()->empty() && !isPartial()) {
         openArchive(selection_.count == 0);
     }
 }

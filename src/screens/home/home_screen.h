@@ -14,10 +14,10 @@
 #include "screens/archive/archive_screen.h"
 #include "screens/desktop/access_actions.h"
 #include "screens/home/figures/account_shares_model.h"
-#include "screens/overview/organize_data.h"
 #include "screens/home/organize_figures.h"
 #include "screens/home/scan_status.h"
 #include "screens/home/tree/organize_tree_model.h"
+#include "screens/overview/organize_data.h"
 #include "screens/texts/destination_item.h"
 
 namespace corvane {
@@ -38,7 +38,15 @@ class HomeScreen : public QObject {
     Q_PROPERTY(corvane::AccountSharesModel* accounts READ accounts CONSTANT)
 
   public:
-    enum State { NoAccess, Scanning, FirstUse, NothingToDo, List };
+    enum State {
+        NoAccess,
+        Scanning,
+        FirstUse,
+        Loading, // the last result hasn't been read yet
+        Partial, // a scan didn't come to its end: nothing here says anything of all mail
+        NothingToDo,
+        List,
+    };
     Q_ENUM(State)
 
     // All must outlive the screen.
@@ -96,11 +104,18 @@ class HomeScreen : public QObject {
 
     void wire();
     void handleOverviewChange();
+    void handleScopeCleared();
+    void dropMissingYear();
+    void showScope();
     void updateFigures();
     void setScope(OrganizeScope scope);
     void openArchive(bool everything);
     void openLibrary();
     [[nodiscard]] bool hasFigures() const;
+
+    [[nodiscard]] bool isPartial() const { return model_.catalog().state()->isPartial(); }
+
+    [[nodiscard]] SafetyBanner banner(const DeletionSafety& safety) const;
     [[nodiscard]] QString organizeRangeTitle() const;
     [[nodiscard]] QString organizeSelectionSummary() const;
     [[nodiscard]] QString organizePrimaryTitle() const;

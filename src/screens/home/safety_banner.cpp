@@ -29,4 +29,15 @@ SafetyBanner deletionSafetyBanner(const QString& scopeTitle, const DeletionSafet
     return banner;
 }
 
+SafetyBanner partialListBanner(const QString& failure) {
+    SafetyBanner banner;
+    banner.kind = QStringLiteral("attention");
+    banner.symbol = QStringLiteral("exclamationmark.triangle.fill");
+    banner.headline = failure.isEmpty() ? QStringLiteral("更新已取消，邮件列表不完整")
+                                        : QStringLiteral("更新没有完成，邮件列表不完整");
+    if (!failure.isEmpty()) banner.lines << failure;
+    banner.lines << QStringLiteral("在完成一次更新之前，这里不判断哪些邮件已经归档、哪些原件可以删除。");
+    return banner;
+}
+
 } // namespace corvane::screens

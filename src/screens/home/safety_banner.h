@@ -33,6 +33,9 @@ namespace screens {
 // Nothing is called safe but local messages that all have a copy.
 SafetyBanner deletionSafetyBanner(const QString& scopeTitle, const DeletionSafety& safety);
 
+// For a list that isn't all of the mail; `failure` is why, empty after a cancelled scan.
+SafetyBanner partialListBanner(const QString& failure);
+
 } // namespace screens
 
 } // namespace corvane

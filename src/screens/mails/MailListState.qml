@@ -27,6 +27,8 @@ FocusScope {
                 return "triangle-alert";
             case MailListScreen.NeverScanned:
                 return "mail-search";
+            case MailListScreen.Partial:
+                return "refresh-cw";
             default:
                 return "mails";
             }
@@ -41,6 +43,8 @@ FocusScope {
                 return "先更新所有 Mail 数据";
             case MailListScreen.Scanning:
                 return "正在扫描 Mail…";
+            case MailListScreen.Partial:
+                return "邮件没有全部读完";
             default:
                 return "正在读取邮件列表…";
             }
@@ -51,13 +55,18 @@ FocusScope {
                 return "授权后通常需要「完全退出」本 App 再重新打开才生效。";
             case MailListScreen.NeverScanned:
                 return "更新后这里会列出 Mail 里的全部邮件。";
+            case MailListScreen.Partial:
+                return place.screen.stateText.length > 0 ? place.screen.stateText : "继续更新会重新读取全部邮件。";
             default:
                 return place.screen.stateText;
             }
         }
         buttonText: place.kind === MailListScreen.NoAccess ? "打开完全磁盘访问设置"
+            : place.kind === MailListScreen.Partial ? "继续更新"
             : place.kind === MailListScreen.Failed || place.kind === MailListScreen.NeverScanned ? "更新 Mail 数据" : ""
-        secondText: place.kind === MailListScreen.NoAccess ? "已授权，重新检查" : ""
+        secondText: place.kind === MailListScreen.NoAccess ? "已授权，重新检查"
+            : place.kind === MailListScreen.Partial || place.kind === MailListScreen.Failed
+            ? place.screen.access.restoreTitle : ""
         onActivated: {
             if (place.kind === MailListScreen.NoAccess)
                 place.screen.access.openPrivacySettings();
@@ -65,7 +74,12 @@ FocusScope {
                 place.updateRequested();
         }
         button.enabled: place.kind === MailListScreen.NoAccess || place.canUpdate
-        onSecondActivated: place.screen.access.recheckAccess()
+        onSecondActivated: {
+            if (place.kind === MailListScreen.NoAccess)
+                place.screen.access.recheckAccess();
+            else
+                place.screen.access.restoreLastScan();
+        }
     }
     AppButton {
         objectName: "cancelScan"

@@ -67,13 +67,16 @@ void MailListScreen::wire() {
         updateState();
     });
     connect(&model_.scanFlow(), &ScanFlow::stateChanged, this, &MailListScreen::updateState);
+    connect(&model_.scanFlow(), &ScanFlow::restorableChanged, this, &MailListScreen::updateState);
     connect(&model_.diskAccess(), &FullDiskAccess::needsFullDiskAccessChanged, this,
             &MailListScreen::updateState);
     connect(&model_.filters(), &ModelFilters::listFilterChanged, this, [this] {
         isRearranging_ = true;
         updateState();
     });
-    connect(&model_.archiveRun(), &ArchiveRunFlow::progressChanged, this, &MailListScreen::updateCanArchive);
+    connect(&model_.archiveRun(), &ArchiveRunFlow::archiveRunStarted, this,
+            &MailListScreen::updateCanArchive);
+    connect(&model_.archiveRun(), &ArchiveRunFlow::archiveRunEnded, this, &MailListScreen::updateCanArchive);
     connect(selection(), &ListSelection::currentRowChanged, this, &MailListScreen::handleCurrentRowChange);
     connect(selection(), &ListSelection::selectionChanged, this, [this] {
         Q_EMIT summaryChanged();
@@ -203,6 +206,10 @@ MailListScreen::State MailListScreen::currentState() const {
     if (list_.count() > 0) return State::Listed;
     const ScanFlow& scan = model_.scanFlow();
     if (scan.state().isScanning()) return State::Scanning;
+    const bool hasFailed = scan.state().kind == MailScanState::Kind::failed;
+    if (model_.catalog().state()->isPartial() && !(hasFailed && model_.catalog().messages()->empty()) &&
+        (model_.hasScanDisplayData() || scan.restorableScanTime()))
+        return State::Partial;
     if (!model_.catalog().messages()->empty()) {
         // A list without rows stays as it is until the next one is there.
         if (isUpdating_ || !model_.visible().isCurrent())
@@ -210,10 +217,10 @@ MailListScreen::State MailListScreen::currentState() const {
         return filters_.narrows() ? State::NoMatch : State::NothingLocal;
     }
     if (model_.diskAccess().needsFullDiskAccess()) return State::NoAccess;
-    if (scan.state().kind == MailScanState::Kind::failed) return State::Failed;
+    if (hasFailed) return State::Failed;
     // The small snapshot is there, the messages are being read.
     if (scan.state().kind == MailScanState::Kind::finished) return State::Loading;
-    return State::NeverScanned;
+    return scan.isLastScanAwaited() ? State::Loading : State::NeverScanned;
 }
 
 void MailListScreen::updateState() {
@@ -222,9 +229,8 @@ void MailListScreen::updateState() {
 }
 
 QString MailListScreen::stateText() const {
-    return state_ == State::Scanning || state_ == State::Failed
-               ? screens::wholeText(model_.scanFlow().state().text)
-               : QString();
+    const bool tellsOfScan = state_ == State::Scanning || state_ == State::Failed || state_ == State::Partial;
+    return tellsOfScan ? screens::wholeText(model_.scanFlow().state().text) : QString();
 }
 
 QString MailListScreen::summaryText() const {

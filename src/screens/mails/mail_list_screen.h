@@ -50,6 +50,7 @@ class MailListScreen : public QObject {
         NoAccess,
         Failed,
         NeverScanned,
+        Partial, // a scan didn't come to its end, and what it listed isn't all
     };
     Q_ENUM(State)
 
@@ -58,7 +59,7 @@ class MailListScreen : public QObject {
 
     [[nodiscard]] State state() const { return state_; }
 
-    // The line of progress or the failure's message; empty in other states.
+    // The line of progress or the failure's message; empty in other states, and where there is no failure.
     [[nodiscard]] QString stateText() const;
 
     // Count and size of the list.

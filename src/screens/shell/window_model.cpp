@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include <QUrl>
 #include <fmt/format.h>
@@ -38,14 +39,10 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
     connect(&home_, &HomeScreen::stateChanged, this, &WindowModel::showFigures);
     connect(&model.catalog(), &MessageCatalog::messagesChanged, this, &WindowModel::showFigures);
     connect(&model.catalog(), &MessageCatalog::summaryChanged, this, &WindowModel::showFigures);
-    connect(&model.archiveRun(), &ArchiveRunFlow::progressChanged, this, [this] {
-        if (archiving() == wasArchiving_) return;
-        wasArchiving_ = archiving();
+    connect(&model.archiveRun(), &ArchiveRunFlow::archiveRunStarted, this, &WindowModel::archivingChanged);
+    connect(&model.archiveRun(), &ArchiveRunFlow::archiveRunEnded, this, [this] {
         Q_EMIT archivingChanged();
-        if (!wasArchiving_ && stopping_) {
-            stopping_ = false;
-            Q_EMIT stopped();
-        }
+        if (std::exchange(stopping_, false)) Q_EMIT stopped();
     });
     connect(mails_.actions(), &MailListActions::archiveRequested, &archive_,
             [this](const std::shared_ptr<const SharedTextSet>& ids) { archive_.open(ids); });
@@ -75,6 +72,8 @@ void WindowModel::startUp() {
                                                  model_.library().archivedEntries()->size()));
     model_.library().loadCachedArchiveLibraryIfNeeded();
     model_.scanFlow().loadCachedScanIfNeeded(false);
+    // The snapshot shows what was; what may be deleted rests on what is there now.
+    model_.library().loadEmailArchiveIndex(model_.destinations().transferDestination(), false);
 }
 
 void WindowModel::refreshAllMailData() {
@@ -120,7 +119,9 @@ void WindowModel::storeLength(const QString& name, qreal length) {
 void WindowModel::showFigures() {
     sidebar_.setFigure(SidebarPlace::home, home_.organizeSidebarSubtitle());
     const std::int64_t listed = static_cast<std::int64_t>(model_.catalog().messages()->size());
-    const std::int64_t shown = listed > 0 ? listed : model_.catalog().summary().scannedMessages;
+    // A part of the mail is no figure for the list, but for the scan that is at it.
+    const bool isCut = model_.catalog().state()->isPartial() && !model_.scanFlow().state().isScanning();
+    const std::int64_t shown = isCut ? 0 : listed > 0 ? listed : model_.catalog().summary().scannedMessages;
     sidebar_.setFigure(SidebarPlace::mails, shown > 0 ? screens::shownCount(shown) : QString());
 }
 

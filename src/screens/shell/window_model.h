@@ -11,8 +11,8 @@
 #include "screens/archive/archive_screen.h"
 #include "screens/desktop/desktop_actions.h"
 #include "screens/home/home_screen.h"
-#include "screens/overview/organize_data.h"
 #include "screens/mails/mail_list_screen.h"
+#include "screens/overview/organize_data.h"
 #include "screens/shell/sidebar/activity.h"
 #include "screens/shell/sidebar/sidebar_model.h"
 #include "screens/shell/start/sample_store.h"
@@ -101,7 +101,6 @@ class WindowModel : public QObject {
     SampleStore sampleStore_;
     MailListScreen mails_;
     TaskSlot addressTask_;
-    bool wasArchiving_ = false;
     bool startedUp_ = false;
     bool stopping_ = false;
 };

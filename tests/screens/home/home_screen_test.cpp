@@ -78,6 +78,60 @@ TEST_F(OrganizeHome, ACapturedStartShowsStatisticsAndCallsNothingSafe) {
     EXPECT_EQ(archiveScreen_.stage(), ArchiveScreen::Closed) << "there are no messages yet";
 }
 
+TEST_F(OrganizeHome, APartialListClaimsNothing) {
+    publishTwoAccounts();
+    homeScreen_.setScopeYear(2019);
+    model_.scanFlow().scan();
+    auto listed =
+        std::make_shared<const MessageList>(testing::sampleMessages(home_, {{"a", 2019}, {"d", 2021}}));
+    model_.catalog().showProgress(MessageSet::passing(std::move(listed)), {});
+    model_.scanFlow().cancelScan();
+    settle();
+    EXPECT_EQ(homeScreen_.state(), State::Partial);
+    EXPECT_EQ(homeScreen_.figures().banner.kind, QStringLiteral("attention"));
+    EXPECT_FALSE(homeScreen_.figures().isKnown);
+    EXPECT_TRUE(homeScreen_.figures().years.isEmpty());
+    EXPECT_TRUE(homeScreen_.organizeSidebarSubtitle().isEmpty());
+    chooseDestination(home_.at("归档"));
+    EXPECT_TRUE(homeScreen_.selection().organizePrimaryDisabled);
+    homeScreen_.runOrganizePrimaryAction();
+    EXPECT_EQ(archiveScreen_.stage(), ArchiveScreen::Closed);
+    EXPECT_TRUE(homeScreen_.access()->restoreTitle().isEmpty()) << "nothing has been cached yet";
+
+    publish({{"a", 2019}});
+    EXPECT_EQ(homeScreen_.state(), State::List);
+}
+
+TEST_F(OrganizeHome, NothingIsSaidToBeTheFirstUseBeforeTheLastResultWasLookedFor) {
+    CorvaneViewModel model(context_);
+    OrganizeData data(model, std::chrono::milliseconds(0));
+    ArchiveScreen sheet(model, data, desktop_);
+    const HomeScreen home(model, data, sheet, desktop_);
+    EXPECT_EQ(home.state(), State::Loading);
+    testing::waitUntilIdle(context_.tasks);
+    EXPECT_EQ(home.state(), State::Loading) << "nobody has looked";
+    model.scanFlow().loadCachedScanIfNeeded(false);
+    EXPECT_EQ(home.state(), State::Loading);
+    testing::waitUntilIdle(context_.tasks);
+    EXPECT_EQ(home.state(), State::FirstUse);
+}
+
+TEST_F(OrganizeHome, TheNarrowingGoesWithTheFiltersThatItSet) {
+    publishTwoAccounts();
+    homeScreen_.setScopeYear(2019);
+    homeScreen_.chooseAccount(1);
+    model_.filters().clearScope(); // as a full refresh does
+    EXPECT_FALSE(homeScreen_.figures().isNarrowed);
+    EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("3 封需要放入归档库。"));
+
+    homeScreen_.setScopeYear(2019);
+    homeScreen_.chooseAccount(1);
+    publish({{"b", 2020}, {"c", 2020, "imap://B"}});
+    Q_EMIT model_.scanFlow().scanFinished();
+    EXPECT_EQ(homeScreen_.figures().scopeYear, 0) << "a year that has gone";
+    EXPECT_TRUE(model_.filters().filterYears().empty());
+}
+
 TEST_F(OrganizeHome, ThePrimaryActionStopsAtTheFirstStepThatActs) {
     homeScreen_.runOrganizePrimaryAction();
     EXPECT_EQ(archiveScreen_.stage(), ArchiveScreen::Closed);

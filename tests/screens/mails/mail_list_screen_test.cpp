@@ -55,6 +55,8 @@ class MailListScreenTest : public testing::ModelTest {
 };
 
 TEST_F(MailListScreenTest, EveryReasonForAnEmptyListIsToldApart) {
+    EXPECT_EQ(screen_.state(), State::Loading) << "the last result hasn't been looked for";
+    model_.scanFlow().loadCachedScanIfNeeded(false);
     waitUntilIdle(context_.tasks);
     EXPECT_EQ(screen_.state(), State::NeverScanned);
 

@@ -3,6 +3,7 @@
 #include <QDesktopServices>
 #include <QSignalSpy>
 
+#include "locations/archive_samples.h"
 #include "model/model_test.h"
 #include "model/published_messages.h"
 #include "platform/files/directory.h"
@@ -104,6 +105,37 @@ TEST_F(WindowModels, TheFootTellsOfALibraryThatTakesLongToRead) {
     waitUntilIdle(context_.tasks);
     EXPECT_FALSE(activity.running());
     EXPECT_FALSE(patient.running());
+}
+
+TEST_F(WindowModels, ARunThatFailsEarlyIsToldOfFromItsBeginningToItsEnd) {
+    publish(3);
+    platform_.capacity = 1;
+    QSignalSpy changed(&window_, &WindowModel::archivingChanged);
+    QSignalSpy stopped(&window_, &WindowModel::stopped);
+    model_.ticks().selectAllArchiveCandidates();
+    model_.archiveRun().archiveSelectedEmails(model_.candidates().archiveCandidates(),
+                                              model_.ticks().selectedArchiveMessageIDs(), home_.at("归档"),
+                                              [](auto) {});
+    EXPECT_EQ(model_.archiveRun().emailArchiveProgress(),
+              (EmailArchiveProgress{0, 3, std::nullopt, "准备归档 3 封邮件..."}));
+    EXPECT_EQ(changed.count(), 1);
+    window_.stopArchiving();
+    waitUntilIdle(context_.tasks);
+    EXPECT_EQ(stopped.count(), 1);
+    EXPECT_EQ(changed.count(), 2);
+    EXPECT_EQ(model_.archiveRun().emailArchiveProgress(), std::nullopt);
+}
+
+TEST_F(WindowModels, TheArchivesAreReadAsTheyAreAtTheStart) {
+    testing::writeIndex(home_, "归档", {Date(), Date(), {testing::sampleRecord("mid:a")}});
+    model_.destinations().setTransferDestination(home_.at("归档"));
+    CorvaneViewModel model(context_);
+    WindowModel window(model);
+    waitUntilIdle(context_.tasks);
+    ASSERT_TRUE(model.library().archivedEntries()->empty());
+    window.startUp();
+    waitUntilIdle(context_.tasks);
+    EXPECT_EQ(model.library().archivedEntries()->size(), 1U);
 }
 
 TEST_F(WindowModels, ClosingWithoutARunWaitsForNothing) {

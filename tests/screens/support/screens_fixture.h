@@ -19,7 +19,10 @@ namespace corvane::testing {
 
 class ScreensTest : public ModelTest {
   protected:
-    ScreensTest() { settle(); }
+    ScreensTest() {
+        model_.scanFlow().loadCachedScanIfNeeded(false); // as every start does
+        settle();
+    }
 
     // All work has ended, and what was due to be shown is shown.
     void settle() {

@@ -75,6 +75,7 @@ MailMessageRecord makeMessage(const TemporaryHome& home, const Account& account,
 } // namespace
 
 WindowScene::WindowScene() {
+    model_.scanFlow().loadCachedScanIfNeeded(false);
     settle();
 }
 
