@@ -45,6 +45,15 @@ Sheet {
             }
         }
     }
+    Banner {
+        objectName: "archiveWarnings"
+        Layout.fillWidth: true
+        Layout.topMargin: 18
+        visible: sheet.result.warnings.length > 0
+        kind: "attention"
+        headline: "关于这个归档库"
+        lines: sheet.result.warnings
+    }
     RowLayout {
         Layout.fillWidth: true
         Layout.topMargin: 18

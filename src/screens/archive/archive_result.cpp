@@ -111,6 +111,7 @@ ArchiveResultView ArchiveResultView::of(const EmailArchiveRunResult& result, std
     view.symbol =
         view.isSafe ? QStringLiteral("checkmark.shield") : QStringLiteral("exclamationmark.triangle.fill");
     view.tiles = tilesOf(figures, result.archivedBytes, result.wasCancelled);
+    for (const std::string& warning : result.archiveWarnings) view.warnings << screens::wholeText(warning);
     if (result.failedCount > 0) {
         view.failureTitle = shownMessageCount(result.failedCount) + QStringLiteral("没有归档");
         view.failureGroups = failureGroupsShown(result.failures);

@@ -40,6 +40,7 @@ struct ArchiveResultView {
     Q_PROPERTY(QString symbol MEMBER symbol CONSTANT)
     Q_PROPERTY(bool isSafe MEMBER isSafe CONSTANT)
     Q_PROPERTY(QVariantList tiles MEMBER tiles CONSTANT)
+    Q_PROPERTY(QStringList warnings MEMBER warnings CONSTANT)
     Q_PROPERTY(QString failureTitle MEMBER failureTitle CONSTANT)
     Q_PROPERTY(QVariantList failureGroups MEMBER failureGroups CONSTANT)
     Q_PROPERTY(QString variantTitle MEMBER variantTitle CONSTANT)
@@ -53,6 +54,7 @@ struct ArchiveResultView {
     QString symbol;
     bool isSafe = false;        // everything that was chosen has its proven copy
     QVariantList tiles;         // caption, figure, line, meaning
+    QStringList warnings;       // of the archive itself
     QString failureTitle;       // empty without failures
     QVariantList failureGroups; // count, reason, subjects, more
     QString variantTitle;       // empty without variants

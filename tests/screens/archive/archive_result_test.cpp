@@ -87,6 +87,16 @@ TEST(ArchiveResults, FailuresStandTogetherByReasonInTheOrderInWhichTheyCame) {
     EXPECT_EQ(list.count(u'\n'), 31) << "one line each, whatever stands in a subject";
 }
 
+TEST(ArchiveResults, WarningsOfTheArchiveItselfAreShownAndTakeTheShield) {
+    EmailArchiveRunResult result;
+    result.archivedCount = result.triedCount = 1;
+    EXPECT_TRUE(ArchiveResultView::of(result, 1).isSafe);
+    result.archiveWarnings = {"原有索引无法读取，已另存为 x"};
+    const auto view = ArchiveResultView::of(result, 1);
+    EXPECT_FALSE(view.isSafe);
+    EXPECT_EQ(view.warnings, QStringList{QStringLiteral("原有索引无法读取，已另存为 x")});
+}
+
 TEST(ArchiveResults, VersionsThatArentListedAreInTheCopiedList) {
     EmailArchiveRunResult result;
     for (int number = 0; number < 25; ++number)

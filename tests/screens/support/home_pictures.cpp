@@ -17,6 +17,7 @@
 
 namespace {
 
+using corvane::EmailArchiveRunResult;
 using corvane::ScanStatus;
 using corvane::testing::WindowScene;
 
@@ -91,6 +92,14 @@ void scanHalfWay(WindowScene& scene, QQuickWindow&) {
     });
     scan.update();
     loop.exec();
+}
+
+// Behind a whole scan, which can be brought back.
+void cancelHalfWay(WindowScene& scene, QQuickWindow& window) {
+    scanHalfWay(scene, window);
+    scene.window().home()->access()->cancelScan();
+    scene.settle();
+    QTest::qWait(1200);
 }
 
 void lookAtMail(WindowScene&, QQuickWindow& window) {
@@ -171,6 +180,13 @@ const std::vector<State>& homeStates() {
          }},
         {"b-home-first", [](WindowScene&) {}},
         {"c-home-scanning", makeStore, scanHalfWay},
+        {"a-home-partial", scanStore, cancelHalfWay},
+        {"h-mail-list-partial", scanStore,
+         [](WindowScene& scene, QQuickWindow& window) {
+             cancelHalfWay(scene, window);
+             QTest::keyClick(&window, Qt::Key_4, Qt::ControlModifier);
+             QTest::qWait(800);
+         }},
         {"a-home-failed",
          [](WindowScene& scene) {
              scene.fill();
@@ -267,6 +283,15 @@ const std::vector<State>& runStates() {
              scene.settle();
          }},
         {"g-archive-result", runToItsEnd},
+        {"g-archive-warning",
+         [](WindowScene& scene) {
+             runToItsEnd(scene);
+             EmailArchiveRunResult result;
+             result.archivedCount = result.triedCount = 12;
+             result.archiveWarnings = {
+                 "归档库原有的索引无法读取，已保留为 archive-index（2026-11-22 06.40.12 无法读取）.json。"};
+             scene.window().archive()->outcome()->set(std::move(result), 12);
+         }},
     };
     return all;
 }
