@@ -1,5 +1,5 @@
-// The places of the window that have a screen, in their order, each with its figure. Main thread. Figures change at most once a
-// second, so that a running scan doesn't flicker.
+// The places of the window that have a screen, in their order, each with its figure. Main thread. Figures
+// change at most once a second, so that a running scan doesn't flicker.
 #pragma once
 
 #include <vector>
