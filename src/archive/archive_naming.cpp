@@ -6,9 +6,9 @@
 
 #include "platform/files/temporary_file.h"
 #include "records/timestamps.h"
-#include "text/charset.h"
 #include "text/collation.h"
 #include "text/graphemes.h"
+#include "text/hidden_characters.h"
 #include "text/trim.h"
 
 namespace corvane::archive {
@@ -22,8 +22,8 @@ constexpr std::string_view fileExtension = ".eml";
 
 // The same as safeFileName, but empty when nothing is left.
 std::string safeText(std::string_view text) {
-    std::string safe = text::repairedUtf8(text);
-    const auto isRefused = [](char byte) { return "/:\\?*\"<>|\0"sv.find(byte) != std::string_view::npos; };
+    std::string safe = text::withoutHiddenCharacters(text);
+    const auto isRefused = [](char byte) { return "/:\\?*\"<>|"sv.find(byte) != std::string_view::npos; };
     std::ranges::replace_if(safe, isRefused, '-');
     return std::string(text::trimCharacters(safe, "-. "));
 }
@@ -67,7 +67,7 @@ std::string datePrefix(const MailMessageRecord& message) {
 }
 
 std::string subjectFragment(const MailMessageRecord& message) {
-    const std::string subject = text::repairedUtf8(message.subject);
+    const std::string subject = text::withoutHiddenCharacters(message.subject);
     const std::string_view trimmed = text::trimWhitespaceAndNewlines(subject);
     if (trimmed.empty()) return "（无主题）";
     return std::string(text::graphemePrefix(trimmed, subjectCharacters));

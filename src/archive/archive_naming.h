@@ -17,14 +17,15 @@ namespace corvane::archive {
 // The most bytes that a file system takes for one component of a path.
 inline constexpr std::size_t maximumNameBytes = 255;
 
-// The text as one component of a path: slash and the other characters that file systems refuse become "-",
-// dashes, dots and blanks go from the ends, ill-formed UTF-8 is repaired. A random UUID when nothing is left.
+// The text as one component of a path: hidden characters (text/hidden_characters.h) go, slash and the other
+// characters that file systems refuse become "-", dashes, dots and blanks go from the ends, ill-formed UTF-8
+// is repaired. A random UUID when nothing is left.
 std::string safeFileName(std::string_view text);
 
 // "yyyy-MM-dd " in the time zone of the process; empty without a date.
 std::string datePrefix(const MailMessageRecord& message);
 
-// The first 30 user-perceived characters of the trimmed subject.
+// The first 30 user-perceived characters of the trimmed subject, hidden characters left out before.
 std::string subjectFragment(const MailMessageRecord& message);
 
 // The relative paths in use in one archive, and the next free one. Paths are compared by canonical

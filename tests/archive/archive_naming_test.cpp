@@ -38,8 +38,11 @@ TEST(SafeFileName, ReplacesWhatFileSystemsRefuseAndTrimsTheEnds) {
         {"a/b:c\\d?e*f\"g<h>i|j", "a-b-c-d-e-f-g-h-i-j"},
         {"../../etc/passwd", "etc-passwd"},
         {". - a b - .", "a b"},
-        {"a\0b"s, "a-b"},
-        {"\t\u3000a\n", "\t\u3000a\n"}, // only "-", "." and the blank are trimmed
+        {"a\0b"s, "ab"},
+        {"\u3000a\u3000", "\u3000a\u3000"}, // only "-", "." and the blank are trimmed
+        {"inv\u202Efdp.exe", "invfdp.exe"},
+        {"\x1B[31m\u200F.hidden\u009B\x07", "[31m.hidden"},
+        {"\u2066../\u2069x\n", "x"},
         {"a\xFF\xFE", "a\uFFFD\uFFFD"},
         {"／：", "／："},
     };
@@ -54,6 +57,8 @@ TEST(SubjectFragment, IsThirtyWholeCharactersOfTheTrimmedSubject) {
     const std::string family = "👨‍👩‍👧‍👦";
     EXPECT_EQ(subjectFragment(mail(" \u3000\n")), "（无主题）");
     EXPECT_EQ(subjectFragment(mail(" a b\n")), "a b");
+    EXPECT_EQ(subjectFragment(mail("\u202E\x07 \u200F")), "（无主题）");
+    EXPECT_EQ(subjectFragment(mail(repeated("\u200E", 40) + " a\nb")), "ab");
     EXPECT_EQ(subjectFragment(mail(repeated(family, 31))), repeated(family, 30));
     EXPECT_EQ(subjectFragment(mail(repeated("e\u0301", 31))), repeated("e\u0301", 30));
 }

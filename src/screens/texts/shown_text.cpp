@@ -1,23 +1,20 @@
 #include "screens/texts/shown_text.h"
 
 #include "records/name_and_address.h"
+#include "text/hidden_characters.h"
 #include "text/utf8_step.h"
 
 namespace corvane::screens {
 
 namespace {
 
-bool isDirectionMark(char16_t unit) {
-    return unit == 0x061C || unit == 0x200E || unit == 0x200F || (unit >= 0x202A && unit <= 0x202E) ||
-           (unit >= 0x2066 && unit <= 0x2069);
-}
-
 bool isLineEnd(char16_t unit) {
     return unit == u'\n' || unit == 0x0085 || unit == 0x2028 || unit == 0x2029;
 }
 
-bool isControl(char16_t unit) {
-    return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0xFEFF;
+// The byte order mark is no white space, and nobody sees it either.
+bool isLeftOut(char16_t unit) {
+    return text::isHiddenCharacter(unit) || unit == 0xFEFF;
 }
 
 // As many whole characters as `limit` units and some that are taken out can need.
@@ -41,12 +38,11 @@ QString shown(std::string_view text, qsizetype limit, bool keepsLines) {
     clean.reserve(raw.size());
     for (const QChar character : raw) {
         const char16_t unit = character.unicode();
-        if (isDirectionMark(unit)) continue;
         if (keepsLines && isLineEnd(unit)) {
             clean.append(u'\n');
         } else if (isLineEnd(unit) || unit == u'\t' || unit == u' ') {
             if (keepsLines || (!clean.isEmpty() && clean.back() != u' ')) clean.append(u' ');
-        } else if (!isControl(unit)) {
+        } else if (!isLeftOut(unit)) {
             clean.append(character);
         }
     }

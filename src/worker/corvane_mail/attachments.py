@@ -6,7 +6,7 @@ from .charset_codecs import codec_for
 from .header_values import decode_name, decode_words, declared_in_words
 from .limits import CLOCK, MAX_SEALED
 from .part import HTML_TYPES, SEALED_TYPES, WINMAIL_TYPES
-from .unicode_text import nfc
+from .unicode_text import nfc, without_hidden
 
 OFFICE = "application/vnd.openxmlformats-officedocument."
 EXTENSIONS = {"application/pdf": ".pdf", "application/zip": ".zip", "application/msword": ".doc", "image/jpeg": ".jpg",
@@ -142,7 +142,7 @@ def name_for(part, number):
     """A name for a part that has none: a subject, a description that reads like a file name, or a number."""
     if part.is_message:
         subject = decode_words(part.parts[0].fields.get(b"subject", b"")) if part.parts else ""
-        return (re.sub(r"[\\/:\x00-\x1f]+", "-", nfc(subject)).strip()[:80] or "邮件") + ".eml"
+        return (re.sub(r"[\\/:]+", "-", without_hidden(nfc(subject))).strip()[:80] or "邮件") + ".eml"
     if part.kind in FIXED_NAMES:
         return FIXED_NAMES[part.kind]
     described = decode_name(part.fields.get(b"content-description", b"")[:500], None, "")

@@ -117,7 +117,7 @@ def decode_name(value, label, hint):
     if tagged:
         value, label = unpercent(value[tagged.end():]), tagged.group(1)
     name = decode_text(value, label, hint) if label and b"=?" not in value else decode_words(value, hint)
-    name = re.sub("[\u00ad\u200e\u200f\u202a-\u202e\u2066-\u2069\ufeff]", "", name)
+    name = re.sub("[\u00ad\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069\ufeff]", "", name)
     name = re.sub(r"[\x00-\x1f\x7f-\x9f]+|\s", " ", name).strip(' "')
     if re.match(r"[A-Za-z]:[\\/¥]|[\\/]|\.\.?[\\/]", name):
         name = re.split(r"[\\/¥]", name)[-1]

@@ -4,6 +4,9 @@ import re
 
 INVISIBLE = re.compile("[\u00ad\u034f\u200b\u200e\u200f\u2060\ufeff]|\u200c(?=[\\s\u034f\u200c]|$)")
 
+# Controls and marks of direction, which no file name may hold; the same as text/hidden_characters.h.
+HIDDEN = re.compile("[\x00-\x1f\x7f-\x9f\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]")
+
 # What windows-1252 holds where Latin 1 has controls; written out, since its codec would have to be loaded.
 CP1252_SIGNS = "€\x81‚ƒ„…†‡ˆ‰Š‹Œ\x8dŽ\x8f\x90‘’“”•–—˜™š›œ\x9džŸ"
 TO_LATIN1 = {ord(c): 0x80 + i for i, c in enumerate(CP1252_SIGNS)}
@@ -12,6 +15,10 @@ TO_LATIN1 = {ord(c): 0x80 + i for i, c in enumerate(CP1252_SIGNS)}
 def repair_surrogates(text):
     """Joins surrogate pairs and drops halves, which no UTF-8 answer could hold."""
     return text.encode("utf-16-le", "surrogatepass").decode("utf-16-le", "replace")
+
+
+def without_hidden(text):
+    return HIDDEN.sub("", text)
 
 
 def undo_double_encoding(text):
