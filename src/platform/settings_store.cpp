@@ -19,6 +19,7 @@
 
 #include "platform/files/directory.h"
 #include "platform/files/durable_file.h"
+#include "platform/files/private_files.h"
 #include "platform/paths.h"
 #include "text/charset.h"
 
@@ -167,6 +168,7 @@ SettingsStore::~SettingsStore() = default;
 // What can't be read leaves the settings as they are known: a file that vanished or broke meanwhile must not
 // empty them.
 void SettingsStore::load() {
+    narrowToOwner(path_);
     document_->stamp = stampOf(files_, path_);
     const auto content = readFile(path_, sizeLimitBytes);
     auto values = content ? parsedSettings(*content) : std::nullopt;

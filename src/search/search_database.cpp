@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "platform/files/private_files.h"
+
 namespace corvane::search {
 
 namespace {
@@ -44,6 +46,7 @@ void distrust(sqlite3* database) {
 
 platform::SqliteConnection connect(const std::string& path) {
     sqlite3* handle = nullptr;
+    platform::makePrivateFile(path);
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX;
     const int result = sqlite3_open_v2(path.c_str(), &handle, flags, nullptr);
     platform::SqliteConnection database(handle);

@@ -1,7 +1,5 @@
 #include "mailstore/index/quiet_database.h"
 
-#include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 #include <tuple>
@@ -11,6 +9,8 @@
 #include <unistd.h>
 
 #include "platform/files/directory.h"
+#include "platform/files/private_files.h"
+#include "platform/files/temporary_file.h"
 #include "platform/paths.h"
 #include "text/encoding.h"
 #include "text/mutex.h"
@@ -22,32 +22,17 @@ class DatabaseCopy {
   public:
     // Throws std::system_error or std::filesystem::filesystem_error when the files can't be copied.
     DatabaseCopy(const std::string& path, const std::string& temporaryFolder)
-      : folder_(platform::joinPath(temporaryFolder, "corvane-index-XXXXXX")) {
-        if (::mkdtemp(folder_.data()) == nullptr)
-            throw std::system_error(errno, std::generic_category(), folder_);
-        try {
-            std::filesystem::copy_file(path, this->path());
-            std::filesystem::copy_file(path + "-wal", this->path() + "-wal");
-        } catch (...) {
-            remove();
-            throw;
+      : folder_(temporaryFolder, "corvane-index-") {
+        for (const char* suffix : {"", "-wal"}) {
+            std::filesystem::copy_file(path + suffix, this->path() + suffix);
+            platform::narrowToOwner(this->path() + suffix);
         }
     }
 
-    DatabaseCopy(const DatabaseCopy&) = delete;
-    DatabaseCopy& operator=(const DatabaseCopy&) = delete;
-
-    ~DatabaseCopy() { remove(); }
-
-    [[nodiscard]] std::string path() const { return platform::joinPath(folder_, "index"); }
+    [[nodiscard]] std::string path() const { return platform::joinPath(folder_.path(), "index"); }
 
   private:
-    void remove() noexcept {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
-
-    std::string folder_;
+    platform::TemporaryFolder folder_;
 };
 
 namespace {

@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 
+#include "platform/files/file_claim.h"
 #include "platform/files/temporary_file.h"
 #include "platform/paths.h"
 
@@ -38,10 +39,10 @@ std::error_code writeAll(FileLayer& files, int descriptor, std::string_view cont
     return {};
 }
 
-mode_t modeForReplacementOf(FileLayer& files, const std::string& path) {
+mode_t modeForReplacementOf(FileLayer& files, const std::string& path, mode_t most) {
     struct stat existing{};
-    if (files.stat(path, existing) != 0 || !S_ISREG(existing.st_mode)) return 0644;
-    return existing.st_mode & 0777;
+    if (files.stat(path, existing) != 0 || !S_ISREG(existing.st_mode)) return most;
+    return existing.st_mode & most;
 }
 
 // Some file systems have no way to sync a folder, and a folder may be writable without being readable.
@@ -65,26 +66,21 @@ std::error_code syncFolderOf(FileLayer& files, const std::string& path) {
 // The temporary file of one save. It goes with its owner unless it took the target's place.
 class Replacement {
   public:
-    Replacement(FileLayer& files, const std::string& target)
+    Replacement(FileLayer& files, const std::string& target, mode_t mode)
       : files_(files)
-      , target_(target)
-      , temporary_(temporarySiblingPath(target)) {
-        // O_EXCL with a fresh name: nobody can have laid a link there to lead the write elsewhere.
-        descriptor_ = retried([&] {
-            return files_.open(temporary_, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW,
-                               modeForReplacementOf(files_, target_));
-        });
-        if (descriptor_ < 0) error_ = lastError();
-        created_ = descriptor_ >= 0;
+      , target_(target) {
+        const mode_t permitted = modeForReplacementOf(files_, target_, mode);
+        for (int tries = 0; tries < claimTries; ++tries) {
+            leave();
+            make(permitted);
+            if (descriptor_ < 0 || claimFile(descriptor_) != FileClaim::refused) return;
+        }
     }
 
     Replacement(const Replacement&) = delete;
     Replacement& operator=(const Replacement&) = delete;
 
-    ~Replacement() {
-        if (descriptor_ >= 0) files_.close(descriptor_);
-        if (created_) files_.unlink(temporary_);
-    }
+    ~Replacement() { leave(); }
 
     // After the first error nothing more is written, and commit() returns that error.
     void append(std::string_view chunk) {
@@ -101,6 +97,20 @@ class Replacement {
     }
 
   private:
+    // O_EXCL with a fresh name: nobody can have laid a link there to lead the write elsewhere.
+    void make(mode_t mode) {
+        temporary_ = temporarySiblingPath(target_);
+        descriptor_ =
+            retried([&] { return files_.open(temporary_, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode); });
+        if (descriptor_ < 0) error_ = lastError();
+        created_ = descriptor_ >= 0;
+    }
+
+    void leave() {
+        if (descriptor_ >= 0) files_.close(std::exchange(descriptor_, -1));
+        if (std::exchange(created_, false)) files_.unlink(temporary_);
+    }
+
     // The descriptor is gone after close(), whatever it says.
     bool closed() { return files_.close(std::exchange(descriptor_, -1)) == 0 || errno == EINTR; }
 
@@ -114,15 +124,16 @@ class Replacement {
 
 } // namespace
 
-std::error_code writeFileAtomically(FileLayer& files, const std::string& path, std::string_view content) {
-    Replacement replacement(files, path);
+std::error_code writeFileAtomically(FileLayer& files, const std::string& path, std::string_view content,
+                                    mode_t mode) {
+    Replacement replacement(files, path, mode);
     replacement.append(content);
     return replacement.commit();
 }
 
 std::error_code writeFileAtomically(FileLayer& files, const std::string& path,
-                                    const std::function<void(const ByteSink&)>& produce) {
-    Replacement replacement(files, path);
+                                    const std::function<void(const ByteSink&)>& produce, mode_t mode) {
+    Replacement replacement(files, path, mode);
     std::string buffer;
     buffer.reserve(chunkSize);
     produce([&](std::string_view chunk) {
@@ -142,7 +153,7 @@ std::error_code writeFileAtomically(FileLayer& files, const std::string& path,
 
 std::error_code writeNewFile(FileLayer& files, const std::string& path, std::string_view content) {
     const int descriptor =
-        retried([&] { return files.open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0644); });
+        retried([&] { return files.open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, privateFileMode); });
     if (descriptor < 0) return lastError();
     std::error_code error = writeAll(files, descriptor, content);
     if (!error && retried([&] { return files.sync(descriptor); }) != 0) error = lastError();
@@ -165,7 +176,7 @@ std::error_code createDirectories(FileLayer& files, const std::string& path) {
     }
     if (!current.empty() && !S_ISDIR(status.st_mode)) return std::make_error_code(std::errc::not_a_directory);
     for (auto folder = missing.rbegin(); folder != missing.rend(); ++folder) {
-        if (files.makeDirectory(*folder, 0755) == 0) continue;
+        if (files.makeDirectory(*folder, privateFolderMode) == 0) continue;
         const std::error_code error = lastError();
         // Another process may have made it first.
         if (files.stat(*folder, status) != 0 || !S_ISDIR(status.st_mode)) return error;

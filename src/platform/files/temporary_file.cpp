@@ -2,17 +2,28 @@
 
 #include <array>
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 
 #include <fcntl.h>
 #include <sys/random.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/files/file_claim.h"
 #include "platform/paths.h"
 
 namespace corvane::platform {
 
 namespace {
+
+std::string freshPath(const std::string& folder, std::string_view prefix, std::string_view extension) {
+    return joinPath(folder, prefix).append(randomUuid()).append(extension);
+}
+
+[[noreturn]] void throwLastError(const std::string& path) {
+    throw std::system_error(errno, std::generic_category(), path);
+}
 
 void removeIfNamed(const std::string& path) noexcept {
     if (!path.empty()) ::unlink(path.c_str());
@@ -21,27 +32,45 @@ void removeIfNamed(const std::string& path) noexcept {
 } // namespace
 
 TemporaryFile::TemporaryFile(const std::string& folder, std::string_view prefix, std::string_view extension) {
-    std::string path = joinPath(folder, prefix);
-    path.append(randomUuid()).append(extension);
-    descriptor_.reset(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-    if (!descriptor_) throw std::system_error(errno, std::generic_category(), path);
-    path_ = std::move(path);
+    for (int tries = 0; tries < claimTries; ++tries) {
+        path_ = freshPath(folder, prefix, extension);
+        descriptor_.reset(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+        if (!descriptor_) throwLastError(path_);
+        if (claimFile(descriptor_.get()) != FileClaim::refused) break;
+    }
+    claim_.reset(::fcntl(descriptor_.get(), F_DUPFD_CLOEXEC, 0));
 }
 
 TemporaryFile::TemporaryFile(TemporaryFile&& other) noexcept
   : path_(std::exchange(other.path_, {}))
-  , descriptor_(std::move(other.descriptor_)) {}
+  , descriptor_(std::move(other.descriptor_))
+  , claim_(std::move(other.claim_)) {}
 
 TemporaryFile& TemporaryFile::operator=(TemporaryFile&& other) noexcept {
     if (this == &other) return *this;
     removeIfNamed(path_);
     path_ = std::exchange(other.path_, {});
     descriptor_ = std::move(other.descriptor_);
+    claim_ = std::move(other.claim_);
     return *this;
 }
 
 TemporaryFile::~TemporaryFile() {
     removeIfNamed(path_);
+}
+
+TemporaryFolder::TemporaryFolder(const std::string& folder, std::string_view prefix) {
+    for (int tries = 0; tries < claimTries; ++tries) {
+        path_ = freshPath(folder, prefix, "");
+        if (::mkdir(path_.c_str(), 0700) != 0) throwLastError(path_);
+        claim_.reset(::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+        if (!claim_ || claimFile(claim_.get()) != FileClaim::refused) break;
+    }
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
 }
 
 std::string randomUuid() {

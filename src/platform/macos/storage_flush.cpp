@@ -1,5 +1,7 @@
 #include "platform/files/storage_flush.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstddef>
 
@@ -41,6 +43,23 @@ void dropCachedPages(int descriptor) noexcept {
     if (pages == MAP_FAILED) return;
     ::msync(pages, size, MS_SYNC | MS_INVALIDATE);
     ::munmap(pages, size);
+}
+
+std::optional<bool> holdsCachedPages(int descriptor) noexcept {
+    struct stat status{};
+    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size <= 0) return {};
+    // The beginning speaks for the whole.
+    const auto size = static_cast<std::size_t>(std::min<off_t>(status.st_size, off_t{1} << 20));
+    void* const pages = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, descriptor, 0);
+    if (pages == MAP_FAILED) return {};
+    std::array<char, 512> states{};
+    const auto pageSize = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    const std::size_t pageCount = std::min(states.size(), (size + pageSize - 1) / pageSize);
+    const bool isTold = ::mincore(pages, std::min(size, pageCount * pageSize), states.data()) == 0;
+    ::munmap(pages, size);
+    if (!isTold) return {};
+    return std::any_of(states.begin(), states.begin() + static_cast<std::ptrdiff_t>(pageCount),
+                       [](auto state) { return (state & MINCORE_INCORE) != 0; });
 }
 
 } // namespace corvane::platform

@@ -4,13 +4,14 @@
 #include <unistd.h>
 
 #include "platform/files/file_descriptor.h"
+#include "platform/files/private_files.h"
 
 namespace corvane {
 
 bool appendLine(const std::string& path, std::string_view line, MissingFile missing) {
     const int creation = missing == MissingFile::create ? O_CREAT : 0;
     const platform::FileDescriptor file(
-        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC | creation, 0644));
+        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC | creation, platform::privateFileMode));
     if (!file) return false;
     std::string whole(line);
     whole += '\n';

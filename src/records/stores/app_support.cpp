@@ -6,6 +6,9 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include "platform/files/directory.h"
+#include "platform/files/leftovers.h"
+#include "platform/files/private_files.h"
 #include "platform/paths.h"
 
 namespace corvane {
@@ -31,7 +34,7 @@ std::string CorvaneAppSupport::baseDirectory(bool createDirectory) const {
 }
 
 std::error_code CorvaneAppSupport::createBaseDirectory() const {
-    return platform::createDirectories(*files_, base_);
+    return platform::makePrivateFolder(*files_, base_);
 }
 
 std::string CorvaneAppSupport::filePath(std::string_view name) const {
@@ -47,6 +50,16 @@ CorvaneAppSupport::writeFile(std::string_view name,
                              const std::function<void(const platform::ByteSink&)>& produce) const {
     if (const auto error = createBaseDirectory()) return error;
     return platform::writeFileAtomically(*files_, filePath(name), produce);
+}
+
+void CorvaneAppSupport::removeUnfinishedFiles() const {
+    platform::removeUnfinishedFiles(base_);
+    const auto entries = platform::listDirectory(base_, platform::HiddenEntries::include);
+    if (!entries) return;
+    for (const platform::DirectoryEntry& entry : *entries) {
+        if (entry.kind == platform::EntryKind::directory)
+            platform::removeUnfinishedFiles(filePath(entry.name));
+    }
 }
 
 bool CorvaneAppSupport::isRunningTests() {

@@ -1,5 +1,6 @@
 // The application's private folder: caches, search databases and logs. Nothing in it is a source of truth,
-// every file may be deleted at any time. A value; all operations from any thread.
+// every file may be deleted at any time. Only this user may look into it. A value; all operations from any
+// thread.
 #pragma once
 
 #include <functional>
@@ -27,7 +28,8 @@ class CorvaneAppSupport {
     // Path of a file directly in the folder, which need not exist.
     [[nodiscard]] std::string filePath(std::string_view name) const;
 
-    // Creates the folder where it is missing. Returns the error, or a falsy code.
+    // Creates the folder where it is missing, and narrows one that an earlier version left open to others.
+    // Returns the error, or a falsy code.
     std::error_code createBaseDirectory() const;
 
     // Creates the folder and writes the file atomically. Returns the error, or a falsy code, which a writer
@@ -37,6 +39,9 @@ class CorvaneAppSupport {
     // The same for content that is produced in chunks, see platform/durable_file.h.
     std::error_code writeFile(std::string_view name,
                               const std::function<void(const platform::ByteSink&)>& produce) const;
+
+    // Removes what writes of killed processes left in the folder and in those right below it. Blocks.
+    void removeUnfinishedFiles() const;
 
     [[nodiscard]] platform::FileLayer& files() const { return *files_; }
 

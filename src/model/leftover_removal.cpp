@@ -1,0 +1,28 @@
+#include "model/leftover_removal.h"
+
+#include <string>
+
+#include "platform/files/leftovers.h"
+
+namespace corvane {
+
+namespace {
+
+struct LeftoverPlaces {
+    CorvaneAppSupport support;
+    std::string temporaryFolder;
+};
+
+void removeLeftovers(const LeftoverPlaces& places, const TaskHandle& task) {
+    places.support.removeUnfinishedFiles();
+    if (!task.isCancelled()) platform::removeTemporaryFiles(places.temporaryFolder);
+}
+
+} // namespace
+
+void LeftoverRemoval::start() {
+    task_.start(TaskPriority::utility,
+                LeftoverPlaces{context_.support, context_.platform.temporaryDirectory()}, &removeLeftovers);
+}
+
+} // namespace corvane
