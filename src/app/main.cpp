@@ -29,6 +29,7 @@ void declareOptions(CLI::App& parser, CommandLine& line) {
     parser.add_option("--home", line.window.home, "本次运行使用的用户主目录")->check(CLI::ExistingDirectory);
     parser.add_option("--appearance", line.scheme, "light 或 dark；默认跟随系统")
         ->transform(CLI::CheckedTransformer(schemes));
+    parser.add_flag_callback("--log", &showConsoleLines, "在标准错误上给出开发用的日志行");
     parser.add_option("address", line.window.address, "corvane://open?path=… 打开一个文件夹");
 }
 
@@ -36,7 +37,7 @@ int runWindows(const CommandLine& line) {
     useWindowFonts();
     const Appearance appearance(line.scheme);
     WindowOptions options = line.window;
-    options.quitSignals = platform::noteQuitSignals();
+    options.quitSignals = platform::catchQuitSignals();
     for (;;) {
         const WindowOutcome outcome = runWindow(options);
         if (!outcome.reopenHome) return outcome.exitStatus;
@@ -63,7 +64,7 @@ int main(int argc, char** argv) {
         const auto menuPolicy = corvane::platform::enforceMenuPolicy();
         return corvane::runWindows(line);
     } catch (const std::exception& error) {
-        corvane::consoleLine(error.what());
+        corvane::messageLine(error.what());
         return EXIT_FAILURE;
     }
 }

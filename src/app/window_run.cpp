@@ -12,6 +12,7 @@
 #include "app/single_instance.h"
 #include "app/window_load.h"
 #include "model/corvane_view_model.h"
+#include "model/leftover_removal.h"
 #include "model/model_context.h"
 #include "platform/platform.h"
 #include "platform/processes/quit_signals.h"
@@ -37,7 +38,7 @@ QString supportFolder(const ModelContext& context) {
     try {
         return QString::fromStdString(context.support.baseDirectory(true));
     } catch (const std::system_error& error) {
-        consoleLine(error.what());
+        messageLine(error.what());
         return QString::fromStdString(context.support.baseDirectory(false));
     }
 }
@@ -45,7 +46,7 @@ QString supportFolder(const ModelContext& context) {
 // Absent when this start goes on as the first one.
 std::optional<WindowOutcome> leaveToFirst(SingleInstance& instance, const WindowOptions& options) {
     if (instance.handOver(QString::fromStdString(options.address))) return WindowOutcome();
-    consoleLine(instance.obstacle().toStdString());
+    messageLine(instance.obstacle().toStdString());
     switch (runBlockedWindow(instance, options.address, options.quitSignals)) {
     case BlockedEnd::becameFirst:
         return std::nullopt;
@@ -87,6 +88,11 @@ WindowOutcome runWindow(const WindowOptions& options) {
     QObject::connect(shown, &QQuickWindow::frameSwapped, &window, &WindowModel::startUp,
                      // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): a flag joined to a kind
                      static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+    LeftoverRemoval leftovers(context);
+    QObject::connect(
+        shown, &QQuickWindow::frameSwapped, &window, [&leftovers] { leftovers.start(); },
+        // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): a flag joined to a kind
+        static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
     shown->show();
 
     const auto openForward = [&](const QString& address) {
@@ -103,7 +109,7 @@ WindowOutcome runWindow(const WindowOptions& options) {
     // Nobody is there to be asked: the run at work is ended in good order, then the program.
     QSocketNotifier quitRequests(options.quitSignals, QSocketNotifier::Read);
     QObject::connect(&quitRequests, &QSocketNotifier::activated, &window, [&] {
-        platform::takeQuitSignals(options.quitSignals);
+        platform::drainQuitSignals(options.quitSignals);
         QObject::connect(&window, &WindowModel::stopped, qApp, &QCoreApplication::quit);
         window.stopArchiving();
     });

@@ -18,7 +18,7 @@ void provideScan(Session& session) {
     session.restoreLastScan();
     ScanFlow& scan = session.model().scanFlow();
     if (scan.state().kind == MailScanState::Kind::finished) return;
-    consoleLine("还没有扫描结果，先扫描全部邮件。");
+    messageLine("还没有扫描结果，先扫描全部邮件。");
     scan.refreshAllMailData();
     session.waitUntilIdle();
     if (scan.state().kind == MailScanState::Kind::failed) throw CommandFailure(scan.state().text);

@@ -3,6 +3,8 @@
 #include <exception>
 #include <functional>
 #include <map>
+#include <string>
+#include <system_error>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -11,6 +13,7 @@
 #include "cli/exit_status.h"
 #include "cli/output.h"
 #include "platform/files/directory.h"
+#include "records/error_reasons.h"
 #include "records/logs/console_log.h"
 
 namespace corvane::cli {
@@ -24,6 +27,16 @@ struct CommonOptions {
 
 using Action = std::function<int()>;
 
+// What failed, as its thrower named it, with a reason such as a full disk in the user's language.
+std::string inWordsForUsers(const std::system_error& error) {
+    std::string text = error.what();
+    const std::string reason = error.code().message();
+    const auto& category = error.code().category();
+    const bool isOfSystem = category == std::generic_category() || category == std::system_category();
+    if (!isOfSystem || !text.ends_with(reason)) return text;
+    return text.replace(text.size() - reason.size(), reason.size(), systemErrorReason(error.code().value()));
+}
+
 // Holds everything that the parser writes into; each command notes what is to be run.
 class CommandLine {
   public:
@@ -32,6 +45,7 @@ class CommandLine {
         app_.fallthrough();
         app_.add_option("--home", common_.home, "本次运行使用的用户主目录")->check(CLI::ExistingDirectory);
         app_.add_flag("--json", common_.json, "在标准输出上给出一个 JSON 文档");
+        app_.add_flag_callback("--log", &showConsoleLines, "在标准错误上给出开发用的日志行");
         addScanCommands();
         addArchiveCommands();
         addLibraryCommands();
@@ -53,15 +67,17 @@ class CommandLine {
         try {
             return action_();
         } catch (const Interrupted& interruption) {
-            consoleLine(interruption.what());
+            messageLine(interruption.what());
             return interrupted;
+        } catch (const std::system_error& error) {
+            return reportFailure(inWordsForUsers(error));
         } catch (const std::exception& error) {
             return reportFailure(error.what());
         }
     }
 
     int reportFailure(const std::string& message) const {
-        consoleLine(message);
+        messageLine(message);
         if (common_.json) {
             JsonDocument document;
             document.object([&] { document.member("error", message); });

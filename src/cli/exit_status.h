@@ -1,6 +1,8 @@
 // The exit statuses of corvane-cli.
 #pragma once
 
+#include "platform/processes/quit_signals.h"
+
 namespace corvane::cli {
 
 enum ExitStatus : int {
@@ -8,7 +10,7 @@ enum ExitStatus : int {
     failed = 1,
     wrongUsage = 2,
     doneWithIssues = 3, // an archive run with failures or variant warnings
-    interrupted = 130,
+    interrupted = platform::interruptedStatus,
 };
 
 } // namespace corvane::cli

@@ -9,6 +9,6 @@ int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     // A reader that goes away shows as a failed write.
     std::signal(SIGPIPE, SIG_IGN);
-    corvane::cli::noteInterrupts();
+    corvane::cli::catchInterrupts();
     return corvane::cli::runCommandLine(argc, argv);
 }

@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <system_error>
+#include <stdexcept>
+#include <string>
 
 #include <unistd.h>
 
+#include "records/error_reasons.h"
 #include "text/graphemes.h"
+#include "text/hidden_characters.h"
 
 namespace corvane::cli {
 
@@ -16,7 +19,7 @@ void writeWhole(std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t written = ::write(STDOUT_FILENO, bytes.data(), bytes.size());
         if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) throw std::system_error(errno, std::generic_category(), "标准输出");
+        if (written <= 0) throw std::runtime_error("无法写到标准输出：" + systemErrorReason(errno));
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
 }
@@ -40,13 +43,20 @@ void JsonDocument::key(std::string_view name) {
 }
 
 void JsonDocument::print() const {
-    writeWhole({buffer_.GetString(), buffer_.GetSize()});
-    writeWhole("\n");
+    writeWhole(text::withHiddenEscaped({buffer_.GetString(), buffer_.GetSize()}) + '\n');
 }
 
 void printText(std::string_view text) {
-    writeWhole(text);
-    writeWhole("\n");
+    writeWhole(text::withVisibleSigns(text) + '\n');
+}
+
+void printLines(std::string_view text) {
+    writeWhole(text::linesWithVisibleSigns(text) + '\n');
+}
+
+void TextTable::row(std::vector<std::string> cells) {
+    for (std::string& cell : cells) cell = text::withVisibleSigns(cell);
+    rows_.push_back(std::move(cells));
 }
 
 void TextTable::print() const {

@@ -45,7 +45,8 @@ class JsonDocument {
         json_detail::writeFields<KeyOrder::table>(writer_, record);
     }
 
-    // Writes the document and a line feed to standard output. Throws std::system_error when it can't.
+    // Writes the document and a line feed to standard output, with controls and marks of direction as
+    // "\u202E". As all printing here throws std::runtime_error, for the user, when it can't.
     void print() const;
 
   private:
@@ -53,10 +54,14 @@ class JsonDocument {
     Writer writer_;
 };
 
+// One line for people: what could end it or act on the terminal is shown by signs.
 void printText(std::string_view text);
 
+// The same for a text that has lines of its own, such as the body of a mail.
+void printLines(std::string_view text);
+
 // Rows of columns, the first row a heading. Columns of numbers are aligned to the right; wide characters
-// count two.
+// count two. Cells are shown as printText() shows a line.
 class TextTable {
   public:
     enum class Align { left, right };
@@ -64,7 +69,7 @@ class TextTable {
     explicit TextTable(std::vector<Align> columns)
       : columns_(std::move(columns)) {}
 
-    void row(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
+    void row(std::vector<std::string> cells);
 
     void print() const;
 

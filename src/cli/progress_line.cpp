@@ -7,6 +7,7 @@
 
 #include "records/logs/console_log.h"
 #include "text/graphemes.h"
+#include "text/hidden_characters.h"
 
 namespace corvane::cli {
 
@@ -26,13 +27,15 @@ ProgressLine::ProgressLine()
   : isTerminal_(::isatty(STDERR_FILENO) == 1) {}
 
 ProgressLine::~ProgressLine() {
-    if (isOpen_) consoleLine("");
+    if (isOpen_) messageLine("");
 }
 
 // Long runs report far more often than anybody reads.
 bool ProgressLine::isDue() {
-    constexpr std::chrono::milliseconds interval{200};
+    constexpr std::chrono::milliseconds betweenStates{200};
+    constexpr std::chrono::seconds betweenLines{10};
     const auto now = std::chrono::steady_clock::now();
+    const std::chrono::milliseconds interval = isTerminal_ ? betweenStates : betweenLines;
     if (lastShown_ && now - *lastShown_ < interval) return false;
     lastShown_ = now;
     return true;
@@ -42,11 +45,12 @@ void ProgressLine::show(std::string_view text, double fraction) {
     std::string line = (fraction >= 0 ? bar(fraction) : "") + std::string(text);
     if (line == last_ || !isDue()) return;
     if (isTerminal_) {
-        const std::string shown = fmt::format("\r\x1b[K{}{}", fraction >= 0 ? bar(fraction) : "",
-                                              text::graphemePrefix(text, textClusters));
+        const std::string shown =
+            fmt::format("\r\x1b[K{}{}", fraction >= 0 ? bar(fraction) : "",
+                        text::withVisibleSigns(text::graphemePrefix(text, textClusters)));
         isOpen_ = ::write(STDERR_FILENO, shown.data(), shown.size()) > 0;
     } else {
-        consoleLine(line);
+        messageLine(line);
     }
     last_ = std::move(line);
 }

@@ -1,5 +1,5 @@
-// The progress of a long run on standard error: a line that is written over where that is a terminal, a plain
-// line for each change otherwise.
+// The progress of a long run on standard error: a line that is written over where that is a terminal,
+// otherwise a plain line at first and one each ten seconds.
 #pragma once
 
 #include <chrono>

@@ -229,7 +229,7 @@ int runPreview(Session& session, const std::string& file, bool json) {
         document.object([&] { document.member("preview", preview); });
         document.print();
     } else {
-        printText(preview);
+        printLines(preview);
     }
     return done;
 }

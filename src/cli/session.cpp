@@ -1,5 +1,7 @@
 #include "cli/session.h"
 
+#include <chrono>
+
 #include <QCoreApplication>
 #include <QSocketNotifier>
 #include <fmt/format.h>
@@ -11,6 +13,10 @@
 namespace corvane::cli {
 
 namespace {
+
+// For what the first signal asks to end: a message at work, an index to be saved, a place that doesn't
+// answer.
+constexpr std::chrono::seconds endPatience{9};
 
 int interruptReadEnd = -1;
 
@@ -24,8 +30,8 @@ void resetLogs(ModelContext& context) {
 
 } // namespace
 
-void noteInterrupts() {
-    interruptReadEnd = platform::noteQuitSignals();
+void catchInterrupts() {
+    interruptReadEnd = platform::catchQuitSignals(endPatience);
 }
 
 bool wasInterrupted() {
@@ -36,15 +42,16 @@ Session::Session(const std::string& home)
   : platform_(platform::makePlatform(home))
   , context_(std::make_unique<ModelContext>(*platform_)) {
     resetLogs(*context_);
+    leftovers_.emplace(*context_).start();
     model_ = std::make_unique<CorvaneViewModel>(*context_);
     if (const auto& path = context_->settings.setAside())
-        consoleLine(fmt::format("设置文件无法读取，已按初始设置运行；原来的设置保留在 {}", *path));
+        messageLine(fmt::format("设置文件无法读取，已按初始设置运行；原来的设置保留在 {}", *path));
 }
 
 void Session::waitUntilIdle(const std::function<void()>& onInterrupt) {
     bool handled = false;
     const auto lookForInterrupt = [&] {
-        platform::takeQuitSignals(interruptReadEnd);
+        platform::drainQuitSignals(interruptReadEnd);
         if (!wasInterrupted() || handled) return;
         handled = true;
         if (onInterrupt) onInterrupt();

@@ -3,10 +3,12 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
 #include "model/corvane_view_model.h"
+#include "model/leftover_removal.h"
 #include "model/model_context.h"
 #include "platform/platform.h"
 
@@ -38,6 +40,7 @@ class Session {
   private:
     std::unique_ptr<platform::Platform> platform_;
     std::unique_ptr<ModelContext> context_;
+    std::optional<LeftoverRemoval> leftovers_;
     std::unique_ptr<CorvaneViewModel> model_;
 };
 
@@ -48,8 +51,9 @@ class Interrupted : public std::runtime_error {
       : std::runtime_error("已中断") {}
 };
 
-// From here on SIGINT and SIGTERM are noted instead of ending the process.
-void noteInterrupts();
+// From here on the first SIGINT or SIGTERM asks the command to end, and ends the process within ten seconds
+// in any case; the second one ends it at once.
+void catchInterrupts();
 
 // One of them came.
 bool wasInterrupted();

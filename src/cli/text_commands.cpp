@@ -12,6 +12,7 @@
 #include "platform/files/directory.h"
 #include "platform/files/durable_file.h"
 #include "platform/paths.h"
+#include "records/error_reasons.h"
 #include "records/formatters.h"
 #include "records/logs/console_log.h"
 
@@ -42,12 +43,13 @@ ShownTexts textsOf(Session& session, const ArchivedEntry& entry) {
 }
 
 void printShownReadably(const ArchivedEmailRecord& record, const ShownTexts& texts) {
-    printText(
-        fmt::format("主题：{}\n发件人：{}\n收件人：{}", record.subject, record.sender, record.recipients));
+    printText(fmt::format("主题：{}", record.subject));
+    printText(fmt::format("发件人：{}", record.sender));
+    printText(fmt::format("收件人：{}", record.recipients));
     if (texts.cc) printText(fmt::format("抄送：{}", *texts.cc));
     printText(fmt::format("日期：{}", record.date ? formatListDate(*record.date) : "日期未知"));
     for (const SharedText& name : record.attachmentNames) printText(fmt::format("附件：{}", name));
-    printText("\n" + texts.body);
+    printLines("\n" + texts.body);
 }
 
 // Nothing that is there already is written over, unless it is that very content.
@@ -55,7 +57,7 @@ void writeAttachment(const std::string& path, const std::string& data) {
     const auto error = platform::writeNewFile(platform::posixFileLayer(), path, data);
     if (!error) return;
     if (error.value() != EEXIST)
-        throw CommandFailure(fmt::format("无法写入 “{}”：{}", path, error.message()));
+        throw CommandFailure(fmt::format("无法写入 “{}”：{}", path, systemErrorReason(error.value())));
     if (platform::readFile(path, std::ssize(data)) != data)
         throw CommandFailure(fmt::format("“{}” 已存在，不会覆盖。", path));
 }

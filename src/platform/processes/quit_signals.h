@@ -1,16 +1,26 @@
-// SIGINT and SIGTERM as something to read, for programs that bring their work in order before they end.
+// SIGINT and SIGTERM as something to read, for programs that bring their work in order before they end. The
+// second one ends the process at once, with the status of an interrupted program: whatever is half written
+// then is what a kill leaves, which the next start removes.
 #pragma once
+
+#include <chrono>
+#include <optional>
 
 namespace corvane::platform {
 
-// From here on both signals are noted instead of ending the process. Returns a descriptor that becomes
-// readable when one came; it stays open for the whole program run. Call it once. Throws std::system_error.
-int noteQuitSignals();
+// The exit status of a process that a signal asked to end.
+inline constexpr int interruptedStatus = 130;
 
-// Empties the descriptor, so that the next signal shows again.
-void takeQuitSignals(int descriptor) noexcept;
+// From here on the first signal doesn't end the process. Returns a descriptor that becomes readable when it
+// came; it stays open for the whole program run. With a `patience` the process ends by itself when it is
+// still there so long after the first signal, also where every thread hangs. Call it once, with full seconds.
+// Throws std::system_error.
+int catchQuitSignals(std::optional<std::chrono::seconds> patience = {});
 
-// One of them came.
+// Empties the descriptor.
+void drainQuitSignals(int descriptor) noexcept;
+
+// A signal came.
 bool wasAskedToQuit() noexcept;
 
 } // namespace corvane::platform

@@ -138,7 +138,7 @@ int run(const QStringList& arguments) {
     const Answers answers;
     WindowOptions options;
     options.home = arguments.value(arguments.indexOf(QLatin1String("--home")) + 1).toStdString();
-    options.quitSignals = platform::noteQuitSignals();
+    options.quitSignals = platform::catchQuitSignals();
     for (;;) {
         const WindowOutcome outcome = runWindow(options);
         if (!outcome.reopenHome) return outcome.exitStatus;

@@ -18,7 +18,9 @@ std::vector<std::string> sampleMailMakers(const platform::Platform& platform) {
     std::vector<std::string> makers;
     for (const std::string& folder : platform.programResourceFolders())
         makers.push_back(platform::joinPath(folder, "make_sample_store.py"));
+#ifdef CORVANE_DEVELOPMENT_SAMPLE_MAKER
     makers.emplace_back(CORVANE_DEVELOPMENT_SAMPLE_MAKER);
+#endif
     return makers;
 }
 

@@ -9,7 +9,7 @@
 
 namespace corvane {
 
-// Where the script may lie: among the program's files, and in the tree that it was built from.
+// Where the script may lie: among the program's files, and for a development build in its source tree.
 std::vector<std::string> sampleMailMakers(const platform::Platform& platform);
 
 // The first of `makers` that is there; empty where none is or nothing to run it with, and where samples

@@ -1,0 +1,181 @@
+"""What others could see or be led to believe: modes of files, characters that act on a terminal or turn a name, log
+lines, remains of killed runs, and commands that don't end."""
+
+import json
+import os
+import re
+import signal
+import sqlite3
+import stat
+import subprocess
+import time
+import unittest
+
+from cli_support import CLI, INDEX, CliCase
+
+HIDDEN = re.compile("[\x00-\x1f\x7f-\x9f\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]")
+SUBJECT = "\x1b]0;owned\x07 inv\u202efdp.exe\n失败：\u009b31m\u2066x"
+
+
+class Readers(CliCase):
+    def open_to_others(self, folder, known=()):
+        """Paths that somebody else could do anything with, folders in which nobody gets that far left out."""
+        return sorted(str(path.relative_to(folder)) for path in folder.rglob("*") if path not in known
+                      and not path.is_symlink() and path.stat().st_mode & (stat.S_IRWXG | stat.S_IRWXO))
+
+    def work_through(self, home, archive, **options):
+        self.run_cli(home, "refresh", **options)
+        self.run_cli(home, "archive", "--to", archive, **options)
+        self.run_cli(home, "index", "--force", **options)
+        self.run_cli(home, "search", "the", **options)
+        entry = self.run_cli(home, "library", **options)[0]
+        self.run_cli(home, "show", entry["entryID"], **options)
+        self.run_cli(home, "diagnose", **options)
+        messages = self.run_cli(home, "messages", **options)
+        self.run_cli(home, "preview", messages[0]["fileURL"].removeprefix("file://"), **options)
+        for each in self.run_cli(home, "library", **options):
+            for name in each["record"]["attachmentNames"]:
+                return self.run_cli(home, "attachment", each["entryID"], name, "--to", archive.parent / "taken", **options)
+
+    def test_nothing_of_ours_is_open_to_others(self):
+        for mask in (0, 0o022):
+            home = self.home(f"home-{mask}", "--messages", "60", "--no-odd")
+            known = set(home.rglob("*"))
+            temporary = self.folder / f"tmp-{mask}"
+            temporary.mkdir()
+            made = self.folder / f"made-{mask}"
+            made.mkdir()
+            before = os.umask(mask)
+            try:
+                self.work_through(home, made / "archive", environment={"TMPDIR": str(temporary)})
+            finally:
+                os.umask(before)
+            self.assertEqual(self.open_to_others(home, known), [])
+            self.assertEqual(self.open_to_others(made), [])
+            self.assertEqual(list(temporary.iterdir()), [])
+
+    def test_what_an_earlier_version_left_open_is_narrowed(self):
+        home = self.home("home", "--messages", "60", "--no-odd")
+        known = set(home.rglob("*"))
+        self.run_cli(home, "refresh")
+        support = home / ".local/share/Corvane"
+        for path in (support, *support.rglob("*")):
+            path.chmod(0o755 if path.is_dir() else 0o644)
+        (home / ".config/Corvane.conf").chmod(0o644)
+        self.run_cli(home, "stats")
+        self.assertEqual(self.open_to_others(home, known), [])
+
+
+class Deceivers(CliCase):
+    def hostile_home(self):
+        home = self.home("home", "--messages", "60", "--no-odd")
+        with sqlite3.connect(home / INDEX) as store:
+            store.execute("UPDATE subjects SET subject = ? || ROWID", (SUBJECT,))
+        store.close()
+        return home
+
+    def printed(self, home, *arguments):
+        done = subprocess.run([CLI, "--home", str(home), *map(str, arguments)], capture_output=True, timeout=60)
+        return done.stdout.decode(), done.stderr.decode()
+
+    def test_no_subject_acts_on_a_terminal_forges_a_line_or_turns_a_name(self):
+        home = self.hostile_home()
+        archive = self.folder / "archive"
+        self.run_cli(home, "refresh")
+        listed = len(self.run_cli(home, "messages"))
+        texts = {name: self.printed(home, *command) for name, command in
+                 {"messages": ("messages",), "archive": ("archive", "--to", archive, "--log")}.items()}
+        entry = self.run_cli(home, "library")[0]
+        file = archive / entry["record"]["emlRelativePath"]
+        for name, command in {"library": ("library",), "show": ("show", entry["entryID"]), "missing": ("preview", "\x1b[1m"),
+                              "preview": ("preview", file)}.items():
+            texts[name] = self.printed(home, *command)
+        for name, streams in texts.items():
+            for text in streams:
+                self.assertEqual(HIDDEN.findall(text.replace("\n", "")), [], name)
+        self.assertEqual(len(texts["messages"][0].splitlines()), listed + 1, "a heading and a line for each")
+        self.assertIn("<U+202E>fdp.exe␊失败", texts["messages"][0])
+        self.assertEqual([path for path in archive.rglob("*") if HIDDEN.search(path.name)], [])
+        self.assertIn("fdp.exe", file.name)
+
+    def test_json_has_them_escaped_and_whole(self):
+        home = self.hostile_home()
+        self.run_cli(home, "refresh")
+        done = subprocess.run([CLI, "--home", str(home), "--json", "messages"], capture_output=True, timeout=60)
+        text = done.stdout.decode().removesuffix("\n")
+        self.assertEqual(HIDDEN.findall(text), [])
+        # The reader of Mail's index trims, and takes a line break for a blank or keeps it; the rest comes back.
+        self.assertTrue(any("\x1b]0;owned\x07 inv\u202efdp.exe" in each["subject"] and "\u009b31m\u2066x" in each["subject"]
+                            for each in json.loads(text)))
+
+    def test_log_lines_are_for_those_who_ask(self):
+        home = self.home("home", "--messages", "60", "--no-odd")
+        quiet = self.printed(home, "refresh")[1] + self.printed(home, "accounts")[1]
+        self.assertNotIn("@", quiet)
+        self.assertNotRegex(quiet, r"(?m)^\[[A-Za-z]")
+        self.assertRegex(self.printed(home, "--log", "accounts")[1], r"(?m)^\[Accounts\] ")
+
+
+class Remains(CliCase):
+    def ours(self, *folders):
+        return [path for folder in folders for path in folder.rglob("*") if re.search(r"corvane-.*[0-9A-F]{12}", path.name)]
+
+    def test_those_of_a_killed_process_go_with_the_next_start(self):
+        home = self.home("home", "--messages", "3000", "--no-odd")
+        temporary = self.folder / "tmp"
+        temporary.mkdir()
+        support = home / ".local/share/Corvane"
+        places = (temporary, support)
+        environment = {**os.environ, "TMPDIR": str(temporary)}
+        left = False
+        for _ in range(40):
+            run = subprocess.Popen([CLI, "--home", str(home), "refresh"], env=environment, stdout=subprocess.DEVNULL,
+                                   stderr=subprocess.DEVNULL)
+            while not self.ours(*places) and run.poll() is None:
+                os.sched_yield()
+            run.send_signal(signal.SIGKILL)
+            run.wait()
+            left = left or bool(self.ours(*places))
+            if left:
+                break
+        self.assertTrue(left, "no run was killed with a file in use")
+        mine = temporary / "corvane-notes.txt"
+        mine.write_text("mine")
+        self.run_cli(home, "stats", environment={"TMPDIR": str(temporary)})
+        self.assertEqual(self.ours(*places), [])
+        self.assertTrue(mine.exists())
+
+
+class Ends(CliCase):
+    def start_hanging(self):
+        """A command whose question to a database of Mail's is never answered."""
+        home = self.home("home", "--messages", "60", "--no-odd")
+        database = home / "Library/Accounts/Accounts4.sqlite"
+        database.unlink(missing_ok=True)
+        database.parent.mkdir(parents=True, exist_ok=True)
+        os.mkfifo(database)
+        run = self.start_cli(home, "refresh")
+        for clean in (run.stderr.close, run.stdout.close, run.wait, run.kill):
+            self.addCleanup(clean)
+        time.sleep(1)
+        if run.poll() is not None:
+            self.skipTest("the command doesn't hang")
+        return run
+
+    def assert_ended(self, run, signals, limit):
+        begin = time.monotonic()
+        for _ in range(signals):
+            run.send_signal(signal.SIGTERM)
+            time.sleep(0.1)
+        self.assertEqual(run.wait(timeout=20), 130)
+        self.assertLess(time.monotonic() - begin, limit)
+
+    def test_one_signal_ends_a_command_soon(self):
+        self.assert_ended(self.start_hanging(), 1, 10)
+
+    def test_a_second_one_ends_it_at_once(self):
+        self.assert_ended(self.start_hanging(), 2, 1)
+
+
+if __name__ == "__main__":
+    unittest.main()
