@@ -1,13 +1,20 @@
 #include "app/single_instance.h"
 
+#include <string>
+
+#include <unistd.h>
+
 #include <QCryptographicHash>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QLocalSocket>
-#include <QStandardPaths>
+#include <QStringList>
 #include <QSysInfo>
 #include <QTimer>
 
+#include "platform/files/private_files.h"
+#include "platform/processes/peer_user.h"
 #include "records/stores/app_support.h"
 
 namespace corvane {
@@ -16,20 +23,38 @@ namespace {
 
 constexpr int patienceMilliseconds = 3000;
 constexpr qint64 longestAddress = 8192;
+// Less than any system has room for.
+constexpr qsizetype longestSocketPath = 100;
 const QByteArray accepted = "ok\n";
 
-// In the user's own runtime folder: a path below the home may be longer than a socket's may be.
+// Where the socket may lie, in the order of preference; nobody but the user can put anything there. The last
+// one is for a home with a long path and without a runtime folder.
+QStringList socketFolders(const QString& supportFolder) {
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    QStringList folders;
+    if (QDir::isAbsolutePath(runtime)) folders += runtime + QStringLiteral("/corvane");
+    folders += supportFolder;
+    folders += QDir::tempPath() + QStringLiteral("/corvane-%1").arg(::geteuid());
+    return folders;
+}
+
+// Empty where there is no place: then later starts can only say that this one is there.
 QString socketPathFor(const QString& supportFolder) {
-    QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-    if (folder.isEmpty()) folder = QDir::tempPath();
     const QByteArray hash =
         QCryptographicHash::hash(supportFolder.toUtf8(), QCryptographicHash::Sha256).toHex().left(16);
-    return folder + QStringLiteral("/corvane-") + QString::fromLatin1(hash);
+    for (const QString& folder : socketFolders(supportFolder)) {
+        QString path = folder + QStringLiteral("/corvane-") + QString::fromLatin1(hash);
+        if (QFile::encodeName(path).size() <= longestSocketPath &&
+            platform::makeOwnFolder(QFile::encodeName(folder).toStdString()))
+            return path;
+    }
+    return {};
 }
 
 // Reads one line and answers it; the socket goes with its connection, or when it sends nothing.
 void answer(QLocalSocket* socket, SingleInstance* instance) {
     QObject::connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+    if (!platform::isPeerOfSameUser(static_cast<int>(socket->socketDescriptor()))) return socket->abort();
     QTimer::singleShot(patienceMilliseconds, socket, [socket] { socket->abort(); });
     QObject::connect(socket, &QLocalSocket::readyRead, instance, [socket, instance] {
         if (!socket->canReadLine()) {
@@ -47,8 +72,8 @@ void answer(QLocalSocket* socket, SingleInstance* instance) {
 
 SingleInstance::SingleInstance(const QString& supportFolder, QObject* parent)
   : QObject(parent)
-  , lock_(supportFolder + u'/' + QLatin1String(windowLockFileName))
-  , socketPath_(socketPathFor(supportFolder)) {
+  , supportFolder_(supportFolder)
+  , lock_(supportFolder + u'/' + QLatin1String(windowLockFileName)) {
     // Held as long as its process lives, however long that is.
     lock_.setStaleLockTime(0);
     server_.setSocketOptions(QLocalServer::UserAccessOption);
@@ -57,18 +82,23 @@ SingleInstance::SingleInstance(const QString& supportFolder, QObject* parent)
 
 bool SingleInstance::becomeFirst() {
     // It may have been out of reach until now.
-    QDir().mkpath(QFileInfo(lock_.fileName()).path());
-    if (!lock_.tryLock()) return false;
-    QLocalServer::removeServer(socketPath_);
-    // Without a server later starts can only say that this one is there.
-    server_.listen(socketPath_);
+    const std::string folder = QFile::encodeName(supportFolder_).toStdString();
+    if (platform::makePrivateFolder(platform::posixFileLayer(), folder) || !lock_.tryLock()) return false;
+    platform::narrowToOwner(QFile::encodeName(lock_.fileName()).toStdString());
+    const QString path = socketPathFor(supportFolder_);
+    if (path.isEmpty()) return true;
+    QLocalServer::removeServer(path);
+    server_.listen(path);
     return true;
 }
 
 bool SingleInstance::handOver(const QString& address) const {
     QLocalSocket socket;
-    socket.connectToServer(socketPath_);
+    const QString path = socketPathFor(supportFolder_);
+    if (path.isEmpty()) return false;
+    socket.connectToServer(path);
     if (!socket.waitForConnected(patienceMilliseconds)) return false;
+    if (!platform::isPeerOfSameUser(static_cast<int>(socket.socketDescriptor()))) return false;
     socket.write(address.toUtf8().left(longestAddress - 1) + '\n');
     if (!socket.waitForBytesWritten(patienceMilliseconds)) return false;
     return socket.waitForReadyRead(patienceMilliseconds) && socket.readAll().startsWith(accepted);

@@ -1,6 +1,7 @@
 // One window a home: a second start asks the first one to come forward and ends. The lock, not the
 // connection, decides who is first, so two starts at one moment can't both be, and a killed program leaves
-// nothing in the way. Main thread.
+// nothing in the way. The socket lies in a folder of this user alone, and both ends look whose process the
+// other one is. Main thread.
 #pragma once
 
 #include <QLocalServer>
@@ -34,8 +35,8 @@ class SingleInstance : public QObject {
   private:
     void serve();
 
+    QString supportFolder_;
     QLockFile lock_;
-    QString socketPath_;
     QLocalServer server_;
 };
 

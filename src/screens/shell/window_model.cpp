@@ -1,15 +1,18 @@
 #include "screens/shell/window_model.h"
 
-#include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
+#include <tuple>
 #include <utility>
 
 #include <QUrl>
 #include <fmt/format.h>
 
 #include "model/mail/scan/sample_mail_maker.h"
+#include "platform/files/directory.h"
+#include "platform/files/file_package.h"
 #include "screens/controls/theme/fonts.h"
 #include "screens/shell/start/corvane_url.h"
 #include "screens/texts/shown_figures.h"
@@ -21,6 +24,20 @@ namespace {
 
 std::string lengthKey(const QString& name) {
     return "corvaneLength." + name.toStdString();
+}
+
+struct AddressJob {
+    const platform::Platform* platform;
+    std::string path;
+};
+
+// An address comes from anywhere, and what isn't a plain folder would be given to a program, or is one: it is
+// only shown where it lies. Absent then, and where nothing is there.
+std::optional<std::string> folderToOpen(const AddressJob& job, const TaskHandle&) {
+    auto resolved = platform::resolvedPath(job.path);
+    if (!resolved || platform::isPlainFolder(*resolved)) return resolved;
+    std::ignore = job.platform->reveal(*resolved);
+    return std::nullopt;
 }
 
 } // namespace
@@ -92,16 +109,11 @@ void WindowModel::stopArchiving() {
 void WindowModel::openAddress(const QString& address) {
     const std::optional<QString> folder = folderOfUrl(address);
     if (!folder) return;
-    // Only folders: an address comes from anywhere, and a file would be given to the program that runs it.
-    addressTask_.start(
-        TaskPriority::userInitiated, *folder,
-        [](const QString& path, const TaskHandle&) {
-            std::error_code ignored;
-            return std::filesystem::is_directory(path.toStdString(), ignored);
-        },
-        [this, path = *folder](bool isFolder) {
-            if (isFolder) desktop_.open(QUrl::fromLocalFile(path + u'/'));
-        });
+    addressTask_.start(TaskPriority::userInitiated,
+                       AddressJob{&model_.context().platform, folder->toStdString()}, &folderToOpen,
+                       [this](const std::string& path) {
+                           desktop_.open(QUrl::fromLocalFile(screens::wholeText(path) + u'/'));
+                       });
 }
 
 qreal WindowModel::storedLength(const QString& name, qreal fallback, qreal minimum, qreal maximum) const {

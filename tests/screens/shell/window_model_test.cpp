@@ -1,5 +1,7 @@
 #include "screens/shell/window_model.h"
 
+#include <filesystem>
+
 #include <QDesktopServices>
 #include <QSignalSpy>
 
@@ -147,8 +149,12 @@ TEST_F(WindowModels, ClosingWithoutARunWaitsForNothing) {
 TEST_F(WindowModels, AddressOpensAFolderAndNothingElse) {
     const std::string folder = home_.makeFolder("a b/归档");
     const std::string file = home_.write("program.desktop", "[Desktop Entry]\nExec=rm\n");
+    const std::string program = home_.makeFolder("Evil.app");
+    const std::string nameless = home_.makeFolder("Photos/Contents");
+    std::filesystem::create_symlink(program, home_.at("link"));
     OpenedUrls opened;
-    for (const std::string& path : {file, folder, home_.at("missing")}) {
+    for (const std::string& path : {file, folder, home_.at("missing"), program, program + "/.",
+                                    home_.at("link"), home_.at("Photos"), nameless + "/../"}) {
         window_.openAddress(QStringLiteral("corvane://open?path=") +
                             QString::fromLatin1(QUrl::toPercentEncoding(QString::fromStdString(path))));
         waitUntilIdle(context_.tasks);
