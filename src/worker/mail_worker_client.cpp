@@ -118,10 +118,10 @@ FileURL MailWorkerClient::pythonRuntimeURL() const {
     throw WorkerError(Kind::pythonNotFound);
 }
 
-// Isolated, so that neither the user's Python settings nor modules beside a message come in, and without
-// leaving compiled files beside the script.
+// Isolated, so that neither the user's Python settings nor modules beside a message come in, without leaving
+// compiled files beside the script, and with those that are there compared with their sources in any case.
 std::vector<std::string> MailWorkerClient::scriptArguments() const {
-    return {"-I", "-B", workerScriptURL().path().str()};
+    return {"-I", "-B", "--check-hash-based-pycs", "always", workerScriptURL().path().str()};
 }
 
 MailWorkerClient::Response MailWorkerClient::runRequest(const Request& request,
