@@ -78,12 +78,18 @@ class CommandLine {
 
     int reportFailure(const std::string& message) const {
         messageLine(message);
-        if (common_.json) {
-            JsonDocument document;
-            document.object([&] { document.member("error", message); });
-            document.print();
-        }
+        if (common_.json) printFailure(message);
         return failed;
+    }
+
+    static void printFailure(const std::string& message) {
+        JsonDocument document;
+        document.object([&] { document.member("error", message); });
+        try {
+            document.print();
+        } catch (const std::exception& error) {
+            messageLine(error.what());
+        }
     }
 
     template <class Run>

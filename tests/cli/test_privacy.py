@@ -54,6 +54,22 @@ class Readers(CliCase):
             self.assertEqual(self.open_to_others(made), [])
             self.assertEqual(list(temporary.iterdir()), [])
 
+    def test_an_archive_permits_what_its_folder_does(self):
+        home = self.home("home", "--messages", "60", "--no-odd")
+        self.run_cli(home, "refresh")
+        archive = self.folder / "shared"
+        for mode in (0o750, 0o700):
+            archive.mkdir(exist_ok=True)
+            archive.chmod(mode)
+            before = os.umask(0)
+            try:
+                self.run_cli(home, "archive", "--to", archive, "--limit", 5)
+            finally:
+                os.umask(before)
+        modes = {(path.is_dir(), stat.S_IMODE(path.stat().st_mode)) for path in archive.rglob("*")}
+        self.assertEqual(modes - {(True, 0o700), (False, 0o600)}, {(True, 0o750), (False, 0o640)})
+        self.assertEqual(stat.S_IMODE((archive / "archive-index.json").stat().st_mode), 0o600)
+
     def test_what_an_earlier_version_left_open_is_narrowed(self):
         home = self.home("home", "--messages", "60", "--no-odd")
         known = set(home.rglob("*"))
