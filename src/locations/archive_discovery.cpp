@@ -1,9 +1,13 @@
 #include "locations/archive_discovery.h"
 
-#include <set>
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <utility>
 
 #include <fmt/format.h>
 
+#include "locations/archived_files.h"
 #include "locations/destination_detection.h"
 #include "platform/files/directory.h"
 #include "platform/paths.h"
@@ -14,44 +18,47 @@ namespace corvane {
 
 namespace {
 
-bool holdsArchive(const std::string& folder) {
-    return platform::fileExists(platform::joinPath(folder, archiveIndexFileName));
+using Roots = std::vector<std::string>;
+
+bool holdsArchive(PlaceLook& look, const std::string& folder) {
+    look.beginStep();
+    return filePresence(look.files(), platform::joinPath(folder, archiveIndexFileName)) ==
+           FilePresence::present;
 }
 
-std::vector<std::string> spots(const platform::Platform& platform) {
-    std::vector<std::string> paths = {
+Roots spots(const platform::Platform& platform) {
+    Roots paths = {
         platform::joinPath(platform.realUserHomeDirectory(), "Library/Mobile Documents/com~apple~CloudDocs")};
-    for (const auto& provider : detectCloudStorage(platform)) {
-        paths.push_back(provider.path);
-    }
+    std::ranges::copy(cloudStorageFolders(platform), std::back_inserter(paths));
     for (const auto& volume : detectRemovableVolumes(platform)) {
-        paths.push_back(volume.path);
+        std::string spot = platform::canonicalPath(volume.path);
+        if (std::ranges::find(paths, spot) == paths.end()) paths.push_back(std::move(spot));
     }
     return paths;
 }
 
-void searchSpot(const std::string& spot, const std::stop_token& stop, std::vector<std::string>& roots) {
-    consoleLine(fmt::format("[HangTrace] discover spot {}", spot));
-    if (holdsArchive(spot)) roots.push_back(spot);
+Roots archivesAt(PlaceLook& look, const std::string& place) {
+    consoleLine(fmt::format("[HangTrace] discover spot {}", place));
+    const std::string spot = platform::canonicalPath(cloudStorageContent(place));
+    Roots roots;
+    if (holdsArchive(look, spot)) roots.push_back(spot);
+    look.beginStep();
     const auto children = platform::listDirectory(spot, platform::HiddenEntries::skip);
     for (const auto& child : children.value_or(std::vector<platform::DirectoryEntry>())) {
-        if (stop.stop_requested()) return;
+        if (look.isGivenUp()) break;
         if (child.kind != platform::EntryKind::directory) continue;
         std::string path = platform::joinPath(spot, child.name);
-        if (holdsArchive(path)) roots.push_back(std::move(path));
+        if (holdsArchive(look, path)) roots.push_back(std::move(path));
     }
+    return roots;
 }
 
 } // namespace
 
-std::vector<std::string> discoverArchiveRoots(const platform::Platform& platform,
-                                              const std::stop_token& stop) {
-    std::vector<std::string> roots;
-    std::set<std::string> searched;
-    for (const std::string& path : spots(platform)) {
-        const std::string spot = platform::canonicalPath(path);
-        if (stop.stop_requested()) break;
-        if (searched.insert(spot).second) searchSpot(spot, stop, roots);
+std::vector<std::string> discoverArchiveRoots(const platform::Platform& platform, PlaceLooks& looks) {
+    Roots roots;
+    for (const auto& found : looks.askAll<Roots>(spots(platform), &archivesAt)) {
+        if (found) std::ranges::copy(*found, std::back_inserter(roots));
     }
     return roots;
 }

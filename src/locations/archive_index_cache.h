@@ -2,6 +2,8 @@
 // connected. A value; touches disks, so it belongs on a background task.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,19 +21,30 @@ class ArchiveIndexCache {
       , support_(std::move(support)) {}
 
     // The index of a connected archive, copied into the cache; the copy of one that isn't connected. Absent
-    // when there is none or it can't be read: a connected archive with a broken index has no other. `key` is
-    // the root.
+    // when there is none, it can't be read or is larger than an index may be: a connected archive with a
+    // broken index has no other. `key` is the root. `onPiece` is called before each piece that is read.
     [[nodiscard]] std::optional<EmailArchiveIndex>
-    loadIndexWithCache(const std::string& archiveRoot, std::string_view key, bool connected) const;
+    loadIndexWithCache(const std::string& archiveRoot, std::string_view key, bool connected,
+                       const std::function<void()>& onPiece = {}) const;
 
     // The file of the copy; it need not exist.
     [[nodiscard]] std::string indexCachePath(std::string_view key) const;
 
-    // Removes the copy. One that can't be removed stays and goes on to stand for the archive.
+    // Keeps the number of the device on which the root is.
+    void rememberDevice(std::string_view key, std::uint64_t device) const;
+
+    // Where the root was when it was last there; absent when that isn't known.
+    [[nodiscard]] std::optional<std::uint64_t> rememberedDevice(std::string_view key) const;
+
+    // Removes the copy and the device. A copy that can't be removed stays and goes on to stand for the
+    // archive.
     void remove(std::string_view key) const;
 
   private:
-    void store(std::string_view key, const std::string& content) const;
+    [[nodiscard]] std::optional<EmailArchiveIndex> loadConnected(const std::string& indexPath,
+                                                                 std::string_view key,
+                                                                 const std::function<void()>& onPiece) const;
+    [[nodiscard]] std::string devicePath(std::string_view key) const;
 
     const platform::Platform& platform_;
     CorvaneAppSupport support_;

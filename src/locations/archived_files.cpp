@@ -1,17 +1,97 @@
 #include "locations/archived_files.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <utility>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include "locations/place_looks.h"
 #include "platform/files/cloud_placeholder.h"
+#include "platform/files/file_look.h"
 #include "platform/paths.h"
+#include "text/collation.h"
 
 namespace corvane {
 
 namespace {
 
+using Records = std::vector<const ArchivedEmailRecord*>;
+
+// No file can have a name that is too long; the placeholder's is longer than the file's.
+bool saysAbsent(int error) {
+    return error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG;
+}
+
 bool isGone(platform::FileLayer& files, const ArchivedEmailRecord& record, const std::string& root) {
-    return !platform::isSafeRelativePath(record.emlRelativePath) ||
-           isArchiveFileGone(files, platform::joinPath(root, record.emlRelativePath));
+    if (!platform::isSafeRelativePath(record.emlRelativePath)) return true;
+    const std::string path = platform::joinPath(root, record.emlRelativePath);
+    return filePresence(files, path) == FilePresence::absent &&
+           filePresence(files, platform::cloudPlaceholderPath(path)) == FilePresence::absent;
+}
+
+// The files of one archive, folder by folder: a disk, and a network disk most of all, answers questions for
+// the files of a folder that it has just listed at once.
+class Listing {
+  public:
+    Listing(PlaceLook& look, const std::string& root)
+      : look_(look)
+      , root_(root) {}
+
+    void addFolder(const std::string& folder, const Records& records);
+
+    RootFiles result;
+
+  private:
+    bool listPlaceholders(const std::string& folder, SharedTextSet& names);
+    void addFile(const SharedText& path, bool hasPlaceholder);
+
+    PlaceLook& look_;
+    const std::string& root_;
+};
+
+void Listing::addFolder(const std::string& folder, const Records& records) {
+    const std::string path = platform::joinPath(root_, folder);
+    look_.beginStep();
+    const FilePresence presence = filePresence(look_.files(), path);
+    if (presence == FilePresence::absent) return;
+    SharedTextSet inCloud; // composed names
+    const bool wasListed = presence == FilePresence::present && listPlaceholders(path, inCloud);
+    for (const ArchivedEmailRecord* record : records) {
+        const std::string_view name = platform::lastPathComponent(record->emlRelativePath);
+        if (wasListed)
+            addFile(record->emlRelativePath,
+                    !inCloud.empty() && inCloud.contains(text::canonicallyComposed(name)));
+        else
+            result.unknown.insert(record->emlRelativePath);
+    }
+}
+
+bool Listing::listPlaceholders(const std::string& folder, SharedTextSet& names) {
+    platform::FileLayer& files = look_.files();
+    const int descriptor = files.open(folder, O_RDONLY | O_DIRECTORY, 0);
+    if (descriptor < 0) return false;
+    const int listed = files.list(descriptor, [&](std::string_view entry, unsigned char) {
+        if (const auto name = platform::nameBehindPlaceholder(entry))
+            names.insert(SharedText(text::canonicallyComposed(*name)));
+    });
+    files.close(descriptor);
+    return listed == 0;
+}
+
+void Listing::addFile(const SharedText& path, bool hasPlaceholder) {
+    look_.beginStep();
+    struct stat status{};
+    const std::string file = platform::joinPath(root_, path);
+    if (look_.files().stat(file, status) == 0) {
+        if (S_ISREG(status.st_mode))
+            result.there[path] = {status.st_size, platform::modifiedNanoseconds(status)};
+    } else if (!saysAbsent(errno)) {
+        result.unknown.insert(path);
+    } else if (hasPlaceholder) {
+        result.inCloud.insert(path);
+    }
 }
 
 } // namespace
@@ -19,22 +99,41 @@ bool isGone(platform::FileLayer& files, const ArchivedEmailRecord& record, const
 FilePresence filePresence(platform::FileLayer& files, const std::string& path) {
     struct stat status{};
     if (files.stat(path, status) == 0) return FilePresence::present;
-    // No file can have a name that is too long; the placeholder's is longer than the file's.
-    const bool cannotExist = errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG;
-    return cannotExist ? FilePresence::absent : FilePresence::unknown;
+    return saysAbsent(errno) ? FilePresence::absent : FilePresence::unknown;
 }
 
-bool isArchiveFileGone(platform::FileLayer& files, const std::string& path) {
-    return filePresence(files, path) == FilePresence::absent &&
-           filePresence(files, platform::cloudPlaceholderPath(path)) == FilePresence::absent;
+ArchivedFilePresence RootFiles::presence(std::string_view relativePath) const {
+    using enum ArchivedFilePresence;
+    if (this->there.contains(relativePath)) return ArchivedFilePresence::there;
+    if (this->inCloud.contains(relativePath)) return ArchivedFilePresence::inCloud;
+    return this->unknown.contains(relativePath) ? ArchivedFilePresence::unknown : gone;
 }
 
-bool allArchivedEmlGone(platform::FileLayer& files, const EmailArchiveIndex& index,
-                        const std::string& archiveRoot, const std::stop_token& stop) {
+ArchivedFilePresence ArchivedFiles::presence(std::string_view root, std::string_view relativePath) const {
+    const auto files = byRoot.find(root);
+    return files == byRoot.end() ? ArchivedFilePresence::unknown : files->second->presence(relativePath);
+}
+
+const FileStamp* ArchivedFiles::stamp(std::string_view root, std::string_view relativePath) const {
+    const auto files = byRoot.find(root);
+    if (files == byRoot.end()) return nullptr;
+    const auto found = files->second->there.find(relativePath);
+    return found == files->second->there.end() ? nullptr : &found->second;
+}
+
+RootFiles listArchivedFiles(PlaceLook& look, const EmailArchiveIndex& index, const std::string& root) {
+    std::map<std::string_view, Records> folders;
     for (const ArchivedEmailRecord& record : index.records) {
-        if (stop.stop_requested() || !isGone(files, record, archiveRoot)) return false;
+        if (platform::isSafeRelativePath(record.emlRelativePath))
+            folders[platform::parentPath(record.emlRelativePath)].push_back(&record);
     }
-    return !index.records.empty();
+    Listing listing(look, root);
+    for (const auto& [folder, records] : folders) listing.addFolder(std::string(folder), records);
+    return std::move(listing.result);
+}
+
+bool allArchivedEmlGone(const RootFiles& files, const EmailArchiveIndex& index) {
+    return !index.records.empty() && files.there.empty() && files.inCloud.empty() && files.unknown.empty();
 }
 
 bool archiveLocationContentMissing(platform::FileLayer& files, const std::vector<ArchivedEntry>& entries,
@@ -47,6 +146,14 @@ bool archiveLocationContentMissing(platform::FileLayer& files, const std::vector
         hasEntries = true;
     }
     return hasEntries;
+}
+
+SharedArchivedFiles publishedFiles(ArchivedFiles files, const SharedArchivedFiles& earlier) {
+    const auto saysTheSame = [](const auto& a, const auto& b) {
+        return a.first == b.first && *a.second == *b.second;
+    };
+    if (earlier && std::ranges::equal(files.byRoot, earlier->byRoot, saysTheSame)) return earlier;
+    return std::make_shared<const ArchivedFiles>(std::move(files));
 }
 
 } // namespace corvane

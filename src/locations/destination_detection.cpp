@@ -26,20 +26,20 @@ constexpr std::array<std::string_view, 7> foreignDriveNames = {
     "其他计算机",      "Other computers",      "Shared drives",      "共享云端硬盘",
     "Drives partagés", "Unidades compartidas", "Outros computadores"};
 
-void addCloudFolders(const std::string& home, std::vector<CloudStorageProvider>& found) {
-    const std::string container = platform::joinPath(home, "Library/CloudStorage");
-    const auto entries = platform::listDirectory(container, platform::HiddenEntries::skip);
-    if (!entries) return;
-    for (const platform::DirectoryEntry& entry : *entries) {
-        traceHang("detect stat " + entry.name);
-        if (entry.kind != platform::EntryKind::directory) continue;
-        CloudStorageProvider provider = providerInfo(platform::joinPath(container, entry.name));
-        provider.icon = "cloud.fill";
-        found.push_back(std::move(provider));
-    }
-}
-
 } // namespace
+
+std::vector<std::string> cloudStorageFolders(const platform::Platform& platform) {
+    const std::string container =
+        platform::joinPath(platform.realUserHomeDirectory(), "Library/CloudStorage");
+    std::vector<std::string> folders;
+    const auto entries = platform::listDirectory(container, platform::HiddenEntries::skip);
+    for (const auto& entry : entries.value_or(std::vector<platform::DirectoryEntry>())) {
+        traceHang("detect stat " + entry.name);
+        if (entry.kind == platform::EntryKind::directory)
+            folders.push_back(platform::joinPath(container, entry.name));
+    }
+    return folders;
+}
 
 std::vector<CloudStorageProvider> detectCloudStorage(const platform::Platform& platform) {
     traceHang("detect begin");
@@ -50,9 +50,17 @@ std::vector<CloudStorageProvider> detectCloudStorage(const platform::Platform& p
     if (platform::isDirectory(iCloud)) {
         found.push_back({iCloud, "iCloud 云盘", std::nullopt, iCloud, "icloud.fill"});
     }
-    addCloudFolders(home, found);
+    for (const std::string& folder : cloudStorageFolders(platform)) {
+        found.push_back(providerInfo(folder));
+        found.back().icon = "cloud.fill";
+    }
     traceHang(fmt::format("detect done count={}", found.size()));
     return found;
+}
+
+std::string cloudStorageContent(const std::string& folder) {
+    return platform::parentPath(folder).ends_with("/Library/CloudStorage") ? providerInfo(folder).path
+                                                                           : folder;
 }
 
 CloudStorageProvider providerInfo(const std::string& folder) {

@@ -25,6 +25,13 @@ struct CloudStorageProvider {
 // iCloud first, then the folders in the order of their names.
 std::vector<CloudStorageProvider> detectCloudStorage(const platform::Platform& platform);
 
+// The folders under "Library/CloudStorage" of the user's home, in the order of their names. Doesn't look into
+// them.
+std::vector<std::string> cloudStorageFolders(const platform::Platform& platform);
+
+// Where such a folder holds the user's files; any other folder itself.
+std::string cloudStorageContent(const std::string& folder);
+
 // Mounted volumes that are known to be external and shown to users; empty when the system can't tell.
 std::vector<CloudStorageProvider> detectRemovableVolumes(const platform::Platform& platform);
 

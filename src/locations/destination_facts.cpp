@@ -1,5 +1,7 @@
 #include "locations/destination_facts.h"
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 
 #include "locations/archive_locations.h"
@@ -42,6 +44,27 @@ DestinationFacts computeDestinationFacts(const platform::Platform& platform,
     }
     facts.onInternalDisk = isOnInternalVolume(platform, *destination);
     facts.availableBytes = platform.availableCapacity(*destination);
+    return facts;
+}
+
+DestinationFacts lookAtDestination(PlaceLooks& looks, const platform::Platform& platform,
+                                   const std::optional<std::string>& destination,
+                                   const std::vector<std::string>& knownLocations) {
+    DestinationFacts facts;
+    if (destination) {
+        facts.connected = false;
+        facts.cloudName = cloudProviderName(*destination);
+        const auto found = looks.ask<DestinationFacts>(*destination, [&platform, destination](PlaceLook&) {
+            return computeDestinationFacts(platform, destination, {});
+        });
+        if (found) facts = *found;
+    }
+    const auto earlier = looks.askAll<std::vector<std::string>>(
+        knownLocations,
+        [&platform](PlaceLook&, const std::string& place) { return manualDestinations(platform, {place}); });
+    for (const auto& found : earlier) {
+        if (found) std::ranges::copy(*found, std::back_inserter(facts.rememberedManualDestinations));
+    }
     return facts;
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "locations/place_looks.h"
 #include "platform/platform.h"
 
 namespace corvane {
@@ -28,6 +29,12 @@ struct DestinationFacts {
 DestinationFacts computeDestinationFacts(const platform::Platform& platform,
                                          const std::optional<std::string>& destination,
                                          const std::vector<std::string>& knownLocations);
+
+// The same within the limits of the looks: a destination that doesn't answer counts as not connected, and an
+// earlier folder that doesn't is left out.
+DestinationFacts lookAtDestination(PlaceLooks& looks, const platform::Platform& platform,
+                                   const std::optional<std::string>& destination,
+                                   const std::vector<std::string>& knownLocations);
 
 // For the type name that the system gives.
 std::string shownFileSystemName(const std::string& typeName);

@@ -1,7 +1,9 @@
 // The background part of one live load of the library: finds the archives, reads their indexes and makes one
-// library of them. Touches disks that may hang and no published state.
+// library of them. Touches no published state. A place that doesn't answer costs its limit once, and its
+// archive is then shown as one that isn't connected.
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <set>
@@ -10,8 +12,10 @@
 #include <vector>
 
 #include "locations/archive_index_cache.h"
+#include "locations/archived_files.h"
 #include "locations/known_locations.h"
 #include "locations/loaded_archives.h"
+#include "locations/place_looks.h"
 #include "platform/platform.h"
 #include "records/logs/startup_log.h"
 #include "records/stores/app_support.h"
@@ -23,6 +27,8 @@ struct LibraryLoadInput {
     std::set<std::string> forgotten;               // canonical
     std::optional<std::string> currentDestination; // canonical
     std::shared_ptr<const SharedTextSet> publishedBaseIDs;
+    SharedArchivedFiles publishedFiles;
+    std::chrono::nanoseconds placeLimit = std::chrono::seconds(25);
 };
 
 // What the entries don't tell of the current destination's index.
@@ -40,6 +46,7 @@ struct LibraryLoadResult {
     std::vector<ArchiveLocation> locations;
     std::optional<DestinationIndex> destination; // when it is among the locations
     SharedSearchIndexes searchIndexes;
+    SharedArchivedFiles files; // the published ones where nothing has changed
 };
 
 class LibraryLoad {
@@ -58,8 +65,12 @@ class LibraryLoad {
     std::optional<LibraryLoadResult> run(const std::stop_token& stop);
 
   private:
-    void addDiscoveredRoots(const std::stop_token& stop);
-    void loadRoot(const std::string& root, const std::stop_token& stop);
+    struct RootLook;
+
+    void addDiscoveredRoots(PlaceLooks& looks);
+    [[nodiscard]] static RootLook lookAtRoot(PlaceLook& look, const platform::Platform& platform,
+                                             const std::string& root);
+    void addRoot(const std::string& root, std::optional<RootLook> look);
 
     // Whether a forgotten root counts again; notes what becomes of it.
     bool comesBack(const std::string& root, bool hasContent);

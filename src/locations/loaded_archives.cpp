@@ -37,14 +37,30 @@ SharedText sharedBaseID(const ArchivedEmailRecord& record, std::string_view base
     return base.size() == record.id.size() ? record.id : SharedText(base);
 }
 
+bool isSameArchive(const EmailArchiveIndex& a, const EmailArchiveIndex& b) {
+    const bool isAShorter = a.records.size() < b.records.size();
+    const EmailArchiveIndex& shorter = isAShorter ? a : b;
+    const EmailArchiveIndex& longer = isAShorter ? b : a;
+    std::unordered_set<std::string_view> ids;
+    ids.reserve(longer.records.size());
+    for (const ArchivedEmailRecord& record : longer.records) ids.insert(record.id);
+    return std::ranges::all_of(shorter.records, [&](const auto& record) { return ids.contains(record.id); });
+}
+
 } // namespace
 
 std::vector<LoadedArchive> dedupeLoadedArchives(std::vector<LoadedArchive> archives) {
     std::vector<bool> stays(archives.size(), true);
-    std::map<Date, std::size_t> holders;
+    std::multimap<Date, std::size_t> holders;
     for (std::size_t i = 0; i < archives.size(); ++i) {
-        const auto [holder, isNew] = holders.emplace(archives[i].index.createdAt, i);
-        if (isNew) continue;
+        const auto [first, last] = holders.equal_range(archives[i].index.createdAt);
+        const auto holder = std::find_if(first, last, [&](const auto& entry) {
+            return isSameArchive(archives[entry.second].index, archives[i].index);
+        });
+        if (holder == last) {
+            holders.emplace(archives[i].index.createdAt, i);
+            continue;
+        }
         const bool replaces = archives[i].connected && !archives[holder->second].connected;
         stays[replaces ? holder->second : i] = false;
         if (replaces) holder->second = i;

@@ -18,20 +18,24 @@
 namespace corvane {
 
 class MailSearchIndex;
+struct RootFiles;
 
 struct LoadedArchive {
     std::string rootPath;
     bool connected = false; // and holds files
     EmailArchiveIndex index;
     std::shared_ptr<const MailSearchIndex> searchIndex{}; // null when it can't be opened
+    std::shared_ptr<const RootFiles> files{};             // null unless the archive could be looked at
+    ArchiveLocation::Kind kind = ArchiveLocation::Kind::local;
 };
 
 // The search index of each loaded archive that has one, by root. Immutable, shared between threads.
 using SearchIndexTable = std::map<std::string, std::shared_ptr<const MailSearchIndex>, std::less<>>;
 using SharedSearchIndexes = std::shared_ptr<const SearchIndexTable>;
 
-// Two folders are the same archive when their indexes have the same `createdAt`: a copied folder, or one seen
-// through two paths. The first stays, but one that is connected beats one that isn't. Order is kept.
+// Two folders are the same archive, copied or seen through two paths, when their indexes have the same
+// `createdAt` and the ids of one are among those of the other: two runs may begin in one second. The first
+// stays, but one that is connected beats one that isn't. Order is kept.
 std::vector<LoadedArchive> dedupeLoadedArchives(std::vector<LoadedArchive> archives);
 
 // All archived mail with its lookups. Immutable, shared between threads.

@@ -97,9 +97,13 @@ TEST_F(DestinationDetection, ArchivesAreFoundInASpotAndOneLevelBelow) {
     const std::string onDisk = writeArchive(home_, "Volumes/STICK/Mail", index);
     platform_.plugIn("STICK");
 
-    EXPECT_EQ(discoverArchiveRoots(platform_, {}), (std::vector{inICloud, drive, disk, onDisk}));
+    const auto discovered = [&] {
+        PlaceLooks looks(platform_, platform::posixFileLayer(), {});
+        return discoverArchiveRoots(platform_, looks);
+    };
+    EXPECT_EQ(discovered(), (std::vector{inICloud, drive, disk, onDisk}));
     platform_.unplug();
-    EXPECT_EQ(discoverArchiveRoots(platform_, {}), (std::vector{inICloud, drive}));
+    EXPECT_EQ(discovered(), (std::vector{inICloud, drive}));
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include "locations/archive_locations.h"
 #include "locations/archive_samples.h"
 #include "locations/archived_files.h"
+#include "locations/place_looks.h"
 #include "platform/files/directory.h"
 #include "support/faulty_file_layer.h"
 #include "support/scripted_platform.h"
@@ -27,7 +28,13 @@ using testing::writeIndex;
 class LoadedArchives : public ::testing::Test {
   protected:
     [[nodiscard]] bool allGone(const EmailArchiveIndex& index, const std::string& root) {
-        return allArchivedEmlGone(files_, index, root, {});
+        return allArchivedEmlGone(filesOf(index, root), index);
+    }
+
+    [[nodiscard]] RootFiles filesOf(const EmailArchiveIndex& index, const std::string& root) {
+        PlaceLooks looks(platform_, files_, {});
+        return *looks.ask<RootFiles>(root,
+                                     [=](PlaceLook& look) { return listArchivedFiles(look, index, root); });
     }
 
     testing::TemporaryHome home_;
@@ -42,6 +49,7 @@ TEST_F(LoadedArchives, OneOfTheSameArchivesStays) {
         const char* path;
         bool connected;
         int createdAt;
+        std::initializer_list<std::string> ids = {"mid:a"};
     };
 
     const struct {
@@ -54,12 +62,14 @@ TEST_F(LoadedArchives, OneOfTheSameArchivesStays) {
         {{{"/a", false, 1}, {"/b", true, 1}, {"/c", true, 1}, {"/d", false, 1}}, {"/b"}},
         {{{"/a", false, 1}, {"/x", false, 2}, {"/b", true, 1}, {"/y", true, 3}}, {"/x", "/b", "/y"}},
         {{}, {}},
+        {{{"/a", true, 1}, {"/b", true, 1, {"mid:b", "mid:a"}}}, {"/a"}},
+        {{{"/a", true, 1}, {"/b", true, 1, {"mid:b"}}, {"/c", true, 1, {"mid:b", "mid:c"}}}, {"/a", "/b"}},
     };
 
     for (const auto& [archives, expected] : cases) {
         std::vector<LoadedArchive> loaded;
-        for (const auto& [path, connected, createdAt] : archives) {
-            loaded.push_back({path, connected, sampleIndex(createdAt, {"mid:a"})});
+        for (const auto& [path, connected, createdAt, ids] : archives) {
+            loaded.push_back({path, connected, sampleIndex(createdAt, ids)});
         }
         std::vector<std::string> kept;
         for (const auto& archive : dedupeLoadedArchives(std::move(loaded))) kept.push_back(archive.rootPath);
@@ -154,20 +164,45 @@ TEST_F(LoadedArchives, ContentIsGoneOnlyWhenEveryFileIsKnownToBeMissing) {
     std::filesystem::remove_all(home_.at("archive/2019"));
     EXPECT_TRUE(allGone(index, root));
 
-    for (const std::size_t question : {1U, 2U, 4U}) {
+    home_.makeFolder("archive/2019/a");
+    EXPECT_TRUE(allGone(index, root));
+    for (const std::size_t question : {1U, 2U, 3U}) {
         files_.inject({.at = question, .operation = FileOperation::stat, .error = EIO});
         EXPECT_FALSE(allGone(index, root)) << "could not look at " << question;
     }
-    std::stop_source stop;
-    stop.request_stop();
-    EXPECT_FALSE(allArchivedEmlGone(files_, index, root, stop.get_token()));
 }
 
-TEST_F(LoadedArchives, TheContentCheckEndsAtTheFirstFile) {
-    const auto index = sampleIndex(1, {"mid:a", "mid:b", "mid:c"});
-    const std::string root = writeArchive(home_, "archive", index);
-    EXPECT_FALSE(allGone(index, root));
-    EXPECT_EQ(files_.operationCount(FileOperation::stat), 1U);
+TEST_F(LoadedArchives, FilesAreThereOrInTheCloudOrGoneOrUnknown) {
+    auto index = sampleIndex(1, {"there", "cloud", "folder", "gone", "e\xCC\x81"});
+    index.records.push_back(sampleRecord("elsewhere"));
+    index.records.back().emlRelativePath = "2020/b/x.eml";
+    const std::string root = home_.makeFolder("archive");
+    home_.write("archive/2019/a/there.eml", "four");
+    home_.write("archive/2019/a/.cloud.eml.icloud", "");
+    home_.write("archive/2019/a/.\u00E9.eml.icloud", "");
+    home_.makeFolder("archive/2019/a/folder.eml");
+    home_.makeFolder("archive/2020/b");
+    files_.inject({.at = 1, .operation = FileOperation::list, .error = EIO}); // of the later folder
+    files_.inject({.at = 2, .operation = FileOperation::list, .error = EIO});
+    EXPECT_EQ(filesOf(index, root).unknown.size(), index.records.size());
+
+    using enum ArchivedFilePresence;
+    const auto files = std::make_shared<const RootFiles>(filesOf(index, root));
+    ArchivedFiles all{{{root, files}}};
+    const std::pair<const char*, ArchivedFilePresence> expected[] = {
+        {"2019/a/there.eml", there}, {"2019/a/cloud.eml", inCloud}, {"2019/a/e\xCC\x81.eml", inCloud},
+        {"2019/a/folder.eml", gone}, {"2019/a/gone.eml", gone},     {"2020/b/x.eml", gone}};
+    for (const auto& [path, presence] : expected) {
+        EXPECT_EQ(all.presence(root, path), presence) << path;
+        EXPECT_EQ(all.stamp(root, path) != nullptr, presence == there);
+    }
+    EXPECT_EQ(all.stamp(root, "2019/a/there.eml")->sizeBytes, 4);
+    EXPECT_EQ(all.presence("/other", "2019/a/there.eml"), unknown);
+    const SharedArchivedFiles published = publishedFiles(all, nullptr);
+    EXPECT_EQ(publishedFiles(all, published), published);
+    std::filesystem::remove(root + "/2019/a/there.eml");
+    all.byRoot[root] = std::make_shared<const RootFiles>(filesOf(index, root));
+    EXPECT_NE(publishedFiles(all, published), published);
 }
 
 TEST_F(LoadedArchives, UnsafePathsCountAsMissingAndAreNeverLookedAt) {

@@ -32,9 +32,15 @@ void makeFolder(const PrepareJob& job, const TaskHandle&) {
 
 struct FactsJob {
     const platform::Platform& platform;
+    platform::FileLayer& files;
     std::optional<std::string> destination;
     std::vector<std::string> known;
 };
+
+DestinationFacts factsOf(const FactsJob& job, const TaskHandle& task) {
+    PlaceLooks looks(job.platform, job.files, task.stopToken());
+    return lookAtDestination(looks, job.platform, job.destination, job.known);
+}
 
 } // namespace
 
@@ -75,17 +81,15 @@ void ArchiveDestinations::setTransferDestination(const std::string& path) {
 }
 
 void ArchiveDestinations::refreshFacts() {
-    factsTask_.start(
-        TaskPriority::utility, FactsJob{context_.platform, destination_, knownLocations(context_.settings)},
-        [](const FactsJob& job, const TaskHandle&) {
-            return computeDestinationFacts(job.platform, job.destination, job.known);
-        },
-        [this](DestinationFacts facts) {
-            setFacts(std::move(facts));
-            // Not every system tells when a folder or a share comes back. Only after an answer: a disk that
-            // hangs is not asked twice.
-            if (!facts_.connected) lookAgain_.start();
-        });
+    factsTask_.start(TaskPriority::utility,
+                     FactsJob{context_.platform, context_.support.files(), destination_,
+                              knownLocations(context_.settings)},
+                     &factsOf, [this](DestinationFacts facts) {
+                         setFacts(std::move(facts));
+                         // Not every system tells when a folder or a share comes back. Only after an answer:
+                         // a disk that hangs is not asked twice.
+                         if (!facts_.connected) lookAgain_.start();
+                     });
 }
 
 void ArchiveDestinations::setFacts(DestinationFacts facts) {

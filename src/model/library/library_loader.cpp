@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <fmt/format.h>
+#include <sys/stat.h>
 
 #include "locations/archive_locations.h"
 #include "locations/cloud_providers.h"
@@ -22,16 +23,24 @@ constexpr auto recently = 2.0s;
 
 struct ConnectionJob {
     const platform::Platform& platform;
+    platform::FileLayer& files;
     std::vector<ArchiveLocation> locations;
 };
 
-// Absent when cancelled.
+// Absent when cancelled. A place that doesn't answer isn't connected.
 std::optional<std::map<std::string, bool>> testConnections(const ConnectionJob& job, const TaskHandle& task) {
+    std::vector<std::string> roots;
+    for (const ArchiveLocation& location : job.locations) roots.push_back(location.rootPath);
+    PlaceLooks looks(job.platform, job.files, task.stopToken());
+    const auto answers =
+        looks.askAll<bool>(roots, [&platform = job.platform](PlaceLook& look, const std::string& root) {
+            struct stat status{};
+            look.files().stat(root, status);
+            return !look.isGivenUp() && isLocationConnected(platform, root);
+        });
+    if (task.isCancelled()) return std::nullopt;
     std::map<std::string, bool> states;
-    for (const ArchiveLocation& location : job.locations) {
-        if (task.isCancelled()) return std::nullopt;
-        states[location.rootPath] = isLocationConnected(job.platform, location.rootPath);
-    }
+    for (std::size_t i = 0; i < roots.size(); ++i) states[roots[i]] = answers[i].value_or(false);
     return states;
 }
 
@@ -70,6 +79,7 @@ void LibraryLoader::loadEmailArchiveIndex(const std::optional<std::string>& curr
     if (!force && isLoadNeedless(input.candidates.roots())) return;
     input.forgotten = forgottenLocations(context_.settings);
     input.publishedBaseIDs = library_->baseIDs;
+    input.publishedFiles = files_;
     startLoad(std::move(input));
 }
 
@@ -107,7 +117,8 @@ void LibraryLoader::applyLoadedArchiveIndex(LibraryLoadResult result, double sec
     adoptLocations(result);
     destination_ = result.destination;
     snapshotWriter_.save({result.library, result.locations});
-    publish(std::move(result.library), std::move(result.locations), std::move(result.searchIndexes));
+    publish(std::move(result.library), std::move(result.locations), std::move(result.searchIndexes),
+            std::move(result.files));
     pruneSearchIndexes();
     context_.startupLog.mark(fmt::format("live index load finish entries={} locations={} unindexed=deferred",
                                          library_->entries->size(), locations_.size()));
@@ -142,17 +153,21 @@ void LibraryLoader::pruneSearchIndexes() {
 }
 
 void LibraryLoader::publish(SharedLibrary library, std::vector<ArchiveLocation> locations,
-                            SharedSearchIndexes searchIndexes) {
+                            SharedSearchIndexes searchIndexes, SharedArchivedFiles files) {
     library_.swap(library);
     searchIndexes_.swap(searchIndexes);
+    files_.swap(files);
     locations_ = std::move(locations);
     // Equal sets have equal consequences, and those cost a pass over all messages.
     const bool sameBaseIDs = library_->baseIDs == library->baseIDs;
+    const bool sameFiles = files_ == files;
     context_.tasks.discard(std::move(library));
     context_.tasks.discard(std::move(searchIndexes));
+    context_.tasks.discard(std::move(files));
     Q_EMIT archivedEntriesChanged();
     Q_EMIT archiveLocationsChanged();
     if (!sameBaseIDs) Q_EMIT archivedBaseIDsChanged();
+    if (!sameFiles) Q_EMIT archivedFilesChanged();
 }
 
 void LibraryLoader::loadCachedArchiveLibraryIfNeeded() {
@@ -167,8 +182,9 @@ void LibraryLoader::loadCachedArchiveLibraryIfNeeded() {
     if (!snapshot) return;
     SharedLibrary library = ArchivedLibrary::make(std::move(snapshot->entries));
     countEntries(snapshot->locations, *library);
-    // Search waits for the live load.
-    publish(std::move(library), std::move(snapshot->locations), std::make_shared<const SearchIndexTable>());
+    // Search, and what is said of files, wait for the live load.
+    publish(std::move(library), std::move(snapshot->locations), std::make_shared<const SearchIndexTable>(),
+            files_);
     log.mark(
         fmt::format("cache applied entries={} locations={}", library_->entries->size(), locations_.size()));
     context_.performanceLog.mark(fmt::format("[Perf] loadCachedArchiveLibrary {:.3f}s", watch.seconds()));
@@ -192,9 +208,20 @@ void LibraryLoader::refreshArchiveLocationConnectionStates() {
     // The running load may have tested before what this test is about.
     testConnectionsAfterLoad_ = isLoading();
     if (locations_.empty()) return;
-    connectionTask_.start(TaskPriority::utility, ConnectionJob{context_.platform, locations_},
-                          &testConnections,
-                          [this](const ConnectionStates& states) { applyConnectionStates(states); });
+    connectionTask_.start(
+        TaskPriority::utility, ConnectionJob{context_.platform, context_.support.files(), locations_},
+        &testConnections, [this](const ConnectionStates& states) { applyConnectionStates(states); });
+}
+
+// What was seen on a disk that has been pulled since says nothing about now.
+void LibraryLoader::dropFilesOfDisconnected() {
+    auto files = std::make_shared<ArchivedFiles>(*files_);
+    for (const ArchiveLocation& location : locations_) {
+        if (!location.isConnected) files->byRoot.erase(location.rootPath);
+    }
+    if (files->byRoot.size() == files_->byRoot.size()) return;
+    files_ = std::move(files);
+    Q_EMIT archivedFilesChanged();
 }
 
 void LibraryLoader::applyConnectionStates(const ConnectionStates& states) {
@@ -206,6 +233,7 @@ void LibraryLoader::applyConnectionStates(const ConnectionStates& states) {
         changed = true;
     }
     if (!changed) return;
+    dropFilesOfDisconnected();
     Q_EMIT archiveLocationsChanged();
     snapshotWriter_.save({library_, locations_});
     context_.startupLog.mark(

@@ -57,6 +57,10 @@ class LibraryLoader : public QObject {
     // Of the archives of the last live load; never null, and empty before it.
     [[nodiscard]] const SharedSearchIndexes& locationSearchIndexes() const { return searchIndexes_; }
 
+    // Which archived files are there, as the last live load found them; never null, and empty before it. An
+    // archive that has been disconnected since isn't in it.
+    [[nodiscard]] const SharedArchivedFiles& archivedFiles() const { return files_; }
+
     // The first location with that root; null when there is none.
     [[nodiscard]] const ArchiveLocation* location(std::string_view rootPath) const;
 
@@ -76,6 +80,7 @@ class LibraryLoader : public QObject {
     void archivedEntriesChanged();
     void archiveLocationsChanged();
     void archivedBaseIDsChanged();
+    void archivedFilesChanged();
     void loadStarted();
     // A live load has been published.
     void loadFinished();
@@ -89,8 +94,9 @@ class LibraryLoader : public QObject {
     void adoptLocations(const LibraryLoadResult& result);
     [[nodiscard]] std::optional<ArchiveLibrarySnapshot> readSnapshot() const;
     void publish(SharedLibrary library, std::vector<ArchiveLocation> locations,
-                 SharedSearchIndexes searchIndexes);
+                 SharedSearchIndexes searchIndexes, SharedArchivedFiles files);
     void pruneSearchIndexes();
+    void dropFilesOfDisconnected();
     void applyConnectionStates(const ConnectionStates& states);
 
     ModelContext& context_;
@@ -98,6 +104,7 @@ class LibraryLoader : public QObject {
     SharedLibrary library_ = std::make_shared<const ArchivedLibrary>();
     std::vector<ArchiveLocation> locations_;
     SharedSearchIndexes searchIndexes_ = std::make_shared<const SearchIndexTable>();
+    SharedArchivedFiles files_ = std::make_shared<const ArchivedFiles>();
     std::optional<DestinationIndex> destination_;
     bool testConnectionsAfterLoad_ = false;
     std::vector<std::string> loadingRoots_; // what the last load to be started was asked for

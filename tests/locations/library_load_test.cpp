@@ -1,0 +1,113 @@
+#include "locations/library_load.h"
+
+#include <chrono>
+#include <filesystem>
+#include <future>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "archive/time_limited_worker.h"
+#include "locations/archive_samples.h"
+#include "search/mail_search_index.h"
+#include "support/faulty_file_layer.h"
+#include "support/scripted_platform.h"
+#include "support/temporary_home.h"
+
+namespace corvane {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::FaultyFileLayer;
+using testing::sampleIndex;
+using testing::writeArchive;
+
+class LoadOfTheLibrary : public ::testing::Test {
+  protected:
+    ~LoadOfTheLibrary() override {
+        released_.set_value();
+        archive::waitForAbandonedJobs();
+    }
+
+    // Every operation on this path and below waits until the test is over.
+    void hang(const std::string& path) {
+        files_.observe(
+            [path, end = released_.get_future().share()](const testing::RecordedOperation& operation) {
+                if (operation.path.starts_with(path)) end.wait();
+            });
+    }
+
+    std::optional<LibraryLoadResult> load(std::initializer_list<std::string> roots,
+                                          std::chrono::nanoseconds limit = 10s) {
+        LibraryLoadInput input;
+        for (const std::string& root : roots) input.candidates.add(root);
+        input.placeLimit = limit;
+        return LibraryLoad(platform_, support_, log_, std::move(input)).run(stop_.get_token());
+    }
+
+    testing::TemporaryHome home_;
+    testing::ScriptedPlatform platform_{home_};
+    FaultyFileLayer files_;
+    CorvaneAppSupport support_{platform_, files_};
+    MailPerformanceLog performanceLog_{support_};
+    ArchiveLibraryStartupLog log_{support_, performanceLog_};
+    std::stop_source stop_;
+
+  private:
+    std::promise<void> released_;
+};
+
+TEST_F(LoadOfTheLibrary, APlaceThatHangsCostsOneLimitAndShowsItsCopy) {
+    const std::string dead = writeArchive(home_, "dead/a", sampleIndex(1, {"mid:a"}));
+    const std::string fine = writeArchive(home_, "fine", sampleIndex(2, {"mid:b"}));
+    ASSERT_TRUE(load({dead, fine}).has_value());
+    hang(home_.at("dead"));
+    const auto start = std::chrono::steady_clock::now();
+    const auto found = load({dead, fine}, 300ms);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(*found->library->baseIDs, (SharedTextSet{"mid:a", "mid:b"}));
+    EXPECT_FALSE(found->locations[0].isConnected);
+    EXPECT_TRUE(found->locations[1].isConnected);
+    EXPECT_EQ(found->files->presence(dead, "2019/a/mid:a.eml"), ArchivedFilePresence::unknown);
+    EXPECT_EQ(found->files->presence(fine, "2019/a/mid:b.eml"), ArchivedFilePresence::there);
+}
+
+TEST_F(LoadOfTheLibrary, AStopDoesNotWaitForAPlaceThatHangs) {
+    const std::string dead = writeArchive(home_, "dead", sampleIndex(1, {"mid:a"}));
+    hang(dead);
+    std::jthread stopping([this] { stop_.request_stop(); });
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(load({dead}, 60s).has_value());
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
+}
+
+TEST_F(LoadOfTheLibrary, TellsGoneFilesFromAPlaceThatIsNotThere) {
+    const std::string path = "2019/a/mid:a.eml";
+    const std::string root = writeArchive(home_, "Archives/mail", sampleIndex(1, {"mid:a"}));
+    const auto presence = [&] {
+        const auto found = load({root});
+        return found ? found->files->presence(root, path) : ArchivedFilePresence::there;
+    };
+    EXPECT_EQ(presence(), ArchivedFilePresence::there);
+    std::filesystem::remove(root + "/" + path);
+    EXPECT_EQ(presence(), ArchivedFilePresence::gone);
+    EXPECT_FALSE(load({root})->locations[0].isConnected) << "an archive without files shows so";
+
+    std::filesystem::remove_all(root);
+    EXPECT_EQ(presence(), ArchivedFilePresence::gone) << "its folder stands on the same disk";
+    std::filesystem::rename(home_.at("Archives"), home_.at("Away"));
+    EXPECT_EQ(presence(), ArchivedFilePresence::unknown);
+    std::filesystem::rename(home_.at("Away"), home_.at("Archives"));
+    for (const auto& file : std::filesystem::directory_iterator(support_.filePath("index-cache"))) {
+        if (file.path().extension() == ".device") home_.write("other.device", "1");
+        if (file.path().extension() == ".device")
+            std::filesystem::rename(home_.at("other.device"), file.path());
+    }
+    EXPECT_EQ(presence(), ArchivedFilePresence::unknown) << "another disk stands there";
+}
+
+} // namespace
+} // namespace corvane
