@@ -3,6 +3,7 @@
 // can't be looked at isn't gone: only a place that answered can say so.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>

@@ -1,6 +1,7 @@
 #include "records/stores/archive_index_decoder.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <string>
 
