@@ -1,5 +1,6 @@
 #include "archive/time_limited_worker.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <stop_token>
@@ -51,20 +52,18 @@ class TimeLimitedWorker::Lane final : public JobLimit {
         return lane;
     }
 
-    bool run(std::chrono::nanoseconds limit, std::function<void(JobLimit&)> job,
-             const std::stop_token& stop) {
-        const std::stop_callback wakeAtStop(stop, [this] { wakeWaiter(); });
+    bool run(std::chrono::nanoseconds limit, std::function<void(JobLimit&)> job, const std::stop_token& stop,
+             std::chrono::nanoseconds grace) {
+        const std::stop_callback hurryAtStop(stop, [this, grace] { hurry(grace); });
         text::MutexLock lock(mutex_);
         job_ = std::move(job);
-        limit_ = limit;
+        limit_ = stop.stop_requested() ? std::min(limit, grace) : limit;
         deadline_ = Clock::now() + limit_;
         isDone_ = false;
         wake_.notifyOne();
         while (!isDone_) {
             const Clock::time_point deadline = deadline_;
-            const bool isLate =
-                !stop.stop_requested() && !done_.waitUntil(lock, deadline) && deadline == deadline_;
-            if (!isDone_ && (isLate || stop.stop_requested())) {
+            if (!done_.waitUntil(lock, deadline) && !isDone_ && deadline == deadline_) {
                 isAbandoned_ = true;
                 AbandonedJobs::ofProcess().add();
                 return false;
@@ -88,9 +87,11 @@ class TimeLimitedWorker::Lane final : public JobLimit {
     [[nodiscard]] bool isAbandoned() const noexcept override { return isAbandoned_; }
 
   private:
-    // With the lock, so that no request falls between the waiter's look and its sleep.
-    void wakeWaiter() {
+    // From here on no step has longer than this.
+    void hurry(std::chrono::nanoseconds grace) {
         const text::MutexLock lock(mutex_);
+        limit_ = std::min(limit_, grace);
+        deadline_ = std::min(deadline_, Clock::now() + grace);
         done_.notifyOne();
     }
 
@@ -130,9 +131,9 @@ TimeLimitedWorker::~TimeLimitedWorker() {
 }
 
 bool TimeLimitedWorker::run(std::chrono::nanoseconds limit, std::function<void(JobLimit&)> job,
-                            const std::stop_token& stop) {
+                            const std::stop_token& stop, std::chrono::nanoseconds grace) {
     if (!lane_) lane_ = Lane::start();
-    const bool hasEnded = lane_->run(limit, std::move(job), stop);
+    const bool hasEnded = lane_->run(limit, std::move(job), stop, grace);
     if (!hasEnded) lane_.reset();
     return hasEnded;
 }

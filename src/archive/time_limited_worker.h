@@ -32,10 +32,12 @@ class TimeLimitedWorker {
     TimeLimitedWorker& operator=(const TimeLimitedWorker&) = delete;
     ~TimeLimitedWorker();
 
-    // False when a step of the job took longer than `limit`, or a stop was requested before its end: it was
-    // abandoned. Jobs don't throw: they tell their outcome through what they share with the caller.
+    // False when a step of the job took longer than `limit`, and it was abandoned. Once a stop is requested,
+    // no step has longer than `grace`. Jobs don't throw: they tell their outcome through what they share with
+    // the caller.
     bool run(std::chrono::nanoseconds limit, std::function<void(JobLimit&)> job,
-             const std::stop_token& stop = {});
+             const std::stop_token& stop = {},
+             std::chrono::nanoseconds grace = std::chrono::nanoseconds::zero());
 
   private:
     class Lane;

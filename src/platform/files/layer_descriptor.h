@@ -1,6 +1,7 @@
 // Owner of one descriptor that a file layer has opened.
 #pragma once
 
+#include <cerrno>
 #include <utility>
 
 #include "platform/files/file_layer.h"
@@ -34,8 +35,12 @@ class LayerDescriptor {
 
     explicit operator bool() const noexcept { return descriptor_ >= 0; }
 
+    // errno stays as it is, so that the error before it can still be told.
     void reset() noexcept {
-        if (descriptor_ >= 0) files_->close(std::exchange(descriptor_, -1));
+        if (descriptor_ < 0) return;
+        const int error = errno;
+        files_->close(std::exchange(descriptor_, -1));
+        errno = error;
     }
 
   private:
