@@ -1,9 +1,12 @@
 // Cutting messages out of files, grouping copies, and naming by what a message says.
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "archive/archive_naming.h"
 #include "archive/message_extraction.h"
@@ -19,16 +22,21 @@ void require(bool condition) {
 }
 
 void checkGroups(std::string_view file) {
-    std::vector<archive::BodyGroup> groups;
+    std::vector<archive::MessageBytes> copies;
     const std::string_view half = file.substr(0, file.size() / 2);
     for (const std::string_view part : {file, half, file}) {
-        const auto message = archive::MessageBytes::fromEmlx(std::string(part));
+        auto message = archive::MessageBytes::fromEmlx(std::string(part));
         if (!message) continue;
         require(archive::bodyStartIndex(message->bytes) <= message->bytes.size());
-        archive::groupByBody(*message, groups);
+        require(message->bytes.ends_with(message->body()));
+        copies.push_back(std::move(*message));
     }
+    const std::vector<archive::BodyGroup> groups = archive::groupByBody(copies);
     require(groups.size() <= 2);
-    for (const archive::BodyGroup& group : groups) require(group.largest.bytes.ends_with(group.body));
+    for (const archive::BodyGroup& group : groups) {
+        for (const std::size_t copy : group.copies)
+            require(copies[copy].body() == copies[group.largest].body());
+    }
 }
 
 void checkName(std::string_view text) {

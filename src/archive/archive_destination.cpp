@@ -1,29 +1,44 @@
 #include "archive/archive_destination.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <exception>
-#include <optional>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/file.h>
 
 #include "archive/archive_error.h"
 #include "archive/durable_write.h"
+#include "archive/index_records.h"
 #include "platform/files/durable_file.h"
+#include "platform/files/folder_file_layer.h"
 #include "platform/paths.h"
+#include "records/error_reasons.h"
 #include "records/logs/console_log.h"
-#include "records/stores/archive_index_file.h"
+#include "records/timestamps.h"
 
 namespace corvane::archive {
 
 namespace {
 
+using platform::FileLayer;
+using platform::FolderFileLayer;
+using platform::LayerDescriptor;
+using State = ArchiveIndexReading::State;
+
+constexpr int mostIndexTries = 5;
+constexpr auto lookAgainAfter = std::chrono::milliseconds(200);
+
 // A large index on a slow stick takes its time: one second more for each MiB.
 std::chrono::nanoseconds limitForSize(std::chrono::nanoseconds limit, std::size_t bytes) {
     return limit + std::chrono::seconds(bytes >> 20);
+}
+
+std::string indexName() {
+    return std::string(archiveIndexFileName);
 }
 
 struct Placing {
@@ -31,119 +46,383 @@ struct Placing {
     MessageBytes message;
     std::string relativePath;
     PlacedFile placed;
-    std::optional<ArchiveError::Case> error;
+    std::optional<ArchiveError> error;
+    bool hasRootGone = false;
 
-    void run(platform::FileLayer& files, JobLimit& limit) {
+    void run(FileLayer& files, JobLimit& limit) {
         try {
+            if (const int rootError = folders->rootError(files)) {
+                hasRootGone = rootError == ENOENT;
+                throw ArchiveError(ArchiveError::Case::writeFailed, rootError);
+            }
             placed = FilePlacement(files, *folders, limit, relativePath, message.bytes).place();
         } catch (const ArchiveError& failure) {
-            error = failure.kind();
+            error = failure;
         } catch (const std::exception& failure) {
             consoleLine(fmt::format("[archive] {}: {}", relativePath, failure.what()));
-            error = ArchiveError::Case::writeFailed;
+            error = ArchiveError(ArchiveError::Case::writeFailed);
         }
     }
 };
 
+// The folders in which createDirectories() will make something: that of the root, and those above it as far
+// as they are missing too.
+std::set<std::string> foldersToSync(FileLayer& files, std::string folder) {
+    std::set<std::string> above;
+    struct stat status{};
+    do {
+        folder = platform::parentPath(folder);
+        if (folder.empty()) break;
+        above.insert(folder);
+    } while (files.stat(folder, status) != 0);
+    return above;
+}
+
+struct RootLock {
+    std::shared_ptr<LayerDescriptor> lock;
+    std::shared_ptr<LayerDescriptor> opened;
+    int error = 0;
+    bool isTaken = false;
+
+    // The descriptors belong to `owner`, which outlives the job's own layer.
+    void take(FileLayer& files, FileLayer& owner, const std::string& root) {
+        lock = std::make_shared<LayerDescriptor>(owner, files.open(root, O_RDONLY | O_DIRECTORY, 0));
+        if (!*lock) {
+            error = errno;
+            return;
+        }
+        isTaken = files.lock(lock->get()) != 0 && errno == EWOULDBLOCK;
+        if (isTaken) return;
+        opened = std::make_shared<LayerDescriptor>(owner,
+                                                   files.openAt(lock->get(), ".", O_RDONLY | O_DIRECTORY, 0));
+        if (!*opened) error = errno;
+    }
+};
+
+// Looks at the index again right before it is replaced.
+class IndexGuard final : public platform::ForwardingFileLayer {
+  public:
+    IndexGuard(FileLayer& folder, const std::optional<ArchiveIndexVersion>& loaded)
+      : ForwardingFileLayer(folder)
+      , loaded_(loaded) {}
+
+    int rename(const std::string& from, const std::string& to) override {
+        struct stat status{};
+        std::optional<ArchiveIndexVersion> present;
+        if (stat(to, status) == 0) {
+            present = ArchiveIndexVersion::of(status);
+        } else if (errno != ENOENT) {
+            return -1;
+        }
+        if (present == loaded_) return ForwardingFileLayer::rename(from, to);
+        hasChanged_ = true;
+        errno = EEXIST;
+        return -1;
+    }
+
+    [[nodiscard]] bool hasChanged() const noexcept { return hasChanged_; }
+
+  private:
+    const std::optional<ArchiveIndexVersion>& loaded_;
+    bool hasChanged_ = false;
+};
+
+struct Replacing {
+    std::shared_ptr<ArchiveFolders> folders;
+    std::string indexPath;
+    std::string content;
+    std::optional<ArchiveIndexVersion> loaded;
+    std::function<void(const std::string&)> markHidden;
+    int error = 0;
+    bool hasChanged = false;
+
+    void run(FileLayer& files, const JobLimit& limit) {
+        error = folders->rootError(files);
+        if (error != 0) return;
+        FolderFileLayer folder(files, folders->root());
+        IndexGuard guard(folder, loaded);
+        error = platform::writeFileAtomically(guard, indexName(), content).value();
+        hasChanged = guard.hasChanged();
+        if (error != 0 || limit.isAbandoned()) return;
+        if (markHidden) markHidden(indexPath);
+        syncDirectories(folder, {indexName()});
+    }
+};
+
+struct Syncing {
+    std::shared_ptr<ArchiveFolders> folders;
+    std::set<WrittenFolder> touched;
+    std::set<WrittenFolder> lost;
+    int error = 0;
+
+    void run(FileLayer& files, JobLimit& limit) {
+        error = folders->rootError(files);
+        std::set<std::string> above{""};
+        for (const WrittenFolder& folder : touched) {
+            if (error != 0) return;
+            limit.restart();
+            // A second look before the mails of a whole folder fail for a moment's failure.
+            if (!sync(files, folder) && !sync(files, folder)) lost.insert(folder);
+            for (std::string_view path = folder.relativePath; !path.empty();) {
+                path = platform::parentPath(path);
+                above.emplace(path);
+            }
+        }
+        for (const std::string& path : above) {
+            limit.restart();
+            const auto descriptor = folders->open(files, path);
+            if (descriptor) syncDirectory(files, descriptor.get());
+        }
+    }
+
+    // False when the folder isn't there any more, or its entries can't be forced to the storage.
+    bool sync(FileLayer& files, const WrittenFolder& folder) const {
+        const auto descriptor = folders->open(files, folder.relativePath);
+        struct stat status{};
+        if (!descriptor || files.statOpen(descriptor.get(), status) != 0) return false;
+        return platform::FileIdentity::of(status) == folder.identity &&
+               syncDirectory(files, descriptor.get()) != EIO;
+    }
+};
+
+// Gives the damaged index a name that nothing has; empty, with errno, when it can't.
+std::string movedAside(FileLayer& folder, const std::string& stamp) {
+    struct stat status{};
+    for (int number = 1; number <= 100; ++number) {
+        const std::string name = number == 1
+                                     ? fmt::format(".archive-index-damaged-{}.json", stamp)
+                                     : fmt::format(".archive-index-damaged-{}-{}.json", stamp, number);
+        if (folder.stat(name, status) == 0) continue;
+        if (errno != ENOENT || folder.rename(indexName(), name) != 0) return {};
+        return name;
+    }
+    errno = EEXIST;
+    return {};
+}
+
+std::string reasonOf(const ArchiveIndexReading& reading) {
+    return reading.isInCloud ? "文件还在云端，没有下载到本机" : systemErrorReason(reading.error);
+}
+
 } // namespace
 
-ArchiveDestination::ArchiveDestination(platform::FileLayer& files, std::string root,
-                                       std::chrono::nanoseconds limit)
+ArchiveDestination::ArchiveDestination(FileLayer& files, std::string root, std::chrono::nanoseconds limit,
+                                       std::stop_token stop)
   : files_(files)
-  , root_(std::move(root))
-  , indexPath_(platform::joinPath(root_, archiveIndexFileName))
-  , limit_(limit) {}
+  , rootPath_(std::move(root))
+  , indexPath_(platform::joinPath(rootPath_, archiveIndexFileName))
+  , limit_(limit)
+  , stop_(std::move(stop)) {}
 
 // In a job of its own: on a dead network disk giving up the lock can hang as well.
 ArchiveDestination::~ArchiveDestination() {
+    folders_.reset();
     if (!lock_) return;
-    runLimited(limit_, [lock = std::exchange(lock_, nullptr)](auto&, JobLimit&) { lock->reset(); });
+    const auto limit = hungAfterStop_ > 0 ? std::chrono::nanoseconds::zero() : limit_;
+    worker_.run(limit, [lock = std::exchange(lock_, nullptr),
+                        opened = std::exchange(opened_, nullptr)](JobLimit&) mutable {
+        lock.reset();
+        opened.reset();
+    });
 }
 
-// False when the job hung.
+// False when the job hung, or wasn't begun because others have, and the user wants an end. What the job
+// throws passes on.
 bool ArchiveDestination::runLimited(std::chrono::nanoseconds limit,
-                                    std::function<void(platform::FileLayer&, JobLimit&)> job) {
-    return worker_.run(limit, [&files = files_, job = std::move(job)](JobLimit& jobLimit) {
-        AbandonableFileLayer layer(files, jobLimit);
-        job(layer, jobLimit);
-    });
+                                    std::function<void(FileLayer&, JobLimit&)> job) {
+    if (hungAfterStop_ > 1) return false;
+    const auto failure = std::make_shared<std::exception_ptr>();
+    const bool hasEnded = worker_.run(
+        limit,
+        [&files = files_, failure, job = std::move(job)](JobLimit& jobLimit) {
+            AbandonableFileLayer layer(files, jobLimit);
+            try {
+                job(layer, jobLimit);
+            } catch (...) {
+                *failure = std::current_exception();
+            }
+        },
+        stop_, graceAfterStop);
+    if (hasEnded && *failure) std::rethrow_exception(*failure);
+    if (hasEnded) return true;
+    folders_.reset();
+    if (stop_.stop_requested()) ++hungAfterStop_;
+    return false;
+}
+
+std::shared_ptr<ArchiveFolders> ArchiveDestination::folders() {
+    if (!folders_) folders_ = std::make_shared<ArchiveFolders>(rootPath_, opened_);
+    return folders_;
 }
 
 void ArchiveDestination::createRoot() {
-    const auto error = std::make_shared<std::error_code>();
-    const bool hasEnded = runLimited(limit_, [error, root = root_](platform::FileLayer& files, JobLimit&) {
-        *error = platform::createDirectories(files, root);
+    struct Making {
+        std::set<std::string> above;
+        std::error_code error;
+    };
+
+    const auto making = std::make_shared<Making>();
+    const bool hasEnded = runLimited(limit_, [making, root = rootPath_](FileLayer& files, JobLimit&) {
+        making->above = foldersToSync(files, root);
+        making->error = platform::createDirectories(files, root);
     });
-    const int number = hasEnded ? error->value() : ETIMEDOUT;
-    if (number != 0) throw ArchiveAccessError("无法创建归档文件夹", root_, number);
+    const int number = hasEnded ? making->error.value() : ETIMEDOUT;
+    if (number != 0) throw ArchiveAccessError("无法创建归档文件夹", rootPath_, number);
+    foldersAbove_ = making->above;
 }
 
 // On the folder itself, so that no file is left in it. The system takes the lock back with the process.
 void ArchiveDestination::lock() {
-    struct Attempt {
-        std::shared_ptr<platform::FileDescriptor> folder = std::make_shared<platform::FileDescriptor>();
-        bool isTaken = false;
-    };
-
-    const auto attempt = std::make_shared<Attempt>();
-    const bool hasEnded = runLimited(limit_, [attempt, root = root_](platform::FileLayer& files, JobLimit&) {
-        attempt->folder->reset(files.open(root, O_RDONLY | O_DIRECTORY, 0));
-        if (!*attempt->folder) return;
-        attempt->isTaken = ::flock(attempt->folder->get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-    });
-    if (!hasEnded) throw ArchiveAccessError("无法使用归档文件夹", root_, ETIMEDOUT);
-    if (attempt->isTaken) {
-        throw ArchiveAccessError("无法使用归档文件夹", root_,
+    const auto attempt = std::make_shared<RootLock>();
+    const bool hasEnded =
+        runLimited(limit_, [attempt, &owner = files_, root = rootPath_](FileLayer& files, JobLimit&) {
+            attempt->take(files, owner, root);
+        });
+    if (hasEnded && attempt->isTaken) {
+        throw ArchiveAccessError("无法使用归档文件夹", rootPath_,
                                  "另一个 Corvane 正在向这里归档，请等它完成后再试");
     }
-    lock_ = attempt->folder;
+    const int error = hasEnded ? attempt->error : ETIMEDOUT;
+    if (error != 0) throw ArchiveAccessError("无法使用归档文件夹", rootPath_, error);
+    lock_ = attempt->lock;
+    opened_ = attempt->opened;
+}
+
+ArchiveIndexReading ArchiveDestination::readIndex() {
+    const auto reading = std::make_shared<ArchiveIndexReading>();
+    const bool hasEnded =
+        runLimited(limit_, [reading, folders = folders()](FileLayer& files, JobLimit& limit) {
+            FolderFileLayer folder(files, folders->root());
+            *reading = readArchiveIndexFile(folder, indexName(), [&] { limit.restart(); });
+        });
+    if (hasEnded) return std::move(*reading);
+    return {.state = State::couldNotLook, .index = {}, .version = {}, .error = ETIMEDOUT};
+}
+
+ArchiveIndexReading ArchiveDestination::broughtIndex(const std::function<bool(const std::string&)>& bring) {
+    ArchiveIndexReading reading = readIndex();
+    if (!reading.isInCloud || !bring || !bring(indexPath_)) return reading;
+    const auto end = std::chrono::steady_clock::now() + limit_;
+    while (reading.isInCloud && std::chrono::steady_clock::now() < end && !stop_.stop_requested()) {
+        std::this_thread::sleep_for(lookAgainAfter);
+        reading = readIndex();
+    }
+    return reading;
+}
+
+LoadedIndex ArchiveDestination::loadIndex(Date now, const std::function<bool(const std::string&)>& bring) {
+    ArchiveIndexReading reading = broughtIndex(bring);
+    if (reading.state == State::couldNotLook) {
+        throw ArchiveAccessError("无法读取归档索引", indexPath_, reasonOf(reading));
+    }
+    loadedVersion_ = reading.version;
+    if (reading.state == State::usable) return {.index = std::move(reading.index), .damagedKeptAs = {}};
+    LoadedIndex loaded{.index = {.createdAt = now, .updatedAt = now, .records = {}}, .damagedKeptAs = {}};
+    if (reading.state == State::damaged) loaded.damagedKeptAs = keepDamagedIndex(now);
+    return loaded;
+}
+
+std::string ArchiveDestination::keepDamagedIndex(Date now) {
+    struct Keeping {
+        std::string name;
+        int error = ETIMEDOUT;
+    };
+
+    std::string stamp = formatTimestamp(now);
+    std::erase_if(stamp, [](char character) { return character == '-' || character == ':'; });
+    const auto keeping = std::make_shared<Keeping>();
+    const bool hasEnded =
+        runLimited(limit_, [keeping, stamp, folders = folders()](FileLayer& files, JobLimit&) {
+            FolderFileLayer folder(files, folders->root());
+            keeping->name = movedAside(folder, stamp);
+            keeping->error = keeping->name.empty() ? errno : 0;
+            if (!keeping->name.empty()) syncDirectory(files, folders->root());
+        });
+    const int error = hasEnded ? keeping->error : ETIMEDOUT;
+    if (error != 0) throw ArchiveAccessError("归档索引已损坏，且无法另存", indexPath_, error);
+    loadedVersion_.reset();
+    return keeping->name;
+}
+
+ArchivedFile ArchiveDestination::readArchived(const std::string& relativePath, std::int64_t sizeBytes) {
+    const auto file = std::make_shared<ArchivedFile>();
+    const bool hasEnded = runLimited(
+        limit_, [file, folders = folders(), relativePath, sizeBytes](FileLayer& files, JobLimit& limit) {
+            *file = readArchivedFile(files, *folders, limit, relativePath, sizeBytes);
+        });
+    if (!hasEnded) return {};
+    if (file->state == ArchivedFile::State::read) touchedFolders_.insert(file->folder);
+    return std::move(*file);
 }
 
 PlacedFile ArchiveDestination::writePOSIX(const MessageBytes& message, const std::string& relativePath) {
-    if (!folders_) folders_ = std::make_shared<ArchiveFolders>(ArchiveRoot(root_));
-    const auto placing = std::make_shared<Placing>(folders_, message, relativePath);
-    const bool hasEnded = runLimited(
-        limit_, [placing](platform::FileLayer& files, JobLimit& limit) { placing->run(files, limit); });
-    if (!hasEnded) {
-        folders_.reset();
-        throw ArchiveError(ArchiveError::Case::writeTimedOut);
-    }
+    const auto placing = std::make_shared<Placing>(folders(), message, relativePath);
+    const bool hasEnded =
+        runLimited(limit_, [placing](FileLayer& files, JobLimit& limit) { placing->run(files, limit); });
+    if (!hasEnded) throw ArchiveError(ArchiveError::Case::writeTimedOut);
+    if (placing->hasRootGone) failUnsaved(ENOENT);
     if (placing->error) throw ArchiveError(*placing->error);
-    const std::string account(platform::parentPath(relativePath));
-    touchedFolders_.insert(platform::joinPath(root_, account));
-    touchedFolders_.insert(platform::joinPath(root_, platform::parentPath(account)));
+    if (placing->placed.outcome != PlacedFile::Outcome::nameTaken) {
+        touchedFolders_.insert(placing->placed.folder);
+    }
     return placing->placed;
 }
 
-void ArchiveDestination::syncFolders() {
-    sync(touchedFolders_);
+std::set<WrittenFolder> ArchiveDestination::syncFolders() {
+    const auto syncing = std::make_shared<Syncing>(folders(), touchedFolders_);
+    const bool hasEnded =
+        runLimited(limit_, [syncing](FileLayer& files, JobLimit& limit) { syncing->run(files, limit); });
+    if (!hasEnded) failUnsaved(ETIMEDOUT);
+    if (syncing->error != 0) failUnsaved(syncing->error);
+    return syncing->lost;
 }
 
-void ArchiveDestination::saveIndex(std::string content, const std::string& keepOldAs,
+void ArchiveDestination::saveIndex(EmailArchiveIndex& index,
                                    const std::function<void(const std::string&)>& markHidden) {
-    const auto error = std::make_shared<std::error_code>();
+    for (int tries = 0; tries < mostIndexTries; ++tries) {
+        if (replaceIndex(encodeArchiveIndex(index), markHidden)) return;
+        mergeChangedIndex(index);
+    }
+    throw ArchiveAccessError("无法保存归档索引", indexPath_, "别的程序在不断改动它");
+}
+
+// False when the index isn't the loaded one.
+bool ArchiveDestination::replaceIndex(std::string content,
+                                      const std::function<void(const std::string&)>& markHidden) {
     const auto limit = limitForSize(limit_, content.size());
-    const bool hasEnded = runLimited(limit, [=, path = indexPath_, content = std::move(content)](
-                                                platform::FileLayer& files, JobLimit& jobLimit) {
-        if (!keepOldAs.empty()) {
-            files.rename(path, platform::joinPath(platform::parentPath(path), keepOldAs));
-        }
-        *error = platform::writeFileAtomically(files, path, content);
-        if (*error || jobLimit.isAbandoned()) return;
-        if (markHidden) markHidden(path);
-        syncDirectories(files, {path});
-    });
-    const int number = hasEnded ? error->value() : ETIMEDOUT;
-    if (number != 0) throw ArchiveAccessError("无法保存归档索引", indexPath_, number);
+    const auto replacing =
+        std::make_shared<Replacing>(folders(), indexPath_, std::move(content), loadedVersion_, markHidden);
+    const bool hasEnded = runLimited(
+        limit, [replacing](FileLayer& files, JobLimit& jobLimit) { replacing->run(files, jobLimit); });
+    if (!hasEnded) failUnsaved(ETIMEDOUT);
+    if (replacing->hasChanged) return false;
+    if (replacing->error != 0) failUnsaved(replacing->error);
+    return true;
+}
+
+void ArchiveDestination::mergeChangedIndex(EmailArchiveIndex& index) {
+    ArchiveIndexReading reading = readIndex();
+    if (reading.state == State::couldNotLook) {
+        throw ArchiveAccessError("无法保存归档索引", indexPath_,
+                                 fmt::format("它刚被别的程序改动，现在无法读取：{}", reasonOf(reading)));
+    }
+    if (reading.state == State::damaged) {
+        throw ArchiveAccessError("无法保存归档索引", indexPath_, "它刚被别的程序改动，内容已损坏");
+    }
+    consoleLine(fmt::format("[archive] {}: 归档过程中被别的程序改动，合并两边的记录", indexPath_));
+    loadedVersion_ = reading.version;
+    if (reading.state == State::usable) index = mergedIndexes(index, std::move(reading.index));
+}
+
+void ArchiveDestination::failUnsaved(int error) const {
+    throw ArchiveAccessError("无法保存归档索引", indexPath_, error);
 }
 
 void ArchiveDestination::syncRoot() {
-    sync({root_, std::string(platform::parentPath(root_))});
-}
-
-void ArchiveDestination::sync(std::set<std::string> paths) {
-    runLimited(limit_, [paths = std::move(paths)](platform::FileLayer& files, JobLimit& limit) {
-        syncDirectories(files, paths, [&] { limit.restart(); });
+    const auto above = foldersAbove_;
+    runLimited(limit_, [above, folders = folders()](FileLayer& files, JobLimit& limit) {
+        syncDirectory(files, folders->root());
+        syncDirectories(files, above, [&] { limit.restart(); });
     });
 }
 

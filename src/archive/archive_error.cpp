@@ -1,5 +1,7 @@
 #include "archive/archive_error.h"
 
+#include <cerrno>
+
 #include <fmt/format.h>
 
 #include "records/error_reasons.h"
@@ -8,14 +10,20 @@ namespace corvane {
 
 namespace {
 
-const char* textOf(ArchiveError::Case kind) {
+const char* textOf(ArchiveError::Case kind, int errorNumber) {
     switch (kind) {
     case ArchiveError::Case::emlxParseFailed:
         return "无法解析 .emlx 文件结构";
     case ArchiveError::Case::writeVerificationFailed:
         return "写入后从磁盘校验内容不一致（数据未真正落盘）";
     case ArchiveError::Case::writeFailed:
-        return "写入文件失败";
+        return errorNumber == ENOSPC || errorNumber == EDQUOT ? "写入文件失败：磁盘已满，空间不足"
+                                                              : "写入文件失败";
+    case ArchiveError::Case::readTimedOut:
+        return "读取邮件文件超时（邮件所在的位置无响应），已跳过该邮件。";
+    case ArchiveError::Case::couldNotLook:
+        return "无法查看归档中已有的文件（目标位置没有给出回答，或文件还在云端），已跳过该邮件，没有写入任何"
+               "内容。";
     case ArchiveError::Case::writeTimedOut:
         break;
     }
@@ -25,8 +33,8 @@ const char* textOf(ArchiveError::Case kind) {
 
 } // namespace
 
-ArchiveError::ArchiveError(Case kind)
-  : std::runtime_error(textOf(kind))
+ArchiveError::ArchiveError(Case kind, int errorNumber)
+  : std::runtime_error(textOf(kind, errorNumber))
   , kind_(kind) {}
 
 ArchiveAccessError::ArchiveAccessError(std::string_view what, std::string_view path, std::string_view reason)

@@ -10,9 +10,17 @@ namespace corvane {
 // One message could not be archived.
 class ArchiveError : public std::runtime_error {
   public:
-    enum class Case { emlxParseFailed, writeVerificationFailed, writeFailed, writeTimedOut };
+    enum class Case {
+        emlxParseFailed,
+        writeVerificationFailed,
+        writeFailed,
+        writeTimedOut,
+        readTimedOut, // in Mail's store
+        couldNotLook, // at a file of the archive that belongs to the message
+    };
 
-    explicit ArchiveError(Case kind);
+    // With the errno of the cause the text says when the disk is full.
+    explicit ArchiveError(Case kind, int errorNumber = 0);
 
     [[nodiscard]] Case kind() const noexcept { return kind_; }
 

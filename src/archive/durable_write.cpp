@@ -2,48 +2,29 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <memory>
+#include <cstddef>
 #include <system_error>
 
 #include <fcntl.h>
 #include <fmt/format.h>
 
 #include "archive/archive_error.h"
+#include "platform/files/file_look.h"
+#include "platform/files/layer_descriptor.h"
+#include "platform/files/layer_reading.h"
 #include "records/logs/console_log.h"
 
 namespace corvane::archive {
 
 namespace {
 
-constexpr std::size_t pieceBytes = std::size_t{1} << 20;
+using platform::FileIdentity;
+using platform::LayerDescriptor;
 
-// Closes a descriptor of a file layer.
-class OpenFile {
-  public:
-    OpenFile(platform::FileLayer& files, const std::string& path, int flags)
-      : files_(files)
-      , descriptor_(files.open(path, flags, 0644)) {}
-
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-
-    ~OpenFile() {
-        if (descriptor_ >= 0) files_.close(descriptor_);
-    }
-
-    [[nodiscard]] int get() const noexcept { return descriptor_; }
-
-    explicit operator bool() const noexcept { return descriptor_ >= 0; }
-
-  private:
-    platform::FileLayer& files_;
-    int descriptor_;
-};
-
-// The user's text names no cause, the log does.
-[[noreturn]] void failWrite(const char* step, const std::string& path) {
-    consoleLine(fmt::format("[archive] {} {}: {}", step, path, std::generic_category().message(errno)));
-    throw ArchiveError(ArchiveError::Case::writeFailed);
+// The log tells the step, the user's text no more than what the user can do something about.
+[[noreturn]] void failWrite(const char* step, const std::string& path, int error) {
+    consoleLine(fmt::format("[archive] {} {}: {}", step, path, std::generic_category().message(error)));
+    throw ArchiveError(ArchiveError::Case::writeFailed, error);
 }
 
 // Where the pieces of a file differ from the bytes that it should hold.
@@ -55,7 +36,10 @@ class Comparison {
     bool take(std::string_view piece) {
         const std::string_view expected = rest_.substr(0, piece.size());
         rest_.remove_prefix(expected.size());
-        if (piece == expected) return true;
+        if (piece == expected) {
+            if (isSame_) hash_.update(piece);
+            return true;
+        }
         isSame_ = false;
         isPart_ =
             piece.size() == expected.size() &&
@@ -68,66 +52,95 @@ class Comparison {
         return isPart_ ? DiskContent::unfinished : DiskContent::other;
     }
 
+    // Of what was read, as long as that was the same.
+    [[nodiscard]] platform::Sha256Digest hash() { return hash_.digest(); }
+
   private:
     std::string_view rest_;
+    platform::Sha256 hash_;
     bool isSame_ = true;
     bool isPart_ = true;
 };
 
-} // namespace
-
-void writePOSIXBlocking(platform::FileLayer& files, std::string_view bytes, const std::string& path) {
-    // Exclusively: a write that hung and comes back late must not cut a file that was proved meanwhile.
-    const OpenFile file(files, path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
-    if (!file) failWrite("open", path);
+// The step at which the write failed, null when it didn't; errno is that of the failure.
+const char* failedStep(platform::FileLayer& files, int file, std::string_view bytes) {
     while (!bytes.empty()) {
-        const ssize_t written = files.write(file.get(), bytes.data(), bytes.size());
-        if (written < 1) failWrite("write", path);
+        const ssize_t written = files.write(file, bytes.data(), bytes.size());
+        if (written < 1) return "write";
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
-    if (files.sync(file.get()) != 0) failWrite("fsync", path);
+    return files.sync(file) == 0 ? nullptr : "fsync";
+}
+
+} // namespace
+
+FileIdentity writePOSIXBlocking(platform::FileLayer& files, std::string_view bytes, const std::string& path) {
+    // Exclusively: a write that hung and comes back late must not cut a file that was proved meanwhile.
+    LayerDescriptor file(files, files.open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0644));
+    if (!file) failWrite("open", path, errno);
+    struct stat status{};
+    // Without its identity nobody could tell it from another file later, so it isn't removed either.
+    if (files.statOpen(file.get(), status) != 0) failWrite("stat", path, errno);
+    const auto identity = FileIdentity::of(status);
+    if (const char* step = failedStep(files, file.get(), bytes)) {
+        const int error = errno;
+        file.reset();
+        removeFile(files, path, identity);
+        failWrite(step, path, error);
+    }
+    return identity;
+}
+
+void removeFile(platform::FileLayer& files, const std::string& path, const FileIdentity& file) {
+    struct stat status{};
+    if (files.stat(path, status) == 0 && FileIdentity::of(status) == file) files.unlink(path);
 }
 
 bool readUncached(platform::FileLayer& files, const std::string& path, BeforeReading before,
-                  const std::function<bool(std::string_view)>& take) {
+                  const std::function<bool(std::string_view)>& take, FileStamp* stamp) {
     struct stat status{};
-    if (files.stat(path, status) != 0 || !S_ISREG(status.st_mode)) return false;
-    const OpenFile file(files, path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+    const auto file = platform::openRegularFile(files, path, platform::FinalLink::refuse, status);
     if (!file) return false;
     if (before == BeforeReading::flush && files.sync(file.get()) != 0) return false;
     files.bypassCache(file.get());
-    // Room for one byte more than the file has, so that a file of one piece is read in one go.
-    const auto room = std::min(pieceBytes, static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) + 1);
-    const auto buffer = std::make_unique_for_overwrite<char[]>(room);
-    while (true) {
-        const ssize_t got = files.read(file.get(), buffer.get(), room);
-        if (got <= 0) return got == 0;
-        if (!take({buffer.get(), static_cast<std::size_t>(got)})) return true;
-    }
+    if (stamp != nullptr) *stamp = {status.st_size, platform::modifiedNanoseconds(status)};
+    const auto size = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0));
+    errno = platform::readPieces(files, file.get(), size, take);
+    return errno == 0;
 }
 
-DiskContent contentOnDisk(platform::FileLayer& files, std::string_view bytes, const std::string& path,
+DiskReading contentOnDisk(platform::FileLayer& files, std::string_view bytes, const std::string& path,
                           BeforeReading before, const std::function<void()>& onProgress) {
     Comparison comparison(bytes);
-    const bool wasRead = readUncached(files, path, before, [&](std::string_view piece) {
+    FileStamp stamp;
+    const auto take = [&](std::string_view piece) {
         if (onProgress) onProgress();
         return comparison.take(piece);
-    });
-    return wasRead ? comparison.result() : DiskContent::unreadable;
+    };
+    if (!readUncached(files, path, before, take, &stamp)) return {};
+    DiskReading reading{.content = comparison.result(), .hash = {}, .stamp = {}};
+    if (reading.content != DiskContent::same) return reading;
+    reading.hash = comparison.hash();
+    reading.stamp = stamp;
+    return reading;
 }
 
 bool verifyOnDisk(platform::FileLayer& files, std::string_view bytes, const std::string& path,
                   const std::function<void()>& onProgress) {
-    return contentOnDisk(files, bytes, path, BeforeReading::nothing, onProgress) == DiskContent::same;
+    return contentOnDisk(files, bytes, path, BeforeReading::nothing, onProgress).content == DiskContent::same;
 }
 
 void syncDirectories(platform::FileLayer& files, const std::set<std::string>& paths,
                      const std::function<void()>& onProgress) {
     for (const std::string& path : paths) {
         if (onProgress) onProgress();
-        const OpenFile file(files, path, O_RDONLY | O_NONBLOCK);
-        if (file && files.fullSync(file.get()) != 0) files.sync(file.get());
+        const LayerDescriptor file(files, files.open(path, O_RDONLY | O_NONBLOCK, 0));
+        if (file) syncDirectory(files, file.get());
     }
+}
+
+int syncDirectory(platform::FileLayer& files, int folder) {
+    return files.fullSync(folder) == 0 || files.sync(folder) == 0 ? 0 : errno;
 }
 
 } // namespace corvane::archive

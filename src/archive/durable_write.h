@@ -1,27 +1,36 @@
 // Writing files whose originals may be deleted afterwards: a file counts only when its bytes have been forced
-// to storage and were read back from there. All of it blocks; none of it has a time limit of its own.
+// to storage and were read back from there. All of it blocks; none of it has a time limit of its own. Paths
+// may be relative to the folder of a platform::FolderFileLayer.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <set>
 #include <string>
 #include <string_view>
 
+#include "platform/files/file_identity.h"
 #include "platform/files/file_layer.h"
+#include "platform/files/sha256.h"
+#include "records/file_readings.h"
 
 namespace corvane::archive {
 
-// Makes a new file of these bytes and flushes it (fsync). Throws ArchiveError: writeFailed, also when
-// anything is at the path already, a link included. What a failed write leaves isn't removed.
-void writePOSIXBlocking(platform::FileLayer& files, std::string_view bytes, const std::string& path);
+// Makes a new file of these bytes and flushes it (fsync); returns which file it is. Throws ArchiveError:
+// writeFailed, also when anything is at the path already, a link included. What a failed write has made is
+// removed.
+platform::FileIdentity writePOSIXBlocking(platform::FileLayer& files, std::string_view bytes,
+                                          const std::string& path);
+
+// Removes the file, if it is this one.
+void removeFile(platform::FileLayer& files, const std::string& path, const platform::FileIdentity& file);
 
 // Reads a regular file past the cache in pieces of at most 1 MiB, and links aren't followed. `take` gets each
-// piece and returns whether to go on. False when the file can't be read to its end. `flush` forces the file
-// to storage first, and its failure is one too.
+// piece and returns whether to go on. False, with errno, when the file can't be read to its end. `flush`
+// forces the file to storage first, and its failure is one too. `stamp` gets size and time of the file that
+// was read.
 enum class BeforeReading { nothing, flush };
 bool readUncached(platform::FileLayer& files, const std::string& path, BeforeReading before,
-                  const std::function<bool(std::string_view)>& take);
+                  const std::function<bool(std::string_view)>& take, FileStamp* stamp = nullptr);
 
 enum class DiskContent {
     same,       // exactly the bytes
@@ -30,8 +39,15 @@ enum class DiskContent {
     unreadable,
 };
 
+struct DiskReading {
+    DiskContent content = DiskContent::unreadable;
+    // Of the bytes as they were read; both empty unless the content is the same.
+    platform::Sha256Digest hash{};
+    FileStamp stamp;
+};
+
 // Compares a file on the storage with the bytes. `onProgress` is called before each piece.
-DiskContent contentOnDisk(platform::FileLayer& files, std::string_view bytes, const std::string& path,
+DiskReading contentOnDisk(platform::FileLayer& files, std::string_view bytes, const std::string& path,
                           BeforeReading before, const std::function<void()>& onProgress);
 
 // The file's content on the storage is exactly these bytes.
@@ -42,5 +58,8 @@ bool verifyOnDisk(platform::FileLayer& files, std::string_view bytes, const std:
 // left.
 void syncDirectories(platform::FileLayer& files, const std::set<std::string>& paths,
                      const std::function<void()>& onProgress = {});
+
+// The same for an open folder. 0, or the errno of the failure.
+int syncDirectory(platform::FileLayer& files, int folder);
 
 } // namespace corvane::archive

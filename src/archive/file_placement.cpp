@@ -1,14 +1,15 @@
 #include "archive/file_placement.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <system_error>
 
 #include <fmt/format.h>
 
 #include "archive/archive_error.h"
 #include "archive/archive_naming.h"
-#include "archive/durable_write.h"
-#include "platform/files/directory.h"
+#include "platform/files/cloud_placeholder.h"
+#include "platform/files/folder_file_layer.h"
 #include "platform/paths.h"
 #include "platform/stop_watch.h"
 #include "records/logs/console_log.h"
@@ -17,102 +18,91 @@
 
 namespace corvane::archive {
 
-namespace {
-
-// Absent when the folder can't be listed.
-std::optional<std::unordered_set<std::string>> composedNamesIn(const std::string& folder) {
-    std::unordered_set<std::string> names;
-    const bool wasListed = platform::visitDirectory(
-        folder, [&](std::string_view name, unsigned char) { names.insert(text::canonicallyComposed(name)); });
-    if (!wasListed) return std::nullopt;
-    return names;
-}
-
-std::string systemReason() {
-    return std::generic_category().message(errno);
-}
-
-} // namespace
-
 FilePlacement::FilePlacement(platform::FileLayer& files, ArchiveFolders& folders, JobLimit& limit,
                              const std::string& relativePath, std::string_view bytes)
   : files_(files)
   , folders_(folders)
   , limit_(limit)
   , relativePath_(relativePath)
-  , bytes_(bytes)
-  , path_(folders.root.at(relativePath)) {}
+  , name_(platform::lastPathComponent(relativePath))
+  , bytes_(bytes) {}
 
 PlacedFile FilePlacement::place() {
     limit_.restart();
-    ArchiveFolders::Folder& folder = prepareFolder();
-    struct stat status{};
-    if (files_.stat(path_, status) != 0) {
-        if (errno != ENOENT) refuse(systemReason());
-    } else if (!isKnownBySpelling(folder)) {
-        result_.outcome = PlacedFile::Outcome::nameTaken;
-        return result_;
-    } else if (keepExisting(status)) {
-        result_.outcome = PlacedFile::Outcome::alreadyInPlace;
-        return result_;
-    }
-    write();
+    // Not with the root: where a disk has gone, its folder must not come up on the one below.
+    const std::string relativeFolder(platform::parentPath(relativePath_));
+    ArchiveFolders::Opened opened = folders_.make(files_, relativeFolder);
+    if (!opened.descriptor) refuseByError();
+    result_.folder = {relativeFolder, opened.known->identity};
+    platform::FolderFileLayer folder(files_, opened.descriptor.get());
+    placeIn(folder, opened);
     return result_;
 }
 
-ArchiveFolders::Folder& FilePlacement::prepareFolder() {
-    const std::string account(platform::parentPath(relativePath_));
-    if (const auto known = folders_.prepared.find(account); known != folders_.prepared.end()) {
-        return known->second;
+void FilePlacement::placeIn(platform::FileLayer& folder, ArchiveFolders::Opened& opened) {
+    struct stat status{};
+    if (folder.stat(name_, status) == 0) {
+        if (!isKnownBySpelling(opened)) {
+            result_.outcome = PlacedFile::Outcome::nameTaken;
+            return;
+        }
+        if (keepExisting(folder, status)) {
+            result_.outcome = PlacedFile::Outcome::alreadyInPlace;
+            return;
+        }
+    } else if (!isFree(folder)) {
+        result_.outcome = PlacedFile::Outcome::nameTaken;
+        return;
     }
-    // Not with the root: where a disk has gone, its folder must not come up on the one below.
-    const bool isYearSpelledSo = makeFolder(std::string(platform::parentPath(account)));
-    const bool isSpelledSo = makeFolder(account) && isYearSpelledSo;
-    return folders_.prepared[account] = {.isSpelledSo = isSpelledSo, .fileNames = {}};
+    write(folder);
 }
 
-// Makes the folder or finds it in place; whether its name on the disk is the given one.
-bool FilePlacement::makeFolder(const std::string& relativeFolder) {
-    const std::string folder = folders_.root.at(relativeFolder);
-    const bool isNew = files_.makeDirectory(folder, 0755) == 0;
-    if (!isNew && errno != EEXIST) refuse(systemReason());
-    if (!folders_.root.holdsFolder(folder)) refuse("not a folder of this archive");
-    if (isNew) return true;
-    const auto siblings = composedNamesIn(std::string(platform::parentPath(folder)));
-    return siblings && siblings->contains(text::canonicallyComposed(platform::lastPathComponent(folder)));
+// After a look that found no file; errno is that of the look.
+bool FilePlacement::isFree(platform::FileLayer& folder) {
+    if (errno != ENOENT) refuseByError();
+    struct stat status{};
+    if (folder.stat(platform::cloudPlaceholderPath(name_), status) == 0) return false;
+    // A name that is just short enough has none for its placeholder.
+    if (errno != ENOENT && errno != ENAMETOOLONG) refuseByError();
+    return true;
 }
 
-void FilePlacement::refuse(std::string_view reason) const {
-    consoleLine(fmt::format("[archive] {}: {}", path_, reason));
-    throw ArchiveError(ArchiveError::Case::writeFailed);
+void FilePlacement::refuse(std::string_view reason, int error) const {
+    consoleLine(fmt::format("[archive] {}: {}", relativePath_, reason));
+    throw ArchiveError(ArchiveError::Case::writeFailed, error);
 }
 
-bool FilePlacement::isKnownBySpelling(ArchiveFolders::Folder& folder) {
-    if (!folder.isSpelledSo) return false;
-    if (!folder.fileNames) folder.fileNames = composedNamesIn(std::string(platform::parentPath(path_)));
-    if (!folder.fileNames) refuse(systemReason());
-    return folder.fileNames->contains(text::canonicallyComposed(platform::lastPathComponent(path_)));
+void FilePlacement::refuseByError() const {
+    const int error = errno;
+    refuse(std::generic_category().message(error), error);
+}
+
+bool FilePlacement::isKnownBySpelling(ArchiveFolders::Opened& opened) {
+    ArchiveFolders::Known& known = *opened.known;
+    if (!known.isSpelledSo) return false;
+    if (!known.fileNames) known.fileNames = composedNamesIn(files_, opened.descriptor.get());
+    if (!known.fileNames) refuseByError();
+    return known.fileNames->contains(text::canonicallyComposed(name_));
 }
 
 // True when the file holds the bytes and is flushed; otherwise its place is free afterwards.
-bool FilePlacement::keepExisting(const struct stat& status) {
+bool FilePlacement::keepExisting(platform::FileLayer& folder, const struct stat& status) {
     if (!S_ISREG(status.st_mode)) refuse("not a regular file");
     auto content = DiskContent::other;
     if (static_cast<std::uint64_t>(status.st_size) <= bytes_.size()) {
-        const platform::StopWatch watch;
         // A killed run may have died before its flush.
-        content = contentOnDisk(files_, bytes_, path_, BeforeReading::flush, [this] { limit_.restart(); });
-        result_.verifying = watch.elapsed();
+        result_.reading = readBack(folder, BeforeReading::flush);
+        content = result_.reading.content;
     }
     limit_.restart();
     switch (content) {
     case DiskContent::same:
         return true;
     case DiskContent::unfinished:
-        if (files_.unlink(path_) != 0) refuse(systemReason());
+        if (folder.unlink(name_) != 0) refuseByError();
         return false;
     case DiskContent::other:
-        moveAside();
+        moveAside(folder);
         return false;
     case DiskContent::unreadable:
         break;
@@ -120,31 +110,39 @@ bool FilePlacement::keepExisting(const struct stat& status) {
     refuse("can't be read");
 }
 
-void FilePlacement::moveAside() {
+void FilePlacement::moveAside(platform::FileLayer& folder) {
     constexpr int mostTries = 1000;
-    const std::string_view stem = platform::withoutExtension(platform::lastPathComponent(path_));
+    const std::string_view stem = platform::withoutExtension(name_);
     for (int number = 1; number <= mostTries; ++number) {
         const std::string tail =
             number == 1 ? "（原有文件）.eml" : fmt::format("（原有文件）-{}.eml", number);
         const std::string_view start = text::graphemePrefixWithinBytes(stem, maximumNameBytes - tail.size());
-        const std::string aside = platform::joinPath(platform::parentPath(path_), std::string(start) + tail);
+        const std::string aside = std::string(start) + tail;
         struct stat status{};
-        if (files_.stat(aside, status) == 0) continue;
-        if (errno != ENOENT || files_.rename(path_, aside) != 0) refuse(systemReason());
-        consoleLine(fmt::format("[archive] {}: 已有内容不同的文件，保留为 {}", path_, aside));
+        if (folder.stat(aside, status) == 0) continue;
+        if (errno != ENOENT || folder.rename(name_, aside) != 0) refuseByError();
+        consoleLine(fmt::format("[archive] {}: 已有内容不同的文件，保留为 {}", relativePath_, aside));
         return;
     }
     refuse("too many files of this name");
 }
 
-void FilePlacement::write() {
+void FilePlacement::write(platform::FileLayer& folder) {
     limit_.restart();
-    writePOSIXBlocking(files_, bytes_, path_);
+    const platform::FileIdentity file = writePOSIXBlocking(folder, bytes_, name_);
     limit_.restart();
+    result_.reading = readBack(folder, BeforeReading::nothing);
+    if (result_.reading.content == DiskContent::same) return;
+    removeFile(folder, name_, file);
+    throw ArchiveError(ArchiveError::Case::writeVerificationFailed);
+}
+
+DiskReading FilePlacement::readBack(platform::FileLayer& folder, BeforeReading before) {
     const platform::StopWatch watch;
-    const bool isProved = verifyOnDisk(files_, bytes_, path_, [this] { limit_.restart(); });
+    const auto restart = [this] { limit_.restart(); };
+    const DiskReading reading = contentOnDisk(folder, bytes_, name_, before, restart);
     result_.verifying += watch.elapsed();
-    if (!isProved) throw ArchiveError(ArchiveError::Case::writeVerificationFailed);
+    return reading;
 }
 
 } // namespace corvane::archive

@@ -8,47 +8,35 @@
 #pragma once
 
 #include <chrono>
-#include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
-#include <unordered_set>
 
-#include "archive/archive_root.h"
-#include "archive/message_extraction.h"
+#include "archive/archive_folders.h"
+#include "archive/durable_write.h"
 #include "archive/time_limited_worker.h"
 #include "platform/files/file_layer.h"
 
 namespace corvane::archive {
 
-// What a run has learned of the folders in an archive. Used by one thread at a time.
-struct ArchiveFolders {
-    struct Folder {
-        // False when the disk knows the folder by another spelling, as one without case does.
-        bool isSpelledSo = true;
-        std::optional<std::unordered_set<std::string>> fileNames; // composed; read when first needed
-    };
-
-    ArchiveRoot root;
-    std::unordered_map<std::string, Folder> prepared; // by relative path
-};
-
 struct PlacedFile {
     enum class Outcome {
         written,
         alreadyInPlace,
-        // On this disk the name means the file of another one that is spelled differently.
+        // The name isn't free: on this disk it means the file of another one that is spelled differently, or
+        // a cloud provider keeps that file elsewhere. Nothing was written.
         nameTaken,
     };
 
     Outcome outcome = Outcome::written;
+    // Of a file that is in its place: what was read back, and the folder that it is in.
+    DiskReading reading;
+    WrittenFolder folder;
     std::chrono::duration<double> verifying{};
 };
 
 class FilePlacement {
   public:
-    // `relativePath` is <year>/<account>/<name>.eml.
+    // `relativePath` is that of an .eml file below the root.
     FilePlacement(platform::FileLayer& files, ArchiveFolders& folders, JobLimit& limit,
                   const std::string& relativePath, std::string_view bytes);
 
@@ -56,20 +44,22 @@ class FilePlacement {
     PlacedFile place();
 
   private:
-    ArchiveFolders::Folder& prepareFolder();
-    bool makeFolder(const std::string& relativeFolder);
-    [[noreturn]] void refuse(std::string_view reason) const;
-    bool isKnownBySpelling(ArchiveFolders::Folder& folder);
-    bool keepExisting(const struct stat& status);
-    void moveAside();
-    void write();
+    void placeIn(platform::FileLayer& folder, ArchiveFolders::Opened& opened);
+    bool isFree(platform::FileLayer& folder);
+    bool isKnownBySpelling(ArchiveFolders::Opened& opened);
+    bool keepExisting(platform::FileLayer& folder, const struct stat& status);
+    void moveAside(platform::FileLayer& folder);
+    void write(platform::FileLayer& folder);
+    DiskReading readBack(platform::FileLayer& folder, BeforeReading before);
+    [[noreturn]] void refuse(std::string_view reason, int error = 0) const;
+    [[noreturn]] void refuseByError() const;
 
     platform::FileLayer& files_;
     ArchiveFolders& folders_;
     JobLimit& limit_;
     const std::string& relativePath_;
+    std::string name_;
     std::string_view bytes_;
-    std::string path_;
     PlacedFile result_;
 };
 

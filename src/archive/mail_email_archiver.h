@@ -24,6 +24,9 @@ struct ArchiverOptions {
     std::function<std::chrono::steady_clock::time_point()> clock = std::chrono::steady_clock::now;
     std::function<Date()> now;                          // empty: the system's
     std::function<void(const std::string&)> markHidden; // empty: no file is hidden
+    // Asks the cloud provider for a file that it keeps elsewhere; true when that is on its way. Empty: nobody
+    // can.
+    std::function<bool(const std::string& path)> bringFromCloud;
 };
 
 class MailEmailArchiver {

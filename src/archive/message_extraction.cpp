@@ -12,10 +12,14 @@ namespace corvane::archive {
 
 namespace {
 
-constexpr std::size_t comparedBodyBytes = 8192;
-
-bool haveEqualBodies(std::string_view a, std::string_view b) noexcept {
-    return a.size() == b.size() && a.substr(0, comparedBodyBytes) == b.substr(0, comparedBodyBytes);
+// What the first line of an .emlx file says; absent when it says nothing.
+std::optional<std::int64_t> announcedCount(std::string_view emlx) {
+    const std::size_t lineEnd = emlx.find('\n');
+    if (lineEnd == std::string_view::npos) return std::nullopt;
+    const std::string_view line = emlx.substr(0, lineEnd);
+    if (!text::isValidUtf8(line)) return std::nullopt;
+    const auto count = text::parseInteger(text::trimWhitespaceAndNewlines(line));
+    return count && *count >= 0 ? count : std::nullopt;
 }
 
 } // namespace
@@ -27,18 +31,27 @@ std::optional<MessageBytes> MessageBytes::fromEmlx(std::string file) {
     return MessageBytes{std::move(shared), *bytes};
 }
 
+std::string_view MessageBytes::body() const {
+    return bytes.substr(bodyStartIndex(bytes));
+}
+
 std::optional<std::string_view> messageData(std::string_view emlx) {
-    const std::size_t lineEnd = emlx.find('\n');
-    if (lineEnd == std::string_view::npos) return std::nullopt;
-    const std::string_view line = emlx.substr(0, lineEnd);
-    if (!text::isValidUtf8(line)) return std::nullopt;
-    const auto count = text::parseInteger(text::trimWhitespaceAndNewlines(line));
-    if (!count || *count < 0) return std::nullopt;
-    return emlx.substr(lineEnd + 1, static_cast<std::uint64_t>(*count));
+    const auto count = announcedCount(emlx);
+    if (!count) return std::nullopt;
+    return emlx.substr(emlx.find('\n') + 1, static_cast<std::uint64_t>(*count));
+}
+
+bool isWholeMessage(std::string_view emlx, std::string_view message) {
+    return announcedCount(emlx) == static_cast<std::int64_t>(message.size()) &&
+           message.find_first_not_of('\0') != std::string_view::npos;
 }
 
 std::size_t bodyStartIndex(std::string_view message) noexcept {
     std::size_t feed = message.find('\n');
+    if (feed == std::string_view::npos) {
+        const std::size_t blankLine = message.find("\r\r");
+        return blankLine == std::string_view::npos ? message.size() : blankLine + 2;
+    }
     while (feed != std::string_view::npos) {
         const std::string_view rest = message.substr(feed);
         if (rest.starts_with("\n\n")) return feed + 2;
@@ -48,15 +61,20 @@ std::size_t bodyStartIndex(std::string_view message) noexcept {
     return message.size();
 }
 
-void groupByBody(MessageBytes copy, std::vector<BodyGroup>& groups) {
-    const std::string_view body = copy.bytes.substr(bodyStartIndex(copy.bytes));
-    const auto group = std::ranges::find_if(
-        groups, [&](const BodyGroup& known) { return haveEqualBodies(known.body, body); });
-    if (group == groups.end()) {
-        groups.push_back({std::move(copy), body});
-    } else if (copy.bytes.size() > group->largest.bytes.size()) {
-        *group = {std::move(copy), body};
+std::vector<BodyGroup> groupByBody(const std::vector<MessageBytes>& copies) {
+    std::vector<BodyGroup> groups;
+    for (std::size_t copy = 0; copy < copies.size(); ++copy) {
+        const auto group = std::ranges::find_if(groups, [&](const BodyGroup& known) {
+            return copies[known.largest].body() == copies[copy].body();
+        });
+        if (group == groups.end()) {
+            groups.push_back({.copies = {copy}, .largest = copy});
+            continue;
+        }
+        group->copies.push_back(copy);
+        if (copies[copy].bytes.size() > copies[group->largest].bytes.size()) group->largest = copy;
     }
+    return groups;
 }
 
 } // namespace corvane::archive

@@ -19,6 +19,8 @@ struct MessageBytes {
 
     // Absent when the file can't be cut.
     static std::optional<MessageBytes> fromEmlx(std::string file);
+
+    [[nodiscard]] std::string_view body() const;
 };
 
 // The message in a whole .emlx file: its first line is a decimal count of bytes, which follow the line; a
@@ -26,19 +28,22 @@ struct MessageBytes {
 // when there is no line, no count or a negative one.
 std::optional<std::string_view> messageData(std::string_view emlx);
 
-// The position behind the first CR LF CR LF or LF LF; the size when there is neither.
+// Whether `message`, as it was cut out of this file, has all the bytes that the file's count promises, and
+// any byte other than zero.
+bool isWholeMessage(std::string_view emlx, std::string_view message);
+
+// The position behind the first CR LF CR LF or LF LF, in a message without any LF behind the first CR CR; the
+// size when there is none.
 std::size_t bodyStartIndex(std::string_view message) noexcept;
 
-// Copies with equal bodies. Of them only the largest is kept, the earliest among equals: a group never holds
-// more than one message in memory.
+// Copies with equal bodies, as positions among all copies. Headers, which Mail changes from mailbox to
+// mailbox, play no part.
 struct BodyGroup {
-    MessageBytes largest;
-    std::string_view body; // of `largest`
+    std::vector<std::size_t> copies; // ascending
+    std::size_t largest = 0;         // the earliest among equals
 };
 
-// Adds a copy to the group of its body, or a new group behind the others. Bodies count as equal when they
-// have the same length and the same first 8192 bytes; headers, which Mail changes from mailbox to mailbox,
-// play no part.
-void groupByBody(MessageBytes copy, std::vector<BodyGroup>& groups);
+// In the order in which the bodies come first. Bodies are equal when all their bytes are.
+std::vector<BodyGroup> groupByBody(const std::vector<MessageBytes>& copies);
 
 } // namespace corvane::archive

@@ -1,8 +1,12 @@
 #include "archive/archive_fixture.h"
 
+#include <cstdint>
 #include <filesystem>
+#include <set>
 
 #include <fmt/format.h>
+
+#include "records/content_hash.h"
 
 namespace corvane::testing {
 
@@ -67,6 +71,16 @@ EmailArchiveRunResult ArchiveFixture::archive(const MessageList& messages, platf
 
 EmailArchiveIndex ArchiveFixture::index() const {
     return readArchiveIndex(at("archive-index.json")).value();
+}
+
+void ArchiveFixture::expectEveryRecordProved() const {
+    std::set<std::string> ids;
+    for (const ArchivedEmailRecord& record : index().records) {
+        EXPECT_TRUE(ids.insert(record.id.str()).second) << record.id;
+        const std::string content = readWhole(at(record.emlRelativePath.view()));
+        EXPECT_EQ(static_cast<std::int64_t>(content.size()), record.sizeBytes) << record.id;
+        EXPECT_EQ(record.contentHash, SharedText(contentHashText(platform::sha256(content)))) << record.id;
+    }
 }
 
 } // namespace corvane::testing

@@ -40,6 +40,9 @@ class ArchiveFixture : public ::testing::Test {
     [[nodiscard]] ArchiverOptions options() const;
     [[nodiscard]] EmailArchiveIndex index() const;
 
+    // What a reader of the archive may always rely on: every record's file is there, with its size and hash.
+    void expectEveryRecordProved() const;
+
     [[nodiscard]] std::string at(std::string_view relativePath) const {
         return root + "/" + std::string(relativePath);
     }

@@ -13,6 +13,7 @@
 #include "archive/archive_fixture.h"
 #include "platform/files/directory.h"
 #include "platform/files/forwarding_file_layer.h"
+#include "records/content_hash.h"
 
 namespace corvane {
 namespace {
@@ -79,7 +80,8 @@ TEST_F(ArchiveRun, WritesTheCountedBytesAndTheRecordOfAMessage) {
                                        .emlRelativePath = firstPath,
                                        .archivedAt = now,
                                        .sourceCopyCount = 1,
-                                       .sourceCopiesIdentical = true};
+                                       .sourceCopiesIdentical = true,
+                                       .contentHash = SharedText(contentHashText(platform::sha256(text)))};
     EXPECT_EQ(archived.records.front(), expected);
     EXPECT_EQ(archived.createdAt, now);
     EXPECT_EQ(treeOf(root).size(), 2U);
@@ -141,7 +143,7 @@ TEST_F(ArchiveRun, KeepsEveryVariantOfAMessageWithDifferingCopies) {
 TEST_F(ArchiveRun, CopiesWithOneBodyBecomeTheLargestOfThem) {
     const std::string larger = mailText("v", "one", "X-Mailbox: 2\n");
     const auto message = store("v", "每周报告", {mailText("v", "one"), larger});
-    // Copies that are gone, can't be cut or aren't files are passed over.
+    // A copy that is gone is passed over; one that can't be cut or isn't a file is told.
     std::filesystem::remove(message.allMessageFileURLs()[0].path().str());
     auto withBroken = message;
     withBroken.relatedMessageFileURLs->push_back(FileURL(home.write("broken.emlx", "no count")));
@@ -150,7 +152,11 @@ TEST_F(ArchiveRun, CopiesWithOneBodyBecomeTheLargestOfThem) {
     withBroken.relatedMessageFileURLs->push_back(FileURL(home.at("fifo.emlx")));
     withBroken.relatedMessageFileURLs->push_back(FileURL(home.write("c.emlx", emlx(mailText("v", "one")))));
     const auto result = archive({withBroken});
-    EXPECT_EQ(countsOf(result), (Counts{1, 0, 0}));
+    EXPECT_EQ(countsOf(result), (Counts{1, 0, 1}));
+    std::vector<std::string> paths;
+    for (const EmailArchiveFailure& failure : result.failures)
+        paths.push_back(failure.messageFileURL.path().str());
+    EXPECT_EQ(paths, (std::vector{home.at("broken.emlx"), home.at("folder.emlx"), home.at("fifo.emlx")}));
     EXPECT_EQ(readWhole(at(firstPath)), larger);
     EXPECT_EQ(index().records[0].sourceCopyCount, 2);
     EXPECT_TRUE(index().records[0].sourceCopiesIdentical);
@@ -282,32 +288,33 @@ class CaselessLayer final : public platform::ForwardingFileLayer {
     CaselessLayer()
       : ForwardingFileLayer(platform::posixFileLayer()) {}
 
-    int open(const std::string& path, int flags, mode_t mode) override {
-        return ForwardingFileLayer::open(folded(path), flags, mode);
+    int openAt(int folder, const std::string& name, int flags, mode_t mode) override {
+        return ForwardingFileLayer::openAt(folder, folded(folder, name), flags, mode);
     }
 
-    int stat(const std::string& path, struct stat& result) override {
-        return ForwardingFileLayer::stat(folded(path), result);
+    int statAt(int folder, const std::string& name, struct stat& result) override {
+        return ForwardingFileLayer::statAt(folder, folded(folder, name), result);
     }
 
-    int makeDirectory(const std::string& path, mode_t mode) override {
-        return ForwardingFileLayer::makeDirectory(folded(path), mode);
+    int makeDirectoryAt(int folder, const std::string& name, mode_t mode) override {
+        return ForwardingFileLayer::makeDirectoryAt(folder, folded(folder, name), mode);
     }
 
-    int rename(const std::string& from, const std::string& to) override {
-        return ForwardingFileLayer::rename(folded(from), folded(to));
+    int renameAt(int folder, const std::string& from, const std::string& to) override {
+        return ForwardingFileLayer::renameAt(folder, folded(folder, from), folded(folder, to));
     }
 
-    int unlink(const std::string& path) override { return ForwardingFileLayer::unlink(folded(path)); }
+    int unlinkAt(int folder, const std::string& name) override {
+        return ForwardingFileLayer::unlinkAt(folder, folded(folder, name));
+    }
 
   private:
-    static std::string folded(const std::string& path) {
-        const auto parent = std::filesystem::path(path).parent_path();
-        std::error_code none;
-        for (const auto& entry : std::filesystem::directory_iterator(parent, none)) {
-            if (::strcasecmp(entry.path().c_str(), path.c_str()) == 0) return entry.path().string();
-        }
-        return path;
+    std::string folded(int folder, const std::string& name) {
+        std::string found = name;
+        list(folder, [&](std::string_view entry, unsigned char) {
+            if (::strcasecmp(std::string(entry).c_str(), name.c_str()) == 0) found = entry;
+        });
+        return found;
     }
 };
 
@@ -328,13 +335,20 @@ TEST_F(ArchiveRun, MailsWhoseNamesDifferInCaseOnlyStayApartOnADiskWithoutCase) {
 TEST_F(ArchiveRun, StartsAnewOverABrokenIndexAndKeepsItAside) {
     archive({store("a", "旧邮件")});
     const std::string good = readWhole(at("archive-index.json"));
+    std::vector<std::string> kept;
     for (const std::string& broken : {good.substr(0, good.size() - 3), std::string(), std::string("[]")}) {
         home.write("Archive/archive-index.json", broken);
         const auto result = archive({store("b")});
         EXPECT_EQ(result.failedCount, 0);
+        ASSERT_EQ(result.archiveWarnings.size(), 1U);
+        EXPECT_TRUE(result.hasIssues());
         ASSERT_EQ(index().records.size(), 1U);
         EXPECT_EQ(index().records[0].messageIdentifier, "b");
-        EXPECT_EQ(readWhole(at(".archive-index-damaged-20231114T221320Z.json")), broken);
+        kept.push_back(broken);
+        const std::string number = kept.size() == 1 ? "" : fmt::format("-{}", kept.size());
+        const std::string name = fmt::format(".archive-index-damaged-20231114T221320Z{}.json", number);
+        EXPECT_THAT(result.archiveWarnings[0], ::testing::HasSubstr(name));
+        EXPECT_EQ(readWhole(at(name)), broken);
         EXPECT_TRUE(platform::fileExists(at("2020/工作/2020-09-13 旧邮件.eml")));
     }
 }

@@ -80,7 +80,7 @@ TEST_F(DurableWrite, Write_FailsWhenAnyOperationBeforeTheCloseFails) {
         EXPECT_EQ(writeError(files, "bytes", path_), ArchiveError::Case::writeFailed);
         EXPECT_EQ(files.operationCount(FileOperation::open),
                   files.operationCount(FileOperation::close) + (operation == FileOperation::open ? 1 : 0));
-        std::filesystem::remove(path_);
+        EXPECT_FALSE(platform::fileExists(path_)) << "what the failed write has made";
     }
 }
 
@@ -112,10 +112,14 @@ TEST_F(DurableWrite, ContentOnDisk_TellsWhatAnInterruptedWriteLeavesFromAnything
     files.inject({.at = 2, .effect = Effect::shorten, .operation = FileOperation::read});
     for (const auto& [what, content, expected] : cases) {
         home_.write("x.eml", content);
-        EXPECT_EQ(contentOnDisk(files, bytes, path_, BeforeReading::flush, {}), expected) << what;
+        const DiskReading reading = contentOnDisk(files, bytes, path_, BeforeReading::flush, {});
+        EXPECT_EQ(reading.content, expected) << what;
+        const bool isSame = expected == DiskContent::same;
+        EXPECT_EQ(reading.hash, isSame ? platform::sha256(bytes) : platform::Sha256Digest()) << what;
+        EXPECT_EQ(reading.stamp.sizeBytes, isSame ? 1'500'003 : 0) << what;
         EXPECT_EQ(verifyOnDisk(files, bytes, path_), expected == DiskContent::same) << what;
     }
-    EXPECT_EQ(contentOnDisk(files, bytes, home_.at("none"), BeforeReading::flush, {}),
+    EXPECT_EQ(contentOnDisk(files, bytes, home_.at("none"), BeforeReading::flush, {}).content,
               DiskContent::unreadable);
 }
 

@@ -70,18 +70,31 @@ TEST(BodyStartIndex, EndsAtTheFirstBlankLineOfOneKindOfEnding) {
     for (const auto& [message, start] : cases) EXPECT_EQ(bodyStartIndex(message), start) << message;
 }
 
+TEST(IsWholeMessage, HasEveryByteOfTheCountAndOneThatIsNotZero) {
+    struct {
+        std::string file;
+        bool isWhole;
+    } const cases[] = {
+        {"3\nabc<plist>", true}, {"3 \r\nabc", true},          {"4\nabc", false},   {"250000\nabc", false},
+        {"0\n<plist>", false},   {"3\n\0\0\0<plist>"s, false}, {"3\n\0a\0"s, true},
+    };
+
+    for (const auto& [file, isWhole] : cases)
+        EXPECT_EQ(isWholeMessage(file, *messageData(file)), isWhole) << file;
+}
+
 std::vector<std::string> largestOfGroups(const std::vector<std::string>& messages) {
-    std::vector<BodyGroup> groups;
+    std::vector<MessageBytes> copies;
     for (const std::string& message : messages) {
-        groupByBody(*MessageBytes::fromEmlx(std::to_string(message.size()) + "\n" + message), groups);
+        copies.push_back(*MessageBytes::fromEmlx(std::to_string(message.size()) + "\n" + message));
     }
     std::vector<std::string> largest;
-    for (const BodyGroup& group : groups) largest.emplace_back(group.largest.bytes);
+    for (const BodyGroup& group : groupByBody(copies)) largest.emplace_back(copies[group.largest].bytes);
     return largest;
 }
 
-TEST(GroupByBody, ComparesLengthAndTheFirst8192BytesAndKeepsTheLargestCopy) {
-    const std::string start(8192, 'b');
+TEST(GroupByBody, ComparesAllBytesOfTheBodyAndKeepsTheLargestCopy) {
+    const std::string start(20'000, 'b');
 
     struct {
         const char* what;
@@ -97,11 +110,13 @@ TEST(GroupByBody, ComparesLengthAndTheFirst8192BytesAndKeepsTheLargestCopy) {
         {"another length",
          {"\n\n" + start + "1", "\n\n" + start + "12"},
          {"\n\n" + start + "1", "\n\n" + start + "12"}},
-        {"a difference at the last byte that counts",
-         {"\n\n" + start.substr(1) + "1tail", "\n\n" + start.substr(1) + "2tail"},
-         {"\n\n" + start.substr(1) + "1tail", "\n\n" + start.substr(1) + "2tail"}},
-        {"a difference behind it", {"\n\n" + start + "1", "\n\n" + start + "2"}, {"\n\n" + start + "1"}},
+        {"a difference at the last byte",
+         {"\n\n" + start + "1", "\n\n" + start + "2"},
+         {"\n\n" + start + "1", "\n\n" + start + "2"}},
         {"no blank line is an empty body", {"abc", "abcdef\n", ""}, {"abcdef\n"}},
+        {"lines that end in CR",
+         {"a: 1\r\rx\r", "a: 22\r\rx\r", "a: 1\r\ry\r"},
+         {"a: 22\r\rx\r", "a: 1\r\ry\r"}},
     };
 
     for (const auto& [what, copies, largest] : cases) EXPECT_EQ(largestOfGroups(copies), largest) << what;
