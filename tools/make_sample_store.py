@@ -37,6 +37,9 @@ def parser() -> argparse.ArgumentParser:
     result.add_argument("--server-only", type=percent, default=defaults.server_only_percent,
                         metavar="PERCENT", help="everyday messages without a file "
                                                 "(default %(default)s)")
+    result.add_argument("--inferred-accounts", action="store_true",
+                        help="leave the address of a large account to be inferred, and add a second "
+                             "local store")
     result.add_argument("--quiet", action="store_true", help="print nothing but errors")
     return result
 
@@ -68,7 +71,7 @@ def main() -> int:
     refuse_used_home(options.home)
     settings = Settings(options.messages, options.seed, options.files, options.odd,
                         options.manifest, options.wal, options.message_id_header,
-                        options.accounts_db, options.server_only)
+                        options.accounts_db, options.server_only, options.inferred_accounts)
     began = time.monotonic()
     try:
         counts = SampleStore(options.home, settings, options.quiet).make()

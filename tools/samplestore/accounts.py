@@ -20,6 +20,8 @@ ACCOUNTS = [
     ("copy", "imap", Person("李明", "liming2010@qingmail.example"), "华信（旧）", True),
     ("empty", "imap", Person("", "unused@unifield.example"), "Unused", True),
 ]
+# Only in a store whose accounts are to be inferred.
+SECOND_LOCAL_STORE = ("old", "local", Person("Ming Li", "mingli@brightpost.example"), "Old Mac", False)
 
 # Role and path; the roles decide what mail goes there.
 MAILBOXES = {
@@ -44,6 +46,7 @@ MAILBOXES = {
     ],
     "copy": [("inbox", "INBOX"), ("archive", "Archive"), ("sent", "Sent Messages")],
     "empty": [("inbox", "INBOX")],
+    "old": [("archive", "Archive 2012"), ("folder", "搬家")],
 }
 IMPORTED = {"Imported/Outlook 2012.mbox": True, "导入": "YES", "INBOX": False}
 
@@ -53,18 +56,20 @@ def stable_uuid(*parts: object) -> str:
     return str(uuid.UUID(bytes=digest, version=4)).upper()
 
 
-def make_accounts(seed: int) -> dict[str, Account]:
+def make_accounts(seed: int, inferred: bool = False) -> dict[str, Account]:
     accounts = {}
     rowid = 0
-    for key, scheme, owner, label, inner_level in ACCOUNTS:
+    for key, scheme, owner, label, inner_level in ACCOUNTS + [SECOND_LOCAL_STORE] * inferred:
         account = Account(key, stable_uuid(seed, key), scheme, owner, label, owner.address,
                           inner_level=inner_level)
         for role, path in MAILBOXES[key]:
             rowid += 1
             account.mailboxes.append(make_mailbox(rowid, account, role, path, seed))
         accounts[key] = account
-    accounts["local"].address = None
-    accounts["local"].linked_address = accounts["work"].address
+    for local, linked in (("local", "work"), ("old", "home")):
+        if local in accounts:
+            accounts[local].address = None
+            accounts[local].linked_address = accounts[linked].address
     return accounts
 
 

@@ -20,9 +20,10 @@ TYPES = ["com.apple.account.IMAP", "com.apple.account.Exchange", "com.apple.acco
          "com.apple.account.CalDAV"]
 
 
-def write_accounts_db(path: str, accounts: dict[str, Account]) -> None:
+def write_accounts_db(path: str, accounts: dict[str, Account], inferred: bool = False) -> None:
     """Each address comes another way: from the user name, the parent account, the description. The
-    redundant account and the local store are unknown here, as after they were removed."""
+    redundant account and the local store are unknown here, as after they were removed. With
+    `inferred` so is a large account, whose address only its mail tells."""
     work, home, exchange = accounts["work"], accounts["home"], accounts["exchange"]
     parent = "0D7A1B52-6E1C-4F0A-9C55-2A1F0F5E7C11"
     rows = [
@@ -34,6 +35,8 @@ def write_accounts_db(path: str, accounts: dict[str, Account]) -> None:
         (6, 1, None, "Unused", accounts["empty"].uuid, accounts["empty"].address),
         (7, 4, None, "no identifier", None, "nobody@unifield.example"),
     ]
+    if inferred:
+        rows = [row for row in rows if row[4] != home.uuid]
     db = sqlite3.connect(path, isolation_level=None)
     db.executescript("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; BEGIN;" + SCHEMA)
     db.executemany("INSERT INTO ZACCOUNTTYPE VALUES (?, 4, 1, ?, ?)",

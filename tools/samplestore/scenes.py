@@ -18,13 +18,14 @@ FIRST_DAY = calendar.timegm((2010, 1, 1, 0, 0, 0))
 LAST_DAY = calendar.timegm((2025, 6, 30, 0, 0, 0))
 LOCAL_STORE_ENDS = calendar.timegm((2016, 1, 1, 0, 0, 0))
 
-ACCOUNT_WEIGHTS = {"work": 38, "home": 28, "exchange": 18, "local": 13, "copy": 3}
+ACCOUNT_WEIGHTS = {"work": 38, "home": 28, "exchange": 18, "local": 13, "copy": 3, "old": 6}
 LANGUAGES = {
     "work": (["zh", "en", "tw", "ja"], [70, 20, 5, 5]),
     "home": (["zh", "en", "tw"], [60, 30, 10]),
     "exchange": (["en", "zh", "ja"], [75, 20, 5]),
     "local": (["zh", "en", "tw"], [80, 15, 5]),
     "copy": (["zh", "en"], [80, 20]),
+    "old": (["zh", "en"], [60, 40]),
 }
 ZONES = {"zh": [8], "tw": [8], "ja": [9], "en": [0, 1, 2, -5, -8]}
 MAILERS = ["Apple Mail (2.3445.104.11)", "Foxmail 7.2.25", "Microsoft Outlook 16.0", "QingMail 5.1"]
@@ -74,7 +75,8 @@ class Scenes:
                          self.wording.body(lang, sender.name), self.date(account), lang)
 
     def account(self) -> Account:
-        key = self.rng.choices(list(ACCOUNT_WEIGHTS), list(ACCOUNT_WEIGHTS.values()))[0]
+        weights = {key: weight for key, weight in ACCOUNT_WEIGHTS.items() if key in self.accounts}
+        key = self.rng.choices(list(weights), list(weights.values()))[0]
         # The redundant account must stay at least three quarters a copy of the work account.
         if key == "copy" and self._shared_with_copy < 3 * (self._only_in_copy + 1):
             key = "work"
@@ -82,7 +84,7 @@ class Scenes:
         return self.accounts[key]
 
     def date(self, account: Account) -> int:
-        last = LOCAL_STORE_ENDS if account.key == "local" else LAST_DAY
+        last = LOCAL_STORE_ENDS if account.scheme == "local" else LAST_DAY
         # More mail in later years.
         return FIRST_DAY + int((last - FIRST_DAY) * self.rng.random() ** 0.75)
 
@@ -173,7 +175,7 @@ class Scenes:
         subject, date, prefix = wording.subject(lang), self.date(account), ""
         references: tuple[str, ...] = ()
         text = ""
-        outgoing = account.key != "local" and rng.random() < 0.4
+        outgoing = account.scheme != "local" and rng.random() < 0.4
         for _ in range(rng.randint(2, 7)):
             sender, to = (me, other) if outgoing else (other, me)
             body = wording.body(lang, sender.name)
@@ -186,12 +188,12 @@ class Scenes:
             references += (mail.message_id,)
             text, prefix = body, prefix or rng.choice(words.REPLY_PREFIXES[lang])
             date += int(rng.expovariate(1 / 70_000)) + 60
-            outgoing = not outgoing and account.key != "local"
+            outgoing = not outgoing and account.scheme != "local"
 
     def letter(self, account: Account) -> Iterator[Family]:
         rng, wording = self.rng, self.wording
         lang, me = self.language(account), account.owner
-        outgoing = account.key != "local" and rng.random() < 0.25
+        outgoing = account.scheme != "local" and rng.random() < 0.25
         other = wording.person(lang)
         sender, to = (me, other) if outgoing else (other, me)
         mail = self.mail(sender, [to, *wording.colleagues(lang, 1)], wording.subject(lang),

@@ -46,6 +46,7 @@ class Settings:
     message_id_header: bool = True
     accounts_db: bool = True
     server_only_percent: float = 12.0
+    inferred_accounts: bool = False
 
 
 def row_numbers(count: int, rng: random.Random) -> Iterator[int]:
@@ -66,7 +67,7 @@ class SampleStore:
         self._settings = settings
         self._quiet = quiet
         self._folders = MailFolders(home)
-        self._accounts = make_accounts(settings.seed)
+        self._accounts = make_accounts(settings.seed, settings.inferred_accounts)
         self._places = odd_mailboxes(self._accounts) if settings.odd else {}
         wording = Wording(self._rng("wording"), min(4000, 120 + settings.messages // 50))
         self._scenes = Scenes(self._rng("scenes"), wording, self._accounts,
@@ -232,4 +233,4 @@ class SampleStore:
     def _write_accounts(self) -> None:
         self._folders.make("Library/Accounts")
         path = os.path.join(self._home, "Library/Accounts/Accounts4.sqlite")
-        write_accounts_db(path, self._accounts)
+        write_accounts_db(path, self._accounts, self._settings.inferred_accounts)
