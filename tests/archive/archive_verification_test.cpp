@@ -1,13 +1,21 @@
 #include "archive/archive_verification.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
 #include <filesystem>
+#include <optional>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "archive/archive_destination.h"
 #include "archive/archive_error.h"
 #include "archive/archive_fixture.h"
+#include "archive/archive_sums.h"
+#include "platform/files/sha256.h"
+#include "records/content_hash.h"
 
 namespace corvane {
 namespace {
@@ -20,8 +28,22 @@ using testing::readWhole;
 class VerificationOfAnArchive : public testing::ArchiveFixture {
   protected:
     void SetUp() override {
-        archive({store("a", "一"), store("b", "二"), store("", "三", {"From: x\n\nno id"}),
+        archive({store("a", "一", {mailText("a", "body of a\n", "Subject: 一\n")}),
+                 store("b", "二", {mailText("b", "body of b\n", "Subject: 二\n")}),
+                 store("", "三", {"From: x\n\nno id"}),
                  store("v", "四", {mailText("v", "one"), mailText("v", "other")})});
+        forgetHashes();
+    }
+
+    // As indexes of older versions are.
+    void forgetHashes() {
+        rewriteIndex([](EmailArchiveIndex& changed) {
+            for (ArchivedEmailRecord& record : changed.records) record.contentHash.reset();
+        });
+    }
+
+    ArchiveVerification recordHashes(platform::FileLayer& files = platform::posixFileLayer()) {
+        return verifyArchive(root, {}, {}, files, HashRecording{});
     }
 
     void rewriteIndex(const std::function<void(EmailArchiveIndex&)>& change) {
@@ -42,6 +64,7 @@ using Findings = std::map<std::string, Paths>;
 Findings findingsOf(const ArchiveVerification& found) {
     Findings findings{{"missing", found.missing},
                       {"sizeMismatch", found.sizeMismatch},
+                      {"altered", found.altered},
                       {"unindexed", found.unindexed},
                       {"identityMismatch", found.identityMismatch},
                       {"duplicatePaths", found.duplicatePaths},
@@ -60,6 +83,11 @@ TEST_F(VerificationOfAnArchive, OfAnArchiveAsWrittenFindsNothing) {
     std::int64_t bytes = 0;
     for (const ArchivedEmailRecord& record : index().records) bytes += record.sizeBytes;
     EXPECT_EQ(found.bytes, bytes);
+    EXPECT_EQ(found.unchecked, 5);
+    ASSERT_EQ(found.readings.size(), 5U);
+    EXPECT_EQ(found.readings[0].relativePath, first);
+    EXPECT_EQ(found.readings[0].reading.hash, platform::sha256(readWhole(at(first))));
+    EXPECT_EQ(found.readings[0].reading.stamp.sizeBytes, std::int64_t(readWhole(at(first)).size()));
 }
 
 TEST_F(VerificationOfAnArchive, NamesExactlyTheDamage) {
@@ -68,7 +96,8 @@ TEST_F(VerificationOfAnArchive, NamesExactlyTheDamage) {
     struct {
         const char* what;
         std::function<void()> damage;
-        Findings expected;
+        Findings expected; // of records without a hash
+        std::optional<Findings> withHashes{};
     } cases[] = {
         {"lost", [&] { std::filesystem::remove(at(first)); }, {{"missing", {first}}}},
         {"a folder in its place",
@@ -79,19 +108,31 @@ TEST_F(VerificationOfAnArchive, NamesExactlyTheDamage) {
          {{"missing", {first}}}},
         {"cut",
          [&] { std::filesystem::resize_file(at(first), text.size() - 1); },
-         {{"sizeMismatch", {first}}}},
+         {{"sizeMismatch", {first}}},
+         Findings{{"sizeMismatch", {first}}, {"altered", {first}}}},
         {"grown",
          [&] { std::filesystem::resize_file(at(first), text.size() + 1); },
-         {{"sizeMismatch", {first}}}},
+         {{"sizeMismatch", {first}}},
+         Findings{{"sizeMismatch", {first}}, {"altered", {first}}}},
+        {"a changed bit",
+         [&] {
+             std::string changed = text;
+             changed.back() ^= 1;
+             home.write("Archive/" + first, changed);
+         },
+         {},
+         Findings{{"altered", {first}}}},
         {"swapped for another mail",
          [&] {
              std::filesystem::copy_file(at(second), at(first),
                                         std::filesystem::copy_options::overwrite_existing);
          },
-         {{"identityMismatch", {first}}}},
+         {{"identityMismatch", {first}}},
+         Findings{{"altered", {first}}}},
         {"zeros",
          [&] { home.write("Archive/" + first, std::string(text.size(), '\0')); },
-         {{"identityMismatch", {first}}}},
+         {{"identityMismatch", {first}}},
+         Findings{{"altered", {first}}}},
         {"mail of nobody",
          [&] {
              home.write("Archive/2020/工作/more.EML", "x");
@@ -119,27 +160,77 @@ TEST_F(VerificationOfAnArchive, NamesExactlyTheDamage) {
              std::filesystem::remove(at(first));
              std::filesystem::create_hard_link(at(second), at(first));
          },
-         {{"identityMismatch", {first}}, {"duplicatePaths", {second}}}},
+         {{"identityMismatch", {first}}, {"duplicatePaths", {second}}},
+         Findings{{"altered", {first}}, {"duplicatePaths", {second}}}},
     };
 
     std::filesystem::copy(root, home.at("Start"), std::filesystem::copy_options::recursive);
-    for (auto& [what, damage, expected] : cases) {
-        SCOPED_TRACE(what);
-        std::filesystem::remove_all(root);
-        std::filesystem::copy(home.at("Start"), root, std::filesystem::copy_options::recursive);
-        damage();
-        const ArchiveVerification found = verifyArchive(root);
-        EXPECT_FALSE(found.isClean());
-        EXPECT_EQ(findingsOf(found), expected);
+    for (auto& [what, damage, expected, withHashes] : cases) {
+        for (const bool hasHashes : {false, true}) {
+            SCOPED_TRACE(what);
+            std::filesystem::remove_all(root);
+            std::filesystem::copy(home.at("Start"), root, std::filesystem::copy_options::recursive);
+            if (hasHashes) recordHashes();
+            damage();
+            const Findings& wanted = hasHashes && withHashes ? *withHashes : expected;
+            const ArchiveVerification found = verifyArchive(root);
+            EXPECT_EQ(findingsOf(found), wanted);
+            EXPECT_EQ(found.isClean(), wanted.empty());
+        }
     }
 }
 
-// An index holds sizes and identities, no checksums.
-TEST_F(VerificationOfAnArchive, CannotSeeAChangedByteOfTheBody) {
-    std::string text = readWhole(at(first));
-    text.back() ^= 1;
-    home.write("Archive/" + first, text);
-    EXPECT_TRUE(verifyArchive(root).isClean());
+TEST_F(VerificationOfAnArchive, RecordsTheHashesOfSoundFilesThatReadTheSameTwice) {
+    home.write("Archive/" + second, "From: a\n\ncut");
+    const ArchiveVerification found = recordHashes();
+    EXPECT_EQ(found.recorded, 4);
+    EXPECT_EQ(found.unchecked, 1);
+    for (const ArchivedEmailRecord& record : index().records) {
+        const std::string content = readWhole(at(record.emlRelativePath));
+        const bool isSound = record.emlRelativePath != second;
+        EXPECT_EQ(record.contentHash.has_value(), isSound);
+        if (isSound) {
+            EXPECT_EQ(record.contentHash, contentHashText(platform::sha256(content)));
+        }
+    }
+    EXPECT_EQ(recordHashes().recorded, 0);
+
+    forgetHashes();
+    FaultyFileLayer files;
+    const std::size_t readsOfOnePass = [&] {
+        verifyArchive(root, {}, {}, files);
+        return files.operationCount(FileOperation::read);
+    }();
+    files.inject(
+        {.at = readsOfOnePass + 1, .effect = testing::Effect::corrupt, .operation = FileOperation::read});
+    const ArchiveVerification unsteady = recordHashes(files);
+    EXPECT_EQ(unsteady.unreadable, Paths{first});
+    EXPECT_EQ(unsteady.recorded, 3);
+}
+
+TEST_F(VerificationOfAnArchive, RecordsNothingWhileSomebodyElseWrites) {
+    archive::ArchiveDestination other(platform::posixFileLayer(), root, std::chrono::seconds(25));
+    other.lock();
+    EXPECT_THROW(recordHashes(), ArchiveAccessError);
+    EXPECT_FALSE(index().records[0].contentHash);
+}
+
+TEST_F(VerificationOfAnArchive, GivesSumsThatOtherProgramsCheck) {
+    EXPECT_EQ(sumsOfArchive(root).withoutHash, 5);
+    recordHashes();
+    std::string lines;
+    for (const ArchiveSums::Sum& sum : sumsOfArchive(root).sums) lines += sumLine(sum) + "\n";
+    const std::string odd = "a\\b\nc.eml";
+    home.write("Archive/" + odd, "x");
+    lines += sumLine({odd, hexDigits(platform::sha256("x"))}) + "\n";
+    home.write("sums.txt", lines);
+    const std::string command =
+        "cd '" + root +
+        "' && sha256sum --status -c ../sums.txt && test $(sha256sum -c ../sums.txt | wc -l) = 6";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    EmailArchiveIndex hostile = index();
+    for (ArchivedEmailRecord& record : hostile.records) record.emlRelativePath = "../x";
+    EXPECT_TRUE(sumsOf(hostile).sums.empty());
 }
 
 TEST_F(VerificationOfAnArchive, NeverOpensAPathThatLeavesTheRoot) {

@@ -1,0 +1,216 @@
+#include "archive/archive_reader.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <exception>
+#include <filesystem>
+#include <iterator>
+#include <system_error>
+
+#include "archive/archive_error.h"
+#include "archive/durable_write.h"
+#include "platform/files/cloud_placeholder.h"
+#include "platform/files/directory.h"
+#include "platform/files/file_look.h"
+#include "platform/paths.h"
+#include "records/stores/archive_index_file.h"
+#include "text/case.h"
+#include "text/collation.h"
+
+namespace corvane::archive {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t headerBytes = 65536;
+
+bool isMailName(std::string_view name) {
+    return text::asciiLowercased(platform::pathExtension(name)) == "eml";
+}
+
+ArchiveReader::File::State lookFor(ArchiveRoot& root, const std::string& relativePath) {
+    using enum ArchiveReader::File::State;
+    if (!platform::isSafeRelativePath(relativePath)) return absent;
+    const std::string path = root.at(relativePath);
+    std::error_code error;
+    const fs::file_status status = fs::symlink_status(path, error);
+    if (status.type() == fs::file_type::none) return error.value() == ENAMETOOLONG ? absent : failed;
+    if (!fs::is_regular_file(status)) return absent;
+    return root.holdsFolder(std::string(platform::parentPath(path))) ? read : absent;
+}
+
+ArchiveReader::File readLimited(platform::FileLayer& files, JobLimit& limit, ArchiveRoot& root,
+                                const std::string& relativePath, std::int64_t largestBytes) {
+    ArchiveReader::File file;
+    file.state = lookFor(root, relativePath);
+    if (file.state != ArchiveReader::File::State::read) return file;
+    file.state = ArchiveReader::File::State::failed;
+    const std::string path = root.at(relativePath);
+    struct stat status{};
+    if (files.stat(path, status) == 0) {
+        file.stamp = {status.st_size, platform::modifiedNanoseconds(status)};
+        file.identity = {status.st_dev, status.st_ino};
+    }
+    if (file.stamp.sizeBytes > largestBytes) {
+        file.state = ArchiveReader::File::State::tooLarge;
+        return file;
+    }
+    platform::Sha256 hash;
+    const bool wasRead = readUncached(files, path, BeforeReading::nothing, [&](std::string_view piece) {
+        limit.restart();
+        file.start.append(piece.substr(0, headerBytes - std::min(headerBytes, file.start.size())));
+        file.bytesRead += static_cast<std::int64_t>(piece.size());
+        hash.update(piece);
+        return true;
+    });
+    if (wasRead) file.state = ArchiveReader::File::State::read;
+    file.hash = hash.digest();
+    return file;
+}
+
+} // namespace
+
+// One folder.
+struct ArchiveReader::Listing {
+    bool wasListed = false;
+    std::vector<std::string> folders;
+    std::vector<std::string> mails;
+    std::vector<std::string> inCloud;
+
+    void add(const ArchiveRoot& root, const std::string& folder, const platform::DirectoryEntry& entry) {
+        if (const auto name = platform::nameBehindPlaceholder(entry.name)) {
+            if (isMailName(*name)) inCloud.push_back(platform::joinPath(folder, *name));
+            return;
+        }
+        if (entry.name.starts_with('.')) return;
+        std::string path = platform::joinPath(folder, entry.name);
+        std::error_code ignored;
+        if (entry.kind == platform::EntryKind::directory) {
+            // A link could lead out of the archive, or round in it.
+            if (!fs::is_symlink(root.at(path), ignored)) folders.push_back(std::move(path));
+        } else if (isMailName(entry.name)) {
+            mails.push_back(std::move(path));
+        }
+    }
+};
+
+ArchiveReader::ArchiveReader(platform::FileLayer& files, std::string root, Limits limits)
+  : files_(files)
+  , root_(std::make_shared<ArchiveRoot>(root))
+  , path_(std::move(root))
+  , limits_(std::move(limits)) {}
+
+template <class Answer>
+Answer ArchiveReader::limited(std::function<Answer(platform::FileLayer&, JobLimit&)> job) {
+    const auto answer = std::make_shared<std::optional<Answer>>();
+    const bool hasEnded = worker_.run(
+        limits_.ofStep,
+        [answer, &files = files_, job = std::move(job)](JobLimit& limit) {
+            AbandonableFileLayer layer(files, limit);
+            try {
+                *answer = job(layer, limit);
+            } catch (const std::exception&) { // no memory, or no hash function
+                answer->reset();
+            }
+        },
+        limits_.stop);
+    if (hasEnded && *answer) return std::move(**answer);
+    if (limits_.stop.stop_requested()) throw ReadingStopped();
+    throw ArchiveAccessError("无法读取归档文件夹", path_, hasEnded ? ENOMEM : ETIMEDOUT);
+}
+
+EmailArchiveIndex ArchiveReader::readIndex() {
+    struct Reading {
+        int error = 0;
+        std::optional<EmailArchiveIndex> index;
+    };
+
+    const std::string path = platform::joinPath(path_, archiveIndexFileName);
+    Reading reading = limited<Reading>([path](platform::FileLayer& files, JobLimit&) {
+        struct stat status{};
+        if (files.stat(path, status) != 0) return Reading{errno, {}};
+        return Reading{0, readArchiveIndex(path)};
+    });
+    if (reading.error != 0) throw ArchiveAccessError("找不到归档索引", path, reading.error);
+    if (!reading.index) throw ArchiveAccessError("无法使用归档索引", path, "文件无法读取，或内容已损坏");
+    return std::move(*reading.index);
+}
+
+ArchiveReader::Index ArchiveReader::readIndexIfThere() {
+    struct Reading {
+        int error = 0;
+        Index index;
+    };
+
+    const std::string path = platform::joinPath(path_, archiveIndexFileName);
+    Reading reading = limited<Reading>([path](platform::FileLayer& files, JobLimit&) {
+        struct stat status{};
+        if (files.stat(path, status) == 0) {
+            if (!S_ISREG(status.st_mode) || !platform::canReadAByte(path)) return Reading{EIO, {}};
+            auto index = readArchiveIndex(path);
+            const bool isDamaged = !index;
+            return Reading{0, {std::move(index), isDamaged}};
+        }
+        if (errno != ENOENT) return Reading{errno, {}};
+        const bool isInCloud = files.stat(platform::cloudPlaceholderPath(path), status) == 0;
+        return Reading{isInCloud ? ENODATA : 0, {}};
+    });
+    if (reading.error != 0) throw ArchiveAccessError("无法读取归档索引", path, reading.error);
+    return std::move(reading.index);
+}
+
+ArchiveReader::File ArchiveReader::readFile(const std::string& relativePath, std::int64_t largestBytes) {
+    return limited<File>(
+        [root = root_, relativePath, largestBytes](platform::FileLayer& files, JobLimit& limit) {
+            return readLimited(files, limit, *root, relativePath, largestBytes);
+        });
+}
+
+bool ArchiveReader::isSurelyAbsent(const std::string& relativePath) {
+    return limited<bool>([root = root_, relativePath](platform::FileLayer&, JobLimit&) {
+        return lookFor(*root, relativePath) == File::State::absent;
+    });
+}
+
+ArchiveReader::Mails ArchiveReader::listMails(const std::function<void()>& onFolder) {
+    Mails mails;
+    std::vector<std::string> folders{""};
+    while (!folders.empty()) {
+        if (onFolder) onFolder();
+        const std::string folder = std::move(folders.back());
+        folders.pop_back();
+        Listing found = limited<Listing>([root = root_, folder](platform::FileLayer&, JobLimit& limit) {
+            Listing listing;
+            const auto entries = platform::listDirectory(root->at(folder), platform::HiddenEntries::include);
+            listing.wasListed = entries.has_value();
+            for (const auto& entry : entries.value_or(std::vector<platform::DirectoryEntry>())) {
+                limit.restart();
+                listing.add(*root, folder, entry);
+            }
+            return listing;
+        });
+        if (!found.wasListed) mails.unreadable.push_back(folder);
+        std::ranges::move(found.folders, std::back_inserter(folders));
+        std::ranges::move(found.mails, std::back_inserter(mails.paths));
+        std::ranges::move(found.inCloud, std::back_inserter(mails.inCloud));
+    }
+    std::ranges::sort(mails.paths);
+    std::ranges::sort(mails.inCloud);
+    return mails;
+}
+
+std::optional<std::pair<dev_t, ino_t>> ArchiveReader::identityOf(const std::string& relativePath) {
+    using Identity = std::optional<std::pair<dev_t, ino_t>>;
+    return limited<Identity>([root = root_, relativePath](platform::FileLayer& files, JobLimit&) -> Identity {
+        struct stat status{};
+        if (files.stat(root->at(relativePath), status) != 0) return std::nullopt;
+        return std::pair{status.st_dev, status.st_ino};
+    });
+}
+
+std::string pathKey(std::string_view relativePath) {
+    return text::canonicallyComposed(fs::path(relativePath).lexically_normal().string());
+}
+
+} // namespace corvane::archive
