@@ -19,6 +19,7 @@ using ::testing::ElementsAre;
 using testing::firstAccount;
 using ::testing::IsEmpty;
 using testing::localAccount;
+using ::testing::Optional;
 using ::testing::Pair;
 using testing::SampleMailStore;
 using testing::secondAccount;
@@ -171,12 +172,12 @@ TEST(YearCounts, CountMessagesOnceByLocalYearWithoutTrash) {
     store.add({.rowID = 8, .messageID = 15, .date = 0});
     store.close();
     EXPECT_THAT(indexedYearDistinctCounts(store.context, store.root, {}),
-                ElementsAre(Pair(2023, 1), Pair(2024, 2)));
+                Optional(ElementsAre(Pair(2023, 1), Pair(2024, 2))));
     EXPECT_THAT(
         indexedYearDistinctCounts(store.context, store.root, {std::string("imap://") + secondAccount}),
-        ElementsAre(Pair(2024, 1)));
+        Optional(ElementsAre(Pair(2024, 1))));
     EXPECT_THAT(undownloadedYearCounts(store.context, store.root, {}),
-                ElementsAre(Pair(2023, 1), Pair(2024, 1)));
+                Optional(ElementsAre(Pair(2023, 1), Pair(2024, 1))));
     EXPECT_EQ(queryOldestIndexedYear(store.context, store.root), 2001);
     const auto sample = sampleMessageFilePresence(store.root, url("imap", firstAccount, "INBOX"), {1, 3, 4});
     EXPECT_EQ(sample.present, 1);
@@ -188,23 +189,24 @@ TEST(YearCounts, CountMessagesOnceByLocalYearWithoutTrash) {
 TEST(AccountsAndYears, AreEmptyWithoutAnAnswer) {
     SampleMailStore store;
     store.home.makeFolder(std::string("Library/Mail/V10/") + firstAccount);
-    const auto expectNone = [&](const std::string& root) {
+    // An index that can't be asked isn't one without messages.
+    const auto expectNone = [&](const std::string& root, const std::optional<YearCounts>& counts) {
         EXPECT_THAT(queryAccounts(store.context, root), IsEmpty());
         EXPECT_THAT(queryFoldersByAccount(store.context, root), IsEmpty());
-        EXPECT_THAT(indexedYearDistinctCounts(store.context, root, {}), IsEmpty());
-        EXPECT_THAT(undownloadedYearCounts(store.context, root, {}), IsEmpty());
+        EXPECT_EQ(indexedYearDistinctCounts(store.context, root, {}), counts);
+        EXPECT_EQ(undownloadedYearCounts(store.context, root, {}), counts);
         EXPECT_EQ(queryOldestIndexedYear(store.context, root), std::nullopt);
     };
-    expectNone(store.root);
+    expectNone(store.root, YearCounts());
     store.execute("DROP TABLE messages");
     store.close();
-    expectNone(store.root);
+    expectNone(store.root, std::nullopt);
     store.platform.shell = store.home.at("missing");
-    expectNone(store.root);
+    expectNone(store.root, YearCounts());
     store.platform.shell = "/usr/bin/sqlite3";
     std::filesystem::remove(store.indexPath());
-    expectNone(store.root);
-    expectNone(store.home.at("missing"));
+    expectNone(store.root, YearCounts());
+    expectNone(store.home.at("missing"), YearCounts());
 }
 
 } // namespace

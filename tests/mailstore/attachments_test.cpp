@@ -104,7 +104,7 @@ TEST_F(StoredAttachments, ReplaceNamedOnesAndSmallPicturesDoNotCount) {
     ScanTimingMetrics timing;
     TextInterner texts;
     const auto record =
-        parseIndexedMessage(FileURL(SharedText(file)), candidate, found(file).files, {}, texts, timing);
+        parseIndexedMessage(FileURL(SharedText(file)), candidate, found(file).files, texts, timing);
     std::vector<std::string> told;
     for (const auto& attachment : record.attachments)
         told.push_back(fmt::format("{} {} {}", attachment.fileName, attachment.estimatedSize.value_or(-1),

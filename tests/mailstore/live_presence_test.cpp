@@ -128,6 +128,28 @@ TEST(LivePresence, AnyNumberOfSendersIsAsked) {
     EXPECT_THAT(store.contents(targets).value(), UnorderedElementsAre("0", "7999"));
 }
 
+// None of them makes the question fail, and each is found where it is there.
+TEST(LivePresence, OddSendersCostOnlyThemselves) {
+    using std::string_literals::operator""s;
+    const std::vector<std::string> senders = {std::string(300'000, 'x') + "@x.org",
+                                              "a\nb;\n.quit\n@x.org",
+                                              "a\r\nb@x.org",
+                                              "nul\0@x.org"s,
+                                              "o''b@x.org",
+                                              "plain@x.org"};
+    LiveStore store;
+    std::vector<ContentPresenceTarget> targets;
+    SharedTextSet all;
+    for (std::size_t i = 0; i < senders.size(); ++i) {
+        store.add({.rowID = static_cast<std::int64_t>(i) + 1, .senderAddress = senders[i]});
+        targets.push_back({std::to_string(i), senders[i], "subject", dateAt(startOf2024)});
+        all.insert(SharedText(std::to_string(i)));
+    }
+    store.close();
+    targets.push_back({"gone", "gone\0@x.org"s, "subject", dateAt(startOf2024)});
+    EXPECT_EQ(store.contents(targets), all);
+}
+
 TEST(LivePresence, NoAnswerIsNotAnEmptyOne) {
     const SharedTextSet identifiers = {"a@x"};
     const std::vector<ContentPresenceTarget> targets = {{"1", "a@x", "s", dateAt(startOf2024)}};

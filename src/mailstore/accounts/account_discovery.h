@@ -1,6 +1,5 @@
 // Which accounts the store has: those whose UUID names a folder or stands in the index, and that hold mail.
-// Nothing here throws for a source that fails: it contributes nothing. Every step is a process of its own:
-// background work; any thread.
+// A source that fails contributes nothing. Every step is a process of its own: background work; any thread.
 #pragma once
 
 #include <string>
@@ -11,7 +10,8 @@
 
 namespace corvane::mailstore {
 
-// The accounts with mail, as `sortAccounts` orders them. Empty without a usable index.
+// The accounts with mail, as `sortAccounts` orders them. Empty without a usable index. Throws
+// MailIndexQueryError (timedOut) when the index couldn't be looked at in time.
 std::vector<MailAccount> queryAccounts(const MailStoreContext& context, const std::string& rootPath);
 
 // Accounts by address, each followed by its local archives; local archives of no account at the end. Pure.

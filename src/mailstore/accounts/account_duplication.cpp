@@ -10,7 +10,7 @@
 #include "mailstore/folders/mailbox_url.h"
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/index_sql.h"
-#include "mailstore/index/sqlite_shell.h"
+#include "mailstore/index/shell_queries.h"
 #include "mailstore/reader_logs.h"
 
 namespace corvane::mailstore {

@@ -10,21 +10,33 @@
 
 #include "mailstore/folders/mailbox_url.h"
 #include "mailstore/folders/store_location.h"
-#include "mailstore/index/sqlite_shell.h"
+#include "mailstore/index/shell_queries.h"
 #include "mailstore/reader_logs.h"
 #include "platform/parallel.h"
 #include "text/case.h"
 #include "text/encoding.h"
 #include "text/regex.h"
 #include "text/split.h"
+#include "text/trim.h"
 
 namespace corvane::mailstore {
 
 namespace {
 
+// The first line that isn't empty, trimmed; nullopt without one, and after a failure. Throws as
+// runRawMultilineQuery.
+std::optional<std::string> firstLine(const MailStoreContext& context, const std::string& sql,
+                                     const std::string& index) {
+    const auto lines = runRawMultilineQuery(context, sql, index);
+    if (!lines) return std::nullopt;
+    const auto found = std::ranges::find_if(*lines, [](const std::string& line) { return !line.empty(); });
+    if (found == lines->end()) return std::nullopt;
+    return std::string(text::trimWhitespaceAndNewlines(*found));
+}
+
 // Lower-case scheme of one of the account's mailbox urls; empty when there is none.
 std::string sampleScheme(const MailStoreContext& context, const std::string& uuid, const std::string& index) {
-    const auto url = runRawQuery(
+    const auto url = firstLine(
         context, fmt::format("SELECT url FROM mailboxes WHERE url LIKE '%{}%' AND url != '' LIMIT 1;", uuid),
         index);
     const std::size_t end = url ? url->find("://") : std::string::npos;
@@ -97,7 +109,7 @@ std::map<std::string, std::int64_t> queryMessageCountPerUUID(const MailStoreCont
     std::map<std::string, std::int64_t> counts;
     if (uuids.empty()) return counts;
     // One pass over the messages for all accounts.
-    const auto answer = runRawQuery(
+    const auto answer = firstLine(
         context,
         fmt::format("WITH counts AS (SELECT mailbox, count(*) AS n FROM messages GROUP BY mailbox),\n"
                     "  uuids(uuid) AS (VALUES ('{}'))\n"

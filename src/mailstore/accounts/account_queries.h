@@ -1,6 +1,8 @@
 // What the index is asked about the accounts of the store, each known by the UUID in the urls of its
-// mailboxes. A question that fails or runs past the time limit contributes nothing: the result is empty or
-// leaves the account out. Every question is a process of its own: background work; any thread.
+// mailboxes. A question that fails contributes nothing: the result is empty or leaves the account out. Those
+// for the accounts themselves, their counts and schemes throw MailIndexQueryError (timedOut) at the time
+// limit, so that an account isn't taken for one without mail; an address that can't be inferred in time is
+// an unknown one. Every question is a process of its own: background work; any thread.
 #pragma once
 
 #include <cstdint>

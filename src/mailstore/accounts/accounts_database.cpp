@@ -9,7 +9,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "mailstore/index/sqlite_shell.h"
+#include "mailstore/index/shell_queries.h"
 #include "mailstore/property_list.h"
 #include "mailstore/reader_logs.h"
 #include "platform/files/directory.h"
@@ -68,7 +68,7 @@ SystemAccounts readAccounts(const MailStoreContext& context, const std::string& 
     for (const char* name : {"Accounts4.sqlite", "Accounts3.sqlite"}) {
         const std::string path = platform::joinPath(home, fmt::format("Library/Accounts/{}", name));
         if (!platform::fileExists(path)) continue;
-        const auto output = runUnlimitedQuery(context, accountsQuery, path);
+        const auto output = runLongQuery(context, accountsQuery, path);
         logDatabase(fmt::format("{}: {}", path, output ? "已读取" : "读取失败"));
         if (output && !output->empty()) return parseAccounts(*output);
     }

@@ -48,11 +48,14 @@ LEFT JOIN subjects sub ON sub.ROWID = m.subject
 LEFT JOIN addresses senderAddress ON senderAddress.ROWID = m.sender
 LEFT JOIN message_global_data globalData ON globalData.message_id = m.message_id
 WHERE COALESCE(NULLIF(m.display_date, 0), NULLIF(m.date_received, 0), NULLIF(m.date_sent, 0), 0) > 0{year}{account}
-{attachment}
+{attachment}{range}
 GROUP BY m.ROWID, mb.url
-ORDER BY COALESCE(NULLIF(m.display_date, 0), NULLIF(m.date_received, 0), NULLIF(m.date_sent, 0), 0) DESC
+ORDER BY {order}
 ;
 )";
+
+constexpr std::string_view newestFirst =
+    "COALESCE(NULLIF(m.display_date, 0), NULLIF(m.date_received, 0), NULLIF(m.date_sent, 0), 0) DESC";
 
 constexpr std::string_view attachmentCondition = R"(  AND EXISTS (
     SELECT 1
@@ -74,16 +77,29 @@ std::string yearCondition(std::int64_t maximumYear) {
                        end.time_since_epoch().count());
 }
 
-} // namespace
-
-std::string candidateQuery(const CandidateFilter& filter, bool hasMessageIDHeader) {
+std::string candidateQuery(const CandidateFilter& filter, bool hasMessageIDHeader, const std::string& range,
+                           std::string_view order) {
     const std::string account = accountCondition(filter.accountURLPrefixes);
     return fmt::format(
         query,
         fmt::arg("messageID", hasMessageIDHeader ? "COALESCE(globalData.message_id_header, '')" : "''"),
         fmt::arg("year", filter.maximumYear ? yearCondition(*filter.maximumYear) : ""),
         fmt::arg("account", account.empty() ? "" : "\n          " + account),
-        fmt::arg("attachment", filter.requireIndexedAttachments ? attachmentCondition : ""));
+        fmt::arg("attachment", filter.requireIndexedAttachments ? attachmentCondition : ""),
+        fmt::arg("range", range), fmt::arg("order", order));
+}
+
+} // namespace
+
+std::string candidateQuery(const CandidateFilter& filter, bool hasMessageIDHeader) {
+    return candidateQuery(filter, hasMessageIDHeader, "", newestFirst);
+}
+
+// The order is the one in which the rows are grouped already: nothing is sorted, and rows come at once.
+std::string candidateQuery(const CandidateFilter& filter, bool hasMessageIDHeader, const RowIDRange& range) {
+    return candidateQuery(filter, hasMessageIDHeader,
+                          fmt::format("\n  AND m.ROWID >= {} AND m.ROWID <= {}", range.first, range.last),
+                          "m.ROWID, mb.url");
 }
 
 } // namespace corvane::mailstore

@@ -1,5 +1,8 @@
 #include "mailstore/index/excluded_mailboxes.h"
 
+#include <chrono>
+#include <string_view>
+
 #include <fmt/format.h>
 
 #include "mailstore/folders/trash_junk_mailboxes.h"
@@ -11,39 +14,57 @@ namespace corvane::mailstore {
 
 namespace {
 
-std::set<std::int64_t> readTrashAndJunk(const std::string& name, ReadOnlyConnection::NameKind kind) {
-    const ReadOnlyConnection connection(name, kind);
+std::set<std::int64_t> readTrashAndJunk(const MailStoreContext& context, const std::string& name,
+                                        ReadOnlyConnection::NameKind kind) {
+    const ReadLimit limit{std::chrono::steady_clock::now() + context.longQueryTimeLimit, context.stop};
+    const ReadOnlyConnection connection(name, kind, limit);
     Statement mailboxes(connection, "SELECT ROWID, url FROM mailboxes;");
     std::set<std::int64_t> ids;
     while (mailboxes.step()) {
         const auto url = mailboxes.text(1);
         if (url && isTrashOrJunkMailbox(*url)) ids.insert(mailboxes.integer(0));
     }
+    if (mailboxes.status() != SQLITE_DONE) {
+        throw SqliteError(SqliteError::Step::read, mailboxes.status(), sqlite3_errmsg(connection.handle()));
+    }
     return ids;
 }
 
-std::set<std::int64_t> readTrashAndJunkQuietly(const std::string& path, const std::string& temporaryFolder) {
+std::set<std::int64_t> readTrashAndJunkQuietly(const MailStoreContext& context, const std::string& path) {
     using NameKind = ReadOnlyConnection::NameKind;
-    const QuietDatabase database(path, temporaryFolder);
+    if (!consistsOfFiles(path)) throw SqliteError(SqliteError::Step::open, SQLITE_CANTOPEN, noDatabaseFile);
+    const QuietDatabase database(path, context.platform.temporaryDirectory());
     if (database.isURI()) {
-        auto ids = readTrashAndJunk(database.name(), NameKind::uri);
+        auto ids = readTrashAndJunk(context, database.name(), NameKind::uri);
         if (!database.wasDisturbed()) return ids;
-        return readTrashAndJunk(path, NameKind::path);
+        return readTrashAndJunk(context, path, NameKind::path);
     }
-    return readTrashAndJunk(database.name(), NameKind::path);
+    return readTrashAndJunk(context, database.name(), NameKind::path);
+}
+
+std::string_view functionOf(SqliteError::Step step) {
+    switch (step) {
+    case SqliteError::Step::open:
+        return "open_v2";
+    case SqliteError::Step::prepare:
+        return "prepare_v2";
+    case SqliteError::Step::read:
+        break;
+    }
+    return "step";
 }
 
 } // namespace
 
-std::set<std::int64_t> trashAndJunkMailboxIDs(const MailStoreContext& context,
-                                              const std::string& envelopeIndexPath) {
+std::optional<std::set<std::int64_t>> trashAndJunkMailboxIDs(const MailStoreContext& context,
+                                                             const std::string& envelopeIndexPath) {
     try {
-        return readTrashAndJunkQuietly(envelopeIndexPath, context.platform.temporaryDirectory());
+        return readTrashAndJunkQuietly(context, envelopeIndexPath);
     } catch (const SqliteError& error) {
-        const char* step = error.step() == SqliteError::Step::open ? "open_v2" : "prepare_v2";
-        debugLog(context.support,
-                 fmt::format("trashAndJunkMailboxIDs sqlite3_{} failed error={}", step, error.what()));
-        return {};
+        debugLog(context.support, fmt::format("trashAndJunkMailboxIDs sqlite3_{} failed error={}",
+                                              functionOf(error.step()), error.what()));
+        if (error.isOfTheMoment()) return std::nullopt;
+        return std::set<std::int64_t>();
     }
 }
 

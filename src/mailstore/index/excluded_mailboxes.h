@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -9,10 +10,11 @@
 
 namespace corvane::mailstore {
 
-// Their ROWIDs, read from the index by SQLite's library. Empty after a failure, which is logged; a query then
-// runs without the exclusion.
-std::set<std::int64_t> trashAndJunkMailboxIDs(const MailStoreContext& context,
-                                              const std::string& envelopeIndexPath);
+// Their ROWIDs, read from the index by SQLite's library. Empty for an index that can't be opened or has no
+// such table, which is logged; a query then runs without the exclusion. Nullopt when there was no time to
+// look: the index is locked, the read met its limit, or a stop was requested.
+std::optional<std::set<std::int64_t>> trashAndJunkMailboxIDs(const MailStoreContext& context,
+                                                             const std::string& envelopeIndexPath);
 
 // The condition that leaves these mailboxes out, for the end of a WHERE clause; empty for the empty set.
 std::string mailboxExclusion(const std::set<std::int64_t>& mailboxIDs);

@@ -1,14 +1,25 @@
 #include "mailstore/index/index_sql.h"
 
+#include <iterator>
+
 #include <fmt/format.h>
 
 #include "mailstore/folders/mailbox_url.h"
-#include "text/split.h"
 
 namespace corvane::mailstore {
 
 std::string quotedText(std::string_view value) {
-    return text::replacingAll(value, "'", "''");
+    std::string quoted;
+    quoted.reserve(value.size());
+    for (const char c : value) {
+        if (c == '\'')
+            quoted += "''";
+        else if (c == '\0' || c == '\n' || c == '\r')
+            fmt::format_to(std::back_inserter(quoted), "'||char({})||'", static_cast<int>(c));
+        else
+            quoted += c;
+    }
+    return quoted;
 }
 
 std::string accountCondition(const std::vector<std::string>& accountURLPrefixes) {

@@ -8,7 +8,8 @@
 
 namespace corvane::mailstore {
 
-// The text with every "'" doubled; the quotes around it are the caller's.
+// The text for the inside of a literal; the quotes around it are the caller's. Line ends and NULs, which the
+// shell would change in what it reads, are put together from their numbers.
 std::string quotedText(std::string_view value);
 
 // "AND (...)" over `mb.url`; empty for no prefixes, which is every account.

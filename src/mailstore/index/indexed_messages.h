@@ -1,28 +1,31 @@
-// The messages that the index knows: what a scan lists without opening a message. Background
-// work; any thread.
+// The messages that the index knows: what a scan lists without opening a message. Any thread.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <exception>
-#include <functional>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "mailstore/folders/mailbox_url.h"
-#include "mailstore/index/candidate_query.h"
 #include "mailstore/index/json_rows.h"
-#include "mailstore/index/sqlite_shell.h"
-#include "mailstore/mail_store_context.h"
-#include "platform/files/temporary_file.h"
 #include "records/file_url.h"
 #include "records/mail_message_record.h"
 #include "text/shared_text.h"
 
 namespace corvane {
+
+// A date in the order of SQLite, whatever stands in its column: numbers by value, texts behind them. Of
+// texts, which Mail doesn't write there, the first eight bytes count.
+struct IndexedDate {
+    bool isText = false;
+    std::int64_t whole = 0;
+    double fraction = 0;
+
+    friend auto operator<=>(const IndexedDate&, const IndexedDate&) = default;
+};
 
 // One row of the index, while it is visited.
 struct IndexedMessageCandidate {
@@ -34,6 +37,7 @@ struct IndexedMessageCandidate {
     std::string_view senderAddress;
     std::string_view recipients;
     std::int64_t timestamp = 0;       // seconds since 1970
+    IndexedDate date{};               // the same as the index sorts it
     std::int64_t size = 0;            // bytes
     std::string_view messageIDHeader; // empty when the store lacks the column
 };
@@ -43,35 +47,24 @@ class ScanStopped : public std::exception {};
 
 namespace mailstore {
 
-// Runs the query and returns the file with its rows. The reader reads them while they come. Throws
-// MailIndexQueryError, with `timedOut` after the context's limit, and ScanStopped.
-platform::TemporaryFile runCandidateQuery(const MailStoreContext& context, const std::string& rootPath,
-                                          const CandidateFilter& filter, const std::stop_token& stop,
-                                          const OutputReader& readAhead = {});
-
 // Nullopt for a row without a ROWID. The texts are views into the row.
 std::optional<IndexedMessageCandidate> candidateOf(JsonRow& row);
-
-// Visits the candidates in the order of the query. Throws as above, behind the first candidates too when the
-// output is damaged.
-void visitIndexedCandidates(const MailStoreContext& context, const std::string& rootPath,
-                            const CandidateFilter& filter, const std::stop_token& stop,
-                            const std::function<void(const IndexedMessageCandidate&)>& visit);
 
 // The fields of a record that its mailbox decides.
 struct MailboxLabels {
     SharedText mailbox;
     std::optional<SharedText> accountIdentifier;
     std::optional<SharedText> accountName;
+
+    void applyTo(MailMessageRecord& record) const;
 };
 
 MailboxLabels mailboxLabels(std::string_view mailboxURL, const AccountNames& accountNamesByPrefix);
 
-// The record of a candidate, without reading the message. Senders and recipients recur in many records;
-// `texts` lets them share their characters.
+// The record of a candidate, without reading the message, and yet without the labels of its mailbox. Senders
+// and recipients recur in many records; `texts` lets them share their characters.
 MailMessageRecord recordFromCandidate(const IndexedMessageCandidate& candidate, const FileURL& fileURL,
-                                      std::vector<MailAttachmentRecord> attachments,
-                                      const MailboxLabels& labels, TextInterner& texts);
+                                      std::vector<MailAttachmentRecord> attachments, TextInterner& texts);
 
 } // namespace mailstore
 

@@ -31,18 +31,20 @@ class ObjectRow final : public JsonRow {
         return text;
     }
 
-    std::optional<std::int64_t> integer(std::string_view column) override {
+    std::optional<JsonNumber> number(std::string_view column) override {
         ondemand::value value;
-        std::int64_t whole = 0;
+        JsonNumber number;
         if (!find(column, value)) return std::nullopt;
-        if (value.get_int64().get(whole) == simdjson::SUCCESS) return whole;
+        if (value.get_int64().get(number.whole) == simdjson::SUCCESS) return number;
         // Not get_number(): simdjson 3.0.1 gives 0 there for a real of more than 19 digits, as the shell
         // writes them.
         constexpr double limit = 9223372036854775808.0;
         double real = 0;
         if (value.get_double().get(real) != simdjson::SUCCESS || !(std::abs(real) < limit))
             return std::nullopt;
-        return static_cast<std::int64_t>(real);
+        number.whole = static_cast<std::int64_t>(real);
+        number.fraction = real - static_cast<double>(number.whole);
+        return number;
     }
 
     [[nodiscard]] bool isDamaged() const { return isDamaged_; }
@@ -66,15 +68,15 @@ JsonRowFile::JsonRowFile(const std::string& path)
 
 // The shell puts every row on a line, and no string holds a raw line feed, so "}," at the end of a line with
 // "{" behind it lies between two rows. A whole array on one line becomes one piece.
-std::optional<JsonRowPiece> JsonRowFile::next(bool isComplete) {
+std::optional<JsonRowPiece> JsonRowFile::next() {
     while (readChunk()) {
         if (auto piece = cutWholeRows()) return piece;
     }
-    if (!isComplete || hasFailed_ || size_ == 0) return std::nullopt;
+    if (hasFailed_ || size_ == 0) return std::nullopt;
     return take(size_);
 }
 
-// False when there is less than a chunk: its bytes are kept for the next time.
+// False when there is less than a chunk.
 bool JsonRowFile::readChunk() {
     const std::size_t wanted = searched_ + chunkSize;
     buffer_.resize(wanted + simdjson::SIMDJSON_PADDING);
@@ -147,7 +149,7 @@ bool JsonRowParser::parse(const JsonRowPiece& piece, const JsonRowVisitor& visit
 bool readJsonRows(const std::string& path, const JsonRowVisitor& visit) {
     JsonRowFile file(path);
     JsonRowParser parser;
-    while (auto piece = file.next(true)) {
+    while (auto piece = file.next()) {
         if (!parser.parse(*piece, visit)) return false;
     }
     return !file.hasFailed();

@@ -13,6 +13,12 @@
 
 namespace corvane::mailstore {
 
+// A number between -2^63 and 2^63: its integer part, towards zero, and the rest.
+struct JsonNumber {
+    std::int64_t whole = 0;
+    double fraction = 0;
+};
+
 // One row. Asking for the columns in the order of the query costs least. The texts are valid during the
 // visit.
 class JsonRow {
@@ -22,8 +28,14 @@ class JsonRow {
     // Nullopt when the column is absent or of another type.
     virtual std::optional<std::string_view> text(std::string_view column) = 0;
 
-    // The integer part of a number. Nullopt when the column is absent, of another type or out of range.
-    virtual std::optional<std::int64_t> integer(std::string_view column) = 0;
+    // Nullopt when the column is absent, of another type or out of range.
+    virtual std::optional<JsonNumber> number(std::string_view column) = 0;
+
+    // The integer part of such a number.
+    std::optional<std::int64_t> integer(std::string_view column) {
+        const auto found = number(column);
+        return found ? std::optional(found->whole) : std::nullopt;
+    }
 };
 
 using JsonRowVisitor = std::function<void(JsonRow&)>;
@@ -34,15 +46,14 @@ struct JsonRowPiece {
     std::size_t length = 0;
 };
 
-// Cuts a file that may still be growing into pieces. One thread.
+// Cuts a file into pieces. One thread.
 class JsonRowFile {
   public:
     // A file that can't be opened has no pieces, and `hasFailed`.
     explicit JsonRowFile(const std::string& path);
 
-    // The next piece; nullopt when there isn't enough for one yet. Of a file that is complete every row
-    // comes; nullopt then means the end.
-    std::optional<JsonRowPiece> next(bool isComplete);
+    // The next piece; nullopt at the end, and after a failure.
+    std::optional<JsonRowPiece> next();
 
     // The file can't be read.
     [[nodiscard]] bool hasFailed() const { return hasFailed_; }

@@ -12,7 +12,7 @@
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/index_sql.h"
-#include "mailstore/index/sqlite_shell.h"
+#include "mailstore/index/shell_queries.h"
 #include "mime/header_decoding.h"
 #include "mime/message_identifiers.h"
 #include "text/case.h"
@@ -23,15 +23,23 @@ namespace corvane::mailstore {
 namespace {
 
 constexpr double widestDateDifference = 172'800;
-// A question is one argument of the shell, and the system takes none beyond 128 KiB.
-constexpr std::size_t senderListBytes = 96'000;
+// Each question reads all messages, so there are few of them; SQLite holds a list of this length twice.
+constexpr std::size_t senderListBytes = 8'000'000;
 
 std::string loweredAndTrimmed(std::string_view text) {
     return text::lowercased(text::trimWhitespaceAndNewlines(text));
 }
 
-std::string exclusionOf(const MailStoreContext& context, const std::string& index) {
-    return mailboxExclusion(trashAndJunkMailboxIDs(context, index));
+// Nullopt when the mailboxes couldn't be read: a message in the trash would count as present.
+std::optional<std::string> exclusionOf(const MailStoreContext& context, const std::string& index) {
+    const auto trashAndJunk = trashAndJunkMailboxIDs(context, index);
+    if (!trashAndJunk) return std::nullopt;
+    return mailboxExclusion(*trashAndJunk);
+}
+
+// What the shell's answer shows of an address: it ends at a NUL.
+std::string_view shownPart(std::string_view address) {
+    return address.substr(0, address.find('\0'));
 }
 
 // The quoted senders in lists that each fit a question.
@@ -95,8 +103,8 @@ class LiveContents {
     }
 
     [[nodiscard]] bool holds(const ContentPresenceTarget& target) const {
-        const auto found =
-            dates_.find(key(loweredAndTrimmed(target.senderAddress), loweredAndTrimmed(target.subject)));
+        const auto found = dates_.find(
+            key(shownPart(loweredAndTrimmed(target.senderAddress)), loweredAndTrimmed(target.subject)));
         if (found == dates_.end()) return false;
         const auto date = static_cast<double>(target.date.time_since_epoch().count());
         const auto earliest = std::ranges::lower_bound(found->second, date - widestDateDifference);
@@ -120,12 +128,14 @@ std::optional<SharedTextSet> liveMessageIdentifierPresence(const MailStoreContex
     SharedTextSet present;
     if (targetMessageIdentifiers.empty()) return present;
     const std::string index = envelopeIndexPath(rootPath);
+    const auto exclusion = exclusionOf(context, index);
+    if (!exclusion) return std::nullopt;
     const std::string sql =
         fmt::format("SELECT DISTINCT g.message_id_header AS messageId\n"
                     "FROM messages m\n"
                     "LEFT JOIN message_global_data g ON g.message_id = m.message_id\n"
                     "WHERE g.message_id_header IS NOT NULL AND g.message_id_header != '' {};",
-                    exclusionOf(context, index));
+                    *exclusion);
     const bool isWhole = runJSONRows(context, sql, index, [&](JsonRow& row) {
         const auto identifier = mime::normalizedMessageIdentifier(row.text("messageId").value_or(""));
         const auto target = identifier ? targetMessageIdentifiers.find(std::string_view(*identifier))
@@ -141,10 +151,11 @@ std::optional<SharedTextSet> liveMessagePresenceByContent(const MailStoreContext
                                                           const std::vector<ContentPresenceTarget>& targets) {
     if (!canQueryEnvelopeIndex(context, rootPath)) return std::nullopt;
     const std::string index = envelopeIndexPath(rootPath);
-    const std::string exclusion = exclusionOf(context, index);
+    const auto exclusion = exclusionOf(context, index);
+    if (!exclusion) return std::nullopt;
     LiveContents contents;
     for (const std::string& list : senderLists(targets)) {
-        if (!runJSONRows(context, contentQuery(list, exclusion), index,
+        if (!runJSONRows(context, contentQuery(list, *exclusion), index,
                          [&](JsonRow& row) { contents.add(row); }))
             return std::nullopt;
     }
@@ -162,15 +173,16 @@ std::optional<std::string> liveMessageOriginalIDHeader(const MailStoreContext& c
     const auto identifier = mime::normalizedMessageIdentifier(messageIdentifier);
     if (!identifier || !canQueryEnvelopeIndex(context, rootPath)) return std::nullopt;
     const std::string index = envelopeIndexPath(rootPath);
-    const std::string sql =
-        fmt::format("SELECT g.message_id_header AS hdr\n"
-                    "FROM messages m\n"
-                    "JOIN mailboxes mb ON mb.ROWID = m.mailbox\n"
-                    "LEFT JOIN message_global_data g ON g.message_id = m.message_id\n"
-                    "WHERE lower(trim(g.message_id_header, '<> \r\n\t')) = '{}' {}\n"
-                    "ORDER BY {} DESC\n"
-                    "LIMIT 1;",
-                    quotedText(*identifier), exclusionOf(context, index), messageDateExpression);
+    const auto exclusion = exclusionOf(context, index);
+    if (!exclusion) return std::nullopt;
+    const std::string sql = fmt::format("SELECT g.message_id_header AS hdr\n"
+                                        "FROM messages m\n"
+                                        "JOIN mailboxes mb ON mb.ROWID = m.mailbox\n"
+                                        "LEFT JOIN message_global_data g ON g.message_id = m.message_id\n"
+                                        "WHERE lower(trim(g.message_id_header, '<> ' || char(13, 10, 9))) = '{}' {}\n"
+                                        "ORDER BY {} DESC\n"
+                                        "LIMIT 1;",
+                                        quotedText(*identifier), *exclusion, messageDateExpression);
     std::optional<std::string> header;
     const bool isWhole = runJSONRows(context, sql, index, [&](JsonRow& row) {
         const auto text = row.text("hdr");

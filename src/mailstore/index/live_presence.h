@@ -1,6 +1,6 @@
 // Whether messages are in Mail now: asked of the live index, where trash and junk don't count. "No
-// answer" (nullopt) is not "not there" (an empty set), and callers must keep them apart. Background work
-// without a time limit; any thread.
+// answer" (nullopt) is not "not there" (an empty set), and callers must keep them apart. Background work,
+// long queries; any thread.
 #pragma once
 
 #include <optional>

@@ -1,5 +1,7 @@
 #include "mailstore/index/quiet_database.h"
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
 #include <system_error>
 #include <tuple>
@@ -58,6 +60,13 @@ std::shared_ptr<const DatabaseCopy> sharedCopy(const std::string& path, const st
 }
 
 } // namespace
+
+bool consistsOfFiles(const std::string& path) {
+    return std::ranges::all_of(std::array{"", "-wal", "-shm", "-journal"}, [&](const char* ending) {
+        const std::string file = path + ending;
+        return platform::isRegularFile(file) || !platform::fileExists(file);
+    });
+}
 
 QuietDatabase::QuietDatabase(std::string path, const std::string& temporaryFolder)
   : path_(std::move(path))

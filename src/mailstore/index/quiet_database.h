@@ -19,6 +19,13 @@
 
 namespace corvane::mailstore {
 
+// Whether the database and what SQLite opens beside it are regular files where they are there. The opening
+// of a pipe in the place of one would wait for its writer.
+bool consistsOfFiles(const std::string& path);
+
+// What is said of a database that doesn't, in the words that SQLite has for a folder.
+inline constexpr const char* noDatabaseFile = "unable to open database file";
+
 class QuietDatabase {
   public:
     // Looks at the files and, where needed, makes the copy in `temporaryFolder`. Without one the name is the

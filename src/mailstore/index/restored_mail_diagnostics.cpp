@@ -9,7 +9,7 @@
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/index_sql.h"
-#include "mailstore/index/sqlite_shell.h"
+#include "mailstore/index/shell_queries.h"
 #include "mailstore/index/year_counts.h"
 #include "mailstore/reader_logs.h"
 #include "text/encoding.h"
@@ -121,8 +121,7 @@ void logAccount(const MailStoreContext& context, const std::string& rootPath, co
 
 void logRestoredMailDiagnostics(const MailStoreContext& context, const std::string& rootPath,
                                 const std::vector<MailAccount>& accounts,
-                                const std::vector<std::string>& selectedPrefixes,
-                                const std::stop_token& stop) {
+                                const std::vector<std::string>& selectedPrefixes) {
     restoredMailDiagnosticLog(
         context.support,
         fmt::format("start log=~/Library/Application Support/Corvane/restore-scan-diagnostic.log selected={}",
@@ -133,10 +132,11 @@ void logRestoredMailDiagnostics(const MailStoreContext& context, const std::stri
         return;
     }
     const auto trashAndJunk = trashAndJunkMailboxIDs(context, envelopeIndexPath(rootPath));
+    if (!trashAndJunk) return; // the other log says so
     for (const MailAccount& account : accounts) {
-        if (stop.stop_requested()) return;
+        if (context.stop.stop_requested()) return;
         if (std::ranges::find(selectedPrefixes, account.urlPrefix) != selectedPrefixes.end())
-            logAccount(context, rootPath, account, trashAndJunk);
+            logAccount(context, rootPath, account, *trashAndJunk);
     }
 }
 

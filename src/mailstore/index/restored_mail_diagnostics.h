@@ -2,7 +2,6 @@
 // disk: for support, when mail was restored into Mail and a scan shows less than was expected.
 #pragma once
 
-#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -12,11 +11,9 @@
 namespace corvane::mailstore {
 
 // Writes the log of restored mail anew, for those of the accounts that are selected. Only reads the store;
-// failures are lines of the log. Background work without a time limit; a requested stop ends it between two
-// accounts.
+// failures are lines of the log. Background work, a long query for each account.
 void logRestoredMailDiagnostics(const MailStoreContext& context, const std::string& rootPath,
                                 const std::vector<MailAccount>& accounts,
-                                const std::vector<std::string>& selectedPrefixes,
-                                const std::stop_token& stop = {});
+                                const std::vector<std::string>& selectedPrefixes);
 
 } // namespace corvane::mailstore

@@ -1,19 +1,20 @@
 #include "mailstore/index/sqlite_shell.h"
 
-#include <algorithm>
+#include <cstddef>
+#include <map>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include <fmt/format.h>
 
 #include "mailstore/index/quiet_database.h"
 #include "mailstore/index/sqlite_connection.h"
-#include "mailstore/reader_logs.h"
 #include "platform/files/directory.h"
 #include "platform/processes/child_process.h"
-#include "records/logs/console_log.h"
+#include "platform/processes/timed_pipe.h"
 #include "text/charset.h"
-#include "text/encoding.h"
-#include "text/split.h"
+#include "text/mutex.h"
 #include "text/trim.h"
 
 namespace corvane::mailstore {
@@ -24,58 +25,101 @@ using Kind = ShellResult::Kind;
 using Clock = std::chrono::steady_clock;
 
 constexpr std::int64_t errorTextLimit = 65'536;
+// A view without an end must not fill the disk before its time is over.
+constexpr std::int64_t answerLimitBytes = std::int64_t(4) << 30;
+// So much of a database is mapped instead of copied page by page.
+constexpr std::int64_t mappedBytes = std::int64_t(1) << 30;
 
-// The options that the question is made of come first. "-init" keeps the user's own ~/.sqliterc, which could
-// change the form of the answer, from being read.
-std::vector<std::string> shellArguments(const ShellQuery& query, const std::string& databaseName) {
+// "-init" keeps the user's own ~/.sqliterc, which could change the form of the answer, from being read.
+std::vector<std::string> shellArguments(const ShellQuery& query, const std::string& databaseName,
+                                        bool hasSafeMode) {
     std::vector<std::string> arguments = {"-readonly"};
     if (query.format == ShellQuery::Format::json) arguments.emplace_back("-json");
-    arguments.insert(arguments.end(), {databaseName, query.sql, "-init", "/dev/null", "-cmd",
-                                       fmt::format(".timeout {}", busyPatience.count())});
+    arguments.push_back(databaseName);
+    if (hasSafeMode) arguments.emplace_back("-safe");
+    arguments.insert(arguments.end(), {"-bail", "-mmap", std::to_string(mappedBytes), "-init", "/dev/null",
+                                       "-cmd", fmt::format(".timeout {}", busyPatience.count()), "-cmd",
+                                       "PRAGMA trusted_schema=OFF;"});
     return arguments;
 }
 
-// The exit status; nullopt when the shell still runs at the deadline or at a stop. The reader looks in steps:
-// to be woken by each write of the shell, 4 KB, costs more than to read the rows.
-std::optional<int> waitAndRead(platform::ChildProcess& shell, Clock::time_point deadline,
-                               const std::stop_token& stop, const std::string& outputPath,
-                               const OutputReader& readAhead) {
-    constexpr std::chrono::milliseconds step{10};
-    if (!readAhead) return shell.waitUntil(deadline, stop);
-    bool hasMore = false;
-    while (true) {
-        const auto now = Clock::now();
-        const auto status = shell.waitUntil(std::min(deadline, hasMore ? now : now + step), stop);
-        if (status || stop.stop_requested() || Clock::now() >= deadline) return status;
-        hasMore = readAhead(outputPath);
+// The safe mode came with version 3.37. A shell is asked once a process; one that gives no answer in time
+// counts as one without, and is asked again. Throws std::system_error when it can't be started.
+bool hasSafeMode(const MailStoreContext& context) {
+    static text::Mutex mutex;
+    static std::map<std::string, bool> known GUARDED_BY(mutex);
+    const std::string path = context.platform.sqliteShellPath();
+    {
+        const text::MutexLock lock(mutex);
+        if (const auto found = known.find(path); found != known.end()) return found->second;
     }
+    platform::ChildProcess shell({.executable = path, .arguments = {"-safe", "-version"}, .environment = {}});
+    const auto status = shell.waitUntil(Clock::now() + context.queryTimeLimit, context.stop);
+    if (!status) return false;
+    const text::MutexLock lock(mutex);
+    return known[path] = *status == 0;
 }
 
-// Both streams go to files: a shell that writes much to either can't block.
-ShellResult superviseShell(platform::ChildProcess shell, const ShellQuery& query,
-                           platform::TemporaryFile output, platform::TemporaryFile errorOutput,
-                           const std::stop_token& stop, const OutputReader& readAhead) {
-    const auto deadline = query.timeLimit ? Clock::now() + *query.timeLimit : Clock::time_point::max();
-    const auto status = waitAndRead(shell, deadline, stop, output.path(), readAhead);
+// A shell with the files of its answer: a shell that writes much to either stream can't block.
+struct RunningShell {
+    platform::TemporaryFile output;
+    platform::TemporaryFile errorOutput;
+    platform::FileDescriptor input;
+    platform::ChildProcess process;
+};
+
+// Throws std::system_error when it can't be started.
+RunningShell startShell(const MailStoreContext& context, const ShellQuery& query,
+                        const std::string& databaseName, platform::TemporaryFile output,
+                        platform::TemporaryFile errorOutput) {
+    const bool isSafe = hasSafeMode(context);
+    platform::Pipe input = platform::makePipe();
+    platform::ChildProcess process({.executable = context.platform.sqliteShellPath(),
+                                    .arguments = shellArguments(query, databaseName, isSafe),
+                                    .standardInput = input.readEnd.get(),
+                                    .standardOutput = output.descriptor(),
+                                    .standardError = errorOutput.descriptor(),
+                                    .environment = {},
+                                    .isUpkeep = context.isUpkeep,
+                                    .fileSizeLimitBytes = answerLimitBytes});
+    return {std::move(output), std::move(errorOutput), std::move(input.writeEnd), std::move(process)};
+}
+
+// The exit status; nullopt when the shell still runs at the deadline or at a stop. One that ends before it
+// has read the statement tells why by its status.
+std::optional<int> sendAndWait(RunningShell& shell, const std::string& sql, Clock::time_point deadline,
+                               const std::stop_token& stop) {
+    using platform::PipeOutcome;
+    const PipeOutcome sent = platform::sendAll(shell.input.get(), sql, deadline, stop);
+    shell.input.reset();
+    if (sent != PipeOutcome::done && sent != PipeOutcome::ended) return std::nullopt;
+    return shell.process.waitUntil(deadline, stop);
+}
+
+ShellResult resultOf(RunningShell shell, const ShellQuery& query, const std::stop_token& stop) {
+    const auto status = sendAndWait(shell, query.sql, Clock::now() + query.timeLimit, stop);
     if (!status) {
-        shell.terminateAndWait();
-        return {.kind = stop.stop_requested() ? Kind::stopped : Kind::timedOut, .detail = {}, .output = {}};
+        shell.process.terminateAndWait();
+        return {.kind = stop.stop_requested() ? Kind::stopped : Kind::timedOut,
+                .detail = {},
+                .output = {},
+                .hasBegunToAnswer = platform::fileSize(shell.output.path()).value_or(0) > 0};
     }
     if (*status != 0) {
-        const std::string said = platform::readFilePrefix(errorOutput.path(), errorTextLimit).value_or("");
+        const std::string said =
+            platform::readFilePrefix(shell.errorOutput.path(), errorTextLimit).value_or("");
         const std::string repaired = text::repairedUtf8(said);
         return {.kind = Kind::failed,
                 .exitStatus = *status,
                 .detail = std::string(text::trimWhitespaceAndNewlines(repaired)),
                 .output = {}};
     }
-    output.closeDescriptor();
-    return {.kind = Kind::succeeded, .detail = {}, .output = std::move(output)};
+    shell.output.closeDescriptor();
+    return {.kind = Kind::succeeded, .detail = {}, .output = std::move(shell.output)};
 }
 
 ShellResult runShellOnce(const MailStoreContext& context, const ShellQuery& query,
-                         const std::string& databaseName, const std::stop_token& stop,
-                         const OutputReader& readAhead) {
+                         const std::string& databaseName) {
     std::optional<platform::TemporaryFile> output;
     std::optional<platform::TemporaryFile> errorOutput;
     try {
@@ -86,127 +130,23 @@ ShellResult runShellOnce(const MailStoreContext& context, const ShellQuery& quer
         return {.kind = Kind::noOutputFile, .detail = error.what(), .output = {}};
     }
     try {
-        platform::ChildProcess shell({.executable = context.platform.sqliteShellPath(),
-                                      .arguments = shellArguments(query, databaseName),
-                                      .standardOutput = output->descriptor(),
-                                      .standardError = errorOutput->descriptor(),
-                                      .environment = {},
-                                      .isUpkeep = context.isUpkeep});
-        return superviseShell(std::move(shell), query, std::move(*output), std::move(*errorOutput), stop,
-                              readAhead);
+        return resultOf(startShell(context, query, databaseName, std::move(*output), std::move(*errorOutput)),
+                        query, context.stop);
     } catch (const std::system_error& error) {
         return {.kind = Kind::launchFailed, .detail = error.what(), .output = {}};
     }
 }
 
-std::optional<std::string> outputText(const ShellResult& result) {
-    if (result.kind != Kind::succeeded) return std::nullopt;
-    auto output = platform::readFile(result.output->path());
-    // One damaged value costs its own bytes, not the whole answer.
-    if (output && !text::isValidUtf8(*output)) output = text::repairedUtf8(*output);
-    return output;
-}
-
-ShellResult runLimited(const MailStoreContext& context, const std::string& sql,
-                       const std::string& databasePath, std::string_view outputPrefix,
-                       const std::string& timeOutLine) {
-    ShellResult result = runShell(context, {.databasePath = databasePath,
-                                            .sql = sql,
-                                            .outputPrefix = outputPrefix,
-                                            .timeLimit = context.queryTimeLimit});
-    if (result.kind == Kind::timedOut) debugLog(context.support, timeOutLine);
-    return result;
-}
-
 } // namespace
 
-ShellResult runShell(const MailStoreContext& context, const ShellQuery& query, const std::stop_token& stop,
-                     const OutputReader& readAhead) {
+ShellResult runShell(const MailStoreContext& context, const ShellQuery& query) {
+    if (!consistsOfFiles(query.databasePath))
+        return {.kind = Kind::failed, .exitStatus = 1, .detail = noDatabaseFile, .output = {}};
     const QuietDatabase database(query.databasePath, context.platform.temporaryDirectory());
-    ShellResult result = runShellOnce(context, query, database.name(), stop, readAhead);
+    ShellResult result = runShellOnce(context, query, database.name());
     const bool hasRead = result.kind == Kind::succeeded || result.kind == Kind::failed;
     if (!hasRead || !database.wasDisturbed()) return result;
-    return runShellOnce(context, query, query.databasePath, stop, readAhead);
-}
-
-std::optional<std::string> runRawQuery(const MailStoreContext& context, const std::string& sql,
-                                       const std::string& databasePath) {
-    const auto output = outputText(runLimited(context, sql, databasePath, "corvane-value-",
-                                              "runRawQuery timed out; db=" + databasePath));
-    if (!output) return std::nullopt;
-    for (const std::string_view line : text::splitText(*output, '\n')) {
-        if (!line.empty())
-            return std::string(text::trimWhitespaceAndNewlines(line.substr(0, line.find('|'))));
-    }
-    return std::nullopt;
-}
-
-std::optional<std::vector<std::string>> runRawMultilineQuery(const MailStoreContext& context,
-                                                             const std::string& sql,
-                                                             const std::string& databasePath) {
-    const ShellResult result = runLimited(context, sql, databasePath, "corvane-lines-",
-                                          "runRawMultilineQuery timed out; db=" + databasePath);
-    if (result.kind == Kind::launchFailed)
-        consoleLine(fmt::format("[SQLite] 启动失败: {} | db={}", result.detail, databasePath));
-    if (result.kind == Kind::failed)
-        consoleLine(fmt::format("[SQLite] 查询失败 status={} db={} error={}", result.exitStatus, databasePath,
-                                result.detail));
-    const auto output = outputText(result);
-    if (!output) return std::nullopt;
-    const auto lines = text::splitText(*output, '\n');
-    return std::vector<std::string>(lines.begin(), lines.end());
-}
-
-std::vector<std::int64_t> runIntSetQuery(const MailStoreContext& context, const std::string& sql,
-                                         const std::string& databasePath) {
-    std::vector<std::int64_t> numbers;
-    const auto output =
-        outputText(runLimited(context, sql, databasePath, "corvane-intset-",
-                              "runIntSetQuery timed out; skipping duplicate-account detection"));
-    if (!output) return numbers;
-    for (const std::string_view line : text::splitText(*output, '\n')) {
-        if (const auto number = text::parseInteger(text::trimWhitespaceAndNewlines(line)))
-            numbers.push_back(*number);
-    }
-    std::ranges::sort(numbers);
-    const auto repeated = std::ranges::unique(numbers);
-    numbers.erase(repeated.begin(), repeated.end());
-    return numbers;
-}
-
-std::optional<std::string> runUnlimitedQuery(const MailStoreContext& context, const std::string& sql,
-                                             const std::string& databasePath, const std::stop_token& stop) {
-    return outputText(runShell(context, {.databasePath = databasePath, .sql = sql, .timeLimit = {}}, stop));
-}
-
-bool runJSONRows(const MailStoreContext& context, const std::string& sql, const std::string& databasePath,
-                 const JsonRowVisitor& visit) {
-    const ShellResult result = runShell(context, {.databasePath = databasePath,
-                                                  .sql = sql,
-                                                  .format = ShellQuery::Format::json,
-                                                  .outputExtension = ".json",
-                                                  .timeLimit = {}});
-    switch (result.kind) {
-    case Kind::succeeded:
-        return readJsonRows(result.output->path(), visit);
-    case Kind::failed:
-        restoredMailDiagnosticLog(context.support, fmt::format("sqlite query failed status={} error={}",
-                                                               result.exitStatus, result.detail));
-        return false;
-    default:
-        restoredMailDiagnosticLog(context.support, "sqlite launch failed error=" + result.detail);
-        return false;
-    }
-}
-
-bool messageIdHeaderColumnExists(const MailStoreContext& context, const std::string& envelopeIndexPath,
-                                 const std::stop_token& stop) {
-    const auto output = runUnlimitedQuery(
-        context,
-        "SELECT COUNT(*) FROM pragma_table_info('message_global_data') WHERE name='message_id_header';",
-        envelopeIndexPath, stop);
-    const auto count = text::parseInteger(text::trimWhitespaceAndNewlines(output.value_or("0")));
-    return count.value_or(0) > 0;
+    return runShellOnce(context, query, query.databasePath);
 }
 
 } // namespace corvane::mailstore

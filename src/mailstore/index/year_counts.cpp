@@ -10,7 +10,7 @@
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/index_sql.h"
-#include "mailstore/index/sqlite_shell.h"
+#include "mailstore/index/shell_queries.h"
 #include "platform/files/directory.h"
 #include "text/encoding.h"
 #include "text/split.h"
@@ -20,19 +20,21 @@ namespace corvane::mailstore {
 
 namespace {
 
-// The year column and everything from FROM to the end of WHERE.
 std::string localYearColumn() {
     return fmt::format("CAST(strftime('%Y', datetime({}, 'unixepoch', 'localtime')) AS INTEGER) AS y",
                        messageDateExpression);
 }
 
-std::string countedMessages(const MailStoreContext& context, const std::string& index,
-                            const std::vector<std::string>& accountURLPrefixes) {
+// From FROM to the end of WHERE; nullopt when the mailboxes couldn't be read.
+std::optional<std::string> countedMessages(const MailStoreContext& context, const std::string& index,
+                                           const std::vector<std::string>& accountURLPrefixes) {
+    const auto trashAndJunk = trashAndJunkMailboxIDs(context, index);
+    if (!trashAndJunk) return std::nullopt;
     return fmt::format("FROM messages m\n"
                        "JOIN mailboxes mb ON mb.ROWID = m.mailbox\n"
                        "WHERE {} > 0 AND m.message_id IS NOT NULL AND m.message_id != 0 {} {}",
                        messageDateExpression, accountCondition(accountURLPrefixes),
-                       mailboxExclusion(trashAndJunkMailboxIDs(context, index)));
+                       mailboxExclusion(*trashAndJunk));
 }
 
 std::optional<std::int64_t> trimmedInteger(std::string_view text) {
@@ -64,16 +66,19 @@ YearCounts remoteOnly(std::vector<Copy> copies) {
 
 } // namespace
 
-YearCounts indexedYearDistinctCounts(const MailStoreContext& context, const std::string& rootPath,
-                                     const std::vector<std::string>& accountURLPrefixes) {
-    YearCounts counts;
-    if (!canQueryEnvelopeIndex(context, rootPath)) return counts;
+std::optional<YearCounts> indexedYearDistinctCounts(const MailStoreContext& context,
+                                                    const std::string& rootPath,
+                                                    const std::vector<std::string>& accountURLPrefixes) {
+    if (!canQueryEnvelopeIndex(context, rootPath)) return YearCounts();
     const std::string index = envelopeIndexPath(rootPath);
+    const auto messages = countedMessages(context, index, accountURLPrefixes);
+    if (!messages) return std::nullopt;
     const std::string sql =
         fmt::format("SELECT {},\n       COUNT(DISTINCT m.message_id) AS cnt\n{}\nGROUP BY y;",
-                    localYearColumn(), countedMessages(context, index, accountURLPrefixes));
-    const auto output = runUnlimitedQuery(context, sql, index);
-    if (!output) return counts;
+                    localYearColumn(), *messages);
+    const auto output = runLongQuery(context, sql, index);
+    if (!output) return std::nullopt;
+    YearCounts counts;
     for (const std::string_view line : text::splitNonEmpty(*output, '\n')) {
         const auto columns = text::splitText(line, '|');
         if (columns.size() != 2) continue;
@@ -84,13 +89,15 @@ YearCounts indexedYearDistinctCounts(const MailStoreContext& context, const std:
     return counts;
 }
 
-YearCounts undownloadedYearCounts(const MailStoreContext& context, const std::string& rootPath,
-                                  const std::vector<std::string>& accountURLPrefixes) {
-    if (!canQueryEnvelopeIndex(context, rootPath)) return {};
+std::optional<YearCounts> undownloadedYearCounts(const MailStoreContext& context, const std::string& rootPath,
+                                                 const std::vector<std::string>& accountURLPrefixes) {
+    if (!canQueryEnvelopeIndex(context, rootPath)) return YearCounts();
     const std::string index = envelopeIndexPath(rootPath);
+    const auto messages = countedMessages(context, index, accountURLPrefixes);
+    if (!messages) return std::nullopt;
     const std::string sql =
         fmt::format("SELECT m.ROWID AS rid, m.message_id AS mid, mb.url AS url,\n       {}\n{};",
-                    localYearColumn(), countedMessages(context, index, accountURLPrefixes));
+                    localYearColumn(), *messages);
     std::vector<Copy> copies;
     MessageFileIndex files(rootPath);
     const bool isWhole = runJSONRows(context, sql, index, [&](JsonRow& row) {
@@ -103,20 +110,21 @@ YearCounts undownloadedYearCounts(const MailStoreContext& context, const std::st
                           .message = *message,
                           .isRemote = !files.existingFilePath(*url, *rowID).has_value()});
     });
-    return isWhole ? remoteOnly(std::move(copies)) : YearCounts();
+    if (!isWhole) return std::nullopt;
+    return remoteOnly(std::move(copies));
 }
 
 std::optional<std::int64_t> queryOldestIndexedYear(const MailStoreContext& context,
                                                    const std::string& rootPath) {
     if (!canQueryEnvelopeIndex(context, rootPath)) return std::nullopt;
-    const auto output = runUnlimitedQuery(context, R"(SELECT strftime('%Y',
+    const auto output = runLongQuery(context, R"(SELECT strftime('%Y',
   datetime(COALESCE(NULLIF(display_date,0), NULLIF(date_received,0), NULLIF(date_sent,0)), 'unixepoch')
 )
 FROM messages
 WHERE COALESCE(NULLIF(display_date,0), NULLIF(date_received,0), NULLIF(date_sent,0), 0) > 0
 ORDER BY COALESCE(NULLIF(display_date,0), NULLIF(date_received,0), NULLIF(date_sent,0)) ASC
 LIMIT 1;)",
-                                          envelopeIndexPath(rootPath));
+                                     envelopeIndexPath(rootPath));
     return output ? trimmedInteger(*output) : std::nullopt;
 }
 

@@ -1,7 +1,7 @@
 // The counts around a list of local messages: how many messages the index knows a year, how many of them have
 // no file, and how far back the store goes. Counts are of distinct messages, so copies in several mailboxes
-// count once, without trash and junk. Years are local years. Without a usable index, and after a failure,
-// results are empty or nullopt. Background work without a time limit; any thread.
+// count once, without trash and junk. Years are local years. Without a usable index there are none; nullopt
+// says that the index couldn't be asked. Background work, long queries; any thread.
 #pragma once
 
 #include <cstdint>
@@ -17,14 +17,15 @@ namespace corvane::mailstore {
 using YearCounts = std::map<std::int64_t, std::int64_t>;
 
 // Messages by year. No prefixes mean all accounts.
-YearCounts indexedYearDistinctCounts(const MailStoreContext& context, const std::string& rootPath,
-                                     const std::vector<std::string>& accountURLPrefixes);
+std::optional<YearCounts> indexedYearDistinctCounts(const MailStoreContext& context,
+                                                    const std::string& rootPath,
+                                                    const std::vector<std::string>& accountURLPrefixes);
 
 // Messages of which no copy has a file, by year. Years without any are left out. Lists folders of the store.
-YearCounts undownloadedYearCounts(const MailStoreContext& context, const std::string& rootPath,
-                                  const std::vector<std::string>& accountURLPrefixes);
+std::optional<YearCounts> undownloadedYearCounts(const MailStoreContext& context, const std::string& rootPath,
+                                                 const std::vector<std::string>& accountURLPrefixes);
 
-// Over all accounts, trash too; the year is of UTC.
+// Over all accounts, trash too; the year is of UTC. Nullopt also for an index without messages.
 std::optional<std::int64_t> queryOldestIndexedYear(const MailStoreContext& context,
                                                    const std::string& rootPath);
 

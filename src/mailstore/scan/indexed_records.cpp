@@ -2,17 +2,21 @@
 
 #include <algorithm>
 #include <atomic>
-#include <memory>
+#include <deque>
+#include <exception>
+#include <stop_token>
+#include <string>
+#include <string_view>
 #include <thread>
-#include <unordered_map>
 #include <utility>
 
-#include "mailstore/folders/message_file_index.h"
-#include "mailstore/index/indexed_messages.h"
+#include <sqlite3.h>
+
+#include "mailstore/folders/store_listing.h"
+#include "mailstore/index/candidate_pieces.h"
 #include "mailstore/index/mail_index_query_error.h"
-#include "mailstore/scan/parse_indexed_message.h"
 #include "mailstore/seconds_counter.h"
-#include "platform/parallel.h"
+#include "platform/files/temporary_file.h"
 #include "text/case.h"
 #include "text/mutex.h"
 
@@ -20,9 +24,14 @@ namespace corvane::mailstore {
 
 namespace {
 
-constexpr std::size_t piecesInFlight = 4;
+// More readers of one database only wait for each other.
+constexpr unsigned mostLanes = 4;
 
-// Lists the folders of the wanted accounts while the shell is at work.
+unsigned laneCount() {
+    return std::clamp(std::thread::hardware_concurrency(), 1U, mostLanes);
+}
+
+// Lists the folders of the wanted accounts while the shells are at work.
 class Prefetch {
   public:
     Prefetch(StoreListing& listing, const std::vector<std::string>& accountURLPrefixes)
@@ -30,12 +39,13 @@ class Prefetch {
           listing.prefetch(stop, [&](std::string_view account) { return isWanted(account, prefixes); });
       }) {}
 
-    // Before anything is asked of the listing.
-    void finish() {
-        if (!thread_.joinable()) return;
-        thread_.request_stop();
-        thread_.join();
+    // From here on it has ended.
+    void wait() {
+        const text::MutexLock lock(mutex_);
+        if (thread_.joinable()) thread_.join();
     }
+
+    void requestStop() { stop_.request_stop(); }
 
   private:
     static bool isWanted(std::string_view account, const std::vector<std::string>& prefixes) {
@@ -44,170 +54,209 @@ class Prefetch {
                });
     }
 
+    text::Mutex mutex_;
     std::jthread thread_;
+    std::stop_source stop_ = thread_.get_stop_source();
 };
 
-struct MadeRecords {
-    ScannedRecords records;
-    std::int64_t candidates = 0;
-    bool isDamaged = false;
-};
-
-// Makes the records of one piece of rows after the other. One for each thread.
-class RecordLane {
+// Files with rows on their way from those who ask to those who make records. Any thread.
+class PieceQueue {
   public:
-    RecordLane(const std::shared_ptr<StoreListing>& listing, const AccountNames& names,
-               ScanTimingMetrics& timing)
-      : files_(listing)
-      , names_(names)
-      , timing_(timing) {}
+    explicit PieceQueue(unsigned askers)
+      : askers_(askers) {}
 
-    MadeRecords make(const JsonRowPiece& piece) {
-        MadeRecords made;
-        made.records.reserve(usualCount_);
-        const bool isWhole = parser_.parse(piece, [&](JsonRow& row) {
-            const auto candidate = candidateOf(row);
-            if (!candidate) return;
-            ++made.candidates;
-            addRecord(*candidate, made.records);
-        });
-        made.isDamaged = !isWhole;
-        usualCount_ = made.records.size() + made.records.size() / 32;
-        return made;
+    void push(platform::TemporaryFile piece) {
+        const text::MutexLock lock(mutex_);
+        pieces_.push_back(std::move(piece));
+        changed_.notifyOne();
+    }
+
+    // One of the askers has no more.
+    void askerEnded() {
+        const text::MutexLock lock(mutex_);
+        --askers_;
+        changed_.notifyAll();
+    }
+
+    // Waits for a piece; nullopt when none can come any more.
+    std::optional<platform::TemporaryFile> pop() {
+        text::MutexLock lock(mutex_);
+        changed_.wait(lock, [this]() REQUIRES(mutex_) { return !pieces_.empty() || askers_ == 0; });
+        if (pieces_.empty()) return std::nullopt;
+        platform::TemporaryFile piece = std::move(pieces_.front());
+        pieces_.pop_front();
+        return piece;
     }
 
   private:
-    struct Mailbox {
-        MessageFileIndex::Mailbox& files;
-        MailboxLabels labels;
-    };
+    text::Mutex mutex_;
+    text::Condition changed_;
+    std::deque<platform::TemporaryFile> pieces_ GUARDED_BY(mutex_);
+    unsigned askers_ GUARDED_BY(mutex_);
+};
 
-    Mailbox& mailbox(std::string_view url) {
-        if (const auto known = mailboxes_.find(url); known != mailboxes_.end()) return known->second;
-        return mailboxes_.emplace(url, Mailbox{files_.mailbox(url), mailboxLabels(url, names_)})
-            .first->second;
-    }
+// The first exception of several threads; the others are then asked to stop.
+class FirstFailure {
+  public:
+    explicit FirstFailure(std::stop_source stop)
+      : stop_(std::move(stop)) {}
 
-    // Messages that only the server has are left out.
-    void addRecord(const IndexedMessageCandidate& candidate, ScannedRecords& records) {
-        const Mailbox& in = mailbox(candidate.mailboxURL);
-        MessageFileIndex::Bucket* bucket = files_.bucketOfExisting(in.files, candidate.rowID);
-        if (bucket == nullptr) return;
-        records.emplace_back();
+    template <class Call>
+    void guard(const Call& call) {
         try {
-            const FileURL file(SharedText(bucket->folder->filePath(candidate.rowID)));
-            const auto stored = files_.storedAttachments(*bucket, candidate.rowID);
-            records.back() = parseIndexedMessage(file, candidate, stored, in.labels, texts_, timing_);
-        } catch (const std::exception&) {
-            records.back().reset(); // one message that can't be parsed doesn't stop a scan
+            call();
+        } catch (...) {
+            const text::MutexLock lock(mutex_);
+            if (!exception_) exception_ = std::current_exception();
+            stop_.request_stop();
         }
     }
 
-    MessageFileIndex files_;
-    const AccountNames& names_;
-    ScanTimingMetrics& timing_;
-    JsonRowParser parser_;
-    TextInterner texts_;
-    std::size_t usualCount_ = 0;                                              // of records in a piece
-    std::unordered_map<std::string, Mailbox, TextHash, TextEqual> mailboxes_; // by url
+    // When no other thread guards a call any more.
+    void rethrow() {
+        const text::MutexLock lock(mutex_);
+        if (exception_) std::rethrow_exception(exception_);
+    }
+
+  private:
+    std::stop_source stop_;
+    text::Mutex mutex_;
+    std::exception_ptr exception_ GUARDED_BY(mutex_);
 };
 
-// Reads the rows of one query: on the scan's thread while the shell runs, which leaves the other processor to
-// the shell, and in several lanes what is left then.
-class RecordReader {
+// One reading of the index. The threads aren't those of the pool that spreads work over the processors: most
+// of their time they wait for a process.
+class IndexReading {
   public:
-    RecordReader(const ScanRequest& request, ScanTimingMetrics& timing)
+    IndexReading(const ScanRequest& request, ScanTimingMetrics& timing)
       : request_(request)
       , timing_(timing)
+      , context_(request.context)
       , listing_(std::make_shared<StoreListing>(request.rootPath))
-      , prefetch_(*listing_, request.accountURLPrefixes) {}
-
-    bool readAhead(const std::string& path) {
-        startFile(path);
-        auto piece = isDamaged_ ? std::nullopt : file_->next(false);
-        if (piece) add(make(*piece));
-        return piece.has_value();
+      , prefetch_(*listing_, request.accountURLPrefixes)
+      , queue_(laneCount())
+      , failure_(stop_) {
+        context_.stop = stop_.get_token();
     }
 
-    std::vector<ScannedRecords> finish(const std::string& path, const std::stop_token& stop) {
-        startFile(path);
-        prefetch_.finish();
-        platform::orderedPipeline(
-            piecesInFlight, [&] { return isDamaged_ ? std::nullopt : file_->next(true); },
-            [&](const JsonRowPiece& piece) {
-                if (stop.stop_requested()) throw ScanStopped();
-                return make(piece);
-            },
-            [&](MadeRecords made) { add(std::move(made)); });
-        if (isDamaged_ || file_->hasFailed())
-            throw MailIndexQueryError(MailIndexQueryError::Kind::unreadableOutput);
-        timing_.envelopeIndexedMessages = candidates_;
+    IndexedRecords run() {
+        const std::stop_callback forward(request_.context.stop, [this] { stop_.request_stop(); });
+        const std::stop_callback endPrefetch(context_.stop, [this] { prefetch_.requestStop(); });
+        std::deque<RecordLane> lanes;
+        std::vector<IndexedRecords::LaneRecords> made(laneCount());
+        failure_.guard([&] {
+            CandidatePieces pieces(context_, request_.rootPath, filter(), laneCount());
+            for (unsigned i = 0; i < laneCount(); ++i) lanes.emplace_back(listing_, timing_);
+            runLanes(pieces, lanes, made);
+        });
+        prefetch_.wait();
+        failure_.rethrow();
+        addLabels(lanes, made);
         timing_.attachmentIndexSeconds = listing_->attachmentSeconds();
         timing_.indexedAttachmentFolders = static_cast<std::int64_t>(listing_->attachmentFolderCount());
-        return std::move(pieces_);
+        return IndexedRecords(std::move(made));
     }
 
   private:
-    void startFile(const std::string& path) {
-        if (file_ && path == path_) return;
-        path_ = path;
-        file_.emplace(path);
-        pieces_.clear();
-        candidates_ = 0;
-        isDamaged_ = false;
+    [[nodiscard]] CandidateFilter filter() const {
+        return {.maximumYear = request_.maximumYear, .accountURLPrefixes = request_.accountURLPrefixes};
     }
 
-    MadeRecords make(const JsonRowPiece& piece) {
-        std::unique_ptr<RecordLane> lane = takeLane();
-        MadeRecords made = lane->make(piece);
-        const text::MutexLock lock(lanesMutex_);
-        idleLanes_.push_back(std::move(lane));
-        return made;
-    }
-
-    std::unique_ptr<RecordLane> takeLane() {
-        const text::MutexLock lock(lanesMutex_);
-        if (idleLanes_.empty()) {
-            prefetch_.finish();
-            return std::make_unique<RecordLane>(listing_, request_.accountNamesByPrefix, timing_);
+    void runLanes(CandidatePieces& pieces, std::deque<RecordLane>& lanes,
+                  std::vector<IndexedRecords::LaneRecords>& made) {
+        std::vector<std::jthread> threads;
+        for (std::size_t i = 0; i < lanes.size(); ++i) {
+            threads.emplace_back([&] {
+                failure_.guard([&] { ask(pieces); });
+                queue_.askerEnded();
+            });
+            threads.emplace_back([this, &lane = lanes[i], &records = made[i].pieces] {
+                failure_.guard([&] { makeRecords(lane, records); });
+            });
         }
-        auto lane = std::move(idleLanes_.back());
-        idleLanes_.pop_back();
-        return lane;
     }
 
-    void add(MadeRecords made) {
-        if (made.isDamaged) isDamaged_ = true;
-        candidates_ += made.candidates;
-        pieces_.push_back(std::move(made.records));
+    void ask(CandidatePieces& pieces) {
+        while (auto piece = pieces.next()) {
+            if (context_.stop.stop_requested()) throw ScanStopped();
+            queue_.push(std::move(*piece));
+        }
+    }
+
+    void makeRecords(RecordLane& lane, std::vector<MadeRecords>& records) {
+        prefetch_.wait();
+        while (const auto piece = queue_.pop()) {
+            if (context_.stop.stop_requested()) throw ScanStopped();
+            auto made = lane.make(piece->path());
+            if (!made) throw MailIndexQueryError(MailIndexQueryError::Kind::unreadableOutput);
+            records.push_back(std::move(*made));
+        }
+    }
+
+    void addLabels(const std::deque<RecordLane>& lanes, std::vector<IndexedRecords::LaneRecords>& made) {
+        AccountScope scope{.urlPrefixes = {}, .namesByPrefix = request_.accountNamesByPrefix, .names = {}};
+        if (request_.scopeToCome) {
+            auto given = request_.scopeToCome->wait(context_.stop);
+            if (!given) throw ScanStopped();
+            scope = std::move(*given);
+        }
+        for (std::size_t i = 0; i < lanes.size(); ++i) {
+            for (const RecordLane::Mailbox& mailbox : lanes[i].mailboxes()) {
+                auto& labels = made[i].labels.emplace_back();
+                if (!isWanted(mailbox.url, scope.urlPrefixes)) continue;
+                labels = mailboxLabels(mailbox.url, scope.namesByPrefix);
+                timing_.envelopeIndexedMessages += mailbox.candidates;
+            }
+        }
+    }
+
+    // As the query tests it where the accounts are known beforehand.
+    static bool isWanted(const std::string& url, const std::vector<std::string>& prefixes) {
+        return prefixes.empty() || std::ranges::any_of(prefixes, [&](const std::string& prefix) {
+                   const std::string pattern = "%" + withoutImapScheme(prefix) + "%";
+                   return sqlite3_strlike(pattern.c_str(), url.c_str(), 0) == 0;
+               });
     }
 
     const ScanRequest& request_;
     ScanTimingMetrics& timing_;
+    std::stop_source stop_;
+    MailStoreContext context_; // with the stop of this reading
     std::shared_ptr<StoreListing> listing_;
     Prefetch prefetch_;
-    text::Mutex lanesMutex_;
-    std::vector<std::unique_ptr<RecordLane>> idleLanes_ GUARDED_BY(lanesMutex_);
-    std::string path_;
-    std::optional<JsonRowFile> file_;
-    std::vector<ScannedRecords> pieces_;
-    std::int64_t candidates_ = 0;
-    std::atomic<bool> isDamaged_ = false;
+    PieceQueue queue_;
+    FirstFailure failure_;
 };
 
 } // namespace
 
-std::optional<IndexedRecords> readIndexedRecords(const ScanRequest& request, ScanTimingMetrics& timing,
-                                                 const std::stop_token& stop) {
+IndexedRecords::IndexedRecords(std::vector<LaneRecords> lanes)
+  : lanes_(std::move(lanes)) {
+    for (std::uint32_t lane = 0; lane < lanes_.size(); ++lane) {
+        for (std::uint32_t piece = 0; piece < lanes_[lane].pieces.size(); ++piece) {
+            const MadeRecords& made = lanes_[lane].pieces[piece];
+            for (std::uint32_t place = 0; place < made.records.size(); ++place) {
+                if (lanes_[lane].labels[made.mailboxes[place]])
+                    order_.push_back({made.orders[place], lane, piece, place});
+            }
+        }
+    }
+    std::ranges::sort(order_, [](const Entry& a, const Entry& b) { return a.order < b.order; });
+}
+
+std::optional<MailMessageRecord> IndexedRecords::next() {
+    const Entry& entry = order_[returned_++];
+    LaneRecords& lane = lanes_[entry.lane];
+    MadeRecords& made = lane.pieces[entry.piece];
+    auto record = std::exchange(made.records[entry.place], std::nullopt);
+    if (record) lane.labels[made.mailboxes[entry.place]]->applyTo(*record);
+    return record;
+}
+
+std::optional<IndexedRecords> readIndexedRecords(const ScanRequest& request, ScanTimingMetrics& timing) {
     const SecondsCounter elapsed(timing.envelopeIndexSeconds);
-    RecordReader reader(request, timing);
-    const CandidateFilter filter{.maximumYear = request.maximumYear,
-                                 .accountURLPrefixes = request.accountURLPrefixes};
     try {
-        auto output = runCandidateQuery(request.context, request.rootPath, filter, stop,
-                                        [&](const std::string& path) { return reader.readAhead(path); });
-        auto pieces = reader.finish(output.path(), stop);
-        return IndexedRecords{.pieces = std::move(pieces), .output = std::move(output)};
+        return IndexReading(request, timing).run();
     } catch (const MailIndexQueryError& error) {
         if (error.kind() == MailIndexQueryError::Kind::unavailable) return std::nullopt;
         throw;

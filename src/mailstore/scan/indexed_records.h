@@ -1,31 +1,54 @@
-// The records of the messages that the index knows and that lie on this disk, made from the rows of the query
-// while the shell still writes them. Background work.
+// The records of the messages that the index knows and that lie on this disk. Shells ask the index for
+// pieces of its rows while other threads make records of the pieces that are there. Background work.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <optional>
-#include <stop_token>
 #include <vector>
 
+#include "mailstore/index/indexed_messages.h"
+#include "mailstore/scan/record_lane.h"
 #include "mailstore/scan/scan_request.h"
 #include "mailstore/scan/scan_timing_metrics.h"
-#include "platform/files/temporary_file.h"
 #include "records/mail_message_record.h"
 
 namespace corvane::mailstore {
 
-// One entry a message; absent for one that can't be parsed.
-using ScannedRecords = std::vector<std::optional<MailMessageRecord>>;
+// One thread.
+class IndexedRecords {
+  public:
+    // What one lane made.
+    struct LaneRecords {
+        std::vector<MadeRecords> pieces;
+        // By the lane's numbers; nullopt for a mailbox of which no account is wanted.
+        std::vector<std::optional<MailboxLabels>> labels;
+    };
 
-struct IndexedRecords {
-    std::vector<ScannedRecords> pieces; // in the order of the query, of arbitrary sizes
-    // The rows, no longer needed. Removed by whoever gets the records, since removing a large file takes
-    // time.
-    platform::TemporaryFile output;
+    explicit IndexedRecords(std::vector<LaneRecords> lanes);
+
+    [[nodiscard]] std::size_t size() const { return order_.size(); }
+
+    // The next message, newest first; absent for one that can't be parsed. To be called `size` times.
+    std::optional<MailMessageRecord> next();
+
+  private:
+    struct Entry {
+        RowOrder order;
+        std::uint32_t lane = 0;
+        std::uint32_t piece = 0;
+        std::uint32_t place = 0;
+    };
+
+    std::vector<LaneRecords> lanes_;
+    std::vector<Entry> order_;
+    std::size_t returned_ = 0;
 };
 
 // Returns nullopt when there is no index or no shell to query it. Throws MailIndexQueryError, and ScanStopped
-// after a requested stop. Writes the figures about the index and the attachments into `timing`.
-std::optional<IndexedRecords> readIndexedRecords(const ScanRequest& request, ScanTimingMetrics& timing,
-                                                 const std::stop_token& stop);
+// after a requested stop of the context. Writes the figures about the index and the attachments into
+// `timing`.
+std::optional<IndexedRecords> readIndexedRecords(const ScanRequest& request, ScanTimingMetrics& timing);
 
 } // namespace corvane::mailstore

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <utility>
-#include <vector>
 
 #include "mailstore/index/indexed_messages.h"
 #include "mailstore/scan/batch_stream.h"
@@ -10,8 +9,6 @@
 #include "mailstore/scan/scan_timing_metrics.h"
 #include "mailstore/scan/walk_scan.h"
 #include "mailstore/seconds_counter.h"
-#include "platform/files/temporary_file.h"
-#include "platform/parallel.h"
 #include "records/logs/console_log.h"
 
 namespace corvane {
@@ -23,29 +20,28 @@ using mailstore::BatchStream;
 constexpr std::size_t recordsBetweenStopTests = 160;
 
 // False when a stop was requested.
-bool addAll(std::vector<mailstore::ScannedRecords>& pieces, BatchStream& batches, ScanTimingMetrics& timing,
-            const std::stop_token& stop) {
-    std::size_t visited = 0;
-    for (auto& piece : pieces) {
-        for (auto& record : piece) {
-            if (visited++ % recordsBetweenStopTests == 0 && stop.stop_requested()) return false;
-            if (record) ++timing.matchedMessages;
-            batches.addVisited(std::move(record));
-        }
-        piece = {};
+bool handOver(mailstore::IndexedRecords& found, BatchStream& batches, ScanTimingMetrics& timing,
+              const std::stop_token& stop) {
+    const SecondsCounter elapsed(timing.enumerationSeconds);
+    batches.expect(found.size());
+    batches.flush();
+    for (std::size_t visited = 0; visited < found.size(); ++visited) {
+        if (visited % recordsBetweenStopTests == 0 && stop.stop_requested()) return false;
+        auto record = found.next();
+        if (record) ++timing.matchedMessages;
+        batches.addVisited(std::move(record));
     }
     return true;
 }
 
-bool handOver(mailstore::IndexedRecords found, BatchStream& batches, ScanTimingMetrics& timing,
-              const std::stop_token& stop) {
-    const SecondsCounter elapsed(timing.enumerationSeconds);
-    platform::CallAhead removal([&] { const platform::TemporaryFile unneeded = std::move(found.output); });
-    for (const auto& piece : found.pieces) batches.expect(piece.size());
-    batches.flush();
-    const bool isWhole = addAll(found.pieces, batches, timing, stop);
-    removal.wait();
-    return isWhole;
+void walk(mailstore::ScanRequest& request, BatchStream& batches, ScanTimingMetrics& timing,
+          const std::stop_token& stop) {
+    if (request.scopeToCome) {
+        const auto scope = request.scopeToCome->wait(stop);
+        if (!scope) throw ScanStopped();
+        request.accountNamesByPrefix = scope->namesByPrefix;
+    }
+    mailstore::WalkScan(request, timing).run(batches, stop);
 }
 
 } // namespace
@@ -53,11 +49,13 @@ bool handOver(mailstore::IndexedRecords found, BatchStream& batches, ScanTimingM
 void MailDataScanner::scanBatches(const BatchHandler& handle, const std::stop_token& stop) const {
     ScanTimingMetrics timing;
     BatchStream batches(handle, timing);
+    ScanRequest request(*this);
+    request.context.stop = stop;
     try {
-        auto found = mailstore::readIndexedRecords(*this, timing, stop);
+        auto found = mailstore::readIndexedRecords(request, timing);
         if (!found)
-            mailstore::WalkScan(*this, timing).run(batches, stop);
-        else if (!handOver(std::move(*found), batches, timing, stop))
+            walk(request, batches, timing, stop);
+        else if (!handOver(*found, batches, timing, stop))
             return;
     } catch (const ScanStopped&) {
         return;

@@ -51,15 +51,14 @@ class AttachmentList {
 
 MailMessageRecord parseIndexedMessage(const FileURL& file, const IndexedMessageCandidate& candidate,
                                       const std::vector<StoredAttachment>& storedAttachments,
-                                      const MailboxLabels& labels, TextInterner& texts,
-                                      ScanTimingMetrics& timing) {
+                                      TextInterner& texts, ScanTimingMetrics& timing) {
     timing.parsedMessages.fetch_add(1, std::memory_order_relaxed);
     AttachmentList attachments;
     for (const std::string& name : candidate.attachmentNames) attachments.addNamed(name);
     for (const StoredAttachment& stored : storedAttachments) attachments.addStored(stored);
     auto list = attachments.take();
     if (list.empty()) timing.noAttachmentMessages.fetch_add(1, std::memory_order_relaxed);
-    return recordFromCandidate(candidate, file, std::move(list), labels, texts);
+    return recordFromCandidate(candidate, file, std::move(list), texts);
 }
 
 } // namespace corvane::mailstore

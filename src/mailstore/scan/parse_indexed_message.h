@@ -14,10 +14,10 @@ namespace corvane::mailstore {
 
 // The record of a candidate with its attachments: those that the index names and those that are stored beside
 // the message, a stored one in place of a named one of the same name. Without attachments it is a record too.
+// The labels of its mailbox are left to the caller.
 // Counts the message in the metrics. Any thread, with a `texts` of its own.
 MailMessageRecord parseIndexedMessage(const FileURL& file, const IndexedMessageCandidate& candidate,
                                       const std::vector<StoredAttachment>& storedAttachments,
-                                      const MailboxLabels& labels, TextInterner& texts,
-                                      ScanTimingMetrics& timing);
+                                      TextInterner& texts, ScanTimingMetrics& timing);
 
 } // namespace corvane::mailstore

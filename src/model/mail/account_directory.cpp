@@ -2,17 +2,25 @@
 
 #include <exception>
 #include <map>
+#include <stop_token>
 
 #include "locations/settings_keys.h"
 #include "mailstore/accounts/account_discovery.h"
 #include "mailstore/accounts/account_duplication.h"
 #include "mailstore/accounts/account_queries.h"
 #include "mailstore/folders/mailbox_url.h"
+#include "mailstore/index/mail_index_query_error.h"
 #include "model/mail/mail_access.h"
 #include "model/mail/mail_store.h"
 #include "platform/parallel.h"
 
 namespace corvane {
+
+struct FoundAccounts {
+    std::vector<MailAccount> accounts;
+    std::string emptyMessage; // why there are none
+    bool isAnswer = true;     // false when the index couldn't be looked at
+};
 
 namespace {
 
@@ -46,23 +54,33 @@ struct ReadJob {
     MailStore upkeep; // for what nobody waits for
 };
 
-struct FoundAccounts {
-    std::vector<MailAccount> accounts;
-    std::string emptyMessage; // why there are none
-};
+FoundAccounts findAccounts(const MailStore& store) {
+    try {
+        FoundAccounts found{readAccounts(store), {}};
+        if (found.accounts.empty()) found.emptyMessage = emptyScanFailureMessage(store, std::nullopt).text;
+        return found;
+    } catch (const MailIndexQueryError& error) {
+        return {{}, error.what(), false};
+    }
+}
+
+MailStore withStop(MailStore store, const std::stop_token& stop) {
+    store.context.stop = stop;
+    return store;
+}
 
 // Reports the accounts as soon as they are read. Returns them again with the notes on duplication, absent
 // where there are none.
 std::optional<std::vector<MailAccount>> readAndAnalyze(const ReadJob& job,
                                                        const ReportingTask<FoundAccounts>& task) {
-    std::vector<MailAccount> accounts = readAccounts(job.store);
-    std::string emptyMessage;
-    if (accounts.empty()) emptyMessage = emptyScanFailureMessage(job.store, std::nullopt).text;
-    task.report({accounts, std::move(emptyMessage)});
-    if (task.isCancelled()) return std::nullopt;
+    const FoundAccounts found = findAccounts(withStop(job.store, task.stopToken()));
+    task.report(found);
+    if (task.isCancelled() || !found.isAnswer) return std::nullopt;
+    std::vector<MailAccount> accounts = found.accounts;
     job.cache.save(job.store.rootPath, accounts);
     if (accounts.size() < 2) return std::nullopt;
-    const auto notes = mailstore::analyzeDuplication(job.upkeep.context, accounts, job.store.rootPath);
+    const MailStore upkeep = withStop(job.upkeep, task.stopToken());
+    const auto notes = mailstore::analyzeDuplication(upkeep.context, accounts, upkeep.rootPath);
     if (!addNotes(accounts, notes) || task.isCancelled()) return std::nullopt;
     job.cache.save(job.store.rootPath, accounts);
     return accounts;
@@ -121,28 +139,28 @@ void AccountDirectory::start(Purpose purpose) {
     const auto priority = purpose == Purpose::upkeep ? TaskPriority::utility : TaskPriority::userInitiated;
     readTask_.startReporting<FoundAccounts>(
         priority, ReadJob{cache_, mailStoreOf(context_), upkeepMailStoreOf(context_)}, &readAndAnalyze,
-        [this](FoundAccounts found) { onAccountsRead(std::move(found.accounts), found.emptyMessage); },
+        [this](FoundAccounts found) { onAccountsRead(std::move(found)); },
         [this](std::vector<MailAccount> withNotes) {
             availableAccounts_ = std::move(withNotes);
             Q_EMIT accountsChanged();
         });
 }
 
-void AccountDirectory::onAccountsRead(std::vector<MailAccount> accounts, const std::string& emptyMessage) {
+void AccountDirectory::onAccountsRead(FoundAccounts found) {
     const Purpose purpose = std::exchange(readingFor_, std::nullopt).value_or(Purpose::upkeep);
-    if (!accounts.empty()) {
-        adopt(std::move(accounts));
+    if (!found.accounts.empty()) {
+        adopt(std::move(found.accounts));
         if (purpose == Purpose::fullRefresh) Q_EMIT fullRefreshFoundAccounts();
         return;
     }
-    if (purpose == Purpose::fullRefresh) {
+    if (purpose == Purpose::fullRefresh && found.isAnswer) {
         availableAccounts_.clear();
         Q_EMIT accountsChanged();
     }
-    setLoadFailure(emptyMessage);
+    setLoadFailure(found.emptyMessage);
     if (purpose == Purpose::fullRefresh) {
-        Q_EMIT fullRefreshFoundNone(
-            QString::fromStdString(emptyMessage.empty() ? "没有找到可读取的 Mail 邮箱。" : emptyMessage));
+        Q_EMIT fullRefreshFoundNone(QString::fromStdString(
+            found.emptyMessage.empty() ? "没有找到可读取的 Mail 邮箱。" : found.emptyMessage));
     }
 }
 

@@ -15,6 +15,8 @@
 
 namespace corvane {
 
+struct FoundAccounts;
+
 class AccountDirectory : public QObject {
     Q_OBJECT
 
@@ -38,8 +40,9 @@ class AccountDirectory : public QObject {
     // are known stay, and the failure's message says why.
     void refreshAccountsFromMail();
 
-    // The same for a full refresh, which drops the known accounts when there are none. Emits exactly one of
-    // fullRefreshFoundAccounts, fullRefreshFoundNone, unless it is cancelled.
+    // The same for a full refresh, which drops the known accounts when there are none; they stay when the
+    // index couldn't be looked at. Emits exactly one of fullRefreshFoundAccounts, fullRefreshFoundNone,
+    // unless it is cancelled.
     void readForFullRefresh();
 
     // Ends a read for a full refresh that hasn't found its accounts yet: neither signal follows, and the
@@ -57,7 +60,7 @@ class AccountDirectory : public QObject {
     enum class Purpose { upkeep, fullRefresh };
 
     void start(Purpose purpose);
-    void onAccountsRead(std::vector<MailAccount> accounts, const std::string& emptyMessage);
+    void onAccountsRead(FoundAccounts found);
     void adopt(std::vector<MailAccount> accounts);
     void setLoadFailure(std::optional<std::string> message);
     void keepSelectionWithinAccounts();

@@ -39,18 +39,21 @@ void IndexCounts::refreshIndexedYearCounts() {
 }
 
 std::optional<IndexCounts::Counts> IndexCounts::readCounts(const CountJob& job, const TaskHandle& task) {
-    const MailStore& store = job.store;
+    MailStore store = job.store;
+    store.context.stop = task.stopToken();
     Counts counts;
-    counts.indexed = mailstore::indexedYearDistinctCounts(store.context, store.rootPath, job.selection);
+    const auto indexed = mailstore::indexedYearDistinctCounts(store.context, store.rootPath, job.selection);
+    if (!indexed) return std::nullopt;
+    counts.indexed = *indexed;
     for (const std::string& prefix : job.prefixes) {
-        if (task.isCancelled()) return std::nullopt;
-        counts.indexedByAccount[prefix] =
-            mailstore::indexedYearDistinctCounts(store.context, store.rootPath, {prefix});
+        const auto ofAccount = mailstore::indexedYearDistinctCounts(store.context, store.rootPath, {prefix});
+        if (!ofAccount) return std::nullopt;
+        counts.indexedByAccount[prefix] = *ofAccount;
     }
     for (const std::string& prefix : job.prefixes) {
-        if (task.isCancelled()) return std::nullopt;
-        counts.undownloadedByAccount[prefix] =
-            mailstore::undownloadedYearCounts(store.context, store.rootPath, {prefix});
+        const auto ofAccount = mailstore::undownloadedYearCounts(store.context, store.rootPath, {prefix});
+        if (!ofAccount) return std::nullopt;
+        counts.undownloadedByAccount[prefix] = *ofAccount;
     }
     return counts;
 }

@@ -65,6 +65,7 @@ class IndexCounts : public QObject {
 
     struct CountJob;
 
+    // Nullopt when the index couldn't be asked for all of them: those that are known stay.
     static std::optional<Counts> readCounts(const CountJob& job, const TaskHandle& task);
 
     ModelContext& context_;

@@ -18,8 +18,9 @@ struct ReportJob {
 };
 
 void writeReport(const ReportJob& job, const TaskHandle& task) {
-    mailstore::logRestoredMailDiagnostics(job.store.context, job.store.rootPath, job.accounts, job.prefixes,
-                                          task.stopToken());
+    MailStore store = job.store;
+    store.context.stop = task.stopToken();
+    mailstore::logRestoredMailDiagnostics(store.context, store.rootPath, job.accounts, job.prefixes);
 }
 
 struct AppendJob {
