@@ -3,8 +3,9 @@
 //
 //   measure_refresh scan|refresh HOME
 //
-// The shell is started through a script that notes when the candidate query began and ended, so that it shows
-// how much that query is slowed by what runs beside it, and what is left to do behind it.
+// The shell is started through a script that notes when each piece of the candidate query began and ended, so
+// that it shows how much they are slowed by what runs beside them, and what is left to do behind the last.
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -95,9 +96,10 @@ class WatchedPlatform : public platform::Platform {
 };
 
 void writeShellScript(const std::string& path, const std::string& notes) {
-    std::ofstream(path) << "#!/bin/bash\n[[ $* == *GROUP_CONCAT* ]] || exec /usr/bin/sqlite3 \"$@\"\n"
+    std::ofstream(path) << "#!/bin/bash\n[[ $(readlink /proc/$$/fd/1) == */corvane-envelope-* ]] || "
+                        << "exec /usr/bin/sqlite3 \"$@\"\n"
                         << "begin=$EPOCHREALTIME\n/usr/bin/sqlite3 \"$@\"\nstatus=$?\n"
-                        << "echo \"$begin $EPOCHREALTIME\" > '" << notes << "'\nexit $status\n";
+                        << "echo \"$begin $EPOCHREALTIME\" >> '" << notes << "'\nexit $status\n";
     std::filesystem::permissions(path, std::filesystem::perms::owner_all);
 }
 
@@ -108,7 +110,11 @@ struct Span {
 
 Span notedQuery(const std::string& notes) {
     Span query;
-    std::ifstream(notes) >> query.begin >> query.end;
+    std::ifstream file(notes);
+    for (Span piece; file >> piece.begin >> piece.end;) {
+        if (query.begin == 0) query.begin = piece.begin;
+        query.end = std::max(query.end, piece.end);
+    }
     return query;
 }
 

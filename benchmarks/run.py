@@ -105,16 +105,19 @@ class Bench:
         self.results.append(result)
         print(f"{name}: {result['ours']} s, floor {result['floor']} s, ratio {result['ratio']}", file=sys.stderr)
 
-    def store(self, count):
-        home = self.work / f"home-{count}"
+    def store(self, count, *options):
+        home = self.work / "".join([f"home-{count}", *options])
         if not home.exists():
             maker = [sys.executable, ROOT / "tools" / "make_sample_store.py", "--messages", count, "--no-manifest",
-                     "--quiet", home]
+                     "--quiet", *options, home]
             run(maker)
         return home
 
     def refresh(self):
-        home = self.store(self.messages)
+        self.refresh_of(self.store(self.messages), "")
+        self.refresh_of(self.store(self.messages, "--inferred-accounts"), ", addresses inferred")
+
+    def refresh_of(self, home, kind):
         index = home / "Library/Mail/V10/MailData/Envelope Index"
         query = run([BIN / "print_candidate_query"])[1].decode()
         target = self.work / "rows.json"
@@ -137,11 +140,10 @@ class Bench:
             _, output, _ = run([BIN / "measure_refresh", command, home])
             self.results[-1]["stages"] = json.loads(output.splitlines()[-1])
 
-        self.compare(f"scan of {self.messages} messages to the published list", ours("scan"), floor, "<= 1.35",
-                     self.messages)
+        goal = "<= 1.0" if os.cpu_count() > 1 else "<= 1.35"
+        self.compare(f"scan of {self.messages} messages to the list{kind}", ours("scan"), floor, goal, self.messages)
         stages("scan")
-        self.compare(f"refresh of {self.messages} messages, accounts included", ours("refresh"), floor, "<= 1.35",
-                     self.messages)
+        self.compare(f"refresh of {self.messages} messages{kind}", ours("refresh"), floor, goal, self.messages)
         stages("refresh")
 
     def archive(self):

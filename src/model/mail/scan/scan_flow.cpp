@@ -30,15 +30,26 @@ ScanFlow::ScanFlow(ModelContext& context, AccountDirectory& accounts, MessageCat
   , scanTask_(context.tasks)
   , restoreTask_(context.tasks)
   , lookTask_(context.tasks) {
-    connect(&accounts_, &AccountDirectory::fullRefreshFoundAccounts, this, [this] {
-        std::set<std::string> all;
-        for (const MailAccount& account : accounts_.availableAccounts()) all.insert(account.urlPrefix);
-        accounts_.setSelectedAccountPrefixes(std::move(all));
-        filters_.clearScope();
-        scan();
+    connect(&accounts_, &AccountDirectory::fullRefreshFoundAccounts, this, &ScanFlow::onFullRefreshAccounts);
+    connect(&accounts_, &AccountDirectory::fullRefreshFoundNone, this, [this](const QString& message) {
+        if (scopeToCome_) scanTask_.cancel();
+        scopeToCome_.reset();
+        fail(message.toStdString());
     });
-    connect(&accounts_, &AccountDirectory::fullRefreshFoundNone, this,
-            [this](const QString& message) { fail(message.toStdString()); });
+}
+
+void ScanFlow::onFullRefreshAccounts() {
+    std::set<std::string> all;
+    for (const MailAccount& account : accounts_.availableAccounts()) all.insert(account.urlPrefix);
+    accounts_.setSelectedAccountPrefixes(std::move(all));
+    filters_.clearScope();
+    if (!scopeToCome_ || !scanTask_.isRunning()) {
+        scan();
+        return;
+    }
+    clearDisplay();
+    setState(MailScanState::scanning("正在准备扫描..."));
+    std::exchange(scopeToCome_, nullptr)->give(selectedScope());
 }
 
 void ScanFlow::setState(MailScanState state) {
@@ -95,25 +106,39 @@ void ScanFlow::forgetBeforeScan() {
 
 ScanJob ScanFlow::makeScanJob() const {
     const MailStore store = mailStoreOf(context_);
-    ScanJob job{MailDataScanner{store.context, store.rootPath, {}, {}, {}}, {}, store};
+    ScanJob job{MailDataScanner{store.context, store.rootPath, {}, {}, {}, nullptr}, {}, store};
     if (filters_.onlyBeforeCutoff()) job.scanner.maximumYear = filters_.yearCutoff();
+    mailstore::AccountScope scope = selectedScope();
+    job.scanner.accountURLPrefixes = std::move(scope.urlPrefixes);
+    job.scanner.accountNamesByPrefix = std::move(scope.namesByPrefix);
+    job.accountNames = std::move(scope.names);
+    return job;
+}
+
+mailstore::AccountScope ScanFlow::selectedScope() const {
+    mailstore::AccountScope scope;
     for (const MailAccount& account : accounts_.availableAccounts()) {
         if (!accounts_.selectedAccountPrefixes().contains(account.urlPrefix)) continue;
         const std::string& name =
             account.linkedAccountEmail ? *account.linkedAccountEmail : account.emailAddress;
-        job.scanner.accountURLPrefixes.push_back(account.urlPrefix);
-        job.scanner.accountNamesByPrefix[account.urlPrefix] = name;
-        job.accountNames.push_back(name);
+        scope.urlPrefixes.push_back(account.urlPrefix);
+        scope.namesByPrefix[account.urlPrefix] = name;
+        scope.names.push_back(name);
     }
-    return job;
+    return scope;
 }
 
 void ScanFlow::scan() {
+    scopeToCome_.reset();
     scanTask_.cancel();
     clearDisplay();
     setState(MailScanState::scanning("正在准备扫描..."));
+    start(makeScanJob());
+}
+
+void ScanFlow::start(ScanJob job) {
     scanTask_.startReporting<ScanStep>(
-        TaskPriority::userInitiated, makeScanJob(), &runScan,
+        TaskPriority::userInitiated, std::move(job), &runScan,
         [this](ScanStep step) { onStep(std::move(step)); },
         [this](ScanOutcome outcome) {
             if (std::holds_alternative<MissingMailRoot>(outcome)) {
@@ -166,6 +191,7 @@ void ScanFlow::onScanBroken(const std::string& message) {
 
 void ScanFlow::cancelScan() {
     scanTask_.cancel();
+    scopeToCome_.reset();
     accounts_.cancelFullRefresh();
     forgetBeforeScan();
     setState(MailScanState::idle());
@@ -176,6 +202,9 @@ void ScanFlow::cancelScan() {
 void ScanFlow::refreshAllMailData() {
     scanTask_.cancel();
     setState(MailScanState::scanning("正在读取 Mail 邮箱列表..."));
+    scopeToCome_ = std::make_shared<mailstore::ScopeToCome>();
+    const MailStore store = mailStoreOf(context_);
+    start({MailDataScanner{store.context, store.rootPath, {}, {}, {}, scopeToCome_}, {}, store});
     accounts_.readForFullRefresh();
 }
 

@@ -2,12 +2,14 @@
 // only holder of the growing list.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include <QObject>
 
+#include "mailstore/scan/scope_to_come.h"
 #include "model/mail/account_directory.h"
 #include "model/mail/index_counts.h"
 #include "model/mail/message_catalog.h"
@@ -97,7 +99,10 @@ class ScanFlow : public QObject {
     void forgetBeforeScan();
     void lookForWholeScan();
     void restoreEnded(RestoreOutcome outcome, bool loadArchiveIndex);
+    [[nodiscard]] mailstore::AccountScope selectedScope() const;
     [[nodiscard]] ScanJob makeScanJob() const;
+    void start(ScanJob job);
+    void onFullRefreshAccounts();
     void onStep(ScanStep step);
     void onScanFinished(FinishedScan finished);
     void onScanBroken(const std::string& message);
@@ -120,6 +125,8 @@ class ScanFlow : public QObject {
     std::optional<Date> wholeScanTime_; // of the cached one, as it was when a scan came to no end
     std::optional<Display> beforeScan_;
     TaskSlot scanTask_;
+    // Of a refresh whose scan is at work beside the reading of the accounts; null otherwise.
+    std::shared_ptr<mailstore::ScopeToCome> scopeToCome_;
     TaskSlot restoreTask_;
     TaskSlot lookTask_;
 };

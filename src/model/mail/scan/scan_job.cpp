@@ -4,6 +4,7 @@
 #include <chrono>
 #include <exception>
 #include <iterator>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -104,6 +105,15 @@ class ScanProgress {
     std::optional<Clock::time_point> lastDisplay_;
 };
 
+// Waits for the accounts of a scan that began before they were known; false when it is cancelled first.
+bool completeScope(ScanJob& job, const std::stop_token& stop) {
+    if (!job.scanner.scopeToCome) return true;
+    auto scope = job.scanner.scopeToCome->wait(stop);
+    if (!scope) return false;
+    job.accountNames = std::move(scope->names);
+    return true;
+}
+
 FinishedScan finish(const ScanJob& job, ScanProgress& progress) {
     FinishedScan finished;
     const SharedMessageList messages = progress.finalList();
@@ -116,14 +126,13 @@ FinishedScan finish(const ScanJob& job, ScanProgress& progress) {
     return finished;
 }
 
-} // namespace
-
-std::optional<ScanOutcome> runScan(const ScanJob& job, const ReportingTask<ScanStep>& task) {
+std::optional<ScanOutcome> scan(ScanJob& job, const ReportingTask<ScanStep>& task) {
     if (!platform::fileExists(job.store.rootPath)) return MissingMailRoot();
     ScanProgress progress(job);
     try {
         job.scanner.scanBatches(
             [&](MailDataScanner::Batch&& batch) {
+                if (batch.visitedCount == 0) completeScope(job, task.stopToken());
                 progress.add(std::move(batch));
                 if (task.isCancelled() || !progress.isDisplayDue()) return;
                 ScanStep step = progress.step();
@@ -136,6 +145,15 @@ std::optional<ScanOutcome> runScan(const ScanJob& job, const ReportingTask<ScanS
     }
     if (task.isCancelled()) return std::nullopt;
     return finish(job, progress);
+}
+
+} // namespace
+
+std::optional<ScanOutcome> runScan(ScanJob job, const ReportingTask<ScanStep>& task) {
+    job.store.context.stop = task.stopToken();
+    auto outcome = scan(job, task);
+    if (!completeScope(job, task.stopToken())) return std::nullopt;
+    return outcome;
 }
 
 } // namespace corvane

@@ -18,7 +18,7 @@ namespace corvane {
 
 struct ScanJob {
     MailDataScanner scanner;
-    std::vector<std::string> accountNames; // for the summaries
+    std::vector<std::string> accountNames; // for the summaries; of a scope to come those that it brings
     MailStore store;
 };
 
@@ -47,7 +47,7 @@ struct FinishedScan {
 
 using ScanOutcome = std::variant<MissingMailRoot, BrokenScan, FinishedScan>;
 
-// Absent when cancelled.
-std::optional<ScanOutcome> runScan(const ScanJob& job, const ReportingTask<ScanStep>& task);
+// Absent when cancelled. A scan whose scope is to come reports and returns nothing before it has come.
+std::optional<ScanOutcome> runScan(ScanJob job, const ReportingTask<ScanStep>& task);
 
 } // namespace corvane
