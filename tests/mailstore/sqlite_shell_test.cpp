@@ -131,9 +131,9 @@ TEST(JsonRows, AreReadInAnyLayoutAndStrictly) {
         EXPECT_TRUE(rows.isWhole) << json;
         EXPECT_EQ(rows.values, values) << json;
     }
-    for (const std::string bad :
-         {"x", "{\"n\":1}", "[1]", "[{\"n\":1}", "[{\"n\":1},\n{\"n\":2", "[{\"n\":1}] x",
-          "[{\"n\":1},\n[2]]", "[{\"n\":1},\n]", "[{\"n\" 1}]", "[{\"n\":1}\n{\"n\":2}]", "\n"})
+    for (const std::string bad : {"x", "{\"n\":1}", "[1]", "[{\"n\":1}", "[{\"n\":1},\n{\"n\":2",
+                                  "[{\"n\":1}] x", "[{\"n\":1},\n[2]]", "[{\"n\":1},\n]", "[{\"n\" 1}]",
+                                  "[{\"n\":1}\n{\"n\":2}]", "[{\"x\":1 \"t\":2}]", "\n"})
         EXPECT_FALSE(rowsOf(bad).isWhole) << bad;
     EXPECT_FALSE(readJsonRows("/nonexistent", [](JsonRow&) {}));
 }

@@ -50,7 +50,9 @@ class ObjectRow final : public JsonRow {
     [[nodiscard]] bool isDamaged() const { return isDamaged_; }
 
   private:
+    // The parser must not be asked again after an error of form.
     bool find(std::string_view column, ondemand::value& value) {
+        if (isDamaged_) return false;
         const auto error = object_.find_field_unordered(column).get(value);
         if (error != simdjson::SUCCESS && error != simdjson::NO_SUCH_FIELD) isDamaged_ = true;
         return error == simdjson::SUCCESS;
