@@ -83,11 +83,8 @@ std::size_t MailSearchIndex::bulkInsert(std::span<const SearchIndexRow> rows) {
     if (rows.empty()) return 0;
     const text::MutexLock lock(writing_);
     if (!beginWriting()) return 0;
-    const std::size_t inserted = insertRows(rows);
-    // What did work stays.
-    const int status = search::execute(database_.get(), "COMMIT;");
-    noteStatus(status);
-    return status == SQLITE_OK ? inserted : 0;
+    const auto inserted = insertRows(rows);
+    return endWriting(inserted.has_value()) ? *inserted : 0;
 }
 
 // The lock comes first: preparing may read from the table, and a transaction that has read before another one
@@ -99,40 +96,56 @@ bool MailSearchIndex::beginWriting() {
     return status == SQLITE_OK;
 }
 
-std::size_t MailSearchIndex::insertRows(std::span<const SearchIndexRow> rows) {
+// An error of the disk may have undone all of it already.
+bool MailSearchIndex::endWriting(bool isToBeKept) {
+    if (sqlite3_get_autocommit(database_.get()) != 0) return false;
+    const int status = search::execute(database_.get(), isToBeKept ? "COMMIT;" : "ROLLBACK;");
+    noteStatus(status);
+    return isToBeKept && status == SQLITE_OK;
+}
+
+std::optional<std::size_t> MailSearchIndex::insertRows(std::span<const SearchIndexRow> rows) {
     SqliteStatement insert(database_.get(), "INSERT INTO email_fts(record_id,subject,sender,recipients,"
                                             "attachments,body) VALUES(?,?,?,?,?,?);");
     SqliteStatement map(database_.get(),
                         "INSERT OR REPLACE INTO record_map(record_id, fts_rowid) VALUES(?,?);");
     for (const SqliteStatement* statement : {&insert, &map}) {
         noteStatus(statement->status());
-        if (!*statement) return 0;
+        if (!*statement) return std::nullopt;
     }
     std::size_t inserted = 0;
     for (const SearchIndexRow& row : rows) {
-        if (insertRow(row, insert, map)) ++inserted;
+        const bool isInserted = insertRow(row, insert);
+        if (sqlite3_get_autocommit(database_.get()) != 0) return std::nullopt;
+        // A row that the map doesn't know could be found, but its body couldn't.
+        if (isInserted && !mapRow(row.id, map)) return std::nullopt;
+        inserted += isInserted ? 1 : 0;
         if ((insert.status() & 0xFF) == SQLITE_BUSY) break; // 5 seconds a row otherwise
     }
     return inserted;
 }
 
-bool MailSearchIndex::insertRow(const SearchIndexRow& row, SqliteStatement& insert, SqliteStatement& map) {
+bool MailSearchIndex::insertRow(const SearchIndexRow& row, SqliteStatement& insert) const {
     int column = 0;
     for (const std::string_view text :
          {row.id.view(), row.subject.view(), row.sender.view(), row.recipients.view(),
           std::string_view(row.attachments), std::string_view(row.body)})
         insert.bindText(++column, text);
-    insert.step();
-    noteStatus(insert.status());
-    const std::int64_t rowID = sqlite3_last_insert_rowid(database_.get());
-    insert.reset();
-    if (insert.status() != SQLITE_DONE) return false;
-    map.bindText(1, row.id);
-    map.bindInteger(2, rowID);
-    map.step();
-    noteStatus(map.status());
-    map.reset();
-    return true;
+    return runOnce(insert);
+}
+
+// To the row that was inserted last.
+bool MailSearchIndex::mapRow(std::string_view id, SqliteStatement& map) const {
+    map.bindText(1, id);
+    map.bindInteger(2, sqlite3_last_insert_rowid(database_.get()));
+    return runOnce(map);
+}
+
+bool MailSearchIndex::runOnce(SqliteStatement& statement) const {
+    statement.step();
+    noteStatus(statement.status());
+    statement.reset();
+    return statement.status() == SQLITE_DONE;
 }
 
 std::optional<SharedTextSet> MailSearchIndex::searchIfReadable(std::string_view query) const {
@@ -194,16 +207,18 @@ std::optional<std::int64_t> MailSearchIndex::rowIDOf(std::string_view recordID, 
 
 void MailSearchIndex::remove(std::string_view id) {
     const text::MutexLock lock(writing_);
-    if (const auto rowID = ftsRowID(id)) {
-        SqliteStatement row(database_.get(), "DELETE FROM email_fts WHERE rowid = ?;");
-        row.bindInteger(1, *rowID);
-        row.step();
-        noteStatus(row.status());
+    if (beginWriting()) endWriting(removeRow(id));
+}
+
+bool MailSearchIndex::removeRow(std::string_view id) {
+    for (const char* sql :
+         {"DELETE FROM email_fts WHERE rowid = (SELECT fts_rowid FROM record_map WHERE record_id = ?);",
+          "DELETE FROM record_map WHERE record_id = ?;"}) {
+        SqliteStatement removal(database_.get(), sql);
+        removal.bindText(1, id);
+        if (!runOnce(removal)) return false;
     }
-    SqliteStatement map(database_.get(), "DELETE FROM record_map WHERE record_id = ?;");
-    map.bindText(1, id);
-    map.step();
-    noteStatus(map.status());
+    return true;
 }
 
 void MailSearchIndex::clear() {

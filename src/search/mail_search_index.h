@@ -64,7 +64,7 @@ class MailSearchIndex {
 
     // Adds the rows in one transaction. A row whose id is there already is added beside it, and the later one
     // answers for the id. The number of rows added: one that fails is left out, and when another one keeps
-    // the lock so are all behind it.
+    // the lock so are all behind it. An error of the disk may cost them all.
     std::size_t bulkInsert(std::span<const SearchIndexRow> rows);
 
     // The ids of all records that hold the text in one of their columns, white space around it left out; none
@@ -81,7 +81,7 @@ class MailSearchIndex {
     // The body as it was stored; nothing when there is none or it counts as empty.
     [[nodiscard]] std::optional<std::string> body(std::string_view id) const;
 
-    // Removes the row that answers for the id.
+    // Removes the row that answers for the id. One that can't be removed whole stays.
     void remove(std::string_view id);
 
     // Removes all rows.
@@ -129,9 +129,16 @@ class MailSearchIndex {
     static std::unique_ptr<MailSearchIndex> make(platform::SqliteConnection database);
     void provideRecordMap();
     bool beginWriting() REQUIRES(writing_);
-    std::size_t insertRows(std::span<const SearchIndexRow> rows) REQUIRES(writing_);
-    bool insertRow(const SearchIndexRow& row, platform::SqliteStatement& insert,
-                   platform::SqliteStatement& map) REQUIRES(writing_);
+
+    // False when nothing of what was written since the beginning is kept.
+    bool endWriting(bool isToBeKept) REQUIRES(writing_);
+
+    // Absent when nothing may be kept.
+    std::optional<std::size_t> insertRows(std::span<const SearchIndexRow> rows) REQUIRES(writing_);
+    bool removeRow(std::string_view id) REQUIRES(writing_);
+    bool insertRow(const SearchIndexRow& row, platform::SqliteStatement& insert) const;
+    bool mapRow(std::string_view id, platform::SqliteStatement& map) const;
+    bool runOnce(platform::SqliteStatement& statement) const;
     [[nodiscard]] std::optional<SharedTextSet> idsByIndex(std::string_view text) const;
     text::IdlePool<BodyLookup>::Lease bodyLookup() const;
     text::IdlePool<search::TrigramStatements>::Lease trigramStatements() const;
