@@ -9,7 +9,6 @@
 
 #include <QObject>
 
-#include "mailstore/scan/scope_to_come.h"
 #include "model/mail/account_directory.h"
 #include "model/mail/index_counts.h"
 #include "model/mail/message_catalog.h"
@@ -19,6 +18,11 @@
 #include "records/model_enums.h"
 
 namespace corvane {
+
+namespace mailstore {
+struct AccountScope;
+class ScopeToCome;
+} // namespace mailstore
 
 struct FinishedScan;
 struct ScanJob;
