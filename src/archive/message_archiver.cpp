@@ -1,6 +1,7 @@
 #include "archive/message_archiver.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include <fmt/format.h>

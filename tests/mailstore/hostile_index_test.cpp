@@ -2,6 +2,7 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <stop_token>
 #include <thread>
 #include <utility>
 

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <exception>
 #include <iterator>
+#include <stop_token>
 #include <utility>
 
 #include <fmt/format.h>
