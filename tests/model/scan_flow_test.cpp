@@ -2,6 +2,9 @@
 
 #include <filesystem>
 
+#include <fmt/format.h>
+#include <sqlite3.h>
+
 #include "model/corvane_view_model.h"
 #include "model/model_test.h"
 #include "records/stores/scan_cache_store.h"
@@ -92,6 +95,24 @@ TEST_F(ScanFlowTest, AFailureBehindRowsLeavesThemPartialAndOneBeforeThemBringsAl
     waitUntilIdle(context_.tasks);
     EXPECT_TRUE(isPartial()) << "what is brought back is as partial as it was";
     EXPECT_EQ(shownMessages(), 1U);
+}
+
+TEST_F(ScanFlowTest, AStoreThatIsTakenAwayDuringAScanLeavesWhatWasKnown) {
+    cacheScanOf({{"a"}, {"b"}});
+    restore();
+    const std::string mail = home_.at("Library/Mail");
+    const std::string index = home_.write("Library/Mail/V10/MailData/Envelope Index", "");
+    sqlite3* made = nullptr;
+    ASSERT_EQ(sqlite3_open(index.c_str(), &made), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(made, "CREATE TABLE messages(x)", nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(made);
+    platform_.setShellScript(fmt::format("cat >/dev/null; mv '{0}' '{0}.gone' 2>/dev/null; echo '[]'", mail));
+    scan_.scan();
+    waitUntilIdle(context_.tasks);
+    EXPECT_EQ(scan_.state().kind, Kind::failed);
+    EXPECT_TRUE(std::filesystem::exists(mail + ".gone")) << "the scan has asked the shell";
+    EXPECT_EQ(shownMessages(), 2U);
+    EXPECT_EQ(store_.load()->messages.size(), 2U);
 }
 
 TEST_F(ScanFlowTest, CancellingWhileAccountsAreReadCancelsTheWholeRefresh) {

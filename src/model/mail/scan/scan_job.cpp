@@ -10,7 +10,7 @@
 #include <fmt/format.h>
 
 #include "listing/scan_deduplication.h"
-#include "platform/files/directory.h"
+#include "platform/files/file_look.h"
 #include "platform/parallel.h"
 #include "records/logs/console_log.h"
 
@@ -127,8 +127,17 @@ FinishedScan finish(const ScanJob& job, ScanProgress& progress) {
     return finished;
 }
 
+// Of a disk that was taken away every folder looks empty, so its mail would be on the server only.
+constexpr const char* movedStoreMessage =
+    "扫描期间 Mail 数据所在的位置变得不可用。请确认磁盘已连接，再重新扫描。";
+
+bool isSamePlace(const platform::FileLook& a, const platform::FileLook& b) {
+    return a.presence == b.presence && a.device == b.device && a.inode == b.inode;
+}
+
 std::optional<ScanOutcome> scan(ScanJob& job, const ReportingTask<ScanStep>& task) {
-    if (!platform::fileExists(job.store.rootPath)) return MissingMailRoot();
+    const platform::FileLook root = platform::lookAtFile(job.store.rootPath);
+    if (root.presence != platform::FileLook::Presence::there) return MissingMailRoot();
     ScanProgress progress(job);
     try {
         job.scanner.scanBatches(
@@ -145,6 +154,7 @@ std::optional<ScanOutcome> scan(ScanJob& job, const ReportingTask<ScanStep>& tas
         return BrokenScan{error.what()};
     }
     if (task.isCancelled()) return std::nullopt;
+    if (!isSamePlace(root, platform::lookAtFile(job.store.rootPath))) return BrokenScan{movedStoreMessage};
     return finish(job, progress);
 }
 
