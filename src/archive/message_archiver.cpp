@@ -42,7 +42,7 @@ class MessageArchiver::Work {
     HandledMessage done() {
         known_ = archiver_.lookAtKnown(identity_);
         restore();
-        const auto missing = groupsWithoutFile(groups_, known_, copies_.messages, copies_.readings);
+        const auto missing = groupsWithoutFile(groups_, known_, copies_.readings);
         const auto held = static_cast<std::int64_t>(groups_.size() - missing.size());
         handled_.inPlace = std::max<std::int64_t>(0, held - handled_.written);
         addKnownFiles();

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
-#include <string_view>
 
 #include "platform/files/sha256.h"
 #include "records/content_hash.h"
@@ -19,10 +18,6 @@ std::optional<platform::Sha256Digest> hashOf(const ArchivedEmailRecord& record) 
 bool hasBytesOf(const ArchivedEmailRecord& record, const MessageBytes& copy, const CopyReading& reading) {
     if (const auto hash = hashOf(record)) return *hash == reading.reading.hash;
     return record.sizeBytes == static_cast<std::int64_t>(copy.bytes.size());
-}
-
-std::string_view bodyOf(std::string_view mail) {
-    return mail.substr(bodyStartIndex(mail));
 }
 
 } // namespace
@@ -50,19 +45,17 @@ std::vector<Restoration> restorationsFor(const std::vector<KnownMail>& known,
 
 std::vector<std::size_t> groupsWithoutFile(const std::vector<BodyGroup>& groups,
                                            const std::vector<KnownMail>& known,
-                                           const std::vector<MessageBytes>& copies,
                                            const std::vector<CopyReading>& readings) {
-    const auto isHeld = [&](const BodyGroup& group, const KnownMail& mail) {
-        if (!isIntact(mail)) return false;
-        return std::ranges::any_of(
-                   group.copies,
-                   [&](std::size_t copy) { return readings[copy].reading.hash == mail.file.hash; }) ||
-               copies[group.largest].body() == bodyOf(*mail.file.bytes);
+    const auto isHeld = [&](const BodyGroup& group) {
+        return std::ranges::any_of(group.copies, [&](std::size_t copy) {
+            return std::ranges::any_of(known, [&](const KnownMail& mail) {
+                return isIntact(mail) && mail.file.hash == readings[copy].reading.hash;
+            });
+        });
     };
     std::vector<std::size_t> without;
     for (std::size_t position = 0; position < groups.size(); ++position) {
-        const auto holds = [&](const KnownMail& mail) { return isHeld(groups[position], mail); };
-        if (std::ranges::none_of(known, holds)) without.push_back(position);
+        if (!isHeld(groups[position])) without.push_back(position);
     }
     return without;
 }

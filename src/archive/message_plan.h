@@ -1,5 +1,5 @@
 // What has to be written so that an archive holds every copy of a message, when it may hold some already.
-// Pure; compares bytes only where hashes differ.
+// Pure.
 #pragma once
 
 #include <cstddef>
@@ -34,10 +34,10 @@ std::vector<Restoration> restorationsFor(const std::vector<KnownMail>& known,
                                          const std::vector<MessageBytes>& copies,
                                          const std::vector<CopyReading>& readings);
 
-// Positions of the groups of which no intact file has a copy's bytes, or at least all bytes of the body.
+// Positions of the groups of which no copy lies in an intact file. A body that is known under another header
+// is not enough: other recipients make another mail.
 std::vector<std::size_t> groupsWithoutFile(const std::vector<BodyGroup>& groups,
                                            const std::vector<KnownMail>& known,
-                                           const std::vector<MessageBytes>& copies,
                                            const std::vector<CopyReading>& readings);
 
 } // namespace corvane::archive

@@ -66,6 +66,7 @@ void printJson(const EmailArchiveRunResult& result) {
         document.member("indexPath", result.indexURL.path());
         document.member("wasCancelled", result.wasCancelled);
         document.member("variantWarnings", result.variantWarnings);
+        if (!result.archiveWarnings.empty()) document.member("archiveWarnings", result.archiveWarnings);
         document.key("failures");
         document.array([&] {
             for (const EmailArchiveFailure& failure : result.failures) {
@@ -89,7 +90,9 @@ void printReadable(const EmailArchiveRunResult& result) {
         printText(fmt::format("失败：{} — {}（{}）", failure.subject, failure.reason,
                               failure.messageFileURL.path()));
     }
-    for (const std::string& warning : result.variantWarnings) printText(fmt::format("注意：{}", warning));
+    for (const auto& warnings : {result.variantWarnings, result.archiveWarnings}) {
+        for (const std::string& warning : warnings) printText(fmt::format("注意：{}", warning));
+    }
     printText(fmt::format("索引：{}", result.indexURL.path()));
 }
 

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "platform/files/file_look.h"
 #include "records/content_hash.h"
 
 namespace corvane::testing {
@@ -80,6 +81,22 @@ void ArchiveFixture::expectEveryRecordProved() const {
         const std::string content = readWhole(at(record.emlRelativePath.view()));
         EXPECT_EQ(static_cast<std::int64_t>(content.size()), record.sizeBytes) << record.id;
         EXPECT_EQ(record.contentHash, SharedText(contentHashText(platform::sha256(content)))) << record.id;
+    }
+}
+
+void ArchiveFixture::expectTrue(const EmailArchiveRunResult& result) const {
+    expectEveryRecordProved();
+    std::set<std::string> recorded;
+    for (const ArchivedEmailRecord& record : index().records) recorded.insert(record.emlRelativePath.str());
+    EXPECT_LE(result.archivedCount + result.skippedAlreadyArchived,
+              static_cast<std::int64_t>(result.archivedReadings.size()));
+    for (const ArchivedFileReading& file : result.archivedReadings) {
+        const std::string content = readWhole(at(file.relativePath));
+        EXPECT_TRUE(recorded.contains(file.relativePath)) << file.relativePath;
+        EXPECT_EQ(file.reading.hash, platform::sha256(content)) << file.relativePath;
+        EXPECT_EQ(file.reading.stamp.sizeBytes, static_cast<std::int64_t>(content.size()));
+        const auto look = platform::lookAtFile(at(file.relativePath));
+        EXPECT_EQ(file.reading.stamp.modifiedNanoseconds, look.modifiedNanoseconds) << file.relativePath;
     }
 }
 

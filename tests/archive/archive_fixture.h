@@ -43,6 +43,9 @@ class ArchiveFixture : public ::testing::Test {
     // What a reader of the archive may always rely on: every record's file is there, with its size and hash.
     void expectEveryRecordProved() const;
 
+    // The same, and that the run counted no file that isn't recorded, and handed out what the files hold.
+    void expectTrue(const EmailArchiveRunResult& result) const;
+
     [[nodiscard]] std::string at(std::string_view relativePath) const {
         return root + "/" + std::string(relativePath);
     }

@@ -1,5 +1,6 @@
 // Runs that are failed, cut off, killed or held up at every operation, and what the next run makes of it.
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -84,25 +85,28 @@ class InterruptedRun : public testing::ArchiveFixture {
 };
 
 TEST_F(InterruptedRun, AFailureOfAnyOperationCostsAtMostItsMessageAndIsHealed) {
+    constexpr std::array errors{EIO, ENOSPC, EROFS};
     std::size_t failed = 0;
-    for (const int error : {EIO, ENOSPC, EROFS}) {
-        for (std::size_t k = 1; k <= operationCount_; ++k) {
-            SCOPED_TRACE("operation " + std::to_string(k));
-            startAgain();
-            FaultyFileLayer files;
-            files.inject({.at = k, .effect = Effect::fail, .operation = {}, .error = error, .path = root});
-            const auto result = tryToArchive(files);
-            if (result) {
-                EXPECT_LE(result->failedCount, 1);
-                EXPECT_EQ(static_cast<std::size_t>(result->archivedCount) + 1, index().records.size());
-                failed += static_cast<std::size_t>(result->failedCount);
-            }
-            expectEveryRecordProved();
-            expectTheNextRunHeals();
-            if (HasFailure()) return;
+    for (std::size_t k = 1; k <= operationCount_; ++k) {
+        SCOPED_TRACE("operation " + std::to_string(k));
+        startAgain();
+        FaultyFileLayer files;
+        files.inject({.at = k,
+                      .effect = Effect::fail,
+                      .operation = {},
+                      .error = errors[k % errors.size()],
+                      .path = root});
+        const auto result = tryToArchive(files);
+        if (result) {
+            EXPECT_LE(result->failedCount, 1);
+            EXPECT_EQ(static_cast<std::size_t>(result->archivedCount) + 1, index().records.size());
+            failed += static_cast<std::size_t>(result->failedCount);
         }
+        expectEveryRecordProved();
+        expectTheNextRunHeals();
+        if (HasFailure()) return;
     }
-    EXPECT_GT(failed, operationCount_);
+    EXPECT_GT(failed, operationCount_ / 3);
 }
 
 TEST_F(InterruptedRun, APowerLossAtAnyOperationIsHealed) {

@@ -53,6 +53,11 @@ ArchiveRunFlow::RunOutcome archived(const RunJob& job, const MessageList& messag
         options.markHidden = [&platform = job.platform](const std::string& path) {
             platform.markHidden(path);
         };
+        options.bringFromCloud = [&platform = job.platform](const std::string& path) {
+            if (!platform.isCloudPlaceholder(path)) return false;
+            platform.requestDownload(path);
+            return true;
+        };
         const auto report = [&](const EmailArchiveProgress& progress) { task.report(progress); };
         return MailEmailArchiver(job.files, options)
             .archive(messages, job.destination, report, task.stopToken());
