@@ -153,8 +153,22 @@ class CommandLine {
         archive->add_flag("--no-index", archive_.withoutIndex, "不建立正文索引");
         command(archive, [this](Session& session) { return runArchive(session, archive_, common_.json); });
         auto* verify = app_.add_subcommand("verify", "重新读取整个归档并与索引核对");
-        verify->add_option("root", verifyRoot_, "归档文件夹")->required();
-        verify->callback([this] { action_ = [this] { return runVerify(verifyRoot_, common_.json); }; });
+        verify->add_option("root", archiveRoot_, "归档文件夹")->required();
+        verify->add_flag("--record", recordsHashes_, "为没有校验值的记录补记校验值");
+        verify->callback([this] {
+            action_ = [this] {
+                return runVerify(archiveRoot_, {common_.home, recordsHashes_}, common_.json);
+            };
+        });
+        auto* sums = app_.add_subcommand("sums", "归档的校验值，可用 sha256sum -c 或 shasum -c 核对");
+        sums->add_option("root", archiveRoot_, "归档文件夹")->required();
+        sums->callback([this] { action_ = [this] { return runSums(archiveRoot_, common_.json); }; });
+        auto* rebuild = app_.add_subcommand("rebuild", "把索引中没有的 .eml 邮件收入归档索引");
+        rebuild->add_option("root", archiveRoot_, "归档文件夹")->required();
+        rebuild->add_flag("--dry-run", isDryRun_, "只查看，不写入");
+        rebuild->callback([this] {
+            action_ = [this] { return runRebuild(archiveRoot_, {common_.home, isDryRun_}, common_.json); };
+        });
     }
 
     void addLibraryCommands() {
@@ -194,7 +208,9 @@ class CommandLine {
     MessagesOptions messages_;
     ArchiveOptions archive_;
     LibraryOptions library_;
-    std::string verifyRoot_;
+    std::string archiveRoot_;
+    bool recordsHashes_ = false;
+    bool isDryRun_ = false;
     std::string searchText_;
     bool forcesIndex_ = false;
     std::string entryID_;

@@ -70,6 +70,20 @@ std::int64_t fillBodyIndex(Session& session, BodyIndexRequest request);
 
 // Makes a live load of the library.
 void loadLibrary(Session& session);
-int runVerify(const std::string& root, bool json);
+
+struct VerifyOptions {
+    std::string home;
+    bool recordsHashes = false; // in records that have none
+};
+
+int runVerify(const std::string& root, const VerifyOptions& options, bool json);
+int runSums(const std::string& root, bool json);
+
+struct RebuildCommandOptions {
+    std::string home;
+    bool isDryRun = false;
+};
+
+int runRebuild(const std::string& root, const RebuildCommandOptions& options, bool json);
 
 } // namespace corvane::cli

@@ -1,3 +1,8 @@
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <vector>
+
 #include <fmt/format.h>
 
 #include "archive/archive_verification.h"
@@ -5,7 +10,9 @@
 #include "cli/exit_status.h"
 #include "cli/output.h"
 #include "cli/progress_line.h"
+#include "platform/files/file_layer.h"
 #include "platform/paths.h"
+#include "platform/platform.h"
 #include "records/formatters.h"
 
 namespace corvane::cli {
@@ -21,6 +28,7 @@ struct Finding {
 std::vector<Finding> findingsOf(const ArchiveVerification& verification) {
     return {{"missing", "索引中有、磁盘上没有", verification.missing},
             {"sizeMismatch", "大小与索引不符", verification.sizeMismatch},
+            {"altered", "内容与记录的校验值不符", verification.altered},
             {"unindexed", "磁盘上有、索引中没有", verification.unindexed},
             {"identityMismatch", "内容不是索引所说的邮件", verification.identityMismatch},
             {"duplicatePaths", "索引中重复的路径", verification.duplicatePaths},
@@ -32,29 +40,30 @@ void printJson(const ArchiveVerification& verification) {
     document.object([&] {
         document.member("checked", verification.checked);
         document.member("bytes", verification.bytes);
-        for (const Finding& finding : findingsOf(verification)) {
-            // Only told where it occurs: usually everything can be read.
-            if (&finding.paths != &verification.unreadable || !finding.paths.empty()) {
-                document.member(finding.key, finding.paths);
-            }
-        }
+        for (const Finding& finding : findingsOf(verification)) document.member(finding.key, finding.paths);
+        document.member("unchecked", verification.unchecked);
     });
     document.print();
 }
 
 void printReadable(const ArchiveVerification& verification) {
     printText(fmt::format("已核对 {} 封，{}", verification.checked, formatByteCount(verification.bytes)));
+    if (verification.recorded > 0) printText(fmt::format("已补记 {} 个校验值", verification.recorded));
     bool isClean = true;
     for (const Finding& finding : findingsOf(verification)) {
         for (const std::string& path : finding.paths) printText(fmt::format("{}：{}", finding.title, path));
         isClean = isClean && finding.paths.empty();
+    }
+    if (verification.unchecked > 0) {
+        printText(fmt::format("{} 封没有校验值，只核对了大小和邮件头；用 --record 可补记。",
+                              verification.unchecked));
     }
     if (isClean) printText("归档与索引完全一致。");
 }
 
 } // namespace
 
-int runVerify(const std::string& root, bool json) {
+int runVerify(const std::string& root, const VerifyOptions& options, bool json) {
     ProgressLine line;
     std::stop_source stop;
     const auto showProgress = [&](std::size_t checked, std::size_t all) {
@@ -62,8 +71,14 @@ int runVerify(const std::string& root, bool json) {
         line.show(fmt::format("已核对 {} / {}", checked, all),
                   all == 0 ? 1.0 : double(checked) / double(all));
     };
+    std::optional<HashRecording> recording;
+    const auto system = platform::makePlatform(options.home);
+    if (options.recordsHashes) {
+        recording = HashRecording{[&](const std::string& path) { system->markHidden(path); }};
+    }
     const ArchiveVerification verification =
-        verifyArchive(platform::standardizedPath(root), showProgress, stop.get_token());
+        verifyArchive(platform::standardizedPath(root), showProgress, stop.get_token(),
+                      platform::posixFileLayer(), recording);
     if (verification.wasCancelled) throw Interrupted();
     if (json)
         printJson(verification);

@@ -1,0 +1,60 @@
+"""What keeps an archive whole: verify with hashes, sums, and the way back from a lost index."""
+
+import json
+import subprocess
+import unittest
+
+from cli_support import CLI, CliCase, archive_state
+
+
+class ArchiveCare(CliCase):
+    def setUp(self):
+        super().setUp()
+        self.mail = self.home()
+        self.run_cli(self.mail, "refresh")
+        self.root = self.folder / "archive"
+        # Variants are told as an issue.
+        self.run_cli(self.mail, "archive", "--to", self.root, "--no-index", expect=3)
+
+    def test_hashes_are_recorded_and_find_a_changed_bit(self):
+        recorded = self.run_cli(self.mail, "verify", self.root, "--record")
+        self.assertEqual(list(recorded), ["checked", "bytes", "missing", "sizeMismatch", "altered", "unindexed",
+                                          "identityMismatch", "duplicatePaths", "unreadable", "unchecked"])
+        self.assertEqual(recorded["unchecked"], 0)
+        sums = self.run_cli(self.mail, "sums", self.root)["sums"]
+        self.assertEqual(len(sums), recorded["checked"])
+        lines = subprocess.run([CLI, "sums", self.root], stdout=subprocess.PIPE, check=True).stdout
+        check = ["sha256sum", "--status", "-c", "-"]
+        self.assertEqual(subprocess.run(check, cwd=self.root, input=lines).returncode, 0)
+        victim = self.root / sums[0]["path"]
+        content = bytearray(victim.read_bytes())
+        content[-1] ^= 1
+        victim.write_bytes(content)
+        found = self.run_cli(self.mail, "verify", self.root, expect=3)
+        self.assertEqual(found["altered"], [sums[0]["path"]])
+        self.assertEqual(subprocess.run(check, cwd=self.root, input=lines).returncode, 1)
+
+    def test_an_archive_of_which_only_the_mail_is_left_is_whole_again(self):
+        self.run_cli(self.mail, "verify", self.root, "--record")
+        files, records = archive_state(self.root)
+        (self.root / "archive-index.json").unlink()
+        seen = self.run_cli(self.mail, "rebuild", self.root, "--dry-run")
+        self.assertFalse((self.root / "archive-index.json").exists())
+        self.assertEqual(self.run_cli(self.mail, "rebuild", self.root), seen)
+        self.assertEqual(seen, {"adopted": len(files), "records": len(files), "failures": []})
+        files_after, rebuilt = archive_state(self.root)
+        self.assertEqual(files_after, files)
+        by_path = {record["emlRelativePath"]: record for record in rebuilt.values()}
+        differing = []
+        for record in records.values():
+            found = by_path[record["emlRelativePath"]]
+            self.assertEqual(found["contentHash"], record["contentHash"])
+            if found["id"] != record["id"]:
+                differing.append((record["id"], found["id"]))
+        self.assertEqual(differing, [])
+        self.run_cli(self.mail, "verify", self.root)
+        self.assertEqual(self.run_cli(self.mail, "stats")["candidates"]["count"], 0)
+
+
+if __name__ == "__main__":
+    unittest.main()
