@@ -19,6 +19,10 @@ void SqliteStatement::bindInteger(int index, std::int64_t value) {
     sqlite3_bind_int64(handle_.get(), index, value);
 }
 
+void SqliteStatement::bindBlob(int index, std::span<const std::uint8_t> bytes) {
+    sqlite3_bind_blob64(handle_.get(), index, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
+}
+
 void SqliteStatement::bindPointer(int index, void* pointer, const char* type) {
     sqlite3_bind_pointer(handle_.get(), index, pointer, type, nullptr);
 }
@@ -42,6 +46,12 @@ std::optional<std::string_view> SqliteStatement::text(int column) const {
     if (characters == nullptr) return std::nullopt;
     return std::string_view(reinterpret_cast<const char*>(characters),
                             static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column)));
+}
+
+std::span<const std::uint8_t> SqliteStatement::blob(int column) const {
+    const auto* bytes = static_cast<const std::uint8_t*>(sqlite3_column_blob(handle_.get(), column));
+    if (bytes == nullptr) return {};
+    return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column))};
 }
 
 } // namespace corvane::platform

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string_view>
 
 #include <sqlite3.h>
@@ -35,6 +36,9 @@ class SqliteStatement {
     void bindText(int index, std::string_view text);
     void bindInteger(int index, std::int64_t value);
 
+    // Copies the bytes.
+    void bindBlob(int index, std::span<const std::uint8_t> bytes);
+
     // For functions that take a pointer of that type, a constant text. Neither is copied.
     void bindPointer(int index, void* pointer, const char* type);
 
@@ -58,6 +62,9 @@ class SqliteStatement {
 
     // Absent for NULL. Valid until the next step or reset.
     [[nodiscard]] std::optional<std::string_view> text(int column) const;
+
+    // Empty for NULL. Valid until the next step or reset.
+    [[nodiscard]] std::span<const std::uint8_t> blob(int column) const;
 
   private:
     struct Finalize {

@@ -1,0 +1,250 @@
+#include "records/stores/proof_store.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace corvane {
+
+namespace {
+
+using platform::Sha256Digest;
+using platform::SqliteStatement;
+
+constexpr int busyMilliseconds = 5000;
+
+// Far above a path with its hashes.
+constexpr int maximumRowBytes = 1 << 20;
+
+// Counted up with every change of the tables; a file with another number is made anew.
+constexpr const char* versionPragma = "PRAGMA user_version;";
+constexpr std::int64_t currentVersion = 1;
+
+constexpr const char* schema = R"(BEGIN IMMEDIATE;
+PRAGMA user_version = 1;
+CREATE TABLE IF NOT EXISTS copy_reading(
+    path TEXT PRIMARY KEY, size INTEGER NOT NULL, modified INTEGER NOT NULL, outcome INTEGER NOT NULL,
+    hash BLOB NOT NULL, body_hash BLOB, read_at INTEGER NOT NULL) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS archived_reading(
+    root TEXT NOT NULL, path TEXT NOT NULL, size INTEGER NOT NULL, modified INTEGER NOT NULL,
+    outcome INTEGER NOT NULL, hash BLOB NOT NULL, body_hash BLOB, read_at INTEGER NOT NULL,
+    PRIMARY KEY(root, path)) WITHOUT ROWID;
+COMMIT;
+)";
+
+constexpr const char* selectCopies =
+    "SELECT path, size, modified, outcome, hash, body_hash, read_at FROM copy_reading;";
+constexpr const char* selectArchived =
+    "SELECT path, size, modified, outcome, hash, body_hash, read_at, root FROM archived_reading;";
+constexpr const char* insertCopy = "INSERT OR REPLACE INTO copy_reading VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7);";
+constexpr const char* insertArchived =
+    "INSERT OR REPLACE INTO archived_reading VALUES(?8, ?1, ?2, ?3, ?4, ?5, ?6, ?7);";
+
+int execute(sqlite3* database, const char* sql) {
+    return sqlite3_exec(database, sql, nullptr, nullptr, nullptr);
+}
+
+// All statements here are constants: one that SQLite finds wrong tells of other tables.
+bool meansDamage(int status) {
+    const int primary = status & 0xFF;
+    return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB || primary == SQLITE_ERROR;
+}
+
+// https://sqlite.org/security.html, "Untrusted SQLite Database Files".
+void distrust(sqlite3* database) {
+    sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+    sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+    sqlite3_limit(database, SQLITE_LIMIT_LENGTH, maximumRowBytes);
+    execute(database, "PRAGMA cell_size_check=ON; PRAGMA mmap_size=0;");
+}
+
+platform::SqliteConnection connect(const std::string& path) {
+    sqlite3* handle = nullptr;
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
+    const int result = sqlite3_open_v2(path.c_str(), &handle, flags, nullptr);
+    platform::SqliteConnection database(handle);
+    if (result != SQLITE_OK) return nullptr;
+    sqlite3_busy_timeout(handle, busyMilliseconds);
+    distrust(handle);
+    return database;
+}
+
+std::optional<Sha256Digest> digestOf(std::span<const std::uint8_t> bytes) {
+    Sha256Digest digest{};
+    if (bytes.size() != digest.size()) return std::nullopt;
+    std::ranges::copy(bytes, digest.begin());
+    return digest;
+}
+
+// Absent for a row that no version of ours has written.
+std::optional<FileReading> readingIn(const SqliteStatement& row) {
+    constexpr auto last = static_cast<std::int64_t>(FileReading::Outcome::unreadable);
+    const std::int64_t outcome = row.integer(3);
+    const auto hash = digestOf(row.blob(4));
+    if (!hash || outcome < 0 || outcome > last) return std::nullopt;
+    return FileReading{.stamp = {row.integer(1), row.integer(2)},
+                       .outcome = static_cast<FileReading::Outcome>(outcome),
+                       .hash = *hash,
+                       .bodyHash = digestOf(row.blob(5)),
+                       .readAt = Date(std::chrono::seconds(row.integer(6)))};
+}
+
+void bindReading(SqliteStatement& statement, std::string_view path, const FileReading& reading) {
+    statement.bindText(1, path);
+    statement.bindInteger(2, reading.stamp.sizeBytes);
+    statement.bindInteger(3, reading.stamp.modifiedNanoseconds);
+    statement.bindInteger(4, static_cast<std::int64_t>(reading.outcome));
+    statement.bindBlob(5, reading.hash);
+    if (reading.bodyHash) statement.bindBlob(6, *reading.bodyHash);
+    statement.bindInteger(7, reading.readAt.time_since_epoch().count());
+}
+
+// SQLITE_OK for a statement without rows that went through; it is ready for the next values then.
+int stepOnce(SqliteStatement& statement) {
+    statement.step();
+    const int status = statement.status();
+    statement.reset();
+    return status == SQLITE_DONE ? SQLITE_OK : status;
+}
+
+// The status with which the rows ended.
+int readCopies(sqlite3* database, ReadingTable& table) {
+    SqliteStatement rows(database, selectCopies);
+    while (rows.step()) {
+        const auto reading = readingIn(rows);
+        if (reading) table.set(rows.text(0).value_or(""), *reading);
+    }
+    return rows.status();
+}
+
+int readArchived(sqlite3* database, ProofFacts& facts) {
+    SqliteStatement rows(database, selectArchived);
+    ReadingTable* table = nullptr;
+    std::string root;
+    while (rows.step()) {
+        const auto reading = readingIn(rows);
+        if (!reading) continue;
+        const std::string_view rowRoot = rows.text(7).value_or("");
+        if (table == nullptr || root != rowRoot) {
+            root = rowRoot;
+            table = &facts.archived[root];
+        }
+        table->set(rows.text(0).value_or(""), *reading);
+    }
+    return rows.status();
+}
+
+int insertAll(sqlite3* database, const ReadingBatch& batch) {
+    SqliteStatement copies(database, insertCopy);
+    SqliteStatement files(database, insertArchived);
+    if (!copies || !files) return !copies ? copies.status() : files.status();
+    int status = SQLITE_OK;
+    for (const CopyReading& copy : batch.copies) {
+        bindReading(copies, copy.path, copy.reading);
+        if ((status = stepOnce(copies)) != SQLITE_OK) return status;
+    }
+    for (const auto& [root, readings] : batch.archived) {
+        for (const ArchivedFileReading& file : readings) {
+            bindReading(files, file.relativePath, file.reading);
+            files.bindText(8, root);
+            if ((status = stepOnce(files)) != SQLITE_OK) return status;
+        }
+    }
+    return status;
+}
+
+// All of the batch or nothing of it; SQLITE_OK or the error.
+int writeBatch(sqlite3* database, const ReadingBatch& batch) {
+    int status = execute(database, "BEGIN IMMEDIATE;");
+    if (status != SQLITE_OK) return status;
+    status = insertAll(database, batch);
+    if (status == SQLITE_OK) status = execute(database, "COMMIT;");
+    if (status != SQLITE_OK) execute(database, "ROLLBACK;");
+    return status;
+}
+
+// SQLITE_OK, or the error that kept the tables from being there.
+int provideTables(sqlite3* database) {
+    SqliteStatement version(database, versionPragma);
+    if (!version.step()) return version.status();
+    const std::int64_t known = version.integer(0);
+    version.rewind();
+    if (known == currentVersion) return SQLITE_OK;
+    // Another process may be making them as well.
+    return known == 0 ? execute(database, schema) : SQLITE_NOTADB;
+}
+
+} // namespace
+
+ProofStore::ProofStore(CorvaneAppSupport support)
+  : support_(std::move(support))
+  , path_(support_.filePath("proof-readings.sqlite")) {}
+
+std::shared_ptr<ProofFacts> ProofStore::load() {
+    auto facts = std::make_shared<ProofFacts>();
+    struct stat status{};
+    if (support_.files().stat(path_, status) != 0 || !open()) return facts;
+    int ended = readCopies(database_.get(), facts->copies);
+    if (ended == SQLITE_DONE) ended = readArchived(database_.get(), *facts);
+    if (ended == SQLITE_DONE) return facts;
+    if (meansDamage(ended)) removeFile();
+    // What was read before the damage isn't to be trusted either.
+    return std::make_shared<ProofFacts>();
+}
+
+bool ProofStore::save(const ReadingBatch& batch) {
+    if (batch.isEmpty()) return true;
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        if (!open()) return false;
+        const int status = writeBatch(database_.get(), batch);
+        if (status == SQLITE_OK) return true;
+        if (!meansDamage(status)) return false;
+        removeFile();
+    }
+    return false;
+}
+
+// Leaves `database_` with its tables, or null.
+bool ProofStore::open() {
+    for (int attempt = 0; attempt < 2 && !database_; ++attempt) {
+        if (!makeFile()) return false;
+        platform::SqliteConnection database = connect(path_);
+        if (!database) return false;
+        const int status = provideTables(database.get());
+        if (status == SQLITE_OK) {
+            database_ = std::move(database);
+        } else if (meansDamage(status)) {
+            database.reset();
+            removeFile();
+        } else {
+            return false;
+        }
+    }
+    return database_ != nullptr;
+}
+
+// Made before SQLite does, with the mode that its journal takes over.
+bool ProofStore::makeFile() {
+    if (support_.createBaseDirectory()) return false;
+    platform::FileLayer& files = support_.files();
+    const int descriptor = files.open(path_, O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
+    if (descriptor < 0) return false;
+    files.close(descriptor);
+    return true;
+}
+
+void ProofStore::removeFile() {
+    database_.reset();
+    for (const char* suffix : {"", "-journal", "-wal", "-shm"}) support_.files().unlink(path_ + suffix);
+}
+
+} // namespace corvane

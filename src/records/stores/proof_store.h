@@ -1,0 +1,37 @@
+// The readings of files, kept in the application's folder: what a proof needn't read again. A database of its
+// own; whatever is wrong with it, it is made anew, and files are read again. Only this user can read it.
+//
+// Any thread, one at a time for each object; several processes may use the file at a time.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/sqlite.h"
+#include "records/proof_facts.h"
+#include "records/stores/app_support.h"
+
+namespace corvane {
+
+class ProofStore {
+  public:
+    explicit ProofStore(CorvaneAppSupport support);
+
+    // All readings. Empty where there is no file, or where it can't be used. Never null.
+    [[nodiscard]] std::shared_ptr<ProofFacts> load();
+
+    // Adds the readings in one step, each in the place of an earlier one of its file. False when they
+    // couldn't be kept: they will be made again.
+    bool save(const ReadingBatch& batch);
+
+  private:
+    bool open();
+    bool makeFile();
+    void removeFile();
+
+    CorvaneAppSupport support_;
+    std::string path_;
+    platform::SqliteConnection database_; // null until needed
+};
+
+} // namespace corvane

@@ -1,0 +1,84 @@
+#include "records/stores/proof_store.h"
+
+#include <filesystem>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "platform/files/directory.h"
+#include "support/temporary_home.h"
+
+namespace corvane {
+namespace {
+
+using testing::TemporaryHome;
+
+constexpr const char* storeFile = ".local/share/Corvane/proof-readings.sqlite";
+
+FileReading sampleReading(char content, bool hasBody) {
+    FileReading reading{.stamp = {7, 1'700'000'000'123'456'789}, .outcome = FileReading::Outcome::complete};
+    reading.hash = platform::sha256(std::string(1, content));
+    if (hasBody) reading.bodyHash = platform::sha256("body");
+    reading.readAt = Date(std::chrono::seconds(1'700'000'000));
+    return reading;
+}
+
+const std::string oddPath = std::string("/邮件/a\n") + '\0' + "\xff.emlx";
+
+TEST(ProofStore, KeepsTheLastReadingOfEachFile) {
+    const TemporaryHome home;
+    const CorvaneAppSupport support(home.platform());
+    EXPECT_TRUE(ProofStore(support).load()->isEmpty());
+    EXPECT_FALSE(platform::fileExists(home.at(storeFile))) << "looking makes no file";
+    ProofStore store(support);
+    ReadingBatch batch;
+    batch.copies = {{oddPath, sampleReading('a', false)}, {"/b", sampleReading('b', true)}};
+    batch.archived["/root"] = {{"2020/x.eml", sampleReading('c', true)}};
+    batch.archived["/other"] = {{"2020/x.eml", sampleReading('d', false)}};
+    ASSERT_TRUE(store.save(batch));
+    ReadingBatch later;
+    later.copies = {{"/b", sampleReading('e', false)}};
+    ASSERT_TRUE(ProofStore(support).save(later)) << "beside another one";
+    const auto facts = ProofStore(support).load();
+    ASSERT_NE(facts->copies.find(oddPath), nullptr);
+    EXPECT_EQ(*facts->copies.find(oddPath), sampleReading('a', false));
+    EXPECT_EQ(*facts->copies.find("/b"), sampleReading('e', false));
+    EXPECT_EQ(*facts->archivedReading("/root", "2020/x.eml"), sampleReading('c', true));
+    EXPECT_EQ(*facts->archivedReading("/other", "2020/x.eml"), sampleReading('d', false));
+    EXPECT_EQ(facts->archivedReading("/root", "2020/y.eml"), nullptr);
+    struct stat status{};
+    ASSERT_EQ(::stat(home.at(storeFile).c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600U);
+}
+
+TEST(ProofStore, IsMadeAnewWhereItCannotBeUsed) {
+    const TemporaryHome home;
+    const CorvaneAppSupport support(home.platform());
+    ReadingBatch batch;
+    for (int number = 0; number < 400; ++number)
+        batch.copies.push_back({"/" + std::to_string(number), sampleReading('a', true)});
+    ASSERT_TRUE(ProofStore(support).save(batch));
+    const std::string sound = testing::readWhole(home.at(storeFile));
+    std::string torn = sound;
+    std::fill(torn.begin() + 8192, torn.begin() + 20480, '\x7f');
+    std::string ofAnotherVersion = sound;
+    ofAnotherVersion[63] = 9; // user_version
+    for (const std::string& content :
+         {std::string("no database"), torn, sound.substr(0, 4096), ofAnotherVersion}) {
+        home.write(storeFile, content);
+        EXPECT_TRUE(ProofStore(support).load()->isEmpty());
+        ReadingBatch one;
+        one.copies = {{"/b", sampleReading('b', false)}};
+        ProofStore store(support);
+        ASSERT_TRUE(store.save(one));
+        EXPECT_EQ(ProofStore(support).load()->copies.size(), 1U);
+    }
+    std::filesystem::remove(home.at(storeFile));
+    std::filesystem::create_symlink(home.write("elsewhere", ""), home.at(storeFile));
+    EXPECT_FALSE(ProofStore(support).save(batch)) << "no link is followed";
+    EXPECT_EQ(testing::readWhole(home.at("elsewhere")), "");
+}
+
+} // namespace
+} // namespace corvane
