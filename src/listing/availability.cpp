@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <stop_token>
+#include <utility>
 
 #include "listing/file_existence.h"
 #include "platform/parallel.h"
@@ -41,7 +42,10 @@ struct Selections {
 };
 
 Selections selectCounted(const AvailabilityJob& job, const CountedMessages& all,
-                         const SharedTextSet& available, const SharedTextSet& archived) {
+                         const AvailabilityResult& result) {
+    const SharedTextSet& available = *result.locallyAvailableIDs;
+    const SharedTextSet& archived = *result.archivedMessageIDs;
+    const SharedTextSet& withheld = *result.withheldIDs;
     Selections selections;
     selections.local.reserve(all.size());
     selections.unbacked.reserve(all.size());
@@ -52,27 +56,79 @@ Selections selectCounted(const AvailabilityJob& job, const CountedMessages& all,
         const CandidateFacts facts{
             .isAvailable = [&] { return areAllLocal || available.contains(counted.message->id); },
             .isArchived = [] { return false; }, // looked up above
+            .isWithheld = [&] { return !withheld.empty() && withheld.contains(counted.message->id); },
             .year = [&] { return counted.year; }};
         if (isCandidate(*counted.message, job.inputs.limits, facts)) selections.local.push_back(counted);
     }
     return selections;
 }
 
-std::shared_ptr<const SharedTextSet> archivedIDs(const AvailabilityJob& job) {
+std::shared_ptr<const SharedTextSet> recordedIDs(const AvailabilityJob& job) {
     const auto& baseIDs = job.inputs.archivedBaseIDs;
-    if (job.known && job.known->archivedBaseIDs == baseIDs) return job.known->archivedMessageIDs;
-    return corvane::archivedIDs(*job.set->messages, *baseIDs);
+    if (job.known && job.known->archivedBaseIDs == baseIDs) return job.known->recordedMessageIDs;
+    return messageIDsOf(*job.set->messages, *baseIDs);
+}
+
+// Null when stopped.
+SharedProofTable proofsOf(const AvailabilityJob& job, const AvailabilityResult& result,
+                          const std::stop_token& stop) {
+    const SharedProofTable earlier = job.known ? job.known->proofs : nullptr;
+    const bool isSame = earlier && earlier->inputs == job.inputs.proof &&
+                        job.known->recordedMessageIDs == result.recordedMessageIDs;
+    return isSame ? earlier
+                  : computeProofTable(*job.set->messages, *result.locallyAvailableIDs,
+                                      *result.recordedMessageIDs, job.inputs.proof, earlier, stop);
+}
+
+std::shared_ptr<const SharedTextSet> withheldIDs(const AvailabilityResult& result) {
+    SharedTextSet withheld = *result.setAsideIDs;
+    for (const auto& [id, verdict] : result.proofs->against) {
+        if (!countsAsArchived(verdict.outcome) && !isOfferedAgain(verdict.outcome)) withheld.insert(id);
+    }
+    return std::make_shared<const SharedTextSet>(std::move(withheld));
+}
+
+std::shared_ptr<const SharedTextSet> archivedIDs(const AvailabilityResult& result) {
+    const SharedTextSet& setAside = *result.setAsideIDs;
+    const auto& against = result.proofs->against;
+    if (setAside.empty() && against.empty()) return result.recordedMessageIDs;
+    SharedTextSet archived = *result.recordedMessageIDs;
+    for (const auto& [id, verdict] : against) archived.erase(id);
+    for (const SharedText& id : setAside) archived.erase(id);
+    return std::make_shared<const SharedTextSet>(std::move(archived));
+}
+
+// The very one of before where nothing has changed in it.
+template <class Shared>
+Shared unlessEqual(Shared made, const Shared& earlier) {
+    return *made == *earlier ? earlier : made;
+}
+
+// Which messages count as archived, and why others don't. False when stopped.
+bool judge(const AvailabilityJob& job, AvailabilityResult& result, const std::stop_token& stop) {
+    result.setAsideIDs = messageIDsOf(*job.set->messages, *job.inputs.setAside);
+    result.proofs = proofsOf(job, result, stop);
+    if (!result.proofs) return false;
+    result.withheldIDs = withheldIDs(result);
+    result.archivedMessageIDs = archivedIDs(result);
+    if (!job.known) return true;
+    result.setAsideIDs = unlessEqual(std::move(result.setAsideIDs), job.known->setAsideIDs);
+    result.withheldIDs = unlessEqual(std::move(result.withheldIDs), job.known->withheldIDs);
+    result.archivedMessageIDs =
+        unlessEqual(std::move(result.archivedMessageIDs), job.known->archivedMessageIDs);
+    return true;
 }
 
 } // namespace
 
-std::shared_ptr<const SharedTextSet> archivedIDs(const MessageList& messages, const SharedTextSet& baseIDs) {
-    auto archived = std::make_shared<SharedTextSet>();
-    if (baseIDs.empty()) return archived;
+std::shared_ptr<const SharedTextSet> messageIDsOf(const MessageList& messages,
+                                                  const SharedTextSet& stableIDs) {
+    auto ids = std::make_shared<SharedTextSet>();
+    if (stableIDs.empty()) return ids;
     for (const MailMessageRecord& message : messages) {
-        if (baseIDs.contains(stableID(message))) archived->insert(message.id);
+        if (stableIDs.contains(stableID(message))) ids->insert(message.id);
     }
-    return archived;
+    return ids;
 }
 
 // The list waits for this, so what doesn't depend on each other runs at a time.
@@ -91,7 +147,7 @@ std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job
         [&] {
             result.locallyAvailableIDs =
                 job.known ? job.known->locallyAvailableIDs : findAvailable(job, stop);
-            result.archivedMessageIDs = archivedIDs(job);
+            result.recordedMessageIDs = recordedIDs(job);
         },
         [&] {
             result.yearByID =
@@ -99,8 +155,8 @@ std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job
             result.mailAccountYearStats = computeAccountYearStats(all, accounts);
         });
     if (!result.locallyAvailableIDs || stop.stop_requested()) return std::nullopt;
-    const Selections selections =
-        selectCounted(job, all, *result.locallyAvailableIDs, *result.archivedMessageIDs);
+    if (!judge(job, result, stop)) return std::nullopt;
+    const Selections selections = selectCounted(job, all, result);
     // Nothing archived, or everything on this disk and within the limits: what is selected is all.
     const auto accountStats = [&](const CountedMessages& selected) {
         return selected.size() == all.size() ? result.mailAccountYearStats

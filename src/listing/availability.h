@@ -12,6 +12,7 @@
 #include "listing/candidates.h"
 #include "listing/message_set.h"
 #include "listing/message_statistics.h"
+#include "listing/proof/proof_table.h"
 #include "records/mail_account.h"
 #include "records/statistics_records.h"
 #include "text/shared_text.h"
@@ -23,6 +24,9 @@ struct AvailabilityInputs {
     std::shared_ptr<const SharedTextSet> archivedBaseIDs = std::make_shared<const SharedTextSet>();
     CandidateRules limits; // of size and newest year; the statistics have a row for every account and year
     std::vector<MailAccount> accounts;
+    ProofInputs proof{};
+    // Stable ids of what the user doesn't want to be archived for now.
+    std::shared_ptr<const SharedTextSet> setAside = std::make_shared<const SharedTextSet>();
 };
 
 // What an availability run finds out.
@@ -30,7 +34,15 @@ struct AvailabilityResult {
     std::shared_ptr<const SharedTextSet> locallyAvailableIDs = std::make_shared<const SharedTextSet>();
     std::shared_ptr<const YearByID> yearByID = std::make_shared<const YearByID>();
     // The messages whose stable id is one of these base ids.
+    std::shared_ptr<const SharedTextSet> recordedMessageIDs = std::make_shared<const SharedTextSet>();
+    // Those of them that nothing stands against: what counts as archived.
     std::shared_ptr<const SharedTextSet> archivedMessageIDs = std::make_shared<const SharedTextSet>();
+    SharedProofTable proofs = std::make_shared<const ProofTable>();
+    // The messages that the user has set aside.
+    std::shared_ptr<const SharedTextSet> setAsideIDs = std::make_shared<const SharedTextSet>();
+    // Those, and the ones that are recorded while their files can't be read whole: no candidates, and not
+    // archived.
+    std::shared_ptr<const SharedTextSet> withheldIDs = std::make_shared<const SharedTextSet>();
     std::shared_ptr<const SharedTextSet> archivedBaseIDs = std::make_shared<const SharedTextSet>();
     std::vector<YearStat> localYearStats;
     std::vector<AccountYearStatGroup> accountYearStats;         // of the local candidates
@@ -53,7 +65,8 @@ struct AvailabilityJob {
 std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job,
                                                       const std::stop_token& stop = {});
 
-// The ids of the messages whose stable id is one of the base ids.
-std::shared_ptr<const SharedTextSet> archivedIDs(const MessageList& messages, const SharedTextSet& baseIDs);
+// The ids of the messages whose stable id is one of these.
+std::shared_ptr<const SharedTextSet> messageIDsOf(const MessageList& messages,
+                                                  const SharedTextSet& stableIDs);
 
 } // namespace corvane

@@ -38,6 +38,7 @@ class CandidateTest {
         return isCandidate(message, rules_,
                            CandidateFacts{.isAvailable = [&] { return isAvailable(message); },
                                           .isArchived = [&] { return isArchived(message); },
+                                          .isWithheld = [&] { return isWithheld(message); },
                                           .year = [&] { return yearOf(message); }});
     }
 
@@ -52,6 +53,10 @@ class CandidateTest {
         if (inputs_.archivedMessageIDs) return inputs_.archivedMessageIDs->contains(message.id);
         const auto& baseIDs = inputs_.archivedBaseIDs;
         return baseIDs && !baseIDs->empty() && baseIDs->contains(stableID(message));
+    }
+
+    [[nodiscard]] bool isWithheld(const MailMessageRecord& message) const {
+        return inputs_.withheldIDs && inputs_.withheldIDs->contains(message.id);
     }
 
     [[nodiscard]] std::optional<std::int64_t> yearOf(const MailMessageRecord& message) const {

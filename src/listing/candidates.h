@@ -35,10 +35,11 @@ struct CandidateRules {
 
 // What has to be known of a message, as functions: some are a look at the disk or make a text, so each is
 // called only where the answer depends on it.
-template <class IsAvailable, class IsArchived, class Year>
+template <class IsAvailable, class IsArchived, class IsWithheld, class Year>
 struct CandidateFacts {
     IsAvailable isAvailable; // one of its files is on this machine
-    IsArchived isArchived;   // a known archive holds it
+    IsArchived isArchived;   // a known archive holds it, and nothing stands against that
+    IsWithheld isWithheld;   // the user has set it aside, or it is recorded and can't be read whole
     Year year;               // local, absent without a date
 };
 
@@ -52,7 +53,7 @@ bool isCandidate(const MailMessageRecord& message, const CandidateRules& rules,
     if (!accounts.empty() && !accounts.contains(std::string(accountFilterKey(message)))) return false;
     if (!facts.isAvailable()) return false;
     if (rules.limitYears() && !rules.holdYear(facts.year())) return false;
-    return !facts.isArchived();
+    return !facts.isArchived() && !facts.isWithheld();
 }
 
 // Everything that a list or a count of candidates depends on, shared: equal inputs have equal candidates.
@@ -71,6 +72,9 @@ struct CandidateInputs {
     // then every message's stable id is looked up in `archivedBaseIDs`.
     std::shared_ptr<const SharedTextSet> archivedMessageIDs;
     std::shared_ptr<const SharedTextSet> archivedBaseIDs;
+
+    // Messages that are none whatever else is known of them; null for none.
+    std::shared_ptr<const SharedTextSet> withheldIDs{};
 
     // Null while not known: then the years come from the dates.
     std::shared_ptr<const YearByID> yearByID;

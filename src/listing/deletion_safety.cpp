@@ -8,9 +8,51 @@
 #include <string_view>
 
 #include "listing/account_titles.h"
-#include "records/stable_id.h"
 
 namespace corvane {
+
+void ProofCounts::add(ProofOutcome outcome, std::int64_t count) {
+    switch (outcome) {
+    case ProofOutcome::proven:
+        proven += count;
+        break;
+    case ProofOutcome::differs:
+        differs += count;
+        break;
+    case ProofOutcome::fileMissing:
+        fileMissing += count;
+        break;
+    case ProofOutcome::unreadable:
+        unreadable += count;
+        break;
+    case ProofOutcome::incomplete:
+        incomplete += count;
+        break;
+    case ProofOutcome::notLookedAt:
+        break;
+    }
+}
+
+void ProofCounts::add(const ProofCounts& other) {
+    proven += other.proven;
+    differs += other.differs;
+    fileMissing += other.fileMissing;
+    unreadable += other.unreadable;
+    incomplete += other.incomplete;
+}
+
+void ArchivedState::tally(const MailMessageRecord& message, LocalTally& tally) const {
+    tally.local += 1;
+    const bool isSetAside = !setAsideIDs.empty() && setAsideIDs.contains(message.id);
+    const ProofVerdict* const against = proofs.against.empty() ? nullptr : proofs.verdictAgainst(message.id);
+    tally.setAside += isSetAside ? 1 : 0;
+    if (against != nullptr) {
+        tally.proofs.add(against->outcome);
+    } else if (archivedIDs.contains(message.id)) {
+        tally.archived += 1;
+        tally.proofs.proven += proofs.provenIDs->contains(message.id) ? 1 : 0;
+    }
+}
 
 TallyByAccount tallyMessages(const TallyInputs& input) {
     TallyByAccount tallies;
@@ -19,8 +61,7 @@ TallyByAccount tallyMessages(const TallyInputs& input) {
         const std::string_view key = accountGroupKey(message);
         auto account = tallies.find(key);
         if (account == tallies.end()) account = tallies.emplace(key, TallyByYear()).first;
-        account->second[yearIn(input.yearByID, message)].add(
-            input.archivedBaseIDs.contains(stableID(message)));
+        input.archived.tally(message, account->second[yearIn(input.yearByID, message)]);
     }
     return tallies;
 }
@@ -44,6 +85,8 @@ DeletionSafety deletionSafety(const TallyByAccount& tallies, const std::optional
             if (!years.empty() && !(year && years.contains(*year))) continue;
             safety.local += tally.local;
             safety.archived += tally.archived;
+            safety.proofs.add(tally.proofs);
+            safety.setAside += tally.setAside;
         }
     }
     std::int64_t known = 0;

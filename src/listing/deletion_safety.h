@@ -1,6 +1,6 @@
-// How many originals may be deleted by hand: the one place that makes this number. Everybody tallies the
-// messages of this machine by account and year first, and the number comes from the tallies, whoever asks.
-// Pure functions, linear in the messages.
+// How many originals are archived, and how many of them may be deleted by hand: the one place that makes this
+// number. Everybody tallies the messages of this machine by account and year first, and the number comes from
+// the tallies, whoever asks. Pure functions, linear in the messages.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +11,7 @@
 #include <string>
 
 #include "listing/message_statistics.h"
+#include "listing/proof/proof_table.h"
 #include "records/mail_message_record.h"
 #include "text/shared_text.h"
 
@@ -19,10 +20,31 @@ namespace corvane {
 using CountByYear = std::map<std::int64_t, std::int64_t>;
 using CountByAccountAndYear = std::map<std::string, CountByYear>;
 
+// Messages on this machine that an archive has by their id, by what their proof has come to.
+struct ProofCounts {
+    std::int64_t proven = 0;
+    std::int64_t differs = 0;
+    std::int64_t fileMissing = 0;
+    std::int64_t unreadable = 0;
+    std::int64_t incomplete = 0;
+
+    void add(ProofOutcome outcome, std::int64_t count = 1);
+    void add(const ProofCounts& other);
+
+    friend bool operator==(const ProofCounts&, const ProofCounts&) = default;
+};
+
 struct DeletionSafety {
     std::int64_t local = 0;      // messages with a local file
-    std::int64_t archived = 0;   // those of them that an archive holds: what may be deleted by hand
+    std::int64_t archived = 0;   // those of them that an archive holds, and that nothing stands against
     std::int64_t serverOnly = 0; // messages the index knows beyond the local ones
+    ProofCounts proofs{};
+    std::int64_t setAside = 0; // of the local ones
+
+    [[nodiscard]] std::int64_t notLookedAt() const { return archived - proofs.proven; }
+
+    // All that is here was compared with its archived copy, byte for byte: the originals may go.
+    [[nodiscard]] bool isDeletable() const { return local > 0 && proofs.proven == local; }
 
     friend bool operator==(const DeletionSafety&, const DeletionSafety&) = default;
 };
@@ -32,24 +54,31 @@ struct DeletionSafety {
 struct LocalTally {
     std::int64_t local = 0;
     std::int64_t archived = 0;
-
-    void add(bool isArchived) {
-        local += 1;
-        archived += isArchived ? 1 : 0;
-    }
+    ProofCounts proofs{};
+    std::int64_t setAside = 0;
 };
 
 using TallyByYear = std::map<std::optional<std::int64_t>, LocalTally>;  // absent: messages without a date
 using TallyByAccount = std::map<std::string, TallyByYear, std::less<>>; // by the key of the account filter
 
+// What is known of the messages of one list, by their ids. Refers to its makings.
+struct ArchivedState {
+    const SharedTextSet& archivedIDs;
+    const SharedTextSet& setAsideIDs;
+    const ProofTable& proofs;
+
+    // Adds a message that is on this machine.
+    void tally(const MailMessageRecord& message, LocalTally& tally) const;
+};
+
 struct TallyInputs {
     const MessageList& messages;
     const SharedTextSet& locallyAvailableIDs;
-    const SharedTextSet& archivedBaseIDs;
+    ArchivedState archived;
     const YearByID& yearByID;
 };
 
-// The tallies of all messages. Archived is what has its stable id among the base ids.
+// The tallies of all messages.
 TallyByAccount tallyMessages(const TallyInputs& input);
 
 // What the index knows by year, for the part that only the server has. Refers to its makings.

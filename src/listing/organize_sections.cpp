@@ -48,10 +48,11 @@ class OverviewMaker {
         AccountInMaking& making = accountOf(message);
         const auto year = yearIn(*input_.yearByID, message);
         const bool isArchived = input_.archivedMessageIDs->contains(message.id);
-        making.tallies[year].add(isArchived);
+        archived_.tally(message, making.tallies[year]);
         making.account.localBytes += message.messageSize;
         const CandidateFacts facts{.isAvailable = [] { return true; },
                                    .isArchived = [&] { return isArchived; },
+                                   .isWithheld = [&] { return input_.withheldIDs->contains(message.id); },
                                    .year = [&] { return year; }};
         if (isCandidate(message, limits_, facts)) addCandidate(making, year.value_or(undatedYear), message);
     }
@@ -64,6 +65,7 @@ class OverviewMaker {
 
     const OrganizeInput& input_;
     const CandidateRules limits_{.maximumYear = input_.maximumYear};
+    const ArchivedState archived_{*input_.archivedMessageIDs, *input_.setAsideIDs, *input_.proofs};
     std::vector<AccountInMaking> accounts_;
     std::unordered_map<std::string_view, std::size_t> positionByKey_;
 };

@@ -81,6 +81,9 @@ struct OrganizeInput {
     // The smallest size is none of this: it is a choice for one run.
     std::optional<std::int64_t> maximumYear;
     std::vector<MailAccount> accounts;
+    std::shared_ptr<const SharedTextSet> setAsideIDs = std::make_shared<const SharedTextSet>();
+    std::shared_ptr<const SharedTextSet> withheldIDs = std::make_shared<const SharedTextSet>();
+    SharedProofTable proofs = std::make_shared<const ProofTable>();
 
     friend bool operator==(const OrganizeInput&, const OrganizeInput&) = default;
 };

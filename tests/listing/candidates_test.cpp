@@ -89,7 +89,7 @@ TEST_F(Candidates, OfAnOfferNeedNotPassAccountsAndYears) {
 
 TEST_F(Candidates, AreCountedByTheStatisticsButForTrashAndTheUndated) {
     const AvailabilityJob job{
-        MessageSet::make(messages_, true), {archived_, {.minimumBytes = 400}, {}}, nullptr};
+        MessageSet::make(messages_, true), {archived_, {.minimumBytes = 400}, {}, {}}, nullptr};
     const auto result = computeAvailability(job);
     ASSERT_TRUE(result);
     EXPECT_EQ(*result->locallyAvailableIDs, *idsOf("abkunts"));

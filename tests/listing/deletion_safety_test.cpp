@@ -25,7 +25,9 @@ TEST(DeletionSafety, CountsOnlyWhatIsLocalAndArchived) {
                                           {.id = "5", .date = {}, .identifier = "c"},
                                           {.id = "6", .identifier = "a", .account = ""}});
     const SharedTextSet available = {"1", "2", "3", "5"};
-    const SharedTextSet archived = {"mid:a", "mid:a2", "mid:gone"};
+    const SharedTextSet archived = {"1", "3", "4"};
+    const SharedTextSet setAside;
+    const ProofTable proofs;
     const YearByID years = computeMessageYears(messages);
     const std::set<std::string> all;
     const std::set<std::string> onlyA = {"imap://A"};
@@ -33,8 +35,8 @@ TEST(DeletionSafety, CountsOnlyWhatIsLocalAndArchived) {
     const CountByAccountAndYear byAccount = {{"imap://A", {{2024, 3}}}};
     const auto safety = [&](const auto& accounts, const std::set<std::int64_t>& chosen,
                             const SharedTextSet& local, const std::optional<std::string>& lookedAt = {}) {
-        return deletionSafety(tallyMessages({messages, local, archived, years}), lookedAt, chosen,
-                              {counts, byAccount, accounts});
+        return deletionSafety(tallyMessages({messages, local, {archived, setAside, proofs}, years}), lookedAt,
+                              chosen, {counts, byAccount, accounts});
     };
     const std::int64_t year = localYear(at(newYear2024));
     EXPECT_EQ(safety(all, {}, available), (DeletionSafety{4, 2, 7}));

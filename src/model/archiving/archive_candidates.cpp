@@ -40,6 +40,7 @@ CandidateInputs ArchiveCandidates::inputs() const {
             .locallyAvailableIDs = catalog_.locallyAvailableIDs(),
             .archivedMessageIDs = catalog_.archivedMessageIDs(),
             .archivedBaseIDs = nullptr,
+            .withheldIDs = catalog_.withheldIDs(),
             .yearByID = catalog_.messageYearByID()};
 }
 

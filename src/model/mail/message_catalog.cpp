@@ -12,7 +12,11 @@ SharedAvailability statisticsOf(const AvailabilityResult& earlier) {
     const AvailabilityResult nothingKnown;
     kept.locallyAvailableIDs = nothingKnown.locallyAvailableIDs;
     kept.yearByID = nothingKnown.yearByID;
+    kept.recordedMessageIDs = nothingKnown.recordedMessageIDs;
     kept.archivedMessageIDs = nothingKnown.archivedMessageIDs;
+    kept.proofs = nothingKnown.proofs;
+    kept.setAsideIDs = nothingKnown.setAsideIDs;
+    kept.withheldIDs = nothingKnown.withheldIDs;
     kept.archivedBaseIDs = nothingKnown.archivedBaseIDs;
     return std::make_shared<const AvailabilityResult>(std::move(kept));
 }
@@ -151,7 +155,9 @@ void MessageCatalog::publishEmpty() {
 }
 
 void MessageCatalog::publish(SharedAvailability availability) {
-    const bool isArchivedAnew = archivedMessageIDs() != availability->archivedMessageIDs;
+    const bool isArchivedAnew = archivedMessageIDs() != availability->archivedMessageIDs ||
+                                proofs() != availability->proofs ||
+                                setAsideIDs() != availability->setAsideIDs;
     CatalogState state = *state_;
     state.availability = std::move(availability);
     state.isAvailabilityKnown = true;

@@ -32,9 +32,15 @@ bool OrganizeData::hasOnlyStatistics() const {
 
 OrganizeData::Inputs OrganizeData::inputs() const {
     const MessageCatalog& catalog = model_.catalog();
-    OrganizeInput input{
-        catalog.messages(),        catalog.locallyAvailableIDs(),      catalog.archivedMessageIDs(),
-        catalog.messageYearByID(), model_.filters().transferMaxYear(), model_.accounts().availableAccounts()};
+    OrganizeInput input{catalog.messages(),
+                        catalog.locallyAvailableIDs(),
+                        catalog.archivedMessageIDs(),
+                        catalog.messageYearByID(),
+                        model_.filters().transferMaxYear(),
+                        model_.accounts().availableAccounts(),
+                        catalog.setAsideIDs(),
+                        catalog.withheldIDs(),
+                        catalog.proofs()};
     return {std::move(input), catalog.isAvailabilityKnown(),
             hasOnlyStatistics() ? catalog.state()->availability : nullptr};
 }

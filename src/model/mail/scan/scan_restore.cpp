@@ -58,7 +58,9 @@ AvailabilityResult knownAvailability(const MessageList& messages, const std::vec
     result.yearByID = std::make_shared<const YearByID>(computeMessageYears(messages));
     result.locallyAvailableIDs = std::move(available);
     result.archivedBaseIDs = inputs.archivedBaseIDs;
-    result.archivedMessageIDs = archivedIDs(messages, *inputs.archivedBaseIDs);
+    // What stands against them is found by the run that follows; until then none of them is proven.
+    result.recordedMessageIDs = messageIDsOf(messages, *inputs.archivedBaseIDs);
+    result.archivedMessageIDs = result.recordedMessageIDs;
     sumLocal(result);
     return result;
 }

@@ -1,0 +1,220 @@
+#include "listing/proof/proof_outcome.h"
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "records/content_hash.h"
+
+namespace corvane {
+namespace {
+
+using Place = ProofFile::Place;
+using Outcome = FileReading::Outcome;
+
+constexpr FileStamp now{10, 5};
+constexpr FileStamp earlier{10, 4};
+
+platform::Sha256Digest digest(char content) {
+    return platform::sha256(std::string(1, content));
+}
+
+// What was read of a file, by one letter for all of its bytes and one for its body; no letter: not hashed.
+struct Read {
+    char content = 'a';
+    char body = 0;
+    FileStamp stamp = now;
+    Outcome outcome = Outcome::complete;
+};
+
+FileReading readingOf(const Read& read) {
+    FileReading reading{.stamp = read.stamp, .outcome = read.outcome};
+    if (read.outcome != Outcome::unreadable) reading.hash = digest(read.content);
+    if (read.body != 0) reading.bodyHash = digest(read.body);
+    return reading;
+}
+
+struct Copy {
+    std::optional<Read> read = Read{};
+    FileStamp stamp = now;
+};
+
+struct File {
+    char recorded = 'a'; // 0: a record without a hash
+    std::optional<Read> read = Read{};
+    Place place = Place::there;
+    FileStamp stamp = now;
+    std::int64_t recordedBytes = now.sizeBytes;
+};
+
+// Holds what copies and files refer to.
+struct Subject {
+    Subject(const std::vector<Copy>& sketchedCopies, const std::vector<File>& sketchedFiles) {
+        for (const Copy& copy : sketchedCopies)
+            copies.push_back({.path = "/copy", .stamp = copy.stamp, .reading = held(copy.read)});
+        for (const File& file : sketchedFiles) {
+            ArchivedEntry& entry = entries.emplace_back();
+            entry.locationRootPath = "/archive";
+            entry.record.emlRelativePath = "x.eml";
+            entry.record.sizeBytes = file.recordedBytes;
+            if (file.recorded != 0) entry.record.contentHash = contentHashText(digest(file.recorded));
+            files.push_back({&entry, file.place, file.stamp, held(file.read)});
+        }
+    }
+
+    const FileReading* held(const std::optional<Read>& read) {
+        return read ? &readings.emplace_back(readingOf(*read)) : nullptr;
+    }
+
+    std::deque<FileReading> readings;
+    std::deque<ArchivedEntry> entries;
+    std::vector<ProofCopy> copies;
+    std::vector<ProofFile> files;
+};
+
+const Copy same;
+const File good;
+const Read broken{.outcome = Outcome::unreadable};
+const Read cut{.outcome = Outcome::incomplete};
+
+struct Case {
+    const char* name;
+    std::vector<Copy> copies;
+    std::vector<File> files;
+    ProofOutcome outcome;
+    const char* path = "";
+    std::string wanted; // "c" and "f" with positions
+};
+
+TEST(ProofOutcomes, FollowFromWhatWasRead) {
+    using enum ProofOutcome;
+    const std::vector<Case> cases = {
+        {"three agree", {same}, {good}, proven, "", ""},
+        {"a copy was never read", {{.read = {}}}, {good}, notLookedAt, "", "c0"},
+        {"a copy changed since", {{.read = Read{.stamp = earlier}}}, {good}, notLookedAt, "", "c0"},
+        {"the archived file was never read", {same}, {{.read = {}}}, notLookedAt, "", "f0"},
+        {"the archived file changed since",
+         {same},
+         {{.read = Read{.stamp = earlier}}},
+         notLookedAt,
+         "",
+         "f0"},
+        {"every copy counts", {same, {.read = {}}}, {good}, notLookedAt, "", "c1"},
+        {"same id, other content",
+         {{.read = Read{'b', 'y'}}},
+         {{.read = Read{'a', 'x'}}},
+         differs,
+         "/copy",
+         ""},
+        {"bodies were not compared yet", {{.read = Read{'b'}}}, {good}, notLookedAt, "", "c0"},
+        {"nor that of the file", {{.read = Read{'b', 'x'}}}, {good}, notLookedAt, "", "f0"},
+        {"another header only", {{.read = Read{'b', 'x'}}}, {{.read = Read{'a', 'x'}}}, proven, "", ""},
+        {"one of two variants", {{.read = Read{'b'}}}, {good, {'b', Read{'b'}}}, proven, "", ""},
+        {"one copy of two differs",
+         {same, {.read = Read{'b', 'y'}}},
+         {{.read = Read{'a', 'x'}}},
+         differs,
+         "/copy",
+         ""},
+        {"differing outweighs a copy that can't be read",
+         {{.read = broken}, {.read = Read{'b', 'y'}}},
+         {{.read = Read{'a', 'x'}}},
+         differs,
+         "/copy",
+         ""},
+        {"no file", {same}, {{.place = Place::gone}}, fileMissing, "/archive/x.eml", ""},
+        {"no file, and nothing read",
+         {{.read = {}}},
+         {{.place = Place::gone}},
+         fileMissing,
+         "/archive/x.eml",
+         ""},
+        {"other bytes than its record's", {same}, {{.read = Read{'b'}}}, fileMissing, "/archive/x.eml", ""},
+        {"another size than its record's",
+         {same},
+         {{.read = {}, .stamp = {9, 5}}},
+         fileMissing,
+         "/archive/x.eml",
+         ""},
+        {"one file of two archives is enough", {same}, {{.place = Place::gone}, good}, proven, "", ""},
+        {"out of reach, read before", {same}, {{.place = Place::outOfReach}}, proven, "", ""},
+        {"out of reach, never read", {same}, {{.read = {}, .place = Place::outOfReach}}, notLookedAt, "", ""},
+        {"out of reach, with another hash",
+         {{.read = Read{'b'}}},
+         {{.read = {}, .place = Place::outOfReach}},
+         differs,
+         "/copy",
+         ""},
+        {"out of reach with other bytes", {same}, {{'a', Read{'b'}, Place::outOfReach}}, notLookedAt, "", ""},
+        {"gone here, out of reach there",
+         {same},
+         {{.place = Place::gone}, {.read = {}, .place = Place::outOfReach}},
+         notLookedAt,
+         "",
+         ""},
+        {"a record without a hash", {same}, {{.recorded = 0}}, proven, "", ""},
+        {"a record without a hash, not read", {same}, {{.recorded = 0, .read = {}}}, notLookedAt, "", "f0"},
+        {"a record without a hash, other content",
+         {{.read = Read{'b', 'y'}}},
+         {{.recorded = 0, .read = Read{'a', 'x'}}},
+         differs,
+         "/copy",
+         ""},
+        {"a copy that is cut off", {{.read = cut}}, {good}, ProofOutcome::incomplete, "/copy", ""},
+        {"a copy that can't be read", {{.read = broken}}, {good}, ProofOutcome::unreadable, "/copy", ""},
+        {"a copy that can't be looked at",
+         {{.read = Read{.stamp = unknownStamp, .outcome = Outcome::unreadable}, .stamp = unknownStamp}},
+         {good},
+         ProofOutcome::unreadable,
+         "/copy",
+         ""},
+        {"a file that can't be read",
+         {same},
+         {{.read = broken}},
+         ProofOutcome::unreadable,
+         "/archive/x.eml",
+         ""},
+        {"a file that can't be read, and another", {same}, {{.read = broken}, good}, proven, "", ""},
+        {"no copy", {}, {good}, notLookedAt, "", ""},
+    };
+    for (const Case& each : cases) {
+        const Subject subject(each.copies, each.files);
+        EXPECT_EQ(proofVerdict(subject.copies, subject.files), (ProofVerdict{each.outcome, each.path}))
+            << each.name;
+        std::string wanted;
+        const WantedReadings next = wantedReadings(subject.copies, subject.files);
+        for (const std::size_t position : next.copies) wanted += "c" + std::to_string(position);
+        for (const std::size_t position : next.files) wanted += "f" + std::to_string(position);
+        EXPECT_EQ(wanted, each.wanted) << each.name;
+    }
+}
+
+// Where nothing is wanted any more, reading more can't have been forgotten: nothing stays unknown for ever.
+TEST(ProofOutcomes, OnlyWhatIsOutOfReachStaysUnknown) {
+    const std::vector<std::optional<Read>> reads = {std::nullopt,
+                                                    Read{'a'},
+                                                    Read{'a', 'x'},
+                                                    Read{'b'},
+                                                    Read{'b', 'x'},
+                                                    Read{'b', 'y'},
+                                                    Read{.stamp = earlier},
+                                                    broken,
+                                                    cut};
+    for (const auto& copy : reads) {
+        for (const auto& file : reads) {
+            for (const char recorded : {'a', '\0'}) {
+                const Subject subject({{.read = copy}}, {{.recorded = recorded, .read = file}});
+                const bool isUnknown =
+                    proofVerdict(subject.copies, subject.files).outcome == ProofOutcome::notLookedAt;
+                EXPECT_EQ(isUnknown, !wantedReadings(subject.copies, subject.files).isEmpty());
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace corvane
