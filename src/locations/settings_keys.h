@@ -7,6 +7,7 @@ inline constexpr const char* transferDestinationKey = "corvaneTransferDestinatio
 inline constexpr const char* knownLocationsKey = "corvaneKnownLocationRoots";
 inline constexpr const char* forgottenLocationsKey = "corvaneForgottenLocationRoots";
 inline constexpr const char* archiveAccountMergeRulesKey = "corvaneAccountMergeRules";
+inline constexpr const char* setAsideMessagesKey = "corvaneSetAsideMessageIDs";
 inline constexpr const char* selectedAccountPrefixesKey = "selectedAccountPrefixes";
 
 } // namespace corvane

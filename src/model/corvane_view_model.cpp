@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "listing/count_reconciliation.h"
+#include "model/library/library_file_looks.h"
 #include "platform/paths.h"
 #include "platform/stop_watch.h"
 
@@ -18,11 +19,15 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
   , accounts_(context)
   , destinations_(context)
   , library_(context)
+  , readings_(context)
+  , setAside_(context)
   , catalog_(context,
              [this] {
                  return AvailabilityInputs{library_.archivedEmailBaseIDs(),
                                            {filters_.minimumCandidateBytes(), filters_.transferMaxYear()},
-                                           accounts_.availableAccounts()};
+                                           accounts_.availableAccounts(),
+                                           proofInputs(),
+                                           setAside_.stableIDs()};
              })
   , visible_(context, catalog_, filters_)
   , counts_(context, accounts_)
@@ -31,6 +36,11 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
   , candidates_(context, catalog_, filters_)
   , ticks_(context, candidates_)
   , archiveRun_(context)
+  , proof_(context, readings_,
+           [this] {
+               return ProofJob{
+                   catalog_.messages(), catalog_.state()->availability, proofInputs(), {}, context_.support};
+           })
   , previews_(context, catalog_)
   , bodyTexts_(context, library_)
   , diskAccess_(context)
@@ -39,6 +49,7 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
     wireAvailability();
     wireFilters();
     wireArchive();
+    wireProof();
     wirePreviews();
     startUp();
     wireVolumes();
@@ -136,6 +147,39 @@ void CorvaneViewModel::wireArchive() {
     connect(&bodyTexts_, &BodyTexts::libraryReloadWanted, this, [this] { loadArchiveIndex(true); });
 }
 
+// Whatever an outcome follows from has changed: a run of the availability finds the outcomes.
+void CorvaneViewModel::wireProof() {
+    connect(&library_, &LibraryLoader::loadFinished, this, &CorvaneViewModel::renewFileLooks);
+    connect(&library_, &LibraryLoader::archiveLocationsChanged, this, [this] {
+        if (looks_ && !library_.isLoading()) renewFileLooks();
+    });
+    connect(&readings_, &KeptReadings::factsChanged, this, &CorvaneViewModel::proveAnew);
+    connect(&setAside_, &SetAside::changed, this, [this] { catalog_.refreshAvailabilityCacheAsync(true); });
+    connect(&archiveRun_, &ArchiveRunFlow::archiveFilesRead, this,
+            [this](const SharedReadings& read) { readings_.add(read, KeptReadings::Store::needsThem); });
+    connect(&proof_, &ProofFlow::proofEnded, this, [this] {
+        if (proof_.lastEnd()->sawOtherFiles) loadArchiveIndex(true);
+    });
+}
+
+ProofInputs CorvaneViewModel::proofInputs() const {
+    return {readings_.facts(), library_.archivedEntries(), looks_};
+}
+
+void CorvaneViewModel::renewFileLooks() {
+    std::set<std::string, std::less<>> connected;
+    for (const ArchiveLocation& location : library_.archiveLocations()) {
+        if (location.isConnected) connected.insert(location.rootPath);
+    }
+    looks_ = std::make_shared<const LibraryFileLooks>(std::move(connected));
+    proveAnew();
+}
+
+void CorvaneViewModel::proveAnew() {
+    const bool isDue = !catalog_.messages()->empty() && catalog_.proofs()->inputs != proofInputs();
+    if (isDue) catalog_.refreshAvailabilityCacheAsync(true);
+}
+
 void CorvaneViewModel::wirePreviews() {
     const auto refresh = [this] {
         if (!scanFlow_.state().isScanning()) previews_.refreshPreviewIfNeeded(visible_.selectedMessageID());
@@ -215,8 +259,10 @@ bool CorvaneViewModel::hasScanDisplayData() const {
 
 DeletionSafety CorvaneViewModel::deletionSafety(const std::set<std::int64_t>& years) {
     const TallyByAccount tallies =
-        tallyMessages({*catalog_.messages(), *catalog_.locallyAvailableIDs(),
-                       *library_.archivedEmailBaseIDs(), *catalog_.messageYearByID()});
+        tallyMessages({*catalog_.messages(),
+                       *catalog_.locallyAvailableIDs(),
+                       {*catalog_.archivedMessageIDs(), *catalog_.setAsideIDs(), *catalog_.proofs()},
+                       *catalog_.messageYearByID()});
     const IndexedYears indexed{counts_.indexedYearCounts(), counts_.indexedYearCountsByAccount(),
                                accounts_.selectedAccountPrefixes()};
     return corvane::deletionSafety(tallies, std::nullopt, years, indexed);

@@ -18,6 +18,9 @@
 #include "model/archiving/archive_run_flow.h"
 #include "model/archiving/archive_ticks.h"
 #include "model/archiving/destinations.h"
+#include "model/archiving/kept_readings.h"
+#include "model/archiving/proof_flow.h"
+#include "model/archiving/set_aside.h"
 #include "model/library/body_texts.h"
 #include "model/library/library_loader.h"
 #include "model/mail/account_directory.h"
@@ -79,6 +82,10 @@ class CorvaneViewModel : public QObject {
 
     [[nodiscard]] ArchiveRunFlow& archiveRun() { return archiveRun_; }
 
+    [[nodiscard]] ProofFlow& proof() { return proof_; }
+
+    [[nodiscard]] SetAside& setAside() { return setAside_; }
+
     [[nodiscard]] PreviewRefresh& previews() { return previews_; }
 
     [[nodiscard]] BodyTexts& bodyTexts() { return bodyTexts_; }
@@ -94,9 +101,13 @@ class CorvaneViewModel : public QObject {
     void wireAvailability();
     void wireFilters();
     void wireArchive();
+    void wireProof();
     void wirePreviews();
     void wireVolumes();
     void archivedBaseIDsReplaced();
+    [[nodiscard]] ProofInputs proofInputs() const;
+    void renewFileLooks();
+    void proveAnew();
     void pruneFilterYears();
     void pruneFilterAccounts();
     void loadArchiveIndex(bool force);
@@ -106,6 +117,9 @@ class CorvaneViewModel : public QObject {
     AccountDirectory accounts_;
     ArchiveDestinations destinations_;
     LibraryLoader library_;
+    KeptReadings readings_;
+    SetAside setAside_;
+    SharedFileLooks looks_; // null before the first live load
     MessageCatalog catalog_;
     VisibleMessages visible_;
     IndexCounts counts_;
@@ -114,6 +128,7 @@ class CorvaneViewModel : public QObject {
     ArchiveCandidates candidates_;
     ArchiveTicks ticks_;
     ArchiveRunFlow archiveRun_;
+    ProofFlow proof_;
     PreviewRefresh previews_;
     BodyTexts bodyTexts_;
     FullDiskAccess diskAccess_;

@@ -9,6 +9,7 @@
 
 #include "archive/mail_email_archiver.h"
 #include "listing/archive_capacity.h"
+#include "platform/paths.h"
 #include "records/stable_hash.h"
 
 namespace corvane {
@@ -26,6 +27,7 @@ struct RunJob {
 struct EndedRun {
     ArchiveRunFlow::RunOutcome outcome;
     std::string signature;
+    std::shared_ptr<const ReadingBatch> readings;
 };
 
 MessageList selectedOf(const RunJob& job) {
@@ -66,9 +68,22 @@ ArchiveRunFlow::RunOutcome archived(const RunJob& job, const MessageList& messag
     }
 }
 
+// Taken out of the result: only the proof needs them. Empty for a run that wasn't made.
+std::shared_ptr<const ReadingBatch> readingsOf(ArchiveRunFlow::RunOutcome& outcome,
+                                               const std::string& destination) {
+    auto batch = std::make_shared<ReadingBatch>();
+    if (!outcome) return batch;
+    batch->copies = std::exchange(outcome->copyReadings, {});
+    auto files = std::exchange(outcome->archivedReadings, {});
+    if (!files.empty()) batch->archived.emplace(platform::canonicalPath(destination), std::move(files));
+    return batch;
+}
+
 EndedRun runArchive(const RunJob& job, const ReportingTask<EmailArchiveProgress>& task) {
     const MessageList messages = selectedOf(job);
-    return {archived(job, messages, task), runSignature(messages, job.destination)};
+    EndedRun ended{archived(job, messages, task), runSignature(messages, job.destination), nullptr};
+    ended.readings = readingsOf(ended.outcome, job.destination);
+    return ended;
 }
 
 } // namespace
@@ -109,14 +124,16 @@ void ArchiveRunFlow::archiveSelectedEmails(SharedMessageList candidates, Archive
                context_.support.files()},
         &runArchive, [this](EmailArchiveProgress progress) { setProgress(std::move(progress)); },
         [this, root = *destination](EndedRun ended) {
-            finishRun(std::move(ended.outcome), root, ended.signature);
+            finishRun(std::move(ended.outcome), root, ended.signature, ended.readings);
         });
 }
 
 void ArchiveRunFlow::finishRun(RunOutcome outcome, const std::string& destination,
-                               const std::string& signature) {
+                               const std::string& signature,
+                               const std::shared_ptr<const ReadingBatch>& readings) {
     const Completion completion = std::exchange(completion_, nullptr);
     setProgress(std::nullopt);
+    Q_EMIT archiveFilesRead(readings);
     if (outcome) {
         Q_EMIT archiveRunFinished(*outcome, QString::fromStdString(destination),
                                   QString::fromStdString(signature));

@@ -4,6 +4,7 @@
 
 #include <expected>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -14,6 +15,7 @@
 #include "model/tasks/task_slot.h"
 #include "records/archive_records.h"
 #include "records/mail_message_record.h"
+#include "records/proof_facts.h"
 
 namespace corvane {
 
@@ -50,12 +52,15 @@ class ArchiveRunFlow : public QObject {
     // A run has ended with a result. Runs of the same messages into the same place have the same signature.
     void archiveRunFinished(const corvane::EmailArchiveRunResult& result, const QString& destination,
                             const QString& signature);
+    // Before it: what the run has read. Never null.
+    void archiveFilesRead(const std::shared_ptr<const corvane::ReadingBatch>& readings);
     // Behind it, and when the run has failed.
     void archiveRunEnded();
 
   private:
     void setProgress(std::optional<EmailArchiveProgress> progress);
-    void finishRun(RunOutcome outcome, const std::string& destination, const std::string& signature);
+    void finishRun(RunOutcome outcome, const std::string& destination, const std::string& signature,
+                   const std::shared_ptr<const ReadingBatch>& readings);
 
     ModelContext& context_;
     std::optional<EmailArchiveProgress> progress_;

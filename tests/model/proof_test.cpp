@@ -1,0 +1,250 @@
+// Proofs through the whole model, over a home with real files: what is called archived, deletable or a
+// candidate after something has happened to an original or to its archived file.
+#include "model/archiving/proof_flow.h"
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+#include "archive/message_extraction.h"
+#include "model/corvane_view_model.h"
+#include "model/model_test.h"
+#include "model/published_messages.h"
+#include "platform/files/directory.h"
+#include "records/content_hash.h"
+#include "records/stable_id.h"
+#include "records/stores/archive_index_file.h"
+#include "support/faulty_file_layer.h"
+
+namespace corvane {
+namespace {
+
+using testing::ModelTest;
+using testing::publishMessages;
+using testing::readWhole;
+using testing::sampleMessages;
+using testing::waitUntilIdle;
+
+class Proofs : public ModelTest {
+  protected:
+    static constexpr const char* root = "归档";
+
+    Proofs() {
+        start();
+        model_->destinations().setTransferDestination(home_.at(root));
+        waitUntilIdle(context_->tasks);
+        publish({{"a"}, {"b"}, {"c"}});
+        archive();
+    }
+
+    // What a run on another machine would have left: nothing of it was read here.
+    void archive() {
+        EmailArchiveIndex index;
+        for (const MailMessageRecord& message : *model_->catalog().messages()) {
+            const std::string emlx = readWhole(message.fileURL.path().str());
+            const std::string mail(*archive::messageData(emlx));
+            ArchivedEmailRecord record;
+            record.id = stableID(message);
+            record.messageIdentifier = message.messageIdentifier;
+            record.subject = message.subject;
+            record.emlRelativePath = fmt::format("2020/a/{}.eml", message.subject);
+            record.sizeBytes = static_cast<std::int64_t>(mail.size());
+            record.contentHash = contentHashText(platform::sha256(mail));
+            home_.write(fmt::format("{}/{}", root, record.emlRelativePath), mail);
+            index.records.push_back(std::move(record));
+        }
+        home_.write(fmt::format("{}/{}", root, archiveIndexFileName), encodeArchiveIndex(index));
+        loadLibrary();
+    }
+
+    // As a new start of the program: nothing is known but what was kept.
+    void start() {
+        model_.reset();
+        context_ = std::make_unique<ModelContext>(platform_);
+        model_ = std::make_unique<CorvaneViewModel>(*context_);
+        waitUntilIdle(context_->tasks);
+    }
+
+    void restart() {
+        start();
+        publish({{"a"}, {"b"}, {"c"}});
+        loadLibrary();
+    }
+
+    // Files that are there already stay as they are.
+    void publish(std::vector<testing::MessageSketch> sketches) {
+        for (auto& sketch : sketches) sketch.hasFile = !platform::fileExists(original(sketch.name));
+        publishMessages(model_->catalog(), sampleMessages(home_, sketches));
+        waitUntilIdle(context_->tasks);
+    }
+
+    void loadLibrary() {
+        model_->library().loadEmailArchiveIndex(home_.at(root), true);
+        waitUntilIdle(context_->tasks);
+    }
+
+    void prove() {
+        loadLibrary();
+        model_->proof().prove({});
+        waitUntilIdle(context_->tasks);
+    }
+
+    [[nodiscard]] std::string original(const std::string& name) const {
+        return home_.at("Library/Mail/V10/a/" + name + ".emlx");
+    }
+
+    [[nodiscard]] std::string archived(const std::string& name) const {
+        return home_.at(fmt::format("{}/2020/a/{}.eml", root, name));
+    }
+
+    // As an editor that keeps the size.
+    static void replaceByte(const std::string& path, char byte) {
+        std::string content = readWhole(path);
+        content[content.find("xxxx")] = byte;
+        std::ofstream(path, std::ios::binary) << content;
+    }
+
+    ProofOutcome outcomeOf(const std::string& name) {
+        return model_->catalog().proofs()->outcomeOf(original(name));
+    }
+
+    std::string candidates() {
+        std::string names;
+        for (const MailMessageRecord& message : *model_->candidates().archiveCandidates())
+            names += message.subject.view();
+        return names;
+    }
+
+    std::unique_ptr<ModelContext> context_;
+    std::unique_ptr<CorvaneViewModel> model_;
+};
+
+TEST_F(Proofs, WhatIsDeletableCandidateAndArchivedFollowsFromThem) {
+    struct Case {
+        const char* name;
+        std::function<void()> change;
+        ProofOutcome outcome;
+        bool isCandidate = false;
+    };
+
+    prove();
+    ASSERT_TRUE(model_->deletionSafety({}).isDeletable());
+    const std::string whole = readWhole(original("a"));
+    const std::string file = archived("a");
+    const std::string content = readWhole(file);
+    const std::vector<Case> cases = {
+        {"an original was changed", [&] { replaceByte(original("a"), 'y'); }, ProofOutcome::differs, true},
+        {"an original was cut", [&] { home_.write("Library/Mail/V10/a/a.emlx", whole.substr(0, 100)); },
+         ProofOutcome::incomplete},
+        {"an original was emptied", [&] { home_.write("Library/Mail/V10/a/a.emlx", ""); },
+         ProofOutcome::incomplete},
+        {"an original can't be cut",
+         [&] { home_.write("Library/Mail/V10/a/a.emlx", std::string(200, '\0')); }, ProofOutcome::unreadable},
+        {"an archived byte was changed", [&] { replaceByte(file, 'y'); }, ProofOutcome::fileMissing, true},
+        {"an archived file was cut", [&] { std::filesystem::resize_file(file, 50); },
+         ProofOutcome::fileMissing, true},
+        {"an archived file has gone", [&] { std::filesystem::remove(file); }, ProofOutcome::fileMissing,
+         true},
+        {"all is back", [] {}, ProofOutcome::proven},
+    };
+    for (const Case& each : cases) {
+        std::ofstream(original("a"), std::ios::binary) << whole;
+        std::ofstream(file, std::ios::binary) << content;
+        each.change();
+        restart();
+        EXPECT_FALSE(each.outcome != ProofOutcome::proven && outcomeOf("a") == ProofOutcome::proven)
+            << each.name << ": a proof of other bytes still stands";
+        prove();
+        EXPECT_EQ(outcomeOf("a"), each.outcome) << each.name;
+        EXPECT_EQ(candidates(), each.isCandidate ? "a" : "") << each.name;
+        const DeletionSafety safety = model_->deletionSafety({});
+        EXPECT_EQ(safety.archived, each.outcome == ProofOutcome::proven ? 3 : 2) << each.name;
+        EXPECT_EQ(safety.proofs.proven, safety.archived) << each.name;
+        EXPECT_EQ(safety.isDeletable(), each.outcome == ProofOutcome::proven) << each.name;
+    }
+}
+
+TEST_F(Proofs, NothingIsReadTwiceAndWhatWasReadOutlivesTheProgram) {
+    prove();
+    restart();
+    EXPECT_EQ(model_->deletionSafety({}).proofs.proven, 3);
+    replaceByte(original("b"), 'y');
+    prove();
+    ASSERT_TRUE(model_->proof().lastEnd());
+    EXPECT_GT(model_->proof().lastEnd()->progress.bytesRead, 0);
+    EXPECT_LT(model_->proof().lastEnd()->progress.bytesRead,
+              4 * static_cast<std::int64_t>(readWhole(original("b")).size()))
+        << "the others are known";
+    EXPECT_EQ(outcomeOf("a"), ProofOutcome::proven);
+    EXPECT_EQ(outcomeOf("b"), ProofOutcome::differs);
+}
+
+TEST_F(Proofs, OfADisconnectedArchiveStand) {
+    prove();
+    std::filesystem::rename(home_.at(root), home_.at("away"));
+    loadLibrary();
+    EXPECT_EQ(model_->deletionSafety({}).archived, 3);
+    replaceByte(original("a"), 'y');
+    prove();
+    EXPECT_NE(outcomeOf("a"), ProofOutcome::proven);
+}
+
+TEST_F(Proofs, ACancelledOneKeepsWhatItHasReadAndGoesOn) {
+    std::vector<testing::MessageSketch> sketches;
+    for (int number = 0; number < 700; ++number) sketches.push_back({fmt::format("m{}", number)});
+    publish(sketches);
+    archive();
+    std::stop_source stop;
+    std::atomic<int> opened = 0;
+    testing::FaultyFileLayer files;
+    files.observe([&](const testing::RecordedOperation& operation) {
+        if (operation.path.ends_with(".eml") && operation.operation == testing::FileOperation::open &&
+            ++opened == 550)
+            stop.request_stop();
+    });
+    const MessageCatalog& catalog = model_->catalog();
+    const ProofEnd end = runProof({catalog.messages(),
+                                   catalog.state()->availability,
+                                   catalog.proofs()->inputs,
+                                   {},
+                                   CorvaneAppSupport(platform_, files)},
+                                  {stop.get_token(), [](const ProofProgress&) {}});
+    EXPECT_TRUE(end.wasCancelled);
+    EXPECT_EQ(end.progress.total, 700);
+    restart();
+    publish(sketches);
+    loadLibrary();
+    const std::int64_t proven = model_->deletionSafety({}).proofs.proven;
+    EXPECT_GE(proven, 512);
+    EXPECT_LT(proven, 700);
+    prove();
+    EXPECT_TRUE(model_->deletionSafety({}).isDeletable());
+}
+
+TEST_F(Proofs, MailThatIsSetAsideIsNeitherCandidateNorArchivedUntilItIsTakenBack) {
+    publish({{"a"}, {"b"}, {"d"}});
+    prove();
+    ASSERT_EQ(candidates(), "d");
+    const MessageList& messages = *model_->catalog().messages();
+    model_->setAside().set({messages[0], messages[2]}, true);
+    waitUntilIdle(context_->tasks);
+    EXPECT_EQ(candidates(), "");
+    EXPECT_EQ(model_->deletionSafety({}).archived, 1);
+    EXPECT_EQ(model_->deletionSafety({}).setAside, 2);
+    start();
+    publish({{"a"}, {"b"}, {"d"}});
+    loadLibrary();
+    EXPECT_EQ(candidates(), "") << "also after a restart";
+    model_->setAside().set(*model_->catalog().messages(), false);
+    waitUntilIdle(context_->tasks);
+    EXPECT_EQ(candidates(), "d");
+    EXPECT_EQ(model_->deletionSafety({}).archived, 2);
+}
+
+} // namespace
+} // namespace corvane
