@@ -152,6 +152,10 @@ class CommandLine {
         archive->add_option("--limit", archive_.limit, "最多归档的封数")->check(CLI::NonNegativeNumber);
         archive->add_flag("--no-index", archive_.withoutIndex, "不建立正文索引");
         command(archive, [this](Session& session) { return runArchive(session, archive_, common_.json); });
+        auto* prove = app_.add_subcommand("prove", "逐字节核对已归档邮件的原件与归档副本");
+        prove->add_option("--account", prove_.accounts, "账户前缀")->allow_extra_args(false);
+        prove->add_option("--year", prove_.years, "年份")->allow_extra_args(false);
+        command(prove, [this](Session& session) { return runProve(session, prove_, common_.json); });
         auto* verify = app_.add_subcommand("verify", "重新读取整个归档并与索引核对");
         verify->add_option("root", archiveRoot_, "归档文件夹")->required();
         verify->add_flag("--record", recordsHashes_, "为没有校验值的记录补记校验值");
@@ -207,6 +211,7 @@ class CommandLine {
     std::vector<std::int64_t> statsYears_;
     MessagesOptions messages_;
     ArchiveOptions archive_;
+    ProveOptions prove_;
     LibraryOptions library_;
     std::string archiveRoot_;
     bool recordsHashes_ = false;

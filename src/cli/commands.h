@@ -42,6 +42,14 @@ struct ArchiveOptions {
 };
 
 int runArchive(Session& session, const ArchiveOptions& options, bool json);
+
+struct ProveOptions {
+    std::vector<std::string> accounts;
+    std::vector<std::int64_t> years;
+};
+
+// Status 3 when some messages aren't proven; interrupted, it answers with what it has kept.
+int runProve(Session& session, const ProveOptions& options, bool json);
 int runLocations(Session& session, bool json);
 
 struct LibraryOptions {

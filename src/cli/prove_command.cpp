@@ -1,0 +1,135 @@
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "cli/commands.h"
+#include "cli/exit_status.h"
+#include "cli/output.h"
+#include "cli/progress_line.h"
+#include "records/formatters.h"
+#include "records/logs/console_log.h"
+
+namespace corvane::cli {
+
+namespace {
+
+// A message that isn't proven.
+struct Unproven {
+    const MailMessageRecord* message = nullptr;
+    ProofOutcome outcome = ProofOutcome::notLookedAt;
+    std::string path; // empty where there is no cause to name
+};
+
+struct ProofAnswer {
+    std::array<std::int64_t, proofOutcomeCount> counts{};
+    std::vector<Unproven> unproven;
+
+    [[nodiscard]] std::int64_t count(ProofOutcome outcome) const {
+        return counts.at(static_cast<std::size_t>(outcome));
+    }
+};
+
+constexpr std::array shownOrder = {ProofOutcome::proven,     ProofOutcome::differs,
+                                   ProofOutcome::unreadable, ProofOutcome::fileMissing,
+                                   ProofOutcome::incomplete, ProofOutcome::notLookedAt};
+
+const char* titleOf(ProofOutcome outcome) {
+    constexpr std::array titles = {"还没有核对", "已逐字节核对",   "与归档不一致",
+                                   "读不出来",   "归档文件不见了", "原件不完整"};
+    return titles.at(static_cast<std::size_t>(outcome));
+}
+
+ProofAnswer answerOf(const MessageCatalog& catalog, const ProofScope& scope) {
+    const AvailabilityResult& known = *catalog.state()->availability;
+    ProofAnswer answer;
+    for (const MailMessageRecord& message : *catalog.messages()) {
+        const bool isLookedAt = known.recordedMessageIDs->contains(message.id) &&
+                                known.locallyAvailableIDs->contains(message.id) &&
+                                scope.holds(message, *known.yearByID);
+        if (!isLookedAt) continue;
+        const ProofOutcome outcome = known.proofs->outcomeOf(message.id);
+        ++answer.counts.at(static_cast<std::size_t>(outcome));
+        if (outcome == ProofOutcome::proven) continue;
+        const ProofVerdict* const against = known.proofs->verdictAgainst(message.id);
+        answer.unproven.push_back({&message, outcome, against == nullptr ? std::string() : against->path});
+    }
+    return answer;
+}
+
+void printJson(const ProofAnswer& answer) {
+    JsonDocument document;
+    document.object([&] {
+        for (const ProofOutcome outcome : shownOrder)
+            document.member(proofOutcomeName(outcome), answer.count(outcome));
+        document.key("messages");
+        document.array([&] {
+            for (const Unproven& each : answer.unproven) {
+                document.object([&] {
+                    document.member("id", each.message->id);
+                    document.member("outcome", proofOutcomeName(each.outcome));
+                    if (!each.path.empty()) document.member("path", each.path);
+                });
+            }
+        });
+    });
+    document.print();
+}
+
+void printReadable(const ProofAnswer& answer) {
+    for (const ProofOutcome outcome : shownOrder) {
+        const std::int64_t count = answer.count(outcome);
+        if (count > 0 || outcome == ProofOutcome::proven)
+            printText(fmt::format("{}：{} 封", titleOf(outcome), count));
+    }
+    if (answer.unproven.empty()) return;
+    TextTable table({TextTable::Align::left, TextTable::Align::left, TextTable::Align::left});
+    table.row({"情况", "主题", "文件"});
+    for (const Unproven& each : answer.unproven)
+        table.row({titleOf(each.outcome), each.message->subject.str(), each.path});
+    table.print();
+}
+
+void warnOfHungPlaces(const ProofFlow& proof) {
+    if (!proof.lastEnd()) return;
+    for (const std::string& root : proof.lastEnd()->hungPlaces)
+        consoleLine(fmt::format("没有响应，未能核对：{}", root.empty() ? "Mail 存储" : root));
+}
+
+void proveToEnd(Session& session, const ProofScope& scope) {
+    ProofFlow& proof = session.model().proof();
+    ProgressLine line;
+    const auto shown = QObject::connect(&proof, &ProofFlow::progressChanged, [&] {
+        const auto& progress = proof.progress();
+        if (!progress || progress->total == 0) return;
+        line.show(fmt::format("已核对 {} / {} 封，读取 {}", progress->completed, progress->total,
+                              formatByteCount(progress->bytesRead)),
+                  double(progress->completed) / double(progress->total));
+    });
+    proof.prove(scope);
+    session.waitUntilIdle([&] { proof.cancel(); });
+    QObject::disconnect(shown);
+    warnOfHungPlaces(proof);
+}
+
+} // namespace
+
+int runProve(Session& session, const ProveOptions& options, bool json) {
+    session.restoreLastScan();
+    const ProofScope scope{{options.accounts.begin(), options.accounts.end()},
+                           {options.years.begin(), options.years.end()}};
+    proveToEnd(session, scope);
+    const ProofAnswer answer = answerOf(session.model().catalog(), scope);
+    if (json)
+        printJson(answer);
+    else
+        printReadable(answer);
+    if (wasInterrupted()) return interrupted;
+    return answer.unproven.empty() ? done : doneWithIssues;
+}
+
+} // namespace corvane::cli
