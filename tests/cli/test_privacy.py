@@ -182,7 +182,7 @@ class Ends(CliCase):
         begin = time.monotonic()
         for _ in range(signals):
             run.send_signal(signal.SIGTERM)
-            time.sleep(0.1)
+            time.sleep(0.2)
         self.assertEqual(run.wait(timeout=20), 130)
         self.assertLess(time.monotonic() - begin, limit)
 

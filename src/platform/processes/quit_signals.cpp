@@ -1,7 +1,10 @@
 #include "platform/processes/quit_signals.h"
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
+#include <ctime>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -12,15 +15,29 @@ namespace corvane::platform {
 
 namespace {
 
-// Handlers call only what POSIX allows in them: write(), alarm() and _exit().
-volatile std::sig_atomic_t signalCount = 0;
+// Handlers call only what POSIX allows in them: write(), alarm(), clock_gettime() and _exit().
+std::atomic<std::int64_t> firstSignal = 0; // milliseconds of the monotonic clock; 0 for none
+static_assert(decltype(firstSignal)::is_always_lock_free);
 volatile std::sig_atomic_t patienceSeconds = 0;
 int signalWriteEnd = -1;
 
+std::int64_t milliseconds() {
+    timespec now{};
+    ::clock_gettime(CLOCK_MONOTONIC, &now);
+    return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000 + 1;
+}
+
+// timeout(1) signals its child and then the group that the child is in: that is one request.
+constexpr std::int64_t sameRequest = 50;
+
 void handleQuitSignal(int /*signal*/) {
-    if (signalCount > 0) ::_exit(interruptedStatus);
-    signalCount = 1;
     const int error = errno;
+    const std::int64_t now = milliseconds();
+    std::int64_t first = 0;
+    if (!firstSignal.compare_exchange_strong(first, now)) {
+        if (now - first > sameRequest) ::_exit(interruptedStatus);
+        return;
+    }
     if (patienceSeconds > 0) ::alarm(static_cast<unsigned>(patienceSeconds));
     const char byte = 0;
     [[maybe_unused]] const ssize_t written = ::write(signalWriteEnd, &byte, 1);
@@ -64,7 +81,7 @@ void drainQuitSignals(int descriptor) noexcept {
 }
 
 bool wasAskedToQuit() noexcept {
-    return signalCount > 0;
+    return firstSignal != 0;
 }
 
 } // namespace corvane::platform

@@ -1,6 +1,6 @@
 // SIGINT and SIGTERM as something to read, for programs that bring their work in order before they end. The
-// second one ends the process at once, with the status of an interrupted program: whatever is half written
-// then is what a kill leaves, which the next start removes.
+// second one, unless it comes together with the first, ends the process at once, with the status of an
+// interrupted program: whatever is half written then is what a kill leaves, which the next start removes.
 #pragma once
 
 #include <chrono>
