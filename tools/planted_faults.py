@@ -88,4 +88,12 @@ FAULTS = (
           "if (!input.locallyAvailableIDs.contains(message.id)) continue;", "", ("listing", "model")),
     Fault("a window's safe figure counts what isn't archived", "deletion_safety.h",
           "archived += isArchived ? 1 : 0;", "archived += isArchived ? 1 : 1;", ("listing", "screens_home")),
+    # What others can see, and what is left.
+    Fault("others may read what is written", "durable_file.cpp", "return existing.st_mode & most;",
+          "return existing.st_mode & 0777;", ("platform",)),
+    Fault("what an earlier version left open stays open", "private_files.cpp", "    narrowContent(path);", "", ("platform",)),
+    Fault("a file in use is taken for a remnant", "leftovers.cpp", "if (claim == FileClaim::refused) return false;", "",
+          ("platform",)),
+    Fault("a mark of direction stays in a name", "hidden_characters.h", "(scalar >= 0x202A && scalar <= 0x202E)", "false",
+          ("text", "archive")),
 )
