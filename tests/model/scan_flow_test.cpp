@@ -118,25 +118,28 @@ TEST_F(ScanFlowTest, AStoreThatIsTakenAwayDuringAScanLeavesWhatWasKnown) {
 TEST_F(ScanFlowTest, CancellingWhileAccountsAreReadCancelsTheWholeRefresh) {
     cacheScanOf({{"a"}});
     restore();
+    bool isAnswered = false;
+    QObject::connect(&model_.accounts(), &AccountDirectory::fullRefreshFoundNone, [&] { isAnswered = true; });
     scan_.refreshAllMailData();
     scan_.cancelScan();
     waitUntilIdle(context_.tasks);
     EXPECT_EQ(scan_.state().kind, Kind::idle);
     EXPECT_EQ(shownMessages(), 1U);
-    EXPECT_EQ(model_.accounts().accountLoadFailureMessage(), std::nullopt) << "nobody asks any more";
+    EXPECT_FALSE(isAnswered) << "nobody asks any more";
 }
 
 TEST_F(ScanFlowTest, AResultDroppedForARefreshThatIsCancelledIsReadAgain) {
     cacheScanOf({{"a"}});
+    home_.write("Library/Mail/V10/MailData/Envelope Index", "no database");
+    platform_.setShellScript("sleep 1"); // the accounts take longer than the cache
     scan_.loadCachedScanIfNeeded(false);
     scan_.refreshAllMailData();
     QObject::connect(&scan_, &ScanFlow::restorableChanged, [&] {
         if (scan_.state().isScanning() && !scan_.isRestoring()) scan_.cancelScan();
     });
     waitUntilIdle(context_.tasks);
-    if (scan_.state().kind != Kind::failed) {
-        EXPECT_EQ(shownMessages(), 1U);
-    }
+    EXPECT_EQ(scan_.state().kind, Kind::finished);
+    EXPECT_EQ(shownMessages(), 1U);
 }
 
 TEST_F(ScanFlowTest, ASnapshotOfAnotherScanIsNotShown) {

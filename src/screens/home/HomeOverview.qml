@@ -71,7 +71,7 @@ FocusScope {
                     Layout.fillWidth: true
                     Layout.fillHeight: true
                     visible: overview.home.state === HomeScreen.List
-                    focus: true
+                    focus: !overview.isPartial
                     home: overview.home
                 }
                 EmptyState {
@@ -88,7 +88,7 @@ FocusScope {
                     Layout.fillWidth: true
                     Layout.fillHeight: true
                     visible: overview.isPartial
-                    focus: visible
+                    focus: overview.isPartial
                     symbol: "refresh-cw"
                     title: "邮件没有全部读完"
                     line: "继续更新会重新读取全部邮件。"
