@@ -1,21 +1,22 @@
 // Reading an archive's index: what decodes is written back to the same records, and no path of it matters.
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 #include "archive/archive_naming.h"
+#include "fuzz_kit.h"
 #include "records/stable_id.h"
 #include "records/stores/archive_index_file.h"
 
 using namespace corvane;
+using fuzz::require;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const auto index = decodeArchiveIndex({reinterpret_cast<const char*>(data), size});
+    const auto index = decodeArchiveIndex(fuzz::textOf(data, size));
     if (!index) return 0;
-    if (decodeArchiveIndex(encodeArchiveIndex(*index)) != index) std::abort();
+    require(decodeArchiveIndex(encodeArchiveIndex(*index)) == index);
     archive::ArchivePaths paths;
     for (const ArchivedEmailRecord& record : index->records) {
-        if (!record.id.view().starts_with(baseID(record))) std::abort();
+        require(record.id.view().starts_with(baseID(record)));
         paths.markUsed(record.emlRelativePath);
     }
     return 0;

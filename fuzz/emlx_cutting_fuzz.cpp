@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -10,16 +9,14 @@
 
 #include "archive/archive_naming.h"
 #include "archive/message_extraction.h"
+#include "fuzz_kit.h"
 #include "platform/paths.h"
 #include "text/charset.h"
 
 using namespace corvane;
+using fuzz::require;
 
 namespace {
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
 
 void checkGroups(std::string_view file) {
     std::vector<archive::MessageBytes> copies;
@@ -58,7 +55,7 @@ void checkName(std::string_view text) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    const std::string_view bytes = fuzz::textOf(data, size);
     checkGroups(bytes);
     checkName(bytes);
     return 0;

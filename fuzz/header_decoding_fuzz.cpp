@@ -1,9 +1,9 @@
 // Everything that turns bytes of a message or names of the store into text.
 #include <cstdint>
-#include <cstdlib>
 #include <set>
 #include <string_view>
 
+#include "fuzz_kit.h"
 #include "mailstore/folders/mailbox_url.h"
 #include "mime/attachment_names.h"
 #include "mime/emlx.h"
@@ -13,12 +13,9 @@
 #include "text/charset.h"
 
 using namespace corvane;
+using fuzz::require;
 
 namespace {
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
 
 void checkDecoded(std::string_view text) {
     const std::string decoded = mime::decodeHeaderValue(text);
@@ -32,7 +29,7 @@ void checkDecoded(std::string_view text) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    const std::string_view bytes = fuzz::textOf(data, size);
     checkDecoded(bytes);
     for (const auto& [name, value] : mime::headerText(mime::decodeEmlx(bytes))) {
         require(name.find(':') == std::string::npos);

@@ -1,8 +1,8 @@
 // The walk through the parts of a message, and its text laid out for a list.
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
+#include "fuzz_kit.h"
 #include "mailstore/scan/attachment_resolution.h"
 #include "mime/emlx.h"
 #include "mime/mime_walk.h"
@@ -13,17 +13,10 @@
 #include "text/graphemes.h"
 
 using namespace corvane;
-
-namespace {
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
-
-} // namespace
+using fuzz::require;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    const std::string_view bytes = fuzz::textOf(data, size);
     const std::string message = mime::decodeEmlx(bytes);
     require(text::isValidUtf8(message));
     const std::string preview = mime::previewText(message);

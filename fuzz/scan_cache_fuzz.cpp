@@ -2,19 +2,19 @@
 // and read again.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "fuzz_kit.h"
 #include "records/json/json_form.h"
 #include "records/json/json_writer.h"
 #include "records/stores/scan_cache_forms.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view json(reinterpret_cast<const char*>(data), size);
+    const std::string_view json = corvane::fuzz::textOf(data, size);
     try {
         const corvane::MailScanCache cache = corvane::decodeScanCache(json);
-        if (!(corvane::decodeScanCache(corvane::encodeJson(cache)) == cache)) std::abort();
+        corvane::fuzz::require(corvane::decodeScanCache(corvane::encodeJson(cache)) == cache);
     } catch (const corvane::JsonError&) { // what damaged files give
     }
     return 0;

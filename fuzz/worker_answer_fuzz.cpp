@@ -1,27 +1,20 @@
 // What a mail worker answers.
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "fuzz_kit.h"
 #include "records/json/json_writer.h"
 #include "text/charset.h"
 #include "worker/mail_worker_client.h"
 #include "worker/worker_forms.h"
 
 using namespace corvane;
-
-namespace {
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
-
-} // namespace
+using fuzz::require;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     try {
-        const auto response = MailWorkerClient::decodeResponse({reinterpret_cast<const char*>(data), size});
+        const auto response = MailWorkerClient::decodeResponse(std::string(fuzz::textOf(data, size)));
         require(response.ok);
         // What was understood can be said again and is understood as the same.
         const std::string again = encodeJson(response);
