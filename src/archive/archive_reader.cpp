@@ -57,14 +57,15 @@ ArchiveReader::File readLimited(platform::FileLayer& files, JobLimit& limit, Arc
         return file;
     }
     platform::Sha256 hash;
-    const bool wasRead = readUncached(files, path, BeforeReading::nothing, [&](std::string_view piece) {
+    const auto take = [&](std::string_view piece) {
         limit.restart();
         file.start.append(piece.substr(0, headerBytes - std::min(headerBytes, file.start.size())));
         file.bytesRead += static_cast<std::int64_t>(piece.size());
         hash.update(piece);
         return true;
-    });
-    if (wasRead) file.state = ArchiveReader::File::State::read;
+    };
+    if (readUncached(files, path, BeforeReading::nothing, take, &file.stamp))
+        file.state = ArchiveReader::File::State::read;
     file.hash = hash.digest();
     return file;
 }
@@ -121,43 +122,25 @@ Answer ArchiveReader::limited(std::function<Answer(platform::FileLayer&, JobLimi
 }
 
 EmailArchiveIndex ArchiveReader::readIndex() {
-    struct Reading {
-        int error = 0;
-        std::optional<EmailArchiveIndex> index;
-    };
-
+    Index found = readIndexIfThere();
+    if (found.index) return std::move(*found.index);
     const std::string path = platform::joinPath(path_, archiveIndexFileName);
-    Reading reading = limited<Reading>([path](platform::FileLayer& files, JobLimit&) {
-        struct stat status{};
-        if (files.stat(path, status) != 0) return Reading{errno, {}};
-        return Reading{0, readArchiveIndex(path)};
-    });
-    if (reading.error != 0) throw ArchiveAccessError("找不到归档索引", path, reading.error);
-    if (!reading.index) throw ArchiveAccessError("无法使用归档索引", path, "文件无法读取，或内容已损坏");
-    return std::move(*reading.index);
+    if (!found.isDamaged) throw ArchiveAccessError("找不到归档索引", path, ENOENT);
+    throw ArchiveAccessError("无法使用归档索引", path, "文件无法读取，或内容已损坏");
 }
 
 ArchiveReader::Index ArchiveReader::readIndexIfThere() {
-    struct Reading {
-        int error = 0;
-        Index index;
-    };
-
     const std::string path = platform::joinPath(path_, archiveIndexFileName);
-    Reading reading = limited<Reading>([path](platform::FileLayer& files, JobLimit&) {
-        struct stat status{};
-        if (files.stat(path, status) == 0) {
-            if (!S_ISREG(status.st_mode) || !platform::canReadAByte(path)) return Reading{EIO, {}};
-            auto index = readArchiveIndex(path);
-            const bool isDamaged = !index;
-            return Reading{0, {std::move(index), isDamaged}};
-        }
-        if (errno != ENOENT) return Reading{errno, {}};
-        const bool isInCloud = files.stat(platform::cloudPlaceholderPath(path), status) == 0;
-        return Reading{isInCloud ? ENODATA : 0, {}};
+    auto reading = limited<ArchiveIndexReading>([path](platform::FileLayer& files, JobLimit& limit) {
+        return readArchiveIndexFile(files, path, [&limit] { limit.restart(); });
     });
-    if (reading.error != 0) throw ArchiveAccessError("无法读取归档索引", path, reading.error);
-    return std::move(reading.index);
+    using State = ArchiveIndexReading::State;
+    if (reading.state == State::usable) return {std::move(reading.index), false};
+    if (reading.isInCloud) throw ArchiveAccessError("无法读取归档索引", path, "文件只在云端，尚未下载到本机");
+    if (reading.state == State::couldNotLook) {
+        throw ArchiveAccessError("无法读取归档索引", path, reading.error);
+    }
+    return {std::nullopt, reading.state == State::damaged};
 }
 
 ArchiveReader::File ArchiveReader::readFile(const std::string& relativePath, std::int64_t largestBytes) {
@@ -173,11 +156,10 @@ bool ArchiveReader::isSurelyAbsent(const std::string& relativePath) {
     });
 }
 
-ArchiveReader::Mails ArchiveReader::listMails(const std::function<void()>& onFolder) {
+ArchiveReader::Mails ArchiveReader::listMails(const std::function<bool(const std::string&)>& wanted) {
     Mails mails;
     std::vector<std::string> folders{""};
     while (!folders.empty()) {
-        if (onFolder) onFolder();
         const std::string folder = std::move(folders.back());
         folders.pop_back();
         Listing found = limited<Listing>([root = root_, folder](platform::FileLayer&, JobLimit& limit) {
@@ -191,6 +173,7 @@ ArchiveReader::Mails ArchiveReader::listMails(const std::function<void()>& onFol
             return listing;
         });
         if (!found.wasListed) mails.unreadable.push_back(folder);
+        if (wanted) std::erase_if(found.folders, [&](const std::string& path) { return !wanted(path); });
         std::ranges::move(found.folders, std::back_inserter(folders));
         std::ranges::move(found.mails, std::back_inserter(mails.paths));
         std::ranges::move(found.inCloud, std::back_inserter(mails.inCloud));

@@ -47,7 +47,7 @@ class ArchiveReader {
         };
 
         State state = State::failed;
-        FileStamp stamp; // from before the reading; of a file that is there
+        FileStamp stamp; // of a file that is there
         std::pair<dev_t, ino_t> identity{};
         std::string start; // as much as the decoding of header fields looks at
         platform::Sha256Digest hash{};
@@ -83,8 +83,8 @@ class ArchiveReader {
     bool isSurelyAbsent(const std::string& relativePath);
 
     // The .eml files of all folders below the root, hidden ones left out, and with them the "._" files of
-    // macOS. `onFolder` is called before each folder.
-    Mails listMails(const std::function<void()>& onFolder = {});
+    // macOS; of those folders alone that are wanted, by their paths below the root, where that is given.
+    Mails listMails(const std::function<bool(const std::string& folder)>& wanted = {});
 
     // Which file a path leads to; absent where none can be told.
     std::optional<std::pair<dev_t, ino_t>> identityOf(const std::string& relativePath);

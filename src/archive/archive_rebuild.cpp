@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <exception>
 #include <map>
 #include <optional>
 #include <set>
@@ -90,10 +91,11 @@ ArchivedEmailRecord recordOf(const Mail& mail, Date now) {
     return record;
 }
 
-std::string damagedIndexName(Date now) {
-    std::string stamp = formatTimestamp(now);
-    std::erase_if(stamp, [](char character) { return character == '-' || character == ':'; });
-    return fmt::format(".archive-index-damaged-{}.json", stamp);
+// A folder may be large that isn't an archive.
+bool isFolderOfYear(const std::string& folder) {
+    const std::string_view first = std::string_view(folder).substr(0, folder.find('/'));
+    if (std::ranges::count(folder, '/') > 1) return false;
+    return first == "未知年份" || (first.size() == 4 && text::parseInteger(first).value_or(0) > 0);
 }
 
 class Rebuild {
@@ -130,7 +132,7 @@ class Rebuild {
     ArchiveReader reader_;
     archive::ArchiveDestination destination_;
     EmailArchiveIndex index_;
-    std::string keepDamagedAs_;                    // empty unless the index is damaged
+    bool isDamaged_ = false;
     std::unordered_set<std::string> indexedPaths_; // keys
     std::optional<std::set<std::pair<dev_t, ino_t>>> indexedFiles_;
     SharedTextSet ids_;
@@ -160,8 +162,11 @@ ArchiveRebuild Rebuild::run() {
 void Rebuild::loadIndex() {
     auto known = reader_.readIndexIfThere();
     const Date start = now();
-    if (known.isDamaged) keepDamagedAs_ = damagedIndexName(start);
-    index_ = known.index ? std::move(*known.index) : EmailArchiveIndex{start, start, {}};
+    isDamaged_ = known.isDamaged;
+    if (known.index && !options_.isDryRun)
+        index_ = destination_.loadIndex(start).index;
+    else
+        index_ = known.index ? std::move(*known.index) : EmailArchiveIndex{start, start, {}};
     for (std::size_t i = 0; i < index_.records.size(); ++i) {
         const ArchivedEmailRecord& record = index_.records[i];
         indexedPaths_.insert(archive::pathKey(record.emlRelativePath));
@@ -309,12 +314,30 @@ void Rebuild::fail(std::string path, std::string reason) {
 }
 
 void Rebuild::save() {
+    // Moves a damaged one aside, now that there is another.
+    if (isDamaged_) destination_.loadIndex(now());
     index_.updatedAt = now();
-    destination_.saveIndex(encodeArchiveIndex(index_), keepDamagedAs_, options_.markHidden);
+    destination_.saveIndex(index_, options_.markHidden);
     destination_.syncRoot();
 }
 
 } // namespace
+
+std::optional<RebuildNeed> rebuildNeed(const std::string& root, const std::stop_token& stop,
+                                       platform::FileLayer& files) {
+    try {
+        ArchiveReader reader(files, root, {.stop = stop});
+        const auto known = reader.readIndexIfThere();
+        if (known.index) return std::nullopt;
+        const auto mails = reader.listMails(&isFolderOfYear).paths;
+        const auto count = std::ranges::count_if(
+            mails, [](const std::string& path) { return path.find('/') != std::string::npos; });
+        if (count == 0) return std::nullopt;
+        return RebuildNeed{count, known.isDamaged};
+    } catch (const std::exception&) { // nobody can look, or wants to
+        return std::nullopt;
+    }
+}
 
 ArchiveRebuild rebuildArchive(const std::string& root, const RebuildOptions& options,
                               const std::stop_token& stop, platform::FileLayer& files) {

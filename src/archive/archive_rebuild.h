@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -47,5 +48,18 @@ struct RebuildOptions {
 ArchiveRebuild rebuildArchive(const std::string& root, const RebuildOptions& options = {},
                               const std::stop_token& stop = {},
                               platform::FileLayer& files = platform::posixFileLayer());
+
+// What there is to rebuild in a folder whose index is missing or damaged.
+struct RebuildNeed {
+    std::int64_t mails = 0; // files that lie where an archive keeps its mail; never 0
+    bool isDamaged = false; // else there is no index
+
+    friend bool operator==(const RebuildNeed&, const RebuildNeed&) = default;
+};
+
+// Absent when the index can be used, there is no mail, or nobody can look. Only looks; lists the folders of
+// years alone.
+std::optional<RebuildNeed> rebuildNeed(const std::string& root, const std::stop_token& stop = {},
+                                       platform::FileLayer& files = platform::posixFileLayer());
 
 } // namespace corvane

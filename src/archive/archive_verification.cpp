@@ -160,6 +160,7 @@ ArchiveVerification verifyArchive(const std::string& root, const VerificationPro
     Verification verification(files, root, stop);
     try {
         EmailArchiveIndex index = verification.readIndex();
+        if (recording) index = destination.loadIndex(currentTimestamp()).index;
         for (std::size_t position = 0; position < index.records.size() && !stop.stop_requested();
              ++position) {
             verification.check(index.records[position]);
@@ -169,7 +170,7 @@ ArchiveVerification verifyArchive(const std::string& root, const VerificationPro
         if (!stop.stop_requested()) verification.findUnindexed();
         if (recording && !stop.stop_requested() && verification.addHashes(index.records)) {
             index.updatedAt = currentTimestamp();
-            destination.saveIndex(encodeArchiveIndex(index), {}, recording->markHidden);
+            destination.saveIndex(index, recording->markHidden);
             destination.syncRoot();
         }
     } catch (const archive::ReadingStopped&) { // told below

@@ -11,6 +11,7 @@
 #include "text/case.h"
 #include "text/charset.h"
 #include "text/encoding.h"
+#include "text/named_charset.h"
 #include "text/trim.h"
 
 namespace corvane::archive {
@@ -41,6 +42,13 @@ std::string decodedQ(std::string_view payload) {
         }
     }
     return bytes;
+}
+
+std::string decodedBytes(std::string_view bytes, std::string_view charset) {
+    const bool isCommon = charset.starts_with("utf-8") || charset.starts_with("gb");
+    auto decoded = isCommon ? std::nullopt : text::fromNamedCharset(bytes, charset);
+    if (!decoded) decoded = mime::decodeData(bytes, charset);
+    return decoded ? std::move(*decoded) : text::repairedUtf8(bytes);
 }
 
 // "=?charset?B?payload?=" at `start`, where "=?" is known to stand.
@@ -129,7 +137,7 @@ std::string decodedWords(std::string_view value) {
     std::size_t position = 0; // up to here the value is in the result or in the bytes
     const auto flush = [&] {
         if (bytes.empty()) return;
-        result += mime::decodeData(bytes, charset).value_or(text::repairedUtf8(bytes));
+        result += decodedBytes(bytes, charset);
         bytes.clear();
     };
     for (std::size_t next = value.find("=?"); next != npos;) {

@@ -41,6 +41,7 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
                return ProofJob{
                    catalog_.messages(), catalog_.state()->availability, proofInputs(), {}, context_.support};
            })
+  , rebuild_(context)
   , previews_(context, catalog_)
   , bodyTexts_(context, library_)
   , diskAccess_(context)
@@ -131,6 +132,10 @@ void CorvaneViewModel::wireFilters() {
 }
 
 void CorvaneViewModel::wireArchive() {
+    connect(&library_, &LibraryLoader::loadFinished, this, &CorvaneViewModel::lookForRebuild);
+    connect(&destinations_, &ArchiveDestinations::destinationPrepared, this,
+            &CorvaneViewModel::lookForRebuild);
+    connect(&rebuild_, &ArchiveRebuildFlow::rebuilt, this, [this] { loadArchiveIndex(true); });
     connect(&library_, &LibraryLoader::archivedBaseIDsChanged, this, [this] { archivedBaseIDsReplaced(); });
     connect(&destinations_, &ArchiveDestinations::destinationPrepared, this,
             [this] { loadArchiveIndex(false); });
@@ -214,6 +219,13 @@ void CorvaneViewModel::wireVolumes() {
                 if (event == platform::MountEvent::mounted) model->loadArchiveIndex(false);
             });
         });
+}
+
+// An archive that the library has read needs none.
+void CorvaneViewModel::lookForRebuild() {
+    const auto& destination = destinations_.transferDestination();
+    const bool isListed = destination && library_.location(*destination) != nullptr;
+    rebuild_.look(isListed ? std::nullopt : destination);
 }
 
 void CorvaneViewModel::loadArchiveIndex(bool force) {

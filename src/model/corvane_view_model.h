@@ -15,6 +15,7 @@
 #include <QObject>
 
 #include "model/archiving/archive_candidates.h"
+#include "model/archiving/archive_rebuild_flow.h"
 #include "model/archiving/archive_run_flow.h"
 #include "model/archiving/archive_ticks.h"
 #include "model/archiving/destinations.h"
@@ -85,6 +86,7 @@ class CorvaneViewModel : public QObject {
     [[nodiscard]] ProofFlow& proof() { return proof_; }
 
     [[nodiscard]] SetAside& setAside() { return setAside_; }
+    [[nodiscard]] ArchiveRebuildFlow& rebuild() { return rebuild_; }
 
     [[nodiscard]] PreviewRefresh& previews() { return previews_; }
 
@@ -111,6 +113,7 @@ class CorvaneViewModel : public QObject {
     void pruneFilterYears();
     void pruneFilterAccounts();
     void loadArchiveIndex(bool force);
+    void lookForRebuild();
 
     ModelContext& context_;
     ModelFilters filters_;
@@ -129,6 +132,7 @@ class CorvaneViewModel : public QObject {
     ArchiveTicks ticks_;
     ArchiveRunFlow archiveRun_;
     ProofFlow proof_;
+    ArchiveRebuildFlow rebuild_;
     PreviewRefresh previews_;
     BodyTexts bodyTexts_;
     FullDiskAccess diskAccess_;

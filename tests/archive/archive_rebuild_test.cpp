@@ -115,6 +115,15 @@ TEST_F(RebuildOfAnArchive, KeepsADamagedIndexAndAsksForOneThatCannotBeLookedAt) 
     EXPECT_THROW(rebuildArchive(root), ArchiveAccessError);
     EXPECT_THROW(rebuildArchive(home.at("nothing")), ArchiveAccessError);
 
+    EXPECT_EQ(rebuildNeed(root), std::nullopt) << "nobody can look";
+    fs::remove(at("archive-index.json"));
+    home.write("Archive/other.eml", "x");
+    EXPECT_EQ(rebuildNeed(root), (RebuildNeed{5, false}));
+    home.write("Archive/archive-index.json", "{");
+    EXPECT_EQ(rebuildNeed(root), (RebuildNeed{5, true}));
+    home.write("Archive/archive-index.json", encodeArchiveIndex(original));
+    EXPECT_EQ(rebuildNeed(root), std::nullopt);
+
     const std::string empty = home.makeFolder("empty");
     EXPECT_EQ(rebuildArchive(empty).records, 0);
     EXPECT_TRUE(fs::is_empty(empty));
@@ -134,7 +143,7 @@ TEST_F(RebuildOfAnArchive, TakesHostileFilesForFailures) {
     home.write("Archive/._first.eml", "x");
     home.write("Archive/broken.eml", fullMail("broken", "坏", "x"));
     FaultyFileLayer files;
-    files.inject({.at = 1, .operation = FileOperation::open});
+    files.inject({.at = 2, .operation = FileOperation::open}); // behind that of the index
     EXPECT_EQ(failuresOf(rebuildArchive(root, {.isDryRun = true}, {}, files)),
               (std::map<std::string, std::string>{{"link.eml", "不是普通文件"},
                                                   {"pipe.eml", "不是普通文件"},
@@ -191,6 +200,7 @@ TEST(HeaderSummary, DecodesAsMailDoes) {
         {"=?utf-8?B?5L0=?= =?utf-8?B?oA==?=", "你"},
         {"=?utf-8?B?5L2g5aW9?=?= =?utf-8?X?a?= =?utf-8?B?*?=", "你好?= =?utf-8?X?a?= =?utf-8?B?*?="},
         {"=?utf-8?B?YWI?=", "ab"},
+        {"=?big5?B?p0E=?= =?iso-2022-jp?B?GyRCRnxLXBsoQg==?= =?../x?Q?a?=", "你日本a"},
         {"=?a?Q?", "=?a?Q?"},
     };
     for (const auto& [value, expected] : words) EXPECT_EQ(decodedWords(value), expected);

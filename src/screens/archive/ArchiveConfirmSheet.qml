@@ -66,6 +66,11 @@ Sheet {
             lines: sheet.hasError ? sheet.archive.errorText.split("\n\n") : [sheet.remark.text]
             lineMeasure: Theme.bodyMeasure
         }
+        RebuildBanner {
+            Layout.fillWidth: true
+            Layout.topMargin: visible ? 12 : 0
+            notice: sheet.archive.rebuildNotice
+        }
         RowLayout {
             Layout.fillWidth: true
             Layout.topMargin: 20

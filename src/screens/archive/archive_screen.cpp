@@ -17,6 +17,7 @@ ArchiveScreen::ArchiveScreen(CorvaneViewModel& model, OrganizeData& data, Deskto
   , candidates_(model, desktop)
   , quickDestinations_(model)
   , folderPicker_(model)
+  , rebuildNotice_(model.rebuild())
   , progress_(model.archiveRun())
   , outcome_(desktop)
   , prepareTask_(model.context().tasks) {

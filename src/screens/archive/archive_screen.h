@@ -20,6 +20,7 @@
 #include "screens/archive/archive_progress.h"
 #include "screens/archive/places/folder_picker.h"
 #include "screens/archive/places/quick_destinations.h"
+#include "screens/archive/places/rebuild_notice.h"
 #include "screens/desktop/desktop_actions.h"
 #include "screens/overview/organize_data.h"
 #include "screens/texts/destination_item.h"
@@ -45,6 +46,7 @@ class ArchiveScreen : public QObject {
     Q_PROPERTY(QString errorText READ errorText NOTIFY errorChanged)
     Q_PROPERTY(corvane::ArchiveCandidatesModel* candidates READ candidates CONSTANT)
     Q_PROPERTY(corvane::QuickDestinations* quickDestinations READ quickDestinations CONSTANT)
+    Q_PROPERTY(corvane::RebuildNotice* rebuildNotice READ rebuildNotice CONSTANT)
     Q_PROPERTY(corvane::FolderPicker* folderPicker READ folderPicker CONSTANT)
     Q_PROPERTY(corvane::ArchiveProgress* progress READ progress CONSTANT)
     Q_PROPERTY(corvane::ArchiveOutcome* outcome READ outcome CONSTANT)
@@ -86,6 +88,8 @@ class ArchiveScreen : public QObject {
 
     [[nodiscard]] FolderPicker* folderPicker() { return &folderPicker_; }
 
+    [[nodiscard]] RebuildNotice* rebuildNotice() { return &rebuildNotice_; }
+
     [[nodiscard]] ArchiveProgress* progress() { return &progress_; }
 
     [[nodiscard]] ArchiveOutcome* outcome() { return &outcome_; }
@@ -125,6 +129,7 @@ class ArchiveScreen : public QObject {
     ArchiveCandidatesModel candidates_;
     QuickDestinations quickDestinations_;
     FolderPicker folderPicker_;
+    RebuildNotice rebuildNotice_;
     ArchiveProgress progress_;
     ArchiveOutcome outcome_;
     Stage stage_ = Closed;

@@ -14,6 +14,7 @@ set(archive_qml
     places/FolderPlaces.qml
     places/FolderSheet.qml
     places/NewFolderRow.qml
+    places/RebuildBanner.qml
 )
 set(archive_sources
     archive_candidates_model.cpp
@@ -27,4 +28,5 @@ set(archive_sources
     places/folder_texts.cpp
     places/folder_picker.cpp
     places/quick_destinations.cpp
+    places/rebuild_notice.cpp
 )
