@@ -40,6 +40,30 @@ SharedTextSet idsOf(const MessageList& messages) {
     return ids;
 }
 
+TEST_F(ArchiveRuns, AnArchiveWithoutItsIndexIsOfferedAndRebuilt) {
+    home_.write("archive/2020/a/x.eml", "From: a\nMessage-ID: <m>\n\nbody");
+    home_.write("archive/notes.eml", "no mail of an archive");
+    const std::string root = home_.at("archive");
+    model_.destinations().setTransferDestination(root);
+    waitUntilIdle(context_.tasks);
+    ArchiveRebuildFlow& rebuild = model_.rebuild();
+    EXPECT_EQ(rebuild.offer(), (RebuildOffer{root, {1, false}}));
+
+    rebuild.start();
+    EXPECT_TRUE(rebuild.isRunning());
+    rebuild.cancel();
+    waitUntilIdle(context_.tasks);
+    EXPECT_TRUE(rebuild.outcome()->value().wasCancelled);
+    EXPECT_TRUE(rebuild.offer()) << "nothing was done";
+
+    rebuild.start();
+    waitUntilIdle(context_.tasks);
+    EXPECT_EQ(rebuild.outcome()->value().adopted, 1);
+    EXPECT_EQ(rebuild.outcome()->value().failures.size(), 1U);
+    EXPECT_FALSE(rebuild.offer());
+    EXPECT_EQ(*model_.library().archivedEmailBaseIDs(), SharedTextSet{"mid:m"});
+}
+
 TEST_F(ArchiveRuns, CandidatesMadeInTheBackgroundAreThoseOfTheMainThread) {
     publish({{"a", 2019}, {"b", 2020}, {"c", 0}, {"gone", 2019, "imap://A", "INBOX", 400, false}});
     int ready = 0;

@@ -120,9 +120,13 @@ TEST_F(Library, AnUnpluggedDiskStaysAndItsDeletedFolderGoes) {
     LibraryRun run(platform_);
     run.load(root);
     EXPECT_TRUE(run.isConnected(root));
+    EXPECT_NE(run.loader.archivedFiles()->stamp(root, "2019/a/mid:a.eml"), nullptr);
 
     std::filesystem::rename(home_.at("Volumes"), home_.at("Pulled"));
     platform_.unplug();
+    run.loader.refreshArchiveLocationConnectionStates();
+    waitUntilIdle(run.context.tasks);
+    EXPECT_TRUE(run.loader.archivedFiles()->byRoot.empty());
     run.load(root);
     EXPECT_EQ(run.ids(), Ids{"mid:a"});
     EXPECT_FALSE(run.isConnected(root));
