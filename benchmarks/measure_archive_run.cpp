@@ -32,12 +32,13 @@ MessageList messagesOf(const std::string& folder) {
     MessageList messages;
     const auto entries = platform::listDirectory(folder, platform::HiddenEntries::skip);
     for (const auto& entry : entries.value()) {
+        const std::string number(platform::withoutExtension(entry.name));
         MailMessageRecord record;
         record.id = platform::joinPath(folder, entry.name);
         record.fileURL = FileURL(record.id);
-        record.subject = "message " + entry.name;
+        record.subject = "message " + number;
         record.sender = "sender@example.com";
-        record.messageIdentifier = entry.name + "@example.com";
+        record.messageIdentifier = number + "@example.com";
         record.accountName = "somebody@example.com";
         record.date = Date(std::chrono::seconds(1700000000));
         messages.push_back(std::move(record));

@@ -3,17 +3,15 @@
 #include <algorithm>
 #include <cerrno>
 #include <exception>
-#include <system_error>
 #include <thread>
 #include <utility>
 
-#include <fcntl.h>
 #include <fmt/format.h>
 
 #include "archive/archive_error.h"
+#include "archive/destination_jobs.h"
 #include "archive/durable_write.h"
 #include "archive/index_records.h"
-#include "platform/files/durable_file.h"
 #include "platform/files/folder_file_layer.h"
 #include "platform/paths.h"
 #include "records/error_reasons.h"
@@ -35,169 +33,6 @@ constexpr auto lookAgainAfter = std::chrono::milliseconds(200);
 // A large index on a slow stick takes its time: one second more for each MiB.
 std::chrono::nanoseconds limitForSize(std::chrono::nanoseconds limit, std::size_t bytes) {
     return limit + std::chrono::seconds(bytes >> 20);
-}
-
-std::string indexName() {
-    return std::string(archiveIndexFileName);
-}
-
-struct Placing {
-    std::shared_ptr<ArchiveFolders> folders;
-    MessageBytes message;
-    std::string relativePath;
-    PlacedFile placed;
-    std::optional<ArchiveError> error;
-    bool hasRootGone = false;
-
-    void run(FileLayer& files, JobLimit& limit) {
-        try {
-            if (const int rootError = folders->rootError(files)) {
-                hasRootGone = rootError == ENOENT;
-                throw ArchiveError(ArchiveError::Case::writeFailed, rootError);
-            }
-            placed = FilePlacement(files, *folders, limit, relativePath, message.bytes).place();
-        } catch (const ArchiveError& failure) {
-            error = failure;
-        } catch (const std::exception& failure) {
-            consoleLine(fmt::format("[archive] {}: {}", relativePath, failure.what()));
-            error = ArchiveError(ArchiveError::Case::writeFailed);
-        }
-    }
-};
-
-// The folders in which createDirectories() will make something: that of the root, and those above it as far
-// as they are missing too.
-std::set<std::string> foldersToSync(FileLayer& files, std::string folder) {
-    std::set<std::string> above;
-    struct stat status{};
-    do {
-        folder = platform::parentPath(folder);
-        if (folder.empty()) break;
-        above.insert(folder);
-    } while (files.stat(folder, status) != 0);
-    return above;
-}
-
-struct RootLock {
-    std::shared_ptr<LayerDescriptor> lock;
-    std::shared_ptr<LayerDescriptor> opened;
-    int error = 0;
-    bool isTaken = false;
-
-    // The descriptors belong to `owner`, which outlives the job's own layer.
-    void take(FileLayer& files, FileLayer& owner, const std::string& root) {
-        lock = std::make_shared<LayerDescriptor>(owner, files.open(root, O_RDONLY | O_DIRECTORY, 0));
-        if (!*lock) {
-            error = errno;
-            return;
-        }
-        isTaken = files.lock(lock->get()) != 0 && errno == EWOULDBLOCK;
-        if (isTaken) return;
-        opened = std::make_shared<LayerDescriptor>(owner,
-                                                   files.openAt(lock->get(), ".", O_RDONLY | O_DIRECTORY, 0));
-        if (!*opened) error = errno;
-    }
-};
-
-// Looks at the index again right before it is replaced.
-class IndexGuard final : public platform::ForwardingFileLayer {
-  public:
-    IndexGuard(FileLayer& folder, const std::optional<ArchiveIndexVersion>& loaded)
-      : ForwardingFileLayer(folder)
-      , loaded_(loaded) {}
-
-    int rename(const std::string& from, const std::string& to) override {
-        struct stat status{};
-        std::optional<ArchiveIndexVersion> present;
-        if (stat(to, status) == 0) {
-            present = ArchiveIndexVersion::of(status);
-        } else if (errno != ENOENT) {
-            return -1;
-        }
-        if (present == loaded_) return ForwardingFileLayer::rename(from, to);
-        hasChanged_ = true;
-        errno = EEXIST;
-        return -1;
-    }
-
-    [[nodiscard]] bool hasChanged() const noexcept { return hasChanged_; }
-
-  private:
-    const std::optional<ArchiveIndexVersion>& loaded_;
-    bool hasChanged_ = false;
-};
-
-struct Replacing {
-    std::shared_ptr<ArchiveFolders> folders;
-    std::string indexPath;
-    std::string content;
-    std::optional<ArchiveIndexVersion> loaded;
-    std::function<void(const std::string&)> markHidden;
-    int error = 0;
-    bool hasChanged = false;
-
-    void run(FileLayer& files, const JobLimit& limit) {
-        error = folders->rootError(files);
-        if (error != 0) return;
-        FolderFileLayer folder(files, folders->root());
-        IndexGuard guard(folder, loaded);
-        error = platform::writeFileAtomically(guard, indexName(), content).value();
-        hasChanged = guard.hasChanged();
-        if (error != 0 || limit.isAbandoned()) return;
-        if (markHidden) markHidden(indexPath);
-        syncDirectories(folder, {indexName()});
-    }
-};
-
-struct Syncing {
-    std::shared_ptr<ArchiveFolders> folders;
-    std::set<WrittenFolder> touched;
-    std::set<WrittenFolder> lost;
-    int error = 0;
-
-    void run(FileLayer& files, JobLimit& limit) {
-        error = folders->rootError(files);
-        std::set<std::string> above{""};
-        for (const WrittenFolder& folder : touched) {
-            if (error != 0) return;
-            limit.restart();
-            // A second look before the mails of a whole folder fail for a moment's failure.
-            if (!sync(files, folder) && !sync(files, folder)) lost.insert(folder);
-            for (std::string_view path = folder.relativePath; !path.empty();) {
-                path = platform::parentPath(path);
-                above.emplace(path);
-            }
-        }
-        for (const std::string& path : above) {
-            limit.restart();
-            const auto descriptor = folders->open(files, path);
-            if (descriptor) syncDirectory(files, descriptor.get());
-        }
-    }
-
-    // False when the folder isn't there any more, or its entries can't be forced to the storage.
-    bool sync(FileLayer& files, const WrittenFolder& folder) const {
-        const auto descriptor = folders->open(files, folder.relativePath);
-        struct stat status{};
-        if (!descriptor || files.statOpen(descriptor.get(), status) != 0) return false;
-        return platform::FileIdentity::of(status) == folder.identity &&
-               syncDirectory(files, descriptor.get()) != EIO;
-    }
-};
-
-// Gives the damaged index a name that nothing has; empty, with errno, when it can't.
-std::string movedAside(FileLayer& folder, const std::string& stamp) {
-    struct stat status{};
-    for (int number = 1; number <= 100; ++number) {
-        const std::string name = number == 1
-                                     ? fmt::format(".archive-index-damaged-{}.json", stamp)
-                                     : fmt::format(".archive-index-damaged-{}-{}.json", stamp, number);
-        if (folder.stat(name, status) == 0) continue;
-        if (errno != ENOENT || folder.rename(indexName(), name) != 0) return {};
-        return name;
-    }
-    errno = EEXIST;
-    return {};
 }
 
 std::string reasonOf(const ArchiveIndexReading& reading) {
@@ -256,36 +91,26 @@ std::shared_ptr<ArchiveFolders> ArchiveDestination::folders() {
 }
 
 void ArchiveDestination::createRoot() {
-    struct Making {
-        std::set<std::string> above;
-        std::error_code error;
-    };
-
-    const auto making = std::make_shared<Making>();
-    const bool hasEnded = runLimited(limit_, [making, root = rootPath_](FileLayer& files, JobLimit&) {
-        making->above = foldersToSync(files, root);
-        making->error = platform::createDirectories(files, root);
-    });
-    const int number = hasEnded ? making->error.value() : ETIMEDOUT;
-    if (number != 0) throw ArchiveAccessError("无法创建归档文件夹", rootPath_, number);
-    foldersAbove_ = making->above;
+    const auto making = std::make_shared<RootMaking>(rootPath_);
+    const bool hasEnded = runLimited(limit_, [making](FileLayer& files, JobLimit&) { making->run(files); });
+    const int error = hasEnded ? making->error : ETIMEDOUT;
+    if (error != 0) throw ArchiveAccessError("无法创建归档文件夹", rootPath_, error);
+    foldersAbove_ = making->foldersAbove;
 }
 
 // On the folder itself, so that no file is left in it. The system takes the lock back with the process.
 void ArchiveDestination::lock() {
-    const auto attempt = std::make_shared<RootLock>();
-    const bool hasEnded =
-        runLimited(limit_, [attempt, &owner = files_, root = rootPath_](FileLayer& files, JobLimit&) {
-            attempt->take(files, owner, root);
-        });
-    if (hasEnded && attempt->isTaken) {
+    const auto locking = std::make_shared<RootLocking>(rootPath_);
+    const bool hasEnded = runLimited(
+        limit_, [locking, &owner = files_](FileLayer& files, JobLimit&) { locking->run(files, owner); });
+    if (hasEnded && locking->isTaken) {
         throw ArchiveAccessError("无法使用归档文件夹", rootPath_,
                                  "另一个 Corvane 正在向这里归档，请等它完成后再试");
     }
-    const int error = hasEnded ? attempt->error : ETIMEDOUT;
+    const int error = hasEnded ? locking->error : ETIMEDOUT;
     if (error != 0) throw ArchiveAccessError("无法使用归档文件夹", rootPath_, error);
-    lock_ = attempt->lock;
-    opened_ = attempt->opened;
+    lock_ = locking->lock;
+    opened_ = locking->opened;
 }
 
 ArchiveIndexReading ArchiveDestination::readIndex() {
@@ -293,7 +118,8 @@ ArchiveIndexReading ArchiveDestination::readIndex() {
     const bool hasEnded =
         runLimited(limit_, [reading, folders = folders()](FileLayer& files, JobLimit& limit) {
             FolderFileLayer folder(files, folders->root());
-            *reading = readArchiveIndexFile(folder, indexName(), [&] { limit.restart(); });
+            *reading =
+                readArchiveIndexFile(folder, std::string(archiveIndexFileName), [&] { limit.restart(); });
         });
     if (hasEnded) return std::move(*reading);
     return {.state = State::couldNotLook, .index = {}, .version = {}, .error = ETIMEDOUT};
@@ -323,21 +149,10 @@ LoadedIndex ArchiveDestination::loadIndex(Date now, const std::function<bool(con
 }
 
 std::string ArchiveDestination::keepDamagedIndex(Date now) {
-    struct Keeping {
-        std::string name;
-        int error = ETIMEDOUT;
-    };
-
     std::string stamp = formatTimestamp(now);
     std::erase_if(stamp, [](char character) { return character == '-' || character == ':'; });
-    const auto keeping = std::make_shared<Keeping>();
-    const bool hasEnded =
-        runLimited(limit_, [keeping, stamp, folders = folders()](FileLayer& files, JobLimit&) {
-            FolderFileLayer folder(files, folders->root());
-            keeping->name = movedAside(folder, stamp);
-            keeping->error = keeping->name.empty() ? errno : 0;
-            if (!keeping->name.empty()) syncDirectory(files, folders->root());
-        });
+    const auto keeping = std::make_shared<IndexKeeping>(folders(), std::move(stamp));
+    const bool hasEnded = runLimited(limit_, [keeping](FileLayer& files, JobLimit&) { keeping->run(files); });
     const int error = hasEnded ? keeping->error : ETIMEDOUT;
     if (error != 0) throw ArchiveAccessError("归档索引已损坏，且无法另存", indexPath_, error);
     loadedVersion_.reset();
@@ -356,7 +171,7 @@ ArchivedFile ArchiveDestination::readArchived(const std::string& relativePath, s
 }
 
 PlacedFile ArchiveDestination::writePOSIX(const MessageBytes& message, const std::string& relativePath) {
-    const auto placing = std::make_shared<Placing>(folders(), message, relativePath);
+    const auto placing = std::make_shared<FilePlacing>(folders(), message, relativePath);
     const bool hasEnded =
         runLimited(limit_, [placing](FileLayer& files, JobLimit& limit) { placing->run(files, limit); });
     if (!hasEnded) throw ArchiveError(ArchiveError::Case::writeTimedOut);
@@ -369,7 +184,7 @@ PlacedFile ArchiveDestination::writePOSIX(const MessageBytes& message, const std
 }
 
 std::set<WrittenFolder> ArchiveDestination::syncFolders() {
-    const auto syncing = std::make_shared<Syncing>(folders(), touchedFolders_);
+    const auto syncing = std::make_shared<FolderSyncing>(folders(), touchedFolders_);
     const bool hasEnded =
         runLimited(limit_, [syncing](FileLayer& files, JobLimit& limit) { syncing->run(files, limit); });
     if (!hasEnded) failUnsaved(ETIMEDOUT);
@@ -390,8 +205,8 @@ void ArchiveDestination::saveIndex(EmailArchiveIndex& index,
 bool ArchiveDestination::replaceIndex(std::string content,
                                       const std::function<void(const std::string&)>& markHidden) {
     const auto limit = limitForSize(limit_, content.size());
-    const auto replacing =
-        std::make_shared<Replacing>(folders(), indexPath_, std::move(content), loadedVersion_, markHidden);
+    const auto replacing = std::make_shared<IndexReplacing>(folders(), indexPath_, std::move(content),
+                                                            loadedVersion_, markHidden);
     const bool hasEnded = runLimited(
         limit, [replacing](FileLayer& files, JobLimit& jobLimit) { replacing->run(files, jobLimit); });
     if (!hasEnded) failUnsaved(ETIMEDOUT);

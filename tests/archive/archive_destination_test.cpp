@@ -1,4 +1,7 @@
 // The index and the folders of a destination that other programs change, that fail, and that go away.
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
