@@ -20,8 +20,8 @@ class MessageFileIndex {
   public:
     static constexpr std::int64_t rowsOfBucket = 1000;
 
-    // The rows of one "Messages" folder. A scan asks for rows by date and so jumps between folders: what it
-    // asks of one folder is kept close together in memory.
+    // The rows of one "Messages" folder. A scan asks for rows of all mailboxes and so jumps between folders:
+    // what it asks of one folder is kept close together in memory.
     struct Bucket {
         const StoreListing::MessageFolder* folder = nullptr;
         const mailstore::AttachmentRoots* attachmentRoots = nullptr; // null until asked for

@@ -68,27 +68,26 @@ platform::TemporaryFile requireOutput(const MailStoreContext& context, ShellResu
     throwTimedOut(context);
 }
 
+// A failure may be a lock of a moment, so it is asked once more.
 ShellResult askForRows(const MailStoreContext& context, const std::string& index, std::string sql) {
-    return runShell(context, {.databasePath = index,
-                              .sql = std::move(sql),
-                              .timeLimit = context.queryTimeLimit,
-                              .format = ShellQuery::Format::json,
-                              .outputPrefix = "corvane-envelope-",
-                              .outputExtension = ".tsv"});
+    const ShellQuery query{.databasePath = index,
+                           .sql = std::move(sql),
+                           .timeLimit = context.queryTimeLimit,
+                           .format = ShellQuery::Format::json,
+                           .outputPrefix = "corvane-envelope-",
+                           .outputExtension = ".tsv"};
+    ShellResult result = runShell(context, query);
+    return result.kind == ShellResult::Kind::failed ? runShell(context, query) : std::move(result);
 }
 
 } // namespace
 
 IndexOutline readIndexOutline(const MailStoreContext& context, const std::string& envelopeIndexPath) {
-    const auto ask = [&] {
-        return askForRows(
-            context, envelopeIndexPath,
-            "SELECT (SELECT COUNT(*) FROM pragma_table_info('message_global_data') "
-            "WHERE name='message_id_header') AS header, (SELECT MIN(ROWID) FROM messages) AS first, "
-            "(SELECT MAX(ROWID) FROM messages) AS last;");
-    };
-    ShellResult result = ask();
-    if (result.kind == ShellResult::Kind::failed) result = ask();
+    ShellResult result =
+        askForRows(context, envelopeIndexPath,
+                   "SELECT (SELECT COUNT(*) FROM pragma_table_info('message_global_data') "
+                   "WHERE name='message_id_header') AS header, (SELECT MIN(ROWID) FROM messages) AS first, "
+                   "(SELECT MAX(ROWID) FROM messages) AS last;");
     const platform::TemporaryFile output = requireOutput(context, std::move(result));
     IndexOutline outline;
     bool isAnswered = false;

@@ -23,8 +23,8 @@ struct IndexOutline {
     RowIDRange rows;                 // one that holds no message when there are none
 };
 
-// A failure is tried again, since a lock or an error doesn't mean that a column isn't there. Throws
-// MailIndexQueryError and ScanStopped.
+// A lock or an error doesn't mean that a column isn't there, so it is an error. Throws MailIndexQueryError
+// and ScanStopped.
 IndexOutline readIndexOutline(const MailStoreContext& context, const std::string& envelopeIndexPath);
 
 // The ranges that are still to be asked, from the lowest ROWID on. One thread at a time.

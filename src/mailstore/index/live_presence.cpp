@@ -175,14 +175,15 @@ std::optional<std::string> liveMessageOriginalIDHeader(const MailStoreContext& c
     const std::string index = envelopeIndexPath(rootPath);
     const auto exclusion = exclusionOf(context, index);
     if (!exclusion) return std::nullopt;
-    const std::string sql = fmt::format("SELECT g.message_id_header AS hdr\n"
-                                        "FROM messages m\n"
-                                        "JOIN mailboxes mb ON mb.ROWID = m.mailbox\n"
-                                        "LEFT JOIN message_global_data g ON g.message_id = m.message_id\n"
-                                        "WHERE lower(trim(g.message_id_header, '<> ' || char(13, 10, 9))) = '{}' {}\n"
-                                        "ORDER BY {} DESC\n"
-                                        "LIMIT 1;",
-                                        quotedText(*identifier), *exclusion, messageDateExpression);
+    const std::string sql =
+        fmt::format("SELECT g.message_id_header AS hdr\n"
+                    "FROM messages m\n"
+                    "JOIN mailboxes mb ON mb.ROWID = m.mailbox\n"
+                    "LEFT JOIN message_global_data g ON g.message_id = m.message_id\n"
+                    "WHERE lower(trim(g.message_id_header, '<> ' || char(13, 10, 9))) = '{}' {}\n"
+                    "ORDER BY {} DESC\n"
+                    "LIMIT 1;",
+                    quotedText(*identifier), *exclusion, messageDateExpression);
     std::optional<std::string> header;
     const bool isWhole = runJSONRows(context, sql, index, [&](JsonRow& row) {
         const auto text = row.text("hdr");

@@ -10,13 +10,12 @@
 #include <thread>
 #include <utility>
 
-#include <sqlite3.h>
-
 #include "mailstore/folders/store_listing.h"
 #include "mailstore/index/candidate_pieces.h"
 #include "mailstore/index/mail_index_query_error.h"
 #include "mailstore/seconds_counter.h"
 #include "platform/files/temporary_file.h"
+#include "platform/sqlite.h"
 #include "text/case.h"
 #include "text/mutex.h"
 
