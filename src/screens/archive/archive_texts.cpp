@@ -1,5 +1,7 @@
 #include "screens/archive/archive_texts.h"
 
+#include <tuple>
+
 #include <QStringList>
 
 #include "listing/archive_capacity.h"
@@ -44,7 +46,7 @@ QString archiveEmptyTitle(const DeletionSafety& safety) {
 }
 
 QString archiveEmptyDescription(const QString& scopeTitle, const DeletionSafety& safety) {
-    const auto& [local, archived, serverOnly] = safety;
+    const auto [local, archived, serverOnly] = std::tuple(safety.local, safety.archived, safety.serverOnly);
     if (local == 0 && serverOnly >= 1) {
         return scopeTitle + QStringLiteral(" 有 %1 封仅在服务器上，本机未下载，当前无法归档。")
                                 .arg(shownCount(serverOnly));
