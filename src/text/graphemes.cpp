@@ -22,6 +22,16 @@ std::unique_ptr<icu::BreakIterator> makeClusterBreaks() {
     return breaks;
 }
 
+// At the start of the text, until the next call on this thread.
+icu::BreakIterator& clusterBreaksOf(Utf8Text& text) {
+    // Break iterators aren't thread-safe and cost much more to make than to use.
+    thread_local const std::unique_ptr<icu::BreakIterator> breaks = makeClusterBreaks();
+    UErrorCode status = U_ZERO_ERROR;
+    breaks->setText(text.get(), status);
+    requireSuccess(status, "BreakIterator::setText");
+    return *breaks;
+}
+
 struct Prefix {
     std::size_t clusters = 0;
     std::size_t bytes = 0;
@@ -45,15 +55,11 @@ Prefix clusterPrefix(std::string_view text, std::size_t maxClusters, std::size_t
     Prefix prefix = asciiClusters(text, maxClusters, maxBytes);
     if (prefix.bytes == text.size() || prefix.clusters == maxClusters || prefix.bytes >= maxBytes)
         return prefix;
-    // Break iterators aren't thread-safe and cost much more to make than to use.
-    thread_local const std::unique_ptr<icu::BreakIterator> breaks = makeClusterBreaks();
     const std::size_t start = prefix.bytes;
     Utf8Text rest(text.substr(start));
-    UErrorCode status = U_ZERO_ERROR;
-    breaks->setText(rest.get(), status);
-    requireSuccess(status, "BreakIterator::setText");
+    icu::BreakIterator& breaks = clusterBreaksOf(rest);
     while (prefix.clusters < maxClusters) {
-        const std::int32_t end = breaks->next();
+        const std::int32_t end = breaks.next();
         if (end == icu::BreakIterator::DONE || start + static_cast<std::size_t>(end) > maxBytes) break;
         prefix = {prefix.clusters + 1, start + static_cast<std::size_t>(end)};
     }
@@ -70,6 +76,15 @@ std::size_t graphemeCount(std::string_view text) {
 
 std::string_view graphemePrefix(std::string_view text, std::size_t count) {
     return text.substr(0, clusterPrefix(text, count, unlimited).bytes);
+}
+
+std::string_view graphemeSuffix(std::string_view text, std::size_t count) {
+    if (count == 0) return text.substr(text.size());
+    Utf8Text whole(text);
+    icu::BreakIterator& breaks = clusterBreaksOf(whole);
+    std::int32_t start = breaks.last();
+    for (; count > 0 && start > 0; --count) start = breaks.previous();
+    return text.substr(static_cast<std::size_t>(start));
 }
 
 std::string_view graphemePrefixWithinBytes(std::string_view text, std::size_t bytes) {

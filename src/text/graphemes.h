@@ -11,6 +11,9 @@ std::size_t graphemeCount(std::string_view text);
 // At most `count` clusters from the start.
 std::string_view graphemePrefix(std::string_view text, std::size_t count);
 
+// At most `count` clusters from the end.
+std::string_view graphemeSuffix(std::string_view text, std::size_t count);
+
 // The longest prefix of whole clusters that has at most `bytes` bytes.
 std::string_view graphemePrefixWithinBytes(std::string_view text, std::size_t bytes);
 

@@ -38,6 +38,10 @@ TEST(Graphemes, CountAndCutByWholeClusters) {
         EXPECT_EQ(graphemeCount(text), clusters.size()) << text;
         for (std::size_t count = 0; count <= clusters.size() + 1; ++count)
             EXPECT_EQ(graphemePrefix(text, count), joined(clusters, count)) << text;
+        for (std::size_t count = 0; count <= clusters.size(); ++count) {
+            const std::string front = joined(clusters, clusters.size() - count);
+            EXPECT_EQ(graphemeSuffix(text, count), std::string_view(text).substr(front.size())) << text;
+        }
     }
 }
 
