@@ -1,0 +1,115 @@
+#include "library/library_filters.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace corvane {
+
+namespace {
+
+// The filters turned into what an entry is compared with quickest.
+class EntryTest {
+  public:
+    EntryTest(const ArchiveLibraryIndex& index, const LibraryFilters& filters)
+      : index_(index)
+      , filters_(filters)
+      , wanted_(index.accounts().size(), !filters.libraryAccountFilter) {
+        if (!filters.libraryAccountFilter) return;
+        for (std::size_t account = 0; account < wanted_.size(); ++account)
+            wanted_[account] = index.accounts()[account].key == *filters.libraryAccountFilter;
+    }
+
+    bool operator()(EntryPosition position) const {
+        const ArchivedEntry& entry = index_.entry(position);
+        return fits(filters_.libraryLocationFilter, entry.locationRootPath) &&
+               wanted_[index_.accountOf()[position]] &&
+               fits(filters_.libraryMailboxFilter, entry.record.mailbox) &&
+               (filters_.matchedIDs == nullptr || filters_.matchedIDs->contains(entry.record.id));
+    }
+
+  private:
+    static bool fits(const std::optional<std::string>& filter, const SharedText& value) {
+        return !filter || value == *filter;
+    }
+
+    const ArchiveLibraryIndex& index_;
+    const LibraryFilters& filters_;
+    std::vector<bool> wanted_; // by account
+};
+
+std::vector<EntryPosition> passing(const ArchiveLibraryIndex& index, std::span<const EntryPosition> entries,
+                                   const LibraryFilters& filters) {
+    std::vector<EntryPosition> passed;
+    std::ranges::copy_if(entries, std::back_inserter(passed), EntryTest(index, filters));
+    return passed;
+}
+
+bool isByAccountAlone(const LibraryFilters& filters) {
+    return filters.libraryAccountFilter && !filters.libraryLocationFilter && !filters.libraryMailboxFilter &&
+           filters.matchedIDs == nullptr;
+}
+
+} // namespace
+
+bool entryMatchesCurrentFilters(const ArchiveLibraryIndex& index, EntryPosition position,
+                                const LibraryFilters& filters) {
+    return EntryTest(index, filters)(position);
+}
+
+VisibleEntries visibleEntries(const SharedLibraryIndex& index, const LibraryFilters& filters,
+                              LibraryOrder order) {
+    if (filters == LibraryFilters()) return {index, index->sorted(order)};
+    if (isByAccountAlone(filters))
+        return {index, index->sortedOfAccount(order, *filters.libraryAccountFilter)};
+    const auto source = filters.libraryAccountFilter
+                            ? index->sortedOfAccount(order, *filters.libraryAccountFilter)
+                            : index->sorted(order);
+    return VisibleEntries(passing(*index, source, filters));
+}
+
+VisibleGroups visibleGroups(const SharedLibraryIndex& index, const LibraryFilters& filters,
+                            LibraryOrder order, const VisibleEntries& entries) {
+    if (filters == LibraryFilters()) return {index, index->subjectGroups(order)};
+    if (isByAccountAlone(filters))
+        return {index, index->subjectGroupsOfAccount(order, *filters.libraryAccountFilter)};
+    SubjectGroups groups;
+    SubjectGrouper(index->entries(), index->threadRoots()).append(entries.entries(), groups);
+    return VisibleGroups(std::move(groups));
+}
+
+std::string groupKey(const ArchiveLibraryIndex& index, const LibrarySubjectGroup& group) {
+    return index.threadKey(group.latest);
+}
+
+const SharedText& groupSubject(const ArchiveLibraryIndex& index, const GroupsView& view,
+                               const LibrarySubjectGroup& group) {
+    return index.entry(view.entries(group).front()).record.subject;
+}
+
+std::int64_t groupBytes(const ArchiveLibraryIndex& index, const GroupsView& view,
+                        const LibrarySubjectGroup& group) {
+    std::int64_t bytes = 0;
+    for (const EntryPosition position : view.entries(group)) bytes += index.entry(position).record.sizeBytes;
+    return bytes;
+}
+
+std::vector<LibraryAccountFilterOption> accountFilterOptions(const ArchiveLibraryIndex& index,
+                                                             const LibraryFilters& filters) {
+    if (!filters.libraryLocationFilter) return index.accountOptions();
+    LibraryFilters others;
+    others.libraryLocationFilter = filters.libraryLocationFilter;
+    const auto source = passing(index, index.sorted(LibraryOrder::newestFirst), others);
+    return accountOptions(source, index.accountOf(), index.accounts());
+}
+
+std::vector<LibraryLocationFilterOption> locationFilterOptions(const ArchiveLibraryIndex& index,
+                                                               const LibraryFilters& filters) {
+    if (!filters.libraryAccountFilter && !filters.libraryMailboxFilter) return index.locationOptions();
+    LibraryFilters others;
+    others.libraryAccountFilter = filters.libraryAccountFilter;
+    others.libraryMailboxFilter = filters.libraryMailboxFilter;
+    const auto source = passing(index, index.sorted(LibraryOrder::newestFirst), others);
+    return locationOptions(source, index.entries(), index.input().archiveLocations);
+}
+
+} // namespace corvane
