@@ -1,0 +1,48 @@
+#include "library/smart_mailbox_guide.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+namespace corvane {
+
+std::string conditionText(const SmartMailboxGuideTarget& target) {
+    if (target.years.empty()) return {};
+    const auto [lowest, highest] = std::ranges::minmax(target.years);
+    return fmt::format("「账号」是「{}」;并「收到日期」在 {} 年 1 月 1 日之后、在 {} 年 1 月 1 日之前。",
+                       target.accountName, lowest, highest + 1);
+}
+
+std::string suggestedName(const SmartMailboxGuideTarget& target) {
+    if (target.years.empty()) return "可删除";
+    const auto [lowest, highest] = std::ranges::minmax(target.years);
+    return target.years.size() == 1 ? fmt::format("可删除·{}", lowest)
+                                    : fmt::format("可删除·{}–{}", lowest, highest);
+}
+
+std::vector<SmartMailboxGuideTarget> smartMailboxGuideTargets(std::string_view accountName,
+                                                              std::span<const std::int64_t> cleanableYears) {
+    std::vector<std::int64_t> years(cleanableYears.begin(), cleanableYears.end());
+    std::ranges::sort(years);
+    const auto repeated = std::ranges::unique(years);
+    years.erase(repeated.begin(), repeated.end());
+    std::vector<SmartMailboxGuideTarget> targets;
+    for (const std::int64_t year : years) {
+        if (targets.empty() || targets.back().years.back() + 1 != year)
+            targets.push_back({.accountName = std::string(accountName), .years = {}});
+        targets.back().years.push_back(year);
+    }
+    return targets;
+}
+
+std::vector<SmartMailboxGuideStep> smartMailboxGuideSteps(const SmartMailboxGuideTarget& target) {
+    return {
+        {.title = "新建智能邮箱",
+         .lines = {"打开 Apple Mail,顶部菜单栏选「邮箱」→「新建智能邮箱…」。",
+                   fmt::format("名字随意,比如「{}」", suggestedName(target))}},
+        {.title = "设置条件(选「符合以下全部条件」)", .lines = {conditionText(target)}},
+        {.title = "", .lines = {"点「好」后,打开左侧这个智能邮箱 → 按 ⌘A 全选 → 删除。"}},
+        {.title = "清空废纸篓,释放空间", .lines = {"菜单「邮箱」→「清除已删除的邮件」,本机空间就释放了。"}}};
+}
+
+} // namespace corvane
