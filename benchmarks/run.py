@@ -226,6 +226,21 @@ class Bench:
         self.compare("body by id", lambda: printed_seconds([BIN / "measure_search_index", "body", home, 20000]),
                      lambda: printed_seconds([BIN / "floor_search_index", "body", database, 20000]), "50 us")
 
+    def library(self):
+        count = 500000
+
+        def ours(mode):
+            return lambda: printed_seconds([BIN / "measure_library", mode, count])
+
+        def floor(mode):
+            return lambda: printed_seconds([BIN / "floor_library", mode, count])
+
+        self.compare(f"library index of {count} entries", ours("index"), floor("index"), "<= 2", count)
+        self.compare(f"threads of {count} entries", ours("threads"), floor("threads"), "<= 2")
+        # The floor is what a person may wait for a text to show.
+        self.compare("body of 1 MB split", lambda: printed_seconds([BIN / "measure_library", "split", 1]),
+                     lambda: (0.05, 0), "<= 1")
+
     def list(self):
         rows = 100000
 
@@ -273,7 +288,7 @@ class Bench:
 
 
 def main():
-    measures = ["refresh", "archive", "cache", "index", "search", "list", "start", "window"]
+    measures = ["refresh", "archive", "cache", "index", "search", "library", "list", "start", "window"]
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("measure", nargs="*", choices=[[], *measures], help="all when none is named")
     parser.add_argument("--messages", type=int, default=200000, help="messages of the refresh")
