@@ -38,7 +38,8 @@ std::error_code makePrivateFolder(FileLayer& files, const std::string& path) {
     struct stat status{};
     if (::stat(path.c_str(), &status) != 0 || !isOpenToOthers(status)) return {};
     narrowToOwner(path);
-    narrowContent(path);
+    // A file system without modes can't be narrowed, and isn't gone through at every use.
+    if (::stat(path.c_str(), &status) == 0 && !isOpenToOthers(status)) narrowContent(path);
     return {};
 }
 
