@@ -36,6 +36,9 @@ constexpr char separator = '\x1E';
 constexpr char pieceMark = '\x1F';
 constexpr const char* ownID = "of the input";
 
+// More than are looked up one by one, so that frequent texts are searched for in another way.
+constexpr std::size_t rowCount = 160;
+
 using Columns = std::array<std::string, 5>;
 
 const std::vector<std::string>& words() {
@@ -104,7 +107,7 @@ class Database {
     Database()
       : index_(MailSearchIndex::openOrReset(support_, "/archive")) {
         std::vector<SearchIndexRow> rows;
-        for (std::size_t number = 0; number < 400; ++number) {
+        for (std::size_t number = 0; number < rowCount; ++number) {
             texts_.push_back(columnsOf(number));
             rows.push_back(rowOf(fmt::format("row {}", number), texts_.back()));
         }
