@@ -195,6 +195,7 @@ TEST_F(Destination, AnotherFolderUnderItsPathIsNotWrittenTo) {
     });
     const std::string before = encodeArchiveIndex({now, now, {}});
     EXPECT_THAT(endOfRun(messages, files), ::testing::EndsWith("：位置不存在或磁盘未连接"));
+    EXPECT_EQ(files.operationCount(FileOperation::write), 4U) << "the run ends before the next message";
     EXPECT_EQ(treeOf(root), (Tree{{"archive-index.json", before}}));
     fs::remove_all(root);
     fs::rename(home.at("Unplugged"), root);
