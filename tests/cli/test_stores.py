@@ -157,7 +157,7 @@ class Stores(CliCase):
 
 
     def test_logs_of_an_open_window_are_left_alone(self):
-        home = self.home("home", "--messages", "5")
+        home = self.home("home", "--messages", "60")
         support = home / ".local/share/Corvane"
         support.mkdir(parents=True)
         line, logs = "a line of the window", ("performance.log", "archive-library-startup.log")

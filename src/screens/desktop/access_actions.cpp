@@ -32,7 +32,7 @@ void AccessActions::cancelScan() {
 QString AccessActions::restoreTitle() const {
     const auto time = model_.scanFlow().restorableScanTime();
     if (!time) return {};
-    return QStringLiteral("恢复%1的完整结果").arg(QString::fromStdString(formatListDate(*time)));
+    return QStringLiteral("恢复 %1 的完整结果").arg(QString::fromStdString(formatListDate(*time)));
 }
 
 void AccessActions::restoreLastScan() {

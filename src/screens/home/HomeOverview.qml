@@ -38,6 +38,7 @@ FocusScope {
         }
         HomeChart {
             Layout.fillWidth: true
+            visible: !overview.isPartial
             Layout.topMargin: 16
             home: overview.home
             narrow: overview.narrow

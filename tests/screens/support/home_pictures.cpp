@@ -95,8 +95,8 @@ void scanHalfWay(WindowScene& scene, QQuickWindow&) {
 }
 
 // Behind a whole scan, which can be brought back.
-void cancelHalfWay(WindowScene& scene, QQuickWindow& window) {
-    scanHalfWay(scene, window);
+void cancelHalfWay(WindowScene& scene, QQuickWindow&) {
+    scene.model().scanFlow().scan();
     scene.window().home()->access()->cancelScan();
     scene.settle();
     QTest::qWait(1200);

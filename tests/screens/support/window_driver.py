@@ -201,11 +201,16 @@ class Window:
         return wait_until(copied, "the copied text")
 
     def press(self, *keys):
-        """Returns when the window has taken the keys."""
+        """Returns when the window has taken the keys, or has ended by them."""
+        def taken():
+            with contextlib.suppress(BrokenPipeError):
+                answer = self.process.poll() is None and self.ask("keys")
+                return not answer or answer["keys"] >= wanted
+            return True
         before = self.ask("keys")["keys"]
         self._display.run("xdotool", "key", "--delay", "20", *keys)
         wanted = before + sum(len(key.split("+")) for key in keys)
-        wait_until(lambda: self.process.poll() is not None or self.ask("keys")["keys"] >= wanted, f"{keys} to arrive")
+        wait_until(taken, f"{keys} to arrive")
 
     def press_to(self, name, key, most=40):
         """Presses the key until the part has the keyboard, and shows it. The names of what had it on the way."""
