@@ -73,7 +73,8 @@ SelectableList {
     delegate: MessageRow {
         id: row
         width: ListView.view.width
-        current: view.selection.currentRow === index
+        // Rows outlive the screen by a moment when the window goes.
+        current: view.selection !== null && view.selection.currentRow === index
         listFocused: view.focused
         onPressed: (modifiers, button) => {
             // A menu is for all that is selected when it opens on one of them.
