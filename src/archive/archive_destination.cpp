@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <exception>
 #include <thread>
 #include <utility>
@@ -27,10 +28,12 @@ using platform::FolderFileLayer;
 using platform::LayerDescriptor;
 using State = ArchiveIndexReading::State;
 
+// Without the index nothing of the run counts, so it gets more time after a stop than one message.
+constexpr std::chrono::nanoseconds indexGraceAfterStop = std::chrono::seconds(5);
 constexpr int mostIndexTries = 5;
 constexpr auto lookAgainAfter = std::chrono::milliseconds(200);
 
-// A large index on a slow stick takes its time: one second more for each MiB.
+// A large file on a slow stick takes its time: one second more for each MiB.
 std::chrono::nanoseconds limitForSize(std::chrono::nanoseconds limit, std::size_t bytes) {
     return limit + std::chrono::seconds(bytes >> 20);
 }
@@ -64,7 +67,8 @@ ArchiveDestination::~ArchiveDestination() {
 // False when the job hung, or wasn't begun because others have, and the user wants an end. What the job
 // throws passes on.
 bool ArchiveDestination::runLimited(std::chrono::nanoseconds limit,
-                                    std::function<void(FileLayer&, JobLimit&)> job) {
+                                    std::function<void(FileLayer&, JobLimit&)> job,
+                                    std::chrono::nanoseconds grace) {
     if (hungAfterStop_ > 1) return false;
     const auto failure = std::make_shared<std::exception_ptr>();
     const bool hasEnded = worker_.run(
@@ -77,7 +81,7 @@ bool ArchiveDestination::runLimited(std::chrono::nanoseconds limit,
                 *failure = std::current_exception();
             }
         },
-        stop_, graceAfterStop);
+        stop_, grace);
     if (hasEnded && *failure) std::rethrow_exception(*failure);
     if (hasEnded) return true;
     folders_.reset();
@@ -172,8 +176,9 @@ ArchivedFile ArchiveDestination::readArchived(const std::string& relativePath, s
 
 PlacedFile ArchiveDestination::writePOSIX(const MessageBytes& message, const std::string& relativePath) {
     const auto placing = std::make_shared<FilePlacing>(folders(), message, relativePath);
-    const bool hasEnded =
-        runLimited(limit_, [placing](FileLayer& files, JobLimit& limit) { placing->run(files, limit); });
+    const bool hasEnded = runLimited(
+        limit_, [placing](FileLayer& files, JobLimit& limit) { placing->run(files, limit); },
+        limitForSize(graceAfterStop, message.bytes.size()));
     if (!hasEnded) throw ArchiveError(ArchiveError::Case::writeTimedOut);
     if (placing->hasRootGone) failUnsaved(ENOENT);
     if (placing->error) throw ArchiveError(*placing->error);
@@ -185,8 +190,9 @@ PlacedFile ArchiveDestination::writePOSIX(const MessageBytes& message, const std
 
 std::set<WrittenFolder> ArchiveDestination::syncFolders() {
     const auto syncing = std::make_shared<FolderSyncing>(folders(), touchedFolders_);
-    const bool hasEnded =
-        runLimited(limit_, [syncing](FileLayer& files, JobLimit& limit) { syncing->run(files, limit); });
+    const bool hasEnded = runLimited(
+        limit_, [syncing](FileLayer& files, JobLimit& limit) { syncing->run(files, limit); },
+        indexGraceAfterStop);
     if (!hasEnded) failUnsaved(ETIMEDOUT);
     if (syncing->error != 0) failUnsaved(syncing->error);
     return syncing->lost;
@@ -204,11 +210,13 @@ void ArchiveDestination::saveIndex(EmailArchiveIndex& index,
 // False when the index isn't the loaded one.
 bool ArchiveDestination::replaceIndex(std::string content,
                                       const std::function<void(const std::string&)>& markHidden) {
-    const auto limit = limitForSize(limit_, content.size());
+    const std::size_t bytes = content.size();
     const auto replacing = std::make_shared<IndexReplacing>(folders(), indexPath_, std::move(content),
                                                             loadedVersion_, markHidden);
     const bool hasEnded = runLimited(
-        limit, [replacing](FileLayer& files, JobLimit& jobLimit) { replacing->run(files, jobLimit); });
+        limitForSize(limit_, bytes),
+        [replacing](FileLayer& files, JobLimit& limit) { replacing->run(files, limit); },
+        limitForSize(indexGraceAfterStop, bytes));
     if (!hasEnded) failUnsaved(ETIMEDOUT);
     if (replacing->hasChanged) return false;
     if (replacing->error != 0) failUnsaved(replacing->error);

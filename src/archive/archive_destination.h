@@ -26,7 +26,7 @@
 
 namespace corvane::archive {
 
-// Once a stop is requested, a step that hangs may still take this long.
+// Once a stop is requested, a step that hangs may still take this long, and a second more for each MiB.
 inline constexpr std::chrono::nanoseconds graceAfterStop = std::chrono::seconds(3);
 
 struct LoadedIndex {
@@ -83,7 +83,8 @@ class ArchiveDestination {
     void syncRoot();
 
   private:
-    bool runLimited(std::chrono::nanoseconds limit, std::function<void(platform::FileLayer&, JobLimit&)> job);
+    bool runLimited(std::chrono::nanoseconds limit, std::function<void(platform::FileLayer&, JobLimit&)> job,
+                    std::chrono::nanoseconds grace = graceAfterStop);
     std::shared_ptr<ArchiveFolders> folders();
     ArchiveIndexReading readIndex();
     ArchiveIndexReading broughtIndex(const std::function<bool(const std::string&)>& bring);
