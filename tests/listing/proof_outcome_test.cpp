@@ -206,11 +206,14 @@ TEST(ProofOutcomes, OnlyWhatIsOutOfReachStaysUnknown) {
                                                     cut};
     for (const auto& copy : reads) {
         for (const auto& file : reads) {
-            for (const char recorded : {'a', '\0'}) {
-                const Subject subject({{.read = copy}}, {{.recorded = recorded, .read = file}});
-                const bool isUnknown =
-                    proofVerdict(subject.copies, subject.files).outcome == ProofOutcome::notLookedAt;
-                EXPECT_EQ(isUnknown, !wantedReadings(subject.copies, subject.files).isEmpty());
+            for (const auto& other : reads) {
+                for (const char recorded : {'a', 'b', '\0'}) {
+                    const Subject subject({{.read = copy}}, {{.recorded = recorded, .read = file},
+                                                             {.recorded = 0, .read = other}});
+                    const bool isUnknown =
+                        proofVerdict(subject.copies, subject.files).outcome == ProofOutcome::notLookedAt;
+                    EXPECT_EQ(isUnknown, !wantedReadings(subject.copies, subject.files).isEmpty());
+                }
             }
         }
     }

@@ -170,13 +170,23 @@ bool needsFile(const KnownFile& file, const FileReading& copy) {
     return file.state == FileState::confirmed && file.hash != copy.hash && !file.bodyHash;
 }
 
+// Of the files that a copy can still be compared with.
+KnownHashes comparedHashes(std::span<const KnownFile> files) {
+    KnownHashes hashes;
+    for (const KnownFile& file : files) {
+        if (file.state == FileState::confirmed || file.state == FileState::unread)
+            hashes.push_back(file.hash);
+    }
+    return hashes;
+}
+
 // A copy whose hash nobody has is compared by its body.
 bool needsBody(const FileReading& copy, std::span<const KnownFile> files) {
     if (copy.outcome != Outcome::complete || copy.bodyHash) return false;
-    return std::ranges::none_of(files, [&](const KnownFile& file) { return file.hash == copy.hash; }) &&
-           std::ranges::any_of(files, [](const KnownFile& file) {
-               return file.state == FileState::confirmed && (file.bodyHash || file.canBeRead);
-           });
+    const bool canBeCompared = std::ranges::any_of(files, [](const KnownFile& file) {
+        return file.state == FileState::confirmed && (file.bodyHash || file.canBeRead);
+    });
+    return canBeCompared && isBodyHashNeeded(copy.hash, comparedHashes(files));
 }
 
 // The likeliest file for a copy without a counterpart.
@@ -231,9 +241,7 @@ WantedReadings wantedReadings(std::span<const ProofCopy> copies, std::span<const
 }
 
 KnownHashes knownHashes(std::span<const ProofFile> files) {
-    KnownHashes hashes;
-    for (const ProofFile& file : files) hashes.push_back(knownFile(file).hash);
-    return hashes;
+    return comparedHashes(knownFiles(files));
 }
 
 bool isBodyHashNeeded(const Digest& hash, const KnownHashes& others) {

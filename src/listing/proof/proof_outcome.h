@@ -89,8 +89,8 @@ struct WantedReadings {
 
 WantedReadings wantedReadings(std::span<const ProofCopy> copies, std::span<const ProofFile> files);
 
-// What the records' bytes are known by, in the order of the files; absent where a record has no hash and its
-// file wasn't read.
+// What the bytes of files are known by that copies can be compared with; absent where a record has no hash and
+// its file wasn't read yet.
 using KnownHashes = std::vector<std::optional<platform::Sha256Digest>>;
 KnownHashes knownHashes(std::span<const ProofFile> files);
 
