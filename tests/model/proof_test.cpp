@@ -32,11 +32,9 @@ using testing::waitUntilIdle;
 
 class Proofs : public ModelTest {
   protected:
-    static constexpr const char* root = "归档";
-
     Proofs() {
         start();
-        model_->destinations().setTransferDestination(home_.at(root));
+        model_->destinations().setTransferDestination(home_.at(root_));
         waitUntilIdle(context_->tasks);
         publish({{"a"}, {"b"}, {"c"}});
         archive();
@@ -55,10 +53,10 @@ class Proofs : public ModelTest {
             record.emlRelativePath = fmt::format("2020/a/{}.eml", message.subject);
             record.sizeBytes = static_cast<std::int64_t>(mail.size());
             record.contentHash = contentHashText(platform::sha256(mail));
-            home_.write(fmt::format("{}/{}", root, record.emlRelativePath), mail);
+            home_.write(fmt::format("{}/{}", root_, record.emlRelativePath), mail);
             index.records.push_back(std::move(record));
         }
-        home_.write(fmt::format("{}/{}", root, archiveIndexFileName), encodeArchiveIndex(index));
+        home_.write(fmt::format("{}/{}", root_, archiveIndexFileName), encodeArchiveIndex(index));
         loadLibrary();
     }
 
@@ -84,7 +82,7 @@ class Proofs : public ModelTest {
     }
 
     void loadLibrary() {
-        model_->library().loadEmailArchiveIndex(home_.at(root), true);
+        model_->library().loadEmailArchiveIndex(home_.at(root_), true);
         waitUntilIdle(context_->tasks);
     }
 
@@ -99,7 +97,7 @@ class Proofs : public ModelTest {
     }
 
     [[nodiscard]] std::string archived(const std::string& name) const {
-        return home_.at(fmt::format("{}/2020/a/{}.eml", root, name));
+        return home_.at(fmt::format("{}/2020/a/{}.eml", root_, name));
     }
 
     // As an editor that keeps the size.
@@ -120,6 +118,7 @@ class Proofs : public ModelTest {
         return names;
     }
 
+    std::string root_ = "归档";
     std::unique_ptr<ModelContext> context_;
     std::unique_ptr<CorvaneViewModel> model_;
 };
@@ -184,14 +183,25 @@ TEST_F(Proofs, NothingIsReadTwiceAndWhatWasReadOutlivesTheProgram) {
     EXPECT_EQ(outcomeOf("b"), ProofOutcome::differs);
 }
 
-TEST_F(Proofs, OfADisconnectedArchiveStand) {
+TEST_F(Proofs, OfAPulledDiskStandAndThoseOfAFolderThatHasGoneDoNot) {
     prove();
-    std::filesystem::rename(home_.at(root), home_.at("away"));
+    std::filesystem::remove_all(home_.at(root_));
     loadLibrary();
-    EXPECT_EQ(model_->deletionSafety({}).archived, 3);
+    EXPECT_EQ(candidates(), "abc");
+    EXPECT_EQ(model_->deletionSafety({}).archived, 0);
+    platform_.plugIn("盘");
+    root_ = "Volumes/盘/归档";
+    archive();
+    prove();
+    ASSERT_EQ(candidates(), "");
+    platform_.unplug();
+    std::filesystem::rename(home_.at("Volumes/盘"), home_.at("away"));
+    loadLibrary();
+    EXPECT_EQ(model_->deletionSafety({}).proofs.proven, 3);
     replaceByte(original("a"), 'y');
     prove();
-    EXPECT_NE(outcomeOf("a"), ProofOutcome::proven);
+    EXPECT_EQ(outcomeOf("a"), ProofOutcome::differs) << "its hash is known";
+    EXPECT_EQ(model_->deletionSafety({}).proofs.proven, 2);
 }
 
 TEST_F(Proofs, ACancelledOneKeepsWhatItHasReadAndGoesOn) {

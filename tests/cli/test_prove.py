@@ -1,0 +1,74 @@
+"""What prove says of originals and archived files, and what follows from it for figures and candidates."""
+
+import json
+import pathlib
+import unittest
+import urllib.parse
+
+from cli_support import CliCase, signal
+
+
+class Prove(CliCase):
+    def setUp(self):
+        super().setUp()
+        self.home_path = self.home("home", "--messages", "80")
+        self.archive = self.folder / "archive"
+        self.run_cli(self.home_path, "refresh")
+        self.run_cli(self.home_path, "archive", "--to", self.archive, "--no-index", expect=None)
+
+    def run_cli(self, home, *arguments, expect=0, **options):
+        """An archive run over odd mail may have issues."""
+        if expect is None:
+            process = self.start_cli(home, *arguments)
+            output, _ = process.communicate(timeout=120)
+            self.assertIn(process.returncode, (0, 3))
+            return json.loads(output)
+        return super().run_cli(home, *arguments, expect=expect, **options)
+
+    def files(self):
+        return sorted(self.archive.rglob("*.eml"))
+
+    def test_nothing_is_deletable_that_was_not_compared_and_found_equal(self):
+        first = self.run_cli(self.home_path, "prove", expect=None)
+        unproven = {message["id"]: message for message in first["messages"]}
+        self.assertEqual(first["differs"] + first["fileMissing"] + first["notLookedAt"], 0)
+        stats = self.run_cli(self.home_path, "stats")
+        self.assertEqual(stats["deletionSafety"]["archived"], first["proven"])
+        before = stats["candidates"]["count"]
+
+        messages = self.run_cli(self.home_path, "messages")
+        whole = [m for m in messages if m["id"] not in unproven and not m.get("relatedMessageFileURLs")]
+        original = pathlib.Path(urllib.parse.unquote(whole[0]["fileURL"].removeprefix("file://")))
+        content = original.read_bytes()
+        original.write_bytes(content.replace(b"\n", b"\nX", 2).replace(b"X", b"", 1))
+        damaged, gone = self.files()[0], self.files()[1]
+        damaged.write_bytes(damaged.read_bytes()[:-1] + b"\x00")
+        gone.unlink()
+        second = self.run_cli(self.home_path, "prove", expect=3)
+        self.assertEqual(second["fileMissing"] + second["differs"] + second["incomplete"] - first["incomplete"], 3)
+        self.assertEqual(second["proven"], first["proven"] - 3)
+        named = {message.get("path") for message in second["messages"]}
+        self.assertIn(str(gone), named)
+        stats = self.run_cli(self.home_path, "stats")
+        self.assertEqual(stats["deletionSafety"]["archived"], second["proven"])
+        self.assertGreaterEqual(stats["candidates"]["count"], before + 2)
+
+    def test_the_scope_limits_what_is_read_and_counted(self):
+        years = {m["date"][:4] for m in self.run_cli(self.home_path, "messages") if "date" in m}
+        whole = self.run_cli(self.home_path, "prove", "--year", "1", expect=0)
+        self.assertEqual(sum(value for value in whole.values() if isinstance(value, int)), 0)
+        counted = sum(self.run_cli(self.home_path, "prove", "--year", year, expect=None)["proven"]
+                      for year in sorted(years))
+        self.assertEqual(self.run_cli(self.home_path, "prove", expect=None)["proven"], counted)
+
+    def test_an_interrupted_proof_answers_with_what_it_has(self):
+        process = self.start_cli(self.home_path, "prove")
+        process.send_signal(signal.SIGINT)
+        output, _ = process.communicate(timeout=60)
+        self.assertIn(process.returncode, (0, 3, 130, -signal.SIGINT))
+        if process.returncode == 130 and output:
+            self.assertIn("proven", json.loads(output))
+
+
+if __name__ == "__main__":
+    unittest.main()
