@@ -7,12 +7,14 @@ import json
 import os
 import pathlib
 import resource
+import shlex
 import shutil
 import statistics
 import subprocess
 import sys
 import tempfile
 import time
+import urllib.parse
 
 import body_extraction
 
@@ -156,6 +158,45 @@ class Bench:
             lambda: printed_seconds([BIN / "measure_archive_run", "run", source, self.fresh("archive")]),
             lambda: printed_seconds([BIN / "floor_archive_writes", source, self.fresh("floor")]), "<= 1.1")
 
+    def proof(self):
+        count = min(self.messages, 100000)
+        home, archive = self.store(count), self.work / f"proven-{count}"
+        cli = [BIN / "corvane-cli", "--home", home, "--json"]
+        readings = home / ".local/share/Corvane/proof-readings.sqlite"
+        if not archive.exists():
+            run([*cli, "refresh"])
+            run([*cli, "archive", "--to", archive, "--no-index"])
+        originals = [pathlib.Path(urllib.parse.unquote(message["fileURL"].removeprefix("file://")))
+                     for message in json.loads(run([*cli, "messages"])[1])]
+        files = self.work / "proof-files"
+        files.write_bytes(b"\0".join(os.fsencode(path) for path in [*originals, *sorted(archive.rglob("*.eml"))]))
+
+        def cooled(call):
+            def measured():
+                os.sync()
+                pathlib.Path("/proc/sys/vm/drop_caches").write_text("3", encoding="ascii")
+                return call()
+            return measured
+
+        def floor():
+            seconds, _, peak = run(["sh", "-c", f"xargs -0 sha256sum < {shlex.quote(str(files))} > /dev/null"])
+            return seconds, peak
+
+        def ours():
+            readings.unlink(missing_ok=True)
+            seconds, _, peak = run([*cli, "prove"])
+            return seconds, peak
+
+        def again(command):
+            return lambda: run([*cli, command])[::2]
+
+        floor()
+        self.compare(f"proof of {count} messages, both sides, warm", ours, floor, "<= 1.5")
+        if os.access("/proc/sys/vm/drop_caches", os.W_OK):
+            self.compare(f"proof of {count} messages, both sides, cold", cooled(ours), cooled(floor), "<= 1.5")
+        self.compare(f"proof of {count} messages, nothing changed, beside the figures alone", again("prove"),
+                     again("stats"), "<= 1 s for 100,000")
+
     def cache(self):
         count = 500000
         cache = self.work / "cache.json"
@@ -288,7 +329,7 @@ class Bench:
 
 
 def main():
-    measures = ["refresh", "archive", "cache", "index", "search", "library", "list", "start", "window"]
+    measures = ["refresh", "archive", "proof", "cache", "index", "search", "library", "list", "start", "window"]
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("measure", nargs="*", choices=[[], *measures], help="all when none is named")
     parser.add_argument("--messages", type=int, default=200000, help="messages of the refresh")
