@@ -64,6 +64,23 @@ TEST_F(ArchiveSheet, OffersWhatWasTickedAndArchivesWhatStaysTicked) {
     EXPECT_EQ(model_.candidates().archiveCandidates()->size(), 2U);
 }
 
+TEST_F(ArchiveSheet, OffersToRebuildTheIndexOfAnArchiveThatLostIt) {
+    home_.write("Archive/2020/a/x.eml", "From: a\nMessage-ID: <m>\n\nbody");
+    home_.write("Archive/2020/a/y.eml", "");
+    chooseDestination(home_.at("Archive"));
+    RebuildNotice& notice = *archiveScreen_.rebuildNotice();
+    ASSERT_TRUE(notice.canStart());
+    EXPECT_EQ(notice.title(), QStringLiteral("这个归档没有索引"));
+    EXPECT_TRUE(notice.text().contains(QStringLiteral("2 封"))) << notice.text().toStdString();
+    notice.start();
+    EXPECT_TRUE(notice.isRunning());
+    settle();
+    EXPECT_EQ(notice.title(), QStringLiteral("索引已重建"));
+    EXPECT_EQ(notice.text(),
+              QStringLiteral("已收入 1 封。1 个文件没有收入，如“2020/a/y.eml”：没有邮件头，不是邮件。"));
+    EXPECT_FALSE(notice.canStart());
+}
+
 TEST_F(ArchiveSheet, SelectedCandidatesAreTickedTogetherAndCopied) {
     publishThree();
     archiveScreen_.open(std::make_shared<const SharedTextSet>(*model_.catalog().locallyAvailableIDs()));
