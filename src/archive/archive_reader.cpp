@@ -23,7 +23,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t headerBytes = 65536;
+// Headers of real mail end long before, but for those that somebody has filled with traces.
+constexpr std::size_t headerBytes = std::size_t{1} << 20;
 
 bool isMailName(std::string_view name) {
     return text::asciiLowercased(platform::pathExtension(name)) == "eml";
@@ -36,6 +37,8 @@ ArchiveReader::File::State lookFor(ArchiveRoot& root, const std::string& relativ
     std::error_code error;
     const fs::file_status status = fs::symlink_status(path, error);
     if (status.type() == fs::file_type::none) return error.value() == ENAMETOOLONG ? absent : failed;
+    if (status.type() == fs::file_type::not_found && fs::exists(platform::cloudPlaceholderPath(path), error))
+        return failed;
     if (!fs::is_regular_file(status)) return absent;
     return root.holdsFolder(std::string(platform::parentPath(path))) ? read : absent;
 }

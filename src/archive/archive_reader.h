@@ -43,13 +43,13 @@ class ArchiveReader {
             read,
             tooLarge, // and not read
             absent,   // no regular file below the root, or a path that leads out of it
-            failed,   // it may be there, and can't be read to its end
+            failed,   // it can't be read to its end, or a cloud provider has it
         };
 
         State state = State::failed;
         FileStamp stamp; // of a file that is there
         std::pair<dev_t, ino_t> identity{};
-        std::string start; // as much as the decoding of header fields looks at
+        std::string start; // the first MiB
         platform::Sha256Digest hash{};
         std::int64_t bytesRead = 0;
     };

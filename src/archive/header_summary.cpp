@@ -102,7 +102,8 @@ std::string shownAddress(std::string_view address) {
 // The raw fields; bytes that are no UTF-8 are read as GB 18030 and else as Latin 1, as mail without a charset
 // mostly is.
 mime::HeaderMap fieldsOf(std::string_view start) {
-    std::string header(start);
+    // Before the copy: a header is short and a body may be long.
+    std::string header(start.substr(0, std::min(start.find("\n\n"), start.find("\n\r\n"))));
     if (header.find('\n') == std::string::npos) {
         std::ranges::replace(header, '\r', '\n');
     } else {

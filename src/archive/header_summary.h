@@ -23,8 +23,8 @@ struct HeaderSummary {
     std::optional<Date> date;
 };
 
-// Of the first bytes of a mail; lines may end in LF, CR LF or CR alone. Absent when there is none of the
-// fields that every mail has: Message-ID, From, To, Subject, Date.
+// Of the first bytes of a mail, its whole header among them; lines may end in LF, CR LF or CR alone. Absent
+// when there is none of the fields that every mail has: Message-ID, From, To, Subject, Date.
 std::optional<HeaderSummary> headerSummary(std::string_view start);
 
 // The encoded words of a header value decoded (RFC 2047): white space between two of them goes, "_" is a

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <exception>
+#include <set>
 #include <thread>
 
 #include <fmt/format.h>
@@ -10,6 +11,7 @@
 #include "archive/time_limited_worker.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
+#include "text/mutex.h"
 
 namespace corvane {
 
@@ -34,6 +36,45 @@ class LimitedLook final : public PlaceLook {
     archive::JobLimit& limit_;
 };
 
+// The places at which looks of this process hang. Never destroyed: what hangs may outlive the statics of the
+// program.
+class HungPlaces {
+  public:
+    // One look, until it comes back.
+    struct Look {
+        bool hasEnded = false;
+        std::vector<std::string> places;
+    };
+
+    static HungPlaces& ofProcess() {
+        static auto* const places = new HungPlaces;
+        return *places;
+    }
+
+    bool holds(const std::string& place) {
+        const text::MutexLock lock(mutex_);
+        return std::ranges::any_of(
+            places_, [&](const std::string& hung) { return platform::isAtOrBelow(place, hung); });
+    }
+
+    void add(Look& look, std::vector<std::string> places) {
+        const text::MutexLock lock(mutex_);
+        if (look.hasEnded) return;
+        places_.insert(places.begin(), places.end());
+        look.places = std::move(places);
+    }
+
+    void end(Look& look) {
+        const text::MutexLock lock(mutex_);
+        look.hasEnded = true;
+        for (const std::string& place : look.places) places_.erase(places_.find(place));
+    }
+
+  private:
+    text::Mutex mutex_;
+    std::multiset<std::string> places_ GUARDED_BY(mutex_);
+};
+
 } // namespace
 
 PlaceLooks::PlaceLooks(const platform::Platform& platform, platform::FileLayer& files, std::stop_token stop,
@@ -44,19 +85,24 @@ PlaceLooks::PlaceLooks(const platform::Platform& platform, platform::FileLayer& 
   , limit_(limit) {}
 
 bool PlaceLooks::run(const std::string& place, std::function<void(PlaceLook&)> question) {
-    if (stop_.stop_requested() || hasHung(place)) return false;
-    archive::TimeLimitedWorker worker;
-    const auto job = [&files = files_, question = std::move(question)](archive::JobLimit& limit) {
-        if (limit.isAbandoned()) return;
-        LimitedLook look(files, limit);
-        try {
-            question(look);
-        } catch (const std::exception& error) {
-            consoleLine(fmt::format("[HangTrace] look failed: {}", error.what()));
+    HungPlaces& hung = HungPlaces::ofProcess();
+    if (stop_.stop_requested() || hung.holds(place)) return false;
+    const auto state = std::make_shared<HungPlaces::Look>();
+    const auto job = [&files = files_, &hung, state,
+                      question = std::move(question)](archive::JobLimit& limit) {
+        if (!limit.isAbandoned()) {
+            LimitedLook look(files, limit);
+            try {
+                question(look);
+            } catch (const std::exception& error) {
+                consoleLine(fmt::format("[HangTrace] look failed: {}", error.what()));
+            }
         }
+        hung.end(*state);
     };
+    archive::TimeLimitedWorker worker;
     if (worker.run(limit_, job, stop_)) return true;
-    if (!stop_.stop_requested()) rememberHung(place);
+    if (!stop_.stop_requested()) hung.add(*state, hungWith(place));
     return false;
 }
 
@@ -70,24 +116,17 @@ void PlaceLooks::callSideBySide(std::size_t count, const std::function<void(std:
     }
 }
 
-bool PlaceLooks::hasHung(const std::string& place) {
-    const text::MutexLock lock(mutex_);
-    return std::ranges::any_of(hungPlaces_,
-                               [&](const std::string& hung) { return platform::isAtOrBelow(place, hung); });
-}
-
 // With the disk that holds the place, unless the home lies on it: there one folder hangs by itself.
-void PlaceLooks::rememberHung(const std::string& place) {
+std::vector<std::string> PlaceLooks::hungWith(const std::string& place) const {
     consoleLine(fmt::format("[HangTrace] no answer from {}", place));
     const std::string home = platform_.realUserHomeDirectory();
-    const auto volumes = platform_.mountedVolumes().value_or(std::vector<platform::Volume>());
     std::string disk;
-    for (const platform::Volume& volume : volumes) {
+    for (const auto& volume : platform_.mountedVolumes().value_or(std::vector<platform::Volume>())) {
         if (platform::isAtOrBelow(place, volume.path) && volume.path.size() > disk.size()) disk = volume.path;
     }
-    const text::MutexLock lock(mutex_);
-    hungPlaces_.push_back(place);
-    if (!disk.empty() && !platform::isAtOrBelow(home, disk)) hungPlaces_.push_back(disk);
+    std::vector<std::string> hung{place};
+    if (!disk.empty() && !platform::isAtOrBelow(home, disk)) hung.push_back(disk);
+    return hung;
 }
 
 } // namespace corvane

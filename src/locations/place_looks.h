@@ -16,7 +16,6 @@
 
 #include "platform/files/file_layer.h"
 #include "platform/platform.h"
-#include "text/mutex.h"
 
 namespace corvane {
 
@@ -70,15 +69,12 @@ class PlaceLooks {
     // call(i) for each i below `count`, in any order, on threads that may hang without harm to others.
     static void callSideBySide(std::size_t count, const std::function<void(std::size_t)>& call);
     bool run(const std::string& place, std::function<void(PlaceLook&)> question);
-    [[nodiscard]] bool hasHung(const std::string& place);
-    void rememberHung(const std::string& place);
+    [[nodiscard]] std::vector<std::string> hungWith(const std::string& place) const;
 
     const platform::Platform& platform_;
     platform::FileLayer& files_;
     std::stop_token stop_;
     std::chrono::nanoseconds limit_;
-    text::Mutex mutex_;
-    std::vector<std::string> hungPlaces_ GUARDED_BY(mutex_);
 };
 
 } // namespace corvane

@@ -108,6 +108,12 @@ TEST_F(VerificationOfAnArchive, NamesExactlyTheDamage) {
         std::optional<Findings> withHashes{};
     } cases[] = {
         {"lost", [&] { std::filesystem::remove(at(first)); }, {{"missing", {first}}}},
+        {"in the cloud",
+         [&] {
+             std::filesystem::remove(at(first));
+             home.write("Archive/2020/工作/.2020-09-13 一.eml.icloud", "");
+         },
+         {{"unreadable", {first}}}},
         {"a folder in its place",
          [&] {
              std::filesystem::remove(at(first));

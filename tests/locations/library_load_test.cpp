@@ -71,6 +71,9 @@ TEST_F(LoadOfTheLibrary, APlaceThatHangsCostsOneLimitAndShowsItsCopy) {
     EXPECT_EQ(*found->library->baseIDs, (SharedTextSet{"mid:a", "mid:b"}));
     EXPECT_FALSE(found->locations[0].isConnected);
     EXPECT_TRUE(found->locations[1].isConnected);
+    const auto again = std::chrono::steady_clock::now();
+    EXPECT_EQ(load({dead, fine}, 60s)->locations, found->locations) << "what hangs isn't waited for again";
+    EXPECT_LT(std::chrono::steady_clock::now() - again, 10s);
     EXPECT_EQ(found->files->presence(dead, "2019/a/mid:a.eml"), ArchivedFilePresence::unknown);
     EXPECT_EQ(found->files->presence(fine, "2019/a/mid:b.eml"), ArchivedFilePresence::there);
 }
