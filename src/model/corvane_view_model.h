@@ -86,6 +86,7 @@ class CorvaneViewModel : public QObject {
     [[nodiscard]] ProofFlow& proof() { return proof_; }
 
     [[nodiscard]] SetAside& setAside() { return setAside_; }
+
     [[nodiscard]] ArchiveRebuildFlow& rebuild() { return rebuild_; }
 
     [[nodiscard]] PreviewRefresh& previews() { return previews_; }

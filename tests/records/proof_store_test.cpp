@@ -1,5 +1,7 @@
 #include "records/stores/proof_store.h"
 
+#include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <string>
 

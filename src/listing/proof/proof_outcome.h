@@ -89,8 +89,8 @@ struct WantedReadings {
 
 WantedReadings wantedReadings(std::span<const ProofCopy> copies, std::span<const ProofFile> files);
 
-// What the bytes of files are known by that copies can be compared with; absent where a record has no hash and
-// its file wasn't read yet.
+// What the bytes of files are known by that copies can be compared with; absent where a record has no hash
+// and its file wasn't read yet.
 using KnownHashes = std::vector<std::optional<platform::Sha256Digest>>;
 KnownHashes knownHashes(std::span<const ProofFile> files);
 

@@ -1,5 +1,6 @@
 #include "model/archiving/proof_flow.h"
 
+#include <memory>
 #include <utility>
 
 namespace corvane {

@@ -2,6 +2,7 @@
 // threads.
 #pragma once
 
+#include <functional>
 #include <set>
 #include <string>
 #include <string_view>
