@@ -93,7 +93,7 @@ void StoreListing::prefetch(const std::stop_token& stop,
             walk(std::move(next), pending);
     }
     const SecondsCounter elapsed(attachmentSeconds_);
-    for (auto& [path, root] : attachmentRoots_) root.readAhead(stop);
+    for (auto& [path, root] : attachmentRoots_) root->readAhead(stop);
 }
 
 // Neither hidden folders nor those of attachments hold messages.
@@ -130,37 +130,62 @@ void StoreListing::addMessageFolder(const Walk& walk) {
 
 // Null for a folder without folders of messages.
 const AttachmentRoot* StoreListing::attachmentRoot(const std::string& path) {
-    const AttachmentRoot& root = attachmentRoots_.try_emplace(path, path).first->second;
-    return root.folderCount() > 0 ? &root : nullptr;
+    auto& root = attachmentRoots_[path];
+    if (!root) root = std::make_unique<AttachmentRoot>(path);
+    return root->folderCount() > 0 ? root.get() : nullptr;
+}
+
+// The same, listing without the lock: of two threads that list a folder, the first one's listing stands.
+const AttachmentRoot* StoreListing::attachmentRootAtNeed(const std::string& path) {
+    {
+        const text::MutexLock lock(mutex_);
+        if (attachmentRoots_.contains(path)) return attachmentRoot(path);
+    }
+    auto listed = std::make_unique<AttachmentRoot>(path);
+    const text::MutexLock lock(mutex_);
+    attachmentRoots_.try_emplace(path, std::move(listed));
+    return attachmentRoot(path);
 }
 
 const StoreListing::MessageFolder& StoreListing::messageFolder(const std::string& path) {
-    const text::MutexLock lock(mutex_);
-    const auto [entry, isNew] = messageFolders_.try_emplace(path);
-    if (isNew) {
-        entry->second.path = path;
-        entry->second.rowIDs = listMessages(path, [](std::string_view, unsigned char) {});
+    {
+        const text::MutexLock lock(mutex_);
+        if (const auto known = messageFolders_.find(path); known != messageFolders_.end())
+            return known->second;
     }
-    return entry->second;
+    MessageFolder listed{.path = path,
+                         .rowIDs = listMessages(path, [](std::string_view, unsigned char) {}),
+                         .attachmentRoots = {}};
+    const text::MutexLock lock(mutex_);
+    return messageFolders_.try_emplace(path, std::move(listed)).first->second;
 }
 
 const mailstore::AttachmentRoots& StoreListing::attachmentRoots(const MessageFolder& folder) {
-    const text::MutexLock lock(mutex_);
-    auto& roots = messageFolders_.at(folder.path).attachmentRoots;
-    if (!roots) {
-        roots.emplace();
-        for (const std::string& path : MailAttachmentFileLocator::candidateAttachmentRoots(folder.path)) {
-            if (const AttachmentRoot* root = attachmentRoot(path)) roots->push_back(root);
+    const auto markUsed = [](const mailstore::AttachmentRoots& roots) {
+        for (const AttachmentRoot* root : roots) root->markUsed();
+    };
+    {
+        const text::MutexLock lock(mutex_);
+        if (const auto& known = messageFolders_.at(folder.path).attachmentRoots) {
+            markUsed(*known);
+            return *known;
         }
     }
-    for (const AttachmentRoot* root : *roots) root->markUsed();
+    mailstore::AttachmentRoots found;
+    for (const std::string& path : MailAttachmentFileLocator::candidateAttachmentRoots(folder.path)) {
+        if (const AttachmentRoot* root = attachmentRootAtNeed(path)) found.push_back(root);
+    }
+    markUsed(found);
+    const text::MutexLock lock(mutex_);
+    auto& roots = messageFolders_.at(folder.path).attachmentRoots;
+    if (!roots) roots = std::move(found);
     return *roots;
 }
 
 std::size_t StoreListing::attachmentFolderCount() const {
     const text::MutexLock lock(mutex_);
     std::size_t count = 0;
-    for (const auto& [path, root] : attachmentRoots_) count += root.isUsed() ? root.folderCount() : 0;
+    for (const auto& [path, root] : attachmentRoots_) count += root->isUsed() ? root->folderCount() : 0;
     return count;
 }
 

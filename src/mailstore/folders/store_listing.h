@@ -3,7 +3,7 @@
 // its first need, or ahead by `prefetch`, and its content then stands for the life of the listing.
 //
 // The prefetch runs on one thread and has ended before anything is asked; the questions may then come from
-// several.
+// several, which list their folders side by side.
 #pragma once
 
 #include <cstdint>
@@ -63,12 +63,13 @@ class StoreListing {
     void walk(Walk next, std::vector<Walk>& pending) REQUIRES(mutex_);
     void addMessageFolder(const Walk& walk) REQUIRES(mutex_);
     const AttachmentRoot* attachmentRoot(const std::string& path) REQUIRES(mutex_);
+    const AttachmentRoot* attachmentRootAtNeed(const std::string& path);
 
     std::string versionDirectory_;
     mutable text::Mutex mutex_;
     // The values stay where they are.
     std::unordered_map<std::string, MessageFolder> messageFolders_ GUARDED_BY(mutex_);
-    std::unordered_map<std::string, AttachmentRoot> attachmentRoots_ GUARDED_BY(mutex_);
+    std::unordered_map<std::string, std::unique_ptr<AttachmentRoot>> attachmentRoots_ GUARDED_BY(mutex_);
     double attachmentSeconds_ = 0;
 };
 

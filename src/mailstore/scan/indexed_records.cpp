@@ -183,8 +183,10 @@ class IndexReading {
     }
 
     void makeRecords(RecordLane& lane, std::vector<MadeRecords>& records) {
+        auto piece = queue_.pop();
+        prefetch_.requestStop();
         prefetch_.wait();
-        while (const auto piece = queue_.pop()) {
+        for (; piece; piece = queue_.pop()) {
             if (context_.stop.stop_requested()) throw ScanStopped();
             auto made = lane.make(piece->path());
             if (!made) throw MailIndexQueryError(MailIndexQueryError::Kind::unreadableOutput);
