@@ -101,4 +101,16 @@ FAULTS = (
           ("platform",)),
     Fault("a mark of direction stays in a name", "hidden_characters.h", "(scalar >= 0x202A && scalar <= 0x202E)", "false",
           ("text", "archive")),
+    # Library: what is grouped, and what may be deleted.
+    Fault("an unproven original frees space", "archived_overview.cpp", "if (facts_.isProven(position)) {", "if (true) {",
+          ("library",)),
+    Fault("a group that nobody knows is cleanable", "archived_overview.cpp", "if (group.mailAccounts.empty())",
+          "if (false)", ("library",)),
+    Fault("one unsafe folder doesn't hold its year back", "archived_overview.cpp",
+          "if (!stats.isCleanable) stats.freeable = {};", "", ("library",)),
+    Fault("a guide spans years between", "smart_mailbox_guide.cpp",
+          "if (targets.empty() || targets.back().years.back() + 1 != year)", "if (targets.empty())", ("library",)),
+    Fault("absent mail joins all subjects", "thread_keys.cpp", "std::uint64_t{subject} << 32 |", "", ("library",)),
+    Fault("a history is folded during a search", "body_split.h", "return query.empty() && quotedText.has_value();",
+          "return quotedText.has_value();", ("mime",)),
 )
