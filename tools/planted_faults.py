@@ -96,7 +96,8 @@ FAULTS = (
     # What others can see, and what is left.
     Fault("others may read what is written", "durable_file.cpp", "return existing.st_mode & most;",
           "return existing.st_mode & 0777;", ("platform",)),
-    Fault("what an earlier version left open stays open", "private_files.cpp", "    narrowContent(path);", "", ("platform",)),
+    Fault("what an earlier version left open stays open", "private_files.cpp", "narrowContent(path);", 'narrowContent("");',
+          ("platform",)),
     Fault("a file in use is taken for a remnant", "leftovers.cpp", "if (claim == FileClaim::refused) return false;", "",
           ("platform",)),
     Fault("a mark of direction stays in a name", "hidden_characters.h", "(scalar >= 0x202A && scalar <= 0x202E)", "false",
