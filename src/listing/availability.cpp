@@ -1,5 +1,6 @@
 #include "listing/availability.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -98,6 +99,27 @@ std::shared_ptr<const SharedTextSet> archivedIDs(const AvailabilityResult& resul
     return std::make_shared<const SharedTextSet>(std::move(archived));
 }
 
+bool hasFailed(const MailMessageRecord& message, const SharedTextSet& failedPaths) {
+    if (failedPaths.contains(message.fileURL.path())) return true;
+    if (!message.relatedMessageFileURLs) return false;
+    return std::ranges::any_of(*message.relatedMessageFileURLs,
+                               [&](const FileURL& url) { return failedPaths.contains(url.path()); });
+}
+
+std::shared_ptr<const SharedTextSet> troubledIDs(const AvailabilityJob& job,
+                                                 const AvailabilityResult& result) {
+    SharedTextSet troubled = *result.setAsideIDs;
+    for (const auto& [id, verdict] : result.proofs->against) troubled.insert(id);
+    const SharedTextSet& failedPaths = *job.inputs.failedPaths;
+    if (!failedPaths.empty()) {
+        for (const MailMessageRecord& message : *job.set->messages) {
+            if (!result.archivedMessageIDs->contains(message.id) && hasFailed(message, failedPaths))
+                troubled.insert(message.id);
+        }
+    }
+    return std::make_shared<const SharedTextSet>(std::move(troubled));
+}
+
 // The very one of before where nothing has changed in it.
 template <class Shared>
 Shared unlessEqual(Shared made, const Shared& earlier) {
@@ -111,9 +133,11 @@ bool judge(const AvailabilityJob& job, AvailabilityResult& result, const std::st
     if (!result.proofs) return false;
     result.withheldIDs = withheldIDs(result);
     result.archivedMessageIDs = archivedIDs(result);
+    result.troubledIDs = troubledIDs(job, result);
     if (!job.known) return true;
     result.setAsideIDs = unlessEqual(std::move(result.setAsideIDs), job.known->setAsideIDs);
     result.withheldIDs = unlessEqual(std::move(result.withheldIDs), job.known->withheldIDs);
+    result.troubledIDs = unlessEqual(std::move(result.troubledIDs), job.known->troubledIDs);
     result.archivedMessageIDs =
         unlessEqual(std::move(result.archivedMessageIDs), job.known->archivedMessageIDs);
     return true;

@@ -27,6 +27,8 @@ struct AvailabilityInputs {
     ProofInputs proof{};
     // Stable ids of what the user doesn't want to be archived for now.
     std::shared_ptr<const SharedTextSet> setAside = std::make_shared<const SharedTextSet>();
+    // Paths of files that the last run couldn't archive.
+    std::shared_ptr<const SharedTextSet> failedPaths = std::make_shared<const SharedTextSet>();
 };
 
 // What an availability run finds out.
@@ -43,6 +45,9 @@ struct AvailabilityResult {
     // Those, and the ones that are recorded while their files can't be read whole: no candidates, and not
     // archived.
     std::shared_ptr<const SharedTextSet> withheldIDs = std::make_shared<const SharedTextSet>();
+    // The messages with a reason why they don't count as archived: what a proof has found, the last run's
+    // failures, and what was set aside.
+    std::shared_ptr<const SharedTextSet> troubledIDs = std::make_shared<const SharedTextSet>();
     std::shared_ptr<const SharedTextSet> archivedBaseIDs = std::make_shared<const SharedTextSet>();
     std::vector<YearStat> localYearStats;
     std::vector<AccountYearStatGroup> accountYearStats;         // of the local candidates

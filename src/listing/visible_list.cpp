@@ -52,6 +52,7 @@ bool passes(const MailMessageRecord& message, const ListInput& input, const List
         return false;
     }
     if (static_cast<std::int64_t>(message.attachments.size()) < rules.minimumAttachmentCount) return false;
+    if (rules.onlyTroubled && !input.troubledIDs->contains(message.id)) return false;
     return matchesYear(message, rules, *input.yearByID) &&
            matchesMigration(message, rules.migrated, *input.archivedMessageIDs) &&
            matchesQuery(message, rules.query);

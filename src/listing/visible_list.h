@@ -24,6 +24,7 @@ struct ListRules {
     std::set<std::string> accountPrefixes; // keys of the account filter; empty: all
     std::optional<std::int64_t> newestYear;
     MigratedFilter migrated = MigratedFilter::all;
+    bool onlyTroubled = false; // those with a reason why they don't count as archived
     MailSortMode sortMode = MailSortMode::newest;
     bool ascending = false;
 
@@ -36,6 +37,7 @@ struct ListInput {
     std::shared_ptr<const SharedTextSet> locallyAvailableIDs;
     std::shared_ptr<const SharedTextSet> archivedMessageIDs;
     std::shared_ptr<const YearByID> yearByID;
+    std::shared_ptr<const SharedTextSet> troubledIDs = std::make_shared<const SharedTextSet>();
 
     friend bool operator==(const ListInput&, const ListInput&) = default;
 };

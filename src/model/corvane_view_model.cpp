@@ -7,7 +7,6 @@
 #include <fmt/format.h>
 
 #include "listing/count_reconciliation.h"
-#include "model/library/library_file_looks.h"
 #include "platform/paths.h"
 #include "platform/stop_watch.h"
 
@@ -27,7 +26,8 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
                                            {filters_.minimumCandidateBytes(), filters_.transferMaxYear()},
                                            accounts_.availableAccounts(),
                                            proofInputs(),
-                                           setAside_.stableIDs()};
+                                           setAside_.stableIDs(),
+                                           lastFailures_.paths()};
              })
   , visible_(context, catalog_, filters_)
   , counts_(context, accounts_)
@@ -154,14 +154,18 @@ void CorvaneViewModel::wireArchive() {
 
 // Whatever an outcome follows from has changed: a run of the availability finds the outcomes.
 void CorvaneViewModel::wireProof() {
+    connect(&library_, &LibraryLoader::loadStarted, &readings_, &KeptReadings::load);
     connect(&library_, &LibraryLoader::loadFinished, this, &CorvaneViewModel::renewFileLooks);
-    connect(&library_, &LibraryLoader::archiveLocationsChanged, this, [this] {
-        if (looks_ && !library_.isLoading()) renewFileLooks();
+    connect(&library_, &LibraryLoader::archivedFilesChanged, this, [this] {
+        if (looks_) renewFileLooks();
     });
     connect(&readings_, &KeptReadings::factsChanged, this, &CorvaneViewModel::proveAnew);
     connect(&setAside_, &SetAside::changed, this, [this] { catalog_.refreshAvailabilityCacheAsync(true); });
     connect(&archiveRun_, &ArchiveRunFlow::archiveFilesRead, this,
             [this](const SharedReadings& read) { readings_.add(read, KeptReadings::Store::needsThem); });
+    connect(&archiveRun_, &ArchiveRunFlow::archiveRunFinished, &lastFailures_, &LastFailures::setFrom);
+    connect(&lastFailures_, &LastFailures::changed, this,
+            [this] { catalog_.refreshAvailabilityCacheAsync(true); });
     connect(&proof_, &ProofFlow::proofEnded, this, [this] {
         if (proof_.lastEnd()->sawOtherFiles) loadArchiveIndex(true);
     });
@@ -172,11 +176,9 @@ ProofInputs CorvaneViewModel::proofInputs() const {
 }
 
 void CorvaneViewModel::renewFileLooks() {
-    std::set<std::string, std::less<>> connected;
-    for (const ArchiveLocation& location : library_.archiveLocations()) {
-        if (location.isConnected) connected.insert(location.rootPath);
-    }
-    looks_ = std::make_shared<const LibraryFileLooks>(std::move(connected));
+    // Equal looks stay the same ones: others cost a pass over all messages.
+    if (!looks_ || looks_->files() != library_.archivedFiles())
+        looks_ = std::make_shared<const LibraryFileLooks>(library_.archivedFiles());
     proveAnew();
 }
 

@@ -20,9 +20,11 @@
 #include "model/archiving/archive_ticks.h"
 #include "model/archiving/destinations.h"
 #include "model/archiving/kept_readings.h"
+#include "model/archiving/last_failures.h"
 #include "model/archiving/proof_flow.h"
 #include "model/archiving/set_aside.h"
 #include "model/library/body_texts.h"
+#include "model/library/library_file_looks.h"
 #include "model/library/library_loader.h"
 #include "model/mail/account_directory.h"
 #include "model/mail/index_counts.h"
@@ -85,6 +87,8 @@ class CorvaneViewModel : public QObject {
 
     [[nodiscard]] ProofFlow& proof() { return proof_; }
 
+    [[nodiscard]] LastFailures& lastFailures() { return lastFailures_; }
+
     [[nodiscard]] SetAside& setAside() { return setAside_; }
 
     [[nodiscard]] ArchiveRebuildFlow& rebuild() { return rebuild_; }
@@ -123,7 +127,8 @@ class CorvaneViewModel : public QObject {
     LibraryLoader library_;
     KeptReadings readings_;
     SetAside setAside_;
-    SharedFileLooks looks_; // null before the first live load
+    LastFailures lastFailures_;
+    std::shared_ptr<const LibraryFileLooks> looks_; // null before the first live load
     MessageCatalog catalog_;
     VisibleMessages visible_;
     IndexCounts counts_;

@@ -15,9 +15,13 @@ struct KeptReadings::Job {
 KeptReadings::KeptReadings(ModelContext& context, QObject* parent)
   : QObject(parent)
   , context_(context)
-  , task_(context.tasks) {
+  , task_(context.tasks) {}
+
+void KeptReadings::load() {
+    if (isLoadStarted_) return;
+    isLoadStarted_ = true;
     task_.start(
-        TaskPriority::userInitiated, context.support,
+        TaskPriority::userInitiated, context_.support,
         [](const CorvaneAppSupport& support, const TaskHandle&) -> SharedProofFacts {
             return ProofStore(support).load();
         },
@@ -27,6 +31,7 @@ KeptReadings::KeptReadings(ModelContext& context, QObject* parent)
 void KeptReadings::add(SharedReadings readings, Store store) {
     if (readings->isEmpty()) return;
     waiting_.push_back({std::move(readings), store});
+    load();
     if (!task_.isRunning()) startNext();
 }
 

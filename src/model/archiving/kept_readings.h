@@ -19,15 +19,18 @@ class KeptReadings : public QObject {
     Q_OBJECT
 
   public:
-    // Begins to load.
     explicit KeptReadings(ModelContext& context, QObject* parent = nullptr);
+
+    // Loads what was kept, once, in the background; `factsChanged` follows where there is any.
+    void load();
 
     // Never null; empty until they are loaded.
     [[nodiscard]] const SharedProofFacts& facts() const { return facts_; }
 
     enum class Store { hasThem, needsThem };
 
-    // Adds readings in the background; `factsChanged` follows unless there are none. Never null.
+    // Adds readings in the background, behind what was kept; `factsChanged` follows unless there are none.
+    // Never null.
     void add(SharedReadings readings, Store store);
 
   Q_SIGNALS:
@@ -48,6 +51,7 @@ class KeptReadings : public QObject {
     ModelContext& context_;
     SharedProofFacts facts_ = std::make_shared<const ProofFacts>();
     std::vector<Addition> waiting_;
+    bool isLoadStarted_ = false;
     TaskSlot task_;
 };
 

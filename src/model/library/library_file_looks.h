@@ -2,25 +2,26 @@
 // threads.
 #pragma once
 
-#include <functional>
-#include <set>
-#include <string>
 #include <string_view>
 #include <utility>
 
 #include "listing/proof/proof_sources.h"
+#include "locations/archived_files.h"
 
 namespace corvane {
 
 class LibraryFileLooks final : public ArchivedFileLooks {
   public:
-    explicit LibraryFileLooks(std::set<std::string, std::less<>> connectedRoots)
-      : connectedRoots_(std::move(connectedRoots)) {}
+    // `files` isn't null.
+    explicit LibraryFileLooks(SharedArchivedFiles files)
+      : files_(std::move(files)) {}
+
+    [[nodiscard]] const SharedArchivedFiles& files() const { return files_; }
 
     [[nodiscard]] Look at(std::string_view root, std::string_view relativePath) const override;
 
   private:
-    std::set<std::string, std::less<>> connectedRoots_;
+    SharedArchivedFiles files_;
 };
 
 } // namespace corvane

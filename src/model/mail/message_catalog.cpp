@@ -17,6 +17,7 @@ SharedAvailability statisticsOf(const AvailabilityResult& earlier) {
     kept.proofs = nothingKnown.proofs;
     kept.setAsideIDs = nothingKnown.setAsideIDs;
     kept.withheldIDs = nothingKnown.withheldIDs;
+    kept.troubledIDs = nothingKnown.troubledIDs;
     kept.archivedBaseIDs = nothingKnown.archivedBaseIDs;
     return std::make_shared<const AvailabilityResult>(std::move(kept));
 }

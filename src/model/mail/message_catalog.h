@@ -74,6 +74,10 @@ class MessageCatalog : public QObject {
         return state_->availability->withheldIDs;
     }
 
+    [[nodiscard]] const std::shared_ptr<const SharedTextSet>& troubledIDs() const {
+        return state_->availability->troubledIDs;
+    }
+
     // What runs are given from now on, for work that can't wait for one.
     [[nodiscard]] AvailabilityInputs availabilityInputs() const { return inputs_(); }
 

@@ -47,6 +47,10 @@ void ModelFilters::setOnlyBeforeCutoff(bool only) {
     if (assign(onlyBeforeCutoff_, only)) notifyList();
 }
 
+void ModelFilters::setOnlyTroubled(bool only) {
+    if (assign(onlyTroubled_, only)) notifyList();
+}
+
 void ModelFilters::setSortMode(MailSortMode mode) {
     if (assign(sortMode_, mode)) notifyList();
 }
@@ -102,6 +106,7 @@ void ModelFilters::clearScope() {
     setFilterYears({});
     setArchiveFilterYears({});
     setOnlyBeforeCutoff(false);
+    setOnlyTroubled(false);
     setTransferMaxYear(std::nullopt);
     Q_EMIT scopeCleared();
 }

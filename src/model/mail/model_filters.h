@@ -34,6 +34,9 @@ class ModelFilters : public QObject {
 
     [[nodiscard]] MigratedFilter migratedFilter() const { return migratedFilter_; }
 
+    // Only mail with a reason why it doesn't count as archived.
+    [[nodiscard]] bool onlyTroubled() const { return onlyTroubled_; }
+
     [[nodiscard]] const std::set<std::int64_t>& filterYears() const { return filterYears_; }
 
     // The list and the candidates.
@@ -59,6 +62,7 @@ class ModelFilters : public QObject {
     void setSortMode(MailSortMode mode);
     void setSortAscending(bool ascending);
     void setMigratedFilter(MigratedFilter filter);
+    void setOnlyTroubled(bool only);
     void setFilterYears(std::set<std::int64_t> years);
     void setFilterAccountPrefixes(std::set<std::string> prefixes);
     void setArchiveFilterYears(std::set<std::int64_t> years);
@@ -91,6 +95,7 @@ class ModelFilters : public QObject {
     MailSortMode sortMode_ = MailSortMode::newest;
     bool sortAscending_ = false;
     MigratedFilter migratedFilter_ = MigratedFilter::all;
+    bool onlyTroubled_ = false;
     std::set<std::int64_t> filterYears_;
     std::set<std::string> filterAccountPrefixes_;
     std::set<std::int64_t> archiveFilterYears_;

@@ -18,6 +18,7 @@ ListRules listRulesOf(const ModelFilters& filters) {
     rules.accountPrefixes = filters.filterAccountPrefixes();
     if (filters.onlyBeforeCutoff()) rules.newestYear = filters.yearCutoff();
     rules.migrated = filters.migratedFilter();
+    rules.onlyTroubled = filters.onlyTroubled();
     rules.sortMode = filters.sortMode();
     rules.ascending = filters.sortAscending();
     return rules;
@@ -62,18 +63,18 @@ void VisibleMessages::setSelectedMessageID(std::optional<std::string> id) {
 }
 
 void VisibleMessages::rebuildVisibleMessages() {
-    rebuildTask_.start(TaskPriority::userInitiated,
-                       ListJob{{catalog_.messages(), catalog_.locallyAvailableIDs(),
-                                catalog_.archivedMessageIDs(), catalog_.messageYearByID()},
-                               listRulesOf(filters_),
-                               selectedMessageID_},
-                       &makeList, [this, asked = selectedMessageID_](Listed listed) {
-                           // Another message may have been selected meanwhile.
-                           const bool isListed = selectedMessageID_ == asked
-                                                     ? listed.holdsSelected
-                                                     : holds(*listed.messages, selectedMessageID_);
-                           publish(std::move(listed.messages), isListed);
-                       });
+    rebuildTask_.start(
+        TaskPriority::userInitiated,
+        ListJob{{catalog_.messages(), catalog_.locallyAvailableIDs(), catalog_.archivedMessageIDs(),
+                 catalog_.messageYearByID(), catalog_.troubledIDs()},
+                listRulesOf(filters_),
+                selectedMessageID_},
+        &makeList, [this, asked = selectedMessageID_](Listed listed) {
+            // Another message may have been selected meanwhile.
+            const bool isListed = selectedMessageID_ == asked ? listed.holdsSelected
+                                                              : holds(*listed.messages, selectedMessageID_);
+            publish(std::move(listed.messages), isListed);
+        });
 }
 
 void VisibleMessages::clear() {
