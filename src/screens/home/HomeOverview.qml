@@ -35,6 +35,11 @@ FocusScope {
                 : overview.banner.symbol
             headline: overview.hasFailure ? "没有更新成功，下面是上次的结果" : overview.banner.headline
             lines: overview.hasFailure ? [overview.scan.failureText] : overview.banner.lines
+            footer: ProofLine {
+                Layout.fillWidth: true
+                proof: overview.home.proof
+                kind: overview.banner.kind
+            }
         }
         HomeChart {
             Layout.fillWidth: true

@@ -12,6 +12,7 @@ set(home_qml
     figures/AccountList.qml
     figures/AccountShareRow.qml
     figures/HomeChart.qml
+    figures/ProofLine.qml
     tree/OrganizeTree.qml
     tree/OrganizeTreeHead.qml
     tree/OrganizeTreeRow.qml
@@ -19,6 +20,7 @@ set(home_qml
 set(home_sources
     home_screen.cpp
     organize_figures.h
+    proof_status.cpp
     safety_banner.cpp
     scan_status.cpp
     figures/account_shares_model.cpp

@@ -42,6 +42,7 @@ HomeScreen::HomeScreen(CorvaneViewModel& model, OrganizeData& data, ArchiveScree
   , archive_(archive)
   , desktop_(desktop)
   , scan_(model, archive)
+  , proof_(model)
   , access_(model, desktop) {
     wire();
     handleOverviewChange();
@@ -51,6 +52,7 @@ void HomeScreen::wire() {
     const auto on = [this](auto* sender, auto signal, auto reaction) {
         connect(sender, signal, this, reaction);
     };
+    on(this, &HomeScreen::figuresChanged, [this] { proof_.show(safety(), hasFigures()); });
     on(&data_, &OrganizeData::overviewChanged, &HomeScreen::handleOverviewChange);
     on(&tree_, &OrganizeTreeModel::ticksChanged, &HomeScreen::updateFigures);
     on(&model_.counts(), &IndexCounts::countsChanged, &HomeScreen::figuresChanged);

@@ -15,6 +15,7 @@
 #include "screens/desktop/access_actions.h"
 #include "screens/home/figures/account_shares_model.h"
 #include "screens/home/organize_figures.h"
+#include "screens/home/proof_status.h"
 #include "screens/home/scan_status.h"
 #include "screens/home/tree/organize_tree_model.h"
 #include "screens/overview/organize_data.h"
@@ -33,6 +34,7 @@ class HomeScreen : public QObject {
     Q_PROPERTY(corvane::OrganizeSelectionItem selection READ selection NOTIFY selectionChanged)
     Q_PROPERTY(corvane::DestinationItem destination READ destination NOTIFY destinationChanged)
     Q_PROPERTY(corvane::ScanStatus* scan READ scan CONSTANT)
+    Q_PROPERTY(corvane::ProofStatus* proof READ proof CONSTANT)
     Q_PROPERTY(corvane::AccessActions* access READ access CONSTANT)
     Q_PROPERTY(corvane::OrganizeTreeModel* tree READ tree CONSTANT)
     Q_PROPERTY(corvane::AccountSharesModel* accounts READ accounts CONSTANT)
@@ -71,6 +73,8 @@ class HomeScreen : public QObject {
     [[nodiscard]] DestinationItem destination() const { return DestinationItem::of(model_); }
 
     [[nodiscard]] ScanStatus* scan() { return &scan_; }
+
+    [[nodiscard]] ProofStatus* proof() { return &proof_; }
 
     [[nodiscard]] AccessActions* access() { return &access_; }
 
@@ -130,6 +134,7 @@ class HomeScreen : public QObject {
     ArchiveScreen& archive_;
     DesktopActions& desktop_;
     ScanStatus scan_;
+    ProofStatus proof_;
     AccessActions access_;
     OrganizeTreeModel tree_;
     AccountSharesModel accounts_;

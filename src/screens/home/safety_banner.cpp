@@ -13,6 +13,12 @@ SafetyBanner deletionSafetyBanner(const QString& scopeTitle, const DeletionSafet
         banner.kind = QStringLiteral("attention");
         banner.symbol = QStringLiteral("exclamationmark.triangle.fill");
         banner.lines << QStringLiteral("先完成剩余邮件归档，再处理 Mail 原件。");
+    } else if (safety.local > 0 && !safety.isDeletable()) {
+        banner.kind = QStringLiteral("info");
+        banner.symbol = QStringLiteral("search");
+        banner.lines << QStringLiteral(
+                            "本地原件都有 .eml 副本，还有 %1 封没有逐字节核对，核对之前请先保留原件。")
+                            .arg(shownCount(safety.notLookedAt()));
     } else if (safety.local > 0) {
         banner.kind = QStringLiteral("safe");
         banner.symbol = QStringLiteral("checkmark.shield.fill");

@@ -30,7 +30,7 @@ struct SafetyBanner {
 
 namespace screens {
 
-// Nothing is called safe but local messages that all have a copy.
+// Nothing is called safe but local messages that were all compared with their copy, byte for byte.
 SafetyBanner deletionSafetyBanner(const QString& scopeTitle, const DeletionSafety& safety);
 
 // For a list that isn't all of the mail; `failure` is why, empty after a cancelled scan.

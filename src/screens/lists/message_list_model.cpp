@@ -1,5 +1,7 @@
 #include "screens/lists/message_list_model.h"
 
+#include <utility>
+
 #include "records/formatters.h"
 #include "records/model_enums.h"
 #include "records/preview_placeholders.h"
@@ -48,6 +50,12 @@ QVariant MessageListModel::value(const MailMessageRecord& message, int role) con
         return static_cast<int>(message.attachments.size());
     case ArchivedRole:
         return isArchived(message);
+    case TroubleRole:
+        return troubleOf(message).label;
+    case TroubleSymbolRole:
+        return troubleOf(message).symbol;
+    case TroubleToneRole:
+        return troubleOf(message).tone;
     case SpokenNameRole:
         return spokenName(message);
     default:
@@ -56,9 +64,18 @@ QVariant MessageListModel::value(const MailMessageRecord& message, int role) con
 }
 
 QHash<int, QByteArray> MessageListModel::roleNames() const {
-    return {{SenderRole, "sender"},     {SubjectRole, "subject"},   {PreviewRole, "preview"},
-            {DateTextRole, "dateText"}, {SizeTextRole, "sizeText"}, {AttachmentCountRole, "attachmentCount"},
-            {ArchivedRole, "archived"}, {SelectedRole, "selected"}, {SpokenNameRole, "spokenName"}};
+    return {{SenderRole, "sender"},
+            {SubjectRole, "subject"},
+            {PreviewRole, "preview"},
+            {DateTextRole, "dateText"},
+            {SizeTextRole, "sizeText"},
+            {AttachmentCountRole, "attachmentCount"},
+            {ArchivedRole, "archived"},
+            {SelectedRole, "selected"},
+            {SpokenNameRole, "spokenName"},
+            {TroubleRole, "trouble"},
+            {TroubleSymbolRole, "troubleSymbol"},
+            {TroubleToneRole, "troubleTone"}};
 }
 
 QList<int> MessageListModel::rolesOfChange() const {
@@ -79,15 +96,22 @@ bool MessageListModel::isArchived(const MailMessageRecord& message) const {
 QString MessageListModel::spokenName(const MailMessageRecord& message) const {
     const auto state =
         title(isArchived(message) ? MigratedFilter::onlyMigrated : MigratedFilter::notMigrated);
+    const MessageTrouble trouble = troubleOf(message);
     return QStringList{screens::shownLine(message.subject), senderName(message),
                        screens::wholeText(message.formattedDate()),
-                       screens::wholeText(formatByteCount(message.messageSize)), screens::wholeText(state)}
+                       screens::wholeText(formatByteCount(message.messageSize)),
+                       trouble.isPresent() ? trouble.label : screens::wholeText(state)}
         .join(u"，");
 }
 
 void MessageListModel::setArchivedIDs(std::shared_ptr<const SharedTextSet> ids) {
     archivedIDs_ = std::move(ids);
     notifyAllRows({ArchivedRole, SpokenNameRole});
+}
+
+void MessageListModel::setTroubles(MessageTroubles troubles) {
+    troubles_ = std::move(troubles);
+    notifyAllRows({TroubleRole, TroubleSymbolRole, TroubleToneRole, SpokenNameRole});
 }
 
 void MessageListModel::setPreview(const SharedText& id, const SharedText& preview) {

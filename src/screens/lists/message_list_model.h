@@ -11,6 +11,7 @@
 
 #include "records/mail_message_record.h"
 #include "screens/lists/record_list_model.h"
+#include "screens/texts/message_trouble.h"
 #include "text/shared_text.h"
 
 namespace corvane {
@@ -37,6 +38,9 @@ class MessageListModel : public RecordListModel<MailMessageRecord, MessageID> {
         SizeTextRole,
         AttachmentCountRole,
         ArchivedRole,
+        TroubleRole,
+        TroubleSymbolRole,
+        TroubleToneRole,
         SpokenNameRole,
         FirstRoleOfDerived, // lists of messages with more to show go on from here
     };
@@ -54,6 +58,13 @@ class MessageListModel : public RecordListModel<MailMessageRecord, MessageID> {
 
     void setArchivedIDs(std::shared_ptr<const SharedTextSet> ids);
 
+    // Why messages aren't archived: shown in the place of their text.
+    void setTroubles(MessageTroubles troubles);
+
+    [[nodiscard]] MessageTrouble troubleOf(const MailMessageRecord& message) const {
+        return troubles_.of(message);
+    }
+
     // A text that was read again, for as long as the message is listed with the one in its record.
     void setPreview(const SharedText& id, const SharedText& preview);
 
@@ -67,6 +78,7 @@ class MessageListModel : public RecordListModel<MailMessageRecord, MessageID> {
     [[nodiscard]] QString previewLine(const MailMessageRecord& message) const;
 
     std::shared_ptr<const SharedTextSet> archivedIDs_ = std::make_shared<const SharedTextSet>();
+    MessageTroubles troubles_;
     std::unordered_map<SharedText, SharedText, TextHash, std::equal_to<>> newPreviews_; // by message id
 };
 

@@ -48,6 +48,18 @@ FocusGroup {
             y: 12
             width: scroller.width - x - Theme.section
 
+            FilterTickRow {
+                objectName: "troubledFilter"
+                width: parent.width
+                title: "只看有问题的邮件"
+                countText: ""
+                ticked: pane.filters.onlyTroubled
+                onClicked: pane.filters.onlyTroubled = !ticked
+            }
+            Item {
+                width: 1
+                height: 12
+            }
             Heading {
                 text: "邮箱"
             }

@@ -14,9 +14,14 @@ ListRow {
     required property string sizeText
     required property int attachmentCount
     required property bool archived
+    // Why it isn't archived; stands in the place of the preview.
+    required property string trouble
+    required property string troubleSymbol
+    required property string troubleTone
     required property string spokenName
     required selected
 
+    readonly property color troubleColor: troubleTone.length > 0 ? Theme.toneText(troubleTone) : captionColor
     readonly property int textLeft: 38
     readonly property int textRight: width - Theme.section
 
@@ -36,8 +41,8 @@ ListRow {
         x: 12
         y: 10
         size: 16
-        name: row.archived ? "circle-check" : "circle-dashed"
-        color: row.archived ? Theme.safe : Theme.attention
+        name: row.troubleSymbol.length > 0 ? row.troubleSymbol : row.archived ? "circle-check" : "circle-dashed"
+        color: row.troubleSymbol.length > 0 ? row.troubleColor : row.archived ? Theme.safe : Theme.attention
     }
 
     Text {
@@ -110,11 +115,11 @@ ListRow {
         width: sizeLabel.x - x - Theme.space
         height: Theme.bodyLine
         verticalAlignment: Text.AlignVCenter
-        text: row.preview
+        text: row.trouble.length > 0 ? row.trouble : row.preview
         textFormat: Text.PlainText
         elide: Text.ElideRight
         maximumLineCount: 1
-        color: row.captionColor
+        color: row.trouble.length > 0 ? row.troubleColor : row.captionColor
         font.pixelSize: Theme.bodySize
     }
     Text {

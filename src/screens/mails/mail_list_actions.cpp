@@ -49,6 +49,10 @@ MailListActions::MailListActions(CorvaneViewModel& model, DesktopActions& deskto
   , copyTask_(model.context().tasks)
   , archiveTask_(model.context().tasks) {}
 
+void MailListActions::setAside(bool isSetAside) {
+    if (const MailMessageRecord* message = current()) model_.setAside().set({*message}, isSetAside);
+}
+
 const MailMessageRecord* MailListActions::current() const {
     return list_.record(list_.selection()->currentRow());
 }

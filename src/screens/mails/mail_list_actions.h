@@ -44,6 +44,9 @@ class MailListActions : public QObject {
     // selections a moment later.
     Q_INVOKABLE void archiveSelection();
 
+    // Sets the current message aside, or takes it back; no effect without one.
+    Q_INVOKABLE void setAside(bool isSetAside);
+
   Q_SIGNALS:
     void archiveRequested(std::shared_ptr<const corvane::SharedTextSet> ids);
     // What didn't work, and why.

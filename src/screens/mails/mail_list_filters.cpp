@@ -48,7 +48,7 @@ MailListFilters::MailListFilters(ModelFilters& filters, AccountDirectory& accoun
 bool MailListFilters::narrows() const {
     return narrowsYears() || !filters_.filterAccountPrefixes().empty() ||
            filters_.minimumAttachmentCount() > 0 || filters_.migratedFilter() != MigratedFilter::all ||
-           !filters_.searchText().empty();
+           filters_.onlyTroubled() || !filters_.searchText().empty();
 }
 
 void MailListFilters::setQuery(const QString& query) {
@@ -84,6 +84,10 @@ void MailListFilters::setOnlyBeforeCutoff(bool only) {
     filters_.setOnlyBeforeCutoff(only);
 }
 
+void MailListFilters::setOnlyTroubled(bool only) {
+    filters_.setOnlyTroubled(only);
+}
+
 void MailListFilters::toggleAccount(int row) {
     if (const FilterOption* const option = accountOptions_.record(row))
         filters_.setFilterAccountPrefixes(toggled(filters_.filterAccountPrefixes(), option->key));
@@ -115,6 +119,7 @@ void MailListFilters::clear() {
     clearYears();
     filters_.setFilterAccountPrefixes({});
     filters_.setMinimumAttachmentCount(0);
+    filters_.setOnlyTroubled(false);
     filters_.setMigratedFilter(MigratedFilter::all);
 }
 
@@ -198,6 +203,9 @@ std::vector<MailListFilters::Chip> MailListFilters::makeChips() {
     if (onlyBeforeCutoff()) {
         chips.push_back({screens::shownYear(cutoffYear()) + QStringLiteral("及以前"),
                          [this] { filters_.setOnlyBeforeCutoff(false); }});
+    }
+    if (onlyTroubled()) {
+        chips.push_back({QStringLiteral("有问题的邮件"), [this] { filters_.setOnlyTroubled(false); }});
     }
     if (!filters_.filterYears().empty()) {
         chips.push_back({yearRangesText(filters_.filterYears()), [this] { filters_.setFilterYears({}); }});

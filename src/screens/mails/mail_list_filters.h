@@ -35,6 +35,7 @@ class MailListFilters : public QObject {
     Q_PROPERTY(bool ascending READ ascending WRITE setAscending NOTIFY changed)
     Q_PROPERTY(int minimumAttachments READ minimumAttachments WRITE setMinimumAttachments NOTIFY changed)
     Q_PROPERTY(bool onlyBeforeCutoff READ onlyBeforeCutoff WRITE setOnlyBeforeCutoff NOTIFY changed)
+    Q_PROPERTY(bool onlyTroubled READ onlyTroubled WRITE setOnlyTroubled NOTIFY changed)
     Q_PROPERTY(int cutoffYear READ cutoffYear NOTIFY changed)
     Q_PROPERTY(bool narrowsYears READ narrowsYears NOTIFY changed)
     Q_PROPERTY(bool narrows READ narrows NOTIFY changed)
@@ -59,6 +60,9 @@ class MailListFilters : public QObject {
 
     [[nodiscard]] bool onlyBeforeCutoff() const { return filters_.onlyBeforeCutoff(); }
 
+    // Only mail with a reason why it doesn't count as archived.
+    [[nodiscard]] bool onlyTroubled() const { return filters_.onlyTroubled(); }
+
     [[nodiscard]] int cutoffYear() const { return static_cast<int>(filters_.yearCutoff()); }
 
     [[nodiscard]] bool narrowsYears() const { return onlyBeforeCutoff() || !filters_.filterYears().empty(); }
@@ -78,6 +82,7 @@ class MailListFilters : public QObject {
     void setAscending(bool ascending);
     void setMinimumAttachments(int count);
     void setOnlyBeforeCutoff(bool only);
+    void setOnlyTroubled(bool only);
 
     // Without waiting for the pause.
     Q_INVOKABLE void applyQuery();

@@ -58,6 +58,7 @@ void MailListScreen::wire() {
             &MailListScreen::showSelectedMessage);
     connect(&model_.catalog(), &MessageCatalog::archivedMessagesChanged, this,
             &MailListScreen::updateArchived);
+    connect(&model_.lastFailures(), &LastFailures::changed, this, &MailListScreen::updateArchived);
     connect(&model_.catalog(), &MessageCatalog::availabilityPublished, this, &MailListScreen::recount);
     connect(&model_.catalog(), &MessageCatalog::previewReplaced, this, &MailListScreen::updatePreview);
     connect(&model_.previews(), &PreviewRefresh::nothingFound, &detail_, &MessageDetail::setPreviewMissing);
@@ -169,7 +170,8 @@ void MailListScreen::showDetail() {
     const MailMessageRecord* newest =
         message == nullptr ? nullptr : model_.catalog().messageByID(message->id);
     if (newest == nullptr) newest = message;
-    detail_.show(newest, newest != nullptr && list_.isArchived(*newest));
+    detail_.show(newest, newest != nullptr && list_.isArchived(*newest),
+                 newest == nullptr ? MessageTrouble() : list_.troubleOf(*newest));
 }
 
 void MailListScreen::updatePreview(const QString& id) {
@@ -179,7 +181,10 @@ void MailListScreen::updatePreview(const QString& id) {
 }
 
 void MailListScreen::updateArchived() {
-    list_.setArchivedIDs(model_.catalog().archivedMessageIDs());
+    const MessageCatalog& catalog = model_.catalog();
+    list_.setArchivedIDs(catalog.archivedMessageIDs());
+    list_.setTroubles({catalog.proofs(), catalog.setAsideIDs(), model_.lastFailures().reasons(),
+                       catalog.archivedMessageIDs()});
     showDetail();
     updateCanArchive();
 }

@@ -2,6 +2,7 @@
 set(texts_sources
     destination_item.cpp
     destination_texts.cpp
+    message_trouble.cpp
     shown_figures.cpp
     shown_text.cpp
     text_lines.cpp

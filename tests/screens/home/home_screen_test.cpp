@@ -20,8 +20,10 @@ TEST(SafetyBanners, NothingIsSafeBeforeEveryLocalMessageHasACopy) {
         const char* kind;
         qsizetype lines; // the server's messages have one of their own
     } cases[] = {{{36195, 23789, 3127}, "attention", 2},
-                 {{5, 5, 0}, "safe", 1},
-                 {{5, 5, 2}, "safe", 2},
+                 {{5, 5, 0, {.proven = 5}}, "safe", 1},
+                 {{5, 5, 2, {.proven = 5}}, "safe", 2},
+                 {{5, 5, 0, {.proven = 4}}, "info", 1},
+                 {{5, 4, 0, {.proven = 4, .differs = 1}}, "attention", 1},
                  {{5, 4, 0}, "attention", 1},
                  {{0, 0, 0}, "info", 1},
                  {{0, 0, 9}, "info", 2}};
@@ -60,6 +62,32 @@ TEST_F(OrganizeHome, BeginsWithTheUpdateAndListsWhatIsThere) {
     EXPECT_EQ(shownYears(), (std::vector<int>{2019, 2020}));
     EXPECT_EQ(homeScreen_.accounts()->rowCount(), 3);
     EXPECT_NE(rowOf("a@example.org"), -1);
+}
+
+TEST_F(OrganizeHome, TheShieldComesWithTheProofAndGoesWithTheFirstDifference) {
+    publish({{"a", 2020}, {"b", 2020}});
+    model_.destinations().setTransferDestination(home_.at("归档"));
+    settle();
+    model_.ticks().selectAllArchiveCandidates();
+    model_.archiveSelectedEmails([](const auto&) {});
+    settle();
+    homeScreen_.proof()->start();
+    EXPECT_TRUE(homeScreen_.proof()->isProving());
+    EXPECT_FALSE(homeScreen_.proof()->canStart());
+    settle();
+    EXPECT_EQ(homeScreen_.figures().banner.kind, QStringLiteral("safe"));
+    ASSERT_EQ(homeScreen_.proof()->items().size(), 1);
+    EXPECT_EQ(homeScreen_.proof()->items().front().toMap()[QStringLiteral("text")].toString(),
+              QStringLiteral("已逐字节核对 2 封"));
+    home_.write("Library/Mail/V10/a/a.emlx", "5\nother");
+    publish({{.name = "a", .year = 2020, .hasFile = false}, {.name = "b", .year = 2020, .hasFile = false}});
+    EXPECT_EQ(homeScreen_.figures().banner.kind, QStringLiteral("info"));
+    EXPECT_TRUE(homeScreen_.proof()->canStart());
+    homeScreen_.proof()->start();
+    settle();
+    EXPECT_EQ(homeScreen_.figures().banner.kind, QStringLiteral("attention"));
+    EXPECT_EQ(homeScreen_.figures().banner.headline,
+              QStringLiteral("全部年份：已完成归档 1 封，未归档 1 封"));
 }
 
 TEST_F(OrganizeHome, ACapturedStartShowsStatisticsAndCallsNothingSafe) {

@@ -19,6 +19,8 @@ Rectangle {
     // Wider lines break; 0 for the width that is there.
     property int lineMeasure: 0
     default property alias actions: actionRow.data
+    // Stands below the lines, as wide as they may be.
+    property alias footer: footerColumn.data
     readonly property int verticalPadding: compact ? 10 : 13
     readonly property var shownLines: compact && lines.length > 1 ? [lines.join("　")] : lines
 
@@ -68,6 +70,13 @@ Rectangle {
                 text: banner.shownLines.join("\n")
                 wrapMode: Text.Wrap
                 Accessible.ignored: true
+            }
+            ColumnLayout {
+                id: footerColumn
+                Layout.fillWidth: true
+                Layout.topMargin: Theme.space
+                visible: children.length > 0 && children[0].visible
+                spacing: 0
             }
         }
         // Takes what lines that may not be wider leave.

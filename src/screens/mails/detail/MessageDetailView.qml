@@ -28,9 +28,10 @@ FocusScope {
             objectName: "archivedChip"
             anchors.verticalCenter: parent.verticalCenter
             x: Theme.margin
-            kind: view.detail.shown.archived ? "safe" : "attention"
-            symbol: view.detail.shown.archived ? "circle-check" : "circle-dashed"
-            text: view.detail.shown.archived ? "已归档" : "未归档"
+            kind: view.detail.shown.troubleTone === "danger" ? "danger" : view.detail.shown.archived ? "safe" : "attention"
+            symbol: view.detail.shown.troubleSymbol.length > 0 ? view.detail.shown.troubleSymbol
+                : view.detail.shown.archived ? "circle-check" : "circle-dashed"
+            text: view.detail.shown.isSetAside ? "先放一边" : view.detail.shown.archived ? "已归档" : "未归档"
         }
         Row {
             anchors.right: parent.right
@@ -55,6 +56,14 @@ FocusScope {
                 enabled: view.screen.canArchive
                 help: view.screen.selection.count > 1 ? "归档选中的 " + view.screen.selection.count + " 封邮件" : "只归档这一封邮件"
                 onClicked: view.screen.actions.archiveSelection()
+            }
+            AppButton {
+                objectName: "setAsideButton"
+                implicitHeight: Theme.controlHeightPane
+                visible: view.detail.shown.isSetAside || !view.detail.shown.archived
+                text: view.detail.shown.isSetAside ? "不再放一边" : "先放一边"
+                help: "先放一边的邮件不参加归档全部；它仍算未归档"
+                onClicked: view.screen.actions.setAside(!view.detail.shown.isSetAside)
             }
             IconButton {
                 id: moreButton
@@ -131,6 +140,15 @@ FocusScope {
                         name: "位置"
                         value: view.detail.shown.place
                     }
+                }
+                Banner {
+                    objectName: "troubleBanner"
+                    width: parent.width
+                    visible: view.detail.shown.troubleTitle.length > 0
+                    kind: view.detail.shown.troubleTone.length > 0 ? view.detail.shown.troubleTone : "info"
+                    symbol: view.detail.shown.troubleSymbol
+                    headline: view.detail.shown.troubleTitle
+                    lines: view.detail.shown.troubleText.length > 0 ? [view.detail.shown.troubleText] : []
                 }
                 CopiesNote {
                     objectName: "copiesNote"

@@ -4,11 +4,13 @@
 
 namespace corvane {
 
-void MessageDetail::show(const MailMessageRecord* message, bool archived) {
+void MessageDetail::show(const MailMessageRecord* message, bool archived, const MessageTrouble& trouble) {
     const bool isSame = message == nullptr ? !message_ : message_ && message_->id == message->id;
-    if (isSame && archived_ == archived && (message == nullptr || *message_ == *message)) return;
+    const bool isStateSame = archived_ == archived && trouble_ == trouble;
+    if (isSame && isStateSame && (message == nullptr || *message_ == *message)) return;
     message_ = message == nullptr ? std::nullopt : std::optional(*message);
     archived_ = archived;
+    trouble_ = trouble;
     if (!isSame) missingPreview_.clear();
     attachments_.setAttachments(message_ ? message_->attachments : std::vector<MailAttachmentRecord>());
     update();
@@ -24,6 +26,11 @@ void MessageDetail::setPreviewMissing(const QString& messageID, bool hasFile) {
 
 void MessageDetail::update() {
     shown_ = message_ ? ShownMessage::of(*message_, archived_, missingPreview_) : ShownMessage();
+    shown_.troubleTone = trouble_.tone;
+    shown_.troubleSymbol = trouble_.symbol;
+    shown_.troubleTitle = trouble_.label;
+    shown_.troubleText = trouble_.text;
+    shown_.isSetAside = trouble_.isSetAside;
     Q_EMIT changed();
 }
 

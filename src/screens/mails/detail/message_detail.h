@@ -9,6 +9,7 @@
 #include "records/mail_message_record.h"
 #include "screens/mails/detail/attachment_list_model.h"
 #include "screens/mails/detail/shown_message.h"
+#include "screens/texts/message_trouble.h"
 
 namespace corvane {
 
@@ -35,7 +36,7 @@ class MessageDetail : public QObject {
     [[nodiscard]] AttachmentListModel* attachments() { return &attachments_; }
 
     // Null for none.
-    void show(const MailMessageRecord* message, bool archived);
+    void show(const MailMessageRecord* message, bool archived, const MessageTrouble& trouble = {});
 
     // Where this message is the shown one, a preview that is still waited for won't come.
     void setPreviewMissing(const QString& messageID, bool hasFile);
@@ -50,6 +51,7 @@ class MessageDetail : public QObject {
 
     std::optional<MailMessageRecord> message_;
     bool archived_ = false;
+    MessageTrouble trouble_;
     QString missingPreview_; // what is said in the place of a preview that won't come
     ShownMessage shown_;
     AttachmentListModel attachments_;

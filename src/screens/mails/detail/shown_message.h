@@ -15,6 +15,11 @@ struct ShownMessage {
     Q_GADGET
     QML_VALUE_TYPE(shownMessage)
     Q_PROPERTY(bool archived MEMBER archived CONSTANT)
+    Q_PROPERTY(bool isSetAside MEMBER isSetAside CONSTANT)
+    Q_PROPERTY(QString troubleTone MEMBER troubleTone CONSTANT)
+    Q_PROPERTY(QString troubleSymbol MEMBER troubleSymbol CONSTANT)
+    Q_PROPERTY(QString troubleTitle MEMBER troubleTitle CONSTANT)
+    Q_PROPERTY(QString troubleText MEMBER troubleText CONSTANT)
     Q_PROPERTY(bool hasPreview MEMBER hasPreview CONSTANT)
     Q_PROPERTY(bool isDated MEMBER isDated CONSTANT)
     Q_PROPERTY(bool hasMessageID MEMBER hasMessageID CONSTANT)
@@ -33,6 +38,11 @@ struct ShownMessage {
 
   public:
     bool archived = false;
+    bool isSetAside = false;
+    QString troubleTone; // of a control
+    QString troubleSymbol;
+    QString troubleTitle; // empty for a message without trouble
+    QString troubleText;
     bool hasPreview = false; // a text of the message's own
     bool isDated = false;
     bool hasMessageID = false;

@@ -1,0 +1,79 @@
+// How much was compared with its archived copies, below the banner's lines: the figures with the way to compare the
+// rest, or the comparison that is under way.
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Corvane
+
+ColumnLayout {
+    id: line
+
+    required property ProofStatus proof
+    property string kind: "info"
+
+    objectName: "proofLine"
+    spacing: 7
+    visible: proof.isProving || proof.items.length > 0
+
+    Rectangle {
+        Layout.fillWidth: true
+        implicitHeight: Theme.hairline
+        color: Theme.toneLine(line.kind)
+    }
+    RowLayout {
+        Layout.fillWidth: true
+        visible: line.proof.isProving
+        spacing: 12
+
+        AppText {
+            objectName: "proofProgress"
+            text: line.proof.progressText
+        }
+        ProgressTrack {
+            Layout.fillWidth: true
+            value: line.proof.fraction
+            name: "逐字节核对"
+        }
+        PlainButton {
+            objectName: "cancelProof"
+            implicitHeight: Theme.controlHeightPane
+            text: "取消核对"
+            help: "核对过的不用再来"
+            onClicked: line.proof.cancel()
+        }
+    }
+    Flow {
+        Layout.fillWidth: true
+        visible: !line.proof.isProving
+        spacing: 20
+
+        Repeater {
+            model: line.proof.items
+
+            Row {
+                id: item
+                required property var modelData
+                spacing: 6
+
+                Symbol {
+                    y: 2
+                    size: 16
+                    name: item.modelData.symbol
+                    color: item.modelData.tone.length > 0 ? Theme.toneText(item.modelData.tone) : Theme.text2
+                }
+                AppText {
+                    text: item.modelData.text
+                }
+            }
+        }
+        PlainButton {
+            objectName: "startProof"
+            implicitHeight: Theme.bodyLine
+            visible: line.proof.canStart
+            text: "现在核对"
+            help: "把原件与归档副本逐字节比较，全部一致才可以放心删除原件"
+            onClicked: line.proof.start()
+        }
+    }
+}

@@ -1,0 +1,60 @@
+// How much of what is looked at was compared with its archived copies, byte for byte, and the comparison
+// itself: what the line of proof in the home's banner shows. Main thread.
+#pragma once
+
+#include <cstdint>
+
+#include <QObject>
+#include <QString>
+#include <QVariantList>
+#include <QtQml/qqmlregistration.h>
+
+#include "listing/deletion_safety.h"
+#include "model/corvane_view_model.h"
+
+namespace corvane {
+
+class ProofStatus : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("belongs to the home")
+    Q_PROPERTY(QVariantList items READ items NOTIFY changed)
+    Q_PROPERTY(bool canStart READ canStart NOTIFY changed)
+    Q_PROPERTY(bool isProving READ isProving NOTIFY changed)
+    Q_PROPERTY(double fraction READ fraction NOTIFY changed)
+    Q_PROPERTY(QString progressText READ progressText NOTIFY changed)
+
+  public:
+    // The model must outlive it.
+    explicit ProofStatus(CorvaneViewModel& model, QObject* parent = nullptr);
+
+    // What is looked at; unknown figures show nothing.
+    void show(const DeletionSafety& safety, bool isKnown);
+
+    // Each with `symbol`, `tone` and `text`; what stands against mail comes last. Empty where nothing is
+    // archived.
+    [[nodiscard]] const QVariantList& items() const { return items_; }
+
+    // Something is archived and wasn't compared yet.
+    [[nodiscard]] bool canStart() const { return notLookedAt_ > 0 && !isProving(); }
+
+    [[nodiscard]] bool isProving() const { return model_.proof().isProving(); }
+
+    [[nodiscard]] double fraction() const;
+    [[nodiscard]] QString progressText() const;
+
+    // Compares everything that is archived and not proven yet, whatever is looked at.
+    Q_INVOKABLE void start() { model_.proof().prove({}); }
+
+    Q_INVOKABLE void cancel() { model_.proof().cancel(); }
+
+  Q_SIGNALS:
+    void changed();
+
+  private:
+    CorvaneViewModel& model_;
+    QVariantList items_;
+    std::int64_t notLookedAt_ = 0;
+};
+
+} // namespace corvane

@@ -1,0 +1,65 @@
+#include "screens/texts/message_trouble.h"
+
+#include <string>
+
+#include "screens/texts/shown_text.h"
+
+namespace corvane {
+
+namespace {
+
+// The file that a verdict is about, on a line of its own.
+QString withPath(const QString& text, const std::string& path) {
+    return path.empty() ? text : text + QStringLiteral("\n") + screens::wholeText(path);
+}
+
+MessageTrouble proofTrouble(const ProofVerdict& verdict) {
+    const QString severe = QStringLiteral("octagon-x");
+    const QString danger = QStringLiteral("danger");
+    switch (verdict.outcome) {
+    case ProofOutcome::differs:
+        return {
+            severe, danger, QStringLiteral("与归档不一致"),
+            withPath(QStringLiteral(
+                         "原件的内容不在任何归档副本里，已列入未归档。再归档一次即可，原有副本不会改动。"),
+                     verdict.path)};
+    case ProofOutcome::fileMissing:
+        return {
+            severe, danger, QStringLiteral("归档文件不见了"),
+            withPath(QStringLiteral("归档里的文件不在了，或者内容已被改动，已列入未归档。再归档一次即可。"),
+                     verdict.path)};
+    case ProofOutcome::unreadable:
+        return {severe, danger, QStringLiteral("读不出来"),
+                withPath(QStringLiteral("原件或归档文件读不出来，不能确认两者一致，请不要删除原件。"),
+                         verdict.path)};
+    case ProofOutcome::incomplete:
+        return {QStringLiteral("triangle-alert"), QStringLiteral("attention"), QStringLiteral("原件不完整"),
+                withPath(QStringLiteral("原件比它应有的短，可能没有下载完。归档里保存的是现有的部分。"),
+                         verdict.path)};
+    case ProofOutcome::notLookedAt:
+    case ProofOutcome::proven:
+        break;
+    }
+    return {};
+}
+
+} // namespace
+
+MessageTrouble MessageTroubles::of(const MailMessageRecord& message) const {
+    if (!setAsideIDs->empty() && setAsideIDs->contains(message.id)) {
+        return {QStringLiteral("minus"), QString(), QStringLiteral("先放一边"),
+                QStringLiteral("归档全部时不再试它。它仍算未归档，不会列为可以删除。"), true};
+    }
+    if (!archivedIDs->contains(message.id)) {
+        if (const SharedText* reason = failureReason(*failures, message)) {
+            const QString text = screens::wholeText(*reason);
+            return {QStringLiteral("octagon-x"), QStringLiteral("danger"),
+                    QStringLiteral("上次失败：") + text.section(u'。', 0, 0), text};
+        }
+    }
+    const ProofVerdict* const verdict =
+        proofs->against.empty() ? nullptr : proofs->verdictAgainst(message.id);
+    return verdict == nullptr ? MessageTrouble() : proofTrouble(*verdict);
+}
+
+} // namespace corvane
