@@ -25,9 +25,6 @@ class Prove(CliCase):
             return json.loads(output)
         return super().run_cli(home, *arguments, expect=expect, **options)
 
-    def files(self):
-        return sorted(self.archive.rglob("*.eml"))
-
     def test_nothing_is_deletable_that_was_not_compared_and_found_equal(self):
         first = self.run_cli(self.home_path, "prove", expect=None)
         unproven = {message["id"]: message for message in first["messages"]}
@@ -37,11 +34,20 @@ class Prove(CliCase):
         before = stats["candidates"]["count"]
 
         messages = self.run_cli(self.home_path, "messages")
-        whole = [m for m in messages if m["id"] not in unproven and not m.get("relatedMessageFileURLs")]
-        original = pathlib.Path(urllib.parse.unquote(whole[0]["fileURL"].removeprefix("file://")))
-        content = original.read_bytes()
-        original.write_bytes(content.replace(b"\n", b"\nX", 2).replace(b"X", b"", 1))
-        damaged, gone = self.files()[0], self.files()[1]
+        records = json.loads((self.archive / "archive-index.json").read_text(encoding="utf-8"))["records"]
+        single = {record["messageIdentifier"] for record in records
+                  if "#v" not in record["id"] and "messageIdentifier" in record}
+        whole = [m for m in messages if m["id"] not in unproven and m.get("messageIdentifier") in single
+                 and not m.get("relatedMessageFileURLs")]
+        others = {m["messageIdentifier"] for m in whole[1:]}
+        whole = whole[0]
+        original = pathlib.Path(urllib.parse.unquote(whole["fileURL"].removeprefix("file://")))
+        content = bytearray(original.read_bytes())
+        start = content.index(b"\n") + 1
+        content[start + int(content[:start]) - 1] ^= 1
+        original.write_bytes(content)
+        damaged, gone = [self.archive / record["emlRelativePath"] for record in records
+                         if record.get("messageIdentifier") in others][:2]
         damaged.write_bytes(damaged.read_bytes()[:-1] + b"\x00")
         gone.unlink()
         second = self.run_cli(self.home_path, "prove", expect=3)
