@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include "archive/archive_error.h"
+#include "archive/archive_modes.h"
 #include "archive/destination_jobs.h"
 #include "archive/durable_write.h"
 #include "archive/index_records.h"
@@ -73,10 +74,11 @@ bool ArchiveDestination::runLimited(std::chrono::nanoseconds limit,
     const auto failure = std::make_shared<std::exception_ptr>();
     const bool hasEnded = worker_.run(
         limit,
-        [&files = files_, failure, job = std::move(job)](JobLimit& jobLimit) {
+        [&files = files_, mode = rootMode_, failure, job = std::move(job)](JobLimit& jobLimit) {
             AbandonableFileLayer layer(files, jobLimit);
+            ArchiveModes modes(layer, mode);
             try {
-                job(layer, jobLimit);
+                job(modes, jobLimit);
             } catch (...) {
                 *failure = std::current_exception();
             }
@@ -113,6 +115,7 @@ void ArchiveDestination::lock() {
     }
     const int error = hasEnded ? locking->error : ETIMEDOUT;
     if (error != 0) throw ArchiveAccessError("无法使用归档文件夹", rootPath_, error);
+    rootMode_ = locking->mode;
     lock_ = locking->lock;
     opened_ = locking->opened;
 }
@@ -175,7 +178,7 @@ ArchivedFile ArchiveDestination::readArchived(const std::string& relativePath, s
 }
 
 PlacedFile ArchiveDestination::writePOSIX(const MessageBytes& message, const std::string& relativePath) {
-    const auto placing = std::make_shared<FilePlacing>(folders(), message, relativePath);
+    const auto placing = std::make_shared<FilePlacing>(folders(), message, relativePath, !hasAskedForCache_);
     const bool hasEnded = runLimited(
         limit_, [placing](FileLayer& files, JobLimit& limit) { placing->run(files, limit); },
         limitForSize(graceAfterStop, message.bytes.size()));
@@ -184,7 +187,10 @@ PlacedFile ArchiveDestination::writePOSIX(const MessageBytes& message, const std
     if (placing->error) throw ArchiveError(*placing->error);
     if (placing->placed.outcome != PlacedFile::Outcome::nameTaken) {
         touchedFolders_.insert(placing->placed.folder);
+        hasAskedForCache_ = true;
     }
+    if (placing->staysInCache)
+        consoleLine(fmt::format("[archive] {}: 此文件系统只从内存读回，写入后的核对无法越过缓存", rootPath_));
     return placing->placed;
 }
 

@@ -14,6 +14,8 @@
 #include <stop_token>
 #include <string>
 
+#include <sys/types.h>
+
 #include "archive/archive_folders.h"
 #include "archive/archived_file.h"
 #include "archive/file_placement.h"
@@ -98,6 +100,8 @@ class ArchiveDestination {
     std::string indexPath_;
     std::chrono::nanoseconds limit_;
     std::stop_token stop_;
+    mode_t rootMode_ = 0; // of the opened root; others may do with the archive what it permits
+    bool hasAskedForCache_ = false;
     int hungAfterStop_ = 0;
     TimeLimitedWorker worker_;
     std::shared_ptr<platform::LayerDescriptor> lock_;

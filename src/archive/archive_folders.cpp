@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 
+#include "archive/archive_modes.h"
 #include "platform/files/layer_reading.h"
 #include "text/collation.h"
 
@@ -57,7 +58,7 @@ LayerDescriptor makeSubfolder(FileLayer& files, int parent, const std::string& n
     LayerDescriptor folder = openSubfolder(files, parent, name);
     isNew = false;
     if (folder || errno != ENOENT) return folder;
-    isNew = files.makeDirectoryAt(parent, name, 0755) == 0;
+    isNew = files.makeDirectoryAt(parent, name, mostOfFolder) == 0;
     if (!isNew && errno != EEXIST) return folder;
     return openSubfolder(files, parent, name);
 }

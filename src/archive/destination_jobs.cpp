@@ -8,11 +8,13 @@
 #include <fmt/format.h>
 #include <sys/stat.h>
 
+#include "archive/archive_modes.h"
 #include "archive/durable_write.h"
 #include "platform/files/durable_file.h"
 #include "platform/files/file_identity.h"
 #include "platform/files/folder_file_layer.h"
 #include "platform/files/forwarding_file_layer.h"
+#include "platform/files/leftovers.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
 
@@ -102,7 +104,13 @@ void RootLocking::run(FileLayer& files, FileLayer& owner) {
     isTaken = files.lock(lock->get()) != 0 && errno == EWOULDBLOCK;
     if (isTaken) return;
     opened = std::make_shared<LayerDescriptor>(owner, files.openAt(lock->get(), ".", flags, 0));
-    if (!*opened) error = errno;
+    struct stat status{};
+    if (!*opened || files.statOpen(opened->get(), status) != 0) {
+        error = errno;
+        return;
+    }
+    mode = status.st_mode;
+    platform::removeUnfinishedFiles(root);
 }
 
 void IndexKeeping::run(FileLayer& files) {
@@ -119,6 +127,7 @@ void FilePlacing::run(FileLayer& files, JobLimit& limit) {
             throw ArchiveError(ArchiveError::Case::writeFailed, rootError);
         }
         placed = FilePlacement(files, *folders, limit, relativePath, message.bytes).place();
+        if (asksForCache) staysInCache = archive::staysInCache(files, folders->root(), relativePath);
     } catch (const ArchiveError& failure) {
         error = failure;
     } catch (const std::exception& failure) {
@@ -154,7 +163,7 @@ void IndexReplacing::run(FileLayer& files, const JobLimit& limit) {
     if (error != 0) return;
     FolderFileLayer folder(files, folders->root());
     IndexGuard guard(folder, loaded);
-    error = platform::writeFileAtomically(guard, indexName(), content).value();
+    error = platform::writeFileAtomically(guard, indexName(), content, mostOfFile).value();
     hasChanged = guard.hasChanged();
     if (error != 0 || limit.isAbandoned()) return;
     if (markHidden) markHidden(indexPath);

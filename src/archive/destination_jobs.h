@@ -8,6 +8,8 @@
 #include <set>
 #include <string>
 
+#include <sys/types.h>
+
 #include "archive/archive_error.h"
 #include "archive/archive_folders.h"
 #include "archive/file_placement.h"
@@ -28,11 +30,13 @@ struct RootMaking {
     void run(platform::FileLayer& files);
 };
 
-// Opens the root twice: one descriptor has the lock, the other one is for the jobs.
+// Opens the root twice: one descriptor has the lock, the other one is for the jobs. Removes what killed runs
+// were writing there.
 struct RootLocking {
     std::string root;
     std::shared_ptr<platform::LayerDescriptor> lock{};
     std::shared_ptr<platform::LayerDescriptor> opened{};
+    mode_t mode = 0; // of the root
     int error = 0;
     bool isTaken = false; // by another run
 
@@ -54,9 +58,11 @@ struct FilePlacing {
     std::shared_ptr<ArchiveFolders> folders;
     MessageBytes message;
     std::string relativePath;
+    bool asksForCache = false;
     PlacedFile placed{};
     std::optional<ArchiveError> error{};
     bool hasRootGone = false;
+    bool staysInCache = false; // where it was asked for
 
     void run(platform::FileLayer& files, JobLimit& limit);
 };

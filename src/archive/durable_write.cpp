@@ -9,9 +9,11 @@
 #include <fmt/format.h>
 
 #include "archive/archive_error.h"
+#include "archive/archive_modes.h"
 #include "platform/files/file_look.h"
 #include "platform/files/layer_descriptor.h"
 #include "platform/files/layer_reading.h"
+#include "platform/files/storage_flush.h"
 #include "records/logs/console_log.h"
 
 namespace corvane::archive {
@@ -76,7 +78,7 @@ const char* failedStep(platform::FileLayer& files, int file, std::string_view by
 
 FileIdentity writePOSIXBlocking(platform::FileLayer& files, std::string_view bytes, const std::string& path) {
     // Exclusively: a write that hung and comes back late must not cut a file that was proved meanwhile.
-    LayerDescriptor file(files, files.open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0644));
+    LayerDescriptor file(files, files.open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mostOfFile));
     if (!file) failWrite("open", path, errno);
     struct stat status{};
     // Without its identity nobody could tell it from another file later, so it isn't removed either.
@@ -141,6 +143,14 @@ void syncDirectories(platform::FileLayer& files, const std::set<std::string>& pa
 
 int syncDirectory(platform::FileLayer& files, int folder) {
     return files.fullSync(folder) == 0 || files.sync(folder) == 0 ? 0 : errno;
+}
+
+bool staysInCache(platform::FileLayer& files, int folder, const std::string& relativePath) {
+    const LayerDescriptor file(files,
+                               files.openAt(folder, relativePath, O_RDONLY | O_NOFOLLOW | O_NONBLOCK, 0));
+    if (!file) return false;
+    files.bypassCache(file.get());
+    return platform::holdsCachedPages(file.get()).value_or(false);
 }
 
 } // namespace corvane::archive

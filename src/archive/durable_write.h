@@ -62,4 +62,8 @@ void syncDirectories(platform::FileLayer& files, const std::set<std::string>& pa
 // The same for an open folder. 0, or the errno of the failure.
 int syncDirectory(platform::FileLayer& files, int folder);
 
+// Whether the file that lies there is served from memory whatever is done to read past the cache: to read it
+// back then proves less than elsewhere. False where that can't be told.
+bool staysInCache(platform::FileLayer& files, int folder, const std::string& relativePath);
+
 } // namespace corvane::archive
