@@ -52,7 +52,24 @@ class Readers(CliCase):
             finally:
                 os.umask(before)
             self.assertEqual(self.open_to_others(home, known), [])
+            self.assertEqual(self.open_to_others(made), [])
             self.assertEqual(list(temporary.iterdir()), [])
+
+    def test_an_archive_permits_what_its_folder_does(self):
+        home = self.home("home", "--messages", "60", "--no-odd")
+        self.run_cli(home, "refresh")
+        archive = self.folder / "shared"
+        for mode in (0o750, 0o700):
+            archive.mkdir(exist_ok=True)
+            archive.chmod(mode)
+            before = os.umask(0)
+            try:
+                self.run_cli(home, "archive", "--to", archive, "--limit", 5)
+            finally:
+                os.umask(before)
+        modes = {(path.is_dir(), stat.S_IMODE(path.stat().st_mode)) for path in archive.rglob("*")}
+        self.assertEqual(modes - {(True, 0o700), (False, 0o600)}, {(True, 0o750), (False, 0o640)})
+        self.assertEqual(stat.S_IMODE((archive / "archive-index.json").stat().st_mode), 0o600)
 
 
 class Deceivers(CliCase):
@@ -102,7 +119,8 @@ class Remains(CliCase):
         home = self.home("home", "--messages", "60", "--no-odd")
         self.run_cli(home, "refresh")
         unfinished = f".corvane-{str(uuid.uuid4()).upper()}.tmp"
-        left = [self.folder / f"corvane-rows-{str(uuid.uuid4()).upper()}.json", home / ".local/share/Corvane" / unfinished, home / ".local/share/Corvane/index-cache" / unfinished]
+        left = [self.folder / f"corvane-rows-{str(uuid.uuid4()).upper()}.json", self.folder / "archive" / unfinished,
+                home / ".local/share/Corvane" / unfinished, home / ".local/share/Corvane/index-cache" / unfinished]
         mine = [path.with_name("corvane-notes.tmp") for path in left]
         for path in left + mine:
             path.parent.mkdir(exist_ok=True)
