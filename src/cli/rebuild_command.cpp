@@ -1,5 +1,6 @@
 #include <stop_token>
 #include <string>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -8,6 +9,7 @@
 #include "cli/exit_status.h"
 #include "cli/output.h"
 #include "cli/progress_line.h"
+#include "cli/verified_readings.h"
 #include "platform/paths.h"
 #include "platform/platform.h"
 
@@ -53,9 +55,9 @@ int runRebuild(const std::string& root, const RebuildCommandOptions& command, bo
         if (wasInterrupted()) stop.request_stop();
         line.show(fmt::format("已读取 {} / {}", read, all), double(read) / double(all));
     };
-    const ArchiveRebuild rebuild =
-        rebuildArchive(platform::standardizedPath(root), options, stop.get_token());
+    ArchiveRebuild rebuild = rebuildArchive(platform::standardizedPath(root), options, stop.get_token());
     if (rebuild.wasCancelled) throw Interrupted();
+    if (!command.isDryRun) keepReadings(*system, root, std::move(rebuild.readings));
     if (json)
         printJson(rebuild);
     else

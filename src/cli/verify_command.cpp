@@ -1,6 +1,7 @@
 #include <optional>
 #include <stop_token>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -10,6 +11,7 @@
 #include "cli/exit_status.h"
 #include "cli/output.h"
 #include "cli/progress_line.h"
+#include "cli/verified_readings.h"
 #include "platform/files/file_layer.h"
 #include "platform/paths.h"
 #include "platform/platform.h"
@@ -76,9 +78,10 @@ int runVerify(const std::string& root, const VerifyOptions& options, bool json) 
     if (options.recordsHashes) {
         recording = HashRecording{[&](const std::string& path) { system->markHidden(path); }};
     }
-    const ArchiveVerification verification =
+    ArchiveVerification verification =
         verifyArchive(platform::standardizedPath(root), showProgress, stop.get_token(),
                       platform::posixFileLayer(), recording);
+    keepReadings(*system, root, std::move(verification.readings));
     if (verification.wasCancelled) throw Interrupted();
     if (json)
         printJson(verification);

@@ -1,6 +1,7 @@
 """What prove says of originals and archived files, and what follows from it for figures and candidates."""
 
 import json
+import os
 import pathlib
 import unittest
 import urllib.parse
@@ -58,6 +59,26 @@ class Prove(CliCase):
         stats = self.run_cli(self.home_path, "stats")
         self.assertEqual(stats["deletionSafety"]["archived"], second["proven"])
         self.assertGreaterEqual(stats["candidates"]["count"], before + 2)
+
+    def test_verify_takes_back_what_rests_on_an_altered_file_and_a_run_writes_it_again(self):
+        first = self.run_cli(self.home_path, "prove", expect=None)
+        records = json.loads((self.archive / "archive-index.json").read_text(encoding="utf-8"))["records"]
+        record = next(r for r in records if "#v" not in r["id"] and not r["emlRelativePath"].count("（"))
+        damaged = self.archive / record["emlRelativePath"]
+        sound, status = damaged.read_bytes(), damaged.stat()
+        damaged.write_bytes(sound[:-1] + bytes([sound[-1] ^ 1]))
+        os.utime(damaged, ns=(status.st_atime_ns, status.st_mtime_ns))
+        verified = self.run_cli(self.home_path, "verify", self.archive, expect=3)
+        self.assertEqual(verified["altered"], [record["emlRelativePath"]])
+        second = self.run_cli(self.home_path, "prove", expect=3)
+        self.assertEqual((second["fileMissing"], second["proven"]), (first["fileMissing"] + 1, first["proven"] - 1))
+
+        self.run_cli(self.home_path, "archive", "--to", self.archive, "--no-index", expect=None)
+        self.assertEqual(damaged.read_bytes(), sound)
+        aside = [path.read_bytes() for path in damaged.parent.glob("*（原有文件）*")]
+        self.assertIn(sound[:-1] + bytes([sound[-1] ^ 1]), aside)
+        self.assertEqual(self.run_cli(self.home_path, "stats")["deletionSafety"]["archived"], first["proven"])
+        self.assertEqual(self.run_cli(self.home_path, "prove", expect=None)["proven"], first["proven"])
 
     def test_the_scope_limits_what_is_read_and_counted(self):
         years = {m["date"][:4] for m in self.run_cli(self.home_path, "messages") if "date" in m}
