@@ -25,7 +25,7 @@ TEST(DeletionSafety, CountsOnlyWhatIsLocalAndArchived) {
                                           {.id = "5", .date = {}, .identifier = "c"},
                                           {.id = "6", .identifier = "a", .account = ""}});
     const SharedTextSet available = {"1", "2", "3", "5"};
-    const SharedTextSet archived = {"1", "3", "4"};
+    const SharedTextSet archived = {"1", "3", "4", "6"};
     const SharedTextSet setAside;
     const ProofTable proofs;
     const YearByID years = computeMessageYears(messages);

@@ -19,7 +19,7 @@ inline ArchivedEmailRecord sampleRecord(const std::string& id) {
     if (id.starts_with("mid:")) record.messageIdentifier = SharedText(id.substr(4, id.find("#v") - 4));
     record.subject = "主题 " + id;
     record.emlRelativePath = "2019/a/" + id + ".eml";
-    record.sizeBytes = 10;
+    record.sizeBytes = 12; // of what writeArchive() writes
     record.sourceCopyCount = 1;
     return record;
 }
