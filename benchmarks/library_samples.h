@@ -13,7 +13,7 @@
 
 #include <fmt/format.h>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 
 namespace corvane::bench {
 

@@ -8,7 +8,7 @@
 
 #include <fmt/format.h>
 
-#include "archive/mail_email_archiver.h"
+#include "archive/run/mail_email_archiver.h"
 #include "platform/files/directory.h"
 #include "platform/paths.h"
 

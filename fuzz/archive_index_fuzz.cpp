@@ -4,7 +4,7 @@
 
 #include "archive/archive_naming.h"
 #include "fuzz_kit.h"
-#include "records/stable_id.h"
+#include "records/archived/stable_id.h"
 #include "records/stores/archive_index_file.h"
 
 using namespace corvane;

@@ -11,7 +11,7 @@
 #include "archive/message_extraction.h"
 #include "fuzz_kit.h"
 #include "platform/paths.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 
 using namespace corvane;
 using fuzz::require;

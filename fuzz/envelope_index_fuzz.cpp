@@ -25,7 +25,7 @@
 #include "platform/platform.h"
 #include "platform/sqlite.h"
 #include "records/stores/app_support.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 
 using namespace corvane;
 using fuzz::require;

@@ -10,7 +10,7 @@
 #include "mime/header_decoding.h"
 #include "mime/mail_date.h"
 #include "mime/message_identifiers.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 
 using namespace corvane;
 using fuzz::require;

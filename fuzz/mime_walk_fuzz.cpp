@@ -9,7 +9,7 @@
 #include "mime/preview_layout.h"
 #include "mime/preview_text.h"
 #include "mime/signature_search.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 #include "text/graphemes.h"
 
 using namespace corvane;

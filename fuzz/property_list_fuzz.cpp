@@ -6,7 +6,7 @@
 
 #include "fuzz_kit.h"
 #include "mailstore/property_list.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 
 using namespace corvane;
 using fuzz::require;

@@ -12,7 +12,7 @@
 
 #include <fmt/format.h>
 
-#include "archive/body_indexing.h"
+#include "archive/bodies/body_indexing.h"
 #include "database_damage.h"
 #include "fuzz_kit.h"
 #include "platform/platform.h"

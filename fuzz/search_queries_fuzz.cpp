@@ -23,8 +23,8 @@
 #include "records/stores/app_support.h"
 #include "search/mail_search_index.h"
 #include "search/search_index_files.h"
-#include "text/ascii.h"
-#include "text/charset.h"
+#include "text/charsets/ascii.h"
+#include "text/charsets/charset.h"
 #include "text/trim.h"
 
 using namespace corvane;

@@ -12,7 +12,7 @@
 
 #include "fuzz_kit.h"
 #include "platform/settings_store.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 
 using namespace corvane;
 using fuzz::require;

@@ -16,7 +16,7 @@
 #include "fuzz_kit.h"
 #include "mailstore/index/indexed_messages.h"
 #include "mailstore/index/json_rows.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 
 using namespace corvane;
 using fuzz::require;

@@ -5,7 +5,7 @@
 
 #include "fuzz_kit.h"
 #include "records/json/json_writer.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 #include "worker/mail_worker_client.h"
 #include "worker/worker_forms.h"
 

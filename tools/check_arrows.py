@@ -33,7 +33,9 @@ ARROWS = {
 # The same between sub-folders. What lies in a folder itself is "."; a file there that is no part of it stands for
 # itself, such as the model's composition above everything.
 SUBFOLDERS = {
-    "records": {".": "", "json": ".", "stores": ". json", "logs": ". stores"},
+    "text": {"charsets": "", ".": "charsets", "dates": ". charsets"},
+    "records": {".": "", "archived": ".", "json": ". archived", "stores": ". archived json", "logs": ". stores"},
+    "archive": {".": "", "destination": ".", "run": ". destination", "checks": ". destination", "bodies": "."},
     "mailstore": {".": "", "folders": ".", "index": ". folders", "accounts": ". folders index",
                   "scan": ". folders index"},
     "model": {"tasks": "", ".": "tasks", "mail": ". tasks", "archiving": ". tasks mail", "library": ". tasks",

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <utility>
 
-#include "text/charset.h"
-#include "text/encoding.h"
+#include "text/charsets/charset.h"
+#include "text/charsets/encoding.h"
 #include "text/trim.h"
 
 namespace corvane::archive {

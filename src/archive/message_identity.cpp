@@ -10,7 +10,7 @@
 #include "mime/mail_date.h"
 #include "mime/message_identifiers.h"
 #include "text/case.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 #include "text/collation.h"
 
 namespace corvane::archive {

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 #include "records/mail_message_record.h"
 
 namespace corvane::archive {

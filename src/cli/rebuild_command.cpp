@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include "archive/archive_rebuild.h"
+#include "archive/checks/archive_rebuild.h"
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/output.h"

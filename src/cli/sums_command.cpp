@@ -4,7 +4,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include "archive/archive_sums.h"
+#include "archive/checks/archive_sums.h"
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/output.h"

@@ -4,7 +4,7 @@
 #include <fmt/format.h>
 
 #include "archive/archive_naming.h"
-#include "archive/archived_attachment.h"
+#include "archive/bodies/archived_attachment.h"
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/output.h"

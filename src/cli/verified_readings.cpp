@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "platform/paths.h"
-#include "records/proof_facts.h"
+#include "records/archived/proof_facts.h"
 #include "records/stores/app_support.h"
 #include "records/stores/proof_store.h"
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/platform.h"
-#include "records/file_readings.h"
+#include "records/archived/file_readings.h"
 
 namespace corvane::cli {
 

@@ -6,13 +6,13 @@
 
 #include <fmt/format.h>
 
-#include "archive/archive_verification.h"
+#include "archive/checks/archive_verification.h"
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/output.h"
 #include "cli/progress_line.h"
 #include "cli/verified_readings.h"
-#include "platform/files/file_layer.h"
+#include "platform/files/layers/file_layer.h"
 #include "platform/paths.h"
 #include "platform/platform.h"
 #include "records/formatters.h"
@@ -78,9 +78,8 @@ int runVerify(const std::string& root, const VerifyOptions& options, bool json) 
     if (options.recordsHashes) {
         recording = HashRecording{[&](const std::string& path) { system->markHidden(path); }};
     }
-    ArchiveVerification verification =
-        verifyArchive(platform::standardizedPath(root), showProgress, stop.get_token(),
-                      platform::posixFileLayer(), recording);
+    ArchiveVerification verification = verifyArchive(platform::standardizedPath(root), showProgress,
+                                                     stop.get_token(), platform::posixFileLayer(), recording);
     keepReadings(*system, root, std::move(verification.readings));
     if (verification.wasCancelled) throw Interrupted();
     if (json)

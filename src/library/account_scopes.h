@@ -13,7 +13,7 @@
 
 #include "library/account_merge_rules.h"
 #include "library/contained_texts.h"
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 #include "records/mail_account.h"
 #include "text/shared_text.h"
 

@@ -15,7 +15,7 @@
 
 #include "library/account_groups.h"
 #include "library/library_index.h"
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 
 namespace corvane {
 

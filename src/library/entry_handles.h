@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "library/thread_keys.h"
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 
 namespace corvane {
 

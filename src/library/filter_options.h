@@ -9,7 +9,7 @@
 
 #include "library/account_scopes.h"
 #include "library/thread_keys.h"
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 
 namespace corvane {
 

@@ -18,7 +18,7 @@
 #include "library/filter_options.h"
 #include "library/subject_groups.h"
 #include "library/thread_keys.h"
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 #include "records/mail_account.h"
 #include "text/position_table.h"
 

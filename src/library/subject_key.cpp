@@ -4,8 +4,8 @@
 #include <array>
 #include <cstddef>
 
-#include "text/ascii.h"
 #include "text/case.h"
+#include "text/charsets/ascii.h"
 #include "text/trim.h"
 
 namespace corvane {

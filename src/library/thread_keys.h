@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 
 namespace corvane {
 

@@ -9,7 +9,7 @@
 
 #include "listing/file_existence.h"
 #include "platform/parallel.h"
-#include "records/stable_id.h"
+#include "records/archived/stable_id.h"
 
 namespace corvane {
 

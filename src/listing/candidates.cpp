@@ -8,7 +8,7 @@
 
 #include "listing/file_existence.h"
 #include "listing/message_set.h"
-#include "records/stable_id.h"
+#include "records/archived/stable_id.h"
 #include "records/timestamps.h"
 
 namespace corvane {

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "platform/platform.h"
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 #include "records/stores/app_support.h"
 
 namespace corvane {

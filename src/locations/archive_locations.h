@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/platform.h"
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 
 namespace corvane {
 

@@ -11,9 +11,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "platform/files/file_layer.h"
-#include "records/archive_records.h"
-#include "records/file_readings.h"
+#include "platform/files/layers/file_layer.h"
+#include "records/archived/archive_records.h"
+#include "records/archived/file_readings.h"
 #include "text/shared_text.h"
 
 namespace corvane {

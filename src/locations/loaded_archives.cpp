@@ -4,7 +4,7 @@
 #include <map>
 #include <unordered_set>
 
-#include "records/stable_id.h"
+#include "records/archived/stable_id.h"
 
 namespace corvane {
 

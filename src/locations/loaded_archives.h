@@ -12,7 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 #include "text/shared_text.h"
 
 namespace corvane {

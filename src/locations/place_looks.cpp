@@ -8,7 +8,7 @@
 
 #include <fmt/format.h>
 
-#include "archive/time_limited_worker.h"
+#include "archive/destination/time_limited_worker.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
 #include "text/mutex.h"

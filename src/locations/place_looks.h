@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/files/file_layer.h"
+#include "platform/files/layers/file_layer.h"
 #include "platform/platform.h"
 
 namespace corvane {

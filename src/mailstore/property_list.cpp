@@ -9,8 +9,8 @@
 #include <unicode/utf16.h>
 
 #include "platform/files/directory.h"
-#include "text/charset.h"
-#include "text/utf8_step.h"
+#include "text/charsets/charset.h"
+#include "text/charsets/utf8_step.h"
 
 namespace corvane::mailstore {
 

@@ -8,7 +8,7 @@
 #include "mime/header_decoding.h"
 #include "platform/paths.h"
 #include "text/case.h"
-#include "text/encoding.h"
+#include "text/charsets/encoding.h"
 #include "text/regex.h"
 #include "text/split.h"
 #include "text/trim.h"

@@ -5,12 +5,12 @@
 #include <cstddef>
 #include <string>
 
-#include "text/ascii.h"
 #include "text/case.h"
+#include "text/charsets/ascii.h"
+#include "text/charsets/utf8_step.h"
 #include "text/graphemes.h"
 #include "text/regex.h"
 #include "text/trim.h"
-#include "text/utf8_step.h"
 
 namespace corvane::mime {
 

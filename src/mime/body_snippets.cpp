@@ -4,10 +4,10 @@
 
 #include "mime/body_split.h"
 #include "text/case.h"
+#include "text/charsets/utf8_step.h"
 #include "text/graphemes.h"
 #include "text/split.h"
 #include "text/trim.h"
-#include "text/utf8_step.h"
 
 namespace corvane::mime {
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 
 #include "text/case.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
+#include "text/charsets/encoding.h"
+#include "text/charsets/utf8_step.h"
 #include "text/collation.h"
-#include "text/encoding.h"
 #include "text/graphemes.h"
 #include "text/trim.h"
-#include "text/utf8_step.h"
 
 namespace corvane::mime {
 

@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 
 #include "text/case.h"
-#include "text/encoding.h"
+#include "text/charsets/encoding.h"
 #include "text/regex.h"
 #include "text/split.h"
 #include "text/trim.h"

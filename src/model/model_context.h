@@ -5,7 +5,7 @@
 #include <string>
 
 #include "model/tasks/task_runner.h"
-#include "platform/files/file_layer.h"
+#include "platform/files/layers/file_layer.h"
 #include "platform/platform.h"
 #include "platform/settings_store.h"
 #include "records/logs/performance_log.h"

@@ -21,7 +21,7 @@
 #include "platform/files/durable_file.h"
 #include "platform/files/private_files.h"
 #include "platform/paths.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 
 namespace corvane::platform {
 

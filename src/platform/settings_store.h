@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "platform/files/file_descriptor.h"
-#include "platform/files/file_layer.h"
+#include "platform/files/layers/file_layer.h"
 
 namespace corvane::platform {
 

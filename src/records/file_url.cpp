@@ -1,7 +1,7 @@
 #include "records/file_url.h"
 
 #include "platform/paths.h"
-#include "text/encoding.h"
+#include "text/charsets/encoding.h"
 
 namespace corvane {
 

@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include "text/encoding.h"
+#include "text/charsets/encoding.h"
 
 namespace corvane {
 

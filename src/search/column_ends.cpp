@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "text/ascii.h"
-#include "text/charset.h"
-#include "text/utf8_step.h"
+#include "text/charsets/ascii.h"
+#include "text/charsets/charset.h"
+#include "text/charsets/utf8_step.h"
 
 namespace corvane::search {
 

@@ -3,7 +3,7 @@
 #include "records/preview_placeholders.h"
 #include "search/search_database.h"
 #include "search/search_index_files.h"
-#include "text/encoding.h"
+#include "text/charsets/encoding.h"
 #include "text/trim.h"
 
 namespace corvane {

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "text/charset.h"
-#include "text/utf8_step.h"
+#include "text/charsets/charset.h"
+#include "text/charsets/utf8_step.h"
 
 namespace corvane::search {
 

@@ -6,8 +6,8 @@
 #include <unicode/bytestream.h>
 #include <unicode/casemap.h>
 
-#include "text/ascii.h"
-#include "text/charset.h"
+#include "text/charsets/ascii.h"
+#include "text/charsets/charset.h"
 #include "text/icu_text.h"
 
 namespace corvane::text {

@@ -8,10 +8,10 @@
 #include <unicode/casemap.h>
 #include <unicode/edits.h>
 
-#include "text/ascii.h"
 #include "text/case.h"
+#include "text/charsets/ascii.h"
+#include "text/charsets/utf8_step.h"
 #include "text/icu_text.h"
-#include "text/utf8_step.h"
 
 namespace corvane::text {
 

@@ -6,7 +6,7 @@
 #include <unicode/coll.h>
 #include <unicode/normalizer2.h>
 
-#include "text/ascii.h"
+#include "text/charsets/ascii.h"
 #include "text/icu_text.h"
 
 namespace corvane::text {

@@ -6,9 +6,9 @@
 #include <unicode/brkiter.h>
 #include <unicode/uchar.h>
 
-#include "text/ascii.h"
+#include "text/charsets/ascii.h"
+#include "text/charsets/utf8_step.h"
 #include "text/icu_text.h"
-#include "text/utf8_step.h"
 
 namespace corvane::text {
 

@@ -4,8 +4,8 @@
 
 #include <fmt/format.h>
 
-#include "text/charset.h"
-#include "text/utf8_step.h"
+#include "text/charsets/charset.h"
+#include "text/charsets/utf8_step.h"
 
 namespace corvane::text {
 

@@ -10,7 +10,7 @@
 #include <unicode/stringpiece.h>
 #include <unicode/utext.h>
 
-#include "text/unicode_error.h"
+#include "text/charsets/unicode_error.h"
 
 namespace corvane::text {
 

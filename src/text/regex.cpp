@@ -7,7 +7,7 @@
 #include <fmt/format.h>
 #include <unicode/regex.h>
 
-#include "text/ascii.h"
+#include "text/charsets/ascii.h"
 #include "text/icu_text.h"
 #include "text/idle_pool.h"
 

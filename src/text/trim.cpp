@@ -8,7 +8,7 @@
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>
 
-#include "text/utf8_step.h"
+#include "text/charsets/utf8_step.h"
 
 namespace corvane::text {
 

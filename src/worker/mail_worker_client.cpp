@@ -15,7 +15,7 @@
 #include "platform/processes/timed_pipe.h"
 #include "records/json/json_reader.h"
 #include "records/json/json_writer.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 #include "worker/python_runtime.h"
 #include "worker/worker_forms.h"
 

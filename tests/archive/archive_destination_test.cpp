@@ -15,8 +15,8 @@
 
 #include "archive/archive_error.h"
 #include "archive/archive_fixture.h"
-#include "archive/index_records.h"
-#include "archive/time_limited_worker.h"
+#include "archive/destination/index_records.h"
+#include "archive/destination/time_limited_worker.h"
 
 namespace corvane {
 namespace {

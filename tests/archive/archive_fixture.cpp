@@ -7,7 +7,7 @@
 #include <fmt/format.h>
 
 #include "platform/files/file_look.h"
-#include "records/content_hash.h"
+#include "records/archived/content_hash.h"
 
 namespace corvane::testing {
 

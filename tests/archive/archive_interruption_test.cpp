@@ -13,7 +13,7 @@
 
 #include "archive/archive_error.h"
 #include "archive/archive_fixture.h"
-#include "archive/time_limited_worker.h"
+#include "archive/destination/time_limited_worker.h"
 
 namespace corvane {
 namespace {

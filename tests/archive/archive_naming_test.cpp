@@ -8,7 +8,7 @@
 
 #include "platform/paths.h"
 #include "support/temporary_home.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 #include "text/graphemes.h"
 
 namespace corvane::archive {

@@ -1,4 +1,4 @@
-#include "archive/archive_rebuild.h"
+#include "archive/checks/archive_rebuild.h"
 
 #include <chrono>
 #include <filesystem>
@@ -11,13 +11,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "archive/archive_destination.h"
 #include "archive/archive_error.h"
 #include "archive/archive_fixture.h"
-#include "archive/archive_verification.h"
-#include "archive/header_summary.h"
+#include "archive/checks/archive_verification.h"
+#include "archive/checks/header_summary.h"
+#include "archive/destination/archive_destination.h"
 #include "platform/files/sha256.h"
-#include "records/content_hash.h"
+#include "records/archived/content_hash.h"
 
 namespace corvane {
 namespace {

@@ -12,8 +12,8 @@
 #include "archive/archive_error.h"
 #include "archive/archive_fixture.h"
 #include "platform/files/directory.h"
-#include "platform/files/forwarding_file_layer.h"
-#include "records/content_hash.h"
+#include "platform/files/layers/forwarding_file_layer.h"
+#include "records/archived/content_hash.h"
 
 namespace corvane {
 namespace {

@@ -1,4 +1,4 @@
-#include "archive/archive_verification.h"
+#include "archive/checks/archive_verification.h"
 
 #include <algorithm>
 #include <chrono>
@@ -10,13 +10,13 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "archive/archive_destination.h"
 #include "archive/archive_error.h"
 #include "archive/archive_fixture.h"
-#include "archive/archive_reader.h"
-#include "archive/archive_sums.h"
+#include "archive/checks/archive_reader.h"
+#include "archive/checks/archive_sums.h"
+#include "archive/destination/archive_destination.h"
 #include "platform/files/sha256.h"
-#include "records/content_hash.h"
+#include "records/archived/content_hash.h"
 
 namespace corvane {
 namespace {

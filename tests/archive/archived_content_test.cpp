@@ -12,7 +12,7 @@
 #include "archive/archive_fixture.h"
 #include "archive/message_extraction.h"
 #include "platform/files/directory.h"
-#include "records/stable_id.h"
+#include "records/archived/stable_id.h"
 
 namespace corvane {
 namespace {

@@ -9,7 +9,7 @@
 
 #include <gmock/gmock.h>
 
-#include "archive/body_indexing.h"
+#include "archive/bodies/body_indexing.h"
 #include "platform/sqlite.h"
 #include "records/stores/archive_index_file.h"
 #include "search/mail_search_index.h"

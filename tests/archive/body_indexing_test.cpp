@@ -1,4 +1,4 @@
-#include "archive/body_indexing.h"
+#include "archive/bodies/body_indexing.h"
 
 #include <algorithm>
 #include <atomic>
@@ -12,7 +12,7 @@
 
 #include <gmock/gmock.h>
 
-#include "archive/batch_extraction.h"
+#include "archive/bodies/batch_extraction.h"
 #include "records/stores/archive_index_file.h"
 #include "search/search_index_files.h"
 #include "support/temporary_home.h"

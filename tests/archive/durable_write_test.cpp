@@ -1,4 +1,4 @@
-#include "archive/durable_write.h"
+#include "archive/destination/durable_write.h"
 
 #include <algorithm>
 #include <atomic>
@@ -13,7 +13,7 @@
 #include <unistd.h>
 
 #include "archive/archive_error.h"
-#include "archive/time_limited_worker.h"
+#include "archive/destination/time_limited_worker.h"
 #include "platform/files/directory.h"
 #include "support/faulty_file_layer.h"
 #include "support/temporary_home.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 #include "records/mail_account.h"
 
 namespace corvane::testing {

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "records/content_hash.h"
+#include "records/archived/content_hash.h"
 
 namespace corvane {
 namespace {

@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "archive/time_limited_worker.h"
+#include "archive/destination/time_limited_worker.h"
 #include "locations/archive_samples.h"
 #include "search/mail_search_index.h"
 #include "support/faulty_file_layer.h"

@@ -10,7 +10,7 @@
 #include "mime/preview_text.h"
 #include "records/preview_placeholders.h"
 #include "support/scripted_platform.h"
-#include "text/encoding.h"
+#include "text/charsets/encoding.h"
 #include "text/graphemes.h"
 
 namespace corvane::mailstore {

@@ -13,7 +13,7 @@
 #include "mime/preview_layout.h"
 #include "mime/signature_search.h"
 #include "records/preview_placeholders.h"
-#include "text/encoding.h"
+#include "text/charsets/encoding.h"
 #include "text/graphemes.h"
 #include "text/regex.h"
 #include "text/split.h"

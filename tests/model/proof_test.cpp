@@ -16,8 +16,8 @@
 #include "model/model_test.h"
 #include "model/published_messages.h"
 #include "platform/files/directory.h"
-#include "records/content_hash.h"
-#include "records/stable_id.h"
+#include "records/archived/content_hash.h"
+#include "records/archived/stable_id.h"
 #include "records/stores/archive_index_file.h"
 #include "support/faulty_file_layer.h"
 

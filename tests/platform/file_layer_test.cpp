@@ -1,4 +1,4 @@
-#include "platform/files/file_layer.h"
+#include "platform/files/layers/file_layer.h"
 
 #include <cerrno>
 #include <filesystem>
@@ -15,7 +15,7 @@
 #include "platform/files/directory.h"
 #include "platform/files/durable_file.h"
 #include "platform/files/file_descriptor.h"
-#include "platform/files/folder_file_layer.h"
+#include "platform/files/layers/folder_file_layer.h"
 #include "platform/files/temporary_file.h"
 #include "support/temporary_home.h"
 

@@ -14,7 +14,7 @@
 #include <unistd.h>
 
 #include "platform/files/directory.h"
-#include "platform/files/file_layer.h"
+#include "platform/files/layers/file_layer.h"
 #include "platform/processes/child_process.h"
 #include "support/temporary_home.h"
 

@@ -1,7 +1,7 @@
 #include <ctime>
 #include <utility>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 #include "records/formatters.h"
 #include "records/mail_account.h"
 #include "records/mail_message_record.h"

@@ -1,8 +1,8 @@
+#include "records/archived/stable_id.h"
 #include "records/json/json_reader.h"
 #include "records/json/json_writer.h"
 #include "records/json/record_forms.h"
 #include "records/stable_hash.h"
-#include "records/stable_id.h"
 #include "records/stores/archive_index_file.h"
 #include "sample_records.h"
 

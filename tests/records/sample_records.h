@@ -6,7 +6,7 @@
 #include <random>
 #include <string>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 #include "records/mail_message_record.h"
 
 namespace corvane::testing {

@@ -6,7 +6,7 @@
 #include "search/pair_search.h"
 #include "search/search_fixture.h"
 #include "text/case.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 #include "text/trim.h"
 
 namespace corvane {

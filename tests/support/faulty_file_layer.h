@@ -19,7 +19,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/files/file_layer.h"
+#include "platform/files/layers/file_layer.h"
 
 namespace corvane::testing {
 

@@ -1,4 +1,4 @@
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 
 #include <string>
 #include <thread>

@@ -1,4 +1,4 @@
-#include "text/encoding.h"
+#include "text/charsets/encoding.h"
 
 #include <limits>
 #include <random>

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "text/utf8_step.h"
+#include "text/charsets/utf8_step.h"
 
 namespace corvane::text {
 namespace {

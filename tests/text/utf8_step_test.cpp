@@ -1,4 +1,4 @@
-#include "text/utf8_step.h"
+#include "text/charsets/utf8_step.h"
 
 #include <utility>
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "records/stable_id.h"
+#include "records/archived/stable_id.h"
 
 namespace corvane {
 

@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 
 namespace corvane {
 

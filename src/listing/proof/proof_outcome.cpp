@@ -4,7 +4,7 @@
 #include <array>
 
 #include "platform/paths.h"
-#include "records/content_hash.h"
+#include "records/archived/content_hash.h"
 
 namespace corvane {
 

@@ -12,8 +12,8 @@
 #include <string_view>
 #include <vector>
 
-#include "records/archive_records.h"
-#include "records/file_readings.h"
+#include "records/archived/archive_records.h"
+#include "records/archived/file_readings.h"
 
 namespace corvane {
 

@@ -1,7 +1,7 @@
 #include "listing/proof/proof_sources.h"
 
 #include "platform/files/file_look.h"
-#include "records/stable_id.h"
+#include "records/archived/stable_id.h"
 
 namespace corvane {
 

@@ -10,8 +10,8 @@
 
 #include "listing/proof/archived_records.h"
 #include "listing/proof/proof_outcome.h"
+#include "records/archived/proof_facts.h"
 #include "records/mail_message_record.h"
-#include "records/proof_facts.h"
 
 namespace corvane {
 

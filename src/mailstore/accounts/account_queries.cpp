@@ -14,7 +14,7 @@
 #include "mailstore/reader_logs.h"
 #include "platform/parallel.h"
 #include "text/case.h"
-#include "text/encoding.h"
+#include "text/charsets/encoding.h"
 #include "text/regex.h"
 #include "text/split.h"
 #include "text/trim.h"

@@ -4,8 +4,8 @@
 
 #include "platform/files/directory.h"
 #include "platform/paths.h"
+#include "text/charsets/encoding.h"
 #include "text/collation.h"
-#include "text/encoding.h"
 
 namespace corvane {
 

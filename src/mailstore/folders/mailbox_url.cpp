@@ -9,8 +9,8 @@
 #include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "text/case.h"
+#include "text/charsets/encoding.h"
 #include "text/collation.h"
-#include "text/encoding.h"
 #include "text/split.h"
 
 namespace corvane::mailstore {

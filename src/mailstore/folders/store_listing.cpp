@@ -11,7 +11,7 @@
 #include "mailstore/seconds_counter.h"
 #include "platform/files/directory.h"
 #include "platform/paths.h"
-#include "text/encoding.h"
+#include "text/charsets/encoding.h"
 
 namespace corvane {
 

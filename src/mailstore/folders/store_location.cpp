@@ -4,7 +4,7 @@
 
 #include "platform/files/directory.h"
 #include "platform/paths.h"
-#include "text/encoding.h"
+#include "text/charsets/encoding.h"
 
 namespace corvane::mailstore {
 

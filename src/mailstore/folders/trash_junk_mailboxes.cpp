@@ -1,7 +1,7 @@
 #include "mailstore/folders/trash_junk_mailboxes.h"
 
 #include "text/case.h"
-#include "text/encoding.h"
+#include "text/charsets/encoding.h"
 #include "text/split.h"
 #include "text/trim.h"
 

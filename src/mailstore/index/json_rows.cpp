@@ -9,7 +9,7 @@
 #include <simdjson.h>
 #include <unistd.h>
 
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 
 namespace corvane::mailstore {
 

@@ -14,7 +14,7 @@
 #include "platform/files/private_files.h"
 #include "platform/files/temporary_file.h"
 #include "platform/paths.h"
-#include "text/encoding.h"
+#include "text/charsets/encoding.h"
 #include "text/mutex.h"
 
 namespace corvane::mailstore {

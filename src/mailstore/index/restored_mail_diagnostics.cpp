@@ -12,7 +12,7 @@
 #include "mailstore/index/shell_queries.h"
 #include "mailstore/index/year_counts.h"
 #include "mailstore/reader_logs.h"
-#include "text/encoding.h"
+#include "text/charsets/encoding.h"
 #include "text/split.h"
 
 namespace corvane::mailstore {

@@ -9,8 +9,8 @@
 #include "mailstore/reader_logs.h"
 #include "platform/files/directory.h"
 #include "records/logs/console_log.h"
-#include "text/charset.h"
-#include "text/encoding.h"
+#include "text/charsets/charset.h"
+#include "text/charsets/encoding.h"
 #include "text/split.h"
 #include "text/trim.h"
 

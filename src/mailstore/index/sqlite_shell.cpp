@@ -13,7 +13,7 @@
 #include "platform/files/directory.h"
 #include "platform/processes/child_process.h"
 #include "platform/processes/timed_pipe.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 #include "text/mutex.h"
 #include "text/trim.h"
 

@@ -12,7 +12,7 @@
 #include "mailstore/index/index_sql.h"
 #include "mailstore/index/shell_queries.h"
 #include "platform/files/directory.h"
-#include "text/encoding.h"
+#include "text/charsets/encoding.h"
 #include "text/split.h"
 #include "text/trim.h"
 

@@ -9,7 +9,7 @@
 
 #include <QObject>
 
-#include "archive/archive_rebuild.h"
+#include "archive/checks/archive_rebuild.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
 

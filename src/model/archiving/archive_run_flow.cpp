@@ -7,7 +7,7 @@
 
 #include <fmt/format.h>
 
-#include "archive/mail_email_archiver.h"
+#include "archive/run/mail_email_archiver.h"
 #include "listing/archive_capacity.h"
 #include "platform/paths.h"
 #include "records/stable_hash.h"

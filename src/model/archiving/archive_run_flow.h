@@ -13,9 +13,9 @@
 #include "model/archiving/archive_selection.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
+#include "records/archived/proof_facts.h"
 #include "records/mail_message_record.h"
-#include "records/proof_facts.h"
 
 namespace corvane {
 

@@ -9,7 +9,7 @@
 
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
-#include "records/proof_facts.h"
+#include "records/archived/proof_facts.h"
 
 namespace corvane {
 

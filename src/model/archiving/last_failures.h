@@ -7,7 +7,7 @@
 
 #include <QObject>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 #include "records/mail_message_record.h"
 #include "text/shared_text.h"
 

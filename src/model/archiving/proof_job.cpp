@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "archive/proof_lanes.h"
+#include "archive/checks/proof_lanes.h"
 #include "listing/account_titles.h"
 #include "listing/message_statistics.h"
 #include "platform/parallel.h"

@@ -11,9 +11,9 @@
 #include "listing/availability.h"
 #include "listing/proof/proof_sources.h"
 #include "model/tasks/task_slot.h"
-#include "platform/files/file_layer.h"
+#include "platform/files/layers/file_layer.h"
+#include "records/archived/proof_facts.h"
 #include "records/mail_message_record.h"
-#include "records/proof_facts.h"
 #include "records/stores/app_support.h"
 
 namespace corvane {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "locations/settings_keys.h"
-#include "records/stable_id.h"
+#include "records/archived/stable_id.h"
 
 namespace corvane {
 

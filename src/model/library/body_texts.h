@@ -15,12 +15,12 @@
 
 #include <QObject>
 
-#include "archive/body_indexing.h"
+#include "archive/bodies/body_indexing.h"
 #include "locations/archive_search.h"
 #include "model/library/library_loader.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 
 namespace corvane {
 

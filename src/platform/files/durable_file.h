@@ -6,7 +6,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/files/file_layer.h"
+#include "platform/files/layers/file_layer.h"
 #include "platform/files/private_files.h"
 
 namespace corvane::platform {

@@ -7,7 +7,7 @@
 
 #include <sys/types.h>
 
-#include "platform/files/file_layer.h"
+#include "platform/files/layers/file_layer.h"
 
 namespace corvane::platform {
 

@@ -26,7 +26,7 @@
 #include "records/json/json_form.h"
 #include "records/timestamps.h"
 #include "records/values.h"
-#include "text/charset.h"
+#include "text/charsets/charset.h"
 #include "text/shared_text.h"
 
 namespace corvane {

@@ -6,7 +6,7 @@
 #include <tuple>
 #include <utility>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 #include "records/json/json_form.h"
 #include "records/mail_account.h"
 #include "records/mail_message_record.h"

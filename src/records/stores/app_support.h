@@ -9,7 +9,7 @@
 #include <system_error>
 
 #include "platform/files/durable_file.h"
-#include "platform/files/file_layer.h"
+#include "platform/files/layers/file_layer.h"
 #include "platform/platform.h"
 
 namespace corvane {

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string_view>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 
 namespace corvane {
 

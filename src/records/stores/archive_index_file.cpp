@@ -6,7 +6,7 @@
 
 #include "platform/files/cloud_placeholder.h"
 #include "platform/files/file_look.h"
-#include "platform/files/layer_reading.h"
+#include "platform/files/layers/layer_reading.h"
 #include "records/json/record_forms.h"
 #include "records/stores/archive_index_decoder.h"
 #include "records/stores/cache_file.h"

@@ -7,9 +7,9 @@
 #include <string_view>
 
 #include "platform/files/file_identity.h"
-#include "platform/files/file_layer.h"
-#include "records/archive_records.h"
-#include "records/file_readings.h"
+#include "platform/files/layers/file_layer.h"
+#include "records/archived/archive_records.h"
+#include "records/archived/file_readings.h"
 
 namespace corvane {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 #include "records/stores/app_support.h"
 
 namespace corvane {

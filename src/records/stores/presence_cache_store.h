@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 #include "records/stores/app_support.h"
 
 namespace corvane {

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "platform/sqlite.h"
-#include "records/proof_facts.h"
+#include "records/archived/proof_facts.h"
 #include "records/stores/app_support.h"
 
 namespace corvane {

@@ -9,7 +9,7 @@
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 #include "screens/archive/archive_result.h"
 #include "screens/desktop/desktop_actions.h"
 #include "text/shared_text.h"

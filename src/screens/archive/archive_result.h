@@ -13,7 +13,7 @@
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 
 namespace corvane {
 

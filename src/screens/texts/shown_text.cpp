@@ -1,8 +1,8 @@
 #include "screens/texts/shown_text.h"
 
 #include "records/name_and_address.h"
+#include "text/charsets/utf8_step.h"
 #include "text/hidden_characters.h"
-#include "text/utf8_step.h"
 
 namespace corvane::screens {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "text/ascii.h"
+#include "text/charsets/ascii.h"
 
 namespace corvane::text {
 

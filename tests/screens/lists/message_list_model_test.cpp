@@ -5,7 +5,7 @@
 
 #include <QAbstractItemModelTester>
 
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 #include "screens/support/mail_samples.h"
 #include "screens/texts/shown_text.h"
 #include "support/temporary_home.h"

@@ -7,7 +7,7 @@
 #include <fmt/format.h>
 
 #include "locations/archive_samples.h"
-#include "records/stable_id.h"
+#include "records/archived/stable_id.h"
 #include "records/stores/account_cache_store.h"
 
 namespace corvane::testing {

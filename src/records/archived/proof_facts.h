@@ -1,0 +1,75 @@
+// What is known of files that were read for a proof, by their paths: the memory of
+// records/stores/proof_store.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "records/archived/file_readings.h"
+#include "text/position_table.h"
+
+namespace corvane {
+
+// One reading a path. Paths lie one behind another in a single text, so that hundreds of thousands of
+// readings are loaded and copied at once. One thread at a time to change, any number to ask.
+class ReadingTable {
+  public:
+    void reserve(std::size_t count);
+
+    // Replaces an earlier reading of that path.
+    void set(std::string_view path, const FileReading& reading);
+
+    // Null for a path that was never read. Valid until the next change.
+    [[nodiscard]] const FileReading* find(std::string_view path) const;
+
+    [[nodiscard]] std::size_t size() const { return rows_.size(); }
+
+  private:
+    struct Row {
+        std::uint64_t start = 0;
+        std::uint64_t length = 0;
+        FileReading reading;
+    };
+
+    [[nodiscard]] std::string_view pathAt(PositionTable::Position position) const {
+        const Row& row = rows_[position];
+        return std::string_view(paths_).substr(row.start, row.length);
+    }
+
+    std::string paths_;
+    std::vector<Row> rows_;
+    PositionTable positions_;
+};
+
+// Readings that came together, as they are added to the facts and to the store.
+struct ReadingBatch {
+    std::vector<CopyReading> copies;
+    std::map<std::string, std::vector<ArchivedFileReading>> archived; // by the archive's root
+
+    [[nodiscard]] bool isEmpty() const { return copies.empty() && archived.empty(); }
+
+    void append(ReadingBatch other);
+};
+
+struct ProofFacts {
+    ReadingTable copies;
+    std::map<std::string, ReadingTable, std::less<>> archived; // by root, then by path below it
+
+    // Null for a file that was never read. Valid until the next change.
+    [[nodiscard]] const FileReading* archivedReading(std::string_view root,
+                                                     std::string_view relativePath) const;
+
+    void add(const ReadingBatch& batch);
+
+    [[nodiscard]] bool isEmpty() const { return copies.size() == 0 && archived.empty(); }
+};
+
+using SharedProofFacts = std::shared_ptr<const ProofFacts>;
+
+} // namespace corvane
