@@ -34,7 +34,7 @@ from corvane_mail.mail_file import Mail  # noqa: E402
 from corvane_mail.structure import Scanner  # noqa: E402
 
 PROCESSOR_SECONDS = 3.0  # of one input of at most mail_grammar.LONGEST bytes; linear work takes a twentieth
-HANGING_SECONDS = 60     # by the clock, for a machine with other work; then the process is ended, whatever it does
+HANGING_SECONDS = 30.0   # of the processor at one input; then the process is ended, whatever it does
 MEMORY_BYTES = 1 << 30
 POSITION = struct.Struct("<QQ")  # the number at work and how many are done
 
@@ -110,15 +110,22 @@ def start(options, first, until, position):
                              "--inputs=%d" % options.inputs, "--findings=" + options.findings, "--position=" + position])
 
 
+def processor_seconds(process):
+    """Of a process that runs, or has ended and not been waited for."""
+    fields = pathlib.Path("/proc/%d/stat" % process).read_text().rpartition(")")[2].split()
+    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
 def watched(child, position):
-    """Waits for the child; ends it when it stays at one input for too long."""
-    last, since = None, time.monotonic()
+    """Waits for the child; ends it when it stays at one input for too long. A busy machine doesn't count."""
+    last, since = None, 0.0
     while child.poll() is None:
         time.sleep(0.2)
         number = POSITION.unpack(pathlib.Path(position).read_bytes())[0]
+        spent = processor_seconds(child.pid)
         if number != last:
-            last, since = number, time.monotonic()
-        elif time.monotonic() - since > HANGING_SECONDS:
+            last, since = number, spent
+        elif spent - since > HANGING_SECONDS:
             child.kill()
     return child.wait()
 
