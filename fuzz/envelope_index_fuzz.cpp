@@ -1,21 +1,24 @@
 // A damaged or hostile Envelope Index read by our own questions: over a connection of this process, and at a
 // slower rate through the shell, which has to list the same messages.
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <list>
 #include <memory>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <sqlite3.h>
 
 #include "database_damage.h"
 #include "fuzz_kit.h"
+#include "mailstore/index/candidate_pieces.h"
 #include "mailstore/index/candidate_query.h"
 #include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/indexed_messages.h"
@@ -34,6 +37,8 @@ namespace {
 
 // A shell costs as much as some hundred questions here.
 constexpr std::size_t inputsForOneShell = 256;
+
+constexpr int mostSteps = 1'000'000;
 
 constexpr const char* soundStore = R"(
 CREATE TABLE mailboxes(ROWID INTEGER PRIMARY KEY, url TEXT UNIQUE);
@@ -73,10 +78,10 @@ class StatementRow final : public mailstore::JsonRow {
         return texts_.emplace_back(text::repairedUtf8({bytes, size}));
     }
 
-    std::optional<std::int64_t> integer(std::string_view column) override {
+    std::optional<mailstore::JsonNumber> number(std::string_view column) override {
         const int number = numberOf(column);
         if (number < 0 || sqlite3_column_type(statement_, number) != SQLITE_INTEGER) return std::nullopt;
-        return sqlite3_column_int64(statement_, number);
+        return mailstore::JsonNumber{.whole = sqlite3_column_int64(statement_, number)};
     }
 
   private:
@@ -93,11 +98,25 @@ class StatementRow final : public mailstore::JsonRow {
 
 void checkRecord(const IndexedMessageCandidate& candidate) {
     TextInterner texts;
-    const auto labels = mailstore::mailboxLabels(candidate.mailboxURL, {{"imap://A", "me@example.org"}});
-    const auto record = mailstore::recordFromCandidate(candidate, FileURL("/1.emlx"), {}, labels, texts);
+    auto record = mailstore::recordFromCandidate(candidate, FileURL("/1.emlx"), {}, texts);
+    mailstore::mailboxLabels(candidate.mailboxURL, {{"imap://A", "me@example.org"}}).applyTo(record);
     for (const SharedText& text : {record.subject, record.sender, record.recipients, record.mailbox})
         require(text::isValidUtf8(text));
 }
+
+// What a question of the scan gives: where each message stands, newest first.
+struct Listed {
+    std::int64_t date;
+    std::int64_t rowID;
+
+    bool operator==(const Listed&) const = default;
+};
+
+using Listing = std::vector<Listed>;
+
+constexpr auto isListedBefore = [](const Listed& a, const Listed& b) {
+    return a.date != b.date ? a.date > b.date : a.rowID < b.rowID;
+};
 
 int stopAtOnce(void* /*unused*/) {
     return 1;
@@ -123,64 +142,99 @@ class Store {
 
     void askForMailboxes() const { mailstore::trashAndJunkMailboxIDs(context_, index_); }
 
-    // The messages listed; absent when the question fails or takes too long.
-    [[nodiscard]] std::optional<std::size_t> countHere(bool hasIdentifiers) const {
-        constexpr int mostSteps = 1'000'000;
+    // The messages that the question lists; absent when it fails or takes more steps.
+    [[nodiscard]] std::optional<Listing> ask(const std::string& sql, int steps) const {
         try {
-            const mailstore::ReadOnlyConnection connection(index_,
-                                                           mailstore::ReadOnlyConnection::NameKind::path);
-            sqlite3_progress_handler(connection.handle(), mostSteps, stopAtOnce, nullptr);
-            const std::string sql = mailstore::candidateQuery({}, hasIdentifiers);
+            const mailstore::ReadOnlyConnection connection(
+                index_, mailstore::ReadOnlyConnection::NameKind::path,
+                {.deadline = std::chrono::steady_clock::time_point::max(), .stop = {}});
+            // Not by the clock, so that a finding is found again.
+            sqlite3_progress_handler(connection.handle(), steps, stopAtOnce, nullptr);
             sqlite3_stmt* statement = nullptr;
             sqlite3_prepare_v2(connection.handle(), sql.c_str(), -1, &statement, nullptr);
-            const auto count = countRows(statement);
+            const auto listing = listed(statement);
             sqlite3_finalize(statement);
-            return count;
+            return listing;
         } catch (const mailstore::SqliteError&) {
             return std::nullopt;
         }
     }
 
+    // The same by the shell, in pieces.
     [[nodiscard]] std::optional<std::size_t> countByShell() const {
         std::size_t count = 0;
         try {
-            mailstore::visitIndexedCandidates(context_, home_.at("Library/Mail"), {}, {},
-                                              [&](const auto& candidate) {
-                                                  checkRecord(candidate);
-                                                  ++count;
-                                              });
+            mailstore::CandidatePieces pieces(context_, home_.at("Library/Mail"), {}, 2);
+            while (const auto piece = pieces.next()) {
+                const bool isWhole = mailstore::readJsonRows(piece->path(), [&](mailstore::JsonRow& row) {
+                    const auto candidate = mailstore::candidateOf(row);
+                    if (candidate) checkRecord(*candidate);
+                    if (candidate) ++count;
+                });
+                if (!isWhole) return std::nullopt;
+            }
         } catch (const MailIndexQueryError&) {
             return std::nullopt;
         }
         return count;
     }
 
+    // Its form is sound, whatever it holds, and it answers the same each time.
+    [[nodiscard]] bool isSound() const {
+        sqlite3* handle = nullptr;
+        sqlite3_open(index_.c_str(), &handle);
+        const platform::SqliteConnection database(handle);
+        platform::SqliteStatement check(handle, "PRAGMA integrity_check(1);");
+        if (!check.step() || check.text(0) != "ok") return false;
+        platform::SqliteStatement views(
+            handle, "SELECT 1 FROM sqlite_schema WHERE type != 'table' AND type != 'index';");
+        return !views.step() && views.status() == SQLITE_DONE;
+    }
+
   private:
-    static std::optional<std::size_t> countRows(sqlite3_stmt* statement) {
+    static std::optional<Listing> listed(sqlite3_stmt* statement) {
         if (statement == nullptr) return std::nullopt;
-        std::size_t count = 0;
+        Listing listing;
         int status = sqlite3_step(statement);
         for (; status == SQLITE_ROW; status = sqlite3_step(statement)) {
             StatementRow row(statement);
             const auto candidate = mailstore::candidateOf(row);
             if (candidate) checkRecord(*candidate);
-            if (candidate) ++count;
+            if (candidate) listing.push_back({row.integer("msgDate").value_or(-1), candidate->rowID});
         }
-        return status == SQLITE_DONE ? std::optional(count) : std::nullopt;
+        return status == SQLITE_DONE ? std::optional(listing) : std::nullopt;
     }
 
     fuzz::FuzzFolder home_;
     std::string index_ = home_.at("Library/Mail/V10/MailData/Envelope Index");
     std::unique_ptr<platform::Platform> platform_ = platform::makePlatform(home_.path());
     CorvaneAppSupport support_{*platform_};
-    MailStoreContext context_{
-        .platform = *platform_, .support = support_, .queryTimeLimit = std::chrono::seconds(2)};
+    MailStoreContext context_{.platform = *platform_,
+                              .support = support_,
+                              .queryTimeLimit = std::chrono::seconds(1),
+                              .longQueryTimeLimit = std::chrono::seconds(1)};
     std::string sound_;
 };
 
 // Of the bytes themselves, so that a finding is found again.
 bool isForShell(std::string_view input) {
     return std::hash<std::string_view>()(input) % inputsForOneShell == 0;
+}
+
+// Pieces that were asked by ranges of rows, joined, are what the one question gives.
+void checkPieces(const Store& store, const Listing& whole, std::int64_t border) {
+    constexpr std::int64_t first = std::numeric_limits<std::int64_t>::min();
+    constexpr std::int64_t last = std::numeric_limits<std::int64_t>::max();
+    const auto low =
+        store.ask(mailstore::candidateQuery({}, true, {.first = first, .last = border}), 4 * mostSteps);
+    const auto high =
+        store.ask(mailstore::candidateQuery({}, true, {.first = border + 1, .last = last}), 4 * mostSteps);
+    require(low && high);
+    Listing joined = *low;
+    joined.insert(joined.end(), high->begin(), high->end());
+    std::ranges::sort(joined, isListedBefore);
+    const bool hasOtherDates = std::ranges::any_of(whole, [](const Listed& each) { return each.date == -1; });
+    require(joined.size() == whole.size() && (hasOtherDates || joined == whole));
 }
 
 } // namespace
@@ -190,10 +244,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view input = fuzz::textOf(data, size);
     store.replaceIndex(fuzz::damagedDatabase(store.sound(), input));
     store.askForMailboxes();
-    const auto withIdentifiers = store.countHere(true);
-    const auto without = store.countHere(false);
+    const auto whole = store.ask(mailstore::candidateQuery({}, true), mostSteps);
+    const auto without = store.ask(mailstore::candidateQuery({}, false), mostSteps);
+    const bool isSound = store.isSound();
+    if (whole && isSound) checkPieces(store, *whole, static_cast<std::int64_t>(size % 48));
     if (!isForShell(input)) return 0;
     const auto byShell = store.countByShell();
-    if (byShell && (withIdentifiers || without)) require(byShell == withIdentifiers || byShell == without);
+    if (byShell && isSound && (whole || without))
+        require((whole && byShell == whole->size()) || (without && byShell == without->size()));
     return 0;
 }

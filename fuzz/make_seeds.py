@@ -43,6 +43,7 @@ HOSTILE_SEARCH = [
     "CREATE TABLE x(a GENERATED ALWAYS AS (hex(randomblob(9))) STORED); DROP TABLE meta;", "DROP TABLE meta; CREATE TABLE meta(key, value CHECK(length(value) < 0));",
 ]
 HOSTILE_INDEX = [
+    "DROP TABLE mailboxes; CREATE VIEW mailboxes AS WITH RECURSIVE c(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM c) SELECT x AS ROWID, 'u' AS url FROM c;",
     "DROP TABLE subjects; CREATE VIEW subjects AS SELECT 1 AS ROWID, load_extension('x') AS subject;", "UPDATE messages SET mailbox = NULL, date_received = 'x';",
     "UPDATE mailboxes SET url = x'ff00fe';", "UPDATE addresses SET comment = char(0, 10, 34, 8238), address = CAST(x'80' AS TEXT);", "UPDATE messages SET display_date = 9e18, size = -1;",
     "UPDATE attachments SET name = char(31) || name || '^_' || char(31);", "UPDATE message_global_data SET message_id = 1;", "DROP TABLE message_global_data;",
