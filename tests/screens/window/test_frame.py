@@ -88,7 +88,7 @@ class FrameTest(unittest.TestCase):
                 with self.display.window(self.home) as second:
                     line = second.wait_for_part("blockedStartLine")["text"]
                     self.assertIn(str(first.process.pid), line)
-                    self.assertTrue(second.wait_for_part("leaveButton")["focus"])
+                    second.wait_for_part("leaveButton", lambda button: button["focus"])
                     second.picture(PICTURES / "blocked-start.png")
                     second.press_to("retryStartButton", "Left")
                     second.press("Return")
