@@ -39,6 +39,7 @@ std::string addressLabel(const MailAccount& account) {
 
 std::vector<std::string> addressLabels(const std::vector<MailAccount>& accounts) {
     std::vector<std::string> labels;
+    labels.reserve(accounts.size());
     for (const MailAccount& account : accounts) labels.push_back(addressLabel(account));
     return labels;
 }

@@ -51,6 +51,7 @@ std::vector<LibraryLocationFilterOption> locationOptions(std::span<const EntryPo
     std::unordered_map<std::string_view, std::int64_t> counts;
     for (const EntryPosition position : positions) ++counts[entries[position].locationRootPath];
     std::vector<LibraryLocationFilterOption> options;
+    options.reserve(counts.size());
     for (const auto& [root, count] : counts) options.push_back(optionOf(root, count, locations));
     std::ranges::sort(options, {}, [](const LibraryLocationFilterOption& option) {
         return std::tuple(!option.isConnected, -option.count, std::string_view(option.title),

@@ -7,22 +7,18 @@ namespace corvane {
 
 namespace {
 
-// The filters turned into what an entry is compared with quickest.
 class EntryTest {
   public:
     EntryTest(const ArchiveLibraryIndex& index, const LibraryFilters& filters)
       : index_(index)
-      , filters_(filters)
-      , wanted_(index.accounts().size(), !filters.libraryAccountFilter) {
-        if (!filters.libraryAccountFilter) return;
-        for (std::size_t account = 0; account < wanted_.size(); ++account)
-            wanted_[account] = index.accounts()[account].key == *filters.libraryAccountFilter;
+      , filters_(filters) {
+        if (filters.libraryAccountFilter) account_ = index.accountNumber(*filters.libraryAccountFilter);
     }
 
     bool operator()(EntryPosition position) const {
         const ArchivedEntry& entry = index_.entry(position);
         return fits(filters_.libraryLocationFilter, entry.locationRootPath) &&
-               wanted_[index_.accountOf()[position]] &&
+               (!filters_.libraryAccountFilter || account_ == index_.accountOf()[position]) &&
                fits(filters_.libraryMailboxFilter, entry.record.mailbox) &&
                (filters_.matchedIDs == nullptr || filters_.matchedIDs->contains(entry.record.id));
     }
@@ -34,7 +30,7 @@ class EntryTest {
 
     const ArchiveLibraryIndex& index_;
     const LibraryFilters& filters_;
-    std::vector<bool> wanted_; // by account
+    std::optional<std::uint32_t> account_; // that the filter names
 };
 
 std::vector<EntryPosition> passing(const ArchiveLibraryIndex& index, std::span<const EntryPosition> entries,

@@ -57,6 +57,7 @@ std::string joinedRules(const ArchiveAccountMergeRules& rules) {
 
 std::string joinedLocations(const std::vector<ArchiveLocation>& locations) {
     std::vector<const ArchiveLocation*> sorted;
+    sorted.reserve(locations.size());
     for (const ArchiveLocation& location : locations) sorted.push_back(&location);
     std::ranges::stable_sort(sorted, {}, &ArchiveLocation::rootPath);
     JoinedTexts texts;
@@ -121,6 +122,7 @@ void ArchiveLibraryIndex::mergeTitles(const std::vector<ArchiveAccountScope>& sc
                                       const std::vector<std::uint32_t>& scopeOf) {
     const auto keyAt = [this](std::uint32_t account) { return std::string_view(accounts_[account].key); };
     std::vector<std::uint32_t> accountOfScope;
+    accountOfScope.reserve(scopes.size());
     for (const ArchiveAccountScope& scope : scopes) {
         const auto next = static_cast<std::uint32_t>(accounts_.size());
         const auto [account, isNew] = accountByKey_.insert(scope.key, next, keyAt);

@@ -88,6 +88,9 @@ class ArchiveLibraryIndex {
     // The place in `accounts()` of each entry's account.
     [[nodiscard]] const std::vector<std::uint32_t>& accountOf() const { return accountOf_; }
 
+    // The place of a key's account in `accounts()`; nullopt for a key that none has.
+    [[nodiscard]] std::optional<std::uint32_t> accountNumber(std::string_view key) const;
+
     // One a key, in the order of their first entries.
     [[nodiscard]] const std::vector<ArchiveAccountScope>& accounts() const { return accounts_; }
 
@@ -137,8 +140,6 @@ class ArchiveLibraryIndex {
     [[nodiscard]] const OrderedList& list(LibraryOrder order) const {
         return order == LibraryOrder::newestFirst ? newest_ : oldest_;
     }
-
-    [[nodiscard]] std::optional<std::uint32_t> accountNumber(std::string_view key) const;
 
     [[nodiscard]] std::string entryID(EntryPosition position) const { return entry(position).id(); }
 

@@ -54,8 +54,8 @@ SharedTextSet SpaceSenderTicks::messageIDs(
 }
 
 std::string spaceDetailCountLine(const SpaceAccountUsage& account) {
-    const std::string messages = fmt::format("{} 封 · {} · 本机可备份", grouped(account.localCount),
-                                             formatByteCount(account.localBytes));
+    std::string messages = fmt::format("{} 封 · {} · 本机可备份", grouped(account.localCount),
+                                       formatByteCount(account.localBytes));
     if (account.topSenders.empty()) return messages;
     return fmt::format("{} 个发件人 · {}", grouped(static_cast<std::int64_t>(account.topSenders.size())),
                        messages);
