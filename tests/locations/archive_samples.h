@@ -2,7 +2,6 @@
 #pragma once
 
 #include <chrono>
-#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -24,7 +23,7 @@ inline ArchivedEmailRecord sampleRecord(const std::string& id) {
     return record;
 }
 
-inline EmailArchiveIndex sampleIndex(int createdAt, std::initializer_list<std::string> ids) {
+inline EmailArchiveIndex sampleIndex(int createdAt, const std::vector<std::string>& ids) {
     EmailArchiveIndex index{
         Date(std::chrono::seconds(createdAt)), Date(std::chrono::seconds(createdAt + 1)), {}};
     for (const std::string& id : ids) index.records.push_back(sampleRecord(id));

@@ -49,7 +49,7 @@ TEST_F(LoadedArchives, OneOfTheSameArchivesStays) {
         const char* path;
         bool connected;
         int createdAt;
-        std::initializer_list<std::string> ids = {"mid:a"};
+        std::vector<std::string> ids{"mid:a"};
     };
 
     const struct {

@@ -66,9 +66,9 @@ struct SpreadStore : testing::ScannedStore {
                  .date = startOf2024 + static_cast<std::int64_t>(random() % 40),
                  .header = i < 100 ? fmt::format("<{}@x>", i % 50) : ""});
         }
+        int rest = 0;
         for (const char* odd : {"1704067210.5", "1704067210.25", "'text'", "'texu'", "9e15"})
-            execute(
-                fmt::format("UPDATE messages SET date_received = {} WHERE rowid % 7 = {}", odd, odd[5] % 7));
+            execute(fmt::format("UPDATE messages SET date_received = {} WHERE rowid % 7 = {}", odd, rest++));
         execute("COMMIT");
         close();
     }
