@@ -95,6 +95,18 @@ FAULTS = (
           "if (!input.locallyAvailableIDs.contains(message.id)) continue;", "", ("listing", "model")),
     Fault("a window's safe figure counts what isn't archived", "deletion_safety.cpp",
           "} else if (archivedIDs.contains(message.id)) {", "} else {", ("listing", "screens_home")),
+    # Proof: what may be deleted.
+    Fault("archived mail is deletable without a proof", "deletion_safety.h", "local > 0 && proofs.proven == local",
+          "local > 0 && archived == local", ("screens_home", "model")),
+    Fault("a reading outlives a change of its copy", "proof_outcome.cpp",
+          "copy.reading != nullptr && copy.reading->stamp == copy.stamp ?", "copy.reading != nullptr ?", ("listing",)),
+    Fault("a reading outlives a change of its archived file", "proof_outcome.cpp",
+          "reading == nullptr || reading->stamp != file.stamp", "reading == nullptr", ("listing",)),
+    Fault("the mildest of several verdicts stands", "proof_outcome.cpp",
+          "if (gravity(verdict.outcome) > gravity(gravest.outcome))",
+          "if (gravity(verdict.outcome) < gravity(gravest.outcome))", ("listing",)),
+    Fault("a record's hash isn't asked for", "proof_outcome.cpp", "return !hash || *hash == reading.hash;", "return true;",
+          ("listing", "model")),
     # What others can see, and what is left.
     Fault("others may read what is written", "durable_file.cpp", "return existing.st_mode & most;",
           "return existing.st_mode & 0777;", ("platform",)),
