@@ -97,7 +97,7 @@ void printReadable(const ProofAnswer& answer) {
 void warnOfHungPlaces(const ProofFlow& proof) {
     if (!proof.lastEnd()) return;
     for (const std::string& root : proof.lastEnd()->hungPlaces)
-        consoleLine(fmt::format("没有响应，未能核对：{}", root.empty() ? "Mail 存储" : root));
+        messageLine(fmt::format("没有响应，未能核对：{}", root.empty() ? "Mail 存储" : root));
 }
 
 void proveToEnd(Session& session, const ProofScope& scope) {

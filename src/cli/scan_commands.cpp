@@ -62,7 +62,7 @@ int runScanToEnd(Session& session, bool json, const std::function<void()>& start
     QObject::disconnect(notePublished);
     const double seconds = std::chrono::duration<double>(published - begin).count();
     if (model.catalog().state()->isPartial())
-        consoleLine("扫描没有完成，列出的邮件不是全部；上次的完整结果没有改动。");
+        messageLine("扫描没有完成，列出的邮件不是全部；上次的完整结果没有改动。");
     if (wasInterrupted()) throw Interrupted();
     const MailScanState& state = model.scanFlow().state();
     const bool isFailure = state.kind == MailScanState::Kind::failed;

@@ -91,7 +91,7 @@ int runSearch(Session& session, const std::string& text, bool json) {
     });
     session.waitUntilIdle();
     for (const std::string& root : rootsNotAsked)
-        consoleLine(fmt::format("没能搜索这个归档，结果里没有它的邮件：{}", root));
+        messageLine(fmt::format("没能搜索这个归档，结果里没有它的邮件：{}", root));
     std::ranges::sort(ids);
     if (json) {
         JsonDocument document;
