@@ -110,7 +110,6 @@ int runArchive(Session& session, const ArchiveOptions& options, bool json) {
     } else {
         result = runToEnd(session);
     }
-    for (const std::string& warning : result.archiveWarnings) consoleLine(warning);
     if (!options.withoutIndex && !wasInterrupted())
         fillBodyIndex(session, {.roots = {platform::standardizedPath(options.destination)},
                                 .total = result.archivedCount,

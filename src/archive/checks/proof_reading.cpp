@@ -9,8 +9,6 @@
 #include "platform/files/file_look.h"
 #include "platform/paths.h"
 #include "records/timestamps.h"
-#include "text/charsets/encoding.h"
-#include "text/trim.h"
 
 namespace corvane::archive {
 
@@ -37,12 +35,6 @@ void hash(std::string_view message, const BodyHashNeed& needsBodyHash, FileReadi
         reading.bodyHash = platform::sha256(message.substr(bodyStartIndex(message)));
 }
 
-// Whether the message has as many bytes as the file's first line says, and any at all.
-bool isWhole(std::string_view emlx, std::string_view message) {
-    const auto count = text::parseInteger(text::trimWhitespaceAndNewlines(emlx.substr(0, emlx.find('\n'))));
-    return !message.empty() && count == static_cast<std::int64_t>(message.size());
-}
-
 FileReading readingOfCopy(const std::optional<std::string>& file, const BodyHashNeed& needsBodyHash) {
     FileReading reading;
     const auto message = file ? messageData(*file) : std::nullopt;
@@ -51,7 +43,7 @@ FileReading readingOfCopy(const std::optional<std::string>& file, const BodyHash
         reading.outcome = file && file->empty() ? Outcome::incomplete : Outcome::unreadable;
         return reading;
     }
-    reading.outcome = isWhole(*file, *message) ? Outcome::complete : Outcome::incomplete;
+    reading.outcome = isWholeMessage(*file, *message) ? Outcome::complete : Outcome::incomplete;
     hash(*message, needsBodyHash, reading);
     return reading;
 }
