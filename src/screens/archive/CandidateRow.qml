@@ -10,6 +10,9 @@ ListRow {
     required property string sender
     required property string dateText
     required property string sizeText
+    // Why it isn't archived yet, where that is known.
+    required property string trouble
+    required property string troubleTone
     required property bool ticked
     required selected
     required property ArchiveCandidatesModel model
@@ -40,10 +43,25 @@ ListRow {
         }
     }
     AppText {
+        id: subjectLabel
+        readonly property real room: parent.width - x - 347
         x: 39
         anchors.verticalCenter: parent.verticalCenter
-        width: parent.width - x - 347
+        width: Math.min(implicitWidth, room - (reason.visible ? reason.width + Theme.section : 0))
         text: row.subject
+        Accessible.ignored: true
+    }
+    AppText {
+        id: reason
+        objectName: "candidateReason" + row.index
+        anchors.left: subjectLabel.right
+        anchors.leftMargin: Theme.section
+        anchors.verticalCenter: parent.verticalCenter
+        width: Math.min(implicitWidth, subjectLabel.room / 2)
+        visible: text.length > 0
+        text: row.trouble
+        role: AppText.Note
+        color: row.troubleTone.length > 0 ? Theme.toneText(row.troubleTone) : Theme.text2
         Accessible.ignored: true
     }
     AppText {

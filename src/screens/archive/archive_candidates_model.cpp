@@ -103,6 +103,7 @@ void ArchiveCandidatesModel::show(const SharedMessageList& candidates) {
         [this, candidates, ticks](const Shown& shown) {
             isLoading_ = false;
             apply(candidates, shown.changes);
+            setTroubles(MessageTroubles::known(model_));
             setSum(shown.sum);
             if (ticks != model_.ticks().selectedArchiveMessageIDs()) sumSelection();
             Q_EMIT loadingChanged();

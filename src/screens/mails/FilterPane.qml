@@ -52,7 +52,7 @@ FocusGroup {
                 objectName: "troubledFilter"
                 width: parent.width
                 title: "只看有问题的邮件"
-                countText: ""
+                countText: pane.filters.troubledCountText
                 ticked: pane.filters.onlyTroubled
                 onClicked: pane.filters.onlyTroubled = !ticked
             }

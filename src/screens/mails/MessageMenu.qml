@@ -30,6 +30,12 @@ AppMenu {
         enabled: menu.screen.canArchive
         onTriggered: menu.screen.actions.archiveSelection()
     }
+    AppMenuRow {
+        objectName: "setAsideRow"
+        text: menu.screen.detail.shown.isSetAside ? "不再放一边" : "先放一边"
+        enabled: menu.screen.detail.shown.isSetAside || !menu.screen.detail.shown.archived
+        onTriggered: menu.screen.actions.setAside(!menu.screen.detail.shown.isSetAside)
+    }
     AppMenuLine {}
     AppMenuRow {
         text: menu.several ? "拷贝选中的行" : "拷贝这一行"

@@ -23,6 +23,7 @@ struct ListedCounts {
 
     std::map<std::string, Account, std::less<>> byAccount; // by the key of the account filter
     std::map<std::int64_t, std::int64_t> byYear;
+    std::int64_t troubled = 0; // with a reason why they don't count as archived
 };
 
 // Counts what is on this machine, which is what the list shows. Unfinished when stopped.

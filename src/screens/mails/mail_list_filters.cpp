@@ -88,6 +88,10 @@ void MailListFilters::setOnlyTroubled(bool only) {
     filters_.setOnlyTroubled(only);
 }
 
+QString MailListFilters::troubledCountText() const {
+    return counts_.troubled == 0 ? QString() : screens::shownCount(counts_.troubled);
+}
+
 void MailListFilters::toggleAccount(int row) {
     if (const FilterOption* const option = accountOptions_.record(row))
         filters_.setFilterAccountPrefixes(toggled(filters_.filterAccountPrefixes(), option->key));

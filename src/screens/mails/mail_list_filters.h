@@ -36,6 +36,7 @@ class MailListFilters : public QObject {
     Q_PROPERTY(int minimumAttachments READ minimumAttachments WRITE setMinimumAttachments NOTIFY changed)
     Q_PROPERTY(bool onlyBeforeCutoff READ onlyBeforeCutoff WRITE setOnlyBeforeCutoff NOTIFY changed)
     Q_PROPERTY(bool onlyTroubled READ onlyTroubled WRITE setOnlyTroubled NOTIFY changed)
+    Q_PROPERTY(QString troubledCountText READ troubledCountText NOTIFY changed)
     Q_PROPERTY(int cutoffYear READ cutoffYear NOTIFY changed)
     Q_PROPERTY(bool narrowsYears READ narrowsYears NOTIFY changed)
     Q_PROPERTY(bool narrows READ narrows NOTIFY changed)
@@ -62,6 +63,9 @@ class MailListFilters : public QObject {
 
     // Only mail with a reason why it doesn't count as archived.
     [[nodiscard]] bool onlyTroubled() const { return filters_.onlyTroubled(); }
+
+    // How many those are; empty for none.
+    [[nodiscard]] QString troubledCountText() const;
 
     [[nodiscard]] int cutoffYear() const { return static_cast<int>(filters_.yearCutoff()); }
 

@@ -59,6 +59,7 @@ void MailListScreen::wire() {
     connect(&model_.catalog(), &MessageCatalog::archivedMessagesChanged, this,
             &MailListScreen::updateArchived);
     connect(&model_.lastFailures(), &LastFailures::changed, this, &MailListScreen::updateArchived);
+    connect(&model_.library(), &LibraryLoader::archiveLocationsChanged, this, &MailListScreen::showDetail);
     connect(&model_.catalog(), &MessageCatalog::availabilityPublished, this, &MailListScreen::recount);
     connect(&model_.catalog(), &MessageCatalog::previewReplaced, this, &MailListScreen::updatePreview);
     connect(&model_.previews(), &PreviewRefresh::nothingFound, &detail_, &MessageDetail::setPreviewMissing);
@@ -170,8 +171,9 @@ void MailListScreen::showDetail() {
     const MailMessageRecord* newest =
         message == nullptr ? nullptr : model_.catalog().messageByID(message->id);
     if (newest == nullptr) newest = message;
-    detail_.show(newest, newest != nullptr && list_.isArchived(*newest),
-                 newest == nullptr ? MessageTrouble() : list_.troubleOf(*newest));
+    if (newest == nullptr) return detail_.show(nullptr, {});
+    detail_.show(newest, {list_.isArchived(*newest), list_.troubleOf(*newest),
+                          screens::awayProofText(model_, *newest)});
 }
 
 void MailListScreen::updatePreview(const QString& id) {
@@ -183,8 +185,7 @@ void MailListScreen::updatePreview(const QString& id) {
 void MailListScreen::updateArchived() {
     const MessageCatalog& catalog = model_.catalog();
     list_.setArchivedIDs(catalog.archivedMessageIDs());
-    list_.setTroubles({catalog.proofs(), catalog.setAsideIDs(), model_.lastFailures().reasons(),
-                       catalog.archivedMessageIDs()});
+    list_.setTroubles(MessageTroubles::known(model_));
     showDetail();
     updateCanArchive();
 }
@@ -194,14 +195,18 @@ void MailListScreen::recount() {
         SharedMessageList messages;
         std::shared_ptr<const SharedTextSet> available;
         std::shared_ptr<const YearByID> years;
+        std::shared_ptr<const SharedTextSet> troubled;
     };
 
     MessageCatalog& catalog = model_.catalog();
     countTask_.start(
         TaskPriority::utility,
-        Job{catalog.messages(), catalog.locallyAvailableIDs(), catalog.messageYearByID()},
+        Job{catalog.messages(), catalog.locallyAvailableIDs(), catalog.messageYearByID(),
+            catalog.troubledIDs()},
         [](const Job& job, const TaskHandle& task) {
-            return listedCounts(*job.messages, *job.available, *job.years, task.stopToken());
+            ListedCounts counts = listedCounts(*job.messages, *job.available, *job.years, task.stopToken());
+            counts.troubled = static_cast<std::int64_t>(job.troubled->size());
+            return counts;
         },
         [this](ListedCounts counts) { filters_.setCounts(std::move(counts)); });
     updateState();
@@ -253,12 +258,17 @@ QString MailListScreen::selectionText() const {
     return QStringLiteral("已选 ") + countAndSize(rows.count(), bytes);
 }
 
+// What was set aside, or can't be read whole, is no candidate.
+bool MailListScreen::canBeArchived(const MailMessageRecord& message) const {
+    return !list_.isArchived(message) && !model_.catalog().withheldIDs()->contains(message.id.view());
+}
+
 bool MailListScreen::mayArchiveSelection() const {
     if (model_.archiveRun().isArchiving()) return false;
     int looked = 0;
     for (const auto& range : list_.selection()->rows().ranges()) {
         for (int row = range.first; row < range.end; ++row) {
-            if (++looked > mostRowsLookedAt || !list_.isArchived(*list_.record(row))) return true;
+            if (++looked > mostRowsLookedAt || canBeArchived(*list_.record(row))) return true;
         }
     }
     return false;

@@ -115,6 +115,7 @@ class MailListScreen : public QObject {
     void recount();
     void updateState();
     void updateCanArchive();
+    [[nodiscard]] bool canBeArchived(const MailMessageRecord& message) const;
     [[nodiscard]] bool mayArchiveSelection() const;
     [[nodiscard]] State currentState() const;
     [[nodiscard]] const MailMessageRecord* current() const;

@@ -1,7 +1,12 @@
 #include "screens/texts/message_trouble.h"
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 
+#include "listing/proof/away_proofs.h"
+#include "model/corvane_view_model.h"
+#include "records/formatters.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {
@@ -45,6 +50,12 @@ MessageTrouble proofTrouble(const ProofVerdict& verdict) {
 
 } // namespace
 
+MessageTroubles MessageTroubles::known(CorvaneViewModel& model) {
+    const MessageCatalog& catalog = model.catalog();
+    return {catalog.proofs(), catalog.setAsideIDs(), model.lastFailures().reasons(),
+            catalog.archivedMessageIDs()};
+}
+
 MessageTrouble MessageTroubles::of(const MailMessageRecord& message) const {
     if (!setAsideIDs->empty() && setAsideIDs->contains(message.id)) {
         return {QStringLiteral("minus"), QString(), QStringLiteral("先放一边"),
@@ -53,13 +64,32 @@ MessageTrouble MessageTroubles::of(const MailMessageRecord& message) const {
     if (!archivedIDs->contains(message.id)) {
         if (const SharedText* reason = failureReason(*failures, message)) {
             const QString text = screens::wholeText(*reason);
-            return {QStringLiteral("octagon-x"), QStringLiteral("danger"),
-                    QStringLiteral("上次失败：") + text.section(u'。', 0, 0), text};
+            return {QStringLiteral("octagon-x"),
+                    QStringLiteral("danger"),
+                    QStringLiteral("上次失败：") + text.section(u'。', 0, 0),
+                    text,
+                    false,
+                    true};
         }
     }
     const ProofVerdict* const verdict =
         proofs->against.empty() ? nullptr : proofs->verdictAgainst(message.id);
     return verdict == nullptr ? MessageTrouble() : proofTrouble(*verdict);
 }
+
+namespace screens {
+
+QString shownDay(Date date) {
+    constexpr std::size_t dayLength = std::string_view("2026-11-22").size();
+    return wholeText(formatListDate(date).substr(0, dayLength));
+}
+
+QString awayProofText(CorvaneViewModel& model, const MailMessageRecord& message) {
+    const ArchiveRoots away = disconnectedRoots(model.library().archiveLocations());
+    const auto date = awayProofDate(*model.catalog().proofs(), away, message);
+    return date ? QStringLiteral("%1 的比对，归档磁盘未连接").arg(shownDay(*date)) : QString();
+}
+
+} // namespace screens
 
 } // namespace corvane

@@ -8,9 +8,12 @@
 #include "listing/proof/proof_table.h"
 #include "model/archiving/last_failures.h"
 #include "records/mail_message_record.h"
+#include "records/values.h"
 #include "text/shared_text.h"
 
 namespace corvane {
+
+class CorvaneViewModel;
 
 // All empty for a message without trouble.
 struct MessageTrouble {
@@ -19,6 +22,7 @@ struct MessageTrouble {
     QString label; // "与归档不一致"
     QString text;  // what it means and what helps
     bool isSetAside = false;
+    bool hasFailed = false; // in the last run
 
     [[nodiscard]] bool isPresent() const { return !label.isEmpty(); }
 
@@ -32,8 +36,20 @@ struct MessageTroubles {
     std::shared_ptr<const FailureReasons> failures = std::make_shared<const FailureReasons>();
     std::shared_ptr<const SharedTextSet> archivedIDs = std::make_shared<const SharedTextSet>();
 
+    static MessageTroubles known(CorvaneViewModel& model);
+
     // A failure of the last run stands before what a proof has found, as long as the message isn't archived.
     [[nodiscard]] MessageTrouble of(const MailMessageRecord& message) const;
 };
+
+namespace screens {
+
+// "2026-11-22 的比对，归档磁盘未连接": of a proof that rests on an archive which isn't connected; else empty.
+QString awayProofText(CorvaneViewModel& model, const MailMessageRecord& message);
+
+// That day, as the window writes it.
+QString shownDay(Date date);
+
+} // namespace screens
 
 } // namespace corvane

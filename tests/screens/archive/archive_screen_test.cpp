@@ -189,6 +189,9 @@ TEST_F(ArchiveSheet, FailuresCanBeCopiedAndTriedAgain) {
     settle();
     EXPECT_EQ(archiveScreen_.stage(), Stage::Confirm) << "where another place can be chosen";
     ASSERT_EQ(candidates_.count(), 1);
+    EXPECT_TRUE(candidates_.data(candidates_.index(0), ArchiveCandidatesModel::TroubleRole)
+                    .toString()
+                    .startsWith(QStringLiteral("上次失败：")));
     run();
     EXPECT_TRUE(archiveScreen_.outcome()->view().isSafe);
 }
@@ -240,7 +243,9 @@ TEST_F(ArchiveSheet, CandidatesThatAreArchivedElsewhereLeaveTheSheet) {
     publishThree();
     chooseDestination(home_.at("归档"));
     openForYears({1});
-    testing::writeArchive(home_, "归档", testing::sampleIndex(1, {"mid:a@example.org"}));
+    EmailArchiveIndex index = testing::sampleIndex(1, {"mid:a@example.org"});
+    index.records.front().sizeBytes = 12; // as its file has
+    testing::writeArchive(home_, "归档", index);
     QSignalSpy resets(&candidates_, &QAbstractItemModel::modelReset);
     model_.library().loadEmailArchiveIndex(home_.at("归档"), true);
     settle();

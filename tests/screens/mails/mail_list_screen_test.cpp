@@ -213,6 +213,25 @@ TEST_F(MailListScreenTest, ArchivedMessagesAreMarkedAndNotHandedOver) {
     EXPECT_EQ(handed, nullptr);
 }
 
+TEST_F(MailListScreenTest, WhatWasSetAsideIsNotOfferedUntilItIsTakenBack) {
+    publish({local("a"), local("b")});
+    EXPECT_EQ(screen_.filters()->troubledCountText(), QString());
+    screen_.actions()->setAside(true);
+    settle();
+    EXPECT_TRUE(screen_.detail()->shown().isSetAside);
+    EXPECT_FALSE(screen_.canArchive());
+    EXPECT_EQ(screen_.filters()->troubledCountText(), QStringLiteral("1"));
+    screen_.filters()->setOnlyTroubled(true);
+    settle();
+    EXPECT_EQ(subjects(), texts({"a"}));
+    screen_.actions()->setAside(false);
+    settle();
+    EXPECT_TRUE(subjects().isEmpty());
+    screen_.filters()->clear();
+    settle();
+    EXPECT_TRUE(screen_.canArchive());
+}
+
 TEST_F(MailListScreenTest, CopiesAndOpensWhatIsSelected) {
     const testing::TimeZoneGuard zone("UTC");
     auto formula = local("=HYPERLINK(1)\n第二行");

@@ -145,7 +145,7 @@ Item {
             verify(findChild(page, "filterButton").activeFocus);
             mouseClick(findChild(page, "filterButton"));
             tryVerify(() => findChild(page, "filterPopup").opened);
-            compare(page.Window.activeFocusItem.objectName, "accountFilter0");
+            compare(page.Window.activeFocusItem.objectName, "troubledFilter");
             keyClick(Qt.Key_Escape);
             tryVerify(() => !findChild(page, "filterPopup").visible);
             verify(findChild(page, "filterButton").activeFocus);

@@ -19,6 +19,7 @@ TEST(MessageTroubles, TellTheReasonThatStandsInTheWay) {
     troubles.failures = std::make_shared<const FailureReasons>(
         FailureReasons{{message.id, "邮件未下载到本地。请在 Mail 里下载。"}});
     EXPECT_EQ(troubles.of(message).label, QStringLiteral("上次失败：邮件未下载到本地"));
+    EXPECT_TRUE(troubles.of(message).hasFailed);
     troubles.archivedIDs = std::make_shared<const SharedTextSet>(SharedTextSet{message.id});
     EXPECT_EQ(troubles.of(message).label, QStringLiteral("与归档不一致")) << "archived since then";
     troubles.setAsideIDs = troubles.archivedIDs;

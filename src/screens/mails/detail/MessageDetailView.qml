@@ -9,6 +9,9 @@ FocusScope {
     required property MailListScreen screen
     readonly property MessageDetail detail: screen.detail
     property bool low: false
+    readonly property bool hasTrouble: detail.shown.troubleTitle.length > 0
+    // One more button than there is room for with their words.
+    readonly property bool tight: hasTrouble && width < 480
 
     signal menuRequested(Item button)
 
@@ -31,7 +34,8 @@ FocusScope {
             kind: view.detail.shown.troubleTone === "danger" ? "danger" : view.detail.shown.archived ? "safe" : "attention"
             symbol: view.detail.shown.troubleSymbol.length > 0 ? view.detail.shown.troubleSymbol
                 : view.detail.shown.archived ? "circle-check" : "circle-dashed"
-            text: view.detail.shown.isSetAside ? "先放一边" : view.detail.shown.archived ? "已归档" : "未归档"
+            text: view.detail.shown.isSetAside ? "先放一边" : view.detail.shown.hasFailed ? "失败"
+                : view.detail.shown.archived ? "已归档" : "未归档"
         }
         Row {
             anchors.right: parent.right
@@ -44,15 +48,16 @@ FocusScope {
                 implicitHeight: Theme.controlHeightPane
                 symbol: "square-arrow-out-up-right"
                 symbolSize: 14
-                text: "在 Mail 中打开"
+                text: view.tight ? "" : "在 Mail 中打开"
+                help: view.tight ? "在 Mail 中打开" : ""
                 onClicked: view.screen.actions.openInMail()
             }
             AppButton {
                 objectName: "archiveButton"
                 implicitHeight: Theme.controlHeightPane
-                symbol: "archive"
+                symbol: view.detail.shown.hasFailed ? "" : "archive"
                 symbolSize: 14
-                text: "归档…"
+                text: view.detail.shown.hasFailed ? "再试" : "归档…"
                 enabled: view.screen.canArchive
                 help: view.screen.selection.count > 1 ? "归档选中的 " + view.screen.selection.count + " 封邮件" : "只归档这一封邮件"
                 onClicked: view.screen.actions.archiveSelection()
@@ -60,7 +65,7 @@ FocusScope {
             AppButton {
                 objectName: "setAsideButton"
                 implicitHeight: Theme.controlHeightPane
-                visible: view.detail.shown.isSetAside || !view.detail.shown.archived
+                visible: view.hasTrouble
                 text: view.detail.shown.isSetAside ? "不再放一边" : "先放一边"
                 help: "先放一边的邮件不参加归档全部；它仍算未归档"
                 onClicked: view.screen.actions.setAside(!view.detail.shown.isSetAside)
@@ -139,6 +144,12 @@ FocusScope {
                         width: parent.width
                         name: "位置"
                         value: view.detail.shown.place
+                    }
+                    DetailField {
+                        objectName: "detailProof"
+                        width: parent.width
+                        name: "核对"
+                        value: view.detail.shown.proofText
                     }
                 }
                 Banner {

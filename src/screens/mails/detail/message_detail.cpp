@@ -1,16 +1,15 @@
 #include "screens/mails/detail/message_detail.h"
 
+#include <utility>
 #include <vector>
 
 namespace corvane {
 
-void MessageDetail::show(const MailMessageRecord* message, bool archived, const MessageTrouble& trouble) {
+void MessageDetail::show(const MailMessageRecord* message, Knowledge knowledge) {
     const bool isSame = message == nullptr ? !message_ : message_ && message_->id == message->id;
-    const bool isStateSame = archived_ == archived && trouble_ == trouble;
-    if (isSame && isStateSame && (message == nullptr || *message_ == *message)) return;
+    if (isSame && knowledge_ == knowledge && (message == nullptr || *message_ == *message)) return;
     message_ = message == nullptr ? std::nullopt : std::optional(*message);
-    archived_ = archived;
-    trouble_ = trouble;
+    knowledge_ = std::move(knowledge);
     if (!isSame) missingPreview_.clear();
     attachments_.setAttachments(message_ ? message_->attachments : std::vector<MailAttachmentRecord>());
     update();
@@ -25,12 +24,15 @@ void MessageDetail::setPreviewMissing(const QString& messageID, bool hasFile) {
 }
 
 void MessageDetail::update() {
-    shown_ = message_ ? ShownMessage::of(*message_, archived_, missingPreview_) : ShownMessage();
-    shown_.troubleTone = trouble_.tone;
-    shown_.troubleSymbol = trouble_.symbol;
-    shown_.troubleTitle = trouble_.label;
-    shown_.troubleText = trouble_.text;
-    shown_.isSetAside = trouble_.isSetAside;
+    shown_ = message_ ? ShownMessage::of(*message_, knowledge_.archived, missingPreview_) : ShownMessage();
+    const MessageTrouble& trouble = knowledge_.trouble;
+    shown_.troubleTone = trouble.tone;
+    shown_.troubleSymbol = trouble.symbol;
+    shown_.troubleTitle = trouble.label;
+    shown_.troubleText = trouble.text;
+    shown_.hasFailed = trouble.hasFailed;
+    shown_.isSetAside = trouble.isSetAside;
+    shown_.proofText = knowledge_.proofText;
     Q_EMIT changed();
 }
 

@@ -35,8 +35,17 @@ class MessageDetail : public QObject {
 
     [[nodiscard]] AttachmentListModel* attachments() { return &attachments_; }
 
+    // What is known of a message beside its record.
+    struct Knowledge {
+        bool archived = false;
+        MessageTrouble trouble{};
+        QString proofText{}; // of a proof that rests on an archive which isn't connected; else empty
+
+        friend bool operator==(const Knowledge&, const Knowledge&) = default;
+    };
+
     // Null for none.
-    void show(const MailMessageRecord* message, bool archived, const MessageTrouble& trouble = {});
+    void show(const MailMessageRecord* message, Knowledge knowledge);
 
     // Where this message is the shown one, a preview that is still waited for won't come.
     void setPreviewMissing(const QString& messageID, bool hasFile);
@@ -50,8 +59,7 @@ class MessageDetail : public QObject {
     void update();
 
     std::optional<MailMessageRecord> message_;
-    bool archived_ = false;
-    MessageTrouble trouble_;
+    Knowledge knowledge_;
     QString missingPreview_; // what is said in the place of a preview that won't come
     ShownMessage shown_;
     AttachmentListModel attachments_;

@@ -15,7 +15,9 @@ struct ShownMessage {
     Q_GADGET
     QML_VALUE_TYPE(shownMessage)
     Q_PROPERTY(bool archived MEMBER archived CONSTANT)
+    Q_PROPERTY(bool hasFailed MEMBER hasFailed CONSTANT)
     Q_PROPERTY(bool isSetAside MEMBER isSetAside CONSTANT)
+    Q_PROPERTY(QString proofText MEMBER proofText CONSTANT)
     Q_PROPERTY(QString troubleTone MEMBER troubleTone CONSTANT)
     Q_PROPERTY(QString troubleSymbol MEMBER troubleSymbol CONSTANT)
     Q_PROPERTY(QString troubleTitle MEMBER troubleTitle CONSTANT)
@@ -38,7 +40,9 @@ struct ShownMessage {
 
   public:
     bool archived = false;
+    bool hasFailed = false; // in the last run
     bool isSetAside = false;
+    QString proofText; // from which day a proof is that rests on an archive which isn't connected; else empty
     QString troubleTone; // of a control
     QString troubleSymbol;
     QString troubleTitle; // empty for a message without trouble
