@@ -26,6 +26,7 @@ FocusScope {
         spacing: 0
 
         Banner {
+            id: bannerPart
             objectName: "safetyBanner"
             Layout.fillWidth: true
             Layout.topMargin: 4
@@ -35,10 +36,13 @@ FocusScope {
                 : overview.banner.symbol
             headline: overview.hasFailure ? "没有更新成功，下面是上次的结果" : overview.banner.headline
             lines: overview.hasFailure ? [overview.scan.failureText] : overview.banner.lines
+            showsFooter: proofLine.hasContent
             footer: ProofLine {
+                id: proofLine
                 Layout.fillWidth: true
                 proof: overview.home.proof
-                kind: overview.banner.kind
+                kind: bannerPart.kind
+                onTroublesRequested: overview.home.showTroubled()
             }
         }
         HomeChart {

@@ -52,7 +52,12 @@ void HomeScreen::wire() {
     const auto on = [this](auto* sender, auto signal, auto reaction) {
         connect(sender, signal, this, reaction);
     };
-    on(this, &HomeScreen::figuresChanged, [this] { proof_.show(safety(), hasFigures()); });
+    on(this, &HomeScreen::figuresChanged, [this] {
+        ProofScope lookedAt{{}, scopeYears()};
+        if (scope_.accountKey) lookedAt.accountPrefixes.insert(*scope_.accountKey);
+        proof_.show(safety(), lookedAt, hasFigures());
+    });
+    on(&model_.library(), &LibraryLoader::archiveLocationsChanged, &HomeScreen::figuresChanged);
     on(&data_, &OrganizeData::overviewChanged, &HomeScreen::handleOverviewChange);
     on(&tree_, &OrganizeTreeModel::ticksChanged, &HomeScreen::updateFigures);
     on(&model_.counts(), &IndexCounts::countsChanged, &HomeScreen::figuresChanged);
@@ -152,9 +157,7 @@ QString HomeScreen::organizeRangeTitle() const {
 }
 
 DeletionSafety HomeScreen::safety() const {
-    std::set<std::int64_t> years;
-    if (scope_.year) years.insert(*scope_.year);
-    return data_.deletionSafety(scope_.accountKey, years);
+    return data_.deletionSafety(scope_.accountKey, scopeYears());
 }
 
 bool HomeScreen::hasFigures() const {
@@ -187,10 +190,16 @@ OrganizeFigures HomeScreen::figures() const {
 void HomeScreen::setScope(OrganizeScope scope) {
     if (scope_ == scope) return;
     scope_ = std::move(scope);
-    std::set<std::int64_t> years;
-    if (scope_.year) years.insert(*scope_.year);
-    model_.applyHomeScope(scope_.accountKey, years);
+    applyScope();
     showScope();
+}
+
+void HomeScreen::applyScope() {
+    model_.applyHomeScope(scope_.accountKey, scopeYears());
+}
+
+std::set<std::int64_t> HomeScreen::scopeYears() const {
+    return scope_.year ? std::set{*scope_.year} : std::set<std::int64_t>();
 }
 
 void HomeScreen::showScope() {
@@ -311,6 +320,17 @@ void HomeScreen::openArchive(bool everything) {
     if (isAllYears || years.contains(undatedYear)) years.clear();
     archive_.open(ArchiveRequest{
         [overview = data_.overview(), ticks] { return ticks.organizeSelectedMessageIDs(*overview); }, years});
+}
+
+void HomeScreen::showTroubled() {
+    ModelFilters& filters = model_.filters();
+    filters.setSearchText({});
+    filters.setMinimumAttachmentCount(0);
+    filters.setOnlyBeforeCutoff(false);
+    filters.setMigratedFilter(MigratedFilter::all);
+    filters.setOnlyTroubled(true);
+    applyScope();
+    Q_EMIT troubledRequested();
 }
 
 void HomeScreen::copyTreeRows() {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 
 #include <QObject>
@@ -89,6 +90,10 @@ class HomeScreen : public QObject {
     Q_INVOKABLE void chooseAccount(int row);
     Q_INVOKABLE void clearScope();
 
+    // Narrows the list of mail to what has a reason why it doesn't count as archived, within the scope that
+    // is looked at. `troubledRequested` follows.
+    Q_INVOKABLE void showTroubled();
+
     // The selected rows of the tree as lines of text.
     Q_INVOKABLE void copyTreeRows();
 
@@ -102,6 +107,8 @@ class HomeScreen : public QObject {
     void selectionChanged();
     // The library is the next step: everything is archived.
     void libraryRequested();
+    // The list of mail is the next step: it shows what has trouble.
+    void troubledRequested();
 
   private:
     enum class HomeAction { organize, openArchiveLibrary };
@@ -113,6 +120,7 @@ class HomeScreen : public QObject {
     void showScope();
     void updateFigures();
     void setScope(OrganizeScope scope);
+    void applyScope();
     void openArchive(bool everything);
     void openLibrary();
     [[nodiscard]] bool hasFigures() const;
@@ -128,6 +136,7 @@ class HomeScreen : public QObject {
     [[nodiscard]] std::int64_t candidateCount() const;
     [[nodiscard]] std::int64_t candidateCountInScope() const;
     [[nodiscard]] DeletionSafety safety() const;
+    [[nodiscard]] std::set<std::int64_t> scopeYears() const;
 
     CorvaneViewModel& model_;
     OrganizeData& data_;

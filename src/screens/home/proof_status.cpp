@@ -1,9 +1,11 @@
 #include "screens/home/proof_status.h"
 
+#include <memory>
 #include <utility>
 
 #include <QVariantMap>
 
+#include "screens/texts/message_trouble.h"
 #include "screens/texts/shown_figures.h"
 
 namespace corvane {
@@ -21,10 +23,32 @@ void addItem(QVariantList& items, const char* symbol, const char* tone, const QS
                              {QStringLiteral("text"), text.arg(shownCount(count))}});
 }
 
-QVariantList itemsOf(const DeletionSafety& safety) {
+bool isAnyInTrouble(const DeletionSafety& safety) {
+    const ProofCounts& proofs = safety.proofs;
+    return proofs.differs + proofs.fileMissing + proofs.unreadable + proofs.incomplete + safety.setAside > 0;
+}
+
+struct AwayJob {
+    SharedMessageList messages;
+    SharedProofTable proofs;
+    std::shared_ptr<const YearByID> years;
+    ArchiveRoots roots;
+    ProofScope scope;
+};
+
+AwayProofs awayProofsOf(const AwayJob& job, const TaskHandle&) {
+    return awayProofs(*job.proofs, job.roots, *job.messages,
+                      [&](const MailMessageRecord& message) { return job.scope.holds(message, *job.years); });
+}
+
+QVariantList itemsOf(const DeletionSafety& safety, const AwayProofs& away) {
     QVariantList items;
     const ProofCounts& proofs = safety.proofs;
     addItem(items, "circle-check", "safe", QStringLiteral("已逐字节核对 %1 封"), proofs.proven);
+    addItem(items, "unplug", "",
+            QStringLiteral("其中 %1 封是 %2 的比对，归档磁盘未连接")
+                .arg(QStringLiteral("%1"), screens::shownDay(away.oldest)),
+            away.count);
     addItem(items, "search", "", QStringLiteral("还没核对 %1 封"), safety.notLookedAt());
     addItem(items, "octagon-x", "danger", QStringLiteral("与归档不一致 %1 封，已列入未归档"), proofs.differs);
     addItem(items, "octagon-x", "danger", QStringLiteral("归档文件不见了 %1 封，已列入未归档"),
@@ -39,17 +63,42 @@ QVariantList itemsOf(const DeletionSafety& safety) {
 
 ProofStatus::ProofStatus(CorvaneViewModel& model, QObject* parent)
   : QObject(parent)
-  , model_(model) {
+  , model_(model)
+  , awayTask_(model.context().tasks) {
     connect(&model.proof(), &ProofFlow::progressChanged, this, &ProofStatus::changed);
     connect(&model.proof(), &ProofFlow::proofEnded, this, &ProofStatus::changed);
 }
 
-void ProofStatus::show(const DeletionSafety& safety, bool isKnown) {
-    QVariantList items = isKnown ? itemsOf(safety) : QVariantList();
-    const std::int64_t notLookedAt = isKnown ? safety.notLookedAt() : 0;
-    if (items == items_ && notLookedAt == notLookedAt_) return;
+void ProofStatus::show(const DeletionSafety& safety, const ProofScope& scope, bool isKnown) {
+    safety_ = safety;
+    isKnown_ = isKnown;
+    countAway(scope);
+    updateItems();
+}
+
+void ProofStatus::countAway(const ProofScope& scope) {
+    const MessageCatalog& catalog = model_.catalog();
+    AwayJob job{catalog.messages(), catalog.proofs(), catalog.messageYearByID(),
+                disconnectedRoots(model_.library().archiveLocations()), scope};
+    if (job.roots.empty()) {
+        awayTask_.cancel();
+        away_ = {};
+        return;
+    }
+    awayTask_.start(TaskPriority::utility, std::move(job), &awayProofsOf, [this](const AwayProofs& away) {
+        away_ = away;
+        updateItems();
+    });
+}
+
+void ProofStatus::updateItems() {
+    QVariantList items = isKnown_ ? itemsOf(safety_, away_) : QVariantList();
+    const std::int64_t notLookedAt = isKnown_ ? safety_.notLookedAt() : 0;
+    const bool troubled = isKnown_ && isAnyInTrouble(safety_);
+    if (items == items_ && notLookedAt == notLookedAt_ && troubled == hasTroubles_) return;
     items_ = std::move(items);
     notLookedAt_ = notLookedAt;
+    hasTroubles_ = troubled;
     Q_EMIT changed();
 }
 

@@ -10,7 +10,10 @@
 #include <QtQml/qqmlregistration.h>
 
 #include "listing/deletion_safety.h"
+#include "listing/proof/away_proofs.h"
+#include "model/archiving/proof_job.h"
 #include "model/corvane_view_model.h"
+#include "model/tasks/task_slot.h"
 
 namespace corvane {
 
@@ -20,6 +23,7 @@ class ProofStatus : public QObject {
     QML_UNCREATABLE("belongs to the home")
     Q_PROPERTY(QVariantList items READ items NOTIFY changed)
     Q_PROPERTY(bool canStart READ canStart NOTIFY changed)
+    Q_PROPERTY(bool hasTroubles READ hasTroubles NOTIFY changed)
     Q_PROPERTY(bool isProving READ isProving NOTIFY changed)
     Q_PROPERTY(double fraction READ fraction NOTIFY changed)
     Q_PROPERTY(QString progressText READ progressText NOTIFY changed)
@@ -28,8 +32,8 @@ class ProofStatus : public QObject {
     // The model must outlive it.
     explicit ProofStatus(CorvaneViewModel& model, QObject* parent = nullptr);
 
-    // What is looked at; unknown figures show nothing.
-    void show(const DeletionSafety& safety, bool isKnown);
+    // What is looked at, and its scope; unknown figures show nothing.
+    void show(const DeletionSafety& safety, const ProofScope& scope, bool isKnown);
 
     // Each with `symbol`, `tone` and `text`; what stands against mail comes last. Empty where nothing is
     // archived.
@@ -37,6 +41,9 @@ class ProofStatus : public QObject {
 
     // Something is archived and wasn't compared yet.
     [[nodiscard]] bool canStart() const { return notLookedAt_ > 0 && !isProving(); }
+
+    // Some of what is looked at has a reason why it doesn't count as archived.
+    [[nodiscard]] bool hasTroubles() const { return hasTroubles_; }
 
     [[nodiscard]] bool isProving() const { return model_.proof().isProving(); }
 
@@ -52,9 +59,17 @@ class ProofStatus : public QObject {
     void changed();
 
   private:
+    void countAway(const ProofScope& scope);
+    void updateItems();
+
     CorvaneViewModel& model_;
+    DeletionSafety safety_;
+    bool isKnown_ = false;
+    AwayProofs away_; // of what is looked at
     QVariantList items_;
     std::int64_t notLookedAt_ = 0;
+    bool hasTroubles_ = false;
+    TaskSlot awayTask_;
 };
 
 } // namespace corvane

@@ -54,6 +54,12 @@ FocusScope {
     }
     Window.onActiveFocusItemChanged: Qt.callLater(settleLostKeyboard) // qmllint disable
     Connections {
+        target: view.app.home
+        function onTroubledRequested() {
+            view.goByKey("mails");
+        }
+    }
+    Connections {
         target: OpenSheets
         function onShownChanged() {
             Qt.callLater(view.settleKeyboard); // qmllint disable

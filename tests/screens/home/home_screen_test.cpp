@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "screens/support/screens_fixture.h"
+#include "screens/texts/message_trouble.h"
 #include "screens/texts/window_places.h"
 
 namespace corvane {
@@ -40,6 +41,22 @@ TEST(SafetyBanners, NothingIsSafeBeforeEveryLocalMessageHasACopy) {
 
 class OrganizeHome : public testing::ScreensTest {
   protected:
+    void archiveAndProve(const std::string& root) {
+        model_.destinations().setTransferDestination(root);
+        settle();
+        model_.ticks().selectAllArchiveCandidates();
+        model_.archiveSelectedEmails([](const auto&) {});
+        settle();
+        homeScreen_.proof()->start();
+        EXPECT_TRUE(homeScreen_.proof()->isProving());
+        EXPECT_FALSE(homeScreen_.proof()->canStart());
+        settle();
+    }
+
+    [[nodiscard]] QString proofItem(int number) {
+        return homeScreen_.proof()->items().value(number).toMap()[QStringLiteral("text")].toString();
+    }
+
     void publishTwoAccounts() {
         publish({{"a", 2019, "imap://A", "INBOX", 3000}, {"b", 2020}, {"c", 2020, "imap://B"}});
     }
@@ -66,19 +83,11 @@ TEST_F(OrganizeHome, BeginsWithTheUpdateAndListsWhatIsThere) {
 
 TEST_F(OrganizeHome, TheShieldComesWithTheProofAndGoesWithTheFirstDifference) {
     publish({{"a", 2020}, {"b", 2020}});
-    model_.destinations().setTransferDestination(home_.at("归档"));
-    settle();
-    model_.ticks().selectAllArchiveCandidates();
-    model_.archiveSelectedEmails([](const auto&) {});
-    settle();
-    homeScreen_.proof()->start();
-    EXPECT_TRUE(homeScreen_.proof()->isProving());
-    EXPECT_FALSE(homeScreen_.proof()->canStart());
-    settle();
+    archiveAndProve(home_.at("归档"));
     EXPECT_EQ(homeScreen_.figures().banner.kind, QStringLiteral("safe"));
-    ASSERT_EQ(homeScreen_.proof()->items().size(), 1);
-    EXPECT_EQ(homeScreen_.proof()->items().front().toMap()[QStringLiteral("text")].toString(),
-              QStringLiteral("已逐字节核对 2 封"));
+    EXPECT_EQ(homeScreen_.proof()->items().size(), 1);
+    EXPECT_EQ(proofItem(0), QStringLiteral("已逐字节核对 2 封"));
+    EXPECT_FALSE(homeScreen_.proof()->hasTroubles());
     home_.write("Library/Mail/V10/a/a.emlx", "5\nother");
     publish({{.name = "a", .year = 2020, .hasFile = false}, {.name = "b", .year = 2020, .hasFile = false}});
     EXPECT_EQ(homeScreen_.figures().banner.kind, QStringLiteral("info"));
@@ -88,6 +97,28 @@ TEST_F(OrganizeHome, TheShieldComesWithTheProofAndGoesWithTheFirstDifference) {
     EXPECT_EQ(homeScreen_.figures().banner.kind, QStringLiteral("attention"));
     EXPECT_EQ(homeScreen_.figures().banner.headline,
               QStringLiteral("全部年份：已完成归档 1 封，未归档 1 封"));
+    ASSERT_TRUE(homeScreen_.proof()->hasTroubles());
+    model_.filters().setMinimumAttachmentCount(3);
+    QSignalSpy requested(&homeScreen_, &HomeScreen::troubledRequested);
+    homeScreen_.showTroubled();
+    settle();
+    EXPECT_EQ(requested.size(), 1);
+    EXPECT_EQ(model_.visible().visibleMessages()->size(), 1U);
+}
+
+TEST_F(OrganizeHome, AProofThatRestsOnAPulledDiskSaysOfWhichDayItIs) {
+    publish({{"a", 2020}, {"b", 2020}});
+    platform_.plugIn("盘");
+    archiveAndProve(home_.at("Volumes/盘/归档"));
+    EXPECT_EQ(proofItem(1), QString());
+    const MailMessageRecord message = model_.catalog().messages()->front();
+    EXPECT_EQ(screens::awayProofText(model_, message), QString());
+    platform_.unplug();
+    std::filesystem::rename(home_.at("Volumes/盘"), home_.at("away"));
+    model_.library().loadEmailArchiveIndex({}, true);
+    settle();
+    EXPECT_TRUE(proofItem(1).startsWith(QStringLiteral("其中 2 封是 20"))) << proofItem(1).toStdString();
+    EXPECT_TRUE(screens::awayProofText(model_, message).endsWith(QStringLiteral(" 的比对，归档磁盘未连接")));
 }
 
 TEST_F(OrganizeHome, ACapturedStartShowsStatisticsAndCallsNothingSafe) {

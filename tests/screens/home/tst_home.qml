@@ -95,6 +95,16 @@ WindowUnderTest {
             mouseClick(part("yearColumn2021"));
             compare(tree.count, all);
         }
+        function test_WhatHasTroubleIsSeenInTheMailList() {
+            tryVerify(() => part("proofLine").visible);
+            verify(!part("showTroubled").visible);
+            mouseClick(part("startProof"));
+            scenes.settle();
+            tryVerify(() => part("showTroubled").visible);
+            mouseClick(part("showTroubled"));
+            verify(scenes.app.mails.filters.onlyTroubled);
+            tryVerify(() => part("mailListPage").visible);
+        }
         function test_InASmallWindowTheChartIsABar_AndTheRemarkStays() {
             const remark = part("locationRemark");
             verify(part("yearChart").visible && part("accountList").visible);

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <string_view>
 
 #include <fmt/format.h>
 
@@ -13,6 +14,9 @@
 namespace corvane::testing {
 
 namespace {
+
+// What all archived messages have as their file.
+constexpr std::string_view archivedFile = "Subject: x\n\n";
 
 struct Account {
     const char* prefix;
@@ -121,7 +125,7 @@ void WindowScene::fill(Destination destination) {
                                 "20\nMessage-ID: <x@y>\n\n");
                 if (number >= archived) continue;
                 ArchivedEmailRecord record = sampleRecord(stableID(messages.back()));
-                record.sizeBytes = messages.back().messageSize;
+                record.sizeBytes = archivedFile.size();
                 record.emlRelativePath = "2009/a.eml";
                 index.records.push_back(std::move(record));
             }
@@ -130,7 +134,7 @@ void WindowScene::fill(Destination destination) {
         indexed[year->year] += year->serverOnly;
     }
     writeIndex(home_, "Documents/邮件归档", index);
-    home_.write("Documents/邮件归档/2009/a.eml", "Subject: x\n\n");
+    home_.write("Documents/邮件归档/2009/a.eml", archivedFile);
     if (destination == Destination::chosen)
         model_.destinations().setTransferDestination(home_.at("Documents/邮件归档"));
     auto list = std::make_shared<const MessageList>(std::move(messages));

@@ -19,8 +19,10 @@ Rectangle {
     // Wider lines break; 0 for the width that is there.
     property int lineMeasure: 0
     default property alias actions: actionRow.data
-    // Stands below the lines, as wide as they may be.
+    // Stands below the lines, as wide as they may be. Whether it is shown is said here: what stands in a hidden part
+    // is never visible itself.
     property alias footer: footerColumn.data
+    property bool showsFooter: true
     readonly property int verticalPadding: compact ? 10 : 13
     readonly property var shownLines: compact && lines.length > 1 ? [lines.join("　")] : lines
 
@@ -75,7 +77,7 @@ Rectangle {
                 id: footerColumn
                 Layout.fillWidth: true
                 Layout.topMargin: Theme.space
-                visible: children.length > 0 && children[0].visible
+                visible: banner.showsFooter && children.length > 0
                 spacing: 0
             }
         }

@@ -11,10 +11,13 @@ ColumnLayout {
 
     required property ProofStatus proof
     property string kind: "info"
+    readonly property bool hasContent: proof.isProving || proof.items.length > 0
+
+    signal troublesRequested
 
     objectName: "proofLine"
     spacing: 7
-    visible: proof.isProving || proof.items.length > 0
+    visible: hasContent
 
     Rectangle {
         Layout.fillWidth: true
@@ -74,6 +77,14 @@ ColumnLayout {
             text: "现在核对"
             help: "把原件与归档副本逐字节比较，全部一致才可以放心删除原件"
             onClicked: line.proof.start()
+        }
+        PlainButton {
+            objectName: "showTroubled"
+            implicitHeight: Theme.bodyLine
+            visible: line.proof.hasTroubles
+            text: "查看"
+            help: "在邮件列表里只看有问题的邮件"
+            onClicked: line.troublesRequested()
         }
     }
 }

@@ -12,7 +12,14 @@ namespace {
 
 constexpr std::chrono::seconds changePause(1);
 
-QString figureOf(const EmailArchiveProgress& progress) {
+double fractionOf(const ProofProgress& progress) {
+    return progress.total == 0
+               ? 0
+               : static_cast<double>(progress.completed) / static_cast<double>(progress.total);
+}
+
+template <class Progress>
+QString figureOf(const Progress& progress) {
     return QStringLiteral("%1 / %2").arg(screens::shownCount(progress.completed),
                                          screens::shownCount(progress.total));
 }
@@ -30,6 +37,7 @@ Activity::Activity(CorvaneViewModel& model, std::chrono::milliseconds loadPatien
     connect(&model.catalog(), &MessageCatalog::summaryChanged, this, &Activity::update);
     connect(&model.archiveRun(), &ArchiveRunFlow::progressChanged, this, &Activity::update);
     connect(&model.bodyTexts(), &BodyTexts::bodyIndexProgressChanged, this, &Activity::update);
+    connect(&model.proof(), &ProofFlow::progressChanged, this, &Activity::update);
     connect(&model.library(), &LibraryLoader::loadStarted, this, &Activity::handleLoadStart);
     connect(&model.library(), &LibraryLoader::loadFinished, this, &Activity::update);
     handleLoadStart();
@@ -58,6 +66,8 @@ Activity::State Activity::present() const {
     }
     if (const auto& progress = model_.bodyTexts().bodyIndexProgress())
         return {QStringLiteral("正在准备正文预览"), figureOf(*progress), home, progress->fraction(), false};
+    if (const auto& progress = model_.proof().progress())
+        return {QStringLiteral("正在逐字节核对"), figureOf(*progress), home, fractionOf(*progress), false};
     if (loadLasts()) return {QStringLiteral("正在读取归档库"), {}, home, 0, true};
     return {};
 }
