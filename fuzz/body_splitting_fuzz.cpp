@@ -1,21 +1,19 @@
 // A mail's text taken apart for the reading pane and for a row of the library.
+#include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "fuzz_kit.h"
 #include "mime/body_segments.h"
 #include "mime/body_snippets.h"
 #include "mime/body_split.h"
 #include "text/trim.h"
 
 using namespace corvane;
+using fuzz::require;
 
 namespace {
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
 
 bool isPartOf(std::string_view part, std::string_view text) {
     return part.data() >= text.data() && part.data() + part.size() <= text.data() + text.size();
@@ -34,7 +32,7 @@ void checkSplits(std::string_view text) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const std::string_view text = fuzz::textOf(data, size);
     checkSplits(text);
     const mime::BodyParts parts = mime::splitBody(text);
     for (const bool isExpanded : {false, true}) {

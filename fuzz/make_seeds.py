@@ -50,6 +50,12 @@ HOSTILE_INDEX = [
     "UPDATE sqlite_schema SET rootpage = 3 WHERE name = 'messages';", "INSERT INTO messages(ROWID, mailbox, date_received) VALUES(9223372036854775807, 1, 1.5);",
     "DROP TABLE addresses; CREATE TABLE addresses(ROWID TEXT, address BLOB, comment GENERATED ALWAYS AS (abs(-9223372036854775808)));",
 ]
+HOSTILE_PROOFS = [
+    "UPDATE copy_reading SET hash = x'00', outcome = 9;", "DROP TABLE copy_reading; CREATE TABLE copy_reading(path, size, modified, outcome, hash, body_hash, read_at);",
+    "PRAGMA user_version = 7;", "PRAGMA user_version = 0;", "UPDATE archived_reading SET read_at = 9e18, size = 'x', path = x'ff00';", "DELETE FROM archived_reading;",
+    "CREATE TRIGGER t AFTER INSERT ON copy_reading BEGIN DELETE FROM copy_reading; END;", "UPDATE sqlite_schema SET rootpage = 2;",
+    "DROP TABLE archived_reading; CREATE VIEW archived_reading AS WITH RECURSIVE c(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM c) SELECT x AS root, x AS path FROM c;",
+]
 DAMAGE = [bytes([5, 0, 16, n, 255]) for n in range(0, 64, 9)] + [
     bytes([3, 18, 2]), bytes([19, 16, 2, 0]), bytes([4, 1, 0]) + b"\x0d", bytes([4, 2, 3]) + b"\xff", bytes([1, 2, 3]), bytes([0, 0, 40, 0]), bytes([2, 0, 32, 0, 255, 64])]
 
@@ -89,6 +95,8 @@ def all_seeds(folder):
     mails = [message for _, message, _, _ in odd_mail.all_cases() if len(message) <= LONGEST][::17]
     index = {"version": 1, "createdAt": "2024-01-01T00:00:00Z", "updatedAt": "2024-01-01T00:00:00Z", "records": [archive_record(row) for row in rows[:3]]}
     yield "header_decoding", mails + files[::4] + [str(row[2]).encode() for row in rows]
+    yield "header_summary", mails[::2] + files[::8]
+    yield "body_splitting", [text.encode() for text in odd_mail.TEXTS.values()] + mails[::9]
     yield "mime_walk", mails + files[::4]
     yield "emlx_cutting", [b"%d\n" % len(each) + each + b"<?xml version=\"1.0\"?><plist/>" for each in mails[::5]] + files[::6]
     yield "property_list", lists[:20] + [plistlib.dumps(each, fmt=form) for each in PROPERTY_LISTS for form in (plistlib.FMT_XML, plistlib.FMT_BINARY)]
@@ -98,6 +106,7 @@ def all_seeds(folder):
     yield "search_queries", [each.encode("utf-8", "surrogatepass") for each in QUERIES] + [
         f"{row[2][1:5]}\x1e{row[2]}\x1e{row[3]}\x1e{row[4]}\x1e合同.pdf\x1e{row[1]}".encode() for row in rows[::4]] + [bytes((31, n, 3 * n, n)) + b"\x1etext" for n in range(1, 9)]
     yield "search_database", damage_seeds(HOSTILE_SEARCH)
+    yield "proof_store", damage_seeds(HOSTILE_PROOFS)
     yield "envelope_index", damage_seeds(HOSTILE_INDEX)
 
 
