@@ -5,11 +5,11 @@
 #include <string>
 #include <string_view>
 
-#include "archive/header_summary.h"
+#include "archive/checks/header_summary.h"
 #include "archive/message_identity.h"
 #include "fuzz_kit.h"
-#include "records/archive_records.h"
-#include "text/charset.h"
+#include "records/archived/archive_records.h"
+#include "text/charsets/charset.h"
 
 using namespace corvane;
 using fuzz::require;

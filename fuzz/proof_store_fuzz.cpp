@@ -11,7 +11,7 @@
 #include "database_damage.h"
 #include "fuzz_kit.h"
 #include "platform/platform.h"
-#include "records/proof_facts.h"
+#include "records/archived/proof_facts.h"
 #include "records/stores/app_support.h"
 #include "records/stores/proof_store.h"
 

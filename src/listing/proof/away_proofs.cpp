@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "records/stable_id.h"
+#include "records/archived/stable_id.h"
 
 namespace corvane {
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "listing/proof/proof_table.h"
-#include "records/archive_records.h"
+#include "records/archived/archive_records.h"
 #include "records/mail_message_record.h"
 #include "records/values.h"
 
