@@ -49,7 +49,8 @@ ColumnLayout {
     Flow {
         Layout.fillWidth: true
         visible: !line.proof.isProving
-        spacing: 20
+        // Between lines; items stand further apart.
+        spacing: Theme.half
 
         Repeater {
             model: line.proof.items
@@ -57,6 +58,7 @@ ColumnLayout {
             Row {
                 id: item
                 required property var modelData
+                rightPadding: Theme.section
                 spacing: 6
 
                 Symbol {
