@@ -114,12 +114,15 @@ int runArchive(Session& session, const ArchiveOptions& options, bool json) {
         fillBodyIndex(session, {.roots = {platform::standardizedPath(options.destination)},
                                 .total = result.archivedCount,
                                 .reloadWhenDone = false});
-    if (json)
+    if (json) {
+        for (const std::string& warning : result.archiveWarnings) messageLine(warning);
         printJson(result);
-    else
+    } else {
         printReadable(result);
+    }
     if (wasInterrupted()) return interrupted;
-    return result.hasIssues() ? doneWithIssues : done;
+    // What is told of the archive itself is no issue of this run.
+    return result.failedCount > 0 || !result.variantWarnings.empty() ? doneWithIssues : done;
 }
 
 } // namespace corvane::cli
