@@ -17,7 +17,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include "archive/archive_rebuild.h"
+#include "archive/checks/archive_rebuild.h"
 #include "model/corvane_view_model.h"
 #include "model/model_test.h"
 #include "model/published_messages.h"
