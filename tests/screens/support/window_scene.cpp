@@ -122,7 +122,7 @@ void WindowScene::fill(Destination destination) {
                 local->insert(messages.back().id);
                 if (year->year == 2018)
                     home_.write(messages.back().id.str().substr(home_.path().size() + 1),
-                                "20\nMessage-ID: <x@y>\n\n");
+                                "19\nMessage-ID: <x@y>\n\n");
                 if (number >= archived) continue;
                 ArchivedEmailRecord record = sampleRecord(stableID(messages.back()));
                 record.sizeBytes = archivedFile.size();
