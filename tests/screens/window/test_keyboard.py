@@ -129,7 +129,8 @@ class KeyboardWalk(WindowCase):
         window.move(0, 0)  # a pointer that rests over the menu has its say
         window.press("shift+F10")
         window.wait_for_part("archiveRow")
-        window.press_to("copySubjectRow", "Down")
+        window.press(*["Down"] * 6)
+        window.wait_for_part("copySubjectRow", lambda row: row["focus"])
         window.press("Return")
         window.wait_for_part("messageView", lambda view: view["focus"])
         window.wait_for_clipboard(lambda text: text == window.part("detailSubject")["text"])
