@@ -208,6 +208,7 @@ TEST(HeaderSummary, DecodesAsMailDoes) {
         {"a@b", "a@b"},
         {"<a@b>", "a@b"},
         {"\"A, \\\"B\\\"\" <a@b>, =?utf-8?Q?=E4=BD=A0?= <c_d@e>,", "A, \"B\" <a@b>, 你 <c_d@e>"},
+        {"a@b, \"c\\", "a@b, \"c\\"},
         {"", ""},
     };
     for (const auto& [value, expected] : addresses) EXPECT_EQ(shownAddresses(value), expected);

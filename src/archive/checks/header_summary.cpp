@@ -166,7 +166,7 @@ std::string shownAddresses(std::string_view value) {
     std::size_t start = 0;
     for (std::size_t i = 0; i <= value.size(); ++i) {
         const bool isEnd = i == value.size();
-        if (!isEnd && value[i] == '\\' && isQuoted) {
+        if (i + 1 < value.size() && value[i] == '\\' && isQuoted) {
             ++i;
             continue;
         }
