@@ -2,6 +2,15 @@
 
 namespace corvane::platform {
 
+void distrustSchema(sqlite3* database, int maximumRowBytes) noexcept {
+    sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+    sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+    sqlite3_limit(database, SQLITE_LIMIT_LENGTH, maximumRowBytes);
+    sqlite3_exec(database, "PRAGMA cell_size_check=ON; PRAGMA mmap_size=0;", nullptr, nullptr, nullptr);
+}
+
 SqliteStatement::SqliteStatement(sqlite3* connection, const char* sql, unsigned flags) {
     sqlite3_stmt* handle = nullptr;
     status_ = sqlite3_prepare_v3(connection, sql, -1, flags, &handle, nullptr);

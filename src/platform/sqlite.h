@@ -21,6 +21,11 @@ struct CloseSqlite {
 // Has to outlive its statements.
 using SqliteConnection = std::unique_ptr<sqlite3, CloseSqlite>;
 
+// For a database that somebody else may have changed: nothing that its schema names is run, and no text or
+// row of more than so many bytes is taken. https://sqlite.org/security.html, "Untrusted SQLite Database
+// Files".
+void distrustSchema(sqlite3* database, int maximumRowBytes) noexcept;
+
 // Any thread, one at a time.
 class SqliteStatement {
   public:

@@ -34,16 +34,6 @@ constexpr std::string_view fullTextDefinition =
     "CREATEVIRTUALTABLEemail_ftsUSINGfts5("
     "record_idUNINDEXED,subject,sender,recipients,attachments,body,tokenize='trigram')";
 
-// https://sqlite.org/security.html, "Untrusted SQLite Database Files".
-void distrust(sqlite3* database) {
-    sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
-    sqlite3_limit(database, SQLITE_LIMIT_LENGTH, maximumRowBytes);
-    execute(database, "PRAGMA cell_size_check=ON; PRAGMA mmap_size=0;");
-}
-
 platform::SqliteConnection connect(const std::string& path) {
     sqlite3* handle = nullptr;
     platform::makePrivateFile(path);
@@ -53,7 +43,7 @@ platform::SqliteConnection connect(const std::string& path) {
     if (result != SQLITE_OK) return nullptr;
     // Before the pragmas, which stop at the first that fails: a change to WAL doesn't wait by itself.
     sqlite3_busy_timeout(handle, busyMilliseconds);
-    distrust(handle);
+    platform::distrustSchema(handle, maximumRowBytes);
     execute(handle, pragmas);
     return database;
 }

@@ -57,16 +57,6 @@ bool meansDamage(int status) {
     return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB || primary == SQLITE_ERROR;
 }
 
-// https://sqlite.org/security.html, "Untrusted SQLite Database Files".
-void distrust(sqlite3* database) {
-    sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
-    sqlite3_limit(database, SQLITE_LIMIT_LENGTH, maximumRowBytes);
-    execute(database, "PRAGMA cell_size_check=ON; PRAGMA mmap_size=0;");
-}
-
 platform::SqliteConnection connect(const std::string& path) {
     sqlite3* handle = nullptr;
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
@@ -74,7 +64,7 @@ platform::SqliteConnection connect(const std::string& path) {
     platform::SqliteConnection database(handle);
     if (result != SQLITE_OK) return nullptr;
     sqlite3_busy_timeout(handle, busyMilliseconds);
-    distrust(handle);
+    platform::distrustSchema(handle, maximumRowBytes);
     return database;
 }
 
