@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "library/library_index.h"
-#include "library/thread_keys.h"
+#include "library/threads/thread_keys.h"
 #include "library_samples.h"
 #include "mime/body_segments.h"
 

@@ -38,6 +38,7 @@ SUBFOLDERS = {
     "archive": {".": "", "destination": ".", "run": ". destination", "checks": ". destination", "bodies": "."},
     "mailstore": {".": "", "folders": ".", "index": ". folders", "accounts": ". folders index",
                   "scan": ". folders index"},
+    "library": {"accounts": "", "threads": "", ".": "accounts threads", "overview": ". accounts"},
     "model": {"tasks": "", ".": "tasks", "mail": ". tasks", "archiving": ". tasks mail", "library": ". tasks",
               "corvane_view_model": ". tasks mail archiving library"},
     "screens": {"controls": "", "texts": "", "desktop": "", "lists": "texts",

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "library/thread_keys.h"
+#include "library/threads/thread_keys.h"
 #include "records/archived/archive_records.h"
 
 namespace corvane {

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "library/account_scopes.h"
-#include "library/thread_keys.h"
+#include "library/accounts/account_scopes.h"
+#include "library/threads/thread_keys.h"
 #include "records/archived/archive_records.h"
 
 namespace corvane {

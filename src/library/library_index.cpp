@@ -8,7 +8,7 @@
 
 #include <fmt/format.h>
 
-#include "library/subject_key.h"
+#include "library/threads/subject_key.h"
 
 namespace corvane {
 

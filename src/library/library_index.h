@@ -13,11 +13,11 @@
 #include <string_view>
 #include <vector>
 
-#include "library/account_merge_rules.h"
-#include "library/account_scopes.h"
+#include "library/accounts/account_merge_rules.h"
+#include "library/accounts/account_scopes.h"
 #include "library/filter_options.h"
-#include "library/subject_groups.h"
-#include "library/thread_keys.h"
+#include "library/threads/subject_groups.h"
+#include "library/threads/thread_keys.h"
 #include "records/archived/archive_records.h"
 #include "records/mail_account.h"
 #include "text/position_table.h"

@@ -1,4 +1,4 @@
-#include "library/account_scopes.h"
+#include "library/accounts/account_scopes.h"
 
 #include <optional>
 #include <string>
@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "library/account_merge_rules.h"
-#include "library/contained_texts.h"
+#include "library/accounts/account_merge_rules.h"
+#include "library/accounts/contained_texts.h"
 #include "library/entry_sketch.h"
 
 namespace corvane {

@@ -1,4 +1,4 @@
-#include "library/archived_overview.h"
+#include "library/overview/archived_overview.h"
 
 #include <cstdint>
 #include <optional>
@@ -9,8 +9,8 @@
 #include <gtest/gtest.h>
 
 #include "library/entry_sketch.h"
-#include "library/smart_mailbox_guide.h"
-#include "library/space_detail.h"
+#include "library/overview/smart_mailbox_guide.h"
+#include "library/overview/space_detail.h"
 
 namespace corvane {
 namespace {

@@ -1,4 +1,4 @@
-#include "library/thread_keys.h"
+#include "library/threads/thread_keys.h"
 
 #include <map>
 #include <numeric>
@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "library/entry_sketch.h"
-#include "library/subject_key.h"
+#include "library/threads/subject_key.h"
 
 namespace corvane {
 namespace {

@@ -11,8 +11,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "library/account_merge_rules.h"
-#include "library/contained_texts.h"
+#include "library/accounts/account_merge_rules.h"
+#include "library/accounts/contained_texts.h"
 #include "records/archived/archive_records.h"
 #include "records/mail_account.h"
 #include "text/shared_text.h"

@@ -1,4 +1,4 @@
-#include "library/smart_mailbox_guide.h"
+#include "library/overview/smart_mailbox_guide.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "library/archived_overview.h"
+#include "library/overview/archived_overview.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "library/account_merge_rules.h"
+#include "library/accounts/account_merge_rules.h"
 
 #include <algorithm>
 #include <set>

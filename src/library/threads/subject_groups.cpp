@@ -1,4 +1,4 @@
-#include "library/subject_groups.h"
+#include "library/threads/subject_groups.h"
 
 #include <limits>
 

@@ -1,4 +1,4 @@
-#include "library/subject_key.h"
+#include "library/threads/subject_key.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "library/contained_texts.h"
+#include "library/accounts/contained_texts.h"
 
 #include <algorithm>
 

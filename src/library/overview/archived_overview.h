@@ -13,8 +13,8 @@
 #include <string_view>
 #include <vector>
 
-#include "library/account_groups.h"
 #include "library/library_index.h"
+#include "library/overview/account_groups.h"
 #include "records/archived/archive_records.h"
 
 namespace corvane {

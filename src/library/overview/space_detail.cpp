@@ -1,4 +1,4 @@
-#include "library/space_detail.h"
+#include "library/overview/space_detail.h"
 
 #include <fmt/format.h>
 

@@ -1,10 +1,10 @@
-#include "library/thread_keys.h"
+#include "library/threads/thread_keys.h"
 
 #include <deque>
 #include <limits>
 #include <string>
 
-#include "library/subject_key.h"
+#include "library/threads/subject_key.h"
 #include "text/position_table.h"
 
 namespace corvane {

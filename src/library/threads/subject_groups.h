@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "library/thread_keys.h"
+#include "library/threads/thread_keys.h"
 #include "records/archived/archive_records.h"
 
 namespace corvane {

@@ -1,4 +1,4 @@
-#include "library/account_scopes.h"
+#include "library/accounts/account_scopes.h"
 
 #include <algorithm>
 #include <utility>

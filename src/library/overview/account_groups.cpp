@@ -1,4 +1,4 @@
-#include "library/account_groups.h"
+#include "library/overview/account_groups.h"
 
 #include <algorithm>
 #include <map>
