@@ -76,7 +76,7 @@ FAULTS = (
           "const std::string_view base = baseID(entries[i].record);",
           "const std::string_view base = entries[i].record.id.view();", ("locations", "model")),
     Fault("a forgotten archive stays listed", "library_load.cpp",
-          "if (input_.forgotten.contains(root) && !comesBack(root, hasContent)) return;", "", ("locations", "model")),
+          "if (input_.forgotten.contains(root) && !hasReturned(root, hasContent)) return;", "", ("locations", "model")),
     Fault("a replaced job is still wanted", "task_slot.h", "        requestStop();\n        job_.reset();",
           "        requestStop();", ("model",)),
     Fault("the list of a cancelled scan is kept for the next start", "message_catalog.cpp", "if (state_->set->isComplete) {\n        dueCache_",

@@ -21,10 +21,10 @@ BlockedEnd runBlockedWindow(SingleInstance& instance, const std::string& address
     };
     std::jthread asking;
     QObject::connect(&start, &BlockedStart::retryRequested, &start, [&] {
-        if (instance.becomeFirst()) return leave(BlockedEnd::becameFirst);
+        if (instance.tryBecomeFirst()) return leave(BlockedEnd::becameFirst);
         // The answer takes its time, and the window can be closed meanwhile.
         asking = std::jthread([&] {
-            const bool answered = instance.handOver(QString::fromStdString(address));
+            const bool answered = instance.sendToFirst(QString::fromStdString(address));
             QMetaObject::invokeMethod(&start, [&start, &leave, answered] {
                 start.setRetrying(false);
                 if (answered) leave(BlockedEnd::handedOver);

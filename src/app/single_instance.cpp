@@ -80,7 +80,7 @@ SingleInstance::SingleInstance(const QString& supportFolder, QObject* parent)
     connect(&server_, &QLocalServer::newConnection, this, &SingleInstance::serve);
 }
 
-bool SingleInstance::becomeFirst() {
+bool SingleInstance::tryBecomeFirst() {
     // It may have been out of reach until now.
     const std::string folder = QFile::encodeName(supportFolder_).toStdString();
     if (platform::makePrivateFolder(platform::posixFileLayer(), folder) || !lock_.tryLock()) return false;
@@ -92,7 +92,7 @@ bool SingleInstance::becomeFirst() {
     return true;
 }
 
-bool SingleInstance::handOver(const QString& address) const {
+bool SingleInstance::sendToFirst(const QString& address) const {
     QLocalSocket socket;
     const QString path = socketPathFor(supportFolder_);
     if (path.isEmpty()) return false;

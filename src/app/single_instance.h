@@ -19,11 +19,11 @@ class SingleInstance : public QObject {
     explicit SingleInstance(const QString& supportFolder, QObject* parent = nullptr);
 
     // From here on this is the one for its home, until the object goes. False when another one is.
-    bool becomeFirst();
+    bool tryBecomeFirst();
 
     // Asks the other one to come forward and, where it isn't empty, to open an address. False when it doesn't
     // answer. Waits for at most some seconds; any thread.
-    [[nodiscard]] bool handOver(const QString& address) const;
+    [[nodiscard]] bool sendToFirst(const QString& address) const;
 
     // Why this one couldn't become the first, for the user.
     [[nodiscard]] QString obstacle() const;

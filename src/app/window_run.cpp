@@ -45,7 +45,7 @@ QString supportFolder(const ModelContext& context) {
 
 // Absent when this start goes on as the first one.
 std::optional<WindowOutcome> leaveToFirst(SingleInstance& instance, const WindowOptions& options) {
-    if (instance.handOver(QString::fromStdString(options.address))) return WindowOutcome();
+    if (instance.sendToFirst(QString::fromStdString(options.address))) return WindowOutcome();
     messageLine(instance.obstacle().toStdString());
     switch (runBlockedWindow(instance, options.address, options.quitSignals)) {
     case BlockedEnd::becameFirst:
@@ -58,7 +58,7 @@ std::optional<WindowOutcome> leaveToFirst(SingleInstance& instance, const Window
     return WindowOutcome{otherWindowStatus, std::nullopt};
 }
 
-void bringForward(QQuickWindow& window) {
+void raiseWindow(QQuickWindow& window) {
     if (window.windowStates().testFlag(Qt::WindowMinimized)) window.showNormal();
     window.show();
     window.raise();
@@ -71,7 +71,7 @@ WindowOutcome runWindow(const WindowOptions& options) {
     const std::unique_ptr<platform::Platform> system = platform::makePlatform(options.home);
     ModelContext context(*system);
     SingleInstance instance(supportFolder(context));
-    if (!instance.becomeFirst()) {
+    if (!instance.tryBecomeFirst()) {
         if (const auto outcome = leaveToFirst(instance, options)) return *outcome;
     }
 
@@ -96,7 +96,7 @@ WindowOutcome runWindow(const WindowOptions& options) {
     shown->show();
 
     const auto openForward = [&](const QString& address) {
-        bringForward(*shown);
+        raiseWindow(*shown);
         window.openAddress(address);
     };
     QObject::connect(&instance, &SingleInstance::requested, &window, openForward);

@@ -77,7 +77,7 @@ struct Ranked {
     [[nodiscard]] auto rank() const { return std::tie(size, isUndated, date); }
 };
 
-bool goesBefore(const Ranked& a, const Ranked& b) {
+bool sortsBefore(const Ranked& a, const Ranked& b) {
     if (a.rank() != b.rank()) return a.rank() < b.rank();
     return compareByDate(*a.message, *b.message, true);
 }
@@ -94,9 +94,9 @@ SharedMessageList makeVisibleMessages(const ListInput& input, const ListRules& r
         const bool isLocal = areAllLocal || input.locallyAvailableIDs->contains(message.id);
         if (isLocal && passes(message, input, rules)) kept.push_back(Ranked::of(message, rules));
     }
-    const bool isInOrder = std::is_sorted(kept.begin(), kept.end(), goesBefore);
+    const bool isInOrder = std::is_sorted(kept.begin(), kept.end(), sortsBefore);
     if (isInOrder && kept.size() == input.messages->size()) return input.messages;
-    if (!isInOrder) std::stable_sort(kept.begin(), kept.end(), goesBefore);
+    if (!isInOrder) std::stable_sort(kept.begin(), kept.end(), sortsBefore);
     MessageList list;
     list.reserve(kept.size());
     for (const Ranked& ranked : kept) list.push_back(*ranked.message);

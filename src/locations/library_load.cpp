@@ -106,7 +106,7 @@ void LibraryLoad::addRoot(const std::string& root, std::optional<RootLook> look)
     }
     const bool contentGone = look->isContentGone();
     const bool hasContent = look->connected && !contentGone;
-    if (input_.forgotten.contains(root) && !comesBack(root, hasContent)) return;
+    if (input_.forgotten.contains(root) && !hasReturned(root, hasContent)) return;
     log_.mark(fmt::format("liveIndex root done records={} connected={} contentGone={} elapsed={:.3f}s",
                           look->index->records.size(), look->connected, contentGone, look->seconds));
     // The databases are local, so this goes for a disk that isn't there, too.
@@ -114,7 +114,7 @@ void LibraryLoad::addRoot(const std::string& root, std::optional<RootLook> look)
                          std::move(look->files), look->kind});
 }
 
-bool LibraryLoad::comesBack(const std::string& root, bool hasContent) {
+bool LibraryLoad::hasReturned(const std::string& root, bool hasContent) {
     if (hasContent) {
         result_.broughtBack.insert(root);
         return true;

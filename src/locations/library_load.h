@@ -73,7 +73,7 @@ class LibraryLoad {
     void addRoot(const std::string& root, std::optional<RootLook> look);
 
     // Whether a forgotten root counts again; notes what becomes of it.
-    bool comesBack(const std::string& root, bool hasContent);
+    bool hasReturned(const std::string& root, bool hasContent);
     void fill(std::vector<LoadedArchive> archives);
 
     const platform::Platform& platform_;

@@ -75,7 +75,7 @@ void MailSearchIndex::provideRecordMap() {
     const int status =
         search::execute(database_.get(), "INSERT OR REPLACE INTO record_map(record_id, fts_rowid) SELECT "
                                          "record_id, rowid FROM email_fts;");
-    noteStatus(status);
+    recordStatus(status);
     if (status == SQLITE_OK) setMeta(recordMapBuiltKey, "1");
 }
 
@@ -92,7 +92,7 @@ std::size_t MailSearchIndex::bulkInsert(std::span<const SearchIndexRow> rows) {
 bool MailSearchIndex::beginWriting() {
     if (sqlite3_get_autocommit(database_.get()) == 0) return true;
     const int status = search::execute(database_.get(), "BEGIN IMMEDIATE;");
-    noteStatus(status);
+    recordStatus(status);
     return status == SQLITE_OK;
 }
 
@@ -100,7 +100,7 @@ bool MailSearchIndex::beginWriting() {
 bool MailSearchIndex::endWriting(bool isToBeKept) {
     if (sqlite3_get_autocommit(database_.get()) != 0) return false;
     const int status = search::execute(database_.get(), isToBeKept ? "COMMIT;" : "ROLLBACK;");
-    noteStatus(status);
+    recordStatus(status);
     return isToBeKept && status == SQLITE_OK;
 }
 
@@ -110,7 +110,7 @@ std::optional<std::size_t> MailSearchIndex::insertRows(std::span<const SearchInd
     SqliteStatement map(database_.get(),
                         "INSERT OR REPLACE INTO record_map(record_id, fts_rowid) VALUES(?,?);");
     for (const SqliteStatement* statement : {&insert, &map}) {
-        noteStatus(statement->status());
+        recordStatus(statement->status());
         if (!*statement) return std::nullopt;
     }
     std::size_t inserted = 0;
@@ -143,7 +143,7 @@ bool MailSearchIndex::mapRow(std::string_view id, SqliteStatement& map) const {
 
 bool MailSearchIndex::runOnce(SqliteStatement& statement) const {
     statement.step();
-    noteStatus(statement.status());
+    recordStatus(statement.status());
     statement.reset();
     return statement.status() == SQLITE_DONE;
 }
@@ -186,7 +186,7 @@ std::optional<std::string> MailSearchIndex::body(std::string_view id) const {
         const auto text = bodyOfRow.text(0);
         if (text && !countsAsEmpty(*text)) body = std::string(*text);
     }
-    noteStatus(bodyOfRow.status());
+    recordStatus(bodyOfRow.status());
     bodyOfRow.reset();
     return body;
 }
@@ -200,7 +200,7 @@ std::optional<std::int64_t> MailSearchIndex::rowIDOf(std::string_view recordID, 
     rowIDOfRecord.bindText(1, recordID);
     std::optional<std::int64_t> rowID;
     if (rowIDOfRecord.step()) rowID = rowIDOfRecord.integer(0);
-    noteStatus(rowIDOfRecord.status());
+    recordStatus(rowIDOfRecord.status());
     rowIDOfRecord.reset();
     return rowID;
 }
@@ -224,7 +224,7 @@ bool MailSearchIndex::removeRow(std::string_view id) {
 void MailSearchIndex::clear() {
     const text::MutexLock lock(writing_);
     const int status = search::makeTablesAnew(database_.get());
-    noteStatus(status);
+    recordStatus(status);
     if (status == SQLITE_OK) hasTrigrams_ = true;
 }
 
@@ -234,7 +234,7 @@ std::optional<SharedTextSet> MailSearchIndex::indexedIDs() const {
     while (query.step()) {
         if (const auto id = query.text(0)) ids.insert(SharedText(*id));
     }
-    noteStatus(query.status());
+    recordStatus(query.status());
     if (query.status() != SQLITE_DONE) return std::nullopt;
     return ids;
 }
@@ -248,7 +248,7 @@ std::optional<IndexedBodyStates> MailSearchIndex::bodyStates() const {
         const auto body = query.text(1);
         (body && !countsAsEmpty(*body) ? states.withBody : states.withoutBody).insert(SharedText(*id));
     }
-    noteStatus(query.status());
+    recordStatus(query.status());
     if (query.status() != SQLITE_DONE) return std::nullopt;
     return states;
 }
@@ -272,7 +272,7 @@ void MailSearchIndex::pruneOrphans(const CorvaneAppSupport& support, std::span<c
     search::pruneOrphans(support, liveRoots);
 }
 
-void MailSearchIndex::noteStatus(int status) const {
+void MailSearchIndex::recordStatus(int status) const {
     if (search::meansDamage(status)) isDamaged_ = true;
 }
 

@@ -143,7 +143,7 @@ class MailSearchIndex {
     text::IdlePool<BodyLookup>::Lease bodyLookup() const;
     text::IdlePool<search::TrigramStatements>::Lease trigramStatements() const;
     std::optional<std::int64_t> rowIDOf(std::string_view recordID, BodyLookup& lookup) const;
-    void noteStatus(int status) const;
+    void recordStatus(int status) const;
 
     platform::SqliteConnection database_;
     std::atomic<bool> hasTrigrams_;

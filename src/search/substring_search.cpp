@@ -61,7 +61,7 @@ std::string quotedPhrase(std::string_view text) {
     return phrase += '"';
 }
 
-void takeID(const SqliteStatement& row, SharedTextSet& ids) {
+void appendID(const SqliteStatement& row, SharedTextSet& ids) {
     if (const auto id = row.text(0)) ids.emplace(*id);
 }
 
@@ -71,7 +71,7 @@ bool addAnswers(SqliteStatement& statement, const std::vector<std::int64_t>& row
     bool isSound = true;
     for (const std::int64_t row : rows) {
         statement.bindInteger(1, row);
-        if (statement.step()) takeID(statement, ids);
+        if (statement.step()) appendID(statement, ids);
         isSound = statement.status() == SQLITE_ROW || endedWell(statement);
         statement.rewind();
         if (!isSound) break;
@@ -122,7 +122,7 @@ std::optional<SharedTextSet> idsByScan(sqlite3* database, std::string_view text)
     scan.bindText(1, likePattern(text));
     SharedTextSet ids;
     ids.reserve(usualIDsOfScan);
-    while (scan.step()) takeID(scan, ids);
+    while (scan.step()) appendID(scan, ids);
     if (!endedWell(scan)) return std::nullopt;
     return ids;
 }

@@ -24,7 +24,7 @@ class IdlePool {
         Lease(const Lease&) = delete;
         Lease& operator=(const Lease&) = delete;
 
-        ~Lease() { pool_.giveBack(std::move(object_)); }
+        ~Lease() { pool_.release(std::move(object_)); }
 
         T& operator*() const noexcept { return *object_; }
 
@@ -38,13 +38,13 @@ class IdlePool {
     // `make` gives a std::unique_ptr<T>, or throws.
     template <class Make>
     Lease take(Make make) {
-        std::unique_ptr<T> object = takeIdle();
+        std::unique_ptr<T> object = acquireIdle();
         if (object == nullptr) object = make();
         return Lease(*this, std::move(object));
     }
 
   private:
-    std::unique_ptr<T> takeIdle() {
+    std::unique_ptr<T> acquireIdle() {
         const MutexLock lock(mutex_);
         if (idle_.empty()) return nullptr;
         std::unique_ptr<T> object = std::move(idle_.back());
@@ -52,7 +52,7 @@ class IdlePool {
         return object;
     }
 
-    void giveBack(std::unique_ptr<T> object) noexcept {
+    void release(std::unique_ptr<T> object) noexcept {
         const MutexLock lock(mutex_);
         try {
             idle_.push_back(std::move(object));

@@ -54,7 +54,7 @@ std::optional<std::vector<SearchIndexRow>> BatchExtraction::nextRows() {
 }
 
 void BatchExtraction::work() {
-    while (const auto first = takeBatch()) {
+    while (const auto first = nextBatch()) {
         Rows rows = extract(*first);
         const text::MutexLock lock(mutex_);
         finished_.push_back(std::move(rows));
@@ -62,7 +62,7 @@ void BatchExtraction::work() {
     }
 }
 
-std::optional<std::size_t> BatchExtraction::takeBatch() {
+std::optional<std::size_t> BatchExtraction::nextBatch() {
     text::MutexLock lock(mutex_);
     changed_.wait(lock, stop_,
                   [&]() REQUIRES(mutex_) { return next_ >= items_.size() || uncollected_ < concurrency_; });

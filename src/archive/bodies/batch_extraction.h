@@ -38,7 +38,7 @@ class BatchExtraction {
     using Rows = std::vector<SearchIndexRow>;
 
     void work();
-    [[nodiscard]] std::optional<std::size_t> takeBatch();
+    [[nodiscard]] std::optional<std::size_t> nextBatch();
     [[nodiscard]] BodyTextByPath textsOf(const std::vector<FileURL>& files) const;
     [[nodiscard]] Rows extract(std::size_t first) const;
 

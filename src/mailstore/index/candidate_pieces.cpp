@@ -69,7 +69,7 @@ platform::TemporaryFile requireOutput(const MailStoreContext& context, ShellResu
 }
 
 // A failure may be a lock of a moment, so it is asked once more.
-ShellResult askForRows(const MailStoreContext& context, const std::string& index, std::string sql) {
+ShellResult queryRows(const MailStoreContext& context, const std::string& index, std::string sql) {
     const ShellQuery query{.databasePath = index,
                            .sql = std::move(sql),
                            .timeLimit = context.queryTimeLimit,
@@ -84,10 +84,10 @@ ShellResult askForRows(const MailStoreContext& context, const std::string& index
 
 IndexOutline readIndexOutline(const MailStoreContext& context, const std::string& envelopeIndexPath) {
     ShellResult result =
-        askForRows(context, envelopeIndexPath,
-                   "SELECT (SELECT COUNT(*) FROM pragma_table_info('message_global_data') "
-                   "WHERE name='message_id_header') AS header, (SELECT MIN(ROWID) FROM messages) AS first, "
-                   "(SELECT MAX(ROWID) FROM messages) AS last;");
+        queryRows(context, envelopeIndexPath,
+                  "SELECT (SELECT COUNT(*) FROM pragma_table_info('message_global_data') "
+                  "WHERE name='message_id_header') AS header, (SELECT MIN(ROWID) FROM messages) AS first, "
+                  "(SELECT MAX(ROWID) FROM messages) AS last;");
     const platform::TemporaryFile output = requireOutput(context, std::move(result));
     IndexOutline outline;
     bool isAnswered = false;
@@ -155,7 +155,7 @@ std::optional<platform::TemporaryFile> CandidatePieces::next() {
     while (const auto range = nextRange()) {
         const auto begin = Clock::now();
         ShellResult result =
-            askForRows(context_, indexPath_, candidateQuery(filter_, outline_.hasMessageIDHeader, *range));
+            queryRows(context_, indexPath_, candidateQuery(filter_, outline_.hasMessageIDHeader, *range));
         if (result.kind == ShellResult::Kind::timedOut) {
             halve(*range, result.hasBegunToAnswer);
             continue;

@@ -20,8 +20,8 @@ using mailstore::BatchStream;
 constexpr std::size_t recordsBetweenStopTests = 160;
 
 // False when a stop was requested.
-bool handOver(mailstore::IndexedRecords& found, BatchStream& batches, ScanTimingMetrics& timing,
-              const std::stop_token& stop) {
+bool deliver(mailstore::IndexedRecords& found, BatchStream& batches, ScanTimingMetrics& timing,
+             const std::stop_token& stop) {
     const SecondsCounter elapsed(timing.enumerationSeconds);
     batches.expect(found.size());
     batches.flush();
@@ -55,7 +55,7 @@ void MailDataScanner::scanBatches(const BatchHandler& handle, const std::stop_to
         auto found = mailstore::readIndexedRecords(request, timing);
         if (!found)
             walk(request, batches, timing, stop);
-        else if (!handOver(*found, batches, timing, stop))
+        else if (!deliver(*found, batches, timing, stop))
             return;
     } catch (const ScanStopped&) {
         return;

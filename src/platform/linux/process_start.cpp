@@ -64,7 +64,7 @@ void restoreDefaultSignals() noexcept {
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-bool takeStandardStreams(const Launch& launch) noexcept {
+bool attachStandardStreams(const Launch& launch) noexcept {
     for (int target = 0; target < 3; ++target) {
         if (::dup2(launch.streams.source(target), target) < 0) return false;
     }
@@ -79,7 +79,7 @@ bool takeStandardStreams(const Launch& launch) noexcept {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     // The parent may have gone before the line above.
     if (::getppid() != launch.parent) ::_exit(127);
-    if (takeStandardStreams(launch)) {
+    if (attachStandardStreams(launch)) {
         // Descriptors of libraries that forgot to set the flag. Kernels before 5.11 refuse, and nothing is
         // lost.
         ::close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);

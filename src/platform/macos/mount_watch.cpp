@@ -55,11 +55,11 @@ class MountWatch final : public MountSubscription {
             for (int i = 0; i < count; ++i) {
                 if (events[static_cast<std::size_t>(i)].filter == EVFILT_READ) return;
             }
-            if (count > 0) tellChanges();
+            if (count > 0) reportChanges();
         }
     }
 
-    void tellChanges() {
+    void reportChanges() {
         auto now = mountedFileSystems();
         if (!now) return;
         const auto changes = mountChanges(mounts_, *now);

@@ -23,13 +23,13 @@ QString folderOf(const testing::TemporaryHome& home) {
 TEST(SingleInstance, SecondStartHandsItsAddressToTheFirst) {
     const testing::TemporaryHome home;
     SingleInstance first(folderOf(home));
-    ASSERT_TRUE(first.becomeFirst());
+    ASSERT_TRUE(first.tryBecomeFirst());
     QSignalSpy requests(&first, &SingleInstance::requested);
     for (const char* address : {"", "corvane://open?path=/a%20b"}) {
         // The second start waits for its answer, so it is on a thread of its own.
         auto second = std::async(std::launch::async, [&] {
             SingleInstance other(folderOf(home));
-            return !other.becomeFirst() && other.handOver(QString::fromUtf8(address));
+            return !other.tryBecomeFirst() && other.sendToFirst(QString::fromUtf8(address));
         });
         ASSERT_TRUE(requests.wait(10'000));
         while (second.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready)
@@ -45,21 +45,21 @@ TEST(SingleInstance, HomesDontMeet_AndTheNextOneIsFirstAgain) {
     {
         SingleInstance first(folderOf(home));
         SingleInstance elsewhere(folderOf(other));
-        EXPECT_TRUE(first.becomeFirst());
-        EXPECT_TRUE(elsewhere.becomeFirst());
+        EXPECT_TRUE(first.tryBecomeFirst());
+        EXPECT_TRUE(elsewhere.tryBecomeFirst());
     }
     SingleInstance next(folderOf(home));
-    EXPECT_TRUE(next.becomeFirst());
+    EXPECT_TRUE(next.tryBecomeFirst());
 }
 
 TEST(SingleInstance, SilentFirstOneIsSaidToBeSo) {
     const testing::TemporaryHome home;
     SingleInstance first(folderOf(home));
-    ASSERT_TRUE(first.becomeFirst());
+    ASSERT_TRUE(first.tryBecomeFirst());
     SingleInstance second(folderOf(home));
-    EXPECT_FALSE(second.becomeFirst());
+    EXPECT_FALSE(second.tryBecomeFirst());
     // Nobody runs the first one's event loop while this waits.
-    EXPECT_FALSE(second.handOver(QString()));
+    EXPECT_FALSE(second.sendToFirst(QString()));
     EXPECT_TRUE(second.obstacle().contains(QString::number(QCoreApplication::applicationPid())));
 }
 
@@ -68,11 +68,11 @@ TEST(SingleInstance, DataFolderThatCannotBeMadeIsntAnotherWindow_AndIsMadeOnceIt
     const std::string inTheWay = home.write("place", "a file");
     const QString folder = QString::fromStdString(inTheWay) + QStringLiteral("/Corvane");
     SingleInstance start(folder);
-    EXPECT_FALSE(start.becomeFirst());
+    EXPECT_FALSE(start.tryBecomeFirst());
     EXPECT_FALSE(start.obstacle().contains(QStringLiteral("已经在运行")));
     EXPECT_TRUE(start.obstacle().contains(folder));
     ASSERT_TRUE(QFile::remove(QString::fromStdString(inTheWay)));
-    EXPECT_TRUE(start.becomeFirst());
+    EXPECT_TRUE(start.tryBecomeFirst());
 }
 
 TEST(OpenRequests, WhatTheDesktopOpensIsAnAddress) {

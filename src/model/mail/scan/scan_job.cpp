@@ -22,7 +22,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds displayInterval{1};
 
-bool goesFirst(const MailMessageRecord& a, const MailMessageRecord& b) {
+bool sortsBefore(const MailMessageRecord& a, const MailMessageRecord& b) {
     if (a.date.has_value() != b.date.has_value()) return a.date.has_value();
     return a.date ? *a.date > *b.date : a.id < b.id;
 }
@@ -30,8 +30,8 @@ bool goesFirst(const MailMessageRecord& a, const MailMessageRecord& b) {
 // The scanner delivers in this order already but for what duplicates move, so the test saves most sorts.
 // Messages of one second go by subject, which is how the list shows them: it can then be this very list.
 void sortForDisplay(MessageList& messages) {
-    if (!std::is_sorted(messages.begin(), messages.end(), goesFirst)) {
-        std::stable_sort(messages.begin(), messages.end(), goesFirst);
+    if (!std::is_sorted(messages.begin(), messages.end(), sortsBefore)) {
+        std::stable_sort(messages.begin(), messages.end(), sortsBefore);
     }
     const auto startsNewSecond = [](const MailMessageRecord& a, const MailMessageRecord& b) {
         return !a.date || a.date != b.date;
