@@ -42,24 +42,27 @@ TEST(ArchiveResults, OnlyARunWithoutIssuesIsCalledSafeAndOnlyCopiesAreSpokenOf) 
     struct Case {
         const char* what;
         std::int64_t archived, skipped, chosen;
-        bool cancelled, hasVariants, isSafe, hasCopies;
+        bool cancelled, hasVariants, hasWarnings, isSafe, hasCopies;
     };
 
-    for (const Case& test : {Case{"all", 3, 0, 3, false, false, true, true},
-                             Case{"cancelled half way", 3, 0, 5, true, false, false, true},
-                             Case{"several versions", 3, 0, 3, false, true, false, true},
-                             Case{"there already, then cancelled", 0, 1, 5, true, false, false, true},
-                             Case{"cancelled before the first", 0, 0, 5, true, false, false, false}}) {
+    for (const Case& test : {Case{"all", 3, 0, 3, false, false, false, true, true},
+                             Case{"cancelled half way", 3, 0, 5, true, false, false, false, true},
+                             Case{"several versions", 3, 0, 3, false, true, false, false, true},
+                             Case{"an index set aside", 1, 0, 1, false, false, true, false, true},
+                             Case{"there already, then cancelled", 0, 1, 5, true, false, false, false, true},
+                             Case{"cancelled before the first", 0, 0, 5, true, false, false, false, false}}) {
         EmailArchiveRunResult result;
         result.archivedCount = test.archived;
         result.skippedAlreadyArchived = test.skipped;
         result.triedCount = test.archived + test.skipped;
         result.wasCancelled = test.cancelled;
         if (test.hasVariants) result.variantWarnings = {"a"};
+        if (test.hasWarnings) result.archiveWarnings = {"原有索引无法读取"};
         const auto view = ArchiveResultView::of(result, test.chosen);
         EXPECT_EQ(view.isSafe, test.isSafe) << test.what;
         EXPECT_EQ(view.tiles.size(), test.cancelled ? 5 : 4) << "with those that were not tried";
         EXPECT_EQ(view.variantTitle.isEmpty(), !test.hasVariants) << test.what;
+        EXPECT_EQ(view.warnings.isEmpty(), !test.hasWarnings) << test.what;
         EXPECT_EQ(view.note.isEmpty(), !test.hasCopies) << test.what;
         EXPECT_EQ(view.subtitle.contains(QStringLiteral(".eml")), test.hasCopies) << test.what;
         EXPECT_TRUE(view.failureTitle.isEmpty() && view.retryTitle.isEmpty()) << test.what;
@@ -85,16 +88,6 @@ TEST(ArchiveResults, FailuresStandTogetherByReasonInTheOrderInWhichTheyCame) {
 
     const QString list = screens::failureList(result.failures);
     EXPECT_EQ(list.count(u'\n'), 31) << "one line each, whatever stands in a subject";
-}
-
-TEST(ArchiveResults, WarningsOfTheArchiveItselfAreShownAndTakeTheShield) {
-    EmailArchiveRunResult result;
-    result.archivedCount = result.triedCount = 1;
-    EXPECT_TRUE(ArchiveResultView::of(result, 1).isSafe);
-    result.archiveWarnings = {"原有索引无法读取，已另存为 x"};
-    const auto view = ArchiveResultView::of(result, 1);
-    EXPECT_FALSE(view.isSafe);
-    EXPECT_EQ(view.warnings, QStringList{QStringLiteral("原有索引无法读取，已另存为 x")});
 }
 
 TEST(ArchiveResults, VersionsThatArentListedAreInTheCopiedList) {

@@ -71,25 +71,6 @@ WindowUnderTest {
             compare(archive.candidates.count, 0);
             verify(tree.activeFocus);
         }
-        function test_ALostPlaceIsSaidInTheSheet_AndNothingCanStart() {
-            openSheet();
-            scenes.losePlace();
-            const start = part("startArchiveButton");
-            compare(start.text, "位置不可用");
-            verify(!start.enabled);
-            compare(part("remarkBanner").headline, "归档位置当前不可用");
-        }
-        function test_APlaceLostDuringTheRunBringsTheConfirmationBack() {
-            openSheet();
-            scenes.holdRuns();
-            mouseClick(part("startArchiveButton"));
-            scenes.replacePlace();
-            scenes.letGo();
-            tryVerify(() => archive.stage === ArchiveScreen.Confirm);
-            tryVerify(() => part("remarkBanner").headline === "归档没有完成");
-            tryCompare(part("startArchiveButton"), "text", "位置不可用");
-            compare(archive.candidates.tickState, 1);
-        }
         function test_ARunIsCancelledOnce_AndNotByEscape() {
             openSheet();
             scenes.holdRuns();
@@ -105,32 +86,6 @@ WindowUnderTest {
             scenes.letGo();
             tryVerify(() => archive.stage === ArchiveScreen.Result);
             compare(archive.outcome.view.title, "归档已取消");
-        }
-        function test_ARunGoesOnBehindTheScreens() {
-            openSheet();
-            scenes.holdRuns();
-            mouseClick(part("startArchiveButton"));
-            const background = part("backgroundButton");
-            tryVerify(() => background.visible);
-            mouseClick(background);
-            verify(!archive.isShown);
-            tryVerify(() => !background.visible);
-            compare(part("primaryAction").text, "查看归档进度");
-            verify(!part("updateButton").enabled);
-            mouseClick(part("primaryAction"));
-            verify(archive.isShown);
-        }
-        function test_FailuresAreShownWithTheirReason_AndCanBeTriedAgain() {
-            mouseClick(findChild(row("2019 年"), "tickBox"));
-            openSheet();
-            mouseClick(part("startArchiveButton"));
-            tryVerify(() => archive.stage === ArchiveScreen.Result);
-            compare(archive.outcome.view.title, "归档完成，46 封失败");
-            const retry = part("retryButton");
-            tryVerify(() => retry.visible);
-            compare(retry.text, "再试失败的 46 封");
-            mouseClick(retry);
-            tryVerify(() => archive.stage === ArchiveScreen.Confirm && archive.candidates.count === 46);
         }
     }
 }

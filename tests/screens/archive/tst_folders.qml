@@ -101,13 +101,6 @@ WindowUnderTest {
                 verify(part(name).activeFocus, name);
             }
         }
-        function test_AWrongPathIsSaid_AndTheListStays() {
-            go(base + "/missing");
-            compare(part("folderError").text, "没有这个文件夹。");
-            verify(part("folderError").visible);
-            compare(list.count, 30);
-            compare(picker.pathText, base);
-        }
         function test_ANewFolderIsMadeAndOpened_EscapeOnlyLeavesItsField() {
             mouseClick(part("newFolderButton"));
             const field = part("newFolderName");

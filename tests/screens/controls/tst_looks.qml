@@ -41,11 +41,5 @@ Item {
             row.listFocused = data.focused;
             verify(Qt.colorEqual(row.children[0].color, data.color));
         }
-
-        function test_EveryControlStandsOnOnePageWithoutAWarning() {
-            const gallery = createTemporaryObject(Qt.createComponent("Gallery.qml"), page);
-            verify(gallery);
-            waitForRendering(gallery);
-        }
     }
 }

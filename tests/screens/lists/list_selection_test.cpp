@@ -53,23 +53,6 @@ TEST_F(Selection, RangesGrowAndShrinkFromTheAnchor) {
     EXPECT_EQ(selection_.rows().ranges(), (Ranges{{0, 1}}));
 }
 
-TEST_F(Selection, TogglingLeavesTheOthersAndMovesTheAnchor) {
-    selection_.select(1);
-    selection_.toggle(5);
-    selection_.toggle(3);
-    selection_.toggle(1);
-    EXPECT_EQ(selection_.rows().ranges(), (Ranges{{3, 4}, {5, 6}}));
-    EXPECT_EQ(selection_.currentRow(), 1);
-    selection_.extendTo(2);
-    EXPECT_EQ(selection_.rows().ranges(), (Ranges{{1, 3}}));
-    selection_.moveTo(8);
-    EXPECT_EQ(selection_.count(), 2);
-    EXPECT_EQ(selection_.currentRow(), 8);
-    selection_.selectAll();
-    EXPECT_EQ(selection_.count(), 10);
-    EXPECT_EQ(selection_.currentRow(), 8);
-}
-
 TEST_F(Selection, AnEmptyListHasNoCurrentRowWhateverIsAskedOfIt) {
     selection_.select(3);
     selection_.remap(std::vector<int>(10, -1), 0);

@@ -84,9 +84,7 @@ TEST_F(MailListScreenTest, EveryReasonForAnEmptyListIsToldApart) {
     waitUntilIdle(context_.tasks);
     EXPECT_EQ(screen_.state(), State::Failed);
     EXPECT_FALSE(screen_.stateText().isEmpty());
-}
 
-TEST_F(MailListScreenTest, AStoreThatCannotBeReadAsksForAccess) {
     home_.write("Library/Mail/V10/MailData/Envelope Index", "");
     screen_.access()->recheckAccess();
     waitUntilIdle(context_.tasks);
@@ -107,22 +105,6 @@ TEST_F(MailListScreenTest, DetailFollowsTheRowAndTheModelKnowsIt) {
     EXPECT_EQ(screen_.detail()->shown().subject, QStringLiteral("x"));
     publish({});
     EXPECT_FALSE(screen_.detail()->hasMessage());
-}
-
-TEST_F(MailListScreenTest, TheSelectedMessageIsKeptThroughFiltersThatKeepIt) {
-    publish({local("a1", 2020), local("b1", 2021), local("b2", 2021), local("c1", 2022)});
-    screen_.showMessage(QString::fromStdString(local("b2").id.str()));
-    screen_.filters()->setQuery(QStringLiteral(" B "));
-    screen_.filters()->applyQuery();
-    settle();
-    EXPECT_EQ(subjects(), texts({"b1", "b2"}));
-    EXPECT_EQ(screen_.detail()->shown().subject, QStringLiteral("b2"));
-    EXPECT_EQ(screen_.selection()->currentRow(), 1);
-    screen_.filters()->setQuery(QStringLiteral("c"));
-    screen_.filters()->applyQuery();
-    settle();
-    EXPECT_EQ(screen_.detail()->shown().subject, QStringLiteral("c1"));
-    EXPECT_EQ(screen_.selection()->rows().ranges(), (std::vector<RowRanges::Range>{{0, 1}}));
 }
 
 TEST_F(MailListScreenTest, ARowChosenWhileTheNextListIsMadeStaysChosen) {

@@ -50,14 +50,6 @@ TEST(Symbol, EveryIconIsDrawnInTheWantedColourAndSize) {
     }
 }
 
-TEST(Symbol, StrokeChangesTheWeight) {
-    const auto [thin, ignored] =
-        inkOf(Symbol::drawing(QStringLiteral("check"), Qt::black, 48, 1.25), Qt::black);
-    const auto [thick, alsoIgnored] =
-        inkOf(Symbol::drawing(QStringLiteral("check"), Qt::black, 48, 3.2), Qt::black);
-    EXPECT_GT(thick, 2 * thin);
-}
-
 TEST(Symbol, SystemNamesFindTheirIconAndUnknownOnesAFile) {
     const std::pair<const char*, const char*> cases[] = {{"icloud.fill", "cloud"},
                                                          {"externaldrive.badge.questionmark", "unplug"},

@@ -1,6 +1,5 @@
 #include "screens/support/qml_scenes.h"
 
-#include <filesystem>
 #include <utility>
 
 #include "screens/support/mail_samples.h"
@@ -38,17 +37,6 @@ void QmlScenes::begin(bool withDestination) {
 
 void QmlScenes::holdRuns() {
     scene().platform().onAvailableCapacity([this] { scene().waitForRelease(); });
-}
-
-void QmlScenes::replacePlace() {
-    std::filesystem::remove_all(scene().home().at("Documents"));
-    scene().home().write("Documents", "");
-}
-
-void QmlScenes::losePlace() {
-    std::filesystem::remove_all(scene().home().at("Documents"));
-    scene().model().destinations().refreshFacts();
-    scene().settle();
 }
 
 QString QmlScenes::makeFolders(const QString& base, int count) {

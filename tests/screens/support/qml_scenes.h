@@ -31,10 +31,6 @@ class QmlScenes : public QObject {
 
     Q_INVOKABLE void letGo() { scene().release(); }
 
-    // The folder of the archive goes, and something else has its name.
-    Q_INVOKABLE void replacePlace();
-    Q_INVOKABLE void losePlace();
-
     // Below the home; its path.
     Q_INVOKABLE [[nodiscard]] QString makeFolders(const QString& base, int count);
 

@@ -4,26 +4,14 @@ import os
 import pathlib
 import signal
 import subprocess
-import sys
 import tempfile
 import unittest
 
-from window_case import PICTURES
-from window_driver import PATIENCE, ROOT, Display, said_by, wait_until
+from window_case import PICTURES, WindowCase
+from window_driver import PATIENCE, ROOT, said_by, wait_until
 
 
-def make_store(home):
-    subprocess.run([sys.executable, "-B", str(ROOT / "tools/make_sample_store.py"), "--quiet", str(home)], check=True)
-
-
-class FrameTest(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.display = cls.enterClassContext(Display(1240, 840))
-        folder = cls.enterClassContext(tempfile.TemporaryDirectory())
-        cls.home = pathlib.Path(folder) / "home"
-        make_store(cls.home)
-
+class FrameTest(WindowCase):
     def support(self, home=None):
         return (home or self.home) / ".local/share/Corvane"
 
@@ -31,10 +19,7 @@ class FrameTest(unittest.TestCase):
         for appearance in ("light", "dark"):
             with self.display.window(self.home, appearance=appearance) as window:
                 window.picture(PICTURES / f"start-{appearance}.png")
-                status, said = window.quit()
-                self.assertEqual(status, 0, said)
-                for trouble in ("QML", "qrc:", "Warning", "TypeError"):
-                    self.assertNotIn(trouble, said)
+                self.assert_quiet_end(window)
 
     def test_logs_tell_of_this_start_only(self):
         old = "a line of the last start\n"
@@ -74,13 +59,6 @@ class FrameTest(unittest.TestCase):
             wait_until(lambda: not window.part("settingsNotice"), "the notice to go")
         self.assertIn("{broken", [file.read_text() for file in settings.parent.iterdir()])
 
-    def test_second_start_leaves_the_home_to_the_first(self):
-        with self.display.window(self.home) as window:
-            second = self.display.start(self.home)
-            second.communicate(timeout=PATIENCE)
-            self.assertEqual(second.returncode, 0, said_by(second))
-            self.assertIsNone(window.process.poll())
-
     def test_start_beside_a_silent_window_says_so(self):
         with self.display.window(self.home) as first:
             first.process.send_signal(signal.SIGSTOP)
@@ -116,13 +94,6 @@ class FrameTest(unittest.TestCase):
                 second.wait_for_part("place-home")
                 self.assertEqual(second.quit()[0], 0)
 
-    def test_killed_window_leaves_nothing_in_the_way(self):
-        with self.display.window(self.home) as window:
-            window.process.send_signal(signal.SIGKILL)
-            window.process.wait()
-        with self.display.window(self.home) as window:
-            self.assertIsNone(window.process.poll())
-
     def test_window_comes_back_as_it_was_left(self):
         with self.display.window(self.home) as window:
             window.resize(1100, 640)
@@ -135,19 +106,6 @@ class FrameTest(unittest.TestCase):
             window.settled()
             # No window manager keeps the minimum here; the content must bear it.
             self.assertIsNone(window.process.poll())
-
-    def test_keys_change_the_screen(self):
-        with self.display.window(self.home) as window:
-            window.resize(1000, 560)
-            window.settled()
-            first, _ = self.display.pixels()
-            window.press("ctrl+4")
-            window.picture(PICTURES / "mails-small.png")
-            self.assertNotEqual(self.display.pixels()[0], first)
-            window.press("ctrl+2")  # a place without a screen
-            window.press("ctrl+1")
-            window.wait_for_part("homePage")
-            window.picture(PICTURES / "home-small.png")
 
     def test_newcomer_gets_samples(self):
         with tempfile.TemporaryDirectory() as empty, self.display.window(empty) as window:

@@ -13,10 +13,7 @@ class KeyboardWalk(WindowCase):
             self.tick(window)
             self.archive(window)
             self.mail_list(window)
-            status, said = window.quit()
-            self.assertEqual(status, 0, said)
-            for trouble in ("QML", "qrc:", "TypeError"):
-                self.assertNotIn(trouble, said)
+            self.assert_quiet_end(window)
 
     def update(self, window):
         window.wait_for_focus("emptyStateButton")  # the one thing to do
@@ -85,24 +82,12 @@ class KeyboardWalk(WindowCase):
         window.press("ctrl+4", "ctrl+f")
         window.wait_for_focus("mailSearch")
         count = window.wait_for_part("messageView", lambda view: view["count"] > 0)["count"]
-        window.press("x", "q", "z", "j")
-        window.wait_for_part("noMatch")
-        window.press("Escape")
-        window.wait_for_part("messageView", lambda view: view["count"] == count)
-        window.press("Escape")
-        window.wait_for_focus("messageView")
-        window.press("Home", "ctrl+a")
-        window.wait_for_part("listSummary", lambda text: text["text"].startswith("已选 "))
-        window.press("Home")
-        window.tab_to("mailSearch")
         window.press_to("migratedFilter", "Up")
         window.press("Right", "Right")
         window.wait_for_part("messageView", lambda view: 0 < view["count"] < count)
         window.press("Left", "Left")
         window.wait_for_part("messageView", lambda view: view["count"] == count)
         window.tab_to("sortMode")
-        window.press("Right")
-        window.wait_for_part("sortMode", lambda control: control["currentIndex"] == 1)
         window.tab_to("troubledFilter")
         window.press_to("accountFilter0", "Down")
         window.press("space")

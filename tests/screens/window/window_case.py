@@ -31,6 +31,13 @@ class WindowCase(unittest.TestCase):
     def refresh(cls):
         subprocess.run([CLI, "--home", str(cls.home), "refresh"], check=True, capture_output=True)
 
+    def assert_quiet_end(self, window):
+        """The program ends well when it is asked to, and none of its QML complained."""
+        status, said = window.quit()
+        self.assertEqual(status, 0, said)
+        for trouble in ("QML", "qrc:", "TypeError"):
+            self.assertNotIn(trouble, said)
+
     def records(self):
         """Of the archive's index; None before there is one."""
         index = self.root / "archive-index.json"
