@@ -26,12 +26,12 @@ import mail_grammar
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "src" / "worker"))
 
-from corvane_mail.attachment_search import find_attachment  # noqa: E402
-from corvane_mail.attachments import attachments_of  # noqa: E402
-from corvane_mail.body import body_text  # noqa: E402
+from corvane_mail.attachments.search import find_attachment  # noqa: E402
+from corvane_mail.attachments.listing import attachments_of  # noqa: E402
+from corvane_mail.bodies.body import body_text  # noqa: E402
 from corvane_mail.json_lines import item_json, to_json  # noqa: E402
 from corvane_mail.mail_file import Mail  # noqa: E402
-from corvane_mail.structure import Scanner  # noqa: E402
+from corvane_mail.parts.structure import Scanner  # noqa: E402
 
 PROCESSOR_SECONDS = 3.0  # of one input of at most mail_grammar.LONGEST bytes; linear work takes a twentieth
 HANGING_SECONDS = 30.0   # of the processor at one input; then the process is ended, whatever it does

@@ -13,7 +13,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path[:0] = [str(ROOT / "src" / "worker"), str(ROOT / "tools")]
 
-from corvane_mail.charsets import decode_text  # noqa: E402
+from corvane_mail.charsets.decoding import decode_text  # noqa: E402
 from samplestore import vocabulary  # noqa: E402
 
 SENTENCES = {

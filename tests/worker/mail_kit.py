@@ -12,9 +12,9 @@ import unittest
 WORKER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "src", "worker", "mail_worker.py")
 sys.path.insert(0, os.path.dirname(WORKER))
 
-from corvane_mail.attachments import attachments_of  # noqa: E402
-from corvane_mail.body import body_text  # noqa: E402
-from corvane_mail.structure import Scanner  # noqa: E402
+from corvane_mail.attachments.listing import attachments_of  # noqa: E402
+from corvane_mail.bodies.body import body_text  # noqa: E402
+from corvane_mail.parts.structure import Scanner  # noqa: E402
 
 
 def encode(data, encoding):

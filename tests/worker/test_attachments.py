@@ -4,10 +4,10 @@ import unittest
 
 from mail_kit import attached, attachments, mail, multipart, part
 
-from corvane_mail.attachment_search import find_attachment
-from corvane_mail.attachments import attachments_of
-from corvane_mail.body import body_text
-from corvane_mail.structure import Scanner
+from corvane_mail.attachments.search import find_attachment
+from corvane_mail.attachments.listing import attachments_of
+from corvane_mail.bodies.body import body_text
+from corvane_mail.parts.structure import Scanner
 
 PDF = bytes(range(256)) * 5
 

@@ -6,11 +6,11 @@ from unittest import mock
 
 from mail_kit import attached, mail, multipart, part
 
-from corvane_mail import full_parser
-from corvane_mail.attachments import attachments_of
-from corvane_mail.body import Body, body_text
-from corvane_mail.full_parser import full_parse
-from corvane_mail.structure import Scanner
+from corvane_mail.parts import full_parser
+from corvane_mail.attachments.listing import attachments_of
+from corvane_mail.bodies.body import Body, body_text
+from corvane_mail.parts.full_parser import full_parse
+from corvane_mail.parts.structure import Scanner
 
 WORDS = ("会议 report 您好 price 報告書 ありがとう 안녕하세요 Grüße the of and 附件 -- --x > quoted =3D = . From "
          "begin <b> &amp; 100% ------ --b --b-- -").split()

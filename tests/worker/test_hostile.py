@@ -7,7 +7,7 @@ from unittest import mock
 
 from mail_kit import attachments, body, multipart, part
 
-from corvane_mail.body import CAP_NOTICE
+from corvane_mail.bodies.body import CAP_NOTICE
 from corvane_mail.limits import CLOCK, Failure
 
 SIZE = 1 << 20

@@ -11,11 +11,11 @@ import unittest
 import odd_mail
 import test_packed_mail
 
-from corvane_mail.attachments import attachments_of
-from corvane_mail.body import body_text
+from corvane_mail.attachments.listing import attachments_of
+from corvane_mail.bodies.body import body_text
 from corvane_mail.json_lines import to_json
 from corvane_mail.mail_file import Mail
-from corvane_mail.structure import Scanner
+from corvane_mail.parts.structure import Scanner
 
 
 def opened(message):

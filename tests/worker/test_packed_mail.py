@@ -7,8 +7,8 @@ import zlib
 
 from mail_kit import attached, attachments, body, mail, multipart, part
 
-from corvane_mail.body import ENCRYPTED_NOTICE
-from corvane_mail.rtf_text import decompressed
+from corvane_mail.bodies.body import ENCRYPTED_NOTICE
+from corvane_mail.packed.rtf_text import decompressed
 
 PDF = bytes(range(256)) * 3
 RTF = (rb"{\rtf1\ansi\ansicpg936{\fonttbl{\f0\fnil\fcharset134 \'cb\'ce\'cc\'e5;}{\f1 Arial;}}{\*\generator x;}\f0 "

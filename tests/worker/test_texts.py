@@ -5,7 +5,7 @@ import unittest
 
 from mail_kit import body, encode, mail, multipart, part
 
-from corvane_mail.body import body_text
+from corvane_mail.bodies.body import body_text
 from corvane_mail.mail_file import message_bytes
 
 SIMPLIFIED = "您好，附件是上周的会议纪要，请查收。镕喆也会参加，如有问题请联系我们。"

@@ -4,12 +4,12 @@ import binascii
 import re
 import time
 
-from .body import body_text
-from .html_marks import QUOTE_MARK, SIGNATURE_MARK
-from .limits import BATCH_SECONDS, CLOCK, DEFAULT_DATA_BYTES, DEFAULT_LIST_BYTES, DEFAULT_TEXT_BYTES, SECONDS, Failure
+from .bodies.body import body_text
+from .html.marks import QUOTE_MARK, SIGNATURE_MARK
 from .json_lines import item_json, log
+from .limits import BATCH_SECONDS, CLOCK, DEFAULT_DATA_BYTES, DEFAULT_LIST_BYTES, DEFAULT_TEXT_BYTES, SECONDS, Failure
 from .mail_file import Mail
-from .structure import Scanner
+from .parts.structure import Scanner
 
 EMPTY_PREVIEW = "暂无正文预览"
 
@@ -68,7 +68,7 @@ def file_text(path, limit):
 
 
 def attachments(request):
-    from .attachments import attachments_of
+    from .attachments.listing import attachments_of
     mail = mail_of(request, byte_limit(request, DEFAULT_LIST_BYTES))
     found = attachments_of(Scanner(mail.data).run())
     return {"ok": True, "attachments": [{"file_name": each.name, "content_type": each.kind,
@@ -76,8 +76,8 @@ def attachments(request):
 
 
 def attachment_data(request):
-    from .attachment_search import find_attachment
-    from .attachments import attachments_of
+    from .attachments.listing import attachments_of
+    from .attachments.search import find_attachment
     name, limit = required(request, "file_name", str), byte_limit(request, DEFAULT_DATA_BYTES)
     mail = mail_of(request, 2 * limit + DEFAULT_LIST_BYTES)
     found = find_attachment(attachments_of(Scanner(mail.data).run()), name)

@@ -5,7 +5,7 @@ import re
 import stat
 
 from .limits import Failure
-from .structure import FIRST_FIELD
+from .parts.structure import FIRST_FIELD
 
 OPEN_FLAGS = os.O_RDONLY | sum(getattr(os, flag, 0) for flag in ("O_NONBLOCK", "O_NOCTTY", "O_CLOEXEC", "O_BINARY"))
 

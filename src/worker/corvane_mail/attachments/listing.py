@@ -2,11 +2,11 @@
 
 import re
 
-from .charset_codecs import codec_for
-from .header_values import decode_name, decode_words, declared_in_words
-from .limits import CLOCK, MAX_SEALED
-from .part import HTML_TYPES, SEALED_TYPES, WINMAIL_TYPES
-from .unicode_text import nfc, without_hidden
+from ..charsets.label_codecs import codec_for
+from ..charsets.unicode_text import nfc, without_hidden
+from ..limits import CLOCK, MAX_SEALED
+from ..parts.header_values import decode_name, decode_words, declared_in_words
+from ..parts.part import HTML_TYPES, SEALED_TYPES, WINMAIL_TYPES
 
 OFFICE = "application/vnd.openxmlformats-officedocument."
 EXTENSIONS = {"application/pdf": ".pdf", "application/zip": ".zip", "application/msword": ".doc", "image/jpeg": ".jpg",
@@ -93,13 +93,13 @@ class Collector:
     def _add_inline(self, part, data):
         if b"begin " not in data:
             return
-        from .inline_files import inline_files
+        from ..packed.inline_files import inline_files
         for file in inline_files(data):
             name = decode_name(file.name, None, self.hint) or "附件"
             self.found.append(Attachment(name, "application/octet-stream", part, file.data))
 
     def _add_packed(self, part):
-        from .tnef import Tnef
+        from ..packed.tnef import Tnef
         for name, kind, data in Tnef(part.payload()).files:
             name = decode_name(name.encode("utf-8", "replace"), b"utf-8", "") or numbered(kind, len(self.found) + 1)
             self.found.append(Attachment(name, kind, part, lambda data=data: data))
@@ -107,7 +107,7 @@ class Collector:
     def _sealed_parts(self, part):
         if not part.is_sealed or self.opened >= MAX_SEALED:
             return ()
-        from .sealed import unsealed
+        from ..packed.sealed import unsealed
         self.opened += 1
         inner = unsealed(part, whole=True)
         return (inner,) if inner else ()

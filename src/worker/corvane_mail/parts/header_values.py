@@ -4,10 +4,10 @@ import binascii
 import re
 from functools import lru_cache
 
-from .charset_codecs import codec_for
-from .charsets import decode_text
+from ..charsets.decoding import decode_text
+from ..charsets.label_codecs import codec_for
+from ..charsets.unicode_text import nfc
 from .transfer import decode_base64
-from .unicode_text import nfc
 
 
 def decode_words(value, hint=""):

@@ -2,8 +2,8 @@
 
 import re
 
-from .header_values import decode_words, unpercent
-from .unicode_text import nfc
+from ..charsets.unicode_text import nfc
+from ..parts.header_values import decode_words, unpercent
 
 
 def cleaned(name):

@@ -14,7 +14,7 @@ Measure again after any change of a weight.
 import re
 from functools import lru_cache
 
-from .charset_codecs import EAST_ASIAN, western_text
+from .label_codecs import EAST_ASIAN, western_text
 
 HAN = ("的一是不了在人有我他这个们中来上大为和国地到以说时要就出会可也你对生能而子那得于着下自之年过发后作里用道行"
        "所然家种事成方多经么去法学如都同现当没动面起看定天分还进好小部其些主样理心本前开但因只从想实日军者意无力它与"

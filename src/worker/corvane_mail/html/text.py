@@ -2,10 +2,10 @@
 
 import re
 
-from .html_layout import (BLOCK, BREAK, BULLET, BULLET_END, CELL, HARD_SPACE, PARAGRAPH, QUOTE_OFF, QUOTE_ON, ROW, SECTION,
-                          SIGNATURE_OFF, SIGNATURE_ON, arrange)
-from .html_marks import HIDEABLE, attribute, hidden_by, hiding_of, place_marks, region_kind
-from .limits import CLOCK, MAX_DEPTH
+from ..limits import CLOCK, MAX_DEPTH
+from .layout import (BLOCK, BREAK, BULLET, BULLET_END, CELL, HARD_SPACE, PARAGRAPH, QUOTE_OFF, QUOTE_ON, ROW, SECTION,
+                     SIGNATURE_OFF, SIGNATURE_ON, arrange)
+from .marks import HIDEABLE, attribute, hidden_by, hiding_of, place_marks, region_kind
 
 LAYOUT = {name: layout for layout, names in {
     BREAK: "br", CELL: "td th", ROW: "tr thead tbody tfoot caption",

@@ -2,7 +2,7 @@
 
 import re
 
-from .charset_codecs import strictly, utf8
+from .label_codecs import strictly, utf8
 
 HIGH_BITS = bytes(byte | 0x80 if 0x21 <= byte <= 0x7E else byte for byte in range(256))
 HZ_RUN = re.compile(rb"~\{(?:[!-w][!-~])+~\}")

@@ -2,7 +2,7 @@
 
 import re
 
-from .html_layout import QUOTE_OFF, QUOTE_ON, SIGNATURE_OFF, SIGNATURE_ON
+from .layout import QUOTE_OFF, QUOTE_ON, SIGNATURE_OFF, SIGNATURE_ON
 
 SIGNATURE_MARK = "\uf0f0SIG\uf0f0"
 QUOTE_MARK = "\uf0f1QUOTE\uf0f1"

@@ -2,9 +2,9 @@
 
 import re
 
-from .charsets import decode_text, without_odd_signs
-from .limits import CLOCK, MAX_PARTS
-from .plain_text import bare_ends, unix_lines
+from ..bodies.plain_text import bare_ends, unix_lines
+from ..charsets.decoding import decode_text, without_odd_signs
+from ..limits import CLOCK, MAX_PARTS
 
 SIGNATURE = b"\x78\x9f\x3e\x22"
 BODY, PROPERTIES, CODE_PAGE = 0x0002800C, 0x00069003, 0x00069007
@@ -74,7 +74,7 @@ class Tnef:
         """(text, whether from HTML)."""
         html = self.properties.get(HTML)
         if html:
-            from .html_text import html_text
+            from ..html.text import html_text
             page = charset_of(bytes_of(self.properties.get(HTML_PAGE))) or self.page
             return html_text(html if isinstance(html, str) else decode_text(html, page)), True
         plain = self._text_of(self.properties.get(TEXT)) or decode_text(self.body, self.page)

@@ -2,8 +2,8 @@
 
 import zlib
 
-from .limits import DEFAULT_LIST_BYTES, MAX_DEPTH
-from .structure import Scanner
+from ..limits import DEFAULT_LIST_BYTES, MAX_DEPTH
+from ..parts.structure import Scanner
 
 COMPRESSED = b"\x06\x0b\x2a\x86\x48\x86\xf7\x0d\x01\x09\x10\x01\x09\xa0"
 CONTENT = b"\x06\x09\x2a\x86\x48\x86\xf7\x0d\x01\x07\x01\xa0"

@@ -2,8 +2,8 @@
 
 import re
 
+from ..limits import CLOCK, MAX_DEPTH, MAX_PARTS
 from .header_values import parameter
-from .limits import CLOCK, MAX_DEPTH, MAX_PARTS
 from .part import ENCODED, Part, read_fields
 
 # A line of blanks alone ends the header where what follows can't be more of it.

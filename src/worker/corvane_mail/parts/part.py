@@ -3,8 +3,8 @@
 import re
 from functools import lru_cache
 
+from ..limits import MAX_FIELD, MAX_HEADER
 from .header_values import parameter, parse_field
-from .limits import MAX_FIELD, MAX_HEADER
 from .transfer import decode_base64, decode_base64_text, decode_quoted_printable, hidden_base64, is_quoted_printable
 
 FIELDS = re.compile(rb"\n(?=[cdfstx])(content-(?:type|transfer-encoding|disposition|id|description)"
@@ -99,7 +99,7 @@ class Part:
         if self.encoding == b"quotedprintable":
             return text and hidden_base64(raw) or decode_quoted_printable(raw)
         if self.encoding in FILES_INSIDE:
-            from .inline_files import inline_files
+            from ..packed.inline_files import inline_files
             return next((file.data() for file in inline_files(raw)), raw)
         if not text or self.encoding == DECODED:
             return raw

@@ -2,7 +2,7 @@
 
 import re
 
-from .charset_codecs import EAST_ASIAN, SHIFTED, VENDOR_SIGNS, codec_for, strictly, utf8, western_text
+from .label_codecs import EAST_ASIAN, SHIFTED, VENDOR_SIGNS, codec_for, strictly, utf8, western_text
 from .unicode_text import CP1252_SIGNS, repair_surrogates, undo_double_encoding
 
 UTF16_MARKS = (b"\xff\xfe", b"\xfe\xff")
@@ -22,7 +22,7 @@ def decode_text(data, label, hint=""):
     """
     codec, text = codec_for(label) if label else "", None
     if codec in SHIFTED or b"\x1b" in data or b"~{" in data or data[:2] in UTF16_MARKS or b"\0" in data:
-        from .shifted_charsets import shifted_text
+        from .shifted import shifted_text
         text, codec = shifted_text(data, codec), "" if codec in SHIFTED else codec
     if text is None:
         data = data.translate(None, CONTROLS)
@@ -49,7 +49,7 @@ def decode_eight_bit(data, codec, hint):
     text = damaged_utf8(data, 0 if codec == "utf-8" else 4)
     if text is not None:
         return text
-    from .charset_guess import guess
+    from .guess import guess
     return decode_by(guess(data, "" if codec == "utf-8" else codec, hint), data)
 
 
@@ -60,7 +60,7 @@ def utf8_is_meant(text, data, codec):
     """
     if codec not in EAST_ASIAN or len(re.findall(rb"[\xe0-\xf4][\x80-\xbf]{2,3}", data[:4000])) >= 3:
         return True
-    from .charset_guess import likeliness
+    from .guess import likeliness
     declared = strictly(data, codec)
     if declared is None:
         return True
@@ -71,10 +71,10 @@ def utf8_is_meant(text, data, codec):
 
 def declared_text(data, codec):
     """Text by the declared set where all bytes are of it and read as its writing, else None."""
-    from .charset_guess import reads_well
+    from .guess import reads_well
     text = strictly(data, codec)
     if text is None and codec == "euc_jp":
-        from .shifted_charsets import euc_by_cp932
+        from .shifted import euc_by_cp932
         text = euc_by_cp932(data)
     if text is None and codec not in EAST_ASIAN and codec != "cp1252":
         text = data.decode(codec, "replace")

@@ -3,7 +3,7 @@
 import re
 from email import message_from_bytes
 
-from .limits import CLOCK, MAX_DEPTH, MAX_FIELD
+from ..limits import CLOCK, MAX_DEPTH, MAX_FIELD
 from .part import DECODED, ENCODED, Part
 
 

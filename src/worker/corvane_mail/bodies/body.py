@@ -1,12 +1,12 @@
 """The readable text of a message."""
 
+from ..charsets.unicode_text import nfc
+from ..limits import CLOCK, MAX_SEALED
+from ..parts.header_values import decode_words, declared_in_words, parameter
+from ..parts.part import HTML_TYPES
+from ..parts.structure import Scanner
 from .alternatives import html_source, is_better, may_be_poorer, repeats
-from .header_values import decode_words, declared_in_words, parameter
 from .leaf_text import html_leaf, plain_leaf
-from .limits import CLOCK, MAX_SEALED
-from .part import HTML_TYPES
-from .structure import Scanner
-from .unicode_text import nfc
 
 CAP_NOTICE = "（邮件结构超出上限，其余部分未解析）"
 ENCRYPTED_NOTICE = "（加密邮件，无法显示正文）"
@@ -92,7 +92,7 @@ class Body:
         return text
 
     def _sealed(self, part):
-        from .sealed import unsealed
+        from ..packed.sealed import unsealed
         self.opened += 1
         inner = unsealed(part) if self.opened <= MAX_SEALED else None
         self.encrypted |= inner is None
@@ -107,7 +107,7 @@ class Body:
 
     def _spare_part(self, part):
         if part.is_winmail:
-            from .tnef import Tnef
+            from ..packed.tnef import Tnef
             text, self.html = Tnef(part.payload()).text()
             return text
         if part.kind in CALENDAR_TYPES or part.name_ends(b".ics"):
@@ -116,7 +116,7 @@ class Body:
         if part.is_named and part is not self.root:
             return ""
         if part.kind in RTF_TYPES:
-            from .rtf_text import rtf_text
+            from ..packed.rtf_text import rtf_text
             return rtf_text(part.payload(text=True)[:1 << 20])
         return self._shown(part) if part.kind == "text/plain" or part.kind in HTML_TYPES else ""
 
@@ -136,7 +136,7 @@ def body_text(data):
     body = Body(scanner.run())
     text = body.text(body.root)
     if scanner.odd and not text.strip():
-        from .full_parser import full_parse
+        from ..parts.full_parser import full_parse
         body = Body(full_parse(data))
         text = body.text(body.root)
     if not text.strip():

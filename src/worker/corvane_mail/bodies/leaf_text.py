@@ -2,11 +2,11 @@
 
 import re
 
-from .charset_codecs import codec_for
-from .charsets import decode_text
-from .header_values import parameter
-from .html_layout import unescaped
-from .html_text import html_text
+from ..charsets.decoding import decode_text
+from ..charsets.label_codecs import codec_for
+from ..html.layout import unescaped
+from ..html.text import html_text
+from ..parts.header_values import parameter
 from .plain_text import bare_ends, unflow, unix_lines
 
 HTML_DOCUMENT = r"(?i)\s*(?:<!--[^>]{0,2000}-->\s*)?<(?:!doctype\s+html|html[\s>]|body[\s>])"
@@ -36,7 +36,7 @@ def plain_leaf(part, hint=""):
     if part.is_binary(data) or part.kind == "message/partial" and re.search(BASE64_LINES, data[:4096]):
         return "", False
     if part.kind == "text/plain" and b"begin " in data:
-        from .inline_files import without_files
+        from ..packed.inline_files import without_files
         data = without_files(data)
     text = unix_lines(decode_text(data, part.charset, hint))
     if part.kind == "text/plain" and "<" in text[:200] and re.match(HTML_DOCUMENT, text):

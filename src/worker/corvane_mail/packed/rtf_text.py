@@ -5,9 +5,9 @@ Source: Rich Text Format, version 1.9; [MS-OXRTFEX] for HTML that is wrapped in 
 
 import re
 
-from .charsets import decode_text, without_odd_signs
-from .html_text import html_text
-from .limits import CLOCK
+from ..charsets.decoding import decode_text, without_odd_signs
+from ..html.text import html_text
+from ..limits import CLOCK
 
 TOKEN = re.compile(rb"\\([a-zA-Z]{1,32})(-?[0-9]{1,10})? ?|\\'([0-9a-fA-F]{2})|\\(.)|([{}])|([^\\{}\r\n]+)", re.S)
 BREAKS = {b"par": "\n", b"line": "\n", b"sect": "\n", b"page": "\n", b"row": "\n", b"tab": "\t", b"cell": "\t",

@@ -2,8 +2,8 @@
 
 import re
 
-from .html_marks import KNOWN_MARKUP, QUOTE_MARK, SIGNATURE_MARK
-from .part import HTML_TYPES
+from ..html.marks import KNOWN_MARKUP, QUOTE_MARK, SIGNATURE_MARK
+from ..parts.part import HTML_TYPES
 
 STUB = (r"(?:not|n't) (?:support|display|render|view|read|able)[^.\n]{0,40}html|view (?:it|this|the) [^.\n]{0,40}"
         r"(?:browser|online)|html[- ]?(?:capable|enabled|compatible|e-?mail|format|message|version)"

@@ -3,7 +3,7 @@
 import re
 from functools import lru_cache
 
-from .unicode_text import INVISIBLE, repair_surrogates
+from ..charsets.unicode_text import INVISIBLE, repair_surrogates
 
 # Layout that the writer puts between texts; text itself holds no such characters any more.
 BREAK, BLOCK, PARAGRAPH, SECTION, ROW, CELL = "\x01", "\x02", "\x03", "\x04", "\x05", "\x06"

@@ -1,6 +1,6 @@
 """Lines of plain text."""
 
-from .unicode_text import INVISIBLE
+from ..charsets.unicode_text import INVISIBLE
 
 
 def unix_lines(text):

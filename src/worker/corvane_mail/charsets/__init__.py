@@ -1,0 +1,1 @@
+"""Text from the bytes of a message."""

@@ -1,0 +1,1 @@
+"""HTML as readable text."""

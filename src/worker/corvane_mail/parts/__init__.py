@@ -1,0 +1,1 @@
+"""The parts of a message: header fields, transfer encodings, structure."""
