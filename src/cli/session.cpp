@@ -76,4 +76,11 @@ void Session::restoreLastScan() {
     if (state.kind == MailScanState::Kind::failed) throw CommandFailure(state.text);
 }
 
+void loadLibrary(Session& session) {
+    CorvaneViewModel& model = session.model();
+    session.waitUntilIdle();
+    model.library().loadEmailArchiveIndex(model.destinations().transferDestination(), true);
+    session.waitUntilIdle();
+}
+
 } // namespace corvane::cli

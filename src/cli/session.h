@@ -20,6 +20,12 @@ class CommandFailure : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// The command can't be run as it was typed; the message is for the user and may have several lines.
+class WrongUsage : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
 class Session {
   public:
     // `home` replaces the user's home; empty for the real one.
@@ -43,6 +49,9 @@ class Session {
     std::optional<LeftoverRemoval> leftovers_;
     std::unique_ptr<CorvaneViewModel> model_;
 };
+
+// Makes a live load of the library.
+void loadLibrary(Session& session);
 
 // SIGINT or SIGTERM came while a command waited that has nothing to bring in order.
 class Interrupted : public std::runtime_error {

@@ -68,6 +68,14 @@ Prefix clusterPrefix(std::string_view text, std::size_t maxClusters, std::size_t
 
 constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
+std::size_t columnsOf(UChar32 character) {
+    if (character < 0) character = 0xFFFD;
+    const int category = u_charType(character);
+    if (category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK || category == U_FORMAT_CHAR) return 0;
+    const int eastAsian = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
+    return eastAsian == U_EA_WIDE || eastAsian == U_EA_FULLWIDTH ? 2 : 1;
+}
+
 } // namespace
 
 std::size_t graphemeCount(std::string_view text) {
@@ -94,16 +102,18 @@ std::string_view graphemePrefixWithinBytes(std::string_view text, std::size_t by
 
 std::size_t displayWidth(std::string_view text) {
     std::size_t width = 0;
-    for (std::size_t at = 0; at < text.size();) {
-        UChar32 character = nextScalar(text, at);
-        if (character < 0) character = 0xFFFD;
-        const int category = u_charType(character);
-        if (category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK || category == U_FORMAT_CHAR)
-            continue;
-        const int eastAsian = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
-        width += eastAsian == U_EA_WIDE || eastAsian == U_EA_FULLWIDTH ? 2 : 1;
-    }
+    for (std::size_t at = 0; at < text.size();) width += columnsOf(nextScalar(text, at));
     return width;
+}
+
+std::string_view prefixWithinWidth(std::string_view text, std::size_t columns) {
+    std::size_t width = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t start = at;
+        width += columnsOf(nextScalar(text, at));
+        if (width > columns) return text.substr(0, start);
+    }
+    return text;
 }
 
 } // namespace corvane::text

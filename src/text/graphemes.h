@@ -21,4 +21,7 @@ std::string_view graphemePrefixWithinBytes(std::string_view text, std::size_t by
 // mark.
 std::size_t displayWidth(std::string_view text);
 
+// The longest start of the text that takes at most so many columns.
+std::string_view prefixWithinWidth(std::string_view text, std::size_t columns);
+
 } // namespace corvane::text

@@ -1,93 +1,33 @@
-#include <chrono>
+#include <cstdint>
 #include <map>
+#include <memory>
 #include <set>
+#include <string>
+#include <vector>
 
 #include <fmt/format.h>
 
-#include "cli/commands.h"
+#include "cli/commands/commands.h"
+#include "cli/console/output.h"
+#include "cli/console/text_table.h"
 #include "cli/exit_status.h"
-#include "cli/output.h"
-#include "cli/progress_line.h"
 #include "model/mail/message_preview.h"
 #include "records/formatters.h"
-#include "records/logs/console_log.h"
+#include "records/model_enums.h"
 
 namespace corvane::cli {
 
 namespace {
 
-std::string_view stateName(const MailScanState& state) {
-    switch (state.kind) {
-    case MailScanState::Kind::finished:
-        return "finished";
-    case MailScanState::Kind::failed:
-        return "failed";
-    default:
-        return "idle";
-    }
-}
-
-void printScanJson(CorvaneViewModel& model, double seconds) {
-    const MailScanState& state = model.scanFlow().state();
-    JsonDocument document;
-    document.object([&] {
-        document.member("state", stateName(state));
-        if (state.kind == MailScanState::Kind::failed) {
-            document.member("message", state.text);
-            document.member("error", state.text);
-        }
-        document.member("summary", model.catalog().summary());
-        document.member("timingLog", model.scanFlow().scanTimingLog());
-        document.member("messages", static_cast<std::int64_t>(model.catalog().messages()->size()));
-        document.member("scanSeconds", seconds);
-        if (model.catalog().state()->isPartial()) document.member("complete", false);
-    });
-    document.print();
-}
-
-// Runs `start` to its end, with the line of progress on standard error.
-int runScanToEnd(Session& session, bool json, const std::function<void()>& start) {
-    CorvaneViewModel& model = session.model();
-    ProgressLine progress;
-    const auto showState = QObject::connect(&model.scanFlow(), &ScanFlow::stateChanged, [&] {
-        if (model.scanFlow().state().isScanning()) progress.show(model.scanFlow().state().text);
-    });
-    const auto begin = std::chrono::steady_clock::now();
-    auto published = begin;
-    const auto notePublished = QObject::connect(&model.visible(), &VisibleMessages::visibleMessagesChanged,
-                                                [&] { published = std::chrono::steady_clock::now(); });
-    start();
-    session.waitUntilIdle([&] { model.scanFlow().cancelScan(); });
-    QObject::disconnect(showState);
-    QObject::disconnect(notePublished);
-    const double seconds = std::chrono::duration<double>(published - begin).count();
-    if (model.catalog().state()->isPartial())
-        messageLine("扫描没有完成，列出的邮件不是全部；上次的完整结果没有改动。");
-    if (wasInterrupted()) throw Interrupted();
-    const MailScanState& state = model.scanFlow().state();
-    const bool isFailure = state.kind == MailScanState::Kind::failed;
-    if (json)
-        printScanJson(model, seconds);
-    else if (isFailure)
-        throw CommandFailure(state.text);
-    else
-        printText(fmt::format("扫描完成：{} 封邮件，{}，用时 {:.2f} 秒", model.catalog().messages()->size(),
-                              formatByteCount(model.catalog().summary().bytes), seconds));
-    return isFailure ? failed : done;
-}
-
-void printAccountsTable(const std::vector<MailAccount>& accounts) {
-    TextTable table(
-        {TextTable::Align::left, TextTable::Align::left, TextTable::Align::right, TextTable::Align::left});
-    table.row({"账户", "类型", "邮件", "说明"});
-    for (const MailAccount& account : accounts) {
-        std::int64_t count = 0;
-        for (const FolderInfo& folder : account.folders) count += folder.count;
-        table.row({account.distinguishedLabel(), account.scheme, fmt::format("{}", count),
-                   account.duplicationNote.value_or("")});
-    }
-    table.print();
-}
+struct MessagesOptions {
+    std::vector<std::string> accounts;
+    std::vector<std::int64_t> years;
+    std::string query;
+    std::int64_t minimumAttachments = 0;
+    MailSortMode sort = MailSortMode::newest;
+    bool ascending = false;
+    MigratedFilter filter = MigratedFilter::all;
+};
 
 void printMessagesTable(const MessageList& messages) {
     TextTable table({TextTable::Align::left, TextTable::Align::right, TextTable::Align::right,
@@ -168,37 +108,6 @@ void printStatsTable(CorvaneViewModel& model, const std::set<std::int64_t>& year
                           formatByteCount(candidates.bytes)));
 }
 
-} // namespace
-
-int runAccounts(Session& session, bool json) {
-    AccountDirectory& accounts = session.model().accounts();
-    accounts.refreshAccountsFromMail();
-    session.waitUntilIdle();
-    if (accounts.accountLoadFailureMessage()) throw CommandFailure(*accounts.accountLoadFailureMessage());
-    if (json) {
-        JsonDocument document;
-        document.value(accounts.availableAccounts());
-        document.print();
-    } else {
-        printAccountsTable(accounts.availableAccounts());
-    }
-    return done;
-}
-
-int runRefresh(Session& session, bool json) {
-    return runScanToEnd(session, json, [&] { session.model().scanFlow().refreshAllMailData(); });
-}
-
-int runScan(Session& session, std::optional<std::int64_t> maximumYear, bool json) {
-    session.waitUntilIdle();
-    ModelFilters& filters = session.model().filters();
-    if (maximumYear) {
-        filters.setYearCutoff(*maximumYear);
-        filters.setOnlyBeforeCutoff(true);
-    }
-    return runScanToEnd(session, json, [&] { session.model().scanFlow().scan(); });
-}
-
 int runMessages(Session& session, const MessagesOptions& options, bool json) {
     ModelFilters& filters = session.model().filters();
     session.restoreLastScan();
@@ -234,30 +143,6 @@ int runPreview(Session& session, const std::string& file, bool json) {
     return done;
 }
 
-int runDiagnose(Session& session, bool json) {
-    CorvaneViewModel& model = session.model();
-    session.waitUntilIdle();
-    if (model.accounts().availableAccounts().empty()) model.accounts().refreshAccountsFromMail();
-    session.waitUntilIdle();
-    // A home of which no account is selected, as before its first refresh, is looked at as a whole.
-    std::set<std::string> prefixes = model.accounts().selectedAccountPrefixes();
-    if (prefixes.empty()) {
-        for (const MailAccount& account : model.accounts().availableAccounts())
-            prefixes.insert(account.urlPrefix);
-    }
-    model.diagnostics().write(prefixes);
-    session.waitUntilIdle();
-    const std::string path = model.diagnostics().logPath();
-    if (json) {
-        JsonDocument document;
-        document.object([&] { document.member("log", path); });
-        document.print();
-    } else {
-        printText(path);
-    }
-    return done;
-}
-
 int runStats(Session& session, const std::vector<std::int64_t>& years, bool json) {
     session.restoreLastScan();
     session.model().filters().setArchiveFilterYears(asSet(years));
@@ -267,6 +152,47 @@ int runStats(Session& session, const std::vector<std::int64_t>& years, bool json
     else
         printStatsTable(session.model(), asSet(years));
     return done;
+}
+
+void addMessages(CommandSet& commands) {
+    static const std::map<std::string, MailSortMode> sorts = {{"newest", MailSortMode::newest},
+                                                              {"messageSize", MailSortMode::messageSize}};
+    static const std::map<std::string, MigratedFilter> filters = {
+        {"all", MigratedFilter::all},
+        {"notMigrated", MigratedFilter::notMigrated},
+        {"onlyMigrated", MigratedFilter::onlyMigrated}};
+    auto options = std::make_shared<MessagesOptions>();
+    CLI::App& messages = commands.add("messages", "上次扫描的邮件列表",
+                                      {{{"messages --year 2014 --query 合同", "2014 年提到合同的邮件"},
+                                        {"messages --sort messageSize", "最大的邮件在前"}}});
+    messages.add_option("--account", options->accounts, "账户前缀")->allow_extra_args(false);
+    messages.add_option("--year", options->years, "年份")->allow_extra_args(false);
+    messages.add_option("--query", options->query, "搜索文字");
+    messages.add_option("--min-attachments", options->minimumAttachments, "最少附件数");
+    messages.add_option("--sort", options->sort, "排序")->transform(oneOf(sorts));
+    messages.add_flag("--ascending", options->ascending, "升序");
+    messages.add_option("--filter", options->filter, "全部、未归档的或已归档的")->transform(oneOf(filters));
+    commands.setRun(messages,
+                    [options](Session& session, bool json) { return runMessages(session, *options, json); });
+}
+
+} // namespace
+
+void addListCommands(CommandSet& commands) {
+    addMessages(commands);
+    auto file = std::make_shared<std::string>();
+    CLI::App& preview = commands.add("preview", "一封 .emlx 邮件的预览文字",
+                                     {{{"preview 123.emlx", "显示这封邮件的正文开头"},
+                                       {"preview --json 123.emlx", "同样的文字，给脚本用"}}});
+    preview.add_option("file", *file, "邮件文件")->required()->type_name("FILE");
+    commands.setRun(preview,
+                    [file](Session& session, bool json) { return runPreview(session, *file, json); });
+    auto years = std::make_shared<std::vector<std::int64_t>>();
+    CLI::App& stats = commands.add("stats", "上次扫描的统计",
+                                   {{{"stats", "各年有多少邮件、多少已经归档"},
+                                     {"stats --year 2014 --year 2015", "可归档和可删除的数只算这两年"}}});
+    stats.add_option("--year", *years, "限定年份")->allow_extra_args(false);
+    commands.setRun(stats, [years](Session& session, bool json) { return runStats(session, *years, json); });
 }
 
 } // namespace corvane::cli

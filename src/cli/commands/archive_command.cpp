@@ -1,9 +1,15 @@
+#include <cstdint>
 #include <fmt/format.h>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
-#include "cli/commands.h"
+#include "cli/commands/body_index_filling.h"
+#include "cli/commands/commands.h"
+#include "cli/console/output.h"
+#include "cli/console/progress_line.h"
 #include "cli/exit_status.h"
-#include "cli/output.h"
-#include "cli/progress_line.h"
 #include "platform/paths.h"
 #include "records/formatters.h"
 #include "records/logs/console_log.h"
@@ -12,6 +18,16 @@
 namespace corvane::cli {
 
 namespace {
+
+struct ArchiveOptions {
+    std::string destination;
+    std::vector<std::string> accounts;
+    std::vector<std::int64_t> years;
+    std::int64_t minimumBytes = 0;
+    std::optional<std::int64_t> maximumYear;
+    std::optional<std::int64_t> limit;
+    bool withoutIndex = false; // of bodies
+};
 
 // An archive run needs a scan; a first run makes it.
 void provideScan(Session& session) {
@@ -96,8 +112,6 @@ void printReadable(const EmailArchiveRunResult& result) {
     printText(fmt::format("索引：{}", result.indexURL.path()));
 }
 
-} // namespace
-
 int runArchive(Session& session, const ArchiveOptions& options, bool json) {
     provideScan(session);
     select(session, options);
@@ -123,6 +137,24 @@ int runArchive(Session& session, const ArchiveOptions& options, bool json) {
     if (wasInterrupted()) return interrupted;
     // What is told of the archive itself is no issue of this run.
     return result.failedCount > 0 || !result.variantWarnings.empty() ? doneWithIssues : done;
+}
+
+} // namespace
+
+void addArchiveCommand(CommandSet& commands) {
+    auto options = std::make_shared<ArchiveOptions>();
+    CLI::App& archive = commands.add("archive", "把候选邮件归档到一个文件夹",
+                                     {{{"archive --to /Volumes/归档/邮件", "归档全部候选邮件"},
+                                       {"archive --to ~/邮件归档 --year 2014", "只归档 2014 年的邮件"}}});
+    archive.add_option("--to", options->destination, "归档文件夹")->required()->type_name("DIR");
+    archive.add_option("--account", options->accounts, "账户前缀")->allow_extra_args(false);
+    archive.add_option("--year", options->years, "年份")->allow_extra_args(false);
+    archive.add_option("--min-size", options->minimumBytes, "最小字节数")->check(notNegative());
+    archive.add_option("--max-year", options->maximumYear, "这一年及以前");
+    archive.add_option("--limit", options->limit, "最多归档的封数")->check(notNegative());
+    archive.add_flag("--no-index", options->withoutIndex, "不建立正文索引");
+    commands.setRun(archive,
+                    [options](Session& session, bool json) { return runArchive(session, *options, json); });
 }
 
 } // namespace corvane::cli

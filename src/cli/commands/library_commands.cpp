@@ -1,16 +1,25 @@
 #include <algorithm>
+#include <memory>
+#include <string>
 
 #include <fmt/format.h>
 
-#include "cli/commands.h"
+#include "cli/commands/commands.h"
+#include "cli/console/output.h"
+#include "cli/console/text_table.h"
 #include "cli/exit_status.h"
-#include "cli/output.h"
 #include "platform/paths.h"
 #include "records/formatters.h"
 
 namespace corvane::cli {
 
 namespace {
+
+struct LibraryOptions {
+    std::string location;
+    std::string mailbox;
+    bool ascending = false;
+};
 
 bool goesFirst(const ArchivedEntry& a, const ArchivedEntry& b, bool ascending) {
     if (a.record.date.has_value() != b.record.date.has_value()) return a.record.date.has_value();
@@ -29,15 +38,6 @@ std::vector<const ArchivedEntry*> selectEntries(const std::vector<ArchivedEntry>
     std::stable_sort(selected.begin(), selected.end(),
                      [&](const auto* a, const auto* b) { return goesFirst(*a, *b, options.ascending); });
     return selected;
-}
-
-} // namespace
-
-void loadLibrary(Session& session) {
-    CorvaneViewModel& model = session.model();
-    session.waitUntilIdle();
-    model.library().loadEmailArchiveIndex(model.destinations().transferDestination(), true);
-    session.waitUntilIdle();
 }
 
 int runLocations(Session& session, bool json) {
@@ -87,6 +87,25 @@ int runLibrary(Session& session, const LibraryOptions& options, bool json) {
     }
     table.print();
     return done;
+}
+
+} // namespace
+
+void addLibraryCommands(CommandSet& commands) {
+    commands.setRun(commands.add("locations", "已知的归档位置",
+                                 {{{"locations", "列出归档位置和它们的状态"},
+                                   {"locations --json", "同样的内容，给脚本用"}}}),
+                    &runLocations);
+    auto options = std::make_shared<LibraryOptions>();
+    CLI::App& library =
+        commands.add("library", "已归档的邮件",
+                     {{{"library --mailbox INBOX", "一个邮箱的已归档邮件"},
+                       {"library --ascending --location ~/邮件归档", "一个归档位置，旧邮件在前"}}});
+    library.add_option("--location", options->location, "归档位置")->type_name("DIR");
+    library.add_option("--mailbox", options->mailbox, "邮箱名称");
+    library.add_flag("--ascending", options->ascending, "旧邮件在前");
+    commands.setRun(library,
+                    [options](Session& session, bool json) { return runLibrary(session, *options, json); });
 }
 
 } // namespace corvane::cli

@@ -1,3 +1,4 @@
+#include <memory>
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -7,11 +8,11 @@
 #include <fmt/format.h>
 
 #include "archive/checks/archive_verification.h"
-#include "cli/commands.h"
+#include "cli/commands/commands.h"
+#include "cli/commands/verified_readings.h"
+#include "cli/console/output.h"
+#include "cli/console/progress_line.h"
 #include "cli/exit_status.h"
-#include "cli/output.h"
-#include "cli/progress_line.h"
-#include "cli/verified_readings.h"
 #include "platform/files/layers/file_layer.h"
 #include "platform/paths.h"
 #include "platform/platform.h"
@@ -20,6 +21,11 @@
 namespace corvane::cli {
 
 namespace {
+
+struct VerifyOptions {
+    std::string root;
+    bool recordsHashes = false; // in records that have none
+};
 
 struct Finding {
     const char* key;
@@ -63,9 +69,7 @@ void printReadable(const ArchiveVerification& verification) {
     if (isClean) printText("归档与索引完全一致。");
 }
 
-} // namespace
-
-int runVerify(const std::string& root, const VerifyOptions& options, bool json) {
+int runVerify(const VerifyOptions& options, const CommonOptions& common) {
     ProgressLine line;
     std::stop_source stop;
     const auto showProgress = [&](std::size_t checked, std::size_t all) {
@@ -74,19 +78,32 @@ int runVerify(const std::string& root, const VerifyOptions& options, bool json) 
                   all == 0 ? 1.0 : double(checked) / double(all));
     };
     std::optional<HashRecording> recording;
-    const auto system = platform::makePlatform(options.home);
+    const auto system = platform::makePlatform(common.home);
     if (options.recordsHashes) {
         recording = HashRecording{[&](const std::string& path) { system->markHidden(path); }};
     }
-    ArchiveVerification verification = verifyArchive(platform::standardizedPath(root), showProgress,
+    ArchiveVerification verification = verifyArchive(platform::standardizedPath(options.root), showProgress,
                                                      stop.get_token(), platform::posixFileLayer(), recording);
-    keepReadings(*system, root, std::move(verification.readings));
+    keepReadings(*system, options.root, std::move(verification.readings));
     if (verification.wasCancelled) throw Interrupted();
-    if (json)
+    if (common.json)
         printJson(verification);
     else
         printReadable(verification);
     return verification.isClean() ? done : doneWithIssues;
+}
+
+} // namespace
+
+void addVerifyCommand(CommandSet& commands) {
+    auto options = std::make_shared<VerifyOptions>();
+    CLI::App& verify = commands.add("verify", "重新读取整个归档并与索引核对",
+                                    {{{"verify ~/邮件归档", "核对每个文件"},
+                                      {"verify --record ~/邮件归档", "并为没有校验值的记录补记校验值"}}});
+    verify.add_option("root", options->root, "归档文件夹")->required()->type_name("DIR");
+    verify.add_flag("--record", options->recordsHashes, "为没有校验值的记录补记校验值");
+    commands.setRunAlone(verify,
+                         [options](const CommonOptions& common) { return runVerify(*options, common); });
 }
 
 } // namespace corvane::cli

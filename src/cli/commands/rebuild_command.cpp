@@ -1,3 +1,4 @@
+#include <memory>
 #include <stop_token>
 #include <string>
 #include <utility>
@@ -5,17 +6,22 @@
 #include <fmt/format.h>
 
 #include "archive/checks/archive_rebuild.h"
-#include "cli/commands.h"
+#include "cli/commands/commands.h"
+#include "cli/commands/verified_readings.h"
+#include "cli/console/output.h"
+#include "cli/console/progress_line.h"
 #include "cli/exit_status.h"
-#include "cli/output.h"
-#include "cli/progress_line.h"
-#include "cli/verified_readings.h"
 #include "platform/paths.h"
 #include "platform/platform.h"
 
 namespace corvane::cli {
 
 namespace {
+
+struct RebuildCommandOptions {
+    std::string root;
+    bool isDryRun = false;
+};
 
 void printJson(const ArchiveRebuild& rebuild) {
     JsonDocument document;
@@ -42,12 +48,10 @@ void printReadable(const ArchiveRebuild& rebuild, bool isDryRun) {
         printText(fmt::format("未收入：{}：{}", failure.path, failure.reason));
 }
 
-} // namespace
-
-int runRebuild(const std::string& root, const RebuildCommandOptions& command, bool json) {
+int runRebuild(const RebuildCommandOptions& command, const CommonOptions& common) {
     ProgressLine line;
     std::stop_source stop;
-    const auto system = platform::makePlatform(command.home);
+    const auto system = platform::makePlatform(common.home);
     RebuildOptions options;
     options.isDryRun = command.isDryRun;
     options.markHidden = [&](const std::string& path) { system->markHidden(path); };
@@ -55,14 +59,28 @@ int runRebuild(const std::string& root, const RebuildCommandOptions& command, bo
         if (wasInterrupted()) stop.request_stop();
         line.show(fmt::format("已读取 {} / {}", read, all), double(read) / double(all));
     };
-    ArchiveRebuild rebuild = rebuildArchive(platform::standardizedPath(root), options, stop.get_token());
+    ArchiveRebuild rebuild =
+        rebuildArchive(platform::standardizedPath(command.root), options, stop.get_token());
     if (rebuild.wasCancelled) throw Interrupted();
-    if (!command.isDryRun) keepReadings(*system, root, std::move(rebuild.readings));
-    if (json)
+    if (!command.isDryRun) keepReadings(*system, command.root, std::move(rebuild.readings));
+    if (common.json)
         printJson(rebuild);
     else
         printReadable(rebuild, command.isDryRun);
     return rebuild.failures.empty() ? done : doneWithIssues;
+}
+
+} // namespace
+
+void addRebuildCommand(CommandSet& commands) {
+    auto options = std::make_shared<RebuildCommandOptions>();
+    CLI::App& rebuild = commands.add(
+        "rebuild", "把索引中没有的 .eml 邮件收入归档索引",
+        {{{"rebuild --dry-run ~/邮件归档", "只看会收入多少封"}, {"rebuild ~/邮件归档", "收入并写出索引"}}});
+    rebuild.add_option("root", options->root, "归档文件夹")->required()->type_name("DIR");
+    rebuild.add_flag("--dry-run", options->isDryRun, "只查看，不写入");
+    commands.setRunAlone(rebuild,
+                         [options](const CommonOptions& common) { return runRebuild(*options, common); });
 }
 
 } // namespace corvane::cli

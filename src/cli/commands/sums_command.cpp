@@ -1,13 +1,14 @@
 #include <cstdio>
+#include <memory>
 #include <string>
 
 #include <fmt/format.h>
 #include <unistd.h>
 
 #include "archive/checks/archive_sums.h"
-#include "cli/commands.h"
+#include "cli/commands/commands.h"
+#include "cli/console/output.h"
 #include "cli/exit_status.h"
-#include "cli/output.h"
 #include "platform/paths.h"
 
 namespace corvane::cli {
@@ -38,11 +39,8 @@ void printLines(const ArchiveSums& sums) {
     }
     std::string lines;
     for (const ArchiveSums::Sum& sum : sums.sums) lines.append(sumLine(sum)) += '\n';
-    if (std::fwrite(lines.data(), 1, lines.size(), stdout) != lines.size() || std::fflush(stdout) != 0)
-        throw CommandFailure("无法写到标准输出");
+    printRaw(lines);
 }
-
-} // namespace
 
 int runSums(const std::string& root, bool json) {
     const ArchiveSums sums = sumsOfArchive(platform::standardizedPath(root));
@@ -54,6 +52,17 @@ int runSums(const std::string& root, bool json) {
         fmt::print(stderr, "{} 条记录没有校验值；verify --record 可以补记。\n", sums.withoutHash);
     }
     return done;
+}
+
+} // namespace
+
+void addSumsCommand(CommandSet& commands) {
+    auto root = std::make_shared<std::string>();
+    CLI::App& sums = commands.add("sums", "归档的校验值，可用 sha256sum -c 或 shasum -c 核对",
+                                  {{{"sums ~/邮件归档 > 校验值.txt", "写出校验值"},
+                                    {"sums ~/邮件归档 | (cd ~/邮件归档 && sha256sum -c)", "马上核对"}}});
+    sums.add_option("root", *root, "归档文件夹")->required()->type_name("DIR");
+    commands.setRunAlone(sums, [root](const CommonOptions& common) { return runSums(*root, common.json); });
 }
 
 } // namespace corvane::cli

@@ -1,4 +1,4 @@
-#include "cli/verified_readings.h"
+#include "cli/commands/verified_readings.h"
 
 #include <utility>
 

@@ -1,22 +1,29 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <fmt/format.h>
 
-#include "cli/commands.h"
+#include "cli/commands/commands.h"
+#include "cli/console/output.h"
+#include "cli/console/progress_line.h"
+#include "cli/console/text_table.h"
 #include "cli/exit_status.h"
-#include "cli/output.h"
-#include "cli/progress_line.h"
 #include "records/formatters.h"
 #include "records/logs/console_log.h"
 
 namespace corvane::cli {
 
 namespace {
+
+struct ProveOptions {
+    std::vector<std::string> accounts;
+    std::vector<std::int64_t> years;
+};
 
 // A message that isn't proven.
 struct Unproven {
@@ -116,8 +123,7 @@ void proveToEnd(Session& session, const ProofScope& scope) {
     warnOfHungPlaces(proof);
 }
 
-} // namespace
-
+// Status 3 when some messages aren't proven; interrupted, it answers with what it has kept.
 int runProve(Session& session, const ProveOptions& options, bool json) {
     session.restoreLastScan();
     const ProofScope scope{{options.accounts.begin(), options.accounts.end()},
@@ -130,6 +136,19 @@ int runProve(Session& session, const ProveOptions& options, bool json) {
         printReadable(answer);
     if (wasInterrupted()) return interrupted;
     return answer.unproven.empty() ? done : doneWithIssues;
+}
+
+} // namespace
+
+void addProveCommand(CommandSet& commands) {
+    auto options = std::make_shared<ProveOptions>();
+    CLI::App& prove = commands.add(
+        "prove", "逐字节核对已归档邮件的原件与归档副本",
+        {{{"prove", "核对所有还没有核对过的邮件"}, {"prove --year 2014", "只核对 2014 年的邮件"}}});
+    prove.add_option("--account", options->accounts, "账户前缀")->allow_extra_args(false);
+    prove.add_option("--year", options->years, "年份")->allow_extra_args(false);
+    commands.setRun(prove,
+                    [options](Session& session, bool json) { return runProve(session, *options, json); });
 }
 
 } // namespace corvane::cli

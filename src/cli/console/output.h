@@ -1,5 +1,6 @@
 // What a command answers: one JSON document on standard output, or readable text. Everything else of the
-// program goes to standard error.
+// program goes to standard error. A reader that has gone away, such as `head`, is no failure: what it would
+// have got is dropped, and the command ends as it would have.
 #pragma once
 
 #include <cstdint>
@@ -60,22 +61,7 @@ void printText(std::string_view text);
 // The same for a text that has lines of its own, such as the body of a mail.
 void printLines(std::string_view text);
 
-// Rows of columns, the first row a heading. Columns of numbers are aligned to the right; wide characters
-// count two. Cells are shown as printText() shows a line.
-class TextTable {
-  public:
-    enum class Align { left, right };
-
-    explicit TextTable(std::vector<Align> columns)
-      : columns_(std::move(columns)) {}
-
-    void row(std::vector<std::string> cells);
-
-    void print() const;
-
-  private:
-    std::vector<Align> columns_;
-    std::vector<std::vector<std::string>> rows_;
-};
+// Bytes that are given as they are.
+void printRaw(std::string_view bytes);
 
 } // namespace corvane::cli

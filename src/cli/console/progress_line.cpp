@@ -1,4 +1,4 @@
-#include "cli/progress_line.h"
+#include "cli/console/progress_line.h"
 
 #include <algorithm>
 

@@ -1,0 +1,20 @@
+#include "cli/commands/commands.h"
+
+namespace corvane::cli {
+
+void addCommands(CommandSet& commands) {
+    addScanCommands(commands);
+    addListCommands(commands);
+    addArchiveCommand(commands);
+    addProveCommand(commands);
+    addVerifyCommand(commands);
+    addSumsCommand(commands);
+    addRebuildCommand(commands);
+    addLibraryCommands(commands);
+    addSearchCommand(commands);
+    addIndexCommand(commands);
+    addShowCommand(commands);
+    addAttachmentCommand(commands);
+}
+
+} // namespace corvane::cli

@@ -1,0 +1,25 @@
+// The commands of corvane-cli, each of which adds itself with its options. A failure for the user is thrown
+// as CommandFailure, a name that can't be used as WrongUsage.
+#pragma once
+
+#include "cli/command_set.h"
+
+namespace corvane::cli {
+
+// All of them, in the order of the help.
+void addCommands(CommandSet& commands);
+
+void addScanCommands(CommandSet& commands);
+void addListCommands(CommandSet& commands);
+void addArchiveCommand(CommandSet& commands);
+void addProveCommand(CommandSet& commands);
+void addVerifyCommand(CommandSet& commands);
+void addSumsCommand(CommandSet& commands);
+void addRebuildCommand(CommandSet& commands);
+void addLibraryCommands(CommandSet& commands);
+void addSearchCommand(CommandSet& commands);
+void addIndexCommand(CommandSet& commands);
+void addShowCommand(CommandSet& commands);
+void addAttachmentCommand(CommandSet& commands);
+
+} // namespace corvane::cli
