@@ -18,6 +18,13 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
   , accounts_(context)
   , destinations_(context)
   , library_(context)
+  , accountRules_(context)
+  , libraryIndex_(context,
+                  [this] {
+                      return LibraryIndexInput{library_.archivedEntries(), accounts_.availableAccounts(),
+                                               accountRules_.archiveAccountMergeRules(),
+                                               library_.archiveLocations()};
+                  })
   , readings_(context)
   , setAside_(context)
   , catalog_(context,
@@ -44,6 +51,7 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
   , rebuild_(context)
   , previews_(context, catalog_)
   , bodyTexts_(context, library_)
+  , libraryList_(context, libraryIndex_, bodyTexts_)
   , diskAccess_(context)
   , diagnostics_(context, accounts_) {
     wireScan();
@@ -51,6 +59,7 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
     wireFilters();
     wireArchive();
     wireProof();
+    wireLibrary();
     wirePreviews();
     startUp();
     wireVolumes();
@@ -185,6 +194,16 @@ void CorvaneViewModel::renewFileLooks() {
 void CorvaneViewModel::proveAnew() {
     const bool isDue = !catalog_.messages()->empty() && catalog_.proofs()->inputs != proofInputs();
     if (isDue) catalog_.refreshAvailabilityCacheAsync(true);
+}
+
+void CorvaneViewModel::wireLibrary() {
+    const auto rebuild = [this] { libraryIndex_.onInputsChanged(); };
+    connect(&library_, &LibraryLoader::archivedEntriesChanged, this, rebuild);
+    connect(&library_, &LibraryLoader::archiveLocationsChanged, this, rebuild);
+    connect(&accounts_, &AccountDirectory::accountsChanged, this, rebuild);
+    connect(&accountRules_, &AccountRules::rulesChanged, this, rebuild);
+    connect(&accountRules_, &AccountRules::collectionMade, this,
+            [this](const QString& key) { libraryList_.showAccount(key.toStdString()); });
 }
 
 void CorvaneViewModel::wirePreviews() {

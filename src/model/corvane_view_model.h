@@ -23,8 +23,11 @@
 #include "model/archiving/last_failures.h"
 #include "model/archiving/proof_flow.h"
 #include "model/archiving/set_aside.h"
+#include "model/library/account_rules.h"
 #include "model/library/body_texts.h"
 #include "model/library/library_file_looks.h"
+#include "model/library/library_index_flow.h"
+#include "model/library/library_list_flow.h"
 #include "model/library/library_loader.h"
 #include "model/mail/account_directory.h"
 #include "model/mail/index_counts.h"
@@ -67,6 +70,10 @@ class CorvaneViewModel : public QObject {
 
     [[nodiscard]] LibraryLoader& library() { return library_; }
 
+    [[nodiscard]] AccountRules& accountRules() { return accountRules_; }
+
+    [[nodiscard]] LibraryIndexFlow& libraryIndex() { return libraryIndex_; }
+
     [[nodiscard]] MessageCatalog& catalog() { return catalog_; }
 
     [[nodiscard]] VisibleMessages& visible() { return visible_; }
@@ -97,6 +104,8 @@ class CorvaneViewModel : public QObject {
 
     [[nodiscard]] BodyTexts& bodyTexts() { return bodyTexts_; }
 
+    [[nodiscard]] LibraryListFlow& libraryList() { return libraryList_; }
+
     [[nodiscard]] FullDiskAccess& diskAccess() { return diskAccess_; }
 
     [[nodiscard]] MailDiagnostics& diagnostics() { return diagnostics_; }
@@ -109,6 +118,7 @@ class CorvaneViewModel : public QObject {
     void wireFilters();
     void wireArchive();
     void wireProof();
+    void wireLibrary();
     void wirePreviews();
     void wireVolumes();
     void archivedBaseIDsReplaced();
@@ -125,6 +135,8 @@ class CorvaneViewModel : public QObject {
     AccountDirectory accounts_;
     ArchiveDestinations destinations_;
     LibraryLoader library_;
+    AccountRules accountRules_;
+    LibraryIndexFlow libraryIndex_;
     KeptReadings readings_;
     SetAside setAside_;
     LastFailures lastFailures_;
@@ -141,6 +153,7 @@ class CorvaneViewModel : public QObject {
     ArchiveRebuildFlow rebuild_;
     PreviewRefresh previews_;
     BodyTexts bodyTexts_;
+    LibraryListFlow libraryList_;
     FullDiskAccess diskAccess_;
     MailDiagnostics diagnostics_;
     bool isReconciliationDue_ = false;

@@ -38,7 +38,7 @@ class BodyTexts : public QObject {
 
   public:
     using TextAnswer = std::function<void(const std::optional<std::string>&)>;
-    using SearchAnswer = std::function<void(const ArchiveSearchResult&)>;
+    using SearchAnswer = std::function<void(ArchiveSearchResult)>;
 
     // `texts` replaces the worker in tests.
     BodyTexts(ModelContext& context, LibraryLoader& library, QObject* parent = nullptr,
