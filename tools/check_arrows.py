@@ -35,7 +35,8 @@ ARROWS = {
 SUBFOLDERS = {
     "text": {"charsets": "", ".": "charsets", "dates": ". charsets"},
     "records": {".": "", "archived": ".", "json": ". archived", "stores": ". archived json", "logs": ". stores"},
-    "archive": {".": "", "destination": ".", "run": ". destination", "checks": ". destination", "bodies": "."},
+    "archive": {".": "", "destination": ".", "run": ". destination", "removal": ". destination",
+                "checks": ". destination", "bodies": "."},
     "mailstore": {".": "", "folders": ".", "index": ". folders", "accounts": ". folders index",
                   "scan": ". folders index"},
     "library": {"accounts": "", "threads": "", ".": "accounts threads", "overview": ". accounts"},

@@ -26,9 +26,7 @@ bool saysAbsent(int error) {
 
 bool isGone(platform::FileLayer& files, const ArchivedEmailRecord& record, const std::string& root) {
     if (!platform::isSafeRelativePath(record.emlRelativePath)) return true;
-    const std::string path = platform::joinPath(root, record.emlRelativePath);
-    return filePresence(files, path) == FilePresence::absent &&
-           filePresence(files, platform::cloudPlaceholderPath(path)) == FilePresence::absent;
+    return isArchiveFileGone(files, platform::joinPath(root, record.emlRelativePath));
 }
 
 // The files of one archive, folder by folder: a disk, and a network disk most of all, answers questions for
@@ -119,6 +117,11 @@ const FileStamp* ArchivedFiles::stamp(std::string_view root, std::string_view re
     if (files == byRoot.end()) return nullptr;
     const auto found = files->second->there.find(relativePath);
     return found == files->second->there.end() ? nullptr : &found->second;
+}
+
+bool isArchiveFileGone(platform::FileLayer& files, const std::string& path) {
+    return filePresence(files, path) == FilePresence::absent &&
+           filePresence(files, platform::cloudPlaceholderPath(path)) == FilePresence::absent;
 }
 
 RootFiles listArchivedFiles(PlaceLook& look, const EmailArchiveIndex& index, const std::string& root) {

@@ -25,6 +25,9 @@ enum class FilePresence { present, absent, unknown };
 // `unknown` when the look fails for another reason than a missing file or folder.
 FilePresence filePresence(platform::FileLayer& files, const std::string& path);
 
+// Surely not there, not even as a cloud provider's placeholder.
+bool isArchiveFileGone(platform::FileLayer& files, const std::string& path);
+
 enum class ArchivedFilePresence {
     there,
     inCloud, // only its placeholder is there

@@ -155,6 +155,23 @@ LoadedIndex ArchiveDestination::loadIndex(Date now, const std::function<bool(con
     return loaded;
 }
 
+EmailArchiveIndex ArchiveDestination::existingIndex() {
+    constexpr const char* what = "无法读取归档索引";
+    ArchiveIndexReading reading = readIndex();
+    loadedVersion_ = reading.version;
+    switch (reading.state) {
+    case State::couldNotLook:
+        throw ArchiveAccessError(what, indexPath_, reasonOf(reading));
+    case State::damaged:
+        throw ArchiveAccessError(what, indexPath_, "内容已损坏");
+    case State::absent:
+        throw ArchiveAccessError(what, indexPath_, "没有这个文件");
+    case State::usable:
+        break;
+    }
+    return std::move(reading.index);
+}
+
 std::string ArchiveDestination::keepDamagedIndex(Date now) {
     std::string stamp = formatTimestamp(now);
     std::erase_if(stamp, [](char character) { return character == '-' || character == ':'; });
@@ -207,24 +224,24 @@ std::set<WrittenFolder> ArchiveDestination::syncFolders() {
 void ArchiveDestination::saveIndex(EmailArchiveIndex& index,
                                    const std::function<void(const std::string&)>& markHidden) {
     for (int tries = 0; tries < mostIndexTries; ++tries) {
-        if (replaceIndex(encodeArchiveIndex(index), markHidden)) return;
+        if (replaceIndex(index, markHidden, {})) return;
         mergeChangedIndex(index);
     }
     throw ArchiveAccessError("无法保存归档索引", indexPath_, "别的程序在不断改动它");
 }
 
-// False when the index isn't the loaded one.
-bool ArchiveDestination::replaceIndex(std::string content,
-                                      const std::function<void(const std::string&)>& markHidden) {
-    const std::size_t bytes = content.size();
-    const auto replacing = std::make_shared<IndexReplacing>(folders(), indexPath_, std::move(content),
-                                                            loadedVersion_, markHidden);
+bool ArchiveDestination::replaceIndex(const EmailArchiveIndex& index,
+                                      const std::function<void(const std::string&)>& markHidden,
+                                      BeforeReplacing before) {
+    const auto replacing = std::make_shared<IndexReplacing>(folders(), indexPath_, encodeArchiveIndex(index),
+                                                            loadedVersion_, markHidden, std::move(before));
+    const std::size_t bytes = replacing->content.size();
     const bool hasEnded = runLimited(
         limitForSize(limit_, bytes),
         [replacing](FileLayer& files, JobLimit& limit) { replacing->run(files, limit); },
         limitForSize(indexGraceAfterStop, bytes));
     if (!hasEnded) failUnsaved(ETIMEDOUT);
-    if (replacing->hasChanged) return false;
+    if (replacing->hasChanged || replacing->error == ECANCELED) return false;
     if (replacing->error != 0) failUnsaved(replacing->error);
     return true;
 }

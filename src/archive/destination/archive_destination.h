@@ -18,6 +18,7 @@
 
 #include "archive/destination/archive_folders.h"
 #include "archive/destination/archived_file.h"
+#include "archive/destination/destination_jobs.h"
 #include "archive/destination/file_placement.h"
 #include "archive/destination/time_limited_worker.h"
 #include "archive/message_extraction.h"
@@ -62,6 +63,10 @@ class ArchiveDestination {
     // the damaged one can't be kept: nothing was changed then.
     LoadedIndex loadIndex(Date now, const std::function<bool(const std::string& path)>& bring = {});
 
+    // The index that is there. Throws ArchiveAccessError when there is none, it is damaged, or nobody could
+    // look; nothing is changed.
+    EmailArchiveIndex existingIndex();
+
     // What lies at the path of a record; couldNotLook also when the place hangs.
     ArchivedFile readArchived(const std::string& relativePath, std::int64_t sizeBytes);
 
@@ -81,6 +86,12 @@ class ArchiveDestination {
     // the one that came meanwhile can't be read.
     void saveIndex(EmailArchiveIndex& index, const std::function<void(const std::string&)>& markHidden);
 
+    // Replaces the index that was loaded; `before` is called when the new one lies ready. False where the old
+    // one stays: it isn't the loaded one any more, or `before` refused. Throws ArchiveAccessError, with the
+    // old one in place.
+    bool replaceIndex(const EmailArchiveIndex& index,
+                      const std::function<void(const std::string&)>& markHidden, BeforeReplacing before);
+
     // Flushes the root and the folders above it as far as they are new, after the index.
     void syncRoot();
 
@@ -91,7 +102,6 @@ class ArchiveDestination {
     ArchiveIndexReading readIndex();
     ArchiveIndexReading broughtIndex(const std::function<bool(const std::string&)>& bring);
     std::string keepDamagedIndex(Date now);
-    bool replaceIndex(std::string content, const std::function<void(const std::string&)>& markHidden);
     void mergeChangedIndex(EmailArchiveIndex& index);
     [[noreturn]] void failUnsaved(int error) const;
 

@@ -18,22 +18,6 @@ using platform::FileIdentity;
 using platform::FileLayer;
 using platform::LayerDescriptor;
 
-// With ".." taken as text, as a safe relative path may have it.
-std::vector<std::string> componentsOf(std::string_view path) {
-    std::vector<std::string> components;
-    while (!path.empty()) {
-        const std::size_t slash = path.find('/');
-        const std::string_view name = path.substr(0, slash);
-        if (name == "..") {
-            if (!components.empty()) components.pop_back();
-        } else if (!name.empty() && name != ".") {
-            components.emplace_back(name);
-        }
-        path = slash == std::string_view::npos ? std::string_view() : path.substr(slash + 1);
-    }
-    return components;
-}
-
 bool isIn(FileLayer& files, int folder, int parent) {
     struct stat around{};
     struct stat expected{};
@@ -41,11 +25,12 @@ bool isIn(FileLayer& files, int folder, int parent) {
            FileIdentity::of(around) == FileIdentity::of(expected);
 }
 
-// A link is followed to a neighbour in the same folder, which the user may want, and nowhere else.
-LayerDescriptor openSubfolder(FileLayer& files, int parent, const std::string& name) {
+// A link is followed at most to a neighbour in the same folder, which the user may want, and nowhere else.
+LayerDescriptor openSubfolder(FileLayer& files, int parent, const std::string& name,
+                              ArchiveFolders::Links links = ArchiveFolders::Links::ofNeighbours) {
     constexpr int flags = O_RDONLY | O_DIRECTORY | O_NONBLOCK;
     LayerDescriptor folder(files, files.openAt(parent, name, flags | O_NOFOLLOW, 0));
-    if (folder || (errno != ELOOP && errno != ENOTDIR)) return folder;
+    if (folder || (errno != ELOOP && errno != ENOTDIR) || links == ArchiveFolders::Links::none) return folder;
     folder = LayerDescriptor(files, files.openAt(parent, name, flags, 0));
     if (!folder || isIn(files, folder.get(), parent)) return folder;
     folder.reset();
@@ -86,11 +71,11 @@ int ArchiveFolders::rootError(FileLayer& files) const {
     return FileIdentity::of(named) == FileIdentity::of(opened) ? 0 : ENOENT;
 }
 
-LayerDescriptor ArchiveFolders::open(FileLayer& files, std::string_view relativeFolder) const {
+LayerDescriptor ArchiveFolders::open(FileLayer& files, std::string_view relativeFolder, Links links) const {
     LayerDescriptor folder(files, files.openAt(root(), ".", O_RDONLY | O_DIRECTORY, 0));
     for (const std::string& name : componentsOf(relativeFolder)) {
         if (!folder) break;
-        folder = openSubfolder(files, folder.get(), name);
+        folder = openSubfolder(files, folder.get(), name, links);
     }
     return folder;
 }
@@ -119,6 +104,21 @@ ArchiveFolders::Opened ArchiveFolders::make(FileLayer& files, const std::string&
         return make(files, relativeFolder);
     }
     return {std::move(folder), &known_.insert_or_assign(relativeFolder, std::move(known)).first->second};
+}
+
+std::vector<std::string> componentsOf(std::string_view path) {
+    std::vector<std::string> components;
+    while (!path.empty()) {
+        const std::size_t slash = path.find('/');
+        const std::string_view name = path.substr(0, slash);
+        if (name == "..") {
+            if (!components.empty()) components.pop_back();
+        } else if (!name.empty() && name != ".") {
+            components.emplace_back(name);
+        }
+        path = slash == std::string_view::npos ? std::string_view() : path.substr(slash + 1);
+    }
+    return components;
 }
 
 std::optional<std::unordered_set<std::string>> composedNamesIn(FileLayer& files, int folder) {

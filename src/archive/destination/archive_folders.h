@@ -10,6 +10,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 #include "platform/files/file_identity.h"
 #include "platform/files/layers/file_layer.h"
@@ -49,10 +50,15 @@ class ArchiveFolders {
 
     [[nodiscard]] int root() const noexcept { return root_->get(); }
 
+    enum class Links {
+        ofNeighbours, // a link counts when it leads to a neighbour in its own folder
+        none,         // ELOOP or ENOTDIR
+    };
+
     // A folder below the root, as it is; no descriptor and errno when it isn't there or is none of this
-    // archive. A link counts only when it leads to a neighbour in its own folder.
-    [[nodiscard]] platform::LayerDescriptor open(platform::FileLayer& files,
-                                                 std::string_view relativeFolder) const;
+    // archive.
+    [[nodiscard]] platform::LayerDescriptor open(platform::FileLayer& files, std::string_view relativeFolder,
+                                                 Links links = Links::ofNeighbours) const;
 
     // The same, but makes what is missing.
     Opened make(platform::FileLayer& files, const std::string& relativeFolder);
@@ -62,6 +68,9 @@ class ArchiveFolders {
     std::shared_ptr<const platform::LayerDescriptor> root_;
     std::unordered_map<std::string, Known> known_; // by relative path
 };
+
+// The names of which a relative path consists, with "." and ".." resolved as text.
+std::vector<std::string> componentsOf(std::string_view path);
 
 // The names in an open folder, composed; absent, with errno, when it can't be listed.
 std::optional<std::unordered_set<std::string>> composedNamesIn(platform::FileLayer& files, int folder);

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <exception>
 #include <string_view>
+#include <utility>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -47,28 +48,40 @@ std::string movedAside(FileLayer& folder, const std::string& stamp) {
 // Looks at the index again right before it is replaced.
 class IndexGuard final : public platform::ForwardingFileLayer {
   public:
-    IndexGuard(FileLayer& folder, const std::optional<ArchiveIndexVersion>& loaded)
+    IndexGuard(FileLayer& folder, const std::optional<ArchiveIndexVersion>& loaded,
+               std::function<int()> before)
       : ForwardingFileLayer(folder)
-      , loaded_(loaded) {}
+      , loaded_(loaded)
+      , before_(std::move(before)) {}
 
     int rename(const std::string& from, const std::string& to) override {
-        struct stat status{};
-        std::optional<ArchiveIndexVersion> present;
-        if (stat(to, status) == 0) {
-            present = ArchiveIndexVersion::of(status);
-        } else if (errno != ENOENT) {
-            return -1;
+        if (!isLoaded(to)) return -1;
+        if (before_) {
+            errno = before_();
+            if (errno != 0 || !isLoaded(to)) return -1;
         }
-        if (present == loaded_) return ForwardingFileLayer::rename(from, to);
-        hasChanged_ = true;
-        errno = EEXIST;
-        return -1;
+        return ForwardingFileLayer::rename(from, to);
     }
 
     [[nodiscard]] bool hasChanged() const noexcept { return hasChanged_; }
 
   private:
+    // False, with errno, when it isn't, or nobody could look.
+    bool isLoaded(const std::string& path) {
+        struct stat status{};
+        std::optional<ArchiveIndexVersion> present;
+        if (stat(path, status) == 0) {
+            present = ArchiveIndexVersion::of(status);
+        } else if (errno != ENOENT) {
+            return false;
+        }
+        hasChanged_ = present != loaded_;
+        if (hasChanged_) errno = EEXIST;
+        return !hasChanged_;
+    }
+
     const std::optional<ArchiveIndexVersion>& loaded_;
+    std::function<int()> before_;
     bool hasChanged_ = false;
 };
 
@@ -158,11 +171,13 @@ void FolderSyncing::run(FileLayer& files, JobLimit& limit) {
     }
 }
 
-void IndexReplacing::run(FileLayer& files, const JobLimit& limit) {
+void IndexReplacing::run(FileLayer& files, JobLimit& limit) {
     error = folders->rootError(files);
     if (error != 0) return;
     FolderFileLayer folder(files, folders->root());
-    IndexGuard guard(folder, loaded);
+    std::function<int()> beforeRename;
+    if (before) beforeRename = [&] { return before(files, *folders, limit); };
+    IndexGuard guard(folder, loaded, std::move(beforeRename));
     error = platform::writeFileAtomically(guard, indexName(), content, mostOfFile).value();
     hasChanged = guard.hasChanged();
     if (error != 0 || limit.isAbandoned()) return;

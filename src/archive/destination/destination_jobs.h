@@ -77,6 +77,10 @@ struct FolderSyncing {
     void run(platform::FileLayer& files, JobLimit& limit);
 };
 
+// What is done when a new index lies ready and the old one is still the loaded one: files that the new one
+// doesn't name may go then. An errno other than 0 leaves the old index in place. May be called again.
+using BeforeReplacing = std::function<int(platform::FileLayer&, const ArchiveFolders&, JobLimit&)>;
+
 // Replaces the index, unless it is another one than the loaded one right before that.
 struct IndexReplacing {
     std::shared_ptr<ArchiveFolders> folders;
@@ -84,10 +88,11 @@ struct IndexReplacing {
     std::string content;
     std::optional<ArchiveIndexVersion> loaded; // absent: there was none
     std::function<void(const std::string&)> markHidden;
+    BeforeReplacing before{};
     int error = 0;
     bool hasChanged = false;
 
-    void run(platform::FileLayer& files, const JobLimit& limit);
+    void run(platform::FileLayer& files, JobLimit& limit);
 };
 
 } // namespace corvane::archive
