@@ -21,8 +21,21 @@ void setKnownLocations(platform::SettingsStore& settings, const std::vector<std:
 // Adds a root at the end if it isn't there.
 void rememberLocation(platform::SettingsStore& settings, std::string_view path);
 
+// Takes a root away; false when it isn't there.
+bool removeKnownLocation(platform::SettingsStore& settings, std::string_view path);
+
 // The roots that the user told the program to forget.
 std::set<std::string> forgottenLocations(const platform::SettingsStore& settings);
+
+// Those of them that have been there ever since: to find them again means nothing. One that was away and
+// comes back does.
+std::set<std::string> forgottenPresentLocations(const platform::SettingsStore& settings);
+
+// Adds a root to the forgotten ones, as one that is there.
+void markLocationForgotten(platform::SettingsStore& settings, std::string_view path);
+
+// A forgotten root has been away.
+void markForgottenLocationAway(platform::SettingsStore& settings, std::string_view path);
 
 // No effect when the path isn't among the forgotten ones.
 void unforgetLocation(platform::SettingsStore& settings, std::string_view path);

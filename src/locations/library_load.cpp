@@ -1,5 +1,6 @@
 #include "locations/library_load.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 
@@ -11,6 +12,7 @@
 #include "locations/archived_files.h"
 #include "platform/paths.h"
 #include "platform/stop_watch.h"
+#include "records/stores/archive_index_file.h"
 #include "search/mail_search_index.h"
 
 namespace corvane {
@@ -46,6 +48,7 @@ struct LibraryLoad::RootLook {
 std::optional<LibraryLoadResult> LibraryLoad::run(const std::stop_token& stop) {
     PlaceLooks looks(platform_, files_, stop, input_.placeLimit);
     addDiscoveredRoots(looks);
+    findAway(looks);
     const std::vector<std::string>& roots = input_.candidates.roots();
     auto found =
         looks.askAll<RootLook>(roots, [&platform = platform_](PlaceLook& look, const std::string& root) {
@@ -68,6 +71,17 @@ void LibraryLoad::addDiscoveredRoots(PlaceLooks& looks) {
     for (const std::string& root : found) input_.candidates.add(root);
     log_.mark(fmt::format("liveIndex discoverArchiveRoots count={} elapsed={:.3f}s", found.size(),
                           watch.seconds()));
+}
+
+// One that can't be looked at isn't away.
+void LibraryLoad::findAway(PlaceLooks& looks) {
+    const std::vector<std::string> roots(input_.forgottenPresent.begin(), input_.forgottenPresent.end());
+    const auto found = looks.askAll<FilePresence>(roots, [](PlaceLook& look, const std::string& root) {
+        return filePresence(look.files(), platform::joinPath(root, archiveIndexFileName));
+    });
+    for (std::size_t i = 0; i < roots.size(); ++i) {
+        if (found[i] == FilePresence::absent) result_.away.insert(roots[i]);
+    }
 }
 
 LibraryLoad::RootLook LibraryLoad::lookAtRoot(PlaceLook& look, const platform::Platform& platform,
@@ -115,7 +129,7 @@ void LibraryLoad::addRoot(const std::string& root, std::optional<RootLook> look)
 }
 
 bool LibraryLoad::hasReturned(const std::string& root, bool hasContent) {
-    if (hasContent) {
+    if (hasContent && !input_.forgottenPresent.contains(root)) {
         result_.broughtBack.insert(root);
         return true;
     }

@@ -25,6 +25,7 @@ namespace corvane {
 struct LibraryLoadInput {
     RootList candidates;
     std::set<std::string> forgotten;               // canonical
+    std::set<std::string> forgottenPresent;        // those that haven't been away since; canonical
     std::optional<std::string> currentDestination; // canonical
     std::shared_ptr<const SharedTextSet> publishedBaseIDs;
     SharedArchivedFiles publishedFiles;
@@ -42,6 +43,7 @@ struct LibraryLoadResult {
     std::vector<std::string> roots;    // candidates and found ones, for the known locations
     std::set<std::string> removed;     // forgotten ones that didn't come back
     std::set<std::string> broughtBack; // forgotten ones that are there again with their files
+    std::set<std::string> away;        // forgotten ones that were there until now
     SharedLibrary library;
     std::vector<ArchiveLocation> locations;
     std::optional<DestinationIndex> destination; // when it is among the locations
@@ -71,6 +73,8 @@ class LibraryLoad {
     [[nodiscard]] static RootLook lookAtRoot(PlaceLook& look, const platform::Platform& platform,
                                              const std::string& root);
     void addRoot(const std::string& root, std::optional<RootLook> look);
+
+    void findAway(PlaceLooks& looks);
 
     // Whether a forgotten root counts again; notes what becomes of it.
     bool hasReturned(const std::string& root, bool hasContent);

@@ -67,6 +67,7 @@ void ArchiveDestinations::setTransferDestination(const std::string& path) {
     destination_ = root;
     context_.settings.setText(transferDestinationKey, root);
     rememberLocation(context_.settings, root);
+    unforgetLocation(context_.settings, root);
     DestinationFacts known;
     known.cloudName = cloudProviderName(root);
     known.rememberedManualDestinations = facts_.rememberedManualDestinations;
@@ -78,6 +79,14 @@ void ArchiveDestinations::setTransferDestination(const std::string& path) {
     Q_EMIT destinationChanged();
     setFacts(std::move(known));
     consoleLine("[HangTrace] setTransferDestination end(main)");
+}
+
+void ArchiveDestinations::clearTransferDestination() {
+    destination_.reset();
+    context_.settings.remove(transferDestinationKey);
+    prepareTask_.cancel();
+    Q_EMIT destinationChanged();
+    refreshFacts();
 }
 
 void ArchiveDestinations::refreshFacts() {

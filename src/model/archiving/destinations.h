@@ -25,8 +25,11 @@ class ArchiveDestinations : public QObject {
     [[nodiscard]] const std::optional<std::string>& transferDestination() const { return destination_; }
 
     // Publishes and stores the choice at once and makes the folder in the background; `destinationPrepared`
-    // follows.
+    // follows. A place that was forgotten is known again.
     void setTransferDestination(const std::string& path);
+
+    // There is no destination any more; what lies in the folder stays.
+    void clearTransferDestination();
 
     // As last asked. Right after a choice only what follows from its path.
     [[nodiscard]] const DestinationFacts& facts() const { return facts_; }

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 #include <sys/stat.h>
 
+#include "locations/archive_index_cache.h"
 #include "locations/archive_locations.h"
 #include "locations/cloud_providers.h"
 #include "platform/paths.h"
@@ -25,6 +26,11 @@ struct ConnectionJob {
     const platform::Platform& platform;
     platform::FileLayer& files;
     std::vector<ArchiveLocation> locations;
+};
+
+struct ForgetJob {
+    ArchiveIndexCache cache;
+    std::string root;
 };
 
 // Absent when cancelled. A place that doesn't answer isn't connected.
@@ -53,7 +59,8 @@ LibraryLoader::LibraryLoader(ModelContext& context, QObject* parent, Clock clock
   , snapshotWriter_(context)
   , archiveIndexLoadTask_(context.tasks)
   , connectionTask_(context.tasks)
-  , pruneTask_(context.tasks) {}
+  , pruneTask_(context.tasks)
+  , forgetTask_(context.tasks) {}
 
 std::optional<EmailArchiveIndex> LibraryLoader::emailArchiveIndex() const {
     if (!destination_) return std::nullopt;
@@ -78,6 +85,7 @@ void LibraryLoader::loadEmailArchiveIndex(const std::optional<std::string>& curr
     for (const std::string& root : knownLocations(context_.settings)) input.candidates.add(root);
     if (!force && isLoadNeedless(input.candidates.roots())) return;
     input.forgotten = forgottenLocations(context_.settings);
+    input.forgottenPresent = forgottenPresentLocations(context_.settings);
     input.publishedBaseIDs = library_->baseIDs;
     input.publishedFiles = files_;
     startLoad(std::move(input));
@@ -129,6 +137,7 @@ void LibraryLoader::applyLoadedArchiveIndex(LibraryLoadResult result, double sec
 
 void LibraryLoader::adoptLocations(const LibraryLoadResult& result) {
     for (const std::string& root : result.broughtBack) unforgetLocation(context_.settings, root);
+    for (const std::string& root : result.away) markForgottenLocationAway(context_.settings, root);
     RootList known;
     for (const std::string& root : result.roots) known.add(root);
     // What was remembered while the load ran stays known.
@@ -202,6 +211,15 @@ std::optional<ArchiveLibrarySnapshot> LibraryLoader::readSnapshot() const {
         log.mark(fmt::format("cache load failed error={}", error.what()));
     }
     return std::nullopt;
+}
+
+void LibraryLoader::dropLocation(const std::string& root) {
+    const auto dropped =
+        std::erase_if(locations_, [&](const ArchiveLocation& location) { return location.rootPath == root; });
+    forgetTask_.start(
+        TaskPriority::utility, ForgetJob{ArchiveIndexCache(context_.platform, context_.support), root},
+        [](const ForgetJob& job, const TaskHandle&) { job.cache.remove(job.root); }, [] {});
+    if (dropped > 0) Q_EMIT archiveLocationsChanged();
 }
 
 void LibraryLoader::refreshArchiveLocationConnectionStates() {

@@ -73,6 +73,9 @@ class LibraryLoader : public QObject {
     // Shows the snapshot of the last run while nothing else is there. Reads it on the calling thread.
     void loadCachedArchiveLibraryIfNeeded();
 
+    // Shows a location no longer, and removes the copy of its index. Its mail goes with the next load.
+    void dropLocation(const std::string& root);
+
     // Tests again which locations are connected.
     void refreshArchiveLocationConnectionStates();
 
@@ -114,6 +117,7 @@ class LibraryLoader : public QObject {
     TaskSlot archiveIndexLoadTask_;
     TaskSlot connectionTask_;
     TaskSlot pruneTask_;
+    TaskGroup forgetTask_;
 };
 
 } // namespace corvane
