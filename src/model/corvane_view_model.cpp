@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "listing/count_reconciliation.h"
+#include "locations/known_locations.h"
 #include "platform/paths.h"
 #include "platform/stop_watch.h"
 
@@ -50,6 +51,8 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
            })
   , rebuild_(context)
   , previews_(context, catalog_)
+  , presence_(context)
+  , removal_(context)
   , bodyTexts_(context, library_)
   , libraryList_(context, libraryIndex_, bodyTexts_)
   , diskAccess_(context)
@@ -204,6 +207,21 @@ void CorvaneViewModel::wireLibrary() {
     connect(&accountRules_, &AccountRules::rulesChanged, this, rebuild);
     connect(&accountRules_, &AccountRules::collectionMade, this,
             [this](const QString& key) { libraryList_.showAccount(key.toStdString()); });
+    connect(&library_, &LibraryLoader::archivedEntriesChanged, this,
+            [this] { presence_.setEntries(library_.archivedEntries()); });
+    connect(&removal_, &ArchiveRemovalFlow::removalEnded, this, [this] { loadArchiveIndex(true); });
+}
+
+bool CorvaneViewModel::forgetLocation(const std::string& rootPath) {
+    const std::string root = platform::canonicalPath(rootPath);
+    platform::SettingsStore& settings = context_.settings;
+    const bool wasKnown = removeKnownLocation(settings, root);
+    if (!wasKnown && library_.location(root) == nullptr) return false;
+    markLocationForgotten(settings, root);
+    if (destinations_.transferDestination() == root) destinations_.clearTransferDestination();
+    library_.dropLocation(root);
+    loadArchiveIndex(true);
+    return true;
 }
 
 void CorvaneViewModel::wirePreviews() {

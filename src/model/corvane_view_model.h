@@ -24,11 +24,13 @@
 #include "model/archiving/proof_flow.h"
 #include "model/archiving/set_aside.h"
 #include "model/library/account_rules.h"
+#include "model/library/archive_removal_flow.h"
 #include "model/library/body_texts.h"
 #include "model/library/library_file_looks.h"
 #include "model/library/library_index_flow.h"
 #include "model/library/library_list_flow.h"
 #include "model/library/library_loader.h"
+#include "model/library/presence_flow.h"
 #include "model/mail/account_directory.h"
 #include "model/mail/index_counts.h"
 #include "model/mail/mail_access.h"
@@ -61,6 +63,10 @@ class CorvaneViewModel : public QObject {
 
     // Archives the ticked candidates to the chosen destination; see ArchiveRunFlow.
     void archiveSelectedEmails(ArchiveRunFlow::Completion completion);
+
+    // Takes an archive out of the library and out of what is chosen or known; what lies in it stays. It comes
+    // back once it was away, or when it is chosen again. False, without effect, for a root that nobody knows.
+    bool forgetLocation(const std::string& rootPath);
 
     [[nodiscard]] ModelContext& context() const { return context_; }
 
@@ -101,6 +107,10 @@ class CorvaneViewModel : public QObject {
     [[nodiscard]] ArchiveRebuildFlow& rebuild() { return rebuild_; }
 
     [[nodiscard]] PreviewRefresh& previews() { return previews_; }
+
+    [[nodiscard]] PresenceFlow& presence() { return presence_; }
+
+    [[nodiscard]] ArchiveRemovalFlow& removal() { return removal_; }
 
     [[nodiscard]] BodyTexts& bodyTexts() { return bodyTexts_; }
 
@@ -152,6 +162,8 @@ class CorvaneViewModel : public QObject {
     ProofFlow proof_;
     ArchiveRebuildFlow rebuild_;
     PreviewRefresh previews_;
+    PresenceFlow presence_;
+    ArchiveRemovalFlow removal_;
     BodyTexts bodyTexts_;
     LibraryListFlow libraryList_;
     FullDiskAccess diskAccess_;

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <chrono>
 #include <system_error>
 
 #include "records/json/json_form.h"
@@ -35,10 +36,16 @@ TEST(AccountCache, BelongsToOneMailRoot) {
 TEST(PresenceCache, BelongsToOneSignature) {
     const TemporaryHome home;
     const ArchivedOriginalPresenceCacheStore store{CorvaneAppSupport(home.platform())};
-    const PresenceByEntryID statuses = {{"root\x01mid:a", ArchivedOriginalPresenceStatus::missing},
-                                        {"root\x01mid:b", ArchivedOriginalPresenceStatus::unknown}};
-    store.save("s", statuses);
-    EXPECT_EQ(store.load("s"), statuses);
+    std::vector<ArchivedEntry> entries(2);
+    entries[0].locationRootPath = entries[1].locationRootPath = "root";
+    entries[0].record.id = "mid:b";
+    entries[1].record.id = "mid:a";
+    using enum ArchivedOriginalPresenceStatus;
+    const Date day(std::chrono::seconds(7));
+    store.save("s", day, entries, {unknown, missing});
+    EXPECT_EQ(store.load("s")->cachedAt, day);
+    EXPECT_EQ(store.load("s")->statusesByEntryID,
+              (PresenceByEntryID{{"root\x01mid:a", missing}, {"root\x01mid:b", unknown}}));
     EXPECT_FALSE(store.load("t"));
     home.write(std::string(supportFolder) + "archived-original-presence-cache.json",
                R"({"cachedAt":"2024-01-01T00:00:00Z","signature":"s","statusesByEntryID":{"a":"gone"}})");

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <locale>
 #include <set>
 #include <sstream>
@@ -28,6 +29,13 @@ constexpr std::size_t senderListBytes = 8'000'000;
 
 std::string loweredAndTrimmed(std::string_view text) {
     return text::lowercased(text::trimWhitespaceAndNewlines(text));
+}
+
+// The subject by which messages are compared; empty where there is none.
+std::string comparedSubject(std::string_view subject) {
+    std::string compared = loweredAndTrimmed(subject);
+    if (compared == "无主题" || compared == "（无主题）") compared.clear();
+    return compared;
 }
 
 // Nullopt when the mailboxes couldn't be read: a message in the trash would count as present.
@@ -95,7 +103,7 @@ class LiveContents {
         const auto sender = row.text("sender");
         const auto date = dateOf(row);
         if (!sender || !date) return;
-        dates_[key(*sender, text::lowercased(row.text("subject").value_or("")))].push_back(*date);
+        dates_[key(*sender, comparedSubject(row.text("subject").value_or("")))].push_back(*date);
     }
 
     void finish() {
@@ -104,7 +112,7 @@ class LiveContents {
 
     [[nodiscard]] bool holds(const ContentPresenceTarget& target) const {
         const auto found = dates_.find(
-            key(shownPart(loweredAndTrimmed(target.senderAddress)), loweredAndTrimmed(target.subject)));
+            key(shownPart(loweredAndTrimmed(target.senderAddress)), comparedSubject(target.subject)));
         if (found == dates_.end()) return false;
         const auto date = static_cast<double>(target.date.time_since_epoch().count());
         const auto earliest = std::ranges::lower_bound(found->second, date - widestDateDifference);
@@ -144,6 +152,18 @@ std::optional<SharedTextSet> liveMessageIdentifierPresence(const MailStoreContex
     });
     if (!isWhole) return std::nullopt;
     return present;
+}
+
+std::optional<bool> hasMessageIDHeaders(const MailStoreContext& context, const std::string& rootPath) {
+    if (!canQueryEnvelopeIndex(context, rootPath)) return std::nullopt;
+    std::optional<std::int64_t> columns;
+    const bool isWhole =
+        runJSONRows(context,
+                    "SELECT COUNT(*) AS held FROM pragma_table_info('message_global_data') "
+                    "WHERE name='message_id_header';",
+                    envelopeIndexPath(rootPath), [&](JsonRow& row) { columns = row.integer("held"); });
+    if (!isWhole || !columns) return std::nullopt;
+    return *columns > 0;
 }
 
 std::optional<SharedTextSet> liveMessagePresenceByContent(const MailStoreContext& context,

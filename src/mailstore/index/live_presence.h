@@ -30,8 +30,12 @@ std::optional<SharedTextSet> liveMessageIdentifierPresence(const MailStoreContex
                                                            const std::string& rootPath,
                                                            const SharedTextSet& targetMessageIdentifiers);
 
+// Whether the index keeps Message-IDs at all. Nullopt when nobody could look.
+std::optional<bool> hasMessageIDHeaders(const MailStoreContext& context, const std::string& rootPath);
+
 // The keys of the targets that a live message matches: same sender and subject without regard to case, and
-// dates at most two days apart. Nullopt without an index and after any failure.
+// dates at most two days apart. An absent subject and the texts that stand for one are the same subject.
+// Nullopt without an index and after any failure.
 std::optional<SharedTextSet> liveMessagePresenceByContent(const MailStoreContext& context,
                                                           const std::string& rootPath,
                                                           const std::vector<ContentPresenceTarget>& targets);

@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "records/archived/archive_records.h"
 #include "records/stores/app_support.h"
@@ -13,8 +14,7 @@ namespace corvane {
 using PresenceByEntryID = std::map<std::string, ArchivedOriginalPresenceStatus>;
 
 struct ArchivedOriginalPresenceCache {
-    Date cachedAt{};
-    std::string signature;
+    Date cachedAt{}; // when Mail was asked
     PresenceByEntryID statusesByEntryID;
 };
 
@@ -24,10 +24,11 @@ class ArchivedOriginalPresenceCacheStore {
       : support_(std::move(support)) {}
 
     // Absent when there is no file or its signature differs. Throws std::system_error or JsonError.
-    [[nodiscard]] std::optional<PresenceByEntryID> load(const std::string& signature) const;
+    [[nodiscard]] std::optional<ArchivedOriginalPresenceCache> load(const std::string& signature) const;
 
-    // A failure is ignored.
-    void save(const std::string& signature, const PresenceByEntryID& statuses) const;
+    // `statuses` has one for each entry, in their order. A failure is ignored.
+    void save(const std::string& signature, Date checkedAt, const std::vector<ArchivedEntry>& entries,
+              const std::vector<ArchivedOriginalPresenceStatus>& statuses) const;
 
   private:
     CorvaneAppSupport support_;

@@ -1,0 +1,63 @@
+// Taking mail out of its archives on the user's word: the files, the records, and what else is kept of them,
+// such as their texts for searches. One removal at a time, in the background. Main thread.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <QObject>
+
+#include "model/model_context.h"
+#include "model/tasks/task_slot.h"
+#include "records/archived/archive_records.h"
+
+namespace corvane {
+
+struct ArchiveRemovalEnd {
+    struct Failure {
+        std::string entryID;
+        std::string reason; // for the user
+    };
+
+    std::vector<std::string> removedIDs; // of entries
+    std::vector<Failure> failures;
+    // Paths of files that are there no more, by the archive's root.
+    std::map<std::string, std::vector<std::string>> removedPaths;
+};
+
+class ArchiveRemovalFlow : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit ArchiveRemovalFlow(ModelContext& context, QObject* parent = nullptr);
+
+    // Removes these entries from their archives; `removalEnded` follows. Each is either removed or fails with
+    // its reason. False, without effect, while a removal is under way.
+    bool deleteArchivedEntries(const std::vector<ArchivedEntry>& entries);
+
+    bool deleteArchivedEntry(const ArchivedEntry& entry) { return deleteArchivedEntries({entry}); }
+
+    // What wasn't begun stays, and is told as a failure.
+    void cancel() { task_.requestStop(); }
+
+    [[nodiscard]] bool isRemoving() const { return task_.isRunning(); }
+
+    // Of the last removal; absent before the first and while one is under way.
+    [[nodiscard]] const std::optional<ArchiveRemovalEnd>& lastEnd() const { return lastEnd_; }
+
+  Q_SIGNALS:
+    void removalStarted();
+    // Whatever came of it.
+    void removalEnded();
+
+  private:
+    ModelContext& context_;
+    std::optional<ArchiveRemovalEnd> lastEnd_;
+    TaskSlot task_;
+};
+
+} // namespace corvane
