@@ -112,6 +112,10 @@ class TimeLimitedWorker::Lane final : public JobLimit {
             isDone_ = true;
             done_.notifyOne();
         }
+        // On a busy machine a job may be given up before it is begun.
+        auto neverBegun = std::exchange(job_, nullptr);
+        lock.unlock();
+        neverBegun = nullptr;
         AbandonedJobs::ofProcess().remove();
     }
 
