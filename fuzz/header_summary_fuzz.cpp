@@ -1,11 +1,14 @@
-// What a rebuilt index says of a mail, out of its own header: sound texts, and none that is empty.
+// What a rebuilt index says of a mail, out of its own header: sound texts, none that is empty, and nothing by
+// which the mail would be taken for another one.
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
-#include "archive/checks/header_summary.h"
+#include "archive/header_summary.h"
+#include "archive/message_identity.h"
 #include "fuzz_kit.h"
+#include "records/archived/archive_records.h"
 #include "text/charsets/charset.h"
 
 using namespace corvane;
@@ -20,6 +23,11 @@ void checkSummary(std::string_view mail) {
         require(text::isValidUtf8(text));
     require(!summary->subject.empty() && !summary->sender.empty());
     require(!summary->messageIdentifier || !summary->messageIdentifier->empty());
+    ArchivedEmailRecord record;
+    record.messageIdentifier = summary->messageIdentifier;
+    record.subject = summary->subject;
+    record.date = summary->date;
+    require(!archive::holdsAnotherMessage(archive::ExpectedMessage::of(record), mail));
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "archive/header_summary.h"
 #include "mime/header_decoding.h"
 #include "mime/mail_date.h"
 #include "mime/message_identifiers.h"
@@ -19,6 +20,7 @@ namespace {
 
 // As much as the decoding of a header field looks at.
 constexpr std::size_t headerBytes = 65536;
+constexpr std::size_t summaryBytes = std::size_t{1} << 20;
 
 template <class Record>
 ExpectedMessage expectedOf(const Record& record) {
@@ -64,20 +66,54 @@ std::string comparableSubject(std::string_view subject) {
     return text;
 }
 
-bool subjectsDiffer(const ExpectedMessage& expected, const Header& header) {
-    const std::string found = comparableSubject(header.field("subject").value_or(""));
+// What a mail says of itself.
+struct FoundMessage {
+    std::optional<std::string> messageIdentifier;
+    std::string subject;
+    std::optional<Date> date;
+};
+
+// As the lists decode it.
+FoundMessage listedMessage(std::string_view mail) {
+    const Header header(mail);
+    FoundMessage found;
+    const auto identifier = header.field("message-id");
+    if (identifier) found.messageIdentifier = mime::normalizedMessageIdentifier(*identifier);
+    found.subject = header.field("subject").value_or("");
+    const auto date = header.field("date");
+    if (date) found.date = mime::parseMailDate(*date);
+    return found;
+}
+
+// As a rebuilt index decodes it.
+FoundMessage summarizedMessage(std::string_view mail) {
+    const auto summary = headerSummary(mail.substr(0, summaryBytes));
+    if (!summary) return {};
+    FoundMessage found{.messageIdentifier = {}, .subject = summary->subject.str(), .date = summary->date};
+    if (summary->messageIdentifier) found.messageIdentifier = summary->messageIdentifier->str();
+    return found;
+}
+
+bool subjectsDiffer(const ExpectedMessage& expected, const FoundMessage& message) {
+    const std::string found = comparableSubject(message.subject);
     const std::string wanted = comparableSubject(expected.subject);
     // A word that is still encoded, or in bytes of an unknown charset, can't be compared.
     if (found.find("=?") != std::string::npos || found.find("\uFFFD") != std::string::npos) return false;
     return !found.empty() && !wanted.empty() && found != wanted;
 }
 
-bool datesDiffer(const ExpectedMessage& expected, const Header& header) {
-    const auto field = header.field("date");
-    const auto found = field ? mime::parseMailDate(*field) : std::nullopt;
-    if (!found || !expected.date) return false;
-    const auto apart = *found < *expected.date ? *expected.date - *found : *found - *expected.date;
-    return apart > std::chrono::days(1);
+bool datesDiffer(const ExpectedMessage& expected, const FoundMessage& message) {
+    if (!message.date || !expected.date) return false;
+    const Date earlier = std::min(*message.date, *expected.date);
+    return std::max(*message.date, *expected.date) - earlier > std::chrono::days(1);
+}
+
+bool contradicts(const ExpectedMessage& expected, const FoundMessage& found) {
+    const bool subjectsDo = subjectsDiffer(expected, found);
+    if (!found.messageIdentifier || !expected.messageIdentifier)
+        return subjectsDo && datesDiffer(expected, found);
+    return *found.messageIdentifier != *expected.messageIdentifier &&
+           (subjectsDo || datesDiffer(expected, found));
 }
 
 } // namespace
@@ -91,14 +127,7 @@ ExpectedMessage ExpectedMessage::of(const ArchivedEmailRecord& record) {
 }
 
 bool holdsAnotherMessage(const ExpectedMessage& expected, std::string_view mail) {
-    const Header header(mail);
-    const auto field = header.field("message-id");
-    const auto found = field ? mime::normalizedMessageIdentifier(*field) : std::nullopt;
-    if (!found || !expected.messageIdentifier) {
-        return subjectsDiffer(expected, header) && datesDiffer(expected, header);
-    }
-    return *found != *expected.messageIdentifier &&
-           (subjectsDiffer(expected, header) || datesDiffer(expected, header));
+    return contradicts(expected, listedMessage(mail)) && contradicts(expected, summarizedMessage(mail));
 }
 
 } // namespace corvane::archive

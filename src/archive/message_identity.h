@@ -21,10 +21,10 @@ struct ExpectedMessage {
     static ExpectedMessage of(const ArchivedEmailRecord& record);
 };
 
-// True when the bytes of a mail, of which the first 65536 are looked at, are surely another message: both
-// sides have a Message-ID, these differ, and so do the subjects or, by more than a day, the dates. Without a
-// Message-ID on one side subject and date have to differ both. What is absent, or can't be understood, never
-// differs. Lines may end in LF, CR LF or CR alone.
+// True when the header of a mail is surely that of another message, decoded as for the lists and decoded as
+// for a rebuilt index: both sides have a Message-ID, these differ, and so do the subjects or, by more than a
+// day, the dates. Without a Message-ID on one side subject and date have to differ both. What is absent, or
+// can't be understood, never differs. Lines may end in LF, CR LF or CR alone.
 bool holdsAnotherMessage(const ExpectedMessage& expected, std::string_view mail);
 
 } // namespace corvane::archive

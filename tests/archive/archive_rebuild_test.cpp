@@ -14,8 +14,8 @@
 #include "archive/archive_error.h"
 #include "archive/archive_fixture.h"
 #include "archive/checks/archive_verification.h"
-#include "archive/checks/header_summary.h"
 #include "archive/destination/archive_destination.h"
+#include "archive/header_summary.h"
 #include "platform/files/sha256.h"
 #include "records/archived/content_hash.h"
 

@@ -15,8 +15,8 @@
 
 #include "archive/archive_error.h"
 #include "archive/checks/archive_reader.h"
-#include "archive/checks/header_summary.h"
 #include "archive/destination/archive_destination.h"
+#include "archive/header_summary.h"
 #include "platform/paths.h"
 #include "records/archived/content_hash.h"
 #include "records/archived/stable_id.h"

@@ -1,4 +1,4 @@
-#include "archive/checks/header_summary.h"
+#include "archive/header_summary.h"
 
 #include <algorithm>
 #include <cstddef>
