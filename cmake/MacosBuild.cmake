@@ -5,7 +5,7 @@ include(CheckCXXSourceCompiles)
 if(CMAKE_HOST_APPLE)
     find_program(HOMEBREW brew PATHS /opt/homebrew/bin /usr/local/bin)
     if(HOMEBREW)
-        foreach(formula icu4c openssl@3 libarchive qt)
+        foreach(formula icu4c libarchive qt)
             execute_process(COMMAND ${HOMEBREW} --prefix ${formula} OUTPUT_VARIABLE prefix
                 OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
             if(prefix AND EXISTS ${prefix})
