@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "platform/files/file_descriptor.h"
+#include "platform/files/layers/transfer_limit.h"
 #include "platform/files/nameable_path.h"
 
 namespace corvane::platform {
@@ -43,7 +44,7 @@ FileDescriptor openToRead(const std::string& path) noexcept {
 ssize_t readSome(int descriptor, char* bytes, std::size_t count) noexcept {
     ssize_t got = 0;
     do {
-        got = ::read(descriptor, bytes, count);
+        got = ::read(descriptor, bytes, std::min(count, mostBytesPerCall));
     } while (got < 0 && errno == EINTR);
     return got;
 }

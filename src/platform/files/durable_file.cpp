@@ -47,7 +47,8 @@ mode_t modeForReplacementOf(FileLayer& files, const std::string& path, mode_t mo
 
 // Some file systems have no way to sync a folder, and a folder may be writable without being readable.
 bool isUnsupportedFolderSync(int number) {
-    return number == EINVAL || number == ENOTSUP || number == ENOSYS || number == EACCES;
+    return number == EINVAL || number == ENOTSUP || number == EOPNOTSUPP || number == ENOSYS ||
+           number == EACCES;
 }
 
 std::error_code syncFolderOf(FileLayer& files, const std::string& path) {

@@ -1,5 +1,6 @@
 #include "platform/files/layers/file_layer.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <memory>
@@ -10,6 +11,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include "platform/files/layers/transfer_limit.h"
 #include "platform/files/nameable_path.h"
 #include "platform/files/storage_flush.h"
 
@@ -37,11 +39,11 @@ class PosixFileLayer final : public FileLayer {
     }
 
     ssize_t write(int descriptor, const void* bytes, std::size_t count) override {
-        return ::write(descriptor, bytes, count);
+        return ::write(descriptor, bytes, std::min(count, mostBytesPerCall));
     }
 
     ssize_t read(int descriptor, void* bytes, std::size_t count) override {
-        return ::read(descriptor, bytes, count);
+        return ::read(descriptor, bytes, std::min(count, mostBytesPerCall));
     }
 
     int close(int descriptor) override { return ::close(descriptor); }
