@@ -8,8 +8,10 @@ namespace {
 
 using namespace corvane::platform;
 
+// Empty for no text, and for one that has no such form.
 std::string utf8(NSString* text) {
-    return text == nil ? std::string() : std::string(text.UTF8String);
+    const char* const bytes = text.UTF8String;
+    return bytes == nullptr ? std::string() : std::string(bytes);
 }
 
 std::string actionOf(NSMenuItem* item) {

@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <system_error>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include <sys/event.h>
 #include <sys/mount.h>
@@ -55,11 +57,11 @@ class MountWatch final : public MountSubscription {
             for (int i = 0; i < count; ++i) {
                 if (events[static_cast<std::size_t>(i)].filter == EVFILT_READ) return;
             }
-            if (count > 0) reportChanges();
+            if (count > 0) notifyChanges();
         }
     }
 
-    void reportChanges() {
+    void notifyChanges() {
         auto now = mountedFileSystems();
         if (!now) return;
         const auto changes = mountChanges(mounts_, *now);

@@ -3,7 +3,9 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <string>
 #include <system_error>
+#include <utility>
 
 #include <crt_externs.h>
 #include <fcntl.h>

@@ -1,13 +1,33 @@
 #include "platform/macos/volume_properties.h"
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include <CoreFoundation/CoreFoundation.h>
 
+// As the compiler calls them for @autoreleasepool.
+extern "C" void* objc_autoreleasePoolPush(void);
+extern "C" void objc_autoreleasePoolPop(void* pool);
+
 namespace corvane::platform::macos {
 
 namespace {
+
+// Core Foundation may leave objects to the thread's pool, and a thread without one keeps them until it ends.
+class AutoreleasePool {
+  public:
+    AutoreleasePool()
+      : pool_(objc_autoreleasePoolPush()) {}
+
+    AutoreleasePool(const AutoreleasePool&) = delete;
+    AutoreleasePool& operator=(const AutoreleasePool&) = delete;
+
+    ~AutoreleasePool() { objc_autoreleasePoolPop(pool_); }
+
+  private:
+    void* pool_;
+};
 
 struct ReleaseObject {
     void operator()(CFTypeRef object) const noexcept { CFRelease(object); }
@@ -52,6 +72,7 @@ std::optional<std::string> textOf(const OwnedObject& address, CFStringRef key) {
 } // namespace
 
 VolumeProperties volumeProperties(const std::string& mountPoint) {
+    const AutoreleasePool pool;
     const OwnedObject address = addressOf(mountPoint);
     return {.name = textOf(address, kCFURLVolumeNameKey),
             .removable = truthOf(address, kCFURLVolumeIsRemovableKey),
@@ -61,6 +82,7 @@ VolumeProperties volumeProperties(const std::string& mountPoint) {
 }
 
 std::optional<std::int64_t> importantFreeBytes(const std::string& existingPath) {
+    const AutoreleasePool pool;
     const OwnedObject value = property(
         addressOf(existingPath), kCFURLVolumeAvailableCapacityForImportantUsageKey, CFNumberGetTypeID());
     std::int64_t bytes = 0;
