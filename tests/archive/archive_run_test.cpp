@@ -12,8 +12,8 @@
 #include "archive/archive_error.h"
 #include "archive/archive_fixture.h"
 #include "platform/files/directory.h"
-#include "platform/files/layers/forwarding_file_layer.h"
 #include "records/archived/content_hash.h"
+#include "support/mac_disk.h"
 
 namespace corvane {
 namespace {
@@ -282,53 +282,18 @@ TEST_F(ArchiveRun, AFileIsFlushedBeforeItCountsAsInPlace) {
     EXPECT_TRUE(wasFlushed);
 }
 
-// Lies as a disk without case does: the name in another case is found.
-class CaselessLayer final : public platform::ForwardingFileLayer {
-  public:
-    CaselessLayer()
-      : ForwardingFileLayer(platform::posixFileLayer()) {}
-
-    int openAt(int folder, const std::string& name, int flags, mode_t mode) override {
-        return ForwardingFileLayer::openAt(folder, folded(folder, name), flags, mode);
-    }
-
-    int statAt(int folder, const std::string& name, struct stat& result) override {
-        return ForwardingFileLayer::statAt(folder, folded(folder, name), result);
-    }
-
-    int makeDirectoryAt(int folder, const std::string& name, mode_t mode) override {
-        return ForwardingFileLayer::makeDirectoryAt(folder, folded(folder, name), mode);
-    }
-
-    int renameAt(int folder, const std::string& from, const std::string& to) override {
-        return ForwardingFileLayer::renameAt(folder, folded(folder, from), folded(folder, to));
-    }
-
-    int unlinkAt(int folder, const std::string& name) override {
-        return ForwardingFileLayer::unlinkAt(folder, folded(folder, name));
-    }
-
-  private:
-    std::string folded(int folder, const std::string& name) {
-        std::string found = name;
-        list(folder, [&](std::string_view entry, unsigned char) {
-            if (::strcasecmp(std::string(entry).c_str(), name.c_str()) == 0) found = entry;
-        });
-        return found;
-    }
-};
-
-TEST_F(ArchiveRun, MailsWhoseNamesDifferInCaseOnlyStayApartOnADiskWithoutCase) {
-    CaselessLayer files;
-    const MessageList messages{store("a", "Re: hello"), store("b", "RE: hello"), store("c", "re: hello")};
-    EXPECT_EQ(countsOf(archive(messages, files)), (Counts{3, 0, 0}));
-    for (const ArchivedEmailRecord& record : index().records) {
-        const std::string id = record.messageIdentifier->str();
-        EXPECT_EQ(readWhole(at(record.emlRelativePath.view())), mailText(id, "body of " + id + "\n"));
-    }
+TEST_F(ArchiveRun, MailsStayApartAndAreFoundAgainOnADiskOfAMac) {
+    testing::MacDisk files;
+    MessageList messages{store("a", "Re: hello"), store("b", "RE: hello"), store("c", "re: hello"),
+                         store("d", "Ação"),      store("e", "AÇÃO"),      store("f", "한글")};
+    messages[3].accountName = messages[4].accountName = "Café";
+    messages[5].accountName = "Cafe\xcc\x81"; // the accent apart
+    EXPECT_EQ(countsOf(archive(messages, files)), (Counts{6, 0, 0}));
     const Tree before = treeOf(root);
+    EXPECT_EQ(before.size(), 7U);
+    EXPECT_EQ(countsOf(archive(messages, files)), (Counts{0, 6, 0}));
     std::filesystem::remove(at("archive-index.json"));
-    EXPECT_EQ(countsOf(archive(messages, files)), (Counts{0, 3, 0}));
+    EXPECT_EQ(countsOf(archive(messages, files)), (Counts{0, 6, 0}));
     EXPECT_EQ(treeOf(root), before);
 }
 
