@@ -1,4 +1,4 @@
-// What a Mac's part of the platform concludes, over lists and paths as real Macs give them; runs anywhere.
+// What a Mac's part of the platform concludes, over values of the form that a Mac gives; runs anywhere.
 #include <algorithm>
 #include <filesystem>
 
@@ -21,7 +21,8 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using testing::TemporaryHome;
 
-// What mount(8) prints on a Mac with Apple silicon, a stick, a disk image, a server and Google Drive.
+// Made up in the form in which mount(8) prints, not recorded: the system's own volumes, two sticks, a disk
+// image and a server.
 constexpr std::string_view mountOutput = R"(/dev/disk3s1s1 on / (apfs, sealed, local, read-only, journaled)
 devfs on /dev (devfs, local, nobrowse)
 /dev/disk3s6 on /System/Volumes/VM (apfs, local, noexec, journaled, noatime, nobrowse)
