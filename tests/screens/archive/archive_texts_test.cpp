@@ -12,7 +12,8 @@ TEST(ArchiveTexts, AnEmptyListIsCalledArchivedOnlyWhereAllOfItIs) {
          {std::pair(DeletionSafety{4, 4, 0}, true), std::pair(DeletionSafety{0, 0, 0}, false),
           std::pair(DeletionSafety{4, 3, 0}, false)})
         EXPECT_EQ(screens::archiveEmptyTitle(safety).contains(QStringLiteral("已全部归档")), isArchived);
-    EXPECT_TRUE(screens::archiveEmptyDescription(QString(), {0, 0, 3}).contains(QStringLiteral("仅在服务器")));
+    EXPECT_TRUE(
+        screens::archiveEmptyDescription(QString(), {0, 0, 3}).contains(QStringLiteral("仅在服务器")));
 }
 
 TEST(ArchiveTexts, YearsAreNamedWhileTheyAreFew) {
