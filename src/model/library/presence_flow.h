@@ -59,8 +59,8 @@ class PresenceFlow : public QObject {
     void publish(SharedPresence presence, bool isChecking);
 
     ModelContext& context_;
-    SharedEntryList entries_; // as the library has them; `presence_` follows
     SharedPresence presence_ = std::make_shared<const OriginalPresence>();
+    SharedEntryList entries_; // as the library has them, `presence_` follows
     bool isChecking_ = false;
     Wanted wanted_ = Wanted::nothing;               // once it is known what these entries are
     std::string archivedOriginalPresenceSignature_; // of what was refreshed last; empty: stale
