@@ -5,13 +5,20 @@ find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter)
 
 set(worker_source ${PROJECT_SOURCE_DIR}/src/worker)
 set(worker_copy ${PROJECT_BINARY_DIR}/bin)
-file(GLOB_RECURSE worker_modules CONFIGURE_DEPENDS ${worker_source}/corvane_mail/*.py)
-set(copy_folder "import shutil, sys; shutil.copytree(*sys.argv[1:], ignore=shutil.ignore_patterns('__pycache__'))")
+set(worker_modules)
+set(copy_packages)
+foreach(package "" attachments bodies charsets html packed parts)
+    file(GLOB modules CONFIGURE_DEPENDS ${worker_source}/corvane_mail/${package}/*.py)
+    list(APPEND worker_modules ${modules})
+    list(APPEND copy_packages
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${worker_copy}/corvane_mail/${package}
+        COMMAND ${CMAKE_COMMAND} -E copy ${modules} ${worker_copy}/corvane_mail/${package})
+endforeach()
 
 add_custom_command(OUTPUT ${worker_copy}/corvane_mail/__pycache__/made
     COMMAND ${CMAKE_COMMAND} -E rm -rf ${worker_copy}/corvane_mail
     COMMAND ${CMAKE_COMMAND} -E copy ${worker_source}/mail_worker.py ${worker_copy}
-    COMMAND ${Python3_EXECUTABLE} -I -c ${copy_folder} ${worker_source}/corvane_mail ${worker_copy}/corvane_mail
+    ${copy_packages}
     COMMAND ${Python3_EXECUTABLE} -I -m compileall -q --invalidation-mode checked-hash ${worker_copy}/corvane_mail
     COMMAND ${CMAKE_COMMAND} -E touch ${worker_copy}/corvane_mail/__pycache__/made
     DEPENDS ${worker_source}/mail_worker.py ${worker_modules}
