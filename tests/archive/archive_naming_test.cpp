@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/paths.h"
+#include "support/repeated_text.h"
 #include "support/temporary_home.h"
 #include "text/charsets/charset.h"
 #include "text/graphemes.h"
@@ -15,14 +16,9 @@ namespace corvane::archive {
 namespace {
 
 using namespace std::string_literals;
+using testing::repeated;
 
 constexpr const char* uuidPattern = "[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}";
-
-std::string repeated(std::string_view text, int times) {
-    std::string result;
-    for (int i = 0; i < times; ++i) result += text;
-    return result;
-}
 
 MailMessageRecord mail(std::string_view subject, std::optional<std::int64_t> seconds = 1'600'000'000,
                        std::optional<SharedText> account = "工作") {

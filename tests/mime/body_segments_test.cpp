@@ -9,58 +9,30 @@
 
 #include "mime/body_line_rules.h"
 #include "mime/body_split.h"
+#include "support/repeated_text.h"
 
 namespace corvane::mime {
 namespace {
 
+using testing::repeated;
+
 const std::string sig(signatureMarker);
 const std::string quote(quoteMarker);
 
-std::string repeated(std::string_view part, std::size_t count) {
-    std::string text;
-    for (; count > 0; --count) text += part;
-    return text;
-}
-
 TEST(BodyLines, QuoteBoundaries) {
     const std::string x160 = repeated("x", 160);
-    const std::vector<std::string> boundaries = {"> a",
-                                                 "  >",
-                                                 repeated("_", 10),
-                                                 " " + repeated("_", 12),
-                                                 "发件人: a",
-                                                 "From: a",
-                                                 "原始邮件",
-                                                 "-----原始邮件-----",
-                                                 "-----Original Message-----",
-                                                 "----- Forwarded by",
-                                                 "Begin forwarded message:",
-                                                 "在 2020年，张三 写道",
-                                                 "张三写道",
-                                                 "2021-01-01 张三 写道：",
-                                                 "张三写道: \r",
-                                                 "On wrote",
-                                                 "On Monday, A wrote:",
-                                                 "on " + x160 + "wrote:",
-                                                 "ON " + repeated("中", 160) + "WROTE  "};
-    for (const std::string& line : boundaries) EXPECT_TRUE(isQuoteBoundary(line)) << line;
-    const std::vector<std::string> others = {"",
-                                             "  ",
-                                             "a > b",
-                                             repeated("_", 9),
-                                             repeated("_", 11) + "a",
-                                             "Fromage",
-                                             "在 北京",
-                                             "在北京",
-                                             "写道了",
-                                             "写道：：",
-                                             "on " + x160 + "xwrote:",
-                                             "On Monday A wrote: b",
-                                             "On Monday A wrote::",
-                                             "upon a wrote:",
-                                             "on a\u2028b wrote:",
-                                             "在北京写道 了"};
-    for (const std::string& line : others) EXPECT_FALSE(isQuoteBoundary(line)) << line;
+    for (const char* line : {"> a", "  >", "__________", " ____________", "发件人: a", "From: a", "原始邮件",
+                             "-----原始邮件-----", "-----Original Message-----", "----- Forwarded by",
+                             "Begin forwarded message:", "在 2020年，张三 写道", "张三写道",
+                             "2021-01-01 张三 写道：", "张三写道: \r", "On wrote", "On Monday, A wrote:"})
+        EXPECT_TRUE(isQuoteBoundary(line)) << line;
+    EXPECT_TRUE(isQuoteBoundary("on " + x160 + "wrote:"));
+    EXPECT_TRUE(isQuoteBoundary("ON " + repeated("中", 160) + "WROTE  "));
+    for (const char* line : {"", "  ", "a > b", "_________", "___________a", "Fromage", "在 北京", "在北京",
+                             "写道了", "写道：：", "On Monday A wrote: b",
+                             "On Monday A wrote::", "upon a wrote:", "on a\u2028b wrote:", "在北京写道 了"})
+        EXPECT_FALSE(isQuoteBoundary(line)) << line;
+    EXPECT_FALSE(isQuoteBoundary("on " + x160 + "xwrote:"));
 }
 
 TEST(BodyLines, DisclaimersContactsAndBodyLines) {

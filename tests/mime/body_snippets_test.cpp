@@ -8,18 +8,15 @@
 #include <gtest/gtest.h>
 
 #include "mime/body_split.h"
+#include "support/repeated_text.h"
 
 namespace corvane::mime {
 namespace {
 
+using testing::repeated;
+
 const std::string sig(signatureMarker);
 const std::string quote(quoteMarker);
-
-std::string repeated(std::string_view part, std::size_t count) {
-    std::string text;
-    for (; count > 0; --count) text += part;
-    return text;
-}
 
 TEST(BodySnippets, PreviewIsOneLineWithoutMarkers) {
     const std::string tail = repeated("中", 400);

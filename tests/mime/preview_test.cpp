@@ -1,7 +1,6 @@
 #include "mime/preview_text.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <random>
 
 #include <fmt/format.h>
@@ -13,6 +12,7 @@
 #include "mime/preview_layout.h"
 #include "mime/signature_search.h"
 #include "records/preview_placeholders.h"
+#include "support/repeated_text.h"
 #include "text/charsets/encoding.h"
 #include "text/graphemes.h"
 #include "text/regex.h"
@@ -24,13 +24,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-std::string repeated(std::string_view text, std::size_t count) {
-    std::string result;
-    result.reserve(text.size() * count);
-    for (std::size_t i = 0; i < count; ++i) result.append(text);
-    return result;
-}
+using testing::repeated;
 
 std::string message(std::string_view fields, std::string_view body) {
     return fmt::format("Subject: x\n{}\n\n{}", fields, body);

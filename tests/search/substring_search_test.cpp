@@ -7,57 +7,33 @@
 #include "search/search_fixture.h"
 #include "text/case.h"
 #include "text/charsets/charset.h"
+#include "text/split.h"
 #include "text/trim.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
-using testing::rowOf;
-using testing::SearchTest;
-
+using namespace std::string_literals;
 using Random = std::mt19937;
 
 std::size_t below(Random& random, std::size_t limit) {
     return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);
 }
 
-// Few different characters, so that random texts meet; many kinds of them.
-const std::vector<std::string> soundPieces = {"a",      "A",      "b",
-                                              "B",      "k",      "K",
-                                              "s",      "i",      "z",
-                                              "Z",      "0",      "@",
-                                              "[",      "`",      "{",
-                                              " ",      "\n",     "%",
-                                              "_",      "\\",     "\"",
-                                              "'",      "*",      "^",
-                                              ":",      "-",      "报",
-                                              "告",     "会",     "议",
-                                              "，",     "😀",     "👨‍👩‍👧",
-                                              "é",      "É",      "e\u0301",
-                                              "\u212A", // KELVIN SIGN folds to k
-                                              "ſ",      "ß",      "ẞ",
-                                              "İ",      "ı",      "Σ",
-                                              "σ",      "ς",      "Я",
-                                              "я",      "ﬀ",      "Ⅷ",
-                                              "ⅷ",      "𐐀",      "𐐨",
-                                              "\uFEFF", "\uFFFD", "\U0010FFFF",
-                                              "\u200B", "\u0080"};
+std::vector<std::string> piecesOf(std::string_view separated) {
+    const auto pieces = text::splitText(separated, '|');
+    return {pieces.begin(), pieces.end()};
+}
+
+// Few different characters, so that random texts meet; many kinds of them. U+212A folds to k.
+const std::vector<std::string> soundPieces =
+    piecesOf("a|A|b|B|k|K|s|i|z|Z|0|@|[|`|{| "
+             "|\n|%|_|\\|\"|'|*|^|:|-|报|告|会|议|，|😀|👨‍👩‍👧|é|É|e\u0301|\u212A|ſ|ß|ẞ|İ|ı|Σ|σ|ς|Я|я|"
+             "ﬀ|Ⅷ|ⅷ|𐐀|𐐨|\uFEFF|\uFFFD|\U0010FFFF|\u200B|\u0080");
 // What SQLite reads as other characters than we do: U+FFFE and U+FFFF are U+FFFD to it.
-const std::vector<std::string> brokenPieces = {"\uFFFE",
-                                               "\uFFFF",
-                                               std::string(1, '\0'),
-                                               "\x80",
-                                               "\xBF",
-                                               "\xC3",
-                                               "\xC0\x80",
-                                               "\xE4\xBD",
-                                               "\xF0\x9F\x98",
-                                               "\xFF",
-                                               "\xFE",
-                                               "\xED\xA0\x80",
-                                               "\xF8\x88\x80\x80\x80",
-                                               "\xC3\xA9\xA9",
-                                               "\xF4\x90\x80\x80"};
+const std::vector<std::string> brokenPieces =
+    piecesOf("\uFFFE|\uFFFF|\x80|\xBF|\xC3|\xC0\x80|\xE4\xBD|\xF0\x9F\x98|\xFF|"
+             "\xFE|\xED\xA0\x80|\xF8\x88\x80\x80\x80|\xC3\xA9\xA9|\xF4\x90\x80\x80|\0"s);
 
 std::string randomText(Random& random, std::size_t longest, bool isSound) {
     std::string text;
@@ -228,23 +204,6 @@ TEST_F(SearchTest, Search_GivesTheSameRowsInDatabasesThatSomebodyElseMade) {
     }
 }
 
-TEST_F(SearchTest, Search_AsksTheIndexOnlyForWhatItCanTell) {
-    const std::vector<std::pair<std::string, std::optional<std::string>>> cases = {
-        {"", std::nullopt},
-        {"ab", std::nullopt},
-        {"会议", std::nullopt},
-        {"e\u0301", std::nullopt},
-        {std::string("ab\0cd", 5), std::nullopt},
-        {"ab\xC3", std::nullopt},
-        {"abc", "\"abc\""},
-        {"会议室", "\"会议室\""},
-        {"a\"b", "\"a\"\"b\""},
-        {"\"\"\"", "\"\"\"\"\"\"\"\""},
-        {"a* OR b", "\"a* OR b\""}};
-    for (const auto& [text, query] : cases) EXPECT_EQ(search::trigramQuery(text), query) << text;
-    EXPECT_LT(search::trigramQuery(std::string(100000, '"'))->size(), 100U);
-}
-
 TEST_F(SearchTest, Search_OfALongTextNeedsAllOfIt) {
     const auto index = open();
     std::string text;
@@ -256,19 +215,5 @@ TEST_F(SearchTest, Search_OfALongTextNeedsAllOfIt) {
     EXPECT_TRUE(index->search(std::string(60000, 'a')).empty()) << "LIKE refuses patterns over 50,000 bytes";
 }
 
-// A table in which most rows match is read in order, and a few matches are looked up.
-TEST_F(SearchTest, Search_LeavesTheIndexWhereMostRowsMatch) {
-    const auto index = open();
-    std::vector<SearchIndexRow> rows;
-    rows.reserve(1500);
-    for (int i = 0; i < 1500; ++i)
-        rows.push_back({std::to_string(i), "common text", "", "", "", i % 500 == 0 ? "rare one" : "body"});
-    index->bulkInsert(rows);
-    const auto connection = foreign();
-    EXPECT_EQ(search::TrigramStatements(connection.get()).ids("common"), std::nullopt);
-    EXPECT_EQ(index->search("common").size(), rows.size());
-    EXPECT_EQ(search::TrigramStatements(connection.get()).ids("rare")->size(), 3U);
-}
-
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <memory>
-#include <string_view>
 
 namespace corvane::testing {
 

@@ -6,8 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "screens/archive/unprivileged.h"
 #include "screens/support/screens_fixture.h"
+#include "support/unprivileged.h"
 
 namespace corvane::testing {
 namespace {
