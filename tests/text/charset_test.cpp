@@ -1,7 +1,6 @@
 #include "text/charsets/charset.h"
 
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -100,20 +99,6 @@ TEST(Charset, Gb18030TakesItsOlderFormsAndRefusesDamage) {
             EXPECT_EQ(fromGb18030(bytes), text);
         }
     }
-}
-
-TEST(Charset, Gb18030ConvertsLongTextOnManyThreads) {
-    std::string bytes = "x\x94\x39\xFC\x36";
-    std::string expected = "x😀";
-    for (int index = 0; index < 20'000; ++index) {
-        bytes += "\xC4\xE3";
-        expected += "你";
-    }
-    std::vector<std::jthread> threads;
-    for (int thread = 0; thread < 4; ++thread)
-        threads.emplace_back([&] { EXPECT_EQ(fromGb18030(bytes), expected); });
-    threads.clear();
-    EXPECT_EQ(fromGb18030(bytes + "\xC4"), std::nullopt);
 }
 
 } // namespace

@@ -1,8 +1,6 @@
 #include "text/collation.h"
 
-#include <algorithm>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -25,20 +23,6 @@ TEST(Collation, OrdersNamesAsAPersonWould) {
     EXPECT_LT(naturalCompare("第2章", "第10章"), 0);
     EXPECT_EQ(naturalCompare("\u00E4", "a\u0308"), 0);
     EXPECT_EQ(naturalCompare("a01", "a1"), 0);
-}
-
-TEST(Collation, ComparesOnManyThreads) {
-    std::vector<std::string> names;
-    for (int index = 0; index < 500; ++index) names.push_back("附件" + std::to_string(index) + ".pdf");
-    std::vector<std::jthread> threads;
-    for (int thread = 0; thread < 4; ++thread) {
-        threads.emplace_back([names] {
-            std::vector<std::string> shuffled(names.rbegin(), names.rend());
-            std::ranges::sort(shuffled,
-                              [](const auto& a, const auto& b) { return naturalCompare(a, b) < 0; });
-            EXPECT_EQ(shuffled, names);
-        });
-    }
 }
 
 TEST(Collation, CompositionMakesEquivalentTextsTheSameBytes) {

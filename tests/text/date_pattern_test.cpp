@@ -1,9 +1,7 @@
 #include "text/dates/date_pattern.h"
 
 #include <stdexcept>
-#include <thread>
 #include <utility>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -38,31 +36,19 @@ TEST(DatePattern, ReadsHeaderDatesWithNumericZones) {
         {"Thu, 29 Feb 2024 23:59:59 +0000", newYearUtc + 60 * 24h - 1s},
         // The weekday tells nothing.
         {"Sun, 1 Jan 2024 10:00:00 +0800", newYearUtc + 2h},
-        // Text left over, or missing.
-        {"Mon, 1 Jan 2024 10:00:00 +0800 (CST)", std::nullopt},
-        {"Mon, 1 Jan 2024 10:00:00 +0800 ", std::nullopt},
-        {"Mon, 1 Jan 2024 10:00:00", std::nullopt},
-        {"Mon, 1 Jan 2024 10:00:00 ", std::nullopt},
-        {"", std::nullopt},
-        // Years of two, three and five digits.
-        {"Mon, 1 Jan 24 10:00:00 +0800", std::nullopt},
-        {"Mon, 1 Jan 124 10:00:00 +0800", std::nullopt},
-        {"Mon, 1 Jan 20240 10:00:00 +0800", std::nullopt},
-        {"Mon, 1 Jan -024 10:00:00 +0800", std::nullopt},
-        {"Mon, 1 Jan 2024 10:00:00 +0800\n2024", std::nullopt},
-        // Nothing rolls over.
-        {"Thu, 30 Feb 2024 10:00:00 +0800", std::nullopt},
-        {"Mon, 0 Jan 2024 10:00:00 +0800", std::nullopt},
-        {"Mon, 1 Jan 2024 24:00:00 +0800", std::nullopt},
-        {"Mon, 1 Jan 2024 10:60:00 +0800", std::nullopt},
-        {"Mon, 1 Jan 0000 10:00:00 +0800", std::nullopt},
-        {"Xyz, 1 Jan 2024 10:00:00 +0800", std::nullopt},
-        {"Mon, 1 Ene 2024 10:00:00 +0800", std::nullopt},
-        {"Mon, 99999999999999999999 Jan 2024 10:00:00 +0800", std::nullopt},
-        {"Mon, １ Jan 2024 10:00:00 +0800", std::nullopt},
-        {"\xFF\xE4, 1 Jan 2024 10:00:00 +0800", std::nullopt},
     };
     for (const Case& each : cases) EXPECT_EQ(pattern.parse(each.text), each.date) << each.text;
+    for (const char* odd : {" (CST)", " ", "\n2024"})
+        EXPECT_EQ(pattern.parse(std::string("Mon, 1 Jan 2024 10:00:00 +0800") + odd), std::nullopt) << odd;
+    for (const char* cut : {"", "Mon, 1 Jan 2024 10:00:00", "Mon, 1 Jan 2024 10:00:00 "})
+        EXPECT_EQ(pattern.parse(cut), std::nullopt) << cut;
+    // Nothing rolls over, and a year has four digits.
+    for (const char* wrong :
+         {"Mon, 1 Jan 24 10:00", "Mon, 1 Jan 124 10:00", "Mon, 1 Jan 20240 10:00", "Mon, 1 Jan -024 10:00",
+          "Thu, 30 Feb 2024 10:00", "Mon, 0 Jan 2024 10:00", "Mon, 1 Jan 2024 24:00", "Mon, 1 Jan 2024 10:60",
+          "Mon, 1 Jan 0000 10:00", "Xyz, 1 Jan 2024 10:00", "Mon, 1 Ene 2024 10:00",
+          "Mon, 99999999999999999999 Jan 2024 10:00", "Mon, １ Jan 2024 10:00", "\xFF\xE4, 1 Jan 2024 10:00"})
+        EXPECT_EQ(pattern.parse(std::string(wrong) + ":00 +0800"), std::nullopt) << wrong;
 }
 
 TEST(DatePattern, ReadsNamedZones) {
@@ -126,20 +112,6 @@ TEST(DatePattern, TakesTheZoneOfTheMomentItIsMade) {
     EXPECT_EQ(shanghai.parse("2024-01-01 08:00"), newYearUtc);
     EXPECT_EQ(newYork.parse("2023-12-31 19:00"), newYearUtc);
     EXPECT_EQ(shanghai.format(sys_seconds(-1s)), "1970-01-01 07:59");
-}
-
-TEST(DatePattern, ServesManyThreads) {
-    const TimeZoneGuard zone("UTC");
-    const DatePattern pattern("en_US_POSIX", "yyyy-MM-dd HH:mm:ss Z");
-    std::vector<std::jthread> threads;
-    for (int thread = 0; thread < 4; ++thread) {
-        threads.emplace_back([&pattern, thread] {
-            for (int round = 0; round < 300; ++round) {
-                const sys_seconds date = newYearUtc + thread * 1h + round * 24h;
-                ASSERT_EQ(pattern.parse(pattern.format(date)), date);
-            }
-        });
-    }
 }
 
 TEST(DatePattern, RefusesWhatIcuDoesntTake) {

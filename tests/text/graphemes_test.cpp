@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -62,14 +61,6 @@ TEST(Graphemes, OneEndlessClusterIsLeftOutWhole) {
     EXPECT_EQ(graphemePrefixWithinBytes(text, 255), "ab");
     EXPECT_EQ(graphemePrefix(text, 2), "ab");
     EXPECT_EQ(graphemeCount(text), 3U);
-}
-
-TEST(Graphemes, CountOnManyThreads) {
-    std::string family;
-    for (int index = 0; index < 2'000; ++index) family += "👨‍👩‍👧‍👦";
-    std::vector<std::jthread> threads;
-    for (int thread = 0; thread < 4; ++thread)
-        threads.emplace_back([&] { EXPECT_EQ(graphemeCount(family), 2'000U); });
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "text/regex.h"
 
 #include <stdexcept>
-#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -106,20 +105,6 @@ TEST(Regex, FindsEveryMatchOfALongHonestText) {
     std::string text;
     for (int line = 0; line < 50'000; ++line) text += "收件人 name = value 42; ";
     EXPECT_EQ(Regex(R"((?i)(\w+?)\s*=\s*([^;\r\n]+))").allMatches(text).size(), 50'000U);
-}
-
-TEST(Regex, OnePatternServesManyThreads) {
-    const Regex number(R"(\d+)");
-    std::vector<std::jthread> threads;
-    for (int thread = 0; thread < 4; ++thread) {
-        threads.emplace_back([&number, thread] {
-            for (int round = 0; round < 500; ++round) {
-                const std::string value = std::to_string(thread * 1'000 + round);
-                const std::string text = "第" + value + "封";
-                ASSERT_EQ(number.firstMatch(text).value().group(0, text), value);
-            }
-        });
-    }
 }
 
 } // namespace

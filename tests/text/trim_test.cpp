@@ -1,7 +1,6 @@
 #include "text/trim.h"
 
 #include <set>
-#include <string>
 
 #include <gtest/gtest.h>
 
