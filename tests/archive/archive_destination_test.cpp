@@ -18,32 +18,18 @@
 #include "archive/destination/index_records.h"
 #include "archive/destination/time_limited_worker.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
 
-using testing::Effect;
-using testing::Fault;
-using testing::FaultyFileLayer;
-using testing::FileOperation;
-using testing::mailText;
-using testing::readWhole;
-using testing::RecordedOperation;
-using testing::Tree;
-using testing::treeOf;
 using namespace std::chrono_literals;
 
-class Destination : public testing::ArchiveFixture {
+class Destination : public ArchiveFixture {
   protected:
     // The text with which a run over these files ends; empty when it ends well.
     std::string endOfRun(const MessageList& messages, platform::FileLayer& files) {
-        try {
-            result_ = archive(messages, files);
-            return {};
-        } catch (const ArchiveAccessError& error) {
-            return error.what();
-        }
+        return errorOf([&] { result_ = archive(messages, files); });
     }
 
     // Calls `change` once, before the write of the file with this number.
@@ -187,21 +173,27 @@ TEST(MergedIndexes, KeepBothSidesAndOneRecordForOneMail) {
 }
 
 TEST_F(Destination, AnotherFolderUnderItsPathIsNotWrittenTo) {
-    const MessageList messages = eight();
-    FaultyFileLayer files;
-    beforeWrite(files, 4, [&] {
-        fs::rename(root, home.at("Unplugged"));
-        home.write("Archive/archive-index.json", encodeArchiveIndex({now, now, {}}));
-    });
-    const std::string before = encodeArchiveIndex({now, now, {}});
-    EXPECT_THAT(endOfRun(messages, files), ::testing::EndsWith("：位置不存在或磁盘未连接"));
-    EXPECT_EQ(files.operationCount(FileOperation::write), 4U) << "the run ends before the next message";
-    EXPECT_EQ(treeOf(root), (Tree{{"archive-index.json", before}}));
-    fs::remove_all(root);
-    fs::rename(home.at("Unplugged"), root);
-    const auto result = archive(messages);
-    EXPECT_EQ(result.archivedCount + result.skippedAlreadyArchived, 8);
-    expectTrue(result);
+    const std::string other = encodeArchiveIndex({now, now, {}});
+    for (const bool isThereAnother : {true, false}) {
+        fs::remove_all(root);
+        const MessageList messages = eight();
+        FaultyFileLayer files;
+        beforeWrite(files, 4, [&] {
+            fs::rename(root, home.at("Unplugged"));
+            if (isThereAnother) home.write("Archive/archive-index.json", other);
+        });
+        EXPECT_THAT(endOfRun(messages, files), ::testing::EndsWith("：位置不存在或磁盘未连接"));
+        EXPECT_EQ(files.operationCount(FileOperation::write), 4U) << "the run ends before the next message";
+        EXPECT_EQ(fs::exists(root), isThereAnother);
+        if (isThereAnother) {
+            EXPECT_EQ(treeOf(root), (Tree{{"archive-index.json", other}}));
+        }
+        fs::remove_all(root);
+        fs::rename(home.at("Unplugged"), root);
+        const auto result = archive(messages);
+        EXPECT_EQ(result.archivedCount + result.skippedAlreadyArchived, 8);
+        expectTrue(result);
+    }
 }
 
 TEST_F(Destination, AFolderThatIsSwappedLeadsNothingOutAndCountsNothing) {
@@ -274,10 +266,8 @@ TEST_F(Destination, AStopEndsARunWhoseDestinationHangs) {
             stop.request_stop();
         });
         const auto start = std::chrono::steady_clock::now();
-        try {
-            MailEmailArchiver(files, options()).archive({store("a")}, root, {}, stop.get_token());
-        } catch (const ArchiveAccessError&) {
-        }
+        errorOf(
+            [&] { MailEmailArchiver(files, options()).archive({store("a")}, root, {}, stop.get_token()); });
         EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
         user.join();
         files.release();
@@ -287,4 +277,4 @@ TEST_F(Destination, AStopEndsARunWhoseDestinationHangs) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

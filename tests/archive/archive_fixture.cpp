@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "archive/archive_error.h"
 #include "platform/files/file_look.h"
 #include "records/archived/content_hash.h"
 
@@ -32,6 +33,19 @@ std::string mailText(std::string_view messageID, std::string_view body, std::str
     return fmt::format(
         "From: a@example.com\nMessage-ID: <{}>\n{}Cc: =?utf-8?B?5L2g5aW9?= <c@example.com>\n\n{}", messageID,
         extraHeader, body);
+}
+
+Counts countsOf(const EmailArchiveRunResult& result) {
+    return {result.archivedCount, result.skippedAlreadyArchived, result.failedCount};
+}
+
+std::string errorOf(const std::function<void()>& call) {
+    try {
+        call();
+        return {};
+    } catch (const ArchiveAccessError& error) {
+        return error.what();
+    }
 }
 
 MailMessageRecord ArchiveFixture::store(const std::string& messageID, const std::string& subject,

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -25,6 +27,20 @@ Tree treeOf(const std::string& root);
 std::string emlx(std::string_view message);
 
 std::string mailText(std::string_view messageID, std::string_view body, std::string_view extraHeader = {});
+
+// Of a run: archived, there already, failed.
+struct Counts {
+    std::int64_t archived;
+    std::int64_t skipped;
+    std::int64_t failed;
+
+    friend bool operator==(const Counts&, const Counts&) = default;
+};
+
+Counts countsOf(const EmailArchiveRunResult& result);
+
+// The text of the error with which the call ends; empty when it ends well.
+std::string errorOf(const std::function<void()>& call);
 
 class ArchiveFixture : public ::testing::Test {
   protected:

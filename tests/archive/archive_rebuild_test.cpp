@@ -19,14 +19,10 @@
 #include "platform/files/sha256.h"
 #include "records/archived/content_hash.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::FaultyFileLayer;
-using testing::FileOperation;
-using testing::readWhole;
-using testing::treeOf;
 
 std::string fullMail(const std::string& identifier, const std::string& subject, const std::string& body) {
     return (identifier.empty() ? "" : "Message-ID: <" + identifier + ">\r\n") +
@@ -35,7 +31,7 @@ std::string fullMail(const std::string& identifier, const std::string& subject, 
            subject + "\r\nDate: Sun, 13 Sep 2020 14:26:40 +0200 (CEST)\r\n\r\n" + body;
 }
 
-class RebuildOfAnArchive : public testing::ArchiveFixture {
+class RebuildOfAnArchive : public ArchiveFixture {
   protected:
     MailMessageRecord full(const std::string& identifier, const std::string& subject,
                            const std::vector<std::string>& bodies, const std::string& written = {}) {
@@ -218,4 +214,4 @@ TEST(HeaderSummary, DecodesAsMailDoes) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

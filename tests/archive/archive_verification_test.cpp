@@ -1,6 +1,5 @@
 #include "archive/checks/archive_verification.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
@@ -18,15 +17,10 @@
 #include "platform/files/sha256.h"
 #include "records/archived/content_hash.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
-using testing::FaultyFileLayer;
-using testing::FileOperation;
-using testing::mailText;
-using testing::readWhole;
-
-class VerificationOfAnArchive : public testing::ArchiveFixture {
+class VerificationOfAnArchive : public ArchiveFixture {
   protected:
     void SetUp() override {
         archive({store("a", "一", {mailText("a", "body of a\n", "Subject: 一\n")}),
@@ -216,7 +210,7 @@ TEST_F(VerificationOfAnArchive, RecordsTheHashesOfSoundFilesThatReadTheSameTwice
         return files.operationCount(FileOperation::read);
     }();
     files.inject({.at = readsOfOnePass + countOfIndex(FileOperation::read) + 1,
-                  .effect = testing::Effect::corrupt,
+                  .effect = Effect::corrupt,
                   .operation = FileOperation::read});
     const ArchiveVerification unsteady = recordHashes(files);
     EXPECT_EQ(unsteady.unreadable, Paths{first});
@@ -277,8 +271,7 @@ TEST_F(VerificationOfAnArchive, NeverOpensAPathThatLeavesTheRoot) {
 TEST_F(VerificationOfAnArchive, TellsWhatCouldNotBeReadFromWhatIsMissing) {
     for (const FileOperation operation : {FileOperation::open, FileOperation::read}) {
         FaultyFileLayer files;
-        files.inject(
-            {.at = countOfIndex(operation) + 1, .effect = testing::Effect::fail, .operation = operation});
+        files.inject({.at = countOfIndex(operation) + 1, .effect = Effect::fail, .operation = operation});
         const ArchiveVerification found = verifyArchive(root, {}, {}, files);
         EXPECT_EQ(found.unreadable, Paths{first});
         EXPECT_TRUE(found.missing.empty() && found.sizeMismatch.empty() && found.unindexed.empty());
@@ -286,18 +279,10 @@ TEST_F(VerificationOfAnArchive, TellsWhatCouldNotBeReadFromWhatIsMissing) {
 }
 
 TEST_F(VerificationOfAnArchive, WithoutAUsableIndexIsAnError) {
-    const auto errorOf = [](const std::string& folder) -> std::string {
-        try {
-            verifyArchive(folder);
-        } catch (const ArchiveAccessError& error) {
-            return error.what();
-        }
-        return {};
-    };
-    EXPECT_EQ(errorOf(home.at("none")),
+    EXPECT_EQ(errorOf([&] { verifyArchive(home.at("none")); }),
               "找不到归档索引“" + home.at("none/archive-index.json") + "”：位置不存在或磁盘未连接");
     home.write("Archive/archive-index.json", "{");
-    EXPECT_EQ(errorOf(root),
+    EXPECT_EQ(errorOf([&] { verifyArchive(root); }),
               "无法使用归档索引“" + at("archive-index.json") + "”：文件无法读取，或内容已损坏");
 }
 
@@ -322,4 +307,4 @@ TEST_F(VerificationOfAnArchive, AMessageWithoutMessageIDInItsHeaderIsNoMismatch)
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -1,5 +1,4 @@
 // A disk that fails at each operation of SQLite in turn while bodies are indexed and searched.
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -17,12 +16,10 @@
 #include "support/faulty_sqlite_files.h"
 #include "support/temporary_home.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::FaultySqliteFiles;
-using testing::SqliteFault;
 
 struct FaultCase {
     SqliteFault fault;
@@ -61,7 +58,7 @@ class BodyIndexingFaultsTest : public ::testing::TestWithParam<FaultCase> {
                 archive.records[number], number < emptyBefore ? "" : "正文 " + std::to_string(number))});
         path_ = search::databaseURL(support_, root_)->path().str();
         // Pages that are still in the log.
-        for (const char* suffix : {"", "-wal"}) begun_.push_back(testing::readWhole(path_ + suffix));
+        for (const char* suffix : {"", "-wal"}) begun_.push_back(readWhole(path_ + suffix));
     }
 
     void beginAgain() const {
@@ -110,7 +107,7 @@ class BodyIndexingFaultsTest : public ::testing::TestWithParam<FaultCase> {
         EXPECT_FALSE(index->isDamaged());
     }
 
-    testing::TemporaryHome home_;
+    TemporaryHome home_;
     CorvaneAppSupport support_{home_.platform()};
     std::string root_ = home_.makeFolder("archive");
     std::string path_;
@@ -175,4 +172,4 @@ INSTANTIATE_TEST_SUITE_P(
     nameOf);
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing
