@@ -11,12 +11,8 @@
 #include "library/accounts/contained_texts.h"
 #include "library/entry_sketch.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::EntrySketch;
-using testing::makeAccount;
-using testing::makeEntry;
 
 const std::string localKey = "mail-account:l@x（mail 本机归档文件夹）";
 const std::string localTitle = "l@x（Mail 本机归档文件夹）";
@@ -146,4 +142,4 @@ TEST(ContainedTexts, FindTheFirstOfTheListWhereverItStands) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -12,12 +12,9 @@
 #include "library/overview/smart_mailbox_guide.h"
 #include "library/overview/space_detail.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
-using testing::EntrySketch;
-using testing::makeAccount;
-using testing::makeEntries;
 using enum ArchivedOverviewRowStatus;
 
 // An entry's id says what is known of its original: p is present and proven, n present only, m missing, u
@@ -217,4 +214,4 @@ TEST(SpaceDetail, TicksSumAndGatherTheMessagesOfSenders) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

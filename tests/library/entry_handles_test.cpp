@@ -9,11 +9,9 @@
 
 #include "library/entry_sketch.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
-using testing::EntrySketch;
-using testing::makeEntries;
 using Positions = std::vector<EntryPosition>;
 
 TEST(EntryHandles, NameEachEntryAsShortAsCanBe) {
@@ -61,4 +59,4 @@ TEST(EntryHandles, IdsGoBeforeHandles) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -14,12 +14,9 @@
 #include "library/library_filters.h"
 #include "library/library_selection.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
-using testing::EntrySketch;
-using testing::makeAccount;
-using testing::makeEntries;
 using Ids = std::vector<std::string>;
 using enum LibraryOrder;
 
@@ -216,4 +213,4 @@ TEST(LibrarySelection, FallsToTheFirstGroupAndMovesWithTheMail) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -14,11 +14,8 @@
 #include "library/entry_sketch.h"
 #include "library/threads/subject_key.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::EntrySketch;
-using testing::makeEntries;
 
 TEST(SubjectKeys, StripPrefixesAndMakeShortNumbersAlike) {
     const std::pair<std::string, std::string> cases[] = {
@@ -118,4 +115,4 @@ TEST(Threads, HostileReferencesTakeNearLinearTime) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -10,12 +10,8 @@
 #include "listing/message_sketch.h"
 #include "records/timestamps.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::at;
-using testing::makeAll;
-using testing::newYear2024;
 
 TEST(DeletionSafety, CountsOnlyWhatIsLocalAndArchived) {
     const MessageList messages = makeAll({{.id = "1", .identifier = "a"},
@@ -49,4 +45,4 @@ TEST(DeletionSafety, CountsOnlyWhatIsLocalAndArchived) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -9,16 +9,11 @@
 #include "listing/message_sketch.h"
 #include "support/temporary_home.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
-using testing::at;
-using testing::make;
-using testing::makeAll;
-using testing::newYear2024;
-
 TEST(YearStats, CountEachMessageOnceOutsideOfTrashInLocalYears) {
-    const testing::TimeZoneGuard zone("Asia/Shanghai");
+    const TimeZoneGuard zone("Asia/Shanghai");
     const MessageList messages = makeAll({
         {.id = "1", .date = newYear2024 - 8 * 3600, .attachmentSizes = {5, -1}},
         {.id = "2", .date = newYear2024 - 8 * 3600 - 1},
@@ -81,4 +76,4 @@ TEST(Order, PutsUndatedMessagesLastInBothDirections) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

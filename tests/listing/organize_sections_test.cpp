@@ -13,11 +13,8 @@
 #include "listing/organize_ticks.h"
 #include "support/sample_messages.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::MessageSketch;
-using testing::sampleMessages;
 
 class Organized : public ::testing::Test {
   protected:
@@ -46,7 +43,7 @@ class Organized : public ::testing::Test {
         return subjects;
     }
 
-    testing::TemporaryHome home_;
+    TemporaryHome home_;
     SharedMessageList messages_;
 };
 
@@ -145,4 +142,4 @@ TEST_F(Organized, AStoppedPassGivesNothing) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

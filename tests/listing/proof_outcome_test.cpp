@@ -76,10 +76,30 @@ struct Subject {
     std::vector<ProofFile> files;
 };
 
-const Copy same;
-const File good;
 const Read broken{.outcome = Outcome::unreadable};
 const Read cut{.outcome = Outcome::incomplete};
+
+const Copy same;
+const Copy unread{.read = {}};
+const Copy changed{.read = Read{.stamp = earlier}};
+const Copy unhashed{.read = Read{'b'}}; // other bytes, of whose body nothing is known
+const Copy sameBody{.read = Read{'b', 'x'}};
+const Copy otherBody{.read = Read{'b', 'y'}};
+const Copy unreachable{.read = Read{.stamp = unknownStamp, .outcome = Outcome::unreadable},
+                       .stamp = unknownStamp};
+
+const File good;
+const File withBody{.read = Read{'a', 'x'}};
+const File unreadFile{.read = {}};
+const File changedFile{.read = Read{.stamp = earlier}};
+const File otherFile{.read = Read{'b'}};
+const File otherSize{.read = {}, .stamp = {9, 5}};
+const File gone{.place = Place::gone};
+const File away{.place = Place::outOfReach};
+const File awayUnread{.read = {}, .place = Place::outOfReach};
+const File noHash{.recorded = 0};
+const File noHashUnread{.recorded = 0, .read = {}};
+const File noHashWithBody{.recorded = 0, .read = Read{'a', 'x'}};
 
 struct Case {
     const char* name;
@@ -87,99 +107,46 @@ struct Case {
     std::vector<File> files;
     ProofOutcome outcome;
     const char* path = "";
-    std::string wanted; // "c" and "f" with positions
+    std::string wanted{}; // "c" and "f" with positions
 };
 
 TEST(ProofOutcomes, FollowFromWhatWasRead) {
     using enum ProofOutcome;
+    const char* copy = "/copy";
+    const char* file = "/archive/x.eml";
     const std::vector<Case> cases = {
-        {"three agree", {same}, {good}, proven, "", ""},
-        {"a copy was never read", {{.read = {}}}, {good}, notLookedAt, "", "c0"},
-        {"a copy changed since", {{.read = Read{.stamp = earlier}}}, {good}, notLookedAt, "", "c0"},
-        {"the archived file was never read", {same}, {{.read = {}}}, notLookedAt, "", "f0"},
-        {"the archived file changed since",
-         {same},
-         {{.read = Read{.stamp = earlier}}},
-         notLookedAt,
-         "",
-         "f0"},
-        {"every copy counts", {same, {.read = {}}}, {good}, notLookedAt, "", "c1"},
-        {"same id, other content",
-         {{.read = Read{'b', 'y'}}},
-         {{.read = Read{'a', 'x'}}},
-         differs,
-         "/copy",
-         ""},
-        {"bodies were not compared yet", {{.read = Read{'b'}}}, {good}, notLookedAt, "", "c0"},
-        {"nor that of the file", {{.read = Read{'b', 'x'}}}, {good}, notLookedAt, "", "f0"},
-        {"another header only", {{.read = Read{'b', 'x'}}}, {{.read = Read{'a', 'x'}}}, proven, "", ""},
-        {"one of two variants", {{.read = Read{'b'}}}, {good, {'b', Read{'b'}}}, proven, "", ""},
-        {"one copy of two differs",
-         {same, {.read = Read{'b', 'y'}}},
-         {{.read = Read{'a', 'x'}}},
-         differs,
-         "/copy",
-         ""},
-        {"differing outweighs a copy that can't be read",
-         {{.read = broken}, {.read = Read{'b', 'y'}}},
-         {{.read = Read{'a', 'x'}}},
-         differs,
-         "/copy",
-         ""},
-        {"no file", {same}, {{.place = Place::gone}}, fileMissing, "/archive/x.eml", ""},
-        {"no file, and nothing read",
-         {{.read = {}}},
-         {{.place = Place::gone}},
-         fileMissing,
-         "/archive/x.eml",
-         ""},
-        {"other bytes than its record's", {same}, {{.read = Read{'b'}}}, fileMissing, "/archive/x.eml", ""},
-        {"another size than its record's",
-         {same},
-         {{.read = {}, .stamp = {9, 5}}},
-         fileMissing,
-         "/archive/x.eml",
-         ""},
-        {"one file of two archives is enough", {same}, {{.place = Place::gone}, good}, proven, "", ""},
-        {"out of reach, read before", {same}, {{.place = Place::outOfReach}}, proven, "", ""},
-        {"out of reach, never read", {same}, {{.read = {}, .place = Place::outOfReach}}, notLookedAt, "", ""},
-        {"out of reach, with another hash",
-         {{.read = Read{'b'}}},
-         {{.read = {}, .place = Place::outOfReach}},
-         differs,
-         "/copy",
-         ""},
-        {"out of reach with other bytes", {same}, {{'a', Read{'b'}, Place::outOfReach}}, notLookedAt, "", ""},
-        {"gone here, out of reach there",
-         {same},
-         {{.place = Place::gone}, {.read = {}, .place = Place::outOfReach}},
-         notLookedAt,
-         "",
-         ""},
-        {"a record without a hash", {same}, {{.recorded = 0}}, proven, "", ""},
-        {"a record without a hash, not read", {same}, {{.recorded = 0, .read = {}}}, notLookedAt, "", "f0"},
-        {"a record without a hash, other content",
-         {{.read = Read{'b', 'y'}}},
-         {{.recorded = 0, .read = Read{'a', 'x'}}},
-         differs,
-         "/copy",
-         ""},
-        {"a copy that is cut off", {{.read = cut}}, {good}, ProofOutcome::incomplete, "/copy", ""},
-        {"a copy that can't be read", {{.read = broken}}, {good}, ProofOutcome::unreadable, "/copy", ""},
-        {"a copy that can't be looked at",
-         {{.read = Read{.stamp = unknownStamp, .outcome = Outcome::unreadable}, .stamp = unknownStamp}},
-         {good},
-         ProofOutcome::unreadable,
-         "/copy",
-         ""},
-        {"a file that can't be read",
-         {same},
-         {{.read = broken}},
-         ProofOutcome::unreadable,
-         "/archive/x.eml",
-         ""},
-        {"a file that can't be read, and another", {same}, {{.read = broken}, good}, proven, "", ""},
-        {"no copy", {}, {good}, notLookedAt, "", ""},
+        {"three agree", {same}, {good}, proven},
+        {"a copy was never read", {unread}, {good}, notLookedAt, "", "c0"},
+        {"a copy changed since", {changed}, {good}, notLookedAt, "", "c0"},
+        {"the archived file was never read", {same}, {unreadFile}, notLookedAt, "", "f0"},
+        {"the archived file changed since", {same}, {changedFile}, notLookedAt, "", "f0"},
+        {"every copy counts", {same, unread}, {good}, notLookedAt, "", "c1"},
+        {"same id, other content", {otherBody}, {withBody}, differs, copy},
+        {"bodies were not compared yet", {unhashed}, {good}, notLookedAt, "", "c0"},
+        {"nor that of the file", {sameBody}, {good}, notLookedAt, "", "f0"},
+        {"another header only", {sameBody}, {withBody}, proven},
+        {"one of two variants", {unhashed}, {good, {'b', Read{'b'}}}, proven},
+        {"one copy of two differs", {same, otherBody}, {withBody}, differs, copy},
+        {"differing outweighs a copy that can't be read", {{broken}, otherBody}, {withBody}, differs, copy},
+        {"no file", {same}, {gone}, fileMissing, file},
+        {"no file, and nothing read", {unread}, {gone}, fileMissing, file},
+        {"other bytes than its record's", {same}, {otherFile}, fileMissing, file},
+        {"another size than its record's", {same}, {otherSize}, fileMissing, file},
+        {"one file of two archives is enough", {same}, {gone, good}, proven},
+        {"out of reach, read before", {same}, {away}, proven},
+        {"out of reach, never read", {same}, {awayUnread}, notLookedAt},
+        {"out of reach, with another hash", {unhashed}, {awayUnread}, differs, copy},
+        {"out of reach with other bytes", {same}, {{'a', Read{'b'}, Place::outOfReach}}, notLookedAt},
+        {"gone here, out of reach there", {same}, {gone, awayUnread}, notLookedAt},
+        {"a record without a hash", {same}, {noHash}, proven},
+        {"a record without a hash, not read", {same}, {noHashUnread}, notLookedAt, "", "f0"},
+        {"a record without a hash, other content", {otherBody}, {noHashWithBody}, differs, copy},
+        {"a copy that is cut off", {{cut}}, {good}, ProofOutcome::incomplete, copy},
+        {"a copy that can't be read", {{broken}}, {good}, ProofOutcome::unreadable, copy},
+        {"a copy that can't be looked at", {unreachable}, {good}, ProofOutcome::unreadable, copy},
+        {"a file that can't be read", {same}, {{.read = broken}}, ProofOutcome::unreadable, file},
+        {"a file that can't be read, and another", {same}, {{.read = broken}, good}, proven},
+        {"no copy", {}, {good}, notLookedAt},
     };
     for (const Case& each : cases) {
         const Subject subject(each.copies, each.files);

@@ -6,10 +6,8 @@
 
 #include "listing/message_sketch.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::make;
 
 TEST(Deduplication, KeepsThePlaceOfTheFirstAndAllFiles) {
     MailMessageRecord first = make({.id = "/m/a10.emlx", .identifier = "m"});
@@ -36,4 +34,4 @@ TEST(Deduplication, KeysAreExactForIdentifiersAndLooseWithout) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

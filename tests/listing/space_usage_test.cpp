@@ -8,11 +8,8 @@
 
 #include "listing/message_sketch.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::makeAll;
-using testing::Sketch;
 
 TEST(SpaceUsage, TakesSendersApart) {
     const std::vector<std::tuple<std::string, std::string, std::string>> cases = {
@@ -54,4 +51,4 @@ TEST(SpaceUsage, SeparatesLocalFromServerOnlyAndKeepsTheLargestSenders) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -8,11 +8,8 @@
 
 #include "listing/message_sketch.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::makeAll;
-using testing::newYear2024;
 
 TEST(VisibleMessages, PassEveryRule) {
     const MessageList messages =
@@ -50,4 +47,4 @@ TEST(VisibleMessages, PassEveryRule) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -10,18 +10,15 @@
 #include "support/scripted_platform.h"
 #include "support/temporary_home.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::sampleIndex;
-using testing::writeArchive;
 
 constexpr const char* iCloud = "Library/Mobile Documents/com~apple~CloudDocs";
 
 class DestinationDetection : public ::testing::Test {
   protected:
-    testing::TemporaryHome home_;
-    testing::ScriptedPlatform platform_{home_};
+    TemporaryHome home_;
+    ScriptedPlatform platform_{home_};
 };
 
 TEST_F(DestinationDetection, NamesCloudFoldersWithICloudFirst) {
@@ -107,4 +104,4 @@ TEST_F(DestinationDetection, ArchivesAreFoundInASpotAndOneLevelBelow) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -16,13 +16,10 @@
 #include "support/scripted_platform.h"
 #include "support/temporary_home.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using namespace std::chrono_literals;
-using testing::FaultyFileLayer;
-using testing::sampleIndex;
-using testing::writeArchive;
 
 class LoadOfTheLibrary : public ::testing::Test {
   protected:
@@ -33,10 +30,9 @@ class LoadOfTheLibrary : public ::testing::Test {
 
     // Every operation on this path and below waits until the test is over.
     void hang(const std::string& path) {
-        files_.observe(
-            [path, end = released_.get_future().share()](const testing::RecordedOperation& operation) {
-                if (operation.path.starts_with(path)) end.wait();
-            });
+        files_.observe([path, end = released_.get_future().share()](const RecordedOperation& operation) {
+            if (operation.path.starts_with(path)) end.wait();
+        });
     }
 
     std::optional<LibraryLoadResult> load(std::initializer_list<std::string> roots,
@@ -47,8 +43,8 @@ class LoadOfTheLibrary : public ::testing::Test {
         return LibraryLoad(platform_, support_, log_, std::move(input)).run(stop_.get_token());
     }
 
-    testing::TemporaryHome home_;
-    testing::ScriptedPlatform platform_{home_};
+    TemporaryHome home_;
+    ScriptedPlatform platform_{home_};
     FaultyFileLayer files_;
     CorvaneAppSupport support_{platform_, files_};
     MailPerformanceLog performanceLog_{support_};
@@ -113,4 +109,4 @@ TEST_F(LoadOfTheLibrary, TellsGoneFilesFromAPlaceThatIsNotThere) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -14,16 +14,8 @@
 #include "support/scripted_platform.h"
 #include "support/temporary_home.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::Effect;
-using testing::FaultyFileLayer;
-using testing::FileOperation;
-using testing::sampleIndex;
-using testing::sampleRecord;
-using testing::writeArchive;
-using testing::writeIndex;
 
 class LoadedArchives : public ::testing::Test {
   protected:
@@ -37,8 +29,8 @@ class LoadedArchives : public ::testing::Test {
                                      [=](PlaceLook& look) { return listArchivedFiles(look, index, root); });
     }
 
-    testing::TemporaryHome home_;
-    testing::ScriptedPlatform platform_{home_};
+    TemporaryHome home_;
+    ScriptedPlatform platform_{home_};
     FaultyFileLayer files_;
     CorvaneAppSupport support_{platform_, files_};
     ArchiveIndexCache cache_{platform_, support_};
@@ -298,4 +290,4 @@ TEST_F(LoadedArchives, OnlyAFolderDeletedFromAPresentDiskTakesItsCopyAlong) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -1,11 +1,8 @@
 #include <ctime>
 #include <utility>
 
-#include "records/archived/archive_records.h"
 #include "records/formatters.h"
-#include "records/mail_account.h"
 #include "records/mail_message_record.h"
-#include "records/model_enums.h"
 #include "records/timestamps.h"
 #include "support/temporary_home.h"
 
@@ -54,31 +51,6 @@ TEST(Formatters, YearsAreThoseOfTheZoneOnEverySideOfTheirTurn) {
             }
         }
     }
-}
-
-TEST(Formatters, TextsOfRecordsWithoutValues) {
-    const MailMessageRecord message;
-    EXPECT_EQ(message.formattedDate(), "日期未知");
-    EXPECT_EQ(message.ageText(), "未知时间");
-    EXPECT_EQ(MailAttachmentRecord().displaySize(), "大小待估算");
-    MailAccount account;
-    account.emailAddress = "a";
-    account.isLocalStore = true;
-    EXPECT_EQ(account.distinguishedLabel(), "a（Mail 本机归档文件夹）");
-    account.linkedAccountEmail = "b";
-    EXPECT_EQ(account.distinguishedLabel(), "b（Mail 本机归档文件夹）");
-}
-
-TEST(Records, AnswersOfRunsAndPresets) {
-    EXPECT_EQ(EmailArchiveProgress().fraction(), 0.0);
-    EXPECT_EQ((EmailArchiveProgress{3, 2, {}, {}}).fraction(), 1.5);
-    EmailArchiveRunResult result;
-    result.wasCancelled = true;
-    EXPECT_FALSE(result.hasIssues());
-    result.variantWarnings = {"x"};
-    EXPECT_TRUE(result.hasIssues());
-    EXPECT_EQ(sizePreset(50'000'000), TransferSizePreset::fiftyMB);
-    EXPECT_FALSE(sizePreset(1));
 }
 
 } // namespace

@@ -6,10 +6,8 @@
 #include "records/stores/archive_index_file.h"
 #include "sample_records.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::fullMessage;
 
 ArchivedEmailRecord fullRecord() {
     ArchivedEmailRecord record;
@@ -194,4 +192,4 @@ TEST(Uuids, ReadAndWriteTheCanonicalText) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

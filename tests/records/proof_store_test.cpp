@@ -11,10 +11,8 @@
 #include "platform/files/directory.h"
 #include "support/temporary_home.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::TemporaryHome;
 
 constexpr const char* storeFile = ".local/share/Corvane/proof-readings.sqlite";
 
@@ -61,7 +59,7 @@ TEST(ProofStore, IsMadeAnewWhereItCannotBeUsed) {
     for (int number = 0; number < 400; ++number)
         batch.copies.push_back({"/" + std::to_string(number), sampleReading('a', true)});
     ASSERT_TRUE(ProofStore(support).save(batch));
-    const std::string sound = testing::readWhole(home.at(storeFile));
+    const std::string sound = readWhole(home.at(storeFile));
     std::string torn = sound;
     std::fill(torn.begin() + 8192, torn.begin() + 20480, '\x7f');
     std::string ofAnotherVersion = sound;
@@ -79,8 +77,8 @@ TEST(ProofStore, IsMadeAnewWhereItCannotBeUsed) {
     std::filesystem::remove(home.at(storeFile));
     std::filesystem::create_symlink(home.write("elsewhere", ""), home.at(storeFile));
     EXPECT_FALSE(ProofStore(support).save(batch)) << "no link is followed";
-    EXPECT_EQ(testing::readWhole(home.at("elsewhere")), "");
+    EXPECT_EQ(readWhole(home.at("elsewhere")), "");
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

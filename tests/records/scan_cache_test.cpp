@@ -6,10 +6,8 @@
 #include "sample_records.h"
 #include "support/temporary_home.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::randomMessage;
 
 MailScanCache randomCache(std::mt19937& random, std::size_t count) {
     MailScanCache cache;
@@ -91,11 +89,11 @@ TEST(JsonOutline, PiecesHoldWholeElements) {
 }
 
 TEST(ScanCacheStore, WritesTheSnapshotOnlyWithStatistics) {
-    const testing::TemporaryHome home;
+    const TemporaryHome home;
     const MailScanCacheStore store{CorvaneAppSupport(home.platform())};
     EXPECT_FALSE(store.load());
-    MailMessageRecord present = testing::fullMessage(home.write("1.emlx", "x"));
-    MailMessageRecord gone = testing::fullMessage(home.at("2.emlx"));
+    MailMessageRecord present = fullMessage(home.write("1.emlx", "x"));
+    MailMessageRecord gone = fullMessage(home.at("2.emlx"));
     gone.relatedMessageFileURLs.reset();
     const std::vector<YearStat> years = {{2020, 2, 2, 2, 10, 1}, {2019, 3, 3, 3, 20, 1}};
     const std::vector<AccountYearStatGroup> groups;
@@ -111,4 +109,4 @@ TEST(ScanCacheStore, WritesTheSnapshotOnlyWithStatistics) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

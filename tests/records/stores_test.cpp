@@ -3,18 +3,13 @@
 #include <system_error>
 
 #include "records/json/json_form.h"
-#include "records/logs/performance_log.h"
-#include "records/logs/startup_log.h"
 #include "records/stores/account_cache_store.h"
 #include "records/stores/library_snapshot_store.h"
 #include "records/stores/presence_cache_store.h"
 #include "support/temporary_home.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::readWhole;
-using testing::TemporaryHome;
 
 constexpr const char* supportFolder = ".local/share/Corvane/";
 
@@ -77,32 +72,5 @@ TEST(Caches, ThatCannotBeWrittenAreIgnored) {
     EXPECT_THROW(support.baseDirectory(true), std::system_error);
 }
 
-TEST(PerformanceLog, HoldsTheLinesOfOneRunInOrder) {
-    const TemporaryHome home;
-    const CorvaneAppSupport support(home.platform());
-    {
-        MailPerformanceLog log(support);
-        log.mark("earlier");
-        log.reset();
-        for (int line = 0; line < 100; ++line) log.mark("line " + std::to_string(line));
-    }
-    const std::string content = readWhole(support.filePath("performance.log"));
-    EXPECT_EQ(content.find("earlier"), std::string::npos);
-    EXPECT_EQ(std::count(content.begin(), content.end(), '\n'), 100);
-    EXPECT_LT(content.find("line 7\n"), content.find("line 70\n"));
-}
-
-TEST(StartupLog, IsNeverCreatedByAMark) {
-    const TemporaryHome home;
-    const CorvaneAppSupport support(home.platform());
-    MailPerformanceLog performance(support);
-    const ArchiveLibraryStartupLog log(support, performance);
-    log.mark("before");
-    EXPECT_EQ(readWhole(support.filePath("archive-library-startup.log")), "");
-    log.reset();
-    log.mark("after");
-    EXPECT_NE(readWhole(support.filePath("archive-library-startup.log")).find(" after\n"), std::string::npos);
-}
-
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing
