@@ -3,21 +3,15 @@
 #include "model/published_messages.h"
 #include "platform/files/directory.h"
 #include "records/stores/archive_index_file.h"
-#include "support/faulty_file_layer.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::ModelTest;
-using testing::publishMessages;
-using testing::sampleMessages;
-using testing::waitUntilIdle;
 
 class ArchiveRuns : public ModelTest {
   protected:
     ArchiveRuns() { waitUntilIdle(context_.tasks); }
 
-    void publish(const std::vector<testing::MessageSketch>& sketches) {
+    void publish(const std::vector<MessageSketch>& sketches) {
         publishMessages(model_.catalog(), sampleMessages(home_, sketches));
         waitUntilIdle(context_.tasks);
     }
@@ -38,30 +32,6 @@ SharedTextSet idsOf(const MessageList& messages) {
     SharedTextSet ids;
     for (const auto& message : messages) ids.insert(message.id);
     return ids;
-}
-
-TEST_F(ArchiveRuns, AnArchiveWithoutItsIndexIsOfferedAndRebuilt) {
-    home_.write("archive/2020/a/x.eml", "From: a\nMessage-ID: <m>\n\nbody");
-    home_.write("archive/notes.eml", "no mail of an archive");
-    const std::string root = home_.at("archive");
-    model_.destinations().setTransferDestination(root);
-    waitUntilIdle(context_.tasks);
-    ArchiveRebuildFlow& rebuild = model_.rebuild();
-    EXPECT_EQ(rebuild.offer(), (RebuildOffer{root, {1, false}}));
-
-    rebuild.start();
-    EXPECT_TRUE(rebuild.isRunning());
-    rebuild.cancel();
-    waitUntilIdle(context_.tasks);
-    EXPECT_TRUE(rebuild.outcome()->value().wasCancelled);
-    EXPECT_TRUE(rebuild.offer()) << "nothing was done";
-
-    rebuild.start();
-    waitUntilIdle(context_.tasks);
-    EXPECT_EQ(rebuild.outcome()->value().adopted, 1);
-    EXPECT_EQ(rebuild.outcome()->value().failures.size(), 1U);
-    EXPECT_FALSE(rebuild.offer());
-    EXPECT_EQ(*model_.library().archivedEmailBaseIDs(), SharedTextSet{"mid:m"});
 }
 
 TEST_F(ArchiveRuns, CandidatesMadeInTheBackgroundAreThoseOfTheMainThread) {
@@ -107,20 +77,6 @@ TEST_F(ArchiveRuns, ARunKeepsTheSelectionWithWhichItStarted) {
     waitUntilIdle(context_.tasks);
     ASSERT_TRUE(outcome && *outcome);
     EXPECT_EQ((*outcome)->archivedCount, 2);
-}
-
-TEST_F(ArchiveRuns, WhatIsArchivedLeavesCandidatesAndSelection) {
-    publish({{"a"}, {"b"}});
-    const std::string root = home_.at("归档");
-    model_.destinations().setTransferDestination(root);
-    waitUntilIdle(context_.tasks);
-    EXPECT_GT(model_.destinations().facts().availableBytes.value_or(0), 0);
-    ticks_.selectFirstArchiveCandidates(1);
-    archive(root, [](auto) {});
-    waitUntilIdle(context_.tasks);
-    ASSERT_EQ(candidates_.archiveCandidates()->size(), 1U);
-    EXPECT_EQ(candidates_.archiveCandidates()->front().subject, "b");
-    EXPECT_TRUE(ticks_.selectedArchiveMessageIDs().empty());
 }
 
 TEST_F(ArchiveRuns, ARangeIsTickedFromEitherEnd) {
@@ -197,7 +153,7 @@ TEST_F(ArchiveRuns, WhatIsTickedAfterARunIsPrunedAsWell) {
 }
 
 TEST_F(ArchiveRuns, ACancelledRunTellsHowManyMessagesItCameTo) {
-    std::vector<testing::MessageSketch> sketches;
+    std::vector<MessageSketch> sketches;
     for (int number = 0; number < 300; ++number) sketches.push_back({fmt::format("m{}", number)});
     publish(sketches);
     ticks_.selectAllArchiveCandidates();
@@ -212,40 +168,15 @@ TEST_F(ArchiveRuns, ACancelledRunTellsHowManyMessagesItCameTo) {
     EXPECT_EQ(result.triedCount, result.archivedCount + result.skippedAlreadyArchived + result.failedCount);
 }
 
-TEST(ArchiveRunOnABadDisk, CallsNothingArchivedAndOffersAllOfItAgain) {
-    testing::provideEventLoop();
-    const testing::TemporaryHome home;
-    const testing::ScriptedPlatform platform(home);
-    testing::FaultyFileLayer files;
-    ModelContext context(platform, files);
-    CorvaneViewModel model(context);
-    waitUntilIdle(context.tasks);
-    publishMessages(model.catalog(), sampleMessages(home, {{"a"}, {"b"}, {"c"}}));
-    model.destinations().setTransferDestination(home.at("归档"));
-    waitUntilIdle(context.tasks);
-    model.ticks().selectAllArchiveCandidates();
-    files.inject({.effect = testing::Effect::failFromHere,
-                  .operation = testing::FileOperation::write,
-                  .error = ENOSPC});
-    std::optional<ArchiveRunFlow::RunOutcome> outcome;
-    model.archiveSelectedEmails([&](auto result) { outcome = std::move(result); });
-    waitUntilIdle(context.tasks);
-    ASSERT_TRUE(outcome);
-    EXPECT_TRUE(!*outcome || (*outcome)->archivedCount == 0);
-    EXPECT_TRUE(model.library().archivedEmailBaseIDs()->empty());
-    EXPECT_EQ(model.candidates().archiveCandidates()->size(), 3U);
-    EXPECT_EQ(model.ticks().selectedArchiveMessages().size(), 3U);
-}
-
 TEST(ArchiveRunAtTheEnd, TheProgramDoesNotWaitForTheWholeRun) {
-    testing::provideEventLoop();
-    const testing::TemporaryHome home;
-    const testing::ScriptedPlatform platform(home);
+    provideEventLoop();
+    const TemporaryHome home;
+    const ScriptedPlatform platform(home);
     constexpr std::size_t messages = 1500;
     {
         ModelContext context(platform);
         CorvaneViewModel model(context);
-        std::vector<testing::MessageSketch> sketches;
+        std::vector<MessageSketch> sketches;
         for (std::size_t number = 0; number < messages; ++number)
             sketches.push_back({fmt::format("m{}", number)});
         publishMessages(model.catalog(), sampleMessages(home, sketches));
@@ -267,4 +198,4 @@ TEST(ArchiveRunAtTheEnd, TheProgramDoesNotWaitForTheWholeRun) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

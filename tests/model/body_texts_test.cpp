@@ -12,15 +12,11 @@
 #include "locations/known_locations.h"
 #include "model/model_test.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::ModelTest;
-using testing::sampleIndex;
 using ::testing::UnorderedElementsAre;
-using testing::waitUntilIdle;
-using testing::writeArchive;
 
 class BodyTextsTest : public ModelTest {
   protected:
@@ -228,20 +224,6 @@ TEST_F(BodyTextsTest, Cancel_EndsTheIndexingAndDropsWhatWaits) {
     EXPECT_TRUE(found("text of").empty()) << "a batch that a stop met isn't kept";
 }
 
-TEST_F(BodyTextsTest, Answers_DontComeAfterTheEnd) {
-    load({{"one", {"a"}}});
-    bool isAnswered = false;
-    {
-        BodyTexts passing(context_, loader_, nullptr,
-                          [](const auto&, const auto&) { return BodyTextByPath(); });
-        passing.prepareIndexedBody(entry("a"), [&](const auto&) { isAnswered = true; });
-        passing.searchArchive("x", [&](const auto&) { isAnswered = true; });
-        passing.rebuildBodyTextIndex(false);
-    }
-    waitUntilIdle(context_.tasks);
-    EXPECT_FALSE(isAnswered);
-}
-
 // The library decides which databases are still of use.
 TEST_F(BodyTextsTest, Load_RemovesTheDatabasesOfForgottenArchivesOnly) {
     load({{"one", {"a"}}, {"two", {"b"}}});
@@ -260,4 +242,4 @@ TEST_F(BodyTextsTest, Load_RemovesTheDatabasesOfForgottenArchivesOnly) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

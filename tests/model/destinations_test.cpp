@@ -7,11 +7,8 @@
 #include "model/model_test.h"
 #include "platform/files/directory.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::ModelTest;
-using testing::waitUntilIdle;
 
 class Destinations : public ModelTest {};
 
@@ -47,13 +44,6 @@ TEST_F(Destinations, TellOnWhatDiskTheFolderLies) {
     EXPECT_FALSE(lost.onInternalDisk);
     EXPECT_EQ(lost.filesystemName, std::nullopt);
     EXPECT_EQ(lost.cloudName, "Dropbox");
-}
-
-TEST_F(Destinations, FileSystemsHaveTheNamesThatPeopleKnow) {
-    EXPECT_EQ(shownFileSystemName("exfat"), "exFAT");
-    EXPECT_EQ(shownFileSystemName("apfs"), "APFS");
-    EXPECT_EQ(shownFileSystemName("hfs"), "Mac OS 扩展");
-    EXPECT_EQ(shownFileSystemName("ext4"), "EXT4");
 }
 
 TEST_F(Destinations, SeeThroughLinksIntoAProvidersShortcuts) {
@@ -127,4 +117,4 @@ TEST_F(Destinations, SettingsOfAnyShapeGiveCleanLists) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

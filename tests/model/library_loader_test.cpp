@@ -10,16 +10,10 @@
 #include "model/model_test.h"
 #include "platform/files/directory.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using namespace std::chrono_literals;
-using testing::ModelTest;
-using testing::readWhole;
-using testing::sampleIndex;
-using testing::waitUntilIdle;
-using testing::writeArchive;
-using testing::writeIndex;
 
 // One run of the program over the test's home.
 struct LibraryRun {
@@ -65,7 +59,7 @@ struct LibraryRun {
 // Holds up the next question for the mounted volumes.
 class Hang {
   public:
-    explicit Hang(testing::ScriptedPlatform& platform) {
+    explicit Hang(ScriptedPlatform& platform) {
         platform.onMountedVolumes([this, next = platform.mountedVolumesCalls() + 1](int call) {
             if (call != next) return;
             reached_.set_value();
@@ -138,42 +132,6 @@ TEST_F(Library, AnUnpluggedDiskStaysAndItsDeletedFolderGoes) {
     platform_.unplug();
     run.load(root);
     EXPECT_EQ(run.ids(), Ids()) << "the copy of a deleted archive is deleted with it";
-}
-
-TEST_F(Library, AnArchiveWhoseFilesAreAllGoneShowsAsNotConnected) {
-    const std::string gone = writeIndex(home_, "gone", sampleIndex(1, {"mid:a"}));
-    const std::string evicted = writeIndex(home_, "evicted", sampleIndex(2, {"mid:b", "mid:c"}));
-    home_.write("evicted/2019/a/.mid:c.eml.icloud", "");
-    auto hostile = sampleIndex(3, {"mid:d"});
-    hostile.records[0].emlRelativePath = "../gone/archive-index.json";
-    const std::string unsafe = writeIndex(home_, "unsafe", hostile);
-    LibraryRun run(platform_);
-    remember(run, {gone, evicted, unsafe});
-    run.load();
-    EXPECT_FALSE(run.isConnected(gone));
-    EXPECT_TRUE(run.isConnected(evicted));
-    EXPECT_FALSE(run.isConnected(unsafe));
-    EXPECT_EQ(run.ids().size(), 4U);
-}
-
-TEST_F(Library, ACopyOnAPresentDiskBeatsTheOriginalOnAnAbsentOne) {
-    const auto index = sampleIndex(1, {"mid:a"});
-    const std::string original = writeArchive(home_, "Volumes/STICK/Mail", index);
-    platform_.plugIn("STICK");
-    LibraryRun run(platform_);
-    run.load(original);
-    const std::string copy = writeArchive(home_, "copy", index);
-    remember(run, {original, copy});
-    run.load();
-    EXPECT_NE(run.loader.location(original), nullptr);
-    EXPECT_EQ(run.loader.location(copy), nullptr);
-
-    std::filesystem::remove_all(home_.at("Volumes"));
-    platform_.unplug();
-    run.load();
-    EXPECT_EQ(run.loader.location(original), nullptr);
-    EXPECT_TRUE(run.isConnected(copy));
-    EXPECT_EQ(run.ids(), Ids{"mid:a"});
 }
 
 TEST_F(Library, ABrokenIndexHidesItsArchiveAndForgetsNothing) {
@@ -403,4 +361,4 @@ TEST_F(Library, ALateConnectionTestLeavesANewerLibraryAlone) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

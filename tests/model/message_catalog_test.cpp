@@ -5,12 +5,8 @@
 #include "records/stores/scan_cache_store.h"
 #include "support/sample_messages.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::ModelTest;
-using testing::sampleMessages;
-using testing::waitUntilIdle;
 
 struct Catalog : ModelTest {
     Catalog() { waitUntilIdle(context_.tasks); }
@@ -48,4 +44,4 @@ TEST_F(Catalog, ACacheThatNamesForeignIdsMakesNothingAvailable) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -9,11 +9,8 @@
 #include "model/model_test.h"
 #include "records/preview_placeholders.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::ModelTest;
-using testing::waitUntilIdle;
 
 class PreviewRefreshTest : public ModelTest {
   protected:
@@ -113,4 +110,4 @@ TEST_F(PreviewRefreshTest, Preview_OfAnEarlierSelectionIsGivenUp) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

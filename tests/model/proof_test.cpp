@@ -21,14 +21,8 @@
 #include "records/stores/archive_index_file.h"
 #include "support/faulty_file_layer.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::ModelTest;
-using testing::publishMessages;
-using testing::readWhole;
-using testing::sampleMessages;
-using testing::waitUntilIdle;
 
 class Proofs : public ModelTest {
   protected:
@@ -75,7 +69,7 @@ class Proofs : public ModelTest {
     }
 
     // Files that are there already stay as they are.
-    void publish(std::vector<testing::MessageSketch> sketches) {
+    void publish(std::vector<MessageSketch> sketches) {
         for (auto& sketch : sketches) sketch.hasFile = !platform::fileExists(original(sketch.name));
         publishMessages(model_->catalog(), sampleMessages(home_, sketches));
         waitUntilIdle(context_->tasks);
@@ -205,16 +199,15 @@ TEST_F(Proofs, OfAPulledDiskStandAndThoseOfAFolderThatHasGoneDoNot) {
 }
 
 TEST_F(Proofs, ACancelledOneKeepsWhatItHasReadAndGoesOn) {
-    std::vector<testing::MessageSketch> sketches;
+    std::vector<MessageSketch> sketches;
     for (int number = 0; number < 700; ++number) sketches.push_back({fmt::format("m{}", number)});
     publish(sketches);
     archive();
     std::stop_source stop;
     std::atomic<int> opened = 0;
-    testing::FaultyFileLayer files;
-    files.observe([&](const testing::RecordedOperation& operation) {
-        if (operation.path.ends_with(".eml") && operation.operation == testing::FileOperation::open &&
-            ++opened == 550)
+    FaultyFileLayer files;
+    files.observe([&](const RecordedOperation& operation) {
+        if (operation.path.ends_with(".eml") && operation.operation == FileOperation::open && ++opened == 550)
             stop.request_stop();
     });
     const MessageCatalog& catalog = model_->catalog();
@@ -257,4 +250,4 @@ TEST_F(Proofs, MailThatIsSetAsideIsNeitherCandidateNorArchivedUntilItIsTakenBack
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -6,7 +6,6 @@
 #include <atomic>
 #include <cerrno>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <optional>
 #include <set>
@@ -24,17 +23,11 @@
 #include "records/stores/archive_index_file.h"
 #include "support/faulty_file_layer.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
 using namespace std::string_literals;
-using testing::Effect;
-using testing::Fault;
-using testing::FaultyFileLayer;
-using testing::FileOperation;
-using testing::readWhole;
-using testing::waitUntilIdle;
 
 std::string mailText(const std::string& header, const std::string& body) {
     return fmt::format("From: sender@example.org\n{}Subject: s\n\n{}\n", header, body);
@@ -76,8 +69,8 @@ bool holds(const std::set<std::string>& archived, const MailMessageRecord& messa
 
 // A home with mail of all kinds and an archive folder.
 struct World {
-    testing::TemporaryHome home;
-    testing::ScriptedPlatform platform{home};
+    TemporaryHome home;
+    ScriptedPlatform platform{home};
     std::string root = home.at("归档");
 
     [[nodiscard]] MailMessageRecord message(const std::string& id, const std::vector<std::string>& mails,
@@ -129,7 +122,7 @@ class Session {
       , model_(context_) {
         model_.bodyTexts().setAutomaticRepair(false);
         waitUntilIdle(context_.tasks);
-        testing::publishMessages(model_.catalog(), messages);
+        publishMessages(model_.catalog(), messages);
         model_.destinations().setTransferDestination(root_);
         waitUntilIdle(context_.tasks);
     }
@@ -221,7 +214,7 @@ std::size_t runInjured(const World& world, const MessageList& messages, const In
 
 class SafetyOfTheWhole : public ::testing::Test {
   protected:
-    SafetyOfTheWhole() { testing::provideEventLoop(); }
+    SafetyOfTheWhole() { provideEventLoop(); }
 };
 
 TEST_F(SafetyOfTheWhole, NeedsNoSecondLookAtWhatARunHasWritten) {
@@ -336,7 +329,7 @@ TEST_F(SafetyOfTheWhole, OfMailThatOnlyTheArchiveHasOutlivesWhatOthersDoToIt) {
         const World& world = mail.world;
         FaultyFileLayer files;
         std::atomic<std::size_t> writes = 0;
-        files.observe([&](const testing::RecordedOperation& operation) {
+        files.observe([&](const RecordedOperation& operation) {
             const bool isWrite = operation.operation == FileOperation::write;
             if (isWrite && operation.path.starts_with(world.root) && ++writes == change.write)
                 change.happen(world);
@@ -367,4 +360,4 @@ TEST_F(SafetyOfTheWhole, OfMailThatOnlyTheArchiveHasOutlivesAnyFaultOfALaterRun)
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

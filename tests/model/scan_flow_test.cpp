@@ -10,19 +10,17 @@
 #include "records/stores/scan_cache_store.h"
 #include "support/sample_messages.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
-using testing::sampleMessages;
-using testing::waitUntilIdle;
 using Kind = MailScanState::Kind;
 
-class ScanFlowTest : public testing::ModelTest {
+class ScanFlowTest : public ModelTest {
   protected:
     ScanFlowTest() { waitUntilIdle(context_.tasks); }
 
     // The result of a whole scan in the cache, with the home snapshot that belongs to it.
-    void cacheScanOf(const std::vector<testing::MessageSketch>& sketches) {
+    void cacheScanOf(const std::vector<MessageSketch>& sketches) {
         const MessageList messages = sampleMessages(home_, sketches);
         const std::vector<YearStat> byYear = computeYearStats(allOf(messages));
         const std::vector<AccountYearStatGroup> byAccount;
@@ -35,7 +33,7 @@ class ScanFlowTest : public testing::ModelTest {
     }
 
     // A scan that has shown some rows and has no end yet: its job waits behind the steps that a test makes.
-    void beginScanThatShows(const std::vector<testing::MessageSketch>& sketches) {
+    void beginScanThatShows(const std::vector<MessageSketch>& sketches) {
         scan_.scan();
         auto listed = std::make_shared<const MessageList>(sampleMessages(home_, sketches));
         MailScanSummary summary = makeSummary(allOf(*listed), 5);
@@ -197,4 +195,4 @@ TEST_F(ScanFlowTest, AYearOrAccountThatHasGoneIsNoFilterAnyMore) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

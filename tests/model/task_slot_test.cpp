@@ -10,10 +10,8 @@
 #include "model/tasks/task_slot.h"
 #include "model_test.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::waitUntilIdle;
 
 struct HoldsAComponent {
     std::string text;
@@ -49,7 +47,7 @@ std::string passGates(const SharedGates& gates, const ReportingTask<std::string>
 
 class TaskRunners : public ::testing::Test {
   protected:
-    TaskRunners() { testing::provideEventLoop(); }
+    TaskRunners() { provideEventLoop(); }
 
     void startGated(TaskSlot& slot) {
         slot.startReporting<std::string>(
@@ -161,4 +159,4 @@ TEST_F(TaskRunners, StopEveryJobAtTheirEnd) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing
