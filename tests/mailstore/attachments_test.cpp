@@ -1,6 +1,5 @@
 #include "mailstore/folders/attachment_file_locator.h"
 
-#include <filesystem>
 #include <utility>
 
 #include <fmt/format.h>

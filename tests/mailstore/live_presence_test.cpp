@@ -2,13 +2,10 @@
 
 #include <chrono>
 #include <filesystem>
-#include <random>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "mailstore/index/restored_mail_diagnostics.h"
-#include "mailstore/reader_logs.h"
 #include "mailstore/sample_mail_store.h"
 
 namespace corvane::mailstore {
@@ -195,50 +192,6 @@ TEST(LivePresence, TheHeaderOfTheNewestLiveCopyIsGivenAsStored) {
     EXPECT_EQ(store.header("never@x"), std::nullopt);
     EXPECT_EQ(store.header(" <> "), std::nullopt);
     EXPECT_EQ(store.header("' OR 1=1 --"), std::nullopt);
-}
-
-TEST(RestoredMailDiagnostics, TellYearsMailboxesAndWhatIsOnTheDisk) {
-    LiveStore store;
-    store.add({.rowID = 1, .attachments = {"a.pdf"}});
-    store.add({.rowID = 2, .hasFile = false});
-    store.add({.rowID = 3, .date = startOf2024 - 1});
-    store.add({.rowID = 4, .mailbox = 2});
-    store.add({.rowID = 5, .date = 0});
-    store.addMailbox(std::string("imap://") + testing::secondAccount + "/INBOX", "");
-    store.add({.rowID = 6, .mailbox = 4});
-    store.close();
-    const std::string first = std::string("imap://") + testing::firstAccount;
-    const std::string second = std::string("imap://") + testing::secondAccount;
-    std::vector<MailAccount> accounts(2);
-    accounts[0].urlPrefix = first;
-    accounts[1].urlPrefix = second;
-    const auto before = store.tree();
-    const auto written = [&](const std::vector<std::string>& selected) {
-        logRestoredMailDiagnostics(store.context, store.root, accounts, selected);
-        return testing::readWhole(store.support.filePath(restoredMailDiagnosticLogName));
-    };
-    restoredMailDiagnosticLog(store.support, "of an earlier scan");
-    const std::string log = written({first});
-    EXPECT_THAT(log, Not(HasSubstr("earlier")));
-    EXPECT_THAT(log, HasSubstr("/Corvane/restore-scan-diagnostic.log selected=" + first + "\n"));
-    for (const std::string line :
-         {"year=2024 mailbox=\"{}/INBOX\" total=2 withAttachments=1 excludedTrashOrJunk=false "
-          "sampleEmlx=present:1 missing:1 checked:2\n",
-          "year=2023 mailbox=\"{}/INBOX\" total=1 withAttachments=0 excludedTrashOrJunk=false "
-          "sampleEmlx=present:1 missing:0 checked:1\n",
-          "year=2024 mailbox=\"{}/Deleted%20Messages\" total=1 withAttachments=0 excludedTrashOrJunk=true "
-          "sampleEmlx=present:0 missing:1 checked:1\n",
-          "account={} total=4 withAttachments=1 excludedTrashOrJunk=1 sampleEmlxPresent=2 "
-          "sampleEmlxMissing=2\n"})
-        EXPECT_THAT(log, HasSubstr(fmt::format(fmt::runtime(line), first)));
-    EXPECT_THAT(log, Not(HasSubstr(testing::secondAccount)));
-    EXPECT_THAT(written({first, second}), HasSubstr("account=" + second + " total=1 "));
-    EXPECT_THAT(store.changesSince(before), IsEmpty());
-
-    store.platform.setShellScript("echo broken >&2; exit 5");
-    EXPECT_THAT(written({first}), HasSubstr("] sqlite query failed status=5 error=broken\n"));
-    fs::remove(store.indexPath());
-    EXPECT_THAT(written({first}), HasSubstr("] stop reason=no-sqlite-or-envelope-index\n"));
 }
 
 } // namespace

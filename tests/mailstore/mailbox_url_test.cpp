@@ -169,19 +169,6 @@ TEST(MailboxURL, TheImportedFlagIsReadFromEitherFormOfPropertyList) {
     }
 }
 
-TEST(PropertyList, DamageAnywhereIsSurvived) {
-    const std::string whole = binaryList("\x53yes");
-    for (std::size_t i = 0; i < whole.size(); ++i) {
-        parsePropertyList(whole.substr(0, i));
-        for (const char byte : {'\x00', '\x7F', '\xFF', '\xD1'}) {
-            std::string damaged = whole;
-            damaged[i] = byte;
-            parsePropertyList(damaged);
-        }
-    }
-    EXPECT_EQ(parsePropertyList(whole).size(), 1U);
-}
-
 TEST(MessageFileIndex, KnowsWhatIsAFileAndWhatIsNot) {
     const testing::TemporaryHome home;
     const std::string messages = "V10/U/INBOX.mbox/X/Data/Messages/";

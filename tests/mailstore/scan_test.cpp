@@ -224,23 +224,6 @@ esac)sh";
     EXPECT_THAT(batches.back().timingLog, ::testing::HasSubstr("s/800 封｜"));
 }
 
-TEST(Scan, ALockedIndexEndsItWithTheWordsForTheUser) {
-    Inbox store;
-    store.close();
-    // Only the query itself hangs, so its line in the log is from it.
-    store.platform.setShellScript(
-        "case \"$2\" in -json) exec sleep 60;; *) exec /usr/bin/sqlite3 \"$@\";; esac");
-    store.context.queryTimeLimit = std::chrono::milliseconds(100);
-    const auto error = store.failure();
-    ASSERT_TRUE(error);
-    EXPECT_EQ(error->errorDescription(), "Apple Mail 正在更新邮件索引，当前扫描已停止。请先等待 Mail "
-                                         "同步完成，或完全退出 Apple Mail 后再点“更新 Mail 数据”。");
-    EXPECT_THAT(
-        testing::readWhole(store.support.filePath("trash-plan-debug.log")),
-        ::testing::HasSubstr("] indexedMessageCandidates timed out after 0.1s; likely Mail Envelope Index is "
-                             "locked\n"));
-}
-
 TEST(Scan, AStopEndsTheShellAndTheBatches) {
     Inbox store;
     for (int i = 1; i <= 400; ++i) store.add({.rowID = i});

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <stdexcept>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -127,26 +126,21 @@ TEST(MountTable, VolumeFlags_ComeFromTheDeviceAndElseFromThePlace) {
 TEST(MountTable, RemovableMountPoint_IsReadFromTheTextAlone) {
     struct {
         std::string_view path;
-        std::optional<std::string> expected;
+        std::string_view expected;
     } const cases[] = {
         {"/Volumes/USB/Archive", "/Volumes/USB"},
         {"/Volumes/USB", "/Volumes/USB"},
-        {"/Volumes/", std::nullopt},
-        {"/Volumes", std::nullopt},
-        {"/Volumes//USB", std::nullopt},
         {"/media/anna/USB/Archive/2024", "/media/anna/USB"},
         {"/media/anna/USB", "/media/anna/USB"},
         {"/media/usb0", "/media/usb0"},
         {"/media/usb0/", "/media/usb0"},
-        {"/media/", std::nullopt},
         {"/run/media/anna/USB/x", "/run/media/anna/USB"},
-        {"/run/media/anna", std::nullopt},
-        {"/mediaX/anna/USB", std::nullopt},
-        {"/home/anna/media/USB", std::nullopt},
-        {"", std::nullopt},
     };
 
     for (const auto& [path, expected] : cases) EXPECT_EQ(removableMountPointOf(path), expected) << path;
+    for (const char* none : {"/Volumes/", "/Volumes", "/Volumes//USB", "/media/", "/run/media/anna",
+                             "/mediaX/anna/USB", "/home/anna/media/USB", ""})
+        EXPECT_FALSE(removableMountPointOf(none)) << none;
 }
 
 TEST(MountTable, Changes_TellOfBrowsableVolumesThatCameAndWent) {
@@ -160,13 +154,6 @@ TEST(MountTable, Changes_TellOfBrowsableVolumesThatCameAndWent) {
     EXPECT_THAT(mountChanges(parsed(stick), parsed(again)),
                 ElementsAre(MountEvent::unmounted, MountEvent::mounted));
     EXPECT_THAT(mountChanges(parsed(root), parsed(container)), IsEmpty());
-}
-
-TEST(MountTable, FileSystemNames_AreThoseThatScreensKnow) {
-    EXPECT_EQ(fileSystemName("vfat"), "msdos");
-    EXPECT_EQ(fileSystemName("hfsplus"), "hfs");
-    EXPECT_EQ(fileSystemName("exfat"), "exfat");
-    EXPECT_EQ(fileSystemName("fuse.sshfs"), "fuse.sshfs");
 }
 
 // A tree of sysfs with the shapes of real machines.
