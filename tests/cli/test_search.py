@@ -149,19 +149,6 @@ class Damage(SearchCase):
         self.run_cli(self.mail, "index")
         self.assertEqual(self.state(), self.whole)
 
-    def test_a_damaged_database_is_begun_anew(self):
-        database = databases(self.mail)[0]
-        sound = database.read_bytes()
-        scribbled = bytearray(sound)
-        scribbled[20000::700] = b"\xa5" * len(scribbled[20000::700])
-        for content in (b"no database" * 999, sound[:len(sound) // 2], bytes(scribbled), b""):
-            for side in ("-wal", "-shm"):
-                database.with_name(database.name + side).unlink(missing_ok=True)
-            database.write_bytes(content)
-            self.run_cli(self.mail, "search", "会议")
-            self.run_cli(self.mail, "index")
-            self.assertEqual(self.state(), self.whole)
-
 
 class OneMail(SearchCase):
     def setUp(self):
