@@ -20,6 +20,7 @@ import sys
 import tempfile
 import time
 import traceback
+import unicodedata
 
 import mail_grammar
 
@@ -52,6 +53,8 @@ def check(data, rng):
     mail = Mail(b"\n" + data, len(data) + rng.choice((0, 0, 0, 5000)), rng.random() < 0.5)
     text, _ = body_text(mail.data)
     assert json.loads(item_json("/x", text))["text"] == text, "the text doesn't survive JSON"
+    assert unicodedata.is_normalized("NFC", text), "a text that isn't composed"
+    assert not re.search("[\0-\x08\x0b-\x1f\x7f-\x9f\ufeff]", text), "a control character in the text"
     found = attachments_of(Scanner(mail.data).run())
     sizes = [each.size(mail.cut, mail.size) for each in found]
     assert all(size >= 0 for size in sizes), "a size below zero"

@@ -12,14 +12,12 @@
 
 #include "worker/fake_worker.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using namespace std::chrono_literals;
 using Kind = WorkerError::Kind;
 using Request = MailWorkerClient::Request;
-using testing::errorOf;
-using testing::FakeWorker;
 using ::testing::IsEmpty;
 
 constexpr const char* malformed = "未能读取数据，因为它的格式不正确。";
@@ -28,9 +26,9 @@ constexpr const char* malformed = "未能读取数据，因为它的格式不正
 class OneShot : public ::testing::Test {
   protected:
     void TearDown() override {
-        EXPECT_THAT(testing::leftoversIn(worker.platform), IsEmpty());
-        EXPECT_FALSE(testing::hasChildren());
-        EXPECT_EQ(testing::openDescriptors(), descriptors);
+        EXPECT_THAT(leftoversIn(worker.platform), IsEmpty());
+        EXPECT_FALSE(hasChildren());
+        EXPECT_EQ(openDescriptors(), descriptors);
     }
 
     MailWorkerClient::Response run(const std::string& lines,
@@ -44,7 +42,7 @@ class OneShot : public ::testing::Test {
     }
 
     FakeWorker worker{""};
-    std::size_t descriptors = testing::openDescriptors();
+    std::size_t descriptors = openDescriptors();
 };
 
 TEST_F(OneShot, SendsTheRequestAndReadsEveryField) {
@@ -123,7 +121,7 @@ TEST_F(OneShot, AWorkerThatHangsIsEndedWithAllThatItStarted) {
     const std::string fifo = worker.home.at("fifo");
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
     std::string seen = "?";
-    std::thread reader([&] { seen = testing::readWhole(fifo); });
+    std::thread reader([&] { seen = readWhole(fifo); });
     // The grandchild holds the pipe open; that it ends shows its death.
     EXPECT_EQ(failure("f = os.open('" + fifo + "', os.O_WRONLY)\nif os.fork() == 0: time.sleep(1000)\n" +
                       "os.close(f)\ntime.sleep(1000)"),
@@ -219,4 +217,4 @@ TEST_F(OneShot, WhatCannotBeStartedIsTold) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

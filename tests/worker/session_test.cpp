@@ -11,14 +11,12 @@
 #include "worker/fake_worker.h"
 #include "worker/worker_session.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using namespace std::chrono_literals;
 using Kind = WorkerError::Kind;
 using Session = MailWorkerClient::Session;
-using testing::errorOf;
-using testing::FakeWorker;
 
 // Answers with the path as the name and its process id as the size; some paths make it misbehave.
 constexpr const char* moods = R"(
@@ -59,7 +57,7 @@ WorkerError failureFor(Session& session, const std::string& path) {
 }
 
 struct Serving : ::testing::Test {
-    void TearDown() override { EXPECT_FALSE(testing::hasChildren()); }
+    void TearDown() override { EXPECT_FALSE(hasChildren()); }
 
     FakeWorker worker{FakeWorker::serving(moods)};
     MailWorkerClient client = worker.client();
@@ -151,12 +149,12 @@ TEST_F(Serving, CloseSaysGoodbyeOnce) {
     Session session(client);
     session.close();
     session.close();
-    EXPECT_EQ(testing::readWhole(told), "{\"command\":\"shutdown\"}\n");
+    EXPECT_EQ(readWhole(told), "{\"command\":\"shutdown\"}\n");
     EXPECT_EQ(failureFor(session, "a"), WorkerError(Kind::launchFailed, "worker 已关闭"));
     {
         const Session forgotten(client);
     }
-    EXPECT_EQ(testing::readWhole(told), "{\"command\":\"shutdown\"}\n{\"command\":\"shutdown\"}\n");
+    EXPECT_EQ(readWhole(told), "{\"command\":\"shutdown\"}\n{\"command\":\"shutdown\"}\n");
 
     worker.become("time.sleep(1000)");
     worker.limits.sessionRead = 200ms;
@@ -198,4 +196,4 @@ TEST_F(Serving, ThreadsTakeTurns) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -73,18 +73,6 @@ def smime(data):
     return attached(b"Content-Disposition: attachment; filename=smime.p7m", data, "application/pkcs7-mime")
 
 
-def samples():
-    """Messages with all of this inside, unencoded, for tests that damage them."""
-    files = packed_file("a.pdf", PDF[:50]), packed_file("b", b"")
-    rtf, html = binary_property(0x1009, compressed(RTF)), binary_property(0x1013, b"<p>x")
-    for value in (rtf, html, text_property(0x1000, "x"), b""):
-        for data in (tnef(attribute(1, 0x00069003, properties(value)), *files), cms(2, der(0x30, cms(1, der(0x04, part("x")))))):
-            kind = "application/ms-tnef" if data[:1] == b"\x78" else "application/pkcs7-mime"
-            yield mail(part(data, kind))
-    yield mail(part(RTF, "text/rtf"))
-    yield mail(part(WRAPPED_HTML, "text/rtf"))
-
-
 class Packed(unittest.TestCase):
     def test_winmail_gives_its_files_and_where_nothing_else_speaks_its_text(self):
         files = packed_file("合同（终稿）.pdf", PDF), packed_file("b.bin", b"")
