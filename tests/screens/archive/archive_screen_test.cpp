@@ -8,13 +8,12 @@
 #include "records/stores/archive_index_file.h"
 #include "screens/support/screens_fixture.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
-using testing::MessageSketch;
 using Stage = ArchiveScreen::Stage;
 
-class ArchiveSheet : public testing::ScreensTest {
+class ArchiveSheet : public ScreensTest {
   protected:
     void publishThree() {
         publish({{"a", 2019, "imap://A", "INBOX", 3000}, {"b", 2019}, {"c", 2020, "imap://B"}});
@@ -175,7 +174,7 @@ TEST_F(ArchiveSheet, FailuresCanBeCopiedAndTriedAgain) {
     publishThree();
     chooseDestination(home_.at("归档"));
     const std::string lost = home_.at("Library/Mail/V10/a/b.emlx");
-    const std::string kept = testing::readWhole(lost);
+    const std::string kept = readWhole(lost);
     std::filesystem::remove(lost);
     openForYears({1});
     run();
@@ -243,9 +242,9 @@ TEST_F(ArchiveSheet, CandidatesThatAreArchivedElsewhereLeaveTheSheet) {
     publishThree();
     chooseDestination(home_.at("归档"));
     openForYears({1});
-    EmailArchiveIndex index = testing::sampleIndex(1, {"mid:a@example.org"});
+    EmailArchiveIndex index = sampleIndex(1, {"mid:a@example.org"});
     index.records.front().sizeBytes = 12; // as its file has
-    testing::writeArchive(home_, "归档", index);
+    writeArchive(home_, "归档", index);
     QSignalSpy resets(&candidates_, &QAbstractItemModel::modelReset);
     model_.library().loadEmailArchiveIndex(home_.at("归档"), true);
     settle();
@@ -257,7 +256,7 @@ TEST_F(ArchiveSheet, CandidatesThatAreArchivedElsewhereLeaveTheSheet) {
 TEST_F(ArchiveSheet, QuickDestinationsDoNotBeginASecondArchiveBesideOne) {
     home_.makeFolder("Library/CloudStorage/Nutstore-lin@x");
     home_.makeFolder("Library/CloudStorage/Box-b");
-    testing::writeArchive(home_, "Library/CloudStorage/Box-b/旧归档", testing::sampleIndex(1, {"old"}));
+    writeArchive(home_, "Library/CloudStorage/Box-b/旧归档", sampleIndex(1, {"old"}));
     model_.library().loadEmailArchiveIndex(std::nullopt, true);
     publishThree();
     chooseDestination(home_.at("Documents/手选"));
@@ -315,4 +314,4 @@ TEST_F(ArchiveSheet, AHundredThousandCandidatesAreShownAndTickedWithoutHoldingTh
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -121,17 +121,6 @@ WindowUnderTest {
             compare(picker.pathText, base + "/归档");
             tryVerify(() => !field.visible && list.activeFocus);
         }
-        // Only what is in sight has items.
-        function test_TenThousandFoldersAreListed() {
-            const many = scenes.makeFolders("many", 10000);
-            go(many);
-            compare(list.count, 10000);
-            verify(list.contentItem.children.length < 200);
-            keyClick(Qt.Key_End);
-            compare(list.currentIndex, 9999);
-            tryVerify(() => list.itemAtIndex(9999) !== null);
-            compare(list.itemAtIndex(9999).name, "f9999");
-        }
         function test_EveryControlHasAName() {
             const nameless = [];
             const look = item => {

@@ -16,12 +16,6 @@ Item {
         name: "Looks"
         when: windowShown
 
-        function test_MarkupIsShownAsItStands() {
-            compare(text.textFormat, Text.PlainText);
-            verify(text.lineCount > 1);
-            compare(text.Accessible.name, text.text);
-        }
-
         function test_OnlyElidedTextExplainsItself() {
             verify(!elided.explained);
             mouseMove(elided, 20, 10);

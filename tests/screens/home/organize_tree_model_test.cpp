@@ -10,19 +10,18 @@
 #include "model/model_test.h"
 #include "support/sample_messages.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
-using testing::MessageSketch;
 using Level = OrganizeTreeModel::Level;
 using Role = OrganizeTreeModel::Role;
 
 class OrganizeTree : public ::testing::Test {
   protected:
-    OrganizeTree() { testing::provideEventLoop(); }
+    OrganizeTree() { provideEventLoop(); }
 
     void show(const std::vector<MessageSketch>& sketches) {
-        auto messages = std::make_shared<const MessageList>(testing::sampleMessages(home_, sketches));
+        auto messages = std::make_shared<const MessageList>(sampleMessages(home_, sketches));
         auto local = std::make_shared<SharedTextSet>();
         for (const auto& message : *messages) local->insert(message.id);
         const auto years = std::make_shared<const YearByID>(computeMessageYears(*messages));
@@ -52,7 +51,7 @@ class OrganizeTree : public ::testing::Test {
         return -1;
     }
 
-    testing::TemporaryHome home_;
+    TemporaryHome home_;
     OrganizeTreeModel tree_;
     QAbstractItemModelTester tester_{&tree_, QAbstractItemModelTester::FailureReportingMode::Fatal};
     QSignalSpy resets_{&tree_, &QAbstractItemModel::modelReset};
@@ -164,4 +163,4 @@ TEST_F(OrganizeTree, SelectedRowsAreTickedTogetherAndFollowTheirRows) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

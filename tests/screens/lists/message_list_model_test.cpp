@@ -10,11 +10,8 @@
 #include "screens/texts/shown_text.h"
 #include "support/temporary_home.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::messagesOf;
-using testing::texts;
 
 // What a view holds that hears only the model's signals.
 class Mirror {
@@ -173,11 +170,11 @@ TEST(MessageList, NoRowShowsASelectionThatIsNotItsOwn) {
 }
 
 TEST(MessageList, ARowIsSpokenWithItsState) {
-    const testing::TimeZoneGuard zone("UTC");
+    const TimeZoneGuard zone("UTC");
     MessageListModel model;
     auto list = std::make_shared<MessageList>(*messagesOf("ab"));
     (*list)[0].subject = "施工图";
-    (*list)[0].date = testing::dateIn(2021);
+    (*list)[0].date = dateIn(2021);
     become(model, list);
     model.setArchivedIDs(std::make_shared<const SharedTextSet>(SharedTextSet{"/m/a"}));
     EXPECT_EQ(model.spokenName(list->front()).toStdString(),
@@ -217,4 +214,4 @@ TEST(RecordList, CarriesAnyRecordByAKeyThatIsMadeOfSeveralFields) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

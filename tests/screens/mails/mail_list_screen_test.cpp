@@ -10,16 +10,12 @@
 #include "screens/support/mail_samples.h"
 #include "screens/support/recording_desktop.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
-using testing::dateIn;
-using testing::sampleMessage;
-using testing::texts;
-using testing::waitUntilIdle;
 using State = MailListScreen::State;
 
-class MailListScreenTest : public testing::ModelTest {
+class MailListScreenTest : public ModelTest {
   protected:
     // A message whose file exists.
     MailMessageRecord local(const std::string& name, int year = 2021) {
@@ -50,7 +46,7 @@ class MailListScreenTest : public testing::ModelTest {
 
     ModelContext context_{platform_};
     CorvaneViewModel model_{context_};
-    testing::RecordingDesktop desktop_;
+    RecordingDesktop desktop_;
     mutable MailListScreen screen_{model_, desktop_};
 };
 
@@ -215,7 +211,7 @@ TEST_F(MailListScreenTest, WhatWasSetAsideIsNotOfferedUntilItIsTakenBack) {
 }
 
 TEST_F(MailListScreenTest, CopiesAndOpensWhatIsSelected) {
-    const testing::TimeZoneGuard zone("UTC");
+    const TimeZoneGuard zone("UTC");
     auto formula = local("=HYPERLINK(1)\n第二行");
     formula.messageIdentifier = SharedText("a b/c?d#\"@x");
     publish({local("a"), formula});
@@ -342,4 +338,4 @@ TEST(MailListFilters, YearsReadAsRanges) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing

@@ -1,5 +1,4 @@
 #include <cstdlib>
-#include <set>
 #include <utility>
 
 #include <QDirIterator>

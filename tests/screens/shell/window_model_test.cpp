@@ -11,13 +11,8 @@
 #include "platform/files/directory.h"
 #include "records/stores/archive_index_file.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
-
-using testing::ModelTest;
-using testing::publishMessages;
-using testing::sampleMessages;
-using testing::waitUntilIdle;
 
 // What the desktop was asked to open.
 class OpenedUrls : public QObject {
@@ -38,7 +33,7 @@ class WindowModels : public ModelTest {
     WindowModels() { waitUntilIdle(context_.tasks); }
 
     void publish(int count) {
-        std::vector<testing::MessageSketch> sketches;
+        std::vector<MessageSketch> sketches;
         for (int number = 0; number < count; ++number) sketches.push_back({"m" + std::to_string(number)});
         publishMessages(model_.catalog(), sampleMessages(home_, sketches));
         waitUntilIdle(context_.tasks);
@@ -110,7 +105,7 @@ TEST_F(WindowModels, ARunThatFailsEarlyIsToldOfFromItsBeginningToItsEnd) {
 }
 
 TEST_F(WindowModels, TheArchivesAreReadAsTheyAreAtTheStart) {
-    testing::writeIndex(home_, "归档", {Date(), Date(), {testing::sampleRecord("mid:a")}});
+    writeIndex(home_, "归档", {Date(), Date(), {sampleRecord("mid:a")}});
     model_.destinations().setTransferDestination(home_.at("归档"));
     CorvaneViewModel model(context_);
     WindowModel window(model);
@@ -155,6 +150,6 @@ TEST_F(WindowModels, LengthsComeBackOnlyWithinTheirLimits) {
 }
 
 } // namespace
-} // namespace corvane
+} // namespace corvane::testing
 
 #include "window_model_test.moc"
