@@ -53,6 +53,7 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
   , previews_(context, catalog_)
   , presence_(context)
   , removal_(context)
+  , configBackup_(context)
   , bodyTexts_(context, library_)
   , libraryList_(context, libraryIndex_, bodyTexts_)
   , diskAccess_(context)
@@ -63,6 +64,7 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
     wireArchive();
     wireProof();
     wireLibrary();
+    wireConfigBackup();
     wirePreviews();
     startUp();
     wireVolumes();
@@ -85,6 +87,7 @@ void CorvaneViewModel::wireScan() {
     connect(&scanFlow_, &ScanFlow::scanStarted, this,
             [this] { visible_.setSelectedMessageID(std::nullopt); });
     connect(&scanFlow_, &ScanFlow::scanFinished, this, [this] {
+        readings_.prune({library_.archivedEntries(), catalog_.messages()});
         pruneFilterYears();
         counts_.refreshIndexedYearCounts();
     });
@@ -173,8 +176,11 @@ void CorvaneViewModel::wireProof() {
     });
     connect(&readings_, &KeptReadings::factsChanged, this, &CorvaneViewModel::proveAnew);
     connect(&setAside_, &SetAside::changed, this, [this] { catalog_.refreshAvailabilityCacheAsync(true); });
-    connect(&archiveRun_, &ArchiveRunFlow::archiveFilesRead, this,
-            [this](const SharedReadings& read) { readings_.add(read, KeptReadings::Store::needsThem); });
+    const auto keep = [this](const SharedReadings& read) {
+        readings_.add(read, KeptReadings::Store::needsThem);
+    };
+    connect(&archiveRun_, &ArchiveRunFlow::archiveFilesRead, this, keep);
+    connect(&rebuild_, &ArchiveRebuildFlow::archiveFilesRead, this, keep);
     connect(&archiveRun_, &ArchiveRunFlow::archiveRunFinished, &lastFailures_, &LastFailures::setFrom);
     connect(&lastFailures_, &LastFailures::changed, this,
             [this] { catalog_.refreshAvailabilityCacheAsync(true); });
@@ -209,7 +215,30 @@ void CorvaneViewModel::wireLibrary() {
             [this](const QString& key) { libraryList_.showAccount(key.toStdString()); });
     connect(&library_, &LibraryLoader::archivedEntriesChanged, this,
             [this] { presence_.setEntries(library_.archivedEntries()); });
-    connect(&removal_, &ArchiveRemovalFlow::removalEnded, this, [this] { loadArchiveIndex(true); });
+    connect(&removal_, &ArchiveRemovalFlow::removalEnded, this, [this] {
+        readings_.forget({{}, removal_.lastEnd()->removedPaths});
+        loadArchiveIndex(true);
+    });
+}
+
+void CorvaneViewModel::wireConfigBackup() {
+    const auto write = [this] { configBackup_.writeConfigBackupToArchiveFolders(); };
+    connect(&accountRules_, &AccountRules::rulesChanged, this, write);
+    connect(&destinations_, &ArchiveDestinations::destinationPrepared, this, write);
+}
+
+void CorvaneViewModel::applyConfigBackup(const CorvaneConfigBackup& backup) {
+    // It may be the one that waits, which goes.
+    const CorvaneConfigBackup applied = backup;
+    configBackup_.adoptLocations(applied);
+    const auto& destination = applied.destinationPath;
+    if (destination && ConfigBackupFlow::isUsablePlace(*destination))
+        destinations_.setTransferDestination(*destination, ArchiveDestinations::Folder::left);
+    accountRules_.setArchiveAccountMergeRules(
+        {applied.accountMergeRules.begin(), applied.accountMergeRules.end()});
+    accounts_.setSelectedAccountPrefixes(
+        {applied.selectedAccountPrefixes.begin(), applied.selectedAccountPrefixes.end()});
+    loadArchiveIndex(true);
 }
 
 bool CorvaneViewModel::forgetLocation(const std::string& rootPath) {

@@ -26,6 +26,7 @@
 #include "model/library/account_rules.h"
 #include "model/library/archive_removal_flow.h"
 #include "model/library/body_texts.h"
+#include "model/library/config_backup_flow.h"
 #include "model/library/library_file_looks.h"
 #include "model/library/library_index_flow.h"
 #include "model/library/library_list_flow.h"
@@ -67,6 +68,9 @@ class CorvaneViewModel : public QObject {
     // Takes an archive out of the library and out of what is chosen or known; what lies in it stays. It comes
     // back once it was away, or when it is chosen again. False, without effect, for a root that nobody knows.
     bool forgetLocation(const std::string& rootPath);
+
+    // Takes over what a backup holds: its places are added to the known ones, the rest replaces what was.
+    void applyConfigBackup(const CorvaneConfigBackup& backup);
 
     [[nodiscard]] ModelContext& context() const { return context_; }
 
@@ -110,6 +114,8 @@ class CorvaneViewModel : public QObject {
 
     [[nodiscard]] PresenceFlow& presence() { return presence_; }
 
+    [[nodiscard]] ConfigBackupFlow& configBackup() { return configBackup_; }
+
     [[nodiscard]] ArchiveRemovalFlow& removal() { return removal_; }
 
     [[nodiscard]] BodyTexts& bodyTexts() { return bodyTexts_; }
@@ -129,6 +135,7 @@ class CorvaneViewModel : public QObject {
     void wireArchive();
     void wireProof();
     void wireLibrary();
+    void wireConfigBackup();
     void wirePreviews();
     void wireVolumes();
     void archivedBaseIDsReplaced();
@@ -164,6 +171,7 @@ class CorvaneViewModel : public QObject {
     PreviewRefresh previews_;
     PresenceFlow presence_;
     ArchiveRemovalFlow removal_;
+    ConfigBackupFlow configBackup_;
     BodyTexts bodyTexts_;
     LibraryListFlow libraryList_;
     FullDiskAccess diskAccess_;

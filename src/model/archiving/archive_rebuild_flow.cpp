@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <exception>
+#include <memory>
 #include <utility>
 
 namespace corvane {
@@ -93,9 +94,15 @@ void ArchiveRebuildFlow::start() {
 void ArchiveRebuildFlow::finish(Outcome outcome) {
     outcome_ = std::move(outcome);
     const bool isDone = *outcome_ && !(*outcome_)->wasCancelled;
-    if (isDone) offer_.reset();
+    ReadingBatch read;
+    if (isDone) {
+        read.archived[offer_->root] = std::exchange((*outcome_)->readings, {});
+        offer_.reset();
+    }
     Q_EMIT changed();
-    if (isDone) Q_EMIT rebuilt();
+    if (!isDone) return;
+    Q_EMIT archiveFilesRead(std::make_shared<const ReadingBatch>(std::move(read)));
+    Q_EMIT rebuilt();
 }
 
 } // namespace corvane

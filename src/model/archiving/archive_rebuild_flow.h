@@ -10,6 +10,7 @@
 #include <QObject>
 
 #include "archive/checks/archive_rebuild.h"
+#include "model/archiving/kept_readings.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
 
@@ -57,6 +58,8 @@ class ArchiveRebuildFlow : public QObject {
 
   Q_SIGNALS:
     void changed();
+    // What a rebuild has read of its archive; before `rebuilt`.
+    void archiveFilesRead(const SharedReadings& readings);
     // The index of an archive has been made anew.
     void rebuilt();
 

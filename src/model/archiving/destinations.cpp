@@ -21,9 +21,11 @@ constexpr std::chrono::seconds lookAgainPause(2);
 struct PrepareJob {
     CorvaneAppSupport support;
     std::string root;
+    ArchiveDestinations::Folder folder;
 };
 
 void makeFolder(const PrepareJob& job, const TaskHandle&) {
+    if (job.folder == ArchiveDestinations::Folder::left) return;
     consoleLine("[HangTrace] setTransferDestination createDirectory begin(bg)");
     // A folder that can't be made shows in its facts and in the run.
     std::ignore = platform::createDirectories(job.support.files(), job.root);
@@ -61,7 +63,7 @@ ArchiveDestinations::ArchiveDestinations(ModelContext& context, QObject* parent)
     refreshFacts();
 }
 
-void ArchiveDestinations::setTransferDestination(const std::string& path) {
+void ArchiveDestinations::setTransferDestination(const std::string& path, Folder folder) {
     const std::string root = platform::canonicalPath(path);
     consoleLine(fmt::format("[HangTrace] setTransferDestination begin {}", root));
     destination_ = root;
@@ -72,10 +74,11 @@ void ArchiveDestinations::setTransferDestination(const std::string& path) {
     known.cloudName = cloudProviderName(root);
     known.rememberedManualDestinations = facts_.rememberedManualDestinations;
     factsTask_.cancel();
-    prepareTask_.start(TaskPriority::userInitiated, PrepareJob{context_.support, root}, &makeFolder, [this] {
-        refreshFacts();
-        Q_EMIT destinationPrepared();
-    });
+    prepareTask_.start(TaskPriority::userInitiated, PrepareJob{context_.support, root, folder}, &makeFolder,
+                       [this] {
+                           refreshFacts();
+                           Q_EMIT destinationPrepared();
+                       });
     Q_EMIT destinationChanged();
     setFacts(std::move(known));
     consoleLine("[HangTrace] setTransferDestination end(main)");

@@ -24,9 +24,14 @@ class ArchiveDestinations : public QObject {
     // Path of the folder, canonical; absent before the first choice.
     [[nodiscard]] const std::optional<std::string>& transferDestination() const { return destination_; }
 
+    enum class Folder {
+        made,
+        left, // as it is: it may belong on a disk that isn't there
+    };
+
     // Publishes and stores the choice at once and makes the folder in the background; `destinationPrepared`
     // follows. A place that was forgotten is known again.
-    void setTransferDestination(const std::string& path);
+    void setTransferDestination(const std::string& path, Folder folder = Folder::made);
 
     // There is no destination any more; what lies in the folder stays.
     void clearTransferDestination();

@@ -3,10 +3,12 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include <QObject>
 
+#include "model/archiving/stale_readings.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
 #include "records/archived/proof_facts.h"
@@ -33,6 +35,12 @@ class KeptReadings : public QObject {
     // Never null.
     void add(SharedReadings readings, Store store);
 
+    // Takes readings away in the background, behind what is being added.
+    void forget(ReadingPaths paths);
+
+    // Takes away what is stale by these owners, once a run of the program.
+    void prune(ReadingOwners owners);
+
   Q_SIGNALS:
     void factsChanged();
 
@@ -44,13 +52,17 @@ class KeptReadings : public QObject {
 
     struct Job;
 
-    static SharedProofFacts extended(const Job& job, const TaskHandle& task);
+    static SharedProofFacts changedFacts(const Job& job, const TaskHandle& task);
+    void startIfIdle();
     void startNext();
     void publish(SharedProofFacts facts);
 
     ModelContext& context_;
     SharedProofFacts facts_ = std::make_shared<const ProofFacts>();
     std::vector<Addition> waiting_;
+    ReadingPaths forgotten_;
+    std::optional<ReadingOwners> owners_; // of the pruning that waits
+    bool isPruned_ = false;
     bool isLoadStarted_ = false;
     TaskSlot task_;
 };

@@ -23,7 +23,7 @@ struct OriginalPresence {
     };
 
     SharedEntryList entries = std::make_shared<const std::vector<ArchivedEntry>>(); // never null
-    std::string signature{};                                                        // of the entries
+    std::string signature{}; // of the entries; empty as long as nobody has asked for their presence
     // By position in the entries; empty unless the state is `checked`.
     std::vector<ArchivedOriginalPresenceStatus> statuses{};
     // When the statuses were found; absent without any.

@@ -25,7 +25,14 @@ PresenceFlow::PresenceFlow(ModelContext& context, QObject* parent)
 void PresenceFlow::setEntries(SharedEntryList entries) {
     if (entries == entries_) return;
     entries_ = std::move(entries);
-    relate(presence_);
+    const bool isKnown = presence_->state() != OriginalPresence::State::unchecked;
+    if (isKnown || archivedOriginalPresenceTask_.isRunning() || relateTask_.isRunning())
+        return relate(presence_);
+    // As long as nobody asks for it there is nothing to keep, and no signature to compare.
+    archivedOriginalPresenceSignature_.clear();
+    auto unchecked = std::make_shared<OriginalPresence>();
+    unchecked->entries = entries_;
+    publish(std::move(unchecked), false);
 }
 
 void PresenceFlow::relate(const SharedPresence& earlier) {
@@ -54,14 +61,15 @@ void PresenceFlow::markArchivedOriginalPresenceStale() {
 }
 
 void PresenceFlow::refreshArchivedOriginalPresenceIfNeeded(bool force) {
-    if (relateTask_.isRunning()) {
+    if (entries_->empty()) return;
+    if (presence_->entries != entries_ || presence_->signature.empty()) {
         wanted_ = std::max(wanted_, force ? Wanted::asked : Wanted::cached);
+        if (!relateTask_.isRunning()) relate(presence_);
         return;
     }
     if (!force && archivedOriginalPresenceSignature_ == presence_->signature) return;
     archivedOriginalPresenceSignature_ = presence_->signature;
     archivedOriginalPresenceTask_.cancel();
-    if (entries_->empty()) return publish(presence_, false);
     archivedOriginalPresenceTask_.startReporting<SharedPresence>(
         TaskPriority::utility,
         PresenceJob{context_.platform, context_.support, context_.startupLog, context_.mailRootPath,

@@ -1,9 +1,19 @@
 #include "records/archived/proof_facts.h"
 
 #include <iterator>
+#include <unordered_set>
 #include <utility>
 
 namespace corvane {
+
+namespace {
+
+template <class List>
+void moveAll(List& from, List& to) {
+    to.insert(to.end(), std::make_move_iterator(from.begin()), std::make_move_iterator(from.end()));
+}
+
+} // namespace
 
 void ReadingTable::reserve(std::size_t count) {
     rows_.reserve(count);
@@ -28,12 +38,24 @@ const FileReading* ReadingTable::find(std::string_view path) const {
     return position ? &rows_[*position].reading : nullptr;
 }
 
+void ReadingTable::remove(const std::vector<std::string>& paths) {
+    const std::unordered_set<std::string_view> removed(paths.begin(), paths.end());
+    ReadingTable kept;
+    kept.reserve(rows_.size());
+    forEach([&](std::string_view path, const FileReading& reading) {
+        if (!removed.contains(path)) kept.set(path, reading);
+    });
+    *this = std::move(kept);
+}
+
 void ReadingBatch::append(ReadingBatch other) {
-    const auto moveAll = [](auto& from, auto& to) {
-        to.insert(to.end(), std::make_move_iterator(from.begin()), std::make_move_iterator(from.end()));
-    };
     moveAll(other.copies, copies);
     for (auto& [root, readings] : other.archived) moveAll(readings, archived[root]);
+}
+
+void ReadingPaths::append(ReadingPaths other) {
+    moveAll(other.copies, copies);
+    for (auto& [root, paths] : other.archived) moveAll(paths, archived[root]);
 }
 
 const FileReading* ProofFacts::archivedReading(std::string_view root, std::string_view relativePath) const {
@@ -46,6 +68,16 @@ void ProofFacts::add(const ReadingBatch& batch) {
     for (const auto& [root, readings] : batch.archived) {
         ReadingTable& table = archived[root];
         for (const ArchivedFileReading& file : readings) table.set(file.relativePath, file.reading);
+    }
+}
+
+void ProofFacts::remove(const ReadingPaths& paths) {
+    if (!paths.copies.empty()) copies.remove(paths.copies);
+    for (const auto& [root, removed] : paths.archived) {
+        const auto table = archived.find(root);
+        if (table == archived.end()) continue;
+        table->second.remove(removed);
+        if (table->second.size() == 0) archived.erase(table);
     }
 }
 

@@ -30,6 +30,16 @@ class ReadingTable {
 
     [[nodiscard]] std::size_t size() const { return rows_.size(); }
 
+    // Calls `visit(path, reading)` for each, in the order in which they came.
+    template <class Visit>
+    void forEach(const Visit& visit) const {
+        for (std::size_t at = 0; at < rows_.size(); ++at)
+            visit(pathAt(static_cast<PositionTable::Position>(at)), rows_[at].reading);
+    }
+
+    // Takes the readings of these paths away. A pass over all.
+    void remove(const std::vector<std::string>& paths);
+
   private:
     struct Row {
         std::uint64_t start = 0;
@@ -57,6 +67,16 @@ struct ReadingBatch {
     void append(ReadingBatch other);
 };
 
+// Files whose readings go.
+struct ReadingPaths {
+    std::vector<std::string> copies;
+    std::map<std::string, std::vector<std::string>> archived; // by the archive's root
+
+    [[nodiscard]] bool isEmpty() const { return copies.empty() && archived.empty(); }
+
+    void append(ReadingPaths other);
+};
+
 struct ProofFacts {
     ReadingTable copies;
     std::map<std::string, ReadingTable, std::less<>> archived; // by root, then by path below it
@@ -66,6 +86,7 @@ struct ProofFacts {
                                                      std::string_view relativePath) const;
 
     void add(const ReadingBatch& batch);
+    void remove(const ReadingPaths& paths);
 
     [[nodiscard]] bool isEmpty() const { return copies.size() == 0 && archived.empty(); }
 };

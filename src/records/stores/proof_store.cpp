@@ -47,6 +47,9 @@ constexpr const char* insertCopy = "INSERT OR REPLACE INTO copy_reading VALUES(?
 constexpr const char* insertArchived =
     "INSERT OR REPLACE INTO archived_reading VALUES(?8, ?1, ?2, ?3, ?4, ?5, ?6, ?7);";
 
+constexpr const char* deleteCopy = "DELETE FROM copy_reading WHERE path = ?1;";
+constexpr const char* deleteArchived = "DELETE FROM archived_reading WHERE path = ?1 AND root = ?2;";
+
 int execute(sqlite3* database, const char* sql) {
     return sqlite3_exec(database, sql, nullptr, nullptr, nullptr);
 }
@@ -152,11 +155,31 @@ int insertAll(sqlite3* database, const ReadingBatch& batch) {
     return status;
 }
 
-// All of the batch or nothing of it; SQLITE_OK or the error.
-int writeBatch(sqlite3* database, const ReadingBatch& batch) {
+int deleteAll(sqlite3* database, const ReadingPaths& paths) {
+    SqliteStatement copies(database, deleteCopy);
+    SqliteStatement files(database, deleteArchived);
+    if (!copies || !files) return !copies ? copies.status() : files.status();
+    int status = SQLITE_OK;
+    for (const std::string& path : paths.copies) {
+        copies.bindText(1, path);
+        if ((status = stepOnce(copies)) != SQLITE_OK) return status;
+    }
+    for (const auto& [root, removed] : paths.archived) {
+        for (const std::string& path : removed) {
+            files.bindText(1, path);
+            files.bindText(2, root);
+            if ((status = stepOnce(files)) != SQLITE_OK) return status;
+        }
+    }
+    return status;
+}
+
+// All of `change` or nothing of it; SQLITE_OK or the error.
+template <class Change>
+int changeAtOnce(sqlite3* database, const Change& change) {
     int status = execute(database, "BEGIN IMMEDIATE;");
     if (status != SQLITE_OK) return status;
-    status = insertAll(database, batch);
+    status = change();
     if (status == SQLITE_OK) status = execute(database, "COMMIT;");
     if (status != SQLITE_OK) execute(database, "ROLLBACK;");
     return status;
@@ -195,12 +218,19 @@ bool ProofStore::save(const ReadingBatch& batch) {
     if (batch.isEmpty()) return true;
     for (int attempt = 0; attempt < 2; ++attempt) {
         if (!open()) return false;
-        const int status = writeBatch(database_.get(), batch);
+        const int status = changeAtOnce(database_.get(), [&] { return insertAll(database_.get(), batch); });
         if (status == SQLITE_OK) return true;
         if (!meansDamage(status)) return false;
         removeFile();
     }
     return false;
+}
+
+void ProofStore::remove(const ReadingPaths& paths) {
+    struct stat status{};
+    if (paths.isEmpty() || support_.files().stat(path_, status) != 0 || !open()) return;
+    const int ended = changeAtOnce(database_.get(), [&] { return deleteAll(database_.get(), paths); });
+    if (meansDamage(ended)) removeFile();
 }
 
 // Leaves `database_` with its tables, or null.

@@ -24,6 +24,10 @@ class ProofStore {
     // couldn't be kept: they will be made again.
     bool save(const ReadingBatch& batch);
 
+    // Takes the readings of these files away in one step. Without effect when that can't be done: they say
+    // nothing of files that aren't there.
+    void remove(const ReadingPaths& paths);
+
   private:
     bool open();
     bool makeFile();

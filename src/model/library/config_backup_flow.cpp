@@ -1,0 +1,194 @@
+#include "model/library/config_backup_flow.h"
+
+#include <map>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+
+#include "locations/archive_discovery.h"
+#include "locations/known_locations.h"
+#include "locations/place_looks.h"
+#include "locations/settings_keys.h"
+#include "platform/files/durable_file.h"
+#include "platform/paths.h"
+#include "records/error_reasons.h"
+#include "records/logs/console_log.h"
+#include "records/timestamps.h"
+
+namespace corvane {
+
+namespace {
+
+struct FoldersJob {
+    const platform::Platform& platform;
+    platform::FileLayer& files;
+    std::vector<std::string> roots;
+    std::string content;
+};
+
+void writeToFolders(const FoldersJob& job, const TaskHandle& task) {
+    PlaceLooks looks(job.platform, job.files, task.stopToken());
+    looks.askAll<bool>(job.roots, [content = job.content](PlaceLook& look, const std::string& root) {
+        consoleLine(fmt::format("[HangTrace] configBackup write probe(bg) {}", root));
+        struct stat status{};
+        if (look.files().stat(root, status) != 0 || !S_ISDIR(status.st_mode)) return false;
+        look.beginStep();
+        const std::string path = platform::joinPath(root, configBackupFileName);
+        return !platform::writeFileAtomically(look.files(), path, content);
+    });
+    consoleLine("[HangTrace] configBackup writes done(bg)");
+}
+
+struct OfferJob {
+    const platform::Platform& platform;
+    platform::FileLayer& files;
+};
+
+// The newest copy; absent without any.
+std::optional<CorvaneConfigBackup> findBackup(const OfferJob& job, const TaskHandle& task) {
+    PlaceLooks looks(job.platform, job.files, task.stopToken());
+    using Backup = std::optional<CorvaneConfigBackup>;
+    const auto found = looks.askAll<Backup>(
+        discoverArchiveRoots(job.platform, looks), [](PlaceLook& look, const std::string& root) -> Backup {
+            auto backup = readConfigBackup(look.files(), platform::joinPath(root, configBackupFileName));
+            return backup ? Backup(std::move(*backup)) : std::nullopt;
+        });
+    Backup newest;
+    for (const auto& answer : found) {
+        if (answer && *answer && (!newest || (*answer)->exportedAt > newest->exportedAt)) newest = *answer;
+    }
+    return newest;
+}
+
+struct ExportJob {
+    platform::FileLayer& files;
+    std::string path;
+    std::string content;
+};
+
+struct ImportJob {
+    platform::FileLayer& files;
+    std::string path;
+};
+
+} // namespace
+
+ConfigBackupFlow::ConfigBackupFlow(ModelContext& context, QObject* parent)
+  : QObject(parent)
+  , context_(context)
+  , isFreshStart_(isUntouched())
+  , configBackupTask_(context.tasks)
+  , offerTask_(context.tasks)
+  , fileTask_(context.tasks) {}
+
+bool ConfigBackupFlow::isUntouched() const {
+    const platform::SettingsStore& settings = context_.settings;
+    return knownLocations(settings).empty() &&
+           settings.textMap(archiveAccountMergeRulesKey)
+               .value_or(std::map<std::string, std::string>())
+               .empty() &&
+           settings.text(transferDestinationKey).value_or("").empty();
+}
+
+CorvaneConfigBackup ConfigBackupFlow::currentConfigBackup() const {
+    const platform::SettingsStore& settings = context_.settings;
+    CorvaneConfigBackup backup;
+    backup.exportedAt = currentTimestamp();
+    backup.destinationPath = settings.text(transferDestinationKey);
+    backup.knownLocationRoots = knownLocations(settings);
+    backup.accountMergeRules =
+        settings.textMap(archiveAccountMergeRulesKey).value_or(backup.accountMergeRules);
+    backup.selectedAccountPrefixes =
+        settings.textList(selectedAccountPrefixesKey).value_or(backup.selectedAccountPrefixes);
+    return backup;
+}
+
+void ConfigBackupFlow::writeConfigBackupToArchiveFolders() {
+    configBackupTask_.start(TaskPriority::utility,
+                            FoldersJob{context_.platform, context_.support.files(),
+                                       knownLocations(context_.settings),
+                                       encodeConfigBackup(currentConfigBackup())},
+                            &writeToFolders);
+}
+
+void ConfigBackupFlow::offerConfigBackupOnFreshLaunch() {
+    // What a load of the library has found since the start doesn't count; what the user did does.
+    const bool isChosen = !context_.settings.text(transferDestinationKey).value_or("").empty();
+    if (!isFreshStart_ || isChosen) return;
+    offerTask_.start(TaskPriority::utility, OfferJob{context_.platform, context_.support.files()},
+                     &findBackup, [this](CorvaneConfigBackup backup) {
+                         pendingRestore_ = std::move(backup);
+                         Q_EMIT changed();
+                     });
+}
+
+void ConfigBackupFlow::exportConfig(const std::string& path) {
+    begin();
+    fileTask_.start(
+        TaskPriority::userInitiated,
+        ExportJob{context_.support.files(), path, encodeConfigBackup(currentConfigBackup())},
+        [](const ExportJob& job, const TaskHandle&) {
+            return platform::writeFileAtomically(job.files, job.path, job.content).value();
+        },
+        [this, path](int error) {
+            if (error != 0)
+                return end(fmt::format("无法导出配置到「{}」：{}", path, systemErrorReason(error)), true);
+            end(fmt::format("配置已导出到「{}」。\n邮件本体不在此文件中（仍在你的归档位置）。",
+                            platform::lastPathComponent(path)),
+                false);
+        });
+}
+
+void ConfigBackupFlow::importConfig(const std::string& path) {
+    begin();
+    fileTask_.start(
+        TaskPriority::userInitiated, ImportJob{context_.support.files(), path},
+        [](const ImportJob& job, const TaskHandle&) { return readConfigBackup(job.files, job.path); },
+        [this](std::expected<CorvaneConfigBackup, std::string> read) {
+            if (!read) return end(fmt::format("无法读取该备份文件：{}", read.error()), true);
+            pendingImport_ = std::move(*read);
+            Q_EMIT changed();
+        });
+}
+
+void ConfigBackupFlow::begin() {
+    resultMessage_.reset();
+    pendingImport_.reset();
+    hasFailed_ = false;
+    Q_EMIT changed();
+}
+
+void ConfigBackupFlow::end(std::string message, bool hasFailed) {
+    resultMessage_ = std::move(message);
+    hasFailed_ = hasFailed;
+    Q_EMIT changed();
+}
+
+void ConfigBackupFlow::dismiss() {
+    pendingImport_.reset();
+    pendingRestore_.reset();
+    Q_EMIT changed();
+}
+
+bool ConfigBackupFlow::isUsablePlace(std::string_view path) {
+    return path.starts_with('/') && path.find('\0') == std::string_view::npos;
+}
+
+void ConfigBackupFlow::adoptLocations(const CorvaneConfigBackup& backup) {
+    RootList known;
+    for (const std::string& root : knownLocations(context_.settings)) known.add(root);
+    for (const std::string& root : backup.knownLocationRoots) {
+        if (!isUsablePlace(root)) continue;
+        known.add(root);
+        unforgetLocation(context_.settings, root);
+    }
+    setKnownLocations(context_.settings, known.roots());
+    const bool isRestore = pendingRestore_ == backup;
+    dismiss();
+    end(isRestore ? "已从归档里的备份恢复配置。" : "已从备份恢复配置。", false);
+}
+
+} // namespace corvane
