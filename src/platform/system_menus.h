@@ -1,8 +1,11 @@
-// The menus that a system fills by itself, kept to what belongs to Corvane. Where programs have no such
-// menus, nothing happens. Main thread.
+// The menus that a system fills by itself, kept to what belongs to Corvane, and Corvane's own entries in
+// them. Where programs have no such menus, nothing happens. Main thread.
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace corvane::platform {
 
@@ -15,8 +18,14 @@ class MenuPolicy {
     virtual ~MenuPolicy() = default;
 };
 
-// From here on removes what the system adds, also when it does so late. To be called once the application
-// object is there; null where there is nothing to do.
-std::unique_ptr<MenuPolicy> enforceMenuPolicy();
+struct MenuCommand {
+    std::string title;
+    std::function<void()> run; // must not throw
+};
+
+// From here on removes what the system adds, also when it does so late, and keeps the commands in the
+// application's own menu. To be called once the application object is there; null where there is nothing to
+// do.
+std::unique_ptr<MenuPolicy> enforceMenuPolicy(const std::vector<MenuCommand>& commands);
 
 } // namespace corvane::platform

@@ -75,12 +75,15 @@ typedef struct {
 
 @interface NSString : NSObject
 @property(readonly) const char* UTF8String;
++ (NSString*)stringWithUTF8String:(const char*)bytes;
 @end
 
 @interface NSConstantString : NSString
 @end
 
 @interface NSArray<__covariant ObjectType> : NSObject <NSFastEnumeration>
+@property(readonly) NSUInteger count;
+@property(readonly) ObjectType firstObject;
 - (NSArray<ObjectType>*)copy;
 @end
 
@@ -128,13 +131,18 @@ extern "C" NSString* NSStringFromSelector(SEL selector);
 @interface NSMenuItem : NSObject
 @property(copy) NSString* title;
 @property SEL action;
+@property(weak) id target;
 @property(strong) NSMenu* submenu;
+@property(assign) NSMenu* menu;
 @property(getter=isSeparatorItem, readonly) BOOL separatorItem;
++ (NSMenuItem*)separatorItem;
+- (instancetype)initWithTitle:(NSString*)title action:(SEL)action keyEquivalent:(NSString*)key;
 @end
 
 @interface NSMenu : NSObject
 @property(weak) id<NSMenuDelegate> delegate;
 @property(copy) NSArray<NSMenuItem*>* itemArray;
+- (void)insertItem:(NSMenuItem*)item atIndex:(NSInteger)index;
 - (void)removeItem:(NSMenuItem*)item;
 - (void)removeItemAtIndex:(NSInteger)index;
 @end

@@ -4,7 +4,7 @@ namespace corvane::platform {
 
 void declineSystemMenuItems() {}
 
-std::unique_ptr<MenuPolicy> enforceMenuPolicy() {
+std::unique_ptr<MenuPolicy> enforceMenuPolicy(const std::vector<MenuCommand>& /*commands*/) {
     return nullptr;
 }
 

@@ -1,5 +1,10 @@
 #include "platform/system_menus.h"
 
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
 #import <AppKit/AppKit.h>
 
 #include "platform/macos/menu_rules.h"
@@ -65,19 +70,40 @@ void pruneNoiseItems(NSMenu* menu) {
 
 @end
 
+// What an entry of ours does; an entry doesn't own its target.
+@interface CorvaneMenuCommand : NSObject {
+  @public
+    std::function<void()> run;
+}
+- (void)performMenuCommand:(id)sender;
+@end
+
+@implementation CorvaneMenuCommand
+
+- (void)performMenuCommand:(id)sender {
+    run();
+}
+
+@end
+
 @interface CorvaneMenuPolicy : NSObject
+- (void)addCommand:(const MenuCommand&)command;
+- (void)enforceMenuPolicy;
+- (void)stop;
 @property(nonatomic, strong) NSTimer* menuPolicyTimer;
 // A menu doesn't own its delegate, so the pruners live here, as long as their menus.
 @property(nonatomic, strong) NSMapTable<NSMenu*, CorvaneMenuPruner*>* pruners;
 @end
 
-@implementation CorvaneMenuPolicy
+@implementation CorvaneMenuPolicy {
+    std::vector<CorvaneMenuCommand*> commands;
+    std::vector<NSMenuItem*> commandItems;
+}
 
 - (instancetype)init {
     self = [super init];
     if (self == nil) return nil;
     self.pruners = [NSMapTable weakToStrongObjectsMapTable];
-    [self enforceMenuPolicy];
     __weak CorvaneMenuPolicy* weakSelf = self;
     // The system fills the menus late, and some of them again whenever the program comes forward.
     self.menuPolicyTimer = [NSTimer scheduledTimerWithTimeInterval:0.3
@@ -94,7 +120,35 @@ void pruneNoiseItems(NSMenu* menu) {
     return self;
 }
 
+- (void)addCommand:(const MenuCommand&)command {
+    CorvaneMenuCommand* const target = [[CorvaneMenuCommand alloc] init];
+    target->run = command.run;
+    NSMenuItem* const item =
+        [[NSMenuItem alloc] initWithTitle:[NSString stringWithUTF8String:command.title.c_str()]
+                                   action:@selector(performMenuCommand:)
+                            keyEquivalent:@""];
+    item.target = target;
+    commands.push_back(target);
+    commandItems.push_back(item);
+}
+
+// Behind the first entry, which is that about the program. The menu may have been made anew without them.
+- (void)insertCommands {
+    NSMenu* const menu = NSApp.mainMenu.itemArray.firstObject.submenu;
+    if (menu == nil || commandItems.empty() || commandItems.front().menu == menu) return;
+    [self removeCommands];
+    NSInteger place = menu.itemArray.count > 0 ? 1 : 0;
+    [menu insertItem:[NSMenuItem separatorItem] atIndex:place++];
+    for (NSMenuItem* item : commandItems) [menu insertItem:item atIndex:place++];
+    [menu insertItem:[NSMenuItem separatorItem] atIndex:place];
+}
+
+- (void)removeCommands {
+    for (NSMenuItem* item : commandItems) [item.menu removeItem:item];
+}
+
 - (void)stop {
+    [self removeCommands];
     [self.menuPolicyTimer invalidate];
     [[NSNotificationCenter defaultCenter] removeObserver:self];
     for (NSMenu* menu in self.pruners) {
@@ -105,6 +159,7 @@ void pruneNoiseItems(NSMenu* menu) {
 
 - (void)enforceMenuPolicy {
     [self removeHelpMenu];
+    [self insertCommands];
     for (NSMenuItem* item in NSApp.mainMenu.itemArray) [self watch:item.submenu];
     [self watch:NSApp.windowsMenu];
 }
@@ -137,8 +192,11 @@ namespace {
 
 class MacosMenuPolicy final : public MenuPolicy {
   public:
-    MacosMenuPolicy()
-      : policy_([[CorvaneMenuPolicy alloc] init]) {}
+    explicit MacosMenuPolicy(const std::vector<MenuCommand>& commands)
+      : policy_([[CorvaneMenuPolicy alloc] init]) {
+        for (const MenuCommand& command : commands) [policy_ addCommand:command];
+        [policy_ enforceMenuPolicy];
+    }
 
     MacosMenuPolicy(const MacosMenuPolicy&) = delete;
     MacosMenuPolicy& operator=(const MacosMenuPolicy&) = delete;
@@ -159,8 +217,8 @@ void declineSystemMenuItems() {
     }
 }
 
-std::unique_ptr<MenuPolicy> enforceMenuPolicy() {
-    return std::make_unique<MacosMenuPolicy>();
+std::unique_ptr<MenuPolicy> enforceMenuPolicy(const std::vector<MenuCommand>& commands) {
+    return std::make_unique<MacosMenuPolicy>(commands);
 }
 
 } // namespace corvane::platform
