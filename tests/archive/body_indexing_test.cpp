@@ -1,6 +1,5 @@
 #include "archive/bodies/body_indexing.h"
 
-#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <fstream>
@@ -12,7 +11,6 @@
 
 #include <gmock/gmock.h>
 
-#include "archive/bodies/batch_extraction.h"
 #include "records/stores/archive_index_file.h"
 #include "search/search_index_files.h"
 #include "support/temporary_home.h"
@@ -131,13 +129,6 @@ TEST_F(BodyIndexingTest, Rebuild_ForcedEmptiesTheIndexEvenWhenTheFilesAreAway) {
     EXPECT_EQ(rebuild(), 2);
 }
 
-TEST_F(BodyIndexingTest, Rebuild_NeedsAnIndexOfTheArchive) {
-    addMessage("a");
-    home_.write("archive/archive-index.json", "{");
-    EXPECT_EQ(BodyIndexing(support_, source_).rebuildSearchIndex(root_, true, [](auto, auto) {}), 0);
-    EXPECT_FALSE(fs::exists(search::databaseURL(support_, root_)->path().str()));
-}
-
 TEST_F(BodyIndexingTest, Rebuild_BeginsADamagedDatabaseAnew) {
     for (int i = 0; i < 400; ++i) addMessage(std::to_string(i));
     rebuild();
@@ -156,7 +147,7 @@ TEST_F(BodyIndexingTest, Rebuild_BeginsADamagedDatabaseAnew) {
     }
 }
 
-TEST_F(BodyIndexingTest, Batches_AreBoundedAndAFewAtATime) {
+TEST_F(BodyIndexingTest, Batches_AreBounded) {
     for (int i = 0; i < 151; ++i) addMessage(std::to_string(i));
     std::mutex mutex;
     std::multiset<std::size_t> sizes;
@@ -176,24 +167,6 @@ TEST_F(BodyIndexingTest, Batches_AreBoundedAndAFewAtATime) {
     });
     EXPECT_THAT(sizes, ElementsAre(1, 150));
     EXPECT_EQ(last, 151);
-
-    std::atomic<int> running = 0;
-    std::atomic<int> most = 0;
-    std::vector<const BodyIndexItem*> pointers;
-    for (const BodyIndexItem& item : items) pointers.push_back(&item);
-    const BodyTextSource watched = [&](const std::vector<FileURL>&, const std::stop_token&) {
-        most = std::max<int>(most, ++running);
-        std::this_thread::yield();
-        --running;
-        return BodyTextByPath();
-    };
-    archive::BatchExtraction extraction(pointers, 1, watched, {});
-    std::size_t rows = 0;
-    while (const auto batch = extraction.nextRows()) rows += batch->size();
-    EXPECT_EQ(rows, 151U);
-    EXPECT_LE(static_cast<std::size_t>(most), extraction.concurrency());
-    EXPECT_GE(extraction.concurrency(), 2U);
-    EXPECT_LE(extraction.concurrency(), 4U);
 }
 
 TEST_F(BodyIndexingTest, Stop_KeepsWholeBatchesAndWritesNoEmptyOnes) {
