@@ -235,6 +235,18 @@ TEST_F(ArchiveRun, TakesOrReplacesOrMovesAsideWhatIsAtThePlace) {
     }
 }
 
+TEST_F(ArchiveRun, NeverOverwritesAnArchivedMailWhoseIndexWasLost) {
+    archive({store("a")});
+    const std::string archived = readWhole(at(firstPath));
+    for (const char* id : {"b", "c"}) {
+        std::filesystem::remove(at("archive-index.json"));
+        EXPECT_EQ(countsOf(archive({store(id)})), (Counts{1, 0, 0}));
+    }
+    EXPECT_EQ(readWhole(at(asidePath)), archived);
+    EXPECT_EQ(readWhole(at("2020/工作/2020-09-13 每周报告（原有文件）-2.eml")), mailText("b", "body of b\n"));
+    EXPECT_EQ(readWhole(at(firstPath)), mailText("c", "body of c\n"));
+}
+
 TEST_F(ArchiveRun, AFileIsFlushedBeforeItCountsAsInPlace) {
     home.write(std::string("Archive/") + firstPath, mailText("a", "body of a\n"));
     FaultyFileLayer files;

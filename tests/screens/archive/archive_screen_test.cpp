@@ -73,6 +73,10 @@ TEST_F(ArchiveSheet, OffersToRebuildTheIndexOfAnArchiveThatLostIt) {
     EXPECT_TRUE(notice.text().contains(QStringLiteral("2 封"))) << notice.text().toStdString();
     notice.start();
     EXPECT_TRUE(notice.isRunning());
+    model_.rebuild().cancel();
+    settle();
+    EXPECT_TRUE(notice.canStart()) << "nothing was done";
+    notice.start();
     settle();
     EXPECT_EQ(notice.title(), QStringLiteral("索引已重建"));
     EXPECT_EQ(notice.text(),
@@ -210,32 +214,6 @@ TEST_F(ArchiveSheet, AnErrorBringsTheConfirmationBackWithItsTicks) {
     EXPECT_EQ(candidates_.selectedCount(), 1);
     chooseDestination(home_.at("另一处"));
     EXPECT_TRUE(archiveScreen_.errorText().isEmpty()) << "it was about the other place";
-}
-
-TEST_F(ArchiveSheet, ARunGoesOnInTheBackgroundAndEndsInItsResult) {
-    std::vector<MessageSketch> sketches;
-    for (int number = 0; number < 200; ++number) sketches.push_back({"m" + std::to_string(number), 2019});
-    publish(sketches);
-    chooseDestination(home_.at("归档"));
-    homeScreen_.runOrganizePrimaryAction();
-    settle();
-    archiveScreen_.start();
-    archiveScreen_.close();
-    EXPECT_EQ(archiveScreen_.stage(), Stage::Running) << "a run is cancelled, not closed";
-    archiveScreen_.sendToBackground();
-    EXPECT_FALSE(archiveScreen_.isShown());
-    EXPECT_EQ(homeScreen_.selection().organizePrimaryTitle, QStringLiteral("查看归档进度"));
-    homeScreen_.runOrganizePrimaryAction();
-    EXPECT_TRUE(archiveScreen_.isShown());
-    archiveScreen_.sendToBackground();
-    archiveScreen_.cancelRun();
-    EXPECT_TRUE(archiveScreen_.progress()->isCancelling());
-    settle();
-    EXPECT_TRUE(archiveScreen_.isShown());
-    EXPECT_EQ(archiveScreen_.stage(), Stage::Result);
-    EXPECT_EQ(archiveScreen_.outcome()->view().title, QStringLiteral("归档已取消"));
-    const ArchiveResultView& result = archiveScreen_.outcome()->view();
-    EXPECT_EQ(tile(static_cast<int>(result.tiles.size()) - 1), QStringLiteral("合计 200"));
 }
 
 TEST_F(ArchiveSheet, CandidatesThatAreArchivedElsewhereLeaveTheSheet) {

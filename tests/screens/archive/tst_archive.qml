@@ -87,5 +87,31 @@ WindowUnderTest {
             tryVerify(() => archive.stage === ArchiveScreen.Result);
             compare(archive.outcome.view.title, "归档已取消");
         }
+        function test_ARunGoesOnBehindTheScreens() {
+            openSheet();
+            scenes.holdRuns();
+            mouseClick(part("startArchiveButton"));
+            const background = part("backgroundButton");
+            tryVerify(() => background.visible);
+            mouseClick(background);
+            verify(!archive.isShown);
+            tryVerify(() => !background.visible);
+            compare(part("primaryAction").text, "查看归档进度");
+            verify(!part("updateButton").enabled);
+            mouseClick(part("primaryAction"));
+            verify(archive.isShown);
+        }
+        function test_FailuresAreShownWithTheirReason_AndCanBeTriedAgain() {
+            mouseClick(findChild(row("2019 年"), "tickBox"));
+            openSheet();
+            mouseClick(part("startArchiveButton"));
+            tryVerify(() => archive.stage === ArchiveScreen.Result);
+            compare(archive.outcome.view.title, "归档完成，46 封失败");
+            const retry = part("retryButton");
+            tryVerify(() => retry.visible);
+            compare(retry.text, "再试失败的 46 封");
+            mouseClick(retry);
+            tryVerify(() => archive.stage === ArchiveScreen.Confirm && archive.candidates.count === 46);
+        }
     }
 }

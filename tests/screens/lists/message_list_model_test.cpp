@@ -169,19 +169,6 @@ TEST(MessageList, NoRowShowsASelectionThatIsNotItsOwn) {
     EXPECT_EQ(seen, texts({"false", "false", "false", "true"}));
 }
 
-TEST(MessageList, ARowIsSpokenWithItsState) {
-    const TimeZoneGuard zone("UTC");
-    MessageListModel model;
-    auto list = std::make_shared<MessageList>(*messagesOf("ab"));
-    (*list)[0].subject = "施工图";
-    (*list)[0].date = dateIn(2021);
-    become(model, list);
-    model.setArchivedIDs(std::make_shared<const SharedTextSet>(SharedTextSet{"/m/a"}));
-    EXPECT_EQ(model.spokenName(list->front()).toStdString(),
-              "施工图，周明哲，2021-06-15 04:00，1 MB，已归档");
-    EXPECT_TRUE(model.spokenName(list->back()).endsWith(QStringLiteral("日期未知，1 MB，未归档")));
-}
-
 struct EntryID {
     std::string operator()(const ArchivedEntry& entry) const { return entry.id(); }
 };

@@ -183,6 +183,18 @@ Item {
             verify(search.activeFocus);
         }
 
+        function test_EscapeClearsTheSearch() {
+            const search = findChild(page, "mailSearch");
+            search.forceActiveFocus(Qt.TabFocusReason);
+            keyClick("7");
+            tryVerify(() => view.count < total);
+            keyClick(Qt.Key_Escape);
+            compare(screen.filters.query, "");
+            tryCompare(view, "count", total);
+            keyClick(Qt.Key_Escape);
+            verify(view.activeFocus);
+        }
+
         function everyText(item, visit) {
             if (item.textFormat !== undefined)
                 visit(item);
@@ -204,6 +216,12 @@ Item {
             verify(label.truncated);
             compare(label.lineCount, 2);
             verify(view.itemAtIndex(0).subject.length < 400);
+        }
+
+        function test_EachRowIsSpokenWithItsState() {
+            compare(view.itemAtIndex(3).spokenName.split("，").length, 5);
+            verify(view.itemAtIndex(3).spokenName.startsWith("邮件 3，周明哲，2022-"));
+            verify(view.itemAtIndex(3).spokenName.endsWith("，1 MB，未归档"));
         }
 
         function test_WithoutMailThePageSaysWhy() {

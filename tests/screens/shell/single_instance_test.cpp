@@ -39,6 +39,19 @@ TEST(SingleInstance, SecondStartHandsItsAddressToTheFirst) {
     }
 }
 
+TEST(SingleInstance, HomesDontMeet_AndTheNextOneIsFirstAgain) {
+    const testing::TemporaryHome home;
+    const testing::TemporaryHome other;
+    {
+        SingleInstance first(folderOf(home));
+        SingleInstance elsewhere(folderOf(other));
+        EXPECT_TRUE(first.tryBecomeFirst());
+        EXPECT_TRUE(elsewhere.tryBecomeFirst());
+    }
+    SingleInstance next(folderOf(home));
+    EXPECT_TRUE(next.tryBecomeFirst());
+}
+
 TEST(SingleInstance, SilentFirstOneIsSaidToBeSo) {
     const testing::TemporaryHome home;
     SingleInstance first(folderOf(home));

@@ -74,6 +74,25 @@ TEST_F(WindowModels, StoppingForTheCloseKeepsWhatWasWrittenAndItsIndex) {
     EXPECT_LT(entries, 300U);
 }
 
+TEST_F(WindowModels, TheFootTellsOfARunAndThenOfItsBodyTexts) {
+    publish(3);
+    const std::string root = home_.at("归档");
+    model_.destinations().setTransferDestination(root);
+    waitUntilIdle(context_.tasks);
+    model_.ticks().selectAllArchiveCandidates();
+    QStringList titles;
+    QObject::connect(window_.activity(), &Activity::changed, [&] {
+        if (titles.isEmpty() || titles.last() != window_.activity()->title())
+            titles.append(window_.activity()->title());
+    });
+    model_.archiveRun().archiveSelectedEmails(model_.candidates().archiveCandidates(),
+                                              model_.ticks().selectedArchiveMessageIDs(), root, [](auto) {});
+    waitUntilIdle(context_.tasks);
+    EXPECT_LT(titles.indexOf(QStringLiteral("正在归档")), titles.indexOf(QStringLiteral("正在准备正文预览")));
+    EXPECT_TRUE(titles.contains(QStringLiteral("正在归档")));
+    EXPECT_FALSE(window_.activity()->running());
+}
+
 TEST_F(WindowModels, TheFootTellsOfALibraryThatTakesLongToRead) {
     Activity patient(model_);
     Activity activity(model_, std::chrono::milliseconds(0));
