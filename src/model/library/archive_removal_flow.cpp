@@ -47,7 +47,7 @@ void removeIn(const RemovalJob& job, const std::string& root, const std::vector<
         end.failures.push_back({entryIDOf(root, failure.id), std::move(failure.reason)});
     }
     removeSearchRows(job.support, root, goneRecords);
-    end.removedPaths[root] = std::move(removal.removedPaths);
+    if (!removal.removedPaths.empty()) end.removedPaths[root] = std::move(removal.removedPaths);
 }
 
 ArchiveRemovalEnd removeAll(const RemovalJob& job, const TaskHandle& task) {

@@ -18,7 +18,6 @@ struct RelateJob {
 PresenceFlow::PresenceFlow(ModelContext& context, QObject* parent)
   : QObject(parent)
   , context_(context)
-  , entries_(presence_->entries)
   , relateTask_(context.tasks)
   , archivedOriginalPresenceTask_(context.tasks) {}
 

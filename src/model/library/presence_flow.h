@@ -60,7 +60,7 @@ class PresenceFlow : public QObject {
 
     ModelContext& context_;
     SharedPresence presence_ = std::make_shared<const OriginalPresence>();
-    SharedEntryList entries_; // as the library has them, `presence_` follows
+    SharedEntryList entries_ = presence_->entries; // as the library has them; `presence_` follows
     bool isChecking_ = false;
     Wanted wanted_ = Wanted::nothing;               // once it is known what these entries are
     std::string archivedOriginalPresenceSignature_; // of what was refreshed last; empty: stale
