@@ -15,6 +15,9 @@ void addCommands(CommandSet& commands) {
     addIndexCommand(commands);
     addShowCommand(commands);
     addAttachmentCommand(commands);
+    addPresenceCommand(commands);
+    addRemovalCommands(commands);
+    addConfigCommand(commands);
 }
 
 } // namespace corvane::cli

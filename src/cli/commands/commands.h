@@ -19,6 +19,9 @@ void addRebuildCommand(CommandSet& commands);
 void addLibraryCommands(CommandSet& commands);
 void addSearchCommand(CommandSet& commands);
 void addIndexCommand(CommandSet& commands);
+void addPresenceCommand(CommandSet& commands);
+void addRemovalCommands(CommandSet& commands);
+void addConfigCommand(CommandSet& commands);
 void addShowCommand(CommandSet& commands);
 void addAttachmentCommand(CommandSet& commands);
 

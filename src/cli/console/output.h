@@ -40,6 +40,8 @@ class JsonDocument {
         value(content);
     }
 
+    void null() { writer_.Null(); }
+
     // The members of a record, inside an object that gets further ones.
     template <class Record>
     void membersOf(const Record& record) {
