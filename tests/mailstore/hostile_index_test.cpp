@@ -113,6 +113,22 @@ TEST(HostileIndex, WhatNeverEndsIsEndedAtTheLimit) {
     EXPECT_THROW(queryAccounts(store.context, store.root), MailIndexQueryError);
 }
 
+// Long before the limit of time, and before they fill the memory.
+TEST(HostileIndex, RowsWithoutEndAreNoAnswer) {
+    HostileStore store;
+    store.execute("ALTER TABLE mailboxes RENAME TO m2");
+    store.execute("CREATE VIEW mailboxes AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) "
+                  "SELECT i AS ROWID, 'imap://u/Trash' AS url FROM n");
+    store.close();
+    store.context.queryTimeLimit = store.context.longQueryTimeLimit = std::chrono::minutes(30);
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(trashAndJunkMailboxIDs(store.context, store.indexPath()), std::nullopt);
+    EXPECT_EQ(runLongQuery(store.context, "SELECT * FROM mailboxes;", store.indexPath()), std::nullopt);
+    EXPECT_FALSE(runJSONRows(store.context, "SELECT printf('%.*c', 70000000, 'x') AS a;", store.indexPath(),
+                             [](JsonRow&) {}));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, store.context.queryTimeLimit);
+}
+
 TEST(HostileIndex, WhatIsNoFileIsNotOpened) {
     for (const char* ending : {"", "-wal", "-journal"}) {
         for (const bool isPipe : {true, false}) {

@@ -1,6 +1,7 @@
 #include "mailstore/index/excluded_mailboxes.h"
 
 #include <chrono>
+#include <cstddef>
 #include <string_view>
 
 #include <fmt/format.h>
@@ -14,6 +15,9 @@ namespace corvane::mailstore {
 
 namespace {
 
+// Far above what anybody has, and few enough for one statement.
+constexpr std::size_t mostExcluded = 20'000;
+
 std::set<std::int64_t> readTrashAndJunk(const MailStoreContext& context, const std::string& name,
                                         ReadOnlyConnection::NameKind kind) {
     const ReadLimit limit{std::chrono::steady_clock::now() + context.longQueryTimeLimit, context.stop};
@@ -23,6 +27,8 @@ std::set<std::int64_t> readTrashAndJunk(const MailStoreContext& context, const s
     while (mailboxes.step()) {
         const auto url = mailboxes.text(1);
         if (url && isTrashOrJunkMailbox(*url)) ids.insert(mailboxes.integer(0));
+        if (ids.size() > mostExcluded)
+            throw SqliteError(SqliteError::Step::read, SQLITE_TOOBIG, "too many mailboxes");
     }
     if (mailboxes.status() != SQLITE_DONE) {
         throw SqliteError(SqliteError::Step::read, mailboxes.status(), sqlite3_errmsg(connection.handle()));

@@ -55,7 +55,7 @@ class JsonRowFile {
     // The next piece; nullopt at the end, and after a failure.
     std::optional<JsonRowPiece> next();
 
-    // The file can't be read.
+    // The file can't be read, or has a row that no mail can have.
     [[nodiscard]] bool hasFailed() const { return hasFailed_; }
 
   private:

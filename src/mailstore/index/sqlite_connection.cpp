@@ -11,6 +11,7 @@ std::string lastMessage(sqlite3* handle) {
     return message == nullptr ? "unknown sqlite error" : message;
 }
 
+constexpr int longestValue = 64 << 20;  // bytes
 constexpr int stepsBetweenLooks = 1000; // of SQLite's virtual machine
 
 int isOver(void* readLimit) {
@@ -30,6 +31,7 @@ ReadOnlyConnection::ReadOnlyConnection(const std::string& name, NameKind kind, R
     sqlite3_busy_timeout(handle, static_cast<int>(busyPatience.count()));
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, longestValue);
     sqlite3_progress_handler(handle, stepsBetweenLooks, isOver, const_cast<ReadLimit*>(limit_.get()));
 }
 

@@ -25,8 +25,10 @@ using Kind = ShellResult::Kind;
 using Clock = std::chrono::steady_clock;
 
 constexpr std::int64_t errorTextLimit = 65'536;
-// A view without an end must not fill the disk before its time is over.
-constexpr std::int64_t answerLimitBytes = std::int64_t(4) << 30;
+// A view without an end must not fill the disk before its time is over, nor what reads the answer the memory.
+// The rows of two million messages have half of that; lists are sums, or numbers at the most.
+constexpr std::int64_t rowsLimitBytes = std::int64_t(1) << 30;
+constexpr std::int64_t listLimitBytes = std::int64_t(64) << 20;
 // So much of a database is mapped instead of copied page by page.
 constexpr std::int64_t mappedBytes = std::int64_t(1) << 30;
 
@@ -74,14 +76,15 @@ RunningShell startShell(const MailStoreContext& context, const ShellQuery& query
                         platform::TemporaryFile errorOutput) {
     const bool isSafe = hasSafeMode(context);
     platform::Pipe input = platform::makePipe();
-    platform::ChildProcess process({.executable = context.platform.sqliteShellPath(),
-                                    .arguments = shellArguments(query, databaseName, isSafe),
-                                    .standardInput = input.readEnd.get(),
-                                    .standardOutput = output.descriptor(),
-                                    .standardError = errorOutput.descriptor(),
-                                    .environment = {},
-                                    .isUpkeep = context.isUpkeep,
-                                    .fileSizeLimitBytes = answerLimitBytes});
+    platform::ChildProcess process(
+        {.executable = context.platform.sqliteShellPath(),
+         .arguments = shellArguments(query, databaseName, isSafe),
+         .standardInput = input.readEnd.get(),
+         .standardOutput = output.descriptor(),
+         .standardError = errorOutput.descriptor(),
+         .environment = {},
+         .isUpkeep = context.isUpkeep,
+         .fileSizeLimitBytes = query.format == ShellQuery::Format::json ? rowsLimitBytes : listLimitBytes});
     return {std::move(output), std::move(errorOutput), std::move(input.writeEnd), std::move(process)};
 }
 
