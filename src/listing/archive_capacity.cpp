@@ -20,17 +20,16 @@ std::int64_t estimatedArchiveBytes(double bytes) {
     return static_cast<std::int64_t>(bytes * capacityMargin);
 }
 
-std::optional<std::string> archiveCapacityShortfall(const MessageList& messages, const std::string& path,
-                                                    const platform::Platform& platform) {
+std::optional<std::string> archiveCapacityShortfall(const MessageList& messages,
+                                                    std::optional<std::int64_t> availableBytes) {
     double bytes = 0;
     for (const MailMessageRecord& message : messages) bytes += static_cast<double>(message.messageSize);
     const std::int64_t estimate = estimatedArchiveBytes(bytes);
-    const auto available = platform.availableCapacity(path);
-    if (!available || *available >= estimate) return std::nullopt;
+    if (!availableBytes || *availableBytes >= estimate) return std::nullopt;
     return fmt::format(
         "目的地可用空间不足：归档这 {} 封约需 {}，当前仅剩 {}。请清理空间或更换归档位置后重试。\n\n（归档到 "
         "iCloud 时文件会先占用本地磁盘再上传，也请确认 iCloud 云端还有足够空间。）",
-        messages.size(), formatByteCount(estimate), formatByteCount(*available));
+        messages.size(), formatByteCount(estimate), formatByteCount(*availableBytes));
 }
 
 } // namespace corvane

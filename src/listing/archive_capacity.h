@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 
-#include "platform/platform.h"
 #include "records/mail_message_record.h"
 
 namespace corvane {
@@ -14,9 +13,9 @@ namespace corvane {
 // What messages of `bytes` in all need at their destination: a margin of 15 percent is added.
 std::int64_t estimatedArchiveBytes(double bytes);
 
-// The user's message when the place at `path` is too small for the messages and their margin; absent when it
-// isn't, or can't be told. Asks the disk, which may sleep: not for the main thread.
-std::optional<std::string> archiveCapacityShortfall(const MessageList& messages, const std::string& path,
-                                                    const platform::Platform& platform);
+// The user's message when a place with so much room is too small for the messages and their margin; absent
+// when it isn't, or its room isn't known.
+std::optional<std::string> archiveCapacityShortfall(const MessageList& messages,
+                                                    std::optional<std::int64_t> availableBytes);
 
 } // namespace corvane

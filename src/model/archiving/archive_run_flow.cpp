@@ -1,14 +1,17 @@
 #include "model/archiving/archive_run_flow.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <exception>
 #include <iterator>
+#include <stop_token>
 #include <utility>
 
 #include <fmt/format.h>
 
 #include "archive/run/mail_email_archiver.h"
 #include "listing/archive_capacity.h"
+#include "locations/place_looks.h"
 #include "platform/paths.h"
 #include "records/stable_hash.h"
 
@@ -45,10 +48,19 @@ std::string runSignature(const MessageList& messages, const std::string& destina
     return stableHash(run);
 }
 
+// Absent also for a place that doesn't answer, which the run then meets itself.
+std::optional<std::int64_t> availableBytes(const RunJob& job, const std::stop_token& stop) {
+    using Answer = std::optional<std::int64_t>;
+    PlaceLooks looks(job.platform, job.files, stop);
+    return looks
+        .ask<Answer>(job.destination, [&platform = job.platform, place = job.destination](
+                                          PlaceLook&) { return platform.availableCapacity(place); })
+        .value_or(std::nullopt);
+}
+
 ArchiveRunFlow::RunOutcome archived(const RunJob& job, const MessageList& messages,
                                     const ReportingTask<EmailArchiveProgress>& task) {
-    // The place may be a sleeping disk, so it isn't asked on the main thread.
-    if (auto shortfall = archiveCapacityShortfall(messages, job.destination, job.platform))
+    if (auto shortfall = archiveCapacityShortfall(messages, availableBytes(job, task.stopToken())))
         return std::unexpected(std::move(*shortfall));
     try {
         ArchiverOptions options;

@@ -1,7 +1,7 @@
 #include "model/archiving/destinations.h"
 
 #include <chrono>
-#include <tuple>
+#include <system_error>
 
 #include <fmt/format.h>
 
@@ -19,16 +19,20 @@ namespace {
 constexpr std::chrono::seconds lookAgainPause(2);
 
 struct PrepareJob {
-    CorvaneAppSupport support;
+    const platform::Platform& platform;
+    platform::FileLayer& files;
     std::string root;
     ArchiveDestinations::Folder folder;
 };
 
-void makeFolder(const PrepareJob& job, const TaskHandle&) {
+void makeFolder(const PrepareJob& job, const TaskHandle& task) {
     if (job.folder == ArchiveDestinations::Folder::left) return;
     consoleLine("[HangTrace] setTransferDestination createDirectory begin(bg)");
+    PlaceLooks looks(job.platform, job.files, task.stopToken());
     // A folder that can't be made shows in its facts and in the run.
-    std::ignore = platform::createDirectories(job.support.files(), job.root);
+    looks.ask<std::error_code>(job.root, [root = job.root](PlaceLook& look) {
+        return platform::createDirectories(look.files(), root);
+    });
     consoleLine("[HangTrace] setTransferDestination createDirectory end(bg)");
 }
 
@@ -74,7 +78,8 @@ void ArchiveDestinations::setTransferDestination(const std::string& path, Folder
     known.cloudName = cloudProviderName(root);
     known.rememberedManualDestinations = facts_.rememberedManualDestinations;
     factsTask_.cancel();
-    prepareTask_.start(TaskPriority::userInitiated, PrepareJob{context_.support, root, folder}, &makeFolder,
+    prepareTask_.start(TaskPriority::userInitiated,
+                       PrepareJob{context_.platform, context_.support.files(), root, folder}, &makeFolder,
                        [this] {
                            refreshFacts();
                            Q_EMIT destinationPrepared();
