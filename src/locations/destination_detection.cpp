@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 
 #include <fmt/format.h>
+#include <sys/stat.h>
 
 #include "platform/files/directory.h"
 #include "platform/paths.h"
@@ -26,6 +28,20 @@ constexpr std::array<std::string_view, 7> foreignDriveNames = {
     "其他计算机",      "Other computers",      "Shared drives",      "共享云端硬盘",
     "Drives partagés", "Unidades compartidas", "Outros computadores"};
 
+std::string_view brandOf(std::string_view folder) {
+    const std::string_view name = platform::lastPathComponent(folder);
+    return name.substr(0, name.find('-'));
+}
+
+// Without a look into the folder.
+CloudStorageProvider namedProvider(const std::string& folder) {
+    const std::string_view brand = brandOf(folder);
+    CloudStorageProvider provider{folder, prettyBrandName(brand), std::nullopt, folder, {}};
+    const std::string_view rest = platform::lastPathComponent(folder).substr(brand.size());
+    if (rest.size() > 1) provider.detail = std::string(rest.substr(1));
+    return provider;
+}
+
 } // namespace
 
 std::vector<std::string> cloudStorageFolders(const platform::Platform& platform) {
@@ -41,18 +57,30 @@ std::vector<std::string> cloudStorageFolders(const platform::Platform& platform)
     return folders;
 }
 
-std::vector<CloudStorageProvider> detectCloudStorage(const platform::Platform& platform) {
+std::vector<CloudStorageProvider> detectCloudStorage(PlaceLooks& looks, const platform::Platform& platform) {
     traceHang("detect begin");
     std::vector<CloudStorageProvider> found;
     const std::string home = platform.realUserHomeDirectory();
     const std::string iCloud = platform::joinPath(home, "Library/Mobile Documents/com~apple~CloudDocs");
     traceHang("detect stat iCloud");
-    if (platform::isDirectory(iCloud)) {
-        found.push_back({iCloud, "iCloud 云盘", std::nullopt, iCloud, "icloud.fill"});
-    }
-    for (const std::string& folder : cloudStorageFolders(platform)) {
-        found.push_back(providerInfo(folder));
+    const auto isThere = looks.ask<bool>(iCloud, [iCloud](PlaceLook& look) {
+        struct stat status{};
+        return look.files().stat(iCloud, status) == 0 && S_ISDIR(status.st_mode);
+    });
+    if (isThere.value_or(true))
+        found.push_back({iCloud, "iCloud 云盘", std::nullopt, iCloud, "icloud.fill", isThere.has_value()});
+    const std::vector<std::string> folders =
+        looks
+            .ask<std::vector<std::string>>(platform::joinPath(home, "Library/CloudStorage"),
+                                           [&platform](PlaceLook&) { return cloudStorageFolders(platform); })
+            .value_or(std::vector<std::string>());
+    const auto answers = looks.askAll<std::string>(
+        folders, [](PlaceLook&, const std::string& folder) { return cloudStorageContent(folder); });
+    for (std::size_t i = 0; i < folders.size(); ++i) {
+        found.push_back(namedProvider(folders[i]));
         found.back().icon = "cloud.fill";
+        found.back().hasAnswered = answers[i].has_value();
+        if (answers[i]) found.back().path = *answers[i];
     }
     traceHang(fmt::format("detect done count={}", found.size()));
     return found;
@@ -64,13 +92,9 @@ std::string cloudStorageContent(const std::string& folder) {
 }
 
 CloudStorageProvider providerInfo(const std::string& folder) {
-    const std::string_view name = platform::lastPathComponent(folder);
-    const std::size_t dash = name.find('-');
-    const std::string_view brand = name.substr(0, dash);
-    CloudStorageProvider provider{folder, prettyBrandName(brand), std::nullopt, folder, {}};
-    if (dash != std::string_view::npos && dash + 1 < name.size())
-        provider.detail = std::string(name.substr(dash + 1));
-    if (text::equalsIgnoringCase(brand, "GoogleDrive")) provider.path = googleDriveActivePath(folder);
+    CloudStorageProvider provider = namedProvider(folder);
+    if (text::equalsIgnoringCase(brandOf(folder), "GoogleDrive"))
+        provider.path = googleDriveActivePath(folder);
     return provider;
 }
 

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "locations/place_looks.h"
 #include "platform/platform.h"
 
 namespace corvane {
@@ -17,13 +18,14 @@ struct CloudStorageProvider {
     std::string name;
     std::optional<std::string> detail;
     std::string path;
-    std::string icon; // name of a symbol
+    std::string icon;        // name of a symbol
+    bool hasAnswered = true; // else where it holds the user's files isn't known
 
     friend bool operator==(const CloudStorageProvider&, const CloudStorageProvider&) = default;
 };
 
-// iCloud first, then the folders in the order of their names.
-std::vector<CloudStorageProvider> detectCloudStorage(const platform::Platform& platform);
+// iCloud first, then the folders in the order of their names; those that don't answer too.
+std::vector<CloudStorageProvider> detectCloudStorage(PlaceLooks& looks, const platform::Platform& platform);
 
 // The folders under "Library/CloudStorage" of the user's home, in the order of their names. Doesn't look into
 // them.

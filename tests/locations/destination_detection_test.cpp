@@ -32,7 +32,9 @@ TEST_F(DestinationDetection, NamesCloudFoldersWithICloudFirst) {
     std::filesystem::create_symlink(home_.at("nowhere"), home_.at("Library/CloudStorage/Broken"));
 
     std::vector<std::string> shown;
-    for (const auto& provider : detectCloudStorage(platform_)) {
+    PlaceLooks looks(platform_, platform::posixFileLayer(), {});
+    for (const auto& provider : detectCloudStorage(looks, platform_)) {
+        EXPECT_TRUE(provider.hasAnswered);
         shown.push_back(provider.name + "|" + provider.detail.value_or("-") + "|" + provider.icon);
     }
     EXPECT_EQ(shown, (std::vector<std::string>{"iCloud 云盘|-|icloud.fill", "Box|-|cloud.fill",

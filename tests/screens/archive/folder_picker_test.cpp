@@ -111,7 +111,10 @@ TEST_F(FolderPickers, AFolderWithoutPermissionIsNeitherOpenedNorChosen) {
         EXPECT_EQ(picker_.errorText(), QStringLiteral("没有权限打开这个文件夹。"));
         EXPECT_EQ(picker_.rowCount(), 2);
         EXPECT_TRUE(writingObstacle(home_.at("open/locked")));
-        EXPECT_TRUE(corvane::makeFolder("/usr", "corvane-test").error);
+        goTo("/usr");
+        picker_.makeFolder(QStringLiteral("corvane-test"));
+        waitUntilIdle(context_.tasks);
+        EXPECT_EQ(picker_.errorText(), QStringLiteral("没有权限在这里新建文件夹。"));
     }
     ::chmod(home_.at("open/locked").c_str(), 0755);
     EXPECT_EQ(model_.destinations().transferDestination(), before);

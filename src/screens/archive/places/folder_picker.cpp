@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 #include <system_error>
+#include <variant>
 
 #include "locations/destination_detection.h"
 #include "platform/paths.h"
@@ -14,6 +15,14 @@ namespace {
 
 // Longer than any path that the system takes.
 constexpr qsizetype pathLimit = 5000;
+
+// What a look at the disk is about, and what it goes through.
+template <class Subject>
+struct LookJob {
+    const platform::Platform& platform;
+    platform::FileLayer& files;
+    Subject about;
+};
 
 QString shownFolderPath(const std::string& path) {
     return screens::shownLine(path, pathLimit);
@@ -78,47 +87,63 @@ void FolderPicker::begin() {
     findPlaces();
     const std::string home = model_.context().platform.realUserHomeDirectory();
     const std::string start = model_.destinations().transferDestination().value_or(home);
-    list([start, home](const std::stop_token& stop) { return listNearestFolder(start, home, stop); });
+    list([start, home](PlaceLooks& looks) {
+        FolderListing listing = listWithin(
+            looks, start, [start, home](PlaceLook& look) { return listNearestFolder(start, home, look); });
+        if (listing.error != std::errc::timed_out || start == home) return listing;
+        return listWithin(looks, home, [home](PlaceLook& look) { return listFolders(home, look); });
+    });
+}
+
+void FolderPicker::open(const std::string& path) {
+    list([path](PlaceLooks& looks) {
+        return listWithin(looks, path, [path](PlaceLook& look) { return listFolders(path, look); });
+    });
 }
 
 void FolderPicker::openRow(int row) {
     if (row < 0 || row >= rowCount()) return;
-    list([path = target(row)](const std::stop_token& stop) { return listFolders(path, stop); });
+    open(target(row));
 }
 
 void FolderPicker::openPlace(int place) {
     if (place < 0 || place >= static_cast<int>(places_.size())) return;
-    const std::string path = places_[static_cast<std::size_t>(place)].path;
-    list([path](const std::stop_token& stop) { return listFolders(path, stop); });
+    open(places_[static_cast<std::size_t>(place)].path);
 }
 
 void FolderPicker::openTyped(const QString& text) {
     // A name that can't be shown as it is would lead elsewhere when it is read back.
     if (text.isEmpty() || text == pathText()) return;
-    const std::string path =
-        typedFolder(text.toStdString(), path_, model_.context().platform.realUserHomeDirectory());
-    list([path](const std::stop_token& stop) { return listFolders(path, stop); });
+    open(typedFolder(text.toStdString(), path_, model_.context().platform.realUserHomeDirectory()));
 }
 
 void FolderPicker::goUp() {
     if (!canGoUp()) return;
-    const std::string path(platform::parentPath(path_));
-    list([path](const std::stop_token& stop) { return listFolders(path, stop); });
+    open(std::string(platform::parentPath(path_)));
 }
 
 void FolderPicker::makeFolder(const QString& name) {
-    list([parent = path_, wanted = name.toStdString()](
-             const std::stop_token&) { return corvane::makeFolder(parent, wanted); },
-         screens::FolderAction::make);
+    list(
+        [parent = path_, wanted = name.toStdString()](PlaceLooks& looks) {
+            return listWithin(looks, parent, [parent, wanted](PlaceLook& look) {
+                return corvane::makeFolder(parent, wanted, look);
+            });
+        },
+        screens::FolderAction::make);
 }
 
 void FolderPicker::choose(int row) {
     setError({});
     setBusy(true);
     task_.start(
-        TaskPriority::userInitiated, target(row),
-        [](const std::string& path, const TaskHandle&) {
-            return screens::folderErrorText(writingObstacle(path), screens::FolderAction::write);
+        TaskPriority::userInitiated,
+        LookJob<std::string>{model_.context().platform, model_.context().support.files(), target(row)},
+        [](const LookJob<std::string>& job, const TaskHandle& task) {
+            PlaceLooks looks(job.platform, job.files, task.stopToken());
+            const auto obstacle = looks.ask<std::error_code>(
+                job.about, [path = job.about](PlaceLook&) { return writingObstacle(path); });
+            return screens::folderErrorText(obstacle.value_or(std::make_error_code(std::errc::timed_out)),
+                                            screens::FolderAction::write);
         },
         [this, path = target(row)](const QString& obstacle) {
             setBusy(false);
@@ -139,9 +164,11 @@ void FolderPicker::list(Job job, screens::FolderAction action) {
     setError({});
     setBusy(true);
     task_.start(
-        TaskPriority::userInitiated, std::move(job),
-        [](const Job& work, const TaskHandle& task) {
-            FolderListing listing = work(task.stopToken());
+        TaskPriority::userInitiated,
+        LookJob<Job>{model_.context().platform, model_.context().support.files(), std::move(job)},
+        [](const LookJob<Job>& work, const TaskHandle& task) {
+            PlaceLooks looks(work.platform, work.files, task.stopToken());
+            FolderListing listing = work.about(looks);
             return Listed{std::move(listing.path), screens::sortedFolders(std::move(listing.names)),
                           listing.error};
         },
@@ -164,30 +191,32 @@ void FolderPicker::show(std::string path, std::vector<screens::NamedFolder> fold
 }
 
 void FolderPicker::findPlaces() {
-    struct PlacesJob {
-        const platform::Platform& platform;
-    };
-
     placesTask_.start(
-        TaskPriority::userInitiated, PlacesJob{model_.context().platform},
-        [](const PlacesJob& job, const TaskHandle&) { return usualPlaces(job.platform); },
+        TaskPriority::userInitiated,
+        LookJob<std::monostate>{model_.context().platform, model_.context().support.files(), {}},
+        [](const LookJob<std::monostate>& job, const TaskHandle& task) {
+            PlaceLooks looks(job.platform, job.files, task.stopToken());
+            return usualPlaces(looks, job.platform);
+        },
         [this](std::vector<Place> places) {
             places_ = std::move(places);
             Q_EMIT placesChanged();
         });
 }
 
-std::vector<FolderPicker::Place> FolderPicker::usualPlaces(const platform::Platform& platform) {
+std::vector<FolderPicker::Place> FolderPicker::usualPlaces(PlaceLooks& looks,
+                                                           const platform::Platform& platform) {
     std::vector<Place> places = {
         {platform.realUserHomeDirectory(), QStringLiteral("个人文件夹"), {}, QStringLiteral("folder")}};
     const auto add = [&](const std::vector<CloudStorageProvider>& found, const char* kind) {
         for (const CloudStorageProvider& place : found) {
             places.push_back({place.path, screens::shownLine(place.name),
-                              screens::shownLine(place.detail.value_or(kind)),
+                              place.hasAnswered ? screens::shownLine(place.detail.value_or(kind))
+                                                : QStringLiteral("没有响应"),
                               QString::fromStdString(place.icon)});
         }
     };
-    add(detectCloudStorage(platform), "云盘");
+    add(detectCloudStorage(looks, platform), "云盘");
     add(detectRemovableVolumes(platform), "U 盘 / 外置盘");
     places.push_back({"/", QStringLiteral("本机磁盘"), {}, QStringLiteral("externaldrive")});
     return places;

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <functional>
-#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -13,6 +12,7 @@
 #include <QtQml/qqmlregistration.h>
 
 #include "locations/folder_listing.h"
+#include "locations/place_looks.h"
 #include "model/corvane_view_model.h"
 #include "screens/archive/places/folder_texts.h"
 
@@ -83,14 +83,15 @@ class FolderPicker : public QAbstractListModel {
         QString symbol;
     };
 
-    using Job = std::function<FolderListing(const std::stop_token&)>;
+    using Job = std::function<FolderListing(PlaceLooks&)>;
 
+    void open(const std::string& path);
     void list(Job job, screens::FolderAction action = screens::FolderAction::open);
     void show(std::string path, std::vector<screens::NamedFolder> folders);
     void setBusy(bool busy);
     void setError(const QString& text);
     void findPlaces();
-    static std::vector<Place> usualPlaces(const platform::Platform& platform);
+    static std::vector<Place> usualPlaces(PlaceLooks& looks, const platform::Platform& platform);
     [[nodiscard]] std::string target(int row) const;
 
     CorvaneViewModel& model_;

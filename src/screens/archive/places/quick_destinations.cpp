@@ -78,7 +78,7 @@ QuickDestination QuickDestinations::rowOf(const CloudStorageProvider& place) con
     row.detail = screens::shownLine(place.detail.value_or("云盘"));
     row.symbol = QString::fromStdString(place.icon);
     row.isChosen = chosen && platform::isAtOrBelow(*chosen, place.path);
-    row.isConnected = !row.isChosen || model_.destinations().facts().connected;
+    row.isConnected = place.hasAnswered && (!row.isChosen || model_.destinations().facts().connected);
     return row;
 }
 
@@ -121,6 +121,7 @@ void QuickDestinations::refreshDetectedDestinations() {
 
     struct Job {
         const platform::Platform& platform;
+        platform::FileLayer& files;
     };
 
     struct Found {
@@ -129,9 +130,10 @@ void QuickDestinations::refreshDetectedDestinations() {
     };
 
     detectionTask_.start(
-        TaskPriority::userInitiated, Job{model_.context().platform},
-        [](const Job& job, const TaskHandle&) {
-            return Found{detectCloudStorage(job.platform), detectRemovableVolumes(job.platform)};
+        TaskPriority::userInitiated, Job{model_.context().platform, model_.context().support.files()},
+        [](const Job& job, const TaskHandle& task) {
+            PlaceLooks looks(job.platform, job.files, task.stopToken());
+            return Found{detectCloudStorage(looks, job.platform), detectRemovableVolumes(job.platform)};
         },
         [this](Found found) {
             detectedProviders_ = std::move(found.providers);
