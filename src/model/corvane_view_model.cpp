@@ -49,7 +49,7 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
                return ProofJob{
                    catalog_.messages(), catalog_.state()->availability, proofInputs(), {}, context_.support};
            })
-  , rebuild_(context)
+  , rebuild_(context, [this] { return archive::ScannedMail{catalog_.messages(), readings_.facts()}; })
   , previews_(context, catalog_)
   , presence_(context)
   , removal_(context)

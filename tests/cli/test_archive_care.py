@@ -1,6 +1,5 @@
 """What keeps an archive whole: verify with hashes, sums, and the way back from a lost index."""
 
-import re
 import subprocess
 import unittest
 
@@ -38,28 +37,18 @@ class ArchiveCare(CliCase):
         self.run_cli(self.mail, "verify", self.root, "--record")
         files, records = archive_state(self.root)
         (self.root / "archive-index.json").unlink()
-        # Mail keeps some messages in part or not at all, and such files have no header.
-        known = re.compile(rb"(?im)^(message-id|from|to|subject|date):")
-        headless = {path for path, content in files.items()
-                    if not known.search(re.split(rb"\r?\n\r?\n", content, maxsplit=1)[0])}
-        seen = self.run_cli(self.mail, "rebuild", self.root, "--dry-run", expect=3)
+        seen = self.run_cli(self.mail, "rebuild", self.root, "--dry-run")
         self.assertFalse((self.root / "archive-index.json").exists())
-        self.assertEqual(self.run_cli(self.mail, "rebuild", self.root, expect=3), seen)
-        self.assertEqual(seen["adopted"], len(files) - len(headless))
-        self.assertEqual({failure["path"] for failure in seen["failures"]}, headless)
+        self.assertEqual(self.run_cli(self.mail, "rebuild", self.root), seen)
+        self.assertEqual(seen["adopted"], len(files))
         files_after, rebuilt = archive_state(self.root)
         self.assertEqual(files_after, files)
-        by_path = {record["emlRelativePath"]: record for record in rebuilt.values()}
-        for record in records.values():
-            path = record["emlRelativePath"]
-            if path in headless:
-                continue
-            self.assertEqual(by_path[path]["contentHash"], record["contentHash"])
-            header = re.search(rb"(?im)^message-id:\s*<([^>\r\n]*)>", files[path])
-            written = header.group(1).decode().lower() if header else None
-            # Mail's index may lack an id that the header has; a header that is cut may lack one that Mail has.
-            if written == record.get("messageIdentifier"):
-                self.assertEqual(by_path[path]["id"], record["id"])
+        # Neither stands in the mail, and Mail has it in other words than the header.
+        unknown = ("sourceCopyCount", "ccRecipients")
+        self.assertEqual([{key: record.get(key) for key in record if key not in unknown} for record in
+                          sorted(rebuilt.values(), key=lambda record: record["emlRelativePath"])],
+                         [{key: record.get(key) for key in record if key not in unknown} for record in
+                          sorted(records.values(), key=lambda record: record["emlRelativePath"])])
 
 
 if __name__ == "__main__":

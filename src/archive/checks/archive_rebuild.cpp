@@ -16,6 +16,7 @@
 #include "archive/archive_error.h"
 #include "archive/checks/archive_reader.h"
 #include "archive/destination/archive_destination.h"
+#include "archive/destination/index_records.h"
 #include "archive/header_summary.h"
 #include "platform/paths.h"
 #include "records/archived/content_hash.h"
@@ -42,7 +43,8 @@ struct Mail {
     std::int64_t sizeBytes = 0;
     platform::Sha256Digest hash{};
     FileStamp stamp;
-    HeaderSummary header;
+    HeaderSummary header;                       // empty where there is none; then a message is known
+    const MailMessageRecord* message = nullptr; // of the last scan
 };
 
 // The number in a name that ends in "（变体N）", or in that and the number of a repeated name.
@@ -81,6 +83,7 @@ ArchivedEmailRecord recordOf(const Mail& mail, Date now) {
     record.ccRecipients = mail.header.ccRecipients;
     record.date = mail.header.date;
     record.accountName = accountOf(mail.path);
+    if (mail.message != nullptr) archive::setMessageFields(record, *mail.message);
     record.sizeBytes = mail.sizeBytes;
     record.emlRelativePath = mail.path;
     record.archivedAt = now;
@@ -106,6 +109,7 @@ class Rebuild {
       , stop_(stop)
       , root_(root)
       , reader_(files, root, {.stop = stop})
+      , scanned_(options.scanned)
       , destination_(files, root, std::chrono::seconds(25)) {}
 
     ArchiveRebuild run();
@@ -130,6 +134,7 @@ class Rebuild {
     std::stop_token stop_;
     std::string root_;
     ArchiveReader reader_;
+    archive::ScannedCopies scanned_;
     archive::ArchiveDestination destination_;
     EmailArchiveIndex index_;
     bool isDamaged_ = false;
@@ -220,8 +225,10 @@ void Rebuild::readMail(const std::string& path) {
         break;
     }
     auto header = archive::headerSummary(file.start);
-    if (!header) return fail(path, "没有邮件头，不是邮件");
-    mails_.push_back({path, variantOf(path), file.bytesRead, file.hash, file.stamp, std::move(*header)});
+    const MailMessageRecord* const message = scanned_.messageWith(file.hash, file.start);
+    if (!header && message == nullptr) return fail(path, "没有邮件头，不是邮件");
+    mails_.push_back({path, variantOf(path), file.bytesRead, file.hash, file.stamp,
+                      std::move(header).value_or(HeaderSummary()), message});
 }
 
 void Rebuild::adopt() {

@@ -1,6 +1,7 @@
 // The way back for an archive whose index is lost, damaged or doesn't name all of its files: takes .eml files
 // that no record names into the index, from their own headers. The ids are those that a scan of the same mail
-// gives, so what was proven by the lost index can be proven by the new one. A .eml file is never touched, and
+// gives, so what was proven by the lost index can be proven by the new one; where Mail knows a message by
+// other words than its header, the last scan has them. A .eml file is never touched, and
 // records that are there stay as they are, but for the path of one whose file has been renamed. Blocks, on a
 // background thread; a place that doesn't answer has 25 seconds a step.
 #pragma once
@@ -12,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "archive/checks/scanned_copies.h"
 #include "platform/files/layers/file_layer.h"
 #include "records/archived/archive_records.h"
 #include "records/archived/file_readings.h"
@@ -39,6 +41,7 @@ struct RebuildOptions {
     std::function<void(std::size_t, std::size_t)> progress{};
     std::function<void(const std::string&)> markHidden{}; // empty: no file is hidden
     std::function<Date()> now{};                          // empty: the system's
+    archive::ScannedMail scanned{};
 };
 
 // Makes an index where there is none; one that can't be decoded is kept aside. No index is made for a folder

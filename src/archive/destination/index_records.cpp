@@ -67,6 +67,21 @@ std::vector<ArchivedEmailRecord> IndexRecords::release() && {
     return std::move(records_);
 }
 
+void setMessageFields(ArchivedEmailRecord& record, const MailMessageRecord& message) {
+    record.messageIdentifier = message.messageIdentifier;
+    record.referencedMessageIdentifiers = message.referencedMessageIdentifiers;
+    record.subject = message.subject;
+    record.sender = message.sender;
+    record.recipients = message.recipients;
+    record.date = message.date;
+    record.mailbox = message.mailbox;
+    record.accountIdentifier = message.accountIdentifier;
+    record.accountName = message.accountName;
+    record.attachmentNames.clear();
+    for (const MailAttachmentRecord& attachment : message.attachments)
+        record.attachmentNames.push_back(attachment.fileName);
+}
+
 SharedText variantID(std::string_view baseID, std::size_t number) {
     return fmt::format("{}#v{}", baseID, number);
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "records/archived/archive_records.h"
+#include "records/mail_message_record.h"
 #include "text/shared_text.h"
 
 namespace corvane::archive {
@@ -43,6 +44,9 @@ class IndexRecords {
     SharedTextSet ids_;
     std::unordered_multimap<std::string_view, std::size_t> byBaseID_; // keys live in the records
 };
+
+// What a record says of its message, as a scan has it.
+void setMessageFields(ArchivedEmailRecord& record, const MailMessageRecord& message);
 
 // "<base id>#v<number>".
 SharedText variantID(std::string_view baseID, std::size_t number);

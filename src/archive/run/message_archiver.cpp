@@ -151,29 +151,16 @@ void MessageArchiver::Work::addFile(std::string relativePath, const MessageBytes
 ArchivedEmailRecord MessageArchiver::Work::newRecord(SharedText id, std::string path,
                                                      const MessageBytes& chosen,
                                                      const Sha256Digest& hash) const {
-    ArchivedEmailRecord record{
-        .id = std::move(id),
-        .messageIdentifier = message_.messageIdentifier,
-        .referencedMessageIdentifiers = message_.referencedMessageIdentifiers,
-        .subject = message_.subject,
-        .sender = message_.sender,
-        .recipients = message_.recipients,
-        .ccRecipients = mime::decodedHeaderField("cc", chosen.bytes),
-        .date = message_.date,
-        .mailbox = message_.mailbox,
-        .accountIdentifier = message_.accountIdentifier,
-        .accountName = message_.accountName,
-        .sizeBytes = static_cast<std::int64_t>(chosen.bytes.size()),
-        .attachmentNames = {},
-        .emlRelativePath = std::move(path),
-        .archivedAt = archiver_.now_(),
-        .sourceCopyCount = static_cast<std::int64_t>(copies_.messages.size()),
-        .sourceCopiesIdentical = groups_.size() == 1,
-        .contentHash = SharedText(contentHashText(hash)),
-    };
-    for (const MailAttachmentRecord& attachment : message_.attachments) {
-        record.attachmentNames.push_back(attachment.fileName);
-    }
+    ArchivedEmailRecord record;
+    setMessageFields(record, message_);
+    record.id = std::move(id);
+    if (auto cc = mime::decodedHeaderField("cc", chosen.bytes)) record.ccRecipients = SharedText(*cc);
+    record.sizeBytes = static_cast<std::int64_t>(chosen.bytes.size());
+    record.emlRelativePath = std::move(path);
+    record.archivedAt = archiver_.now_();
+    record.sourceCopyCount = static_cast<std::int64_t>(copies_.messages.size());
+    record.sourceCopiesIdentical = groups_.size() == 1;
+    record.contentHash = SharedText(contentHashText(hash));
     return record;
 }
 

@@ -1,3 +1,4 @@
+#include <exception>
 #include <memory>
 #include <stop_token>
 #include <string>
@@ -6,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "archive/checks/archive_rebuild.h"
+#include "archive/checks/scanned_copies.h"
 #include "cli/commands/commands.h"
 #include "cli/commands/verified_readings.h"
 #include "cli/console/output.h"
@@ -13,6 +15,10 @@
 #include "cli/exit_status.h"
 #include "platform/paths.h"
 #include "platform/platform.h"
+#include "records/logs/console_log.h"
+#include "records/stores/app_support.h"
+#include "records/stores/proof_store.h"
+#include "records/stores/scan_cache_store.h"
 
 namespace corvane::cli {
 
@@ -48,12 +54,26 @@ void printReadable(const ArchiveRebuild& rebuild, bool isDryRun) {
         printText(fmt::format("未收入：{}：{}", failure.path, failure.reason));
 }
 
+// Nothing where it can't be had: then the mail's headers have to do.
+archive::ScannedMail lastScan(const platform::Platform& system) {
+    const CorvaneAppSupport support(system);
+    try {
+        auto cache = MailScanCacheStore(support).load();
+        if (!cache) return {};
+        return {std::make_shared<const MessageList>(std::move(cache->messages)), ProofStore(support).load()};
+    } catch (const std::exception& error) {
+        consoleLine(fmt::format("[rebuild] {}", error.what()));
+        return {};
+    }
+}
+
 int runRebuild(const RebuildCommandOptions& command, const CommonOptions& common) {
     ProgressLine line;
     std::stop_source stop;
     const auto system = platform::makePlatform(common.home);
     RebuildOptions options;
     options.isDryRun = command.isDryRun;
+    options.scanned = lastScan(*system);
     options.markHidden = [&](const std::string& path) { system->markHidden(path); };
     options.progress = [&](std::size_t read, std::size_t all) {
         if (wasInterrupted()) stop.request_stop();

@@ -23,6 +23,7 @@ struct RebuildJob {
     std::string root;
     const platform::Platform& platform;
     platform::FileLayer& files;
+    archive::ScannedMail scanned;
 };
 
 struct Found {
@@ -38,6 +39,7 @@ Found lookFor(const LookJob& job, const TaskHandle& task) {
 Outcome rebuild(const RebuildJob& job, const ReportingTask<Progress>& task) {
     std::chrono::steady_clock::time_point next;
     RebuildOptions options;
+    options.scanned = job.scanned;
     options.markHidden = [&job](const std::string& path) { job.platform.markHidden(path); };
     options.progress = [&](std::size_t read, std::size_t all) {
         const auto now = std::chrono::steady_clock::now();
@@ -54,9 +56,10 @@ Outcome rebuild(const RebuildJob& job, const ReportingTask<Progress>& task) {
 
 } // namespace
 
-ArchiveRebuildFlow::ArchiveRebuildFlow(ModelContext& context, QObject* parent)
+ArchiveRebuildFlow::ArchiveRebuildFlow(ModelContext& context, ScanProvider scanned, QObject* parent)
   : QObject(parent)
   , context_(context)
+  , scanned_(std::move(scanned))
   , lookTask_(context.tasks)
   , rebuildTask_(context.tasks) {}
 
@@ -81,8 +84,8 @@ void ArchiveRebuildFlow::start() {
     progress_ = {};
     outcome_.reset();
     rebuildTask_.startReporting<Progress>(
-        TaskPriority::userInitiated, RebuildJob{offer_->root, context_.platform, context_.support.files()},
-        &rebuild,
+        TaskPriority::userInitiated,
+        RebuildJob{offer_->root, context_.platform, context_.support.files(), scanned_()}, &rebuild,
         [this](Progress progress) {
             progress_ = progress;
             Q_EMIT changed();

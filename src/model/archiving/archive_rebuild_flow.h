@@ -4,12 +4,14 @@
 
 #include <cstddef>
 #include <expected>
+#include <functional>
 #include <optional>
 #include <string>
 
 #include <QObject>
 
 #include "archive/checks/archive_rebuild.h"
+#include "archive/checks/scanned_copies.h"
 #include "model/archiving/kept_readings.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
@@ -35,7 +37,10 @@ class ArchiveRebuildFlow : public QObject {
     // A result, or the user's text of what kept the index from being rebuilt.
     using Outcome = std::expected<ArchiveRebuild, std::string>;
 
-    explicit ArchiveRebuildFlow(ModelContext& context, QObject* parent = nullptr);
+    // The last scan and what was read of it; asked on the main thread at the start of a rebuild.
+    using ScanProvider = std::function<archive::ScannedMail()>;
+
+    ArchiveRebuildFlow(ModelContext& context, ScanProvider scanned, QObject* parent = nullptr);
 
     // Looks whether this archive needs it; absent withdraws the offer. No effect during a rebuild.
     void look(const std::optional<std::string>& root);
@@ -67,6 +72,7 @@ class ArchiveRebuildFlow : public QObject {
     void finish(Outcome outcome);
 
     ModelContext& context_;
+    ScanProvider scanned_;
     std::optional<RebuildOffer> offer_;
     Progress progress_;
     std::optional<Outcome> outcome_;
