@@ -44,8 +44,8 @@ struct RunTimes {
     Seconds syncing{};
 };
 
-// What came of a message that the archive holds now, if its folders are still in their places at the end.
-struct Archived {
+// What came of a message of which there was a copy.
+struct Handled {
     const MailMessageRecord* message = nullptr;
     HandledMessage handled;
     bool hasFailure = false; // of one of its copies
@@ -106,7 +106,7 @@ class ArchiveRun {
     EmailArchiveIndex index_; // without its records, which are in records_ until the end
     archive::IndexRecords records_;
     std::optional<MessageArchiver> archiver_;
-    std::vector<Archived> archived_;
+    std::vector<Handled> handled_;
     EmailArchiveRunResult result_;
     std::int64_t copiesRead_ = 0;
     RunTimes times_;
@@ -148,7 +148,7 @@ void ArchiveRun::archiveMessages() {
 
 void ArchiveRun::archiveMessage(const MailMessageRecord& message) {
     const std::size_t failuresBefore = result_.failures.size();
-    const std::size_t archivedBefore = archived_.size();
+    const std::size_t handledBefore = handled_.size();
     try {
         MessageCopies copies = readCopies(message);
         if (copies.messages.empty()) {
@@ -167,7 +167,7 @@ void ArchiveRun::archiveMessage(const MailMessageRecord& message) {
     }
     if (result_.failures.size() == failuresBefore) return;
     ++result_.failedCount;
-    if (archived_.size() > archivedBefore) archived_.back().hasFailure = true;
+    if (handled_.size() > handledBefore) handled_.back().hasFailure = true;
 }
 
 // In a job with the limit of a place: Mail's store may be a mounted one.
@@ -201,11 +201,9 @@ void ArchiveRun::handleCopies(const MailMessageRecord& message, MessageCopies& c
     for (const archive::CopyProblem& problem : copies.problems) {
         fail(message, FileURL(problem.path), problem.reason);
     }
-    try {
-        archived_.push_back({.message = &message, .handled = archiver_->archive(message, copies)});
-    } catch (const ArchiveError& error) {
-        fail(message, message.fileURL, error.what());
-    }
+    HandledMessage handled = archiver_->archive(message, copies);
+    if (handled.failure) fail(message, message.fileURL, *handled.failure);
+    handled_.push_back({.message = &message, .handled = std::move(handled)});
 }
 
 void ArchiveRun::handleWithoutCopies(const MailMessageRecord& message, const MessageCopies& copies) {
@@ -246,18 +244,18 @@ void ArchiveRun::finish() {
 // What lies in a folder that has gone from its place isn't in the archive, and isn't recorded.
 void ArchiveRun::count(const std::set<WrittenFolder>& lostFolders) {
     std::vector<std::size_t> lostRecords;
-    for (Archived& archived : archived_) {
-        HandledMessage& handled = archived.handled;
+    for (Handled& each : handled_) {
+        HandledMessage& handled = each.handled;
         const bool isLost = std::ranges::any_of(
             handled.folders, [&](const WrittenFolder& folder) { return lostFolders.contains(folder); });
         if (!isLost) {
             count(handled);
             continue;
         }
+        if (handled.failure) continue;
         std::ranges::copy(handled.records, std::back_inserter(lostRecords));
-        fail(*archived.message, archived.message->fileURL,
-             ArchiveError(ArchiveError::Case::writeFailed).what());
-        if (!archived.hasFailure) ++result_.failedCount;
+        fail(*each.message, each.message->fileURL, ArchiveError(ArchiveError::Case::writeFailed).what());
+        if (!each.hasFailure) ++result_.failedCount;
     }
     records_.remove(lostRecords);
 }

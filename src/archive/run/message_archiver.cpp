@@ -40,6 +40,21 @@ class MessageArchiver::Work {
     }
 
     HandledMessage done() {
+        try {
+            placeAll();
+            record();
+        } catch (const ArchiveError& error) {
+            handled_ = HandledMessage();
+            handled_.failure = error.what();
+            bodies_.clear();
+            addKnownFiles();
+        }
+        addBodyHashes();
+        return std::move(handled_);
+    }
+
+  private:
+    void placeAll() {
         known_ = archiver_.lookAtKnown(identity_);
         restore();
         const auto missing = groupsWithoutFile(groups_, known_, copies_.readings);
@@ -47,13 +62,9 @@ class MessageArchiver::Work {
         handled_.inPlace = std::max<std::int64_t>(0, held - handled_.written);
         addKnownFiles();
         for (const std::size_t group : missing) addGroup(copies_.messages[groups_[group].largest]);
-        addBodyHashes();
         warnOfVariants(missing.size());
-        record();
-        return std::move(handled_);
     }
 
-  private:
     void restore();
     void addKnownFiles();
     void addGroup(const MessageBytes& chosen);

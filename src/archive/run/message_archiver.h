@@ -22,9 +22,11 @@
 
 namespace corvane::archive {
 
-// What was done for a message. It holds as long as the folders are where they were.
+// What was done for a message. It holds as long as the folders are where they were. Of one that failed
+// nothing is recorded or counted; what was read of the files that the archive has of it holds all the same.
 struct HandledMessage {
-    std::int64_t written = 0; // files
+    std::optional<std::string> failure; // for the user
+    std::int64_t written = 0;           // files
     std::int64_t inPlace = 0;
     std::int64_t bytes = 0;           // written
     std::vector<std::size_t> records; // new ones, by their positions in the index
@@ -43,8 +45,7 @@ class MessageArchiver {
     bool holds(const MailMessageRecord& message);
 
     // There has to be a copy. The readings of the copies get a hash of the body where only that tells that
-    // the archive holds them. Throws ArchiveError, and then nothing is recorded; ArchiveAccessError when the
-    // archive has gone.
+    // the archive holds them, or says that it doesn't. Throws ArchiveAccessError when the archive has gone.
     HandledMessage archive(const MailMessageRecord& message, MessageCopies& copies);
 
     struct Times {

@@ -1,6 +1,7 @@
 #include "records/archived/proof_facts.h"
 
 #include <iterator>
+#include <optional>
 #include <unordered_set>
 #include <utility>
 
@@ -25,7 +26,10 @@ void ReadingTable::set(std::string_view path, const FileReading& reading) {
     const auto next = static_cast<PositionTable::Position>(rows_.size());
     const auto [position, isNew] = positions_.insert(path, next, textAt);
     if (!isNew) {
-        rows_[position].reading = reading;
+        FileReading& known = rows_[position].reading;
+        const auto bodyHash = known.hash == reading.hash ? known.bodyHash : std::nullopt;
+        known = reading;
+        if (!known.bodyHash) known.bodyHash = bodyHash;
         return;
     }
     rows_.push_back({paths_.size(), path.size(), reading});

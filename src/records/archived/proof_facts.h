@@ -22,7 +22,8 @@ class ReadingTable {
   public:
     void reserve(std::size_t count);
 
-    // Replaces an earlier reading of that path.
+    // Replaces an earlier reading of that path, of which the hash of the body stays if all bytes are the same
+    // and nobody needed it this time.
     void set(std::string_view path, const FileReading& reading);
 
     // Null for a path that was never read. Valid until the next change.

@@ -43,9 +43,13 @@ constexpr const char* selectCopies =
     "SELECT path, size, modified, outcome, hash, body_hash, read_at FROM copy_reading;";
 constexpr const char* selectArchived =
     "SELECT path, size, modified, outcome, hash, body_hash, read_at, root FROM archived_reading;";
-constexpr const char* insertCopy = "INSERT OR REPLACE INTO copy_reading VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7);";
-constexpr const char* insertArchived =
-    "INSERT OR REPLACE INTO archived_reading VALUES(?8, ?1, ?2, ?3, ?4, ?5, ?6, ?7);";
+// As ReadingTable::set.
+constexpr const char* insertCopy = R"(INSERT INTO copy_reading VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7)
+ON CONFLICT DO UPDATE SET size = ?2, modified = ?3, outcome = ?4, hash = ?5, read_at = ?7,
+    body_hash = CASE WHEN ?6 IS NULL AND hash = ?5 THEN body_hash ELSE ?6 END;)";
+constexpr const char* insertArchived = R"(INSERT INTO archived_reading VALUES(?8, ?1, ?2, ?3, ?4, ?5, ?6, ?7)
+ON CONFLICT DO UPDATE SET size = ?2, modified = ?3, outcome = ?4, hash = ?5, read_at = ?7,
+    body_hash = CASE WHEN ?6 IS NULL AND hash = ?5 THEN body_hash ELSE ?6 END;)";
 
 constexpr const char* deleteCopy = "DELETE FROM copy_reading WHERE path = ?1;";
 constexpr const char* deleteArchived = "DELETE FROM archived_reading WHERE path = ?1 AND root = ?2;";
