@@ -5,6 +5,8 @@
 #include <memory>
 #include <optional>
 #include <stop_token>
+#include <string>
+#include <unordered_map>
 #include <utility>
 
 #include "listing/file_existence.h"
@@ -64,10 +66,29 @@ Selections selectCounted(const AvailabilityJob& job, const CountedMessages& all,
     return selections;
 }
 
-std::shared_ptr<const SharedTextSet> recordedIDs(const AvailabilityJob& job) {
+void findRecorded(const AvailabilityJob& job, AvailabilityResult& result) {
     const auto& baseIDs = job.inputs.archivedBaseIDs;
-    if (job.known && job.known->archivedBaseIDs == baseIDs) return job.known->recordedMessageIDs;
-    return messageIDsOf(*job.set->messages, *baseIDs);
+    if (job.known && job.known->archivedBaseIDs == baseIDs) {
+        result.recordedMessageIDs = job.known->recordedMessageIDs;
+        result.ambiguousIDs = job.known->ambiguousIDs;
+    } else {
+        setRecorded(result, *job.set->messages, *baseIDs);
+    }
+}
+
+// A scan makes one message of all that have one Message-ID.
+SharedTextSet idsSharingStableID(const MessageList& messages, const SharedTextSet& recordedIDs) {
+    SharedTextSet sharing;
+    std::unordered_map<std::string, const MailMessageRecord*> firsts;
+    for (const MailMessageRecord& message : messages) {
+        if (message.messageIdentifier && !message.messageIdentifier->empty()) continue;
+        if (!recordedIDs.contains(message.id)) continue;
+        const auto [first, isNew] = firsts.try_emplace(stableID(message), &message);
+        if (isNew) continue;
+        sharing.insert(first->second->id);
+        sharing.insert(message.id);
+    }
+    return sharing;
 }
 
 // Null when stopped.
@@ -87,16 +108,6 @@ std::shared_ptr<const SharedTextSet> withheldIDs(const AvailabilityResult& resul
         if (!countsAsArchived(verdict.outcome) && !isOfferedAgain(verdict.outcome)) withheld.insert(id);
     }
     return std::make_shared<const SharedTextSet>(std::move(withheld));
-}
-
-std::shared_ptr<const SharedTextSet> archivedIDs(const AvailabilityResult& result) {
-    const SharedTextSet& setAside = *result.setAsideIDs;
-    const auto& against = result.proofs->against;
-    if (setAside.empty() && against.empty()) return result.recordedMessageIDs;
-    SharedTextSet archived = *result.recordedMessageIDs;
-    for (const auto& [id, verdict] : against) archived.erase(id);
-    for (const SharedText& id : setAside) archived.erase(id);
-    return std::make_shared<const SharedTextSet>(std::move(archived));
 }
 
 bool hasFailed(const MailMessageRecord& message, const SharedTextSet& failedPaths) {
@@ -155,6 +166,26 @@ std::shared_ptr<const SharedTextSet> messageIDsOf(const MessageList& messages,
     return ids;
 }
 
+void setRecorded(AvailabilityResult& result, const MessageList& messages, const SharedTextSet& baseIDs) {
+    result.recordedMessageIDs = messageIDsOf(messages, baseIDs);
+    result.ambiguousIDs =
+        std::make_shared<const SharedTextSet>(idsSharingStableID(messages, *result.recordedMessageIDs));
+}
+
+std::shared_ptr<const SharedTextSet> archivedIDs(const AvailabilityResult& result) {
+    const SharedTextSet& setAside = *result.setAsideIDs;
+    const SharedTextSet& ambiguous = *result.ambiguousIDs;
+    const auto& against = result.proofs->against;
+    if (setAside.empty() && ambiguous.empty() && against.empty()) return result.recordedMessageIDs;
+    SharedTextSet archived = *result.recordedMessageIDs;
+    for (const auto& [id, verdict] : against) archived.erase(id);
+    for (const SharedText& id : setAside) archived.erase(id);
+    for (const SharedText& id : ambiguous) {
+        if (!result.proofs->provenIDs->contains(id)) archived.erase(id);
+    }
+    return std::make_shared<const SharedTextSet>(std::move(archived));
+}
+
 // The list waits for this, so what doesn't depend on each other runs at a time.
 std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job,
                                                       const std::stop_token& stop) {
@@ -171,7 +202,7 @@ std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job
         [&] {
             result.locallyAvailableIDs =
                 job.known ? job.known->locallyAvailableIDs : findAvailable(job, stop);
-            result.recordedMessageIDs = recordedIDs(job);
+            findRecorded(job, result);
         },
         [&] {
             result.yearByID =

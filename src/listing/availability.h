@@ -37,7 +37,10 @@ struct AvailabilityResult {
     std::shared_ptr<const YearByID> yearByID = std::make_shared<const YearByID>();
     // The messages whose stable id is one of these base ids.
     std::shared_ptr<const SharedTextSet> recordedMessageIDs = std::make_shared<const SharedTextSet>();
-    // Those of them that nothing stands against: what counts as archived.
+    // Those of them that share their stable id with others of the list, as mails without a Message-ID can.
+    // The record may be another one's: they count as archived only when they are proven.
+    std::shared_ptr<const SharedTextSet> ambiguousIDs = std::make_shared<const SharedTextSet>();
+    // The recorded ones that nothing stands against: what counts as archived.
     std::shared_ptr<const SharedTextSet> archivedMessageIDs = std::make_shared<const SharedTextSet>();
     SharedProofTable proofs = std::make_shared<const ProofTable>();
     // The messages that the user has set aside.
@@ -73,5 +76,11 @@ std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job
 // The ids of the messages whose stable id is one of these.
 std::shared_ptr<const SharedTextSet> messageIDsOf(const MessageList& messages,
                                                   const SharedTextSet& stableIDs);
+
+// Finds out what is recorded, and what of that is ambiguous.
+void setRecorded(AvailabilityResult& result, const MessageList& messages, const SharedTextSet& baseIDs);
+
+// What follows from what is recorded, ambiguous, proven and set aside.
+std::shared_ptr<const SharedTextSet> archivedIDs(const AvailabilityResult& result);
 
 } // namespace corvane

@@ -13,6 +13,7 @@ SharedAvailability statisticsOf(const AvailabilityResult& earlier) {
     kept.locallyAvailableIDs = nothingKnown.locallyAvailableIDs;
     kept.yearByID = nothingKnown.yearByID;
     kept.recordedMessageIDs = nothingKnown.recordedMessageIDs;
+    kept.ambiguousIDs = nothingKnown.ambiguousIDs;
     kept.archivedMessageIDs = nothingKnown.archivedMessageIDs;
     kept.proofs = nothingKnown.proofs;
     kept.setAsideIDs = nothingKnown.setAsideIDs;

@@ -59,8 +59,8 @@ AvailabilityResult knownAvailability(const MessageList& messages, const std::vec
     result.locallyAvailableIDs = std::move(available);
     result.archivedBaseIDs = inputs.archivedBaseIDs;
     // What stands against them is found by the run that follows; until then none of them is proven.
-    result.recordedMessageIDs = messageIDsOf(messages, *inputs.archivedBaseIDs);
-    result.archivedMessageIDs = result.recordedMessageIDs;
+    setRecorded(result, messages, *inputs.archivedBaseIDs);
+    result.archivedMessageIDs = archivedIDs(result);
     sumLocal(result);
     return result;
 }
