@@ -38,10 +38,7 @@ class Comparison {
     bool take(std::string_view piece) {
         const std::string_view expected = rest_.substr(0, piece.size());
         rest_.remove_prefix(expected.size());
-        if (piece == expected) {
-            if (isSame_) hash_.update(piece);
-            return true;
-        }
+        if (piece == expected) return true;
         isSame_ = false;
         isPart_ =
             piece.size() == expected.size() &&
@@ -54,12 +51,8 @@ class Comparison {
         return isPart_ ? DiskContent::unfinished : DiskContent::other;
     }
 
-    // Of what was read, as long as that was the same.
-    [[nodiscard]] platform::Sha256Digest hash() { return hash_.digest(); }
-
   private:
     std::string_view rest_;
-    platform::Sha256 hash_;
     bool isSame_ = true;
     bool isPart_ = true;
 };
@@ -120,11 +113,8 @@ DiskReading contentOnDisk(platform::FileLayer& files, std::string_view bytes, co
         return comparison.take(piece);
     };
     if (!readUncached(files, path, before, take, &stamp)) return {};
-    DiskReading reading{.content = comparison.result(), .hash = {}, .stamp = {}};
-    if (reading.content != DiskContent::same) return reading;
-    reading.hash = comparison.hash();
-    reading.stamp = stamp;
-    return reading;
+    const DiskContent content = comparison.result();
+    return {.content = content, .stamp = content == DiskContent::same ? stamp : FileStamp()};
 }
 
 bool verifyOnDisk(platform::FileLayer& files, std::string_view bytes, const std::string& path,

@@ -10,7 +10,6 @@
 
 #include "platform/files/file_identity.h"
 #include "platform/files/layers/file_layer.h"
-#include "platform/files/sha256.h"
 #include "records/archived/file_readings.h"
 
 namespace corvane::archive {
@@ -41,9 +40,7 @@ enum class DiskContent {
 
 struct DiskReading {
     DiskContent content = DiskContent::unreadable;
-    // Of the bytes as they were read; both empty unless the content is the same.
-    platform::Sha256Digest hash{};
-    FileStamp stamp;
+    FileStamp stamp; // zeros unless the content is the same
 };
 
 // Compares a file on the storage with the bytes. `onProgress` is called before each piece.

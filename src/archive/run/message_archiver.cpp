@@ -61,21 +61,21 @@ class MessageArchiver::Work {
         const auto held = static_cast<std::int64_t>(groups_.size() - missing.size());
         handled_.inPlace = std::max<std::int64_t>(0, held - handled_.written);
         addKnownFiles();
-        for (const std::size_t group : missing) addGroup(copies_.messages[groups_[group].largest]);
+        for (const std::size_t group : missing) addGroup(groups_[group].largest);
         warnOfVariants(missing.size());
     }
 
     void restore();
     void addKnownFiles();
-    void addGroup(const MessageBytes& chosen);
+    void addGroup(std::size_t chosen);
     void addBodyHashes();
     void warnOfVariants(std::size_t added);
     void record();
     std::pair<SharedText, std::string> nextName();
     PlacedFile placeNew(const MessageBytes& chosen, std::string_view suffix, std::string& path);
-    void addFile(std::string relativePath, const MessageBytes& message, const PlacedFile& placed);
-    [[nodiscard]] ArchivedEmailRecord newRecord(SharedText id, std::string path, const MessageBytes& chosen,
-                                                const Sha256Digest& hash) const;
+    void addFile(std::string relativePath, std::size_t copy, const PlacedFile& placed);
+    [[nodiscard]] ArchivedEmailRecord newRecord(SharedText id, std::string path, std::size_t chosen) const;
+    [[nodiscard]] const Sha256Digest& hashOf(std::size_t copy) const;
 
     MessageArchiver& archiver_;
     const MailMessageRecord& message_;
@@ -102,7 +102,7 @@ void MessageArchiver::Work::restore() {
         }
         known.file = {.state = ArchivedFile::State::read,
                       .bytes = std::make_shared<const std::string>(message.bytes),
-                      .hash = placed.reading.hash,
+                      .hash = hashOf(restoration.copy),
                       .stamp = placed.reading.stamp,
                       .folder = placed.folder};
     }
@@ -127,11 +127,16 @@ std::pair<SharedText, std::string> MessageArchiver::Work::nextName() {
     return {variantID(identity_, lastVariant_), fmt::format("（变体{}）", lastVariant_)};
 }
 
-void MessageArchiver::Work::addGroup(const MessageBytes& chosen) {
+// What a file in its place was read back as, too: it was compared byte for byte.
+const Sha256Digest& MessageArchiver::Work::hashOf(std::size_t copy) const {
+    return copies_.readings[copy].reading.hash;
+}
+
+void MessageArchiver::Work::addGroup(std::size_t chosen) {
     auto [id, suffix] = nextName();
     std::string path;
-    const PlacedFile placed = placeNew(chosen, suffix, path);
-    newRecords_.push_back(newRecord(std::move(id), path, chosen, placed.reading.hash));
+    const PlacedFile placed = placeNew(copies_.messages[chosen], suffix, path);
+    newRecords_.push_back(newRecord(std::move(id), path, chosen));
     addFile(std::move(path), chosen, placed);
 }
 
@@ -144,8 +149,8 @@ PlacedFile MessageArchiver::Work::placeNew(const MessageBytes& chosen, std::stri
     }
 }
 
-void MessageArchiver::Work::addFile(std::string relativePath, const MessageBytes& message,
-                                    const PlacedFile& placed) {
+void MessageArchiver::Work::addFile(std::string relativePath, std::size_t copy, const PlacedFile& placed) {
+    const MessageBytes& message = copies_.messages[copy];
     if (placed.outcome == PlacedFile::Outcome::written) {
         ++handled_.written;
         handled_.bytes += static_cast<std::int64_t>(message.bytes.size());
@@ -153,25 +158,24 @@ void MessageArchiver::Work::addFile(std::string relativePath, const MessageBytes
         ++handled_.inPlace;
     }
     handled_.readings.push_back(
-        {std::move(relativePath),
-         completeReading(placed.reading.hash, placed.reading.stamp, archiver_.now_())});
+        {std::move(relativePath), completeReading(hashOf(copy), placed.reading.stamp, archiver_.now_())});
     handled_.folders.push_back(placed.folder);
     bodies_.push_back(message.body());
 }
 
 ArchivedEmailRecord MessageArchiver::Work::newRecord(SharedText id, std::string path,
-                                                     const MessageBytes& chosen,
-                                                     const Sha256Digest& hash) const {
+                                                     std::size_t chosen) const {
+    const std::string_view bytes = copies_.messages[chosen].bytes;
     ArchivedEmailRecord record;
     setMessageFields(record, message_);
     record.id = std::move(id);
-    if (auto cc = mime::decodedHeaderField("cc", chosen.bytes)) record.ccRecipients = SharedText(*cc);
-    record.sizeBytes = static_cast<std::int64_t>(chosen.bytes.size());
+    if (auto cc = mime::decodedHeaderField("cc", bytes)) record.ccRecipients = SharedText(*cc);
+    record.sizeBytes = static_cast<std::int64_t>(bytes.size());
     record.emlRelativePath = std::move(path);
     record.archivedAt = archiver_.now_();
     record.sourceCopyCount = static_cast<std::int64_t>(copies_.messages.size());
     record.sourceCopiesIdentical = groups_.size() == 1;
-    record.contentHash = SharedText(contentHashText(hash));
+    record.contentHash = SharedText(contentHashText(hashOf(chosen)));
     return record;
 }
 
