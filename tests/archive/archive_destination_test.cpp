@@ -11,12 +11,16 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#if defined(__linux__)
+#include <sys/mount.h>
+#endif
 #include <unistd.h>
 
 #include "archive/archive_error.h"
 #include "archive/archive_fixture.h"
 #include "archive/destination/index_records.h"
 #include "archive/destination/time_limited_worker.h"
+#include "records/stores/archive_index_decoder.h"
 
 namespace corvane::testing {
 namespace {
@@ -71,6 +75,7 @@ TEST_F(Destination, AnIndexThatNobodyCouldLookAtEndsTheRunBeforeAnythingIsWritte
         {"in the cloud", FileOperation::lock, EIO, Effect::fail, "cloud", "：文件还在云端"},
         {"a link", FileOperation::lock, EIO, Effect::fail, "link", "无法读取归档索引“"},
         {"a folder", FileOperation::lock, EIO, Effect::fail, "folder", "无法读取归档索引“"},
+        {"too large", FileOperation::lock, EIO, Effect::fail, "large", "无法读取归档索引“"},
         {"damaged, and can't be kept", FileOperation::rename, EIO, Effect::fail, "damaged",
          "归档索引已损坏，且无法另存“"},
     };
@@ -90,9 +95,11 @@ TEST_F(Destination, AnIndexThatNobodyCouldLookAtEndsTheRunBeforeAnythingIsWritte
         }
         if (state == std::string("damaged")) home.write("Archive/archive-index.json", "{");
         const Tree before = treeOf(root);
+        if (state == std::string("large")) fs::resize_file(at(index), largestArchiveIndexBytes + 1);
         FaultyFileLayer files;
         files.inject({.at = 1, .effect = effect, .operation = operation, .error = error, .path = index});
         EXPECT_THAT(endOfRun({store("c")}, files), ::testing::HasSubstr(reason));
+        if (state == std::string("large")) fs::resize_file(at(index), before.at(index).size());
         EXPECT_EQ(treeOf(root), before);
         EXPECT_EQ(files.operationCount(FileOperation::write), 0U);
     }
@@ -194,6 +201,20 @@ TEST_F(Destination, AnotherFolderUnderItsPathIsNotWrittenTo) {
         EXPECT_EQ(result.archivedCount + result.skippedAlreadyArchived, 8);
         expectTrue(result);
     }
+}
+
+TEST_F(Destination, NothingGoesBelowADiskThatIsUnmountedInARun) {
+#if defined(__linux__)
+    fs::create_directory(root);
+    if (::mount("none", root.c_str(), "tmpfs", 0, "size=1m") != 0) GTEST_SKIP() << "mounting isn't permitted";
+    FaultyFileLayer files;
+    beforeWrite(files, 4, [&] { ::umount2(root.c_str(), MNT_DETACH); });
+    EXPECT_THAT(endOfRun(eight(), files), ::testing::EndsWith("：位置不存在或磁盘未连接"));
+    EXPECT_EQ(files.operationCount(FileOperation::write), 4U);
+    EXPECT_EQ(treeOf(root), Tree{});
+#else
+    GTEST_SKIP();
+#endif
 }
 
 TEST_F(Destination, AFolderThatIsSwappedLeadsNothingOutAndCountsNothing) {

@@ -1,6 +1,7 @@
 """What others could see or be led to believe: modes of files, characters that act on a terminal or turn a name, log
 lines, remains of killed runs, and commands that don't end."""
 
+import contextlib
 import json
 import os
 import re
@@ -137,13 +138,15 @@ class Ends(CliCase):
         database = home / "Library/Accounts/Accounts4.sqlite"
         database.unlink(missing_ok=True)
         database.parent.mkdir(parents=True, exist_ok=True)
-        os.mkfifo(database)
+        with contextlib.closing(sqlite3.connect(database)) as accounts:
+            accounts.execute("CREATE VIEW ZACCOUNT AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT "
+                             "max(i) AS Z_PK, '' AS ZIDENTIFIER, '' AS ZUSERNAME, '' AS ZACCOUNTDESCRIPTION, "
+                             "0 AS ZPARENTACCOUNT FROM n")
         run = self.start_cli(home, "refresh")
         for clean in (run.stderr.close, run.stdout.close, run.wait, run.kill):
             self.addCleanup(clean)
         time.sleep(1)
-        if run.poll() is not None:
-            self.skipTest("the command doesn't hang")
+        self.assertIsNone(run.poll(), "the command doesn't hang")
         return run
 
     def assert_ended(self, run, signals, limit):

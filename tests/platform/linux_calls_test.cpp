@@ -8,14 +8,18 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/mman.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/un.h>
 #include <sys/vfs.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "platform/files/directory.h"
 #include "platform/files/layers/file_layer.h"
 #include "platform/processes/child_process.h"
+#include "platform/processes/peer_user.h"
 #include "support/temporary_home.h"
 
 namespace corvane::platform {
@@ -78,6 +82,37 @@ TEST(ChildProcess, DiesWithThisProcessEvenWhenThatIsKilled) {
     EXPECT_EQ(helper.wait(), 128 + SIGKILL);
     pollfd event{end.get(), POLLIN, 0};
     EXPECT_EQ(::poll(&event, 1, 60'000), 1);
+}
+
+TEST(PeerUser, IsToldFromAnotherOne) {
+    const TemporaryHome home;
+    ::chmod(home.path().c_str(), 0755);
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    home.at("s").copy(address.sun_path, sizeof(address.sun_path) - 1);
+    const auto* name = reinterpret_cast<const sockaddr*>(&address);
+    const FileDescriptor listener(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    ASSERT_EQ(::bind(listener.get(), name, sizeof(address)), 0);
+    ASSERT_EQ(::listen(listener.get(), 2), 0);
+    ::chmod(home.at("s").c_str(), 0777);
+    constexpr uid_t nobody = 65534;
+    for (const bool isOther : {false, true}) {
+        if (isOther && ::geteuid() != 0) GTEST_SKIP() << "only root can be somebody else";
+        const pid_t child = ::fork();
+        if (child == 0) {
+            const int caller = ::socket(AF_UNIX, SOCK_STREAM, 0);
+            if (isOther && ::setuid(nobody) != 0) ::_exit(1);
+            if (::connect(caller, name, sizeof(address)) != 0) ::_exit(1);
+            char byte = 0;
+            ::_exit(::read(caller, &byte, 1) == 0 ? 0 : 1); // until the other end has looked
+        }
+        {
+            const FileDescriptor peer(::accept(listener.get(), nullptr, nullptr));
+            EXPECT_EQ(isPeerOfSameUser(peer.get()), !isOther);
+        }
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    }
 }
 
 // Pages of the file that are in the page cache.
