@@ -88,17 +88,16 @@ bool PlaceLooks::run(const std::string& place, std::function<void(PlaceLook&)> q
     HungPlaces& hung = HungPlaces::ofProcess();
     if (stop_.stop_requested() || hung.holds(place)) return false;
     const auto state = std::make_shared<HungPlaces::Look>();
-    const auto job = [&files = files_, &hung, state,
-                      question = std::move(question)](archive::JobLimit& limit) {
-        if (!limit.isAbandoned()) {
-            LimitedLook look(files, limit);
-            try {
-                question(look);
-            } catch (const std::exception& error) {
-                consoleLine(fmt::format("[HangTrace] look failed: {}", error.what()));
-            }
+    // Goes with the job, also with one that is given up before it begins.
+    const std::shared_ptr<void> end(nullptr, [&hung, state](void*) { hung.end(*state); });
+    const auto job = [&files = files_, end, question = std::move(question)](archive::JobLimit& limit) {
+        if (limit.isAbandoned()) return;
+        LimitedLook look(files, limit);
+        try {
+            question(look);
+        } catch (const std::exception& error) {
+            consoleLine(fmt::format("[HangTrace] look failed: {}", error.what()));
         }
-        hung.end(*state);
     };
     archive::TimeLimitedWorker worker;
     if (worker.run(limit_, job, stop_)) return true;

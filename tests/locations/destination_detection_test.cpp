@@ -1,12 +1,17 @@
 #include "locations/destination_detection.h"
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <system_error>
 
 #include <gtest/gtest.h>
 
+#include "archive/destination/time_limited_worker.h"
 #include "locations/archive_discovery.h"
 #include "locations/archive_samples.h"
+#include "locations/folder_listing.h"
+#include "support/faulty_file_layer.h"
 #include "support/scripted_platform.h"
 #include "support/temporary_home.h"
 
@@ -40,6 +45,20 @@ TEST_F(DestinationDetection, NamesCloudFoldersWithICloudFirst) {
     EXPECT_EQ(shown, (std::vector<std::string>{"iCloud 云盘|-|icloud.fill", "Box|-|cloud.fill",
                                                "坚果云|me@x.cn|cloud.fill", "Odd|-|cloud.fill",
                                                "OneDrive|Firma|cloud.fill"}));
+}
+
+TEST_F(DestinationDetection, APlaceThatDoesNotAnswerIsListedAndTold) {
+    home_.makeFolder(iCloud);
+    testing::FaultyFileLayer files;
+    files.inject({.at = 1, .effect = testing::Effect::hang, .operation = testing::FileOperation::stat});
+    PlaceLooks looks(platform_, files, {}, std::chrono::seconds(1));
+    const auto found = detectCloudStorage(looks, platform_);
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_FALSE(found[0].hasAnswered);
+    const auto inIt = listWithin(looks, home_.at(iCloud), [](PlaceLook&) { return FolderListing(); });
+    EXPECT_EQ(inIt.error, std::errc::timed_out);
+    files.release();
+    archive::waitForAbandonedJobs();
 }
 
 TEST_F(DestinationDetection, FindsTheUsersFilesInAGoogleDriveFolder) {
