@@ -56,6 +56,33 @@ std::optional<std::int64_t> ScriptedPlatform::availableCapacity(const std::strin
     return capacity ? capacity : real_.availableCapacity(path);
 }
 
+std::unique_ptr<platform::MountSubscription>
+ScriptedPlatform::subscribeToMounts(std::function<void(platform::MountEvent)> handler) const {
+    struct Subscription : platform::MountSubscription {
+        std::shared_ptr<std::function<void(platform::MountEvent)>> handler;
+    };
+
+    auto subscription = std::make_unique<Subscription>();
+    subscription->handler = std::make_shared<std::function<void(platform::MountEvent)>>(std::move(handler));
+    mountHandler_ = subscription->handler;
+    return subscription;
+}
+
+void ScriptedPlatform::sendMountEvent(platform::MountEvent event) const {
+    if (const auto handler = mountHandler_.lock()) (*handler)(event);
+}
+
+std::vector<std::string> ScriptedPlatform::askedOfDesktop() const {
+    const std::lock_guard lock(mutex_);
+    return asked_;
+}
+
+bool ScriptedPlatform::asked(std::string question) const {
+    const std::lock_guard lock(mutex_);
+    asked_.push_back(std::move(question));
+    return true;
+}
+
 std::vector<std::string> leftoversIn(const platform::Platform& platform) {
     std::vector<std::string> names;
     std::error_code noFolder;

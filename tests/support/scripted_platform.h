@@ -79,18 +79,40 @@ class ScriptedPlatform final : public platform::Platform {
 
     [[nodiscard]] std::optional<std::int64_t> availableCapacity(const std::string& path) const override;
 
-    [[nodiscard]] bool isCloudPlaceholder(const std::string& path) const override {
-        return real_.isCloudPlaceholder(path);
+    // Answers for files in clouds, instead of the system's "never".
+    void onCloudPlaceholder(std::function<bool(const std::string&)> answer) {
+        isPlaceholder_ = std::move(answer);
     }
+
+    // Runs at each request for the content of a file.
+    void onRequestDownload(std::function<void(const std::string&)> hook) { downloadHook_ = std::move(hook); }
+
+    [[nodiscard]] bool isCloudPlaceholder(const std::string& path) const override {
+        return isPlaceholder_ ? isPlaceholder_(path) : real_.isCloudPlaceholder(path);
+    }
+
+    void requestDownload(const std::string& path) const override {
+        if (downloadHook_) downloadHook_(path);
+    }
+
+    // What the desktop was asked for, which it then did: "open PATH", "reveal PATH".
+    [[nodiscard]] std::vector<std::string> askedOfDesktop() const;
+
+    [[nodiscard]] bool open(const std::string& target) const override { return asked("open " + target); }
+
+    [[nodiscard]] bool reveal(const std::string& path) const override { return asked("reveal " + path); }
 
     void markHidden(const std::string& path) const override { real_.markHidden(path); }
 
     [[nodiscard]] std::unique_ptr<platform::MountSubscription>
-    subscribeToMounts(std::function<void(platform::MountEvent)>) const override {
-        return nullptr;
-    }
+    subscribeToMounts(std::function<void(platform::MountEvent)> handler) const override;
+
+    // Tells the last one that subscribed, if it still wants to know.
+    void sendMountEvent(platform::MountEvent event) const;
 
   private:
+    bool asked(std::string question) const;
+
     const TemporaryHome& home_;
     platform::Platform& real_;
     std::string volumesFolder_;
@@ -101,6 +123,10 @@ class ScriptedPlatform final : public platform::Platform {
     std::function<void(int)> hook_;
     std::function<void()> volumeOfHook_;
     std::function<void()> capacityHook_;
+    std::function<bool(const std::string&)> isPlaceholder_;
+    std::function<void(const std::string&)> downloadHook_;
+    mutable std::vector<std::string> asked_;
+    mutable std::weak_ptr<std::function<void(platform::MountEvent)>> mountHandler_;
     mutable std::atomic<int> calls_ = 0;
 };
 
