@@ -34,6 +34,7 @@ class MailWorkerClient {
         std::optional<std::int64_t> maxBytes{}; // read of each file, or of one attachment's data
         std::optional<std::string> fileName{};
         std::optional<std::vector<std::string>> filePaths{};
+        std::optional<std::int64_t> occurrence{}; // of the attachments with that name, 0 for the first
     };
 
     struct Attachment {

@@ -14,7 +14,8 @@ struct JsonForm<MailWorkerClient::Request> {
     static constexpr auto fields =
         std::tuple{jsonField("command", &R::command),          jsonField("file_path", &R::filePath),
                    jsonField("message_text", &R::messageText), jsonField("max_bytes", &R::maxBytes),
-                   jsonField("file_name", &R::fileName),       jsonField("file_paths", &R::filePaths)};
+                   jsonField("file_name", &R::fileName),       jsonField("file_paths", &R::filePaths),
+                   jsonField("occurrence", &R::occurrence)};
 };
 
 template <>

@@ -80,7 +80,10 @@ def attachment_data(request):
     from .attachments.search import find_attachment
     name, limit = required(request, "file_name", str), byte_limit(request, DEFAULT_DATA_BYTES)
     mail = mail_of(request, 2 * limit + DEFAULT_LIST_BYTES)
-    found = find_attachment(attachments_of(Scanner(mail.data).run()), name)
+    occurrence = request.get("occurrence", 0)
+    if isinstance(occurrence, bool) or not isinstance(occurrence, int) or occurrence < 0:
+        raise Failure("请求的 occurrence 无效")
+    found = find_attachment(attachments_of(Scanner(mail.data).run()), name, occurrence)
     if not found:
         raise Failure("没有在邮件中找到附件：" + name)
     data = b"" if found.is_cut(mail.cut) else found.data()

@@ -29,12 +29,13 @@ def ends_path(path, name):
     return bool(re.match(r"[A-Za-z]:", path)) and bool(squeezed(name)) and squeezed(path).endswith(squeezed(name))
 
 
-def find_attachment(attachments, wanted):
-    """The attachment of that name; the likeness asked for goes from the very name down to letters and digits."""
+def find_attachment(attachments, wanted, occurrence=0):
+    """The attachment of that name, or a later one of those that have it; the likeness asked for goes from the very name
+    down to letters and digits."""
     for form in (str, nfc, lambda name: nfc(cleaned(name)), squeezed):
         key = form(wanted)
-        for attachment in attachments:
-            if key and form(attachment.name) == key:
-                return attachment
+        found = [each for each in attachments if key and form(each.name) == key]
+        if found:
+            return found[occurrence] if occurrence < len(found) else None
     of_path = [each for each in attachments if ends_path(wanted, each.name)]
-    return of_path[0] if len(of_path) == 1 else None
+    return of_path[0] if len(of_path) == 1 and occurrence == 0 else None
