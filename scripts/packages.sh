@@ -5,7 +5,7 @@ set -euo pipefail
 
 build=(g++ cmake ninja-build pkg-config git ca-certificates
     qt6-base-dev libicu-dev libsqlite3-dev libsimdjson-dev rapidjson-dev libcli11-dev libtbb-dev libfmt-dev
-    libmount-dev libssl-dev)
+    libmount-dev libssl-dev libarchive-dev)
 window=(qt6-declarative-dev qt6-declarative-dev-tools qml6-module-qtqml qml6-module-qtqml-models
     qml6-module-qtqml-workerscript qml6-module-qtquick qml6-module-qtquick-window qml6-module-qtquick-templates
     qml6-module-qtquick-controls qml6-module-qtquick-layouts qml6-module-qtquick-dialogs
@@ -17,7 +17,7 @@ headers=(npm) # where no npm is there already
 
 if [ "$(uname)" = Darwin ]; then
     # SQLite, its shell and a Python are the system's; Qt comes whole.
-    build=(llvm cmake ninja pkgconf qt icu4c simdjson rapidjson cli11 tbb fmt)
+    build=(llvm cmake ninja pkgconf qt icu4c simdjson rapidjson cli11 tbb fmt libarchive)
     window=("")
     run=(python@3.12)
     tests=(googletest)

@@ -1,0 +1,174 @@
+#include "archive/export/mail_export.h"
+
+#include <cerrno>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <system_error>
+
+#include <fmt/format.h>
+
+#include "archive/export/export_target.h"
+#include "archive/export/folder_target.h"
+#include "archive/export/mbox_target.h"
+#include "archive/export/zip_target.h"
+#include "archive/opening/mail_pieces.h"
+#include "platform/files/directory.h"
+#include "platform/paths.h"
+#include "records/archived/content_hash.h"
+#include "records/error_reasons.h"
+#include "records/stores/archive_index_file.h"
+
+namespace corvane {
+
+namespace {
+
+using archive::ExportedMail;
+
+// Longer mail is read a second time instead of being kept in memory.
+constexpr std::int64_t mostKeptBytes = 8 << 20;
+
+std::string reasonOf(const std::exception& error) {
+    const auto* const system = dynamic_cast<const std::system_error*>(&error);
+    return system == nullptr ? error.what() : systemErrorReason(system->code().value());
+}
+
+ExportError targetFailure(const std::string& path, const std::exception& error) {
+    return ExportError(fmt::format("无法导出到 “{}”：{}", path, reasonOf(error)));
+}
+
+bool liesInArchive(std::string_view path) {
+    for (; path.size() > 1; path = platform::parentPath(path)) {
+        if (platform::fileExists(platform::joinPath(path, archiveIndexFileName))) return true;
+    }
+    return false;
+}
+
+std::unique_ptr<archive::ExportTarget> makeTarget(platform::FileLayer& files, ExportFormat format,
+                                                  const std::string& path) {
+    switch (format) {
+    case ExportFormat::mbox:
+        return std::make_unique<archive::MboxTarget>(files, path);
+    case ExportFormat::zip:
+        return std::make_unique<archive::ZipTarget>(files, path);
+    case ExportFormat::eml:
+        break;
+    }
+    return std::make_unique<archive::FolderTarget>(files, path);
+}
+
+// What a first reading of a mail has shown.
+struct Content {
+    std::int64_t bytes = 0;
+    platform::Sha256Digest hash{};
+    std::optional<std::string> kept; // absent for a long one
+};
+
+Content readContent(archive::MailPieces& pieces, const std::string& path) {
+    Content content{.kept = std::string()};
+    platform::Sha256 hash;
+    pieces.read(path, [&](std::string_view piece) {
+        content.bytes += std::ssize(piece);
+        hash.update(piece);
+        if (content.bytes > mostKeptBytes) content.kept.reset();
+        if (content.kept) *content.kept += piece;
+    });
+    content.hash = hash.digest();
+    return content;
+}
+
+void expectRecorded(const Content& content, const ArchivedEmailRecord& record) {
+    const auto recorded = parseContentHash(record.contentHash.value_or(SharedText()));
+    const bool isOther = recorded ? *recorded != content.hash : record.sizeBytes != content.bytes;
+    if (isOther) throw std::runtime_error("归档文件的内容与归档时不一致");
+}
+
+class Export {
+  public:
+    Export(const MailExport& system, archive::ExportTarget& target, const std::stop_token& stop)
+      : opener_(system.platform, system.limits)
+      , pieces_(system.files, stop, system.limits.ofLook)
+      , target_(target)
+      , stop_(stop) {}
+
+    // Returns its bytes. Throws std::exception for a failure of this mail alone, and ExportError for one of
+    // all.
+    std::int64_t add(const ArchivedEntry& entry) {
+        const std::string path = opener_.ensureLocal(entry, stop_);
+        const Content content = readContent(pieces_, path);
+        expectRecorded(content, entry.record);
+        const ExportedMail mail{entry.record, content.bytes, content.hash};
+        try {
+            write(mail, content, path);
+        } catch (const std::exception& error) {
+            if (!target_.canDropMail()) throw ExportError(reasonOf(error));
+            target_.drop();
+            throw std::runtime_error(reasonOf(error));
+        }
+        return content.bytes;
+    }
+
+  private:
+    void write(const ExportedMail& mail, const Content& content, const std::string& path) {
+        if (!target_.begin(mail)) return;
+        if (content.kept) {
+            target_.write(*content.kept);
+        } else {
+            platform::Sha256 hash;
+            pieces_.read(path, [&](std::string_view piece) {
+                hash.update(piece);
+                target_.write(piece);
+            });
+            if (hash.digest() != content.hash) throw std::runtime_error("归档文件在导出时被改动");
+        }
+        target_.end();
+    }
+
+    ArchivedCloudFileOpener opener_;
+    archive::MailPieces pieces_;
+    archive::ExportTarget& target_;
+    const std::stop_token& stop_;
+};
+
+ExportResult exportAll(Export& mails, const ExportSelection& selection, const ExportProgress& progress,
+                       const std::stop_token& stop) {
+    ExportResult result;
+    const std::int64_t total = std::ssize(selection.positions);
+    std::int64_t done = 0;
+    for (const std::uint32_t position : selection.positions) {
+        if (stop.stop_requested()) break;
+        progress(done++, total);
+        const ArchivedEntry& entry = (*selection.entries)[position];
+        try {
+            result.bytes += mails.add(entry);
+            ++result.exported;
+        } catch (const ExportError&) {
+            if (!stop.stop_requested()) throw;
+        } catch (const std::exception& error) {
+            if (!stop.stop_requested()) result.failures.push_back({entry.id(), reasonOf(error)});
+        }
+    }
+    result.wasCancelled = stop.stop_requested();
+    progress(done, total);
+    return result;
+}
+
+} // namespace
+
+ExportResult MailExport::run(const ExportSelection& selection, ExportFormat format, const std::string& path,
+                             const ExportProgress& progress, const std::stop_token& stop) const {
+    if (liesInArchive(path)) throw ExportError("不能导出到归档文件夹里，请选择别的位置。");
+    try {
+        const auto target = makeTarget(files, format, path);
+        Export mails(*this, *target, stop);
+        ExportResult result = exportAll(mails, selection, progress, stop);
+        if (!result.wasCancelled || target->canDropMail()) target->finish();
+        const bool isGone = result.wasCancelled && !target->canDropMail();
+        if (isGone) result.exported = result.bytes = 0;
+        return result;
+    } catch (const std::exception& error) {
+        throw targetFailure(path, error);
+    }
+}
+
+} // namespace corvane
