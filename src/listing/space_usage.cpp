@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <ranges>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -114,6 +115,20 @@ std::vector<SpaceAccountUsage> computeSpaceUsage(const MessageList& messages,
             return a.localBytes != b.localBytes ? a.localBytes > b.localBytes : a.accountName < b.accountName;
         });
     return usages;
+}
+
+SharedTextSet localMessageIDs(const MessageList& messages, const SharedTextSet& locallyAvailableIDs,
+                              std::string_view accountPrefix,
+                              const std::set<std::string, std::less<>>& senderKeys) {
+    SharedTextSet ids;
+    std::unordered_map<std::string_view, bool> isAsked; // by sender, whose text is taken apart once
+    for (const MailMessageRecord& message : messages) {
+        if (accountGroupKey(message) != accountPrefix || !locallyAvailableIDs.contains(message.id)) continue;
+        const auto [sender, isNew] = isAsked.try_emplace(message.sender.view());
+        if (isNew) sender->second = senderKeys.contains(spaceSenderParts(message.sender).key);
+        if (sender->second) ids.insert(message.id);
+    }
+    return ids;
 }
 
 } // namespace corvane

@@ -2,6 +2,8 @@
 // messages.
 #pragma once
 
+#include <functional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,5 +30,11 @@ SpaceSenderParts spaceSenderParts(std::string_view sender);
 std::vector<SpaceAccountUsage> computeSpaceUsage(const MessageList& messages,
                                                  const SharedTextSet* locallyAvailableIDs,
                                                  const std::vector<MailAccount>& accounts);
+
+// The ids of the messages on this machine that one account has of some senders, by their keys. Linear in the
+// messages.
+SharedTextSet localMessageIDs(const MessageList& messages, const SharedTextSet& locallyAvailableIDs,
+                              std::string_view accountPrefix,
+                              const std::set<std::string, std::less<>>& senderKeys);
 
 } // namespace corvane
