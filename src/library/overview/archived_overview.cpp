@@ -106,6 +106,8 @@ class OverviewCounter {
     [[nodiscard]] FolderPresence count(const FolderRow& folder, ArchivedOverviewStats::Year& year) const;
     [[nodiscard]] Status statusOf(const FolderPresence& presence, const ArchivedOverviewGroup& group,
                                   std::int64_t year) const;
+    // All mail that the group's accounts have of the year is known to be archived.
+    [[nodiscard]] bool isArchived(const ArchivedOverviewGroup& group, std::int64_t year) const;
 
     const ArchiveLibraryIndex& index_;
     const ArchivedOverviewFacts& facts_;
@@ -147,11 +149,19 @@ Status OverviewCounter::statusOf(const FolderPresence& presence, const ArchivedO
                                                                                 : Status::pendingReview;
     if (presence.present == 0 && presence.missing > 0) return Status::completed;
     if (presence.present == 0 && presence.unknown > 0) return Status::pendingReview;
-    if (countIn(facts_.unbackedYearCounts, group.mailAccounts, year) > 0) {
+    if (!isArchived(group, year)) {
         const bool isOnServer = countIn(facts_.undownloadedYearCounts, group.mailAccounts, year) > 0;
         return isOnServer ? Status::serverUnbacked : Status::incomplete;
     }
     return presence.unproven > 0 ? Status::incomplete : Status::cleanable;
+}
+
+bool OverviewCounter::isArchived(const ArchivedOverviewGroup& group, std::int64_t year) const {
+    const bool isWhollyKnown =
+        std::ranges::none_of(facts_.unscannedAccounts, [&](const std::string& account) {
+            return group.mailAccounts.contains(account);
+        });
+    return isWhollyKnown && countIn(facts_.unbackedYearCounts, group.mailAccounts, year) == 0;
 }
 
 ArchivedOverviewStats::Year OverviewCounter::count(const ArchivedOverviewGroup& group,
@@ -159,9 +169,16 @@ ArchivedOverviewStats::Year OverviewCounter::count(const ArchivedOverviewGroup& 
     ArchivedOverviewStats::Year stats;
     for (const FolderRow& folder : year.folders) {
         const FolderPresence presence = count(folder, stats);
-        stats.folders.push_back({.status = statusOf(presence, group, year.year), .presence = presence});
+        const Status status = statusOf(presence, group, year.year);
+        stats.folders.push_back({.status = status,
+                                 .awaitsProof = status == Status::incomplete && isArchived(group, year.year),
+                                 .presence = presence});
     }
     stats.status = archivedOverviewStatus(stats.folders);
+    stats.awaitsProof = stats.status == Status::incomplete &&
+                        std::ranges::all_of(stats.folders, [](const ArchivedOverviewStats::Folder& folder) {
+                            return folder.status != Status::incomplete || folder.awaitsProof;
+                        });
     stats.isCleanable = !stats.folders.empty() &&
                         std::ranges::all_of(stats.folders, [](const ArchivedOverviewStats::Folder& folder) {
                             return folder.status == Status::cleanable;

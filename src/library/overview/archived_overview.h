@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -100,6 +101,8 @@ struct ArchivedOverviewFacts {
     // Mail on this machine that isn't archived, what Mail holds in part and what was set aside included.
     YearCountsByAccount unbackedYearCounts;
     YearCountsByAccount undownloadedYearCounts; // that only the server has
+    // Accounts of Mail of whose mail nothing is known, since nobody has listed it.
+    std::set<std::string> unscannedAccounts{};
 };
 
 struct FolderPresence {
@@ -115,12 +118,15 @@ struct FolderPresence {
 struct ArchivedOverviewStats {
     struct Folder {
         ArchivedOverviewRowStatus status = ArchivedOverviewRowStatus::checking;
+        // `incomplete` for no other reason than that originals still have to be compared.
+        bool awaitsProof = false;
         FolderPresence presence;
     };
 
     struct Year {
         ArchivedOverviewRowStatus status = ArchivedOverviewRowStatus::checking;
         bool isCleanable = false; // every folder is
+        bool awaitsProof = false; // each folder that is `incomplete` does
         MailSum freeable;         // nothing unless it is cleanable
         MailSum removed;
         MailSum unknown;
