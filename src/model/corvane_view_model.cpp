@@ -39,7 +39,7 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
              })
   , visible_(context, catalog_, filters_)
   , counts_(context, accounts_)
-  , space_(accounts_, catalog_)
+  , space_(context, accounts_, catalog_)
   , scanFlow_(context, accounts_, catalog_, counts_, filters_)
   , candidates_(context, catalog_, filters_)
   , ticks_(context, candidates_)
@@ -56,6 +56,11 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
   , configBackup_(context)
   , bodyTexts_(context, library_)
   , libraryList_(context, libraryIndex_, bodyTexts_)
+  , overview_(context,
+              [this] {
+                  return overviewInputs({catalog_, libraryIndex_, presence_, counts_, accounts_},
+                                        proofInputs());
+              })
   , diskAccess_(context)
   , diagnostics_(context, accounts_) {
     wireScan();
@@ -65,6 +70,7 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
     wireProof();
     wireLibrary();
     wireConfigBackup();
+    wireOverview();
     wirePreviews();
     startUp();
     wireVolumes();
@@ -208,6 +214,8 @@ void CorvaneViewModel::proveAnew() {
 void CorvaneViewModel::wireLibrary() {
     const auto rebuild = [this] { libraryIndex_.onInputsChanged(); };
     connect(&library_, &LibraryLoader::archivedEntriesChanged, this, rebuild);
+    connect(&library_, &LibraryLoader::archivedEntriesChanged, this,
+            [this] { presence_.setEntries(library_.archivedEntries()); });
     connect(&library_, &LibraryLoader::archiveLocationsChanged, this, rebuild);
     connect(&accounts_, &AccountDirectory::accountsChanged, this, rebuild);
     connect(&accountRules_, &AccountRules::rulesChanged, this, rebuild);
@@ -251,6 +259,24 @@ bool CorvaneViewModel::forgetLocation(const std::string& rootPath) {
     library_.dropLocation(root);
     loadArchiveIndex(true);
     return true;
+}
+
+// What the overview and the figures of space are made of. A list that grows during a scan changes often, and
+// neither says anything of it.
+void CorvaneViewModel::wireOverview() {
+    const auto refresh = [this] { overview_.onInputsChanged(); };
+    connect(&libraryIndex_, &LibraryIndexFlow::indexChanged, this, refresh);
+    connect(&presence_, &PresenceFlow::presenceChanged, this, refresh);
+    connect(&counts_, &IndexCounts::countsChanged, this, refresh);
+    connect(&accounts_, &AccountDirectory::selectionChanged, this, refresh);
+    connect(&catalog_, &MessageCatalog::generationReplaced, this, refresh);
+    connect(&readings_, &KeptReadings::factsChanged, this, refresh);
+    const auto refreshBoth = [this] {
+        overview_.onInputsChanged();
+        space_.onInputsChanged();
+    };
+    connect(&catalog_, &MessageCatalog::availabilityPublished, this, refreshBoth);
+    connect(&accounts_, &AccountDirectory::accountsChanged, this, refreshBoth);
 }
 
 void CorvaneViewModel::wirePreviews() {

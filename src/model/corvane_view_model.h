@@ -31,6 +31,8 @@
 #include "model/library/library_index_flow.h"
 #include "model/library/library_list_flow.h"
 #include "model/library/library_loader.h"
+#include "model/library/overview/overview_flow.h"
+#include "model/library/overview/overview_inputs.h"
 #include "model/library/presence_flow.h"
 #include "model/mail/account_directory.h"
 #include "model/mail/index_counts.h"
@@ -40,6 +42,7 @@
 #include "model/mail/model_filters.h"
 #include "model/mail/preview_refresh.h"
 #include "model/mail/scan/scan_flow.h"
+#include "model/mail/space_usage_flow.h"
 #include "model/mail/visible_messages.h"
 
 namespace corvane {
@@ -90,7 +93,7 @@ class CorvaneViewModel : public QObject {
 
     [[nodiscard]] IndexCounts& counts() { return counts_; }
 
-    [[nodiscard]] SpaceUsage& space() { return space_; }
+    [[nodiscard]] SpaceUsageFlow& space() { return space_; }
 
     [[nodiscard]] ScanFlow& scanFlow() { return scanFlow_; }
 
@@ -122,6 +125,8 @@ class CorvaneViewModel : public QObject {
 
     [[nodiscard]] LibraryListFlow& libraryList() { return libraryList_; }
 
+    [[nodiscard]] OverviewFlow& overview() { return overview_; }
+
     [[nodiscard]] FullDiskAccess& diskAccess() { return diskAccess_; }
 
     [[nodiscard]] MailDiagnostics& diagnostics() { return diagnostics_; }
@@ -140,6 +145,7 @@ class CorvaneViewModel : public QObject {
     void wireVolumes();
     void archivedBaseIDsReplaced();
     [[nodiscard]] ProofInputs proofInputs() const;
+    void wireOverview();
     void renewFileLooks();
     void proveAnew();
     void pruneFilterYears();
@@ -161,7 +167,7 @@ class CorvaneViewModel : public QObject {
     MessageCatalog catalog_;
     VisibleMessages visible_;
     IndexCounts counts_;
-    SpaceUsage space_;
+    SpaceUsageFlow space_;
     ScanFlow scanFlow_;
     ArchiveCandidates candidates_;
     ArchiveTicks ticks_;
@@ -174,6 +180,7 @@ class CorvaneViewModel : public QObject {
     ConfigBackupFlow configBackup_;
     BodyTexts bodyTexts_;
     LibraryListFlow libraryList_;
+    OverviewFlow overview_;
     FullDiskAccess diskAccess_;
     MailDiagnostics diagnostics_;
     bool isReconciliationDue_ = false;

@@ -76,7 +76,7 @@ void printStatsJson(CorvaneViewModel& model, const std::set<std::int64_t>& years
                         withTextKeys(model.counts().indexedYearCountsByAccount()));
         document.member("undownloadedYearCountsByAccount",
                         withTextKeys(model.counts().undownloadedYearCountsByAccount()));
-        document.member("spaceUsage", model.space().spaceUsage());
+        document.member("spaceUsage", *model.space().spaceUsage());
         document.key("deletionSafety");
         document.object([&] {
             document.member("local", safety.local);
@@ -146,6 +146,7 @@ int runPreview(Session& session, const std::string& file, bool json) {
 int runStats(Session& session, const std::vector<std::int64_t>& years, bool json) {
     session.restoreLastScan();
     session.model().filters().setArchiveFilterYears(asSet(years));
+    session.model().space().refreshSpaceUsage();
     session.waitUntilIdle();
     if (json)
         printStatsJson(session.model(), asSet(years));

@@ -58,16 +58,4 @@ std::optional<IndexCounts::Counts> IndexCounts::readCounts(const CountJob& job, 
     return counts;
 }
 
-const std::vector<SpaceAccountUsage>& SpaceUsage::spaceUsage() {
-    const SharedCatalogState& state = catalog_.state();
-    if (computedOf_.lock() != state) {
-        computedOf_ = state;
-        const SharedTextSet* available =
-            state->isAvailabilityKnown ? state->availability->locallyAvailableIDs.get() : nullptr;
-        cachedSpaceUsage_ =
-            computeSpaceUsage(*state->shown()->messages, available, accounts_.availableAccounts());
-    }
-    return cachedSpaceUsage_;
-}
-
 } // namespace corvane

@@ -13,9 +13,8 @@
 #include <QObject>
 
 #include "listing/deletion_safety.h"
-#include "listing/space_usage.h"
 #include "model/mail/account_directory.h"
-#include "model/mail/message_catalog.h"
+#include "model/model_context.h"
 #include "model/tasks/task_slot.h"
 
 namespace corvane {
@@ -72,24 +71,6 @@ class IndexCounts : public QObject {
     const AccountDirectory& accounts_;
     Counts counts_;
     TaskSlot countTask_;
-};
-
-// The space that accounts occupy, kept while the state of the mail stays as it is. Main thread.
-class SpaceUsage {
-  public:
-    SpaceUsage(const AccountDirectory& accounts, const MessageCatalog& catalog)
-      : accounts_(accounts)
-      , catalog_(catalog) {}
-
-    // Of each account, in bytes; computed here where the state has changed. While it isn't known which
-    // messages are on this machine, all count as local.
-    [[nodiscard]] const std::vector<SpaceAccountUsage>& spaceUsage();
-
-  private:
-    const AccountDirectory& accounts_;
-    const MessageCatalog& catalog_;
-    std::weak_ptr<const CatalogState> computedOf_;
-    std::vector<SpaceAccountUsage> cachedSpaceUsage_;
 };
 
 } // namespace corvane

@@ -1,0 +1,49 @@
+// The overview of archived mail as it is published: groups, figures and what they were made of, in one value.
+// Immutable, shared between threads; making it is linear in the entries and the messages.
+#pragma once
+
+#include <memory>
+#include <set>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+#include "library/library_index.h"
+#include "library/overview/archived_overview.h"
+#include "listing/availability.h"
+#include "listing/message_set.h"
+#include "model/library/original_presence.h"
+
+namespace corvane {
+
+// Equal inputs have equal overviews. No pointer is null.
+struct OverviewInputs {
+    SharedLibraryIndex index;
+    SharedPresence presence;
+    SharedMessageSet messages;
+    SharedAvailability availability;            // of these messages
+    YearCountsByAccount undownloadedYearCounts; // by account
+    // Accounts that the list of messages leaves out: nothing is known of their mail.
+    std::set<std::string> unscannedAccounts{};
+    // Messages, their outcomes and the originals are all known, and of what is archived now.
+    bool isReady = false;
+
+    friend bool operator==(const OverviewInputs&, const OverviewInputs&) = default;
+};
+
+struct ArchivedOverview {
+    OverviewInputs inputs;
+    std::shared_ptr<const std::vector<ArchivedOverviewGroup>> groups; // of the index; never null
+    ArchivedOverviewStats stats;
+
+    [[nodiscard]] OriginalPresence::State presenceState() const { return inputs.presence->state(); }
+
+    // Lends the groups of `earlier` where they are of the same index; it may be null. Null when stopped.
+    static std::shared_ptr<const ArchivedOverview>
+    make(OverviewInputs inputs, const std::shared_ptr<const ArchivedOverview>& earlier,
+         const std::stop_token& stop = {});
+};
+
+using SharedOverview = std::shared_ptr<const ArchivedOverview>;
+
+} // namespace corvane
