@@ -10,7 +10,12 @@ void addCommands(CommandSet& commands) {
     addVerifyCommand(commands);
     addSumsCommand(commands);
     addRebuildCommand(commands);
-    addLibraryCommands(commands);
+    addLocationsCommand(commands);
+    addLibraryCommand(commands);
+    addMergeCommand(commands);
+    addOverviewCommand(commands);
+    addGuideCommand(commands);
+    addSpaceCommand(commands);
     addSearchCommand(commands);
     addIndexCommand(commands);
     addShowCommand(commands);

@@ -10,11 +10,9 @@
 
 #include "cli/commands/commands.h"
 #include "cli/console/output.h"
-#include "cli/console/progress_line.h"
 #include "cli/console/text_table.h"
 #include "cli/exit_status.h"
-#include "records/formatters.h"
-#include "records/logs/console_log.h"
+#include "cli/proving.h"
 
 namespace corvane::cli {
 
@@ -99,28 +97,6 @@ void printReadable(const ProofAnswer& answer) {
     for (const Unproven& each : answer.unproven)
         table.row({titleOf(each.outcome), each.message->subject.str(), each.path});
     table.print();
-}
-
-void warnOfHungPlaces(const ProofFlow& proof) {
-    if (!proof.lastEnd()) return;
-    for (const std::string& root : proof.lastEnd()->hungPlaces)
-        messageLine(fmt::format("没有响应，未能核对：{}", root.empty() ? "Mail 存储" : root));
-}
-
-void proveToEnd(Session& session, const ProofScope& scope) {
-    ProofFlow& proof = session.model().proof();
-    ProgressLine line;
-    const auto shown = QObject::connect(&proof, &ProofFlow::progressChanged, [&] {
-        const auto& progress = proof.progress();
-        if (!progress || progress->total == 0) return;
-        line.show(fmt::format("已核对 {} / {} 封，读取 {}", progress->completed, progress->total,
-                              formatByteCount(progress->bytesRead)),
-                  double(progress->completed) / double(progress->total));
-    });
-    proof.prove(scope);
-    session.waitUntilIdle([&] { proof.cancel(); });
-    QObject::disconnect(shown);
-    warnOfHungPlaces(proof);
 }
 
 // Status 3 when some messages aren't proven; interrupted, it answers with what it has kept.

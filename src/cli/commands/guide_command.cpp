@@ -1,0 +1,105 @@
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <fmt/ranges.h>
+
+#include "cli/commands/commands.h"
+#include "cli/console/output.h"
+#include "cli/exit_status.h"
+#include "cli/overview_loading.h"
+#include "library/overview/smart_mailbox_guide.h"
+
+namespace corvane::cli {
+
+namespace {
+
+struct GuideOptions {
+    std::string account; // its key
+    std::vector<std::int64_t> years;
+};
+
+// The smart mailboxes of the years that may be cleaned: one for each run of adjoining years, so that none
+// gathers mail of a year in between.
+struct Guide {
+    SmartMailboxGuideTarget whole;
+    std::vector<SmartMailboxGuideTarget> mailboxes;
+};
+
+Guide guideOf(const ArchivedOverview& overview, const GuideOptions& options) {
+    const std::size_t place = overviewGroup(overview, options.account);
+    const ArchivedOverviewGroup& group = (*overview.groups)[place];
+    std::vector<std::int64_t> years = overviewCleanableYears(group, overview.stats.groups[place]);
+    if (!options.years.empty()) {
+        std::erase_if(years, [&](std::int64_t year) {
+            return std::ranges::find(options.years, year) == options.years.end();
+        });
+    }
+    return {{group.title, years}, smartMailboxGuideTargets(group.title, years)};
+}
+
+// A line for each of the mailboxes.
+template <class TextOf>
+std::string lines(const Guide& guide, const TextOf& textOf) {
+    if (guide.mailboxes.empty()) return textOf(guide.whole);
+    std::vector<std::string> texts;
+    for (const SmartMailboxGuideTarget& mailbox : guide.mailboxes) texts.push_back(textOf(mailbox));
+    return fmt::format("{}", fmt::join(texts, "\n"));
+}
+
+void printJson(const Guide& guide) {
+    JsonDocument document;
+    document.object([&] {
+        document.member("accountName", guide.whole.accountName);
+        document.member("years", guide.whole.years);
+        document.member("suggestedName", lines(guide, &suggestedName));
+        document.member("conditionText", lines(guide, &conditionText));
+    });
+    document.print();
+}
+
+void printSteps(const SmartMailboxGuideTarget& mailbox) {
+    printText("");
+    int number = 0;
+    for (const SmartMailboxGuideStep& step : smartMailboxGuideSteps(mailbox)) {
+        printText(fmt::format("{}. {}", ++number, step.title.empty() ? step.lines.front() : step.title));
+        if (step.title.empty()) continue;
+        for (const std::string& line : step.lines) printText("   " + line);
+    }
+}
+
+void printReadable(const Guide& guide) {
+    if (guide.mailboxes.empty())
+        return printText(fmt::format("“{}” 还没有可以清理的年份。", guide.whole.accountName));
+    printText(smartMailboxGuideTitle);
+    printText(smartMailboxGuideLead);
+    printText(smartMailboxGuidePromise);
+    for (const SmartMailboxGuideTarget& mailbox : guide.mailboxes) printSteps(mailbox);
+    printText("");
+    printText(smartMailboxGuideClosing);
+}
+
+int runGuide(Session& session, const GuideOptions& options, bool json) {
+    const SharedOverview overview = loadOverview(session, OriginalsCheck::known);
+    const Guide guide = guideOf(*overview, options);
+    json ? printJson(guide) : printReadable(guide);
+    return done;
+}
+
+} // namespace
+
+void addGuideCommand(CommandSet& commands) {
+    auto options = std::make_shared<GuideOptions>();
+    CLI::App& guide = commands.add("guide", "在 Apple Mail 里批量删除已备份邮件的步骤",
+                                   {{{"guide mail-account:me@example.com", "一个账户所有可以清理的年份"},
+                                     {"guide mail-account:me@example.com --year 2014", "只看一年"}}});
+    guide.add_option("account", options->account, "账户，overview 给出的 key")->required()->type_name("KEY");
+    guide.add_option("--year", options->years, "限定年份")->allow_extra_args(false)->type_name("YEAR");
+    commands.setRun(guide,
+                    [options](Session& session, bool json) { return runGuide(session, *options, json); });
+}
+
+} // namespace corvane::cli

@@ -1,0 +1,66 @@
+#include "cli/library_options.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "platform/paths.h"
+#include "records/logs/console_log.h"
+#include "text/trim.h"
+
+namespace corvane::cli {
+
+namespace {
+
+// A root as the library knows it; a path may be written in other ways.
+std::string rootOf(Session& session, const std::string& location) {
+    const LibraryLoader& library = session.model().library();
+    if (library.location(location) != nullptr) return location;
+    const std::string standard = platform::standardizedPath(location);
+    return library.location(standard) != nullptr ? standard : platform::canonicalPath(location);
+}
+
+std::shared_ptr<const SharedTextSet> search(Session& session, const std::string& query) {
+    auto ids = std::make_shared<SharedTextSet>();
+    session.model().bodyTexts().searchArchive(query, [&](ArchiveSearchResult found) {
+        *ids = std::move(found.ids);
+        for (const std::string& root : found.unreadableRoots)
+            messageLine(fmt::format("没能搜索这个归档，结果里没有它的邮件：{}", root));
+    });
+    session.waitUntilIdle();
+    return ids;
+}
+
+} // namespace
+
+void LibraryFilterOptions::addTo(CLI::App& command, LibraryFilterOptions& options) {
+    command.add_option("--account", options.account, "账户，library --options 给出的 key")->type_name("KEY");
+    command.add_option("--location", options.location, "归档位置")->type_name("DIR");
+    command.add_option("--mailbox", options.mailbox, "邮箱名称")->type_name("NAME");
+}
+
+void LibraryFilterOptions::addQueryTo(CLI::App& command, LibraryFilterOptions& options) {
+    command.add_option("--query", options.query, "要找的文字")->type_name("TEXT");
+}
+
+SharedLibraryIndex loadLibraryIndex(Session& session) {
+    loadLibrary(session);
+    LibraryIndexFlow& flow = session.model().libraryIndex();
+    flow.rebuildLibraryIndexIfNeeded();
+    session.waitUntilIdle();
+    return flow.index();
+}
+
+LibraryFilters libraryFilters(Session& session, const LibraryFilterOptions& options) {
+    LibraryFilters filters;
+    filters.libraryAccountFilter = options.account;
+    filters.libraryMailboxFilter = options.mailbox;
+    if (options.location) filters.libraryLocationFilter = rootOf(session, *options.location);
+    const std::string query(text::trimWhitespaceAndNewlines(options.query));
+    if (!query.empty()) filters.matchedIDs = search(session, query);
+    return filters;
+}
+
+} // namespace corvane::cli

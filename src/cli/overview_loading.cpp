@@ -1,0 +1,54 @@
+#include "cli/overview_loading.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+#include "cli/proving.h"
+#include "records/logs/console_log.h"
+
+namespace corvane::cli {
+
+namespace {
+
+void loadMailAndLibrary(Session& session) {
+    CorvaneViewModel& model = session.model();
+    bool isLoaded = false;
+    const auto loading =
+        QObject::connect(&model.library(), &LibraryLoader::loadFinished, [&] { isLoaded = true; });
+    session.restoreLastScan();
+    QObject::disconnect(loading);
+    // Where there is no scan, nothing has loaded the archives.
+    if (!isLoaded) loadLibrary(session);
+    model.libraryIndex().rebuildLibraryIndexIfNeeded();
+    session.waitUntilIdle();
+}
+
+void compareWithMail(Session& session) {
+    PresenceFlow& presence = session.model().presence();
+    presence.refreshArchivedOriginalPresenceIfNeeded(true);
+    session.waitUntilIdle();
+    if (const auto& failure = presence.presence()->failureMessage) messageLine(*failure);
+    proveToEnd(session, {});
+}
+
+} // namespace
+
+SharedOverview loadOverview(Session& session, OriginalsCheck check) {
+    loadMailAndLibrary(session);
+    CorvaneViewModel& model = session.model();
+    model.presence().refreshArchivedOriginalPresenceIfNeeded(false);
+    session.waitUntilIdle();
+    if (check == OriginalsCheck::compare) compareWithMail(session);
+    model.overview().refreshArchivedOverviewStats();
+    session.waitUntilIdle([] {});
+    return model.overview().overview();
+}
+
+std::size_t overviewGroup(const ArchivedOverview& overview, std::string_view key) {
+    const auto group = std::ranges::find(*overview.groups, key, &ArchivedOverviewGroup::key);
+    if (group == overview.groups->end()) throw CommandFailure(fmt::format("归档库中没有这个账户：{}", key));
+    return static_cast<std::size_t>(group - overview.groups->begin());
+}
+
+} // namespace corvane::cli
