@@ -36,9 +36,14 @@ std::shared_ptr<const SharedTextSet> search(Session& session, const std::string&
 } // namespace
 
 void LibraryFilterOptions::addTo(CLI::App& command, LibraryFilterOptions& options) {
-    command.add_option("--account", options.account, "账户，library --options 给出的 key")->type_name("KEY");
-    command.add_option("--location", options.location, "归档位置")->type_name("DIR");
-    command.add_option("--mailbox", options.mailbox, "邮箱名称")->type_name("NAME");
+    const auto add = [&](const char* name, std::optional<std::string>& value, const char* help) {
+        // The parser would take an empty value of an optional for none.
+        return command.add_option_function<std::string>(
+            name, [&value](const std::string& given) { value = given; }, help);
+    };
+    add("--account", options.account, "账户，library --options 给出的 key")->type_name("KEY");
+    add("--location", options.location, "归档位置")->type_name("DIR");
+    add("--mailbox", options.mailbox, "邮箱名称")->type_name("NAME");
 }
 
 void LibraryFilterOptions::addQueryTo(CLI::App& command, LibraryFilterOptions& options) {

@@ -1,5 +1,5 @@
 // The index of archived mail, its list and the groups of accounts, as they follow the library.
-#include <filesystem>
+#include <stop_token>
 #include <string>
 #include <utility>
 #include <vector>
