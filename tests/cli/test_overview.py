@@ -5,6 +5,7 @@ import collections
 import datetime
 import json
 import re
+import shutil
 import sqlite3
 import unittest
 from urllib.parse import unquote
@@ -143,6 +144,37 @@ class Overview(CliCase):
         self.assertGreater(self.expect_true_overview(second)["completed"], 0)
         self.assertGreater(second["removed"]["count"], 0)
         self.assertEqual(self.run_cli(self.mail, "overview"), second)
+
+    def test_menus_groups_and_two_archives_that_were_begun_at_one_moment(self):
+        copy = self.mail / "Library/Mobile Documents/com~apple~CloudDocs/副本"
+        shutil.copytree(self.archive, copy)
+        self.assertEqual(len(self.run_cli(self.mail, "locations")), 1)
+        for place, root in enumerate((self.archive, copy)):
+            index = json.loads((root / "archive-index.json").read_text(encoding="utf-8"))
+            del index["records"][place]
+            (root / "archive-index.json").write_text(json.dumps(index), encoding="utf-8")
+        self.assertEqual(len(self.run_cli(self.mail, "locations")), 2)
+        entries = self.run_cli(self.mail, "library")
+        self.assertEqual(entries[::-1], self.run_cli(self.mail, "library", "--ascending"))
+        menus = self.run_cli(self.mail, "library", "--options", "--location", copy)
+        self.assertEqual((menus["entries"], menus["totalBytes"]), (len(entries), sum(e["sizeBytes"] for e in entries)))
+        of_copy = [entry for entry in entries if entry["locationRootPath"] == str(copy)]
+        counts = collections.Counter(entry["accountKey"] for entry in of_copy)
+        self.assertEqual({option["key"]: option["count"] for option in menus["accountOptions"]}, counts)
+        self.assertEqual(self.run_cli(self.mail, "library", "--mailbox", ""), [])
+        groups = self.run_cli(self.mail, "library", "--groups")
+        self.assertEqual(sorted(id for group in groups for id in group["entries"]), sorted(e["entryID"] for e in entries))
+
+        key = counts.most_common()[0][0]
+        self.assertEqual(self.run_cli(self.mail, "merge", "--name", "工作", "--base", key), {key: "工作"})
+        merged = self.run_cli(self.mail, "library", "--account", "usergroup:工作")
+        self.assertEqual([e["entryID"] for e in merged], [e["entryID"] for e in entries if e["accountKey"] == key])
+        self.assertEqual(self.run_cli(self.mail, "merge", "--remove", "工作"), {})
+        self.run_cli(self.mail, "merge", "--name", " ", expect=2)
+        account = self.run_cli(self.mail, "space")[0]
+        sender = account["topSenders"][0]
+        ids = self.run_cli(self.mail, "space", "--account", account["accountPrefix"], "--sender", sender["senderKey"])
+        self.assertGreaterEqual(len(ids), sender["messageCount"])
 
 
 if __name__ == "__main__":

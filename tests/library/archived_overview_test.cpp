@@ -93,6 +93,12 @@ TEST(ArchivedOverview, FolderStatuses) {
         EXPECT_EQ(stats.groups[0].undownloaded, one.undownloaded);
         EXPECT_EQ(oneFolder(one, false).stats().groups[0].years[0].status, one.unknown) << one.ids[0];
     }
+    EXPECT_TRUE(oneFolder(cases[5], true).stats().groups[0].years[0].awaitsProof);
+    EXPECT_FALSE(oneFolder(cases[6], true).stats().groups[0].years[0].awaitsProof);
+    Overview partly = oneFolder(cases[3], true);
+    partly.facts.unscannedAccounts = {"imap://A"};
+    EXPECT_EQ(partly.stats().groups[0].years[0].status, incomplete);
+    EXPECT_EQ(partly.stats().freeable, MailSum());
     Overview waiting = oneFolder(cases[3], true);
     waiting.facts.presenceUnavailable = true;
     EXPECT_EQ(waiting.stats().groups[0].years[0].status, unavailable);
