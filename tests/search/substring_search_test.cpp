@@ -27,8 +27,9 @@ std::vector<std::string> piecesOf(std::string_view separated) {
 
 // Few different characters, so that random texts meet; many kinds of them. U+212A folds to k.
 const std::vector<std::string> soundPieces =
-    piecesOf("a|A|b|B|k|K|s|i|z|Z|0|@|[|`|{| "
-             "|\n|%|_|\\|\"|'|*|^|:|-|报|告|会|议|，|😀|👨‍👩‍👧|é|É|e\u0301|\u212A|ſ|ß|ẞ|İ|ı|Σ|σ|ς|Я|я|"
+    piecesOf("a|A|b|B|k|K|s|i|z|Z|0|@|[|`|{| |\n|%|_|\\|\"|'|*|^|:|-|"
+             "报|告|会|议|，|😀|👨‍👩‍👧|é|É|e\u0301|"
+             "\u212A|ſ|ß|ẞ|İ|ı|Σ|σ|ς|Я|я|"
              "ﬀ|Ⅷ|ⅷ|𐐀|𐐨|\uFEFF|\uFFFD|\U0010FFFF|\u200B|\u0080");
 // What SQLite reads as other characters than we do: U+FFFE and U+FFFF are U+FFFD to it.
 const std::vector<std::string> brokenPieces =
