@@ -104,13 +104,15 @@ TEST_F(ArchiveRemovalTest, ARecordOfSomethingElseLosesItselfAndNoFile) {
     for (const std::string path :
          {"../outside.eml", "2019/../../outside.eml", "OUTSIDE", "", ".", "2019", "2019/a",
           "archive-index.json", "2019/a/note.txt", "2019/a/link.eml", "linked/outside.eml", "near/mid:a.eml",
-          "2019/folder.eml", "2019/a/mid:a.eml/x.eml"}) {
+          "2019/side/orphan.eml", "2019/folder.eml", "2019/a/mid:a.eml/x.eml"}) {
         SCOPED_TRACE(path);
         const std::string told = path == "OUTSIDE" ? home_.at("outside.eml") : path;
         makeArchive({recordAt("mid:odd", told)});
         fs::create_symlink(home_.at("outside.eml"), root_ + "/2019/a/link.eml");
         fs::create_directory_symlink(home_.path(), root_ + "/linked");
         fs::create_directory_symlink("2019/a", root_ + "/near");
+        fs::create_directory_symlink("a", root_ + "/2019/side");
+        home_.write("A/2019/a/orphan.eml", "of no record");
         fs::create_directory(root_ + "/2019/folder.eml");
         const Tree before = files();
         const ArchiveRemoval removal = remove({{"mid:odd", told}});
