@@ -214,8 +214,6 @@ void CorvaneViewModel::proveAnew() {
 void CorvaneViewModel::wireLibrary() {
     const auto rebuild = [this] { libraryIndex_.onInputsChanged(); };
     connect(&library_, &LibraryLoader::archivedEntriesChanged, this, rebuild);
-    connect(&library_, &LibraryLoader::archivedEntriesChanged, this,
-            [this] { presence_.setEntries(library_.archivedEntries()); });
     connect(&library_, &LibraryLoader::archiveLocationsChanged, this, rebuild);
     connect(&accounts_, &AccountDirectory::accountsChanged, this, rebuild);
     connect(&accountRules_, &AccountRules::rulesChanged, this, rebuild);
