@@ -36,7 +36,7 @@ SUBFOLDERS = {
     "text": {"charsets": "", ".": "charsets", "dates": ". charsets"},
     "records": {".": "", "archived": ".", "json": ". archived", "stores": ". archived json", "logs": ". stores"},
     "archive": {".": "", "destination": ".", "run": ". destination", "removal": ". destination",
-                "checks": ". destination", "bodies": ".", "opening": ". destination",
+                "checks": ". destination", "bodies": ".", "opening": ". destination", "attachments": ". opening",
                 "export": ". destination opening"},
     "mailstore": {".": "", "folders": ".", "index": ". folders", "accounts": ". folders index",
                   "scan": ". folders index"},

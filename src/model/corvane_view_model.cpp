@@ -61,6 +61,9 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
                   return overviewInputs({catalog_, libraryIndex_, presence_, counts_, accounts_},
                                         proofInputs());
               })
+  , mailOpening_(context)
+  , attachments_(context)
+  , mailExport_(context)
   , diskAccess_(context)
   , diagnostics_(context, accounts_) {
     wireScan();

@@ -25,12 +25,15 @@
 #include "model/archiving/set_aside.h"
 #include "model/library/account_rules.h"
 #include "model/library/archive_removal_flow.h"
+#include "model/library/archived_mail_opening.h"
+#include "model/library/attachment_flow.h"
 #include "model/library/body_texts.h"
 #include "model/library/config_backup_flow.h"
 #include "model/library/library_file_looks.h"
 #include "model/library/library_index_flow.h"
 #include "model/library/library_list_flow.h"
 #include "model/library/library_loader.h"
+#include "model/library/mail_export_flow.h"
 #include "model/library/overview/overview_flow.h"
 #include "model/library/overview/overview_inputs.h"
 #include "model/library/presence_flow.h"
@@ -127,6 +130,12 @@ class CorvaneViewModel : public QObject {
 
     [[nodiscard]] OverviewFlow& overview() { return overview_; }
 
+    [[nodiscard]] ArchivedMailOpening& mailOpening() { return mailOpening_; }
+
+    [[nodiscard]] AttachmentFlow& attachments() { return attachments_; }
+
+    [[nodiscard]] MailExportFlow& mailExport() { return mailExport_; }
+
     [[nodiscard]] FullDiskAccess& diskAccess() { return diskAccess_; }
 
     [[nodiscard]] MailDiagnostics& diagnostics() { return diagnostics_; }
@@ -181,6 +190,9 @@ class CorvaneViewModel : public QObject {
     BodyTexts bodyTexts_;
     LibraryListFlow libraryList_;
     OverviewFlow overview_;
+    ArchivedMailOpening mailOpening_;
+    AttachmentFlow attachments_;
+    MailExportFlow mailExport_;
     FullDiskAccess diskAccess_;
     MailDiagnostics diagnostics_;
     bool isReconciliationDue_ = false;

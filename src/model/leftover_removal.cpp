@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "archive/attachments/attachment_cache.h"
 #include "platform/files/leftovers.h"
 
 namespace corvane {
@@ -15,7 +16,9 @@ struct LeftoverPlaces {
 
 void removeLeftovers(const LeftoverPlaces& places, const TaskHandle& task) {
     places.support.removeUnfinishedFiles();
-    if (!task.isCancelled()) platform::removeTemporaryFiles(places.temporaryFolder);
+    if (task.isCancelled()) return;
+    platform::removeTemporaryFiles(places.temporaryFolder);
+    archive::AttachmentCache::removeLeftovers(places.temporaryFolder);
 }
 
 } // namespace

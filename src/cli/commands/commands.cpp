@@ -19,10 +19,12 @@ void addCommands(CommandSet& commands) {
     addSearchCommand(commands);
     addIndexCommand(commands);
     addShowCommand(commands);
-    addAttachmentCommand(commands);
     addPresenceCommand(commands);
     addRemovalCommands(commands);
     addConfigCommand(commands);
+    addAttachmentCommands(commands);
+    addOpenCommands(commands);
+    addExportCommand(commands);
 }
 
 } // namespace corvane::cli

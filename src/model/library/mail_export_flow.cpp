@@ -1,0 +1,64 @@
+#include "model/library/mail_export_flow.h"
+
+#include <chrono>
+#include <exception>
+#include <utility>
+
+namespace corvane {
+
+namespace {
+
+constexpr std::chrono::milliseconds progressInterval{100};
+
+struct ExportJob {
+    MailExport system;
+    ExportSelection selection;
+    ExportFormat format = ExportFormat::mbox;
+    std::string path;
+};
+
+MailExportFlow::Outcome exported(const ExportJob& job, const ReportingTask<MailExportFlow::Progress>& task) {
+    std::chrono::steady_clock::time_point next;
+    const auto report = [&](std::int64_t done, std::int64_t total) {
+        const auto now = std::chrono::steady_clock::now();
+        if (now < next && done != total) return;
+        next = now + progressInterval;
+        task.report({done, total});
+    };
+    try {
+        return job.system.run(job.selection, job.format, job.path, report, task.stopToken());
+    } catch (const std::exception& error) {
+        return std::unexpected(std::string(error.what()));
+    }
+}
+
+} // namespace
+
+MailExportFlow::MailExportFlow(ModelContext& context, QObject* parent)
+  : QObject(parent)
+  , context_(context)
+  , task_(context.tasks) {}
+
+void MailExportFlow::start(ExportSelection selection, ExportFormat format, std::string path) {
+    if (isRunning()) return;
+    progress_ = Progress{0, std::ssize(selection.positions)};
+    outcome_.reset();
+    task_.startReporting<Progress>(
+        TaskPriority::userInitiated,
+        ExportJob{
+            {context_.platform, context_.support.files()}, std::move(selection), format, std::move(path)},
+        &exported,
+        [this](Progress progress) {
+            progress_ = progress;
+            Q_EMIT changed();
+        },
+        [this](Outcome outcome) {
+            progress_.reset();
+            outcome_ = std::move(outcome);
+            Q_EMIT changed();
+            Q_EMIT ended();
+        });
+    Q_EMIT changed();
+}
+
+} // namespace corvane
