@@ -51,9 +51,13 @@ class Overview(CliCase):
                                "WHERE lower(trim(g.message_id_header, '<>')) = ?", entry["messageIdentifier"]))
         return [row for row, in rows]
 
+    def library(self, *options):
+        """The entries with the fields of their records."""
+        return [{**entry.pop("record"), **entry} for entry in self.run_cli(self.mail, "library", *options)]
+
     def facts(self):
         """Archived mail with what is known of its originals, and the accounts behind each key."""
-        entries = self.run_cli(self.mail, "library")
+        entries = self.library()
         prove = self.start_cli(self.mail, "prove")
         unproven = {message["id"] for message in json.loads(prove.communicate(timeout=120)[0])["messages"]}
         archived = {message["id"] for message in self.run_cli(self.mail, "messages", "--filter", "onlyMigrated")}
@@ -133,7 +137,7 @@ class Overview(CliCase):
         self.assertEqual(self.run_cli(self.mail, "guide", clean[0]["key"], "--year", 1971)["suggestedName"], "可删除")
         self.run_cli(self.mail, "guide", "mail-account:nobody", expect=1)
 
-        rows = [row for entry in self.run_cli(self.mail, "library", "--account", clean[0]["key"])
+        rows = [row for entry in self.library("--account", clean[0]["key"])
                 if year_of(entry["date"]) == clean[1]["year"] for row in self.rows_of(entry)]
         boxes = self.ask_store(("SELECT ROWID, url FROM mailboxes",))
         trash = next(box for box, url in boxes if unquote(url).endswith(TRASH[0]))
@@ -154,8 +158,8 @@ class Overview(CliCase):
             del index["records"][place]
             (root / "archive-index.json").write_text(json.dumps(index), encoding="utf-8")
         self.assertEqual(len(self.run_cli(self.mail, "locations")), 2)
-        entries = self.run_cli(self.mail, "library")
-        self.assertEqual(entries[::-1], self.run_cli(self.mail, "library", "--ascending"))
+        entries = self.library()
+        self.assertEqual(entries[::-1], self.library("--ascending"))
         menus = self.run_cli(self.mail, "library", "--options", "--location", copy)
         self.assertEqual((menus["entries"], menus["totalBytes"]), (len(entries), sum(e["sizeBytes"] for e in entries)))
         of_copy = [entry for entry in entries if entry["locationRootPath"] == str(copy)]
@@ -167,7 +171,7 @@ class Overview(CliCase):
 
         key = counts.most_common()[0][0]
         self.assertEqual(self.run_cli(self.mail, "merge", "--name", "工作", "--base", key), {key: "工作"})
-        merged = self.run_cli(self.mail, "library", "--account", "usergroup:工作")
+        merged = self.library("--account", "usergroup:工作")
         self.assertEqual([e["entryID"] for e in merged], [e["entryID"] for e in entries if e["accountKey"] == key])
         self.assertEqual(self.run_cli(self.mail, "merge", "--remove", "工作"), {})
         self.run_cli(self.mail, "merge", "--name", " ", expect=2)
