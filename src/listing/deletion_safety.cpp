@@ -76,6 +76,17 @@ CountByYear IndexedYears::countsByYear(const std::optional<std::string>& lookedA
     return sums;
 }
 
+std::int64_t IndexedYears::partialCount(const std::optional<std::string>& lookedAt,
+                                        const std::set<std::int64_t>& years) const {
+    std::int64_t sum = 0;
+    if (partialByAccount == nullptr) return sum;
+    for (const auto& [key, counted] : *partialByAccount) {
+        if (!counts(key, lookedAt)) continue;
+        for (const auto& [year, count] : counted) sum += years.empty() || years.contains(year) ? count : 0;
+    }
+    return sum;
+}
+
 DeletionSafety deletionSafety(const TallyByAccount& tallies, const std::optional<std::string>& accountKey,
                               const std::set<std::int64_t>& years, const IndexedYears& indexed) {
     DeletionSafety safety;
@@ -94,6 +105,7 @@ DeletionSafety deletionSafety(const TallyByAccount& tallies, const std::optional
         if (years.empty() || years.contains(year)) known += count;
     }
     safety.serverOnly = std::max<std::int64_t>(0, known - safety.local);
+    safety.partial = indexed.partialCount(accountKey, years);
     return safety;
 }
 

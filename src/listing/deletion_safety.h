@@ -3,6 +3,7 @@
 // the tallies, whoever asks. Pure functions, linear in the messages.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -40,11 +41,16 @@ struct DeletionSafety {
     std::int64_t serverOnly = 0; // messages the index knows beyond the local ones
     ProofCounts proofs{};
     std::int64_t setAside = 0; // of the local ones
+    std::int64_t partial = 0;  // of the server's, those that Mail holds in part
+
+    // Of which nothing is on this machine.
+    [[nodiscard]] std::int64_t serverAlone() const { return std::max<std::int64_t>(0, serverOnly - partial); }
 
     [[nodiscard]] std::int64_t notLookedAt() const { return archived - proofs.proven; }
 
-    // All that is here was compared with its archived copy, byte for byte: the originals may go.
-    [[nodiscard]] bool isDeletable() const { return local > 0 && proofs.proven == local; }
+    // All that is here was compared with its archived copy, byte for byte: the originals may go. Not beside
+    // mail that is here in part.
+    [[nodiscard]] bool isDeletable() const { return local > 0 && proofs.proven == local && partial == 0; }
 
     friend bool operator==(const DeletionSafety&, const DeletionSafety&) = default;
 };
@@ -85,7 +91,8 @@ TallyByAccount tallyMessages(const TallyInputs& input);
 struct IndexedYears {
     const CountByYear& all;
     const CountByAccountAndYear& byAccount;
-    const std::set<std::string>& selectedAccountPrefixes; // empty: all
+    const std::set<std::string>& selectedAccountPrefixes;    // empty: all
+    const CountByAccountAndYear* partialByAccount = nullptr; // what Mail holds in part; null: none
 
     // Whether an account counts, when one is looked at and when none is.
     [[nodiscard]] bool counts(const std::string& key, const std::optional<std::string>& lookedAt) const {
@@ -95,6 +102,10 @@ struct IndexedYears {
 
     // The sum of the accounts that count.
     [[nodiscard]] CountByYear countsByYear(const std::optional<std::string>& lookedAt) const;
+
+    // What Mail holds in part of the accounts that count, in some years, or in all when `years` is empty.
+    [[nodiscard]] std::int64_t partialCount(const std::optional<std::string>& lookedAt,
+                                            const std::set<std::int64_t>& years) const;
 };
 
 // Of one account, or of the selected ones without one, and of some years, or of all when `years` is empty. A

@@ -71,8 +71,10 @@ std::vector<StoredAttachment> MessageFileIndex::storedAttachments(Bucket& bucket
 std::optional<std::string> MessageFileIndex::filePath(std::string_view mailboxURL, std::int64_t rowID) {
     const Mailbox& found = mailbox(mailboxURL);
     if (!found.dataRoot) return std::nullopt;
-    const StoreListing::MessageFolder folder{
-        .path = mailstore::messagesFolder(*found.dataRoot, rowID), .rowIDs = {}, .attachmentRoots = {}};
+    const StoreListing::MessageFolder folder{.path = mailstore::messagesFolder(*found.dataRoot, rowID),
+                                             .rowIDs = {},
+                                             .partialRowIDs = {},
+                                             .attachmentRoots = {}};
     return folder.filePath(rowID);
 }
 
@@ -80,6 +82,11 @@ std::optional<std::string> MessageFileIndex::existingFilePath(std::string_view m
                                                               std::int64_t rowID) {
     const Bucket* found = bucketOfExisting(mailbox(mailboxURL), rowID);
     return found != nullptr ? std::optional(found->folder->filePath(rowID)) : std::nullopt;
+}
+
+bool MessageFileIndex::hasPartialFile(std::string_view mailboxURL, std::int64_t rowID) {
+    Mailbox& found = mailbox(mailboxURL);
+    return found.dataRoot && bucket(found, rowID).folder->hasPartialFile(rowID);
 }
 
 } // namespace corvane

@@ -66,6 +66,9 @@ class MessageFileIndex {
     [[nodiscard]] std::optional<std::string> existingFilePath(std::string_view mailboxURL,
                                                               std::int64_t rowID);
 
+    // Mail holds a part of the message: the file of its first parts lies where the whole one would.
+    [[nodiscard]] bool hasPartialFile(std::string_view mailboxURL, std::int64_t rowID);
+
   private:
     Bucket& bucket(Mailbox& mailbox, std::int64_t rowID);
 

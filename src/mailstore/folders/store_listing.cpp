@@ -18,33 +18,39 @@ namespace corvane {
 namespace {
 
 constexpr std::string_view messageSuffix = ".emlx";
+constexpr std::string_view partialSuffix = ".partial.emlx";
 constexpr std::string_view attachmentsName = "Attachments";
 constexpr int deepestFolder = 40;
 
 // Only the exact spelling: no sign, no leading zero.
-std::optional<std::int64_t> rowIDOfName(std::string_view name) {
-    if (!name.ends_with(messageSuffix) || name.front() < '1' || name.front() > '9') return std::nullopt;
-    return text::parseInteger(name.substr(0, name.size() - messageSuffix.size()));
+std::optional<std::int64_t> rowIDOfName(std::string_view name, std::string_view suffix) {
+    if (!name.ends_with(suffix) || name.front() < '1' || name.front() > '9') return std::nullopt;
+    return text::parseInteger(name.substr(0, name.size() - suffix.size()));
 }
 
-// `visitOther` gets the entries that are no message files.
+// Fills in the rows of a folder. `visitOther` gets the entries that are no files of messages.
 template <class VisitOther>
-std::optional<std::vector<std::int64_t>> listMessages(const std::string& folder,
-                                                      const VisitOther& visitOther) {
+void listMessages(StoreListing::MessageFolder& folder, const VisitOther& visitOther) {
     std::vector<std::int64_t> rowIDs;
-    const bool isComplete = platform::visitDirectory(folder, [&](std::string_view name, unsigned char type) {
-        const auto rowID = rowIDOfName(name);
-        if (!rowID) {
-            visitOther(name, type);
-            return;
-        }
+    const auto isFile = [&](std::string_view name, unsigned char type) {
         const bool mayBeLink = type == DT_LNK || type == DT_UNKNOWN;
-        if (type == DT_REG || (mayBeLink && platform::isRegularFile(platform::joinPath(folder, name))))
-            rowIDs.push_back(*rowID);
-    });
-    if (!isComplete && platform::isDirectory(folder)) return std::nullopt;
+        return type == DT_REG ||
+               (mayBeLink && platform::isRegularFile(platform::joinPath(folder.path, name)));
+    };
+    const auto visit = [&](std::string_view name, unsigned char type) {
+        if (const auto rowID = rowIDOfName(name, messageSuffix)) {
+            if (isFile(name, type)) rowIDs.push_back(*rowID);
+        } else if (const auto partial = rowIDOfName(name, partialSuffix)) {
+            if (isFile(name, type)) folder.partialRowIDs.push_back(*partial);
+        } else {
+            visitOther(name, type);
+        }
+    };
+    const bool isComplete = platform::visitDirectory(folder.path, visit);
+    std::ranges::sort(folder.partialRowIDs);
+    if (!isComplete && platform::isDirectory(folder.path)) return;
     std::ranges::sort(rowIDs);
-    return rowIDs;
+    folder.rowIDs = std::move(rowIDs);
 }
 
 } // namespace
@@ -68,6 +74,10 @@ std::string StoreListing::MessageFolder::filePath(std::int64_t rowID) const {
 bool StoreListing::MessageFolder::hasFile(std::int64_t rowID) const {
     return rowIDs && rowID > 0 ? std::ranges::binary_search(*rowIDs, rowID)
                                : platform::isRegularFile(filePath(rowID));
+}
+
+bool StoreListing::MessageFolder::hasPartialFile(std::int64_t rowID) const {
+    return std::ranges::binary_search(partialRowIDs, rowID);
 }
 
 StoreListing::StoreListing(const std::string& rootPath)
@@ -117,7 +127,7 @@ void StoreListing::addMessageFolder(const Walk& walk) {
     MessageFolder& folder = entry->second;
     folder.path = walk.folder;
     bool hasAttachments = false;
-    folder.rowIDs = listMessages(walk.folder, [&](std::string_view name, unsigned char type) {
+    listMessages(folder, [&](std::string_view name, unsigned char type) {
         if (name == attachmentsName) hasAttachments = type != DT_REG;
     });
     const auto candidates = MailAttachmentFileLocator::candidateAttachmentRoots(walk.folder);
@@ -153,9 +163,8 @@ const StoreListing::MessageFolder& StoreListing::messageFolder(const std::string
         if (const auto known = messageFolders_.find(path); known != messageFolders_.end())
             return known->second;
     }
-    MessageFolder listed{.path = path,
-                         .rowIDs = listMessages(path, [](std::string_view, unsigned char) {}),
-                         .attachmentRoots = {}};
+    MessageFolder listed{.path = path, .rowIDs = {}, .partialRowIDs = {}, .attachmentRoots = {}};
+    listMessages(listed, [](std::string_view, unsigned char) {});
     const text::MutexLock lock(mutex_);
     return messageFolders_.try_emplace(path, std::move(listed)).first->second;
 }

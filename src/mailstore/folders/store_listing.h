@@ -29,11 +29,14 @@ class StoreListing {
         // Row ids, ascending. Absent for a folder that can't be listed: its files are then looked at one by
         // one.
         std::optional<std::vector<std::int64_t>> rowIDs;
+        // Those of which Mail holds a part (`<row>.partial.emlx`), ascending.
+        std::vector<std::int64_t> partialRowIDs;
         // Those that hold folders of messages. Absent until asked for, unless the prefetch has been here.
         std::optional<mailstore::AttachmentRoots> attachmentRoots;
 
         [[nodiscard]] std::string filePath(std::int64_t rowID) const;
         [[nodiscard]] bool hasFile(std::int64_t rowID) const;
+        [[nodiscard]] bool hasPartialFile(std::int64_t rowID) const;
     };
 
     explicit StoreListing(const std::string& rootPath);

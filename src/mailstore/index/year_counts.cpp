@@ -44,14 +44,15 @@ std::optional<std::int64_t> trimmedInteger(std::string_view text) {
 struct Copy {
     std::int64_t year = 0;
     std::int64_t message = 0;
-    bool isRemote = true; // local copies of a message come first
+    // What is here of it; of the copies of a message the one of which most is here comes first.
+    enum class Part { whole, some, none } part = Part::none;
 
     friend auto operator<=>(const Copy&, const Copy&) = default;
 };
 
 // Counts the messages whose first copy has no file.
-YearCounts remoteOnly(std::vector<Copy> copies) {
-    YearCounts counts;
+UndownloadedYears undownloaded(std::vector<Copy> copies) {
+    UndownloadedYears counts;
     std::ranges::sort(copies);
     const auto isSameMessage = [](const Copy& a, const Copy& b) {
         return a.year == b.year && a.message == b.message;
@@ -59,7 +60,8 @@ YearCounts remoteOnly(std::vector<Copy> copies) {
     const auto repeated = std::ranges::unique(copies, isSameMessage);
     copies.erase(repeated.begin(), repeated.end());
     for (const Copy& copy : copies) {
-        if (copy.isRemote) ++counts[copy.year];
+        if (copy.part != Copy::Part::whole) ++counts.all[copy.year];
+        if (copy.part == Copy::Part::some) ++counts.partial[copy.year];
     }
     return counts;
 }
@@ -89,9 +91,10 @@ std::optional<YearCounts> indexedYearDistinctCounts(const MailStoreContext& cont
     return counts;
 }
 
-std::optional<YearCounts> undownloadedYearCounts(const MailStoreContext& context, const std::string& rootPath,
-                                                 const std::vector<std::string>& accountURLPrefixes) {
-    if (!canQueryEnvelopeIndex(context, rootPath)) return YearCounts();
+std::optional<UndownloadedYears> undownloadedYears(const MailStoreContext& context,
+                                                   const std::string& rootPath,
+                                                   const std::vector<std::string>& accountURLPrefixes) {
+    if (!canQueryEnvelopeIndex(context, rootPath)) return UndownloadedYears();
     const std::string index = envelopeIndexPath(rootPath);
     const auto messages = countedMessages(context, index, accountURLPrefixes);
     if (!messages) return std::nullopt;
@@ -108,10 +111,19 @@ std::optional<YearCounts> undownloadedYearCounts(const MailStoreContext& context
         if (!rowID || !message || !url || !year) return;
         copies.push_back({.year = *year,
                           .message = *message,
-                          .isRemote = !files.existingFilePath(*url, *rowID).has_value()});
+                          .part = files.existingFilePath(*url, *rowID) ? Copy::Part::whole
+                                  : files.hasPartialFile(*url, *rowID) ? Copy::Part::some
+                                                                       : Copy::Part::none});
     });
     if (!isWhole) return std::nullopt;
-    return remoteOnly(std::move(copies));
+    return undownloaded(std::move(copies));
+}
+
+std::optional<YearCounts> undownloadedYearCounts(const MailStoreContext& context, const std::string& rootPath,
+                                                 const std::vector<std::string>& accountURLPrefixes) {
+    auto counts = undownloadedYears(context, rootPath, accountURLPrefixes);
+    if (!counts) return std::nullopt;
+    return std::move(counts->all);
 }
 
 std::optional<std::int64_t> queryOldestIndexedYear(const MailStoreContext& context,

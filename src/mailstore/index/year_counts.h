@@ -21,7 +21,19 @@ std::optional<YearCounts> indexedYearDistinctCounts(const MailStoreContext& cont
                                                     const std::string& rootPath,
                                                     const std::vector<std::string>& accountURLPrefixes);
 
-// Messages of which no copy has a file, by year. Years without any are left out. Lists folders of the store.
+// Messages of which no copy has a file, by year, and those of them that Mail holds in part: their first parts
+// are on this machine, their attachments aren't. Years without any are left out.
+struct UndownloadedYears {
+    YearCounts all;
+    YearCounts partial;
+};
+
+// Lists folders of the store.
+std::optional<UndownloadedYears> undownloadedYears(const MailStoreContext& context,
+                                                   const std::string& rootPath,
+                                                   const std::vector<std::string>& accountURLPrefixes);
+
+// All of them.
 std::optional<YearCounts> undownloadedYearCounts(const MailStoreContext& context, const std::string& rootPath,
                                                  const std::vector<std::string>& accountURLPrefixes);
 

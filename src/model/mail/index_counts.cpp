@@ -23,6 +23,8 @@ IndexCounts::IndexCounts(ModelContext& context, const AccountDirectory& accounts
 void IndexCounts::setIndexed(Indexed indexed) {
     counts_.indexed = std::move(indexed.counts);
     counts_.indexedByAccount = std::move(indexed.countsByAccount);
+    counts_.partialByAccount = std::move(indexed.partialByAccount);
+    isKnown_ = indexed.isKnown;
     Q_EMIT countsChanged();
 }
 
@@ -33,6 +35,7 @@ void IndexCounts::refreshIndexedYearCounts() {
         job.prefixes.push_back(account.urlPrefix);
     countTask_.start(TaskPriority::utility, std::move(job), &IndexCounts::readCounts, [this](Counts counts) {
         counts_ = std::move(counts);
+        isKnown_ = true;
         Q_EMIT countsChanged();
         Q_EMIT countsRefreshed();
     });
@@ -51,9 +54,10 @@ std::optional<IndexCounts::Counts> IndexCounts::readCounts(const CountJob& job, 
         counts.indexedByAccount[prefix] = *ofAccount;
     }
     for (const std::string& prefix : job.prefixes) {
-        const auto ofAccount = mailstore::undownloadedYearCounts(store.context, store.rootPath, {prefix});
+        const auto ofAccount = mailstore::undownloadedYears(store.context, store.rootPath, {prefix});
         if (!ofAccount) return std::nullopt;
-        counts.undownloadedByAccount[prefix] = *ofAccount;
+        counts.undownloadedByAccount[prefix] = ofAccount->all;
+        counts.partialByAccount[prefix] = ofAccount->partial;
     }
     return counts;
 }

@@ -35,15 +35,27 @@ class IndexCounts : public QObject {
         return counts_.undownloadedByAccount;
     }
 
+    // Of these, what Mail holds in part.
+    [[nodiscard]] const CountByAccountAndYear& partialYearCountsByAccount() const {
+        return counts_.partialByAccount;
+    }
+
+    // The counts are those of an index that was asked: until then 0 means nothing.
+    [[nodiscard]] bool isKnown() const { return isKnown_; }
+
     struct Indexed {
         CountByYear counts;
         CountByAccountAndYear countsByAccount;
+        bool isKnown = true;
+        CountByAccountAndYear partialByAccount{};
     };
 
-    // The two indexed maps, for a scan that may have to bring them back.
-    [[nodiscard]] Indexed indexed() const { return {counts_.indexed, counts_.indexedByAccount}; }
+    // For a scan that may have to bring them back.
+    [[nodiscard]] Indexed indexed() const {
+        return {counts_.indexed, counts_.indexedByAccount, isKnown_, counts_.partialByAccount};
+    }
 
-    // Replaces both, without a look at the index.
+    // Replaces these, without a look at the index.
     void setIndexed(Indexed indexed);
 
     // Reads the counts from the index in the background; `countsRefreshed` follows. An index that can't be
@@ -60,6 +72,7 @@ class IndexCounts : public QObject {
         CountByYear indexed;
         CountByAccountAndYear indexedByAccount;
         CountByAccountAndYear undownloadedByAccount;
+        CountByAccountAndYear partialByAccount;
     };
 
     struct CountJob;
@@ -70,6 +83,7 @@ class IndexCounts : public QObject {
     ModelContext& context_;
     const AccountDirectory& accounts_;
     Counts counts_;
+    bool isKnown_ = false;
     TaskSlot countTask_;
 };
 

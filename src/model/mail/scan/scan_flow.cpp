@@ -94,7 +94,7 @@ void ScanFlow::clearDisplay() {
     beforeScan_ =
         Display{shown->shown(), shown->isPartial(), shown->summary, counts_.indexed(), cacheLoadedAt_};
     catalog_.emptyForScan();
-    counts_.setIndexed({});
+    counts_.setIndexed({{}, {}, false, {}});
     scanTimingLog_.clear();
     cacheLoadedAt_.reset();
     Q_EMIT scanStarted();
