@@ -143,7 +143,8 @@ void CorvaneViewModel::wireAvailability() {
     });
     connect(&visible_, &VisibleMessages::visibleMessagesChanged, this,
             [this] { ticks_.pruneArchiveSelection(); });
-    connect(&visible_, &VisibleMessages::visibleMessagesChanged, &catalog_, &MessageCatalog::saveCacheIfDue);
+    connect(&visible_, &VisibleMessages::visibleMessagesChanged, &catalog_,
+            [this] { catalog_.saveCacheIfDue(scanFlow_.cacheLoadedAt()); });
 }
 
 void CorvaneViewModel::wireFilters() {
@@ -371,7 +372,7 @@ DeletionSafety CorvaneViewModel::deletionSafety(const std::set<std::int64_t>& ye
                        {*catalog_.archivedMessageIDs(), *catalog_.setAsideIDs(), *catalog_.proofs()},
                        *catalog_.messageYearByID()});
     const IndexedYears indexed{counts_.indexedYearCounts(), counts_.indexedYearCountsByAccount(),
-                               accounts_.selectedAccountPrefixes()};
+                               accounts_.selectedAccountPrefixes(), &counts_.partialYearCountsByAccount()};
     return corvane::deletionSafety(tallies, std::nullopt, years, indexed);
 }
 

@@ -167,14 +167,17 @@ void MessageCatalog::publish(SharedAvailability availability) {
     Q_EMIT statisticsChanged();
     if (isArchivedAnew) Q_EMIT archivedMessagesChanged();
     if (state_->set->isComplete) {
-        dueCache_ = ScanCacheState{state_->set->messages, summary(), locallyAvailableIDs(),
-                                   cachedLocalYearStats(), cachedAccountYearStats()};
+        dueCache_ = ScanCacheState{state_->set->messages,    summary(),
+                                   locallyAvailableIDs(),    cachedLocalYearStats(),
+                                   cachedAccountYearStats(), std::nullopt};
     }
     Q_EMIT availabilityPublished();
 }
 
-void MessageCatalog::saveCacheIfDue() {
-    if (dueCache_) cacheWriter_.save(*std::exchange(dueCache_, std::nullopt));
+void MessageCatalog::saveCacheIfDue(const std::optional<Date>& scannedAt) {
+    if (!dueCache_) return;
+    dueCache_->scannedAt = scannedAt;
+    cacheWriter_.save(*std::exchange(dueCache_, std::nullopt));
 }
 
 } // namespace corvane

@@ -122,8 +122,9 @@ class MessageCatalog : public QObject {
     void refreshAvailabilityCacheAsync(bool force);
 
     // Writes the scan cache if the last availability run left a new state for it. Called when the list shows:
-    // the writing takes both processors for longer than the list does.
-    void saveCacheIfDue();
+    // the writing takes both processors for longer than the list does. `scannedAt` is when the mail was read;
+    // absent: now.
+    void saveCacheIfDue(const std::optional<Date>& scannedAt);
 
     // Gives the message another preview until the next generation. The list keeps the old one: a copy of
     // hundreds of thousands of records for each message that is looked at would be too much.

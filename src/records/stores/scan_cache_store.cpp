@@ -23,18 +23,23 @@ std::vector<SharedText> availableIDs(const std::vector<MailMessageRecord>& messa
 
 } // namespace
 
-std::error_code
-MailScanCacheStore::save(const std::vector<MailMessageRecord>& messages, const MailScanSummary& summary,
-                         const std::vector<SharedText>* locallyAvailableMessageIDs,
-                         const std::vector<YearStat>* localYearStats,
-                         const std::vector<AccountYearStatGroup>* localAccountYearStats) const {
+std::error_code MailScanCacheStore::save(const std::vector<MailMessageRecord>& messages,
+                                         const MailScanSummary& summary,
+                                         const std::vector<SharedText>* locallyAvailableMessageIDs,
+                                         const std::vector<YearStat>* localYearStats,
+                                         const std::vector<AccountYearStatGroup>* localAccountYearStats,
+                                         const std::optional<Date>& scannedAt) const {
     std::vector<SharedText> found;
     if (locallyAvailableMessageIDs == nullptr) {
         found = availableIDs(messages);
         locallyAvailableMessageIDs = &found;
     }
-    const ScanCacheContent content{currentTimestamp(),         &summary,       &messages,
-                                   locallyAvailableMessageIDs, localYearStats, localAccountYearStats};
+    const ScanCacheContent content{scannedAt.value_or(currentTimestamp()),
+                                   &summary,
+                                   &messages,
+                                   locallyAvailableMessageIDs,
+                                   localYearStats,
+                                   localAccountYearStats};
     const auto error = support_.writeFile(
         cacheFileName, [&](const platform::ByteSink& sink) { encodeScanCache(content, sink); });
     if (!error && localYearStats != nullptr && localAccountYearStats != nullptr) {

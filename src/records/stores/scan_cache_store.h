@@ -21,7 +21,8 @@ class MailScanCacheStore {
     std::error_code save(const std::vector<MailMessageRecord>& messages, const MailScanSummary& summary,
                          const std::vector<SharedText>* locallyAvailableMessageIDs,
                          const std::vector<YearStat>* localYearStats,
-                         const std::vector<AccountYearStatGroup>* localAccountYearStats) const;
+                         const std::vector<AccountYearStatGroup>* localAccountYearStats,
+                         const std::optional<Date>& scannedAt = std::nullopt) const;
 
     // Writes only the snapshot of the given moment; a failure isn't reported.
     void saveHomeSnapshot(Date scannedAt, const MailScanSummary& summary,

@@ -24,8 +24,8 @@ std::vector<SharedText> orderedIDs(const ScanCacheState& state) {
 
 void WriteScanCache::operator()(const ScanCacheState& state) const {
     const std::vector<SharedText> ids = orderedIDs(state);
-    std::ignore =
-        store.save(*state.messages, state.summary, &ids, &state.localYearStats, &state.localAccountYearStats);
+    std::ignore = store.save(*state.messages, state.summary, &ids, &state.localYearStats,
+                             &state.localAccountYearStats, state.scannedAt);
 }
 
 ScanCacheWriter::ScanCacheWriter(ModelContext& context)

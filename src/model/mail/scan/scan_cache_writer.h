@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "model/model_context.h"
@@ -18,6 +19,7 @@ struct ScanCacheState {
     std::shared_ptr<const SharedTextSet> locallyAvailableIDs;
     std::vector<YearStat> localYearStats;
     std::vector<AccountYearStatGroup> localAccountYearStats;
+    std::optional<Date> scannedAt; // absent: now
 };
 
 struct WriteScanCache {
