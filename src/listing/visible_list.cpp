@@ -45,19 +45,6 @@ bool matchesMigration(const MailMessageRecord& message, MigratedFilter filter,
            archived.contains(message.id) == (filter == MigratedFilter::onlyMigrated);
 }
 
-// Of an available message.
-bool passes(const MailMessageRecord& message, const ListInput& input, const ListRules& rules) {
-    if (!rules.accountPrefixes.empty() &&
-        !rules.accountPrefixes.contains(std::string(accountFilterKey(message)))) {
-        return false;
-    }
-    if (static_cast<std::int64_t>(message.attachments.size()) < rules.minimumAttachmentCount) return false;
-    if (rules.onlyTroubled && !input.troubledIDs->contains(message.id)) return false;
-    return matchesYear(message, rules, *input.yearByID) &&
-           matchesMigration(message, rules.migrated, *input.archivedMessageIDs) &&
-           matchesQuery(message, rules.query);
-}
-
 // What decides the place of most messages, beside each other in memory.
 struct Ranked {
     std::int64_t size = 0; // 0 where it doesn't count
@@ -84,6 +71,18 @@ bool sortsBefore(const Ranked& a, const Ranked& b) {
 
 } // namespace
 
+bool passesRules(const MailMessageRecord& message, const ListInput& input, const ListRules& rules) {
+    if (!rules.accountPrefixes.empty() &&
+        !rules.accountPrefixes.contains(std::string(accountFilterKey(message)))) {
+        return false;
+    }
+    if (static_cast<std::int64_t>(message.attachments.size()) < rules.minimumAttachmentCount) return false;
+    if (rules.onlyTroubled && !input.troubledIDs->contains(message.id)) return false;
+    return matchesYear(message, rules, *input.yearByID) &&
+           matchesMigration(message, rules.migrated, *input.archivedMessageIDs) &&
+           matchesQuery(message, rules.query);
+}
+
 SharedMessageList makeVisibleMessages(const ListInput& input, const ListRules& rules,
                                       const std::stop_token& stop) {
     std::vector<Ranked> kept;
@@ -92,7 +91,7 @@ SharedMessageList makeVisibleMessages(const ListInput& input, const ListRules& r
     for (const MailMessageRecord& message : *input.messages) {
         if (stop.stop_requested()) return nullptr;
         const bool isLocal = areAllLocal || input.locallyAvailableIDs->contains(message.id);
-        if (isLocal && passes(message, input, rules)) kept.push_back(Ranked::of(message, rules));
+        if (isLocal && passesRules(message, input, rules)) kept.push_back(Ranked::of(message, rules));
     }
     const bool isInOrder = std::is_sorted(kept.begin(), kept.end(), sortsBefore);
     if (isInOrder && kept.size() == input.messages->size()) return input.messages;

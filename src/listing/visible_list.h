@@ -42,6 +42,9 @@ struct ListInput {
     friend bool operator==(const ListInput&, const ListInput&) = default;
 };
 
+// Whether a message that is on this machine passes the filters of the rules.
+bool passesRules(const MailMessageRecord& message, const ListInput& input, const ListRules& rules);
+
 // Filters and sorts; shares all texts with the input, and is the input's own list where that is the result.
 // Null when stopped.
 SharedMessageList makeVisibleMessages(const ListInput& input, const ListRules& rules,

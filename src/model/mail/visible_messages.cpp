@@ -10,20 +10,6 @@ namespace corvane {
 
 namespace {
 
-ListRules listRulesOf(const ModelFilters& filters) {
-    ListRules rules;
-    rules.query = text::lowercased(text::trimWhitespaceAndNewlines(filters.searchText()));
-    rules.minimumAttachmentCount = filters.minimumAttachmentCount();
-    rules.years = filters.filterYears();
-    rules.accountPrefixes = filters.filterAccountPrefixes();
-    if (filters.onlyBeforeCutoff()) rules.newestYear = filters.yearCutoff();
-    rules.migrated = filters.migratedFilter();
-    rules.onlyTroubled = filters.onlyTroubled();
-    rules.sortMode = filters.sortMode();
-    rules.ascending = filters.sortAscending();
-    return rules;
-}
-
 struct ListJob {
     ListInput input;
     ListRules rules;
@@ -62,19 +48,34 @@ void VisibleMessages::setSelectedMessageID(std::optional<std::string> id) {
     Q_EMIT selectedMessageChanged();
 }
 
+ListInput VisibleMessages::listInput() const {
+    return {catalog_.messages(), catalog_.locallyAvailableIDs(), catalog_.archivedMessageIDs(),
+            catalog_.messageYearByID(), catalog_.troubledIDs()};
+}
+
+ListRules VisibleMessages::listRules() const {
+    ListRules rules;
+    rules.query = text::lowercased(text::trimWhitespaceAndNewlines(filters_.searchText()));
+    rules.minimumAttachmentCount = filters_.minimumAttachmentCount();
+    rules.years = filters_.filterYears();
+    rules.accountPrefixes = filters_.filterAccountPrefixes();
+    if (filters_.onlyBeforeCutoff()) rules.newestYear = filters_.yearCutoff();
+    rules.migrated = filters_.migratedFilter();
+    rules.onlyTroubled = filters_.onlyTroubled();
+    rules.sortMode = filters_.sortMode();
+    rules.ascending = filters_.sortAscending();
+    return rules;
+}
+
 void VisibleMessages::rebuildVisibleMessages() {
-    rebuildTask_.start(
-        TaskPriority::userInitiated,
-        ListJob{{catalog_.messages(), catalog_.locallyAvailableIDs(), catalog_.archivedMessageIDs(),
-                 catalog_.messageYearByID(), catalog_.troubledIDs()},
-                listRulesOf(filters_),
-                selectedMessageID_},
-        &makeList, [this, asked = selectedMessageID_](Listed listed) {
-            // Another message may have been selected meanwhile.
-            const bool isListed = selectedMessageID_ == asked ? listed.holdsSelected
-                                                              : holds(*listed.messages, selectedMessageID_);
-            publish(std::move(listed.messages), isListed);
-        });
+    rebuildTask_.start(TaskPriority::userInitiated, ListJob{listInput(), listRules(), selectedMessageID_},
+                       &makeList, [this, asked = selectedMessageID_](Listed listed) {
+                           // Another message may have been selected meanwhile.
+                           const bool isListed = selectedMessageID_ == asked
+                                                     ? listed.holdsSelected
+                                                     : holds(*listed.messages, selectedMessageID_);
+                           publish(std::move(listed.messages), isListed);
+                       });
 }
 
 void VisibleMessages::clear() {

@@ -34,6 +34,10 @@ class VisibleMessages : public QObject {
     // Whether or not it is listed: the next list moves a selection that it doesn't hold to its first message.
     void setSelectedMessageID(std::optional<std::string> id);
 
+    // What the list of the present messages is made of, and by which rules.
+    [[nodiscard]] ListInput listInput() const;
+    [[nodiscard]] ListRules listRules() const;
+
     // Makes the list of the present messages and filters in the background; `visibleMessagesChanged` follows
     // unless another rebuild comes first.
     void rebuildVisibleMessages();
