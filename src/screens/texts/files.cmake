@@ -3,8 +3,10 @@ set(texts_sources
     destination_item.cpp
     destination_texts.cpp
     message_trouble.cpp
+    partial_mail.cpp
     shown_figures.cpp
     shown_text.cpp
     text_lines.cpp
+    text_marks.cpp
     window_places.cpp
 )
