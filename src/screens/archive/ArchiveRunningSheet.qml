@@ -16,10 +16,10 @@ Sheet {
     subtitleSymbol: archive.destination.symbol
     wantedWidth: 580
     dismissable: false
+    holdsKeyboard: true
     note: "可以随时取消，已写好的邮件会保留。"
     onWantedChanged: visible = wanted
     Component.onCompleted: visible = wanted
-
 
     RowLayout {
         Layout.fillWidth: true
@@ -104,7 +104,6 @@ Sheet {
         },
         AppButton {
             objectName: "cancelRunButton"
-            focus: true
             implicitHeight: Theme.controlHeightPrimary
             horizontalPadding: 20
             enabled: !sheet.progress.isCancelling

@@ -37,6 +37,7 @@ set(controls_qml
     panes/StepList.qml
     sheets/ConfirmSheet.qml
     sheets/OpenSheets.qml
+    sheets/PartialMailHelp.qml
     sheets/Sheet.qml
     sheets/SheetBar.qml
     sheets/SheetHead.qml

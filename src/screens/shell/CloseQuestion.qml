@@ -13,6 +13,7 @@ ConfirmSheet {
 
     objectName: "closeQuestion"
     urgent: true
+    prefersReject: true
     title: stopping ? "正在停止归档…" : "归档还没有完成"
     line: stopping ? "写完当前这封邮件、保存好索引后就会退出。"
         : "可以停止归档再退出。已写好的邮件会保留，没有归档的下次可以继续。"

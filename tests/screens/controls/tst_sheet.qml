@@ -38,6 +38,7 @@ Item {
         when: windowShown
 
         function init() {
+            KeyboardFocus.freshKeyPause = 0;
             sheet.dismissable = true;
             opener.visible = true;
             opener.enabled = true;
@@ -76,6 +77,18 @@ Item {
             tryVerify(() => !sheet.visible);
             compare(rejected.count, 1);
             verify(opener.activeFocus);
+        }
+
+        function test_AKeyMeantForWhatWasBeforeIsNotTaken() {
+            KeyboardFocus.freshKeyPause = 500;
+            KeyboardFocus.awaitFreshKey();
+            keyClick(Qt.Key_Return);
+            keyClick(Qt.Key_Space);
+            compare(accepted.count, 0);
+            verify(sheet.opened);
+            wait(510);
+            keyClick(Qt.Key_Return);
+            compare(accepted.count, 1);
         }
 
         function test_ReturnAnswersFromAnywhereInside() {

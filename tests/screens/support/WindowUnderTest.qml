@@ -17,6 +17,7 @@ Item {
     property ArchiveScreen archive
 
     function begin(withDestination: bool) {
+        KeyboardFocus.freshKeyPause = 0;
         holder.active = false;
         root.width = 1240;
         root.height = 840;

@@ -5,7 +5,7 @@
 // nothing. What the keys before it have set off is done by then, as far as no background job is in it:
 //   part NAME   the first visible part of that object name; A/B is a part B within a part A
 //   focus       the part that has the keyboard, with the names of what it stands in
-//   keys        how many keys have been let go
+//   keys        how many keys have been let go, and whether any key would be taken now
 //   clipboard   the text on it
 #include <algorithm>
 #include <array>
@@ -17,6 +17,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QKeyEvent>
+#include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QSocketNotifier>
@@ -25,6 +26,7 @@
 
 #include "app/window_run.h"
 #include "platform/processes/quit_signals.h"
+#include "screens/controls/focus/keyboard_focus.h"
 #include "screens/controls/theme/appearance.h"
 #include "screens/controls/theme/fonts.h"
 
@@ -86,6 +88,15 @@ QJsonObject described(const QQuickItem* item) {
     return answer;
 }
 
+// For a moment what has just appeared takes no Return.
+bool takesEveryKey(const QQuickWindow* window) {
+    const QQmlEngine* engine = window == nullptr ? nullptr : qmlEngine(window);
+    if (engine == nullptr) return true;
+    const int type = qmlTypeId("Corvane", 1, 0, "KeyboardFocus");
+    auto* keyboard = const_cast<QQmlEngine*>(engine)->singletonInstance<KeyboardFocus*>(type);
+    return keyboard == nullptr || !keyboard->awaitsFreshKey();
+}
+
 class Answers : public QObject {
   public:
     Answers() {
@@ -118,8 +129,9 @@ class Answers : public QObject {
     [[nodiscard]] QJsonObject answered(const QString& question) const {
         if (question == QLatin1String("clipboard"))
             return {{QStringLiteral("text"), QGuiApplication::clipboard()->text()}};
-        if (question == QLatin1String("keys")) return {{QStringLiteral("keys"), keys_}};
         const auto* window = qobject_cast<QQuickWindow*>(QGuiApplication::focusWindow());
+        if (question == QLatin1String("keys"))
+            return {{QStringLiteral("keys"), keys_}, {QStringLiteral("ready"), takesEveryKey(window)}};
         const QQuickItem* item = question == QLatin1String("focus")
                                      ? (window == nullptr ? nullptr : window->activeFocusItem())
                                      : partOf(question.section(u' ', 1).split(u'/'));

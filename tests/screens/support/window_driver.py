@@ -207,6 +207,7 @@ class Window:
                 answer = self.process.poll() is None and self.ask("keys")
                 return not answer or answer["keys"] >= wanted
             return True
+        wait_until(lambda: self.ask("keys")["ready"], "what has appeared to take keys")
         before = self.ask("keys")["keys"]
         self._display.run("xdotool", "key", "--delay", "20", *keys)
         wanted = before + sum(len(key.split("+")) for key in keys)

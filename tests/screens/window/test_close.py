@@ -29,7 +29,7 @@ class CloseDuringARun(WindowCase):
             window.wait_for_part("cancelRunButton")
 
             window.ask_to_close()
-            window.wait_for_part("acceptButton", lambda button: button["focus"])
+            window.wait_for_part("rejectButton", lambda button: button["focus"])
             self.assertIsNone(window.part("cancelRunButton"), "one sheet at a time")
             window.click_part("rejectButton")
             wait_until(lambda: window.part("rejectButton") is None, "the question to go")

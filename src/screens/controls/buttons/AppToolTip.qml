@@ -7,8 +7,11 @@ T.ToolTip {
     id: tip
 
     property bool shown: false
+    // Somebody acts: it would stand in the way, until the pointer has been elsewhere.
+    property bool dismissed: false
 
-    visible: shown
+    visible: shown && !dismissed
+    onShownChanged: if (!shown) dismissed = false
     delay: Theme.tooltipDelay
     y: parent ? parent.height + Theme.half : 0
     x: 0
@@ -19,6 +22,12 @@ T.ToolTip {
     implicitHeight: content.implicitHeight + topPadding + bottomPadding
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent | T.Popup.CloseOnReleaseOutsideParent
 
+    Connections {
+        target: KeyboardFocus
+        function onPressed() {
+            tip.dismissed = tip.shown;
+        }
+    }
     contentItem: Text {
         id: content
         text: tip.text

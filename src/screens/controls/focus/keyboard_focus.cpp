@@ -52,14 +52,34 @@ void KeyboardFocus::enter(QQuickItem* scope) const {
     holder->forceActiveFocus(reason);
 }
 
+void KeyboardFocus::awaitFreshKey() {
+    awaitedSince_.start();
+    ignoresHeldKey_ = true;
+}
+
+bool KeyboardFocus::awaitsFreshKey() const {
+    return awaitedSince_.isValid() && awaitedSince_.elapsed() < freshKeyPause_;
+}
+
+bool KeyboardFocus::holdsBack(const QKeyEvent& press) {
+    const int key = press.key();
+    if (key != Qt::Key_Return && key != Qt::Key_Enter && key != Qt::Key_Space) return false;
+    if (awaitsFreshKey() || (press.isAutoRepeat() && ignoresHeldKey_)) return true;
+    ignoresHeldKey_ = false;
+    return false;
+}
+
 // A filter, because an item that takes part in Qt's own order handles Tab before any item around it hears of
 // it.
 bool KeyboardFocus::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonPress) setInUse(false);
-    if (event->type() != QEvent::KeyPress) return false;
-    setInUse(true);
+    const bool isKey = event->type() == QEvent::KeyPress;
+    if (!isKey && event->type() != QEvent::MouseButtonPress) return false;
+    setInUse(isKey);
+    if (watched->isWindowType()) Q_EMIT pressed();
+    if (!isKey) return false;
     const auto* window = qobject_cast<QQuickWindow*>(watched);
     const auto* press = static_cast<QKeyEvent*>(event);
+    if (window != nullptr && holdsBack(*press)) return true;
     if (window == nullptr || press->modifiers().testFlag(Qt::ControlModifier)) return false;
     if (press->key() == Qt::Key_Tab) return moveBetweenGroups(*window, true);
     if (press->key() == Qt::Key_Backtab) return moveBetweenGroups(*window, false);

@@ -2,8 +2,11 @@
 // ring is shown, and Tab, which goes from group to group (see focus_group.h). Main thread.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QQuickItem>
 #include <QtQml/qqmlregistration.h>
+
+class QKeyEvent;
 
 namespace corvane {
 
@@ -13,6 +16,8 @@ class KeyboardFocus : public QObject {
     QML_SINGLETON
     // The last press was on a key, not on a pointer's button.
     Q_PROPERTY(bool inUse READ inUse NOTIFY inUseChanged)
+    // How long a part that has just appeared is left alone by `awaitFreshKey`, in milliseconds.
+    Q_PROPERTY(int freshKeyPause MEMBER freshKeyPause_ NOTIFY freshKeyPauseChanged)
 
   public:
     explicit KeyboardFocus(QObject* parent = nullptr);
@@ -25,15 +30,29 @@ class KeyboardFocus : public QObject {
     // The keyboard goes on where it was in this focus scope, or begins at its first part.
     Q_INVOKABLE void enter(QQuickItem* scope) const;
 
+    // Something has appeared that wasn't there when the last key was pressed: for a moment Return and Space
+    // go nowhere, and one that is held down from before never arrives.
+    Q_INVOKABLE void awaitFreshKey();
+
+    // Return and Space are held back at this moment.
+    [[nodiscard]] bool awaitsFreshKey() const;
+
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   Q_SIGNALS:
     void inUseChanged();
+    void freshKeyPauseChanged();
+    // A key or a button of the pointer was pressed, whatever comes of it.
+    void pressed();
 
   private:
     void setInUse(bool inUse);
+    bool holdsBack(const QKeyEvent& press);
 
     bool inUse_ = false;
+    int freshKeyPause_ = 500;
+    bool ignoresHeldKey_ = false;
+    QElapsedTimer awaitedSince_;
 };
 
 } // namespace corvane

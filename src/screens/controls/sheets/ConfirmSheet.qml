@@ -13,12 +13,21 @@ Sheet {
     property bool keepsOpen: false
     property bool busy: false
     property bool answered: false
+    // What Return does, and what has the keyboard at first, is the second answer: the first one can't be taken back.
+    property bool prefersReject: false
+
+    function accept() {
+        answered = true;
+        if (!keepsOpen)
+            close();
+        accepted();
+    }
 
     signal accepted
     signal rejected
 
     wantedWidth: 480
-    primary: accept
+    primary: main
     onAboutToShow: answered = false
     onClosed: {
         if (!answered)
@@ -33,25 +42,20 @@ Sheet {
     }
     barItems: [
         AppButton {
-            objectName: "rejectButton"
+            objectName: sheet.prefersReject ? "acceptButton" : "rejectButton"
             visible: text.length > 0
             enabled: !sheet.busy
-            text: sheet.rejectText
+            text: sheet.prefersReject ? sheet.acceptText : sheet.rejectText
             implicitHeight: Theme.controlHeightPrimary
             horizontalPadding: 20
-            onClicked: sheet.close()
+            onClicked: sheet.prefersReject ? sheet.accept() : sheet.close()
         },
         PrimaryButton {
-            id: accept
-            objectName: "acceptButton"
+            id: main
+            objectName: sheet.prefersReject ? "rejectButton" : "acceptButton"
             enabled: !sheet.busy
-            text: sheet.acceptText
-            onClicked: {
-                sheet.answered = true;
-                if (!sheet.keepsOpen)
-                    sheet.close();
-                sheet.accepted();
-            }
+            text: sheet.prefersReject ? sheet.rejectText : sheet.acceptText
+            onClicked: sheet.prefersReject ? sheet.close() : sheet.accept()
         }
     ]
 }

@@ -13,12 +13,20 @@ QtObject {
     readonly property var shown: sheets.find(sheet => sheet.urgent) ?? sheets[sheets.length - 1] ?? null
     property Item returnTo: null
     property int returnReason: Qt.OtherFocusReason
+    // The button that the pointer pressed last. A press doesn't give it the keyboard, but what it opens comes back to it.
+    property Item pressed: null
+    property real pressedAt: 0
+
+    function notePress(button: Item) {
+        pressed = button;
+        pressedAt = Date.now();
+    }
 
     function enter(sheet: var, holder: Item) {
         // One that was destroyed while it was open has not left.
         const others = sheets.filter(other => other && other.visible && other !== sheet);
         if (others.length === 0)
-            returnTo = holder;
+            returnTo = !KeyboardFocus.inUse && pressed && Date.now() - pressedAt < 1000 ? pressed : holder;
         sheets = others.concat([sheet]);
         Qt.callLater(passKeyboard);
     }

@@ -28,6 +28,10 @@ T.Popup {
     property int bodyGap: 20
     property string subtitleSymbol: ""
     property AppButton primary: null
+    // It begins with the keyboard on itself: no key presses anything by mistake.
+    property bool holdsKeyboard: false
+    // 0: as high as the window allows.
+    property int mostHeight: 0
     default property alias bodyItems: scroller.items
     property alias fillingItems: fillingBody.data
     property alias barItems: bar.items
@@ -46,13 +50,15 @@ T.Popup {
     closePolicy: dismissable ? T.Popup.CloseOnEscape : T.Popup.NoAutoClose
     parent: T.Overlay.overlay
     width: parent ? Math.min(wantedWidth, parent.width - 32) : wantedWidth
-    height: Math.min(wantedHeight > 0 ? wantedHeight : frame.implicitHeight + 2, parent ? parent.height - 32 : 0)
+    height: Math.min(wantedHeight > 0 ? wantedHeight : frame.implicitHeight + 2, mostHeight > 0 ? mostHeight : Infinity,
+        parent ? parent.height - 32 : 0)
     x: parent ? Math.round((parent.width - width) / 2) : 0
     y: parent ? Math.round((parent.height - height) / 2) + offset : 0
     padding: 1
 
     onAboutToShow: {
         keyboard.begunAt = null;
+        KeyboardFocus.awaitFreshKey();
         OpenSheets.enter(sheet, parent.Window.activeFocusItem);
     }
     onClosed: OpenSheets.leave(sheet, keyboard.focusReason)
@@ -130,6 +136,7 @@ T.Popup {
                 Layout.leftMargin: 24
                 Layout.rightMargin: 24
                 Layout.bottomMargin: sheet.bodyGap
+                implicitHeight: children.length > 0 ? children[0].implicitHeight : 0
                 visible: !sheet.scrolls
             }
             Rectangle {

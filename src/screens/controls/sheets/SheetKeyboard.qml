@@ -31,7 +31,7 @@ QtObject {
             KeyboardFocus.enter(sheet.contentItem);
             return;
         }
-        const first = sheet.primary && sheet.primary.enabled ? sheet.primary
+        const first = sheet.holdsKeyboard ? sheet.contentItem : sheet.primary && sheet.primary.enabled ? sheet.primary
             : KeyboardFocus.inUse && holder === sheet.contentItem ? sheet.contentItem.nextItemInFocusChain(true)
             : null;
         if (first)
