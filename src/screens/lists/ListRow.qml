@@ -13,7 +13,9 @@ Item {
     property bool listFocused: false
     property bool showHovered: area.containsMouse
     property bool separated: false
-    property color restColor: "transparent"
+    // Opaque: a row that lets its ground through leaves pieces of the rows that stood there before it, where the window is
+    // painted by software.
+    property color restColor: Theme.surface
     readonly property alias down: area.pressed
     // Dates and captions step up in a selected row.
     readonly property color captionColor: selected ? Theme.text2 : Theme.text3
@@ -25,6 +27,9 @@ Item {
     signal menuRequested(real x, real y)
 
     implicitHeight: Theme.rowDense
+    // The keyboard stays with the list: only so is it said which row the arrows have come to.
+    Accessible.focusable: true
+    Accessible.focused: current && listFocused
 
     Rectangle {
         anchors.fill: parent

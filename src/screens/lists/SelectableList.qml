@@ -41,7 +41,7 @@ ListView {
     // Whether the key was one that moves or toggles.
     function handleKey(key: int, modifiers: int): bool {
         const page = Math.max(1, Math.floor(height / rowHeight) - 1);
-        const current = selection.currentRow;
+        const current = keyRow;
         if (key === Qt.Key_Up)
             go(current - 1, modifiers);
         else if (key === Qt.Key_Down)

@@ -1,6 +1,7 @@
 # The QML files and the C++ sources of this folder.
 set(lists_qml
     AppScrollBar.qml
+    FoundMark.qml
     ListRow.qml
     SelectableList.qml
     TableHead.qml

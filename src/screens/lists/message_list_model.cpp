@@ -83,7 +83,27 @@ QList<int> MessageListModel::rolesOfChange() const {
             SizeTextRole, AttachmentCountRole, SpokenNameRole};
 }
 
+bool MessageListModel::holdsQuery(std::string_view text) const {
+    return screens::wholeText(text).contains(query_, Qt::CaseInsensitive);
+}
+
+// Empty where sender or subject hold the query, and without one.
+QString MessageListModel::foundLine(const MailMessageRecord& message) const {
+    if (query_.isEmpty() || holdsQuery(senderName(message).toStdString()) || holdsQuery(message.subject))
+        return {};
+    const auto named = [](const QString& name, std::string_view text) {
+        return name + u'：' + screens::shownLine(text, previewLimit);
+    };
+    if (holdsQuery(message.sender)) return named(QStringLiteral("发件人"), message.sender);
+    for (const MailAttachmentRecord& attachment : message.attachments) {
+        if (holdsQuery(attachment.fileName)) return named(QStringLiteral("附件"), attachment.fileName);
+    }
+    if (holdsQuery(message.mailbox)) return named(QStringLiteral("邮箱"), message.mailbox);
+    return holdsQuery(message.recipients) ? named(QStringLiteral("收件人"), message.recipients) : QString();
+}
+
 QString MessageListModel::previewLine(const MailMessageRecord& message) const {
+    if (QString found = foundLine(message); !found.isEmpty()) return found;
     const auto newer = newPreviews_.find(message.id);
     return screens::shownLine(newer == newPreviews_.end() ? thirdLine(message) : newer->second.view(),
                               previewLimit);
@@ -112,6 +132,13 @@ void MessageListModel::setArchivedIDs(std::shared_ptr<const SharedTextSet> ids) 
 void MessageListModel::setTroubles(MessageTroubles troubles) {
     troubles_ = std::move(troubles);
     notifyAllRows({TroubleRole, TroubleSymbolRole, TroubleToneRole, SpokenNameRole});
+}
+
+void MessageListModel::setQuery(const QString& query) {
+    if (query_ == query) return;
+    query_ = query;
+    Q_EMIT queryChanged();
+    notifyAllRows({PreviewRole});
 }
 
 void MessageListModel::setPreview(const SharedText& id, const SharedText& preview) {

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -28,6 +29,7 @@ class MessageListModel : public RecordListModel<MailMessageRecord, MessageID> {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("belongs to a screen")
+    Q_PROPERTY(QString query READ query NOTIFY queryChanged)
 
   public:
     enum Role {
@@ -65,10 +67,19 @@ class MessageListModel : public RecordListModel<MailMessageRecord, MessageID> {
         return troubles_.of(message);
     }
 
+    // What the list was searched for, lower-cased; empty without a search. Where neither sender nor subject
+    // hold it, the third line says which other part of the message does.
+    [[nodiscard]] const QString& query() const { return query_; }
+
+    void setQuery(const QString& query);
+
     // A text that was read again, for as long as the message is listed with the one in its record.
     void setPreview(const SharedText& id, const SharedText& preview);
 
     void forgetPreviews() { newPreviews_.clear(); }
+
+  Q_SIGNALS:
+    void queryChanged();
 
   protected:
     [[nodiscard]] QVariant value(const MailMessageRecord& message, int role) const override;
@@ -76,9 +87,12 @@ class MessageListModel : public RecordListModel<MailMessageRecord, MessageID> {
 
   private:
     [[nodiscard]] QString previewLine(const MailMessageRecord& message) const;
+    [[nodiscard]] QString foundLine(const MailMessageRecord& message) const;
+    [[nodiscard]] bool holdsQuery(std::string_view text) const;
 
     std::shared_ptr<const SharedTextSet> archivedIDs_ = std::make_shared<const SharedTextSet>();
     MessageTroubles troubles_;
+    QString query_;
     std::unordered_map<SharedText, SharedText, TextHash, std::equal_to<>> newPreviews_; // by message id
 };
 

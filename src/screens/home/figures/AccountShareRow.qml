@@ -26,7 +26,7 @@ Item {
         anchors.fill: parent
         radius: Theme.radiusSmall
         color: row.chosen ? Theme.selection : area.pressed ? Theme.pressed : area.containsMouse ? Theme.hover
-            : "transparent"
+            : Theme.surface
     }
     MouseArea {
         id: area

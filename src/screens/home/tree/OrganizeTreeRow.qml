@@ -27,7 +27,7 @@ ListRow {
     signal expandPressed
 
     implicitHeight: isAccount ? Theme.treeAccountRow : isFolder ? Theme.treeFolderRow : Theme.treeYearRow
-    restColor: isAccount ? Theme.page : "transparent"
+    restColor: isAccount ? Theme.page : Theme.surface
     onDoubleClicked: if (expandable) expandPressed()
 
     Accessible.role: Accessible.TreeItem
@@ -56,7 +56,7 @@ ListRow {
         anchors.verticalCenter: parent.verticalCenter
         focusPolicy: Qt.NoFocus
         tick: row.tick
-        name: row.tickHelp
+        name: row.title + "，" + row.tickHelp
         onClicked: row.tickPressed()
 
         AppToolTip {

@@ -51,9 +51,11 @@ QString expandHelpOf(OrganizeLevel level, bool isExpanded) {
 QString accessibleText(const OrganizeRow& row) {
     const std::array states = {QStringLiteral("未勾选"), QStringLiteral("部分勾选"),
                                QStringLiteral("已勾选")};
-    return QStringLiteral("%1，%2，%3，%4")
-        .arg(row.title, shownMessageCount(row.count), shownSize(row.bytes),
-             states[static_cast<std::size_t>(row.tick)]);
+    const QString text = QStringLiteral("%1，%2，%3，%4")
+                             .arg(row.title, shownMessageCount(row.count), shownSize(row.bytes),
+                                  states[static_cast<std::size_t>(row.tick)]);
+    if (!row.isExpandable) return text;
+    return text + (row.isExpanded ? QStringLiteral("，已展开") : QStringLiteral("，已收起"));
 }
 
 double largestYear(const OrganizeOverview& overview, const OrganizeScope& scope) {
