@@ -59,7 +59,7 @@ TEST_F(ArchivedFiles, AMailOpensAndWhatHappenedToOneThatDoesNotIsTold) {
     opening_.openArchivedEmail(entry_);
     opening_.cancel();
     waitUntilIdle(context_.tasks);
-    EXPECT_EQ(opening_.outcome(), std::nullopt);
+    EXPECT_FALSE(opening_.outcome().has_value());
     std::filesystem::rename(home_.at("Archive"), home_.at("Pulled"));
     open();
     EXPECT_TRUE(opening_.openArchiveError().starts_with("无法从 归档位置 取回这封归档邮件"));
