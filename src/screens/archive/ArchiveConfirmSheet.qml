@@ -16,7 +16,7 @@ Sheet {
     title: "确认归档"
     subtitle: confirmation.archiveSelectionSummary + (archive.candidates.tickState !== 0 ? "。Mail 里的原件不会改动。" : "")
     wantedWidth: 820
-    wantedHeight: 760
+    mostHeight: 760
     scrolls: false
     bodyGap: 0
     primary: start

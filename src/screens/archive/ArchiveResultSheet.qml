@@ -16,10 +16,11 @@ Sheet {
     title: result.title
     subtitle: result.subtitle
     symbol: result.symbol
-    symbolColor: result.isSafe ? Theme.safe : Theme.attention
+    symbolColor: result.tone.length > 0 ? Theme.toneText(result.tone) : Theme.text2
     wantedWidth: 720
     note: result.note
-    primary: done
+    // What was cancelled isn't taken up again by a key that was meant to close.
+    primary: result.restTitle.length > 0 ? quit : done
     onWantedChanged: visible = wanted
     Component.onCompleted: visible = wanted
     // Only what the user closes: at a change of the stage the sheet is no longer wanted.
@@ -44,6 +45,12 @@ Sheet {
                 kind: entry.meaning ?? ""
             }
         }
+    }
+    ResultPlace {
+        objectName: "resultPlace"
+        Layout.fillWidth: true
+        Layout.topMargin: 18
+        archive: sheet.archive
     }
     Banner {
         objectName: "archiveWarnings"
@@ -121,6 +128,15 @@ Sheet {
     }
     barItems: [
         AppButton {
+            id: quit
+            objectName: "closeResultButton"
+            visible: sheet.result.restTitle.length > 0
+            implicitHeight: Theme.controlHeightPrimary
+            horizontalPadding: 20
+            text: "关闭"
+            onClicked: sheet.close()
+        },
+        AppButton {
             objectName: "retryButton"
             visible: sheet.result.retryTitle.length > 0
             implicitHeight: Theme.controlHeightPrimary
@@ -131,8 +147,8 @@ Sheet {
         PrimaryButton {
             id: done
             objectName: "doneButton"
-            text: "完成"
-            onClicked: sheet.close()
+            text: sheet.result.restTitle.length > 0 ? sheet.result.restTitle : "完成"
+            onClicked: sheet.result.restTitle.length > 0 ? sheet.archive.continueRest() : sheet.close()
         }
     ]
 }

@@ -13,6 +13,8 @@ FocusGroup {
 
     horizontal: false
     vertical: false
+    // As high as its rows, with room for what is said in their place.
+    implicitHeight: Math.max(200, Theme.tableHeadHeight + 1 + list.count * Theme.rowDense + Theme.space)
 
     function tick(row: int, modifiers: int) {
         if (modifiers & Qt.ShiftModifier)

@@ -110,6 +110,19 @@ void ArchiveCandidatesModel::show(const SharedMessageList& candidates) {
         });
 }
 
+std::set<std::int64_t> ArchiveCandidatesModel::yearsOfFew() const {
+    constexpr int mostLookedAt = 500;
+    std::set<std::int64_t> years;
+    if (count() > mostLookedAt) return years;
+    const YearByID& known = *model_.catalog().messageYearByID();
+    for (const MailMessageRecord& message : *records()) {
+        const auto year = known.find(message.id);
+        if (year == known.end()) return {};
+        years.insert(year->second);
+    }
+    return years;
+}
+
 ArchiveCandidatesModel::Sum ArchiveCandidatesModel::sumOf(const SumJob& job) {
     Sum sum;
     for (const MailMessageRecord& message : *job.messages) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <set>
 
 #include <QtQml/qqmlregistration.h>
 
@@ -38,6 +39,10 @@ class ArchiveCandidatesModel : public MessageListModel {
     [[nodiscard]] std::int64_t selectedCount() const { return selected_.count; }
 
     [[nodiscard]] std::int64_t selectedBytes() const { return selected_.bytes; }
+
+    // Of a list that is short enough to be looked through at once; empty for a longer one, or with mail
+    // without a date.
+    [[nodiscard]] std::set<std::int64_t> yearsOfFew() const;
 
     // 0 none, 1 all, 2 some.
     [[nodiscard]] int tickState() const;

@@ -66,12 +66,15 @@ QVariantList tilesOf(const ArchiveResultFigures& figures, std::int64_t archivedB
     QString archivedLine = shownSize(archivedBytes);
     if (figures.furtherCopies > 0)
         archivedLine += QStringLiteral(" · 另有 %1 个副本").arg(shownCount(figures.furtherCopies));
-    QVariantList tiles{tile(QStringLiteral("已归档"), figures.archived, archivedLine, QStringLiteral("safe")),
-                       tile(QStringLiteral("已跳过(重复)"), figures.skipped, QStringLiteral("归档库里已有")),
-                       tile(QStringLiteral("失败"), figures.failed, QStringLiteral("原件没有改动"),
-                            QStringLiteral("danger"))};
+    QVariantList tiles{
+        tile(QStringLiteral("已归档"), figures.archived, archivedLine, QStringLiteral("safe"))};
+    if (figures.skipped > 0)
+        tiles << tile(QStringLiteral("已跳过(重复)"), figures.skipped, QStringLiteral("归档库里已有"));
+    if (figures.failed > 0)
+        tiles << tile(QStringLiteral("失败"), figures.failed, QStringLiteral("原件没有改动"),
+                      QStringLiteral("danger"));
     if (wasCancelled)
-        tiles << tile(QStringLiteral("未处理"), figures.notTried, QStringLiteral("取消前没有轮到"));
+        tiles << tile(QStringLiteral("没有尝试"), figures.notTried, QStringLiteral("还在未归档里"));
     tiles << tile(QStringLiteral("合计"), figures.chosen, QStringLiteral("与所选封数一致"));
     return tiles;
 }
@@ -81,6 +84,14 @@ QString titleOf(const EmailArchiveRunResult& result) {
     return result.failedCount > 0
                ? QStringLiteral("%1，%2失败").arg(title, shownMessageCount(result.failedCount))
                : title;
+}
+
+QString endTextOf(const EmailArchiveRunResult& result, const ArchiveResultFigures& figures) {
+    const QString title = result.wasCancelled ? QStringLiteral("归档已取消") : QStringLiteral("归档完成");
+    const QString figure = figures.failed > 0
+                               ? QStringLiteral("%1失败").arg(shownMessageCount(figures.failed))
+                               : shownMessageCount(figures.archived + figures.skipped);
+    return QStringLiteral("%1 · %2").arg(title, figure);
 }
 
 } // namespace
@@ -108,8 +119,14 @@ ArchiveResultView ArchiveResultView::of(const EmailArchiveRunResult& result, std
     view.subtitle = hasCopies ? QStringLiteral("完整邮件已只读备份为 .eml，Mail 未被改动。")
                               : QStringLiteral("没有邮件放入归档库，Mail 未被改动。");
     view.isSafe = !result.hasIssues() && !result.wasCancelled;
-    view.symbol =
-        view.isSafe ? QStringLiteral("checkmark.shield") : QStringLiteral("exclamationmark.triangle.fill");
+    const bool isOnlyCancelled = result.wasCancelled && !result.hasIssues();
+    view.tone = view.isSafe       ? QStringLiteral("safe")
+                : isOnlyCancelled ? QString()
+                                  : QStringLiteral("attention");
+    view.symbol = view.isSafe       ? QStringLiteral("checkmark.shield")
+                  : isOnlyCancelled ? QStringLiteral("info")
+                                    : QStringLiteral("exclamationmark.triangle.fill");
+    view.endText = endTextOf(result, figures);
     view.tiles = tilesOf(figures, result.archivedBytes, result.wasCancelled);
     for (const std::string& warning : result.archiveWarnings) view.warnings << screens::wholeText(warning);
     if (result.failedCount > 0) {
@@ -123,6 +140,13 @@ ArchiveResultView ArchiveResultView::of(const EmailArchiveRunResult& result, std
         for (qsizetype shown = 0; shown < std::min(variants, shownPerGroup); ++shown)
             view.variants << screens::shownLine(result.variantWarnings[static_cast<std::size_t>(shown)]);
         if (variants > shownPerGroup) view.variants << moreText(variants - shownPerGroup);
+    }
+    if (figures.notTried > 0) {
+        view.restTitle = QStringLiteral("继续剩余 %1").arg(shownMessageCount(figures.notTried));
+        view.nextStep = QStringLiteral("剩余的 %1还在未归档里，已写好的不会重写。")
+                            .arg(shownMessageCount(figures.notTried) + QLatin1Char(' '));
+    } else if (hasCopies) {
+        view.nextStep = QStringLiteral("核对原件，看看哪些可以删除");
     }
     if (hasCopies)
         view.note = QStringLiteral("邮件副本已保存到邮件库。关闭后可以回到归档页继续清理 Mail 空间。");

@@ -47,6 +47,10 @@ struct ArchiveResultView {
     Q_PROPERTY(QStringList variants MEMBER variants CONSTANT)
     Q_PROPERTY(QString note MEMBER note CONSTANT)
     Q_PROPERTY(QString retryTitle MEMBER retryTitle CONSTANT)
+    Q_PROPERTY(QString restTitle MEMBER restTitle CONSTANT)
+    Q_PROPERTY(QString nextStep MEMBER nextStep CONSTANT)
+    Q_PROPERTY(QString endText MEMBER endText CONSTANT)
+    Q_PROPERTY(QString tone MEMBER tone CONSTANT)
 
   public:
     QString title;
@@ -61,6 +65,10 @@ struct ArchiveResultView {
     QStringList variants;
     QString note;
     QString retryTitle; // empty where there is nothing to try again
+    QString restTitle;  // of the way to what a cancelled run didn't come to; empty without
+    QString nextStep;   // what is worth doing now; empty where nothing was archived
+    QString endText;    // the whole in one short line, for a run that ended behind other work
+    QString tone;       // of a control: safe, attention, or empty for a run that was only cancelled
 
     static ArchiveResultView of(const EmailArchiveRunResult& result, std::int64_t chosen);
 };

@@ -1,10 +1,13 @@
 #include "screens/archive/archive_screen.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QPointer>
 
 #include "screens/archive/archive_texts.h"
+#include "screens/texts/partial_mail.h"
+#include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {
@@ -14,6 +17,7 @@ ArchiveScreen::ArchiveScreen(CorvaneViewModel& model, OrganizeData& data, Deskto
   : QObject(parent)
   , model_(model)
   , data_(data)
+  , desktop_(desktop)
   , candidates_(model, desktop)
   , quickDestinations_(model)
   , folderPicker_(model)
@@ -62,6 +66,7 @@ void ArchiveScreen::setError(const QString& text) {
 
 void ArchiveScreen::open(const std::shared_ptr<const SharedTextSet>& ids) {
     open(ArchiveRequest{[ids] { return *ids; }, {}});
+    isOfChosenMail_ = true;
 }
 
 void ArchiveScreen::open(ArchiveRequest request) {
@@ -69,8 +74,10 @@ void ArchiveScreen::open(ArchiveRequest request) {
         bringToFront();
         return;
     }
+    if (stage_ == Confirm) isEndUnseen_ = false;
     close();
     setError({});
+    isOfChosenMail_ = false;
     isPreparing_ = true;
     yearsBefore_ = model_.filters().archiveFilterYears();
     model_.filters().setArchiveFilterYears(std::move(request.years));
@@ -107,6 +114,7 @@ void ArchiveScreen::endConfirmation() {
 void ArchiveScreen::close() {
     if (stage_ == Closed || stage_ == Running) return;
     const bool isConfirmation = stage_ == Confirm;
+    if (stage_ == Result) forgetRun();
     // First, so that nothing is loaded for a sheet that is going.
     setStage(Closed);
     if (isConfirmation) endConfirmation();
@@ -115,6 +123,9 @@ void ArchiveScreen::close() {
 void ArchiveScreen::start() {
     if (!canStart()) return;
     setError({});
+    isEndUnseen_ = false;
+    runCandidates_ = candidates_.records();
+    runSelection_ = model_.ticks().selectedArchiveMessageIDs();
     progress_.start(candidates_.selectedCount());
     setStage(Running);
     model_.archiveSelectedEmails([screen = QPointer(this)](ArchiveRunFlow::RunOutcome outcome) {
@@ -122,19 +133,58 @@ void ArchiveScreen::start() {
     });
 }
 
+// Where another place can be chosen. What was written before stays and is found again.
+void ArchiveScreen::handleRunFailure(const QString& error) {
+    const std::int64_t done = progress_.completed();
+    setError(done == 0 ? error
+                       : error + QStringLiteral("\n\n出错前已处理 %1。写好的文件还在归档位置，下次归档会"
+                                                "认出它们，不会重写。")
+                                     .arg(screens::shownMessageCount(done)));
+    model_.destinations().refreshFacts();
+    stage_ = Confirm;
+    candidates_.load();
+}
+
+// A run that was sent to the background ends there: nobody's work is covered, nor their keyboard taken.
 void ArchiveScreen::handleRunEnd(ArchiveRunFlow::RunOutcome outcome) {
     progress_.stop();
+    isEndUnseen_ = isInBackground_;
     if (!outcome) {
-        setError(screens::wholeText(outcome.error()));
-        model_.destinations().refreshFacts();
-        setStage(Confirm);
-        candidates_.load();
+        handleRunFailure(screens::wholeText(outcome.error()));
+        Q_EMIT stageChanged();
         return;
     }
     outcome_.set(std::move(*outcome), progress_.total());
-    setStage(Result);
+    if (outcome_.view().restTitle.isEmpty()) forgetRun();
+    setStage(isEndUnseen_ ? Closed : Result);
     endConfirmation();
     Q_EMIT archiveFinished();
+}
+
+// A list that is kept would keep all of its mail in memory behind the next scan.
+void ArchiveScreen::forgetRun() {
+    runSelection_ = {};
+    if (runCandidates_) model_.context().tasks.discard(std::exchange(runCandidates_, nullptr));
+}
+
+QString ArchiveScreen::endText() const {
+    if (!isEndUnseen_) return {};
+    return stage_ == Confirm ? QStringLiteral("归档没有完成") : outcome_.view().endText;
+}
+
+QString ArchiveScreen::endTone() const {
+    if (!isEndUnseen_) return {};
+    return stage_ == Confirm ? QStringLiteral("danger") : outcome_.view().tone;
+}
+
+QString ArchiveScreen::partialText() const {
+    return screens::partialMailText(model_);
+}
+
+void ArchiveScreen::showEnd() {
+    if (!isEndUnseen_) return;
+    isEndUnseen_ = false;
+    setStage(stage_ == Confirm ? Confirm : Result);
 }
 
 void ArchiveScreen::cancelRun() {
@@ -161,6 +211,32 @@ void ArchiveScreen::retryFailed() {
     if (!ids->empty()) open(ids);
 }
 
+// What was archived meanwhile is no candidate any more.
+void ArchiveScreen::continueRest() {
+    if (stage_ != Result) return;
+    const auto rest = [candidates = runCandidates_, selection = runSelection_,
+                       failed = outcome_.failedIDs()] {
+        SharedTextSet ids;
+        for (const MailMessageRecord& message : *candidates) {
+            if (selection.contains(message.id) && !failed.contains(message.id)) ids.insert(message.id);
+        }
+        return ids;
+    };
+    open(ArchiveRequest{rest, {}});
+    isOfChosenMail_ = true;
+}
+
+void ArchiveScreen::openFolder() {
+    const DestinationView destination = destinationView(model_);
+    if (destination.path && destination.facts.connected)
+        desktop_.open(QUrl::fromLocalFile(screens::wholeText(*destination.path)));
+}
+
+void ArchiveScreen::goTo(const QString& place) {
+    close();
+    Q_EMIT placeRequested(place);
+}
+
 bool ArchiveScreen::canStart() const {
     const DestinationView destination = destinationView(model_);
     return stage_ == Confirm && !isLoading() && destination.path && destination.facts.connected &&
@@ -178,7 +254,7 @@ ArchiveConfirmation ArchiveScreen::confirmation() const {
     shown.canStart = canStart();
     shown.archiveButtonTitle = screens::archiveButtonTitle(destination, count);
     shown.archiveSelectionSummary = screens::archiveSelectionSummary(count, bytes);
-    shown.archiveScopeTitle = screens::archiveScopeTitle(years);
+    shown.archiveScopeTitle = screens::archiveScopeTitle(isOfChosenMail_ ? candidates_.yearsOfFew() : years);
     shown.archiveEmptyTitle = screens::archiveEmptyTitle(safety);
     shown.archiveEmptyDescription = screens::archiveEmptyDescription(shown.archiveScopeTitle, safety);
     shown.tickedText = screens::archiveTickedText(count, candidates_.count());

@@ -40,6 +40,9 @@ class ArchiveScreen : public QObject {
     Q_PROPERTY(Stage stage READ stage NOTIFY stageChanged)
     Q_PROPERTY(bool isShown READ isShown NOTIFY stageChanged)
     Q_PROPERTY(bool isRunning READ isRunning NOTIFY stageChanged)
+    Q_PROPERTY(QString endText READ endText NOTIFY stageChanged)
+    Q_PROPERTY(QString endTone READ endTone NOTIFY stageChanged)
+    Q_PROPERTY(QString partialText READ partialText NOTIFY stageChanged)
     Q_PROPERTY(corvane::DestinationItem destination READ destination NOTIFY destinationChanged)
     Q_PROPERTY(corvane::ArchiveConfirmation confirmation READ confirmation NOTIFY confirmationChanged)
     Q_PROPERTY(int minimumSize READ minimumSize WRITE setMinimumSize NOTIFY confirmationChanged)
@@ -65,6 +68,14 @@ class ArchiveScreen : public QObject {
     [[nodiscard]] bool isShown() const { return stage_ != Closed && !isInBackground_; }
 
     [[nodiscard]] bool isRunning() const { return stage_ == Running; }
+
+    // How the last run ended that was sent to the background, until somebody looks at it or the next one
+    // starts; else empty. And its tone, as controls have them.
+    [[nodiscard]] QString endText() const;
+    [[nodiscard]] QString endTone() const;
+
+    // Of the mail that Mail holds in part; empty without any.
+    [[nodiscard]] QString partialText() const;
 
     // Opens the sheet with these messages, all of them ticked; during a run brings that to the front.
     void open(ArchiveRequest request);
@@ -100,7 +111,19 @@ class ArchiveScreen : public QObject {
     // The run goes on without its sheet; `bringToFront` shows it again.
     Q_INVOKABLE void sendToBackground();
     Q_INVOKABLE void bringToFront();
+
+    // What `endText` is about: the result, or the confirmation with what went wrong.
+    Q_INVOKABLE void showEnd();
     Q_INVOKABLE void retryFailed();
+
+    // Opens the sheet with what a cancelled run didn't come to.
+    Q_INVOKABLE void continueRest();
+
+    // The archive's folder in the file manager; no effect while it is out of reach.
+    Q_INVOKABLE void openFolder();
+
+    // Closes the sheet; `placeRequested` follows.
+    Q_INVOKABLE void goTo(const QString& place);
 
     // Not during a run.
     Q_INVOKABLE void close();
@@ -112,12 +135,16 @@ class ArchiveScreen : public QObject {
     void errorChanged();
     // A run has ended and its result stands in the sheet.
     void archiveFinished();
+    // A place of the sidebar is the next step.
+    void placeRequested(const QString& key);
 
   private:
     void wire();
     void setStage(Stage stage);
     void setError(const QString& text);
     void showCandidates(std::shared_ptr<const SharedTextSet> requested);
+    void forgetRun();
+    void handleRunFailure(const QString& error);
     void handleRunEnd(ArchiveRunFlow::RunOutcome outcome);
     void endConfirmation();
     [[nodiscard]] bool canStart() const;
@@ -126,6 +153,7 @@ class ArchiveScreen : public QObject {
 
     CorvaneViewModel& model_;
     OrganizeData& data_;
+    DesktopActions& desktop_;
     ArchiveCandidatesModel candidates_;
     QuickDestinations quickDestinations_;
     FolderPicker folderPicker_;
@@ -134,6 +162,10 @@ class ArchiveScreen : public QObject {
     ArchiveOutcome outcome_;
     Stage stage_ = Closed;
     bool isInBackground_ = false;
+    bool isEndUnseen_ = false;      // of a run in the background
+    bool isOfChosenMail_ = false;   // ids were asked for, not years
+    ArchiveSelection runSelection_; // of the last run, with the list it ticks
+    SharedMessageList runCandidates_;
     bool isPreparing_ = false;
     QString errorText_;
     std::set<std::int64_t> yearsBefore_; // of the candidates' filter, given back at the end

@@ -7,6 +7,7 @@ set(archive_qml
     CandidateList.qml
     CandidateRow.qml
     FailureGroups.qml
+    ResultPlace.qml
     places/DestinationCard.qml
     places/DestinationCards.qml
     places/FolderChooser.qml
@@ -26,6 +27,7 @@ set(archive_sources
     archive_texts.cpp
     run_pace.cpp
     places/folder_texts.cpp
+    places/folder_choice.cpp
     places/folder_picker.cpp
     places/quick_destinations.cpp
     places/rebuild_notice.cpp

@@ -34,8 +34,11 @@ FocusScope {
             enterPage();
     }
     function find() {
-        if (currentPage && currentPage.searchField)
-            currentPage.searchField.forceActiveFocus(Qt.ShortcutFocusReason);
+        const field = currentPage?.searchField as SearchField;
+        if (!field)
+            return;
+        field.forceActiveFocus(Qt.ShortcutFocusReason);
+        field.selectAll();
     }
 
     onCurrentPageChanged: Qt.callLater(settleKeyboard) // qmllint disable
@@ -53,6 +56,12 @@ FocusScope {
             settleKeyboard();
     }
     Window.onActiveFocusItemChanged: Qt.callLater(settleLostKeyboard) // qmllint disable
+    Connections {
+        target: view.app.archive
+        function onPlaceRequested(key: string) {
+            view.goByKey(key);
+        }
+    }
     Connections {
         target: view.app.home
         function onTroubledRequested() {

@@ -216,6 +216,35 @@ TEST_F(ArchiveSheet, AnErrorBringsTheConfirmationBackWithItsTicks) {
     EXPECT_TRUE(archiveScreen_.errorText().isEmpty()) << "it was about the other place";
 }
 
+TEST_F(ArchiveSheet, ARunGoesOnInTheBackgroundAndEndsInItsResult) {
+    std::vector<MessageSketch> sketches;
+    for (int number = 0; number < 200; ++number) sketches.push_back({"m" + std::to_string(number), 2019});
+    publish(sketches);
+    chooseDestination(home_.at("归档"));
+    homeScreen_.runOrganizePrimaryAction();
+    settle();
+    archiveScreen_.start();
+    archiveScreen_.close();
+    EXPECT_EQ(archiveScreen_.stage(), Stage::Running) << "a run is cancelled, not closed";
+    archiveScreen_.sendToBackground();
+    EXPECT_FALSE(archiveScreen_.isShown());
+    EXPECT_EQ(homeScreen_.selection().organizePrimaryTitle, QStringLiteral("查看归档进度"));
+    homeScreen_.runOrganizePrimaryAction();
+    EXPECT_TRUE(archiveScreen_.isShown());
+    archiveScreen_.sendToBackground();
+    archiveScreen_.cancelRun();
+    EXPECT_TRUE(archiveScreen_.progress()->isCancelling());
+    settle();
+    EXPECT_FALSE(archiveScreen_.isShown()) << "over other work";
+    EXPECT_TRUE(archiveScreen_.endText().startsWith(QStringLiteral("归档已取消")));
+    archiveScreen_.showEnd();
+    EXPECT_EQ(archiveScreen_.stage(), Stage::Result);
+    EXPECT_TRUE(archiveScreen_.endText().isEmpty());
+    EXPECT_EQ(archiveScreen_.outcome()->view().title, QStringLiteral("归档已取消"));
+    const ArchiveResultView& result = archiveScreen_.outcome()->view();
+    EXPECT_EQ(tile(static_cast<int>(result.tiles.size()) - 1), QStringLiteral("合计 200"));
+}
+
 TEST_F(ArchiveSheet, CandidatesThatAreArchivedElsewhereLeaveTheSheet) {
     publishThree();
     chooseDestination(home_.at("归档"));

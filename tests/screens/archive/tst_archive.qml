@@ -69,7 +69,7 @@ WindowUnderTest {
             tryVerify(() => archive.stage === ArchiveScreen.Closed);
             tryVerify(() => findChild(root.overlay, "startArchiveButton") === null);
             compare(archive.candidates.count, 0);
-            verify(tree.activeFocus);
+            verify(part("primaryAction").activeFocus, "what opened it");
         }
         function test_ARunIsCancelledOnce_AndNotByEscape() {
             openSheet();
@@ -77,9 +77,12 @@ WindowUnderTest {
             mouseClick(part("startArchiveButton"));
             compare(archive.stage, ArchiveScreen.Running);
             const cancel = part("cancelRunButton");
-            tryVerify(() => cancel.visible && cancel.activeFocus);
+            tryVerify(() => cancel.visible);
+            keyClick(Qt.Key_Return);
+            keyClick(Qt.Key_Space);
             keyClick(Qt.Key_Escape);
-            compare(archive.stage, ArchiveScreen.Running);
+            compare(archive.stage, ArchiveScreen.Running, "no key that was meant for the sheet before");
+            verify(!archive.progress.isCancelling);
             mouseClick(cancel);
             compare(cancel.text, "正在取消…");
             verify(!cancel.enabled);
@@ -98,8 +101,13 @@ WindowUnderTest {
             tryVerify(() => !background.visible);
             compare(part("primaryAction").text, "查看归档进度");
             verify(!part("updateButton").enabled);
-            mouseClick(part("primaryAction"));
-            verify(archive.isShown);
+            tree.forceActiveFocus(Qt.TabFocusReason);
+            scenes.letGo();
+            tryCompare(part("runEnd"), "visible", true);
+            verify(!archive.isShown && tree.activeFocus, "nobody's work is covered");
+            mouseClick(part("showRunEnd"));
+            tryVerify(() => archive.isShown && archive.stage === ArchiveScreen.Result);
+            verify(!part("runEnd").visible);
         }
         function test_FailuresAreShownWithTheirReason_AndCanBeTriedAgain() {
             mouseClick(findChild(row("2019 年"), "tickBox"));

@@ -24,7 +24,7 @@ WindowUnderTest {
             mouseClick(part("changeLocationButton"));
             tryVerify(() => picker.pathText.length > 0 && !picker.busy);
             list = part("folderList");
-            tryVerify(() => list.visible && list.activeFocus);
+            tryVerify(() => list.visible && part("useFolderButton").activeFocus);
             go(base);
         }
         function cleanup() {
@@ -73,12 +73,13 @@ WindowUnderTest {
             settled();
             compare(picker.pathText, base);
             keyClick(Qt.Key_Down);
+            settled();
             mouseClick(part("useFolderButton"));
             settled();
             tryVerify(() => !list.visible);
             compare(root.archive.destination.folder.toString(), "file://" + base + "/f0");
         }
-        function test_WithoutARowReturnTakesTheShownFolder_EscapeTakesNothing() {
+        function test_WithoutARowReturnMakesTheProposedFolder_EscapeTakesNothing() {
             const before = root.archive.destination.folder.toString();
             keyClick(Qt.Key_Escape);
             tryVerify(() => !list.visible);
@@ -86,12 +87,32 @@ WindowUnderTest {
 
             mouseClick(part("changeLocationButton"));
             settled();
-            tryVerify(() => list.activeFocus);
+            tryVerify(() => part("useFolderButton").activeFocus);
             go(base);
+            compare(part("proposedFolder").visible, true);
             keyClick(Qt.Key_Return);
             settled();
             tryVerify(() => !list.visible);
-            compare(root.archive.destination.folder.toString(), "file://" + base);
+            compare(root.archive.destination.folder.toString(), "file://" + base + "/邮件归档");
+        }
+        // A full folder is taken by a second, deliberate press only; a name that is being typed holds everything.
+        function test_AFullFolderIsWarnedOf_AndAnUnfinishedNameIsNotThrownAway() {
+            keyClick(Qt.Key_Down);
+            keyClick(Qt.Key_Down);
+            settled();
+            tryCompare(part("folderWarning"), "visible", true);
+            compare(part("useFolderButton").text, "新建并使用");
+            mouseClick(part("newFolderButton"));
+            const field = part("newFolderName");
+            tryVerify(() => field.activeFocus);
+            field.text = "abc";
+            verify(!part("useFolderButton").enabled);
+            keyClick(Qt.Key_Escape);
+            tryVerify(() => part("useFolderButton").enabled);
+            mouseClick(part("useAnywayButton"));
+            settled();
+            tryVerify(() => !list.visible);
+            compare(root.archive.destination.folder.toString(), "file://" + base + "/f1");
         }
         // A field keeps the arrows to itself: what stands beside it needs Tab.
         function test_TabComesToEveryControl() {

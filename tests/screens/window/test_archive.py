@@ -28,6 +28,7 @@ class ArchiveWalk(WindowCase):
 
             window.click_part("chooseLocationButton")
             window.click_part("folder0")  # Documents, the first of the home
+            window.wait_for_part("useFolderButton", lambda button: button["text"] == "使用此位置")
             window.picture(PICTURES / "walk-3-place.png")
             window.click_part("useFolderButton")
             wait_until(lambda: window.part("useFolderButton") is None, "the picker to close")

@@ -11,9 +11,10 @@ FocusGroup {
     required property QuickDestinations destinations
     readonly property int count: cards.count
     readonly property int perRow: Math.max(1, Math.min(count, Math.floor((width + Theme.space) / (140 + Theme.space))))
-    readonly property int cardWidth: Math.floor((width - (perRow - 1) * Theme.space) / perRow)
+    // A lone one isn't stretched over the sheet.
+    readonly property int cardWidth: Math.min(Math.floor((width - (perRow - 1) * Theme.space) / perRow), 260)
     // Pixels that don't divide go to the first cards of a row, so that its edges stand in line with the sheet's.
-    readonly property int remainder: Math.floor(width) - (perRow - 1) * Theme.space - perRow * cardWidth
+    readonly property int remainder: Math.min(perRow, Math.floor(width) - (perRow - 1) * Theme.space - perRow * cardWidth)
 
     implicitHeight: flow.implicitHeight
 

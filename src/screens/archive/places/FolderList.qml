@@ -11,6 +11,12 @@ ListView {
 
     required property FolderPicker picker
     property string typed: ""
+    // Above the rows, as another one: the folder that would be made here.
+    readonly property string proposal: picker.choice.proposal
+    // It stays while another row is selected, and until the next folder is listed.
+    property string kept: ""
+    onProposalChanged: if (proposal.length > 0) kept = proposal
+    onCurrentIndexChanged: picker.select(currentIndex)
     readonly property bool isFocused: activeFocus && Window.active
 
     signal emptyPressed
@@ -45,7 +51,8 @@ ListView {
             moveTo(row);
     }
 
-    Keys.onUpPressed: moveTo(currentIndex - 1)
+    // From the first row back to the shown folder itself.
+    Keys.onUpPressed: currentIndex <= 0 ? currentIndex = -1 : moveTo(currentIndex - 1)
     Keys.onDownPressed: moveTo(currentIndex + 1)
     Keys.onRightPressed: picker.openRow(currentIndex)
     Keys.onLeftPressed: picker.goUp()
@@ -77,6 +84,7 @@ ListView {
 
         required property int index
         required property string name
+        required property string inside
 
         objectName: "folder" + index
         width: ListView.view.width
@@ -102,10 +110,59 @@ ListView {
         }
         AppText {
             x: 38
-            width: row.width - x - 16
+            width: insideLabel.x - x - 12
             anchors.verticalCenter: parent.verticalCenter
             text: row.name
             elide: Text.ElideMiddle
+            Accessible.ignored: true
+        }
+        AppText {
+            id: insideLabel
+            anchors.right: parent.right
+            anchors.rightMargin: 16
+            anchors.verticalCenter: parent.verticalCenter
+            text: row.inside
+            role: AppText.Note
+            color: row.captionColor
+            Accessible.ignored: true
+        }
+    }
+    header: ListRow {
+        objectName: "proposedFolder"
+        width: ListView.view ? ListView.view.width : 0
+        height: visible ? Theme.rowDense : 0
+        visible: list.kept.length > 0
+        selected: list.currentIndex < 0
+        listFocused: list.isFocused
+        Accessible.role: Accessible.ListItem
+        Accessible.name: list.kept + "，将新建"
+        Accessible.selected: selected
+        onClicked: {
+            list.currentIndex = -1;
+            list.forceActiveFocus(Qt.MouseFocusReason);
+        }
+
+        Symbol {
+            x: 12
+            anchors.verticalCenter: parent.verticalCenter
+            size: 16
+            name: "folder"
+            color: Theme.accent
+        }
+        AppText {
+            x: 38
+            anchors.verticalCenter: parent.verticalCenter
+            text: list.kept
+            font.weight: Theme.strong
+            Accessible.ignored: true
+        }
+        AppText {
+            anchors.right: parent.right
+            anchors.rightMargin: 16
+            anchors.verticalCenter: parent.verticalCenter
+            text: "将新建"
+            role: AppText.Note
+            color: Theme.text2
             Accessible.ignored: true
         }
     }
@@ -113,7 +170,7 @@ ListView {
     // Where no row says that the keyboard is here.
     FocusRing {
         parent: list
-        shown: list.isFocused && list.currentIndex < 0 && KeyboardFocus.inUse
+        shown: list.isFocused && list.currentIndex < 0 && list.kept.length === 0 && KeyboardFocus.inUse
         inside: true
     }
     // Below the rows: what is pressed there selects nothing.
@@ -138,9 +195,15 @@ ListView {
     Connections {
         target: list.picker
         function onListed() {
-            list.currentIndex = -1;
+            list.kept = "";
+            list.currentIndex = list.picker.firstRow();
+            // Also where it was that row before, of another folder.
+            list.picker.select(list.currentIndex);
             list.typed = "";
-            list.positionViewAtBeginning();
+            if (list.currentIndex < 0)
+                list.positionViewAtBeginning();
+            else
+                list.positionViewAtIndex(list.currentIndex, ListView.Contain);
         }
     }
 }

@@ -37,6 +37,7 @@ ListView {
         objectName: "place" + index
         width: ListView.view.width
         implicitHeight: hasDetail ? Theme.rowRegular - 4 : Theme.rowDense
+        restColor: Theme.page
         selected: modelData.chosen
         current: ListView.isCurrentItem
         listFocused: list.activeFocus

@@ -8,7 +8,10 @@ Sheet {
 
     required property ArchiveScreen archive
     readonly property FolderPicker picker: archive.folderPicker
+    readonly property var choice: picker.choice
+    // A name is being typed: nothing is used before that folder is made, or given up.
     property bool makesFolder: false
+    property bool hasBegun: false
 
     objectName: "folderSheet"
     title: "选择附件转移位置"
@@ -17,17 +20,26 @@ Sheet {
     wantedHeight: 620
     scrolls: false
     primary: use
-    note: "归档将放进"
-    noteLine: picker.pathText === "" ? "" : picker.targetText(folders.currentIndex)
+    note: makesFolder ? "先把新文件夹建好，或放弃" : choice.note
+    noteLine: makesFolder ? "建好之前不会使用任何位置" : choice.noteLine
     noteLineElide: Text.ElideMiddle
 
     function ask() {
         makesFolder = false;
+        hasBegun = false;
         picker.begin();
         open();
     }
 
     onOpened: folders.forceActiveFocus(Qt.OtherFocusReason)
+    // As soon as it is known what would be used.
+    onChoiceChanged: {
+        if (hasBegun || !choice.canUse || !visible)
+            return;
+        hasBegun = true;
+        if (folders.activeFocus)
+            use.forceActiveFocus(keyboard.focusReason);
+    }
 
     fillingItems: ColumnLayout {
         anchors.fill: parent
@@ -92,6 +104,14 @@ Sheet {
                 Accessible.role: Accessible.AlertMessage
             }
         }
+        Banner {
+            objectName: "folderWarning"
+            Layout.fillWidth: true
+            visible: sheet.choice.warningKind.length > 0 && !sheet.makesFolder
+            kind: sheet.choice.warningKind
+            headline: sheet.choice.warningTitle
+            lines: [sheet.choice.warningText]
+        }
         Rectangle {
             Layout.fillWidth: true
             Layout.fillHeight: true
@@ -140,12 +160,21 @@ Sheet {
             text: "取消"
             onClicked: sheet.close()
         },
+        AppButton {
+            objectName: "useAnywayButton"
+            implicitHeight: Theme.controlHeightPrimary
+            horizontalPadding: 20
+            visible: text.length > 0 && !sheet.makesFolder
+            enabled: !sheet.picker.busy
+            text: sheet.choice.anywayText
+            onClicked: sheet.picker.useAnyway()
+        },
         PrimaryButton {
             id: use
             objectName: "useFolderButton"
-            enabled: sheet.picker.pathText.length > 0
-            text: "使用此位置"
-            onClicked: sheet.picker.choose(folders.currentIndex)
+            enabled: sheet.choice.canUse && !sheet.makesFolder && !sheet.picker.busy
+            text: sheet.choice.useText
+            onClicked: sheet.picker.use()
         }
     ]
 

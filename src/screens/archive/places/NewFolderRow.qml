@@ -33,7 +33,7 @@ FocusScope {
             Layout.fillWidth: true
             name: "新文件夹的名称"
             placeholderText: "新文件夹的名称"
-            maximumLength: 200
+            maximumLength: 250
             onAccepted: scope.make()
             Keys.onReturnPressed: scope.make()
             Keys.onEnterPressed: scope.make()
@@ -42,11 +42,11 @@ FocusScope {
             id: makeButton
             objectName: "makeFolderButton"
             enabled: field.text.trim().length > 0 && !scope.picker.busy
-            text: "创建"
+            text: "新建"
             onClicked: scope.make()
         }
         AppButton {
-            text: "不创建"
+            text: "放弃"
             onClicked: scope.done()
         }
     }

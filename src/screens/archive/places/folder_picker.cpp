@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "locations/destination_detection.h"
+#include "locations/folder_facts.h"
 #include "platform/paths.h"
 #include "screens/texts/shown_text.h"
 
@@ -24,29 +25,61 @@ struct LookJob {
     Subject about;
 };
 
+// Of more folders nobody reads how much lies in them, and each may hang.
+constexpr std::size_t mostLookedInto = 200;
+
+// Of a folder that doesn't answer.
+FolderFacts unansweredFacts() {
+    FolderFacts facts;
+    facts.error = std::make_error_code(std::errc::timed_out);
+    return facts;
+}
+
+struct TakeJob {
+    std::string path;
+    bool makes = false;
+};
+
+// Why an archive can't lie there, in the user's words; empty where it can. Makes the folder where that is
+// wanted.
+QString takingObstacle(const TakeJob& job, PlaceLook& look) {
+    if (job.makes) {
+        const FolderListing made =
+            corvane::makeFolder(std::string(platform::parentPath(job.path)),
+                                std::string(platform::lastPathComponent(job.path)), look);
+        if (made.error) return screens::folderErrorText(made.error, screens::FolderAction::make);
+    }
+    return screens::folderErrorText(writingObstacle(job.path), screens::FolderAction::write);
+}
+
 QString shownFolderPath(const std::string& path) {
     return screens::shownLine(path, pathLimit);
 }
 
 } // namespace
 
-FolderPicker::FolderPicker(CorvaneViewModel& model, QObject* parent)
+FolderPicker::FolderPicker(CorvaneViewModel& model, Look look, QObject* parent)
   : QAbstractListModel(parent)
   , model_(model)
+  , look_(look)
   , task_(model.context().tasks)
-  , placesTask_(model.context().tasks) {}
+  , placesTask_(model.context().tasks)
+  , lookTask_(model.context().tasks)
+  , insideTask_(model.context().tasks) {}
 
 int FolderPicker::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(folders_.size());
 }
 
 QVariant FolderPicker::data(const QModelIndex& index, int role) const {
-    if (role != NameRole || !checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
-    return folders_[static_cast<std::size_t>(index.row())].shown;
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
+    const auto row = static_cast<std::size_t>(index.row());
+    if (role == InsideRole) return row < insides_.size() ? insides_[row] : QString();
+    return role == NameRole ? folders_[row].shown : QVariant();
 }
 
 QHash<int, QByteArray> FolderPicker::roleNames() const {
-    return {{NameRole, "name"}};
+    return {{NameRole, "name"}, {InsideRole, "inside"}};
 }
 
 QString FolderPicker::pathText() const {
@@ -86,10 +119,14 @@ int FolderPicker::rowStartingWith(const QString& text, int from) const {
 void FolderPicker::begin() {
     findPlaces();
     const std::string home = model_.context().platform.realUserHomeDirectory();
-    const std::string start = model_.destinations().transferDestination().value_or(home);
+    const auto& present = model_.destinations().transferDestination();
+    const std::string start = present ? std::string(platform::parentPath(*present)) : home;
     list([start, home](PlaceLooks& looks) {
-        FolderListing listing = listWithin(
-            looks, start, [start, home](PlaceLook& look) { return listNearestFolder(start, home, look); });
+        FolderListing listing = listWithin(looks, start, [start, home](PlaceLook& look) {
+            const std::string archive = lookIntoFolder(start, {}).archiveRoot;
+            const std::string outside = archive.empty() ? start : std::string(platform::parentPath(archive));
+            return listNearestFolder(outside, home, look);
+        });
         if (listing.error != std::errc::timed_out || start == home) return listing;
         return listWithin(looks, home, [home](PlaceLook& look) { return listFolders(home, look); });
     });
@@ -99,6 +136,86 @@ void FolderPicker::open(const std::string& path) {
     list([path](PlaceLooks& looks) {
         return listWithin(looks, path, [path](PlaceLook& look) { return listFolders(path, look); });
     });
+}
+
+int FolderPicker::firstRow() const {
+    const auto& present = model_.destinations().transferDestination();
+    const bool isHere = present && platform::parentPath(*present) == path_;
+    const std::string wanted =
+        isHere ? std::string(platform::lastPathComponent(*present)) : proposedFolderName;
+    for (std::size_t row = 0; row < folders_.size(); ++row) {
+        if (folders_[row].name == wanted) return static_cast<int>(row);
+    }
+    return -1;
+}
+
+FolderQuestion FolderPicker::question() const {
+    return {target(row_), model_.context().platform.realUserHomeDirectory(), row_ < 0};
+}
+
+void FolderPicker::select(int row) {
+    row_ = row;
+    setChoice(awaitedChoice(question()));
+    if (path_.empty()) return lookTask_.cancel();
+
+    struct Asked {
+        Look look;
+        FolderQuestion question;
+    };
+
+    lookTask_.start(
+        TaskPriority::userInitiated,
+        LookJob<Asked>{model_.context().platform, model_.context().support.files(), {look_, question()}},
+        [](const LookJob<Asked>& job, const TaskHandle& task) {
+            PlaceLooks looks(job.platform, job.files, task.stopToken());
+            const Asked& asked = job.about;
+            const auto choice =
+                looks.ask<FolderChoice>(asked.question.path, [asked, stop = task.stopToken()](PlaceLook&) {
+                    return asked.look(asked.question, stop);
+                });
+            return choice.value_or(folderChoice(asked.question, unansweredFacts()));
+        },
+        [this](FolderChoice choice) { setChoice(std::move(choice)); });
+}
+
+void FolderPicker::setChoice(FolderChoice choice) {
+    if (choice == choice_) return;
+    choice_ = std::move(choice);
+    Q_EMIT choiceChanged();
+}
+
+// How much lies in each folder comes when it is known.
+void FolderPicker::lookInside() {
+    struct InsideJob {
+        std::string path;
+        std::vector<std::string> names;
+    };
+
+    LookJob<InsideJob> job{model_.context().platform, model_.context().support.files(), {path_, {}}};
+    for (const auto& folder : folders_) {
+        if (job.about.names.size() == mostLookedInto) break;
+        job.about.names.push_back(folder.name);
+    }
+    insideTask_.start(
+        TaskPriority::utility, std::move(job),
+        [](const LookJob<InsideJob>& wanted, const TaskHandle& task) {
+            PlaceLooks looks(wanted.platform, wanted.files, task.stopToken());
+            std::vector<QString> insides;
+            for (const std::string& name : wanted.about.names) {
+                if (task.isCancelled()) break;
+                const std::string path = platform::joinPath(wanted.about.path, name);
+                const auto facts = looks.ask<FolderFacts>(path, [path, stop = task.stopToken()](PlaceLook&) {
+                    return lookIntoFolder(path, {}, stop);
+                });
+                insides.push_back(folderInsideText(path, facts.value_or(unansweredFacts())));
+            }
+            return insides;
+        },
+        [this](std::vector<QString> insides) {
+            insides_ = std::move(insides);
+            if (!insides_.empty())
+                Q_EMIT dataChanged(index(0), index(static_cast<int>(insides_.size()) - 1), {InsideRole});
+        });
 }
 
 void FolderPicker::openRow(int row) {
@@ -133,19 +250,34 @@ void FolderPicker::makeFolder(const QString& name) {
 }
 
 void FolderPicker::choose(int row) {
+    takeFolder(target(row), false);
+}
+
+void FolderPicker::use() {
+    if (choice_.canUse) takeFolder(choice_.path, choice_.makes);
+}
+
+void FolderPicker::takeFolder(std::string path, bool makes) {
+    // Nothing is written there.
+    if (look_ != &archiveFolderChoice) {
+        chosenPath_ = std::move(path);
+        Q_EMIT chosen();
+        return;
+    }
+
     setError({});
     setBusy(true);
     task_.start(
         TaskPriority::userInitiated,
-        LookJob<std::string>{model_.context().platform, model_.context().support.files(), target(row)},
-        [](const LookJob<std::string>& job, const TaskHandle& task) {
+        LookJob<TakeJob>{model_.context().platform, model_.context().support.files(), {path, makes}},
+        [](const LookJob<TakeJob>& job, const TaskHandle& task) {
             PlaceLooks looks(job.platform, job.files, task.stopToken());
-            const auto obstacle = looks.ask<std::error_code>(
-                job.about, [path = job.about](PlaceLook&) { return writingObstacle(path); });
-            return screens::folderErrorText(obstacle.value_or(std::make_error_code(std::errc::timed_out)),
-                                            screens::FolderAction::write);
+            const auto obstacle = looks.ask<QString>(
+                job.about.path, [about = job.about](PlaceLook& look) { return takingObstacle(about, look); });
+            return obstacle.value_or(screens::folderErrorText(std::make_error_code(std::errc::timed_out),
+                                                              screens::FolderAction::write));
         },
-        [this, path = target(row)](const QString& obstacle) {
+        [this, path](const QString& obstacle) {
             setBusy(false);
             setError(obstacle);
             if (!obstacle.isEmpty()) return;
@@ -185,7 +317,10 @@ void FolderPicker::show(std::string path, std::vector<screens::NamedFolder> fold
     beginResetModel();
     path_ = std::move(path);
     folders_ = std::move(folders);
+    insides_.clear();
+    row_ = -1;
     endResetModel();
+    lookInside();
     Q_EMIT listed();
     Q_EMIT placesChanged();
 }

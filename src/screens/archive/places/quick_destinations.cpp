@@ -16,6 +16,7 @@ namespace {
 constexpr const char* ownFolderName = "邮件归档";
 
 QString shownFolder(const std::string& path, const std::string& home) {
+    if (path == home) return QStringLiteral("个人文件夹");
     return screens::shownPath(screens::wholeText(path), screens::wholeText(home));
 }
 

@@ -60,6 +60,7 @@ Rectangle {
         width: parent.width - 1
         destination: sidebar.app.destination
         activity: sidebar.app.activity
+        archive: sidebar.app.archive
         onPlaceChosen: key => {
             sidebar.app.archive.bringToFront();
             sidebar.placeChosen(key);

@@ -10,6 +10,10 @@ FocusGroup {
     // A destinationItem.
     required property var destination
     required property Activity activity
+    required property ArchiveScreen archive
+    // One count for the sheet and for here.
+    readonly property ArchiveProgress run: archive.progress
+    readonly property string figureText: archive.isRunning ? run.completedText + " / " + run.totalText : activity.figure
 
     signal placeChosen(string key)
 
@@ -66,7 +70,7 @@ FocusGroup {
         Rectangle {
             Layout.fillWidth: true
             Layout.topMargin: 10
-            visible: foot.activity.running
+            visible: foot.activity.running || foot.archive.endText.length > 0
             implicitHeight: Theme.hairline
             color: Theme.line
         }
@@ -80,8 +84,7 @@ FocusGroup {
             hoverEnabled: true
             focusPolicy: Qt.TabFocus
             Accessible.role: Accessible.Button
-            Accessible.name: foot.activity.figure.length > 0 ? foot.activity.title + "，" + foot.activity.figure
-                : foot.activity.title
+            Accessible.name: foot.figureText.length > 0 ? foot.activity.title + "，" + foot.figureText : foot.activity.title
             Keys.onReturnPressed: clicked()
             onClicked: foot.placeChosen(foot.activity.place)
 
@@ -98,7 +101,7 @@ FocusGroup {
                     id: figure
                     y: 3
                     anchors.right: parent.right
-                    text: foot.activity.figure
+                    text: foot.figureText
                     role: AppText.Note
                     color: Theme.text3
                     Accessible.ignored: true
@@ -108,12 +111,43 @@ FocusGroup {
                     width: parent.width
                     thickness: Theme.progressHeightSidebar
                     name: foot.activity.title
-                    value: foot.activity.value
+                    value: foot.archive.isRunning ? foot.run.fraction : foot.activity.value
                     indeterminate: foot.activity.indeterminate && foot.activity.running
                 }
             }
             background: FocusRing {
                 shown: work.activeFocus && KeyboardFocus.inUse
+            }
+        }
+        RowLayout {
+            objectName: "runEnd"
+            Layout.fillWidth: true
+            Layout.topMargin: 8
+            visible: foot.archive.endText.length > 0
+            spacing: 6
+            Accessible.role: Accessible.AlertMessage
+            Accessible.name: foot.archive.endText
+
+            Symbol {
+                size: 14
+                name: foot.archive.endTone === "safe" ? "circle-check" : foot.archive.endTone === "danger" ? "octagon-x"
+                    : foot.archive.endTone === "attention" ? "triangle-alert" : "info"
+                color: foot.archive.endTone.length > 0 ? Theme.toneText(foot.archive.endTone) : Theme.text2
+            }
+            AppText {
+                objectName: "runEndText"
+                Layout.fillWidth: true
+                text: foot.archive.endText
+                role: AppText.Note
+                Accessible.ignored: true
+            }
+            PlainButton {
+                objectName: "showRunEnd"
+                Layout.rightMargin: -horizontalPadding
+                implicitHeight: Theme.minimumTarget
+                labelRole: AppText.Note
+                text: "查看"
+                onClicked: foot.archive.showEnd()
             }
         }
     }
