@@ -9,6 +9,8 @@ T.AbstractButton {
     required property string title
     required property bool ticked
     required property string countText
+    // Nothing of it is left by the other filters.
+    readonly property bool isEmpty: countText === "0"
 
     implicitHeight: Theme.minimumTarget
     hoverEnabled: true
@@ -35,6 +37,7 @@ T.AbstractButton {
         anchors.rightMargin: Theme.space
         anchors.verticalCenter: parent.verticalCenter
         text: row.title
+        color: row.isEmpty ? Theme.text3 : Theme.text1
         // Accounts of one name differ at their ends.
         elide: Text.ElideMiddle
         Accessible.ignored: true
@@ -45,7 +48,7 @@ T.AbstractButton {
         anchors.verticalCenter: parent.verticalCenter
         text: row.countText
         role: AppText.Note
-        color: Theme.text3
+        color: row.isEmpty ? Theme.disabled : Theme.text3
         Accessible.ignored: true
     }
 }

@@ -193,6 +193,12 @@ ScreenPage {
         }
     }
     Connections {
+        target: page.screen.attachments
+        function onSaid(text: string) {
+            notice.show(text);
+        }
+    }
+    Connections {
         target: page.screen.access
         function onFailed(text: string) {
             notice.show(text);

@@ -80,7 +80,8 @@ FocusScope {
             AppText {
                 objectName: "listSummary"
                 Layout.fillWidth: true
-                text: pane.screen.selectionText.length > 0 ? pane.screen.selectionText : pane.screen.summaryText
+                text: pane.screen.selectionText.length > 0 ? pane.screen.selectionText + "，共 " + pane.screen.summaryText
+                    : pane.screen.summaryText
                 color: Theme.text2
             }
             SegmentedControl {
@@ -113,13 +114,58 @@ FocusScope {
     MessageView {
         id: rows
         anchors.top: toolbar.bottom
-        anchors.bottom: parent.bottom
+        anchors.bottom: partialNote.top
         width: parent.width
         focus: true
         screen: pane.screen
         onOpened: pane.screen.actions.openInMail()
         onMenuRequested: (x, y) => pane.menuRequested(x, rows.y + y)
         onPageRequested: forward => pane.pageRequested(forward)
+    }
+
+    FocusGroup {
+        id: partialNote
+        anchors.bottom: parent.bottom
+        width: parent.width
+        height: visible ? 52 : 0
+        visible: pane.screen.partialText.length > 0
+
+        Rectangle {
+            width: parent.width
+            height: Theme.hairline
+            color: Theme.line
+        }
+        Symbol {
+            x: 12
+            anchors.verticalCenter: parent.verticalCenter
+            size: 16
+            name: "cloud-download"
+            color: Theme.text2
+        }
+        AppText {
+            objectName: "partialMail"
+            x: 38
+            width: howButton.x - x
+            anchors.verticalCenter: parent.verticalCenter
+            text: pane.screen.partialText
+            role: AppText.Note
+            wrapMode: Text.Wrap
+            maximumLineCount: 2
+            color: Theme.text2
+        }
+        PlainButton {
+            id: howButton
+            objectName: "showPartialHelp"
+            anchors.right: parent.right
+            anchors.rightMargin: Theme.section - horizontalPadding
+            anchors.verticalCenter: parent.verticalCenter
+            implicitHeight: Theme.controlHeightPane
+            text: "怎样补全"
+            onClicked: partialHelp.open()
+        }
+        PartialMailHelp {
+            id: partialHelp
+        }
     }
 
     // Above the rows and without taking anything from them: what the pointer is on, for all rows at once.

@@ -9,6 +9,9 @@ FocusScope {
     // Nothing runs that an update would disturb.
     property bool canUpdate: true
     readonly property int kind: screen.state
+    readonly property var obstacle: screen.access.obstacle
+    // The system has a page of settings for the permission; elsewhere it is the folder's own rights.
+    readonly property bool hasSettings: Qt.platform.os === "osx"
 
     signal updateRequested
 
@@ -36,7 +39,7 @@ FocusScope {
         title: {
             switch (place.kind) {
             case MailListScreen.NoAccess:
-                return "还不能读取你的 Mail";
+                return place.hasSettings ? "还不能读取你的 Mail" : "这个 Mail 文件夹不能读取";
             case MailListScreen.Failed:
                 return "没有读到邮件";
             case MailListScreen.NeverScanned:
@@ -52,7 +55,9 @@ FocusScope {
         line: {
             switch (place.kind) {
             case MailListScreen.NoAccess:
-                return "授权后通常需要「完全退出」本 App 再重新打开才生效。";
+                return place.hasSettings ? "授权后通常需要「完全退出」本 App 再重新打开才生效。"
+                    : place.screen.access.answer.length > 0 ? place.screen.access.answer
+                    : [place.obstacle.path, place.obstacle.missing].filter(text => text).join("\n");
             case MailListScreen.NeverScanned:
                 return "更新后这里会列出 Mail 里的全部邮件。";
             case MailListScreen.Partial:
@@ -61,15 +66,17 @@ FocusScope {
                 return place.screen.stateText;
             }
         }
-        buttonText: place.kind === MailListScreen.NoAccess ? "打开完全磁盘访问设置"
+        buttonText: place.kind === MailListScreen.NoAccess ? (place.hasSettings ? "打开完全磁盘访问设置" : "已授权，重新检查")
             : place.kind === MailListScreen.Partial ? "继续更新"
             : place.kind === MailListScreen.Failed || place.kind === MailListScreen.NeverScanned ? "更新 Mail 数据" : ""
-        secondText: place.kind === MailListScreen.NoAccess ? "已授权，重新检查"
+        secondText: place.kind === MailListScreen.NoAccess ? (place.hasSettings ? "已授权，重新检查" : "")
             : place.kind === MailListScreen.Partial || place.kind === MailListScreen.Failed
             ? place.screen.access.restoreTitle : ""
         onActivated: {
-            if (place.kind === MailListScreen.NoAccess)
+            if (place.kind === MailListScreen.NoAccess && place.hasSettings)
                 place.screen.access.openPrivacySettings();
+            else if (place.kind === MailListScreen.NoAccess)
+                place.screen.access.recheckAccess();
             else
                 place.updateRequested();
         }

@@ -20,6 +20,8 @@ ListRow {
     required property string troubleTone
     required property string spokenName
     required selected
+    // What the list was searched for.
+    property string query: ""
 
     readonly property color troubleColor: troubleTone.length > 0 ? Theme.toneText(troubleTone) : captionColor
     readonly property int textLeft: 38
@@ -45,6 +47,10 @@ ListRow {
         color: row.troubleSymbol.length > 0 ? row.troubleColor : row.archived ? Theme.safe : Theme.attention
     }
 
+    FoundMark {
+        line: senderLabel
+        query: row.query
+    }
     Text {
         id: senderLabel
         x: row.textLeft
@@ -72,6 +78,10 @@ ListRow {
         font.pixelSize: Theme.noteSize
     }
 
+    FoundMark {
+        line: subjectLabel
+        query: row.query
+    }
     Text {
         id: subjectLabel
         x: row.textLeft
@@ -108,6 +118,10 @@ ListRow {
         font.pixelSize: Theme.noteSize
     }
 
+    FoundMark {
+        line: previewLabel
+        query: row.query
+    }
     Text {
         id: previewLabel
         x: row.textLeft

@@ -8,6 +8,8 @@ set(mails_qml
     MessageMenu.qml
     MessageRow.qml
     detail/AttachmentBox.qml
+    detail/AttachmentMenu.qml
+    detail/AttachmentRow.qml
     detail/CopiesNote.qml
     detail/DetailField.qml
     detail/MessageDetailView.qml
@@ -20,6 +22,7 @@ set(mails_sources
     mail_list_actions.cpp
     mail_list_filters.cpp
     mail_list_screen.cpp
+    detail/attachment_actions.cpp
     detail/attachment_list_model.cpp
     detail/attachment_symbol.cpp
     detail/message_detail.cpp

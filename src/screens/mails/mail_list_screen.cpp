@@ -7,6 +7,7 @@
 #include <QLocale>
 
 #include "records/formatters.h"
+#include "screens/texts/partial_mail.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {
@@ -41,6 +42,7 @@ MailListScreen::MailListScreen(CorvaneViewModel& model, DesktopActions& desktop,
   : QObject(parent)
   , model_(model)
   , filters_(model.filters(), model.accounts())
+  , attachments_(model.context(), desktop, *detail_.attachments())
   , actions_(model, desktop, list_, filters_)
   , access_(model, desktop)
   , updateTask_(model.context().tasks)
@@ -54,15 +56,17 @@ MailListScreen::MailListScreen(CorvaneViewModel& model, DesktopActions& desktop,
 
 void MailListScreen::wire() {
     connect(&model_.visible(), &VisibleMessages::visibleMessagesChanged, this, &MailListScreen::updateList);
+    connect(&model_.visible(), &VisibleMessages::visibleMessagesChanged, this, &MailListScreen::recount);
     connect(&model_.visible(), &VisibleMessages::selectedMessageChanged, this,
             &MailListScreen::showSelectedMessage);
     connect(&model_.catalog(), &MessageCatalog::archivedMessagesChanged, this,
             &MailListScreen::updateArchived);
     connect(&model_.lastFailures(), &LastFailures::changed, this, &MailListScreen::updateArchived);
     connect(&model_.library(), &LibraryLoader::archiveLocationsChanged, this, &MailListScreen::showDetail);
-    connect(&model_.catalog(), &MessageCatalog::availabilityPublished, this, &MailListScreen::recount);
+    connect(&model_.counts(), &IndexCounts::countsChanged, this, &MailListScreen::partialChanged);
     connect(&model_.catalog(), &MessageCatalog::previewReplaced, this, &MailListScreen::updatePreview);
     connect(&model_.previews(), &PreviewRefresh::nothingFound, &detail_, &MessageDetail::setPreviewMissing);
+    connect(&detail_, &MessageDetail::messageChanged, &attachments_, &AttachmentActions::look);
     model_.previews().setPreviewsShown(true);
     connect(&model_.catalog(), &MessageCatalog::messagesChanged, this, [this] {
         list_.forgetPreviews();
@@ -132,11 +136,27 @@ void MailListScreen::apply(Update& update) {
     isApplying_ = false;
     // The end of a large list takes longer than a frame.
     model_.context().tasks.discard(std::move(earlier));
+    const ListRules rules = model_.visible().listRules();
+    const bool isReordered = rules.query != rules_.query || rules.sortMode != rules_.sortMode ||
+                             rules.ascending != rules_.ascending;
+    rules_ = rules;
+    list_.setQuery(screens::wholeText(rules.query));
     showSelectedMessage();
-    if (std::exchange(isRearranging_, false)) Q_EMIT listRearranged();
+    if (isReordered) showBeginning();
+    if (std::exchange(isRearranging_, false) && !isReordered) Q_EMIT listRearranged();
     Q_EMIT summaryChanged();
     updateCanArchive();
     updateState();
+}
+
+// Who sorts or searches wants what stands first now; several rows that were selected stay so.
+void MailListScreen::showBeginning() {
+    if (selection()->count() <= 1) selection()->select(0);
+    Q_EMIT listReordered();
+}
+
+QString MailListScreen::partialText() const {
+    return screens::partialMailText(model_);
 }
 
 // The model says which message is selected; the row follows where it isn't there already.
@@ -192,21 +212,14 @@ void MailListScreen::updateArchived() {
 
 void MailListScreen::recount() {
     struct Job {
-        SharedMessageList messages;
-        std::shared_ptr<const SharedTextSet> available;
-        std::shared_ptr<const YearByID> years;
-        std::shared_ptr<const SharedTextSet> troubled;
+        ListInput input;
+        ListRules rules;
     };
 
-    MessageCatalog& catalog = model_.catalog();
     countTask_.start(
-        TaskPriority::utility,
-        Job{catalog.messages(), catalog.locallyAvailableIDs(), catalog.messageYearByID(),
-            catalog.troubledIDs()},
+        TaskPriority::utility, Job{model_.visible().listInput(), model_.visible().listRules()},
         [](const Job& job, const TaskHandle& task) {
-            ListedCounts counts = listedCounts(*job.messages, *job.available, *job.years, task.stopToken());
-            counts.troubled = static_cast<std::int64_t>(job.troubled->size());
-            return counts;
+            return listedCounts(job.input, job.rules, task.stopToken());
         },
         [this](ListedCounts counts) { filters_.setCounts(std::move(counts)); });
     updateState();

@@ -16,6 +16,7 @@
 #include "screens/desktop/access_actions.h"
 #include "screens/desktop/desktop_actions.h"
 #include "screens/lists/message_list_model.h"
+#include "screens/mails/detail/attachment_actions.h"
 #include "screens/mails/detail/message_detail.h"
 #include "screens/mails/mail_list_actions.h"
 #include "screens/mails/mail_list_filters.h"
@@ -30,6 +31,7 @@ class MailListScreen : public QObject {
     Q_PROPERTY(QString stateText READ stateText NOTIFY stateChanged)
     Q_PROPERTY(QString summaryText READ summaryText NOTIFY summaryChanged)
     Q_PROPERTY(QString selectionText READ selectionText NOTIFY summaryChanged)
+    Q_PROPERTY(QString partialText READ partialText NOTIFY partialChanged)
     Q_PROPERTY(bool held READ isHeld WRITE setHeld NOTIFY heldChanged)
     Q_PROPERTY(bool canArchive READ canArchive NOTIFY canArchiveChanged)
     Q_PROPERTY(corvane::MessageListModel* list READ list CONSTANT)
@@ -37,6 +39,7 @@ class MailListScreen : public QObject {
     Q_PROPERTY(corvane::MailListFilters* filters READ filters CONSTANT)
     Q_PROPERTY(corvane::MessageDetail* detail READ detail CONSTANT)
     Q_PROPERTY(corvane::MailListActions* actions READ actions CONSTANT)
+    Q_PROPERTY(corvane::AttachmentActions* attachments READ attachments CONSTANT)
     Q_PROPERTY(corvane::AccessActions* access READ access CONSTANT)
 
   public:
@@ -68,6 +71,9 @@ class MailListScreen : public QObject {
     // Count and size of the selection, when it is more than one row.
     [[nodiscard]] QString selectionText() const;
 
+    // Of the mail that Mail holds in part, and that isn't listed; empty without any.
+    [[nodiscard]] QString partialText() const;
+
     // While something is pressed or a menu is open, the rows stay as they are.
     [[nodiscard]] bool isHeld() const { return isHeld_; }
 
@@ -87,6 +93,8 @@ class MailListScreen : public QObject {
 
     [[nodiscard]] MailListActions* actions() { return &actions_; }
 
+    [[nodiscard]] AttachmentActions* attachments() { return &attachments_; }
+
     [[nodiscard]] AccessActions* access() { return &access_; }
 
     // Makes the current row that of this message, if it is listed.
@@ -95,10 +103,13 @@ class MailListScreen : public QObject {
   Q_SIGNALS:
     void stateChanged();
     void summaryChanged();
+    void partialChanged();
     void heldChanged();
     void canArchiveChanged();
-    // The list is another one because filters or order are others: the view shows the current row.
+    // The list is another one because its filters are others: the view shows the current row.
     void listRearranged();
+    // The list was sorted or searched: the view shows its beginning.
+    void listReordered();
 
   private:
     struct Update;
@@ -108,6 +119,7 @@ class MailListScreen : public QObject {
     void applyUnlessHeld(std::shared_ptr<Update> update);
     void apply(Update& update);
     void showSelectedMessage();
+    void showBeginning();
     void handleCurrentRowChange();
     void showDetail();
     void updatePreview(const QString& id);
@@ -124,6 +136,7 @@ class MailListScreen : public QObject {
     MessageListModel list_;
     MailListFilters filters_;
     MessageDetail detail_;
+    AttachmentActions attachments_;
     MailListActions actions_;
     AccessActions access_;
     State state_ = State::NeverScanned;
@@ -132,6 +145,7 @@ class MailListScreen : public QObject {
     bool isApplying_ = false;
     bool isHeld_ = false;
     bool isRearranging_ = false;
+    ListRules rules_; // of the shown list
     std::shared_ptr<Update> waiting_;
     // Sizes of all rows before each row and, last, of all: any range is summed at once.
     std::vector<std::int64_t> bytesBefore_ = {0};

@@ -1,4 +1,5 @@
-// The attachments of the open message. A low window shows their number, and the list on demand.
+// The attachments of the open message, which open from their own files where Mail has them. A low window shows their
+// number, and the list on demand.
 pragma ComponentBehavior: Bound
 
 import QtQuick
@@ -8,6 +9,7 @@ Rectangle {
     id: box
 
     required property MessageDetail detail
+    required property AttachmentActions actions
     property bool compact: false
     property bool open: !compact
     readonly property int rowHeight: 36
@@ -69,45 +71,12 @@ Rectangle {
         }
         Repeater {
             model: box.open ? box.detail.attachments : null
-            delegate: Item {
-                id: row
-                required property string name
-                required property string sizeText
-                required property string symbol
+            delegate: AttachmentRow {
+                required property int index
                 width: column.width
                 height: box.rowHeight
-                Accessible.role: Accessible.ListItem
-                Accessible.name: name + "，" + sizeText
-
-                Rectangle {
-                    width: parent.width
-                    height: Theme.hairline
-                    color: Theme.line
-                }
-                Symbol {
-                    anchors.verticalCenter: parent.verticalCenter
-                    x: 12
-                    size: 18
-                    name: row.symbol
-                    color: Theme.text2
-                }
-                AppText {
-                    anchors.verticalCenter: parent.verticalCenter
-                    x: 42
-                    width: sizeLabel.x - x - 12
-                    text: row.name
-                    elide: Text.ElideMiddle
-                    Accessible.ignored: true
-                }
-                AppText {
-                    id: sizeLabel
-                    anchors.verticalCenter: parent.verticalCenter
-                    anchors.right: parent.right
-                    anchors.rightMargin: 12
-                    text: row.sizeText
-                    color: Theme.text2
-                    Accessible.ignored: true
-                }
+                onOpened: box.actions.open(index)
+                onMenuRequested: item => menu.openFor(index, item)
             }
         }
         AppText {
@@ -118,5 +87,10 @@ Rectangle {
             role: AppText.Note
             color: Theme.text3
         }
+    }
+
+    AttachmentMenu {
+        id: menu
+        actions: box.actions
     }
 }

@@ -197,6 +197,11 @@ FocusScope {
                     FocusRing {
                         shown: body.activeFocus && KeyboardFocus.inUse
                     }
+                    TextMarks {
+                        area: body.textDocument
+                        query: view.screen.list.query
+                        color: Theme.searchMark
+                    }
                     TextLines {
                         document: body.textDocument
                         height: Theme.messageLine
@@ -212,6 +217,7 @@ FocusScope {
                     visible: view.detail.shown.attachmentCount > 0
                     compact: view.low
                     detail: view.detail
+                    actions: view.screen.attachments
                 }
                 MessageFiles {
                     width: parent.width

@@ -2,6 +2,7 @@
 // message is another list. Main thread.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include <QAbstractListModel>
@@ -20,7 +21,12 @@ class AttachmentListModel : public QAbstractListModel {
     QML_UNCREATABLE("belongs to a message")
 
   public:
-    enum Role { NameRole = Qt::UserRole + 1, SizeTextRole, SymbolRole };
+    enum Role {
+        NameRole = Qt::UserRole + 1,
+        SizeTextRole,
+        SymbolRole,
+        FoundRole, // its file is on this machine
+    };
 
     using QAbstractListModel::QAbstractListModel;
 
@@ -28,10 +34,20 @@ class AttachmentListModel : public QAbstractListModel {
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
+    // Of the files, in the rows' order; empty for an attachment that Mail keeps in no file of its own.
+    [[nodiscard]] std::vector<std::string> paths() const;
+
+    // Empty for a row without a file.
+    [[nodiscard]] std::string path(int row) const;
+
+    // Which of `paths` are there; without effect where the list is another one by now.
+    void setFound(std::vector<bool> found);
+
     void setAttachments(std::vector<MailAttachmentRecord> attachments);
 
   private:
     std::vector<MailAttachmentRecord> attachments_;
+    std::vector<bool> found_; // empty until it was looked for them
 };
 
 } // namespace corvane
