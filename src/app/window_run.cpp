@@ -102,10 +102,12 @@ WindowOutcome runWindow(const WindowOptions& options) {
     QObject::connect(&instance, &SingleInstance::requested, &window, openForward);
     const OpenRequests openRequests;
     QObject::connect(&openRequests, &OpenRequests::requested, &window, openForward);
-    QObject::connect(window.sampleStore(), &SampleStore::ready, &window, [&](const QString& home) {
+    const auto reopen = [&](const QString& home) {
         outcome.reopenHome = home.toStdString();
         QCoreApplication::quit();
-    });
+    };
+    QObject::connect(window.sampleStore(), &SampleStore::ready, &window, reopen);
+    QObject::connect(window.otherMail(), &OtherMail::ready, &window, reopen);
     // Nobody is there to be asked: the run at work is ended in good order, then the program.
     QSocketNotifier quitRequests(options.quitSignals, QSocketNotifier::Read);
     QObject::connect(&quitRequests, &QSocketNotifier::activated, &window, [&] {

@@ -1,10 +1,47 @@
 #include "screens/desktop/access_actions.h"
 
+#include <utility>
+
+#include <QStringList>
+#include <QTime>
 #include <QUrl>
 
 #include "records/formatters.h"
 
 namespace corvane {
+
+namespace {
+
+QString stateOf(const platform::PathAccess& access) {
+    if (!access.isThere) return QStringLiteral("没能查看");
+    if (access.canRead && access.canEnter) return QStringLiteral("在，但读不出内容");
+    return access.isFolder ? QStringLiteral("在，但不能打开") : QStringLiteral("在，但不能读取");
+}
+
+QString missingRightsOf(const platform::PathAccess& access) {
+    QStringList rights;
+    if (!access.canRead) rights += QStringLiteral("「读取」");
+    if (!access.canEnter) rights += QStringLiteral("「进入」");
+    if (rights.isEmpty() || !access.isThere) return {};
+    return QStringLiteral("%1 的%2").arg(QString::fromStdString(access.user),
+                                         rights.join(QStringLiteral("和")));
+}
+
+QVariantMap shownObstacle(const platform::PathAccess& access) {
+    QVariantMap shown{{QStringLiteral("path"), QString::fromStdString(access.path)},
+                      {QStringLiteral("kind"), access.isFolder || !access.isThere
+                                                   ? QStringLiteral("这个文件夹")
+                                                   : QStringLiteral("这个文件")},
+                      {QStringLiteral("state"), stateOf(access)},
+                      {QStringLiteral("missing"), missingRightsOf(access)}};
+    if (!access.isThere) return shown;
+    shown[QStringLiteral("owner")] =
+        QStringLiteral("%1（uid %2）").arg(QString::fromStdString(access.owner)).arg(access.ownerID);
+    shown[QStringLiteral("mode")] = QString::fromStdString(platform::modeText(access));
+    return shown;
+}
+
+} // namespace
 
 AccessActions::AccessActions(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
   : QObject(parent)
@@ -12,9 +49,31 @@ AccessActions::AccessActions(CorvaneViewModel& model, DesktopActions& desktop, Q
   , desktop_(desktop) {
     connect(&model.scanFlow(), &ScanFlow::restorableChanged, this, &AccessActions::restorableChanged);
     connect(&model.scanFlow(), &ScanFlow::stateChanged, this, &AccessActions::restorableChanged);
+    connect(&model.diskAccess(), &FullDiskAccess::checkStarted, this, &AccessActions::accessChanged);
+    connect(&model.diskAccess(), &FullDiskAccess::checked, this, &AccessActions::handleChecked);
+}
+
+// Answers also where nothing has changed, or nobody knows whether the press has arrived.
+void AccessActions::handleChecked() {
+    if (std::exchange(isAsked_, false) && model_.diskAccess().needsFullDiskAccess()) {
+        answer_ = QStringLiteral("%1 又检查了一次，仍然不能读取。")
+                      .arg(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")));
+    }
+    Q_EMIT accessChanged();
+}
+
+QVariantMap AccessActions::obstacle() const {
+    const auto& found = model_.diskAccess().obstacle();
+    return found ? shownObstacle(*found) : QVariantMap();
+}
+
+void AccessActions::copyObstaclePath() {
+    if (const auto& found = model_.diskAccess().obstacle())
+        desktop_.copy(QString::fromStdString(found->path));
 }
 
 void AccessActions::recheckAccess() {
+    isAsked_ = true;
     model_.diskAccess().refreshFullDiskAccessState();
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QObject>
+#include <QVariantMap>
 #include <QtQml/qqmlregistration.h>
 
 #include "model/corvane_view_model.h"
@@ -14,6 +15,12 @@ class AccessActions : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("belongs to a screen")
+    // What can't be read, for a system without a page of settings for it: `path`, `state`, `owner`, `mode`,
+    // `missing`. Empty where nothing is known.
+    Q_PROPERTY(QVariantMap obstacle READ obstacle NOTIFY accessChanged)
+    // What the last look that the user asked for has come to; empty before one.
+    Q_PROPERTY(QString answer READ answer NOTIFY accessChanged)
+    Q_PROPERTY(bool isChecking READ isChecking NOTIFY accessChanged)
     Q_PROPERTY(QString restoreTitle READ restoreTitle NOTIFY restorableChanged)
     Q_PROPERTY(bool isRestoring READ isRestoring NOTIFY restorableChanged)
 
@@ -22,6 +29,14 @@ class AccessActions : public QObject {
     AccessActions(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent = nullptr);
 
     Q_INVOKABLE void recheckAccess();
+
+    [[nodiscard]] QVariantMap obstacle() const;
+
+    [[nodiscard]] const QString& answer() const { return answer_; }
+
+    [[nodiscard]] bool isChecking() const { return model_.diskAccess().isChecking(); }
+
+    Q_INVOKABLE void copyObstaclePath();
 
     // The system's page for the permission; `failed` where it can't be opened.
     Q_INVOKABLE void openPrivacySettings();
@@ -39,10 +54,15 @@ class AccessActions : public QObject {
     // What didn't work, and what to do instead.
     void failed(const QString& text);
     void restorableChanged();
+    void accessChanged();
 
   private:
+    void handleChecked();
+
     CorvaneViewModel& model_;
     DesktopActions& desktop_;
+    bool isAsked_ = false; // the look that runs was asked for by the user
+    QString answer_;
 };
 
 } // namespace corvane

@@ -105,11 +105,18 @@ BottomBar {
                 color: Theme.text2
             }
         }
+        // Where nothing is listed, an update is what one came for.
         AppButton {
-            objectName: "chooseLocationButton"
-            visible: !bar.destination.isChosen
+            objectName: "chooseLocationFirstButton"
+            visible: !bar.destination.isChosen && bar.choosesOnly
             implicitHeight: Theme.controlHeightPrimary
             horizontalPadding: 20
+            text: "选择位置…"
+            onClicked: chooser.ask()
+        }
+        PrimaryButton {
+            objectName: "chooseLocationButton"
+            visible: !bar.destination.isChosen && !bar.choosesOnly
             text: "选择位置…"
             onClicked: chooser.ask()
         }

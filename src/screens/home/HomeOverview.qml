@@ -19,6 +19,9 @@ FocusScope {
     objectName: "overview"
     focus: true
 
+    PartialMailHelp {
+        id: partialHelp
+    }
     ColumnLayout {
         anchors.fill: parent
         anchors.leftMargin: overview.margin
@@ -43,6 +46,7 @@ FocusScope {
                 proof: overview.home.proof
                 kind: bannerPart.kind
                 onTroublesRequested: overview.home.showTroubled()
+                onPartialMailRequested: partialHelp.open()
             }
         }
         HomeChart {

@@ -48,7 +48,7 @@ ScreenPage {
             sourceComponent: {
                 switch (page.home.state) {
                 case HomeScreen.NoAccess:
-                    return noAccess;
+                    return Qt.platform.os === "osx" ? noAccess : folderAccess;
                 case HomeScreen.Scanning:
                     return scanning;
                 case HomeScreen.FirstUse:
@@ -69,6 +69,10 @@ ScreenPage {
         }
     }
 
+    OtherMailSheet {
+        id: otherMail
+        otherMail: page.app.otherMail
+    }
     Notice {
         id: notice
         area: page
@@ -91,6 +95,13 @@ ScreenPage {
         }
     }
     Component {
+        id: folderAccess
+        HomeFolderAccess {
+            home: page.home
+            onOtherMailRequested: otherMail.ask()
+        }
+    }
+    Component {
         id: scanning
         HomeScanning {
             home: page.home
@@ -100,6 +111,7 @@ ScreenPage {
         id: firstUse
         HomeFirstUse {
             home: page.home
+            onOtherMailRequested: otherMail.ask()
         }
     }
     Component {

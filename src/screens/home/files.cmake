@@ -2,11 +2,14 @@
 set(home_qml
     CentredPane.qml
     HomeFirstUse.qml
+    HomeFolderAccess.qml
     HomeLocationBar.qml
     HomeNoAccess.qml
     HomeOverview.qml
     HomePage.qml
     HomeScanning.qml
+    OtherMailSheet.qml
+    PathFacts.qml
     PermissionPicture.qml
     ScanAccounts.qml
     figures/AccountList.qml

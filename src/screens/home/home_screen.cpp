@@ -25,13 +25,6 @@ QVariantMap seriesSum(const char* series, const QString& label, std::int64_t val
             {QStringLiteral("text"), isKnown ? shownCount(value) : QStringLiteral("—")}};
 }
 
-SafetyBanner unknownBanner() {
-    return {QStringLiteral("info"),
-            QStringLiteral("info"),
-            QStringLiteral("正在读取上次的结果"),
-            {QStringLiteral("正在确认哪些邮件还需要放入归档库。")}};
-}
-
 } // namespace
 
 HomeScreen::HomeScreen(CorvaneViewModel& model, OrganizeData& data, ArchiveScreen& archive,
@@ -128,7 +121,7 @@ QString HomeScreen::organizeSimpleSummary() const {
     case FirstUse:
         return QStringLiteral("把多年的邮件安全放进归档库，再放心腾出空间。");
     case Loading:
-        return QStringLiteral("正在确认哪些邮件还需要放入归档库。");
+        return QStringLiteral("正在读取上次的结果…");
     case Partial:
         return QStringLiteral("邮件列表不完整，还不能确认哪些邮件需要归档。");
     case NothingToDo:
@@ -143,6 +136,7 @@ QString HomeScreen::organizeSimpleSummary() const {
 }
 
 QString HomeScreen::organizeSidebarSubtitle() const {
+    if (state() == Loading) return QStringLiteral("—");
     return state() == List && data_.isKnown() ? shownCount(candidateCount()) : QString();
 }
 
@@ -166,7 +160,11 @@ bool HomeScreen::hasFigures() const {
 
 SafetyBanner HomeScreen::banner(const DeletionSafety& safety) const {
     if (isPartial()) return screens::partialListBanner(scan_.failureText());
-    return hasFigures() ? screens::deletionSafetyBanner(organizeRangeTitle(), safety) : unknownBanner();
+    if (hasFigures())
+        return screens::deletionSafetyBanner(organizeRangeTitle(), safety, model_.counts().isKnown());
+    return screens::unknownSafetyBanner(
+        organizeRangeTitle(), state() == Loading ? QStringLiteral("读完之前，这里不说哪些可以删除。")
+                                                 : QStringLiteral("正在确认哪些邮件还需要放入归档库。"));
 }
 
 OrganizeFigures HomeScreen::figures() const {
@@ -181,7 +179,8 @@ OrganizeFigures HomeScreen::figures() const {
     figures.sums = {
         seriesSum("archived", QStringLiteral("已归档"), known.archived, figures.isKnown),
         seriesSum("unarchived", QStringLiteral("未归档"), known.local - known.archived, figures.isKnown),
-        seriesSum("serverOnly", QStringLiteral("仅在服务器"), known.serverOnly, figures.isKnown)};
+        seriesSum("serverOnly", QStringLiteral("仅在服务器"), known.serverAlone(),
+                  figures.isKnown && model_.counts().isKnown())};
     figures.scopeYear = static_cast<int>(scope_.year.value_or(0));
     figures.isNarrowed = scope_ != OrganizeScope();
     return figures;
@@ -248,6 +247,8 @@ OrganizeSelectionItem HomeScreen::selection() const {
 }
 
 QString HomeScreen::organizeSelectionSummary() const {
+    if (selection_.count > 0 && !destinationView(model_).path)
+        return shownCount(selection_.count) + QStringLiteral(" 封邮件。先选择归档位置，再归档这些邮件。");
     if (selection_.count > 0)
         return shownCount(selection_.count) + QStringLiteral(" 封邮件。点击「归档选中」只会归档这些邮件。");
     return organizeSimpleSummary();

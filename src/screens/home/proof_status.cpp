@@ -6,6 +6,7 @@
 #include <QVariantMap>
 
 #include "screens/texts/message_trouble.h"
+#include "screens/texts/partial_mail.h"
 #include "screens/texts/shown_figures.h"
 
 namespace corvane {
@@ -94,11 +95,18 @@ void ProofStatus::updateItems() {
     QVariantList items = isKnown_ ? itemsOf(safety_, away_) : QVariantList();
     const std::int64_t notLookedAt = isKnown_ ? safety_.notLookedAt() : 0;
     const bool troubled = isKnown_ && isAnyInTrouble(safety_);
-    if (items == items_ && notLookedAt == notLookedAt_ && troubled == hasTroubles_) return;
+    const std::int64_t partial = isKnown_ ? safety_.partial : 0;
+    if (items == items_ && notLookedAt == notLookedAt_ && troubled == hasTroubles_ && partial == partial_)
+        return;
     items_ = std::move(items);
+    partial_ = partial;
     notLookedAt_ = notLookedAt;
     hasTroubles_ = troubled;
     Q_EMIT changed();
+}
+
+QString ProofStatus::partialText() const {
+    return screens::partialMailText(partial_);
 }
 
 double ProofStatus::fraction() const {

@@ -24,6 +24,7 @@ class ProofStatus : public QObject {
     Q_PROPERTY(QVariantList items READ items NOTIFY changed)
     Q_PROPERTY(bool canStart READ canStart NOTIFY changed)
     Q_PROPERTY(bool hasTroubles READ hasTroubles NOTIFY changed)
+    Q_PROPERTY(QString partialText READ partialText NOTIFY changed)
     Q_PROPERTY(bool isProving READ isProving NOTIFY changed)
     Q_PROPERTY(double fraction READ fraction NOTIFY changed)
     Q_PROPERTY(QString progressText READ progressText NOTIFY changed)
@@ -44,6 +45,9 @@ class ProofStatus : public QObject {
 
     // Some of what is looked at has a reason why it doesn't count as archived.
     [[nodiscard]] bool hasTroubles() const { return hasTroubles_; }
+
+    // Of the mail that Mail holds in part; empty without any.
+    [[nodiscard]] QString partialText() const;
 
     [[nodiscard]] bool isProving() const { return model_.proof().isProving(); }
 
@@ -68,6 +72,7 @@ class ProofStatus : public QObject {
     AwayProofs away_; // of what is looked at
     QVariantList items_;
     std::int64_t notLookedAt_ = 0;
+    std::int64_t partial_ = 0;
     bool hasTroubles_ = false;
     TaskSlot awayTask_;
 };

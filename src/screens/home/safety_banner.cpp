@@ -4,21 +4,51 @@
 
 namespace corvane::screens {
 
-SafetyBanner deletionSafetyBanner(const QString& scopeTitle, const DeletionSafety& safety) {
+namespace {
+
+QString headlineOf(const QString& scopeTitle, const QString& archived, const QString& unarchived) {
+    return QStringLiteral("%1：已完成归档 %2 封，未归档 %3 封").arg(scopeTitle, archived, unarchived);
+}
+
+QString serverLine(const QString& count) {
+    return count + QStringLiteral(" 封仅在服务器上；按日期段删除会同步删除服务器邮件。");
+}
+
+} // namespace
+
+SafetyBanner unknownSafetyBanner(const QString& scopeTitle, const QString& reason) {
+    const QString unknown = QStringLiteral("—");
+    return {QStringLiteral("info"),
+            QStringLiteral("loader-circle"),
+            headlineOf(scopeTitle, unknown, unknown),
+            {reason, serverLine(unknown)}};
+}
+
+SafetyBanner deletionSafetyBanner(const QString& scopeTitle, const DeletionSafety& safety,
+                                  bool isServerKnown) {
     const std::int64_t unarchived = safety.local - safety.archived;
     SafetyBanner banner;
-    banner.headline = QStringLiteral("%1：已完成归档 %2 封，未归档 %3 封")
-                          .arg(scopeTitle, shownCount(safety.archived), shownCount(unarchived));
+    banner.headline = headlineOf(scopeTitle, shownCount(safety.archived), shownCount(unarchived));
     if (safety.local > 0 && unarchived > 0) {
         banner.kind = QStringLiteral("attention");
         banner.symbol = QStringLiteral("exclamationmark.triangle.fill");
         banner.lines << QStringLiteral("先完成剩余邮件归档，再处理 Mail 原件。");
-    } else if (safety.local > 0 && !safety.isDeletable()) {
+    } else if (safety.local > 0 && safety.notLookedAt() > 0) {
         banner.kind = QStringLiteral("info");
         banner.symbol = QStringLiteral("search");
         banner.lines << QStringLiteral(
                             "本地原件都有 .eml 副本，还有 %1 封没有逐字节核对，核对之前请先保留原件。")
                             .arg(shownCount(safety.notLookedAt()));
+    } else if (safety.local > 0 && !safety.isDeletable()) {
+        banner.kind = QStringLiteral("attention");
+        banner.symbol = QStringLiteral("exclamationmark.triangle.fill");
+        banner.lines << QStringLiteral(
+            "本地原件都有 .eml 副本；Mail 里只有一部分的邮件补全并归档之前，请先保留原件。");
+    } else if (safety.local > 0 && !isServerKnown) {
+        banner.kind = QStringLiteral("info");
+        banner.symbol = QStringLiteral("loader-circle");
+        banner.lines << QStringLiteral(
+            "本地原件都有 .eml 副本；还不知道有多少邮件仅在服务器上，确认之前请先保留原件。");
     } else if (safety.local > 0) {
         banner.kind = QStringLiteral("safe");
         banner.symbol = QStringLiteral("checkmark.shield.fill");
@@ -28,9 +58,10 @@ SafetyBanner deletionSafetyBanner(const QString& scopeTitle, const DeletionSafet
         banner.symbol = QStringLiteral("info");
         banner.lines << QStringLiteral("当前筛选里没有本地下载邮件需要处理。");
     }
-    if (safety.serverOnly > 0) {
-        banner.lines << shownCount(safety.serverOnly) +
-                            QStringLiteral(" 封仅在服务器上；按日期段删除会同步删除服务器邮件。");
+    if (!isServerKnown) {
+        banner.lines << serverLine(QStringLiteral("—"));
+    } else if (safety.serverAlone() > 0) {
+        banner.lines << serverLine(shownCount(safety.serverAlone()));
     }
     return banner;
 }

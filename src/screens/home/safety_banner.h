@@ -30,8 +30,13 @@ struct SafetyBanner {
 
 namespace screens {
 
-// Nothing is called safe but local messages that were all compared with their copy, byte for byte.
-SafetyBanner deletionSafetyBanner(const QString& scopeTitle, const DeletionSafety& safety);
+// Nothing is called safe but local messages that were all compared with their copy, byte for byte, and not
+// before it is known what the server alone has.
+SafetyBanner deletionSafetyBanner(const QString& scopeTitle, const DeletionSafety& safety,
+                                  bool isServerKnown = true);
+
+// The same with dashes, as long as nothing is known. `reason` is what is waited for.
+SafetyBanner unknownSafetyBanner(const QString& scopeTitle, const QString& reason);
 
 // For a list that isn't all of the mail; `failure` is why, empty after a cancelled scan.
 SafetyBanner partialListBanner(const QString& failure);

@@ -100,7 +100,7 @@ void OrganizeData::publish(SharedOrganizeOverview overview, Inputs of) {
 IndexedYears OrganizeData::indexedYears() const {
     const IndexCounts& counts = model_.counts();
     return {counts.indexedYearCounts(), counts.indexedYearCountsByAccount(),
-            model_.accounts().selectedAccountPrefixes()};
+            model_.accounts().selectedAccountPrefixes(), &counts.partialYearCountsByAccount()};
 }
 
 DeletionSafety OrganizeData::deletionSafety(const std::optional<std::string>& accountKey,

@@ -17,5 +17,6 @@ set(shell_sources
     sidebar/sidebar_model.cpp
     start/blocked_start.cpp
     start/corvane_url.cpp
+    start/other_mail.cpp
     start/sample_store.cpp
 )

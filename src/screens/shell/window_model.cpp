@@ -50,6 +50,7 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
   , home_(model, organizeData_, archive_, desktop_)
   , activity_(model)
   , sampleStore_(model.context(), sampleMailMakers(model.context().platform))
+  , otherMail_(model)
   , mails_(model, desktop_)
   , addressTask_(model.context().tasks) {
     connect(&home_, &HomeScreen::figuresChanged, this, &WindowModel::showFigures);

@@ -15,6 +15,7 @@
 #include "screens/overview/organize_data.h"
 #include "screens/shell/sidebar/activity.h"
 #include "screens/shell/sidebar/sidebar_model.h"
+#include "screens/shell/start/other_mail.h"
 #include "screens/shell/start/sample_store.h"
 #include "screens/texts/destination_item.h"
 
@@ -30,6 +31,7 @@ class WindowModel : public QObject {
     Q_PROPERTY(corvane::Activity* activity READ activity CONSTANT)
     Q_PROPERTY(corvane::DestinationItem destination READ destination NOTIFY destinationChanged)
     Q_PROPERTY(corvane::SampleStore* sampleStore READ sampleStore CONSTANT)
+    Q_PROPERTY(corvane::OtherMail* otherMail READ otherMail CONSTANT)
     Q_PROPERTY(corvane::MailListScreen* mails READ mails CONSTANT)
     Q_PROPERTY(bool archiving READ archiving NOTIFY archivingChanged)
     Q_PROPERTY(bool hasChineseFont READ hasChineseFont CONSTANT)
@@ -53,6 +55,8 @@ class WindowModel : public QObject {
     [[nodiscard]] DestinationItem destination() const { return DestinationItem::of(model_); }
 
     [[nodiscard]] SampleStore* sampleStore() { return &sampleStore_; }
+
+    [[nodiscard]] OtherMail* otherMail() { return &otherMail_; }
 
     [[nodiscard]] MailListScreen* mails() { return &mails_; }
 
@@ -99,6 +103,7 @@ class WindowModel : public QObject {
     SidebarModel sidebar_;
     Activity activity_;
     SampleStore sampleStore_;
+    OtherMail otherMail_;
     MailListScreen mails_;
     TaskSlot addressTask_;
     bool startedUp_ = false;

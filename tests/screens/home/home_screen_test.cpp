@@ -20,14 +20,17 @@ TEST(SafetyBanners, NothingIsSafeBeforeEveryLocalMessageHasACopy) {
         DeletionSafety safety;
         const char* kind;
         qsizetype lines; // the server's messages have one of their own
-    } cases[] = {{{36195, 23789, 3127}, "attention", 2},
-                 {{5, 5, 0, {.proven = 5}}, "safe", 1},
-                 {{5, 5, 2, {.proven = 5}}, "safe", 2},
-                 {{5, 5, 0, {.proven = 4}}, "info", 1},
-                 {{5, 4, 0, {.proven = 4, .differs = 1}}, "attention", 1},
-                 {{5, 4, 0}, "attention", 1},
-                 {{0, 0, 0}, "info", 1},
-                 {{0, 0, 9}, "info", 2}};
+    } cases[] = {
+        {{36195, 23789, 3127}, "attention", 2},
+        {{5, 5, 0, {.proven = 5}}, "safe", 1},
+        {{5, 5, 2, {.proven = 5}}, "safe", 2},
+        {{5, 5, 0, {.proven = 4}}, "info", 1},
+        {{.local = 5, .archived = 5, .serverOnly = 3, .proofs = {.proven = 5}, .partial = 1}, "attention", 2},
+        {{.local = 5, .archived = 5, .serverOnly = 1, .proofs = {.proven = 5}, .partial = 1}, "attention", 1},
+        {{5, 4, 0, {.proven = 4, .differs = 1}}, "attention", 1},
+        {{5, 4, 0}, "attention", 1},
+        {{0, 0, 0}, "info", 1},
+        {{0, 0, 9}, "info", 2}};
 
     for (const auto& [safety, kind, lines] : cases) {
         const SafetyBanner banner = screens::deletionSafetyBanner(QStringLiteral("范围"), safety);
@@ -35,6 +38,8 @@ TEST(SafetyBanners, NothingIsSafeBeforeEveryLocalMessageHasACopy) {
         EXPECT_EQ(banner.lines.size(), lines);
         EXPECT_TRUE(banner.headline.startsWith(QStringLiteral("范围：")));
     }
+    EXPECT_EQ(screens::deletionSafetyBanner({}, {5, 5, 0, {.proven = 5}}, false).kind, QStringLiteral("info"))
+        << "before it is known what the server alone has";
     EXPECT_TRUE(screens::deletionSafetyBanner({}, {36195, 23789, 0})
                     .headline.contains(QStringLiteral("23,789 封，未归档 12,406 封")));
 }

@@ -21,6 +21,7 @@ class ScreensTest : public ModelTest {
   protected:
     ScreensTest() {
         model_.scanFlow().loadCachedScanIfNeeded(false); // as every start does
+        model_.counts().setIndexed({});                  // an index without more than what is here
         settle();
     }
 

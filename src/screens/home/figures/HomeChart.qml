@@ -28,7 +28,8 @@ FocusScope {
             Layout.fillWidth: true
             visible: !section.low
             opacity: section.narrow ? 0 : 1
-            text: section.figures.isNarrowed ? "再点一次或按 Esc 恢复全部" : "点按年份可只看这一年；蓝色年份已有勾选"
+            text: section.figures.scopeYear !== 0 ? "再点一次或按 Esc 恢复全部"
+                : section.figures.isNarrowed ? "点按年份可只看这一年；按 Esc 恢复全部邮箱" : "点按年份可只看这一年；蓝色年份已有勾选"
             role: AppText.Note
             color: Theme.text3
         }

@@ -11,9 +11,11 @@ ColumnLayout {
 
     required property ProofStatus proof
     property string kind: "info"
-    readonly property bool hasContent: proof.isProving || proof.items.length > 0
+    readonly property bool hasContent: proof.isProving || hasItems || proof.partialText.length > 0
+    readonly property bool hasItems: proof.items.length > 0
 
     signal troublesRequested
+    signal partialMailRequested
 
     objectName: "proofLine"
     spacing: 7
@@ -48,7 +50,7 @@ ColumnLayout {
     }
     Flow {
         Layout.fillWidth: true
-        visible: !line.proof.isProving
+        visible: !line.proof.isProving && line.hasItems
         // Between lines; items stand further apart.
         spacing: Theme.half
 
@@ -87,6 +89,30 @@ ColumnLayout {
             text: "查看"
             help: "在邮件列表里只看有问题的邮件"
             onClicked: line.troublesRequested()
+        }
+    }
+    RowLayout {
+        Layout.fillWidth: true
+        visible: line.proof.partialText.length > 0
+        spacing: 6
+
+        Symbol {
+            size: 16
+            name: "cloud-download"
+            color: Theme.text2
+        }
+        AppText {
+            objectName: "partialMail"
+            text: line.proof.partialText
+        }
+        PlainButton {
+            objectName: "showPartialHelp"
+            implicitHeight: Theme.bodyLine
+            text: "怎样补全"
+            onClicked: line.partialMailRequested()
+        }
+        Item {
+            Layout.fillWidth: true
         }
     }
 }

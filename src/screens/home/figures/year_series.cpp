@@ -21,7 +21,9 @@ std::vector<YearBar> yearBars(const OrganizeOverview& overview, const std::optio
         const auto known = bars.find(year);
         const std::int64_t local =
             known == bars.end() ? 0 : known->second.archived + known->second.unarchived;
-        if (count > local) bars[year].serverOnly = count - local;
+        // What Mail holds in part has a figure of its own.
+        const std::int64_t alone = count - local - indexed.partialCount(accountKey, {year});
+        if (alone > 0) bars[year].serverOnly = alone;
     }
     bars.erase(undatedYear);
     std::vector<YearBar> sorted;
