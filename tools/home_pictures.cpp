@@ -18,6 +18,7 @@
 namespace {
 
 using corvane::EmailArchiveRunResult;
+using corvane::ProofStatus;
 using corvane::ScanStatus;
 using corvane::testing::WindowScene;
 
@@ -66,15 +67,73 @@ void startHeldRun(WindowScene& scene) {
 }
 
 // Mail that the real scanner reads, in a store made by the script of the sample mail.
-void makeStore(WindowScene& scene) {
+void makeStoreOf(WindowScene& scene, const QString& messages) {
     QProcess maker;
-    maker.start(QStringLiteral("python3"), {QStringLiteral(CORVANE_SAMPLE_MAKER), QStringLiteral("--quiet"),
-                                            QStringLiteral("--messages"), QStringLiteral("2500"),
-                                            QString::fromStdString(scene.home().path())});
+    maker.start(QStringLiteral("python3"),
+                {QStringLiteral(CORVANE_SAMPLE_MAKER), QStringLiteral("--quiet"),
+                 QStringLiteral("--messages"), messages, QString::fromStdString(scene.home().path())});
     maker.waitForFinished(-1);
     if (maker.exitCode() != 0) qFatal("no sample store: %s", maker.readAllStandardError().constData());
     scene.model().accounts().refreshAccountsFromMail();
     scene.settle();
+}
+
+void makeStore(WindowScene& scene) {
+    makeStoreOf(scene, QStringLiteral("2500"));
+}
+
+// All of a small store is archived, but for what can't be.
+void archiveStore(WindowScene& scene) {
+    makeStoreOf(scene, QStringLiteral("300"));
+    scene.window().home()->scan()->update();
+    scene.settle();
+    scene.home().makeFolder("Documents/邮件归档");
+    scene.model().destinations().setTransferDestination(scene.home().at("Documents/邮件归档"));
+    scene.settle();
+    scene.window().home()->runOrganizePrimaryAction();
+    scene.settle();
+    scene.window().archive()->start();
+    scene.settle();
+    scene.window().archive()->close();
+    scene.settle();
+}
+
+void archiveAndProve(WindowScene& scene) {
+    archiveStore(scene);
+    scene.window().home()->proof()->start();
+    scene.settle();
+}
+
+// Nothing of the main thread runs between this and the picture.
+void proveHalfWay(WindowScene& scene, QQuickWindow&) {
+    QEventLoop loop;
+    ProofStatus& proof = *scene.window().home()->proof();
+    QObject::connect(&proof, &ProofStatus::changed, &loop, [&] {
+        if (!proof.isProving() || proof.fraction() > 0) loop.quit();
+    });
+    proof.start();
+    loop.exec();
+}
+
+void endInBackground(WindowScene& scene) {
+    startHeldRun(scene);
+    scene.window().archive()->sendToBackground();
+    scene.release();
+    scene.settle();
+}
+
+void showTroubles(WindowScene& scene, QQuickWindow&) {
+    scene.window().archive()->close();
+    scene.window().home()->showTroubled();
+    scene.settle();
+    QTest::qWait(1000);
+}
+
+void setFirstAside(WindowScene& scene, QQuickWindow& window) {
+    showTroubles(scene, window);
+    scene.window().mails()->actions()->setAside(true);
+    scene.settle();
+    QTest::qWait(600);
 }
 
 void scanStore(WindowScene& scene) {
@@ -178,6 +237,16 @@ const std::vector<State>& homeStates() {
              scene.fill();
              scene.window().home()->setScopeYear(2021);
          }},
+        {"a-home-proving", archiveStore, proveHalfWay},
+        {"a-home-proven", archiveAndProve},
+        {"a-home-proven-year",
+         [](WindowScene& scene) {
+             archiveAndProve(scene);
+             scene.window().home()->setScopeYear(2019);
+             scene.settle();
+         }},
+        {"h-mail-list-failed", runToItsEnd, showTroubles},
+        {"h-mail-list-set-aside", runToItsEnd, setFirstAside},
         {"b-home-first", [](WindowScene&) {}},
         {"c-home-scanning", makeStore, scanHalfWay},
         {"a-home-partial", scanStore, cancelHalfWay},
@@ -219,6 +288,13 @@ const std::vector<State>& homeStates() {
              scene.window().home()->access()->recheckAccess();
              scene.settle();
          }},
+        {"h-mail-list-search", scanStore,
+         [](WindowScene& scene, QQuickWindow& window) {
+             lookAtMail(scene, window);
+             scene.window().mails()->filters()->setQuery(QStringLiteral("harbour"));
+             scene.window().mails()->filters()->applyQuery();
+             QTest::qWait(1500);
+         }},
     };
     return all;
 }
@@ -247,6 +323,14 @@ const std::vector<State>& confirmationStates() {
              scene.window().archive()->start();
              scene.settle();
          }},
+        {"e-folder-home",
+         [](WindowScene& scene) {
+             openConfirmation(scene);
+             scene.home().makeFolder("归档");
+             scene.model().destinations().setTransferDestination(scene.home().at("归档"));
+             scene.settle();
+         },
+         askForFolder},
         {"e-folder-picker",
          [](WindowScene& scene) {
              openConfirmation(scene);
@@ -265,6 +349,7 @@ const std::vector<State>& runStates() {
     static const std::vector<State> all = {
         {"f-archive-running", startHeldRun},
         {"f-close-question", startHeldRun, askToClose},
+        {"f-background-end", endInBackground},
         {"g-archive-ok",
          [](WindowScene& scene) {
              scene.fill();

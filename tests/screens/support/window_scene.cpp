@@ -145,7 +145,8 @@ void WindowScene::fill(Destination destination) {
     MailScanSummary summary = makeSummary(allOf(*list), static_cast<std::int64_t>(list->size()));
     model_.catalog().restore(MessageSet::make(list, false), std::move(summary), known);
     model_.accounts().setSelectedAccountPrefixes({});
-    model_.counts().setIndexed({indexed, {}});
+    // Some of what the server has lies here in part.
+    model_.counts().setIndexed({indexed, {}, true, {{"imap://B", {{2024, 31}, {2025, 15}}}}});
     settle();
 }
 
