@@ -30,7 +30,7 @@ T.Button {
     hoverEnabled: true
     Accessible.name: text.length > 0 ? text : help
     Accessible.description: help
-    onPressed: OpenSheets.notePress(button)
+    onPressed: if (!KeyboardFocus.inUse) OpenSheets.notePress(button)
 
     // A key that is held down would go on through the sheets that the first press opens, up to their "取消".
     Keys.onReturnPressed: event => pressByKey(event)

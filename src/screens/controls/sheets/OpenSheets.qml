@@ -26,7 +26,7 @@ QtObject {
         // One that was destroyed while it was open has not left.
         const others = sheets.filter(other => other && other.visible && other !== sheet);
         if (others.length === 0)
-            returnTo = !KeyboardFocus.inUse && pressed && Date.now() - pressedAt < 1000 ? pressed : holder;
+            returnTo = pressed && Date.now() - pressedAt < 1000 ? pressed : holder;
         sheets = others.concat([sheet]);
         Qt.callLater(passKeyboard);
     }
