@@ -144,7 +144,7 @@ ArchiveResultView ArchiveResultView::of(const EmailArchiveRunResult& result, std
     if (figures.notTried > 0) {
         view.restTitle = QStringLiteral("继续剩余 %1").arg(shownMessageCount(figures.notTried));
         view.nextStep = QStringLiteral("剩余的 %1还在未归档里，已写好的不会重写。")
-                            .arg(shownMessageCount(figures.notTried) + QLatin1Char(' '));
+                            .arg(shownMessageCount(figures.notTried));
     } else if (hasCopies) {
         view.nextStep = QStringLiteral("核对原件，看看哪些可以删除");
     }

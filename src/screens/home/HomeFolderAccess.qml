@@ -12,6 +12,8 @@ CentredPane {
     required property HomeScreen home
     readonly property AccessActions access: home.access
     readonly property var obstacle: access.obstacle
+    // Else every right is there, and what was to be read still can't be.
+    readonly property bool lacksRight: obstacle.missing !== "" || obstacle.owner === undefined
 
     signal otherMailRequested
 
@@ -23,8 +25,9 @@ CentredPane {
         Layout.fillWidth: true
         symbol: "lock"
         symbolColor: Theme.attention
-        title: "这个 Mail 文件夹不能读取"
-        line: "它在这台电脑上，但你的用户没有读取它的权限。"
+        title: pane.lacksRight ? "这个 Mail 文件夹不能读取" : "Mail 的数据读不出来"
+        line: pane.lacksRight ? "它在这台电脑上，但你的用户没有读取它的权限。"
+            : "文件在这台电脑上，也有读取的权限，但读不出内容。可能没有复制完，或者已经损坏。"
     }
     PathFacts {
         objectName: "obstacleFacts"
@@ -43,7 +46,9 @@ CentredPane {
         Layout.fillWidth: true
         spacing: 12
         steps: [
-            { title: "给你的用户缺少的权限", line: "由所有者或管理员在文件管理器里改，里面的文件夹也要。只需读取。" },
+            pane.lacksRight
+                ? { title: "给你的用户缺少的权限", line: "由所有者或管理员在文件管理器里改，里面的文件夹也要。只需读取。" }
+                : { title: "确认这个文件是完整的", line: "从原来的 Mac 重新拷贝一次，或在那里打开一次 Mail 再拷贝。" },
             { title: "回到这里，重新检查", line: "不用退出 Corvane。Mail 数据只会被读取，不会被改动。" }
         ]
     }
@@ -61,7 +66,7 @@ CentredPane {
         }
         PrimaryButton {
             objectName: "recheckAccessButton"
-            text: pane.access.isChecking ? "正在检查…" : "已授权，重新检查"
+            text: pane.access.isChecking ? "正在检查…" : pane.lacksRight ? "已授权，重新检查" : "重新检查"
             enabled: !pane.access.isChecking
             focus: true
             onClicked: pane.access.recheckAccess()

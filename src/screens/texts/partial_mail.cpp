@@ -9,8 +9,7 @@ namespace corvane::screens {
 
 QString partialMailText(std::int64_t count) {
     if (count == 0) return {};
-    return QStringLiteral("另有 %1在 Mail 里只有一部分，附件没有下载")
-        .arg(shownMessageCount(count) + QLatin1Char(' '));
+    return QStringLiteral("另有 %1在 Mail 里只有一部分，附件没有下载").arg(shownMessageCount(count));
 }
 
 QString partialMailText(CorvaneViewModel& model) {

@@ -53,6 +53,7 @@ ColumnLayout {
                     visible: text.length > 0
                     text: step.modelData.line ?? ""
                     wrapMode: Text.Wrap
+                    verticalAlignment: Text.AlignTop
                     color: Theme.text2
                     Accessible.ignored: true
                 }

@@ -34,7 +34,7 @@ T.AbstractButton {
     }
 
     background: Rectangle {
-        color: row.down ? Theme.pressed : row.hovered ? Theme.hover : Theme.surface
+        color: row.down ? Theme.pressed : row.hovered ? Theme.hover : "transparent"
 
         Rectangle {
             width: parent.width
