@@ -36,9 +36,9 @@ bool isDisplayableName(std::string_view name) {
 
 std::vector<DisplayableName> displayableNames(const std::vector<SharedText>& attachmentNames) {
     std::vector<DisplayableName> shown;
-    std::unordered_map<SharedText, std::size_t> seen;
+    std::unordered_map<std::string, std::size_t> seen; // a path and its last name may be the same to a mail
     for (const SharedText& name : attachmentNames) {
-        const std::size_t occurrence = seen[name]++;
+        const std::size_t occurrence = seen[std::string(platform::lastPathComponent(name))]++;
         if (isDisplayableName(name)) shown.push_back({name, occurrence});
     }
     return shown;

@@ -92,6 +92,7 @@ void MailListScreen::wire() {
 
 void MailListScreen::updateList() {
     isUpdating_ = true;
+    wasRowChosen_ = false;
     waiting_.reset();
 
     struct Lists {
@@ -142,7 +143,7 @@ void MailListScreen::apply(Update& update) {
     rules_ = rules;
     list_.setQuery(screens::wholeText(rules.query));
     showSelectedMessage();
-    if (isReordered) showBeginning();
+    if (isReordered && !wasRowChosen_) showBeginning();
     if (std::exchange(isRearranging_, false) && !isReordered) Q_EMIT listRearranged();
     Q_EMIT summaryChanged();
     updateCanArchive();
@@ -180,6 +181,7 @@ void MailListScreen::showMessage(const QString& id) {
 
 void MailListScreen::handleCurrentRowChange() {
     if (isApplying_) return;
+    wasRowChosen_ = isUpdating_;
     if (const MailMessageRecord* message = current())
         model_.visible().setSelectedMessageID(message->id.str());
     showDetail();

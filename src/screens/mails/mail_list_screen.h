@@ -145,6 +145,7 @@ class MailListScreen : public QObject {
     bool isApplying_ = false;
     bool isHeld_ = false;
     bool isRearranging_ = false;
+    bool wasRowChosen_ = false; // while the next list is made
     ListRules rules_; // of the shown list
     std::shared_ptr<Update> waiting_;
     // Sizes of all rows before each row and, last, of all: any range is summed at once.

@@ -89,7 +89,7 @@ WindowUnderTest {
             settled();
             tryVerify(() => part("useFolderButton").activeFocus);
             go(base);
-            compare(part("proposedFolder").visible, true);
+            tryVerify(() => findChild(root.overlay, "proposedFolder")?.visible ?? false);
             keyClick(Qt.Key_Return);
             settled();
             tryVerify(() => !list.visible);

@@ -26,7 +26,7 @@ Item {
         }
 
         function test_RowColoursFollowSelectionAndFocus_data() {
-            return [{ selected: false, focused: true, color: "#00000000" },
+            return [{ selected: false, focused: true, color: row.restColor },
                 { selected: true, focused: true, color: Theme.selection },
                 { selected: true, focused: false, color: Theme.selectionInactive }];
         }

@@ -241,7 +241,7 @@ TEST_F(OrganizeHome, NarrowingKeepsTicksAndTellsItsScope) {
     homeScreen_.tree()->toggleTick(rowOf("2019 年"));
     EXPECT_EQ(homeScreen_.selection().title, QStringLiteral("已选 3 KB"));
     EXPECT_EQ(homeScreen_.selection().organizeSelectionSummary,
-              QStringLiteral("1 封邮件。点击「归档选中」只会归档这些邮件。"));
+              QStringLiteral("1 封邮件。先选择归档位置，再归档这些邮件。"));
 
     homeScreen_.setScopeYear(2020);
     EXPECT_EQ(homeScreen_.figures().organizeRangeTitle, QStringLiteral("2020 年"));

@@ -127,10 +127,14 @@ ListView {
             Accessible.ignored: true
         }
     }
-    header: ListRow {
+    topMargin: proposed.visible ? proposed.height : 0
+    onTopMarginChanged: if (contentY <= originY) contentY = originY - topMargin
+
+    ListRow {
+        id: proposed
         objectName: "proposedFolder"
-        width: ListView.view ? ListView.view.width : 0
-        height: visible ? Theme.rowDense : 0
+        y: list.originY - height
+        width: list.width
         visible: list.kept.length > 0
         selected: list.currentIndex < 0
         listFocused: list.isFocused

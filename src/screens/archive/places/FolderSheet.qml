@@ -31,14 +31,24 @@ Sheet {
         open();
     }
 
-    onOpened: folders.forceActiveFocus(Qt.OtherFocusReason)
+    onOpened: {
+        folders.forceActiveFocus(Qt.OtherFocusReason);
+        beginAtUse();
+    }
+    onChoiceChanged: beginAtUse()
+    Connections {
+        target: sheet.picker
+        function onBusyChanged() {
+            sheet.beginAtUse();
+        }
+    }
+
     // As soon as it is known what would be used.
-    onChoiceChanged: {
-        if (hasBegun || !choice.canUse || !visible)
+    function beginAtUse() {
+        if (hasBegun || !use.enabled || !folders.activeFocus)
             return;
         hasBegun = true;
-        if (folders.activeFocus)
-            use.forceActiveFocus(keyboard.focusReason);
+        use.forceActiveFocus(keyboard.focusReason);
     }
 
     fillingItems: ColumnLayout {

@@ -31,11 +31,11 @@ def ends_path(path, name):
 
 def find_attachment(attachments, wanted, occurrence=0):
     """The attachment of that name, or a later one of those that have it; the likeness asked for goes from the very name
-    down to letters and digits."""
+    down to letters and digits, until there are as many."""
     for form in (str, nfc, lambda name: nfc(cleaned(name)), squeezed):
         key = form(wanted)
         found = [each for each in attachments if key and form(each.name) == key]
-        if found:
-            return found[occurrence] if occurrence < len(found) else None
+        if occurrence < len(found):
+            return found[occurrence]
     of_path = [each for each in attachments if ends_path(wanted, each.name)]
     return of_path[0] if len(of_path) == 1 and occurrence == 0 else None
