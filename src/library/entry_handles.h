@@ -11,12 +11,9 @@
 
 #include "library/threads/thread_keys.h"
 #include "records/archived/archive_records.h"
+#include "records/archived/entry_handle.h"
 
 namespace corvane {
-
-// Digits of the handle that documents for other programs have.
-inline constexpr std::size_t fullHandleDigits = 16;
-inline constexpr std::size_t shortestHandleDigits = 6;
 
 // The handle with all its digits.
 std::string entryHandle(std::string_view entryID);

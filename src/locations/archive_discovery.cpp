@@ -63,4 +63,16 @@ std::vector<std::string> discoverArchiveRoots(const platform::Platform& platform
     return roots;
 }
 
+std::set<std::string> rootsWithoutIndex(PlaceLooks& looks, const std::set<std::string>& roots) {
+    const std::vector<std::string> asked(roots.begin(), roots.end());
+    const auto found = looks.askAll<FilePresence>(asked, [](PlaceLook& look, const std::string& root) {
+        return filePresence(look.files(), platform::joinPath(root, archiveIndexFileName));
+    });
+    std::set<std::string> without;
+    for (std::size_t i = 0; i < asked.size(); ++i) {
+        if (found[i] == FilePresence::absent) without.insert(asked[i]);
+    }
+    return without;
+}
+
 } // namespace corvane

@@ -107,9 +107,9 @@ class TextComparison {
     bool isSame_ = true;
 };
 
-// Copies the index if it is still the text with this hash. A failure costs the view of this archive while its
-// disk is away, no more.
-void copyIndex(platform::FileLayer& files, const std::string& from, const std::string& to,
+// Copies the index if it is still the text with this hash. False for a failure, which costs the view of this
+// archive while its disk is away, no more.
+bool copyIndex(platform::FileLayer& files, const std::string& from, const std::string& to,
                const platform::Sha256Digest& hash, const OnPiece& onPiece) {
     const auto produce = [&](const platform::ByteSink& sink) {
         platform::Sha256 copied;
@@ -120,9 +120,10 @@ void copyIndex(platform::FileLayer& files, const std::string& from, const std::s
         if (!wasRead || copied.digest() != hash) throw std::runtime_error("the index has changed");
     };
     try {
-        std::ignore = platform::writeFileAtomically(files, to, produce);
+        return !platform::writeFileAtomically(files, to, produce);
     } catch (const std::runtime_error& error) {
         consoleLine(fmt::format("[archive] {}: {}", from, error.what()));
+        return false;
     }
 }
 
@@ -134,7 +135,7 @@ ArchiveIndexCache::loadIndexWithCache(const std::string& archiveRoot, std::strin
     if (!connected) return decodedFile(support_.files(), indexCachePath(key), onPiece);
     const std::string indexPath = platform::joinPath(archiveRoot, archiveIndexFileName);
     const FilePresence presence = filePresence(support_.files(), indexPath);
-    if (presence == FilePresence::present) return loadConnected(indexPath, key, onPiece);
+    if (presence == FilePresence::present) return loadConnected(archiveRoot, key, onPiece);
     // Asked again, since a disk pulled a moment ago answers like a deleted folder.
     if (presence == FilePresence::absent && volumeMounted(platform_, archiveRoot)) remove(key);
     return std::nullopt;
@@ -142,22 +143,42 @@ ArchiveIndexCache::loadIndexWithCache(const std::string& archiveRoot, std::strin
 
 // An index seldom changes from one load to the next, and a durable write of a large one is dear.
 std::optional<EmailArchiveIndex>
-ArchiveIndexCache::loadConnected(const std::string& indexPath, std::string_view key,
+ArchiveIndexCache::loadConnected(const std::string& root, std::string_view key,
                                  const std::function<void()>& onPiece) const {
+    const std::string indexPath = platform::joinPath(root, archiveIndexFileName);
     const std::string copyPath = indexCachePath(key);
     ArchiveIndexDecoder decoder;
     TextComparison copy(copyPath);
     platform::Sha256 hash;
+    struct stat before{};
+    const bool isThere = support_.files().stat(indexPath, before) == 0;
     const bool wasRead = readIndexText(support_.files(), indexPath, onPiece, [&](std::string_view piece) {
         decoder.add(piece);
         copy.add(piece);
         hash.update(piece);
     });
     auto index = wasRead ? decoder.finish() : std::nullopt;
-    if (!index || copy.hasSameEnd()) return index;
-    if (!platform::createDirectories(support_.files(), support_.filePath(folderName)))
-        copyIndex(support_.files(), indexPath, copyPath, hash.digest(), onPiece);
+    if (!index) return index;
+    const bool isCopied =
+        copy.hasSameEnd() || (!platform::createDirectories(support_.files(), support_.filePath(folderName)) &&
+                              copyIndex(support_.files(), indexPath, copyPath, hash.digest(), onPiece));
+    if (onPiece) onPiece();
+    if (isThere && isCopied) provideDigest(root, SourceStamp::of(before));
     return index;
+}
+
+void ArchiveIndexCache::provideDigest(const std::string& root, const SourceStamp& index) const {
+    const ArchiveDigest::Files files = digestFiles(root);
+    const auto known = ArchiveDigest::open(files, root);
+    struct stat now{};
+    const bool isUnchanged = support_.files().stat(files.index, now) == 0 && SourceStamp::of(now) == index;
+    if (isUnchanged && !(known && known->fits(index)))
+        ArchiveDigest::make(support_.files(), files, root, index);
+}
+
+ArchiveDigest::Files ArchiveIndexCache::digestFiles(const std::string& root) const {
+    return {support_.filePath(fmt::format("{}/{}.digest", folderName, stableHash(root))),
+            indexCachePath(root), platform::joinPath(root, archiveIndexFileName)};
 }
 
 std::string ArchiveIndexCache::indexCachePath(std::string_view key) const {
@@ -183,9 +204,19 @@ std::optional<std::uint64_t> ArchiveIndexCache::rememberedDevice(std::string_vie
     return device;
 }
 
+bool ArchiveIndexCache::isRootGone(const std::string& root) const {
+    platform::FileLayer& files = support_.files();
+    if (filePresence(files, root) != FilePresence::absent) return false;
+    struct stat parent{};
+    const auto device = rememberedDevice(root);
+    return device && files.stat(std::string(platform::parentPath(root)), parent) == 0 &&
+           static_cast<std::uint64_t>(parent.st_dev) == *device;
+}
+
 void ArchiveIndexCache::remove(std::string_view key) const {
     support_.files().unlink(indexCachePath(key));
     support_.files().unlink(devicePath(key));
+    support_.files().unlink(digestFiles(std::string(key)).digest);
 }
 
 } // namespace corvane

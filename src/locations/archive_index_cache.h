@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "locations/archive_digest.h"
 #include "platform/platform.h"
 #include "records/archived/archive_records.h"
 #include "records/stores/app_support.h"
@@ -30,20 +31,26 @@ class ArchiveIndexCache {
     // The file of the copy; it need not exist.
     [[nodiscard]] std::string indexCachePath(std::string_view key) const;
 
+    // The digest of the archive with what it is made from. Reading the index makes it.
+    [[nodiscard]] ArchiveDigest::Files digestFiles(const std::string& root) const;
+
     // Keeps the number of the device on which the root is.
     void rememberDevice(std::string_view key, std::uint64_t device) const;
 
     // Where the root was when it was last there; absent when that isn't known.
     [[nodiscard]] std::optional<std::uint64_t> rememberedDevice(std::string_view key) const;
 
-    // Removes the copy and the device. A copy that can't be removed stays and goes on to stand for the
-    // archive.
+    // A folder that is gone while the disk on which it was is there: its files are gone, too.
+    [[nodiscard]] bool isRootGone(const std::string& root) const;
+
+    // Removes the copy, its digest and the device. A copy that can't be removed stays and goes on to stand
+    // for the archive.
     void remove(std::string_view key) const;
 
   private:
-    [[nodiscard]] std::optional<EmailArchiveIndex> loadConnected(const std::string& indexPath,
-                                                                 std::string_view key,
-                                                                 const std::function<void()>& onPiece) const;
+    [[nodiscard]] std::optional<EmailArchiveIndex>
+    loadConnected(const std::string& root, std::string_view key, const std::function<void()>& onPiece) const;
+    void provideDigest(const std::string& root, const SourceStamp& index) const;
     [[nodiscard]] std::string devicePath(std::string_view key) const;
 
     const platform::Platform& platform_;

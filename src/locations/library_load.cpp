@@ -17,18 +17,7 @@
 
 namespace corvane {
 
-namespace {
-
-// A folder that is gone while the disk on which it was is there: its files are gone, too.
-bool isRootGone(platform::FileLayer& files, const ArchiveIndexCache& cache, const std::string& root) {
-    if (filePresence(files, root) != FilePresence::absent) return false;
-    struct stat parent{};
-    const auto device = cache.rememberedDevice(root);
-    return device && files.stat(std::string(platform::parentPath(root)), parent) == 0 &&
-           static_cast<std::uint64_t>(parent.st_dev) == *device;
-}
-
-} // namespace
+namespace {} // namespace
 
 // What is found at one root while its place answers.
 struct LibraryLoad::RootLook {
@@ -73,15 +62,8 @@ void LibraryLoad::addDiscoveredRoots(PlaceLooks& looks) {
                           watch.seconds()));
 }
 
-// One that can't be looked at isn't away.
 void LibraryLoad::findAway(PlaceLooks& looks) {
-    const std::vector<std::string> roots(input_.forgottenPresent.begin(), input_.forgottenPresent.end());
-    const auto found = looks.askAll<FilePresence>(roots, [](PlaceLook& look, const std::string& root) {
-        return filePresence(look.files(), platform::joinPath(root, archiveIndexFileName));
-    });
-    for (std::size_t i = 0; i < roots.size(); ++i) {
-        if (found[i] == FilePresence::absent) result_.away.insert(roots[i]);
-    }
+    result_.away = rootsWithoutIndex(looks, input_.forgottenPresent);
 }
 
 LibraryLoad::RootLook LibraryLoad::lookAtRoot(PlaceLook& look, const platform::Platform& platform,
@@ -98,7 +80,7 @@ LibraryLoad::RootLook LibraryLoad::lookAtRoot(PlaceLook& look, const platform::P
     if (found.connected) {
         if (isThere) cache.rememberDevice(root, static_cast<std::uint64_t>(status.st_dev));
         found.files = std::make_shared<const RootFiles>(listArchivedFiles(look, *found.index, root));
-    } else if (isRootGone(look.files(), cache, root)) {
+    } else if (cache.isRootGone(root)) {
         found.files = std::make_shared<const RootFiles>();
     }
     if (look.isGivenUp()) return found;

@@ -1,31 +1,19 @@
 #include "model/library/original_presence.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <exception>
 #include <functional>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
 
-#include <fmt/format.h>
+#include "records/archived/presence_signature.h"
 
 namespace corvane {
 
 namespace {
 
 using Status = ArchivedOriginalPresenceStatus;
-
-constexpr std::uint64_t hashStart = 0xcbf29ce484222325;
-constexpr std::uint64_t hashFactor = 0x100000001b3;
-constexpr std::string_view idSeparator = "\x01";
-constexpr std::string_view fieldSeparator = "\x1F";
-
-// FNV-1a, continued from the hash of what stands before.
-std::uint64_t hashed(std::string_view text, std::uint64_t hash) {
-    for (const char character : text) hash = (hash ^ static_cast<unsigned char>(character)) * hashFactor;
-    return hash;
-}
 
 bool haveSameIDs(const std::vector<ArchivedEntry>& a, const std::vector<ArchivedEntry>& b) {
     return std::ranges::equal(a, b, [](const ArchivedEntry& one, const ArchivedEntry& other) {
@@ -86,18 +74,9 @@ std::string_view rawValue(OriginalPresence::State state) {
 }
 
 std::string archivedOriginalPresenceSignature(const std::vector<ArchivedEntry>& entries) {
-    std::uint64_t sum = 0;
-    SharedText root;
-    std::uint64_t rootHash = hashed(idSeparator, hashStart);
-    for (const ArchivedEntry& entry : entries) {
-        if (!entry.locationRootPath.sharesWith(root)) {
-            root = entry.locationRootPath;
-            rootHash = hashed(idSeparator, hashed(root, hashStart));
-        }
-        const std::uint64_t hash = hashed(fieldSeparator, hashed(entry.record.id, rootHash));
-        sum += hashed(entry.record.messageIdentifier.value_or(SharedText()), hash);
-    }
-    return fmt::format("{}|{}", entries.size(), sum);
+    PresenceSignature signature;
+    for (const ArchivedEntry& entry : entries) signature.add(entry.locationRootPath, entry.record);
+    return signature.text();
 }
 
 SharedPresence presenceOfEntries(SharedEntryList entries, const SharedPresence& earlier) {

@@ -26,6 +26,10 @@ class ArchivedOriginalPresenceCacheStore {
     // Absent when there is no file or its signature differs. Throws std::system_error or JsonError.
     [[nodiscard]] std::optional<ArchivedOriginalPresenceCache> load(const std::string& signature) const;
 
+    // Of one entry, without keeping the others; absent where the cache has none for it or can't be read.
+    [[nodiscard]] std::optional<ArchivedOriginalPresenceStatus> status(const std::string& signature,
+                                                                       const std::string& entryID) const;
+
     // `statuses` has one for each entry, in their order. A failure is ignored.
     void save(const std::string& signature, Date checkedAt, const std::vector<ArchivedEntry>& entries,
               const std::vector<ArchivedOriginalPresenceStatus>& statuses) const;
