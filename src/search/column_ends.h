@@ -1,15 +1,18 @@
 // Which rows have a column that ends with two given characters: the one place of a text that the index of
 // trigrams doesn't tell of, since no trigram begins there. Gathered by one pass over the texts, about a
-// quarter of what LIKE takes over them, and kept until the database has changed. 32 bytes a row. One thread
-// at a time.
+// quarter of what LIKE takes over them, and kept until the database has changed, in a file beside it
+// too, since most programs that search end after one question. One thread at a time.
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/sqlite.h"
+#include "records/stores/derived_file.h"
 
 namespace corvane::search {
 
@@ -18,8 +21,9 @@ bool holdsNoncharacter(std::string_view text);
 
 class ColumnEnds {
   public:
-    // Gathers the ends again unless nothing was written since, by this connection or another one. False after
-    // an error. What it gathered is true for as long as the caller's read goes on.
+    // Gathers the ends again unless nothing was written since, by this connection or another one, or what the
+    // file has is of the database as it is. False after an error. What it gathered is true for as long as the
+    // caller's read goes on.
     bool refresh(sqlite3* database);
 
     // Adds all rows in which LIKE may find the pair at the end of a column, and perhaps others. The pair has
@@ -43,9 +47,12 @@ class ColumnEnds {
 
     static Version currentVersion(sqlite3* database);
     bool gather(sqlite3* database);
+    bool restore(const std::string& databasePath);
+    void keep(const std::string& databasePath) const;
 
     Version version_;
-    std::vector<Row> rows_;
+    std::vector<Row> rows_;           // empty while the file answers
+    std::optional<DerivedFile> kept_; // present when it is of this version
 };
 
 } // namespace corvane::search
