@@ -44,9 +44,10 @@ SUBFOLDERS = {
     "model": {"tasks": "", ".": "tasks", "mail": ". tasks", "archiving": ". tasks mail", "library": ". tasks mail",
               "corvane_view_model": ". tasks mail archiving library"},
     "cli": {"console": "", "usage": "", "session": "", "exit_status": "", "command_set": "session",
-            "named_entries": "session", "library_options": "session", "proving": "console session",
-            "overview_loading": "session proving",
-            "commands": "console session exit_status command_set named_entries library_options proving overview_loading",
+            "mails": "session console", "named_entries": "session mails", "library_options": "session",
+            "proving": "console session", "overview_loading": "session proving",
+            "commands": "console session exit_status command_set mails named_entries library_options proving "
+                        "overview_loading",
             "command_line": "console usage session exit_status command_set commands",
             ".": "session command_line"},
     "screens": {"controls": "", "texts": "", "desktop": "", "lists": "texts",

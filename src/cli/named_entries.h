@@ -12,6 +12,8 @@
 
 namespace corvane::cli {
 
+class EntrySource;
+
 // The argument of a command that takes one mail, and of one that takes some.
 void addNameArgument(CLI::App& command, std::string& name);
 void addNamesArgument(CLI::App& command, std::vector<std::string>& names);
@@ -19,6 +21,9 @@ void addNamesArgument(CLI::App& command, std::vector<std::string>& names);
 // Throws CommandFailure where no archived mail has the name, and WrongUsage, with a line for each of them,
 // where several have it. The model's library may be loaded by this or not.
 ArchivedEntry namedEntry(Session& session, const std::string& name);
+
+// The same of one source.
+ArchivedEntry namedEntry(EntrySource& source, const std::string& name);
 
 // The mails in the order of the names, each once.
 std::vector<ArchivedEntry> namedEntries(Session& session, const std::vector<std::string>& names);

@@ -1,11 +1,13 @@
 #include "cli/session.h"
 
 #include <chrono>
+#include <utility>
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
 #include <fmt/format.h>
 
+#include "locations/quick_library.h"
 #include "platform/files/directory.h"
 #include "platform/processes/quit_signals.h"
 #include "records/logs/console_log.h"
@@ -42,10 +44,31 @@ Session::Session(const std::string& home)
   : platform_(platform::makePlatform(home))
   , context_(std::make_unique<ModelContext>(*platform_)) {
     resetLogs(*context_);
-    leftovers_.emplace(*context_).start();
-    model_ = std::make_unique<CorvaneViewModel>(*context_);
     if (const auto& path = context_->settings.setAside())
         messageLine(fmt::format("设置文件无法读取，已按初始设置运行；原来的设置保留在 {}", *path));
+}
+
+Session::~Session() = default;
+
+CorvaneViewModel& Session::model() {
+    if (!model_) {
+        leftovers_.emplace(*context_).start();
+        model_ = std::make_unique<CorvaneViewModel>(*context_);
+    }
+    return *model_;
+}
+
+const QuickLibrary* Session::quickLibrary() {
+    if (!std::exchange(isQuickLibraryKnown_, true)) {
+        PlaceLooks looks(*platform_, context_->support.files(), {});
+        if (auto library = QuickLibrary::open(*platform_, context_->support, context_->settings, looks))
+            quickLibrary_ = std::make_unique<const QuickLibrary>(std::move(*library));
+    }
+    return quickLibrary_.get();
+}
+
+void Session::dropQuickLibrary() {
+    quickLibrary_.reset();
 }
 
 void Session::waitUntilIdle(const std::function<void()>& onInterrupt) {
@@ -70,9 +93,9 @@ void Session::waitUntilIdle(const std::function<void()>& onInterrupt) {
 }
 
 void Session::restoreLastScan() {
-    model_->scanFlow().loadCachedScanIfNeeded(true);
+    model().scanFlow().loadCachedScanIfNeeded(true);
     waitUntilIdle();
-    const MailScanState& state = model_->scanFlow().state();
+    const MailScanState& state = model().scanFlow().state();
     if (state.kind == MailScanState::Kind::failed) throw CommandFailure(state.text);
 }
 
@@ -81,6 +104,7 @@ void loadLibrary(Session& session) {
     session.waitUntilIdle();
     model.library().loadEmailArchiveIndex(model.destinations().transferDestination(), true);
     session.waitUntilIdle();
+    session.isLibraryLoaded_ = true;
 }
 
 } // namespace corvane::cli

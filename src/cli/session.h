@@ -12,6 +12,10 @@
 #include "model/model_context.h"
 #include "platform/platform.h"
 
+namespace corvane {
+class QuickLibrary;
+}
+
 namespace corvane::cli {
 
 // The operation failed; the message is for the user.
@@ -30,8 +34,24 @@ class Session {
   public:
     // `home` replaces the user's home; empty for the real one.
     explicit Session(const std::string& home);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session();
 
-    [[nodiscard]] CorvaneViewModel& model() { return *model_; }
+    // Made by the first call: it reads the caches of what the window shows.
+    [[nodiscard]] CorvaneViewModel& model();
+
+    // What answers for single mails without the library; null where only a load can tell. Looked for once.
+    [[nodiscard]] const QuickLibrary* quickLibrary();
+
+    // It has turned out not to fit.
+    void dropQuickLibrary();
+
+    // What components of the model work with that a command needs without the rest of it.
+    [[nodiscard]] ModelContext& context() { return *context_; }
+
+    // By loadLibrary().
+    [[nodiscard]] bool isLibraryLoaded() const { return isLibraryLoaded_; }
 
     [[nodiscard]] const platform::Platform& platform() const { return *platform_; }
 
@@ -44,10 +64,15 @@ class Session {
     void restoreLastScan();
 
   private:
+    friend void loadLibrary(Session& session);
+
     std::unique_ptr<platform::Platform> platform_;
     std::unique_ptr<ModelContext> context_;
     std::optional<LeftoverRemoval> leftovers_;
     std::unique_ptr<CorvaneViewModel> model_;
+    bool isLibraryLoaded_ = false;
+    bool isQuickLibraryKnown_ = false;
+    std::unique_ptr<const QuickLibrary> quickLibrary_;
 };
 
 // Makes a live load of the library.

@@ -33,9 +33,9 @@ struct AttachmentsOptions {
 int runAttachment(Session& session, const AttachmentOptions& options, bool json) {
     AttachmentRef attachment{namedEntry(session, options.entry), options.name};
     std::optional<std::expected<SavedAttachment, std::string>> outcome;
-    session.model().attachments().saveAttachment(std::move(attachment),
-                                                 platform::standardizedPath(options.target),
-                                                 [&](const auto& saved) { outcome = saved; });
+    AttachmentFlow flow(session.context());
+    flow.saveAttachment(std::move(attachment), platform::standardizedPath(options.target),
+                        [&](const auto& saved) { outcome = saved; });
     session.waitUntilIdle();
     if (!outcome) throw Interrupted();
     if (!*outcome) throw CommandFailure(outcome->error());
@@ -55,7 +55,7 @@ int runAttachment(Session& session, const AttachmentOptions& options, bool json)
 
 AttachmentSaving saveAll(Session& session, std::vector<AttachmentRef> attachments,
                          const std::string& folder) {
-    AttachmentFlow& flow = session.model().attachments();
+    AttachmentFlow flow(session.context());
     ProgressLine line;
     const auto shown = QObject::connect(&flow, &AttachmentFlow::savingChanged, [&] {
         const auto& progress = flow.savingProgress();

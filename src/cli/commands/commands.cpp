@@ -19,6 +19,7 @@ void addCommands(CommandSet& commands) {
     addSearchCommand(commands);
     addIndexCommand(commands);
     addShowCommand(commands);
+    addSplitCommand(commands);
     addPresenceCommand(commands);
     addRemovalCommands(commands);
     addConfigCommand(commands);

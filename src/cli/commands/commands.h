@@ -28,6 +28,7 @@ void addPresenceCommand(CommandSet& commands);
 void addRemovalCommands(CommandSet& commands);
 void addConfigCommand(CommandSet& commands);
 void addShowCommand(CommandSet& commands);
+void addSplitCommand(CommandSet& commands);
 void addAttachmentCommands(CommandSet& commands);
 void addOpenCommands(CommandSet& commands);
 void addExportCommand(CommandSet& commands);

@@ -27,7 +27,7 @@ void printValue(std::string_view key, const std::string& value, bool json) {
 int runOpen(Session& session, const OpenOptions& options, bool json) {
     using Action = ArchivedMailOpening::Action;
     const ArchivedEntry entry = namedEntry(session, options.entry);
-    ArchivedMailOpening& opening = session.model().mailOpening();
+    ArchivedMailOpening opening(session.context());
     opening.openArchivedEmail(entry, options.isDryRun ? Action::bringBack : Action::open);
     session.waitUntilIdle();
     if (!opening.outcome()) throw Interrupted();
@@ -39,7 +39,7 @@ int runOpen(Session& session, const OpenOptions& options, bool json) {
 
 int runOriginal(Session& session, const OpenOptions& options, bool json) {
     const ArchivedEntry entry = namedEntry(session, options.entry);
-    ArchivedMailOpening& opening = session.model().mailOpening();
+    ArchivedMailOpening opening(session.context());
     std::optional<std::string> address;
     opening.originalAddress(entry.record, [&](const auto& found) { address = found; });
     session.waitUntilIdle();

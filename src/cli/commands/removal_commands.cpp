@@ -54,6 +54,7 @@ void printReadable(const ArchiveRemovalEnd& end) {
 }
 
 int runRemove(Session& session, const RemoveOptions& options, bool json) {
+    loadLibrary(session); // what is removed leaves it, too
     const std::vector<ArchivedEntry> entries = namedEntries(session, options.names);
     if (!options.isAgreed && !isAgreed(entries)) throw CommandFailure("没有删除任何邮件");
     ArchiveRemovalFlow& removal = session.model().removal();

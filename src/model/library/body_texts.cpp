@@ -5,8 +5,7 @@
 
 #include <fmt/format.h>
 
-#include "mime/header_decoding.h"
-#include "platform/files/directory.h"
+#include "archive/bodies/cc_line.h"
 #include "search/mail_search_index.h"
 
 namespace corvane {
@@ -16,22 +15,11 @@ namespace {
 // Some thousands of usual bodies; what the screens show at one time is far less.
 constexpr std::size_t maximumCachedBytes = 32 << 20;
 
-constexpr std::int64_t bytesWithHeader = 65536;
-
 std::optional<std::string> bodyInIndexes(const SearchIndexTable& indexes, const SharedText& id) {
     for (const auto& [root, index] : indexes) {
         if (auto body = index->body(id)) return body;
     }
     return std::nullopt;
-}
-
-std::optional<std::string> ccOfFile(const platform::Platform& platform, const ArchivedEntry& entry) {
-    const auto items = bodyIndexItems(entry.locationRootPath.str(), {entry.record});
-    if (items.empty()) return std::nullopt;
-    const std::string path = items.front().fileURL.path().str();
-    if (platform.isCloudPlaceholder(path)) return std::nullopt;
-    const auto start = platform::readFilePrefix(path, bytesWithHeader);
-    return start ? mime::decodedHeaderField("cc", *start) : std::nullopt;
 }
 
 // Absence is an answer here.
@@ -150,7 +138,7 @@ void BodyTexts::ccRecipients(const ArchivedEntry& entry, TextAnswer answer) {
     answerTasks_.start(
         TaskPriority::userInitiated, CcQuestion{context_.platform, entry},
         [](const CcQuestion& asked, const TaskHandle&) {
-            return FoundText{ccOfFile(asked.platform, asked.entry)};
+            return FoundText{ccLineOfFile(asked.platform, asked.entry)};
         },
         [this, id = entry.record.id, answer = std::move(answer)](const FoundText& cc) {
             ccRecipientsCache_[id] = cc.text.value_or("");
