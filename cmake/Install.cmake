@@ -12,6 +12,30 @@ install(DIRECTORY ${worker_copy}/corvane_mail DESTINATION ${corvane_data} PATTER
 install(PROGRAMS tools/make_sample_store.py DESTINATION ${corvane_data})
 install(DIRECTORY tools/samplestore DESTINATION ${corvane_data} FILES_MATCHING PATTERN "*.py")
 
+# Completions and the manual page, as the program itself prints them.
+set(usage_folder ${PROJECT_BINARY_DIR}/usage)
+set(usage_files)
+foreach(usage bash=corvane-cli.bash zsh=_corvane-cli fish=corvane-cli.fish man=corvane-cli.1)
+    string(REPLACE "=" ";" usage ${usage})
+    list(GET usage 0 kind)
+    list(GET usage 1 file)
+    add_custom_command(OUTPUT ${usage_folder}/${file}
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${usage_folder}
+        COMMAND corvane-cli --print ${kind} > ${usage_folder}/${file}
+        DEPENDS corvane-cli)
+    list(APPEND usage_files ${usage_folder}/${file})
+endforeach()
+add_custom_target(corvane-usage ALL DEPENDS ${usage_files})
+if(APPLE)
+    install(FILES ${usage_files} DESTINATION ${corvane_data}/usage)
+else()
+    install(FILES ${usage_folder}/corvane-cli.bash RENAME corvane-cli
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+    install(FILES ${usage_folder}/_corvane-cli DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+    install(FILES ${usage_folder}/corvane-cli.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+    install(FILES ${usage_folder}/corvane-cli.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+endif()
+
 set(CPACK_PACKAGE_NAME corvane)
 set(CPACK_PACKAGE_VENDOR Corvane)
 set(CPACK_PACKAGE_CONTACT "Corvane <corvane@localhost>")

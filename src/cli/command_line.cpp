@@ -3,6 +3,7 @@
 #include <exception>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 #include <CLI/CLI.hpp>
@@ -11,7 +12,10 @@
 #include "cli/commands/commands.h"
 #include "cli/console/output.h"
 #include "cli/exit_status.h"
+#include "cli/usage/command_descriptions.h"
+#include "cli/usage/completions.h"
 #include "cli/usage/help_text.h"
+#include "cli/usage/manual_page.h"
 #include "cli/usage/usage_errors.h"
 #include "records/error_reasons.h"
 #include "records/logs/console_log.h"
@@ -40,6 +44,8 @@ class CommandLine {
     }
 
     int run(int argc, char** argv) {
+        // For the build, which installs what is printed.
+        if (argc == 3 && argv[1] == std::string_view("--print")) return print(argv[2]);
         try {
             parser_.parse(argc, argv);
         } catch (const CLI::CallForHelp&) {
@@ -53,6 +59,13 @@ class CommandLine {
     }
 
   private:
+    int print(std::string_view what) const {
+        const ProgramDescription program = describeProgram(parser_);
+        const std::string text = what == "man" ? manualPage(program) : completions(program, what);
+        printRaw(text);
+        return text.empty() ? wrongUsage : done;
+    }
+
     int runChosen() {
         try {
             return commands_.chosen()();

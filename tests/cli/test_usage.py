@@ -29,6 +29,36 @@ class Usage(CliCase):
             self.assertRegex(told, "[一-龥]")
             self.assertNotRegex(told, r"[A-Za-z]+ [A-Za-z]+ [A-Za-z]+", "no English sentence")
 
+    def test_every_option_stands_in_help_completions_and_the_manual_page(self):
+        printed = {kind: run("--print", kind).stdout for kind in ("bash", "zsh", "fish", "man")}
+        printed["man"] = printed["man"].replace("\\-", "-")
+        names = commands()
+        self.assertIn("search", names)
+        for command in names:
+            shown = run(command, "--help").stdout
+            examples = shown.split("示例：\n")[1]
+            self.assertEqual(len(re.findall(rf"^  corvane-cli {command} ?.*\n      \S", examples, re.MULTILINE)), 2)
+            for option in re.findall(r"^  (?:-\w, )?--([a-z-]+)", shown, re.MULTILINE):
+                for kind, text in printed.items():
+                    form = f" -l {option} " if kind == "fish" else f"--{option}"
+                    self.assertIn(form, text, (command, kind))
+        for kind in ("bash", "zsh", "fish"):
+            script = self.folder / kind
+            script.write_text(printed[kind])
+            checked = subprocess.run(["sh", "-c", f"command -v {kind} >/dev/null || exit 0; {kind} -n {script}"])
+            self.assertEqual(checked.returncode, 0, kind)
+
+    def test_bash_offers_what_fits(self):
+        script = self.folder / "bash"
+        script.write_text(run("--print", "bash").stdout + 'COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _corvane_cli\n'
+                          'echo "${COMPREPLY[@]}"\n')
+        for words, offered in (("corvane-cli sea", "search"), ("corvane-cli search x --li", "--limit"),
+                               ("corvane-cli messages --sort new", "newest"),
+                               ("corvane-cli --json --home / loc", "locations")):
+            text = f"COMP_WORDS=({words})\n" + script.read_text()
+            done = subprocess.run(["bash", "-c", text], capture_output=True, text=True)
+            self.assertEqual(done.stdout.strip(), offered)
+
     def test_a_reader_that_goes_away_ends_nothing(self):
         reader, writer = os.pipe()
         os.close(reader)
