@@ -267,6 +267,53 @@ class Bench:
         self.compare("body by id", lambda: printed_seconds([BIN / "measure_search_index", "body", home, 20000]),
                      lambda: printed_seconds([BIN / "floor_search_index", "body", database, 20000]), "50 us")
 
+    def commands(self):
+        """Ten archives, as a person asks them who has typed one command."""
+        archives, count = 10, 2000
+        home, mail = self.work / "commands-home", self.work / "commands-mail"
+        cli = [BIN / "corvane-cli", "--home", home, "--json"]
+        roots = [self.work / "commands" / str(number) for number in range(archives)]
+        if not home.exists():
+            for number, root in enumerate(roots):
+                make_archive(root, count)
+                index = json.loads((root / "archive-index.json").read_text(encoding="utf-8"))
+                for record in index["records"]:
+                    record["id"] = f"mid:{number}.{record['id'][4:]}"
+                    path = root / record["emlRelativePath"]
+                    path.write_bytes(f"Message-ID: <{record['id'][4:]}>\n".encode() + path.read_bytes())
+                index["createdAt"] = f"20{number:02}-01-01T00:00:00Z"
+                (root / "archive-index.json").write_text(json.dumps(index, ensure_ascii=False), encoding="utf-8")
+            (home / ".config").mkdir(parents=True)
+            settings = {"corvaneKnownLocationRoots": [str(root) for root in roots]}
+            (home / ".config/Corvane.conf").write_text(json.dumps(settings), encoding="utf-8")
+            run([*cli, "index"])
+            for number, root in enumerate(roots):
+                make_maildir(mail / str(number), root)
+        time.sleep(4)  # what was written a moment ago isn't relied on
+        run([*cli, "search", "会议"])
+        time.sleep(4)
+        run([*cli, "search", "会议"])
+        entry = json.loads(run([*cli, "search", "--details", "--limit", "1", "会议"])[1])[0]["entryID"]
+        for name, command in (("search of 2 characters", ["search", "--limit", "20", "--details", "会议"]),
+                              ("search of a word", ["search", "--limit", "20", "--details", "regards"]),
+                              ("show", ["show", entry])):
+            self.compare(f"{name}, {archives * count} mails",
+                         lambda command=command: processor_seconds([*cli, *command]), lambda: (0.1, 0), "<= 1, 60 MB")
+        find = lambda: processor_seconds([*cli, "search", "--limit", "20", "--details", "会议"])
+        if shutil.which("mu"):
+            mu = f"--muhome={self.work / 'commands-mu'}"
+            run(["mu", "init", mu, f"--maildir={mail}"])
+            run(["env", "XAPIAN_CJK_NGRAM=1", "mu", "index", mu])
+            self.compare("search beside mu find", find, lambda: processor_seconds(
+                ["env", "XAPIAN_CJK_NGRAM=1", "mu", "find", mu, "--maxnum=20", "会议"]), "")
+        if shutil.which("notmuch"):
+            settings = self.work / "notmuch-config"
+            settings.write_text(f"[database]\npath={mail}\n[user]\nprimary_email=a@example.com\n", encoding="utf-8")
+            cjk = ["env", f"NOTMUCH_CONFIG={settings}", "XAPIAN_CJK_NGRAM=1", "notmuch"]
+            run([*cjk, "new"])
+            self.compare("search beside notmuch search", find, lambda: processor_seconds(
+                [*cjk, "search", "--limit=20", "会议"]), "")
+
     def library(self):
         count = 500000
 
@@ -329,7 +376,8 @@ class Bench:
 
 
 def main():
-    measures = ["refresh", "archive", "proof", "cache", "index", "search", "library", "list", "start", "window"]
+    measures = ["refresh", "archive", "proof", "cache", "index", "search", "commands", "library", "list", "start",
+                "window"]
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("measure", nargs="*", choices=[[], *measures], help="all when none is named")
     parser.add_argument("--messages", type=int, default=200000, help="messages of the refresh")
