@@ -146,7 +146,7 @@ class MailListScreen : public QObject {
     bool isHeld_ = false;
     bool isRearranging_ = false;
     bool wasRowChosen_ = false; // while the next list is made
-    ListRules rules_; // of the shown list
+    ListRules rules_;           // of the shown list
     std::shared_ptr<Update> waiting_;
     // Sizes of all rows before each row and, last, of all: any range is summed at once.
     std::vector<std::int64_t> bytesBefore_ = {0};
