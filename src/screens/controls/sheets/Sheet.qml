@@ -27,6 +27,12 @@ T.Popup {
     // Below the body.
     property int bodyGap: 20
     property string subtitleSymbol: ""
+    // At the right of the head, below its caption.
+    property string figure: ""
+    property string figureCaption: ""
+    property string figureKind: ""
+    // Of the bar, where its note is a statement.
+    property string barKind: ""
     property AppButton primary: null
     // It begins with the keyboard on itself: no key presses anything by mistake.
     property bool holdsKeyboard: false
@@ -121,6 +127,9 @@ T.Popup {
                 subtitleSymbol: sheet.subtitleSymbol
                 symbol: sheet.symbol
                 symbolColor: sheet.symbolColor
+                figure: sheet.figure
+                figureCaption: sheet.figureCaption
+                figureKind: sheet.figureKind
             }
             SheetScroller {
                 id: scroller
@@ -142,7 +151,7 @@ T.Popup {
             Rectangle {
                 Layout.fillWidth: true
                 implicitHeight: Theme.hairline
-                color: Theme.line
+                color: Theme.toneLine(sheet.barKind)
             }
             SheetBar {
                 id: bar
@@ -151,6 +160,7 @@ T.Popup {
                 noteLine: sheet.noteLine
                 noteColor: sheet.noteColor
                 noteLineElide: sheet.noteLineElide
+                kind: sheet.barKind
             }
         }
     }

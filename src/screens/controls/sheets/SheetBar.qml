@@ -10,11 +10,13 @@ Rectangle {
     property string noteLine: ""
     property color noteColor: Theme.text2
     property int noteLineElide: Text.ElideRight
+    // As of Theme.toneText.
+    property string kind: ""
     property alias items: buttons.data
 
     implicitHeight: 64
     // The page's colour would show square corners below the sheet's round ones.
-    color: Theme.page
+    color: Theme.toneBackground(kind)
     radius: Theme.radiusSheet - 1
 
     Rectangle {
@@ -28,6 +30,13 @@ Rectangle {
         anchors.rightMargin: 24
         spacing: 12
 
+        Symbol {
+            visible: bar.kind === "safe"
+            Layout.rightMargin: 4
+            size: 24
+            name: "shield-check"
+            color: Theme.safe
+        }
         ColumnLayout {
             Layout.fillWidth: true
             spacing: 0

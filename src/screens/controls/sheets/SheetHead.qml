@@ -11,6 +11,9 @@ Item {
     property string subtitleSymbol: ""
     property string symbol: ""
     property color symbolColor: Theme.text1
+    property string figure: ""
+    property string figureCaption: ""
+    property string figureKind: ""
 
     implicitHeight: row.implicitHeight + 34
 
@@ -58,6 +61,24 @@ Item {
                     wrapMode: Text.Wrap
                     color: Theme.text2
                 }
+            }
+        }
+        ColumnLayout {
+            Layout.alignment: Qt.AlignTop
+            visible: head.figure.length > 0
+            spacing: 0
+
+            AppText {
+                Layout.alignment: Qt.AlignRight
+                text: head.figureCaption
+                role: AppText.Note
+                color: Theme.text2
+            }
+            AppText {
+                Layout.alignment: Qt.AlignRight
+                text: head.figure
+                role: AppText.Title
+                color: Theme.toneText(head.figureKind)
             }
         }
     }
