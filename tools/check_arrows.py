@@ -54,7 +54,8 @@ SUBFOLDERS = {
                 "overview": "",
                 "archive": "controls texts desktop lists overview", "mails": "controls texts desktop lists",
                 "home": "controls texts desktop lists overview archive",
-                "shell": "controls texts desktop lists overview archive mails home"},
+                "archived": "controls texts desktop lists", "space": "controls texts desktop lists overview archive",
+                "shell": "controls texts desktop lists overview archive mails home archived space"},
 }
 QT_ALLOWED = {"model", "cli", "screens", "app"}
 INCLUDE = re.compile(r'^\s*#include\s+([<"])([^>"]+)[>"]', re.MULTILINE)

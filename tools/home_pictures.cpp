@@ -1,4 +1,5 @@
-// Paints the home and the archive flow in every state, both modes and both sizes, for people to look at:
+// Paints the home, the archive flow, the overview and the space in every state, both modes and both sizes,
+// for people to look at:
 //   home_pictures FOLDER [STATE...]
 #include <cstdio>
 #include <filesystem>
@@ -166,7 +167,8 @@ void lookAtMail(WindowScene&, QQuickWindow& window) {
         QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier, QPoint(x, y));
         QTest::qWait(1000);
     };
-    click(100, 64);
+    QTest::keyClick(&window, Qt::Key_4, Qt::ControlModifier);
+    QTest::qWait(1000);
     const bool isSmall = window.width() == 1000;
     click(isSmall ? 400 : 640, isSmall ? 250 : 230);
     QTest::mouseMove(&window, QPoint(isSmall ? 400 : 640, isSmall ? 330 : 310));
@@ -220,6 +222,73 @@ void askForFolder(WindowScene& scene, QQuickWindow& window) {
     QTest::keyClick(&window, Qt::Key_Down);
     QTest::keyClick(&window, Qt::Key_Down);
     QTest::qWait(300);
+}
+
+// Mail up to 2021 archived by a real run, which proves it.
+void archiveOldMail(WindowScene& scene) {
+    scanStore(scene);
+    scene.model().destinations().setTransferDestination(scene.home().at("Documents/邮件归档"));
+    scene.model().filters().setTransferMaxYear(2021);
+    scene.settle();
+    scene.model().ticks().selectAllArchiveCandidates();
+    scene.model().archiveSelectedEmails([](const auto&) {});
+    scene.settle();
+}
+
+// Some of the oldest originals have gone from Mail since.
+void deleteOriginals(WindowScene& scene) {
+    QProcess deletion;
+    deletion.start(QStringLiteral("python3"),
+                   {QStringLiteral("-c"),
+                    QStringLiteral("import sqlite3,sys; base=sqlite3.connect(sys.argv[1]); "
+                                   "base.execute(\"DELETE FROM messages WHERE date_received < "
+                                   "strftime('%s','2013-01-01')\"); base.commit()"),
+                    QString::fromStdString(scene.home().at("Library/Mail/V10/MailData/Envelope Index"))});
+    deletion.waitForFinished(-1);
+    if (deletion.exitCode() != 0) qFatal("no deletion: %s", deletion.readAllStandardError().constData());
+}
+
+void go(WindowScene& scene, QQuickWindow& window, Qt::Key place) {
+    QTest::keyClick(&window, place, Qt::ControlModifier);
+    QTest::qWait(500);
+    scene.settle();
+    QTest::qWait(1200);
+}
+
+void lookAtArchived(WindowScene& scene, QQuickWindow& window) {
+    go(scene, window, Qt::Key_2);
+}
+
+void checkArchived(WindowScene& scene, QQuickWindow& window) {
+    deleteOriginals(scene);
+    lookAtArchived(scene, window);
+    scene.window().archived()->check();
+    scene.settle();
+    QTest::qWait(1200);
+}
+
+void openArchivedAccount(WindowScene& scene, QQuickWindow& window) {
+    checkArchived(scene, window);
+    scene.window().archived()->openAccount(0);
+    auto& rows = *scene.window().archived()->detail()->rows();
+    rows.setExpanded(4, true);
+    rows.setExpanded(5, true);
+    QTest::qWait(600);
+}
+
+void openGuide(WindowScene& scene, QQuickWindow& window) {
+    checkArchived(scene, window);
+    scene.window().archived()->openAccount(0);
+    QTest::qWait(400);
+    scene.window().archived()->openGuide();
+    scene.settle();
+    QTest::qWait(800);
+}
+
+void lookAtSpace(WindowScene& scene, QQuickWindow& window) {
+    go(scene, window, Qt::Key_5);
+    for (const int row : {0, 1, 3}) scene.window().space()->toggleTick(row);
+    QTest::qWait(400);
 }
 
 struct State {
@@ -381,6 +450,26 @@ const std::vector<State>& runStates() {
     return all;
 }
 
+const std::vector<State>& overviewStates() {
+    static const std::vector<State> all = {
+        {"j-archived-empty", scanStore, lookAtArchived},
+        {"j-archived-unchecked", archiveOldMail, lookAtArchived},
+        {"j-archived", archiveOldMail, checkArchived},
+        {"j-archived-cleanable", archiveOldMail,
+         [](WindowScene& scene, QQuickWindow& window) {
+             checkArchived(scene, window);
+             scene.window().archived()->setFilter(1);
+             QTest::qWait(400);
+         }},
+        {"k-account-detail", archiveOldMail, openArchivedAccount},
+        {"l-mail-space", scanStore, lookAtSpace},
+        {"l-mail-space-empty", [](WindowScene&) {},
+         [](WindowScene& scene, QQuickWindow& window) { go(scene, window, Qt::Key_5); }},
+        {"m-guide", archiveOldMail, openGuide},
+    };
+    return all;
+}
+
 bool paint(const State& state, QSize size, const std::string& path) {
     WindowScene scene;
     state.make(scene);
@@ -424,7 +513,7 @@ int main(int argc, char** argv) {
                                               : corvane::Appearance::Scheme::light);
     std::filesystem::create_directories(arguments[1].toStdString());
     bool allPainted = true;
-    for (const auto* states : {&homeStates(), &confirmationStates(), &runStates()}) {
+    for (const auto* states : {&homeStates(), &confirmationStates(), &runStates(), &overviewStates()}) {
         for (const State& state : *states) {
             if (arguments.size() > 3 && !arguments.mid(3).contains(QString::fromUtf8(state.name))) continue;
             allPainted &= paintInBothSizes(state, arguments[1].toStdString(), dark);

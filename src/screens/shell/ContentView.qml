@@ -11,7 +11,7 @@ FocusScope {
     property string place: "home"
     property ScreenPage currentPage: null
     // The screen of each place, by the keys of SidebarModel.
-    readonly property var pages: ({ home: homePage, mails: mailsPage })
+    readonly property var pages: ({ home: homePage, archived: archivedPage, mails: mailsPage, space: spacePage })
     readonly property bool narrow: width < Theme.narrowBelow
     readonly property bool low: height < Theme.lowBelow
 
@@ -128,6 +128,20 @@ FocusScope {
         id: homePage
         HomePage {
             app: view.app
+        }
+    }
+    Component {
+        id: archivedPage
+        ArchivedPage {
+            app: view.app
+            onHomeRequested: view.goByKey("home")
+        }
+    }
+    Component {
+        id: spacePage
+        SpacePage {
+            app: view.app
+            onHomeRequested: view.goByKey("home")
         }
     }
     Component {

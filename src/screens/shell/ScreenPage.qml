@@ -16,13 +16,16 @@ FocusScope {
     // What the find key goes to; null where there is nothing to search.
     property Item searchField: null
 
-    // The refresh key was pressed: new data from Mail, unless the screen means something else by it.
+    // The screen means something else by the refresh key than new data from Mail.
+    property bool hasOwnRefresh: false
+
+    // The refresh key was pressed.
     signal refreshRequested
     // Escape came and nothing in the screen took it.
     signal escaped
 
     focus: true
-    onRefreshRequested: app.refreshAllMailData()
+    onRefreshRequested: if (!hasOwnRefresh) app.refreshAllMailData()
 
     Rectangle {
         anchors.fill: parent

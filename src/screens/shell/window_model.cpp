@@ -51,10 +51,14 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
   , activity_(model)
   , sampleStore_(model.context(), sampleMailMakers(model.context().platform))
   , otherMail_(model)
+  , archived_(model, desktop_)
   , mails_(model, desktop_)
+  , space_(model, archive_, desktop_)
   , addressTask_(model.context().tasks) {
     connect(&home_, &HomeScreen::figuresChanged, this, &WindowModel::showFigures);
     connect(&home_, &HomeScreen::stateChanged, this, &WindowModel::showFigures);
+    connect(&archived_, &ArchivedScreen::changed, this, &WindowModel::showFigures);
+    connect(&space_, &SpaceScreen::changed, this, &WindowModel::showFigures);
     connect(&model.catalog(), &MessageCatalog::messagesChanged, this, &WindowModel::showFigures);
     connect(&model.catalog(), &MessageCatalog::summaryChanged, this, &WindowModel::showFigures);
     connect(&model.archiveRun(), &ArchiveRunFlow::archiveRunStarted, this, &WindowModel::archivingChanged);
@@ -131,6 +135,8 @@ void WindowModel::storeLength(const QString& name, qreal length) {
 
 void WindowModel::showFigures() {
     sidebar_.setFigure(SidebarPlace::home, home_.organizeSidebarSubtitle());
+    sidebar_.setFigure(SidebarPlace::archived, archived_.sidebarFigure());
+    sidebar_.setFigure(SidebarPlace::space, space_.totalSize());
     const std::int64_t listed = static_cast<std::int64_t>(model_.catalog().messages()->size());
     // A part of the mail is no figure for the list, but for the scan that is at it.
     const bool isCut = model_.catalog().state()->isPartial() && !model_.scanFlow().state().isScanning();

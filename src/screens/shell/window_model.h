@@ -9,6 +9,7 @@
 
 #include "model/corvane_view_model.h"
 #include "screens/archive/archive_screen.h"
+#include "screens/archived/archived_screen.h"
 #include "screens/desktop/desktop_actions.h"
 #include "screens/home/home_screen.h"
 #include "screens/mails/mail_list_screen.h"
@@ -17,6 +18,7 @@
 #include "screens/shell/sidebar/sidebar_model.h"
 #include "screens/shell/start/other_mail.h"
 #include "screens/shell/start/sample_store.h"
+#include "screens/space/space_screen.h"
 #include "screens/texts/destination_item.h"
 
 namespace corvane {
@@ -32,7 +34,9 @@ class WindowModel : public QObject {
     Q_PROPERTY(corvane::DestinationItem destination READ destination NOTIFY destinationChanged)
     Q_PROPERTY(corvane::SampleStore* sampleStore READ sampleStore CONSTANT)
     Q_PROPERTY(corvane::OtherMail* otherMail READ otherMail CONSTANT)
+    Q_PROPERTY(corvane::ArchivedScreen* archived READ archived CONSTANT)
     Q_PROPERTY(corvane::MailListScreen* mails READ mails CONSTANT)
+    Q_PROPERTY(corvane::SpaceScreen* space READ space CONSTANT)
     Q_PROPERTY(bool archiving READ archiving NOTIFY archivingChanged)
     Q_PROPERTY(bool hasChineseFont READ hasChineseFont CONSTANT)
     Q_PROPERTY(QString damagedSettings READ damagedSettings CONSTANT)
@@ -58,7 +62,11 @@ class WindowModel : public QObject {
 
     [[nodiscard]] OtherMail* otherMail() { return &otherMail_; }
 
+    [[nodiscard]] ArchivedScreen* archived() { return &archived_; }
+
     [[nodiscard]] MailListScreen* mails() { return &mails_; }
+
+    [[nodiscard]] SpaceScreen* space() { return &space_; }
 
     [[nodiscard]] bool archiving() const { return model_.archiveRun().isArchiving(); }
 
@@ -104,7 +112,9 @@ class WindowModel : public QObject {
     Activity activity_;
     SampleStore sampleStore_;
     OtherMail otherMail_;
+    ArchivedScreen archived_;
     MailListScreen mails_;
+    SpaceScreen space_;
     TaskSlot addressTask_;
     bool startedUp_ = false;
     bool stopping_ = false;

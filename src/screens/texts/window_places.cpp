@@ -16,10 +16,10 @@ struct Place {
 // By SidebarPlace.
 constexpr std::array<Place, allPlaces.size()> places = {{
     {u"home", u"归档邮件", u"archive", true},
-    {u"archived", u"已归档概览", u"shield-check", false},
+    {u"archived", u"已归档概览", u"shield-check", true},
     {u"library", u"归档库", u"library", false},
     {u"mails", u"邮件列表", u"mails", true},
-    {u"space", u"Mail 空间", u"chart-pie", false},
+    {u"space", u"Mail 空间", u"chart-pie", true},
 }};
 
 const Place& entryOf(SidebarPlace place) {

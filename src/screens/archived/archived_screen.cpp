@@ -1,0 +1,157 @@
+#include "screens/archived/archived_screen.h"
+
+#include <utility>
+
+#include "records/timestamps.h"
+#include "screens/texts/shown_figures.h"
+#include "screens/texts/shown_text.h"
+
+namespace corvane {
+
+ArchivedScreen::ArchivedScreen(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
+  : QObject(parent)
+  , model_(model)
+  , startedAt_(currentTimestamp())
+  , detail_(model)
+  , guide_(model, desktop)
+  , access_(model, desktop) {
+    wire();
+}
+
+void ArchivedScreen::wire() {
+    const auto updates = [this](auto* sender, auto signal) {
+        connect(sender, signal, this, &ArchivedScreen::update);
+    };
+    updates(&model_.overview(), &OverviewFlow::overviewChanged);
+    updates(&model_.presence(), &PresenceFlow::presenceChanged);
+    updates(&model_.scanFlow(), &ScanFlow::stateChanged);
+    updates(&model_.catalog(), &MessageCatalog::availabilityPublished);
+    updates(&model_.library(), &LibraryLoader::loadFinished);
+    updates(&model_.diskAccess(), &FullDiskAccess::needsFullDiskAccessChanged);
+    updates(&model_.proof(), &ProofFlow::proofEnded);
+    connect(&model_.library(), &LibraryLoader::archivedEntriesChanged, this,
+            &ArchivedScreen::showCachedCheck);
+    connect(&model_.proof(), &ProofFlow::progressChanged, this, [this] {
+        Q_EMIT proofChanged();
+        guide_.handleProofProgress();
+    });
+}
+
+void ArchivedScreen::open() {
+    if (std::exchange(isOpened_, true)) return;
+    model_.libraryIndex().rebuildLibraryIndexIfNeeded();
+    model_.overview().refreshArchivedOverviewStats();
+    showCachedCheck();
+    update();
+}
+
+// What an earlier check has found of entries that have changed isn't known any more.
+void ArchivedScreen::showCachedCheck() {
+    if (!isOpened_) return;
+    model_.presence().refreshArchivedOriginalPresenceIfNeeded(false);
+}
+
+void ArchivedScreen::update() {
+    if (!isOpened_) return;
+    const SharedOverview& overview = model_.overview().overview();
+    if (overview) {
+        const OriginalKnowledge known = knowledge();
+        shares_ = screens::archivedShares(*overview);
+        accounts_.show(*overview, known, filter_);
+        detail_.show(overview, known);
+        guide_.show(overview, known);
+    }
+    Q_EMIT changed();
+    Q_EMIT proofChanged();
+}
+
+ArchivedScreen::State ArchivedScreen::state() const {
+    if (!model_.library().archivedEntries()->empty()) return model_.overview().overview() ? Listed : Loading;
+    return model_.library().isLoading() ? Loading : Empty;
+}
+
+OriginalKnowledge ArchivedScreen::knowledge() const {
+    using enum OriginalKnowledge;
+    const SharedOverview& overview = model_.overview().overview();
+    if (!overview) return loading;
+    if (isChecking()) return checking;
+    const OriginalPresence& presence = *model_.presence().presence();
+    if (presence.state() == OriginalPresence::State::unavailable) return unavailable;
+    if (presence.state() == OriginalPresence::State::unchecked) return unchecked;
+    if (model_.scanFlow().state().isScanning()) return scanning;
+    if (overview->inputs.isReady) return known;
+    const CatalogState& mail = *model_.catalog().state();
+    if (mail.isPartial()) return partial;
+    return mail.set->messages->empty() && !model_.scanFlow().isLastScanAwaited() ? noMail : waiting;
+}
+
+bool ArchivedScreen::isEarlierCheck() const {
+    const auto& checkedAt = model_.presence().presence()->checkedAt;
+    return checkedAt && *checkedAt < startedAt_;
+}
+
+bool ArchivedScreen::canCheck() const {
+    return state() == Listed && !isChecking();
+}
+
+void ArchivedScreen::check() {
+    if (canCheck()) model_.presence().refreshArchivedOriginalPresenceIfNeeded(true);
+}
+
+OverviewHero ArchivedScreen::hero() const {
+    const OriginalPresence& presence = *model_.presence().presence();
+    return screens::overviewHero({.knowledge = knowledge(),
+                                  .shares = shares_,
+                                  .checkedAt = presence.checkedAt,
+                                  .isEarlierCheck = isEarlierCheck(),
+                                  .failure = screens::wholeText(presence.failureMessage.value_or(""))});
+}
+
+QVariantList ArchivedScreen::holdings() const {
+    return screens::holdingParts(shares_, knowledge() == OriginalKnowledge::known);
+}
+
+QString ArchivedScreen::totalCount() const {
+    return screens::shownMessageCount(shares_.total.count);
+}
+
+QString ArchivedScreen::totalSize() const {
+    return screens::shownSize(shares_.total.bytes);
+}
+
+QString ArchivedScreen::sidebarFigure() const {
+    const bool frees = knowledge() == OriginalKnowledge::known && shares_.freeable.count > 0;
+    return frees ? screens::shownSize(shares_.freeable.bytes) : QString();
+}
+
+QString ArchivedScreen::checkedText() const {
+    return isChecking() ? QString() : screens::checkedText(model_.presence().presence()->checkedAt);
+}
+
+void ArchivedScreen::setFilter(int filter) {
+    filter_ = static_cast<ArchivedOverviewFilter>(filter);
+    update();
+}
+
+double ArchivedScreen::proofFraction() const {
+    const auto& progress = model_.proof().progress();
+    if (!progress || progress->total == 0) return 0;
+    return static_cast<double>(progress->completed) / static_cast<double>(progress->total);
+}
+
+QString ArchivedScreen::proofCount() const {
+    const auto& progress = model_.proof().progress();
+    if (!progress) return {};
+    return QStringLiteral("%1 / %2 封")
+        .arg(screens::shownCount(progress->completed), screens::shownCount(progress->total));
+}
+
+void ArchivedScreen::openAccount(int row) {
+    if (const ArchivedAccount* account = accounts_.record(row)) detail_.open(account->key);
+}
+
+void ArchivedScreen::openGuide() {
+    if (detail_.isOpen()) guide_.open(detail_.key(), isEarlierCheck());
+}
+
+} // namespace corvane

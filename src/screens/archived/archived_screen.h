@@ -1,0 +1,128 @@
+// The screen 已归档概览: how much room the originals of archived mail would free, by account, year and
+// folder, and what is to be done before they may go. Main thread. All figures are the model's; nothing here
+// starts to look for originals before the screen was opened.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+#include "model/corvane_view_model.h"
+#include "screens/archived/account/account_detail.h"
+#include "screens/archived/figures/archived_accounts_model.h"
+#include "screens/archived/figures/overview_figures.h"
+#include "screens/archived/guide/deletion_guide.h"
+#include "screens/desktop/access_actions.h"
+#include "screens/desktop/desktop_actions.h"
+
+namespace corvane {
+
+class ArchivedScreen : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("belongs to the window")
+    Q_PROPERTY(State state READ state NOTIFY changed)
+    Q_PROPERTY(corvane::OverviewHero hero READ hero NOTIFY changed)
+    Q_PROPERTY(QVariantList holdings READ holdings NOTIFY changed)
+    Q_PROPERTY(QString totalCount READ totalCount NOTIFY changed)
+    Q_PROPERTY(QString totalSize READ totalSize NOTIFY changed)
+    Q_PROPERTY(QString checkedText READ checkedText NOTIFY changed)
+    Q_PROPERTY(bool isChecking READ isChecking NOTIFY changed)
+    Q_PROPERTY(bool isEarlierCheck READ isEarlierCheck NOTIFY changed)
+    Q_PROPERTY(bool canCheck READ canCheck NOTIFY changed)
+    Q_PROPERTY(bool needsAccess READ needsAccess NOTIFY changed)
+    Q_PROPERTY(int filter READ filter WRITE setFilter NOTIFY changed)
+    Q_PROPERTY(bool isProving READ isProving NOTIFY proofChanged)
+    Q_PROPERTY(double proofFraction READ proofFraction NOTIFY proofChanged)
+    Q_PROPERTY(QString proofCount READ proofCount NOTIFY proofChanged)
+    Q_PROPERTY(corvane::ArchivedAccountsModel* accounts READ accounts CONSTANT)
+    Q_PROPERTY(corvane::AccountDetail* detail READ detail CONSTANT)
+    Q_PROPERTY(corvane::DeletionGuide* guide READ guide CONSTANT)
+    Q_PROPERTY(corvane::AccessActions* access READ access CONSTANT)
+
+  public:
+    enum State { Loading, Empty, Listed };
+    Q_ENUM(State)
+
+    // Both must outlive the screen.
+    ArchivedScreen(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent = nullptr);
+
+    // It was looked at: from here on the figures are made. Shows what an earlier check has found.
+    Q_INVOKABLE void open();
+
+    [[nodiscard]] State state() const;
+
+    [[nodiscard]] OriginalKnowledge knowledge() const;
+
+    [[nodiscard]] OverviewHero hero() const;
+    [[nodiscard]] QVariantList holdings() const;
+    [[nodiscard]] QString totalCount() const;
+    [[nodiscard]] QString totalSize() const;
+
+    // What can be freed, for the sidebar; empty while that isn't known.
+    [[nodiscard]] QString sidebarFigure() const;
+
+    [[nodiscard]] QString checkedText() const;
+
+    [[nodiscard]] bool isChecking() const { return model_.presence().archivedOriginalPresenceChecking(); }
+
+    // The originals were looked up in an earlier run of the program.
+    [[nodiscard]] bool isEarlierCheck() const;
+    [[nodiscard]] bool canCheck() const;
+
+    [[nodiscard]] bool needsAccess() const { return model_.diskAccess().needsFullDiskAccess(); }
+
+    // The place in the list of filters.
+    [[nodiscard]] int filter() const { return static_cast<int>(filter_); }
+
+    void setFilter(int filter);
+
+    [[nodiscard]] bool isProving() const { return model_.proof().isProving(); }
+
+    [[nodiscard]] double proofFraction() const;
+    [[nodiscard]] QString proofCount() const;
+
+    [[nodiscard]] ArchivedAccountsModel* accounts() { return &accounts_; }
+
+    [[nodiscard]] AccountDetail* detail() { return &detail_; }
+
+    [[nodiscard]] DeletionGuide* guide() { return &guide_; }
+
+    [[nodiscard]] AccessActions* access() { return &access_; }
+
+    // Asks Mail which originals are there. No effect while it is being asked.
+    Q_INVOKABLE void check();
+
+    // Compares all originals that are archived and weren't compared yet.
+    Q_INVOKABLE void prove() { model_.proof().prove({}); }
+
+    Q_INVOKABLE void cancelProof() { model_.proof().cancel(); }
+
+    Q_INVOKABLE void openAccount(int row);
+
+    // For the years of the account that is open.
+    Q_INVOKABLE void openGuide();
+
+  Q_SIGNALS:
+    void changed();
+    void proofChanged();
+
+  private:
+    void wire();
+    void update();
+    void showCachedCheck();
+
+    CorvaneViewModel& model_;
+    Date startedAt_;
+    bool isOpened_ = false;
+    ArchivedOverviewFilter filter_ = ArchivedOverviewFilter::all;
+    ArchivedShares shares_;
+    ArchivedAccountsModel accounts_;
+    AccountDetail detail_;
+    DeletionGuide guide_;
+    AccessActions access_;
+};
+
+} // namespace corvane

@@ -1,0 +1,93 @@
+// What the archive holds, by what may be done with the originals.
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Corvane
+
+ColumnLayout {
+    id: pane
+
+    required property ArchivedScreen screen
+    property bool low: false
+    readonly property var parts: screen.holdings
+
+    objectName: "holdings"
+    spacing: low ? 6 : 12
+
+    RowLayout {
+        Layout.fillWidth: true
+        spacing: 0
+
+        AppText {
+            Layout.fillWidth: true
+            text: "归档库里的邮件"
+            color: Theme.text2
+        }
+        AppText {
+            text: pane.screen.totalCount + " · "
+            color: Theme.text2
+        }
+        AppText {
+            text: pane.screen.totalSize
+            font.weight: Theme.strong
+        }
+    }
+    Item {
+        Layout.fillWidth: true
+        implicitHeight: Theme.shareBarHeight
+
+        // What nobody knows yet.
+        Rectangle {
+            anchors.fill: parent
+            radius: Theme.radiusBar
+            visible: !pane.parts.some(part => part.value > 0)
+            color: Theme.track
+        }
+        ShareBar {
+            anchors.fill: parent
+            parts: pane.parts
+        }
+    }
+    GridLayout {
+        Layout.fillWidth: true
+        columns: 2
+        columnSpacing: 32
+        rowSpacing: 2
+
+        Repeater {
+            model: pane.parts
+            delegate: RowLayout {
+                id: entry
+                required property var modelData
+                Layout.fillWidth: true
+                Layout.preferredWidth: 10
+                spacing: 8
+                Accessible.role: Accessible.StaticText
+                Accessible.name: modelData.label + "，" + modelData.text + "，" + modelData.size
+
+                Swatch {
+                    series: entry.modelData.series
+                }
+                AppText {
+                    Layout.fillWidth: true
+                    text: entry.modelData.label
+                    Accessible.ignored: true
+                }
+                AppText {
+                    text: entry.modelData.text
+                    color: Theme.text2
+                    horizontalAlignment: Text.AlignRight
+                    Accessible.ignored: true
+                }
+                AppText {
+                    Layout.preferredWidth: 76
+                    text: entry.modelData.size
+                    font.weight: Theme.strong
+                    horizontalAlignment: Text.AlignRight
+                    Accessible.ignored: true
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,68 @@
+#include "screens/archived/figures/year_status.h"
+
+#include <array>
+#include <cstddef>
+
+#include <QStringList>
+
+namespace corvane::screens {
+
+namespace {
+
+YearStatus make(const char16_t* key, const char16_t* symbol, const char16_t* label,
+                const char16_t* tone = u"") {
+    return {QString::fromUtf16(key), QString::fromUtf16(symbol), QString::fromUtf16(label),
+            QString::fromUtf16(tone)};
+}
+
+YearStatus unknownStatus(OriginalKnowledge knowledge) {
+    if (knowledge == OriginalKnowledge::unavailable)
+        return make(u"unavailable", u"triangle-alert", u"未读取 Mail 状态");
+    if (knowledge == OriginalKnowledge::checking) return make(u"checking", u"loader-circle", u"正在对照…");
+    const bool isPassing = knowledge == OriginalKnowledge::loading ||
+                           knowledge == OriginalKnowledge::waiting ||
+                           knowledge == OriginalKnowledge::scanning;
+    return isPassing ? make(u"checking", u"loader-circle", u"正在确认…")
+                     : make(u"unchecked", u"circle-question-mark", u"未检查");
+}
+
+constexpr std::size_t mostSpans = 4;
+
+} // namespace
+
+YearStatus yearStatus(OriginalKnowledge knowledge, ArchivedOverviewRowStatus status, bool awaitsProof) {
+    if (knowledge != OriginalKnowledge::known) return unknownStatus(knowledge);
+    switch (status) {
+    case ArchivedOverviewRowStatus::cleanable:
+        return make(u"cleanable", u"check", u"可清理", u"safe");
+    case ArchivedOverviewRowStatus::incomplete:
+        return awaitsProof ? make(u"awaiting", u"search", u"待核对")
+                           : make(u"incomplete", u"triangle-alert", u"还有未归档", u"attention");
+    case ArchivedOverviewRowStatus::serverUnbacked:
+        return make(u"server", u"cloud", u"还有未归档（含服务器）");
+    case ArchivedOverviewRowStatus::pendingReview:
+        return make(u"pending", u"circle-question-mark", u"待确认");
+    case ArchivedOverviewRowStatus::completed:
+        return make(u"completed", u"minus", u"已从 Mail 删除");
+    case ArchivedOverviewRowStatus::unavailable:
+        return unknownStatus(OriginalKnowledge::unavailable);
+    case ArchivedOverviewRowStatus::checking:
+        break;
+    }
+    return unknownStatus(OriginalKnowledge::waiting);
+}
+
+QString yearSpans(std::span<const std::int64_t> years) {
+    QStringList spans;
+    for (std::size_t first = 0; first < years.size();) {
+        std::size_t last = first;
+        while (last + 1 < years.size() && years[last + 1] == years[last] + 1) ++last;
+        spans += first == last ? QString::number(years[first])
+                               : QStringLiteral("%1 – %2").arg(years[first]).arg(years[last]);
+        first = last + 1;
+    }
+    if (static_cast<std::size_t>(spans.size()) <= mostSpans) return spans.join(u'、');
+    return spans.mid(0, mostSpans).join(u'、') + QStringLiteral(" 等 %1 个年份").arg(years.size());
+}
+
+} // namespace corvane::screens

@@ -1,0 +1,22 @@
+# The QML files and the C++ sources of this folder.
+set(archived_qml
+    ArchivedAccountRow.qml
+    ArchivedPage.qml
+    account/AccountDetailRow.qml
+    account/AccountDetailSheet.qml
+    figures/HoldingsPane.qml
+    figures/OverviewHeroPane.qml
+    figures/YearCell.qml
+    figures/YearCellLegend.qml
+    guide/GuideSheet.qml
+    guide/GuideStep.qml
+)
+set(archived_sources
+    archived_screen.cpp
+    account/account_detail.cpp
+    account/account_rows_model.cpp
+    figures/archived_accounts_model.cpp
+    figures/overview_figures.cpp
+    figures/year_status.cpp
+    guide/deletion_guide.cpp
+)

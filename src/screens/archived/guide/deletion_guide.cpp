@@ -1,0 +1,238 @@
+#include "screens/archived/guide/deletion_guide.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <map>
+#include <utility>
+
+#include <QUrl>
+#include <QVariantMap>
+
+#include "records/formatters.h"
+#include "screens/texts/shown_figures.h"
+#include "screens/texts/shown_text.h"
+
+namespace corvane {
+
+namespace {
+
+using screens::wholeText;
+using Years = std::vector<std::int64_t>;
+
+QString spanText(const SmartMailboxGuideTarget& target) {
+    return screens::yearSpans(target.years) + QStringLiteral(" 年");
+}
+
+// Why a year isn't in the guide.
+QString reasonOf(const ArchivedOverviewStats::Year& year) {
+    if (year.awaitsProof) return QStringLiteral("还有原件没有核对");
+    switch (year.status) {
+    case ArchivedOverviewRowStatus::incomplete:
+    case ArchivedOverviewRowStatus::serverUnbacked:
+        return QStringLiteral("还有邮件没有归档，或与归档不一致");
+    case ArchivedOverviewRowStatus::pendingReview:
+        return QStringLiteral("有邮件需要手动确认");
+    case ArchivedOverviewRowStatus::completed:
+        return QStringLiteral("原件已经不在 Mail 里");
+    default:
+        return QStringLiteral("还没有确认");
+    }
+}
+
+} // namespace
+
+DeletionGuide::DeletionGuide(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
+  : QObject(parent)
+  , model_(model)
+  , desktop_(desktop) {}
+
+void DeletionGuide::open(const std::string& key, bool asksMail) {
+    key_ = key;
+    isOpen_ = true;
+    current_ = 0;
+    wantedYears_.clear();
+    find();
+    for (std::size_t number = 0; group_ != nullptr && number < group_->years.size(); ++number) {
+        const ArchivedOverviewStats::Year& year = stats_->years[number];
+        if (year.isCleanable || year.awaitsProof) wantedYears_.push_back(group_->years[number].year);
+    }
+    if (asksMail) model_.presence().refreshArchivedOriginalPresenceIfNeeded(true);
+    findTargets();
+    Q_EMIT changed();
+    prove();
+}
+
+void DeletionGuide::close() {
+    isOpen_ = false;
+    Q_EMIT changed();
+}
+
+void DeletionGuide::show(SharedOverview overview, OriginalKnowledge knowledge) {
+    overview_ = std::move(overview);
+    knowledge_ = knowledge;
+    find();
+    findTargets();
+    if (isOpen_) Q_EMIT changed();
+}
+
+void DeletionGuide::handleProofProgress() {
+    if (isOpen_) Q_EMIT changed();
+}
+
+void DeletionGuide::find() {
+    group_ = nullptr;
+    stats_ = nullptr;
+    for (std::size_t number = 0; overview_ && number < overview_->groups->size(); ++number) {
+        if ((*overview_->groups)[number].key != key_) continue;
+        group_ = &(*overview_->groups)[number];
+        stats_ = &overview_->stats.groups[number];
+    }
+}
+
+// A group may gather several accounts, of which Mail knows only their own names.
+std::vector<std::string> DeletionGuide::accountNames() const {
+    std::vector<std::string> names;
+    if (group_->mailAccounts.size() > 1) {
+        for (const MailAccount& account : model_.accounts().availableAccounts()) {
+            if (group_->mailAccounts.contains(account.urlPrefix))
+                names.push_back(account.distinguishedLabel());
+        }
+    }
+    if (names.size() < 2) names = {group_->title};
+    return names;
+}
+
+void DeletionGuide::findTargets() {
+    targets_.clear();
+    if (!isOpen_ || group_ == nullptr || knowledge_ != OriginalKnowledge::known) return;
+    Years years;
+    for (const std::int64_t year : overviewCleanableYears(*group_, *stats_)) {
+        if (std::ranges::find(wantedYears_, year) != wantedYears_.end()) years.push_back(year);
+    }
+    for (const std::string& name : accountNames()) {
+        for (SmartMailboxGuideTarget& target : smartMailboxGuideTargets(name, years))
+            targets_.push_back(std::move(target));
+    }
+    current_ = std::clamp(current_, 0, std::max(0, static_cast<int>(targets_.size()) - 1));
+}
+
+bool DeletionGuide::isComparing() const {
+    using enum OriginalKnowledge;
+    return isProving() || model_.presence().archivedOriginalPresenceChecking() || knowledge_ == checking ||
+           knowledge_ == waiting || knowledge_ == scanning;
+}
+
+void DeletionGuide::prove() {
+    if (group_ == nullptr) return;
+    ProofScope scope;
+    scope.accountPrefixes = {group_->mailAccounts.begin(), group_->mailAccounts.end()};
+    scope.years = {wantedYears_.begin(), wantedYears_.end()};
+    if (!scope.accountPrefixes.empty() && !scope.years.empty()) model_.proof().prove(std::move(scope));
+}
+
+double DeletionGuide::fraction() const {
+    const auto& progress = model_.proof().progress();
+    if (!progress || progress->total == 0) return 0;
+    return static_cast<double>(progress->completed) / static_cast<double>(progress->total);
+}
+
+QString DeletionGuide::proofTitle() const {
+    if (isComparing()) return QStringLiteral("核对要删除的原件");
+    if (targets_.empty()) return QStringLiteral("现在没有可以清理的年份");
+    return QStringLiteral("%1原件与归档副本一致").arg(screens::shownMessageCount(stats_->freeable.count));
+}
+
+QString DeletionGuide::proofLine() const {
+    if (isProving()) return QStringLiteral("逐字节对照归档副本，全部一致才给出条件。");
+    if (isComparing()) return QStringLiteral("正在对照 Mail 中的原件状态");
+    if (targets_.empty()) return QStringLiteral("核对之后有年份可以清理时，这里给出条件。");
+    const auto& checkedAt = model_.presence().presence()->checkedAt;
+    QString line = QStringLiteral("%1 对照 Mail。之后原件有变动时，这里会先再核对。")
+                       .arg(wholeText(formatListDate(checkedAt.value_or(Date()))));
+    if (const auto& scannedAt = model_.scanFlow().cacheLoadedAt())
+        line += QStringLiteral("Mail 数据更新于 %1。").arg(wholeText(formatListDate(*scannedAt)));
+    return line;
+}
+
+QString DeletionGuide::proofCount() const {
+    const auto& progress = model_.proof().progress();
+    if (!progress) return {};
+    return QStringLiteral("%1 / %2").arg(screens::shownCount(progress->completed),
+                                         screens::shownCount(progress->total));
+}
+
+QStringList DeletionGuide::spans() const {
+    QStringList texts;
+    const bool hasOneAccount = std::ranges::all_of(targets_, [&](const SmartMailboxGuideTarget& each) {
+        return each.accountName == targets_.front().accountName;
+    });
+    for (const SmartMailboxGuideTarget& each : targets_)
+        texts +=
+            hasOneAccount ? spanText(each) : screens::shownLine(each.accountName, 24) + u' ' + spanText(each);
+    return texts;
+}
+
+void DeletionGuide::setCurrent(int current) {
+    if (current_ == current || current < 0 || current >= static_cast<int>(targets_.size())) return;
+    current_ = current;
+    Q_EMIT changed();
+}
+
+const SmartMailboxGuideTarget* DeletionGuide::target() const {
+    return isReady() ? &targets_[static_cast<std::size_t>(current_)] : nullptr;
+}
+
+QString DeletionGuide::condition() const {
+    return target() != nullptr ? wholeText(conditionText(*target())) : QString();
+}
+
+QString DeletionGuide::name() const {
+    return target() != nullptr ? wholeText(suggestedName(*target())) : QString();
+}
+
+QVariantList DeletionGuide::steps() const {
+    QVariantList steps;
+    const bool isGiven = target() != nullptr;
+    for (const SmartMailboxGuideStep& step :
+         smartMailboxGuideSteps(isGiven ? *target() : SmartMailboxGuideTarget())) {
+        QStringList lines;
+        for (const std::string& line : step.lines) {
+            if (isGiven) lines += wholeText(line);
+        }
+        // A step without a title is its text.
+        QString title = wholeText(step.title.empty() ? step.lines.front() : step.title);
+        if (step.title.empty()) lines.clear();
+        steps += QVariantMap{{QStringLiteral("title"), title}, {QStringLiteral("lines"), lines}};
+    }
+    return steps;
+}
+
+QString DeletionGuide::leftOut() const {
+    if (!isOpen_ || group_ == nullptr || isComparing()) return {};
+    std::map<QString, Years> byReason;
+    for (std::size_t number = 0; number < group_->years.size(); ++number) {
+        const bool isWanted =
+            std::ranges::find(wantedYears_, group_->years[number].year) != wantedYears_.end();
+        if (isWanted && !stats_->years[number].isCleanable)
+            byReason[reasonOf(stats_->years[number])].push_back(group_->years[number].year);
+    }
+    QStringList parts;
+    for (const auto& [reason, years] : byReason)
+        parts += screens::yearSpans(years) + QStringLiteral(" 年没有列入：") + reason;
+    return parts.isEmpty() ? QString() : parts.join(u'；') + u'。';
+}
+
+void DeletionGuide::copyCondition() {
+    if (target() != nullptr) desktop_.copy(condition());
+}
+
+void DeletionGuide::copyName() {
+    if (target() != nullptr) desktop_.copy(name());
+}
+
+void DeletionGuide::openMail() {
+    if (!desktop_.open(QUrl(QStringLiteral("message:"))))
+        Q_EMIT failed(QStringLiteral("没有找到 Apple Mail，请在有 Apple Mail 的 Mac 上继续。"));
+}
+
+} // namespace corvane

@@ -1,0 +1,42 @@
+#include "screens/space/space_screen.h"
+
+#include "screens/support/screens_fixture.h"
+
+namespace corvane {
+namespace {
+
+using testing::ScreensTest;
+
+class Space : public ScreensTest {
+  protected:
+    SpaceScreen space_{model_, archiveScreen_, desktop_};
+};
+
+TEST_F(Space, TickedSendersGoIntoTheSheetOfTheArchive) {
+    EXPECT_EQ(space_.state(), SpaceScreen::NoMail);
+    publish({{"a", 2019}, {"b", 2020}});
+    EXPECT_TRUE(space_.totalSize().isEmpty()) << "nobody has looked at it";
+    space_.open();
+    settle();
+    ASSERT_EQ(space_.state(), SpaceScreen::Listed);
+    EXPECT_EQ(space_.totalCount(), QStringLiteral("2 封"));
+    ASSERT_TRUE(space_.hasAccount());
+    ASSERT_GT(space_.senders()->count(), 0);
+    EXPECT_FALSE(space_.canBackUp());
+    space_.setAllTicks(true);
+    EXPECT_EQ(space_.tickState(), 1);
+    EXPECT_TRUE(space_.tickedLine().startsWith(QStringLiteral("2 封"))) << space_.tickedLine().toStdString();
+
+    space_.closeAccount();
+    EXPECT_FALSE(space_.hasAccount());
+    EXPECT_FALSE(space_.canBackUp());
+    space_.openAccount(0);
+    EXPECT_EQ(space_.tickState(), 1) << "ticks are kept";
+    space_.backUp();
+    settle();
+    EXPECT_EQ(archiveScreen_.stage(), ArchiveScreen::Confirm);
+    EXPECT_EQ(archiveScreen_.candidates()->rowCount(), 2);
+}
+
+} // namespace
+} // namespace corvane
