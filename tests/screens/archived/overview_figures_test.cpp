@@ -113,6 +113,12 @@ TEST(OverviewFigures, TheFilterLeavesOutYearsAndWhatHasNone) {
     EXPECT_EQ(model.count(), 0);
     model.show(*overview, Known::checking, ArchivedOverviewFilter::removed);
     EXPECT_EQ(keys(), QStringLiteral("checking||checking"));
+
+    const SharedOverview partlyGone = sampleOverview({{.year = 2010, .isPartlyGone = true, .rest = {1, 1}}});
+    model.show(*partlyGone, Known::known, ArchivedOverviewFilter::all);
+    EXPECT_EQ(keys(), QStringLiteral("pending")) << "it frees nothing";
+    model.show(*partlyGone, Known::known, ArchivedOverviewFilter::cleanable);
+    EXPECT_EQ(model.count(), 0);
 }
 
 TEST(OverviewFigures, YearsAreSaidAsSpans) {

@@ -15,6 +15,7 @@ struct YearSketch {
     std::int64_t year = 0;
     ArchivedOverviewRowStatus status = ArchivedOverviewRowStatus::cleanable;
     bool awaitsProof = false;
+    bool isPartlyGone = false; // another folder of it is in another state
     MailSum freeable{};
     MailSum removed{};
     MailSum unknown{};
@@ -45,7 +46,7 @@ inline SharedOverview sampleOverview(const std::vector<YearSketch>& years, MailS
         group.years.push_back(year);
         ArchivedOverviewStats::Year state;
         state.status = each.status;
-        state.isCleanable = each.status == ArchivedOverviewRowStatus::cleanable;
+        state.isCleanable = each.status == ArchivedOverviewRowStatus::cleanable && !each.isPartlyGone;
         state.awaitsProof = each.awaitsProof;
         state.freeable = each.freeable;
         state.removed = each.removed;

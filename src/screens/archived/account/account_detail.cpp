@@ -38,7 +38,8 @@ QString yearsLine(const ArchivedOverviewGroup& group, const ArchivedOverviewStat
     };
     const auto awaits = [](const ArchivedOverviewStats::Year& year) { return year.awaitsProof; };
     const auto isPending = [](const ArchivedOverviewStats::Year& year) {
-        return year.status == Status::pendingReview;
+        return year.status == Status::pendingReview ||
+               (year.status == Status::cleanable && !year.isCleanable);
     };
     QStringList parts;
     addSpans(parts, overviewCleanableYears(group, stats), QStringLiteral(" 年可以放心清理"));

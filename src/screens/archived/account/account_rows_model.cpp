@@ -187,7 +187,7 @@ QVariant AccountRowsModel::yearValue(const AccountRow& row, int role) const {
     case TitleRole:
         return screens::shownYear(year.year);
     case StatusRole:
-        return statusValue(screens::yearStatus(source_.knowledge, stats.status, stats.awaitsProof));
+        return statusValue(screens::yearStatus(source_.knowledge, stats));
     case PresentRole:
         return dashOrCount(isKnown ? sumOf(stats.folders).present : 0);
     case RemovedRole:

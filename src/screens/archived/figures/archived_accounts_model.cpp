@@ -32,6 +32,11 @@ std::vector<std::int64_t> yearsOf(const std::vector<ArchivedOverviewGroup>& grou
     return {years.begin(), years.end()};
 }
 
+// A year that frees nothing isn't listed among those that may be cleaned.
+bool isListed(const ArchivedOverviewStats::Year& year, ArchivedOverviewFilter filter) {
+    return isShown(year, filter) && (filter != ArchivedOverviewFilter::cleanable || year.isCleanable);
+}
+
 QVariantMap cellOf(std::int64_t year, const YearStatus* status) {
     const QString label = QStringLiteral("%1").arg(year % 100, 2, 10, QLatin1Char('0'));
     if (status == nullptr) return {{QStringLiteral("label"), label}, {QStringLiteral("key"), QString()}};
@@ -86,9 +91,8 @@ QVariantList cellsOf(const ArchivedOverviewGroup& group, const ArchivedOverviewS
         const bool isThere = next < group.years.size() && group.years[next].year == year;
         const std::size_t number = next;
         if (isThere) ++next;
-        if (isThere && isShown(stats.years[number], filter)) {
-            const YearStatus status =
-                screens::yearStatus(knowledge, stats.years[number].status, stats.years[number].awaitsProof);
+        if (isThere && isListed(stats.years[number], filter)) {
+            const YearStatus status = screens::yearStatus(knowledge, stats.years[number]);
             cells += cellOf(year, &status);
         } else {
             cells += cellOf(year, nullptr);
@@ -136,8 +140,8 @@ void ArchivedAccountsModel::show(const ArchivedOverview& overview, OriginalKnowl
     for (std::size_t number = 0; number < overview.groups->size(); ++number) {
         const ArchivedOverviewGroup& group = (*overview.groups)[number];
         const ArchivedOverviewStats::Group& stats = overview.stats.groups[number];
-        const auto isListed = [&](const ArchivedOverviewStats::Year& year) { return isShown(year, used); };
-        if (used != ArchivedOverviewFilter::all && std::ranges::none_of(stats.years, isListed)) continue;
+        const auto isListedYear = [&](const auto& year) { return isListed(year, used); };
+        if (used != ArchivedOverviewFilter::all && std::ranges::none_of(stats.years, isListedYear)) continue;
         rows.push_back({.key = group.key,
                         .title = screens::shownLine(group.title),
                         .shares = screens::archivedShares(group, stats),

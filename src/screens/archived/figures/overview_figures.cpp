@@ -22,7 +22,8 @@ void add(ArchivedShares& shares, const ArchivedOverviewGroup::YearGroup& year,
     shares.pending += stats.unknown;
     if (stats.awaitsProof) {
         shares.awaiting += present;
-    } else if (stats.status == ArchivedOverviewRowStatus::pendingReview) {
+    } else if (stats.status == ArchivedOverviewRowStatus::pendingReview ||
+               stats.status == ArchivedOverviewRowStatus::cleanable) {
         shares.pending += present;
     } else {
         shares.blocked += present;

@@ -52,6 +52,13 @@ YearStatus yearStatus(OriginalKnowledge knowledge, ArchivedOverviewRowStatus sta
     return unknownStatus(OriginalKnowledge::waiting);
 }
 
+YearStatus yearStatus(OriginalKnowledge knowledge, const ArchivedOverviewStats::Year& year) {
+    const bool isPartlyGone = year.status == ArchivedOverviewRowStatus::cleanable && !year.isCleanable;
+    if (knowledge == OriginalKnowledge::known && isPartlyGone)
+        return make(u"pending", u"circle-question-mark", u"部分已从 Mail 删除");
+    return yearStatus(knowledge, year.status, year.awaitsProof);
+}
+
 QString yearSpans(std::span<const std::int64_t> years) {
     QStringList spans;
     for (std::size_t first = 0; first < years.size();) {

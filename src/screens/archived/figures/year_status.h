@@ -39,6 +39,10 @@ namespace screens {
 // `awaitsProof`: incomplete for no other reason than that originals still have to be compared.
 YearStatus yearStatus(OriginalKnowledge knowledge, ArchivedOverviewRowStatus status, bool awaitsProof);
 
+// Of a year: cleanable only when it frees something, which it doesn't while a folder of it is in another
+// state.
+YearStatus yearStatus(OriginalKnowledge knowledge, const ArchivedOverviewStats::Year& year);
+
 // "2012 – 2017、2019" for years in rising order; more than four spans end in "等 9 个年份".
 QString yearSpans(std::span<const std::int64_t> years);
 
