@@ -26,12 +26,13 @@ Sheet {
         text: "App 不会替你删邮件,删除由你在 Mail 里确认。"
         font.weight: Theme.medium
     }
-    SegmentedControl {
+    MenuButton {
         objectName: "guideSpans"
         Layout.topMargin: 12
-        visible: sheet.guide.isReady && options.length > 1
+        Layout.maximumWidth: 440
+        visible: sheet.guide.isReady && sheet.guide.spans.length > 1
         name: "要圈定的年份"
-        options: sheet.guide.spans
+        model: sheet.guide.spans
         currentIndex: sheet.guide.current
         onActivated: index => sheet.guide.current = index
     }
