@@ -1,5 +1,6 @@
 #include "locations/loaded_archives.h"
 
+#include <chrono>
 #include <filesystem>
 
 #include <gtest/gtest.h>
@@ -226,6 +227,8 @@ TEST_F(LoadedArchives, MissingContentIsToldOnlyOfARootThatIsThere) {
 TEST_F(LoadedArchives, AnIndexIsKeptForTheTimeWithoutItsDisk) {
     const auto index = sampleIndex(1, {"mid:a"});
     const std::string root = writeIndex(home_, "Volumes/STICK/Mail", index);
+    const std::filesystem::path file = root + "/archive-index.json";
+    std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) - std::chrono::hours(1));
     platform_.plugIn("STICK");
     EXPECT_EQ(cache_.loadIndexWithCache(root, root, false), std::nullopt);
     EXPECT_EQ(cache_.loadIndexWithCache(root, root, true), index);
