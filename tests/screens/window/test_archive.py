@@ -52,7 +52,8 @@ class ArchiveWalk(WindowCase):
         self.assertEqual(len({record["accountIdentifier"] for record in records}), 1, "one year of one account")
         for record in records:
             self.assertTrue((self.root / record["emlRelativePath"]).is_file())
-        self.assertEqual(list((self.home / "Documents").iterdir()), [], "the place that was given up")
+        left = {path.name for path in (self.home / "Documents").iterdir()}
+        self.assertLessEqual(left, {"app-backup.json"}, "the place that was given up")
         self.assertEqual(tree_of(self.home / "Library/Mail"), mail_before)
 
         # The next start shows what is left, without a scan.

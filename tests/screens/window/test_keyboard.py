@@ -88,6 +88,8 @@ class KeyboardWalk(WindowCase):
         window.press("Left", "Left")
         window.wait_for_part("messageView", lambda view: view["count"] == count)
         window.tab_to("sortMode")
+        window.press("Right")
+        window.wait_for_part("sortMode", lambda control: control["currentIndex"] == 1)
         window.tab_to("troubledFilter")
         window.press_to("accountFilter0", "Down")
         window.press("space")
