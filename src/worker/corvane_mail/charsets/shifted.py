@@ -27,7 +27,7 @@ def shifted_text(data, codec):
         return decode_wide(data, codec)
     if data.count(0) * 5 > len(data):
         text = decode_wide(data, "")
-        return text if usual(text) * 2 > len(text[:400]) else None
+        return text if text is not None and usual(text) * 2 > len(text[:400]) else None
     if codec == "utf-7" and data.isascii():
         return decode_utf7(data)
     if codec == "iso2022" and b"\x1b" not in data and b"$" in data:
