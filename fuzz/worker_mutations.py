@@ -11,6 +11,7 @@ import json
 import os
 import pathlib
 import random
+import re
 import resource
 import signal
 import struct
@@ -55,6 +56,7 @@ def check(data, rng):
     # Longer lines are composed in pieces, and a run of marks may be cut.
     if all(len(line) <= 400 for line in text.split("\n")):
         assert unicodedata.is_normalized("NFC", text), "a text that isn't composed"
+    assert not re.search("[\0-\x08\x0b-\x1f\x7f-\x9f]", text), "a control character in the text"
     found = attachments_of(Scanner(mail.data).run())
     sizes = [each.size(mail.cut, mail.size) for each in found]
     assert all(size >= 0 for size in sizes), "a size below zero"
