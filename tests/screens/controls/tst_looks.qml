@@ -26,7 +26,7 @@ Item {
         }
 
         function test_RowColoursFollowSelectionAndFocus_data() {
-            return [{ selected: false, focused: true, color: row.restColor },
+            return [{ selected: false, focused: true, color: Theme.surface },
                 { selected: true, focused: true, color: Theme.selection },
                 { selected: true, focused: false, color: Theme.selectionInactive }];
         }
