@@ -10,7 +10,7 @@
 #include "library/library_index.h"
 #include "library/threads/thread_keys.h"
 #include "library_samples.h"
-#include "mime/body_segments.h"
+#include "mime/body/body_segments.h"
 
 namespace {
 

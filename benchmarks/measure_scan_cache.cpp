@@ -8,7 +8,7 @@
 
 #include <fmt/format.h>
 
-#include "platform/files/durable_file.h"
+#include "platform/files/writing/durable_file.h"
 #include "records/json/json_writer.h"
 #include "records/stores/scan_cache_file.h"
 

@@ -5,9 +5,9 @@
 #include <string_view>
 
 #include "fuzz_kit.h"
-#include "mime/body_segments.h"
-#include "mime/body_snippets.h"
-#include "mime/body_split.h"
+#include "mime/body/body_segments.h"
+#include "mime/body/body_snippets.h"
+#include "mime/body/body_split.h"
 #include "text/trim.h"
 
 using namespace corvane;

@@ -15,7 +15,7 @@
 
 #include "fuzz_kit.h"
 #include "mailstore/index/indexed_messages.h"
-#include "mailstore/index/json_rows.h"
+#include "mailstore/sqlite/json_rows.h"
 #include "text/charsets/charset.h"
 
 using namespace corvane;

@@ -38,8 +38,17 @@ SUBFOLDERS = {
     "archive": {".": "", "destination": ".", "run": ". destination", "removal": ". destination",
                 "checks": ". destination", "bodies": ".", "opening": ". destination", "attachments": ". opening",
                 "export": ". destination opening"},
-    "mailstore": {".": "", "folders": ".", "index": ". folders", "accounts": ". folders index",
-                  "scan": ". folders index"},
+    "platform": {"paths": "", "platform": "", "system_menus": "", "home_places": "paths", "files": "paths platform",
+                 "processes": "paths platform files", "threads": "files",
+                 "linux": "paths platform system_menus home_places files processes",
+                 "macos": "paths platform system_menus home_places files processes", ".": "paths platform files"},
+    "mime": {".": "", "body": "."},
+    "mailstore": {".": "", "folders": ".", "sqlite": ".", "index": ". folders sqlite", "accounts": ". folders sqlite index",
+                  "scan": ". folders sqlite index"},
+    "listing": {"account_titles": "", "message_statistics": "account_titles", "message_set": "message_statistics",
+                "proof": "message_set", ".": "account_titles message_statistics message_set proof",
+                "deletion": ". account_titles message_statistics proof"},
+    "locations": {"places": "", ".": "places", "loading": ". places"},
     "library": {"accounts": "", "threads": "", ".": "accounts threads", "overview": ". accounts"},
     "model": {"tasks": "", ".": "tasks", "mail": ". tasks", "archiving": ". tasks mail", "library": ". tasks mail",
               "corvane_view_model": ". tasks mail archiving library"},
@@ -110,7 +119,7 @@ def include_faults(tree, file, arrows, inner, seen):
         elif kind == "<" and re.match(r"Q[A-Z]", target) and folder not in QT_ALLOWED:
             yield f"{file}: Qt below the model: {target}"
         elif kind == "<" and first == "tbb" and parts[-1] != "parallel.h":
-            yield f"{file}: oneTBB without platform/parallel.h: {target}"
+            yield f"{file}: oneTBB without platform/threads/parallel.h: {target}"
         elif kind == '"' and first == folder and folder in inner:
             table = inner[folder]
             own, other = part_of(parts[1:], table), part_of(rest, table)

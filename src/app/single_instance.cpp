@@ -13,7 +13,7 @@
 #include <QSysInfo>
 #include <QTimer>
 
-#include "platform/files/private_files.h"
+#include "platform/files/writing/private_files.h"
 #include "platform/processes/peer_user.h"
 #include "records/stores/app_support.h"
 

@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include "platform/files/temporary_file.h"
+#include "platform/files/writing/temporary_file.h"
 #include "records/timestamps.h"
 #include "text/collation.h"
 #include "text/graphemes.h"

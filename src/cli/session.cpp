@@ -7,7 +7,7 @@
 #include <QSocketNotifier>
 #include <fmt/format.h>
 
-#include "locations/quick_library.h"
+#include "locations/loading/quick_library.h"
 #include "platform/files/directory.h"
 #include "platform/processes/quit_signals.h"
 #include "records/logs/console_log.h"

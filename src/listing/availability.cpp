@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "listing/file_existence.h"
-#include "platform/parallel.h"
+#include "platform/threads/parallel.h"
 #include "records/archived/stable_id.h"
 
 namespace corvane {

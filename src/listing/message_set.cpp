@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/parallel.h"
+#include "platform/threads/parallel.h"
 
 namespace corvane {
 

@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include "locations/cloud_providers.h"
+#include "locations/places/cloud_providers.h"
 #include "platform/files/directory.h"
 #include "platform/paths.h"
 

@@ -5,7 +5,7 @@
 #include <map>
 
 #include "locations/archive_locations.h"
-#include "locations/cloud_providers.h"
+#include "locations/places/cloud_providers.h"
 #include "platform/files/directory.h"
 #include "text/case.h"
 

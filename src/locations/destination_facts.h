@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "locations/place_looks.h"
+#include "locations/places/place_looks.h"
 #include "platform/platform.h"
 
 namespace corvane {

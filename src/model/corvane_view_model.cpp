@@ -6,7 +6,7 @@
 #include <QPointer>
 #include <fmt/format.h>
 
-#include "listing/count_reconciliation.h"
+#include "listing/deletion/count_reconciliation.h"
 #include "locations/known_locations.h"
 #include "platform/paths.h"
 #include "platform/stop_watch.h"

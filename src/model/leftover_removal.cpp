@@ -3,7 +3,7 @@
 #include <string>
 
 #include "archive/attachments/attachment_cache.h"
-#include "platform/files/leftovers.h"
+#include "platform/files/writing/leftovers.h"
 
 namespace corvane {
 

@@ -18,8 +18,8 @@
 #include <simdjson.h>
 
 #include "platform/files/directory.h"
-#include "platform/files/durable_file.h"
-#include "platform/files/private_files.h"
+#include "platform/files/writing/durable_file.h"
+#include "platform/files/writing/private_files.h"
 #include "platform/paths.h"
 #include "text/charsets/charset.h"
 

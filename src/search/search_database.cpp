@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "platform/files/private_files.h"
+#include "platform/files/writing/private_files.h"
 
 namespace corvane::search {
 

@@ -9,7 +9,7 @@
 #include <fmt/format.h>
 
 #include "platform/files/directory.h"
-#include "platform/files/temporary_file.h"
+#include "platform/files/writing/temporary_file.h"
 #include "platform/paths.h"
 #include "platform/processes/child_process.h"
 #include "platform/processes/timed_pipe.h"

@@ -19,7 +19,7 @@
 #include "archive/archive_error.h"
 #include "archive/archive_fixture.h"
 #include "archive/destination/index_records.h"
-#include "archive/destination/time_limited_worker.h"
+#include "platform/threads/time_limited_worker.h"
 #include "records/stores/archive_index_decoder.h"
 
 namespace corvane::testing {

@@ -10,7 +10,7 @@
 
 #include "archive/archive_error.h"
 #include "archive/archive_fixture.h"
-#include "archive/destination/time_limited_worker.h"
+#include "platform/threads/time_limited_worker.h"
 
 namespace corvane::testing {
 namespace {

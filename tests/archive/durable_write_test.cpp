@@ -13,8 +13,8 @@
 #include <unistd.h>
 
 #include "archive/archive_error.h"
-#include "archive/destination/time_limited_worker.h"
 #include "platform/files/directory.h"
+#include "platform/threads/time_limited_worker.h"
 #include "support/faulty_file_layer.h"
 #include "support/temporary_home.h"
 

@@ -1,4 +1,4 @@
-#include "listing/deletion_safety.h"
+#include "listing/deletion/deletion_safety.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "listing/organize_sections.h"
+#include "listing/deletion/organize_sections.h"
 
 #include <cstdint>
 #include <memory>
@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "listing/organize_ticks.h"
+#include "listing/deletion/organize_ticks.h"
 #include "support/sample_messages.h"
 
 namespace corvane::testing {

@@ -1,4 +1,4 @@
-#include "locations/cloud_providers.h"
+#include "locations/places/cloud_providers.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "locations/destination_detection.h"
+#include "locations/places/destination_detection.h"
 
 #include <chrono>
 #include <filesystem>
@@ -7,10 +7,10 @@
 
 #include <gtest/gtest.h>
 
-#include "archive/destination/time_limited_worker.h"
-#include "locations/archive_discovery.h"
 #include "locations/archive_samples.h"
-#include "locations/folder_listing.h"
+#include "locations/loading/archive_discovery.h"
+#include "locations/places/folder_listing.h"
+#include "platform/threads/time_limited_worker.h"
 #include "support/faulty_file_layer.h"
 #include "support/scripted_platform.h"
 #include "support/temporary_home.h"

@@ -1,4 +1,4 @@
-#include "locations/library_load.h"
+#include "locations/loading/library_load.h"
 
 #include <chrono>
 #include <filesystem>
@@ -9,8 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include "archive/destination/time_limited_worker.h"
 #include "locations/archive_samples.h"
+#include "platform/threads/time_limited_worker.h"
 #include "search/mail_search_index.h"
 #include "support/faulty_file_layer.h"
 #include "support/scripted_platform.h"

@@ -1,15 +1,15 @@
-#include "locations/loaded_archives.h"
+#include "locations/loading/loaded_archives.h"
 
 #include <chrono>
 #include <filesystem>
 
 #include <gtest/gtest.h>
 
-#include "locations/archive_index_cache.h"
 #include "locations/archive_locations.h"
 #include "locations/archive_samples.h"
-#include "locations/archived_files.h"
-#include "locations/place_looks.h"
+#include "locations/loading/archive_index_cache.h"
+#include "locations/loading/archived_files.h"
+#include "locations/places/place_looks.h"
 #include "platform/files/directory.h"
 #include "support/faulty_file_layer.h"
 #include "support/scripted_platform.h"

@@ -7,9 +7,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "mailstore/index/json_rows.h"
-#include "mailstore/index/mail_index_query_error.h"
 #include "mailstore/sample_mail_store.h"
+#include "mailstore/sqlite/json_rows.h"
+#include "mailstore/sqlite/mail_index_query_error.h"
 
 namespace corvane::mailstore {
 namespace {

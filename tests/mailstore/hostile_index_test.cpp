@@ -14,11 +14,11 @@
 #include "mailstore/accounts/account_duplication.h"
 #include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/live_presence.h"
-#include "mailstore/index/mail_index_query_error.h"
 #include "mailstore/index/restored_mail_diagnostics.h"
-#include "mailstore/index/shell_queries.h"
 #include "mailstore/index/year_counts.h"
 #include "mailstore/sample_mail_store.h"
+#include "mailstore/sqlite/mail_index_query_error.h"
+#include "mailstore/sqlite/shell_queries.h"
 
 namespace corvane::mailstore {
 namespace {

@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 
 #include "mailstore/index/indexed_messages.h"
-#include "mailstore/index/mail_index_query_error.h"
 #include "mailstore/sample_mail_store.h"
+#include "mailstore/sqlite/mail_index_query_error.h"
 
 namespace corvane::mailstore {
 namespace {

@@ -1,4 +1,4 @@
-#include "mailstore/index/shell_queries.h"
+#include "mailstore/sqlite/shell_queries.h"
 
 #include <filesystem>
 #include <memory>
@@ -11,10 +11,10 @@
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/candidate_pieces.h"
 #include "mailstore/index/excluded_mailboxes.h"
-#include "mailstore/index/mail_index_query_error.h"
-#include "mailstore/index/quiet_database.h"
-#include "mailstore/index/sqlite_connection.h"
 #include "mailstore/sample_mail_store.h"
+#include "mailstore/sqlite/mail_index_query_error.h"
+#include "mailstore/sqlite/quiet_database.h"
+#include "mailstore/sqlite/sqlite_connection.h"
 
 namespace corvane::mailstore {
 namespace {

@@ -1,4 +1,4 @@
-#include "mime/body_segments.h"
+#include "mime/body/body_segments.h"
 
 #include <optional>
 #include <string>
@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "mime/body_line_rules.h"
-#include "mime/body_split.h"
+#include "mime/body/body_line_rules.h"
+#include "mime/body/body_split.h"
 #include "support/repeated_text.h"
 
 namespace corvane::mime {

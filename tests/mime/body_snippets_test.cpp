@@ -1,4 +1,4 @@
-#include "mime/body_snippets.h"
+#include "mime/body/body_snippets.h"
 
 #include <optional>
 #include <string>
@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "mime/body_split.h"
+#include "mime/body/body_split.h"
 #include "support/repeated_text.h"
 
 namespace corvane::mime {

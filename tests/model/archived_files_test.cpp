@@ -1,8 +1,8 @@
 #include <filesystem>
 #include <string>
 
-#include "model/library/archived_mail_opening.h"
-#include "model/library/attachment_flow.h"
+#include "model/library/opening/archived_mail_opening.h"
+#include "model/library/opening/attachment_flow.h"
 #include "model/model_test.h"
 
 namespace corvane {

@@ -1,4 +1,4 @@
-#include "model/library/presence_flow.h"
+#include "model/library/presence/presence_flow.h"
 
 #include <chrono>
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "platform/files/durable_file.h"
+#include "platform/files/writing/durable_file.h"
 
 #include <filesystem>
 #include <stdexcept>

@@ -13,10 +13,10 @@
 #include <unistd.h>
 
 #include "platform/files/directory.h"
-#include "platform/files/durable_file.h"
 #include "platform/files/file_descriptor.h"
 #include "platform/files/layers/folder_file_layer.h"
-#include "platform/files/temporary_file.h"
+#include "platform/files/writing/durable_file.h"
+#include "platform/files/writing/temporary_file.h"
 #include "support/temporary_home.h"
 
 namespace corvane::platform {

@@ -1,4 +1,4 @@
-#include "platform/files/leftovers.h"
+#include "platform/files/writing/leftovers.h"
 
 #include <array>
 #include <chrono>
@@ -11,8 +11,8 @@
 #include <unistd.h>
 
 #include "platform/files/directory.h"
-#include "platform/files/durable_file.h"
-#include "platform/files/temporary_file.h"
+#include "platform/files/writing/durable_file.h"
+#include "platform/files/writing/temporary_file.h"
 #include "platform/paths.h"
 #include "support/temporary_home.h"
 

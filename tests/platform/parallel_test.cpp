@@ -1,4 +1,4 @@
-#include "platform/parallel.h"
+#include "platform/threads/parallel.h"
 
 #include <atomic>
 #include <stdexcept>

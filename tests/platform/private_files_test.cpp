@@ -1,4 +1,4 @@
-#include "platform/files/private_files.h"
+#include "platform/files/writing/private_files.h"
 
 #include <filesystem>
 
@@ -6,8 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/files/durable_file.h"
 #include "platform/files/file_package.h"
+#include "platform/files/writing/durable_file.h"
 #include "platform/settings_store.h"
 #include "support/temporary_home.h"
 

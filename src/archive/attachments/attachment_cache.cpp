@@ -12,11 +12,11 @@
 #include <unistd.h>
 
 #include "platform/files/directory.h"
-#include "platform/files/durable_file.h"
-#include "platform/files/file_claim.h"
-#include "platform/files/private_files.h"
 #include "platform/files/sha256.h"
-#include "platform/files/temporary_file.h"
+#include "platform/files/writing/durable_file.h"
+#include "platform/files/writing/file_claim.h"
+#include "platform/files/writing/private_files.h"
+#include "platform/files/writing/temporary_file.h"
 #include "platform/paths.h"
 #include "records/archived/content_hash.h"
 

@@ -9,7 +9,7 @@
 
 #include "archive/portable_names.h"
 #include "platform/files/directory.h"
-#include "platform/files/durable_file.h"
+#include "platform/files/writing/durable_file.h"
 #include "platform/paths.h"
 #include "records/error_reasons.h"
 

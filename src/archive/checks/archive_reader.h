@@ -16,9 +16,9 @@
 #include <vector>
 
 #include "archive/archive_root.h"
-#include "archive/destination/time_limited_worker.h"
 #include "platform/files/layers/file_layer.h"
 #include "platform/files/sha256.h"
+#include "platform/threads/time_limited_worker.h"
 #include "records/archived/archive_records.h"
 #include "records/archived/file_readings.h"
 

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "archive/checks/proof_reading.h"
-#include "archive/destination/time_limited_worker.h"
 #include "platform/files/layers/file_layer.h"
+#include "platform/threads/time_limited_worker.h"
 
 namespace corvane::archive {
 

@@ -20,10 +20,10 @@
 #include "archive/destination/archived_file.h"
 #include "archive/destination/destination_jobs.h"
 #include "archive/destination/file_placement.h"
-#include "archive/destination/time_limited_worker.h"
 #include "archive/message_extraction.h"
 #include "platform/files/layers/file_layer.h"
 #include "platform/files/layers/layer_descriptor.h"
+#include "platform/threads/time_limited_worker.h"
 #include "records/archived/archive_records.h"
 #include "records/stores/archive_index_file.h"
 

@@ -8,9 +8,9 @@
 #include <string_view>
 
 #include "archive/destination/archive_folders.h"
-#include "archive/destination/time_limited_worker.h"
 #include "platform/files/layers/file_layer.h"
 #include "platform/files/sha256.h"
+#include "platform/threads/time_limited_worker.h"
 #include "records/archived/file_readings.h"
 
 namespace corvane::archive {

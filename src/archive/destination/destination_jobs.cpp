@@ -11,11 +11,11 @@
 
 #include "archive/destination/archive_modes.h"
 #include "archive/destination/durable_write.h"
-#include "platform/files/durable_file.h"
 #include "platform/files/file_identity.h"
 #include "platform/files/layers/folder_file_layer.h"
 #include "platform/files/layers/forwarding_file_layer.h"
-#include "platform/files/leftovers.h"
+#include "platform/files/writing/durable_file.h"
+#include "platform/files/writing/leftovers.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
 

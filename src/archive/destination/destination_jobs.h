@@ -13,10 +13,10 @@
 #include "archive/archive_error.h"
 #include "archive/destination/archive_folders.h"
 #include "archive/destination/file_placement.h"
-#include "archive/destination/time_limited_worker.h"
 #include "archive/message_extraction.h"
 #include "platform/files/layers/file_layer.h"
 #include "platform/files/layers/layer_descriptor.h"
+#include "platform/threads/time_limited_worker.h"
 #include "records/stores/archive_index_file.h"
 
 namespace corvane::archive {

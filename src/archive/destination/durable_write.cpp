@@ -13,7 +13,7 @@
 #include "platform/files/file_look.h"
 #include "platform/files/layers/layer_descriptor.h"
 #include "platform/files/layers/layer_reading.h"
-#include "platform/files/storage_flush.h"
+#include "platform/files/writing/storage_flush.h"
 #include "records/logs/console_log.h"
 
 namespace corvane::archive {

@@ -13,8 +13,8 @@
 
 #include "archive/destination/archive_folders.h"
 #include "archive/destination/durable_write.h"
-#include "archive/destination/time_limited_worker.h"
 #include "platform/files/layers/file_layer.h"
+#include "platform/threads/time_limited_worker.h"
 
 namespace corvane::archive {
 

@@ -5,7 +5,7 @@
 #include <system_error>
 
 #include "archive/destination/durable_write.h"
-#include "platform/files/durable_file.h"
+#include "platform/files/writing/durable_file.h"
 #include "platform/paths.h"
 
 namespace corvane::archive {

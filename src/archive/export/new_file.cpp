@@ -8,7 +8,7 @@
 #include <fcntl.h>
 
 #include "archive/destination/durable_write.h"
-#include "platform/files/durable_file.h"
+#include "platform/files/writing/durable_file.h"
 
 namespace corvane::archive {
 

@@ -10,9 +10,9 @@
 #include <stop_token>
 #include <string>
 
-#include "archive/destination/time_limited_worker.h"
 #include "archive/opening/cloud_file.h"
 #include "platform/platform.h"
+#include "platform/threads/time_limited_worker.h"
 #include "records/archived/archive_records.h"
 
 namespace corvane {

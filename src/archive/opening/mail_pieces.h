@@ -8,8 +8,8 @@
 #include <string>
 #include <string_view>
 
-#include "archive/destination/time_limited_worker.h"
 #include "platform/files/layers/file_layer.h"
+#include "platform/threads/time_limited_worker.h"
 
 namespace corvane::archive {
 

@@ -14,11 +14,11 @@
 #include "archive/archive_error.h"
 #include "archive/destination/archive_destination.h"
 #include "archive/destination/index_records.h"
-#include "archive/destination/time_limited_worker.h"
 #include "archive/run/message_archiver.h"
 #include "archive/run/message_copies.h"
 #include "platform/files/directory.h"
 #include "platform/stop_watch.h"
+#include "platform/threads/time_limited_worker.h"
 #include "records/logs/console_log.h"
 #include "records/timestamps.h"
 

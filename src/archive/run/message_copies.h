@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "archive/destination/time_limited_worker.h"
 #include "archive/message_extraction.h"
 #include "platform/files/layers/file_layer.h"
+#include "platform/threads/time_limited_worker.h"
 #include "records/archived/file_readings.h"
 #include "records/mail_message_record.h"
 

@@ -14,7 +14,7 @@
 #include "cli/mails/mail_file_state.h"
 #include "cli/mails/mail_texts.h"
 #include "cli/named_entries.h"
-#include "mime/body_snippets.h"
+#include "mime/body/body_snippets.h"
 #include "records/formatters.h"
 #include "records/stores/presence_cache_store.h"
 

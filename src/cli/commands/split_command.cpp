@@ -11,8 +11,8 @@
 #include "cli/console/output.h"
 #include "cli/exit_status.h"
 #include "cli/mails/mail_texts.h"
-#include "mime/body_snippets.h"
-#include "mime/body_split.h"
+#include "mime/body/body_snippets.h"
+#include "mime/body/body_split.h"
 #include "platform/files/directory.h"
 
 namespace corvane::cli {

@@ -6,8 +6,8 @@
 #include <unordered_set>
 
 #include "library/entry_handles.h"
-#include "locations/quick_library.h"
-#include "model/library/original_presence.h"
+#include "locations/loading/quick_library.h"
+#include "model/library/presence/original_presence.h"
 #include "search/mail_search_index.h"
 
 namespace corvane::cli {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "cli/session.h"
-#include "locations/archive_digest.h"
+#include "locations/loading/archive_digest.h"
 #include "records/archived/archive_records.h"
 
 namespace corvane::cli {

@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "locations/archive_index_cache.h"
 #include "locations/archive_locations.h"
-#include "locations/archived_files.h"
-#include "locations/place_looks.h"
+#include "locations/loading/archive_index_cache.h"
+#include "locations/loading/archived_files.h"
+#include "locations/places/place_looks.h"
 #include "platform/files/cloud_placeholder.h"
 #include "platform/paths.h"
 

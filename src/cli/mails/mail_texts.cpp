@@ -1,7 +1,7 @@
 #include "cli/mails/mail_texts.h"
 
 #include "library/displayable_names.h"
-#include "mime/body_snippets.h"
+#include "mime/body/body_snippets.h"
 
 namespace corvane::cli {
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "cli/console/output.h"
-#include "mime/body_segments.h"
-#include "mime/body_split.h"
+#include "mime/body/body_segments.h"
+#include "mime/body/body_split.h"
 #include "records/archived/archive_records.h"
 
 namespace corvane::cli {

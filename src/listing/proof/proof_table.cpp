@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "listing/message_set.h"
-#include "platform/parallel.h"
+#include "platform/threads/parallel.h"
 
 namespace corvane {
 

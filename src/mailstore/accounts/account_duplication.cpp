@@ -10,8 +10,8 @@
 #include "mailstore/folders/mailbox_url.h"
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/index_sql.h"
-#include "mailstore/index/shell_queries.h"
 #include "mailstore/reader_logs.h"
+#include "mailstore/sqlite/shell_queries.h"
 
 namespace corvane::mailstore {
 

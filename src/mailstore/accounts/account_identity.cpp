@@ -10,7 +10,7 @@
 
 #include "mailstore/accounts/accounts_database.h"
 #include "mailstore/reader_logs.h"
-#include "platform/parallel.h"
+#include "platform/threads/parallel.h"
 #include "text/case.h"
 #include "text/graphemes.h"
 

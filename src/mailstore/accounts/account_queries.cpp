@@ -10,9 +10,9 @@
 
 #include "mailstore/folders/mailbox_url.h"
 #include "mailstore/folders/store_location.h"
-#include "mailstore/index/shell_queries.h"
 #include "mailstore/reader_logs.h"
-#include "platform/parallel.h"
+#include "mailstore/sqlite/shell_queries.h"
+#include "platform/threads/parallel.h"
 #include "text/case.h"
 #include "text/charsets/encoding.h"
 #include "text/regex.h"

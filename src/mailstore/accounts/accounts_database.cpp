@@ -9,9 +9,9 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "mailstore/index/shell_queries.h"
 #include "mailstore/property_list.h"
 #include "mailstore/reader_logs.h"
+#include "mailstore/sqlite/shell_queries.h"
 #include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "text/case.h"

@@ -7,9 +7,9 @@
 
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/indexed_messages.h"
-#include "mailstore/index/json_rows.h"
-#include "mailstore/index/mail_index_query_error.h"
 #include "mailstore/reader_logs.h"
+#include "mailstore/sqlite/json_rows.h"
+#include "mailstore/sqlite/mail_index_query_error.h"
 
 namespace corvane::mailstore {
 

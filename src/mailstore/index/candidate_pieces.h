@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "mailstore/index/candidate_query.h"
-#include "mailstore/index/sqlite_shell.h"
 #include "mailstore/mail_store_context.h"
-#include "platform/files/temporary_file.h"
+#include "mailstore/sqlite/sqlite_shell.h"
+#include "platform/files/writing/temporary_file.h"
 #include "text/mutex.h"
 
 namespace corvane::mailstore {

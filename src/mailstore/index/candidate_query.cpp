@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 
 #include "mailstore/index/index_sql.h"
-#include "mailstore/index/mail_index_query_error.h"
+#include "mailstore/sqlite/mail_index_query_error.h"
 
 namespace corvane::mailstore {
 

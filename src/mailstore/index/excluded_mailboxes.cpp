@@ -7,9 +7,9 @@
 #include <fmt/format.h>
 
 #include "mailstore/folders/trash_junk_mailboxes.h"
-#include "mailstore/index/quiet_database.h"
-#include "mailstore/index/sqlite_connection.h"
 #include "mailstore/reader_logs.h"
+#include "mailstore/sqlite/quiet_database.h"
+#include "mailstore/sqlite/sqlite_connection.h"
 
 namespace corvane::mailstore {
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "mailstore/folders/mailbox_url.h"
-#include "mailstore/index/json_rows.h"
+#include "mailstore/sqlite/json_rows.h"
 #include "records/file_url.h"
 #include "records/mail_message_record.h"
 #include "text/shared_text.h"

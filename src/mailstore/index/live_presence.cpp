@@ -13,7 +13,7 @@
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/index_sql.h"
-#include "mailstore/index/shell_queries.h"
+#include "mailstore/sqlite/shell_queries.h"
 #include "mime/header_decoding.h"
 #include "mime/message_identifiers.h"
 #include "text/case.h"

@@ -9,9 +9,9 @@
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/index_sql.h"
-#include "mailstore/index/shell_queries.h"
 #include "mailstore/index/year_counts.h"
 #include "mailstore/reader_logs.h"
+#include "mailstore/sqlite/shell_queries.h"
 #include "text/charsets/encoding.h"
 #include "text/split.h"
 

@@ -10,7 +10,7 @@
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/index_sql.h"
-#include "mailstore/index/shell_queries.h"
+#include "mailstore/sqlite/shell_queries.h"
 #include "platform/files/directory.h"
 #include "text/charsets/encoding.h"
 #include "text/split.h"

@@ -12,9 +12,9 @@
 
 #include "mailstore/folders/store_listing.h"
 #include "mailstore/index/candidate_pieces.h"
-#include "mailstore/index/mail_index_query_error.h"
 #include "mailstore/seconds_counter.h"
-#include "platform/files/temporary_file.h"
+#include "mailstore/sqlite/mail_index_query_error.h"
+#include "platform/files/writing/temporary_file.h"
 #include "platform/sqlite.h"
 #include "text/case.h"
 #include "text/mutex.h"

@@ -12,8 +12,8 @@
 
 #include "mailstore/folders/message_file_index.h"
 #include "mailstore/index/indexed_messages.h"
-#include "mailstore/index/json_rows.h"
 #include "mailstore/scan/scan_timing_metrics.h"
+#include "mailstore/sqlite/json_rows.h"
 #include "records/mail_message_record.h"
 #include "text/shared_text.h"
 

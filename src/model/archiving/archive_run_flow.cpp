@@ -11,7 +11,7 @@
 
 #include "archive/run/mail_email_archiver.h"
 #include "listing/archive_capacity.h"
-#include "locations/place_looks.h"
+#include "locations/places/place_looks.h"
 #include "platform/paths.h"
 #include "records/stable_hash.h"
 

@@ -5,10 +5,10 @@
 
 #include <fmt/format.h>
 
-#include "locations/cloud_providers.h"
 #include "locations/known_locations.h"
+#include "locations/places/cloud_providers.h"
 #include "locations/settings_keys.h"
-#include "platform/files/durable_file.h"
+#include "platform/files/writing/durable_file.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
 

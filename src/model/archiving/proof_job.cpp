@@ -13,7 +13,7 @@
 #include "archive/checks/proof_lanes.h"
 #include "listing/account_titles.h"
 #include "listing/message_statistics.h"
-#include "platform/parallel.h"
+#include "platform/threads/parallel.h"
 #include "records/stores/proof_store.h"
 
 namespace corvane {

@@ -16,7 +16,7 @@
 #include <QObject>
 
 #include "archive/bodies/body_indexing.h"
-#include "locations/archive_search.h"
+#include "locations/loading/archive_search.h"
 #include "model/library/library_loader.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"

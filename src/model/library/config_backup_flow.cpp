@@ -8,11 +8,11 @@
 #include <fmt/format.h>
 #include <sys/stat.h>
 
-#include "locations/archive_discovery.h"
 #include "locations/known_locations.h"
-#include "locations/place_looks.h"
+#include "locations/loading/archive_discovery.h"
+#include "locations/places/place_looks.h"
 #include "locations/settings_keys.h"
-#include "platform/files/durable_file.h"
+#include "platform/files/writing/durable_file.h"
 #include "platform/paths.h"
 #include "records/error_reasons.h"
 #include "records/logs/console_log.h"

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "listing/proof/proof_sources.h"
-#include "locations/archived_files.h"
+#include "locations/loading/archived_files.h"
 
 namespace corvane {
 

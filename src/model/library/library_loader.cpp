@@ -7,9 +7,9 @@
 #include <fmt/format.h>
 #include <sys/stat.h>
 
-#include "locations/archive_index_cache.h"
 #include "locations/archive_locations.h"
-#include "locations/cloud_providers.h"
+#include "locations/loading/archive_index_cache.h"
+#include "locations/places/cloud_providers.h"
 #include "platform/paths.h"
 #include "platform/stop_watch.h"
 #include "search/mail_search_index.h"

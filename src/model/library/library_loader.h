@@ -18,8 +18,8 @@
 
 #include <QObject>
 
-#include "locations/library_load.h"
-#include "locations/loaded_archives.h"
+#include "locations/loading/library_load.h"
+#include "locations/loading/loaded_archives.h"
 #include "model/library/library_snapshot_writer.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"

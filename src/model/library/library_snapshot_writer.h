@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "locations/loaded_archives.h"
+#include "locations/loading/loaded_archives.h"
 #include "model/model_context.h"
 #include "model/tasks/latest_state_writer.h"
 #include "records/stores/library_snapshot_store.h"

@@ -9,10 +9,10 @@
 #include "mailstore/accounts/account_duplication.h"
 #include "mailstore/accounts/account_queries.h"
 #include "mailstore/folders/mailbox_url.h"
-#include "mailstore/index/mail_index_query_error.h"
+#include "mailstore/sqlite/mail_index_query_error.h"
 #include "model/mail/mail_access.h"
 #include "model/mail/mail_store.h"
-#include "platform/parallel.h"
+#include "platform/threads/parallel.h"
 
 namespace corvane {
 

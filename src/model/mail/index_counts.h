@@ -12,7 +12,7 @@
 
 #include <QObject>
 
-#include "listing/deletion_safety.h"
+#include "listing/deletion/deletion_safety.h"
 #include "model/mail/account_directory.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"

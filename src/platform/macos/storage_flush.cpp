@@ -1,4 +1,4 @@
-#include "platform/files/storage_flush.h"
+#include "platform/files/writing/storage_flush.h"
 
 #include <algorithm>
 #include <array>

@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "platform/files/directory.h"
-#include "platform/files/durable_file.h"
-#include "platform/parallel.h"
+#include "platform/files/writing/durable_file.h"
+#include "platform/threads/parallel.h"
 #include "records/json/json_outline.h"
 #include "records/json/json_reader.h"
 #include "records/json/json_writer.h"

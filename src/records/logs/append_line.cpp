@@ -4,7 +4,7 @@
 #include <unistd.h>
 
 #include "platform/files/file_descriptor.h"
-#include "platform/files/private_files.h"
+#include "platform/files/writing/private_files.h"
 
 namespace corvane {
 

@@ -7,8 +7,8 @@
 #include <unistd.h>
 
 #include "platform/files/directory.h"
-#include "platform/files/leftovers.h"
-#include "platform/files/private_files.h"
+#include "platform/files/writing/leftovers.h"
+#include "platform/files/writing/private_files.h"
 #include "platform/paths.h"
 
 namespace corvane {

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/files/durable_file.h"
 #include "platform/files/layers/file_layer.h"
+#include "platform/files/writing/durable_file.h"
 #include "platform/platform.h"
 
 namespace corvane {

@@ -10,7 +10,7 @@
 
 #include <sys/stat.h>
 
-#include "platform/files/durable_file.h"
+#include "platform/files/writing/durable_file.h"
 
 namespace corvane {
 

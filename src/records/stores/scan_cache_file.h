@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/files/durable_file.h"
+#include "platform/files/writing/durable_file.h"
 #include "records/mail_message_record.h"
 #include "records/statistics_records.h"
 

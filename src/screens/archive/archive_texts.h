@@ -8,7 +8,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "listing/deletion_safety.h"
+#include "listing/deletion/deletion_safety.h"
 #include "screens/texts/destination_texts.h"
 
 namespace corvane::screens {

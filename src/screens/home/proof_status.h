@@ -9,7 +9,7 @@
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 
-#include "listing/deletion_safety.h"
+#include "listing/deletion/deletion_safety.h"
 #include "listing/proof/away_proofs.h"
 #include "model/archiving/proof_job.h"
 #include "model/corvane_view_model.h"

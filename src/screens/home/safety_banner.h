@@ -7,7 +7,7 @@
 #include <QStringList>
 #include <QtQml/qqmlregistration.h>
 
-#include "listing/deletion_safety.h"
+#include "listing/deletion/deletion_safety.h"
 
 namespace corvane {
 

@@ -14,7 +14,7 @@
 #include <QObject>
 #include <QTimer>
 
-#include "listing/organize_sections.h"
+#include "listing/deletion/organize_sections.h"
 #include "model/corvane_view_model.h"
 
 namespace corvane {

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "listing/deletion_safety.h"
+#include "listing/deletion/deletion_safety.h"
 #include "screens/texts/shown_figures.h"
 
 namespace corvane::screens {

@@ -4,7 +4,7 @@
 #include "listing/proof/proof_sources.h"
 #include "model/library/library_index_flow.h"
 #include "model/library/overview/overview_state.h"
-#include "model/library/presence_flow.h"
+#include "model/library/presence/presence_flow.h"
 #include "model/mail/account_directory.h"
 #include "model/mail/index_counts.h"
 #include "model/mail/message_catalog.h"

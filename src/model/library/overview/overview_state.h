@@ -12,7 +12,7 @@
 #include "library/overview/archived_overview.h"
 #include "listing/availability.h"
 #include "listing/message_set.h"
-#include "model/library/original_presence.h"
+#include "model/library/presence/original_presence.h"
 
 namespace corvane {
 

@@ -11,7 +11,7 @@
 
 #include "listing/scan_deduplication.h"
 #include "platform/files/file_look.h"
-#include "platform/parallel.h"
+#include "platform/threads/parallel.h"
 #include "records/logs/console_log.h"
 
 namespace corvane {

@@ -13,7 +13,7 @@
 
 #include "platform/files/layers/transfer_limit.h"
 #include "platform/files/nameable_path.h"
-#include "platform/files/storage_flush.h"
+#include "platform/files/writing/storage_flush.h"
 
 namespace corvane::platform {
 

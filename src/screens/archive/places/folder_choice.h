@@ -10,7 +10,7 @@
 #include <QString>
 #include <QtQml/qqmlregistration.h>
 
-#include "locations/folder_facts.h"
+#include "locations/places/folder_facts.h"
 
 namespace corvane {
 

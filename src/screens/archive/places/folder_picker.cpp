@@ -5,8 +5,8 @@
 #include <system_error>
 #include <variant>
 
-#include "locations/destination_detection.h"
-#include "locations/folder_facts.h"
+#include "locations/places/destination_detection.h"
+#include "locations/places/folder_facts.h"
 #include "platform/paths.h"
 #include "screens/texts/shown_text.h"
 

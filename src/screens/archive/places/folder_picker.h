@@ -12,8 +12,8 @@
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 
-#include "locations/folder_listing.h"
-#include "locations/place_looks.h"
+#include "locations/places/folder_listing.h"
+#include "locations/places/place_looks.h"
 #include "model/corvane_view_model.h"
 #include "screens/archive/places/folder_choice.h"
 #include "screens/archive/places/folder_texts.h"

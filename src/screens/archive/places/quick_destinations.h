@@ -11,7 +11,7 @@
 #include <QUrl>
 #include <QtQml/qqmlregistration.h>
 
-#include "locations/destination_detection.h"
+#include "locations/places/destination_detection.h"
 #include "model/corvane_view_model.h"
 #include "screens/lists/record_list_model.h"
 

@@ -10,7 +10,7 @@
 #include <QString>
 #include <QtQml/qqmlregistration.h>
 
-#include "listing/organize_sections.h"
+#include "listing/deletion/organize_sections.h"
 #include "screens/lists/record_list_model.h"
 
 namespace corvane {

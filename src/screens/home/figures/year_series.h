@@ -9,7 +9,7 @@
 
 #include <QVariantList>
 
-#include "listing/organize_sections.h"
+#include "listing/deletion/organize_sections.h"
 
 namespace corvane {
 

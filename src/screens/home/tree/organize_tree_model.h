@@ -11,8 +11,8 @@
 
 #include <QtQml/qqmlregistration.h>
 
-#include "listing/organize_sections.h"
-#include "listing/organize_ticks.h"
+#include "listing/deletion/organize_sections.h"
+#include "listing/deletion/organize_ticks.h"
 #include "screens/lists/record_list_model.h"
 
 namespace corvane {

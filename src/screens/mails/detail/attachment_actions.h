@@ -11,7 +11,7 @@
 
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
-#include "platform/files/temporary_file.h"
+#include "platform/files/writing/temporary_file.h"
 #include "screens/desktop/desktop_actions.h"
 #include "screens/mails/detail/attachment_list_model.h"
 

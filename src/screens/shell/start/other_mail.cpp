@@ -8,7 +8,7 @@
 
 #include "model/mail/mail_folder.h"
 #include "platform/files/directory.h"
-#include "platform/files/private_files.h"
+#include "platform/files/writing/private_files.h"
 #include "platform/paths.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"

@@ -1,0 +1,160 @@
+#include <cstdint>
+#include <fmt/format.h>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/commands/archives/body_index_filling.h"
+#include "cli/commands/commands.h"
+#include "cli/console/output.h"
+#include "cli/console/progress_line.h"
+#include "cli/exit_status.h"
+#include "platform/paths.h"
+#include "records/formatters.h"
+#include "records/logs/console_log.h"
+#include "records/stores/archive_index_file.h"
+
+namespace corvane::cli {
+
+namespace {
+
+struct ArchiveOptions {
+    std::string destination;
+    std::vector<std::string> accounts;
+    std::vector<std::int64_t> years;
+    std::int64_t minimumBytes = 0;
+    std::optional<std::int64_t> maximumYear;
+    std::optional<std::int64_t> limit;
+    bool withoutIndex = false; // of bodies
+};
+
+// An archive run needs a scan; a first run makes it.
+void provideScan(Session& session) {
+    session.restoreLastScan();
+    ScanFlow& scan = session.model().scanFlow();
+    if (scan.state().kind == MailScanState::Kind::finished) return;
+    messageLine("还没有扫描结果，先扫描全部邮件。");
+    scan.refreshAllMailData();
+    session.waitUntilIdle();
+    if (scan.state().kind == MailScanState::Kind::failed) throw CommandFailure(scan.state().text);
+}
+
+void select(Session& session, const ArchiveOptions& options) {
+    CorvaneViewModel& model = session.model();
+    ModelFilters& filters = model.filters();
+    filters.setFilterAccountPrefixes({options.accounts.begin(), options.accounts.end()});
+    filters.setArchiveFilterYears({options.years.begin(), options.years.end()});
+    filters.setMinimumCandidateBytes(options.minimumBytes);
+    filters.setTransferMaxYear(options.maximumYear);
+    model.destinations().setTransferDestination(platform::standardizedPath(options.destination));
+    session.waitUntilIdle();
+    if (options.limit) {
+        model.ticks().selectFirstArchiveCandidates(static_cast<std::size_t>(*options.limit));
+    } else {
+        model.ticks().selectAllArchiveCandidates();
+    }
+}
+
+EmailArchiveRunResult runToEnd(Session& session) {
+    CorvaneViewModel& model = session.model();
+    ProgressLine line;
+    const auto shown = QObject::connect(&model.archiveRun(), &ArchiveRunFlow::progressChanged, [&] {
+        const auto& progress = model.archiveRun().emailArchiveProgress();
+        if (progress) line.show(progress->statusText, progress->fraction());
+    });
+    std::optional<ArchiveRunFlow::RunOutcome> outcome;
+    model.archiveSelectedEmails([&](ArchiveRunFlow::RunOutcome value) { outcome = std::move(value); });
+    session.waitUntilIdle([&] { model.archiveRun().cancelEmailArchive(); });
+    QObject::disconnect(shown);
+    if (!outcome) throw CommandFailure("归档任务没有返回结果。");
+    if (!*outcome) throw CommandFailure(outcome->error());
+    return std::move(**outcome);
+}
+
+void printJson(const EmailArchiveRunResult& result) {
+    JsonDocument document;
+    document.object([&] {
+        document.member("archivedCount", result.archivedCount);
+        document.member("skippedAlreadyArchived", result.skippedAlreadyArchived);
+        document.member("failedCount", result.failedCount);
+        document.member("archivedBytes", result.archivedBytes);
+        document.member("indexPath", result.indexURL.path());
+        document.member("wasCancelled", result.wasCancelled);
+        document.member("variantWarnings", result.variantWarnings);
+        if (!result.archiveWarnings.empty()) document.member("archiveWarnings", result.archiveWarnings);
+        document.key("failures");
+        document.array([&] {
+            for (const EmailArchiveFailure& failure : result.failures) {
+                document.object([&] {
+                    document.member("subject", failure.subject);
+                    document.member("messageFilePath", failure.messageFileURL.path());
+                    document.member("reason", failure.reason);
+                });
+            }
+        });
+    });
+    document.print();
+}
+
+void printReadable(const EmailArchiveRunResult& result) {
+    printText(fmt::format("{}：归档 {} 封（{}），已在归档中 {} 封，失败 {} 封",
+                          result.wasCancelled ? "已中止" : "归档完成", result.archivedCount,
+                          formatByteCount(result.archivedBytes), result.skippedAlreadyArchived,
+                          result.failedCount));
+    for (const EmailArchiveFailure& failure : result.failures) {
+        printText(fmt::format("失败：{} — {}（{}）", failure.subject, failure.reason,
+                              failure.messageFileURL.path()));
+    }
+    for (const auto& warnings : {result.variantWarnings, result.archiveWarnings}) {
+        for (const std::string& warning : warnings) printText(fmt::format("注意：{}", warning));
+    }
+    printText(fmt::format("索引：{}", result.indexURL.path()));
+}
+
+int runArchive(Session& session, const ArchiveOptions& options, bool json) {
+    provideScan(session);
+    select(session, options);
+    // Here it follows the run, whether or not that archived anything: an earlier one may have been killed.
+    session.model().bodyTexts().setAutomaticRepair(false);
+    EmailArchiveRunResult result;
+    if (session.model().ticks().selectedArchiveMessageIDs().empty()) {
+        const std::string root = platform::standardizedPath(options.destination);
+        result.indexURL = FileURL(platform::joinPath(root, archiveIndexFileName));
+    } else {
+        result = runToEnd(session);
+    }
+    if (!options.withoutIndex && !wasInterrupted())
+        fillBodyIndex(session, {.roots = {platform::standardizedPath(options.destination)},
+                                .total = result.archivedCount,
+                                .reloadWhenDone = false});
+    if (json) {
+        for (const std::string& warning : result.archiveWarnings) messageLine(warning);
+        printJson(result);
+    } else {
+        printReadable(result);
+    }
+    if (wasInterrupted()) return interrupted;
+    // What is told of the archive itself is no issue of this run.
+    return result.failedCount > 0 || !result.variantWarnings.empty() ? doneWithIssues : done;
+}
+
+} // namespace
+
+void addArchiveCommand(CommandSet& commands) {
+    auto options = std::make_shared<ArchiveOptions>();
+    CLI::App& archive = commands.add("archive", "把候选邮件归档到一个文件夹",
+                                     {{{"archive --to /Volumes/归档/邮件", "归档全部候选邮件"},
+                                       {"archive --to ~/邮件归档 --year 2014", "只归档 2014 年的邮件"}}});
+    archive.add_option("--to", options->destination, "归档文件夹")->required()->type_name("DIR");
+    archive.add_option("--account", options->accounts, "账户前缀")->allow_extra_args(false);
+    archive.add_option("--year", options->years, "年份")->allow_extra_args(false);
+    archive.add_option("--min-size", options->minimumBytes, "最小字节数")->check(notNegative());
+    archive.add_option("--max-year", options->maximumYear, "这一年及以前");
+    archive.add_option("--limit", options->limit, "最多归档的封数")->check(notNegative());
+    archive.add_flag("--no-index", options->withoutIndex, "不建立正文索引");
+    commands.setRun(archive,
+                    [options](Session& session, bool json) { return runArchive(session, *options, json); });
+}
+
+} // namespace corvane::cli

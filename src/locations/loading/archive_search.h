@@ -1,0 +1,20 @@
+// The full-text search over the indexes of several archives. Any thread; touches the disk.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "locations/loading/loaded_archives.h"
+#include "text/shared_text.h"
+
+namespace corvane {
+
+struct ArchiveSearchResult {
+    SharedTextSet ids;                        // of the records that hold the text
+    std::vector<std::string> unreadableRoots; // of archives whose index couldn't be asked
+};
+
+ArchiveSearchResult searchIndexes(const SearchIndexTable& indexes, std::string_view query);
+
+} // namespace corvane

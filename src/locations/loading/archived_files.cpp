@@ -1,0 +1,162 @@
+#include "locations/loading/archived_files.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include "locations/places/place_looks.h"
+#include "platform/files/cloud_placeholder.h"
+#include "platform/files/file_look.h"
+#include "platform/paths.h"
+#include "text/collation.h"
+
+namespace corvane {
+
+namespace {
+
+using Records = std::vector<const ArchivedEmailRecord*>;
+
+// No file can have a name that is too long; the placeholder's is longer than the file's.
+bool saysAbsent(int error) {
+    return error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG;
+}
+
+bool isGone(platform::FileLayer& files, const ArchivedEmailRecord& record, const std::string& root) {
+    if (!platform::isSafeRelativePath(record.emlRelativePath)) return true;
+    return isArchiveFileGone(files, platform::joinPath(root, record.emlRelativePath));
+}
+
+// The files of one archive, folder by folder: a disk, and a network disk most of all, answers questions for
+// the files of a folder that it has just listed at once.
+class Listing {
+  public:
+    Listing(PlaceLook& look, const std::string& root)
+      : look_(look)
+      , root_(root) {}
+
+    void addFolder(const std::string& folder, const Records& records);
+
+    RootFiles result;
+
+  private:
+    bool listPlaceholders(const std::string& folder, SharedTextSet& names);
+    void addFile(const SharedText& path, bool hasPlaceholder);
+
+    PlaceLook& look_;
+    const std::string& root_;
+};
+
+void Listing::addFolder(const std::string& folder, const Records& records) {
+    const std::string path = platform::joinPath(root_, folder);
+    look_.beginStep();
+    const FilePresence presence = filePresence(look_.files(), path);
+    if (presence == FilePresence::absent) return;
+    SharedTextSet inCloud; // composed names
+    const bool wasListed = presence == FilePresence::present && listPlaceholders(path, inCloud);
+    for (const ArchivedEmailRecord* record : records) {
+        const std::string_view name = platform::lastPathComponent(record->emlRelativePath);
+        if (wasListed)
+            addFile(record->emlRelativePath,
+                    !inCloud.empty() && inCloud.contains(text::canonicallyComposed(name)));
+        else
+            result.unknown.insert(record->emlRelativePath);
+    }
+}
+
+bool Listing::listPlaceholders(const std::string& folder, SharedTextSet& names) {
+    platform::FileLayer& files = look_.files();
+    const int descriptor = files.open(folder, O_RDONLY | O_DIRECTORY, 0);
+    if (descriptor < 0) return false;
+    const int listed = files.list(descriptor, [&](std::string_view entry, unsigned char) {
+        if (const auto name = platform::nameBehindPlaceholder(entry))
+            names.insert(SharedText(text::canonicallyComposed(*name)));
+    });
+    files.close(descriptor);
+    return listed == 0;
+}
+
+void Listing::addFile(const SharedText& path, bool hasPlaceholder) {
+    look_.beginStep();
+    struct stat status{};
+    const std::string file = platform::joinPath(root_, path);
+    if (look_.files().stat(file, status) == 0) {
+        if (S_ISREG(status.st_mode))
+            result.there[path] = {status.st_size, platform::modifiedNanoseconds(status)};
+    } else if (!saysAbsent(errno)) {
+        result.unknown.insert(path);
+    } else if (hasPlaceholder) {
+        result.inCloud.insert(path);
+    }
+}
+
+} // namespace
+
+FilePresence filePresence(platform::FileLayer& files, const std::string& path) {
+    struct stat status{};
+    if (files.stat(path, status) == 0) return FilePresence::present;
+    return saysAbsent(errno) ? FilePresence::absent : FilePresence::unknown;
+}
+
+ArchivedFilePresence RootFiles::presence(std::string_view relativePath) const {
+    using enum ArchivedFilePresence;
+    if (this->there.contains(relativePath)) return ArchivedFilePresence::there;
+    if (this->inCloud.contains(relativePath)) return ArchivedFilePresence::inCloud;
+    return this->unknown.contains(relativePath) ? ArchivedFilePresence::unknown : gone;
+}
+
+ArchivedFilePresence ArchivedFiles::presence(std::string_view root, std::string_view relativePath) const {
+    const auto files = byRoot.find(root);
+    return files == byRoot.end() ? ArchivedFilePresence::unknown : files->second->presence(relativePath);
+}
+
+const FileStamp* ArchivedFiles::stamp(std::string_view root, std::string_view relativePath) const {
+    const auto files = byRoot.find(root);
+    if (files == byRoot.end()) return nullptr;
+    const auto found = files->second->there.find(relativePath);
+    return found == files->second->there.end() ? nullptr : &found->second;
+}
+
+bool isArchiveFileGone(platform::FileLayer& files, const std::string& path) {
+    return filePresence(files, path) == FilePresence::absent &&
+           filePresence(files, platform::cloudPlaceholderPath(path)) == FilePresence::absent;
+}
+
+RootFiles listArchivedFiles(PlaceLook& look, const EmailArchiveIndex& index, const std::string& root) {
+    std::map<std::string_view, Records> folders;
+    for (const ArchivedEmailRecord& record : index.records) {
+        if (platform::isSafeRelativePath(record.emlRelativePath))
+            folders[platform::parentPath(record.emlRelativePath)].push_back(&record);
+    }
+    Listing listing(look, root);
+    for (const auto& [folder, records] : folders) listing.addFolder(std::string(folder), records);
+    return std::move(listing.result);
+}
+
+bool allArchivedEmlGone(const RootFiles& files, const EmailArchiveIndex& index) {
+    return !index.records.empty() && files.there.empty() && files.inCloud.empty() && files.unknown.empty();
+}
+
+bool archiveLocationContentMissing(platform::FileLayer& files, const std::vector<ArchivedEntry>& entries,
+                                   const std::string& rootPath) {
+    if (filePresence(files, rootPath) != FilePresence::present) return false;
+    bool hasEntries = false;
+    for (const ArchivedEntry& entry : entries) {
+        if (entry.locationRootPath != rootPath) continue;
+        if (!isGone(files, entry.record, rootPath)) return false;
+        hasEntries = true;
+    }
+    return hasEntries;
+}
+
+SharedArchivedFiles publishedFiles(ArchivedFiles files, const SharedArchivedFiles& earlier) {
+    const auto saysTheSame = [](const auto& a, const auto& b) {
+        return a.first == b.first && *a.second == *b.second;
+    };
+    if (earlier && std::ranges::equal(files.byRoot, earlier->byRoot, saysTheSame)) return earlier;
+    return std::make_shared<const ArchivedFiles>(std::move(files));
+}
+
+} // namespace corvane
