@@ -292,7 +292,7 @@ TEST_F(Destination, AStopEndsARunWhoseDestinationHangs) {
         EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
         user.join();
         files.release();
-        archive::waitForAbandonedJobs();
+        platform::waitForAbandonedJobs();
         expectEveryRecordProved();
     }
 }

@@ -169,7 +169,7 @@ TEST_F(HangingDestination, CostsOneMessageWhereverItHangsAndDoesNoHarmWhenItCome
         // Healed while the write still hangs; what comes back then finds the file proved.
         expectTheNextRunHeals();
         files.release();
-        archive::waitForAbandonedJobs();
+        platform::waitForAbandonedJobs();
         EXPECT_EQ(endState(), expected_);
     }
 }
@@ -195,7 +195,7 @@ TEST_F(HangingDestination, EndsTheRunWhenTheRootOrTheIndexHangs) {
         const std::string end = errorOf([&] { hurriedRun(files); });
         EXPECT_TRUE(end.starts_with(text) && end.ends_with("目标位置无响应")) << end;
         files.release();
-        archive::waitForAbandonedJobs();
+        platform::waitForAbandonedJobs();
         expectEveryRecordProved();
         expectTheNextRunHeals();
     }

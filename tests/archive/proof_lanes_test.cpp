@@ -32,7 +32,7 @@ TEST(ProofLanes, APlaceThatHangsIsGivenUpAloneAndWhatItHadAnsweredIsKept) {
     EXPECT_TRUE(results[3].reading);
     EXPECT_EQ(lanes.hungPlaces(), std::set<std::string>{home.at("hung")});
     files.release();
-    waitForAbandonedJobs();
+    platform::waitForAbandonedJobs();
     EXPECT_FALSE(lanes.read(reads, {})[2].wasTried) << "it isn't asked again";
 }
 

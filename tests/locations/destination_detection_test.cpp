@@ -10,7 +10,6 @@
 #include "locations/archive_samples.h"
 #include "locations/loading/archive_discovery.h"
 #include "locations/places/folder_listing.h"
-#include "platform/threads/time_limited_worker.h"
 #include "support/faulty_file_layer.h"
 #include "support/scripted_platform.h"
 #include "support/temporary_home.h"
@@ -57,8 +56,6 @@ TEST_F(DestinationDetection, APlaceThatDoesNotAnswerIsListedAndTold) {
     EXPECT_FALSE(found[0].hasAnswered);
     const auto inIt = listWithin(looks, home_.at(iCloud), [](PlaceLook&) { return FolderListing(); });
     EXPECT_EQ(inIt.error, std::errc::timed_out);
-    files.release();
-    archive::waitForAbandonedJobs();
 }
 
 TEST_F(DestinationDetection, FindsTheUsersFilesInAGoogleDriveFolder) {

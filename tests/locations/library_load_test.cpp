@@ -25,7 +25,7 @@ class LoadOfTheLibrary : public ::testing::Test {
   protected:
     ~LoadOfTheLibrary() override {
         released_.set_value();
-        archive::waitForAbandonedJobs();
+        platform::waitForAbandonedJobs();
     }
 
     // Every operation on this path and below waits until the test is over.

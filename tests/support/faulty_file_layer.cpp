@@ -10,6 +10,7 @@
 
 #include "platform/files/directory.h"
 #include "platform/paths.h"
+#include "platform/threads/time_limited_worker.h"
 
 namespace corvane::testing {
 
@@ -31,6 +32,11 @@ std::size_t shortened(std::size_t count) {
 }
 
 } // namespace
+
+FaultyFileLayer::~FaultyFileLayer() {
+    release();
+    platform::waitForAbandonedJobs();
+}
 
 void FaultyFileLayer::inject(const Fault& fault) {
     const std::lock_guard lock(mutex_);

@@ -67,6 +67,9 @@ class FaultyFileLayer final : public platform::FileLayer {
     explicit FaultyFileLayer(platform::FileLayer& real = platform::posixFileLayer())
       : real_(real) {}
 
+    // Waits for abandoned jobs, which may still use it.
+    ~FaultyFileLayer() override;
+
     // Counts from now on, whatever came before.
     void inject(const Fault& fault);
 

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "platform/platform.h"
+#include "platform/threads/time_limited_worker.h"
 #include "support/temporary_home.h"
 
 namespace corvane::testing {
@@ -22,6 +23,8 @@ class ScriptedPlatform final : public platform::Platform {
   public:
     // The home must outlive this platform.
     explicit ScriptedPlatform(const TemporaryHome& home);
+
+    ~ScriptedPlatform() override { platform::waitForAbandonedJobs(); } // which may still ask it
 
     std::string shell = "/usr/bin/sqlite3";
     std::string temporary; // a folder of its own in the home

@@ -38,7 +38,7 @@ class ArchivedAttachmentExtractor {
         Kind kind_;
     };
 
-    // The platform has to outlive looks that hung (archive::waitForAbandonedJobs).
+    // The platform has to outlive looks that hung (platform::waitForAbandonedJobs).
     ArchivedAttachmentExtractor(const platform::Platform& platform,
                                 std::shared_ptr<archive::AttachmentCache> cache,
                                 ArchivedCloudFileOpener::Limits limits = {})

@@ -43,7 +43,7 @@ ArchiveReader::File::State lookFor(ArchiveRoot& root, const std::string& relativ
     return root.holdsFolder(std::string(platform::parentPath(path))) ? read : absent;
 }
 
-ArchiveReader::File readLimited(platform::FileLayer& files, JobLimit& limit, ArchiveRoot& root,
+ArchiveReader::File readLimited(platform::FileLayer& files, platform::JobLimit& limit, ArchiveRoot& root,
                                 const std::string& relativePath, std::int64_t largestBytes) {
     ArchiveReader::File file;
     file.state = lookFor(root, relativePath);
@@ -106,12 +106,12 @@ ArchiveReader::ArchiveReader(platform::FileLayer& files, std::string root, Limit
   , limits_(std::move(limits)) {}
 
 template <class Answer>
-Answer ArchiveReader::limited(std::function<Answer(platform::FileLayer&, JobLimit&)> job) {
+Answer ArchiveReader::limited(std::function<Answer(platform::FileLayer&, platform::JobLimit&)> job) {
     const auto answer = std::make_shared<std::optional<Answer>>();
     const bool hasEnded = worker_.run(
         limits_.ofStep,
-        [answer, &files = files_, job = std::move(job)](JobLimit& limit) {
-            AbandonableFileLayer layer(files, limit);
+        [answer, &files = files_, job = std::move(job)](platform::JobLimit& limit) {
+            platform::AbandonableFileLayer layer(files, limit);
             try {
                 *answer = job(layer, limit);
             } catch (const std::exception&) { // no memory, or no hash function
@@ -134,9 +134,10 @@ EmailArchiveIndex ArchiveReader::readIndex() {
 
 ArchiveReader::Index ArchiveReader::readIndexIfThere() {
     const std::string path = platform::joinPath(path_, archiveIndexFileName);
-    auto reading = limited<ArchiveIndexReading>([path](platform::FileLayer& files, JobLimit& limit) {
-        return readArchiveIndexFile(files, path, [&limit] { limit.restart(); });
-    });
+    auto reading =
+        limited<ArchiveIndexReading>([path](platform::FileLayer& files, platform::JobLimit& limit) {
+            return readArchiveIndexFile(files, path, [&limit] { limit.restart(); });
+        });
     using State = ArchiveIndexReading::State;
     if (reading.state == State::usable) return {std::move(reading.index), false};
     if (reading.isInCloud) throw ArchiveAccessError("无法读取归档索引", path, "文件只在云端，尚未下载到本机");
@@ -148,13 +149,13 @@ ArchiveReader::Index ArchiveReader::readIndexIfThere() {
 
 ArchiveReader::File ArchiveReader::readFile(const std::string& relativePath, std::int64_t largestBytes) {
     return limited<File>(
-        [root = root_, relativePath, largestBytes](platform::FileLayer& files, JobLimit& limit) {
+        [root = root_, relativePath, largestBytes](platform::FileLayer& files, platform::JobLimit& limit) {
             return readLimited(files, limit, *root, relativePath, largestBytes);
         });
 }
 
 bool ArchiveReader::isSurelyAbsent(const std::string& relativePath) {
-    return limited<bool>([root = root_, relativePath](platform::FileLayer&, JobLimit&) {
+    return limited<bool>([root = root_, relativePath](platform::FileLayer&, platform::JobLimit&) {
         return lookFor(*root, relativePath) == File::State::absent;
     });
 }
@@ -165,16 +166,18 @@ ArchiveReader::Mails ArchiveReader::listMails(const std::function<bool(const std
     while (!folders.empty()) {
         const std::string folder = std::move(folders.back());
         folders.pop_back();
-        Listing found = limited<Listing>([root = root_, folder](platform::FileLayer&, JobLimit& limit) {
-            Listing listing;
-            const auto entries = platform::listDirectory(root->at(folder), platform::HiddenEntries::include);
-            listing.wasListed = entries.has_value();
-            for (const auto& entry : entries.value_or(std::vector<platform::DirectoryEntry>())) {
-                limit.restart();
-                listing.add(*root, folder, entry);
-            }
-            return listing;
-        });
+        Listing found =
+            limited<Listing>([root = root_, folder](platform::FileLayer&, platform::JobLimit& limit) {
+                Listing listing;
+                const auto entries =
+                    platform::listDirectory(root->at(folder), platform::HiddenEntries::include);
+                listing.wasListed = entries.has_value();
+                for (const auto& entry : entries.value_or(std::vector<platform::DirectoryEntry>())) {
+                    limit.restart();
+                    listing.add(*root, folder, entry);
+                }
+                return listing;
+            });
         if (!found.wasListed) mails.unreadable.push_back(folder);
         if (wanted) std::erase_if(found.folders, [&](const std::string& path) { return !wanted(path); });
         std::ranges::move(found.folders, std::back_inserter(folders));
@@ -188,11 +191,12 @@ ArchiveReader::Mails ArchiveReader::listMails(const std::function<bool(const std
 
 std::optional<std::pair<dev_t, ino_t>> ArchiveReader::identityOf(const std::string& relativePath) {
     using Identity = std::optional<std::pair<dev_t, ino_t>>;
-    return limited<Identity>([root = root_, relativePath](platform::FileLayer& files, JobLimit&) -> Identity {
-        struct stat status{};
-        if (files.stat(root->at(relativePath), status) != 0) return std::nullopt;
-        return std::pair{status.st_dev, status.st_ino};
-    });
+    return limited<Identity>(
+        [root = root_, relativePath](platform::FileLayer& files, platform::JobLimit&) -> Identity {
+            struct stat status{};
+            if (files.stat(root->at(relativePath), status) != 0) return std::nullopt;
+            return std::pair{status.st_dev, status.st_ino};
+        });
 }
 
 std::string pathKey(std::string_view relativePath) {

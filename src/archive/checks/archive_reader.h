@@ -60,7 +60,7 @@ class ArchiveReader {
         std::vector<std::string> unreadable; // folders that couldn't be listed
     };
 
-    // `files` has to outlive reads that hung (waitForAbandonedJobs).
+    // `files` has to outlive reads that hung (platform::waitForAbandonedJobs).
     ArchiveReader(platform::FileLayer& files, std::string root, Limits limits);
 
     // The functions throw ArchiveAccessError when the place doesn't answer, and ReadingStopped.
@@ -94,13 +94,13 @@ class ArchiveReader {
 
     // Runs the job on the worker, and throws unless it has ended.
     template <class Answer>
-    Answer limited(std::function<Answer(platform::FileLayer&, JobLimit&)> job);
+    Answer limited(std::function<Answer(platform::FileLayer&, platform::JobLimit&)> job);
 
     platform::FileLayer& files_;
     std::shared_ptr<ArchiveRoot> root_; // of the worker's jobs
     std::string path_;
     Limits limits_;
-    TimeLimitedWorker worker_;
+    platform::TimeLimitedWorker worker_;
 };
 
 // One spelling for the relative paths that name one file.

@@ -32,10 +32,10 @@ ProofLanes::ProofLanes(platform::FileLayer& files, std::chrono::nanoseconds limi
   : files_(files)
   , limit_(limit) {
     for (std::size_t lane = 0; lane < laneCount; ++lane)
-        workers_.push_back(std::make_unique<TimeLimitedWorker>());
+        workers_.push_back(std::make_unique<platform::TimeLimitedWorker>());
 }
 
-void ProofLanes::readShare(const std::shared_ptr<Share>& share, JobLimit& limit) {
+void ProofLanes::readShare(const std::shared_ptr<Share>& share, platform::JobLimit& limit) {
     std::optional<ArchivedFileReader> reader;
     for (std::size_t position = 0; position < share->reads.size(); ++position) {
         if (share->stop.stop_requested() || limit.isAbandoned()) return;
@@ -69,11 +69,12 @@ std::vector<std::shared_ptr<ProofLanes::Share>> ProofLanes::shared(std::vector<P
 std::vector<ProofReadResult> ProofLanes::read(std::vector<ProofRead> reads, const std::stop_token& stop) {
     std::vector<std::shared_ptr<Share>> shares = shared(std::move(reads), stop);
     std::atomic<std::size_t> next = 0;
-    const auto lane = [&](TimeLimitedWorker& worker) {
+    const auto lane = [&](platform::TimeLimitedWorker& worker) {
         for (std::size_t at = next++; at < shares.size() && !stop.stop_requested(); at = next++) {
             const auto& share = shares[at];
             if (hungPlaces_.contains(share->reads.front().root)) continue;
-            share->hasHung = !worker.run(limit_, [share](JobLimit& limit) { readShare(share, limit); });
+            share->hasHung =
+                !worker.run(limit_, [share](platform::JobLimit& limit) { readShare(share, limit); });
         }
     };
     {

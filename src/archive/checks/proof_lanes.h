@@ -31,7 +31,7 @@ struct ProofReadResult {
 
 class ProofLanes {
   public:
-    // `files` has to outlive reads that hung (waitForAbandonedJobs).
+    // `files` has to outlive reads that hung (platform::waitForAbandonedJobs).
     explicit ProofLanes(platform::FileLayer& files,
                         std::chrono::nanoseconds limit = std::chrono::seconds(25));
 
@@ -44,12 +44,12 @@ class ProofLanes {
   private:
     struct Share;
 
-    static void readShare(const std::shared_ptr<Share>& share, JobLimit& limit);
+    static void readShare(const std::shared_ptr<Share>& share, platform::JobLimit& limit);
     std::vector<std::shared_ptr<Share>> shared(std::vector<ProofRead> reads, const std::stop_token& stop);
 
     platform::FileLayer& files_;
     std::chrono::nanoseconds limit_;
-    std::vector<std::unique_ptr<TimeLimitedWorker>> workers_;
+    std::vector<std::unique_ptr<platform::TimeLimitedWorker>> workers_;
     std::set<std::string> hungPlaces_;
 };
 

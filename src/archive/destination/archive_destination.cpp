@@ -26,6 +26,7 @@ namespace {
 
 using platform::FileLayer;
 using platform::FolderFileLayer;
+using platform::JobLimit;
 using platform::LayerDescriptor;
 using State = ArchiveIndexReading::State;
 
@@ -75,7 +76,7 @@ bool ArchiveDestination::runLimited(std::chrono::nanoseconds limit,
     const bool hasEnded = worker_.run(
         limit,
         [&files = files_, mode = rootMode_, failure, job = std::move(job)](JobLimit& jobLimit) {
-            AbandonableFileLayer layer(files, jobLimit);
+            platform::AbandonableFileLayer layer(files, jobLimit);
             ArchiveModes modes(layer, mode);
             try {
                 job(modes, jobLimit);

@@ -96,7 +96,8 @@ class ArchiveDestination {
     void syncRoot();
 
   private:
-    bool runLimited(std::chrono::nanoseconds limit, std::function<void(platform::FileLayer&, JobLimit&)> job,
+    bool runLimited(std::chrono::nanoseconds limit,
+                    std::function<void(platform::FileLayer&, platform::JobLimit&)> job,
                     std::chrono::nanoseconds grace = graceAfterStop);
     std::shared_ptr<ArchiveFolders> folders();
     ArchiveIndexReading readIndex();
@@ -113,7 +114,7 @@ class ArchiveDestination {
     mode_t rootMode_ = 0; // of the opened root; others may do with the archive what it permits
     bool hasAskedForCache_ = false;
     int hungAfterStop_ = 0;
-    TimeLimitedWorker worker_;
+    platform::TimeLimitedWorker worker_;
     std::shared_ptr<platform::LayerDescriptor> lock_;
     // A second descriptor of the locked root, for the jobs: one that hangs keeps it, but not the lock.
     std::shared_ptr<const platform::LayerDescriptor> opened_;

@@ -33,7 +33,8 @@ State stateWithoutFile(FolderFileLayer& folder, const std::string& name) {
     return saysGone(errno) ? State::gone : State::couldNotLook;
 }
 
-void readContent(FolderFileLayer& folder, JobLimit& limit, const std::string& name, ArchivedFile& file) {
+void readContent(FolderFileLayer& folder, platform::JobLimit& limit, const std::string& name,
+                 ArchivedFile& file) {
     std::string bytes;
     const auto take = [&](std::string_view piece) {
         limit.restart();
@@ -47,8 +48,8 @@ void readContent(FolderFileLayer& folder, JobLimit& limit, const std::string& na
     file.state = State::read;
 }
 
-void readIn(FolderFileLayer& folder, JobLimit& limit, const std::string& name, std::int64_t sizeBytes,
-            ArchivedFile& file) {
+void readIn(FolderFileLayer& folder, platform::JobLimit& limit, const std::string& name,
+            std::int64_t sizeBytes, ArchivedFile& file) {
     struct stat status{};
     if (folder.stat(name, status) != 0) {
         file.state = stateWithoutFile(folder, name);
@@ -68,8 +69,9 @@ bool isPlaceOfMail(std::string_view relativePath) {
            text::asciiLowercased(platform::pathExtension(relativePath)) == "eml";
 }
 
-ArchivedFile readArchivedFile(platform::FileLayer& files, const ArchiveFolders& folders, JobLimit& limit,
-                              const std::string& relativePath, std::int64_t sizeBytes) {
+ArchivedFile readArchivedFile(platform::FileLayer& files, const ArchiveFolders& folders,
+                              platform::JobLimit& limit, const std::string& relativePath,
+                              std::int64_t sizeBytes) {
     ArchivedFile file;
     if (!platform::isSafeRelativePath(relativePath)) {
         file.state = State::gone;

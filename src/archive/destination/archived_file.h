@@ -35,7 +35,8 @@ struct ArchivedFile {
 bool isPlaceOfMail(std::string_view relativePath);
 
 // Reads the file past the cache, if it has this size. Blocks; `limit` is restarted before each step.
-ArchivedFile readArchivedFile(platform::FileLayer& files, const ArchiveFolders& folders, JobLimit& limit,
-                              const std::string& relativePath, std::int64_t sizeBytes);
+ArchivedFile readArchivedFile(platform::FileLayer& files, const ArchiveFolders& folders,
+                              platform::JobLimit& limit, const std::string& relativePath,
+                              std::int64_t sizeBytes);
 
 } // namespace corvane::archive

@@ -25,6 +25,7 @@ namespace {
 
 using platform::FileLayer;
 using platform::FolderFileLayer;
+using platform::JobLimit;
 using platform::LayerDescriptor;
 
 std::string indexName() {

@@ -64,7 +64,7 @@ struct FilePlacing {
     bool hasRootGone = false;
     bool staysInCache = false; // where it was asked for
 
-    void run(platform::FileLayer& files, JobLimit& limit);
+    void run(platform::FileLayer& files, platform::JobLimit& limit);
 };
 
 // Flushes the folders that were written into, and all above them up to the root.
@@ -74,12 +74,12 @@ struct FolderSyncing {
     std::set<WrittenFolder> lost{}; // not where they were, or not to be forced to the storage
     int error = 0;                  // of the root
 
-    void run(platform::FileLayer& files, JobLimit& limit);
+    void run(platform::FileLayer& files, platform::JobLimit& limit);
 };
 
 // What is done when a new index lies ready and the old one is still the loaded one: files that the new one
 // doesn't name may go then. An errno other than 0 leaves the old index in place. May be called again.
-using BeforeReplacing = std::function<int(platform::FileLayer&, const ArchiveFolders&, JobLimit&)>;
+using BeforeReplacing = std::function<int(platform::FileLayer&, const ArchiveFolders&, platform::JobLimit&)>;
 
 // Replaces the index, unless it is another one than the loaded one right before that.
 struct IndexReplacing {
@@ -92,7 +92,7 @@ struct IndexReplacing {
     int error = 0;
     bool hasChanged = false;
 
-    void run(platform::FileLayer& files, JobLimit& limit);
+    void run(platform::FileLayer& files, platform::JobLimit& limit);
 };
 
 } // namespace corvane::archive

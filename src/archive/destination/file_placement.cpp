@@ -18,7 +18,7 @@
 
 namespace corvane::archive {
 
-FilePlacement::FilePlacement(platform::FileLayer& files, ArchiveFolders& folders, JobLimit& limit,
+FilePlacement::FilePlacement(platform::FileLayer& files, ArchiveFolders& folders, platform::JobLimit& limit,
                              const std::string& relativePath, std::string_view bytes)
   : files_(files)
   , folders_(folders)

@@ -37,7 +37,7 @@ struct PlacedFile {
 class FilePlacement {
   public:
     // `relativePath` is that of an .eml file below the root.
-    FilePlacement(platform::FileLayer& files, ArchiveFolders& folders, JobLimit& limit,
+    FilePlacement(platform::FileLayer& files, ArchiveFolders& folders, platform::JobLimit& limit,
                   const std::string& relativePath, std::string_view bytes);
 
     // Throws ArchiveError.
@@ -56,7 +56,7 @@ class FilePlacement {
 
     platform::FileLayer& files_;
     ArchiveFolders& folders_;
-    JobLimit& limit_;
+    platform::JobLimit& limit_;
     const std::string& relativePath_;
     std::string name_;
     std::string_view bytes_;

@@ -51,7 +51,7 @@ class ExportError : public std::runtime_error {
 using ExportProgress = std::function<void(std::int64_t done, std::int64_t total)>;
 
 struct MailExport {
-    // Both have to outlive looks that hung (archive::waitForAbandonedJobs).
+    // Both have to outlive looks that hung (platform::waitForAbandonedJobs).
     const platform::Platform& platform;
     platform::FileLayer& files;
     ArchivedCloudFileOpener::Limits limits{};

@@ -66,7 +66,7 @@ std::string ArchivedCloudFileOpener::ensureLocal(const ArchivedEntry& entry, con
 std::optional<CloudFileState> ArchivedCloudFileOpener::stateBy(const Look& look,
                                                                const std::stop_token& stop) {
     const auto state = std::make_shared<CloudFileState>(CloudFileState::unknown);
-    const auto job = [state, look, &platform = platform_](archive::JobLimit&) {
+    const auto job = [state, look, &platform = platform_](platform::JobLimit&) {
         try {
             *state = look(platform);
         } catch (const std::exception&) { // no memory

@@ -48,7 +48,7 @@ class ArchivedCloudFileOpener {
         std::chrono::nanoseconds ofLook = std::chrono::seconds(25); // a place that doesn't answer
     };
 
-    // The platform has to outlive looks that hung (archive::waitForAbandonedJobs).
+    // The platform has to outlive looks that hung (platform::waitForAbandonedJobs).
     explicit ArchivedCloudFileOpener(const platform::Platform& platform)
       : ArchivedCloudFileOpener(platform, Limits()) {}
 
@@ -77,7 +77,7 @@ class ArchivedCloudFileOpener {
 
     const platform::Platform& platform_;
     Limits limits_;
-    archive::TimeLimitedWorker worker_;
+    platform::TimeLimitedWorker worker_;
 };
 
 } // namespace corvane

@@ -52,7 +52,7 @@ MailPieces::MailPieces(platform::FileLayer& files, std::stop_token stop, std::ch
 void MailPieces::read(const std::string& path, const std::function<void(std::string_view)>& take) {
     const auto reading = std::make_shared<Reading>(files_, path);
     while (!reading->isAtEnd) {
-        const auto job = [reading](JobLimit&) {
+        const auto job = [reading](platform::JobLimit&) {
             try {
                 reading->go();
             } catch (const std::bad_alloc&) {

@@ -15,7 +15,7 @@ namespace corvane::archive {
 
 class MailPieces {
   public:
-    // `files` has to outlive reads that hung (waitForAbandonedJobs).
+    // `files` has to outlive reads that hung (platform::waitForAbandonedJobs).
     MailPieces(platform::FileLayer& files, std::stop_token stop,
                std::chrono::nanoseconds limit = std::chrono::seconds(25));
 
@@ -29,7 +29,7 @@ class MailPieces {
     platform::FileLayer& files_;
     std::stop_token stop_;
     std::chrono::nanoseconds limit_;
-    TimeLimitedWorker worker_;
+    platform::TimeLimitedWorker worker_;
 };
 
 } // namespace corvane::archive

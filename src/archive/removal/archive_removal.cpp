@@ -30,8 +30,8 @@ namespace {
 using archive::ArchiveDestination;
 using archive::ArchiveFolders;
 using archive::FileRemoval;
-using archive::JobLimit;
 using platform::FileLayer;
+using platform::JobLimit;
 using platform::LayerDescriptor;
 using Outcome = FileRemoval::Outcome;
 

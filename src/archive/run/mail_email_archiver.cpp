@@ -102,7 +102,7 @@ class ArchiveRun {
     const std::stop_token stop_;
     const std::function<Date()> clock_ = [this] { return now(); };
     ArchiveDestination destination_;
-    archive::TimeLimitedWorker reader_;
+    platform::TimeLimitedWorker reader_;
     EmailArchiveIndex index_; // without its records, which are in records_ until the end
     archive::IndexRecords records_;
     std::optional<MessageArchiver> archiver_;
@@ -180,7 +180,7 @@ MessageCopies ArchiveRun::readCopies(const MailMessageRecord& message) {
     };
 
     const auto reading = std::make_shared<Reading>(message, now());
-    const auto work = [reading, &files = files_](archive::JobLimit& limit) {
+    const auto work = [reading, &files = files_](platform::JobLimit& limit) {
         try {
             reading->copies = archive::readCopies(files, limit, reading->message, reading->now);
         } catch (...) {

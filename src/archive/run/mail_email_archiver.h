@@ -31,7 +31,7 @@ struct ArchiverOptions {
 
 class MailEmailArchiver {
   public:
-    // `files` has to outlive writes that hung (archive::waitForAbandonedJobs).
+    // `files` has to outlive writes that hung (platform::waitForAbandonedJobs).
     explicit MailEmailArchiver(platform::FileLayer& files = platform::posixFileLayer(),
                                ArchiverOptions options = {});
 

@@ -36,7 +36,7 @@ FileStamp stampOf(const struct stat& status) {
     return {status.st_size, platform::modifiedNanoseconds(status)};
 }
 
-StoredFile readStored(platform::FileLayer& files, JobLimit& limit, const std::string& path) {
+StoredFile readStored(platform::FileLayer& files, platform::JobLimit& limit, const std::string& path) {
     StoredFile stored;
     struct stat status{};
     const auto file = platform::openRegularFile(files, path, platform::FinalLink::follow, status);
@@ -60,7 +60,8 @@ StoredFile readStored(platform::FileLayer& files, JobLimit& limit, const std::st
 
 class CopyReader {
   public:
-    CopyReader(platform::FileLayer& files, JobLimit& limit, const MailMessageRecord& message, Date now)
+    CopyReader(platform::FileLayer& files, platform::JobLimit& limit, const MailMessageRecord& message,
+               Date now)
       : files_(files)
       , limit_(limit)
       , message_(message)
@@ -77,7 +78,7 @@ class CopyReader {
     void addUnreadable(std::string path, const FileStamp& stamp, Outcome outcome, std::string_view reason);
 
     platform::FileLayer& files_;
-    JobLimit& limit_;
+    platform::JobLimit& limit_;
     const MailMessageRecord& message_;
     Date now_;
     MessageCopies result_;
@@ -133,8 +134,8 @@ void CopyReader::addUnreadable(std::string path, const FileStamp& stamp, Outcome
 
 } // namespace
 
-MessageCopies readCopies(platform::FileLayer& files, JobLimit& limit, const MailMessageRecord& message,
-                         Date now) {
+MessageCopies readCopies(platform::FileLayer& files, platform::JobLimit& limit,
+                         const MailMessageRecord& message, Date now) {
     return CopyReader(files, limit, message, now).read();
 }
 

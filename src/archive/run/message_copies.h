@@ -33,8 +33,8 @@ struct MessageCopies {
 };
 
 // In the order of the message's files. `limit` is restarted before each step.
-MessageCopies readCopies(platform::FileLayer& files, JobLimit& limit, const MailMessageRecord& message,
-                         Date now);
+MessageCopies readCopies(platform::FileLayer& files, platform::JobLimit& limit,
+                         const MailMessageRecord& message, Date now);
 
 // A missing file, or one that is another message's, has this reason.
 inline constexpr const char* missingFileReason = "邮件文件不存在，可能已被 Mail 重新索引，请重新扫描后再试。";

@@ -21,7 +21,7 @@ constexpr std::size_t mostAtATime = 8;
 
 class LimitedLook final : public PlaceLook {
   public:
-    LimitedLook(platform::FileLayer& files, archive::JobLimit& limit)
+    LimitedLook(platform::FileLayer& files, platform::JobLimit& limit)
       : files_(files, limit)
       , limit_(limit) {}
 
@@ -32,8 +32,8 @@ class LimitedLook final : public PlaceLook {
     [[nodiscard]] bool isGivenUp() const override { return limit_.isAbandoned(); }
 
   private:
-    archive::AbandonableFileLayer files_;
-    archive::JobLimit& limit_;
+    platform::AbandonableFileLayer files_;
+    platform::JobLimit& limit_;
 };
 
 // The places at which looks of this process hang. Never destroyed: what hangs may outlive the statics of the
@@ -90,7 +90,7 @@ bool PlaceLooks::run(const std::string& place, std::function<void(PlaceLook&)> q
     const auto state = std::make_shared<HungPlaces::Look>();
     // Goes with the job, also with one that is given up before it begins.
     const std::shared_ptr<void> end(nullptr, [&hung, state](void*) { hung.end(*state); });
-    const auto job = [&files = files_, end, question = std::move(question)](archive::JobLimit& limit) {
+    const auto job = [&files = files_, end, question = std::move(question)](platform::JobLimit& limit) {
         if (limit.isAbandoned()) return;
         LimitedLook look(files, limit);
         try {
@@ -99,7 +99,7 @@ bool PlaceLooks::run(const std::string& place, std::function<void(PlaceLook&)> q
             consoleLine(fmt::format("[HangTrace] look failed: {}", error.what()));
         }
     };
-    archive::TimeLimitedWorker worker;
+    platform::TimeLimitedWorker worker;
     if (worker.run(limit_, job, stop_)) return true;
     if (!stop_.stop_requested()) hung.add(*state, hungWith(place));
     return false;

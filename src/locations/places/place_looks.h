@@ -36,7 +36,7 @@ class PlaceLook {
 
 class PlaceLooks {
   public:
-    // The platform and `files` have to outlive looks that hung (archive::waitForAbandonedJobs).
+    // The platform and `files` have to outlive looks that hung (platform::waitForAbandonedJobs).
     PlaceLooks(const platform::Platform& platform, platform::FileLayer& files, std::stop_token stop,
                std::chrono::nanoseconds limit = std::chrono::seconds(25));
 

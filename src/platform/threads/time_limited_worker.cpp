@@ -12,7 +12,7 @@
 
 #include "text/mutex.h"
 
-namespace corvane::archive {
+namespace corvane::platform {
 
 namespace {
 
@@ -154,4 +154,4 @@ void waitForAbandonedJobs() {
     jobs.changed.wait(lock, [&]() REQUIRES(jobs.mutex) { return jobs.count == 0; });
 }
 
-} // namespace corvane::archive
+} // namespace corvane::platform

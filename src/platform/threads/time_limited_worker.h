@@ -11,7 +11,7 @@
 
 #include "platform/files/layers/forwarding_file_layer.h"
 
-namespace corvane::archive {
+namespace corvane::platform {
 
 // What a job and the one who waits for it share.
 class JobLimit {
@@ -47,10 +47,10 @@ class TimeLimitedWorker {
 
 // The file layer of one job: once that is abandoned, everything that could change a file fails with
 // ECANCELED. What hung may come back after another run has written the same file and proved it.
-class AbandonableFileLayer final : public platform::ForwardingFileLayer {
+class AbandonableFileLayer final : public ForwardingFileLayer {
   public:
     // Both must outlive this layer.
-    AbandonableFileLayer(platform::FileLayer& files, const JobLimit& limit)
+    AbandonableFileLayer(FileLayer& files, const JobLimit& limit)
       : ForwardingFileLayer(files)
       , limit_(limit) {}
 
@@ -64,4 +64,4 @@ class AbandonableFileLayer final : public platform::ForwardingFileLayer {
 // layer of a test, may go only after that.
 void waitForAbandonedJobs();
 
-} // namespace corvane::archive
+} // namespace corvane::platform
