@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "records/timestamps.h"
+
 namespace corvane {
 
 namespace {
@@ -20,12 +22,19 @@ class EntryTest {
         return fits(filters_.libraryLocationFilter, entry.locationRootPath) &&
                (!filters_.libraryAccountFilter || account_ == index_.accountOf()[position]) &&
                fits(filters_.libraryMailboxFilter, entry.record.mailbox) &&
-               (filters_.matchedIDs == nullptr || filters_.matchedIDs->contains(entry.record.id));
+               (filters_.matchedIDs == nullptr || filters_.matchedIDs->contains(entry.record.id)) &&
+               (!filters_.years || isWithin(*filters_.years, entry.record.date));
     }
 
   private:
     static bool fits(const std::optional<std::string>& filter, const SharedText& value) {
         return !filter || value == *filter;
+    }
+
+    static bool isWithin(const YearSpan& years, const std::optional<Date>& date) {
+        if (!date) return false;
+        const std::int64_t year = localYear(*date);
+        return years.first <= year && year <= years.last;
     }
 
     const ArchiveLibraryIndex& index_;
@@ -42,7 +51,7 @@ std::vector<EntryPosition> passing(const ArchiveLibraryIndex& index, std::span<c
 
 bool isByAccountAlone(const LibraryFilters& filters) {
     return filters.libraryAccountFilter && !filters.libraryLocationFilter && !filters.libraryMailboxFilter &&
-           filters.matchedIDs == nullptr;
+           filters.matchedIDs == nullptr && !filters.years;
 }
 
 } // namespace

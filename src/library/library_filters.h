@@ -15,13 +15,22 @@
 
 namespace corvane {
 
+// Local calendar years, both included.
+struct YearSpan {
+    std::int64_t first = 0;
+    std::int64_t last = 0;
+
+    friend bool operator==(const YearSpan&, const YearSpan&) = default;
+};
+
 // Absent fields let everything pass; an empty text is a value like any other.
 struct LibraryFilters {
     std::optional<std::string> libraryLocationFilter{}; // a root
     std::optional<std::string> libraryAccountFilter{};  // an account key
     std::optional<std::string> libraryMailboxFilter{};
     std::shared_ptr<const SharedTextSet>
-        matchedIDs{}; // record ids that a search found; null without a search
+        matchedIDs{};                // record ids that a search found; null without a search
+    std::optional<YearSpan> years{}; // mail without a date is in none
 
     friend bool operator==(const LibraryFilters&, const LibraryFilters&) = default;
 };

@@ -31,6 +31,9 @@ class LibrarySelection {
     // anchor to it, with command it is added or taken away, else it alone.
     void selectLibraryRow(EntryPosition entry, SelectionKeys keys, std::span<const EntryPosition> visible);
 
+    // All of them; what is shown stays.
+    void selectAll(std::span<const EntryPosition> visible) { mark(visible); }
+
     // Where nothing is shown yet, the latest of the first group; no effect without groups.
     void selectFirstVisibleIfNeeded(const GroupsView& visible);
 

@@ -60,6 +60,10 @@ void LibraryListFlow::setLibraryMailboxFilter(std::optional<std::string> mailbox
     assign(filters_.libraryMailboxFilter, std::move(mailbox));
 }
 
+void LibraryListFlow::setLibraryYears(std::optional<YearSpan> years) {
+    assign(filters_.years, years);
+}
+
 void LibraryListFlow::setSortAscending(bool ascending) {
     assign(order_, ascending ? LibraryOrder::oldestFirst : LibraryOrder::newestFirst);
 }
@@ -144,6 +148,12 @@ void LibraryListFlow::selectLibraryRow(EntryPosition entry, SelectionKeys keys) 
 void LibraryListFlow::selectFirstVisibleIfNeeded() {
     LibrarySelection selection = selection_;
     selection.selectFirstVisibleIfNeeded(list_->groups.view());
+    setSelection(std::move(selection));
+}
+
+void LibraryListFlow::selectAllVisible() {
+    LibrarySelection selection = selection_;
+    selection.selectAll(list_->entries.entries());
     setSelection(std::move(selection));
 }
 

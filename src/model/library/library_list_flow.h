@@ -44,6 +44,7 @@ class LibraryListFlow : public QObject {
     void setLibraryLocationFilter(std::optional<std::string> root);
     void setLibraryAccountFilter(std::optional<std::string> key);
     void setLibraryMailboxFilter(std::optional<std::string> mailbox);
+    void setLibraryYears(std::optional<YearSpan> years);
     void setSortAscending(bool ascending);
 
     // Shows one account with all of its mailboxes.
@@ -53,6 +54,9 @@ class LibraryListFlow : public QObject {
     void setSearchText(std::string text);
 
     [[nodiscard]] const std::string& searchText() const { return searchText_; }
+
+    // A search was asked for, and its answer isn't there yet.
+    [[nodiscard]] bool isSearching() const { return searchDelay_.isActive() || asked_ != nullptr; }
 
     // What is searched for, trimmed; empty without a search.
     [[nodiscard]] const std::string& debouncedQuery() const { return debouncedQuery_; }
@@ -65,6 +69,7 @@ class LibraryListFlow : public QObject {
     // A row of the list that was clicked.
     void selectLibraryRow(EntryPosition entry, SelectionKeys keys);
     void selectFirstVisibleIfNeeded();
+    void selectAllVisible();
 
   Q_SIGNALS:
     void filtersChanged();
