@@ -27,7 +27,7 @@ ARROWS = {
     "library": "text platform records",
     "model": "text platform records mime worker mailstore search archive listing locations library",
     "cli": "text platform records mime search archive listing locations library model",
-    "screens": "text platform records archive listing locations library model",
+    "screens": "text platform records mime archive listing locations library model",
     "app": "platform records model screens",
 }
 # The same between sub-folders. What lies in a folder itself is "."; a file there that is no part of it stands for
@@ -63,8 +63,9 @@ SUBFOLDERS = {
                 "overview": "",
                 "archive": "controls texts desktop lists overview", "mails": "controls texts desktop lists",
                 "home": "controls texts desktop lists overview archive",
-                "archived": "controls texts desktop lists", "space": "controls texts desktop lists overview archive",
-                "shell": "controls texts desktop lists overview archive mails home archived space"},
+                 "archived": "controls texts desktop lists", "space": "controls texts desktop lists overview archive",
+                 "library": "controls texts desktop lists mails",
+                 "shell": "controls texts desktop lists overview archive mails home archived library space"},
 }
 QT_ALLOWED = {"model", "cli", "screens", "app"}
 INCLUDE = re.compile(r'^\s*#include\s+([<"])([^>"]+)[>"]', re.MULTILINE)

@@ -79,8 +79,7 @@ TEST(TimeLimitedWorker, GivesEachStepTheWholeTime) {
 TEST(TimeLimitedWorker, NothingOfAJobOutlivesItsEnd) {
     const auto owned = std::make_shared<int>();
     for (int round = 0; round < 300; ++round) {
-        TimeLimitedWorker().run(
-            0s, [owned](JobLimit&) {}); // most are given up before they begin
+        TimeLimitedWorker().run(0s, [owned](JobLimit&) {}); // most are given up before they begin
         waitForAbandonedJobs();
         ASSERT_EQ(owned.use_count(), 1);
     }

@@ -11,7 +11,8 @@ FocusScope {
     property string place: "home"
     property ScreenPage currentPage: null
     // The screen of each place, by the keys of SidebarModel.
-    readonly property var pages: ({ home: homePage, archived: archivedPage, mails: mailsPage, space: spacePage })
+    readonly property var pages: ({ home: homePage, archived: archivedPage, library: libraryPage, mails: mailsPage,
+                                    space: spacePage })
     readonly property bool narrow: width < Theme.narrowBelow
     readonly property bool low: height < Theme.lowBelow
 
@@ -142,6 +143,13 @@ FocusScope {
         SpacePage {
             app: view.app
             onHomeRequested: view.goByKey("home")
+        }
+    }
+    Component {
+        id: libraryPage
+        LibraryPage {
+            app: view.app
+            onArchiveRequested: view.goByKey("home")
         }
     }
     Component {

@@ -53,6 +53,7 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
   , otherMail_(model)
   , archived_(model, desktop_)
   , mails_(model, desktop_)
+  , library_(model, desktop_)
   , space_(model, archive_, desktop_)
   , addressTask_(model.context().tasks) {
     connect(&home_, &HomeScreen::figuresChanged, this, &WindowModel::showFigures);
@@ -66,6 +67,7 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
         Q_EMIT archivingChanged();
         if (std::exchange(stopping_, false)) Q_EMIT stopped();
     });
+    connect(&model.library(), &LibraryLoader::archivedEntriesChanged, this, &WindowModel::showFigures);
     connect(mails_.actions(), &MailListActions::archiveRequested, &archive_,
             [this](const std::shared_ptr<const SharedTextSet>& ids) { archive_.open(ids); });
     connect(&model.destinations(), &ArchiveDestinations::destinationChanged, this,
@@ -137,6 +139,8 @@ void WindowModel::showFigures() {
     sidebar_.setFigure(SidebarPlace::home, home_.organizeSidebarSubtitle());
     sidebar_.setFigure(SidebarPlace::archived, archived_.sidebarFigure());
     sidebar_.setFigure(SidebarPlace::space, space_.totalSize());
+    const auto archived = std::ssize(*model_.library().archivedEntries());
+    sidebar_.setFigure(SidebarPlace::library, archived > 0 ? screens::shownCount(archived) : QString());
     const std::int64_t listed = static_cast<std::int64_t>(model_.catalog().messages()->size());
     // A part of the mail is no figure for the list, but for the scan that is at it.
     const bool isCut = model_.catalog().state()->isPartial() && !model_.scanFlow().state().isScanning();

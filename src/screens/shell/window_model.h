@@ -12,6 +12,7 @@
 #include "screens/archived/archived_screen.h"
 #include "screens/desktop/desktop_actions.h"
 #include "screens/home/home_screen.h"
+#include "screens/library/library_screen.h"
 #include "screens/mails/mail_list_screen.h"
 #include "screens/overview/organize_data.h"
 #include "screens/shell/sidebar/activity.h"
@@ -36,6 +37,7 @@ class WindowModel : public QObject {
     Q_PROPERTY(corvane::OtherMail* otherMail READ otherMail CONSTANT)
     Q_PROPERTY(corvane::ArchivedScreen* archived READ archived CONSTANT)
     Q_PROPERTY(corvane::MailListScreen* mails READ mails CONSTANT)
+    Q_PROPERTY(corvane::LibraryScreen* library READ library CONSTANT)
     Q_PROPERTY(corvane::SpaceScreen* space READ space CONSTANT)
     Q_PROPERTY(bool archiving READ archiving NOTIFY archivingChanged)
     Q_PROPERTY(bool hasChineseFont READ hasChineseFont CONSTANT)
@@ -65,6 +67,8 @@ class WindowModel : public QObject {
     [[nodiscard]] ArchivedScreen* archived() { return &archived_; }
 
     [[nodiscard]] MailListScreen* mails() { return &mails_; }
+
+    [[nodiscard]] LibraryScreen* library() { return &library_; }
 
     [[nodiscard]] SpaceScreen* space() { return &space_; }
 
@@ -114,6 +118,7 @@ class WindowModel : public QObject {
     OtherMail otherMail_;
     ArchivedScreen archived_;
     MailListScreen mails_;
+    LibraryScreen library_;
     SpaceScreen space_;
     TaskSlot addressTask_;
     bool startedUp_ = false;

@@ -17,7 +17,7 @@ struct Place {
 constexpr std::array<Place, allPlaces.size()> places = {{
     {u"home", u"归档邮件", u"archive", true},
     {u"archived", u"已归档概览", u"shield-check", true},
-    {u"library", u"归档库", u"library", false},
+    {u"library", u"归档库", u"library", true},
     {u"mails", u"邮件列表", u"mails", true},
     {u"space", u"Mail 空间", u"chart-pie", true},
 }};

@@ -1,0 +1,141 @@
+// The screen 归档库: list and mail.
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Corvane
+
+ScreenPage {
+    id: page
+
+    readonly property LibraryScreen screen: app.library
+    readonly property bool showsPanes: screen.state === LibraryScreen.Listed || screen.state === LibraryScreen.NoMatch
+    readonly property int leastListWidth: 352
+    readonly property int mostListWidth: 560
+    readonly property int usualListWidth: 400
+    readonly property int leastDetailWidth: 400
+    readonly property int roomForList: Math.max(leastListWidth, Math.min(mostListWidth, width - leastDetailWidth))
+    // What the user wants, and what there is room for.
+    property real wantedListWidth: app.storedLength("libraryList", usualListWidth, leastListWidth, mostListWidth)
+    readonly property int listWidth: Math.max(leastListWidth,
+        Math.min(page.narrow ? Math.min(wantedListWidth, 360) : wantedListWidth, roomForList))
+
+    signal archiveRequested
+
+    function keepListWidth(width: real) {
+        wantedListWidth = width;
+        app.storeLength("libraryList", width);
+    }
+    function handKeyboardTo(part: Item) {
+        if (part.visible && !head.activeFocus)
+            part.focus = true;
+    }
+    function enterList() {
+        list.view.forceActiveFocus(Qt.TabFocusReason);
+    }
+
+    objectName: "libraryPage"
+    searchField: head.searchField
+    Component.onCompleted: screen.appear()
+
+    LibraryHead {
+        id: head
+        width: parent.width
+        low: page.low
+        margin: page.margin
+        narrow: page.narrow
+        screen: page.screen
+        onListRequested: page.enterList()
+    }
+    Rectangle {
+        anchors.bottom: head.bottom
+        width: parent.width
+        height: Theme.hairline
+        color: Theme.line
+    }
+    FocusScope {
+        id: panes
+        anchors.top: head.bottom
+        anchors.bottom: parent.bottom
+        width: parent.width
+        visible: page.showsPanes
+        focus: true
+        onVisibleChanged: page.handKeyboardTo(panes)
+
+        LibraryListPane {
+            id: list
+            objectName: "libraryListPane"
+            width: page.listWidth - Theme.hairline
+            height: parent.height
+            focus: true
+            low: page.low
+            screen: page.screen
+            onMenuRequested: (x, y) => menu.popup(list, x, y)
+            onPageRequested: forward => detail.turnPage(forward)
+        }
+        ArchivedMailView {
+            id: detail
+            objectName: "archivedMail"
+            anchors.left: splitter.right
+            anchors.right: parent.right
+            height: parent.height
+            screen: page.screen
+            low: page.low
+            onMenuRequested: button => menu.popup(button, 0, button.height + Theme.half)
+            onSaveRequested: row => saving.ask(row)
+        }
+        Splitter {
+            id: splitter
+            x: list.x + list.width
+            height: parent.height
+            paneWidth: page.listWidth
+            minimum: page.leastListWidth
+            maximum: page.roomForList
+            onMoved: width => page.wantedListWidth = width
+            onSettled: width => page.keepListWidth(width)
+            onRestored: page.keepListWidth(page.usualListWidth)
+        }
+    }
+    LibraryState {
+        id: reason
+        anchors.top: head.bottom
+        anchors.bottom: parent.bottom
+        width: parent.width
+        visible: !page.showsPanes
+        onVisibleChanged: page.handKeyboardTo(reason)
+        screen: page.screen
+        onArchiveRequested: page.archiveRequested()
+    }
+
+    LibraryMenu {
+        id: menu
+        screen: page.screen
+    }
+    SaveSheet {
+        id: saving
+        attachments: page.screen.attachments
+    }
+    RemovalSheet {
+        removal: page.screen.removal
+    }
+    RemovalEndSheet {
+        removal: page.screen.removal
+        onCopyRequested: page.screen.copyFailures()
+        onFolderRequested: page.screen.revealMail()
+    }
+
+    Binding {
+        target: page.screen
+        property: "held"
+        value: list.pressed || menu.opened
+    }
+    Connections {
+        target: page.screen
+        function onNoticed(text: string) {
+            notice.show(text);
+        }
+    }
+    Notice {
+        id: notice
+        area: page
+    }
+}

@@ -1,0 +1,273 @@
+#include "screens/library/detail/archived_mail.h"
+
+#include <utility>
+
+#include <QPointer>
+
+#include "locations/places/cloud_providers.h"
+#include "platform/paths.h"
+#include "records/formatters.h"
+#include "screens/texts/shown_text.h"
+
+namespace corvane {
+
+namespace {
+
+using Status = ArchivedOriginalPresenceStatus;
+
+constexpr qsizetype recipientsLimit = 4'000;
+constexpr qsizetype subjectLimit = 1'000;
+
+struct ArrangeJob {
+    std::shared_ptr<const std::string> text;
+    mime::ShownParts shown;
+    bool quotedExpanded = false;
+    std::string query;
+};
+
+ShownBody arranged(const ArrangeJob& job, const TaskHandle&) {
+    mime::BodyParts parts = mime::splitBody(*job.text);
+    mime::ShownParts shown = job.shown;
+    shown.showQuoted = parts.showQuoted(job.query, job.quotedExpanded);
+    return shownBody({std::move(parts), shown, job.query});
+}
+
+} // namespace
+
+ArchivedMail::ArchivedMail(CorvaneViewModel& model, QObject* parent)
+  : QObject(parent)
+  , model_(model)
+  , arrangeTask_(model.context().tasks) {
+    connect(&model.library(), &LibraryLoader::archiveLocationsChanged, this, [this] {
+        Q_EMIT changed();
+        Q_EMIT bodyChanged();
+    });
+    connect(&model.library(), &LibraryLoader::archivedFilesChanged, this, &ArchivedMail::changed);
+    connect(&model.mailOpening(), &ArchivedMailOpening::changed, this, &ArchivedMail::changed);
+    connect(&model.bodyTexts(), &BodyTexts::bodyIndexProgressChanged, this, &ArchivedMail::bodyChanged);
+    connect(&model.bodyTexts(), &BodyTexts::bodyIndexFinished, this, [this] {
+        if (text_ && text_->empty()) load();
+    });
+    connect(&model.libraryList(), &LibraryListFlow::searchChanged, this, [this] {
+        if (text_) arrange();
+    });
+}
+
+void ArchivedMail::show(const ArchivedEntry* entry, Status status) {
+    const bool isSame = entry == nullptr ? !entry_
+                                         : entry_ && entry_->record.id == entry->record.id &&
+                                               entry_->locationRootPath == entry->locationRootPath;
+    if (isSame && status_ == status) return;
+    status_ = status;
+    if (!isSame) {
+        entry_ = entry == nullptr ? std::nullopt : std::optional(*entry);
+        load();
+    }
+    Q_EMIT changed();
+    if (!isSame) Q_EMIT mailChanged();
+}
+
+void ArchivedMail::load() {
+    ccRecipients_.clear();
+    quotedExpanded_ = false;
+    quotedRecipientsExpanded_ = false;
+    text_.reset();
+    body_ = {};
+    arrangeTask_.cancel();
+    load_ = std::make_shared<int>();
+    Q_EMIT bodyChanged();
+    if (!entry_) return;
+    const auto isWanted = [self = QPointer(this), load = std::weak_ptr(load_)] {
+        return self && !load.expired();
+    };
+    model_.bodyTexts().prepareIndexedBody(*entry_, [this, isWanted](const std::optional<std::string>& text) {
+        if (isWanted()) handleText(text);
+    });
+    model_.bodyTexts().ccRecipients(*entry_, [this, isWanted](const std::optional<std::string>& cc) {
+        if (!isWanted() || !cc) return;
+        ccRecipients_ = screens::shownLine(*cc, recipientsLimit);
+        Q_EMIT changed();
+    });
+}
+
+void ArchivedMail::handleText(const std::optional<std::string>& text) {
+    text_ = std::make_shared<const std::string>(text.value_or(std::string()));
+    if (text_->empty()) {
+        Q_EMIT bodyChanged();
+    } else {
+        arrange();
+    }
+}
+
+void ArchivedMail::arrange() {
+    if (!text_ || text_->empty()) return;
+    arrangeTask_.start(TaskPriority::userInitiated,
+                       ArrangeJob{text_, {false, quotedRecipientsExpanded_}, quotedExpanded_, query()},
+                       &arranged, [this](ShownBody body) {
+                           body_ = std::move(body);
+                           Q_EMIT bodyChanged();
+                       });
+}
+
+void ArchivedMail::setQuotedExpanded(bool expanded) {
+    if (quotedExpanded_ == expanded) return;
+    quotedExpanded_ = expanded;
+    arrange();
+}
+
+bool ArchivedMail::hidesRecipients() const {
+    return body_.parts.showQuoted(query(), quotedExpanded_) && !quotedRecipientsExpanded_;
+}
+
+void ArchivedMail::showAllRecipients() {
+    quotedRecipientsExpanded_ = true;
+    arrange();
+}
+
+void ArchivedMail::prepareTexts() {
+    model_.bodyTexts().rebuildBodyTextIndex(false);
+}
+
+ArchivedMail::BodyState ArchivedMail::bodyState() const {
+    if (!body_.pieces.empty()) return BodyState::Text;
+    if (!text_ || !text_->empty()) return BodyState::Loading;
+    if (isAwayOnDisk()) return BodyState::Unplugged;
+    return model_.bodyTexts().bodyIndexProgress() ? BodyState::Preparing : BodyState::Unavailable;
+}
+
+const ArchiveLocation* ArchivedMail::place() const {
+    return entry_ ? model_.library().location(entry_->locationRootPath) : nullptr;
+}
+
+bool ArchivedMail::isAwayOnDisk() const {
+    const ArchiveLocation* location = place();
+    return location != nullptr && location->kind == ArchiveLocation::Kind::removable &&
+           !location->isConnected;
+}
+
+ArchivedMail::FileState ArchivedMail::fileState() const {
+    const ArchiveLocation* location = place();
+    if (location != nullptr && !location->isConnected) return FileState::Unplugged;
+    if (!entry_) return FileState::Unknown;
+    switch (model_.library().archivedFiles()->presence(entry_->locationRootPath,
+                                                       entry_->record.emlRelativePath)) {
+    case ArchivedFilePresence::there:
+        return FileState::Here;
+    case ArchivedFilePresence::inCloud:
+        return FileState::InCloud;
+    case ArchivedFilePresence::gone:
+        return FileState::Gone;
+    case ArchivedFilePresence::unknown:
+        break;
+    }
+    return FileState::Unknown;
+}
+
+QString ArchivedMail::subject() const {
+    return entry_ ? screens::shownLine(entry_->record.subject, subjectLimit) : QString();
+}
+
+QString ArchivedMail::sender() const {
+    return entry_ ? screens::shownLine(entry_->record.sender, subjectLimit) : QString();
+}
+
+QString ArchivedMail::recipients() const {
+    return entry_ ? screens::shownLine(entry_->record.recipients, recipientsLimit) : QString();
+}
+
+QString ArchivedMail::dateText() const {
+    if (!entry_) return {};
+    return entry_->record.date ? screens::wholeText(formatListDate(*entry_->record.date))
+                               : QStringLiteral("没有日期");
+}
+
+QString ArchivedMail::sizeText() const {
+    return entry_ ? screens::wholeText(formatByteCount(entry_->record.sizeBytes)) : QString();
+}
+
+QString ArchivedMail::placeName() const {
+    if (!entry_) return {};
+    if (const auto provider = cloudProviderName(entry_->locationRootPath))
+        return screens::shownLine(*provider);
+    const ArchiveLocation* location = place();
+    return location == nullptr ? screens::shownLine(platform::lastPathComponent(entry_->locationRootPath))
+                               : screens::shownLine(location->displayName);
+}
+
+QString ArchivedMail::placeSymbol() const {
+    const ArchiveLocation* location = place();
+    if (location == nullptr) return QStringLiteral("folder");
+    return location->isConnected ? QString::fromUtf8(location->symbol())
+                                 : QStringLiteral("externaldrive.badge.questionmark");
+}
+
+QString ArchivedMail::stateText() const {
+    if (fileState() == FileState::Gone) return QStringLiteral("归档文件不见了");
+    const QString archived = fileState() == FileState::Unplugged ? QStringLiteral("归档位置未连接")
+                             : fileState() == FileState::InCloud ? QStringLiteral("已归档到云端")
+                                                                 : QStringLiteral("已归档");
+    switch (status_) {
+    case Status::present:
+        return archived + QStringLiteral(" · 原件仍在 Mail");
+    case Status::missing:
+        return archived + QStringLiteral(" · 已从 Mail 删除");
+    case Status::unknown:
+        break;
+    }
+    return archived + QStringLiteral(" · 未对照 Mail");
+}
+
+// Green is only what is there and was compared.
+QString ArchivedMail::stateTone() const {
+    if (fileState() == FileState::Gone) return QStringLiteral("danger");
+    if (fileState() == FileState::Unplugged) return QStringLiteral("attention");
+    const bool isKnown = fileState() == FileState::Here && status_ != Status::unknown;
+    return isKnown ? QStringLiteral("safe") : QString();
+}
+
+QString ArchivedMail::stateSymbol() const {
+    switch (fileState()) {
+    case FileState::Gone:
+        return QStringLiteral("octagon-x");
+    case FileState::Unplugged:
+        return QStringLiteral("unplug");
+    case FileState::InCloud:
+        return QStringLiteral("cloud");
+    case FileState::Here:
+    case FileState::Unknown:
+        break;
+    }
+    return status_ == Status::unknown ? QStringLiteral("archive") : QStringLiteral("circle-check");
+}
+
+bool ArchivedMail::isOpening() const {
+    return entry_ && model_.mailOpening().openingArchiveID() == entry_->id();
+}
+
+QString ArchivedMail::openTitle() const {
+    return isOpening() && fileState() == FileState::InCloud ? QStringLiteral("正在从云端取回...")
+                                                            : QStringLiteral("打开归档邮件");
+}
+
+QString ArchivedMail::openHelp() const {
+    if (fileState() == FileState::Unplugged)
+        return QStringLiteral("归档位置当前不可访问，连接后才能打开归档邮件");
+    if (isOpening()) return QStringLiteral("正在准备完整归档邮件");
+    const auto provider = entry_ ? cloudProviderName(entry_->locationRootPath) : std::nullopt;
+    if (!provider) return QStringLiteral("打开归档库里的完整邮件");
+    return QStringLiteral("完整邮件保存在 %1。如果文件已被系统卸载，点击后会先从云端取回。")
+        .arg(screens::shownLine(*provider));
+}
+
+QString ArchivedMail::wholeMail() const {
+    if (!entry_) return {};
+    QStringList lines = {QStringLiteral("主题：") + screens::wholeText(entry_->record.subject),
+                         QStringLiteral("发件人：") + screens::wholeText(entry_->record.sender),
+                         QStringLiteral("收件人：") + screens::wholeText(entry_->record.recipients)};
+    if (!ccRecipients_.isEmpty()) lines += QStringLiteral("抄送：") + ccRecipients_;
+    lines += QStringLiteral("日期：") + dateText();
+    if (text_ && !text_->empty()) lines += u'\n' + screens::wholeText(mime::withoutMarkers(*text_));
+    return lines.join(u'\n');
+}
+
+} // namespace corvane

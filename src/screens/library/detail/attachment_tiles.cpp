@@ -1,0 +1,159 @@
+#include "screens/library/detail/attachment_tiles.h"
+
+#include <chrono>
+#include <utility>
+
+#include <QPointer>
+#include <QStandardPaths>
+
+#include "screens/mails/detail/attachment_symbol.h"
+#include "screens/texts/shown_figures.h"
+#include "screens/texts/shown_text.h"
+
+namespace corvane {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// Mail that people write has fewer.
+constexpr std::size_t mostTiles = 40;
+
+// Whoever goes through the list looks at no attachments.
+constexpr auto lookPause = 400ms;
+
+} // namespace
+
+AttachmentTiles::AttachmentTiles(CorvaneViewModel& model, QObject* parent)
+  : QAbstractListModel(parent)
+  , model_(model) {
+    prepareDelay_.setSingleShot(true);
+    prepareDelay_.setInterval(lookPause);
+    connect(&prepareDelay_, &QTimer::timeout, this, &AttachmentTiles::prepareAll);
+    connect(&model.attachments(), &AttachmentFlow::savingChanged, this, &AttachmentTiles::savingChanged);
+    connect(&model.attachments(), &AttachmentFlow::savingEnded, this, &AttachmentTiles::handleSavingEnd);
+}
+
+int AttachmentTiles::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(tiles_.size());
+}
+
+QVariant AttachmentTiles::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= rowCount()) return {};
+    const Tile& tile = tiles_[static_cast<std::size_t>(index.row())];
+    switch (role) {
+    case NameRole:
+        return screens::shownLine(tile.attachment.name);
+    case SymbolRole:
+        return screens::wholeText(attachmentSymbol(tile.attachment.name));
+    case FailedRole:
+        return tile.state == State::failed;
+    case StatusTextRole:
+        return tile.state == State::preparing ? QStringLiteral("正在准备附件…")
+               : tile.state == State::opening ? QStringLiteral("正在打开…")
+               : tile.state == State::failed  ? tile.failure
+                                              : QStringLiteral("双击打开");
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> AttachmentTiles::roleNames() const {
+    return {
+        {NameRole, "name"}, {SymbolRole, "symbol"}, {StatusTextRole, "statusText"}, {FailedRole, "failed"}};
+}
+
+void AttachmentTiles::show(const ArchivedEntry* entry, bool prepares) {
+    beginResetModel();
+    ++generation_;
+    tiles_.clear();
+    leftOut_ = 0;
+    if (entry != nullptr) {
+        for (AttachmentRef& attachment : displayableAttachments(*entry)) {
+            if (tiles_.size() < mostTiles)
+                tiles_.push_back({std::move(attachment), State::idle, {}});
+            else
+                ++leftOut_;
+        }
+    }
+    endResetModel();
+    Q_EMIT countChanged();
+    prepareDelay_.stop();
+    if (prepares && !tiles_.empty()) prepareDelay_.start();
+}
+
+void AttachmentTiles::prepareAll() {
+    for (int row = 0; row < rowCount(); ++row) prepare(row);
+}
+
+void AttachmentTiles::prepare(int row) {
+    setState(row, State::preparing);
+    model_.attachments().prepareAttachment(
+        tiles_[static_cast<std::size_t>(row)].attachment,
+        [self = QPointer(this), row, generation = generation_](const auto& path) {
+            if (!self || !self->isPresent(generation)) return;
+            if (self->tiles_[static_cast<std::size_t>(row)].state != State::preparing) return;
+            self->setState(row, path ? State::ready : State::failed,
+                           path ? QString() : screens::shownLine(path.error()));
+        });
+}
+
+void AttachmentTiles::open(int row) {
+    if (row < 0 || row >= rowCount() || tiles_[static_cast<std::size_t>(row)].state == State::opening) return;
+    setState(row, State::opening);
+    model_.attachments().openAttachment(
+        tiles_[static_cast<std::size_t>(row)].attachment,
+        [self = QPointer(this), row, generation = generation_](const auto& note) {
+            if (!self || !self->isPresent(generation)) return;
+            self->setState(row, note ? State::ready : State::failed,
+                           note ? QString() : screens::shownLine(note.error()));
+            if (note && !note->empty()) Q_EMIT self->noticed(screens::wholeText(*note));
+        });
+}
+
+void AttachmentTiles::setState(int row, State state, const QString& failure) {
+    Tile& tile = tiles_[static_cast<std::size_t>(row)];
+    tile.state = state;
+    tile.failure = failure;
+    Q_EMIT dataChanged(index(row), index(row), {StatusTextRole, FailedRole});
+}
+
+void AttachmentTiles::save(int row, const QString& folder) {
+    std::vector<AttachmentRef> chosen;
+    for (int each = 0; each < rowCount(); ++each) {
+        if (row < 0 || each == row) chosen.push_back(tiles_[static_cast<std::size_t>(each)].attachment);
+    }
+    if (!chosen.empty() && !isSaving())
+        model_.attachments().saveAttachments(std::move(chosen), folder.toStdString());
+}
+
+void AttachmentTiles::handleSavingEnd() {
+    const auto& outcome = model_.attachments().savingOutcome();
+    if (!outcome) return;
+    if (!*outcome) {
+        Q_EMIT noticed(screens::shownLine(outcome->error()));
+        return;
+    }
+    const AttachmentSaving& saving = **outcome;
+    QString text = QStringLiteral("已存储 %1 个附件").arg(saving.saved.size());
+    if (saving.wasCancelled) text += QStringLiteral("，其余已取消");
+    if (!saving.failures.empty())
+        text += QStringLiteral("，%1 个没有存储：%2")
+                    .arg(saving.failures.size())
+                    .arg(screens::shownLine(saving.failures.front().reason));
+    Q_EMIT noticed(text);
+}
+
+QString AttachmentTiles::savingText() const {
+    const auto& progress = model_.attachments().savingProgress();
+    if (!progress) return {};
+    return QStringLiteral("正在存储 %1 / %2")
+        .arg(screens::shownCount(progress->done), screens::shownCount(progress->total));
+}
+
+QString AttachmentTiles::defaultFolder() const {
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+    return folder.isEmpty() ? screens::wholeText(model_.context().platform.realUserHomeDirectory()) : folder;
+}
+
+} // namespace corvane

@@ -1,0 +1,90 @@
+// The attachments of the mail that the library shows, as tiles: each is taken out of the mail in the
+// background while its tile stands there, and opened by a double click only. Main thread.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <QAbstractListModel>
+#include <QTimer>
+#include <QtQml/qqmlregistration.h>
+
+#include "model/corvane_view_model.h"
+
+namespace corvane {
+
+class AttachmentTiles : public QAbstractListModel {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("belongs to the library")
+    Q_PROPERTY(int count READ count NOTIFY countChanged)
+    Q_PROPERTY(int leftOut READ leftOut NOTIFY countChanged)
+    Q_PROPERTY(bool saving READ isSaving NOTIFY savingChanged)
+    Q_PROPERTY(QString savingText READ savingText NOTIFY savingChanged)
+    Q_PROPERTY(QString defaultFolder READ defaultFolder CONSTANT)
+
+  public:
+    enum Role { NameRole = Qt::UserRole + 1, SymbolRole, StatusTextRole, FailedRole };
+
+    // `model` must outlive it.
+    explicit AttachmentTiles(CorvaneViewModel& model, QObject* parent = nullptr);
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
+
+    [[nodiscard]] int count() const { return rowCount(); }
+
+    // Attachments of the mail beyond those that can be laid out.
+    [[nodiscard]] int leftOut() const { return leftOut_; }
+
+    // Null for none. Where `prepares` is set, they are taken out ahead.
+    void show(const ArchivedEntry* entry, bool prepares);
+
+    Q_INVOKABLE void open(int row);
+
+    // Into a folder that is there: one of them, or all for a row of -1. Nothing that is there is written
+    // over.
+    Q_INVOKABLE void save(int row, const QString& folder);
+
+    Q_INVOKABLE void cancelSaving() { model_.attachments().cancelSaving(); }
+
+    [[nodiscard]] bool isSaving() const { return model_.attachments().savingProgress().has_value(); }
+
+    // "正在存储 2 / 5"; empty when nothing is being saved.
+    [[nodiscard]] QString savingText() const;
+
+    // Where the user keeps what comes from outside.
+    [[nodiscard]] QString defaultFolder() const;
+
+  Q_SIGNALS:
+    void countChanged();
+    void savingChanged();
+    // What came of an opening or a saving.
+    void noticed(const QString& text);
+
+  private:
+    enum class State { idle, preparing, ready, opening, failed };
+
+    struct Tile {
+        AttachmentRef attachment;
+        State state = State::idle;
+        QString failure;
+    };
+
+    void prepareAll();
+    void prepare(int row);
+    void setState(int row, State state, const QString& failure = {});
+    void handleSavingEnd();
+
+    // False when another mail is shown by now.
+    [[nodiscard]] bool isPresent(std::int64_t generation) const { return generation == generation_; }
+
+    CorvaneViewModel& model_;
+    std::vector<Tile> tiles_;
+    int leftOut_ = 0;
+    std::int64_t generation_ = 0;
+    QTimer prepareDelay_;
+};
+
+} // namespace corvane

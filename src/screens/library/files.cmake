@@ -1,0 +1,36 @@
+# The QML files and the C++ sources of this folder.
+set(library_qml
+    LibraryHead.qml
+    LibraryListPane.qml
+    LibraryMenu.qml
+    LibraryPage.qml
+    LibraryState.qml
+    YearStrip.qml
+    detail/ArchivedMailHead.qml
+    detail/ArchivedMailView.qml
+    detail/AttachmentTile.qml
+    detail/AttachmentTilePane.qml
+    detail/BodyText.qml
+    detail/SaveSheet.qml
+    removal/RemovalItems.qml
+    removal/RemovalSheet.qml
+    removal/RemovalEndSheet.qml
+    rows/LibraryRowItem.qml
+    rows/LibraryView.qml
+    rows/MarkedText.qml
+)
+set(library_sources
+    library_facets.cpp
+    library_filter_menus.cpp
+    library_screen.cpp
+    detail/archived_mail.cpp
+    detail/attachment_tiles.cpp
+    detail/body_layout.cpp
+    detail/body_pieces.cpp
+    removal/removal_question.cpp
+    rows/library_row_model.cpp
+    rows/library_row_selection.cpp
+    rows/library_rows.cpp
+    rows/marked_text.cpp
+    rows/row_texts.cpp
+)

@@ -1,0 +1,348 @@
+#include "screens/library/library_screen.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QPointer>
+#include <fmt/format.h>
+
+#include "platform/paths.h"
+#include "records/formatters.h"
+#include "screens/texts/shown_figures.h"
+#include "screens/texts/shown_text.h"
+
+namespace corvane {
+
+namespace {
+
+QString countAndSize(std::int64_t count, std::int64_t bytes) {
+    return QStringLiteral("%1 · %2").arg(screens::shownMessageCount(count),
+                                         screens::wholeText(formatByteCount(bytes)));
+}
+
+struct CopyJob {
+    SharedLibraryList list;
+    std::vector<EntryPosition> entries;
+};
+
+QString copiedLines(const CopyJob& job, const TaskHandle& task) {
+    QStringList lines;
+    for (const EntryPosition entry : job.entries) {
+        if (task.isCancelled()) return {};
+        lines += LibraryRowModel::copiedLine(job.list->index().entry(entry).record);
+    }
+    return lines.join(u'\n');
+}
+
+} // namespace
+
+// The next rows, with what was found out about them in the background.
+struct LibraryScreen::Update {
+    RowsOfList content;
+    RowChanges changes;
+    LibraryFacets facets;
+};
+
+LibraryScreen::LibraryScreen(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
+  : QObject(parent)
+  , model_(model)
+  , desktop_(desktop)
+  , texts_(model.context(), model.bodyTexts())
+  , rows_(model, texts_)
+  , selection_(model.libraryList(), rows_)
+  , filters_(model.libraryList())
+  , mail_(model)
+  , attachments_(model)
+  , removal_(model)
+  , rowsTask_(model.context().tasks)
+  , copyTask_(model.context().tasks) {
+    wire();
+}
+
+void LibraryScreen::wire() {
+    LibraryListFlow& flow = model_.libraryList();
+    connect(&flow, &LibraryListFlow::listChanged, this, &LibraryScreen::updateRows);
+    connect(&flow, &LibraryListFlow::selectionChanged, this, &LibraryScreen::updateSelection);
+    connect(&flow, &LibraryListFlow::filtersChanged, this, [this] {
+        isRearranging_ = true;
+        updateState();
+    });
+    connect(&flow, &LibraryListFlow::searchChanged, this, [this] {
+        texts_.setQuery(model_.libraryList().debouncedQuery());
+        Q_EMIT searchChanged();
+    });
+    connect(&model_.presence(), &PresenceFlow::presenceChanged, this, &LibraryScreen::showMail);
+    connect(&model_.library(), &LibraryLoader::archiveLocationsChanged, &rows_,
+            &LibraryRowModel::notifyPlaces);
+    connect(&model_.library(), &LibraryLoader::archivedFilesChanged, &rows_, &LibraryRowModel::notifyPlaces);
+    connect(&model_.library(), &LibraryLoader::archivedEntriesChanged, this, &LibraryScreen::updateState);
+    connect(&model_.library(), &LibraryLoader::loadFinished, this, &LibraryScreen::updateState);
+    connect(&model_.bodyTexts(), &BodyTexts::bodyIndexFinished, &texts_, &RowTexts::forget);
+    connect(&model_.mailOpening(), &ArchivedMailOpening::ended, this, &LibraryScreen::handleOpened);
+    connect(&attachments_, &AttachmentTiles::noticed, this, &LibraryScreen::noticed);
+    connect(&removal_, &RemovalQuestion::changed, this, &LibraryScreen::summaryChanged);
+}
+
+void LibraryScreen::appear() {
+    if (std::exchange(hasAppeared_, true)) return;
+    model_.context().startupLog.mark(fmt::format("ArchiveLibrary onAppear entries={} visible={}",
+                                                 model_.library().archivedEntries()->size(),
+                                                 rows_.content().rows->size()));
+    model_.library().loadEmailArchiveIndex(model_.destinations().transferDestination(), false);
+    model_.presence().refreshArchivedOriginalPresenceIfNeeded(false);
+    model_.libraryIndex().rebuildLibraryIndexIfNeeded();
+    updateRows();
+}
+
+void LibraryScreen::updateRows() {
+    waiting_.reset();
+
+    struct Job {
+        RowsOfList from;
+        SharedLibraryList to;
+        OpenThreads open;
+    };
+
+    rowsTask_.start(
+        TaskPriority::userInitiated, Job{rows_.content(), model_.libraryList().list(), open_},
+        [](const Job& job, const TaskHandle&) {
+            auto update = std::make_shared<Update>();
+            update->content = {job.to, libraryRows(*job.to, job.open)};
+            update->changes = libraryRowChanges(job.from, update->content);
+            update->facets = LibraryFacets::of(*job.to);
+            return update;
+        },
+        [this](std::shared_ptr<Update> update) { applyUnlessHeld(std::move(update)); });
+    updateState();
+}
+
+void LibraryScreen::applyUnlessHeld(std::shared_ptr<Update> update) {
+    if (isHeld_)
+        waiting_ = std::move(update);
+    else
+        apply(*update);
+}
+
+void LibraryScreen::setHeld(bool held) {
+    if (isHeld_ == held) return;
+    isHeld_ = held;
+    Q_EMIT heldChanged();
+    if (const auto update = std::exchange(waiting_, nullptr); !held && update) apply(*update);
+}
+
+void LibraryScreen::apply(Update& update) {
+    RowsOfList earlier = rows_.content();
+    rows_.apply(std::move(update.content), update.changes);
+    // The end of a large list takes longer than a frame.
+    model_.context().tasks.discard(std::make_shared<RowsOfList>(std::move(earlier)));
+    filters_.setFacets(std::move(update.facets));
+    if (areRowsPresent()) rows_.setShownSelection(model_.libraryList().selection());
+    selection_.remap(update.changes.newRows, rows_.count());
+    if (areRowsPresent()) model_.libraryList().selectFirstVisibleIfNeeded();
+    updateSelection();
+    if (std::exchange(isRearranging_, false)) Q_EMIT listRearranged();
+    Q_EMIT summaryChanged();
+    updateState();
+}
+
+bool LibraryScreen::areRowsPresent() const {
+    return rows_.content().list->inputs.index == model_.libraryList().list()->inputs.index;
+}
+
+// Positions of another index than that of the rows wait for its rows.
+void LibraryScreen::updateSelection() {
+    if (!areRowsPresent()) return;
+    rows_.setShownSelection(model_.libraryList().selection());
+    selection_.showSelected();
+    showMail();
+    Q_EMIT selection_.selectionChanged(0, rows_.count() - 1);
+    Q_EMIT summaryChanged();
+}
+
+void LibraryScreen::showMail() {
+    const ArchiveLibraryIndex& index = rows_.content().list->index();
+    const auto selected = rows_.shownSelection().selectedID();
+    const ArchivedEntry* entry = selected && *selected < index.size() ? &index.entry(*selected) : nullptr;
+    const auto before = mail_.entry();
+    mail_.show(entry, entry == nullptr ? ArchivedOriginalPresenceStatus::unknown
+                                       : model_.presence().archivedOriginalPresenceStatus(*entry));
+    if (before != mail_.entry()) attachments_.show(entry, mail_.fileState() == ArchivedMail::FileState::Here);
+}
+
+LibraryScreen::State LibraryScreen::currentState() const {
+    if (rows_.count() > 0) return State::Listed;
+    if (model_.library().archivedEntries()->empty())
+        return model_.library().isLoading() ? State::Loading : State::Empty;
+    const bool isWaiting = rowsTask_.isRunning() || !model_.libraryList().isCurrent() ||
+                           !model_.libraryIndex().isCurrent() || isSearching();
+    return isWaiting ? (state_ == State::NoMatch ? State::NoMatch : State::Loading) : State::NoMatch;
+}
+
+void LibraryScreen::updateState() {
+    state_ = currentState();
+    Q_EMIT stateChanged();
+}
+
+std::int64_t LibraryScreen::selectedBytes() const {
+    const ArchiveLibraryIndex& index = rows_.content().list->index();
+    std::int64_t bytes = 0;
+    for (const EntryPosition entry : selection_.entries()) bytes += index.entry(entry).record.sizeBytes;
+    return bytes;
+}
+
+QString LibraryScreen::summaryText() const {
+    if (selection_.count() > 1)
+        return QStringLiteral("已选 ") + countAndSize(selection_.count(), selectedBytes());
+    const auto entries = std::ssize(rows_.content().list->entries.entries());
+    const QString sum = countAndSize(entries, filters_.facets().bytes);
+    return rows_.content().list->inputs.filters.matchedIDs ? QStringLiteral("找到 ") + sum : sum;
+}
+
+QString LibraryScreen::searchNote() const {
+    QStringList names;
+    for (const std::string& root : model_.libraryList().rootsNotSearched()) {
+        const ArchiveLocation* location = model_.library().location(root);
+        names += screens::shownLine(location == nullptr ? platform::lastPathComponent(root)
+                                                        : location->displayName);
+    }
+    return names.isEmpty() ? QString() : QStringLiteral("没有查到这些位置：") + names.join(u'、');
+}
+
+QString LibraryScreen::query() const {
+    return screens::wholeText(model_.libraryList().searchText());
+}
+
+void LibraryScreen::setQuery(const QString& query) {
+    model_.libraryList().setSearchText(query.toStdString());
+}
+
+void LibraryScreen::toggleThread(int row) {
+    const LibraryRow* thread = rows_.rowAt(row);
+    if (thread == nullptr || thread->kind != LibraryRow::Kind::thread) return;
+    const std::string name = threadName(rows_.content().list->index(), thread->entry);
+    if (thread->isOpen)
+        open_.erase(name);
+    else
+        open_.insert(name);
+    // Rows that are being made don't know of it yet.
+    if (rowsTask_.isRunning() || waiting_) return updateRows();
+    if (thread->isOpen)
+        removeMembers(row);
+    else
+        insertMembers(row);
+}
+
+void LibraryScreen::insertMembers(int row) {
+    const auto at = static_cast<std::size_t>(row);
+    const LibraryRows members = memberRows(*rows_.content().list, rows_.rowAt(row)->group);
+    LibraryRows rows = *rows_.content().rows;
+    rows[at].isOpen = true;
+    rows.insert(rows.begin() + row + 1, members.begin(), members.end());
+    const auto memberCount = static_cast<int>(members.size());
+    RowChanges changes;
+    changes.inserted.push_back({row + 1, memberCount});
+    changes.changed.push_back({row, 1});
+    for (int each = 0; each < rows_.count(); ++each)
+        changes.newRows.push_back(each <= row ? each : each + memberCount);
+    applyRows(std::move(rows), std::move(changes));
+}
+
+void LibraryScreen::removeMembers(int row) {
+    LibraryRows rows = *rows_.content().rows;
+    rows[static_cast<std::size_t>(row)].isOpen = false;
+    const auto first = rows.begin() + row + 1;
+    const auto end = std::find_if(
+        first, rows.end(), [](const LibraryRow& each) { return each.kind != LibraryRow::Kind::member; });
+    const auto memberCount = static_cast<int>(end - first);
+    rows.erase(first, end);
+    RowChanges changes;
+    changes.removed.push_back({row + 1, memberCount});
+    changes.changed.push_back({row, 1});
+    for (int each = 0; each < rows_.count(); ++each) {
+        const bool isMember = each > row && each <= row + memberCount;
+        // The current row goes to the thread with its members.
+        changes.newRows.push_back(isMember ? -1 : each <= row ? each : each - memberCount);
+    }
+    if (selection_.currentRow() > row && selection_.currentRow() <= row + memberCount) selection_.select(row);
+    applyRows(std::move(rows), std::move(changes));
+}
+
+void LibraryScreen::applyRows(LibraryRows rows, RowChanges changes) {
+    RowsOfList content{rows_.content().list, std::make_shared<const LibraryRows>(std::move(rows))};
+    rows_.apply(std::move(content), changes);
+    selection_.remap(changes.newRows, rows_.count());
+}
+
+void LibraryScreen::closeThread(int row) {
+    const LibraryRow* at = rows_.rowAt(row);
+    if (at == nullptr) return;
+    if (at->isOpen) return toggleThread(row);
+    if (at->kind != LibraryRow::Kind::member) return;
+    while (row > 0 && rows_.rowAt(row)->kind == LibraryRow::Kind::member) --row;
+    selection_.select(row);
+}
+
+void LibraryScreen::openThread(int row) {
+    const LibraryRow* at = rows_.rowAt(row);
+    if (at == nullptr || at->kind != LibraryRow::Kind::thread) return;
+    if (at->isOpen)
+        selection_.select(row + 1);
+    else
+        toggleThread(row);
+}
+
+void LibraryScreen::openMail() {
+    if (!mail_.entry()) return;
+    if (mail_.fileState() == ArchivedMail::FileState::Unplugged) {
+        Q_EMIT noticed(mail_.openHelp());
+        return;
+    }
+    model_.mailOpening().openArchivedEmail(*mail_.entry());
+}
+
+void LibraryScreen::handleOpened() {
+    const std::string error = model_.mailOpening().openArchiveError();
+    const std::string& text = error.empty() ? model_.mailOpening().openArchiveNote() : error;
+    if (!text.empty()) Q_EMIT noticed(screens::shownLine(text));
+}
+
+void LibraryScreen::revealMail() {
+    if (!mail_.entry()) return;
+    if (mail_.fileState() == ArchivedMail::FileState::Here ||
+        mail_.fileState() == ArchivedMail::FileState::Unknown)
+        return model_.mailOpening().revealArchivedEmail(*mail_.entry());
+    Q_EMIT noticed(mail_.stateText());
+}
+
+void LibraryScreen::findOriginal() {
+    if (!mail_.entry()) return;
+    model_.mailOpening().locateOriginalInMail(mail_.entry()->record, [self = QPointer(this)](bool wasOpened) {
+        if (self && !wasOpened) Q_EMIT self->noticed(QStringLiteral("没有在 Mail 中找到这封邮件的原件。"));
+    });
+}
+
+void LibraryScreen::copyRows() {
+    copyTask_.start(TaskPriority::userInitiated, CopyJob{rows_.content().list, selection_.entries()},
+                    &copiedLines, [this](const QString& lines) {
+                        if (!lines.isEmpty()) desktop_.copy(lines);
+                    });
+}
+
+void LibraryScreen::copyMail() {
+    if (mail_.hasMail()) desktop_.copy(mail_.wholeMail());
+}
+
+bool LibraryScreen::canRemove() const {
+    return selection_.count() > 0 && removal_.step() != RemovalQuestion::Step::Removing;
+}
+
+void LibraryScreen::removeSelected() {
+    // Rows of an index that has been replaced may name what isn't there any more.
+    if (!canRemove() || !areRowsPresent()) return;
+    const ArchiveLibraryIndex& index = rows_.content().list->index();
+    std::vector<const ArchivedEntry*> entries;
+    for (const EntryPosition entry : selection_.entries()) entries.push_back(&index.entry(entry));
+    removal_.ask(entries);
+}
+
+} // namespace corvane

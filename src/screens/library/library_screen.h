@@ -1,0 +1,157 @@
+// The screen 归档库: the list over the model's library, its selection and filters, the mail that is shown,
+// and what can be done with what is selected. Main thread.
+//
+// A new list of the model is made into rows and compared with the shown ones in the background; rows come and
+// go in one step, together with the selection that belongs to them.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+#include "model/corvane_view_model.h"
+#include "screens/desktop/desktop_actions.h"
+#include "screens/library/detail/archived_mail.h"
+#include "screens/library/detail/attachment_tiles.h"
+#include "screens/library/library_filter_menus.h"
+#include "screens/library/removal/removal_question.h"
+#include "screens/library/rows/library_row_model.h"
+#include "screens/library/rows/library_row_selection.h"
+#include "screens/library/rows/row_texts.h"
+
+namespace corvane {
+
+class LibraryScreen : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("belongs to the window")
+    Q_PROPERTY(State state READ state NOTIFY stateChanged)
+    Q_PROPERTY(QString summaryText READ summaryText NOTIFY summaryChanged)
+    Q_PROPERTY(QString searchNote READ searchNote NOTIFY searchChanged)
+    Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY searchChanged)
+    Q_PROPERTY(bool searching READ isSearching NOTIFY searchChanged)
+    Q_PROPERTY(bool ascending READ isAscending WRITE setAscending NOTIFY summaryChanged)
+    Q_PROPERTY(bool held READ isHeld WRITE setHeld NOTIFY heldChanged)
+    Q_PROPERTY(bool canRemove READ canRemove NOTIFY summaryChanged)
+    Q_PROPERTY(corvane::LibraryRowModel* list READ list CONSTANT)
+    Q_PROPERTY(corvane::LibraryRowSelection* selection READ selection CONSTANT)
+    Q_PROPERTY(corvane::LibraryFilterMenus* filters READ filters CONSTANT)
+    Q_PROPERTY(corvane::ArchivedMail* mail READ mail CONSTANT)
+    Q_PROPERTY(corvane::AttachmentTiles* attachments READ attachments CONSTANT)
+    Q_PROPERTY(corvane::RemovalQuestion* removal READ removal CONSTANT)
+
+  public:
+    enum class State { Listed, Loading, NoMatch, Empty };
+    Q_ENUM(State)
+
+    // Both must outlive the screen.
+    LibraryScreen(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent = nullptr);
+
+    // Somebody looks at the screen for the first time: the index is made from here on.
+    Q_INVOKABLE void appear();
+
+    [[nodiscard]] State state() const { return state_; }
+
+    // Count and size of what is selected where it is more than one mail, else of the list.
+    [[nodiscard]] QString summaryText() const;
+
+    // Which archives the search couldn't ask; empty without any.
+    [[nodiscard]] QString searchNote() const;
+
+    [[nodiscard]] QString query() const;
+    void setQuery(const QString& query);
+
+    [[nodiscard]] bool isSearching() const { return model_.libraryList().isSearching(); }
+
+    [[nodiscard]] bool isAscending() const { return model_.libraryList().sortAscending(); }
+
+    void setAscending(bool ascending) { model_.libraryList().setSortAscending(ascending); }
+
+    // While something is pressed or a menu is open, the rows stay as they are.
+    [[nodiscard]] bool isHeld() const { return isHeld_; }
+
+    void setHeld(bool held);
+
+    // Something is selected, and no removal is under way.
+    [[nodiscard]] bool canRemove() const;
+
+    [[nodiscard]] LibraryRowModel* list() { return &rows_; }
+
+    [[nodiscard]] LibraryRowSelection* selection() { return &selection_; }
+
+    [[nodiscard]] LibraryFilterMenus* filters() { return &filters_; }
+
+    [[nodiscard]] ArchivedMail* mail() { return &mail_; }
+
+    [[nodiscard]] AttachmentTiles* attachments() { return &attachments_; }
+
+    [[nodiscard]] RemovalQuestion* removal() { return &removal_; }
+
+    // Opens or closes the thread of a row; no effect on other rows.
+    Q_INVOKABLE void toggleThread(int row);
+
+    // What the arrows left and right do: closes the thread or goes to its row, opens it or goes to its first.
+    Q_INVOKABLE void closeThread(int row);
+    Q_INVOKABLE void openThread(int row);
+
+    Q_INVOKABLE void openMail();
+    Q_INVOKABLE void revealMail();
+    Q_INVOKABLE void findOriginal();
+    Q_INVOKABLE void copyRows();
+    Q_INVOKABLE void copyMail();
+    Q_INVOKABLE void removeSelected();
+
+    // What the last removal left, as lines.
+    Q_INVOKABLE void copyFailures() { desktop_.copy(removal_.failureLines()); }
+
+  Q_SIGNALS:
+    void stateChanged();
+    void summaryChanged();
+    void searchChanged();
+    void heldChanged();
+    // What an action has to say.
+    void noticed(const QString& text);
+    // The list is another one because filters or order are others: the view shows the current row.
+    void listRearranged();
+
+  private:
+    struct Update;
+
+    void wire();
+    void updateRows();
+    void applyUnlessHeld(std::shared_ptr<Update> update);
+    void apply(Update& update);
+    void updateSelection();
+    void updateState();
+    void showMail();
+    void insertMembers(int row);
+    void removeMembers(int row);
+    void applyRows(LibraryRows rows, RowChanges changes);
+    void handleOpened();
+    [[nodiscard]] bool areRowsPresent() const;
+    [[nodiscard]] State currentState() const;
+    [[nodiscard]] std::int64_t selectedBytes() const;
+
+    CorvaneViewModel& model_;
+    DesktopActions& desktop_;
+    RowTexts texts_;
+    LibraryRowModel rows_;
+    LibraryRowSelection selection_;
+    LibraryFilterMenus filters_;
+    ArchivedMail mail_;
+    AttachmentTiles attachments_;
+    RemovalQuestion removal_;
+    OpenThreads open_;
+    State state_ = State::Loading;
+    bool hasAppeared_ = false;
+    bool isHeld_ = false;
+    bool isRearranging_ = false;
+    std::shared_ptr<Update> waiting_;
+    TaskSlot rowsTask_;
+    TaskSlot copyTask_;
+};
+
+} // namespace corvane

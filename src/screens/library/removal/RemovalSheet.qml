@@ -1,0 +1,93 @@
+// Asks before mail goes from its archive. Where a mail may be the only copy, a tick of its own comes first; Return
+// never removes unless the keyboard is on the button.
+import QtQuick
+import QtQuick.Layouts
+import Corvane
+
+Sheet {
+    id: sheet
+
+    required property RemovalQuestion removal
+    readonly property bool removing: removal.step === RemovalQuestion.Removing
+    readonly property bool wanted: removal.step === RemovalQuestion.Asking || removing
+
+    onWantedChanged: {
+        if (wanted)
+            open();
+        else
+            close();
+    }
+    onClosed: {
+        if (removal.step === RemovalQuestion.Asking)
+            removal.close();
+    }
+
+    objectName: "removalSheet"
+    wantedWidth: 560
+    title: removal.title
+    subtitle: removal.line
+    note: removal.note
+    dismissable: !removing
+    primary: cancel
+
+    RemovalItems {
+        Layout.fillWidth: true
+        items: sheet.wanted ? sheet.removal.items : []
+        leftOut: sheet.removal.itemsLeftOut
+    }
+    Banner {
+        objectName: "onlyCopyBanner"
+        Layout.fillWidth: true
+        visible: sheet.removal.onlyTitle.length > 0
+        kind: "attention"
+        headline: sheet.removal.onlyTitle
+        lines: [sheet.removal.onlyText]
+        footer: [
+            RowLayout {
+                spacing: Theme.space
+                Layout.bottomMargin: 2
+
+                TickBox {
+                    id: tick
+                    objectName: "onlyCopyTick"
+                    enabled: !sheet.removing
+                    name: sheet.removal.onlyTick
+                    tick: sheet.removal.ticked ? 1 : 0
+                    onClicked: sheet.removal.ticked = !sheet.removal.ticked
+                }
+                AppText {
+                    Layout.fillWidth: true
+                    text: sheet.removal.onlyTick
+                    Accessible.ignored: true
+                    TapHandler {
+                        enabled: !sheet.removing
+                        onTapped: sheet.removal.ticked = !sheet.removal.ticked
+                    }
+                }
+            }
+        ]
+    }
+    barItems: [
+        AppButton {
+            id: cancel
+            objectName: "removalCancel"
+            implicitHeight: Theme.controlHeightPrimary
+            horizontalPadding: 20
+            enabled: !sheet.removing
+            text: "取消"
+            onClicked: sheet.removal.close()
+        },
+        AppButton {
+            objectName: "removalAccept"
+            implicitHeight: Theme.controlHeightPrimary
+            horizontalPadding: 20
+            enabled: sheet.removal.canAccept
+            text: "删除 " + sheet.removal.count + " 封"
+            fill: down ? Theme.dangerLine : Theme.dangerBackground
+            edge: Theme.dangerLine
+            labelColor: Theme.danger
+            labelWeight: Theme.strong
+            onClicked: sheet.removal.accept()
+        }
+    ]
+}
