@@ -68,6 +68,9 @@ FocusScope {
         function onTroubledRequested() {
             view.goByKey("mails");
         }
+        function onLibraryRequested() {
+            view.goByKey("library");
+        }
     }
     Connections {
         target: OpenSheets

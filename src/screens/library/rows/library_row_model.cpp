@@ -1,6 +1,7 @@
 #include "screens/library/rows/library_row_model.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "library/displayable_names.h"

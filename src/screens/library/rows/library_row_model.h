@@ -2,6 +2,7 @@
 // texts of bodies come later. Main thread.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 
 #include <QtQml/qqmlregistration.h>

@@ -1,5 +1,6 @@
 #include "screens/library/rows/library_rows.h"
 
+#include <optional>
 #include <unordered_set>
 
 namespace corvane {

@@ -2,6 +2,7 @@
 // in the background for the rows that were asked for last; kept for some thousand mails. Main thread.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
