@@ -42,7 +42,7 @@ class LibraryScreenTest : public ModelTest {
             const auto value = [&](int role) { return list.data(list.index(row), role); };
             all += value(LibraryRowModel::KindRole).toString().first(1) +
                    QString::fromStdString(list.entryAt(row)->record.id.str()).last(1) +
-                   (value(LibraryRowModel::SelectedRole).toBool() ? u"*" : u"");
+                   (value(LibraryRowModel::SelectedRole).toBool() ? QStringLiteral("*") : QString());
         }
         return all;
     }
