@@ -21,7 +21,6 @@ using testing::Effect;
 using testing::FaultyFileLayer;
 using testing::FileOperation;
 using testing::TemporaryHome;
-using namespace std::chrono_literals;
 
 std::optional<ArchiveError::Case> writeError(platform::FileLayer& files, std::string_view bytes,
                                              const std::string& path) {

@@ -262,36 +262,26 @@ HomeScreen::HomeAction HomeScreen::effectiveHomeAction() const {
 }
 
 QString HomeScreen::nothingToDoLine() const {
-    if (screens::hasScreen(SidebarPlace::archived))
-        return QStringLiteral("已备份的邮件可以在「已归档概览」里查看。");
-    return model_.library().archivedEntries()->empty() ? QString()
-                                                       : QStringLiteral("已备份的邮件在归档文件夹里。");
+    return QStringLiteral("已备份的邮件可以在「已归档概览」里查看。");
 }
 
 QString HomeScreen::organizePrimaryTitle() const {
     if (archive_.isRunning()) return QStringLiteral("查看归档进度");
-    if (effectiveHomeAction() == HomeAction::openArchiveLibrary)
-        return screens::hasScreen(SidebarPlace::library) ? QStringLiteral("打开归档库")
-                                                         : QStringLiteral("打开归档文件夹");
+    if (effectiveHomeAction() == HomeAction::openArchiveLibrary) return QStringLiteral("打开归档库");
     return selection_.count > 0 ? QStringLiteral("归档选中") : QStringLiteral("归档全部");
 }
 
 bool HomeScreen::organizePrimaryDisabled() const {
-    if (archive_.isRunning()) return false;
-    const DestinationView destination = destinationView(model_);
-    if (effectiveHomeAction() == HomeAction::openArchiveLibrary) {
-        const bool canOpenFolder = destination.path && destination.facts.connected;
-        return !screens::hasScreen(SidebarPlace::library) && !canOpenFolder;
-    }
-    return state() != List || !destination.path || model_.catalog().messages()->empty() || !hasFigures() ||
-           (selection_.count == 0 && candidateCountInScope() == 0);
+    if (archive_.isRunning() || effectiveHomeAction() == HomeAction::openArchiveLibrary) return false;
+    return state() != List || !destinationView(model_).path || model_.catalog().messages()->empty() ||
+           !hasFigures() || (selection_.count == 0 && candidateCountInScope() == 0);
 }
 
 void HomeScreen::runOrganizePrimaryAction() {
     if (archive_.isRunning()) {
         archive_.bringToFront();
     } else if (effectiveHomeAction() == HomeAction::openArchiveLibrary) {
-        openLibrary();
+        Q_EMIT libraryRequested();
     } else if (!destinationView(model_).path) {
         return; // the location bar asks for it
     } else if (model_.accounts().availableAccounts().empty() &&
@@ -301,14 +291,6 @@ void HomeScreen::runOrganizePrimaryAction() {
         model_.scanFlow().scan();
     } else if (!model_.catalog().messages()->empty() && !isPartial()) {
         openArchive(selection_.count == 0);
-    }
-}
-
-void HomeScreen::openLibrary() {
-    if (screens::hasScreen(SidebarPlace::library)) {
-        Q_EMIT libraryRequested();
-    } else if (const auto& path = destinationView(model_).path) {
-        desktop_.open(QUrl::fromLocalFile(screens::wholeText(*path)));
     }
 }
 

@@ -122,7 +122,6 @@ class HomeScreen : public QObject {
     void setScope(OrganizeScope scope);
     void applyScope();
     void openArchive(bool everything);
-    void openLibrary();
     [[nodiscard]] bool hasFigures() const;
 
     [[nodiscard]] bool isPartial() const { return model_.catalog().state()->isPartial(); }

@@ -10,16 +10,15 @@ struct Place {
     const char16_t* key;
     const char16_t* title;
     const char16_t* symbol;
-    bool hasScreen;
 };
 
 // By SidebarPlace.
 constexpr std::array<Place, allPlaces.size()> places = {{
-    {u"home", u"归档邮件", u"archive", true},
-    {u"archived", u"已归档概览", u"shield-check", true},
-    {u"library", u"归档库", u"library", true},
-    {u"mails", u"邮件列表", u"mails", true},
-    {u"space", u"Mail 空间", u"chart-pie", true},
+    {u"home", u"归档邮件", u"archive"},
+    {u"archived", u"已归档概览", u"shield-check"},
+    {u"library", u"归档库", u"library"},
+    {u"mails", u"邮件列表", u"mails"},
+    {u"space", u"Mail 空间", u"chart-pie"},
 }};
 
 const Place& entryOf(SidebarPlace place) {
@@ -31,10 +30,6 @@ const Place& entryOf(SidebarPlace place) {
 PlaceTexts textsOf(SidebarPlace place) {
     const Place& entry = entryOf(place);
     return {QString::fromUtf16(entry.key), QString::fromUtf16(entry.title), QString::fromUtf16(entry.symbol)};
-}
-
-bool hasScreen(SidebarPlace place) {
-    return entryOf(place).hasScreen;
 }
 
 } // namespace corvane::screens

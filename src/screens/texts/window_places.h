@@ -1,4 +1,4 @@
-// The places of the window: which there are, how they are called, and which of them have a screen. Constant.
+// The places of the window: which there are, and how they are called. Constant.
 #pragma once
 
 #include <array>
@@ -22,9 +22,6 @@ inline constexpr std::array allPlaces = {SidebarPlace::home, SidebarPlace::archi
                                          SidebarPlace::mails, SidebarPlace::space};
 
 PlaceTexts textsOf(SidebarPlace place);
-
-// Sentences name only places that the user finds in the sidebar.
-bool hasScreen(SidebarPlace place);
 
 } // namespace screens
 

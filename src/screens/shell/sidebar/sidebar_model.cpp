@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::chrono::seconds figurePause(1);
 
-// The keys stay the same whichever places have a screen.
+// The digit that goes there with Ctrl.
 int numberOf(SidebarPlace place) {
     return static_cast<int>(place) + 1;
 }
@@ -18,9 +18,7 @@ int numberOf(SidebarPlace place) {
 
 SidebarModel::SidebarModel(QObject* parent)
   : QAbstractListModel(parent) {
-    for (const SidebarPlace place : screens::allPlaces) {
-        if (screens::hasScreen(place)) rows_.push_back({place, {}, {}});
-    }
+    for (const SidebarPlace place : screens::allPlaces) rows_.push_back({place, {}, {}});
     pause_.setSingleShot(true);
     pause_.setInterval(figurePause);
     connect(&pause_, &QTimer::timeout, this, &SidebarModel::publish);
