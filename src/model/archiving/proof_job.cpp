@@ -31,6 +31,9 @@ constexpr int roundsAtMost = 4;
 
 constexpr std::chrono::milliseconds reportInterval{200};
 
+// Each save waits for the disk. What a killed proof has not saved yet is read again by the next.
+constexpr std::chrono::seconds saveInterval{2};
+
 // One file that a subject wants read.
 struct Wanted {
     std::size_t subject = 0;
@@ -91,6 +94,7 @@ class Proof {
     static void collect(std::size_t number, const ProofSubject& subject, std::vector<Wanted>& wanted);
     bool readNext(std::vector<ProofSubject>& subjects);
     void keep(const Wanted& wanted, const FileReading& reading, ProofSubject& subject);
+    void save();
     void report();
 
     const ProofJob& job_;
@@ -100,10 +104,11 @@ class Proof {
     archive::ProofLanes lanes_;
     ProofStore store_;
     std::deque<FileReading> held_; // of the messages at work
-    ReadingBatch fresh_;           // of them, not in the store yet
+    ReadingBatch fresh_;           // not in the store yet
     ReadingBatch all_;
     ProofEnd end_;
     std::optional<std::chrono::steady_clock::time_point> lastReport_;
+    std::chrono::steady_clock::time_point lastSave_ = std::chrono::steady_clock::now();
 };
 
 SharedArchivedRecords Proof::recordsOf(const ProofJob& job) {
@@ -137,8 +142,10 @@ ProofEnd Proof::run() {
         const std::size_t count = std::min(messagesAtATime, unproven.size() - begin);
         prove(std::span(unproven).subspan(begin, count));
         if (!task_.isCancelled()) end_.progress.completed += static_cast<std::int64_t>(count);
+        if (std::chrono::steady_clock::now() - lastSave_ >= saveInterval) save();
         report();
     }
+    save();
     end_.wasCancelled = task_.isCancelled();
     end_.hungPlaces = lanes_.hungPlaces();
     end_.readings = std::make_shared<const ReadingBatch>(std::move(all_));
@@ -152,9 +159,13 @@ void Proof::prove(std::span<const MailMessageRecord* const> messages) {
         forgetFailures(subjects[number]);
     });
     for (int round = 0; round < roundsAtMost && readNext(subjects); ++round) report();
+    held_.clear();
+}
+
+void Proof::save() {
     store_.save(fresh_);
     all_.append(std::exchange(fresh_, {}));
-    held_.clear();
+    lastSave_ = std::chrono::steady_clock::now();
 }
 
 void Proof::collect(std::size_t number, const ProofSubject& subject, std::vector<Wanted>& wanted) {
