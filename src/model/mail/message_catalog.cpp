@@ -51,6 +51,7 @@ void MessageCatalog::replacePreview(std::string_view id, SharedText preview) {
 void MessageCatalog::setGeneration(CatalogState state, Files files) {
     availabilityRefreshTask_.cancel(); // its result is of the generation before
     files_ = files;
+    savedCache_.reset();
     withNewPreview_.clear();
     setState(std::move(state));
     Q_EMIT summaryChanged();
@@ -176,8 +177,11 @@ void MessageCatalog::publish(SharedAvailability availability) {
 
 void MessageCatalog::saveCacheIfDue(const std::optional<Date>& scannedAt) {
     if (!dueCache_) return;
-    dueCache_->scannedAt = scannedAt;
-    cacheWriter_.save(*std::exchange(dueCache_, std::nullopt));
+    ScanCacheState due = *std::exchange(dueCache_, std::nullopt);
+    due.scannedAt = scannedAt;
+    if (savedCache_ == due) return;
+    savedCache_ = due;
+    cacheWriter_.save(std::move(due));
 }
 
 } // namespace corvane

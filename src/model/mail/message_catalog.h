@@ -121,9 +121,9 @@ class MessageCatalog : public QObject {
     // Unless forced, a generation that is known or being worked on isn't worked on again.
     void refreshAvailabilityCacheAsync(bool force);
 
-    // Writes the scan cache if the last availability run left a new state for it. Called when the list shows:
-    // the writing takes both processors for longer than the list does. `scannedAt` is when the mail was read;
-    // absent: now.
+    // Writes the scan cache if the last availability run left another state for it than the one of this
+    // generation that was written last. Called when the list shows: the writing takes both processors for
+    // longer than the list does. `scannedAt` is when the mail was read; absent: now.
     void saveCacheIfDue(const std::optional<Date>& scannedAt);
 
     // Gives the message another preview until the next generation. The list keeps the old one: a copy of
@@ -155,6 +155,7 @@ class MessageCatalog : public QObject {
     Files files_ = Files::unknown; // of the generation
     std::unordered_map<SharedText, MailMessageRecord, TextHash, TextEqual> withNewPreview_; // by id
     std::optional<ScanCacheState> dueCache_;
+    std::optional<ScanCacheState> savedCache_; // of this generation
     ScanCacheWriter cacheWriter_;
     TaskSlot availabilityRefreshTask_;
 };

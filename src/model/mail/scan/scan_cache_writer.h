@@ -20,6 +20,9 @@ struct ScanCacheState {
     std::vector<YearStat> localYearStats;
     std::vector<AccountYearStatGroup> localAccountYearStats;
     std::optional<Date> scannedAt; // absent: now
+
+    // Lists and sets by identity: what is shared is never compared element by element.
+    friend bool operator==(const ScanCacheState&, const ScanCacheState&) = default;
 };
 
 struct WriteScanCache {
