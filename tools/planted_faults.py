@@ -97,7 +97,7 @@ FAULTS = (
     Fault("mail of the newest year asked for is left out", "candidates.cpp",
           "(!maximumYear || *year <= *maximumYear)", "(!maximumYear || *year < *maximumYear)", ("listing", "model")),
     Fault("a destination that is exactly large enough is refused", "archive_capacity.cpp",
-          "*available >= estimate", "*available > estimate", ("listing", "model")),
+          "*availableBytes >= estimate", "*availableBytes > estimate", ("listing", "model")),
     Fault("mail without a local file counts as safe", "deletion_safety.cpp",
           "if (!input.locallyAvailableIDs.contains(message.id)) continue;", "", ("listing", "model")),
     Fault("a window's safe figure counts what isn't archived", "deletion_safety.cpp",

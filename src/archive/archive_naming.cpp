@@ -62,6 +62,10 @@ std::string safeFileName(std::string_view text) {
     return namedOrRandom(safeText(text));
 }
 
+std::string yearFolder(const std::optional<Date>& date) {
+    return date ? std::to_string(localYear(*date)) : "未知年份";
+}
+
 std::string datePrefix(const MailMessageRecord& message) {
     return message.date ? localDay(*message.date) + " " : std::string();
 }
@@ -84,8 +88,7 @@ bool ArchivePaths::use(const SharedText& relativePath) {
 }
 
 std::string ArchivePaths::uniqueRelativePath(const MailMessageRecord& message, std::string_view suffix) {
-    const std::string year = message.date ? std::to_string(localYear(*message.date)) : "未知年份";
-    const std::string folder = fmt::format("{}/{}/", year, accountFolder(message));
+    const std::string folder = fmt::format("{}/{}/", yearFolder(message.date), accountFolder(message));
     const FileStem stem{datePrefix(message), subjectFragment(message), suffix};
     const std::size_t room = maximumNameBytes - fileExtension.size();
     const std::string plain = namedOrRandom(stem.fitting(room));

@@ -22,6 +22,9 @@ inline constexpr std::size_t maximumNameBytes = 255;
 // is repaired. A random UUID when nothing is left.
 std::string safeFileName(std::string_view text);
 
+// The folder of mail of that day: its year in the time zone of the process; "未知年份" without a date.
+std::string yearFolder(const std::optional<Date>& date);
+
 // "yyyy-MM-dd " in the time zone of the process; empty without a date.
 std::string datePrefix(const MailMessageRecord& message);
 
