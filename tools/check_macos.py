@@ -31,7 +31,7 @@ FRAMEWORKS = ["AppKit", "CoreFoundation", "Foundation"]
 # Where the system is called, whose types and symbols are others, and Objective-C's BOOL; and where simdjson is, whose
 # parser is written for each processor.
 INTEL_TARGETS = ["corvane_platform", "corvane_records",
-                 "src/mailstore/CMakeFiles/corvane_mailstore.dir/index/json_rows.cpp.o"]
+                 "src/mailstore/CMakeFiles/corvane_mailstore.dir/sqlite/json_rows.cpp.o"]
 
 
 def cache_folder():
