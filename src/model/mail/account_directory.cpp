@@ -88,6 +88,10 @@ std::optional<std::vector<MailAccount>> readAndAnalyze(const ReadJob& job,
 
 } // namespace
 
+const std::string& scannedName(const MailAccount& account) {
+    return account.linkedAccountEmail ? *account.linkedAccountEmail : account.emailAddress;
+}
+
 AccountDirectory::AccountDirectory(ModelContext& context, QObject* parent)
   : QObject(parent)
   , context_(context)

@@ -17,6 +17,9 @@ namespace corvane {
 
 struct FoundAccounts;
 
+// Under which a scan of the account is summed up. A local store that is linked has the name of its account.
+const std::string& scannedName(const MailAccount& account);
+
 class AccountDirectory : public QObject {
     Q_OBJECT
 

@@ -1,7 +1,9 @@
 #include "model/library/overview/overview_inputs.h"
 
+#include <algorithm>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace corvane {
 
@@ -15,13 +17,16 @@ bool isReady(const OverviewSources& sources, const ProofInputs& proofs) {
            sources.presence.presence()->entries == sources.libraryIndex.index()->input().entries;
 }
 
-// A scan of some accounts lists nothing of the others.
-std::set<std::string> unscannedAccounts(const AccountDirectory& accounts) {
-    const std::set<std::string>& selected = accounts.selectedAccountPrefixes();
+// A scan of some accounts lists nothing of the others; it sums up by name what it was of. Of accounts with
+// one name all were scanned, or nobody knows which.
+std::set<std::string> unscannedAccounts(const std::vector<MailAccount>& accounts,
+                                        const std::vector<std::string>& scannedNames) {
     std::set<std::string> unscanned;
-    if (selected.empty()) return unscanned;
-    for (const MailAccount& account : accounts.availableAccounts()) {
-        if (!selected.contains(account.urlPrefix)) unscanned.insert(account.urlPrefix);
+    if (scannedNames.empty()) return unscanned; // every account
+    for (const MailAccount& account : accounts) {
+        const std::string& name = scannedName(account);
+        if (std::ranges::count(scannedNames, name) < std::ranges::count(accounts, name, &scannedName))
+            unscanned.insert(account.urlPrefix);
     }
     return unscanned;
 }
@@ -36,7 +41,8 @@ OverviewInputs overviewInputs(const OverviewSources& sources, const ProofInputs&
             .messages = mail->set,
             .availability = mail->availability,
             .undownloadedYearCounts = {undownloaded.begin(), undownloaded.end()},
-            .unscannedAccounts = unscannedAccounts(sources.accounts),
+            .unscannedAccounts =
+                unscannedAccounts(sources.accounts.availableAccounts(), mail->summary.accountNames),
             .isReady = isReady(sources, proofs)};
 }
 

@@ -120,8 +120,7 @@ mailstore::AccountScope ScanFlow::selectedScope() const {
     mailstore::AccountScope scope;
     for (const MailAccount& account : accounts_.availableAccounts()) {
         if (!accounts_.selectedAccountPrefixes().contains(account.urlPrefix)) continue;
-        const std::string& name =
-            account.linkedAccountEmail ? *account.linkedAccountEmail : account.emailAddress;
+        const std::string& name = scannedName(account);
         scope.urlPrefixes.push_back(account.urlPrefix);
         scope.namesByPrefix[account.urlPrefix] = name;
         scope.names.push_back(name);
