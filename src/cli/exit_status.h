@@ -9,7 +9,7 @@ enum ExitStatus : int {
     done = 0,
     failed = 1,
     wrongUsage = 2,
-    doneWithIssues = 3, // an archive run with failures or variant warnings
+    doneWithIssues = 3, // done, but not for all: failures, warnings, or an answer that isn't of now
     interrupted = platform::interruptedStatus,
 };
 

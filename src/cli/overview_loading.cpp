@@ -28,7 +28,7 @@ void compareWithMail(Session& session) {
     PresenceFlow& presence = session.model().presence();
     presence.refreshArchivedOriginalPresenceIfNeeded(true);
     session.waitUntilIdle();
-    if (const auto& failure = presence.presence()->failureMessage) messageLine(*failure);
+    if (const auto& failure = presence.questionFailure()) messageLine(*failure);
     proveToEnd(session, {});
 }
 

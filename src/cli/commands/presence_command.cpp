@@ -9,6 +9,7 @@
 #include "cli/console/output.h"
 #include "cli/exit_status.h"
 #include "records/formatters.h"
+#include "records/logs/console_log.h"
 
 namespace corvane::cli {
 
@@ -56,7 +57,11 @@ int runPresence(Session& session, bool force, bool json) {
         printJson(*flow.presence());
     else
         printReadable(*flow.presence());
-    return done;
+    if (!flow.questionFailure()) return done;
+    // Of an earlier answer there are figures, which could be taken for those of now.
+    if (flow.presence()->checkedAt)
+        messageLine("Mail 没有答复，以上是上次对照的结果：" + *flow.questionFailure());
+    return doneWithIssues;
 }
 
 } // namespace

@@ -11,7 +11,6 @@ namespace corvane {
 ArchivedScreen::ArchivedScreen(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
   : QObject(parent)
   , model_(model)
-  , startedAt_(currentTimestamp())
   , detail_(model)
   , guide_(model, desktop)
   , access_(model, desktop) {
@@ -86,8 +85,8 @@ OriginalKnowledge ArchivedScreen::knowledge() const {
 }
 
 bool ArchivedScreen::isEarlierCheck() const {
-    const auto& checkedAt = model_.presence().presence()->checkedAt;
-    return checkedAt && *checkedAt < startedAt_;
+    const PresenceFlow& presence = model_.presence();
+    return presence.presence()->isOfEarlierRun || presence.questionFailure().has_value();
 }
 
 bool ArchivedScreen::canCheck() const {
@@ -100,11 +99,12 @@ void ArchivedScreen::check() {
 
 OverviewHero ArchivedScreen::hero() const {
     const OriginalPresence& presence = *model_.presence().presence();
-    return screens::overviewHero({.knowledge = knowledge(),
-                                  .shares = shares_,
-                                  .checkedAt = presence.checkedAt,
-                                  .isEarlierCheck = isEarlierCheck(),
-                                  .failure = screens::wholeText(presence.failureMessage.value_or(""))});
+    return screens::overviewHero(
+        {.knowledge = knowledge(),
+         .shares = shares_,
+         .checkedAt = presence.checkedAt,
+         .isEarlierCheck = isEarlierCheck(),
+         .failure = screens::wholeText(model_.presence().questionFailure().value_or(""))});
 }
 
 QVariantList ArchivedScreen::holdings() const {
@@ -120,7 +120,8 @@ QString ArchivedScreen::totalSize() const {
 }
 
 QString ArchivedScreen::sidebarFigure() const {
-    const bool frees = knowledge() == OriginalKnowledge::known && shares_.freeable.count > 0;
+    const bool frees =
+        knowledge() == OriginalKnowledge::known && !isEarlierCheck() && shares_.freeable.count > 0;
     return frees ? screens::shownSize(shares_.freeable.bytes) : QString();
 }
 

@@ -115,7 +115,7 @@ class ArchivedScreen : public QObject {
     void showCachedCheck();
 
     CorvaneViewModel& model_;
-    Date startedAt_;
+
     bool isOpened_ = false;
     ArchivedOverviewFilter filter_ = ArchivedOverviewFilter::all;
     ArchivedShares shares_;

@@ -85,6 +85,7 @@ SharedPresence presenceOfEntries(SharedEntryList entries, const SharedPresence& 
     if (presence->signature == earlier->signature) {
         presence->statuses = statusesInOrder(*entries, *earlier);
         presence->checkedAt = earlier->checkedAt;
+        presence->isOfEarlierRun = earlier->isOfEarlierRun;
         presence->failureMessage = earlier->failureMessage;
     }
     presence->entries = std::move(entries);
@@ -99,6 +100,7 @@ SharedPresence restoredPresence(const OriginalPresence& presence,
     restored->entries = presence.entries;
     restored->signature = presence.signature;
     restored->checkedAt = cache->cachedAt;
+    restored->isOfEarlierRun = true;
     restored->statuses.reserve(presence.entries->size());
     for (const ArchivedEntry& entry : *presence.entries) {
         const auto found = cache->statusesByEntryID.find(entry.id());

@@ -28,6 +28,7 @@ struct OriginalPresence {
     std::vector<ArchivedOriginalPresenceStatus> statuses{};
     // When the statuses were found; absent without any.
     std::optional<Date> checkedAt{};
+    bool isOfEarlierRun = false; // what the cache holds: a person may have deleted originals since
     // Why Mail couldn't be asked, for the user; absent unless the state is `unavailable`.
     std::optional<std::string> failureMessage{};
 

@@ -118,12 +118,13 @@ PresenceEnd withoutAnswer(const PresenceJob& job, const SharedPresence& known) {
     const char* const reason = isReadable ? schemaUnsupported : noFullDiskAccess;
     job.log.mark(fmt::format("archived-original-presence failed reason={} entries={} targets={}", reason,
                              known->entries->size(), contentTargets(*known->entries).size()));
-    if (!known->statuses.empty()) return {known, false};
+    std::string failure = textForUser(reason);
+    if (!known->statuses.empty()) return {known, std::move(failure)};
     auto presence = std::make_shared<OriginalPresence>();
     presence->entries = known->entries;
     presence->signature = known->signature;
-    presence->failureMessage = textForUser(reason);
-    return {presence, false};
+    presence->failureMessage = failure;
+    return {presence, std::move(failure)};
 }
 
 } // namespace
@@ -139,13 +140,13 @@ PresenceEnd runPresenceJob(const PresenceJob& job, const ReportingTask<SharedPre
             task.report(known);
         }
     }
-    if (!job.asksMail || task.isCancelled()) return {known};
+    if (!job.asksMail || task.isCancelled()) return {known, std::nullopt};
     auto statuses = PresenceCheck(job, known, task.stopToken()).compare();
-    if (task.isCancelled()) return {known};
+    if (task.isCancelled()) return {known, std::nullopt};
     if (!statuses) return withoutAnswer(job, known);
     SharedPresence presence = answered(*known, std::move(*statuses));
     store.save(presence->signature, *presence->checkedAt, *presence->entries, presence->statuses);
-    return {presence};
+    return {presence, std::nullopt};
 }
 
 } // namespace corvane

@@ -2,6 +2,7 @@
 // answer changes nothing, there or here.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "model/library/presence/original_presence.h"
@@ -22,8 +23,8 @@ struct PresenceJob {
 };
 
 struct PresenceEnd {
-    SharedPresence presence; // of the same entries, never null
-    bool wasAnswered = true; // by Mail, where it was asked
+    SharedPresence presence;            // of the same entries, never null
+    std::optional<std::string> failure; // why Mail, where it was asked, gave no answer, for the user
 };
 
 // First what the cache holds, as a step, where nothing is known yet; then, if wanted, what Mail answers.

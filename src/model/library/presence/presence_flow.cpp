@@ -69,6 +69,7 @@ void PresenceFlow::refreshArchivedOriginalPresenceIfNeeded(bool force) {
     if (!force && archivedOriginalPresenceSignature_ == presence_->signature) return;
     archivedOriginalPresenceSignature_ = presence_->signature;
     archivedOriginalPresenceTask_.cancel();
+    questionFailure_.reset();
     archivedOriginalPresenceTask_.startReporting<SharedPresence>(
         TaskPriority::utility,
         PresenceJob{context_.platform, context_.support, context_.startupLog, context_.mailRootPath,
@@ -87,7 +88,8 @@ void PresenceFlow::adopt(const SharedPresence& presence, bool isChecking) {
 
 void PresenceFlow::end(const PresenceEnd& end) {
     // Without an answer nothing was found out: the next wish is not held for fulfilled.
-    if (!end.wasAnswered) archivedOriginalPresenceSignature_.clear();
+    if (end.failure) archivedOriginalPresenceSignature_.clear();
+    questionFailure_ = end.failure;
     adopt(end.presence, false);
 }
 

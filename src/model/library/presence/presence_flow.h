@@ -4,6 +4,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <QObject>
@@ -30,6 +31,15 @@ class PresenceFlow : public QObject {
     archivedOriginalPresenceStatus(const ArchivedEntry& entry) const {
         return presence_->statusOf(entry);
     }
+
+    // The same, but `unknown` where only an earlier run of the program has asked.
+    [[nodiscard]] ArchivedOriginalPresenceStatus statusOfThisRun(const ArchivedEntry& entry) const {
+        return presence_->isOfEarlierRun ? ArchivedOriginalPresenceStatus::unknown
+                                         : presence_->statusOf(entry);
+    }
+
+    // Why the last question to Mail had no answer, for the user; absent before one and after an answer.
+    [[nodiscard]] const std::optional<std::string>& questionFailure() const { return questionFailure_; }
 
     // Mail is being asked.
     [[nodiscard]] bool archivedOriginalPresenceChecking() const { return isChecking_; }
@@ -62,6 +72,7 @@ class PresenceFlow : public QObject {
     SharedPresence presence_ = std::make_shared<const OriginalPresence>();
     SharedEntryList entries_ = presence_->entries; // as the library has them; `presence_` follows
     bool isChecking_ = false;
+    std::optional<std::string> questionFailure_;
     Wanted wanted_ = Wanted::nothing;               // once it is known what these entries are
     std::string archivedOriginalPresenceSignature_; // of what was refreshed last; empty: stale
     TaskSlot relateTask_;

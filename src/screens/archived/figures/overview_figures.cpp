@@ -85,9 +85,11 @@ OverviewHero freeableHero(const OverviewHeroInput& input) {
     hero.figure = shownSize(input.shares.freeable.bytes);
     hero.count = shownMessageCount(input.shares.freeable.count);
     hero.line = QStringLiteral("这些邮件都已备份好，从 Mail 里删掉也不会丢。");
-    hero.note = input.isEarlierCheck ? checkedText(input.checkedAt) + QStringLiteral("，删除前请重新检查")
-                                     : QStringLiteral("已逐字节核对 · 对照 ") +
-                                           wholeText(formatListDate(input.checkedAt.value_or(Date())));
+    if (!input.failure.isEmpty()) hero.symbol = QStringLiteral("triangle-alert");
+    hero.note = !input.failure.isEmpty() ? checkedText(input.checkedAt) + u'。' + input.failure
+                : input.isEarlierCheck   ? checkedText(input.checkedAt) + QStringLiteral("，删除前请重新检查")
+                                         : QStringLiteral("已逐字节核对 · 对照 ") +
+                                             wholeText(formatListDate(input.checkedAt.value_or(Date())));
     return hero;
 }
 

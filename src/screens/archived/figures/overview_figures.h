@@ -62,7 +62,7 @@ struct OverviewHeroInput {
     OriginalKnowledge knowledge = OriginalKnowledge::loading;
     ArchivedShares shares;
     std::optional<Date> checkedAt{};
-    bool isEarlierCheck = false; // of an earlier run of the program
+    bool isEarlierCheck = false; // of an earlier run of the program, or asked again in vain
     QString failure{};           // why Mail couldn't be asked
 };
 
