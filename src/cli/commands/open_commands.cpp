@@ -1,3 +1,4 @@
+#include <expected>
 #include <memory>
 #include <optional>
 #include <string>
@@ -40,12 +41,12 @@ int runOpen(Session& session, const OpenOptions& options, bool json) {
 int runOriginal(Session& session, const OpenOptions& options, bool json) {
     const ArchivedEntry entry = namedEntry(session, options.entry);
     ArchivedMailOpening opening(session.context());
-    std::optional<std::string> address;
+    ArchivedMailOpening::OriginalAddress address = std::unexpected(OriginalFailure::noAnswer);
     opening.originalAddress(entry.record, [&](const auto& found) { address = found; });
     session.waitUntilIdle();
-    if (!address) throw CommandFailure("在 Mail 中没有找到这封邮件的原件。");
+    if (!address) throw CommandFailure(originalFailureText(address.error()));
     if (!options.isDryRun && !session.platform().open(*address))
-        throw CommandFailure("无法打开 Mail 中的原件。");
+        throw CommandFailure(originalFailureText(OriginalFailure::notOpened));
     printValue("url", *address, json);
     return done;
 }

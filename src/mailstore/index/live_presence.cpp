@@ -187,14 +187,15 @@ std::optional<SharedTextSet> liveMessagePresenceByContent(const MailStoreContext
     return present;
 }
 
-std::optional<std::string> liveMessageOriginalIDHeader(const MailStoreContext& context,
-                                                       const std::string& rootPath,
-                                                       std::string_view messageIdentifier) {
+std::expected<std::string, NoOriginal> liveMessageOriginalIDHeader(const MailStoreContext& context,
+                                                                   const std::string& rootPath,
+                                                                   std::string_view messageIdentifier) {
     const auto identifier = mime::normalizedMessageIdentifier(messageIdentifier);
-    if (!identifier || !canQueryEnvelopeIndex(context, rootPath)) return std::nullopt;
+    if (!identifier) return std::unexpected(NoOriginal::notThere);
+    if (!canQueryEnvelopeIndex(context, rootPath)) return std::unexpected(NoOriginal::noAnswer);
     const std::string index = envelopeIndexPath(rootPath);
     const auto exclusion = exclusionOf(context, index);
-    if (!exclusion) return std::nullopt;
+    if (!exclusion) return std::unexpected(NoOriginal::noAnswer);
     const std::string sql =
         fmt::format("SELECT g.message_id_header AS hdr\n"
                     "FROM messages m\n"
@@ -209,7 +210,9 @@ std::optional<std::string> liveMessageOriginalIDHeader(const MailStoreContext& c
         const auto text = row.text("hdr");
         if (!header && text && !text->empty()) header = std::string(*text);
     });
-    return isWhole ? header : std::nullopt;
+    if (!isWhole) return std::unexpected(NoOriginal::noAnswer);
+    if (!header) return std::unexpected(NoOriginal::notThere);
+    return *header;
 }
 
 } // namespace corvane::mailstore

@@ -3,6 +3,7 @@
 // long queries; any thread.
 #pragma once
 
+#include <expected>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,11 +41,12 @@ std::optional<SharedTextSet> liveMessagePresenceByContent(const MailStoreContext
                                                           const std::string& rootPath,
                                                           const std::vector<ContentPresenceTarget>& targets);
 
-// The Message-ID header of the newest live copy as it is stored, with its case and brackets. Nullopt when
-// there is none, and after any failure.
-std::optional<std::string> liveMessageOriginalIDHeader(const MailStoreContext& context,
-                                                       const std::string& rootPath,
-                                                       std::string_view messageIdentifier);
+enum class NoOriginal { notThere, noAnswer };
+
+// The Message-ID header of the newest live copy as it is stored, with its case and brackets.
+std::expected<std::string, NoOriginal> liveMessageOriginalIDHeader(const MailStoreContext& context,
+                                                                   const std::string& rootPath,
+                                                                   std::string_view messageIdentifier);
 
 } // namespace mailstore
 

@@ -1,6 +1,7 @@
 #include "screens/library/library_screen.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include <QPointer>
@@ -316,9 +317,10 @@ void LibraryScreen::revealMail() {
 
 void LibraryScreen::findOriginal() {
     if (!mail_.entry()) return;
-    model_.mailOpening().locateOriginalInMail(mail_.entry()->record, [self = QPointer(this)](bool wasOpened) {
-        if (self && !wasOpened) Q_EMIT self->noticed(QStringLiteral("没有在 Mail 中找到这封邮件的原件。"));
-    });
+    model_.mailOpening().locateOriginalInMail(
+        mail_.entry()->record, [self = QPointer(this)](std::optional<OriginalFailure> failure) {
+            if (self && failure) Q_EMIT self->noticed(screens::wholeText(originalFailureText(*failure)));
+        });
 }
 
 void LibraryScreen::copyRows() {

@@ -7,7 +7,6 @@
 #include "archive/opening/cloud_file.h"
 #include "mailstore/index/live_presence.h"
 #include "mailstore/index/original_address.h"
-#include "model/library/opening/opening_texts.h"
 #include "model/mail/mail_store.h"
 #include "platform/paths.h"
 #include "platform/safe_opening.h"
@@ -37,10 +36,6 @@ struct OriginalJob {
     std::string messageIdentifier;
 };
 
-struct OriginalAddress {
-    std::optional<std::string> address;
-};
-
 std::expected<std::string, std::string> broughtBack(const OpenJob& job, const std::stop_token& stop) {
     try {
         return ArchivedCloudFileOpener(job.platform).ensureLocal(job.entry, stop);
@@ -51,12 +46,17 @@ std::expected<std::string, std::string> broughtBack(const OpenJob& job, const st
     }
 }
 
-OriginalAddress findOriginal(const OriginalJob& job, const TaskHandle& task) {
+ArchivedMailOpening::OriginalAddress findOriginal(const OriginalJob& job, const TaskHandle& task) {
     MailStoreContext context = job.mail.context;
     context.stop = task.stopToken();
     const auto header =
         mailstore::liveMessageOriginalIDHeader(context, job.mail.rootPath, job.messageIdentifier);
-    return {header ? mailstore::originalAddress(*header) : std::nullopt};
+    if (!header)
+        return std::unexpected(header.error() == mailstore::NoOriginal::notThere ? OriginalFailure::notInMail
+                                                                                 : OriginalFailure::noAnswer);
+    const auto address = mailstore::originalAddress(*header);
+    if (!address) return std::unexpected(OriginalFailure::notInMail);
+    return *address;
 }
 
 } // namespace
@@ -113,15 +113,15 @@ void ArchivedMailOpening::revealArchivedEmail(const ArchivedEntry& entry) {
 }
 
 void ArchivedMailOpening::originalAddress(const ArchivedEmailRecord& record, AddressAnswer answer) {
-    if (!record.messageIdentifier) return answer(std::nullopt);
+    if (!record.messageIdentifier) return answer(std::unexpected(OriginalFailure::notInMail));
     lookTasks_.start(TaskPriority::userInitiated,
                      OriginalJob{mailStoreOf(context_), record.messageIdentifier->str()}, &findOriginal,
-                     [answer = std::move(answer)](const OriginalAddress& found) { answer(found.address); });
+                     std::move(answer));
 }
 
 void ArchivedMailOpening::locateOriginalInMail(const ArchivedEmailRecord& record, Answer answer) {
-    originalAddress(record, [this, answer = std::move(answer)](const std::optional<std::string>& address) {
-        if (!address) return answer(false);
+    originalAddress(record, [this, answer = std::move(answer)](const OriginalAddress& address) {
+        if (!address) return answer(address.error());
         struct Job {
             const platform::Platform& platform;
             std::string address;
@@ -129,7 +129,9 @@ void ArchivedMailOpening::locateOriginalInMail(const ArchivedEmailRecord& record
         lookTasks_.start(
             TaskPriority::userInitiated, Job{context_.platform, *address},
             [](const Job& job, const TaskHandle&) { return job.platform.open(job.address); },
-            [answer](bool wasOpened) { answer(wasOpened); });
+            [answer](bool wasOpened) {
+                answer(wasOpened ? std::nullopt : std::optional(OriginalFailure::notOpened));
+            });
     });
 }
 

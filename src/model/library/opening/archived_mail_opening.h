@@ -9,6 +9,7 @@
 
 #include <QObject>
 
+#include "model/library/opening/opening_texts.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
 #include "records/archived/archive_records.h"
@@ -26,9 +27,10 @@ class ArchivedMailOpening : public QObject {
 
     // The path of the mail on this machine, or the text for the user.
     using Outcome = std::expected<std::string, std::string>;
-    // Nullopt where Mail's live index has no Message-ID for it, or can't be asked.
-    using AddressAnswer = std::function<void(const std::optional<std::string>&)>;
-    using Answer = std::function<void(bool)>;
+    using OriginalAddress = std::expected<std::string, OriginalFailure>;
+    using AddressAnswer = std::function<void(const OriginalAddress&)>;
+    // Nullopt when it was opened.
+    using Answer = std::function<void(std::optional<OriginalFailure>)>;
 
     explicit ArchivedMailOpening(ModelContext& context, QObject* parent = nullptr);
 
@@ -56,7 +58,7 @@ class ArchivedMailOpening : public QObject {
     // Shows the file, marked, in the file manager. No effect where the place has none.
     void revealArchivedEmail(const ArchivedEntry& entry);
 
-    // Answers whether the original was opened in Mail.
+    // Opens the original in Mail.
     void locateOriginalInMail(const ArchivedEmailRecord& record, Answer answer);
 
     // The address that Mail opens the original by.

@@ -19,13 +19,25 @@ std::string openErrorText(ArchivedCloudFileOpener::OpenError::Kind kind, std::st
 std::string openingNote(platform::Opening opening) {
     switch (opening) {
     case platform::Opening::shownInFolder:
-        return "这个文件可能是程序、脚本或安装包，为安全起见没有打开，已在它的文件夹中显示。";
+        return "这种文件可能会运行程序，为安全起见没有打开，已在它的文件夹中显示。";
     case platform::Opening::refused:
         return "系统没有能打开这个文件的程序。";
     case platform::Opening::opened:
         break;
     }
     return {};
+}
+
+std::string originalFailureText(OriginalFailure failure) {
+    switch (failure) {
+    case OriginalFailure::notInMail:
+        return "没有在 Mail 中找到这封邮件的原件。";
+    case OriginalFailure::noAnswer:
+        return "无法读取 Mail 的索引，不知道原件是否还在。请确认 Mail 数据可以读取后再试。";
+    case OriginalFailure::notOpened:
+        break;
+    }
+    return "原件在 Mail 中，但系统没有能打开它的程序。";
 }
 
 } // namespace corvane

@@ -15,4 +15,9 @@ std::string openErrorText(ArchivedCloudFileOpener::OpenError::Kind kind, std::st
 // Empty for a file that was opened.
 std::string openingNote(platform::Opening opening);
 
+// Why an original wasn't opened in Mail; `notOpened` is when the system has nothing that opens its address.
+enum class OriginalFailure { notInMail, noAnswer, notOpened };
+
+std::string originalFailureText(OriginalFailure failure);
+
 } // namespace corvane

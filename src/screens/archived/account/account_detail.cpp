@@ -1,6 +1,7 @@
 #include "screens/archived/account/account_detail.h"
 
 #include <cstddef>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -114,10 +115,10 @@ QString AccountDetail::awaitingText() const {
 void AccountDetail::locateOriginal(int row) {
     const ArchivedEntry* entry = rows_.entryAt(row);
     if (entry == nullptr) return;
-    model_.mailOpening().locateOriginalInMail(entry->record, [detail = QPointer(this)](bool isOpened) {
-        if (detail && !isOpened)
-            Q_EMIT detail->failed(QStringLiteral("没有在 Apple Mail 中找到这封邮件的原件。"));
-    });
+    model_.mailOpening().locateOriginalInMail(
+        entry->record, [detail = QPointer(this)](std::optional<OriginalFailure> failure) {
+            if (detail && failure) Q_EMIT detail->failed(screens::wholeText(originalFailureText(*failure)));
+        });
 }
 
 } // namespace corvane
