@@ -20,7 +20,8 @@ std::optional<std::string> ccLineOfFile(const platform::Platform& platform, cons
     const std::string path = items.front().fileURL.path().str();
     if (platform.isCloudPlaceholder(path)) return std::nullopt;
     const auto start = platform::readFilePrefix(path, bytesWithHeader);
-    return start ? mime::decodedHeaderField("cc", *start) : std::nullopt;
+    if (!start) return std::nullopt;
+    return mime::decodedHeaderField("cc", *start).value_or("");
 }
 
 } // namespace corvane

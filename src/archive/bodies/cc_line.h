@@ -10,7 +10,8 @@
 
 namespace corvane {
 
-// Absent without one, and where the file isn't on this machine: it is never downloaded for that.
+// Empty without one; absent where the file couldn't be read, or isn't on this machine: it is never downloaded
+// for that.
 std::optional<std::string> ccLineOfFile(const platform::Platform& platform, const ArchivedEntry& entry);
 
 } // namespace corvane

@@ -14,6 +14,7 @@
 #include "cli/mails/mail_file_state.h"
 #include "cli/mails/mail_texts.h"
 #include "cli/named_entries.h"
+#include "locations/places/place_looks.h"
 #include "mime/body/body_snippets.h"
 #include "records/formatters.h"
 #include "records/stores/presence_cache_store.h"
@@ -31,7 +32,7 @@ struct ShowOptions {
 struct ShownMail {
     ArchivedEntry entry;
     std::string body; // empty when there is none
-    std::optional<std::string> cc;
+    std::string cc;   // empty when there is none
     // Of the original, at the last comparison with Mail.
     ArchivedOriginalPresenceStatus present = ArchivedOriginalPresenceStatus::unknown;
     MailFileState file;
@@ -59,6 +60,19 @@ ArchivedOriginalPresenceStatus presenceOf(Session& session, const FoundMail& mai
         .value_or(ArchivedOriginalPresenceStatus::unknown);
 }
 
+// Empty without any, and where the file isn't to be had.
+std::string ccOf(Session& session, const ShownMail& mail) {
+    const auto& recorded = mail.entry.record.ccRecipients;
+    if (recorded && !recorded->empty()) return recorded->str();
+    if (!mail.file.isAvailable) return {};
+    PlaceLooks looks(session.platform(), session.context().support.files(), {});
+    const auto answer = looks.ask<std::optional<std::string>>(
+        mail.entry.locationRootPath.str(), [entry = mail.entry, &platform = session.platform()](PlaceLook&) {
+            return ccLineOfFile(platform, entry);
+        });
+    return answer.value_or(std::nullopt).value_or("");
+}
+
 ShownMail mailOf(Session& session, const std::string& name) {
     FoundMail found = askEntries(session, [&](EntrySource& source) {
         const ArchivedEntry entry = namedEntry(source, name);
@@ -70,9 +84,7 @@ ShownMail mailOf(Session& session, const std::string& name) {
     if (found.body || mail.file.isAvailable)
         mail.body = found.body ? *found.body : preparedBody(session, found.entry);
     mail.present = presenceOf(session, found);
-    const auto& recorded = mail.entry.record.ccRecipients;
-    mail.cc = recorded && !recorded->empty() ? std::optional(recorded->str())
-                                             : ccLineOfFile(session.platform(), mail.entry);
+    mail.cc = ccOf(session, mail);
     return mail;
 }
 
@@ -82,7 +94,7 @@ void printJson(const ShownMail& mail, const ShowOptions& options) {
     document.object([&] {
         document.member("record", record);
         document.member("body", mail.body);
-        if (mail.cc) document.member("cc", *mail.cc);
+        if (!mail.cc.empty()) document.member("cc", mail.cc);
         if (const auto preview = mime::rowPreviewText(mail.body)) document.member("preview", *preview);
         const auto snippet =
             showsSnippet(record, options.query) ? snippetText(mail.body, options.query) : std::nullopt;
@@ -101,7 +113,7 @@ void printReadably(const ShownMail& mail, const ShowOptions& options) {
     printText(fmt::format("主题：{}", record.subject.view()));
     printText(fmt::format("发件人：{}", record.sender.view()));
     printText(fmt::format("收件人：{}", record.recipients.view()));
-    if (mail.cc) printText(fmt::format("抄送：{}", *mail.cc));
+    if (!mail.cc.empty()) printText(fmt::format("抄送：{}", mail.cc));
     printText(fmt::format("日期：{}", record.date ? formatListDate(*record.date) : "日期未知"));
     for (const SharedText& name : record.attachmentNames) printText(fmt::format("附件：{}", name.view()));
     if (mail.file.isGone) printText("注意：归档文件已经不在了");

@@ -141,8 +141,9 @@ void BodyTexts::ccRecipients(const ArchivedEntry& entry, TextAnswer answer) {
             return FoundText{ccLineOfFile(asked.platform, asked.entry)};
         },
         [this, id = entry.record.id, answer = std::move(answer)](const FoundText& cc) {
-            ccRecipientsCache_[id] = cc.text.value_or("");
-            answer(cc.text);
+            // A file that couldn't be read is asked again.
+            if (cc.text) ccRecipientsCache_[id] = *cc.text;
+            answer(cc.text && !cc.text->empty() ? cc.text : std::nullopt);
         });
 }
 
