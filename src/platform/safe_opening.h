@@ -9,12 +9,11 @@ namespace corvane::platform {
 
 enum class Opening {
     opened,
-    shownInFolder, // it may be a program (files/program_file.h)
+    shownInFolder, // no document (files/document_file.h): the system might run it
     refused,       // there is no desktop, or nothing on it takes the file
 };
 
-// Opens the file with the program that the desktop has for it; what the system might execute is only shown
-// where it lies.
+// Opens a document with the program that the desktop has for it; any other file is only shown where it lies.
 Opening openOrShow(const Platform& platform, const std::string& path);
 
 } // namespace corvane::platform

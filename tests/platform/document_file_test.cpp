@@ -1,4 +1,4 @@
-#include "platform/files/program_file.h"
+#include "platform/files/document_file.h"
 
 #include <filesystem>
 #include <string>
@@ -21,7 +21,7 @@ struct Case {
     bool isExecutable = false;
 };
 
-TEST(ProgramFile, WhatTheSystemMightExecuteIsShownAndNeverOpened) {
+TEST(DocumentFile, WhatTheSystemMightRunIsShownAndNeverOpened) {
     const testing::TemporaryHome home;
     const testing::ScriptedPlatform platform(home);
     const std::vector<Case> cases = {
@@ -30,8 +30,9 @@ TEST(ProgramFile, WhatTheSystemMightExecuteIsShownAndNeverOpened) {
         {"disk without permissions.eml", "From: a@b\n\n", false, true},
         {"MZ.txt", "MZ is the sign of old programs"},
         {"quoted.txt", "see [Desktop Entry] there"},
-        {"README", "text"},
+        {"README", "text", true},
         {"tool", "text", true, true},
+        {"page.html", "<p>", true},
         {"holiday.pdf.EXE", "", true},
         {"a.sh. ", "", true},
         {"report.pdf",
@@ -54,8 +55,8 @@ TEST(ProgramFile, WhatTheSystemMightExecuteIsShownAndNeverOpened) {
         EXPECT_EQ(platform.askedOfDesktop().back(), (file.isProgram ? "reveal " : "open ") + path);
     }
     home.write("Tool.app/Contents/Info.plist", "");
-    for (const char* const other : {"Tool.app", "not there.txt"}) EXPECT_TRUE(mayBeProgram(home.at(other)));
-    EXPECT_FALSE(mayBeProgram(home.makeFolder("folder")));
+    for (const char* const other : {"Tool.app", "not there.txt", "files"})
+        EXPECT_FALSE(isDocumentFile(home.at(other)));
 }
 
 } // namespace
