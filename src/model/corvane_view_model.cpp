@@ -328,22 +328,6 @@ void CorvaneViewModel::loadArchiveIndex(bool force) {
     library_.loadEmailArchiveIndex(destinations_.transferDestination(), force);
 }
 
-// The same for accounts, once after each scan: which of them have mail is known with its statistics.
-void CorvaneViewModel::pruneFilterAccounts() {
-    const auto& withMail = catalog_.cachedMailAccountYearStats();
-    if (!areFilterAccountsDue_ || (withMail.empty() && !catalog_.messages()->empty())) return;
-    areFilterAccountsDue_ = false;
-    const std::vector<MailAccount>& known = accounts_.availableAccounts();
-    std::set<std::string> kept;
-    for (const std::string& key : filters_.filterAccountPrefixes()) {
-        const bool isKnown =
-            std::ranges::find(withMail, key, &AccountYearStatGroup::accountPrefix) != withMail.end() ||
-            std::ranges::find(known, key, &MailAccount::urlPrefix) != known.end();
-        if (isKnown) kept.insert(key);
-    }
-    filters_.setFilterAccountPrefixes(std::move(kept));
-}
-
 // A filter on a year that no longer exists would hide all the mail.
 void CorvaneViewModel::pruneFilterYears() {
     areFilterAccountsDue_ = true;
@@ -358,6 +342,22 @@ void CorvaneViewModel::pruneFilterYears() {
     };
     filters_.setFilterYears(cut(filters_.filterYears()));
     filters_.setArchiveFilterYears(cut(filters_.archiveFilterYears()));
+}
+
+// The same for accounts, once after each scan: which of them have mail is known with its statistics.
+void CorvaneViewModel::pruneFilterAccounts() {
+    const auto& withMail = catalog_.cachedMailAccountYearStats();
+    if (!areFilterAccountsDue_ || (withMail.empty() && !catalog_.messages()->empty())) return;
+    areFilterAccountsDue_ = false;
+    const std::vector<MailAccount>& known = accounts_.availableAccounts();
+    std::set<std::string> kept;
+    for (const std::string& key : filters_.filterAccountPrefixes()) {
+        const bool isKnown =
+            std::ranges::find(withMail, key, &AccountYearStatGroup::accountPrefix) != withMail.end() ||
+            std::ranges::find(known, key, &MailAccount::urlPrefix) != known.end();
+        if (isKnown) kept.insert(key);
+    }
+    filters_.setFilterAccountPrefixes(std::move(kept));
 }
 
 bool CorvaneViewModel::hasScanDisplayData() const {

@@ -14,6 +14,7 @@
 #include <fmt/format.h>
 
 #include "archive/archive_error.h"
+#include "archive/archive_naming.h"
 #include "archive/checks/archive_reader.h"
 #include "archive/destination/archive_destination.h"
 #include "archive/destination/index_records.h"
@@ -98,7 +99,8 @@ ArchivedEmailRecord recordOf(const Mail& mail, Date now) {
 bool isFolderOfYear(const std::string& folder) {
     const std::string_view first = std::string_view(folder).substr(0, folder.find('/'));
     if (std::ranges::count(folder, '/') > 1) return false;
-    return first == "未知年份" || (first.size() == 4 && text::parseInteger(first).value_or(0) > 0);
+    return first == archive::yearFolder(std::nullopt) ||
+           (first.size() == 4 && text::parseInteger(first).value_or(0) > 0);
 }
 
 class Rebuild {

@@ -17,8 +17,6 @@
 
 namespace corvane {
 
-namespace {} // namespace
-
 // What is found at one root while its place answers.
 struct LibraryLoad::RootLook {
     bool connected = false;

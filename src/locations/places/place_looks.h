@@ -1,7 +1,7 @@
 // Looks at places that may not answer, such as a dead network disk or a cloud folder that is offline. A look
 // that makes no step for 25 seconds is given up, and so is one whose result a stop has made needless; what
 // hung goes on by itself and touches nothing any more. A place that hung, with its disk, isn't looked at
-// again by the same object. Looks may run side by side.
+// again in this process. Looks may run side by side.
 #pragma once
 
 #include <chrono>
@@ -41,8 +41,7 @@ class PlaceLooks {
                std::chrono::nanoseconds limit = std::chrono::seconds(25));
 
     // Asks on a thread of its own and waits for the answer. Absent when the place can't be looked at, or
-    // after a stop. The question owns all that it touches; one
-    // that throws gives no answer.
+    // after a stop. The question owns all that it touches; one that throws gives no answer.
     template <class Answer>
     std::optional<Answer> ask(const std::string& place, std::function<Answer(PlaceLook&)> question) {
         const auto answer = std::make_shared<std::optional<Answer>>();
