@@ -63,7 +63,8 @@ class Exporting : public ::testing::Test {
         const ExportProgress& progress = [](auto, auto) {}) {
         ExportSelection selection{std::make_shared<const std::vector<ArchivedEntry>>(entries_), {}};
         for (std::uint32_t i = 0; i < entries_.size(); ++i) selection.positions.push_back(i);
-        return MailExport{platform_, files_}.run(selection, format, path, progress, stop);
+        return MailExport{platform_, files_, {.ofLook = std::chrono::milliseconds(200)}}.run(
+            selection, format, path, progress, stop);
     }
 
     std::vector<std::string> filesIn(const std::string& folder) {
@@ -129,6 +130,24 @@ TEST_F(Exporting, ADiskThatFailsLeavesNothingThatLooksLikeMail) {
             EXPECT_EQ(filesIn("to"), std::vector<std::string>()) << static_cast<int>(*fault.operation);
         }
         fs::remove_all(home_.at("to"));
+    }
+}
+
+// What it leaves, as a killed export does, goes with the next one.
+TEST_F(Exporting, APlaceThatHangsEndsTheExport) {
+    add("a", "From: a\n\nb");
+    for (const auto format : {ExportFormat::mbox, ExportFormat::zip, ExportFormat::eml}) {
+        for (const auto operation : {FileOperation::open, FileOperation::write, FileOperation::sync}) {
+            fs::remove_all(home_.at("to"));
+            const std::string path = home_.makeFolder("to") + "/out";
+            files_.inject({.effect = Effect::hang, .operation = operation, .path = "/to/"});
+            EXPECT_THROW((void)run(format, path), ExportError);
+            files_.release();
+            platform::waitForAbandonedJobs();
+            EXPECT_FALSE(fs::exists(path) && fs::is_regular_file(path));
+            EXPECT_EQ(run(format, path).exported, 1);
+            EXPECT_EQ(filesIn("to").size(), 1U);
+        }
     }
 }
 

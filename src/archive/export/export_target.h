@@ -12,7 +12,7 @@ namespace corvane::archive {
 
 // A mail that was read once and is whole.
 struct ExportedMail {
-    const ArchivedEmailRecord& record;
+    ArchivedEmailRecord record;
     std::int64_t bytes = 0;
     platform::Sha256Digest hash{};
 };

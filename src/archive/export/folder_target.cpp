@@ -6,6 +6,7 @@
 
 #include "archive/destination/durable_write.h"
 #include "platform/files/writing/durable_file.h"
+#include "platform/files/writing/leftovers.h"
 #include "platform/paths.h"
 
 namespace corvane::archive {
@@ -28,7 +29,7 @@ bool FolderTarget::begin(const ExportedMail& mail) {
     while (true) {
         const std::string path = platform::joinPath(folder_, names_.next(mail.record));
         const std::string year(platform::parentPath(path));
-        if (folders_.insert(year).second) makeFolder(files_, year);
+        if (folders_.insert(year).second) beginFolder(year);
         try {
             file_.emplace(files_, path);
             return true;
@@ -37,6 +38,11 @@ bool FolderTarget::begin(const ExportedMail& mail) {
         }
         if (holds(path, mail)) return false;
     }
+}
+
+void FolderTarget::beginFolder(const std::string& folder) {
+    makeFolder(files_, folder);
+    platform::removeUnfinishedFiles(folder);
 }
 
 bool FolderTarget::holds(const std::string& path, const ExportedMail& mail) {

@@ -34,6 +34,7 @@ class FolderTarget final : public ExportTarget {
     void finish() override;
 
   private:
+    void beginFolder(const std::string& folder);
     bool holds(const std::string& path, const ExportedMail& mail);
 
     platform::FileLayer& files_;

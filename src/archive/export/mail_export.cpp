@@ -11,9 +11,11 @@
 #include "archive/export/export_target.h"
 #include "archive/export/folder_target.h"
 #include "archive/export/mbox_target.h"
+#include "archive/export/time_limited_target.h"
 #include "archive/export/zip_target.h"
 #include "archive/opening/mail_pieces.h"
 #include "platform/files/directory.h"
+#include "platform/files/writing/leftovers.h"
 #include "platform/paths.h"
 #include "records/archived/content_hash.h"
 #include "records/error_reasons.h"
@@ -33,6 +35,12 @@ std::string reasonOf(const std::exception& error) {
     return system == nullptr ? error.what() : systemErrorReason(system->code().value());
 }
 
+// Nothing was tried.
+class RefusedTarget : public ExportError {
+  public:
+    using ExportError::ExportError;
+};
+
 ExportError targetFailure(const std::string& path, const std::exception& error) {
     return ExportError(fmt::format("无法导出到 “{}”：{}", path, reasonOf(error)));
 }
@@ -45,16 +53,13 @@ bool liesInArchive(std::string_view path) {
 }
 
 std::unique_ptr<archive::ExportTarget> makeTarget(platform::FileLayer& files, ExportFormat format,
-                                                  const std::string& path) {
-    switch (format) {
-    case ExportFormat::mbox:
-        return std::make_unique<archive::MboxTarget>(files, path);
-    case ExportFormat::zip:
-        return std::make_unique<archive::ZipTarget>(files, path);
-    case ExportFormat::eml:
-        break;
-    }
-    return std::make_unique<archive::FolderTarget>(files, path);
+                                                  const std::string& path,
+                                                  const std::function<void()>& beginStep) {
+    if (liesInArchive(path)) throw RefusedTarget("不能导出到归档文件夹里，请选择别的位置。");
+    if (format == ExportFormat::eml) return std::make_unique<archive::FolderTarget>(files, path);
+    platform::removeUnfinishedFiles(std::string(platform::parentPath(path)));
+    if (format == ExportFormat::mbox) return std::make_unique<archive::MboxTarget>(files, path);
+    return std::make_unique<archive::ZipTarget>(files, path, beginStep);
 }
 
 // What a first reading of a mail has shown.
@@ -85,7 +90,7 @@ void expectRecorded(const Content& content, const ArchivedEmailRecord& record) {
 
 class Export {
   public:
-    Export(const MailExport& system, archive::ExportTarget& target, const std::stop_token& stop)
+    Export(const MailExport& system, archive::TimeLimitedTarget& target, const std::stop_token& stop)
       : opener_(system.platform, system.limits)
       , pieces_(system.files, stop, system.limits.ofLook)
       , target_(target)
@@ -101,7 +106,7 @@ class Export {
         try {
             write(mail, content, path);
         } catch (const std::exception& error) {
-            if (!target_.canDropMail()) throw ExportError(reasonOf(error));
+            if (!target_.canDropMail() || target_.hasHung()) throw ExportError(reasonOf(error));
             target_.drop();
             throw std::runtime_error(reasonOf(error));
         }
@@ -126,7 +131,7 @@ class Export {
 
     ArchivedCloudFileOpener opener_;
     archive::MailPieces pieces_;
-    archive::ExportTarget& target_;
+    archive::TimeLimitedTarget& target_;
     const std::stop_token& stop_;
 };
 
@@ -153,19 +158,32 @@ ExportResult exportAll(Export& mails, const ExportSelection& selection, const Ex
     return result;
 }
 
+// What a stop has made needless isn't a failure.
+void finish(archive::TimeLimitedTarget& target, ExportResult& result, const std::stop_token& stop) {
+    try {
+        if (!result.wasCancelled || target.canDropMail()) target.finish();
+    } catch (const std::exception&) {
+        if (!stop.stop_requested()) throw;
+        result.wasCancelled = true;
+    }
+    if (result.wasCancelled && !target.canDropMail()) result.exported = result.bytes = 0;
+}
+
 } // namespace
 
 ExportResult MailExport::run(const ExportSelection& selection, ExportFormat format, const std::string& path,
                              const ExportProgress& progress, const std::stop_token& stop) const {
-    if (liesInArchive(path)) throw ExportError("不能导出到归档文件夹里，请选择别的位置。");
+    const auto make = [format, path](platform::FileLayer& layer, const auto& beginStep) {
+        return makeTarget(layer, format, path, beginStep);
+    };
     try {
-        const auto target = makeTarget(files, format, path);
-        Export mails(*this, *target, stop);
+        archive::TimeLimitedTarget target(files, make, stop, limits.ofLook);
+        Export mails(*this, target, stop);
         ExportResult result = exportAll(mails, selection, progress, stop);
-        if (!result.wasCancelled || target->canDropMail()) target->finish();
-        const bool isGone = result.wasCancelled && !target->canDropMail();
-        if (isGone) result.exported = result.bytes = 0;
+        finish(target, result, stop);
         return result;
+    } catch (const RefusedTarget&) {
+        throw;
     } catch (const std::exception& error) {
         throw targetFailure(path, error);
     }

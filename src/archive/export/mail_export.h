@@ -1,5 +1,6 @@
 // Copies archived mail out, byte for byte: as an mbox, a folder or a ZIP. Streams, so that memory doesn't
-// grow with the mail; what was written is read back before it counts. Blocks, on a background thread.
+// grow with the mail; what was written is read back before it counts. A place that doesn't answer ends it
+// after 25 seconds. Blocks, on a background thread.
 #pragma once
 
 #include <cstdint>
@@ -40,8 +41,8 @@ struct ExportResult {
     bool wasCancelled = false;
 };
 
-// The export as a whole has failed, and nothing of it is left, but for a folder what it holds already. what()
-// is the text for the user.
+// The export as a whole has failed, and nothing of it is left, but for a folder what it holds already, and
+// what can't be taken back from a place that doesn't answer. what() is the text for the user.
 class ExportError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -51,7 +52,7 @@ class ExportError : public std::runtime_error {
 using ExportProgress = std::function<void(std::int64_t done, std::int64_t total)>;
 
 struct MailExport {
-    // Both have to outlive looks that hung (platform::waitForAbandonedJobs).
+    // Both have to outlive looks and writes that hung (platform::waitForAbandonedJobs).
     const platform::Platform& platform;
     platform::FileLayer& files;
     ArchivedCloudFileOpener::Limits limits{};

@@ -1,7 +1,9 @@
 // A file that is written for a person: it takes its name, which nothing has yet, when it is whole and was
-// read back; until then its bytes lie beside it. What is given up leaves nothing. One thread; blocks.
+// read back; until then its bytes lie beside it. What is given up leaves nothing, and what a killed process
+// leaves beside it goes with platform::removeUnfinishedFiles(). One thread; blocks.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -13,7 +15,7 @@ namespace corvane::archive {
 
 class NewFile {
   public:
-    // Claims the name with an empty file. Throws std::system_error, EEXIST where anything has the name.
+    // Throws std::system_error, EEXIST where anything has the name.
     // `files` must outlive it.
     NewFile(platform::FileLayer& files, std::string path);
     NewFile(const NewFile&) = delete;
@@ -29,14 +31,16 @@ class NewFile {
     // what is read isn't what was written.
     void flush();
 
-    // Gives the flushed bytes their name. Throws std::system_error.
+    // Gives the flushed bytes their name. Throws std::system_error, EEXIST where something has it by now.
     void finish();
 
     // Where the bytes lie until finish().
     [[nodiscard]] const std::string& unfinishedPath() const { return unfinished_; }
 
   private:
+    void make();
     void writeBuffer();
+    void sync();
 
     platform::FileLayer& files_;
     std::string path_;
@@ -44,6 +48,7 @@ class NewFile {
     platform::LayerDescriptor file_;
     platform::Sha256 hash_;
     std::string buffer_;
+    std::size_t unsyncedBytes_ = 0;
     bool isFinished_ = false;
 };
 

@@ -69,8 +69,9 @@ struct ZipTarget::Writer {
     Entry entry;
 };
 
-ZipTarget::ZipTarget(platform::FileLayer& files, std::string path)
-  : file_(files, std::move(path)) {
+ZipTarget::ZipTarget(platform::FileLayer& files, std::string path, std::function<void()> beginStep)
+  : beginStep_(std::move(beginStep))
+  , file_(files, std::move(path)) {
     const platform::Utf8Locale locale; // or names aren't marked as UTF-8
     writer_ = std::make_unique<Writer>(file_);
 }
@@ -129,8 +130,10 @@ void ZipTarget::verify() {
         if (archive_read_next_header(packed.get(), &entry) != ARCHIVE_OK) throw damaged();
         platform::Sha256 hash;
         la_ssize_t got = 0;
-        while ((got = archive_read_data(packed.get(), buffer.data(), buffer.size())) > 0)
+        while ((got = archive_read_data(packed.get(), buffer.data(), buffer.size())) > 0) {
             hash.update({buffer.data(), static_cast<std::size_t>(got)});
+            beginStep_();
+        }
         if (got < 0 || hash.digest() != expected) throw damaged();
     }
 }

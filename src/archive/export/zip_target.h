@@ -1,6 +1,7 @@
 // One ZIP file with a .eml file a mail, below folders of their years. Names are UTF-8.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -15,8 +16,9 @@ namespace corvane::archive {
 
 class ZipTarget final : public ExportTarget {
   public:
-    // Throws std::system_error where the path isn't free or can't be written.
-    ZipTarget(platform::FileLayer& files, std::string path);
+    // Throws std::system_error where the path isn't free or can't be written. `beginStep` is called before
+    // each piece that finish() unpacks.
+    ZipTarget(platform::FileLayer& files, std::string path, std::function<void()> beginStep);
     ~ZipTarget() override;
 
     [[nodiscard]] bool canDropMail() const override { return false; }
@@ -33,6 +35,7 @@ class ZipTarget final : public ExportTarget {
 
     void verify();
 
+    std::function<void()> beginStep_;
     NewFile file_;
     ExportNames names_;
     std::vector<platform::Sha256Digest> hashes_; // of the mails, in their order
