@@ -10,6 +10,7 @@
 #include "cli/console/output.h"
 #include "cli/console/progress_line.h"
 #include "cli/exit_status.h"
+#include "cli/library_options.h"
 #include "cli/named_entries.h"
 #include "library/entry_choice.h"
 #include "platform/paths.h"
@@ -22,32 +23,11 @@ namespace {
 
 struct ExportOptions {
     std::vector<std::string> entries; // empty: all
-    std::optional<std::string> account;
-    std::optional<std::string> location;
-    std::optional<std::string> mailbox;
-    std::string query;
+    LibraryFilterOptions filters;
     bool wholeThreads = false;
     ExportFormat format = ExportFormat::mbox;
     std::string target;
 };
-
-std::shared_ptr<const SharedTextSet> idsThatMatch(Session& session, const std::string& query) {
-    auto ids = std::make_shared<SharedTextSet>();
-    session.model().bodyTexts().searchArchive(query, [&](const ArchiveSearchResult& found) {
-        ids->insert(found.ids.begin(), found.ids.end());
-        for (const std::string& root : found.unreadableRoots)
-            messageLine(fmt::format("没能搜索这个归档，结果里没有它的邮件：{}", root));
-    });
-    session.waitUntilIdle();
-    return ids;
-}
-
-SharedLibraryIndex libraryIndex(Session& session) {
-    loadLibrary(session);
-    session.model().libraryIndex().rebuildLibraryIndexIfNeeded();
-    session.waitUntilIdle();
-    return session.model().libraryIndex().index();
-}
 
 std::vector<EntryPosition> namedPositions(Session& session, const ArchiveLibraryIndex& index,
                                           const std::vector<std::string>& names) {
@@ -59,17 +39,13 @@ std::vector<EntryPosition> namedPositions(Session& session, const ArchiveLibrary
 }
 
 ExportSelection select(Session& session, const ExportOptions& options) {
-    const SharedLibraryIndex index = libraryIndex(session);
+    const SharedLibraryIndex index = loadLibraryIndex(session);
     const bool isNamed = !options.entries.empty();
     std::vector<EntryPosition> named;
     if (isNamed) named = namedPositions(session, *index, options.entries);
-    LibraryFilters filters{.libraryLocationFilter = options.location,
-                           .libraryAccountFilter = options.account,
-                           .libraryMailboxFilter = options.mailbox};
-    if (!options.query.empty()) filters.matchedIDs = idsThatMatch(session, options.query);
-    ExportSelection selection{
-        index->input().entries,
-        chosenEntries(index, filters, isNamed ? &named : nullptr, options.wholeThreads)};
+    ExportSelection selection{index->input().entries,
+                              chosenEntries(index, libraryFilters(session, options.filters),
+                                            isNamed ? &named : nullptr, options.wholeThreads)};
     if (selection.positions.empty()) throw CommandFailure("没有符合条件的归档邮件可以导出。");
     return selection;
 }
@@ -140,10 +116,8 @@ void addExportCommand(CommandSet& commands) {
           {"export --query 合同 --format eml --to ~/桌面/合同", "提到合同的邮件，按年份存成 .eml"}}});
     addNamesArgument(mails, options->entries);
     mails.get_option("entries")->required(false);
-    mails.add_option("--account", options->account, "账户的 key")->type_name("KEY");
-    mails.add_option("--location", options->location, "归档位置")->type_name("DIR");
-    mails.add_option("--mailbox", options->mailbox, "邮箱名称");
-    mails.add_option("--query", options->query, "邮件里的文字");
+    LibraryFilterOptions::addTo(mails, options->filters);
+    LibraryFilterOptions::addQueryTo(mails, options->filters);
     mails.add_flag("--thread", options->wholeThreads, "连同它们的整个对话");
     mails.add_option("--format", options->format, "导出为一个 mbox 文件、一个文件夹或一个 ZIP 文件")
         ->required()
