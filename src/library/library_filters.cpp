@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "records/archived/counted_bytes.h"
 #include "records/timestamps.h"
 
 namespace corvane {
@@ -94,7 +95,8 @@ const SharedText& groupSubject(const ArchiveLibraryIndex& index, const GroupsVie
 std::int64_t groupBytes(const ArchiveLibraryIndex& index, const GroupsView& view,
                         const LibrarySubjectGroup& group) {
     std::int64_t bytes = 0;
-    for (const EntryPosition position : view.entries(group)) bytes += index.entry(position).record.sizeBytes;
+    for (const EntryPosition position : view.entries(group))
+        bytes += countedBytes(index.entry(position).record);
     return bytes;
 }
 

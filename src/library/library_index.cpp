@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include "library/threads/subject_key.h"
+#include "records/archived/counted_bytes.h"
 
 namespace corvane {
 
@@ -104,7 +105,7 @@ bool ArchiveLibraryIndex::fill(const std::stop_token& stop) {
     findPositions();
     accountOptions_ = corvane::accountOptions(newest_.all, accountOf_, accounts_);
     locationOptions_ = corvane::locationOptions(newest_.all, entries(), input_.archiveLocations);
-    for (const ArchivedEntry& entry : entries()) totalBytes_ += entry.record.sizeBytes;
+    for (const ArchivedEntry& entry : entries()) totalBytes_ += countedBytes(entry.record);
     return !stop.stop_requested();
 }
 

@@ -1,6 +1,7 @@
 #include "library/library_index.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
@@ -76,6 +77,10 @@ TEST(LibraryIndex, OrdersGroupsAndAccounts) {
                               "5"),
               std::nullopt);
     EXPECT_EQ(index->totalBytes(), 45);
+    const auto odd = ArchiveLibraryIndex::make(
+        {.entries = makeEntries(
+             {{.id = "1", .size = -5}, {.id = "2", .size = INT64_MAX}, {.id = "3", .size = INT64_MAX}})});
+    EXPECT_EQ(odd->totalBytes(), std::int64_t{2} << 40) << "an index may say anything";
     EXPECT_EQ(index->accountOptions(), (std::vector<LibraryAccountFilterOption>{
                                            {"mail-account:a@x", "a@x", 3}, {"mail-account:b@x", "b@x", 2}}));
 

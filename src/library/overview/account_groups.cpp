@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "records/archived/counted_bytes.h"
 #include "text/case.h"
 #include "text/trim.h"
 
@@ -23,7 +24,7 @@ class MailboxSums {
         if (isNew) groups_.push_back({.mailbox = record.mailbox.str()});
         MailboxGroup& group = groups_[known->second];
         group.count += 1;
-        group.bytes += record.sizeBytes;
+        group.bytes += countedBytes(record);
     }
 
     [[nodiscard]] std::vector<MailboxGroup> sorted() const {
@@ -61,7 +62,7 @@ class BaseAccounts {
         making.account.key = base.key;
         making.account.title = base.title;
         making.account.count += 1;
-        making.account.bytes += record.sizeBytes;
+        making.account.bytes += countedBytes(record);
         making.mailboxes.add(record);
     }
 
@@ -90,7 +91,7 @@ ArchiveAccountGroup groupOf(const ArchiveLibraryIndex& index, const ArchiveAccou
     BaseAccounts bases(scopes);
     for (const EntryPosition position : index.sortedOfAccount(LibraryOrder::newestFirst, option.key)) {
         const ArchivedEmailRecord& record = index.entry(position).record;
-        group.bytes += record.sizeBytes;
+        group.bytes += countedBytes(record);
         mailboxes.add(record);
         if (isUserGroup) bases.add(record, option.key);
     }

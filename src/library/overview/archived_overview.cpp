@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "records/archived/counted_bytes.h"
 #include "records/timestamps.h"
 
 namespace corvane {
@@ -34,7 +35,7 @@ void addEntry(YearInMaking& making, const ArchivedEmailRecord& record, EntryPosi
     FolderRow& folder = year.folders[known->second];
     folder.entries.push_back(position);
     for (auto* const count : {&folder.count, &year.count}) *count += 1;
-    for (auto* const bytes : {&folder.bytes, &year.bytes}) *bytes += record.sizeBytes;
+    for (auto* const bytes : {&folder.bytes, &year.bytes}) *bytes += countedBytes(record);
 }
 
 void addYears(ArchivedOverviewGroup& group, std::map<std::int64_t, YearInMaking>& years) {
@@ -51,9 +52,9 @@ ArchivedOverviewGroup groupOf(const ArchiveLibraryIndex& index, const LibraryAcc
     std::map<std::int64_t, YearInMaking> years;
     for (const EntryPosition position : index.sortedOfAccount(LibraryOrder::newestFirst, option.key)) {
         const ArchivedEmailRecord& record = index.entry(position).record;
-        group.bytes += record.sizeBytes;
+        group.bytes += countedBytes(record);
         if (!record.date) {
-            group.undated.add(record.sizeBytes);
+            group.undated.add(countedBytes(record));
             continue;
         }
         const std::int64_t number = localYear(*record.date);
@@ -116,7 +117,7 @@ class OverviewCounter {
 FolderPresence OverviewCounter::count(const FolderRow& folder, ArchivedOverviewStats::Year& year) const {
     FolderPresence counts;
     for (const EntryPosition position : folder.entries) {
-        const std::int64_t bytes = index_.entry(position).record.sizeBytes;
+        const std::int64_t bytes = countedBytes(index_.entry(position).record);
         switch (facts_.presence(position)) {
         case ArchivedOriginalPresenceStatus::present:
             counts.present += 1;
