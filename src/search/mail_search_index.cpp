@@ -157,6 +157,14 @@ std::optional<SharedTextSet> MailSearchIndex::searchIfReadable(std::string_view 
     return search::idsByScan(database_.get(), text);
 }
 
+bool MailSearchIndex::needsScan(std::string_view query) const {
+    return !hasTrigrams_ || !idsByIndex(text::trimWhitespaceAndNewlines(query));
+}
+
+search::RecordTest MailSearchIndex::recordTest(std::string_view text) const {
+    return {database_.get(), text};
+}
+
 std::optional<SharedTextSet> MailSearchIndex::idsByIndex(std::string_view text) const {
     if (search::isPair(text)) {
         const text::MutexLock lock(searchingPairs_);
@@ -229,7 +237,15 @@ void MailSearchIndex::clear() {
 }
 
 std::optional<SharedTextSet> MailSearchIndex::indexedIDs() const {
-    SqliteStatement query(database_.get(), "SELECT record_id FROM email_fts;");
+    return idsBy("SELECT record_id FROM email_fts;");
+}
+
+std::optional<SharedTextSet> MailSearchIndex::mappedIDs() const {
+    return idsBy("SELECT record_id FROM record_map;");
+}
+
+std::optional<SharedTextSet> MailSearchIndex::idsBy(const char* sql) const {
+    SqliteStatement query(database_.get(), sql);
     SharedTextSet ids;
     while (query.step()) {
         if (const auto id = query.text(0)) ids.insert(SharedText(*id));

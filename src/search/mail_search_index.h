@@ -78,6 +78,12 @@ class MailSearchIndex {
     // be looked for.
     [[nodiscard]] std::optional<SharedTextSet> searchIfReadable(std::string_view query) const;
 
+    // Whether search() would have to read every row, as far as that can be told quickly.
+    [[nodiscard]] bool needsScan(std::string_view query) const;
+
+    // For who looks only until some records were found. It must not outlive this.
+    [[nodiscard]] search::RecordTest recordTest(std::string_view text) const;
+
     // The body as it was stored; nothing when there is none or it counts as empty.
     [[nodiscard]] std::optional<std::string> body(std::string_view id) const;
 
@@ -90,6 +96,9 @@ class MailSearchIndex {
     // Nothing after an error: who takes that for an empty index would add all rows a second time. Reads every
     // row, but no texts.
     [[nodiscard]] std::optional<SharedTextSet> indexedIDs() const;
+
+    // The ids for which a row answers, without reading the rows. Nothing after an error.
+    [[nodiscard]] std::optional<SharedTextSet> mappedIDs() const;
 
     // Nothing after an error. Reads every row.
     [[nodiscard]] std::optional<IndexedBodyStates> bodyStates() const;
@@ -115,6 +124,8 @@ class MailSearchIndex {
     static void pruneOrphans(const CorvaneAppSupport& support, std::span<const std::string> liveRoots);
 
   private:
+    [[nodiscard]] std::optional<SharedTextSet> idsBy(const char* sql) const;
+
     // Preparing costs several times what a look-up does.
     struct BodyLookup {
         explicit BodyLookup(sqlite3* database);

@@ -41,6 +41,17 @@ constexpr const char* testStatement = R"(SELECT record_id FROM email_fts WHERE r
   body LIKE ?2 ESCAPE '\');
 )";
 
+constexpr const char* recordTestStatement = R"(SELECT 1 FROM email_fts WHERE
+  rowid = (SELECT fts_rowid FROM record_map WHERE record_id = ?1) AND (
+  subject LIKE ?2 ESCAPE '\' OR sender LIKE ?2 ESCAPE '\' OR
+  recipients LIKE ?2 ESCAPE '\' OR attachments LIKE ?2 ESCAPE '\' OR
+  body LIKE ?2 ESCAPE '\');
+)";
+
+// Only counts, which read no row.
+constexpr const char* rowCountStatement =
+    "SELECT (SELECT count(*) FROM record_map) = (SELECT count(*) FROM email_fts_docsize);";
+
 bool endedWell(const SqliteStatement& statement) {
     return statement.status() == SQLITE_DONE;
 }
@@ -130,6 +141,21 @@ std::optional<SharedTextSet> idsByScan(sqlite3* database, std::string_view text)
 std::int64_t highestRowID(sqlite3* database) {
     SqliteStatement last(database, "SELECT rowid FROM email_fts ORDER BY rowid DESC LIMIT 1;");
     return last.step() ? last.integer(0) : 0;
+}
+
+RecordTest::RecordTest(sqlite3* database, std::string_view text)
+  : test_(database, recordTestStatement) {
+    SqliteStatement count(database, rowCountStatement);
+    hasOneRowEach_ = test_ && count.step() && count.integer(0) == 1;
+    test_.bindText(2, likePattern(text));
+}
+
+std::optional<bool> RecordTest::holds(std::string_view recordID) {
+    test_.bindText(1, recordID);
+    const bool holds = test_.step();
+    const bool isSound = holds || endedWell(test_);
+    test_.rewind();
+    return isSound ? std::optional(holds) : std::nullopt;
 }
 
 RowLookups::RowLookups(sqlite3* database, unsigned flags)

@@ -55,6 +55,22 @@ class Snapshot {
     platform::SqliteStatement read_;
 };
 
+// Asks single records whether their rows hold a text, as LIKE tells it. One thread at a time.
+class RecordTest {
+  public:
+    RecordTest(sqlite3* database, std::string_view text);
+
+    // False where a record may have several rows, of which only one would be asked, and after an error.
+    explicit operator bool() const { return hasOneRowEach_; }
+
+    // False for one that has no row. Nothing after an error.
+    std::optional<bool> holds(std::string_view recordID);
+
+  private:
+    platform::SqliteStatement test_;
+    bool hasOneRowEach_;
+};
+
 // Reads single rows. One thread at a time.
 class RowLookups {
   public:
