@@ -227,8 +227,10 @@ TEST_F(ArchiveRemovalTest, AnInterruptionAtAnyOperationIsHealed) {
             if (removal && effect == Effect::fail) {
                 EXPECT_EQ(removal->removed.size() + left.size(), 3U);
             }
-            EXPECT_EQ(remove({a_, b_}).removed.size(), 2U);
+            const ArchiveRemoval next = remove({a_, b_});
+            EXPECT_EQ(next.removed.size(), 2U);
             EXPECT_EQ(ids(), Ids{"mid:c"});
+            EXPECT_EQ(next.recordedIDs, SharedTextSet{"mid:c"}) << "by which what is kept of the others goes";
             EXPECT_EQ(files(), expected);
             if (HasFailure()) return;
         }

@@ -122,11 +122,11 @@ class Removal {
         destination_.lock();
         for (int tries = 0; tries < mostTries; ++tries) {
             EmailArchiveIndex index = destination_.existingIndex();
-            if (!dropRecords(index)) return result();
+            if (!dropRecords(index)) return result(index);
             index.updatedAt = currentTimestamp();
             const auto before = [work = work_](FileLayer& files, const ArchiveFolders& folders,
                                                JobLimit& limit) { return work->run(files, folders, limit); };
-            if (destination_.replaceIndex(index, options_.markHidden, before)) return result();
+            if (destination_.replaceIndex(index, options_.markHidden, before)) return result(index);
         }
         throw ArchiveAccessError("无法保存归档索引", destination_.indexPath(), "别的程序在不断改动它");
     }
@@ -134,7 +134,7 @@ class Removal {
   private:
     bool dropRecords(EmailArchiveIndex& index);
     void findOthers(const std::vector<ArchivedEmailRecord>& kept);
-    ArchiveRemoval result();
+    ArchiveRemoval result(const EmailArchiveIndex& index);
 
     const ArchiveRemovalOptions& options_;
     std::shared_ptr<FilesToRemove> work_;
@@ -182,8 +182,9 @@ void Removal::findOthers(const std::vector<ArchivedEmailRecord>& kept) {
     }
 }
 
-ArchiveRemoval Removal::result() {
+ArchiveRemoval Removal::result(const EmailArchiveIndex& index) {
     ArchiveRemoval result;
+    for (const ArchivedEmailRecord& record : index.records) result.recordedIDs.insert(record.id);
     for (Target& target : work_->targets) {
         const std::string& id = target.record.id;
         if (target.file.outcome == Outcome::removed || target.file.outcome == Outcome::gone)

@@ -14,6 +14,7 @@
 
 #include "platform/files/layers/file_layer.h"
 #include "records/values.h"
+#include "text/shared_text.h"
 
 namespace corvane {
 
@@ -39,6 +40,7 @@ struct ArchiveRemoval {
     std::vector<std::string> removedPaths; // of files that aren't there any more
     // What stays, and records that named something else than a mail: those went, and no file with them.
     std::vector<Failure> failures;
+    SharedTextSet recordedIDs; // that the index has now
 };
 
 // Each id is in the result once. Throws ArchiveAccessError where the archive or its index can't be used.

@@ -25,28 +25,36 @@ std::string entryIDOf(const std::string& root, const std::string& recordID) {
     return entry.id();
 }
 
-// What can't be removed answers for a mail that no library lists.
-void removeSearchRows(const CorvaneAppSupport& support, const std::string& root,
-                      const std::vector<std::string>& ids) {
-    if (ids.empty()) return;
-    const auto index = MailSearchIndex::open(support, root);
-    for (const std::string& id : ids) {
-        if (index) index->remove(id);
+// More than what killed removals leave is what a lost index leaves, and that may come back by a rebuild.
+constexpr std::size_t mostRowsLeft = 1000;
+
+// The rows of the removed mail and those that a killed removal has left: they answer for mail that no library
+// lists. `indexed` are the ids of all rows before the removal, since others may add some meanwhile.
+void removeSearchRows(MailSearchIndex& index, const SharedTextSet& indexed, const ArchiveRemoval& removal) {
+    for (const std::string& id : removal.removed) index.remove(id);
+    for (const ArchiveRemoval::Failure& failure : removal.failures) {
+        if (failure.isRecordGone) index.remove(failure.id);
     }
+    std::vector<SharedText> left;
+    for (const SharedText& id : indexed) {
+        if (!removal.recordedIDs.contains(id)) left.push_back(id);
+    }
+    if (left.size() > removal.removed.size() + mostRowsLeft) return;
+    for (const SharedText& id : left) index.remove(id);
 }
 
 void removeIn(const RemovalJob& job, const std::string& root, const std::vector<RecordToRemove>& records,
               const TaskHandle& task, ArchiveRemovalEnd& end) {
     ArchiveRemovalOptions options;
     options.markHidden = [&platform = job.platform](const std::string& path) { platform.markHidden(path); };
+    const auto index = MailSearchIndex::open(job.support, root);
+    const auto indexed = index ? index->mappedIDs() : std::nullopt;
     ArchiveRemoval removal = removeFromArchive(job.support.files(), root, records, options, task.stopToken());
-    std::vector<std::string> goneRecords = removal.removed;
+    if (index) removeSearchRows(*index, indexed.value_or(SharedTextSet()), removal);
     for (const std::string& id : removal.removed) end.removedIDs.push_back(entryIDOf(root, id));
     for (ArchiveRemoval::Failure& failure : removal.failures) {
-        if (failure.isRecordGone) goneRecords.push_back(failure.id);
         end.failures.push_back({entryIDOf(root, failure.id), std::move(failure.reason)});
     }
-    removeSearchRows(job.support, root, goneRecords);
     if (!removal.removedPaths.empty()) end.removedPaths[root] = std::move(removal.removedPaths);
 }
 
