@@ -1,17 +1,22 @@
 #include "cli/console/output.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 
 #include <unistd.h>
 
 #include "records/error_reasons.h"
+#include "text/charsets/utf8_step.h"
 #include "text/hidden_characters.h"
 
 namespace corvane::cli {
 
 namespace {
+
+constexpr std::size_t pieceBytes = std::size_t{1} << 20;
 
 void writeWhole(std::string_view bytes) {
     while (!bytes.empty()) {
@@ -42,7 +47,14 @@ void JsonDocument::key(std::string_view name) {
 }
 
 void JsonDocument::print() const {
-    writeWhole(text::withHiddenEscaped({buffer_.GetString(), buffer_.GetSize()}) + '\n');
+    std::string_view rest(buffer_.GetString(), buffer_.GetSize());
+    while (!rest.empty()) {
+        std::size_t count = std::min(rest.size(), pieceBytes);
+        while (count < rest.size() && text::continuesCharacter(rest[count])) ++count;
+        const char* const end = count == rest.size() ? "\n" : "";
+        writeWhole(text::withHiddenEscaped(rest.substr(0, count)) + end);
+        rest.remove_prefix(count);
+    }
 }
 
 void printText(std::string_view text) {
