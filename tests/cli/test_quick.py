@@ -94,6 +94,38 @@ class Quick(CliCase):
             self.assertEqual(len(done.stderr.strip().split("\n")), 3)
             self.settle()
 
+    def test_an_archive_that_takes_a_look_of_its_own_costs_no_other(self):
+        """Two of one time, the same or not, an index that changes, and one that can't be read."""
+        one, two = self.archives
+        own = json.loads((two / "archive-index.json").read_text())
+        shutil.copytree(two, self.folder / "copy")
+        shutil.copytree(two, self.folder / "other")
+        others = {**own, "records": [{**r, "id": "mid:other" + r["id"]} for r in own["records"]]}
+        (self.folder / "other" / "archive-index.json").write_text(json.dumps(others))
+        for name in ("copy", "other"):
+            self.run_cli(self.mail, "archive", "--to", self.folder / name, "--limit", "0")
+        self.settle()
+        roots = {e["locationRootPath"] for e in self.run_cli(self.mail, "library")}
+        self.assertEqual(roots, {str(one), str(self.folder / "other"), str(self.folder / "copy")}, "the destination first")
+        name, of_other = own["records"][0]["id"], others["records"][0]["id"]
+        shows = lambda *names: [self.run_cli(self.mail, "show", name)["record"]["subject"] for name in names]
+        subject = own["records"][0].get("subject", "")
+        self.assertEqual(shows(name, of_other), [subject] * 2)
+        self.assertFalse(self.loaded(), "of the same ones one is left out by the digests")
+        others["records"][0]["subject"] = "改过"
+        (self.folder / "other" / "archive-index.json").write_text(json.dumps(others))
+        self.assertEqual(shows(name, of_other), [subject, "改过"])
+        (one / "archive-index.json").write_text("{")
+        self.settle()
+        self.assertEqual(shows(name, of_other), [subject, "改过"])
+        self.assertFalse(self.loaded(), "only what has changed is read")
+        gone = next(e["entryID"] for e in self.entries if e["locationRootPath"] == str(one))
+        self.run_cli(self.mail, "show", gone, expect=1)
+        shutil.move(one, self.folder / "away")
+        for _ in range(2):
+            self.assertTrue(self.run_cli(self.mail, "show", gone)["gone"], "of an archive that is away the copy counts")
+        self.assertFalse(self.loaded())
+
     def test_what_is_known_of_the_original_and_the_file(self):
         name = next(e["entryID"] for e in self.entries if e["locationRootPath"] == str(self.archives[0]))
         told = lambda: [self.run_cli(self.mail, "show", name)[key] for key in ("present", "gone", "available")]

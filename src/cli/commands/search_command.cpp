@@ -28,9 +28,13 @@ struct SearchOptions {
     bool withDetails = false;
 };
 
+// Slim, since there may be very many.
 struct FoundMail {
-    ArchivedEntry entry;
+    std::string entryID;
     std::string shortestHandle;
+    std::optional<Date> date;
+    SharedText sender;
+    SharedText subject;
     std::optional<std::string> snippet;
 };
 
@@ -46,21 +50,31 @@ std::optional<std::string> snippetOf(EntrySource& source, const ArchivedEntry& e
     return body ? snippetText(*body, query) : std::nullopt;
 }
 
+FoundMail foundMail(EntrySource& source, const ArchivedEntry& entry, const std::string& query) {
+    return {entry.id(),          source.shortestHandle(entry), entry.record.date,
+            entry.record.sender, entry.record.subject,         snippetOf(source, entry, query)};
+}
+
 SearchAnswer answerOf(EntrySource& source, const SearchOptions& options, bool wantsMails) {
-    SearchAnswer answer{source.search(options.text), {}};
-    if (!wantsMails && !options.limit) return answer;
-    const auto entries = source.newest(answer.found.ids, options.limit);
-    if (wantsMails) {
-        for (const ArchivedEntry& entry : entries)
-            answer.mails.push_back(
-                {entry, source.shortestHandle(entry), snippetOf(source, entry, options.text)});
+    SearchAnswer answer;
+    std::vector<SharedText> ids;
+    const auto add = [&](const ArchivedEntry& entry) {
+        if (wantsMails)
+            answer.mails.push_back(foundMail(source, entry, options.text));
+        else
+            ids.push_back(entry.record.id);
+    };
+    if (const auto newest =
+            options.limit ? source.newestHolding(options.text, *options.limit) : std::nullopt) {
+        for (const ArchivedEntry& entry : *newest) add(entry);
     } else {
-        answer.found.ids.clear();
-        for (const ArchivedEntry& entry : entries) answer.found.ids.push_back(entry.record.id.str());
-        std::ranges::sort(answer.found.ids);
-        const auto repeated = std::ranges::unique(answer.found.ids);
-        answer.found.ids.erase(repeated.begin(), repeated.end());
+        answer.found = source.search(options.text);
+        if (!wantsMails && !options.limit) return answer;
+        source.visitNewest(answer.found.ids, options.limit, add);
     }
+    std::ranges::sort(ids);
+    ids.erase(std::ranges::unique(ids).begin(), ids.end());
+    answer.found.ids = std::move(ids);
     return answer;
 }
 
@@ -69,11 +83,11 @@ void printDetails(const std::vector<FoundMail>& mails) {
     document.array([&] {
         for (const FoundMail& mail : mails) {
             document.object([&] {
-                document.member("handle", entryHandle(mail.entry.id()));
-                document.member("entryID", mail.entry.id());
-                if (mail.entry.record.date) document.member("date", *mail.entry.record.date);
-                document.member("sender", mail.entry.record.sender);
-                document.member("subject", mail.entry.record.subject);
+                document.member("handle", entryHandle(mail.entryID));
+                document.member("entryID", mail.entryID);
+                if (mail.date) document.member("date", *mail.date);
+                document.member("sender", mail.sender);
+                document.member("subject", mail.subject);
                 if (mail.snippet) document.member("snippet", *mail.snippet);
             });
         }
@@ -86,9 +100,8 @@ void printTable(const std::vector<FoundMail>& mails) {
                      TextTable::Align::left, TextTable::Align::left});
     table.row({"编号", "日期", "发件人", "主题", "正文"});
     for (const FoundMail& mail : mails) {
-        const ArchivedEmailRecord& record = mail.entry.record;
-        table.row({mail.shortestHandle, record.date ? formatListDate(*record.date) : "日期未知",
-                   record.sender.str(), record.subject.str(), mail.snippet.value_or("")});
+        table.row({mail.shortestHandle, mail.date ? formatListDate(*mail.date) : "日期未知",
+                   mail.sender.str(), mail.subject.str(), mail.snippet.value_or("")});
     }
     table.print();
 }

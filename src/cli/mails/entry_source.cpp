@@ -31,9 +31,14 @@ class QuickEntries final : public EntrySource {
         return {std::move(found.ids), std::move(found.unreadableRoots)};
     }
 
-    std::vector<ArchivedEntry> newest(const std::vector<std::string>& recordIDs,
-                                      std::optional<std::int64_t> limit) override {
-        return library_.newest(recordIDs, limit);
+    void visitNewest(const std::vector<SharedText>& recordIDs, std::optional<std::int64_t> limit,
+                     const Visit& visit) override {
+        library_.visitNewest(recordIDs, limit, visit);
+    }
+
+    std::optional<std::vector<ArchivedEntry>> newestHolding(const std::string& text,
+                                                            std::int64_t limit) override {
+        return library_.newestHolding(text, limit);
     }
 
     std::string shortestHandle(const ArchivedEntry& entry) override {
@@ -72,7 +77,7 @@ class LoadedEntries final : public EntrySource {
     FoundIDs search(const std::string& text) override {
         FoundIDs result;
         session_.model().bodyTexts().searchArchive(text, [&](const ArchiveSearchResult& found) {
-            for (const SharedText& id : found.ids) result.ids.push_back(id.str());
+            result.ids.assign(found.ids.begin(), found.ids.end());
             result.rootsNotAsked = found.unreadableRoots;
         });
         session_.waitUntilIdle();
@@ -80,8 +85,8 @@ class LoadedEntries final : public EntrySource {
         return result;
     }
 
-    std::vector<ArchivedEntry> newest(const std::vector<std::string>& recordIDs,
-                                      std::optional<std::int64_t> limit) override {
+    void visitNewest(const std::vector<SharedText>& recordIDs, std::optional<std::int64_t> limit,
+                     const Visit& visit) override {
         const std::unordered_set<std::string_view> wanted(recordIDs.begin(), recordIDs.end());
         std::vector<const ArchivedEntry*> mails;
         for (const ArchivedEntry& entry : *entries_) {
@@ -90,9 +95,7 @@ class LoadedEntries final : public EntrySource {
         // An absent date is less than any other.
         std::ranges::stable_sort(mails, std::greater(), [](const auto* mail) { return mail->record.date; });
         if (limit && *limit < std::ssize(mails)) mails.resize(static_cast<std::size_t>(*limit));
-        std::vector<ArchivedEntry> result;
-        for (const ArchivedEntry* const mail : mails) result.push_back(*mail);
-        return result;
+        for (const ArchivedEntry* const mail : mails) visit(*mail);
     }
 
     std::string shortestHandle(const ArchivedEntry& entry) override {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,13 +12,14 @@
 #include "cli/session.h"
 #include "locations/loading/archive_digest.h"
 #include "records/archived/archive_records.h"
+#include "text/shared_text.h"
 
 namespace corvane::cli {
 
 class EntrySource {
   public:
     struct FoundIDs {
-        std::vector<std::string> ids;           // of records, sorted, each once
+        std::vector<SharedText> ids;            // of records, sorted, each once
         std::vector<std::string> rootsNotAsked; // of archives that couldn't be searched
     };
 
@@ -29,9 +31,18 @@ class EntrySource {
     // The records of all archives that hold the text.
     virtual FoundIDs search(const std::string& text) = 0;
 
-    // The mails with those record ids, the newest first and those without a date last; not more than `limit`.
-    virtual std::vector<ArchivedEntry> newest(const std::vector<std::string>& recordIDs,
-                                              std::optional<std::int64_t> limit) = 0;
+    using Visit = std::function<void(ArchivedEntry)>;
+
+    // Visits the mails with those record ids, the newest first and those without a date last; not more than
+    // `limit`.
+    virtual void visitNewest(const std::vector<SharedText>& recordIDs, std::optional<std::int64_t> limit,
+                             const Visit& visit) = 0;
+
+    // The same of all that search() would find, where that can be had without it.
+    virtual std::optional<std::vector<ArchivedEntry>> newestHolding(const std::string& /*text*/,
+                                                                    std::int64_t /*limit*/) {
+        return std::nullopt;
+    }
 
     virtual std::string shortestHandle(const ArchivedEntry& entry) = 0;
 

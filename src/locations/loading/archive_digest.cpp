@@ -19,7 +19,7 @@ namespace corvane {
 
 namespace {
 
-constexpr std::array<char, 8> magic = {'c', 'r', 'v', 'd', 'g', 's', 't', '1'};
+constexpr std::array<char, 8> magic = {'c', 'r', 'v', 'd', 'g', 's', 't', '2'};
 constexpr std::int64_t noDate = std::numeric_limits<std::int64_t>::min();
 constexpr std::size_t byHandle = 0;
 constexpr std::size_t byRecordID = 1;
@@ -69,9 +69,11 @@ struct ArchiveDigest::Head {
     SourceStamp copy;
     std::int64_t madeAt = 0;
     std::int64_t createdAt = 0;
-    std::uint64_t count = 0;
+    std::uint64_t count = 0;       // of records with an id of their own
+    std::uint64_t recordCount = 0; // of all
     std::uint64_t presenceSum = 0; // of the PresenceSignature
     std::uint64_t rootBytes = 0;   // the root stands behind the head
+    std::uint64_t isUnusable = 0;  // the index is
 };
 
 struct ArchiveDigest::Place {
@@ -101,7 +103,8 @@ struct IndexContent {
 
     Date createdAt{};
     std::vector<Found> records; // the first of each id
-    PresenceSignature presence; // of them
+    std::uint64_t recordCount = 0;
+    PresenceSignature presence; // of the first ones
 };
 
 // Throws JsonError.
@@ -122,6 +125,7 @@ IndexContent contentOf(std::string_view text, const SharedText& root) {
     JsonArrayPieces pieces(list, 1);
     while (const auto piece = pieces.next()) {
         auto record = reader.read<ArchivedEmailRecord>(*piece);
+        ++content.recordCount;
         if (!seen.insert(record.id).second) continue;
         content.presence.add(root, record);
         const auto offset = static_cast<std::size_t>(piece->data() - text.data());
@@ -134,12 +138,17 @@ IndexContent contentOf(std::string_view text, const SharedText& root) {
 
 void ArchiveDigest::make(platform::FileLayer& layer, const Files& files, const std::string& root,
                          const SourceStamp& indexStamp) {
-    Head head{magic, indexStamp, stampOfFile(files.copy), nowNanoseconds(), 0, 0, 0, root.size()};
+    Head head{.magic = magic,
+              .index = indexStamp,
+              .copy = stampOfFile(files.copy),
+              .madeAt = nowNanoseconds(),
+              .rootBytes = root.size()};
     try {
         const MappedFile copy(files.copy);
         const IndexContent content = contentOf(copy.text(), SharedText(root));
         head.createdAt = content.createdAt.time_since_epoch().count();
         head.count = content.records.size();
+        head.recordCount = content.recordCount;
         head.presenceSum = content.presence.sum();
         std::array<std::vector<Place>, tableCount> tables;
         std::string rows;
@@ -164,6 +173,18 @@ void ArchiveDigest::make(platform::FileLayer& layer, const Files& files, const s
     }
 }
 
+void ArchiveDigest::makeOfUnusableIndex(platform::FileLayer& layer, const Files& files,
+                                        const std::string& root, const SourceStamp& indexStamp) {
+    std::string whole;
+    append(whole, Head{.magic = magic,
+                       .index = indexStamp,
+                       .copy = stampOfFile(files.copy),
+                       .madeAt = nowNanoseconds(),
+                       .rootBytes = root.size(),
+                       .isUnusable = 1});
+    DerivedFile::write(layer, files.digest, whole + root);
+}
+
 ArchiveDigest::ArchiveDigest(DerivedFile file, std::string root, std::string copyPath, std::size_t count)
   : file_(std::move(file))
   , root_(std::move(root))
@@ -183,13 +204,34 @@ std::optional<ArchiveDigest> ArchiveDigest::open(const Files& files, const std::
     return ArchiveDigest(std::move(*file), root, files.copy, head.count);
 }
 
+bool ArchiveDigest::isOf(const SourceStamp& index) const {
+    return file_.at<Head>(0).index == index;
+}
+
 bool ArchiveDigest::fits(const SourceStamp& index) const {
-    const auto head = file_.at<Head>(0);
-    return head.index == index && index.modifiedNanoseconds + youngNanoseconds < head.madeAt;
+    return isOf(index) && index.modifiedNanoseconds + youngNanoseconds < file_.at<Head>(0).madeAt;
+}
+
+bool ArchiveDigest::isOfUnusableIndex() const {
+    return file_.at<Head>(0).isUnusable != 0;
 }
 
 Date ArchiveDigest::createdAt() const {
     return Date(std::chrono::seconds(file_.at<Head>(0).createdAt));
+}
+
+// Their tables of record ids have one order.
+bool ArchiveDigest::sharesIDsWith(const ArchiveDigest& other) const {
+    const bool isShorter = file_.at<Head>(0).recordCount < other.file_.at<Head>(0).recordCount;
+    const ArchiveDigest& shorter = isShorter ? *this : other;
+    const ArchiveDigest& longer = isShorter ? other : *this;
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < shorter.count_; ++i) {
+        const std::uint64_t hash = shorter.placeAt(byRecordID, i).hash;
+        while (at < longer.count_ && longer.placeAt(byRecordID, at).hash < hash) ++at;
+        if (at == longer.count_ || longer.placeAt(byRecordID, at).hash != hash) return false;
+    }
+    return true;
 }
 
 std::size_t ArchiveDigest::headBytes() const {
@@ -242,10 +284,10 @@ std::optional<ArchiveDigest::Position> ArchiveDigest::withRecordID(std::string_v
     return found;
 }
 
-std::vector<ArchiveDigest::WantedID> ArchiveDigest::wantedIDs(const std::vector<std::string>& recordIDs) {
+std::vector<ArchiveDigest::WantedID> ArchiveDigest::wantedIDs(const std::vector<SharedText>& recordIDs) {
     std::vector<WantedID> wanted;
     wanted.reserve(recordIDs.size());
-    for (const std::string& id : recordIDs) wanted.push_back({recordIDHash(id), wanted.size()});
+    for (const SharedText& id : recordIDs) wanted.push_back({recordIDHash(id), wanted.size()});
     std::ranges::sort(wanted, {}, &WantedID::hash);
     return wanted;
 }

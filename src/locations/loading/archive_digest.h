@@ -22,6 +22,7 @@
 #include "records/archived/entry_handle.h"
 #include "records/archived/presence_signature.h"
 #include "records/stores/derived_file.h"
+#include "text/shared_text.h"
 
 namespace corvane {
 
@@ -58,15 +59,29 @@ class ArchiveDigest {
     static void make(platform::FileLayer& layer, const Files& files, const std::string& root,
                      const SourceStamp& indexStamp);
 
+    // Makes one that says that this state of the index can't be used, whatever the copy holds.
+    static void makeOfUnusableIndex(platform::FileLayer& layer, const Files& files, const std::string& root,
+                                    const SourceStamp& indexStamp);
+
     // Absent when there is none, or it isn't that of this copy. Says nothing of the index itself.
     static std::optional<ArchiveDigest> open(const Files& files, const std::string& root);
 
-    // Whether it was made from that state of the index. A time that was young then may hide a later change.
+    // Whether it was made from that state of the index, for who has just read it.
+    [[nodiscard]] bool isOf(const SourceStamp& index) const;
+
+    // The same for everybody else: a time that was young then may hide a later change.
     [[nodiscard]] bool fits(const SourceStamp& index) const;
+
+    // It names no records: its index has none that could be read.
+    [[nodiscard]] bool isOfUnusableIndex() const;
 
     [[nodiscard]] Date createdAt() const;
 
     [[nodiscard]] std::size_t count() const { return count_; }
+
+    // Whether the record ids of one are among those of the other, by what the digests know of them: that two
+    // ids are taken for one isn't to be expected, and would be no help to who wants to hide an archive.
+    [[nodiscard]] bool sharesIDsWith(const ArchiveDigest& other) const;
 
     // Of its entries.
     [[nodiscard]] PresenceSignature presenceSignature() const;
@@ -84,7 +99,7 @@ class ArchiveDigest {
     };
 
     // Ordered by what the digest is ordered by.
-    static std::vector<WantedID> wantedIDs(const std::vector<std::string>& recordIDs);
+    static std::vector<WantedID> wantedIDs(const std::vector<SharedText>& recordIDs);
 
     // Calls visit(position, number) for each record that may have one of the ids; whether it has, its entry
     // tells.

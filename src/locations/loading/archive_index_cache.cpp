@@ -132,7 +132,7 @@ bool copyIndex(platform::FileLayer& files, const std::string& from, const std::s
 std::optional<EmailArchiveIndex>
 ArchiveIndexCache::loadIndexWithCache(const std::string& archiveRoot, std::string_view key, bool connected,
                                       const std::function<void()>& onPiece) const {
-    if (!connected) return decodedFile(support_.files(), indexCachePath(key), onPiece);
+    if (!connected) return loadCopy(archiveRoot, key, onPiece);
     const std::string indexPath = platform::joinPath(archiveRoot, archiveIndexFileName);
     const FilePresence presence = filePresence(support_.files(), indexPath);
     if (presence == FilePresence::present) return loadConnected(archiveRoot, key, onPiece);
@@ -158,22 +158,44 @@ ArchiveIndexCache::loadConnected(const std::string& root, std::string_view key,
         hash.update(piece);
     });
     auto index = wasRead ? decoder.finish() : std::nullopt;
-    if (!index) return index;
+    if (!index) {
+        // A failed reading says nothing of the index.
+        const bool isNone = !S_ISREG(before.st_mode) || before.st_size > largestArchiveIndexBytes;
+        if (isThere && (wasRead || isNone)) provideDigest(root, SourceStamp::of(before), false);
+        return index;
+    }
     const bool isCopied =
         copy.hasSameEnd() || (!platform::createDirectories(support_.files(), support_.filePath(folderName)) &&
                               copyIndex(support_.files(), indexPath, copyPath, hash.digest(), onPiece));
     if (onPiece) onPiece();
-    if (isThere && isCopied) provideDigest(root, SourceStamp::of(before));
+    if (isThere && isCopied) provideDigest(root, SourceStamp::of(before), true);
     return index;
 }
 
-void ArchiveIndexCache::provideDigest(const std::string& root, const SourceStamp& index) const {
+// The digest is that of no index, unless it was made while the archive was there.
+std::optional<EmailArchiveIndex> ArchiveIndexCache::loadCopy(const std::string& root, std::string_view key,
+                                                             const std::function<void()>& onPiece) const {
+    auto index = decodedFile(support_.files(), indexCachePath(key), onPiece);
+    if (!index) return index;
+    const ArchiveDigest::Files files = digestFiles(root);
+    const auto known = ArchiveDigest::open(files, root);
+    if (!known || known->isOfUnusableIndex())
+        ArchiveDigest::make(support_.files(), files, root, SourceStamp());
+    return index;
+}
+
+void ArchiveIndexCache::provideDigest(const std::string& root, const SourceStamp& index,
+                                      bool isUsable) const {
+    platform::FileLayer& layer = support_.files();
     const ArchiveDigest::Files files = digestFiles(root);
     const auto known = ArchiveDigest::open(files, root);
     struct stat now{};
-    const bool isUnchanged = support_.files().stat(files.index, now) == 0 && SourceStamp::of(now) == index;
-    if (isUnchanged && !(known && known->fits(index)))
-        ArchiveDigest::make(support_.files(), files, root, index);
+    const bool isUnchanged = layer.stat(files.index, now) == 0 && SourceStamp::of(now) == index;
+    if (!isUnchanged || (known && known->fits(index) && known->isOfUnusableIndex() == !isUsable)) return;
+    if (isUsable)
+        ArchiveDigest::make(layer, files, root, index);
+    else if (!platform::createDirectories(layer, support_.filePath(folderName)))
+        ArchiveDigest::makeOfUnusableIndex(layer, files, root, index);
 }
 
 ArchiveDigest::Files ArchiveIndexCache::digestFiles(const std::string& root) const {

@@ -50,7 +50,9 @@ class ArchiveIndexCache {
   private:
     [[nodiscard]] std::optional<EmailArchiveIndex>
     loadConnected(const std::string& root, std::string_view key, const std::function<void()>& onPiece) const;
-    void provideDigest(const std::string& root, const SourceStamp& index) const;
+    [[nodiscard]] std::optional<EmailArchiveIndex> loadCopy(const std::string& root, std::string_view key,
+                                                            const std::function<void()>& onPiece) const;
+    void provideDigest(const std::string& root, const SourceStamp& index, bool isUsable) const;
     [[nodiscard]] std::string devicePath(std::string_view key) const;
 
     const platform::Platform& platform_;

@@ -37,7 +37,7 @@ SharedText sharedBaseID(const ArchivedEmailRecord& record, std::string_view base
     return base.size() == record.id.size() ? record.id : SharedText(base);
 }
 
-bool isSameArchive(const EmailArchiveIndex& a, const EmailArchiveIndex& b) {
+bool haveSharedIDs(const EmailArchiveIndex& a, const EmailArchiveIndex& b) {
     const bool isAShorter = a.records.size() < b.records.size();
     const EmailArchiveIndex& shorter = isAShorter ? a : b;
     const EmailArchiveIndex& longer = isAShorter ? b : a;
@@ -49,22 +49,32 @@ bool isSameArchive(const EmailArchiveIndex& a, const EmailArchiveIndex& b) {
 
 } // namespace
 
-std::vector<LoadedArchive> dedupeLoadedArchives(std::vector<LoadedArchive> archives) {
+std::vector<bool> archivesThatStay(const std::vector<ArchiveSight>& archives,
+                                   const std::function<bool(std::size_t, std::size_t)>& haveSharedIDs) {
     std::vector<bool> stays(archives.size(), true);
     std::multimap<Date, std::size_t> holders;
     for (std::size_t i = 0; i < archives.size(); ++i) {
-        const auto [first, last] = holders.equal_range(archives[i].index.createdAt);
-        const auto holder = std::find_if(first, last, [&](const auto& entry) {
-            return isSameArchive(archives[entry.second].index, archives[i].index);
-        });
+        const auto [first, last] = holders.equal_range(archives[i].createdAt);
+        const auto holder =
+            std::find_if(first, last, [&](const auto& entry) { return haveSharedIDs(entry.second, i); });
         if (holder == last) {
-            holders.emplace(archives[i].index.createdAt, i);
+            holders.emplace(archives[i].createdAt, i);
             continue;
         }
         const bool replaces = archives[i].connected && !archives[holder->second].connected;
         stays[replaces ? holder->second : i] = false;
         if (replaces) holder->second = i;
     }
+    return stays;
+}
+
+std::vector<LoadedArchive> dedupeLoadedArchives(std::vector<LoadedArchive> archives) {
+    std::vector<ArchiveSight> sights;
+    for (const LoadedArchive& archive : archives)
+        sights.push_back({archive.index.createdAt, archive.connected});
+    const std::vector<bool> stays = archivesThatStay(sights, [&](std::size_t a, std::size_t b) {
+        return haveSharedIDs(archives[a].index, archives[b].index);
+    });
     std::vector<LoadedArchive> kept;
     for (std::size_t i = 0; i < archives.size(); ++i) {
         if (stays[i]) kept.push_back(std::move(archives[i]));

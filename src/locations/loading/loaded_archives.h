@@ -2,6 +2,7 @@
 // background.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -32,6 +33,17 @@ struct LoadedArchive {
 // The search index of each loaded archive that has one, by root. Immutable, shared between threads.
 using SearchIndexTable = std::map<std::string, std::shared_ptr<const MailSearchIndex>, std::less<>>;
 using SharedSearchIndexes = std::shared_ptr<const SearchIndexTable>;
+
+// An archive as it is compared with others.
+struct ArchiveSight {
+    Date createdAt{};
+    bool connected = false; // and holds files
+};
+
+// Those that stay of archives of which some may be the same, by position. `haveSharedIDs` is asked of two
+// with one `createdAt` whether the ids of one are among those of the other.
+std::vector<bool> archivesThatStay(const std::vector<ArchiveSight>& archives,
+                                   const std::function<bool(std::size_t, std::size_t)>& haveSharedIDs);
 
 // Two folders are the same archive, copied or seen through two paths, when their indexes have the same
 // `createdAt` and the ids of one are among those of the other: two runs may begin in one second. The first

@@ -10,31 +10,73 @@
 #include "locations/known_locations.h"
 #include "locations/loading/archive_discovery.h"
 #include "locations/loading/archive_index_cache.h"
+#include "locations/loading/archived_files.h"
+#include "locations/loading/loaded_archives.h"
 #include "locations/settings_keys.h"
 #include "platform/files/file_look.h"
 #include "platform/paths.h"
 #include "records/stores/archive_index_file.h"
 #include "search/mail_search_index.h"
+#include "text/trim.h"
 
 namespace corvane {
 
-// What is seen of a root without reading its index.
+namespace {
+
+// Mail of an archive that is asked for to know that its files aren't all gone.
+constexpr std::size_t mostFilesAskedFor = 16;
+
+// To ask one costs as much as some tens of rows do when all are read.
+constexpr std::size_t mailsAskedForOne = 4;
+constexpr std::size_t shareOfMailsAsked = 256;
+
+// An absent date is less than any other.
+bool isNewer(const QuickLibrary::Found& one, const QuickLibrary::Found& other) {
+    if (one.date != other.date) return one.date > other.date;
+    return std::pair(one.archive, one.position) < std::pair(other.archive, other.position);
+}
+
+// One of the first mails that the archive names is there. False says nothing of the others.
+bool holdsFiles(PlaceLook& look, const ArchiveDigest::Files& files, const std::string& root) {
+    const auto digest = ArchiveDigest::open(files, root);
+    const std::size_t count = digest ? std::min(digest->count(), mostFilesAskedFor) : 0;
+    for (ArchiveDigest::Position position = 0; position < count; ++position) {
+        const std::string path = digest->entry(position).record.emlRelativePath.str();
+        look.beginStep();
+        if (platform::isSafeRelativePath(path) &&
+            !isArchiveFileGone(look.files(), platform::joinPath(root, path)))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+// What is seen of a root, whose index is read only if it isn't that of the digest.
 struct QuickLibrary::RootState {
     bool isConnected = false;
-    std::optional<SourceStamp> index; // absent when it couldn't be looked at
     bool isIndexAbsent = false;
+    bool isIndexUnusable = false;
+    std::optional<ArchiveDigest> digest{}; // of a connected archive that of its index
 };
 
 QuickLibrary::RootState QuickLibrary::lookAtRoot(PlaceLook& look, const platform::Platform& platform,
                                                  const std::string& root) {
+    const ArchiveIndexCache cache(platform, CorvaneAppSupport(platform, look.files()));
+    const ArchiveDigest::Files files = cache.digestFiles(root);
     RootState state;
+    state.digest = ArchiveDigest::open(files, root);
     state.isConnected = isLocationConnected(platform, root);
     struct stat status{};
     if (!state.isConnected || look.isGivenUp()) return state;
-    if (look.files().stat(platform::joinPath(root, archiveIndexFileName), status) == 0)
-        state.index = SourceStamp::of(status);
-    else
-        state.isIndexAbsent = errno == ENOENT || errno == ENOTDIR;
+    const bool isThere = look.files().stat(files.index, status) == 0;
+    state.isIndexAbsent = !isThere && (errno == ENOENT || errno == ENOTDIR);
+    state.isIndexUnusable = !isThere && !state.isIndexAbsent;
+    if (!isThere || !state.digest || state.digest->fits(SourceStamp::of(status))) return state;
+    state.isIndexUnusable = !cache.loadIndexWithCache(root, root, true, [&look] { look.beginStep(); });
+    state.digest = ArchiveDigest::open(files, root);
+    const bool isStillThere = !look.isGivenUp() && look.files().stat(files.index, status) == 0;
+    if (!isStillThere || (state.digest && !state.digest->isOf(SourceStamp::of(status)))) state.digest.reset();
     return state;
 }
 
@@ -49,7 +91,7 @@ std::optional<QuickLibrary> QuickLibrary::open(const platform::Platform& platfor
     roots.add(settings.text(transferDestinationKey).value_or(""));
     for (const std::string& root : knownLocations(settings)) roots.add(root);
     for (const std::string& root : discoverArchiveRoots(platform, looks)) roots.add(root);
-    const auto states =
+    auto states =
         looks.askAll<RootState>(roots.roots(), [&platform](PlaceLook& look, const std::string& root) {
             return lookAtRoot(look, platform, root);
         });
@@ -57,31 +99,52 @@ std::optional<QuickLibrary> QuickLibrary::open(const platform::Platform& platfor
     QuickLibrary library(support);
     for (std::size_t i = 0; i < states.size(); ++i) {
         const std::string& root = roots.roots()[i];
-        const RootState state = states[i].value_or(RootState());
+        RootState state = std::move(states[i]).value_or(RootState());
         if (forgotten.contains(root)) {
             const bool mayHaveReturned = state.isConnected && !state.isIndexAbsent;
             if (mayHaveReturned && !forgottenPresent.contains(root)) return std::nullopt;
-        } else if (!library.add(cache, root, state)) {
+        } else if (!library.add(cache, root, std::move(state))) {
             return std::nullopt;
         }
     }
+    if (!library.dropRepeatedArchives(cache, looks)) return std::nullopt;
     return library;
 }
 
-bool QuickLibrary::add(const ArchiveIndexCache& cache, const std::string& root, const RootState& state) {
-    if (state.isConnected && state.isIndexAbsent) return true;
+bool QuickLibrary::add(const ArchiveIndexCache& cache, const std::string& root, RootState state) {
+    if (state.isConnected && (state.isIndexAbsent || state.isIndexUnusable)) return true;
     const ArchiveDigest::Files files = cache.digestFiles(root);
     const bool hasCopy = platform::lookAtFile(files.copy).presence != platform::FileLook::Presence::absent;
     if (!state.isConnected && !hasCopy) return true;
-    auto digest = ArchiveDigest::open(files, root);
-    if (!digest || (state.isConnected && !(state.index && digest->fits(*state.index)))) return false;
-    if (digest->count() == 0) return true;
-    // Which of two may be one archive seen twice takes more than a digest to tell.
-    const auto isOfThatTime = [&](const Archive& other) {
-        return other.digest.createdAt() == digest->createdAt();
-    };
-    if (std::ranges::any_of(archives_, isOfThatTime)) return false;
-    archives_.push_back({root, std::move(*digest)});
+    // A place that doesn't answer has said nothing of its digest either.
+    if (!state.isConnected && !state.digest) state.digest = ArchiveDigest::open(files, root);
+    if (!state.digest) return false;
+    if (state.digest->isOfUnusableIndex()) return state.isConnected;
+    if (state.digest->count() == 0) return true;
+    archives_.push_back({root, std::move(*state.digest), state.isConnected});
+    return true;
+}
+
+bool QuickLibrary::dropRepeatedArchives(const ArchiveIndexCache& cache, PlaceLooks& looks) {
+    std::map<Date, int> numbers;
+    for (const Archive& archive : archives_) ++numbers[archive.digest.createdAt()];
+    std::vector<ArchiveSight> sights;
+    for (const Archive& archive : archives_) {
+        sights.push_back({archive.digest.createdAt(), archive.isConnected});
+        if (!archive.isConnected || numbers[archive.digest.createdAt()] == 1) continue;
+        const auto holds =
+            looks.ask<bool>(archive.root, [files = cache.digestFiles(archive.root), root = archive.root](
+                                              PlaceLook& look) { return holdsFiles(look, files, root); });
+        if (!holds.value_or(false)) return false;
+    }
+    const std::vector<bool> stays = archivesThatStay(sights, [this](std::size_t a, std::size_t b) {
+        return archives_[a].digest.sharesIDsWith(archives_[b].digest);
+    });
+    std::vector<Archive> kept;
+    for (std::size_t i = 0; i < archives_.size(); ++i) {
+        if (stays[i]) kept.push_back(std::move(archives_[i]));
+    }
+    archives_ = std::move(kept);
     return true;
 }
 
@@ -122,8 +185,8 @@ std::vector<QuickLibrary::Found> QuickLibrary::withRecordID(std::string_view id)
     return found;
 }
 
-std::vector<ArchivedEntry> QuickLibrary::newest(const std::vector<std::string>& recordIDs,
-                                                std::optional<std::int64_t> limit) const {
+void QuickLibrary::visitNewest(const std::vector<SharedText>& recordIDs, std::optional<std::int64_t> limit,
+                               const Visit& visit) const {
     struct Candidate {
         Found found;
         std::size_t number = 0; // of the id
@@ -137,19 +200,68 @@ std::vector<ArchivedEntry> QuickLibrary::newest(const std::vector<std::string>& 
             candidates.push_back({{i, position, digest.date(position)}, number});
         });
     }
-    std::ranges::sort(candidates, [](const Candidate& a, const Candidate& b) {
-        const Found& one = a.found;
-        const Found& other = b.found;
-        if (one.date != other.date) return one.date > other.date; // an absent one is less
-        return std::pair(one.archive, one.position) < std::pair(other.archive, other.position);
-    });
-    std::vector<ArchivedEntry> entries;
+    std::ranges::sort(candidates, isNewer, &Candidate::found);
+    std::int64_t visited = 0;
     for (const Candidate& candidate : candidates) {
-        if (limit && std::ssize(entries) >= *limit) break;
+        if (limit && visited >= *limit) break;
         ArchivedEntry entry = this->entry(candidate.found);
-        if (entry.record.id == recordIDs[candidate.number]) entries.push_back(std::move(entry));
+        if (entry.record.id != recordIDs[candidate.number]) continue;
+        visit(std::move(entry));
+        ++visited;
     }
-    return entries;
+}
+
+std::size_t QuickLibrary::size() const {
+    std::size_t size = 0;
+    for (const Archive& archive : archives_) size += archive.digest.count();
+    return size;
+}
+
+std::vector<QuickLibrary::Found> QuickLibrary::newestOfAll(std::size_t count) const {
+    std::vector<Found> all;
+    all.reserve(size());
+    for (std::size_t i = 0; i < archives_.size(); ++i) {
+        const ArchiveDigest& digest = archives_[i].digest;
+        for (ArchiveDigest::Position position = 0; position < digest.count(); ++position)
+            all.push_back({i, position, digest.date(position)});
+    }
+    const auto middle = all.begin() + static_cast<std::ptrdiff_t>(std::min(count, all.size()));
+    std::ranges::nth_element(all, middle, isNewer);
+    all.erase(middle, all.end());
+    std::ranges::sort(all, isNewer);
+    return all;
+}
+
+// A record that any of the indexes finds counts in every archive, as it does for a search.
+std::optional<std::vector<ArchivedEntry>> QuickLibrary::newestHolding(std::string_view query,
+                                                                      std::int64_t limit) const {
+    const std::string_view text = text::trimWhitespaceAndNewlines(query);
+    std::vector<const MailSearchIndex*> indexes;
+    for (const std::string& root : rootsByName()) {
+        if (const MailSearchIndex* const index = searchIndex(root)) indexes.push_back(index);
+    }
+    if (text.empty() || limit < 1 || indexes.empty() || !indexes.front()->needsScan(text))
+        return std::nullopt;
+    std::vector<search::RecordTest> tests;
+    for (const MailSearchIndex* const index : indexes) {
+        tests.push_back(index->recordTest(text));
+        if (!tests.back()) return std::nullopt;
+    }
+    std::vector<ArchivedEntry> found;
+    const std::size_t patience =
+        std::max(static_cast<std::size_t>(limit) * mailsAskedForOne, size() / shareOfMailsAsked);
+    for (const Found& candidate : newestOfAll(patience)) {
+        ArchivedEntry entry = this->entry(candidate);
+        for (search::RecordTest& test : tests) {
+            const auto holds = test.holds(entry.record.id);
+            if (!holds) return std::nullopt;
+            if (!*holds) continue;
+            found.push_back(std::move(entry));
+            break;
+        }
+        if (std::ssize(found) == limit) return found;
+    }
+    return patience >= size() ? std::optional(std::move(found)) : std::nullopt;
 }
 
 ArchivedEntry QuickLibrary::entry(const Found& found) const {
@@ -183,7 +295,7 @@ QuickLibrary::Search QuickLibrary::search(std::string_view text) const {
         const auto index = MailSearchIndex::open(support_, root);
         if (index == nullptr) continue;
         if (const auto ids = index->searchIfReadable(text)) {
-            for (const SharedText& id : *ids) result.ids.push_back(id.str());
+            result.ids.insert(result.ids.end(), ids->begin(), ids->end());
         } else {
             result.unreadableRoots.push_back(root);
         }

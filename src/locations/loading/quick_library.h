@@ -1,10 +1,12 @@
 // Single mails of the library without loading it, by the digests of its archives: the same answers, from what
-// is needed for them alone. Where a digest is missing or doesn't fit there is no quick library, and a load of
-// the whole one, which makes the digests anew, has to answer. Touches the disk; one thread at a time.
+// is needed for them alone. An archive whose index has changed is read for itself, which makes its digest
+// anew. Where there is no digest there is no quick library, and a load of the whole one, which makes them all
+// and notes the places, has to answer. Touches the disk; one thread at a time.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -18,6 +20,7 @@
 #include "platform/settings_store.h"
 #include "records/archived/archive_records.h"
 #include "records/stores/app_support.h"
+#include "text/shared_text.h"
 
 namespace corvane {
 
@@ -34,7 +37,7 @@ class QuickLibrary {
     };
 
     struct Search {
-        std::vector<std::string> ids;             // of records, sorted, each once
+        std::vector<SharedText> ids;              // of records, sorted, each once
         std::vector<std::string> unreadableRoots; // of archives that couldn't be asked
     };
 
@@ -51,9 +54,17 @@ class QuickLibrary {
     // All mails with that record id, one an archive.
     [[nodiscard]] std::vector<Found> withRecordID(std::string_view id) const;
 
-    // All mails with those record ids, the newest first and those without a date last; not more than `limit`.
-    [[nodiscard]] std::vector<ArchivedEntry> newest(const std::vector<std::string>& recordIDs,
-                                                    std::optional<std::int64_t> limit) const;
+    using Visit = std::function<void(ArchivedEntry)>;
+
+    // Visits all mails with those record ids, the newest first and those without a date last; not more than
+    // `limit`.
+    void visitNewest(const std::vector<SharedText>& recordIDs, std::optional<std::int64_t> limit,
+                     const Visit& visit) const;
+
+    // What visitNewest() would visit of all that search() finds, for a text that so many mails hold that it
+    // is quicker to ask the newest ones. Absent for any other text, and when something fails.
+    [[nodiscard]] std::optional<std::vector<ArchivedEntry>> newestHolding(std::string_view text,
+                                                                          std::int64_t limit) const;
 
     [[nodiscard]] ArchivedEntry entry(const Found& found) const;
 
@@ -73,6 +84,7 @@ class QuickLibrary {
     struct Archive {
         std::string root;
         ArchiveDigest digest;
+        bool isConnected = false;
     };
 
     struct RootState;
@@ -83,10 +95,18 @@ class QuickLibrary {
     static RootState lookAtRoot(PlaceLook& look, const platform::Platform& platform, const std::string& root);
 
     // False where only a load can tell what is in this archive.
-    bool add(const ArchiveIndexCache& cache, const std::string& root, const RootState& state);
+    bool add(const ArchiveIndexCache& cache, const std::string& root, RootState state);
+
+    // Of the same archives only one stays. False where only a load can tell which.
+    bool dropRepeatedArchives(const ArchiveIndexCache& cache, PlaceLooks& looks);
 
     // The order in which they are asked.
     [[nodiscard]] std::vector<std::string> rootsByName() const;
+
+    // The newest `count` of all, in that order.
+    [[nodiscard]] std::vector<Found> newestOfAll(std::size_t count) const;
+
+    [[nodiscard]] std::size_t size() const;
 
     // Null for one that can't be opened.
     [[nodiscard]] const MailSearchIndex* searchIndex(const std::string& root) const;
