@@ -47,18 +47,15 @@ bool isWholeMessage(std::string_view emlx, std::string_view message) {
 }
 
 std::size_t bodyStartIndex(std::string_view message) noexcept {
-    std::size_t feed = message.find('\n');
-    if (feed == std::string_view::npos) {
-        const std::size_t blankLine = message.find("\r\r");
-        return blankLine == std::string_view::npos ? message.size() : blankLine + 2;
+    for (std::size_t line = 0; line < message.size();) {
+        const std::size_t end = message.find_first_of("\r\n", line);
+        if (end == std::string_view::npos) break;
+        const bool isBlank =
+            message.substr(line, end - line).find_first_not_of(" \t") == std::string_view::npos;
+        line = end + (message.substr(end).starts_with("\r\n") ? 2 : 1);
+        if (isBlank) return line;
     }
-    while (feed != std::string_view::npos) {
-        const std::string_view rest = message.substr(feed);
-        if (rest.starts_with("\n\n")) return feed + 2;
-        if (feed > 0 && message[feed - 1] == '\r' && rest.starts_with("\n\r\n")) return feed + 3;
-        feed = message.find('\n', feed + 1);
-    }
-    return message.size();
+    return 0;
 }
 
 std::vector<BodyGroup> groupByBody(const std::vector<MessageBytes>& copies) {

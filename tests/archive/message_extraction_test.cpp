@@ -35,24 +35,23 @@ TEST(MessageData, CutsByTheCountAndGivesNothingWithoutOne) {
         EXPECT_FALSE(messageData(refused)) << refused;
 }
 
-TEST(BodyStartIndex, EndsAtTheFirstBlankLineOfOneKindOfEnding) {
+TEST(BodyStartIndex, IsBehindTheFirstBlankLineAndZeroWithoutOne) {
     struct {
         std::string message;
         std::size_t start;
     } const cases[] = {
         {"", 0},
-        {"\n", 1},
-        {"x", 1},
-        {"\n\n", 2},
-        {"\r\n\r\n", 4},
-        {"\r\n\r", 3},
+        {"x", 0},
+        {"no blank line\n", 0},
+        {"\nbody", 1},
+        {"\r\n\r\n", 2},
         {"a: b\n\nbody\n\n", 6},
         {"a: b\r\n\r\nbody\n\n", 8},
-        {"a\r\n\nbody", 4},  // LF LF counts, whatever stands before it
-        {"a\n\r\nbody", 8},  // LF CR LF isn't a blank line
-        {"a\n\r\n\r\nb", 6}, // but CR LF CR LF behind it is
-        {"a\r\rb\r\n", 6},
-        {"no blank line\n", 14},
+        {"a\r\n\nbody", 4},
+        {"a\n\r\nbody\r\n\r\nend", 4},
+        {"a\r\rbody\nend\n", 3},
+        {"a\r\r\nb\r\r\n\r\r\nbody", 4}, // rather too early than too late
+        {"a\n \t\nbody\n\nend", 5},
         {"a\n\n", 3},
     };
 

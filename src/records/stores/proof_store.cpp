@@ -25,10 +25,10 @@ constexpr int maximumRowBytes = 1 << 20;
 
 // Counted up with every change of the tables; a file with another number is made anew.
 constexpr const char* versionPragma = "PRAGMA user_version;";
-constexpr std::int64_t currentVersion = 1;
+constexpr std::int64_t currentVersion = 2; // 1 had other body hashes
 
 constexpr const char* schema = R"(BEGIN IMMEDIATE;
-PRAGMA user_version = 1;
+PRAGMA user_version = 2;
 CREATE TABLE IF NOT EXISTS copy_reading(
     path TEXT PRIMARY KEY, size INTEGER NOT NULL, modified INTEGER NOT NULL, outcome INTEGER NOT NULL,
     hash BLOB NOT NULL, body_hash BLOB, read_at INTEGER NOT NULL) WITHOUT ROWID;
