@@ -17,7 +17,7 @@ using Place = ProofFile::Place;
 enum class FileState {
     confirmed,  // read back with its record's bytes
     unread,     // there, and not read as it is now
-    unreadable, // there, and reading it has failed
+    unreadable, // reading it, or looking at it, has failed
     lost,       // not there, or with other bytes than its record's
     unknown,    // out of reach, and never read with its record's bytes
 };
@@ -51,6 +51,8 @@ FileState stateOf(const ProofFile& file) {
     switch (file.place) {
     case Place::gone:
         return FileState::lost;
+    case Place::unseen:
+        return FileState::unreadable;
     case Place::outOfReach:
         return reading != nullptr && agrees(*reading, record) ? FileState::confirmed : FileState::unknown;
     case Place::there:

@@ -21,7 +21,7 @@ enum class ProofOutcome : std::uint8_t {
     notLookedAt, // nothing is known against it, and not enough for it
     proven,      // every copy that is there has its bytes, or its body, in a file of an archive
     differs,     // a copy has bytes that no file of an archive has
-    unreadable,  // a copy, or a file that might be its counterpart, is there and can't be read
+    unreadable,  // a copy, or a file that might be its counterpart, can't be read or looked at
     fileMissing, // no record's file is there with the record's bytes
     incomplete,  // a copy is shorter than it says, or empty
 };
@@ -59,6 +59,7 @@ struct ProofFile {
     enum class Place {
         there,
         gone,       // its archive answered, and it isn't there
+        unseen,     // its archive answered, but nobody may look whether it is there
         outOfReach, // its archive doesn't answer, or the file is in the cloud only: its last reading stands
     };
 

@@ -228,11 +228,17 @@ std::optional<std::uint64_t> ArchiveIndexCache::rememberedDevice(std::string_vie
 
 bool ArchiveIndexCache::isRootGone(const std::string& root) const {
     platform::FileLayer& files = support_.files();
-    if (filePresence(files, root) != FilePresence::absent) return false;
-    struct stat parent{};
+    // Folders above may have been deleted with it; the nearest that is there tells which disk this is.
+    std::string above = root;
+    for (FilePresence presence = filePresence(files, above); presence != FilePresence::present;
+         presence = filePresence(files, above)) {
+        if (presence == FilePresence::unknown || above.size() <= 1) return false;
+        above = platform::parentPath(above);
+    }
+    struct stat status{};
     const auto device = rememberedDevice(root);
-    return device && files.stat(std::string(platform::parentPath(root)), parent) == 0 &&
-           static_cast<std::uint64_t>(parent.st_dev) == *device;
+    return above != root && device && files.stat(above, status) == 0 &&
+           static_cast<std::uint64_t>(status.st_dev) == *device;
 }
 
 void ArchiveIndexCache::remove(std::string_view key) const {

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <utility>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -42,11 +43,21 @@ class Listing {
     RootFiles result;
 
   private:
-    bool listPlaceholders(const std::string& folder, SharedTextSet& names);
-    void addFile(const SharedText& path, bool hasPlaceholder);
+    // Composed names of what stands for a file and is none.
+    struct Names {
+        SharedTextSet inCloud;
+        SharedTextSet links;
+    };
+
+    // Whether the folder lies below the root with all links resolved, as everything that reads an archive
+    // demands; nullopt when nobody can look.
+    std::optional<bool> isHeld(const std::string& folder);
+    bool listNames(const std::string& folder, Names& names);
+    void addFile(const SharedText& path, const Names& names);
 
     PlaceLook& look_;
     const std::string& root_;
+    std::optional<std::string> resolvedRoot_;
 };
 
 void Listing::addFolder(const std::string& folder, const Records& records) {
@@ -54,32 +65,45 @@ void Listing::addFolder(const std::string& folder, const Records& records) {
     look_.beginStep();
     const FilePresence presence = filePresence(look_.files(), path);
     if (presence == FilePresence::absent) return;
-    SharedTextSet inCloud; // composed names
-    const bool wasListed = presence == FilePresence::present && listPlaceholders(path, inCloud);
+    const auto held = presence == FilePresence::present ? isHeld(path) : std::nullopt;
+    if (held == false) return; // what lies behind a link out of the archive isn't in it
+    Names names;
+    const bool wasListed = held && listNames(path, names);
     for (const ArchivedEmailRecord* record : records) {
-        const std::string_view name = platform::lastPathComponent(record->emlRelativePath);
         if (wasListed)
-            addFile(record->emlRelativePath,
-                    !inCloud.empty() && inCloud.contains(text::canonicallyComposed(name)));
+            addFile(record->emlRelativePath, names);
         else
             result.unknown.insert(record->emlRelativePath);
     }
 }
 
-bool Listing::listPlaceholders(const std::string& folder, SharedTextSet& names) {
+std::optional<bool> Listing::isHeld(const std::string& folder) {
+    if (!resolvedRoot_) resolvedRoot_ = platform::resolvedPath(root_);
+    const auto resolved = platform::resolvedPath(folder);
+    if (!resolvedRoot_ || !resolved) return std::nullopt;
+    return platform::isAtOrBelow(*resolved, *resolvedRoot_);
+}
+
+bool Listing::listNames(const std::string& folder, Names& names) {
     platform::FileLayer& files = look_.files();
     const int descriptor = files.open(folder, O_RDONLY | O_DIRECTORY, 0);
     if (descriptor < 0) return false;
-    const int listed = files.list(descriptor, [&](std::string_view entry, unsigned char) {
-        if (const auto name = platform::nameBehindPlaceholder(entry))
-            names.insert(SharedText(text::canonicallyComposed(*name)));
+    const int listed = files.list(descriptor, [&](std::string_view entry, unsigned char type) {
+        if (type == DT_LNK)
+            names.links.insert(SharedText(text::canonicallyComposed(entry)));
+        else if (const auto name = platform::nameBehindPlaceholder(entry))
+            names.inCloud.insert(SharedText(text::canonicallyComposed(*name)));
     });
     files.close(descriptor);
     return listed == 0;
 }
 
-void Listing::addFile(const SharedText& path, bool hasPlaceholder) {
+void Listing::addFile(const SharedText& path, const Names& names) {
     look_.beginStep();
+    const auto isAmong = [&](const SharedTextSet& some) {
+        return !some.empty() && some.contains(text::canonicallyComposed(platform::lastPathComponent(path)));
+    };
+    if (isAmong(names.links)) return;
     struct stat status{};
     const std::string file = platform::joinPath(root_, path);
     if (look_.files().stat(file, status) == 0) {
@@ -87,7 +111,7 @@ void Listing::addFile(const SharedText& path, bool hasPlaceholder) {
             result.there[path] = {status.st_size, platform::modifiedNanoseconds(status)};
     } else if (!saysAbsent(errno)) {
         result.unknown.insert(path);
-    } else if (hasPlaceholder) {
+    } else if (isAmong(names.inCloud)) {
         result.inCloud.insert(path);
     }
 }
