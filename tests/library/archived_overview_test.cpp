@@ -99,6 +99,10 @@ TEST(ArchivedOverview, FolderStatuses) {
     partly.facts.unscannedAccounts = {"imap://A"};
     EXPECT_EQ(partly.stats().groups[0].years[0].status, incomplete);
     EXPECT_EQ(partly.stats().freeable, MailSum());
+    Overview unproven = oneFolder(cases[3], true);
+    unproven.facts.unprovenYearCounts["imap://A"][2020] = 1;
+    EXPECT_EQ(unproven.stats().groups[0].years[0].status, incomplete);
+    EXPECT_TRUE(unproven.stats().groups[0].years[0].awaitsProof);
     Overview waiting = oneFolder(cases[3], true);
     waiting.facts.presenceUnavailable = true;
     EXPECT_EQ(waiting.stats().groups[0].years[0].status, unavailable);

@@ -154,7 +154,10 @@ Status OverviewCounter::statusOf(const FolderPresence& presence, const ArchivedO
         const bool isOnServer = countIn(facts_.undownloadedYearCounts, group.mailAccounts, year) > 0;
         return isOnServer ? Status::serverUnbacked : Status::incomplete;
     }
-    return presence.unproven > 0 ? Status::incomplete : Status::cleanable;
+    // An original that Mail can't be asked for by its id is among the unproven mail of the year alone.
+    const bool awaitsProof =
+        presence.unproven > 0 || countIn(facts_.unprovenYearCounts, group.mailAccounts, year) > 0;
+    return awaitsProof ? Status::incomplete : Status::cleanable;
 }
 
 bool OverviewCounter::isArchived(const ArchivedOverviewGroup& group, std::int64_t year) const {

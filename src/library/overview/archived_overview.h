@@ -100,6 +100,7 @@ struct ArchivedOverviewFacts {
     std::function<bool(EntryPosition)> isProven;
     // Mail on this machine that isn't archived, what Mail holds in part and what was set aside included.
     YearCountsByAccount unbackedYearCounts;
+    YearCountsByAccount unprovenYearCounts{};   // archived mail on this machine that isn't proven
     YearCountsByAccount undownloadedYearCounts; // that only the server has
     // Accounts of Mail of whose mail nothing is known, since nobody has listed it.
     std::set<std::string> unscannedAccounts{};

@@ -35,12 +35,14 @@ std::set<std::string> unscannedAccounts(const std::vector<MailAccount>& accounts
 
 OverviewInputs overviewInputs(const OverviewSources& sources, const ProofInputs& proofs) {
     const SharedCatalogState& mail = sources.catalog.state();
+    const CountByAccountAndYear& partial = sources.counts.partialYearCountsByAccount();
     const CountByAccountAndYear& undownloaded = sources.counts.undownloadedYearCountsByAccount();
     return {.index = sources.libraryIndex.index(),
             .presence = sources.presence.presence(),
             .messages = mail->set,
             .availability = mail->availability,
             .undownloadedYearCounts = {undownloaded.begin(), undownloaded.end()},
+            .partialYearCounts = {partial.begin(), partial.end()},
             .unscannedAccounts =
                 unscannedAccounts(sources.accounts.availableAccounts(), mail->summary.accountNames),
             .isReady = isReady(sources, proofs)};

@@ -1,7 +1,10 @@
 #include "model/library/overview/overview_state.h"
 
+#include <string>
 #include <utility>
 
+#include "listing/account_titles.h"
+#include "listing/message_statistics.h"
 #include "listing/proven_entries.h"
 
 namespace corvane {
@@ -10,11 +13,24 @@ namespace {
 
 using SharedGroups = std::shared_ptr<const std::vector<ArchivedOverviewGroup>>;
 
-YearCountsByAccount unbackedYearCounts(const AvailabilityResult& availability) {
-    YearCountsByAccount counts;
-    for (const AccountYearStatGroup& account : availability.unbackedAccountYearStats) {
+// Mail of which Mail has only a part isn't archived.
+YearCountsByAccount unbackedYearCounts(const OverviewInputs& inputs) {
+    YearCountsByAccount counts = inputs.partialYearCounts;
+    for (const AccountYearStatGroup& account : inputs.availability->unbackedAccountYearStats) {
         YearCounts& years = counts[account.accountPrefix];
         for (const YearStat& year : account.years) years[year.year] += year.messageCount;
+    }
+    return counts;
+}
+
+YearCountsByAccount unprovenYearCounts(const MessageList& messages, const AvailabilityResult& known) {
+    YearCountsByAccount counts;
+    for (const MailMessageRecord& message : messages) {
+        if (!known.recordedMessageIDs->contains(message.id) ||
+            !known.locallyAvailableIDs->contains(message.id) || known.proofs->provenIDs->contains(message.id))
+            continue;
+        const auto year = yearIn(*known.yearByID, message);
+        if (year) ++counts[std::string(accountFilterKey(message))][*year];
     }
     return counts;
 }
@@ -33,7 +49,8 @@ ArchivedOverviewFacts factsOf(const OverviewInputs& inputs, std::vector<bool> pr
         return isOfTheseEntries ? presence->statusAt(position) : ArchivedOriginalPresenceStatus::unknown;
     };
     facts.isProven = [proven = std::move(proven)](EntryPosition position) { return proven[position]; };
-    facts.unbackedYearCounts = unbackedYearCounts(*inputs.availability);
+    facts.unbackedYearCounts = unbackedYearCounts(inputs);
+    facts.unprovenYearCounts = unprovenYearCounts(*inputs.messages->messages, *inputs.availability);
     facts.undownloadedYearCounts = inputs.undownloadedYearCounts;
     facts.unscannedAccounts = inputs.unscannedAccounts;
     return facts;

@@ -23,6 +23,7 @@ struct OverviewInputs {
     SharedMessageSet messages;
     SharedAvailability availability;            // of these messages
     YearCountsByAccount undownloadedYearCounts; // by account
+    YearCountsByAccount partialYearCounts{};    // of these, what Mail holds in part
     // Accounts that the list of messages leaves out: nothing is known of their mail.
     std::set<std::string> unscannedAccounts{};
     // Messages, their outcomes and the originals are all known, and of what is archived now.
