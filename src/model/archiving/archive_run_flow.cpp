@@ -11,6 +11,7 @@
 
 #include "archive/run/mail_email_archiver.h"
 #include "listing/archive_capacity.h"
+#include "locations/places/destination_rules.h"
 #include "locations/places/place_looks.h"
 #include "platform/paths.h"
 #include "records/stable_hash.h"
@@ -25,6 +26,7 @@ struct RunJob {
     std::string destination;
     const platform::Platform& platform;
     platform::FileLayer& files;
+    std::string mailRoot;
 };
 
 struct EndedRun {
@@ -58,8 +60,19 @@ std::optional<std::int64_t> availableBytes(const RunJob& job, const std::stop_to
         .value_or(std::nullopt);
 }
 
+// The same.
+std::optional<std::string> refusal(const RunJob& job, const std::stop_token& stop) {
+    using Answer = std::optional<std::string>;
+    PlaceLooks looks(job.platform, job.files, stop);
+    return looks
+        .ask<Answer>(job.destination, [place = job.destination, mailRoot = job.mailRoot](
+                                          PlaceLook&) { return refusalOfArchive(place, mailRoot); })
+        .value_or(std::nullopt);
+}
+
 ArchiveRunFlow::RunOutcome archived(const RunJob& job, const MessageList& messages,
                                     const ReportingTask<EmailArchiveProgress>& task) {
+    if (auto refused = refusal(job, task.stopToken())) return std::unexpected(std::move(*refused));
     if (auto shortfall = archiveCapacityShortfall(messages, availableBytes(job, task.stopToken())))
         return std::unexpected(std::move(*shortfall));
     try {
@@ -133,7 +146,7 @@ void ArchiveRunFlow::archiveSelectedEmails(SharedMessageList candidates, Archive
     runTask_.startReporting<EmailArchiveProgress>(
         TaskPriority::userInitiated,
         RunJob{std::move(candidates), std::move(selection), *destination, context_.platform,
-               context_.support.files()},
+               context_.support.files(), context_.mailRootPath},
         &runArchive, [this](EmailArchiveProgress progress) { setProgress(std::move(progress)); },
         [this, root = *destination](EndedRun ended) {
             finishRun(std::move(ended.outcome), root, ended.signature, ended.readings);

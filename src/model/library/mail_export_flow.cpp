@@ -2,7 +2,12 @@
 
 #include <chrono>
 #include <exception>
+#include <optional>
+#include <string>
 #include <utility>
+
+#include "locations/places/destination_rules.h"
+#include "locations/places/place_looks.h"
 
 namespace corvane {
 
@@ -15,7 +20,18 @@ struct ExportJob {
     ExportSelection selection;
     ExportFormat format = ExportFormat::mbox;
     std::string path;
+    std::string mailRoot;
 };
+
+// Absent also for a place that doesn't answer, which the export then meets itself.
+std::optional<std::string> refusal(const ExportJob& job, const std::stop_token& stop) {
+    using Answer = std::optional<std::string>;
+    PlaceLooks looks(job.system.platform, job.system.files, stop);
+    return looks
+        .ask<Answer>(job.path, [place = job.path, mailRoot = job.mailRoot](
+                                   PlaceLook&) { return refusalInMail(place, mailRoot); })
+        .value_or(std::nullopt);
+}
 
 MailExportFlow::Outcome exported(const ExportJob& job, const ReportingTask<MailExportFlow::Progress>& task) {
     std::chrono::steady_clock::time_point next;
@@ -25,6 +41,7 @@ MailExportFlow::Outcome exported(const ExportJob& job, const ReportingTask<MailE
         next = now + progressInterval;
         task.report({done, total});
     };
+    if (auto refused = refusal(job, task.stopToken())) return std::unexpected(std::move(*refused));
     try {
         return job.system.run(job.selection, job.format, job.path, report, task.stopToken());
     } catch (const std::exception& error) {
@@ -45,8 +62,11 @@ void MailExportFlow::start(ExportSelection selection, ExportFormat format, std::
     outcome_.reset();
     task_.startReporting<Progress>(
         TaskPriority::userInitiated,
-        ExportJob{
-            {context_.platform, context_.support.files()}, std::move(selection), format, std::move(path)},
+        ExportJob{{context_.platform, context_.support.files()},
+                  std::move(selection),
+                  format,
+                  std::move(path),
+                  context_.mailRootPath},
         &exported,
         [this](Progress progress) {
             progress_ = progress;

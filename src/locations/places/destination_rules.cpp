@@ -1,0 +1,55 @@
+#include "locations/places/destination_rules.h"
+
+#include <fmt/format.h>
+
+#include "platform/files/directory.h"
+#include "platform/files/file_look.h"
+#include "platform/paths.h"
+#include "records/stores/archive_index_file.h"
+
+namespace corvane {
+
+namespace {
+
+// With the links resolved of what is there of it.
+std::string resolvedSoFar(const std::string& path) {
+    std::string above = path;
+    std::string rest;
+    while (above.size() > 1) {
+        if (const auto resolved = platform::resolvedPath(above))
+            return rest.empty() ? *resolved : platform::joinPath(*resolved, rest);
+        const std::string name(platform::lastPathComponent(above));
+        rest = rest.empty() ? name : platform::joinPath(name, rest);
+        above = platform::parentPath(above);
+    }
+    return path;
+}
+
+// Of the nearest folder above the path that holds an index; empty without one.
+std::string archiveAbove(const std::string& path) {
+    for (std::string folder(platform::parentPath(path)); folder.size() > 1;
+         folder = platform::parentPath(folder)) {
+        const std::string index = platform::joinPath(folder, archiveIndexFileName);
+        if (platform::lookAtFile(index).presence == platform::FileLook::Presence::there) return folder;
+    }
+    return {};
+}
+
+} // namespace
+
+std::optional<std::string> refusalInMail(const std::string& path, const std::string& mailRoot) {
+    if (mailRoot.empty()) return std::nullopt;
+    if (!platform::isAtOrBelow(resolvedSoFar(path), resolvedSoFar(mailRoot))) return std::nullopt;
+    return fmt::format("“{}”在 Mail 的数据文件夹里，那里从不写入任何东西。请选择别的位置。",
+                       platform::lastPathComponent(path));
+}
+
+std::optional<std::string> refusalOfArchive(const std::string& path, const std::string& mailRoot) {
+    if (auto inMail = refusalInMail(path, mailRoot)) return inMail;
+    const std::string around = archiveAbove(resolvedSoFar(path));
+    if (around.empty()) return std::nullopt;
+    return fmt::format("“{}”在另一个归档“{}”里面，两个归档不能套在一起。请选择别的位置。",
+                       platform::lastPathComponent(path), platform::lastPathComponent(around));
+}
+
+} // namespace corvane
