@@ -7,6 +7,7 @@
 #include "mailstore/folders/store_location.h"
 #include "mailstore/property_list.h"
 #include "platform/files/directory.h"
+#include "platform/files/file_look.h"
 #include "platform/paths.h"
 #include "text/case.h"
 #include "text/charsets/encoding.h"
@@ -84,17 +85,24 @@ std::optional<std::string> childFolder(const std::string& parent, const std::str
     return std::nullopt;
 }
 
-std::optional<std::string> dataFolderIn(const std::string& mailboxFolder) {
-    std::string direct = platform::joinPath(mailboxFolder, "Data");
-    if (platform::fileExists(direct)) return direct;
+bool cannotLookAt(const std::string& path) {
+    return platform::lookAtFile(path).presence == platform::FileLook::Presence::unknown;
+}
+
+MailboxPlace dataFolderIn(const std::string& mailboxFolder) {
+    const std::string direct = platform::joinPath(mailboxFolder, "Data");
+    if (platform::fileExists(direct)) return {direct};
+    if (cannotLookAt(direct)) return {.dataRoot = {}, .isOutOfSight = true};
     const auto entries = platform::listDirectory(mailboxFolder, platform::HiddenEntries::skip);
-    if (!entries) return std::nullopt;
+    if (!entries) return {.dataRoot = {}, .isOutOfSight = true};
+    MailboxPlace place;
     for (const auto& entry : *entries) {
         if (entry.kind != platform::EntryKind::directory) continue;
-        std::string nested = platform::joinPath(platform::joinPath(mailboxFolder, entry.name), "Data");
-        if (platform::fileExists(nested)) return nested;
+        const std::string nested = platform::joinPath(platform::joinPath(mailboxFolder, entry.name), "Data");
+        if (platform::fileExists(nested)) return {nested};
+        place.isOutOfSight = place.isOutOfSight || cannotLookAt(nested);
     }
-    return std::nullopt;
+    return place;
 }
 
 std::string withoutMailboxSuffixes(std::string_view name) {
@@ -108,21 +116,20 @@ std::string withoutImapScheme(std::string_view accountURLPrefix) {
 }
 
 std::optional<std::string> mailboxDataRoot(std::string_view mailboxURL, const std::string& rootPath) {
-    return mailboxDataRootBelow(latestMailVersionDirectory(rootPath), mailboxURL);
+    return mailboxPlaceBelow(latestMailVersionDirectory(rootPath), mailboxURL).dataRoot;
 }
 
-std::optional<std::string> mailboxDataRootBelow(const std::string& versionDirectory,
-                                                std::string_view mailboxURL) {
+MailboxPlace mailboxPlaceBelow(const std::string& versionDirectory, std::string_view mailboxURL) {
     const URLParts parts = partsOf(mailboxURL);
-    if (parts.host.empty() || !isSafeComponent(parts.host)) return std::nullopt;
+    if (parts.host.empty() || !isSafeComponent(parts.host)) return {};
     const auto components = text::splitNonEmpty(parts.path, '/');
-    if (components.empty() || !std::ranges::all_of(components, isSafeComponent)) return std::nullopt;
+    if (components.empty() || !std::ranges::all_of(components, isSafeComponent)) return {};
     std::string folder = platform::joinPath(versionDirectory, parts.host);
     for (const std::string_view component : components) {
         std::string name(component);
         if (!component.ends_with(mailboxSuffix)) name += mailboxSuffix;
         auto child = childFolder(folder, name);
-        if (!child) return std::nullopt;
+        if (!child) return {.dataRoot = {}, .isOutOfSight = cannotLookAt(platform::joinPath(folder, name))};
         folder = std::move(*child);
     }
     return dataFolderIn(folder);

@@ -23,9 +23,14 @@ std::string withoutImapScheme(std::string_view accountURLPrefix);
 // The "Data" folder of a mailbox, looked up on the disk; nullopt when it isn't there.
 std::optional<std::string> mailboxDataRoot(std::string_view mailboxURL, const std::string& rootPath);
 
-// The same when the newest version folder is known already.
-std::optional<std::string> mailboxDataRootBelow(const std::string& versionDirectory,
-                                                std::string_view mailboxURL);
+struct MailboxPlace {
+    std::optional<std::string> dataRoot{};
+    // Without a data root: a folder on the way can't be looked into, so nobody knows what is in the mailbox.
+    bool isOutOfSight = false;
+};
+
+// When the newest version folder is known already.
+MailboxPlace mailboxPlaceBelow(const std::string& versionDirectory, std::string_view mailboxURL);
 
 // The digits of the row's thousands in reverse, one folder each: 123456 gives "3/2/1", below 1000 it is
 // empty.

@@ -1,8 +1,10 @@
 #include "mailstore/folders/message_file_index.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "mailstore/folders/mailbox_url.h"
+#include "platform/files/file_look.h"
 
 namespace corvane {
 
@@ -22,8 +24,8 @@ MessageFileIndex::MessageFileIndex(std::shared_ptr<StoreListing> listing)
 
 MessageFileIndex::Mailbox& MessageFileIndex::mailbox(std::string_view url) {
     if (const auto known = mailboxes_.find(url); known != mailboxes_.end()) return known->second;
-    Mailbox found{.dataRoot = mailstore::mailboxDataRootBelow(listing_->versionDirectory(), url),
-                  .buckets = {}};
+    auto place = mailstore::mailboxPlaceBelow(listing_->versionDirectory(), url);
+    Mailbox found{.dataRoot = std::move(place.dataRoot), .isOutOfSight = place.isOutOfSight, .buckets = {}};
     return mailboxes_.emplace(url, std::move(found)).first->second;
 }
 
@@ -87,6 +89,14 @@ std::optional<std::string> MessageFileIndex::existingFilePath(std::string_view m
 bool MessageFileIndex::hasPartialFile(std::string_view mailboxURL, std::int64_t rowID) {
     Mailbox& found = mailbox(mailboxURL);
     return found.dataRoot && bucket(found, rowID).folder->hasPartialFile(rowID);
+}
+
+bool MessageFileIndex::isOutOfSight(std::string_view mailboxURL, std::int64_t rowID) {
+    Mailbox& found = mailbox(mailboxURL);
+    if (!found.dataRoot) return found.isOutOfSight;
+    const StoreListing::MessageFolder& folder = *bucket(found, rowID).folder;
+    return !folder.rowIDs &&
+           platform::lookAtFile(folder.filePath(rowID)).presence == platform::FileLook::Presence::unknown;
 }
 
 } // namespace corvane

@@ -43,6 +43,7 @@ class MessageFileIndex {
 
     struct Mailbox {
         std::optional<std::string> dataRoot;
+        bool isOutOfSight = false; // as MailboxPlace has it
         BucketTable buckets;
     };
 
@@ -68,6 +69,9 @@ class MessageFileIndex {
 
     // Mail holds a part of the message: the file of its first parts lies where the whole one would.
     [[nodiscard]] bool hasPartialFile(std::string_view mailboxURL, std::int64_t rowID);
+
+    // The row has no file that can be seen, in a folder that can't be looked into: it may be there.
+    [[nodiscard]] bool isOutOfSight(std::string_view mailboxURL, std::int64_t rowID);
 
   private:
     Bucket& bucket(Mailbox& mailbox, std::int64_t rowID);

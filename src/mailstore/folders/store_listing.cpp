@@ -10,6 +10,7 @@
 #include "mailstore/folders/store_location.h"
 #include "mailstore/seconds_counter.h"
 #include "platform/files/directory.h"
+#include "platform/files/file_look.h"
 #include "platform/paths.h"
 #include "text/charsets/encoding.h"
 
@@ -48,7 +49,8 @@ void listMessages(StoreListing::MessageFolder& folder, const VisitOther& visitOt
     };
     const bool isComplete = platform::visitDirectory(folder.path, visit);
     std::ranges::sort(folder.partialRowIDs);
-    if (!isComplete && platform::isDirectory(folder.path)) return;
+    const bool isAbsent = platform::lookAtFile(folder.path).presence == platform::FileLook::Presence::absent;
+    if (!isComplete && !isAbsent) return;
     std::ranges::sort(rowIDs);
     folder.rowIDs = std::move(rowIDs);
 }

@@ -44,11 +44,18 @@ std::optional<std::int64_t> trimmedInteger(std::string_view text) {
 struct Copy {
     std::int64_t year = 0;
     std::int64_t message = 0;
-    // What is here of it; of the copies of a message the one of which most is here comes first.
+    // What is here of it: `some` is a part, or nobody can look. Of the copies of a message the one of which
+    // most is here comes first.
     enum class Part { whole, some, none } part = Part::none;
 
     friend auto operator<=>(const Copy&, const Copy&) = default;
 };
+
+Copy::Part partOf(MessageFileIndex& files, std::string_view mailboxURL, std::int64_t rowID) {
+    if (files.existingFilePath(mailboxURL, rowID)) return Copy::Part::whole;
+    const bool mayBeHere = files.hasPartialFile(mailboxURL, rowID) || files.isOutOfSight(mailboxURL, rowID);
+    return mayBeHere ? Copy::Part::some : Copy::Part::none;
+}
 
 // Counts the messages whose first copy has no file.
 UndownloadedYears undownloaded(std::vector<Copy> copies) {
@@ -109,11 +116,7 @@ std::optional<UndownloadedYears> undownloadedYears(const MailStoreContext& conte
         const auto url = row.text("url");
         const auto year = row.integer("y");
         if (!rowID || !message || !url || !year) return;
-        copies.push_back({.year = *year,
-                          .message = *message,
-                          .part = files.existingFilePath(*url, *rowID) ? Copy::Part::whole
-                                  : files.hasPartialFile(*url, *rowID) ? Copy::Part::some
-                                                                       : Copy::Part::none});
+        copies.push_back({.year = *year, .message = *message, .part = partOf(files, *url, *rowID)});
     });
     if (!isWhole) return std::nullopt;
     return undownloaded(std::move(copies));

@@ -21,8 +21,9 @@ std::optional<YearCounts> indexedYearDistinctCounts(const MailStoreContext& cont
                                                     const std::string& rootPath,
                                                     const std::vector<std::string>& accountURLPrefixes);
 
-// Messages of which no copy has a file, by year, and those of them that Mail holds in part: their first parts
-// are on this machine, their attachments aren't. Years without any are left out.
+// Messages of which no copy has a file that can be seen, by year, and those of them that Mail holds in part
+// (their first parts are on this machine, their attachments aren't) or that lie in a folder that nobody can
+// look into: neither is known to be on the server alone. Years without any are left out.
 struct UndownloadedYears {
     YearCounts all;
     YearCounts partial;
