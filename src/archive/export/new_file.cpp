@@ -11,6 +11,7 @@
 #include "archive/destination/durable_write.h"
 #include "platform/files/writing/durable_file.h"
 #include "platform/files/writing/file_claim.h"
+#include "platform/paths.h"
 
 namespace corvane::archive {
 
@@ -101,6 +102,7 @@ void NewFile::finish() {
         fail(error, path_);
     }
     isFinished_ = true;
+    syncDirectories(files_, {std::string(platform::parentPath(path_))});
 }
 
 } // namespace corvane::archive

@@ -10,6 +10,7 @@
 
 #include "locations/places/place_looks.h"
 #include "platform/files/cloud_placeholder.h"
+#include "platform/files/directory.h"
 #include "platform/files/file_look.h"
 #include "platform/paths.h"
 #include "text/collation.h"
