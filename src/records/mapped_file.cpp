@@ -12,10 +12,11 @@
 namespace corvane {
 
 MappedFile::MappedFile(const std::string& path) {
-    const platform::FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const platform::FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file) throw std::system_error(errno, std::generic_category(), path);
     struct stat info{};
     if (::fstat(file.get(), &info) != 0) throw std::system_error(errno, std::generic_category(), path);
+    if (!S_ISREG(info.st_mode)) throw std::system_error(EINVAL, std::generic_category(), path);
     size_ = static_cast<std::size_t>(info.st_size);
     if (size_ == 0) return;
     address_ = ::mmap(nullptr, size_, PROT_READ, MAP_PRIVATE, file.get(), 0);

@@ -8,6 +8,7 @@
 #include <tuple>
 #include <utility>
 
+#include "platform/files/directory.h"
 #include "records/json/record_forms.h"
 #include "records/stores/cache_file.h"
 
@@ -41,7 +42,7 @@ constexpr std::size_t pieceBytes = std::size_t{1} << 18;
 class StatusLookup {
   public:
     explicit StatusLookup(const std::string& path)
-      : file_(path, std::ios::binary) {
+      : file_(platform::isRegularFile(path) ? path : std::string(), std::ios::binary) {
         readOn();
     }
 
