@@ -126,6 +126,14 @@ class Quick(CliCase):
             self.assertTrue(self.run_cli(self.mail, "show", gone)["gone"], "of an archive that is away the copy counts")
         self.assertFalse(self.loaded())
 
+    def test_a_limit_gives_the_newest_of_all(self):
+        for text in ("@", "e", "会议", "nowhere"):
+            found = self.run_cli(self.mail, "search", "--details", text)
+            for limit in (0, 1, 5, 40, 1000):
+                self.assertEqual(self.run_cli(self.mail, "search", "--details", "--limit", limit, text), found[:limit])
+                ids = sorted({mail["entryID"].split("\x01")[1] for mail in found[:limit]})
+                self.assertEqual(self.run_cli(self.mail, "search", "--limit", limit, text), ids)
+
     def test_what_is_known_of_the_original_and_the_file(self):
         name = next(e["entryID"] for e in self.entries if e["locationRootPath"] == str(self.archives[0]))
         told = lambda: [self.run_cli(self.mail, "show", name)[key] for key in ("present", "gone", "available")]

@@ -26,9 +26,11 @@ namespace {
 // Mail of an archive that is asked for to know that its files aren't all gone.
 constexpr std::size_t mostFilesAskedFor = 16;
 
-// To ask one costs as much as some tens of rows do when all are read.
+// To ask one mail costs as much as some tens of rows do when all are read.
 constexpr std::size_t mailsAskedForOne = 4;
-constexpr std::size_t shareOfMailsAsked = 256;
+constexpr std::size_t usualShareAsked = 256;
+constexpr std::size_t mostShareAsked = 64;
+constexpr std::size_t alwaysAsked = 256;
 
 // An absent date is less than any other.
 bool isNewer(const QuickLibrary::Found& one, const QuickLibrary::Found& other) {
@@ -232,26 +234,32 @@ std::vector<QuickLibrary::Found> QuickLibrary::newestOfAll(std::size_t count) co
     return all;
 }
 
-// A record that any of the indexes finds counts in every archive, as it does for a search.
+// Empty where an index is asked more quickly, or can't be.
+std::vector<search::RecordTest> QuickLibrary::testsOf(std::string_view text) const {
+    std::vector<search::RecordTest> tests;
+    for (const std::string& root : rootsByName()) {
+        const MailSearchIndex* const index = searchIndex(root);
+        if (index == nullptr) continue;
+        if (tests.empty() && !index->needsScan(text)) return {};
+        tests.push_back(index->recordTest(text));
+        if (!tests.back()) return {};
+    }
+    return tests;
+}
+
 std::optional<std::vector<ArchivedEntry>> QuickLibrary::newestHolding(std::string_view query,
                                                                       std::int64_t limit) const {
     const std::string_view text = text::trimWhitespaceAndNewlines(query);
-    std::vector<const MailSearchIndex*> indexes;
-    for (const std::string& root : rootsByName()) {
-        if (const MailSearchIndex* const index = searchIndex(root)) indexes.push_back(index);
-    }
-    if (text.empty() || limit < 1 || indexes.empty() || !indexes.front()->needsScan(text))
-        return std::nullopt;
-    std::vector<search::RecordTest> tests;
-    for (const MailSearchIndex* const index : indexes) {
-        tests.push_back(index->recordTest(text));
-        if (!tests.back()) return std::nullopt;
-    }
+    const std::size_t most = std::max(size() / mostShareAsked, alwaysAsked) / mailsAskedForOne;
+    if (text.empty() || limit < 1 || static_cast<std::size_t>(limit) > most) return std::nullopt;
+    std::vector<search::RecordTest> tests = testsOf(text);
+    if (tests.empty()) return std::nullopt;
     std::vector<ArchivedEntry> found;
     const std::size_t patience =
-        std::max(static_cast<std::size_t>(limit) * mailsAskedForOne, size() / shareOfMailsAsked);
+        std::max(static_cast<std::size_t>(limit) * mailsAskedForOne, size() / usualShareAsked);
     for (const Found& candidate : newestOfAll(patience)) {
         ArchivedEntry entry = this->entry(candidate);
+        // A record that any of the indexes finds counts in every archive, as it does for a search.
         for (search::RecordTest& test : tests) {
             const auto holds = test.holds(entry.record.id);
             if (!holds) return std::nullopt;

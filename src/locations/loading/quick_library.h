@@ -27,6 +27,10 @@ namespace corvane {
 class ArchiveIndexCache;
 class MailSearchIndex;
 
+namespace search {
+class RecordTest;
+}
+
 class QuickLibrary {
   public:
     // One mail that was found, not yet read.
@@ -107,6 +111,9 @@ class QuickLibrary {
     [[nodiscard]] std::vector<Found> newestOfAll(std::size_t count) const;
 
     [[nodiscard]] std::size_t size() const;
+
+    // For the indexes of all archives that have one.
+    [[nodiscard]] std::vector<search::RecordTest> testsOf(std::string_view text) const;
 
     // Null for one that can't be opened.
     [[nodiscard]] const MailSearchIndex* searchIndex(const std::string& root) const;
