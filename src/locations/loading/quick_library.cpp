@@ -219,19 +219,25 @@ std::size_t QuickLibrary::size() const {
     return size;
 }
 
+// Never keeps many more than are wanted.
 std::vector<QuickLibrary::Found> QuickLibrary::newestOfAll(std::size_t count) const {
-    std::vector<Found> all;
-    all.reserve(size());
+    std::vector<Found> newest;
+    const auto cut = [&] {
+        if (newest.size() <= count) return;
+        const auto middle = newest.begin() + static_cast<std::ptrdiff_t>(count);
+        std::ranges::nth_element(newest, middle, isNewer);
+        newest.erase(middle, newest.end());
+    };
     for (std::size_t i = 0; i < archives_.size(); ++i) {
         const ArchiveDigest& digest = archives_[i].digest;
-        for (ArchiveDigest::Position position = 0; position < digest.count(); ++position)
-            all.push_back({i, position, digest.date(position)});
+        for (ArchiveDigest::Position position = 0; position < digest.count(); ++position) {
+            newest.push_back({i, position, digest.date(position)});
+            if (newest.size() > 4 * count) cut();
+        }
     }
-    const auto middle = all.begin() + static_cast<std::ptrdiff_t>(std::min(count, all.size()));
-    std::ranges::nth_element(all, middle, isNewer);
-    all.erase(middle, all.end());
-    std::ranges::sort(all, isNewer);
-    return all;
+    cut();
+    std::ranges::sort(newest, isNewer);
+    return newest;
 }
 
 // Empty where an index is asked more quickly, or can't be.
