@@ -55,6 +55,10 @@ if(CORVANE_WINDOW)
     list(APPEND corvane_programs corvane)
 endif()
 install(TARGETS ${corvane_programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+if(CORVANE_WINDOW)
+    # No program for people; the platform's list of resource folders has the place.
+    install(TARGETS corvane-thumbnail RUNTIME DESTINATION libexec/corvane)
+endif()
 
 if(CORVANE_WINDOW)
     install(FILES desktop/corvane.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)

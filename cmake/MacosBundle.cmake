@@ -23,7 +23,7 @@ set_target_properties(corvane PROPERTIES
     MACOSX_BUNDLE_SHORT_VERSION_STRING ${PROJECT_VERSION})
 
 install(TARGETS corvane BUNDLE DESTINATION .)
-install(TARGETS corvane-cli RUNTIME DESTINATION Corvane.app/Contents/MacOS)
+install(TARGETS corvane-cli corvane-thumbnail RUNTIME DESTINATION Corvane.app/Contents/MacOS)
 # Qt's own texts, which the entries of the application menu are among.
 find_file(qt_chinese qtbase_zh_CN.qm PATHS ${Qt6_DIR}/../../.. PATH_SUFFIXES translations share/qt/translations)
 if(qt_chinese)

@@ -16,6 +16,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent / "src"
 ARROWS = {
     "text": "",
     "platform": "text",
+    "thumbnail": "platform",
     "records": "text platform",
     "mime": "text platform records",
     "worker": "text platform records",
@@ -67,7 +68,7 @@ SUBFOLDERS = {
                  "library": "controls texts desktop lists mails",
                  "shell": "controls texts desktop lists overview archive mails home archived library space"},
 }
-QT_ALLOWED = {"model", "cli", "screens", "app"}
+QT_ALLOWED = {"thumbnail", "model", "cli", "screens", "app"}
 INCLUDE = re.compile(r'^\s*#include\s+([<"])([^>"]+)[>"]', re.MULTILINE)
 LIBRARY = re.compile(r"corvane_library\(\s*NAME\s+(\w+)(.*?)\)", re.DOTALL)
 

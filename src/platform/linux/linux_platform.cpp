@@ -82,7 +82,8 @@ class LinuxPlatform final : public Platform {
     // Beside the program, and where packages put data: <prefix>/bin goes with <prefix>/share.
     [[nodiscard]] std::vector<std::string> programResourceFolders() const override {
         if (program_.empty()) return {};
-        return {program_, joinPath(parentPath(program_), "share/corvane")};
+        const std::string_view installed = parentPath(program_);
+        return {program_, joinPath(installed, "share/corvane"), joinPath(installed, "libexec/corvane")};
     }
 
     [[nodiscard]] std::vector<std::string> pythonRuntimes() const override {

@@ -30,6 +30,12 @@ struct SavingJob {
     std::string folder;
 };
 
+struct ThumbnailJob {
+    const platform::Platform& platform;
+    std::string path;
+    int edge = 0;
+};
+
 std::string textOf(const std::exception& error) {
     const auto* const system = dynamic_cast<const std::system_error*>(&error);
     return system == nullptr ? error.what() : systemErrorReason(system->code().value());
@@ -103,6 +109,15 @@ void AttachmentFlow::openAttachment(AttachmentRef attachment, PathAnswer answer)
         TaskPriority::userInitiated,
         OneJob{extractor(), context_.platform, context_.support.files(), std::move(attachment)},
         [](const OneJob& job, const TaskHandle& task) { return opened(job, task.stopToken()); },
+        std::move(answer));
+}
+
+void AttachmentFlow::makeThumbnail(std::string path, int edge, ThumbnailAnswer answer) {
+    tasks_.start(
+        TaskPriority::utility, ThumbnailJob{context_.platform, std::move(path), edge},
+        [](const ThumbnailJob& job, const TaskHandle& task) {
+            return corvane::makeThumbnail(job.platform, job.path, job.edge, task.stopToken());
+        },
         std::move(answer));
 }
 

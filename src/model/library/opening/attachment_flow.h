@@ -13,6 +13,7 @@
 #include <QObject>
 
 #include "archive/attachments/attachment_saving.h"
+#include "archive/attachments/thumbnail_maker.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
 #include "records/archived/archive_records.h"
@@ -34,6 +35,7 @@ class AttachmentFlow : public QObject {
     // A value, or the text for the user.
     using PathAnswer = std::function<void(const std::expected<std::string, std::string>& path)>;
     using SavedAnswer = std::function<void(const std::expected<SavedAttachment, std::string>&)>;
+    using ThumbnailAnswer = std::function<void(Thumbnail thumbnail)>;
     using SavingOutcome = std::expected<AttachmentSaving, std::string>;
 
     explicit AttachmentFlow(ModelContext& context, QObject* parent = nullptr);
@@ -44,6 +46,10 @@ class AttachmentFlow : public QObject {
     // The same, and opens it; what the system might execute is shown in its folder. The value is a word on
     // that, empty when it was opened.
     void openAttachment(AttachmentRef attachment, PathAnswer answer);
+
+    // A small picture of a prepared file, neither side above `edge`. No answer for what is no picture, for
+    // one that can't be decoded within the limits, and where the program for it isn't there.
+    void makeThumbnail(std::string path, int edge, ThumbnailAnswer answer);
 
     // As a new file, or in a folder that is there.
     void saveAttachment(AttachmentRef attachment, std::string target, SavedAnswer answer);
