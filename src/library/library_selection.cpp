@@ -46,6 +46,15 @@ void LibrarySelection::selectFirstVisibleIfGone(std::span<const EntryPosition> e
     selectFirstVisibleIfNeeded(visible);
 }
 
+void LibrarySelection::keepVisible(std::span<const EntryPosition> visible) {
+    if (marked_.empty()) return;
+    std::vector<bool> isVisible(std::size_t{marked_.back()} + 1);
+    for (const EntryPosition entry : visible) {
+        if (entry < isVisible.size()) isVisible[entry] = true;
+    }
+    std::erase_if(marked_, [&](EntryPosition entry) { return !isVisible[entry]; });
+}
+
 bool LibrarySelection::libraryRowSelected(EntryPosition entry) const {
     return marked_.empty() ? selected_ == entry : std::ranges::binary_search(marked_, entry);
 }

@@ -43,6 +43,9 @@ class LibrarySelection {
 
     [[nodiscard]] bool libraryRowSelected(EntryPosition entry) const;
 
+    // Lets go of what isn't in the list: a command means nothing that can't be seen. What is shown stays.
+    void keepVisible(std::span<const EntryPosition> visible);
+
     // The entry that is shown, as long as it is among these.
     [[nodiscard]] std::optional<EntryPosition> selectedEntry(std::span<const EntryPosition> entries) const;
 

@@ -132,6 +132,7 @@ void LibraryListFlow::publish(SharedLibraryList list) {
     const auto& matches = list_->inputs.filters.matchedIDs;
     if (matches && matches != list->inputs.filters.matchedIDs)
         selection.selectFirstVisibleIfGone(list_->entries.entries(), list_->groups.view());
+    if (list->inputs.filters != list_->inputs.filters) selection.keepVisible(list_->entries.entries());
     context_.tasks.discard(std::move(list)); // it may be the last that holds an index
     const bool isOther = selection != selection_;
     selection_ = std::move(selection);
