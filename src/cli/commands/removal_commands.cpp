@@ -55,8 +55,9 @@ void printReadable(const ArchiveRemovalEnd& end) {
 
 int runRemove(Session& session, const RemoveOptions& options, bool json) {
     loadLibrary(session); // what is removed leaves it, too
-    const std::vector<ArchivedEntry> entries = namedEntries(session, options.names);
-    if (!options.isAgreed && !isAgreed(entries)) throw CommandFailure("没有删除任何邮件");
+    const auto entries =
+        std::make_shared<const std::vector<ArchivedEntry>>(namedEntries(session, options.names));
+    if (!options.isAgreed && !isAgreed(*entries)) throw CommandFailure("没有删除任何邮件");
     ArchiveRemovalFlow& removal = session.model().removal();
     session.waitUntilIdle();
     removal.deleteArchivedEntries(entries);

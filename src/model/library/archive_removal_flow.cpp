@@ -15,8 +15,16 @@ using RecordsByRoot = std::map<std::string, std::vector<RecordToRemove>>;
 struct RemovalJob {
     const platform::Platform& platform;
     CorvaneAppSupport support;
-    RecordsByRoot records;
+    SharedEntryList entries;
 };
+
+RecordsByRoot recordsByRoot(const std::vector<ArchivedEntry>& entries) {
+    RecordsByRoot records;
+    for (const ArchivedEntry& entry : entries)
+        records[entry.locationRootPath.str()].push_back(
+            {entry.record.id.str(), entry.record.emlRelativePath.str()});
+    return records;
+}
 
 std::string entryIDOf(const std::string& root, const std::string& recordID) {
     ArchivedEntry entry;
@@ -60,7 +68,7 @@ void removeIn(const RemovalJob& job, const std::string& root, const std::vector<
 
 ArchiveRemovalEnd removeAll(const RemovalJob& job, const TaskHandle& task) {
     ArchiveRemovalEnd end;
-    for (const auto& [root, records] : job.records) {
+    for (const auto& [root, records] : recordsByRoot(*job.entries)) {
         try {
             removeIn(job, root, records, task, end);
         } catch (const std::exception& error) {
@@ -78,15 +86,11 @@ ArchiveRemovalFlow::ArchiveRemovalFlow(ModelContext& context, QObject* parent)
   , context_(context)
   , task_(context.tasks) {}
 
-bool ArchiveRemovalFlow::deleteArchivedEntries(const std::vector<ArchivedEntry>& entries) {
+bool ArchiveRemovalFlow::deleteArchivedEntries(SharedEntryList entries) {
     if (isRemoving()) return false;
-    RecordsByRoot records;
-    for (const ArchivedEntry& entry : entries)
-        records[entry.locationRootPath.str()].push_back(
-            {entry.record.id.str(), entry.record.emlRelativePath.str()});
     lastEnd_.reset();
     task_.start(TaskPriority::userInitiated,
-                RemovalJob{context_.platform, context_.support, std::move(records)}, &removeAll,
+                RemovalJob{context_.platform, context_.support, std::move(entries)}, &removeAll,
                 [this](ArchiveRemovalEnd end) {
                     lastEnd_ = std::move(end);
                     Q_EMIT removalEnded();

@@ -37,9 +37,11 @@ class ArchiveRemovalFlow : public QObject {
 
     // Removes these entries from their archives; `removalEnded` follows. Each is either removed or fails with
     // its reason. False, without effect, while a removal is under way.
-    bool deleteArchivedEntries(const std::vector<ArchivedEntry>& entries);
+    bool deleteArchivedEntries(SharedEntryList entries);
 
-    bool deleteArchivedEntry(const ArchivedEntry& entry) { return deleteArchivedEntries({entry}); }
+    bool deleteArchivedEntry(const ArchivedEntry& entry) {
+        return deleteArchivedEntries(std::make_shared<const std::vector<ArchivedEntry>>(1, entry));
+    }
 
     // What wasn't begun stays, and is told as a failure.
     void cancel() { task_.requestStop(); }

@@ -25,9 +25,14 @@ ScreenPage {
         wantedListWidth = width;
         app.storeLength("libraryList", width);
     }
+    // The first list takes the keyboard from a head that had it for want of anything else.
+    property bool awaitsList: true
     function handKeyboardTo(part: Item) {
-        if (part.visible && !head.activeFocus)
+        const wasAwaited = awaitsList && part === panes && part.visible;
+        if (part.visible && (wasAwaited ? !head.searchField.activeFocus : !head.activeFocus))
             part.focus = true;
+        if (wasAwaited)
+            awaitsList = false;
     }
     function enterList() {
         list.view.forceActiveFocus(Qt.TabFocusReason);
@@ -36,6 +41,7 @@ ScreenPage {
     objectName: "libraryPage"
     searchField: head.searchField
     Component.onCompleted: screen.appear()
+    onEscaped: screen.filters.clearYears()
 
     LibraryHead {
         id: head
@@ -120,7 +126,7 @@ ScreenPage {
     RemovalEndSheet {
         removal: page.screen.removal
         onCopyRequested: page.screen.copyFailures()
-        onFolderRequested: page.screen.revealMail()
+        onFolderRequested: page.screen.openFailureFolder()
     }
 
     Binding {

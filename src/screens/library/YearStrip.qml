@@ -35,13 +35,17 @@ FocusScope {
         if (count > 0)
             filters.chooseYears(years[first].year, years[last].year);
     }
-    function moveKey(step: int, extends_: bool) {
-        const from = keyYear < 0 ? (step > 0 ? -1 : count) : keyYear;
-        if (extends_ && keyAnchor < 0)
-            keyAnchor = Math.max(0, keyYear);
-        else if (!extends_)
+    function goByKey(year: int, widens: bool) {
+        if (!widens)
             keyAnchor = -1;
-        keyYear = Math.max(0, Math.min(count - 1, from + step));
+        else if (keyAnchor < 0)
+            keyAnchor = Math.max(0, keyYear);
+        keyYear = Math.max(0, Math.min(count - 1, year));
+    }
+    function chooseByKey() {
+        if (keyYear >= 0)
+            choose(keyAnchor >= 0 ? keyAnchor : keyYear, keyYear);
+        keyAnchor = -1;
     }
 
     objectName: "yearStrip"
@@ -49,12 +53,17 @@ FocusScope {
     activeFocusOnTab: true
     Accessible.role: Accessible.Chart
     Accessible.name: "各年邮件" + (shownYear >= 0 && shownYear < count ? "，" + years[shownYear].text : "")
-    Keys.onLeftPressed: event => moveKey(-1, event.modifiers & Qt.ShiftModifier)
-    Keys.onRightPressed: event => moveKey(1, event.modifiers & Qt.ShiftModifier)
-    Keys.onReturnPressed: {
-        if (keyYear >= 0)
-            choose(keyAnchor >= 0 ? keyAnchor : keyYear, keyYear);
-        keyAnchor = -1;
+    Keys.onPressed: event => {
+        const places = { [Qt.Key_Left]: keyYear - 1, [Qt.Key_Right]: keyYear + 1, [Qt.Key_Home]: 0, [Qt.Key_End]: count - 1 };
+        event.accepted = event.key in places;
+        if (event.accepted)
+            goByKey(places[event.key], event.modifiers & Qt.ShiftModifier);
+    }
+    Keys.onReturnPressed: chooseByKey()
+    Keys.onEnterPressed: chooseByKey()
+    onActiveFocusChanged: {
+        if (activeFocus && keyYear < 0)
+            keyYear = chosenLast >= 0 && chosenLast < count ? chosenLast : count - 1;
     }
     Keys.onEscapePressed: event => {
         event.accepted = filters.firstYear >= 0 || keyAnchor >= 0;

@@ -11,6 +11,7 @@ set(library_qml
     detail/AttachmentTile.qml
     detail/AttachmentTilePane.qml
     detail/BodyText.qml
+    detail/RetrievalBanner.qml
     detail/SaveSheet.qml
     removal/RemovalItems.qml
     removal/RemovalSheet.qml
@@ -27,6 +28,8 @@ set(library_sources
     detail/attachment_tiles.cpp
     detail/body_layout.cpp
     detail/body_pieces.cpp
+    detail/tile_picture.cpp
+    removal/removal_list.cpp
     removal/removal_question.cpp
     rows/library_row_model.cpp
     rows/library_row_selection.cpp

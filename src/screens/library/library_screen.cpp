@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <QPointer>
+#include <QUrl>
 #include <fmt/format.h>
 
 #include "platform/paths.h"
@@ -76,6 +77,7 @@ void LibraryScreen::wire() {
     connect(&model_.library(), &LibraryLoader::archiveLocationsChanged, &rows_,
             &LibraryRowModel::notifyPlaces);
     connect(&model_.library(), &LibraryLoader::archivedFilesChanged, &rows_, &LibraryRowModel::notifyPlaces);
+    connect(&model_.library(), &LibraryLoader::archiveLocationsChanged, this, &LibraryScreen::updateState);
     connect(&model_.library(), &LibraryLoader::archivedEntriesChanged, this, &LibraryScreen::updateState);
     connect(&model_.library(), &LibraryLoader::loadFinished, this, &LibraryScreen::updateState);
     connect(&model_.bodyTexts(), &BodyTexts::bodyIndexFinished, &texts_, &RowTexts::forget);
@@ -182,6 +184,14 @@ LibraryScreen::State LibraryScreen::currentState() const {
 void LibraryScreen::updateState() {
     state_ = currentState();
     Q_EMIT stateChanged();
+}
+
+QString LibraryScreen::awayPlaces() const {
+    QStringList names;
+    for (const ArchiveLocation& location : model_.library().archiveLocations()) {
+        if (!location.isConnected) names += screens::shownLine(location.displayName);
+    }
+    return names.join(u'、');
 }
 
 std::int64_t LibraryScreen::selectedBytes() const {
@@ -341,10 +351,13 @@ bool LibraryScreen::canRemove() const {
 void LibraryScreen::removeSelected() {
     // Rows of an index that has been replaced may name what isn't there any more.
     if (!canRemove() || !areRowsPresent()) return;
-    const ArchiveLibraryIndex& index = rows_.content().list->index();
-    std::vector<const ArchivedEntry*> entries;
-    for (const EntryPosition entry : selection_.entries()) entries.push_back(&index.entry(entry));
-    removal_.ask(entries);
+    removal_.ask(rows_.content().list, selection_.entries());
+}
+
+void LibraryScreen::openFailureFolder() {
+    const QString folder = screens::wholeText(removal_.failureRoot());
+    if (folder.isEmpty() || !desktop_.open(QUrl::fromLocalFile(folder)))
+        Q_EMIT noticed(QStringLiteral("打不开这个归档的文件夹。"));
 }
 
 } // namespace corvane

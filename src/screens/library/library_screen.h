@@ -29,6 +29,7 @@ class LibraryScreen : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("belongs to the window")
     Q_PROPERTY(State state READ state NOTIFY stateChanged)
+    Q_PROPERTY(QString awayPlaces READ awayPlaces NOTIFY stateChanged)
     Q_PROPERTY(QString summaryText READ summaryText NOTIFY summaryChanged)
     Q_PROPERTY(QString searchNote READ searchNote NOTIFY searchChanged)
     Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY searchChanged)
@@ -54,6 +55,9 @@ class LibraryScreen : public QObject {
     Q_INVOKABLE void appear();
 
     [[nodiscard]] State state() const { return state_; }
+
+    // The names of the archives that aren't connected; empty where all are.
+    [[nodiscard]] QString awayPlaces() const;
 
     // Count and size of what is selected where it is more than one mail, else of the list.
     [[nodiscard]] QString summaryText() const;
@@ -98,6 +102,10 @@ class LibraryScreen : public QObject {
     Q_INVOKABLE void openThread(int row);
 
     Q_INVOKABLE void openMail();
+
+    // What is being brought back from a cloud stays there, and nothing is opened.
+    Q_INVOKABLE void cancelOpening() { model_.mailOpening().cancel(); }
+
     Q_INVOKABLE void revealMail();
     Q_INVOKABLE void findOriginal();
     Q_INVOKABLE void copyRows();
@@ -106,6 +114,9 @@ class LibraryScreen : public QObject {
 
     // What the last removal left, as lines.
     Q_INVOKABLE void copyFailures() { desktop_.copy(removal_.failureLines()); }
+
+    // The archive of the first one that stayed.
+    Q_INVOKABLE void openFailureFolder();
 
   Q_SIGNALS:
     void stateChanged();

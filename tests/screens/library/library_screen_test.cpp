@@ -89,6 +89,7 @@ TEST_F(LibraryScreenTest, AYearNarrowsTheList_AndTheStripStaysWhole) {
 TEST_F(LibraryScreenTest, WhatMayBeTheOnlyCopyNeedsASecondAct_AndTheNextRowIsSelected) {
     screen_.selection()->select(0);
     screen_.removeSelected();
+    settle();
     RemovalQuestion& question = *screen_.removal();
     EXPECT_EQ(question.step(), Step::Asking);
     EXPECT_FALSE(question.canAccept()) << "nobody has looked whether it is still in Mail";

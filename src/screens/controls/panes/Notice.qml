@@ -18,8 +18,8 @@ Rectangle {
     anchors.horizontalCenter: area.horizontalCenter
     anchors.bottom: area.bottom
     anchors.bottomMargin: Theme.margin
-    width: label.implicitWidth + 32
-    height: 36
+    width: label.width + 32
+    height: label.height + Theme.section
     visible: false
     radius: Theme.radiusLarge
     color: Theme.sheet
@@ -30,11 +30,14 @@ Rectangle {
     AppText {
         id: label
         anchors.centerIn: parent
+        width: Math.min(implicitWidth, notice.area.width - 2 * Theme.margin - 32, Theme.messageMeasure)
+        wrapMode: Text.Wrap
         Accessible.ignored: true
     }
     Timer {
         id: timer
-        interval: 6000
+        // Long enough to read it.
+        interval: 5000 + 80 * label.text.length
         onTriggered: notice.visible = false
     }
 }

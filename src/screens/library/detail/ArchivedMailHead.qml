@@ -7,7 +7,7 @@ Column {
 
     required property ArchivedMail mail
     readonly property int sideWidth: Math.max(dateLabel.implicitWidth, sizeLabel.implicitWidth,
-        placeLabel.implicitWidth + 24)
+        placeLabel.width + 24)
 
     spacing: 2
 

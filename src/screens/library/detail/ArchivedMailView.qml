@@ -35,8 +35,8 @@ FocusScope {
             objectName: "archivedState"
             anchors.verticalCenter: parent.verticalCenter
             x: Theme.margin
-            width: Math.min(implicitWidth, buttons.x - x - Theme.space)
-            clip: width < implicitWidth
+            width: Math.min(Math.ceil(implicitWidth), buttons.x - x - Theme.space)
+            clip: true
             kind: view.mail.stateTone
             symbol: view.mail.stateSymbol
             text: view.mail.stateText
@@ -111,6 +111,12 @@ FocusScope {
                 ArchivedMailHead {
                     width: parent.width
                     mail: view.mail
+                }
+                RetrievalBanner {
+                    objectName: "retrievalBanner"
+                    width: parent.width
+                    running: view.mail.retrieving
+                    onCancelled: view.screen.cancelOpening()
                 }
                 Banner {
                     objectName: "goneBanner"
@@ -189,7 +195,8 @@ FocusScope {
         height: visible ? implicitHeight : 0
         visible: view.mail.hasMail && attachments.count > 0
         attachments: view.screen.attachments
-        compact: view.low
+        // A search wants the room for the places it has found.
+        compact: view.low || view.screen.query.length > 0
         onSaveRequested: row => view.saveRequested(row)
     }
     EmptyState {

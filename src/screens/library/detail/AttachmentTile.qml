@@ -11,6 +11,9 @@ T.AbstractButton {
     required property string symbol
     required property string statusText
     required property bool failed
+    required property var picture
+    required property string fileText
+    readonly property bool hasPicture: picture.width > 0
 
     signal openRequested
     signal menuRequested
@@ -43,8 +46,16 @@ T.AbstractButton {
             radius: Theme.radiusInner
             color: Theme.page
             border.color: Theme.line
+            TilePicture {
+                anchors.fill: parent
+                anchors.margins: Theme.hairline
+                visible: tile.hasPicture
+                image: tile.picture
+                radius: Theme.radiusInner - 1
+            }
             Symbol {
                 anchors.centerIn: parent
+                visible: !tile.hasPicture
                 size: 24
                 name: tile.symbol
                 color: Theme.text2
@@ -77,6 +88,18 @@ T.AbstractButton {
             cornerRadius: Theme.radiusLarge
         }
     }
+    // Out of the window, as a copy of the file.
+    DragHandler {
+        id: drag
+        enabled: tile.fileText.length > 0
+        target: null
+        dragThreshold: 8
+    }
+    Drag.dragType: Drag.Automatic
+    Drag.supportedActions: Qt.CopyAction
+    Drag.mimeData: ({ "text/uri-list": tile.fileText })
+    Drag.active: drag.active
+
     TapHandler {
         acceptedButtons: Qt.RightButton
         onTapped: tile.menuRequested()

@@ -245,8 +245,7 @@ bool ArchivedMail::isOpening() const {
 }
 
 QString ArchivedMail::openTitle() const {
-    return isOpening() && fileState() == FileState::InCloud ? QStringLiteral("正在从云端取回...")
-                                                            : QStringLiteral("打开归档邮件");
+    return isRetrieving() ? QStringLiteral("正在从云端取回...") : QStringLiteral("打开归档邮件");
 }
 
 QString ArchivedMail::openHelp() const {

@@ -35,6 +35,7 @@ class ArchivedMail : public QObject {
     Q_PROPERTY(QString openTitle READ openTitle NOTIFY changed)
     Q_PROPERTY(QString openHelp READ openHelp NOTIFY changed)
     Q_PROPERTY(bool opening READ isOpening NOTIFY changed)
+    Q_PROPERTY(bool retrieving READ isRetrieving NOTIFY changed)
     Q_PROPERTY(BodyState bodyState READ bodyState NOTIFY bodyChanged)
     Q_PROPERTY(bool isCut READ isCut NOTIFY bodyChanged)
     Q_PROPERTY(bool canCollapse READ canCollapse NOTIFY bodyChanged)
@@ -78,6 +79,9 @@ class ArchivedMail : public QObject {
     [[nodiscard]] QString openTitle() const;
     [[nodiscard]] QString openHelp() const;
     [[nodiscard]] bool isOpening() const;
+
+    // It is being opened, and its file is still with a cloud.
+    [[nodiscard]] bool isRetrieving() const { return isOpening() && fileState() == FileState::InCloud; }
 
     [[nodiscard]] BodyState bodyState() const;
 

@@ -5,7 +5,10 @@
 
 #include <QPointer>
 #include <QStandardPaths>
+#include <QUrl>
 
+#include "archive/portable_names.h"
+#include "platform/paths.h"
 #include "screens/mails/detail/attachment_symbol.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
@@ -21,6 +24,15 @@ constexpr std::size_t mostTiles = 40;
 
 // Whoever goes through the list looks at no attachments.
 constexpr auto lookPause = 400ms;
+
+// In pixels: the short side of most pictures still fills the tile's box on a dense screen.
+constexpr int pictureEdge = 192;
+
+QImage imageOf(const Thumbnail& made) {
+    const auto* const pixels = reinterpret_cast<const uchar*>(made.pixels.data());
+    return QImage(pixels, made.width, made.height, 4 * made.width, QImage::Format_RGBA8888_Premultiplied)
+        .copy();
+}
 
 } // namespace
 
@@ -48,6 +60,12 @@ QVariant AttachmentTiles::data(const QModelIndex& index, int role) const {
         return screens::wholeText(attachmentSymbol(tile.attachment.name));
     case FailedRole:
         return tile.state == State::failed;
+    case PictureRole:
+        return tile.picture;
+    case FileTextRole:
+        return tile.path.isEmpty()
+                   ? QString()
+                   : QString::fromLatin1(QUrl::fromLocalFile(tile.path).toEncoded()) + QStringLiteral("\r\n");
     case StatusTextRole:
         return tile.state == State::preparing ? QStringLiteral("正在准备附件…")
                : tile.state == State::opening ? QStringLiteral("正在打开…")
@@ -59,8 +77,8 @@ QVariant AttachmentTiles::data(const QModelIndex& index, int role) const {
 }
 
 QHash<int, QByteArray> AttachmentTiles::roleNames() const {
-    return {
-        {NameRole, "name"}, {SymbolRole, "symbol"}, {StatusTextRole, "statusText"}, {FailedRole, "failed"}};
+    return {{NameRole, "name"},     {SymbolRole, "symbol"},   {StatusTextRole, "statusText"},
+            {FailedRole, "failed"}, {PictureRole, "picture"}, {FileTextRole, "fileText"}};
 }
 
 void AttachmentTiles::show(const ArchivedEntry* entry, bool prepares) {
@@ -71,7 +89,7 @@ void AttachmentTiles::show(const ArchivedEntry* entry, bool prepares) {
     if (entry != nullptr) {
         for (AttachmentRef& attachment : displayableAttachments(*entry)) {
             if (tiles_.size() < mostTiles)
-                tiles_.push_back({std::move(attachment), State::idle, {}});
+                tiles_.push_back({std::move(attachment)});
             else
                 ++leftOut_;
         }
@@ -91,11 +109,25 @@ void AttachmentTiles::prepare(int row) {
     model_.attachments().prepareAttachment(
         tiles_[static_cast<std::size_t>(row)].attachment,
         [self = QPointer(this), row, generation = generation_](const auto& path) {
-            if (!self || !self->isPresent(generation)) return;
-            if (self->tiles_[static_cast<std::size_t>(row)].state != State::preparing) return;
-            self->setState(row, path ? State::ready : State::failed,
-                           path ? QString() : screens::shownLine(path.error()));
+            if (self && self->isPresent(generation)) self->handlePrepared(row, path);
         });
+}
+
+void AttachmentTiles::handlePrepared(int row, const std::expected<std::string, std::string>& path) {
+    Tile& tile = tiles_[static_cast<std::size_t>(row)];
+    if (path) {
+        tile.path = QString::fromStdString(*path);
+        model_.attachments().makeThumbnail(
+            *path, pictureEdge,
+            [self = QPointer(this), row, generation = generation_](const Thumbnail& made) {
+                if (!self || !self->isPresent(generation)) return;
+                self->tiles_[static_cast<std::size_t>(row)].picture = imageOf(made);
+                Q_EMIT self->dataChanged(self->index(row), self->index(row), {PictureRole});
+            });
+    }
+    if (tile.state == State::preparing)
+        setState(row, path ? State::ready : State::failed,
+                 path ? QString() : screens::shownLine(path.error()));
 }
 
 void AttachmentTiles::open(int row) {
@@ -115,16 +147,32 @@ void AttachmentTiles::setState(int row, State state, const QString& failure) {
     Tile& tile = tiles_[static_cast<std::size_t>(row)];
     tile.state = state;
     tile.failure = failure;
-    Q_EMIT dataChanged(index(row), index(row), {StatusTextRole, FailedRole});
+    Q_EMIT dataChanged(index(row), index(row), {StatusTextRole, FailedRole, FileTextRole});
 }
 
-void AttachmentTiles::save(int row, const QString& folder) {
-    std::vector<AttachmentRef> chosen;
-    for (int each = 0; each < rowCount(); ++each) {
-        if (row < 0 || each == row) chosen.push_back(tiles_[static_cast<std::size_t>(each)].attachment);
-    }
-    if (!chosen.empty() && !isSaving())
-        model_.attachments().saveAttachments(std::move(chosen), folder.toStdString());
+QString AttachmentTiles::fileName(int row) const {
+    if (row < 0 || row >= rowCount()) return {};
+    return screens::wholeText(
+        archive::portableFileName(tiles_[static_cast<std::size_t>(row)].attachment.name));
+}
+
+void AttachmentTiles::save(int row, const QString& folder, const QString& name) {
+    if (row < 0 || row >= rowCount()) return;
+    const std::string fileName = archive::portableFileName(name.toStdString());
+    model_.attachments().saveAttachment(
+        tiles_[static_cast<std::size_t>(row)].attachment, platform::joinPath(folder.toStdString(), fileName),
+        [self = QPointer(this)](const auto& saved) {
+            if (self)
+                Q_EMIT self->noticed(saved ? QStringLiteral("已存储到 ") + screens::shownLine(saved->path)
+                                           : screens::shownLine(saved.error()));
+        });
+}
+
+void AttachmentTiles::saveAll(const QString& folder) {
+    std::vector<AttachmentRef> all;
+    for (const Tile& tile : tiles_) all.push_back(tile.attachment);
+    if (!all.empty() && !isSaving())
+        model_.attachments().saveAttachments(std::move(all), folder.toStdString());
 }
 
 void AttachmentTiles::handleSavingEnd() {

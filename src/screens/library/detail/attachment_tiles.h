@@ -3,9 +3,12 @@
 #pragma once
 
 #include <cstdint>
+#include <expected>
+#include <string>
 #include <vector>
 
 #include <QAbstractListModel>
+#include <QImage>
 #include <QTimer>
 #include <QtQml/qqmlregistration.h>
 
@@ -24,7 +27,14 @@ class AttachmentTiles : public QAbstractListModel {
     Q_PROPERTY(QString defaultFolder READ defaultFolder CONSTANT)
 
   public:
-    enum Role { NameRole = Qt::UserRole + 1, SymbolRole, StatusTextRole, FailedRole };
+    enum Role {
+        NameRole = Qt::UserRole + 1,
+        SymbolRole,
+        StatusTextRole,
+        FailedRole,
+        PictureRole,  // null for what is no picture, and as long as it isn't made
+        FileTextRole, // its copy for other programs, as "text/uri-list"; empty as long as there is none
+    };
 
     // `model` must outlive it.
     explicit AttachmentTiles(CorvaneViewModel& model, QObject* parent = nullptr);
@@ -43,9 +53,14 @@ class AttachmentTiles : public QAbstractListModel {
 
     Q_INVOKABLE void open(int row);
 
-    // Into a folder that is there: one of them, or all for a row of -1. Nothing that is there is written
-    // over.
-    Q_INVOKABLE void save(int row, const QString& folder);
+    // One into a folder that is there, under a name of its own. Nothing that is there is written over.
+    Q_INVOKABLE void save(int row, const QString& folder, const QString& name);
+
+    // All of them, under their names or with numbers behind these.
+    Q_INVOKABLE void saveAll(const QString& folder);
+
+    // The name of its file, as every system takes it; empty for a row that isn't there.
+    Q_INVOKABLE [[nodiscard]] QString fileName(int row) const;
 
     Q_INVOKABLE void cancelSaving() { model_.attachments().cancelSaving(); }
 
@@ -69,11 +84,14 @@ class AttachmentTiles : public QAbstractListModel {
     struct Tile {
         AttachmentRef attachment;
         State state = State::idle;
-        QString failure;
+        QString failure{};
+        QString path{}; // of the prepared file; empty before
+        QImage picture{};
     };
 
     void prepareAll();
     void prepare(int row);
+    void handlePrepared(int row, const std::expected<std::string, std::string>& path);
     void setState(int row, State state, const QString& failure = {});
     void handleSavingEnd();
 

@@ -12,6 +12,8 @@
 #include <QtQml/qqmlregistration.h>
 
 #include "model/corvane_view_model.h"
+#include "model/tasks/task_slot.h"
+#include "screens/library/removal/removal_list.h"
 
 namespace corvane {
 
@@ -44,16 +46,20 @@ class RemovalQuestion : public QObject {
     // `model` must outlive it.
     explicit RemovalQuestion(CorvaneViewModel& model, QObject* parent = nullptr);
 
-    // Elements of the library's list. No effect without any, and while a removal is under way.
-    void ask(const std::vector<const ArchivedEntry*>& entries);
+    // Positions in the index of the list; the question stands a moment later. No effect without any, and
+    // while a removal is under way.
+    void ask(SharedLibraryList list, std::vector<EntryPosition> entries);
 
     Q_INVOKABLE void accept();
 
     // Also of what is told afterwards; no effect while mail is being removed.
     Q_INVOKABLE void close();
 
+    // The archive of the first failure; empty without one.
+    [[nodiscard]] const std::string& failureRoot() const { return report_.root; }
+
     // The failures as lines, for the clipboard.
-    [[nodiscard]] QString failureLines() const;
+    [[nodiscard]] const QString& failureLines() const { return report_.lines; }
 
     [[nodiscard]] Step step() const { return step_; }
 
@@ -74,32 +80,33 @@ class RemovalQuestion : public QObject {
     [[nodiscard]] bool canAccept() const;
     [[nodiscard]] QString note() const;
 
-    [[nodiscard]] int count() const { return static_cast<int>(items_.size()); }
+    [[nodiscard]] int count() const { return static_cast<int>(list_.entries->size()); }
 
     [[nodiscard]] QVariantList figures() const;
-    [[nodiscard]] QVariantList failures() const;
+
+    [[nodiscard]] const QVariantList& failures() const { return report_.failures; }
 
   Q_SIGNALS:
     void changed();
 
   private:
-    struct Item {
-        ArchivedEntry entry;
-        ArchivedOriginalPresenceStatus status = ArchivedOriginalPresenceStatus::unknown;
-    };
-
     void handleEnd();
     void setStep(Step step);
-    [[nodiscard]] std::int64_t countOf(ArchivedOriginalPresenceStatus status) const;
-    [[nodiscard]] std::int64_t onlyCount() const;
     [[nodiscard]] bool isConnected() const;
-    [[nodiscard]] const Item* itemOf(const std::string& entryID) const;
+
+    // Mail that may be the only copy.
+    [[nodiscard]] std::int64_t onlyCount() const {
+        return static_cast<std::int64_t>(list_.missing + list_.unknown);
+    }
 
     CorvaneViewModel& model_;
     Step step_ = Step::Closed;
-    std::vector<Item> items_; // the only copies first
+    RemovalList list_;
+    RemovalReport report_;
     bool isTicked_ = false;
     bool isOurs_ = false; // the removal that is under way
+    TaskSlot listTask_;
+    TaskSlot reportTask_;
 };
 
 } // namespace corvane

@@ -38,8 +38,9 @@ ListRow {
 
     // The whole text where the one at this height is elided, else empty.
     function elidedAt(y: real): string {
-        const label = y < 26 ? titleLabel : lineLabel;
-        return label.truncated && label.visible ? label.text : "";
+        const label = y >= 46 && tall ? snippet : y >= 26 ? (secondPieces.length > 0 ? secondMarked : lineLabel)
+            : titlePieces.length > 0 ? titleMarked : titleLabel;
+        return label.truncated ? label.text : "";
     }
 
     implicitHeight: tall ? Theme.rowSnippet : Theme.rowRegular
@@ -81,6 +82,7 @@ ListRow {
     readonly property real titleRoom: (countPill.visible ? dateLabel.x - countPill.width - Theme.space
         : attachmentCount > 0 ? paperclip.x : dateLabel.x) - textLeft - Theme.space
     MarkedText {
+        id: titleMarked
         x: row.textLeft
         y: 6
         width: Math.min(implicitWidth, row.titleRoom)
@@ -91,16 +93,9 @@ ListRow {
     CountPill {
         id: countPill
         visible: row.isThread
-        x: row.textLeft + Math.min(row.titlePieces.length > 0 ? marked.implicitWidth : titleLabel.implicitWidth,
-            row.titleRoom) + Theme.space
+        x: row.textLeft + (row.titlePieces.length > 0 ? titleMarked.width : titleLabel.width) + Theme.space
         y: 7
         text: row.memberCount
-        MarkedText {
-            id: marked
-            visible: false
-            pieces: row.titlePieces
-            weight: Theme.strong
-        }
     }
     Symbol {
         id: paperclip
@@ -151,6 +146,7 @@ ListRow {
         font.pixelSize: Theme.bodySize
     }
     MarkedText {
+        id: secondMarked
         x: row.textLeft
         y: 26
         width: row.placeLeft - x - Theme.space
@@ -177,6 +173,7 @@ ListRow {
         font.pixelSize: Theme.noteSize
     }
     MarkedText {
+        id: snippet
         x: row.textLeft
         y: 46
         width: row.textRight - x

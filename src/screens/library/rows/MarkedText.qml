@@ -1,4 +1,4 @@
-// A line of text in pieces, the marked ones on the colour of a search. Cut at its end.
+// A line of text in pieces, the marked ones on the colour of a search. Elided at its end.
 pragma ComponentBehavior: Bound
 
 import QtQuick
@@ -12,19 +12,25 @@ Item {
     property color color: Theme.text1
     property int pixelSize: Theme.bodySize
     property int weight: Theme.regular
+    readonly property string text: whole.text
+    readonly property bool truncated: implicitWidth > width
 
     implicitHeight: Theme.bodyLine
-    implicitWidth: row.width
-    clip: row.width > width
+    implicitWidth: Math.ceil(whole.advanceWidth) + 1
 
+    TextMetrics {
+        id: whole
+        text: line.pieces.map(piece => piece.text).join("")
+        font.pixelSize: line.pixelSize
+        font.weight: line.weight
+    }
     Row {
-        id: row
         Repeater {
             model: line.pieces
             delegate: Item {
                 id: piece
                 required property var modelData
-                width: label.width
+                width: Math.max(0, Math.min(label.implicitWidth, line.width - x))
                 height: Theme.bodyLine
 
                 Rectangle {
@@ -37,10 +43,12 @@ Item {
                 }
                 Text {
                     id: label
+                    width: parent.width
                     height: parent.height
                     verticalAlignment: Text.AlignVCenter
                     text: piece.modelData.text
                     textFormat: Text.PlainText
+                    elide: Text.ElideRight
                     color: piece.modelData.marked ? Theme.text1 : line.color
                     font.pixelSize: line.pixelSize
                     font.weight: line.weight

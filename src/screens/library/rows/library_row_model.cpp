@@ -55,8 +55,9 @@ LibraryRowModel::LibraryRowModel(CorvaneViewModel& model, RowTexts& texts, QObje
   , model_(model)
   , texts_(texts)
   , content_{LibraryList::make({ArchiveLibraryIndex::make({})}), std::make_shared<const LibraryRows>()} {
-    connect(&texts, &RowTexts::changed, this,
-            [this] { notifyAllRows({LineRole, LinePiecesRole, SnippetPiecesRole}); });
+    connect(&texts, &RowTexts::changed, this, [this] {
+        notifyAllRows({TitlePiecesRole, LineRole, LinePiecesRole, SnippetPiecesRole, TallRole});
+    });
 }
 
 QHash<int, QByteArray> LibraryRowModel::roleNames() const {

@@ -40,6 +40,7 @@ class RowTexts : public QObject {
     void forget();
 
   Q_SIGNALS:
+    // What is known of texts, or the query.
     void changed();
 
   private:
