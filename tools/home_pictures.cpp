@@ -1,20 +1,15 @@
 // Paints the home, the archive flow, the overview and the space in every state, both modes and both sizes,
 // for people to look at:
-//   home_pictures FOLDER [STATE...]
-#include <cstdio>
+//   home_pictures FOLDER light|dark [STATE...]
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
-#include <QGuiApplication>
 #include <QProcess>
 #include <QQuickItem>
 #include <QTest>
 
-#include "screens/controls/theme/appearance.h"
-#include "screens/controls/theme/fonts.h"
-#include "screens/support/window_scene.h"
+#include "screens/support/window_pictures.h"
 
 namespace {
 
@@ -291,11 +286,7 @@ void lookAtSpace(WindowScene& scene, QQuickWindow& window) {
     QTest::qWait(400);
 }
 
-struct State {
-    const char* name;
-    std::function<void(WindowScene&)> make;
-    std::function<void(WindowScene&, QQuickWindow&)> inWindow = {};
-};
+using State = corvane::testing::PictureState;
 
 const std::vector<State>& homeStates() {
     static const std::vector<State> all = {
@@ -470,54 +461,11 @@ const std::vector<State>& overviewStates() {
     return all;
 }
 
-bool paint(const State& state, QSize size, const std::string& path) {
-    WindowScene scene;
-    state.make(scene);
-    QQmlApplicationEngine engine;
-    engine.addImportPath(QStringLiteral(":/qt/qml"));
-    engine.setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&scene.window())}});
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Corvane/shell/Main.qml")));
-    if (engine.rootObjects().isEmpty()) return false;
-    auto* window = qobject_cast<QQuickWindow*>(engine.rootObjects().front());
-    window->resize(size);
-    window->show();
-    if (!QTest::qWaitForWindowExposed(window)) return false;
-    // The sidebar's figures change once a second.
-    QTest::qWait(1500);
-    if (state.inWindow) state.inWindow(scene, *window);
-    const bool isSaved = window->grabWindow().save(QString::fromStdString(path));
-    scene.release();
-    return isSaved;
-}
-
-bool paintInBothSizes(const State& state, const std::string& folder, bool dark) {
-    const std::string ending = dark ? "-dark.png" : "-light.png";
-    const std::string path = folder + "/" + state.name;
-    const bool isUsualPainted = paint(state, QSize(1240, 840), path + ending);
-    return paint(state, QSize(1000, 560), path + "-small" + ending) && isUsualPainted;
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
-    corvane::thinTextStems();
-    const QGuiApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() < 3) {
-        std::fputs("home_pictures FOLDER light|dark [STATE...]\n", stderr);
-        return 2;
-    }
-    corvane::useWindowFonts();
-    const bool dark = arguments[2] == QLatin1String("dark");
-    const corvane::Appearance appearance(dark ? corvane::Appearance::Scheme::dark
-                                              : corvane::Appearance::Scheme::light);
-    std::filesystem::create_directories(arguments[1].toStdString());
-    bool allPainted = true;
-    for (const auto* states : {&homeStates(), &confirmationStates(), &runStates(), &overviewStates()}) {
-        for (const State& state : *states) {
-            if (arguments.size() > 3 && !arguments.mid(3).contains(QString::fromUtf8(state.name))) continue;
-            allPainted &= paintInBothSizes(state, arguments[1].toStdString(), dark);
-        }
-    }
-    return allPainted ? 0 : 1;
+    std::vector<State> all;
+    for (const auto* states : {&homeStates(), &confirmationStates(), &runStates(), &overviewStates()})
+        all.insert(all.end(), states->begin(), states->end());
+    return corvane::testing::paintPictures(argc, argv, all);
 }

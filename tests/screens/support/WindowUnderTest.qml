@@ -17,11 +17,14 @@ Item {
     property ArchiveScreen archive
 
     function begin(withDestination: bool) {
+        beginWith(() => scenes.begin(withDestination));
+    }
+    function beginWith(makeScene: var) {
         KeyboardFocus.freshKeyPause = 0;
         holder.active = false;
         root.width = 1240;
         root.height = 840;
-        scenes.begin(withDestination);
+        makeScene();
         holder.active = true;
         home = scenes.app.home;
         archive = scenes.app.archive;

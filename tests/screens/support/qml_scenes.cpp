@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "screens/support/library_scene.h"
 #include "screens/support/mail_samples.h"
 
 namespace corvane::testing {
@@ -30,6 +31,16 @@ void QmlScenes::begin(bool withDestination) {
     auto next = std::make_unique<WindowScene>();
     next->fill(withDestination ? WindowScene::Destination::chosen : WindowScene::Destination::none);
     next->showLatest();
+    show(std::move(next));
+}
+
+void QmlScenes::beginLibrary() {
+    auto next = std::make_unique<WindowScene>();
+    fillLibrary(*next);
+    show(std::move(next));
+}
+
+void QmlScenes::show(std::unique_ptr<WindowScene> next) {
     // The QML leaves the old model before it goes.
     std::swap(scene_, next);
     Q_EMIT begun();

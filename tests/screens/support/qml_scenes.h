@@ -20,6 +20,9 @@ class QmlScenes : public QObject {
     // Another program over another home with mail of many years.
     Q_INVOKABLE void begin(bool withDestination);
 
+    // The same over the library of library_scene.h.
+    Q_INVOKABLE void beginLibrary();
+
     Q_INVOKABLE void settle() { scene().settle(); }
 
     Q_INVOKABLE [[nodiscard]] bool isIdle() { return scene().model().context().tasks.isIdle(); }
@@ -46,6 +49,7 @@ class QmlScenes : public QObject {
 
   private:
     [[nodiscard]] WindowScene& scene();
+    void show(std::unique_ptr<WindowScene> next);
 
     std::unique_ptr<WindowScene> scene_;
 };

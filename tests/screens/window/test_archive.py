@@ -1,4 +1,5 @@
-"""The road of a first archive, as a person walks it: update, tick a year, choose a place, archive, see what is left."""
+"""The road of a first archive, as a person walks it: update, tick a year, choose a place, archive, see what is left, read
+an archived mail and remove it."""
 
 import unittest
 
@@ -48,6 +49,7 @@ class ArchiveWalk(WindowCase):
             window.press("Return")
             wait_until(lambda: window.part("doneButton") is None, "the result to close")
             window.picture(PICTURES / "walk-7-left.png")
+            records = self.remove_one(window, records)
             self.assert_quiet_end(window)
         self.assertEqual(len({record["accountIdentifier"] for record in records}), 1, "one year of one account")
         for record in records:
@@ -56,10 +58,30 @@ class ArchiveWalk(WindowCase):
         self.assertLessEqual(left, {"app-backup.json"}, "the place that was given up")
         self.assertEqual(tree_of(self.home / "Library/Mail"), mail_before)
 
+        self.assert_verified(len(records))
+
         # The next start shows what is left, without a scan.
         with self.display.window(self.home) as window:
             window.wait_for_part("organizeTree", lambda tree: tree["count"] > 3)
-            window.picture(PICTURES / "walk-8-next-start.png")
+            window.picture(PICTURES / "walk-10-next-start.png")
+
+    def remove_one(self, window, records):
+        """Reads the newest archived mail and removes it; the records that are left."""
+        window.press("ctrl+3")
+        window.wait_for_part("libraryView", lambda view: view["count"] > 0 and view["focus"])
+        window.wait_for_part("archivedBody", lambda body: body["text"].strip())
+        window.picture(PICTURES / "walk-8-library.png")
+        window.press("Delete")
+        window.wait_for_part("removalCancel", lambda button: button["focus"])
+        self.assertFalse(window.part("removalAccept")["enabled"], "it may be the only copy")
+        window.click_part("onlyCopyTick")
+        window.wait_for_part("removalAccept", lambda button: button["enabled"])
+        window.picture(PICTURES / "walk-9-remove.png")
+        window.click_part("removalAccept")
+        wait_until(lambda: window.part("removalAccept") is None, "the removal")
+        self.assertEqual(len(self.records()), len(records) - 1)
+        window.wait_for_part("libraryView", lambda view: view["focus"])
+        return self.records()
 
 
 if __name__ == "__main__":
