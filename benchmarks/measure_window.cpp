@@ -11,136 +11,24 @@
 // The steps are milliseconds of the thread's processor, so that the work of other threads on the same cores
 // doesn't count as a stall; beside them stands the longest by the clock.
 #include <chrono>
-#include <functional>
-#include <utility>
 
-#include <QEvent>
-#include <QEventLoop>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
-#include <QQuickItem>
 #include <QQuickWindow>
-#include <QThread>
 #include <QTimer>
 
-#include "main_thread_times.h"
-#include "model/corvane_view_model.h"
-#include "platform/platform.h"
 #include "screens/controls/theme/appearance.h"
 #include "screens/controls/theme/fonts.h"
-#include "screens/shell/window_model.h"
+#include "timed_window.h"
 
 namespace {
 
 using namespace corvane;
-using Clock = std::chrono::steady_clock;
+using bench::Clock;
+using bench::TimedApplication;
+using bench::WholeWindow;
 
-constexpr double stallMilliseconds = 16;
 constexpr std::chrono::seconds runTime(20);
-
-// What was delivered from the event loop since the last look.
-class TimedApplication : public QGuiApplication {
-  public:
-    using QGuiApplication::QGuiApplication;
-
-    bool notify(QObject* receiver, QEvent* event) override {
-        // Events of other threads come by here as well.
-        if (QThread::currentThread() != thread() || depth_ > 0)
-            return QGuiApplication::notify(receiver, event);
-        const std::string name =
-            fmt::format("{} {}", receiver->metaObject()->className(), int(event->type()));
-        const double processor = threadMilliseconds();
-        const Clock::time_point start = Clock::now();
-        ++depth_;
-        const bool taken = QGuiApplication::notify(receiver, event);
-        --depth_;
-        note(name, threadMilliseconds() - processor,
-             std::chrono::duration<double, std::milli>(Clock::now() - start).count());
-        return taken;
-    }
-
-    // A step that doesn't come from an event, such as what a click does.
-    void step(const std::string& name, const std::function<void()>& work) {
-        const double processor = threadMilliseconds();
-        const Clock::time_point start = Clock::now();
-        ++depth_;
-        work();
-        --depth_;
-        note(name, threadMilliseconds() - processor,
-             std::chrono::duration<double, std::milli>(Clock::now() - start).count());
-    }
-
-    std::string takeSummary() {
-        std::string stalls;
-        for (const std::string& stall : stalls_) stalls += (stalls.empty() ? "\"" : ", \"") + stall + '"';
-        const std::string text =
-            fmt::format(R"({{"processor": {}, "longestByClock": {:.1f}, "stalls": [{}]}})",
-                        summaryOf(std::exchange(times_, {0})), std::exchange(longest_, 0), stalls);
-        stalls_.clear();
-        return text;
-    }
-
-  private:
-    void note(const std::string& name, double processor, double clock) {
-        times_.push_back(processor);
-        longest_ = std::max(longest_, clock);
-        if (processor > stallMilliseconds) stalls_.push_back(fmt::format("{} {:.1f}", name, processor));
-    }
-
-    int depth_ = 0;
-    std::vector<double> times_{0};
-    double longest_ = 0;
-    std::vector<std::string> stalls_;
-};
-
-class WholeWindow {
-  public:
-    explicit WholeWindow(const std::string& home)
-      : system_(platform::makePlatform(home))
-      , context_(*system_)
-      , model_(context_)
-      , window_(model_) {
-        engine_.addImportPath(QStringLiteral(":/qt/qml"));
-        engine_.setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&window_)}});
-        engine_.load(QUrl(QStringLiteral("qrc:/qt/qml/Corvane/shell/Main.qml")));
-        if (engine_.rootObjects().isEmpty()) qFatal("no window");
-        shown_ = qobject_cast<QQuickWindow*>(engine_.rootObjects().first());
-    }
-
-    QQuickWindow& shown() { return *shown_; }
-
-    WindowModel& window() { return window_; }
-
-    CorvaneViewModel& model() { return model_; }
-
-    // Runs the event loop until `done` and nothing is at work.
-    void waitFor(const std::function<bool()>& done) {
-        while (!done() || !context_.tasks.isIdle())
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        for (int pass = 0; pass < 20; ++pass) QCoreApplication::processEvents();
-    }
-
-    // As by a click in the sidebar.
-    void show(const char* place) {
-        for (QQuickItem* item : shown_->contentItem()->childItems())
-            item->setProperty("place", QString::fromLatin1(place));
-    }
-
-  private:
-    std::unique_ptr<platform::Platform> system_;
-    ModelContext context_;
-    CorvaneViewModel model_;
-    WindowModel window_;
-    QQmlApplicationEngine engine_;
-    QQuickWindow* shown_ = nullptr;
-};
-
-void waitForFirstFrame(QQuickWindow& window) {
-    QEventLoop loop;
-    QObject::connect(&window, &QQuickWindow::frameSwapped, &loop, &QEventLoop::quit, Qt::QueuedConnection);
-    window.show();
-    loop.exec();
-}
 
 std::string typed(TimedApplication& application, WholeWindow& whole) {
     MailListScreen& mails = *whole.window().mails();
@@ -161,7 +49,7 @@ std::string typed(TimedApplication& application, WholeWindow& whole) {
 
 std::string steps(TimedApplication& application, const std::string& home, const std::string& archive) {
     WholeWindow whole(home);
-    waitForFirstFrame(whole.shown());
+    bench::waitForFirstFrame(whole.shown());
     CorvaneViewModel& model = whole.model();
     whole.window().startUp();
     whole.waitFor([] { return true; });
@@ -215,7 +103,7 @@ int main(int argc, char** argv) {
     if (mode == QLatin1String("empty")) {
         QQmlApplicationEngine engine;
         engine.loadData("import QtQuick; Window { width: 1240; height: 840; Text { text: \"邮件\" } }");
-        waitForFirstFrame(*qobject_cast<QQuickWindow*>(engine.rootObjects().first()));
+        bench::waitForFirstFrame(*qobject_cast<QQuickWindow*>(engine.rootObjects().first()));
     } else {
         useWindowFonts();
     }
@@ -226,7 +114,7 @@ int main(int argc, char** argv) {
     }
     if (mode == QLatin1String("start") && arguments.size() == 3) {
         WholeWindow whole(home);
-        waitForFirstFrame(whole.shown());
+        bench::waitForFirstFrame(whole.shown());
     } else if (mode != QLatin1String("empty")) {
         fmt::print(stderr, "measure_window steps HOME ARCHIVE | start HOME | empty\n");
         return 2;
