@@ -2,6 +2,7 @@
 // own, in milliseconds of the thread's processor and by the clock.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <memory>

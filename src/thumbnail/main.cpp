@@ -11,6 +11,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <system_error>
 
 #include <QCoreApplication>
 #include <QFile>

@@ -61,7 +61,8 @@ void removeIn(const RemovalJob& job, const std::string& root, const std::vector<
     if (index) removeSearchRows(*index, indexed.value_or(SharedTextSet()), removal);
     for (const std::string& id : removal.removed) end.removedIDs.push_back(entryIDOf(root, id));
     for (ArchiveRemoval::Failure& failure : removal.failures) {
-        end.failures.push_back({entryIDOf(root, failure.id), std::move(failure.reason)});
+        end.failures.push_back(
+            {entryIDOf(root, failure.id), std::move(failure.reason), failure.isRecordGone});
     }
     if (!removal.removedPaths.empty()) end.removedPaths[root] = std::move(removal.removedPaths);
 }

@@ -20,7 +20,8 @@ namespace corvane {
 struct ArchiveRemovalEnd {
     struct Failure {
         std::string entryID;
-        std::string reason; // for the user
+        std::string reason;        // for the user
+        bool isRecordGone = false; // the file stays where it is, and no archive lists it any more
     };
 
     std::vector<std::string> removedIDs; // of entries

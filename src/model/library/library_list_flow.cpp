@@ -75,6 +75,13 @@ void LibraryListFlow::showAccount(std::string key) {
     assign(filters_, std::move(filters));
 }
 
+void LibraryListFlow::showEverything() {
+    LibraryFilters searchOnly;
+    searchOnly.matchedIDs = filters_.matchedIDs;
+    assign(filters_, std::move(searchOnly));
+    setSearchText({});
+}
+
 void LibraryListFlow::setSearchText(std::string text) {
     if (searchText_ == text) return;
     searchText_ = std::move(text);

@@ -45,6 +45,9 @@ class LibraryListFlow : public QObject {
     void setLibraryAccountFilter(std::optional<std::string> key);
     void setLibraryMailboxFilter(std::optional<std::string> mailbox);
     void setLibraryYears(std::optional<YearSpan> years);
+
+    // No filter and no search.
+    void showEverything();
     void setSortAscending(bool ascending);
 
     // Shows one account with all of its mailboxes.

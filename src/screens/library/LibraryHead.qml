@@ -13,40 +13,31 @@ ScreenHead {
 
     title: "归档库"
     leading: [
-        MenuButton {
+        FilterMenu {
             objectName: "locationFilter"
-            implicitWidth: Math.min(head.narrow ? 128 : 180, leftPadding + contentItem.implicitWidth + rightPadding)
-            implicitHeight: Theme.controlHeight
+            narrow: head.narrow
             symbol: "layers"
             name: "归档位置"
             model: head.screen.filters.locations
-            currentIndex: head.screen.filters.location
-            // Another list of choices begins at its first.
-            onModelChanged: currentIndex = Qt.binding(() => head.screen.filters.location)
+            chosen: head.screen.filters.location
             onActivated: index => head.screen.filters.location = index
         },
-        MenuButton {
+        FilterMenu {
             objectName: "accountFilter"
-            implicitWidth: Math.min(head.narrow ? 128 : 180, leftPadding + contentItem.implicitWidth + rightPadding)
-            implicitHeight: Theme.controlHeight
+            narrow: head.narrow
             symbol: "at-sign"
             name: "邮箱"
             model: head.screen.filters.accounts
-            currentIndex: head.screen.filters.account
-            // Another list of choices begins at its first.
-            onModelChanged: currentIndex = Qt.binding(() => head.screen.filters.account)
+            chosen: head.screen.filters.account
             onActivated: index => head.screen.filters.account = index
         },
-        MenuButton {
+        FilterMenu {
             objectName: "mailboxFilter"
-            implicitWidth: Math.min(head.narrow ? 128 : 180, leftPadding + contentItem.implicitWidth + rightPadding)
-            implicitHeight: Theme.controlHeight
+            narrow: head.narrow
             symbol: "folder"
             name: "文件夹"
             model: head.screen.filters.mailboxes
-            currentIndex: head.screen.filters.mailbox
-            // Another list of choices begins at its first.
-            onModelChanged: currentIndex = Qt.binding(() => head.screen.filters.mailbox)
+            chosen: head.screen.filters.mailbox
             onActivated: index => head.screen.filters.mailbox = index
         }
     ]

@@ -54,7 +54,8 @@ FocusScope {
     Accessible.role: Accessible.Chart
     Accessible.name: "各年邮件" + (shownYear >= 0 && shownYear < count ? "，" + years[shownYear].text : "")
     Keys.onPressed: event => {
-        const places = { [Qt.Key_Left]: keyYear - 1, [Qt.Key_Right]: keyYear + 1, [Qt.Key_Home]: 0, [Qt.Key_End]: count - 1 };
+        const places = { [Qt.Key_Left]: keyYear - 1, [Qt.Key_Right]: keyYear + 1, [Qt.Key_Home]: 0,
+            [Qt.Key_End]: count - 1 };
         event.accepted = event.key in places;
         if (event.accepted)
             goByKey(places[event.key], event.modifiers & Qt.ShiftModifier);

@@ -1,5 +1,6 @@
 # The QML files and the C++ sources of this folder.
 set(library_qml
+    FilterMenu.qml
     LibraryHead.qml
     LibraryListPane.qml
     LibraryMenu.qml

@@ -39,12 +39,14 @@ void addYears(LibraryFacets& facets, const LibraryList& list) {
 }
 
 void addMailboxes(LibraryFacets& facets, const LibraryList& list) {
-    const LibraryFilters filters{list.inputs.filters.libraryLocationFilter,
-                                 list.inputs.filters.libraryAccountFilter};
+    LibraryFilters filters = list.inputs.filters;
+    filters.libraryMailboxFilter.reset();
     const VisibleEntries entries = visibleEntries(list.inputs.index, filters, list.inputs.order);
     std::unordered_map<std::string_view, std::int64_t> counts;
     for (const EntryPosition position : entries.entries())
         ++counts[list.index().entry(position).record.mailbox.view()];
+    // What is chosen stays among the choices.
+    if (const auto& chosen = list.inputs.filters.libraryMailboxFilter) counts.try_emplace(*chosen, 0);
     for (const auto& [mailbox, count] : counts) facets.mailboxes.push_back({std::string(mailbox), count});
     std::ranges::sort(facets.mailboxes, [](const MailboxOption& a, const MailboxOption& b) {
         return a.count != b.count ? a.count > b.count : a.mailbox < b.mailbox;

@@ -30,7 +30,7 @@ struct LibraryFacets {
     // Within all filters but the span of years; without gaps between the first and the last.
     std::vector<YearOfMail> years;
     std::int64_t undated = 0;
-    std::vector<MailboxOption> mailboxes; // within the location and the account; most mail first
+    std::vector<MailboxOption> mailboxes; // within all filters but their own; most mail first
 
     static LibraryFacets of(const LibraryList& list);
 };

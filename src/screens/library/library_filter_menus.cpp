@@ -133,11 +133,7 @@ void LibraryFilterMenus::clearYears() {
 }
 
 void LibraryFilterMenus::clear() {
-    flow_.setLibraryLocationFilter(std::nullopt);
-    flow_.setLibraryAccountFilter(std::nullopt);
-    flow_.setLibraryMailboxFilter(std::nullopt);
-    flow_.setLibraryYears(std::nullopt);
-    flow_.setSearchText({});
+    flow_.showEverything();
 }
 
 void LibraryFilterMenus::setFacets(LibraryFacets facets) {

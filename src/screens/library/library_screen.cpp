@@ -8,8 +8,8 @@
 #include <QUrl>
 #include <fmt/format.h>
 
-#include "platform/paths.h"
 #include "records/formatters.h"
+#include "screens/texts/archive_place.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
 
@@ -18,6 +18,7 @@ namespace corvane {
 namespace {
 
 QString countAndSize(std::int64_t count, std::int64_t bytes) {
+    if (count == 0) return screens::shownMessageCount(0);
     return QStringLiteral("%1 · %2").arg(screens::shownMessageCount(count),
                                          screens::wholeText(formatByteCount(bytes)));
 }
@@ -168,7 +169,7 @@ void LibraryScreen::showMail() {
     const ArchivedEntry* entry = selected && *selected < index.size() ? &index.entry(*selected) : nullptr;
     const auto before = mail_.entry();
     mail_.show(entry, entry == nullptr ? ArchivedOriginalPresenceStatus::unknown
-                                       : model_.presence().archivedOriginalPresenceStatus(*entry));
+                                       : model_.presence().statusOfThisRun(*entry));
     if (before != mail_.entry()) attachments_.show(entry, mail_.fileState() == ArchivedMail::FileState::Here);
 }
 
@@ -178,7 +179,8 @@ LibraryScreen::State LibraryScreen::currentState() const {
         return model_.library().isLoading() ? State::Loading : State::Empty;
     const bool isWaiting = rowsTask_.isRunning() || !model_.libraryList().isCurrent() ||
                            !model_.libraryIndex().isCurrent() || isSearching();
-    return isWaiting ? (state_ == State::NoMatch ? State::NoMatch : State::Loading) : State::NoMatch;
+    // The answer to a search stays until there is another one.
+    return isWaiting && state_ != State::NoMatch ? State::Loading : State::NoMatch;
 }
 
 void LibraryScreen::updateState() {
@@ -211,11 +213,8 @@ QString LibraryScreen::summaryText() const {
 
 QString LibraryScreen::searchNote() const {
     QStringList names;
-    for (const std::string& root : model_.libraryList().rootsNotSearched()) {
-        const ArchiveLocation* location = model_.library().location(root);
-        names += screens::shownLine(location == nullptr ? platform::lastPathComponent(root)
-                                                        : location->displayName);
-    }
+    for (const std::string& root : model_.libraryList().rootsNotSearched())
+        names += screens::archivePlaceName(model_.library(), root);
     return names.isEmpty() ? QString() : QStringLiteral("没有查到这些位置：") + names.join(u'、');
 }
 

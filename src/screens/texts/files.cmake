@@ -1,5 +1,6 @@
 # The QML files and the C++ sources of this folder.
 set(texts_sources
+    archive_place.cpp
     destination_item.cpp
     destination_texts.cpp
     message_trouble.cpp

@@ -1,5 +1,5 @@
-"""The road of a first archive, as a person walks it: update, tick a year, choose a place, archive, see what is left, read
-an archived mail and remove it."""
+"""The road of a first archive, as a person walks it: update, tick a year, choose a place, archive, see what is left,
+read an archived mail and remove it."""
 
 import unittest
 

@@ -124,7 +124,7 @@ FocusScope {
                     visible: view.mail.fileState === ArchivedMail.Gone
                     kind: "danger"
                     headline: "归档文件不见了"
-                    lines: ["它可能被删除或移动了，已不在你的归档备份里。下面的文字来自搜索索引。"]
+                    lines: ["它可能被删除或移动了，已不在你的归档备份里。" + (body.visible ? "下面的文字来自搜索索引。" : "")]
                 }
                 BodyText {
                     id: body
@@ -167,20 +167,13 @@ FocusScope {
                     EmptyState {
                         objectName: "bodyState"
                         readonly property int kind: view.mail.bodyState
-                        readonly property bool unplugged: kind === ArchivedMail.Unplugged
-                        readonly property bool waits: kind === ArchivedMail.Preparing || kind === ArchivedMail.Loading
                         anchors.centerIn: parent
                         width: parent.width
                         symbolSize: 32
                         quiet: kind === ArchivedMail.Loading
-                        symbol: unplugged ? "externaldrive.badge.questionmark" : waits ? "loader-circle"
-                            : "doc.text.magnifyingglass"
-                        title: unplugged ? "请连接归档盘" : kind === ArchivedMail.Preparing ? "正在准备正文预览"
-                            : kind === ArchivedMail.Loading ? "正在读取正文…" : "正文预览暂不可用"
-                        line: unplugged ? "这封邮件的完整文件在 U 盘或外置盘上。连接后 App 会自动准备正文预览。"
-                            : kind === ArchivedMail.Preparing ? "完整邮件已经在归档库中，稍后会自动显示正文。"
-                            : kind === ArchivedMail.Loading ? ""
-                            : "完整邮件已保存在归档库。点上方“打开归档邮件”可查看原始邮件。"
+                        symbol: view.mail.bodyNote.symbol
+                        title: view.mail.bodyNote.title
+                        line: view.mail.bodyNote.line
                         buttonText: kind === ArchivedMail.Unavailable ? "准备正文预览" : ""
                         onActivated: view.mail.prepareTexts()
                     }

@@ -13,7 +13,6 @@ T.AbstractButton {
     required property bool failed
     required property var picture
     required property string fileText
-    readonly property bool hasPicture: picture.width > 0
 
     signal openRequested
     signal menuRequested
@@ -47,15 +46,15 @@ T.AbstractButton {
             color: Theme.page
             border.color: Theme.line
             TilePicture {
+                id: small
                 anchors.fill: parent
                 anchors.margins: Theme.hairline
-                visible: tile.hasPicture
                 image: tile.picture
                 radius: Theme.radiusInner - 1
             }
             Symbol {
                 anchors.centerIn: parent
-                visible: !tile.hasPicture
+                visible: !small.filled
                 size: 24
                 name: tile.symbol
                 color: Theme.text2

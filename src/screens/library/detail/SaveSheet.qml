@@ -20,7 +20,7 @@ ConfirmSheet {
     }
 
     objectName: "saveSheet"
-    title: one ? "存储附件" : "存储 " + attachments.count + " 个附件"
+    title: one ? "存储附件" : "存储 " + (attachments.count + attachments.leftOut) + " 个附件"
     line: one ? "已有的文件不会被覆盖。" : "已有的文件不会被覆盖，同名的附件会加上编号。"
     acceptText: "存储"
     onAccepted: {

@@ -5,8 +5,8 @@
 #include <QPointer>
 
 #include "locations/places/cloud_providers.h"
-#include "platform/paths.h"
 #include "records/formatters.h"
+#include "screens/texts/archive_place.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {
@@ -25,6 +25,31 @@ struct ArrangeJob {
     std::string query;
 };
 
+BodyNote noteOf(ArchivedMail::BodyState state) {
+    using State = ArchivedMail::BodyState;
+    switch (state) {
+    case State::Loading:
+        return {"loader-circle", "正在读取正文…", ""};
+    case State::DiskAway:
+        return {"externaldrive.badge.questionmark", "请连接归档盘",
+                "这封邮件的完整文件在 U 盘或外置盘上。连接后 App 会自动准备正文预览。"};
+    case State::PlaceAway:
+        return {"unplug", "归档位置没有连接", "这封邮件的完整文件在那里。连接后 App 会自动准备正文预览。"};
+    case State::Preparing:
+        return {"loader-circle", "正在准备正文预览", "完整邮件已经在归档库中，稍后会自动显示正文。"};
+    case State::Lost:
+        return {"octagon-x", "没有可以显示的正文", "归档文件不见了，搜索索引里也没有它的文字。"};
+    case State::NotLooked:
+        return {"circle-question-mark", "还没有查看归档文件", "看到归档文件后，这里会显示正文。"};
+    case State::Unavailable:
+        return {"doc.text.magnifyingglass", "正文预览暂不可用",
+                "完整邮件已保存在归档库。点上方“打开归档邮件”可查看原始邮件。"};
+    case State::Text:
+        break;
+    }
+    return {};
+}
+
 ShownBody arranged(const ArrangeJob& job, const TaskHandle&) {
     mime::BodyParts parts = mime::splitBody(*job.text);
     mime::ShownParts shown = job.shown;
@@ -42,7 +67,10 @@ ArchivedMail::ArchivedMail(CorvaneViewModel& model, QObject* parent)
         Q_EMIT changed();
         Q_EMIT bodyChanged();
     });
-    connect(&model.library(), &LibraryLoader::archivedFilesChanged, this, &ArchivedMail::changed);
+    connect(&model.library(), &LibraryLoader::archivedFilesChanged, this, [this] {
+        Q_EMIT changed();
+        Q_EMIT bodyChanged();
+    });
     connect(&model.mailOpening(), &ArchivedMailOpening::changed, this, &ArchivedMail::changed);
     connect(&model.bodyTexts(), &BodyTexts::bodyIndexProgressChanged, this, &ArchivedMail::bodyChanged);
     connect(&model.bodyTexts(), &BodyTexts::bodyIndexFinished, this, [this] {
@@ -57,12 +85,11 @@ void ArchivedMail::show(const ArchivedEntry* entry, Status status) {
     const bool isSame = entry == nullptr ? !entry_
                                          : entry_ && entry_->record.id == entry->record.id &&
                                                entry_->locationRootPath == entry->locationRootPath;
-    if (isSame && status_ == status) return;
+    const bool isEqual = isSame && (entry == nullptr || entry_->record == entry->record);
+    if (isEqual && status_ == status) return;
     status_ = status;
-    if (!isSame) {
-        entry_ = entry == nullptr ? std::nullopt : std::optional(*entry);
-        load();
-    }
+    if (!isEqual) entry_ = entry == nullptr ? std::nullopt : std::optional(*entry);
+    if (!isSame) load();
     Q_EMIT changed();
     if (!isSame) Q_EMIT mailChanged();
 }
@@ -131,26 +158,34 @@ void ArchivedMail::prepareTexts() {
 ArchivedMail::BodyState ArchivedMail::bodyState() const {
     if (!body_.pieces.empty()) return BodyState::Text;
     if (!text_ || !text_->empty()) return BodyState::Loading;
-    if (isAwayOnDisk()) return BodyState::Unplugged;
-    return model_.bodyTexts().bodyIndexProgress() ? BodyState::Preparing : BodyState::Unavailable;
+    const FileState file = fileState();
+    if (file == FileState::Gone) return BodyState::Lost;
+    if (file == FileState::Unplugged) return isOnDisk() ? BodyState::DiskAway : BodyState::PlaceAway;
+    if (model_.bodyTexts().bodyIndexProgress()) return BodyState::Preparing;
+    return file == FileState::Unknown ? BodyState::NotLooked : BodyState::Unavailable;
+}
+
+BodyNote ArchivedMail::bodyNote() const {
+    return noteOf(bodyState());
 }
 
 const ArchiveLocation* ArchivedMail::place() const {
     return entry_ ? model_.library().location(entry_->locationRootPath) : nullptr;
 }
 
-bool ArchivedMail::isAwayOnDisk() const {
+bool ArchivedMail::isOnDisk() const {
     const ArchiveLocation* location = place();
-    return location != nullptr && location->kind == ArchiveLocation::Kind::removable &&
-           !location->isConnected;
+    return location != nullptr && location->kind == ArchiveLocation::Kind::removable;
 }
 
 ArchivedMail::FileState ArchivedMail::fileState() const {
-    const ArchiveLocation* location = place();
+    return entry_ ? stateOfFile(model_.library(), *entry_) : FileState::Unknown;
+}
+
+ArchivedMail::FileState ArchivedMail::stateOfFile(const LibraryLoader& library, const ArchivedEntry& entry) {
+    const ArchiveLocation* location = library.location(entry.locationRootPath);
     if (location != nullptr && !location->isConnected) return FileState::Unplugged;
-    if (!entry_) return FileState::Unknown;
-    switch (model_.library().archivedFiles()->presence(entry_->locationRootPath,
-                                                       entry_->record.emlRelativePath)) {
+    switch (library.archivedFiles()->presence(entry.locationRootPath, entry.record.emlRelativePath)) {
     case ArchivedFilePresence::there:
         return FileState::Here;
     case ArchivedFilePresence::inCloud:
@@ -189,9 +224,7 @@ QString ArchivedMail::placeName() const {
     if (!entry_) return {};
     if (const auto provider = cloudProviderName(entry_->locationRootPath))
         return screens::shownLine(*provider);
-    const ArchiveLocation* location = place();
-    return location == nullptr ? screens::shownLine(platform::lastPathComponent(entry_->locationRootPath))
-                               : screens::shownLine(location->displayName);
+    return screens::archivePlaceName(model_.library(), entry_->locationRootPath);
 }
 
 QString ArchivedMail::placeSymbol() const {
@@ -205,6 +238,7 @@ QString ArchivedMail::stateText() const {
     if (fileState() == FileState::Gone) return QStringLiteral("归档文件不见了");
     const QString archived = fileState() == FileState::Unplugged ? QStringLiteral("归档位置未连接")
                              : fileState() == FileState::InCloud ? QStringLiteral("已归档到云端")
+                             : fileState() == FileState::Unknown ? QStringLiteral("还没有查看归档文件")
                                                                  : QStringLiteral("已归档");
     switch (status_) {
     case Status::present:
@@ -233,8 +267,9 @@ QString ArchivedMail::stateSymbol() const {
         return QStringLiteral("unplug");
     case FileState::InCloud:
         return QStringLiteral("cloud");
-    case FileState::Here:
     case FileState::Unknown:
+        return QStringLiteral("circle-question-mark");
+    case FileState::Here:
         break;
     }
     return status_ == Status::unknown ? QStringLiteral("archive") : QStringLiteral("circle-check");

@@ -15,6 +15,26 @@
 
 namespace corvane {
 
+// What stands in the place of a text.
+struct BodyNote {
+    Q_GADGET
+    QML_VALUE_TYPE(bodyNote)
+    Q_PROPERTY(QString symbol READ symbolText CONSTANT)
+    Q_PROPERTY(QString title READ titleText CONSTANT)
+    Q_PROPERTY(QString line READ lineText CONSTANT)
+
+  public:
+    const char* symbol = "";
+    const char* title = "";
+    const char* line = "";
+
+    [[nodiscard]] QString symbolText() const { return QString::fromUtf8(symbol); }
+
+    [[nodiscard]] QString titleText() const { return QString::fromUtf8(title); }
+
+    [[nodiscard]] QString lineText() const { return QString::fromUtf8(line); }
+};
+
 class ArchivedMail : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -37,6 +57,7 @@ class ArchivedMail : public QObject {
     Q_PROPERTY(bool opening READ isOpening NOTIFY changed)
     Q_PROPERTY(bool retrieving READ isRetrieving NOTIFY changed)
     Q_PROPERTY(BodyState bodyState READ bodyState NOTIFY bodyChanged)
+    Q_PROPERTY(corvane::BodyNote bodyNote READ bodyNote NOTIFY bodyChanged)
     Q_PROPERTY(bool isCut READ isCut NOTIFY bodyChanged)
     Q_PROPERTY(bool canCollapse READ canCollapse NOTIFY bodyChanged)
     Q_PROPERTY(bool quotedExpanded READ quotedExpanded WRITE setQuotedExpanded NOTIFY bodyChanged)
@@ -45,7 +66,9 @@ class ArchivedMail : public QObject {
   public:
     enum class FileState { Here, Unknown, Unplugged, InCloud, Gone };
     Q_ENUM(FileState)
-    enum class BodyState { Text, Loading, Unplugged, Preparing, Unavailable };
+    // PlaceAway: not connected, and no disk that one could plug in. NotLooked: whether the file is there
+    // isn't known.
+    enum class BodyState { Text, Loading, DiskAway, PlaceAway, Preparing, Lost, NotLooked, Unavailable };
     Q_ENUM(BodyState)
 
     // `model` must outlive it.
@@ -71,6 +94,9 @@ class ArchivedMail : public QObject {
     [[nodiscard]] QString placeSymbol() const;
     [[nodiscard]] FileState fileState() const;
 
+    // The one rule for all that is said of an archived file.
+    static FileState stateOfFile(const LibraryLoader& library, const ArchivedEntry& entry);
+
     // Whether it is archived and its original still in Mail, as far as that is known.
     [[nodiscard]] QString stateText() const;
     [[nodiscard]] QString stateTone() const;
@@ -84,6 +110,7 @@ class ArchivedMail : public QObject {
     [[nodiscard]] bool isRetrieving() const { return isOpening() && fileState() == FileState::InCloud; }
 
     [[nodiscard]] BodyState bodyState() const;
+    [[nodiscard]] BodyNote bodyNote() const;
 
     [[nodiscard]] const std::vector<BodyPiece>& pieces() const { return body_.pieces; }
 
@@ -116,7 +143,7 @@ class ArchivedMail : public QObject {
     void load();
     void handleText(const std::optional<std::string>& text);
     void arrange();
-    [[nodiscard]] bool isAwayOnDisk() const;
+    [[nodiscard]] bool isOnDisk() const;
 
     [[nodiscard]] const std::string& query() const { return model_.libraryList().debouncedQuery(); }
 

@@ -1,5 +1,6 @@
 #include "screens/library/detail/attachment_tiles.h"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -85,15 +86,8 @@ void AttachmentTiles::show(const ArchivedEntry* entry, bool prepares) {
     beginResetModel();
     ++generation_;
     tiles_.clear();
-    leftOut_ = 0;
-    if (entry != nullptr) {
-        for (AttachmentRef& attachment : displayableAttachments(*entry)) {
-            if (tiles_.size() < mostTiles)
-                tiles_.push_back({std::move(attachment)});
-            else
-                ++leftOut_;
-        }
-    }
+    all_ = entry == nullptr ? std::vector<AttachmentRef>() : displayableAttachments(*entry);
+    for (std::size_t at = 0; at < std::min(all_.size(), mostTiles); ++at) tiles_.push_back({all_[at]});
     endResetModel();
     Q_EMIT countChanged();
     prepareDelay_.stop();
@@ -169,10 +163,7 @@ void AttachmentTiles::save(int row, const QString& folder, const QString& name) 
 }
 
 void AttachmentTiles::saveAll(const QString& folder) {
-    std::vector<AttachmentRef> all;
-    for (const Tile& tile : tiles_) all.push_back(tile.attachment);
-    if (!all.empty() && !isSaving())
-        model_.attachments().saveAttachments(std::move(all), folder.toStdString());
+    if (!all_.empty() && !isSaving()) model_.attachments().saveAttachments(all_, folder.toStdString());
 }
 
 void AttachmentTiles::handleSavingEnd() {

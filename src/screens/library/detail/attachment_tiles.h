@@ -46,7 +46,7 @@ class AttachmentTiles : public QAbstractListModel {
     [[nodiscard]] int count() const { return rowCount(); }
 
     // Attachments of the mail beyond those that can be laid out.
-    [[nodiscard]] int leftOut() const { return leftOut_; }
+    [[nodiscard]] int leftOut() const { return static_cast<int>(all_.size() - tiles_.size()); }
 
     // Null for none. Where `prepares` is set, they are taken out ahead.
     void show(const ArchivedEntry* entry, bool prepares);
@@ -100,7 +100,7 @@ class AttachmentTiles : public QAbstractListModel {
 
     CorvaneViewModel& model_;
     std::vector<Tile> tiles_;
-    int leftOut_ = 0;
+    std::vector<AttachmentRef> all_; // those beyond the tiles as well
     std::int64_t generation_ = 0;
     QTimer prepareDelay_;
 };

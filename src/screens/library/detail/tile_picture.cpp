@@ -15,8 +15,8 @@ TilePicture::TilePicture(QQuickItem* parent)
     });
 }
 
-void TilePicture::setImage(const QImage& image) {
-    image_ = image;
+void TilePicture::setImage(const QVariant& image) {
+    image_ = image.value<QImage>();
     Q_EMIT inputChanged();
 }
 

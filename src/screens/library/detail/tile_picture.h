@@ -3,6 +3,7 @@
 
 #include <QImage>
 #include <QQuickItem>
+#include <QVariant>
 #include <QtQml/qqmlregistration.h>
 
 namespace corvane {
@@ -10,15 +11,19 @@ namespace corvane {
 class TilePicture : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QImage image READ image WRITE setImage NOTIFY inputChanged)
+    // A QImage.
+    Q_PROPERTY(QVariant image READ image WRITE setImage NOTIFY inputChanged)
+    Q_PROPERTY(bool filled READ isFilled NOTIFY inputChanged)
     Q_PROPERTY(qreal radius MEMBER radius_ NOTIFY inputChanged)
 
   public:
     explicit TilePicture(QQuickItem* parent = nullptr);
 
-    [[nodiscard]] const QImage& image() const { return image_; }
+    [[nodiscard]] QVariant image() const { return image_; }
 
-    void setImage(const QImage& image);
+    [[nodiscard]] bool isFilled() const { return !image_.isNull(); }
+
+    void setImage(const QVariant& image);
 
   Q_SIGNALS:
     void inputChanged();

@@ -55,7 +55,7 @@ Sheet {
         Layout.fillWidth: true
         AppText {
             Layout.fillWidth: true
-            text: sheet.removal.failures.length + " 封没有删掉"
+            text: sheet.removal.failedCount.toLocaleString(Qt.locale(), "f", 0) + " 封没有删掉"
             role: AppText.Heading
         }
         CopyButton {
@@ -66,6 +66,7 @@ Sheet {
         Layout.fillWidth: true
         failed: true
         items: sheet.removal.failures
+        leftOut: sheet.removal.failedCount - sheet.removal.failures.length
     }
     barItems: [
         AppButton {

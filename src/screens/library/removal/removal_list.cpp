@@ -1,6 +1,7 @@
 #include "screens/library/removal/removal_list.h"
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <set>
 #include <unordered_map>
@@ -29,6 +30,11 @@ failedEntries(const RemovalList& list, const std::vector<ArchiveRemovalEnd::Fail
     return failed;
 }
 
+// What an earlier run of the program has found is no reason to ask once only.
+Status statusNow(const OriginalPresence& presence, const ArchivedEntry& entry) {
+    return presence.isOfEarlierRun ? Status::unknown : presence.statusOf(entry);
+}
+
 } // namespace
 
 Status RemovalList::statusAt(std::size_t position) const {
@@ -45,7 +51,7 @@ RemovalList removalList(const LibraryList& list, const std::vector<EntryPosition
     for (const Status status : {Status::missing, Status::unknown, Status::present}) {
         for (const EntryPosition position : positions) {
             const ArchivedEntry& entry = list.index().entry(position);
-            if (presence.statusOf(entry) != status) continue;
+            if (statusNow(presence, entry) != status) continue;
             entries->push_back(entry);
             made.bytes += entry.record.sizeBytes;
             if (!roots.contains(entry.locationRootPath.view())) roots.insert(entry.locationRootPath.str());
@@ -65,6 +71,7 @@ RemovalReport removalReport(const RemovalList& list,
     const auto failed = failedEntries(list, failures);
     for (const auto& failure : failures) {
         const ArchivedEntry* entry = failed.at(failure.entryID);
+        if (failure.isRecordGone) ++report.recordsGone;
         if (entry == nullptr) continue;
         report.failedBytes += entry->record.sizeBytes;
         if (report.root.empty()) report.root = entry->locationRootPath.str();

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -33,9 +34,10 @@ RemovalList removalList(const LibraryList& list, const std::vector<EntryPosition
 
 struct RemovalReport {
     std::int64_t failedBytes = 0;
-    QVariantList failures; // maps with `subject`, `sizeText` and `reason`; of a long list the first
-    QString lines;         // of all failures
-    std::string root;      // of the first failure
+    std::int64_t recordsGone = 0; // of those that failed
+    QVariantList failures;        // maps with `subject`, `sizeText` and `reason`; of a long list the first
+    QString lines;                // of all failures
+    std::string root;             // of the first failure
 };
 
 RemovalReport removalReport(const RemovalList& list, const std::vector<ArchiveRemovalEnd::Failure>& failures);

@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "locations/places/cloud_providers.h"
-#include "platform/paths.h"
 #include "records/formatters.h"
+#include "screens/texts/archive_place.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
 
@@ -35,13 +34,6 @@ QString stateOf(Status status) {
     return QStringLiteral("没有对照过 Mail");
 }
 
-QString placeOf(const std::string& root, const ArchiveLocation* location) {
-    const QString folder = screens::shownLine(platform::lastPathComponent(root));
-    if (const auto provider = cloudProviderName(root))
-        return screens::shownLine(*provider) + QStringLiteral(" · ") + folder;
-    return location == nullptr ? folder : screens::shownLine(location->displayName);
-}
-
 } // namespace
 
 RemovalQuestion::RemovalQuestion(CorvaneViewModel& model, QObject* parent)
@@ -50,28 +42,39 @@ RemovalQuestion::RemovalQuestion(CorvaneViewModel& model, QObject* parent)
   , listTask_(model.context().tasks)
   , reportTask_(model.context().tasks) {
     connect(&model.removal(), &ArchiveRemovalFlow::removalEnded, this, &RemovalQuestion::handleEnd);
+    connect(&model.presence(), &PresenceFlow::presenceChanged, this, [this] {
+        if (step_ == Step::Asking) makeList();
+    });
     connect(&model.library(), &LibraryLoader::archiveLocationsChanged, this, &RemovalQuestion::changed);
 }
 
 void RemovalQuestion::ask(SharedLibraryList list, std::vector<EntryPosition> entries) {
     if (entries.empty() || step_ == Step::Removing || model_.removal().isRemoving()) return;
+    asked_ = {std::move(list), std::move(entries)};
+    makeList();
+}
 
+void RemovalQuestion::makeList() {
     struct Job {
-        SharedLibraryList list;
-        std::vector<EntryPosition> entries;
+        Asked asked;
         SharedPresence presence;
     };
 
     listTask_.start(
-        TaskPriority::userInitiated, Job{std::move(list), std::move(entries), model_.presence().presence()},
-        [](const Job& job, const TaskHandle&) { return removalList(*job.list, job.entries, *job.presence); },
+        TaskPriority::userInitiated, Job{asked_, model_.presence().presence()},
+        [](const Job& job, const TaskHandle&) {
+            return removalList(*job.asked.list, job.asked.entries, *job.presence);
+        },
         [this](RemovalList made) {
             if (model_.removal().isRemoving()) return;
+            // A tick is for what it was given for.
+            const bool isSame = made.missing == list_.missing && made.unknown == list_.unknown;
+            isTicked_ = isTicked_ && isSame && step_ == Step::Asking;
             list_ = std::move(made);
             report_ = {};
-            isTicked_ = false;
             setStep(Step::Asking);
         });
+    Q_EMIT changed();
 }
 
 void RemovalQuestion::accept() {
@@ -81,7 +84,9 @@ void RemovalQuestion::accept() {
 }
 
 void RemovalQuestion::close() {
-    if (step_ != Step::Removing) setStep(Step::Closed);
+    if (step_ == Step::Removing) return;
+    listTask_.cancel();
+    setStep(Step::Closed);
 }
 
 void RemovalQuestion::handleEnd() {
@@ -122,7 +127,7 @@ bool RemovalQuestion::isConnected() const {
 }
 
 bool RemovalQuestion::canAccept() const {
-    return step_ == Step::Asking && isConnected() && (onlyCount() == 0 || isTicked_);
+    return step_ == Step::Asking && !listTask_.isRunning() && isConnected() && (onlyCount() == 0 || isTicked_);
 }
 
 QString RemovalQuestion::title() const {
@@ -134,12 +139,20 @@ QString RemovalQuestion::title() const {
 }
 
 QString RemovalQuestion::line() const {
-    if (step_ == Step::Failed) return QStringLiteral("没有删掉的仍在归档库里。原因见下面。");
+    if (step_ == Step::Failed) return failedLine();
     QStringList places;
     for (const std::string& root : list_.roots)
-        places += u'「' + placeOf(root, model_.library().location(root)) + u'」';
+        places += u'「' + screens::archivePlaceName(model_.library(), root) + u'」';
     return QStringLiteral("%1 封，共 %2，在%3里。Mail 里的邮件不会改动。")
         .arg(screens::shownCount(count()), sizeText(list_.bytes), places.join(u'、'));
+}
+
+QString RemovalQuestion::failedLine() const {
+    if (report_.recordsGone == 0) return QStringLiteral("没有删掉的仍在归档库里。原因见下面。");
+    if (report_.recordsGone == failedCount())
+        return QStringLiteral("没有删掉的文件没有动过，它们的记录已不在归档库里。原因见下面。");
+    return QStringLiteral("没有删掉的文件都没有动过；其中 %1 封的记录已不在归档库里。原因见下面。")
+        .arg(screens::shownCount(report_.recordsGone));
 }
 
 QVariantList RemovalQuestion::items() const {
@@ -190,6 +203,11 @@ QString RemovalQuestion::note() const {
     return onlyCount() > 0 && !isTicked_ ? QStringLiteral("勾选之后才能删除") : QString();
 }
 
+int RemovalQuestion::failedCount() const {
+    const auto& end = model_.removal().lastEnd();
+    return end ? static_cast<int>(end->failures.size()) : 0;
+}
+
 QVariantList RemovalQuestion::figures() const {
     const auto& end = model_.removal().lastEnd();
     if (step_ != Step::Failed || !end) return {};
@@ -200,9 +218,15 @@ QVariantList RemovalQuestion::figures() const {
                            {QStringLiteral("line"), line},
                            {QStringLiteral("tone"), QString::fromUtf16(tone)}};
     };
-    return {figure(u"已删除", std::ssize(end->removedIDs), sizeText(list_.bytes - report_.failedBytes), u""),
+    // Each that was asked about has to be in one of both.
+    const bool addsUp = std::cmp_equal(end->removedIDs.size() + end->failures.size(), count());
+    return {figure(u"已删除", std::ssize(end->removedIDs),
+                   addsUp ? sizeText(list_.bytes - report_.failedBytes) : QString(), u""),
             figure(u"没有删掉", std::ssize(end->failures), sizeText(report_.failedBytes), u"danger"),
-            figure(u"合计", count(), QStringLiteral("与所选封数一致"), u"")};
+            figure(u"合计", std::ssize(end->removedIDs) + std::ssize(end->failures),
+                   addsUp ? QStringLiteral("与所选封数一致")
+                          : QStringLiteral("所选的是 %1 封").arg(screens::shownCount(count())),
+                   addsUp ? u"" : u"attention")};
 }
 
 } // namespace corvane

@@ -36,7 +36,8 @@ class RemovalQuestion : public QObject {
     Q_PROPERTY(int count READ count NOTIFY changed)
     // Maps with `label`, `count`, `line` and `tone`.
     Q_PROPERTY(QVariantList figures READ figures NOTIFY changed)
-    // Maps with `subject`, `sizeText` and `reason`.
+    Q_PROPERTY(int failedCount READ failedCount NOTIFY changed)
+    // Maps with `subject`, `sizeText` and `reason`; of a long list the first.
     Q_PROPERTY(QVariantList failures READ failures NOTIFY changed)
 
   public:
@@ -82,6 +83,8 @@ class RemovalQuestion : public QObject {
 
     [[nodiscard]] int count() const { return static_cast<int>(list_.entries->size()); }
 
+    // Of the last removal.
+    [[nodiscard]] int failedCount() const;
     [[nodiscard]] QVariantList figures() const;
 
     [[nodiscard]] const QVariantList& failures() const { return report_.failures; }
@@ -90,9 +93,16 @@ class RemovalQuestion : public QObject {
     void changed();
 
   private:
+    struct Asked {
+        SharedLibraryList list;
+        std::vector<EntryPosition> entries;
+    };
+
+    void makeList();
     void handleEnd();
     void setStep(Step step);
     [[nodiscard]] bool isConnected() const;
+    [[nodiscard]] QString failedLine() const;
 
     // Mail that may be the only copy.
     [[nodiscard]] std::int64_t onlyCount() const {
@@ -101,6 +111,7 @@ class RemovalQuestion : public QObject {
 
     CorvaneViewModel& model_;
     Step step_ = Step::Closed;
+    Asked asked_;
     RemovalList list_;
     RemovalReport report_;
     bool isTicked_ = false;

@@ -34,9 +34,9 @@ Item {
                 height: Theme.bodyLine
 
                 Rectangle {
-                    anchors.fill: parent
-                    anchors.topMargin: 1
-                    anchors.bottomMargin: 1
+                    y: 1
+                    width: Math.min(parent.width, label.contentWidth)
+                    height: parent.height - 2
                     visible: piece.modelData.marked
                     radius: Theme.radiusBar
                     color: Theme.searchMark

@@ -7,6 +7,7 @@
 #include "library/displayable_names.h"
 #include "mime/body/body_snippets.h"
 #include "records/formatters.h"
+#include "screens/library/detail/archived_mail.h"
 #include "screens/library/rows/marked_text.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
@@ -16,6 +17,7 @@ namespace corvane {
 namespace {
 
 using Kind = LibraryRow::Kind;
+using FileState = ArchivedMail::FileState;
 
 // Of a long thread nobody reads more names than fit.
 constexpr std::size_t mostSendersLookedAt = 50;
@@ -204,11 +206,10 @@ std::int64_t LibraryRowModel::bytes(const LibraryRow& row) const {
 QString LibraryRowModel::placeSymbol(const ArchivedEntry& entry) const {
     const ArchiveLocation* place = model_.library().location(entry.locationRootPath);
     if (place == nullptr) return {};
-    if (!place->isConnected) return QStringLiteral("externaldrive.badge.questionmark");
-    const auto presence =
-        model_.library().archivedFiles()->presence(entry.locationRootPath, entry.record.emlRelativePath);
-    if (presence == ArchivedFilePresence::gone) return QStringLiteral("octagon-x");
-    if (presence == ArchivedFilePresence::inCloud) return QStringLiteral("icloud.and.arrow.down");
+    const FileState state = ArchivedMail::stateOfFile(model_.library(), entry);
+    if (state == FileState::Unplugged) return QStringLiteral("externaldrive.badge.questionmark");
+    if (state == FileState::Gone) return QStringLiteral("octagon-x");
+    if (state == FileState::InCloud) return QStringLiteral("icloud.and.arrow.down");
     return QString::fromUtf8(place->symbol());
 }
 
@@ -224,9 +225,10 @@ QString LibraryRowModel::spokenName(const LibraryRow& row) const {
     if (row.kind == Kind::thread) {
         parts += screens::shownMessageCount(group(row).count);
         parts += row.isOpen ? QStringLiteral("已展开") : QStringLiteral("已收起");
-    } else if (const QString symbol = placeSymbol(entry(row)); symbol == u"octagon-x") {
+    } else if (const FileState state = ArchivedMail::stateOfFile(model_.library(), entry(row));
+               state == FileState::Gone) {
         parts += QStringLiteral("归档文件不见了");
-    } else if (symbol == u"externaldrive.badge.questionmark") {
+    } else if (state == FileState::Unplugged) {
         parts += QStringLiteral("归档位置未连接");
     }
     parts.removeAll(QString());

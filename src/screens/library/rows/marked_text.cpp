@@ -9,8 +9,17 @@ namespace corvane::screens {
 
 namespace {
 
-// From here on a place is moved towards the beginning of its row, in bytes.
-constexpr std::size_t farPlace = 60;
+// What fits beside the date of a row, in letters; a Chinese character is as wide as two.
+constexpr std::size_t roomOfRow = 28;
+
+std::size_t lettersOf(std::string_view text) {
+    std::size_t letters = 0;
+    for (const char byte : text) {
+        const auto lead = static_cast<unsigned char>(byte);
+        if (lead < 0x80 || lead >= 0xC0) letters += lead >= 0xE0 ? 2 : 1;
+    }
+    return letters;
+}
 
 QVariantMap piece(std::string_view text, bool isMarked) {
     return {{QStringLiteral("text"), wholeText(text)}, {QStringLiteral("marked"), isMarked}};
@@ -37,7 +46,8 @@ QVariantList markedLine(std::string_view line, std::string_view query) {
     const std::string shown = shownLine(line).toStdString();
     const auto marks = mime::searchHighlights(shown, query);
     if (marks.empty()) return {};
-    if (marks.front().start < farPlace) return markedPieces(shown, marks);
+    if (lettersOf(std::string_view(shown).substr(0, marks.front().end())) <= roomOfRow)
+        return markedPieces(shown, marks);
     const auto part = mime::snippet(shown, query, {.padding = 8, .maxLength = 200});
     return part ? markedPieces(part->text, part->highlighted) : markedPieces(shown, marks);
 }
