@@ -50,6 +50,8 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
                    catalog_.messages(), catalog_.state()->availability, proofInputs(), {}, context_.support};
            })
   , rebuild_(context, [this] { return archive::ScannedMail{catalog_.messages(), readings_.facts()}; })
+  , placeJobs_(context, [this] { return archive::ScannedMail{catalog_.messages(), readings_.facts()}; })
+  , places_(context, library_, [this] { return destinations_.transferDestination(); })
   , previews_(context, catalog_)
   , presence_(context)
   , removal_(context)
@@ -70,6 +72,7 @@ CorvaneViewModel::CorvaneViewModel(ModelContext& context, QObject* parent)
     wireAvailability();
     wireFilters();
     wireArchive();
+    wirePlaces();
     wireProof();
     wireLibrary();
     wireConfigBackup();
@@ -177,6 +180,17 @@ void CorvaneViewModel::wireArchive() {
     connect(&bodyTexts_, &BodyTexts::libraryReloadWanted, this, [this] { loadArchiveIndex(true); });
 }
 
+void CorvaneViewModel::wirePlaces() {
+    connect(&placeJobs_, &PlaceJobs::archiveFilesRead, this,
+            [this](const SharedReadings& read) { readings_.add(read, KeptReadings::Store::needsThem); });
+    connect(&placeJobs_, &PlaceJobs::archiveChanged, this, [this] { loadArchiveIndex(true); });
+    // What a run has written before its index is saved would look like files of no record.
+    connect(&archiveRun_, &ArchiveRunFlow::archiveRunStarted, this, [this] {
+        const auto& destination = destinations_.transferDestination();
+        if (destination) placeJobs_.cancel(*destination);
+    });
+}
+
 // Whatever an outcome follows from has changed: a run of the availability finds the outcomes.
 void CorvaneViewModel::wireProof() {
     connect(&library_, &LibraryLoader::loadStarted, &readings_, &KeptReadings::load);
@@ -251,6 +265,13 @@ void CorvaneViewModel::applyConfigBackup(const CorvaneConfigBackup& backup) {
     loadArchiveIndex(true);
 }
 
+void CorvaneViewModel::addLocation(const std::string& path) {
+    const std::string root = platform::canonicalPath(path);
+    rememberLocation(context_.settings, root);
+    unforgetLocation(context_.settings, root);
+    loadArchiveIndex(true);
+}
+
 bool CorvaneViewModel::forgetLocation(const std::string& rootPath) {
     const std::string root = platform::canonicalPath(rootPath);
     platform::SettingsStore& settings = context_.settings;
@@ -258,6 +279,7 @@ bool CorvaneViewModel::forgetLocation(const std::string& rootPath) {
     if (!wasKnown && library_.location(root) == nullptr) return false;
     markLocationForgotten(settings, root);
     if (destinations_.transferDestination() == root) destinations_.clearTransferDestination();
+    placeJobs_.cancel(root);
     library_.dropLocation(root);
     loadArchiveIndex(true);
     return true;

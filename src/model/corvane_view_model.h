@@ -21,9 +21,11 @@
 #include "model/archiving/destinations.h"
 #include "model/archiving/kept_readings.h"
 #include "model/archiving/last_failures.h"
+#include "model/archiving/place_jobs.h"
 #include "model/archiving/proof_flow.h"
 #include "model/archiving/set_aside.h"
 #include "model/library/account_rules.h"
+#include "model/library/archive_places.h"
 #include "model/library/archive_removal_flow.h"
 #include "model/library/body_texts.h"
 #include "model/library/config_backup_flow.h"
@@ -75,6 +77,9 @@ class CorvaneViewModel : public QObject {
     // back once it was away, or when it is chosen again. False, without effect, for a root that nobody knows.
     bool forgetLocation(const std::string& rootPath);
 
+    // Adds a place to those that are known, and reads what archive there is. It isn't forgotten any more.
+    void addLocation(const std::string& path);
+
     // Takes over what a backup holds: its places are added to the known ones, the rest replaces what was.
     void applyConfigBackup(const CorvaneConfigBackup& backup);
 
@@ -116,6 +121,10 @@ class CorvaneViewModel : public QObject {
 
     [[nodiscard]] ArchiveRebuildFlow& rebuild() { return rebuild_; }
 
+    [[nodiscard]] PlaceJobs& placeJobs() { return placeJobs_; }
+
+    [[nodiscard]] ArchivePlaces& places() { return places_; }
+
     [[nodiscard]] PreviewRefresh& previews() { return previews_; }
 
     [[nodiscard]] PresenceFlow& presence() { return presence_; }
@@ -147,6 +156,7 @@ class CorvaneViewModel : public QObject {
     void wireAvailability();
     void wireFilters();
     void wireArchive();
+    void wirePlaces();
     void wireProof();
     void wireLibrary();
     void wireConfigBackup();
@@ -183,6 +193,8 @@ class CorvaneViewModel : public QObject {
     ArchiveRunFlow archiveRun_;
     ProofFlow proof_;
     ArchiveRebuildFlow rebuild_;
+    PlaceJobs placeJobs_;
+    ArchivePlaces places_;
     PreviewRefresh previews_;
     PresenceFlow presence_;
     ArchiveRemovalFlow removal_;
