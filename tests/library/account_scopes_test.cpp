@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "library/accounts/account_merge_rules.h"
+#include "library/accounts/collection_preview.h"
 #include "library/accounts/contained_texts.h"
 #include "library/entry_sketch.h"
 
@@ -120,6 +121,56 @@ TEST(AccountMergeRules, CollectionsReplaceTheAddressesOfTheirEarlierNames) {
     EXPECT_EQ(edit.addresses, (std::vector<std::string>{"n@x"}));
     EXPECT_EQ(removeArchiveAccountGroup(rules, "新"), 4U);
     EXPECT_EQ(rules, (ArchiveAccountMergeRules{{"inferred:old@x", "旧"}, {"email:other@x", "别"}}));
+}
+
+TEST(AccountMergeRules, WhatIsTakenOutOfAGroupIsInNone) {
+    ArchiveAccountMergeRules rules = {
+        {"mail-account:a", "旧"}, {"email:old@x", "旧"}, {"email:other@x", "别"}};
+    const ArchiveAccountMergeRules before = rules;
+    EXPECT_EQ(replaceArchiveAccountGroup(rules, "旧", {.id = {}, .title = " "}), std::nullopt);
+    EXPECT_EQ(rules, before);
+    EXPECT_EQ(
+        replaceArchiveAccountGroup(rules, "旧", {.id = {}, .title = "新", .baseKeys = {"mail-account:b"}}),
+        "usergroup:新");
+    EXPECT_EQ(rules, (ArchiveAccountMergeRules{{"mail-account:b", "新"}, {"email:other@x", "别"}}));
+}
+
+TEST(AccountMergeRules, APreviewCountsEachMailOnceAndSaysWhereItIsTakenFrom) {
+    CollectionQuestion question{
+        .entries = makeEntries({{.id = "1", .account = "A@x", .sender = "boss@y", .size = 1},
+                                {.id = "2", .account = "b@x", .sender = "Chef <BOSS@Y>", .size = 2},
+                                {.id = "3", .account = "b@x", .size = 4, .recipients = "boss@y, old@y"},
+                                {.id = "4", .account = "b@x", .sender = "old@y", .size = 8},
+                                {.id = "5", .account = "c@x", .size = 16},
+                                {.id = "6", .account = "b@x", .size = 32}}),
+        .availableAccounts = {},
+        .rules = {{"email:old@y", "旧"}, {"mail-account:c@x", "别"}},
+        .formerName = {},
+        .edit = {.id = {},
+                 .title = {}, // not named yet
+                 .baseKeys = {"mail-account:a@x", "mail-account:c@x", "mail-account:gone@x"},
+                 .addresses = {"Boss@y"}}};
+    const auto preview = previewOfCollection(question, {});
+    ASSERT_TRUE(preview);
+    EXPECT_EQ(preview->count, 4);
+    EXPECT_EQ(preview->bytes, 1 + 2 + 4 + 16);
+    using Mails = CollectionPreview::Mails;
+    EXPECT_EQ(preview->accounts, (std::vector<Mails>{{"mail-account:b@x", "b@x", 4, 46},
+                                                     {"mail-account:a@x", "A@x", 1, 1},
+                                                     {"mail-account:c@x", "c@x", 1, 16},
+                                                     {"mail-account:gone@x", "gone@x", 0, 0}}));
+    EXPECT_EQ(preview->parts, (std::vector<Mails>{{"mail-account:a@x", "a@x", 1, 1},
+                                                  {"mail-account:c@x", "c@x", 1, 16},
+                                                  {"mail-account:gone@x", "gone@x", 0, 0},
+                                                  {"boss@y", "boss@y", 2, 6}}));
+    EXPECT_EQ(preview->sources, (std::vector<Mails>{{"mail-account:b@x", "b@x", 1, 2},
+                                                    {"usergroup:旧", "旧", 1, 4},
+                                                    {"usergroup:别", "别", 1, 16}}));
+    // The group itself isn't where its mail is taken from.
+    question.formerName = "旧";
+    question.edit = {.id = {}, .title = "旧", .baseKeys = {}, .addresses = {"old@y"}};
+    EXPECT_EQ(previewOfCollection(question, {})->count, 2);
+    EXPECT_TRUE(previewOfCollection(question, {})->sources.empty());
 }
 
 TEST(AccountMergeRules, ExtractAddresses) {

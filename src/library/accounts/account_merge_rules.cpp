@@ -50,6 +50,16 @@ std::optional<std::string> setArchiveAccountAddressCollection(ArchiveAccountMerg
     return fmt::format("{}{}", userGroupPrefix, name);
 }
 
+std::optional<std::string> replaceArchiveAccountGroup(ArchiveAccountMergeRules& rules,
+                                                      std::string_view formerName,
+                                                      const ArchiveAddressCollectionEdit& edit) {
+    ArchiveAccountMergeRules changed = rules;
+    if (!formerName.empty()) removeArchiveAccountGroup(changed, formerName);
+    auto key = setArchiveAccountAddressCollection(changed, edit.baseKeys, edit.addresses, edit.title);
+    if (key) rules = std::move(changed);
+    return key;
+}
+
 std::size_t removeArchiveAccountGroup(ArchiveAccountMergeRules& rules, std::string_view groupName) {
     return std::erase_if(rules, [&](const auto& rule) { return rule.second == groupName; });
 }

@@ -44,6 +44,12 @@ std::optional<std::string> setArchiveAccountAddressCollection(ArchiveAccountMerg
                                                               std::span<const std::string> addresses,
                                                               std::string_view displayName);
 
+// Makes the group as it is after an edit: the rules of `formerName` go first, so that what was taken out of
+// it is in no group. An empty one is that of a new group. The rest is as above.
+std::optional<std::string> replaceArchiveAccountGroup(ArchiveAccountMergeRules& rules,
+                                                      std::string_view formerName,
+                                                      const ArchiveAddressCollectionEdit& edit);
+
 // Drops every rule of the group, of whatever kind. Returns how many there were.
 std::size_t removeArchiveAccountGroup(ArchiveAccountMergeRules& rules, std::string_view groupName);
 

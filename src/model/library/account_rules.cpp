@@ -25,6 +25,17 @@ AccountRules::setArchiveAccountAddressCollection(std::span<const std::string> ba
     return key;
 }
 
+std::optional<std::string>
+AccountRules::replaceArchiveAccountGroup(std::string_view formerName,
+                                         const ArchiveAddressCollectionEdit& edit) {
+    ArchiveAccountMergeRules rules = rules_;
+    auto key = corvane::replaceArchiveAccountGroup(rules, formerName, edit);
+    if (!key) return std::nullopt;
+    setArchiveAccountMergeRules(std::move(rules));
+    Q_EMIT collectionMade(QString::fromStdString(*key));
+    return key;
+}
+
 std::size_t AccountRules::removeArchiveAccountGroup(std::string_view groupName) {
     ArchiveAccountMergeRules rules = rules_;
     const std::size_t removed = corvane::removeArchiveAccountGroup(rules, groupName);

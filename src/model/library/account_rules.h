@@ -30,6 +30,10 @@ class AccountRules : public QObject {
                                                                   std::span<const std::string> addresses,
                                                                   std::string_view displayName);
 
+    // The same for a group that was called `formerName`, which is as `edit` says from here on.
+    std::optional<std::string> replaceArchiveAccountGroup(std::string_view formerName,
+                                                          const ArchiveAddressCollectionEdit& edit);
+
     // Drops every rule of the group. Returns how many there were.
     std::size_t removeArchiveAccountGroup(std::string_view groupName);
 
