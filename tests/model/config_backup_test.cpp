@@ -83,6 +83,7 @@ TEST_F(ConfigBackupTest, AFreshStartIsOfferedTheNewestAndOnlyThen) {
     run.model.configBackup().offerConfigBackupOnFreshLaunch();
     run.wait();
     ASSERT_EQ(run.model.configBackup().pendingRestore(), newest);
+    EXPECT_EQ(run.model.configBackup().restoreRoot(), home_.at(box + "New"));
     EXPECT_EQ(run.model.destinations().transferDestination(), std::nullopt) << "only on the user's word";
 
     markLocationForgotten(run.context.settings, "/a");

@@ -1,5 +1,6 @@
 #include "model/library/config_backup_flow.h"
 
+#include <cstddef>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -47,18 +48,24 @@ struct OfferJob {
     platform::FileLayer& files;
 };
 
+struct FoundBackup {
+    CorvaneConfigBackup backup;
+    std::string root;
+};
+
 // The newest copy; absent without any.
-std::optional<CorvaneConfigBackup> findBackup(const OfferJob& job, const TaskHandle& task) {
+std::optional<FoundBackup> findBackup(const OfferJob& job, const TaskHandle& task) {
     PlaceLooks looks(job.platform, job.files, task.stopToken());
     using Backup = std::optional<CorvaneConfigBackup>;
-    const auto found = looks.askAll<Backup>(
-        discoverArchiveRoots(job.platform, looks), [](PlaceLook& look, const std::string& root) -> Backup {
-            auto backup = readConfigBackup(look.files(), platform::joinPath(root, configBackupFileName));
-            return backup ? Backup(std::move(*backup)) : std::nullopt;
-        });
-    Backup newest;
-    for (const auto& answer : found) {
-        if (answer && *answer && (!newest || (*answer)->exportedAt > newest->exportedAt)) newest = *answer;
+    const std::vector<std::string> roots = discoverArchiveRoots(job.platform, looks);
+    const auto found = looks.askAll<Backup>(roots, [](PlaceLook& look, const std::string& root) -> Backup {
+        auto backup = readConfigBackup(look.files(), platform::joinPath(root, configBackupFileName));
+        return backup ? Backup(std::move(*backup)) : std::nullopt;
+    });
+    std::optional<FoundBackup> newest;
+    for (std::size_t i = 0; i < roots.size(); ++i) {
+        const Backup copy = found[i].value_or(std::nullopt);
+        if (copy && (!newest || copy->exportedAt > newest->backup.exportedAt)) newest = {*copy, roots[i]};
     }
     return newest;
 }
@@ -119,8 +126,9 @@ void ConfigBackupFlow::offerConfigBackupOnFreshLaunch() {
     const bool isChosen = !context_.settings.text(transferDestinationKey).value_or("").empty();
     if (!isFreshStart_ || isChosen) return;
     offerTask_.start(TaskPriority::utility, OfferJob{context_.platform, context_.support.files()},
-                     &findBackup, [this](CorvaneConfigBackup backup) {
-                         pendingRestore_ = std::move(backup);
+                     &findBackup, [this](FoundBackup found) {
+                         pendingRestore_ = std::move(found.backup);
+                         restoreRoot_ = std::move(found.root);
                          Q_EMIT changed();
                      });
 }
@@ -170,6 +178,11 @@ void ConfigBackupFlow::end(std::string message, bool hasFailed) {
 void ConfigBackupFlow::dismiss() {
     pendingImport_.reset();
     pendingRestore_.reset();
+    Q_EMIT changed();
+}
+
+void ConfigBackupFlow::dismissResult() {
+    resultMessage_.reset();
     Q_EMIT changed();
 }
 

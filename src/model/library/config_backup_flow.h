@@ -44,6 +44,9 @@ class ConfigBackupFlow : public QObject {
 
     [[nodiscard]] const std::optional<CorvaneConfigBackup>& pendingRestore() const { return pendingRestore_; }
 
+    // The archive that `pendingRestore` was found in; means nothing without one.
+    [[nodiscard]] const std::string& restoreRoot() const { return restoreRoot_; }
+
     // What came of the last export or import, for the user; absent before and while one is under way.
     [[nodiscard]] const std::optional<std::string>& resultMessage() const { return resultMessage_; }
 
@@ -52,6 +55,9 @@ class ConfigBackupFlow : public QObject {
 
     // Gives up what waits for the user's word.
     void dismiss();
+
+    // The user has read `resultMessage`.
+    void dismissResult();
 
     // Adds the places of a backup to those that are known, and tells that it was taken over: the rest of it
     // is the model's to apply.
@@ -72,6 +78,7 @@ class ConfigBackupFlow : public QObject {
     bool isFreshStart_;
     std::optional<CorvaneConfigBackup> pendingImport_;
     std::optional<CorvaneConfigBackup> pendingRestore_;
+    std::string restoreRoot_;
     std::optional<std::string> resultMessage_;
     bool hasFailed_ = false;
     TaskSlot configBackupTask_;
