@@ -125,6 +125,8 @@ Sheet {
 
     FolderChooser {
         id: chooser
-        archive: sheet.archive
+        picker: sheet.archive.folderPicker
+        folder: sheet.archive.destination.folder
+        onFolderChosen: folder => sheet.archive.quickDestinations.chooseFolder(folder)
     }
 }

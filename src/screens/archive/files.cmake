@@ -10,6 +10,7 @@ set(archive_qml
     ResultPlace.qml
     places/DestinationCard.qml
     places/DestinationCards.qml
+    places/FolderBrowser.qml
     places/FolderChooser.qml
     places/FolderList.qml
     places/FolderPlaces.qml

@@ -130,6 +130,8 @@ BottomBar {
     }
     FolderChooser {
         id: chooser
-        archive: bar.archive
+        picker: bar.archive.folderPicker
+        folder: bar.archive.destination.folder
+        onFolderChosen: folder => bar.archive.quickDestinations.chooseFolder(folder)
     }
 }

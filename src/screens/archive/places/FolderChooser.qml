@@ -1,4 +1,4 @@
-// Asks for the archive's folder: the system's picker on macOS, our own elsewhere. Qt doesn't tell whether another
+// Asks for an archive's folder: the system's picker on macOS, our own elsewhere. Qt doesn't tell whether another
 // desktop has one, and its substitute speaks English and knows no dark mode.
 import QtQuick
 import QtQuick.Dialogs
@@ -7,7 +7,13 @@ import Corvane
 Item {
     id: chooser
 
-    required property ArchiveScreen archive
+    required property FolderPicker picker
+    // At which the system's picker begins.
+    property url folder
+    property alias title: own.title
+
+    // What was chosen in the system's picker; our own tells the one that it is given.
+    signal folderChosen(url folder)
 
     function ask() {
         if (Qt.platform.os === "osx")
@@ -18,7 +24,7 @@ Item {
 
     FolderSheet {
         id: own
-        archive: chooser.archive
+        picker: chooser.picker
     }
     // A Loader of Qt 6.4 takes no bound components.
     // qmllint disable unqualified
@@ -29,9 +35,9 @@ Item {
         sourceComponent: FolderDialog {
             title: own.title
             acceptLabel: "使用此位置"
-            currentFolder: chooser.archive.destination.folder
+            currentFolder: chooser.folder
             onAccepted: {
-                chooser.archive.quickDestinations.chooseFolder(selectedFolder);
+                chooser.folderChosen(selectedFolder);
                 systemPicker.active = false;
             }
             onRejected: systemPicker.active = false

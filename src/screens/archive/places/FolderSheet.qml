@@ -6,8 +6,7 @@ import Corvane
 Sheet {
     id: sheet
 
-    required property ArchiveScreen archive
-    readonly property FolderPicker picker: archive.folderPicker
+    required property FolderPicker picker
     readonly property var choice: picker.choice
     // A name is being typed: nothing is used before that folder is made, or given up.
     property bool makesFolder: false
