@@ -46,7 +46,8 @@ void KeyboardFocus::enter(QQuickItem* scope) const {
     scope->forceActiveFocus(reason);
     QQuickItem* holder =
         isHeldIn(scope) ? scope->window()->activeFocusItem() : scope->nextItemInFocusChain(true);
-    if (holder == nullptr) return;
+    // A part that has nothing yet keeps it for what is to come, and gives it to nobody else.
+    if (holder == nullptr || !scope->isAncestorOf(holder)) return;
     // The reason, which decides about the ring, is only taken with the focus.
     holder->setFocus(false, reason);
     holder->forceActiveFocus(reason);
