@@ -29,7 +29,11 @@ ScreenHead {
             name: "邮箱"
             model: head.screen.filters.accounts
             chosen: head.screen.filters.account
-            onActivated: index => head.screen.filters.account = index
+            onActivated: index => {
+                head.screen.filters.account = index;
+                // The last one isn't a filter.
+                currentIndex = Qt.binding(() => head.screen.filters.account);
+            }
         },
         FilterMenu {
             objectName: "mailboxFilter"

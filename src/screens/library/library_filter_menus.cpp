@@ -51,7 +51,7 @@ QStringList LibraryFilterMenus::accounts() const {
     QStringList texts = {QStringLiteral("全部邮箱")};
     for (const auto& each : flow_.list()->accountOptions)
         texts += option(screens::shownLine(each.title), each.count);
-    return texts;
+    return texts << QStringLiteral("地址合集…");
 }
 
 QStringList LibraryFilterMenus::mailboxes() const {
@@ -81,6 +81,10 @@ void LibraryFilterMenus::setLocation(int row) {
 }
 
 void LibraryFilterMenus::setAccount(int row) {
+    if (row == std::ssize(flow_.list()->accountOptions) + 1) {
+        Q_EMIT collectionRequested(screens::wholeText(flow_.filters().libraryAccountFilter.value_or("")));
+        return;
+    }
     flow_.setLibraryAccountFilter(
         filterOf(row, flow_.list()->accountOptions, &LibraryAccountFilterOption::key));
 }

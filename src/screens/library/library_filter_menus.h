@@ -16,7 +16,7 @@ class LibraryFilterMenus : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("belongs to the library")
-    // The first of each is for all.
+    // The first of each is for all; the last account leads to the sheet of address collections.
     Q_PROPERTY(QStringList locations READ locations NOTIFY changed)
     Q_PROPERTY(QStringList accounts READ accounts NOTIFY changed)
     Q_PROPERTY(QStringList mailboxes READ mailboxes NOTIFY changed)
@@ -76,6 +76,8 @@ class LibraryFilterMenus : public QObject {
 
   Q_SIGNALS:
     void changed();
+    // Accounts and addresses are to be put together, beginning with the one that is chosen; empty for none.
+    void collectionRequested(const QString& accountKey);
 
   private:
     LibraryListFlow& flow_;
