@@ -117,10 +117,20 @@ ScreenPage {
             implicitHeight: page.low ? 44 : 56
 
             AppText {
+                id: accountsTitle
                 anchors.verticalCenter: parent.verticalCenter
                 text: "邮箱"
                 role: AppText.Heading
                 Accessible.role: Accessible.Heading
+            }
+            PlainButton {
+                objectName: "collectButton"
+                anchors.left: accountsTitle.right
+                anchors.leftMargin: Theme.space
+                anchors.verticalCenter: parent.verticalCenter
+                text: "地址合集…"
+                help: "把几个邮箱或地址的归档邮件归在一个名称下面"
+                onClicked: page.screen.collect()
             }
             SegmentedControl {
                 objectName: "archivedFilter"

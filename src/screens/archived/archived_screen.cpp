@@ -151,6 +151,10 @@ void ArchivedScreen::openAccount(int row) {
     if (const ArchivedAccount* account = accounts_.record(row)) detail_.open(account->key);
 }
 
+void ArchivedScreen::collect() {
+    Q_EMIT collectionRequested(detail_.isOpen() ? screens::wholeText(detail_.key()) : QString());
+}
+
 void ArchivedScreen::openGuide() {
     if (detail_.isOpen()) guide_.open(detail_.key(), isEarlierCheck());
 }

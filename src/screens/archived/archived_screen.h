@@ -105,9 +105,14 @@ class ArchivedScreen : public QObject {
     // For the years of the account that is open.
     Q_INVOKABLE void openGuide();
 
+    // Asks for the sheet of address collections: for the account that is open, else for a new group.
+    Q_INVOKABLE void collect();
+
   Q_SIGNALS:
     void changed();
     void proofChanged();
+    // Empty for a new group.
+    void collectionRequested(const QString& accountKey);
 
   private:
     void wire();

@@ -147,6 +147,11 @@ Sheet {
         }
     }
     barItems: [
+        PlainButton {
+            objectName: "collectAccount"
+            text: "地址合集…"
+            onClicked: sheet.screen.collect()
+        },
         AppButton {
             id: closeButton
             objectName: "closeDetailButton"
