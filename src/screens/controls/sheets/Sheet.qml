@@ -12,7 +12,9 @@ import Corvane
 T.Popup {
     id: sheet
 
+    // Without one the body begins at the top, and `spokenTitle` is what the sheet is called.
     property string title: ""
+    property string spokenTitle: title
     property string subtitle: ""
     property string symbol: ""
     property color symbolColor: Theme.text1
@@ -107,7 +109,7 @@ T.Popup {
         enabled: !sheet.waits
         Accessible.ignored: sheet.waits
         Accessible.role: Accessible.Dialog
-        Accessible.name: sheet.title
+        Accessible.name: sheet.spokenTitle
 
         Keys.onReturnPressed: event => event.accepted = event.isAutoRepeat || sheet.pressPrimary()
         Keys.onEnterPressed: event => event.accepted = event.isAutoRepeat || sheet.pressPrimary()
@@ -122,6 +124,7 @@ T.Popup {
 
             SheetHead {
                 Layout.fillWidth: true
+                visible: sheet.title.length > 0
                 title: sheet.title
                 subtitle: sheet.subtitle
                 subtitleSymbol: sheet.subtitleSymbol
