@@ -66,7 +66,9 @@ SUBFOLDERS = {
                 "home": "controls texts desktop lists overview archive",
                  "archived": "controls texts desktop lists", "space": "controls texts desktop lists overview archive",
                  "library": "controls texts desktop lists mails",
-                 "shell": "controls texts desktop lists overview archive mails home archived library space"},
+                 "places": "controls texts desktop lists archive", "settings": "controls texts desktop lists archive",
+                 "shell": "controls texts desktop lists overview archive mails home archived library space places "
+                          "settings"},
 }
 QT_ALLOWED = {"thumbnail", "model", "cli", "screens", "app"}
 INCLUDE = re.compile(r'^\s*#include\s+([<"])([^>"]+)[>"]', re.MULTILINE)

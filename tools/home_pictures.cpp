@@ -1,6 +1,7 @@
-// Paints the home, the archive flow, the overview and the space in every state, both modes and both sizes,
-// for people to look at:
+// Paints the home, the archive flow, the overview, the space and the places in every state, both modes and
+// both sizes, for people to look at:
 //   home_pictures FOLDER light|dark [STATE...]
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -9,6 +10,8 @@
 #include <QQuickItem>
 #include <QTest>
 
+#include "locations/archive_samples.h"
+#include "records/stores/config_backup_file.h"
 #include "screens/support/window_pictures.h"
 
 namespace {
@@ -288,6 +291,107 @@ void lookAtSpace(WindowScene& scene, QQuickWindow& window) {
 
 using State = corvane::testing::PictureState;
 
+std::string makeArchive(WindowScene& scene, const std::string& folder, int number, int mails) {
+    std::vector<std::string> ids;
+    for (int mail = 0; mail < mails; ++mail)
+        ids.push_back("mid:" + std::to_string(number) + "-" + std::to_string(mail));
+    std::string root =
+        corvane::testing::writeArchive(scene.home(), folder, corvane::testing::sampleIndex(number, ids));
+    scene.model().addLocation(root);
+    scene.settle();
+    return root;
+}
+
+// A place in each state; the chosen one has an altered and a missing file.
+void makePlaces(WindowScene& scene) {
+    archiveOldMail(scene);
+    scene.platform().plugIn("归档盘 B");
+    makeArchive(scene, "Volumes/归档盘 B/邮件归档", 2, 318);
+    scene.platform().plugIn("归档盘 A");
+    makeArchive(scene, "Volumes/归档盘 A/邮件归档", 3, 640);
+    const std::string cloud =
+        makeArchive(scene, "Library/CloudStorage/Nutstore-a@b.example/邮件归档", 4, 165);
+    const std::string gone = makeArchive(scene, "Desktop/旧笔记本备份", 5, 42);
+    std::filesystem::rename(scene.home().at("Volumes/归档盘 B"), scene.home().at("unplugged"));
+    std::filesystem::remove(cloud + "/archive-index.json");
+    std::filesystem::remove_all(gone);
+    scene.model().library().loadEmailArchiveIndex({}, true);
+    scene.settle();
+}
+
+void showPlaces(WindowScene& scene, QQuickWindow&) {
+    scene.window().request(corvane::WindowModel::Command::Places);
+    QTest::qWait(600);
+    scene.settle();
+    QTest::qWait(600);
+}
+
+void showVerdict(WindowScene& scene, QQuickWindow& window) {
+    const std::string root = scene.home().at("Documents/邮件归档");
+    std::vector<std::filesystem::path> mails;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+        if (entry.path().extension() == ".eml") mails.push_back(entry.path());
+    }
+    std::filesystem::remove(mails.at(0));
+    std::filesystem::resize_file(mails.at(1), 20);
+    showPlaces(scene, window);
+    scene.window().places()->verify(0);
+    scene.window().places()->verify(1);
+    scene.settle();
+    QTest::qWait(800);
+}
+
+void showCollection(WindowScene& scene, QQuickWindow& window) {
+    lookAtArchived(scene, window);
+    auto& collection = *scene.window().collection();
+    scene.window().archived()->collect();
+    collection.setName(QStringLiteral("恒泰工作邮件"));
+    scene.settle();
+    collection.toggleAccount(0);
+    for (const char* address : {"design2@hengtai.example", "zhou@example.org"})
+        collection.addAddress(QString::fromUtf8(address));
+    QTest::qWait(500);
+    scene.settle();
+    QTest::qWait(600);
+}
+
+void offerSettings(WindowScene& scene) {
+    const std::string root =
+        corvane::testing::writeArchive(scene.home(), "Library/CloudStorage/Nutstore-a@b.example/邮件归档",
+                                       corvane::testing::sampleIndex(1, {"mid:a"}));
+    corvane::CorvaneConfigBackup backup;
+    backup.exportedAt = corvane::Date(std::chrono::seconds(1'763'675'000));
+    backup.destinationPath = root;
+    backup.knownLocationRoots = {root, "/Volumes/A"};
+    backup.accountMergeRules = {{"email:a@x", "A"}};
+    scene.home().write("Library/CloudStorage/Nutstore-a@b.example/邮件归档/app-backup.json",
+                       corvane::encodeConfigBackup(backup));
+    scene.window().startUp();
+    scene.settle();
+}
+
+void importSettings(WindowScene& scene, QQuickWindow&) {
+    const std::string path = scene.home().write(
+        "a.corvanebackup", corvane::encodeConfigBackup(scene.model().configBackup().currentConfigBackup()));
+    scene.window().settings()->importFrom(QUrl::fromLocalFile(QString::fromStdString(path)));
+    scene.settle();
+    QTest::qWait(600);
+}
+
+void exportSettings(WindowScene& scene, QQuickWindow&) {
+    scene.window().settings()->exportTo(
+        QUrl::fromLocalFile(QString::fromStdString(scene.home().at("Mail 归档配置备份.corvanebackup"))));
+    scene.settle();
+    QTest::qWait(600);
+}
+
+void chooseBackup(WindowScene& scene, QQuickWindow&) {
+    scene.window().request(corvane::WindowModel::Command::ImportSettings);
+    QTest::qWait(800);
+    scene.settle();
+    QTest::qWait(400);
+}
+
 const std::vector<State>& homeStates() {
     static const std::vector<State> all = {
         {"a-home", fillAndTick},
@@ -461,11 +565,25 @@ const std::vector<State>& overviewStates() {
     return all;
 }
 
+const std::vector<State>& placeStates() {
+    static const std::vector<State> all = {
+        {"r-places", makePlaces, showPlaces},
+        {"r-places-verdict", makePlaces, showVerdict},
+        {"s-address-collection", archiveOldMail, showCollection},
+        {"t-settings-offer", offerSettings},
+        {"t-settings-import", fillAndTick, importSettings},
+        {"t-settings-exported", fillAndTick, exportSettings},
+        {"t-settings-choose", fillAndTick, chooseBackup},
+    };
+    return all;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     std::vector<State> all;
-    for (const auto* states : {&homeStates(), &confirmationStates(), &runStates(), &overviewStates()})
+    for (const auto* states :
+         {&homeStates(), &confirmationStates(), &runStates(), &overviewStates(), &placeStates()})
         all.insert(all.end(), states->begin(), states->end());
     return corvane::testing::paintPictures(argc, argv, all);
 }

@@ -68,7 +68,7 @@ TEST_F(ArchivedFiles, AMailOpensAndWhatHappenedToOneThatDoesNotIsTold) {
 
 TEST_F(ArchivedFiles, AnAttachmentOpensUnlessTheSystemMightExecuteIt) {
     EXPECT_TRUE(openedAttachment("a.txt").starts_with("open " + platform_.temporary));
-    EXPECT_TRUE(openedAttachment("a.pdf").starts_with("这个文件可能是程序"));
+    EXPECT_TRUE(openedAttachment("a.pdf").starts_with("这种文件可能会运行程序"));
     EXPECT_TRUE(platform_.askedOfDesktop().back().starts_with("reveal " + platform_.temporary));
     EXPECT_TRUE(openedAttachment("b.txt").ends_with("没有在邮件中找到附件：b.txt"));
 }

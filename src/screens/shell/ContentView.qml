@@ -86,6 +86,31 @@ FocusScope {
         place: view.place
         low: view.low
         onPlaceChosen: key => view.go(key)
+        onPlacesRequested: places.show()
+        onImportRequested: settings.importSettings()
+        onExportRequested: settings.exportSettings()
+    }
+    PlacesSheet {
+        id: places
+        screen: view.app.places
+    }
+    SettingsSheets {
+        id: settings
+        travel: view.app.settings
+    }
+    CollectionSheet {
+        collection: view.app.collection
+    }
+    Connections {
+        target: view.app
+        function onRequested(command: int) {
+            if (command === WindowModel.Places)
+                places.show();
+            else if (command === WindowModel.ExportSettings)
+                settings.exportSettings();
+            else
+                settings.importSettings();
+        }
     }
     NoticeBar {
         id: notices

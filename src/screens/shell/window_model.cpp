@@ -55,6 +55,9 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
   , mails_(model, desktop_)
   , library_(model, desktop_)
   , space_(model, archive_, desktop_)
+  , places_(model, desktop_)
+  , settings_(model, desktop_)
+  , collection_(model)
   , addressTask_(model.context().tasks) {
     connect(&home_, &HomeScreen::figuresChanged, this, &WindowModel::showFigures);
     connect(&home_, &HomeScreen::stateChanged, this, &WindowModel::showFigures);
@@ -68,6 +71,9 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
         if (std::exchange(stopping_, false)) Q_EMIT stopped();
     });
     connect(&model.library(), &LibraryLoader::archivedEntriesChanged, this, &WindowModel::showFigures);
+    connect(library_.filters(), &LibraryFilterMenus::collectionRequested, &collection_,
+            &AddressCollection::open);
+    connect(&archived_, &ArchivedScreen::collectionRequested, &collection_, &AddressCollection::open);
     connect(mails_.actions(), &MailListActions::archiveRequested, &archive_,
             [this](const std::shared_ptr<const SharedTextSet>& ids) { archive_.open(ids); });
     connect(&model.destinations(), &ArchiveDestinations::destinationChanged, this,

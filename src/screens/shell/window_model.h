@@ -15,6 +15,9 @@
 #include "screens/library/library_screen.h"
 #include "screens/mails/mail_list_screen.h"
 #include "screens/overview/organize_data.h"
+#include "screens/places/places_screen.h"
+#include "screens/settings/collection/address_collection.h"
+#include "screens/settings/settings_travel.h"
 #include "screens/shell/sidebar/activity.h"
 #include "screens/shell/sidebar/sidebar_model.h"
 #include "screens/shell/start/other_mail.h"
@@ -39,6 +42,9 @@ class WindowModel : public QObject {
     Q_PROPERTY(corvane::MailListScreen* mails READ mails CONSTANT)
     Q_PROPERTY(corvane::LibraryScreen* library READ library CONSTANT)
     Q_PROPERTY(corvane::SpaceScreen* space READ space CONSTANT)
+    Q_PROPERTY(corvane::PlacesScreen* places READ places CONSTANT)
+    Q_PROPERTY(corvane::SettingsTravel* settings READ settings CONSTANT)
+    Q_PROPERTY(corvane::AddressCollection* collection READ collection CONSTANT)
     Q_PROPERTY(bool archiving READ archiving NOTIFY archivingChanged)
     Q_PROPERTY(bool hasChineseFont READ hasChineseFont CONSTANT)
     Q_PROPERTY(QString damagedSettings READ damagedSettings CONSTANT)
@@ -72,6 +78,12 @@ class WindowModel : public QObject {
 
     [[nodiscard]] SpaceScreen* space() { return &space_; }
 
+    [[nodiscard]] PlacesScreen* places() { return &places_; }
+
+    [[nodiscard]] SettingsTravel* settings() { return &settings_; }
+
+    [[nodiscard]] AddressCollection* collection() { return &collection_; }
+
     [[nodiscard]] bool archiving() const { return model_.archiveRun().isArchiving(); }
 
     [[nodiscard]] bool hasChineseFont() const;
@@ -81,6 +93,12 @@ class WindowModel : public QObject {
 
     // The first frame has been shown: the work of the start that may take longer. Does it once.
     Q_INVOKABLE void startUp();
+
+    // What a menu of the system was asked for; the window shows its sheet.
+    enum class Command { Places, ExportSettings, ImportSettings };
+    Q_ENUM(Command)
+
+    void request(Command command) { Q_EMIT requested(command); }
 
     // "更新 Mail 数据", unless something runs that it would disturb.
     Q_INVOKABLE void refreshAllMailData();
@@ -103,6 +121,7 @@ class WindowModel : public QObject {
     void archivingChanged();
     void destinationChanged();
     void stopped();
+    void requested(corvane::WindowModel::Command command);
 
   private:
     void showFigures();
@@ -120,6 +139,9 @@ class WindowModel : public QObject {
     MailListScreen mails_;
     LibraryScreen library_;
     SpaceScreen space_;
+    PlacesScreen places_;
+    SettingsTravel settings_;
+    AddressCollection collection_;
     TaskSlot addressTask_;
     bool startedUp_ = false;
     bool stopping_ = false;

@@ -14,6 +14,9 @@ Rectangle {
     readonly property bool windowActive: Window.active
 
     signal placeChosen(string key)
+    signal placesRequested
+    signal importRequested
+    signal exportRequested
 
     objectName: "sidebar"
     color: Theme.sidebar
@@ -61,7 +64,13 @@ Rectangle {
         destination: sidebar.app.destination
         activity: sidebar.app.activity
         archive: sidebar.app.archive
+        onPlacesRequested: sidebar.placesRequested()
+        onImportRequested: sidebar.importRequested()
+        onExportRequested: sidebar.exportRequested()
         onPlaceChosen: key => {
+            // Work over whole archives is shown in their sheet, not on a screen.
+            if (key === "places")
+                return sidebar.placesRequested();
             sidebar.app.archive.bringToFront();
             sidebar.placeChosen(key);
         }

@@ -16,6 +16,9 @@ FocusGroup {
     readonly property string figureText: archive.isRunning ? run.completedText + " / " + run.totalText : activity.figure
 
     signal placeChosen(string key)
+    signal placesRequested
+    signal importRequested
+    signal exportRequested
 
     implicitHeight: column.implicitHeight + 27
 
@@ -31,13 +34,29 @@ FocusGroup {
         width: parent.width - 32
         spacing: 0
 
-        AppText {
-            text: "归档位置"
-            role: AppText.Note
-            color: Theme.text3
+        RowLayout {
+            Layout.topMargin: -5
+            spacing: 0
+
+            AppText {
+                Layout.fillWidth: true
+                text: "归档位置"
+                role: AppText.Note
+                color: Theme.text3
+            }
+            IconButton {
+                id: more
+                objectName: "settingsMenuButton"
+                Layout.rightMargin: -6
+                implicitHeight: Theme.minimumTarget
+                bare: true
+                symbol: "ellipsis"
+                help: "归档位置与配置备份"
+                onClicked: menu.popup(more, 0, -menu.implicitHeight - Theme.half)
+            }
         }
         RowLayout {
-            Layout.topMargin: 4
+            Layout.topMargin: -1
             spacing: 8
 
             Symbol {
@@ -149,6 +168,26 @@ FocusGroup {
                 text: "查看"
                 onClicked: foot.archive.showEnd()
             }
+        }
+    }
+    AppMenu {
+        id: menu
+        objectName: "settingsMenu"
+
+        AppMenuRow {
+            objectName: "placesRow"
+            text: "归档位置…"
+            onTriggered: foot.placesRequested()
+        }
+        AppMenuRow {
+            objectName: "importRow"
+            text: "导入配置备份…"
+            onTriggered: foot.importRequested()
+        }
+        AppMenuRow {
+            objectName: "exportRow"
+            text: "导出配置备份…"
+            onTriggered: foot.exportRequested()
         }
     }
 }

@@ -1,6 +1,7 @@
 #include "screens/shell/sidebar/activity.h"
 
 #include <chrono>
+#include <cstdint>
 #include <utility>
 
 #include "screens/texts/shown_figures.h"
@@ -38,6 +39,7 @@ Activity::Activity(CorvaneViewModel& model, std::chrono::milliseconds loadPatien
     connect(&model.archiveRun(), &ArchiveRunFlow::progressChanged, this, &Activity::update);
     connect(&model.bodyTexts(), &BodyTexts::bodyIndexProgressChanged, this, &Activity::update);
     connect(&model.proof(), &ProofFlow::progressChanged, this, &Activity::update);
+    connect(&model.placeJobs(), &PlaceJobs::changed, this, &Activity::update);
     connect(&model.library(), &LibraryLoader::loadStarted, this, &Activity::handleLoadStart);
     connect(&model.library(), &LibraryLoader::loadFinished, this, &Activity::update);
     handleLoadStart();
@@ -51,6 +53,16 @@ void Activity::handleLoadStart() {
 
 bool Activity::loadLasts() const {
     return model_.library().isLoading() && loadClock_.elapsed() >= loadPatience_.count();
+}
+
+Activity::State Activity::placeWork(const PlaceJobs::Job& job) {
+    const QString title = job.work == PlaceJobs::Work::verification ? QStringLiteral("正在校验归档")
+                                                                    : QStringLiteral("正在重建索引");
+    const auto done = static_cast<std::int64_t>(job.done);
+    const auto all = static_cast<std::int64_t>(job.all);
+    if (all == 0) return {title, {}, placesKey(), 0, true};
+    return {title, QStringLiteral("%1 / %2").arg(screens::shownCount(done), screens::shownCount(all)),
+            placesKey(), static_cast<double>(done) / static_cast<double>(all), false};
 }
 
 Activity::State Activity::present() const {
@@ -68,6 +80,7 @@ Activity::State Activity::present() const {
         return {QStringLiteral("正在准备正文预览"), figureOf(*progress), home, progress->fraction(), false};
     if (const auto& progress = model_.proof().progress())
         return {QStringLiteral("正在逐字节核对"), figureOf(*progress), home, fractionOf(*progress), false};
+    if (!model_.placeJobs().jobs().empty()) return placeWork(model_.placeJobs().jobs().front());
     if (loadLasts()) return {QStringLiteral("正在读取归档库"), {}, home, 0, true};
     return {};
 }

@@ -24,7 +24,7 @@ class Activity : public QObject {
     Q_PROPERTY(qreal value READ value NOTIFY changed)
     // How much there is to do isn't known.
     Q_PROPERTY(bool indeterminate READ indeterminate NOTIFY changed)
-    // The key of the place whose screen shows this work.
+    // The key of the place whose screen shows this work; `placesKey` for the sheet of archive places.
     Q_PROPERTY(QString place READ place NOTIFY changed)
 
   public:
@@ -33,6 +33,8 @@ class Activity : public QObject {
     explicit Activity(CorvaneViewModel& model,
                       std::chrono::milliseconds loadPatience = std::chrono::milliseconds(500),
                       QObject* parent = nullptr);
+
+    [[nodiscard]] static QString placesKey() { return QStringLiteral("places"); }
 
     [[nodiscard]] bool running() const { return !shown_.title.isEmpty(); }
 
@@ -61,6 +63,7 @@ class Activity : public QObject {
     };
 
     [[nodiscard]] State present() const;
+    [[nodiscard]] static State placeWork(const PlaceJobs::Job& job);
     [[nodiscard]] bool loadLasts() const;
     void handleLoadStart();
     void update();

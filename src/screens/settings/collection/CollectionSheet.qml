@@ -1,0 +1,153 @@
+// Puts accounts and addresses together under one name: at the left what belongs to it, at the right what that collects.
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Corvane
+
+Sheet {
+    id: sheet
+
+    required property AddressCollection collection
+
+    objectName: "collectionSheet"
+    title: "地址合集"
+    subtitle: "把几个邮箱或地址的归档邮件归在一个名称下面。"
+    wantedWidth: 860
+    scrolls: false
+    primary: save
+    note: collection.note
+
+    readonly property bool wanted: collection.isOpen
+    onWantedChanged: {
+        if (wanted)
+            open();
+        else
+            close();
+    }
+    onClosed: collection.close()
+    onAboutToShow: {
+        nameField.text = collection.name;
+        Qt.callLater(beginAtName); // qmllint disable
+    }
+
+    function beginAtName() {
+        nameField.forceActiveFocus(Qt.TabFocusReason);
+        nameField.selectAll();
+    }
+
+    component Section: RowLayout {
+        property alias title: heading.text
+        property alias hint: remark.text
+        Layout.fillWidth: true
+        Layout.topMargin: 16
+        Layout.bottomMargin: 4
+        spacing: 12
+
+        AppText {
+            id: heading
+            role: AppText.Heading
+        }
+        AppText {
+            id: remark
+            Layout.fillWidth: true
+            role: AppText.Note
+            color: Theme.text2
+        }
+    }
+
+    fillingItems: Item {
+        anchors.fill: parent
+        implicitHeight: Math.max(380, left.implicitHeight)
+
+        RowLayout {
+            anchors.fill: parent
+            spacing: 24
+
+            Flickable {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                contentHeight: left.implicitHeight
+                clip: contentHeight > height
+                boundsBehavior: Flickable.StopAtBounds
+                T.ScrollBar.vertical: AppScrollBar {}
+
+                ColumnLayout {
+                    id: left
+                    width: parent.width
+                    spacing: 0
+
+                    AppText {
+                        Layout.bottomMargin: 4
+                        text: "名称"
+                        role: AppText.Heading
+                    }
+                    FocusGroup {
+                        Layout.fillWidth: true
+                        implicitHeight: Theme.controlHeightPrimary
+
+                        AppTextField {
+                            id: nameField
+                            objectName: "collectionName"
+                            anchors.fill: parent
+                            name: "名称"
+                            placeholderText: "例如 恒泰工作邮件"
+                            onTextEdited: sheet.collection.name = text
+                        }
+                    }
+                    Section {
+                        title: "整个邮箱"
+                        hint: "这些邮箱里的全部归档邮件"
+                    }
+                    CollectionAccounts {
+                        Layout.fillWidth: true
+                        collection: sheet.collection
+                    }
+                    Section {
+                        title: "地址"
+                        hint: "发件人或收件人里有它"
+                    }
+                    CollectionAddresses {
+                        Layout.fillWidth: true
+                        collection: sheet.collection
+                    }
+                }
+            }
+            Rectangle {
+                Layout.fillHeight: true
+                implicitWidth: Theme.hairline
+                color: Theme.line
+            }
+            CollectionPreview {
+                Layout.fillHeight: true
+                Layout.preferredWidth: 297
+                Layout.maximumWidth: 297
+                Layout.alignment: Qt.AlignTop
+                collection: sheet.collection
+            }
+        }
+    }
+    barItems: [
+        PlainButton {
+            objectName: "removeCollection"
+            visible: sheet.collection.isExisting
+            text: "删除合集"
+            onClicked: sheet.collection.removeGroup()
+        },
+        AppButton {
+            objectName: "cancelCollection"
+            implicitHeight: Theme.controlHeightPrimary
+            horizontalPadding: 20
+            text: "取消"
+            onClicked: sheet.collection.close()
+        },
+        PrimaryButton {
+            id: save
+            objectName: "saveCollection"
+            enabled: sheet.collection.canSave
+            text: "保存合集"
+            onClicked: sheet.collection.save()
+        }
+    ]
+}
