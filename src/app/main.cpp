@@ -61,7 +61,6 @@ int main(int argc, char** argv) {
         corvane::platform::declineSystemMenuItems();
         const QGuiApplication application(argc, argv);
         QGuiApplication::setDesktopFileName(QStringLiteral("corvane"));
-        const auto menuPolicy = corvane::platform::enforceMenuPolicy({});
         return corvane::runWindows(line);
     } catch (const std::exception& error) {
         corvane::messageLine(error.what());

@@ -1,6 +1,7 @@
 #include "app/window_run.h"
 
 #include <system_error>
+#include <vector>
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
@@ -16,6 +17,7 @@
 #include "model/model_context.h"
 #include "platform/platform.h"
 #include "platform/processes/quit_signals.h"
+#include "platform/system_menus.h"
 #include "records/logs/console_log.h"
 #include "screens/shell/window_frame.h"
 #include "screens/shell/window_model.h"
@@ -58,6 +60,18 @@ std::optional<WindowOutcome> leaveToFirst(SingleInstance& instance, const Window
     return WindowOutcome{otherWindowStatus, std::nullopt};
 }
 
+// Of the system's menu, where there is one. `window` may still be null when one is chosen.
+std::vector<platform::MenuCommand> menuCommands(WindowModel*& window) {
+    const auto command = [&window](const char* title, WindowModel::Command what) {
+        return platform::MenuCommand{title, [&window, what] {
+                                         if (window != nullptr) window->request(what);
+                                     }};
+    };
+    return {command("归档位置…", WindowModel::Command::Places),
+            command("导出配置备份…", WindowModel::Command::ExportSettings),
+            command("导入配置备份…", WindowModel::Command::ImportSettings)};
+}
+
 void raiseWindow(QQuickWindow& window) {
     if (window.windowStates().testFlag(Qt::WindowMinimized)) window.showNormal();
     window.show();
@@ -70,6 +84,8 @@ void raiseWindow(QQuickWindow& window) {
 WindowOutcome runWindow(const WindowOptions& options) {
     const std::unique_ptr<platform::Platform> system = platform::makePlatform(options.home);
     ModelContext context(*system);
+    WindowModel* openWindow = nullptr;
+    const auto menuPolicy = platform::enforceMenuPolicy(menuCommands(openWindow));
     SingleInstance instance(supportFolder(context));
     if (!instance.tryBecomeFirst()) {
         if (const auto outcome = leaveToFirst(instance, options)) return *outcome;
@@ -78,6 +94,7 @@ WindowOutcome runWindow(const WindowOptions& options) {
     resetLogs(context);
     CorvaneViewModel model(context);
     WindowModel window(model);
+    openWindow = &window;
     WindowOutcome outcome;
     QQmlApplicationEngine engine;
     QQuickWindow* shown =
