@@ -158,6 +158,7 @@ PlaceJobs::Outcome PlaceJobs::run(const Input& input, const ReportingTask<Job>& 
         outcome.end.failures = std::move(rebuilt.failures);
         outcome.readings = std::move(rebuilt.readings);
     } catch (const std::exception& error) {
+        outcome.wasCancelled = task.isCancelled();
         outcome.end.error = error.what();
     }
     return outcome;

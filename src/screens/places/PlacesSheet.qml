@@ -117,7 +117,10 @@ Sheet {
                 sizeEdge: sheet.sizeEdge
                 seenEdge: sheet.seenEdge
                 screen: sheet.screen
-                onEntered: list.keyRow = index
+                onEntered: {
+                    list.keyRow = index;
+                    list.positionViewAtIndex(index, ListView.Contain);
+                }
                 onForgetRequested: sheet.askToForget(index)
                 onChoiceRequested: sheet.choose(index)
             }

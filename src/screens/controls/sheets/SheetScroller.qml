@@ -7,6 +7,8 @@ import Corvane
 Flickable {
     id: flick
 
+    // At both sides.
+    property int margin: 24
     // Below the last item.
     property int gap: 20
     default property alias items: column.data
@@ -46,8 +48,8 @@ Flickable {
 
     ColumnLayout {
         id: column
-        x: 24
-        width: flick.width - 48
+        x: flick.margin
+        width: flick.width - 2 * x
         spacing: 0
     }
 }

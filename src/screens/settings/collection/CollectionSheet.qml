@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Layouts
-import QtQuick.Templates as T
+import QtQuick.Window
 import Corvane
 
 Sheet {
@@ -65,53 +65,52 @@ Sheet {
             anchors.fill: parent
             spacing: 24
 
-            Flickable {
+            SheetScroller {
+                id: left
+                readonly property Item holder: Window.activeFocusItem
+
+                // The bar stands beside the frames.
+                Layout.leftMargin: -12
+                Layout.rightMargin: -12
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                contentHeight: left.implicitHeight
-                clip: contentHeight > height
-                boundsBehavior: Flickable.StopAtBounds
-                T.ScrollBar.vertical: AppScrollBar {}
+                margin: 12
+                gap: 0
+                onHolderChanged: show(holder)
 
-                ColumnLayout {
-                    id: left
-                    width: parent.width
-                    spacing: 0
+                AppText {
+                    Layout.bottomMargin: 4
+                    text: "名称"
+                    role: AppText.Heading
+                }
+                FocusGroup {
+                    Layout.fillWidth: true
+                    implicitHeight: Theme.controlHeightPrimary
 
-                    AppText {
-                        Layout.bottomMargin: 4
-                        text: "名称"
-                        role: AppText.Heading
+                    AppTextField {
+                        id: nameField
+                        objectName: "collectionName"
+                        anchors.fill: parent
+                        name: "名称"
+                        placeholderText: "例如 恒泰工作邮件"
+                        onTextEdited: sheet.collection.name = text
                     }
-                    FocusGroup {
-                        Layout.fillWidth: true
-                        implicitHeight: Theme.controlHeightPrimary
-
-                        AppTextField {
-                            id: nameField
-                            objectName: "collectionName"
-                            anchors.fill: parent
-                            name: "名称"
-                            placeholderText: "例如 恒泰工作邮件"
-                            onTextEdited: sheet.collection.name = text
-                        }
-                    }
-                    Section {
-                        title: "整个邮箱"
-                        hint: "这些邮箱里的全部归档邮件"
-                    }
-                    CollectionAccounts {
-                        Layout.fillWidth: true
-                        collection: sheet.collection
-                    }
-                    Section {
-                        title: "地址"
-                        hint: "发件人或收件人里有它"
-                    }
-                    CollectionAddresses {
-                        Layout.fillWidth: true
-                        collection: sheet.collection
-                    }
+                }
+                Section {
+                    title: "整个邮箱"
+                    hint: "这些邮箱里的全部归档邮件"
+                }
+                CollectionAccounts {
+                    Layout.fillWidth: true
+                    collection: sheet.collection
+                }
+                Section {
+                    title: "地址"
+                    hint: "发件人或收件人里有它"
+                }
+                CollectionAddresses {
+                    Layout.fillWidth: true
+                    collection: sheet.collection
                 }
             }
             Rectangle {
