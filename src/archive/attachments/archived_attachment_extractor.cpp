@@ -1,16 +1,13 @@
 #include "archive/attachments/archived_attachment_extractor.h"
 
+#include "archive/attachments/attachment_data.h"
 #include "platform/paths.h"
-#include "text/charsets/encoding.h"
-#include "worker/mail_worker_client.h"
 
 namespace corvane {
 
 namespace {
 
 using ExtractionError = ArchivedAttachmentExtractor::ExtractionError;
-
-constexpr std::int64_t maximumAttachmentBytes = 209715200;
 
 std::string describe(ExtractionError::Kind kind, const std::string& name) {
     switch (kind) {
@@ -32,15 +29,8 @@ ArchivedAttachmentExtractor::ExtractionError::ExtractionError(Kind kind, const s
 
 std::string ArchivedAttachmentExtractor::data(const AttachmentRef& attachment,
                                               const std::stop_token& stop) const {
-    const std::string path = ensureLocal(attachment.entry, stop);
-    MailWorkerClient::Request request{.command = "attachment_data",
-                                      .filePath = path,
-                                      .maxBytes = maximumAttachmentBytes,
-                                      .fileName = attachment.name};
-    if (attachment.occurrence > 0) request.occurrence = static_cast<std::int64_t>(attachment.occurrence);
-    const MailWorkerClient client(platform_);
-    const auto answer = client.runRequest(request, client.limits().quickRun, stop);
-    auto data = text::base64Decoded(answer.attachmentDataBase64.value_or("-"));
+    auto data = archive::attachmentData(
+        platform_, {ensureLocal(attachment.entry, stop), attachment.name, attachment.occurrence}, stop);
     if (!data) throw ExtractionError(ExtractionError::Kind::missingAttachment, attachment.name);
     return std::move(*data);
 }
