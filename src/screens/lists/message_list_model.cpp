@@ -141,6 +141,13 @@ void MessageListModel::setQuery(const QString& query) {
     notifyAllRows({PreviewRole});
 }
 
+void MessageListModel::addRowTexts(const RowTexts& texts, int first, int last) {
+    for (const auto& [id, text] : texts) {
+        if (!text.empty()) newPreviews_.try_emplace(id, text);
+    }
+    notifyRows(first, last, {PreviewRole});
+}
+
 void MessageListModel::setPreview(const SharedText& id, const SharedText& preview) {
     newPreviews_.insert_or_assign(id, preview);
     notifyAllRows({PreviewRole});

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include <QtQml/qqmlregistration.h>
@@ -75,6 +76,11 @@ class MessageListModel : public RecordListModel<MailMessageRecord, MessageID> {
 
     // A text that was read again, for as long as the message is listed with the one in its record.
     void setPreview(const SharedText& id, const SharedText& preview);
+
+    // Texts that were read for the rows from `first` to `last` alone, by message id. A text that was read
+    // again goes before them.
+    using RowTexts = std::vector<std::pair<SharedText, SharedText>>;
+    void addRowTexts(const RowTexts& texts, int first, int last);
 
     void forgetPreviews() { newPreviews_.clear(); }
 

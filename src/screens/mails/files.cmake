@@ -22,6 +22,7 @@ set(mails_sources
     mail_list_actions.cpp
     mail_list_filters.cpp
     mail_list_screen.cpp
+    row_previews.cpp
     detail/attachment_actions.cpp
     detail/attachment_list_model.cpp
     detail/attachment_symbol.cpp

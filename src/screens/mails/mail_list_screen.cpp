@@ -43,6 +43,7 @@ MailListScreen::MailListScreen(CorvaneViewModel& model, DesktopActions& desktop,
   , model_(model)
   , filters_(model.filters(), model.accounts())
   , attachments_(model.context(), desktop, *detail_.attachments())
+  , rowPreviews_(model.context(), list_)
   , actions_(model, desktop, list_, filters_)
   , access_(model, desktop)
   , updateTask_(model.context().tasks)
@@ -70,6 +71,7 @@ void MailListScreen::wire() {
     model_.previews().setPreviewsShown(true);
     connect(&model_.catalog(), &MessageCatalog::messagesChanged, this, [this] {
         list_.forgetPreviews();
+        rowPreviews_.forget();
         updateState();
     });
     connect(&model_.scanFlow(), &ScanFlow::stateChanged, this, &MailListScreen::updateState);

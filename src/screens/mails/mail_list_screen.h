@@ -20,6 +20,7 @@
 #include "screens/mails/detail/message_detail.h"
 #include "screens/mails/mail_list_actions.h"
 #include "screens/mails/mail_list_filters.h"
+#include "screens/mails/row_previews.h"
 
 namespace corvane {
 
@@ -40,6 +41,7 @@ class MailListScreen : public QObject {
     Q_PROPERTY(corvane::MessageDetail* detail READ detail CONSTANT)
     Q_PROPERTY(corvane::MailListActions* actions READ actions CONSTANT)
     Q_PROPERTY(corvane::AttachmentActions* attachments READ attachments CONSTANT)
+    Q_PROPERTY(corvane::RowPreviews* rowPreviews READ rowPreviews CONSTANT)
     Q_PROPERTY(corvane::AccessActions* access READ access CONSTANT)
 
   public:
@@ -95,6 +97,8 @@ class MailListScreen : public QObject {
 
     [[nodiscard]] AttachmentActions* attachments() { return &attachments_; }
 
+    [[nodiscard]] RowPreviews* rowPreviews() { return &rowPreviews_; }
+
     [[nodiscard]] AccessActions* access() { return &access_; }
 
     // Makes the current row that of this message, if it is listed.
@@ -137,6 +141,7 @@ class MailListScreen : public QObject {
     MailListFilters filters_;
     MessageDetail detail_;
     AttachmentActions attachments_;
+    RowPreviews rowPreviews_;
     MailListActions actions_;
     AccessActions access_;
     State state_ = State::NeverScanned;

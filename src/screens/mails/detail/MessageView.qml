@@ -37,6 +37,12 @@ SelectableList {
         }
         returnToBounds();
     }
+    // Rows in view show how their messages begin.
+    function lookAtRows() {
+        const first = visible ? firstRow() : -1;
+        if (first >= 0)
+            screen.rowPreviews.look(first, first + Math.ceil(height / Theme.rowFull));
+    }
     function requestMenu() {
         showCurrent();
         const row = itemAtIndex(selection.currentRow);
@@ -49,6 +55,10 @@ SelectableList {
     selection: screen.selection
     rowHeight: Theme.rowFull
     reuseItems: true
+    onContentYChanged: lookAtRows()
+    onHeightChanged: lookAtRows()
+    onVisibleChanged: lookAtRows()
+    Component.onCompleted: lookAtRows()
     Accessible.role: Accessible.List
     Accessible.name: "邮件"
 
@@ -93,6 +103,7 @@ SelectableList {
         }
         function onChanged() {
             view.restorePlace();
+            view.lookAtRows();
         }
     }
     Connections {
