@@ -4,8 +4,11 @@
 #include <optional>
 
 #include <QTest>
+#include <QUrl>
+#include <fmt/format.h>
 
 #include "model/model_test.h"
+#include "platform/files/directory.h"
 #include "records/preview_placeholders.h"
 #include "screens/support/mail_samples.h"
 #include "screens/support/recording_desktop.h"
@@ -271,14 +274,50 @@ TEST_F(MailListScreenTest, DetailNamesCopiesAttachmentsAndAPreviewThatIsNone) {
     EXPECT_FALSE(detail.hasPreview);
     EXPECT_EQ(detail.place, QStringLiteral("a@a.example · 收件箱 · 1 MB"));
     EXPECT_EQ(detail.attachmentCount, 2);
-    EXPECT_EQ(detail.attachmentsSize, QStringLiteral("已知 11.8 MB"));
     AttachmentListModel& attachments = *screen_.detail()->attachments();
+    EXPECT_EQ(attachments.sumText(), QStringLiteral("已知 11.8 MB"));
     const auto role = [&](int row, int which) {
         return attachments.data(attachments.index(row), which).toString();
     };
     EXPECT_EQ(role(0, AttachmentListModel::NameRole), QStringLiteral("图fdp.exe"));
     EXPECT_EQ(role(0, AttachmentListModel::SymbolRole), QStringLiteral("shippingbox"));
     EXPECT_EQ(role(1, AttachmentListModel::SizeTextRole), QStringLiteral("大小待估算"));
+}
+
+TEST_F(MailListScreenTest, WhatLiesInAMessageOpensAsACopyAndAScriptIsOnlyShown) {
+    platform_.runtimes = {"/usr/bin/python3"};
+    const auto part = [](const char* name) {
+        return fmt::format("--b\nContent-Disposition: attachment; filename=\"{}\"\n\nbytes\n", name);
+    };
+    const std::string mail =
+        "Content-Type: multipart/mixed; boundary=b\n\n--b\nContent-Type: text/plain\n\nbody\n" +
+        part("a.txt") + part("run.sh") + "--b--\n";
+    auto message = local("7.emlx");
+    home_.write("Library/Mail/V10/A/收件箱.mbox/7.emlx", fmt::format("{}\n{}", mail.size(), mail));
+    message.preview = std::string(lazyPreviewPlaceholder);
+    message.attachments = {{Uuid::random(), "a.txt", "text/plain", std::nullopt, {}},
+                           {Uuid::random(), "run.sh", "SH", std::nullopt, {}}};
+    publish({message});
+    settle();
+    AttachmentListModel& attachments = *screen_.detail()->attachments();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !attachments.lacksSizes(); }, 10'000))
+        << "the worker knows them";
+    for (const int row : {0, 1}) {
+        screen_.attachments()->open(row);
+        settle();
+    }
+    ASSERT_EQ(desktop_.opened.size(), 1);
+    const QString copy = QUrl(desktop_.opened.front()).toLocalFile();
+    EXPECT_EQ(platform::readFile(copy.toStdString()), "bytes");
+    ASSERT_EQ(desktop_.revealed.size(), 1);
+    EXPECT_TRUE(desktop_.revealed.front().endsWith(QStringLiteral("run.sh")));
+
+    screen_.rowPreviews()->look(0, 5);
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+            return screen_.list()->index(0).data(MessageListModel::PreviewRole) == QStringLiteral("body");
+        },
+        10'000));
 }
 
 TEST_F(MailListScreenTest, DetailWaitsForNoPreviewThatWontCome) {

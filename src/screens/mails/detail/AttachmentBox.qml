@@ -1,5 +1,4 @@
-// The attachments of the open message, which open from their own files where Mail has them. A low window shows their
-// number, and the list on demand.
+// The attachments of the open message. A low window shows their number, and the list on demand.
 pragma ComponentBehavior: Bound
 
 import QtQuick
@@ -51,7 +50,7 @@ Rectangle {
                 anchors.verticalCenter: parent.verticalCenter
                 anchors.right: parent.right
                 anchors.rightMargin: box.compact ? 32 : 12
-                text: box.detail.shown.attachmentsSize
+                text: box.detail.attachments.sumText
                 role: AppText.Note
                 color: Theme.text3
             }

@@ -1,5 +1,5 @@
-// One attachment: a double click or Return opens it, the button at its end says what else there is. One without a file
-// of its own is only named.
+// One attachment: a double click or Return opens it, the button at its end says what else there is. One that isn't on
+// this machine is only named.
 import QtQuick
 import QtQuick.Templates as T
 import Corvane

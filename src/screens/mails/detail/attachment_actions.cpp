@@ -1,6 +1,8 @@
 #include "screens/mails/detail/attachment_actions.h"
 
-#include <filesystem>
+#include <chrono>
+#include <exception>
+#include <optional>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -8,51 +10,53 @@
 #include <QStandardPaths>
 #include <QUrl>
 
-#include "platform/files/directory.h"
 #include "platform/files/document_file.h"
-#include "platform/paths.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
-#include "text/hidden_characters.h"
 
 namespace corvane {
 
 namespace {
 
-namespace fs = std::filesystem;
+using namespace std::chrono_literals;
 
 constexpr const char* folderPrefix = "corvane-attachments-";
 
-// The name of the file on the disk, which is one component, without marks that make it look like another.
-std::string nameOf(const std::string& path) {
-    std::string name = text::withoutHiddenCharacters(platform::lastPathComponent(path));
-    return name.empty() || name.front() == '.' ? "附件" + name : name;
-}
+// Whoever goes through the list looks at no sizes.
+constexpr auto lookPause = 400ms;
 
-std::string freePath(const std::string& folder, const std::string& name) {
-    const std::string_view extension = platform::pathExtension(name);
-    const std::string stem(platform::withoutExtension(name));
-    std::string path = platform::joinPath(folder, name);
-    for (int number = 2; platform::fileExists(path) && number < 10'000; ++number) {
-        const std::string numbered = stem + " " + std::to_string(number);
-        path = platform::joinPath(folder,
-                                  extension.empty() ? numbered : numbered + "." + std::string(extension));
+struct LookJob {
+    std::vector<MailAttachment> attachments;
+};
+
+struct SizeJob {
+    const platform::Platform& platform;
+    std::vector<MailAttachment> attachments;
+};
+
+std::vector<AttachmentPlace> placesOf(const LookJob& job, const TaskHandle& task) {
+    std::vector<AttachmentPlace> places;
+    for (const MailAttachment& attachment : job.attachments) {
+        if (task.isCancelled()) break;
+        places.push_back(placeOf(attachment));
     }
-    return path;
+    return places;
 }
 
 } // namespace
 
 struct AttachmentActions::CopyJob {
-    std::string from;
-    std::string folder; // where the copy goes; empty: into a temporary one
-    std::string temporaryDirectory;
+    const platform::Platform& platform;
+    MailAttachment attachment;
+    std::string folder;                                   // where the copy goes; empty: into a temporary one
     std::shared_ptr<platform::TemporaryFolder> temporary; // null before the first
+    std::string ownFile;                                  // Mail's; empty for what lies in a message
 };
 
 struct AttachmentActions::Copied {
-    std::string from;
-    std::string path; // empty where it couldn't be copied
+    std::string path;    // empty where it couldn't be copied
+    std::string failure; // for the user; empty where only the files are to blame
+    std::string place;   // where to show it
     bool isDocument = false;
     std::shared_ptr<platform::TemporaryFolder> temporary;
 };
@@ -64,58 +68,68 @@ AttachmentActions::AttachmentActions(ModelContext& context, DesktopActions& desk
   , desktop_(desktop)
   , list_(list)
   , lookTask_(context.tasks)
+  , sizeTask_(context.tasks)
   , openTask_(context.tasks)
-  , saveTask_(context.tasks) {}
-
-void AttachmentActions::look() {
-    struct Paths {
-        std::vector<std::string> paths;
-    };
-
-    lookTask_.start(
-        TaskPriority::userInitiated, Paths{list_.paths()},
-        [](const Paths& job, const TaskHandle&) {
-            std::vector<bool> found;
-            for (const std::string& path : job.paths)
-                found.push_back(!path.empty() && platform::isRegularFile(path));
-            return found;
-        },
-        [this](std::vector<bool> found) { list_.setFound(std::move(found)); });
+  , saveTask_(context.tasks) {
+    sizeDelay_.setSingleShot(true);
+    sizeDelay_.setInterval(lookPause);
+    connect(&sizeDelay_, &QTimer::timeout, this, &AttachmentActions::lookAtSizes);
 }
 
-AttachmentActions::Copied AttachmentActions::copyOf(const CopyJob& job) {
-    Copied copied{job.from, {}, false, job.temporary};
+void AttachmentActions::look() {
+    sizeTask_.cancel();
+    sizeDelay_.stop();
+    lookTask_.start(TaskPriority::userInitiated, LookJob{list_.attachments()}, &placesOf,
+                    [this](const std::vector<AttachmentPlace>& places) {
+                        list_.setPlaces(places);
+                        if (list_.lacksSizes()) sizeDelay_.start();
+                    });
+}
+
+void AttachmentActions::lookAtSizes() {
+    sizeTask_.start(
+        TaskPriority::utility, SizeJob{context_.platform, list_.attachments()},
+        [](const SizeJob& job, const TaskHandle& task) {
+            return attachmentSizes(job.platform, job.attachments, task.stopToken());
+        },
+        [this](const std::vector<std::optional<std::int64_t>>& sizes) { list_.setSizes(sizes); });
+}
+
+AttachmentActions::Copied AttachmentActions::copyOf(const CopyJob& job, const TaskHandle& task) {
+    Copied copied{.path = {}, .failure = {}, .place = job.ownFile, .temporary = job.temporary};
     try {
         if (job.folder.empty() && !copied.temporary)
             copied.temporary =
-                std::make_shared<platform::TemporaryFolder>(job.temporaryDirectory, folderPrefix);
-        const std::string folder = job.folder.empty() ? copied.temporary->path() : job.folder;
-        const std::string path = freePath(folder, nameOf(job.from));
-        fs::copy_file(job.from, path);
-        fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
-        copied.path = path;
-        copied.isDocument = platform::isDocumentFile(path);
+                std::make_shared<platform::TemporaryFolder>(job.platform.temporaryDirectory(), folderPrefix);
+        copied.path =
+            copyAttachment(job.platform, job.attachment,
+                           job.folder.empty() ? copied.temporary->path() : job.folder, task.stopToken());
+        copied.isDocument = platform::isDocumentFile(copied.path);
+        if (copied.place.empty()) copied.place = copied.path;
     } catch (const std::system_error&) {
         copied.path.clear();
+    } catch (const std::exception& error) {
+        copied.failure = error.what();
     }
     return copied;
 }
 
 void AttachmentActions::open(int row) {
-    const std::string from = list_.path(row);
-    if (from.empty()) return;
-    openTask_.start(
-        TaskPriority::userInitiated, CopyJob{from, {}, context_.platform.temporaryDirectory(), opened_},
-        [](const CopyJob& job, const TaskHandle&) { return copyOf(job); },
-        [this](const Copied& copied) { handleOpenCopy(copied); });
+    const MailAttachment* attachment = list_.found(row);
+    if (attachment == nullptr) return;
+    const AttachmentPlace place = list_.place(row);
+    openTask_.start(TaskPriority::userInitiated,
+                    CopyJob{context_.platform, *attachment, {}, opened_, place.isOwnFile ? place.path : ""},
+                    &copyOf, [this](const Copied& copied) { handleOpenCopy(copied); });
 }
 
 void AttachmentActions::handleOpenCopy(const Copied& copied) {
     opened_ = copied.temporary;
     if (copied.path.empty()) {
-        Q_EMIT said(QStringLiteral("这个附件的文件读不出来。"));
+        Q_EMIT said(copied.failure.empty() ? QStringLiteral("这个附件的文件读不出来。")
+                                           : screens::shownLine(copied.failure));
     } else if (!copied.isDocument) {
-        showInFolder(copied.from,
+        showInFolder(copied.place,
                      QStringLiteral("这种文件可能会被系统运行，没有直接打开，已在文件夹中显示。"));
     } else if (!desktop_.open(QUrl::fromLocalFile(screens::wholeText(copied.path)))) {
         Q_EMIT said(QStringLiteral("系统没有能打开这个附件的程序。"));
@@ -123,18 +137,21 @@ void AttachmentActions::handleOpenCopy(const Copied& copied) {
 }
 
 void AttachmentActions::save(int row) {
-    const std::string from = list_.path(row);
-    if (from.empty()) return;
+    const MailAttachment* attachment = list_.found(row);
+    if (attachment == nullptr) return;
     const QString downloads = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
     saveTask_.start(
-        TaskPriority::userInitiated, CopyJob{from, downloads.toStdString(), {}, nullptr},
-        [](const CopyJob& job, const TaskHandle&) { return copyOf(job); },
+        TaskPriority::userInitiated,
+        CopyJob{context_.platform, *attachment, downloads.toStdString(), nullptr, {}}, &copyOf,
         [this](const Copied& copied) {
             const QString path = screens::wholeText(copied.path);
             const QString home = screens::wholeText(context_.platform.realUserHomeDirectory());
-            Q_EMIT said(path.isEmpty()
-                            ? QStringLiteral("这个附件没有存下来：读不出来，或者「下载」文件夹不能写入。")
-                            : QStringLiteral("已存到 %1").arg(screens::shownPath(path, home)));
+            if (!copied.failure.empty())
+                Q_EMIT said(QStringLiteral("这个附件没有存下来：%1").arg(screens::shownLine(copied.failure)));
+            else if (path.isEmpty())
+                Q_EMIT said(QStringLiteral("这个附件没有存下来：读不出来，或者「下载」文件夹不能写入。"));
+            else
+                Q_EMIT said(QStringLiteral("已存到 %1").arg(screens::shownPath(path, home)));
         });
 }
 
@@ -145,7 +162,7 @@ void AttachmentActions::showInFolder(const std::string& path, const QString& wor
 }
 
 void AttachmentActions::reveal(int row) {
-    const std::string path = list_.path(row);
+    const std::string path = list_.place(row).path;
     if (!path.empty()) showInFolder(path, {});
 }
 

@@ -1,7 +1,6 @@
 #include "screens/mails/detail/message_detail.h"
 
 #include <utility>
-#include <vector>
 
 namespace corvane {
 
@@ -11,7 +10,7 @@ void MessageDetail::show(const MailMessageRecord* message, Knowledge knowledge) 
     message_ = message == nullptr ? std::nullopt : std::optional(*message);
     knowledge_ = std::move(knowledge);
     if (!isSame) missingPreview_.clear();
-    attachments_.setAttachments(message_ ? message_->attachments : std::vector<MailAttachmentRecord>());
+    attachments_.setMessage(message_ ? &*message_ : nullptr);
     update();
     if (!isSame) Q_EMIT messageChanged();
 }

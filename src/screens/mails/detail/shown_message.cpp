@@ -62,19 +62,6 @@ QString copiesPlacesOf(const std::vector<FileURL>& files) {
     return places.isEmpty() ? QString() : places.join(u"、") + u'。';
 }
 
-QString attachmentsSizeOf(const std::vector<MailAttachmentRecord>& attachments) {
-    if (attachments.empty()) return {};
-    std::int64_t known = 0;
-    bool isWhole = true;
-    for (const MailAttachmentRecord& attachment : attachments) {
-        isWhole = isWhole && attachment.estimatedSize.has_value();
-        known += attachment.estimatedSize.value_or(0);
-    }
-    if (known == 0 && !isWhole) return {};
-    const QString sum = screens::wholeText(formatByteCount(known));
-    return isWhole ? sum : QStringLiteral("已知 ") + sum;
-}
-
 } // namespace
 
 ShownMessage ShownMessage::of(const MailMessageRecord& message, bool archived,
@@ -99,7 +86,6 @@ ShownMessage ShownMessage::of(const MailMessageRecord& message, bool archived,
     shown.copiesPlaces = copiesPlacesOf(files);
     for (const FileURL& file : files) shown.files += screens::shownLine(file.path(), subjectLimit);
     shown.attachmentCount = static_cast<int>(message.attachments.size());
-    shown.attachmentsSize = attachmentsSizeOf(message.attachments);
     return shown;
 }
 

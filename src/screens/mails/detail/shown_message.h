@@ -36,7 +36,6 @@ struct ShownMessage {
     Q_PROPERTY(QString copiesPlaces MEMBER copiesPlaces CONSTANT)
     Q_PROPERTY(QStringList files MEMBER files CONSTANT)
     Q_PROPERTY(int attachmentCount MEMBER attachmentCount CONSTANT)
-    Q_PROPERTY(QString attachmentsSize MEMBER attachmentsSize CONSTANT)
 
   public:
     bool archived = false;
@@ -61,7 +60,6 @@ struct ShownMessage {
     QString copiesPlaces; // the mailboxes that hold the copies, each once
     QStringList files;
     int attachmentCount = 0;
-    QString attachmentsSize; // the sum of those that are known, and whether that is all
 
     // `missingPreview` is said in the place of a preview that won't come; empty while it may.
     static ShownMessage of(const MailMessageRecord& message, bool archived, const QString& missingPreview);
