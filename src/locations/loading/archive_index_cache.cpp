@@ -228,7 +228,9 @@ std::optional<std::uint64_t> ArchiveIndexCache::rememberedDevice(std::string_vie
 
 bool ArchiveIndexCache::isRootGone(const std::string& root) const {
     platform::FileLayer& files = support_.files();
-    // Folders above may have been deleted with it; the nearest that is there tells which disk this is.
+    // Folders above may have been deleted with it; the nearest that is there tells which disk this is. What isn't
+    // there of a disk that comes and goes says nothing.
+    const auto mountPoint = platform_.removableMountPoint(root);
     std::string above = root;
     for (FilePresence presence = filePresence(files, above); presence != FilePresence::present;
          presence = filePresence(files, above)) {
@@ -237,6 +239,7 @@ bool ArchiveIndexCache::isRootGone(const std::string& root) const {
     }
     struct stat status{};
     const auto device = rememberedDevice(root);
+    if (mountPoint && !platform::isAtOrBelow(above, *mountPoint)) return false;
     return above != root && device && files.stat(above, status) == 0 &&
            static_cast<std::uint64_t>(status.st_dev) == *device;
 }

@@ -60,21 +60,23 @@ FocusScope {
             Layout.alignment: Qt.AlignHCenter
             Layout.topMargin: 20
             visible: empty.buttonText.length > 0
+            // The first one stands at the right, and is the first for the keyboard.
+            layoutDirection: Qt.RightToLeft
             spacing: 12
 
-            AppButton {
-                visible: text.length > 0
-                text: empty.secondText
-                implicitHeight: Theme.controlHeightPrimary
-                horizontalPadding: 20
-                onClicked: empty.secondActivated()
-            }
             PrimaryButton {
                 id: primary
                 objectName: "emptyStateButton"
                 focus: true
                 text: empty.buttonText
                 onClicked: empty.activated()
+            }
+            AppButton {
+                visible: text.length > 0
+                text: empty.secondText
+                implicitHeight: Theme.controlHeightPrimary
+                horizontalPadding: 20
+                onClicked: empty.secondActivated()
             }
         }
         Rectangle {
