@@ -75,8 +75,8 @@ ColumnLayout {
             objectName: "nextStepButton"
             visible: !part.wasCut
             implicitHeight: Theme.controlHeightPane
-            text: "归档邮件"
-            onClicked: part.archive.goTo("home")
+            text: "已归档概览"
+            onClicked: part.archive.goTo("archived")
         }
     }
     RowLayout {

@@ -32,6 +32,8 @@ QVariantMap shownObstacle(const platform::PathAccess& access) {
                       {QStringLiteral("kind"), access.isFolder || !access.isThere
                                                    ? QStringLiteral("这个文件夹")
                                                    : QStringLiteral("这个文件")},
+                      {QStringLiteral("symbol"), access.isFolder || !access.isThere ? QStringLiteral("folder")
+                                                                                    : QStringLiteral("file")},
                       {QStringLiteral("state"), stateOf(access)},
                       {QStringLiteral("missing"), missingRightsOf(access)}};
     if (!access.isThere) return shown;
@@ -65,6 +67,13 @@ void AccessActions::handleChecked() {
 QVariantMap AccessActions::obstacle() const {
     const auto& found = model_.diskAccess().obstacle();
     return found ? shownObstacle(*found) : QVariantMap();
+}
+
+QString AccessActions::summary() const {
+    const auto& found = model_.diskAccess().obstacle();
+    if (!found) return QStringLiteral("需要你授权一次，才能读取 Apple Mail 的数据。");
+    return missingRightsOf(*found).isEmpty() ? QStringLiteral("还读不到 Apple Mail 的数据。")
+                                             : QStringLiteral("缺少一项权限，还读不到 Apple Mail 的数据。");
 }
 
 void AccessActions::copyObstaclePath() {

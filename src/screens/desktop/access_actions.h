@@ -32,6 +32,9 @@ class AccessActions : public QObject {
 
     [[nodiscard]] QVariantMap obstacle() const;
 
+    // What is missing, in a sentence.
+    [[nodiscard]] QString summary() const;
+
     [[nodiscard]] const QString& answer() const { return answer_; }
 
     [[nodiscard]] bool isChecking() const { return model_.diskAccess().isChecking(); }

@@ -23,7 +23,7 @@ CentredPane {
 
     EmptyState {
         Layout.fillWidth: true
-        symbol: "lock"
+        symbol: pane.lacksRight ? "lock" : "triangle-alert"
         symbolColor: Theme.attention
         title: pane.lacksRight ? "这个 Mail 文件夹不能读取" : "Mail 的数据读不出来"
         line: pane.lacksRight ? "它在这台电脑上，但你的用户没有读取它的权限。"
@@ -34,6 +34,7 @@ CentredPane {
         Layout.fillWidth: true
         visible: path.length > 0
         path: pane.obstacle.path ?? ""
+        symbol: pane.obstacle.symbol ?? "folder"
         facts: [
             { caption: pane.obstacle.kind ?? "", text: pane.obstacle.state ?? "" },
             { caption: "所有者", text: pane.obstacle.owner ?? "" },

@@ -9,6 +9,7 @@ Rectangle {
     id: box
 
     property string path: ""
+    property string symbol: "folder"
     property var facts: []
 
     signal copyRequested
@@ -40,7 +41,7 @@ Rectangle {
                 x: 16
                 anchors.verticalCenter: parent.verticalCenter
                 size: 18
-                name: "folder"
+                name: box.symbol
                 color: Theme.text2
             }
             AppText {

@@ -115,7 +115,7 @@ std::int64_t HomeScreen::candidateCountInScope() const {
 QString HomeScreen::organizeSimpleSummary() const {
     switch (state()) {
     case NoAccess:
-        return QStringLiteral("需要你授权一次，才能读取 Apple Mail 的数据。");
+        return access_.summary();
     case Scanning:
         return QStringLiteral("正在确认哪些邮件还需要放入归档库。");
     case FirstUse:

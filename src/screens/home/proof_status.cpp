@@ -118,8 +118,10 @@ double ProofStatus::fraction() const {
 QString ProofStatus::progressText() const {
     const auto& progress = model_.proof().progress();
     if (!progress) return {};
-    return QStringLiteral("正在逐字节核对 %1 / %2 封，已读 %3")
-        .arg(shownCount(progress->completed), shownCount(progress->total), shownSize(progress->bytesRead));
+    const QString counts = QStringLiteral("正在逐字节核对 %1 / %2 封")
+                               .arg(shownCount(progress->completed), shownCount(progress->total));
+    return progress->bytesRead == 0 ? counts
+                                    : counts + QStringLiteral("，已读 ") + shownSize(progress->bytesRead);
 }
 
 } // namespace corvane

@@ -49,7 +49,7 @@ QString RebuildNotice::text() const {
     if (hasFailed()) return screens::shownText(rebuild_.outcome()->error(), screens::rowTextLimit);
     if (!rebuild_.offer()) return resultText();
     return QStringLiteral("文件夹里有 %1邮件，但归档库看不到它们。重建索引会逐封读取这些邮件，不会改动它们。")
-        .arg(shownMessageCount(rebuild_.offer()->need.mails) + QLatin1Char(' '));
+        .arg(shownMessageCount(rebuild_.offer()->need.mails));
 }
 
 QString RebuildNotice::resultText() const {

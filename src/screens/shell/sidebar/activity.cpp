@@ -21,6 +21,7 @@ double fractionOf(const ProofProgress& progress) {
 
 template <class Progress>
 QString figureOf(const Progress& progress) {
+    if (progress.total == 0) return {}; // not counted yet
     return QStringLiteral("%1 / %2").arg(screens::shownCount(progress.completed),
                                          screens::shownCount(progress.total));
 }
@@ -73,8 +74,10 @@ Activity::State Activity::present() const {
         return {QStringLiteral("正在归档"), figureOf(progress), home, progress.fraction(), false};
     }
     if (model_.scanFlow().state().isScanning()) {
+        // Of the first messages nothing is known for a while.
+        const std::int64_t scanned = model_.catalog().summary().scannedMessages;
         return {QStringLiteral("正在扫描 Mail…"),
-                screens::shownMessageCount(model_.catalog().summary().scannedMessages), home, 0, true};
+                scanned > 0 ? screens::shownMessageCount(scanned) : QString(), home, 0, true};
     }
     if (const auto& progress = model_.bodyTexts().bodyIndexProgress())
         return {QStringLiteral("正在准备正文预览"), figureOf(*progress), home, progress->fraction(), false};
