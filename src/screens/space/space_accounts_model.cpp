@@ -22,7 +22,24 @@ QString localText(const SpaceAccount& account) {
 }
 
 QString cloudText(const SpaceAccount& account) {
-    return QStringLiteral("云端未下载 ") + shownMessageCount(account.cloudCount);
+    return QStringLiteral("云端未下载 ") +
+           (account.cloudCount ? shownMessageCount(*account.cloudCount) : QStringLiteral("—"));
+}
+
+std::int64_t sumOf(const CountByAccountAndYear& counts, const std::string& account) {
+    std::int64_t sum = 0;
+    if (const auto years = counts.find(account); years != counts.end()) {
+        for (const auto& [year, count] : years->second) sum += count;
+    }
+    return sum;
+}
+
+// Of the listed mail, and of the index, which has more. What Mail holds in part isn't among it.
+std::optional<std::int64_t> cloudCount(const SpaceAccountUsage& usage, const IndexCounts& counts) {
+    if (!counts.isKnown()) return std::nullopt;
+    const std::int64_t counted = sumOf(counts.undownloadedYearCountsByAccount(), usage.accountPrefix) -
+                                 sumOf(counts.partialYearCountsByAccount(), usage.accountPrefix);
+    return std::max(usage.cloudOnlyCount, counted);
 }
 
 std::int64_t wholeBytes(const SpaceAccountUsage& usage) {
@@ -62,7 +79,7 @@ QVariant SpaceAccountsModel::value(const SpaceAccount& account, int role) const 
     case LocalShareRole:
         return localShare(account);
     case HasCloudRole:
-        return account.cloudCount > 0;
+        return account.cloudBytes > 0;
     case ChosenRole:
         return account.isChosen;
     case SpokenNameRole:
@@ -74,7 +91,8 @@ QVariant SpaceAccountsModel::value(const SpaceAccount& account, int role) const 
     }
 }
 
-void SpaceAccountsModel::show(const std::vector<SpaceAccountUsage>& usage, const std::string& chosenKey) {
+void SpaceAccountsModel::show(const std::vector<SpaceAccountUsage>& usage, const IndexCounts& counts,
+                              const std::string& chosenKey) {
     std::int64_t most = 1;
     for (const SpaceAccountUsage& account : usage) most = std::max(most, wholeBytes(account));
     Records rows;
@@ -85,7 +103,7 @@ void SpaceAccountsModel::show(const std::vector<SpaceAccountUsage>& usage, const
                         .series = QStringLiteral("share%1").arg(series),
                         .localCount = account.localCount,
                         .localBytes = account.localBytes,
-                        .cloudCount = account.cloudOnlyCount,
+                        .cloudCount = cloudCount(account, counts),
                         .cloudBytes = account.cloudOnlyBytes,
                         .share = static_cast<double>(wholeBytes(account)) / static_cast<double>(most),
                         .isChosen = account.accountPrefix == chosenKey});

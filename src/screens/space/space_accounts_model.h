@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,7 @@
 #include <QString>
 #include <QtQml/qqmlregistration.h>
 
+#include "model/mail/index_counts.h"
 #include "records/statistics_records.h"
 #include "screens/lists/record_list_model.h"
 
@@ -20,7 +22,7 @@ struct SpaceAccount {
     QString series; // of the share bar
     std::int64_t localCount = 0;
     std::int64_t localBytes = 0;
-    std::int64_t cloudCount = 0;
+    std::optional<std::int64_t> cloudCount; // absent where the server's mail wasn't counted yet
     std::int64_t cloudBytes = 0;
     double share = 0; // 0 to 1, of the account with most mail, the server's with it
     bool isChosen = false;
@@ -56,7 +58,9 @@ class SpaceAccountsModel : public RecordListModel<SpaceAccount, SpaceAccountKey>
 
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
-    void show(const std::vector<SpaceAccountUsage>& usage, const std::string& chosenKey);
+    // Of the mail that the server alone has Mail's index knows more than is listed.
+    void show(const std::vector<SpaceAccountUsage>& usage, const IndexCounts& counts,
+              const std::string& chosenKey);
 
   protected:
     [[nodiscard]] QVariant value(const SpaceAccount& account, int role) const override;

@@ -38,6 +38,7 @@ SpaceScreen::SpaceScreen(CorvaneViewModel& model, ArchiveScreen& archive, Deskto
         connect(sender, signal, this, &SpaceScreen::update);
     };
     updates(&model.space(), &SpaceUsageFlow::spaceUsageChanged);
+    updates(&model.counts(), &IndexCounts::countsChanged);
     updates(&model.scanFlow(), &ScanFlow::stateChanged);
     updates(&model.catalog(), &MessageCatalog::availabilityPublished);
     updates(&model.catalog(), &MessageCatalog::generationReplaced);
@@ -61,7 +62,7 @@ void SpaceScreen::update() {
         const auto ticks = ticks_.find(each.accountPrefix);
         if (ticks != ticks_.end()) ticks->second.prune(each);
     }
-    accounts_.show(usage, chosenKey_);
+    accounts_.show(usage, model_.counts(), chosenKey_);
     showSenders();
 }
 
