@@ -24,8 +24,10 @@ FocusGroup {
     }
 
     Rectangle {
-        anchors.fill: parent
-        anchors.bottomMargin: -Theme.radiusLarge
+        width: parent.width
+        // Few rows end with their box; else only its upper corners are seen, and the list goes on below the bar.
+        height: list.count === 0 ? parent.height
+            : Math.min(parent.height, head.height + list.contentHeight) + Theme.radiusLarge
         radius: Theme.radiusLarge
         color: Theme.surface
         border.color: Theme.line

@@ -56,6 +56,7 @@ FocusScope {
             home: overview.home
             narrow: overview.narrow
             low: overview.low
+            tall: overview.height > 960
         }
         RowLayout {
             Layout.fillWidth: true

@@ -14,10 +14,18 @@ T.ScrollBar {
     visible: size < 1.0 && policy !== T.ScrollBar.AlwaysOff
     hoverEnabled: true
 
-    contentItem: Rectangle {
+    // Thin and quiet until the pointer comes.
+    contentItem: Item {
+        readonly property int inset: bar.pressed || bar.hovered ? 0 : 2
         implicitWidth: 6
         implicitHeight: 6
-        radius: 3
-        color: bar.pressed ? Theme.text3 : bar.hovered ? Theme.controlLine : Theme.lineStrong
+
+        Rectangle {
+            anchors.fill: parent
+            anchors.leftMargin: bar.orientation === Qt.Vertical ? parent.inset : 0
+            anchors.topMargin: bar.orientation === Qt.Vertical ? 0 : parent.inset
+            radius: 3
+            color: bar.pressed ? Theme.text3 : bar.hovered ? Theme.controlLine : Theme.lineStrong
+        }
     }
 }

@@ -47,7 +47,8 @@ Item {
         anchors.bottom: parent.bottom
         width: parent.width
         height: Theme.hairline
-        color: Theme.line
+        // Also between two rows that are selected.
+        color: row.selected ? Theme.lineStrong : Theme.line
     }
     MouseArea {
         id: area

@@ -38,8 +38,8 @@ T.AbstractButton {
         anchors.verticalCenter: parent.verticalCenter
         text: row.title
         color: row.isEmpty ? Theme.text3 : Theme.text1
-        // Accounts of one name differ at their ends.
-        elide: Text.ElideMiddle
+        // Addresses end alike, and differ before that; accounts of one name differ at their ends.
+        elide: row.title.indexOf(" ") < 0 ? Text.ElideRight : Text.ElideMiddle
         Accessible.ignored: true
     }
     AppText {

@@ -14,8 +14,9 @@ ScreenPage {
 
     readonly property int filterWidth: 240
     readonly property int leastListWidth: 352
-    readonly property int mostListWidth: 400
-    readonly property int usualListWidth: 372
+    // A wide window shares what it has.
+    readonly property int usualListWidth: Math.max(372, Math.min(480, Math.round(width * 0.27)))
+    readonly property int mostListWidth: usualListWidth + 28
     readonly property int leastDetailWidth: 400
     readonly property bool showsFilters: width - filterWidth - leastListWidth >= leastDetailWidth
     readonly property int roomForList: width - (showsFilters ? filterWidth : 0) - leastDetailWidth

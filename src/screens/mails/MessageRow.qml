@@ -54,6 +54,7 @@ ListRow {
     Text {
         id: senderLabel
         x: row.textLeft
+        horizontalAlignment: Text.AlignLeft
         y: 8
         width: dateLabel.x - x - Theme.space
         height: Theme.bodyLine
@@ -85,6 +86,7 @@ ListRow {
     Text {
         id: subjectLabel
         x: row.textLeft
+        horizontalAlignment: Text.AlignLeft
         y: 28
         width: (row.attachmentCount > 0 ? paperclip.x - Theme.space : row.textRight) - x
         height: Theme.bodyLine
@@ -125,6 +127,7 @@ ListRow {
     Text {
         id: previewLabel
         x: row.textLeft
+        horizontalAlignment: Text.AlignLeft
         y: 48
         width: sizeLabel.x - x - Theme.space
         height: Theme.bodyLine

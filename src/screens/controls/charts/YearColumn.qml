@@ -6,6 +6,9 @@ Item {
     id: column
 
     property int year: 0
+    // No mail comes from then: its date is wrong.
+    readonly property bool ahead: year > new Date().getFullYear()
+    readonly property string title: year + " 年" + (ahead ? " · 还没有到，日期有误" : "")
     // Archived, not archived, on the server only; `figures` are their rows in the readout.
     property var values: []
     property var figures: []
@@ -34,7 +37,7 @@ Item {
 
     objectName: "yearColumn" + year
     Accessible.role: Accessible.Button
-    Accessible.name: year + " 年，" + figures.map(figure => figure.label + " " + figure.text + " 封").join("，")
+    Accessible.name: title + "，" + figures.map(figure => figure.label + " " + figure.text + " 封").join("，")
     Accessible.onPressAction: pressed()
 
     Rectangle {
@@ -81,7 +84,8 @@ Item {
         text: column.year
         role: AppText.Note
         font.weight: column.ticked || column.chosen ? Theme.strong : Theme.regular
-        color: column.ticked ? Theme.accent : column.chosen ? Theme.text1 : Theme.text3
+        color: column.ticked ? Theme.accent : column.chosen ? Theme.text1
+            : column.ahead ? Theme.attention : Theme.text3
         Accessible.ignored: true
     }
     FocusRing {
@@ -98,7 +102,7 @@ Item {
         active: area.containsMouse || column.current
         sourceComponent: ReadOutPopup {
             parent: column
-            title: column.year + " 年"
+            title: column.title
             rows: column.figures
             // Beside the column, so that it never covers what it tells about.
             x: column.readOutLeft ? -width - 4 : column.width + 4

@@ -25,6 +25,8 @@ Text {
     font.weight: Theme.textWeights[role]
     lineHeightMode: Text.FixedHeight
     lineHeight: Theme.textLines[role]
+    // Said, so that a text from right to left begins where all others do.
+    horizontalAlignment: Text.AlignLeft
     elide: Text.ElideRight
     verticalAlignment: Text.AlignVCenter
     Accessible.role: Accessible.StaticText

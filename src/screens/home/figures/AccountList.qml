@@ -43,7 +43,7 @@ FocusGroup {
 
         delegate: AccountShareRow {
             required property int index
-            width: list.width - (list.contentHeight > list.height ? 10 : 0)
+            width: list.width
             current: ListView.isCurrentItem
             listFocused: list.activeFocus
             onChosenChanged: if (chosen) list.currentIndex = index

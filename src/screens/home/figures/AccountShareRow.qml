@@ -43,7 +43,8 @@ Item {
             y: 9
             width: parent.width
             text: row.title
-            elide: Text.ElideMiddle
+            // Addresses end alike, and differ before that; accounts of one name differ at their ends.
+            elide: row.title.indexOf(" ") < 0 ? Text.ElideRight : Text.ElideMiddle
             font.weight: row.chosen ? Theme.strong : Theme.regular
             Accessible.ignored: true
         }

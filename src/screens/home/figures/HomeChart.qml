@@ -10,6 +10,7 @@ FocusScope {
     readonly property var figures: home.figures
     property bool narrow: false
     property bool low: false
+    property bool tall: false
 
     implicitHeight: low ? 22 : 26 + columns.implicitHeight
 
@@ -53,7 +54,7 @@ FocusScope {
         anchors.topMargin: 4
         width: parent.width
         visible: !section.low
-        implicitHeight: 140
+        implicitHeight: section.tall ? 220 : 140
         years: section.figures.years
         chosenYear: section.figures.scopeYear
         onYearChosen: year => section.home.setScopeYear(year)

@@ -32,9 +32,9 @@ FocusGroup {
     }
 
     Rectangle {
-        anchors.fill: parent
-        // Only the upper corners are round: the list goes on below the bar.
-        anchors.bottomMargin: -Theme.radiusLarge
+        width: parent.width
+        // Few rows end with their box; else only its upper corners are seen, and the list goes on below the bar.
+        height: Math.min(parent.height, head.height + list.contentHeight) + Theme.radiusLarge
         radius: Theme.radiusLarge
         color: Theme.surface
         border.color: Theme.line

@@ -213,7 +213,7 @@ FocusScope {
                     color: Theme.text3
                 }
                 AttachmentBox {
-                    width: parent.width
+                    width: Math.min(parent.width, Theme.messageMeasure)
                     visible: view.detail.shown.attachmentCount > 0
                     compact: view.low
                     detail: view.detail
