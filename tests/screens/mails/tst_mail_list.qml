@@ -128,27 +128,6 @@ Item {
             mouseClick(findChild(page, "sortDirection"));
             tryVerify(() => findChild(page, "detailSubject").text === "邮件 0");
         }
-        // What is painted over is what would be painted anew, wherever the list is scrolled to when its rows are replaced.
-        function test_NoPiecesOfEarlierRowsStay() {
-            const pictures = () => {
-                waitForRendering(page);
-                const painted = grabImage(root);
-                root.height += 1;
-                waitForRendering(page);
-                root.height -= 1;
-                waitForRendering(page);
-                return [painted, grabImage(root)];
-            };
-            view.contentY = view.originY + 20 * Theme.rowFull + 29;
-            for (const query of ["19", "7", "1", ""]) {
-                screen.filters.query = query;
-                tryVerify(() => scenes.isIdle() && screen.list.query === query);
-                const [over, anew] = pictures();
-                verify(over.equals(anew), query);
-                view.contentY = view.originY + 31;
-            }
-        }
-
         function test_FiltersOfThePaneBecomeChips_AndAChipTakesItsFilterAway() {
             mouseClick(findChild(page, "yearFilter0"));
             tryCompare(view, "count", 5);
