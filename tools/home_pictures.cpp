@@ -1,6 +1,7 @@
 // Paints the home, the archive flow, the overview, the space and the places in every state, both modes and
-// both sizes, for people to look at:
+// both sizes, for people to look at, or each screen once for the README:
 //   home_pictures FOLDER light|dark [STATE...]
+//   home_pictures FOLDER readme
 #include <chrono>
 #include <filesystem>
 #include <string>
@@ -66,11 +67,12 @@ void startHeldRun(WindowScene& scene) {
 }
 
 // Mail that the real scanner reads, in a store made by the script of the sample mail.
-void makeStoreOf(WindowScene& scene, const QString& messages) {
+void makeStoreOf(WindowScene& scene, const QString& messages,
+                 const QString& option = QStringLiteral("--odd")) {
     QProcess maker;
-    maker.start(QStringLiteral("python3"),
-                {QStringLiteral(CORVANE_SAMPLE_MAKER), QStringLiteral("--quiet"),
-                 QStringLiteral("--messages"), messages, QString::fromStdString(scene.home().path())});
+    maker.start(QStringLiteral("python3"), {QStringLiteral(CORVANE_SAMPLE_MAKER), QStringLiteral("--quiet"),
+                                            QStringLiteral("--messages"), messages, option,
+                                            QString::fromStdString(scene.home().path())});
     maker.waitForFinished(-1);
     if (maker.exitCode() != 0) qFatal("no sample store: %s", maker.readAllStandardError().constData());
     scene.model().accounts().refreshAccountsFromMail();
@@ -82,8 +84,8 @@ void makeStore(WindowScene& scene) {
 }
 
 // All of a small store is archived, but for what can't be.
-void archiveStore(WindowScene& scene) {
-    makeStoreOf(scene, QStringLiteral("300"));
+void archiveStore(WindowScene& scene, const QString& option = QStringLiteral("--odd")) {
+    makeStoreOf(scene, QStringLiteral("300"), option);
     scene.window().home()->scan()->update();
     scene.settle();
     scene.home().makeFolder("Documents/邮件归档");
@@ -97,8 +99,8 @@ void archiveStore(WindowScene& scene) {
     scene.settle();
 }
 
-void archiveAndProve(WindowScene& scene) {
-    archiveStore(scene);
+void archiveAndProve(WindowScene& scene, const QString& option = QStringLiteral("--odd")) {
+    archiveStore(scene, option);
     scene.window().home()->proof()->start();
     scene.settle();
 }
@@ -112,6 +114,25 @@ void proveHalfWay(WindowScene& scene, QQuickWindow&) {
     });
     proof.start();
     loop.exec();
+}
+
+// Null where no part of this name is in view.
+const QQuickItem* partOf(const QQuickItem* item, const QString& name) {
+    if (!item->isVisible()) return nullptr;
+    if (item->objectName() == name) return item;
+    for (const QQuickItem* child : item->childItems()) {
+        if (const QQuickItem* found = partOf(child, name)) return found;
+    }
+    return nullptr;
+}
+
+// A click on the part of this name.
+void press(QQuickWindow& window, const char* name) {
+    const QQuickItem* part = partOf(window.contentItem(), QString::fromLatin1(name));
+    if (part == nullptr) return qWarning("no part %s to press", name);
+    QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier,
+                      part->mapToScene(QPointF(part->width() / 2, part->height() / 2)).toPoint());
+    QTest::qWait(600);
 }
 
 void endInBackground(WindowScene& scene) {
@@ -173,6 +194,15 @@ void lookAtMail(WindowScene&, QQuickWindow& window) {
     QTest::qWait(300);
 }
 
+// The first message of the sample mail that has any.
+void lookAtAttachments(WindowScene& scene, QQuickWindow& window) {
+    lookAtMail(scene, window);
+    QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier, QPoint(640, 385));
+    QTest::qWait(1500);
+    scene.settle();
+    QTest::qWait(600);
+}
+
 void searchInVain(WindowScene& scene, QQuickWindow& window) {
     lookAtMail(scene, window);
     QTest::keyClick(&window, Qt::Key_F, Qt::ControlModifier);
@@ -223,14 +253,39 @@ void askForFolder(WindowScene& scene, QQuickWindow& window) {
 }
 
 // Mail up to 2021 archived by a real run, which proves it.
-void archiveOldMail(WindowScene& scene) {
-    scanStore(scene);
+void archiveUpTo2021(WindowScene& scene) {
     scene.model().destinations().setTransferDestination(scene.home().at("Documents/邮件归档"));
     scene.model().filters().setTransferMaxYear(2021);
     scene.settle();
     scene.model().ticks().selectAllArchiveCandidates();
     scene.model().archiveSelectedEmails([](const auto&) {});
     scene.settle();
+}
+
+// For the README: of mail without oddities, and what is newer can be ticked.
+void archiveOldMailOnly(WindowScene& scene) {
+    makeStoreOf(scene, QStringLiteral("2500"), QStringLiteral("--no-odd"));
+    scene.window().home()->scan()->update();
+    scene.settle();
+    archiveUpTo2021(scene);
+    scene.model().filters().setTransferMaxYear(std::nullopt);
+    scene.platform().runtimes = {"/usr/bin/python3"};
+    scene.model().bodyTexts().rebuildBodyTextIndex(false);
+    scene.settle();
+}
+
+void archiveOldMail(WindowScene& scene) {
+    scanStore(scene);
+    archiveUpTo2021(scene);
+}
+
+void tickOldestYear(WindowScene& scene, QQuickWindow&) {
+    auto& tree = *scene.window().home()->tree();
+    tree.toggleTick(1);
+    tree.setExpanded(2, true);
+    tree.toggleTick(3);
+    scene.settle();
+    QTest::qWait(600);
 }
 
 // Some of the oldest originals have gone from Mail since.
@@ -401,8 +456,16 @@ const std::vector<State>& homeStates() {
              scene.fill();
              scene.window().home()->setScopeYear(2021);
          }},
-        {"a-home-proving", archiveStore, proveHalfWay},
-        {"a-home-proven", archiveAndProve},
+        {"a-home-proving", [](WindowScene& scene) { archiveStore(scene); }, proveHalfWay},
+        {"a-home-proven", [](WindowScene& scene) { archiveAndProve(scene); }},
+        {"a-home-safe",
+         [](WindowScene& scene) {
+             archiveAndProve(scene, QStringLiteral("--no-odd"));
+             scene.window().home()->setScopeYear(2018);
+             scene.settle();
+         }},
+        {"a-home-partial-help", [](WindowScene& scene) { scene.fill(); },
+         [](WindowScene&, QQuickWindow& window) { press(window, "showPartialHelp"); }},
         {"a-home-proven-year",
          [](WindowScene& scene) {
              archiveAndProve(scene);
@@ -452,6 +515,19 @@ const std::vector<State>& homeStates() {
              scene.window().home()->access()->recheckAccess();
              scene.settle();
          }},
+        {"d-home-other-mail",
+         [](WindowScene& scene) {
+             scene.home().write("Library/Mail/V10/MailData/Envelope Index", "");
+             scene.home().makeFolder("旧 Mac/Library/Mail/V10/MailData");
+             scene.window().home()->access()->recheckAccess();
+             scene.settle();
+         },
+         [](WindowScene& scene, QQuickWindow& window) {
+             press(window, "otherMailButton");
+             scene.settle();
+             QTest::keyClick(&window, Qt::Key_Down);
+             QTest::qWait(600);
+         }},
         {"h-mail-list-search", scanStore,
          [](WindowScene& scene, QQuickWindow& window) {
              lookAtMail(scene, window);
@@ -495,6 +571,26 @@ const std::vector<State>& confirmationStates() {
              scene.settle();
          },
          askForFolder},
+        {"e-folder-nested", [](WindowScene& scene) { openConfirmation(scene); },
+         [](WindowScene& scene, QQuickWindow& window) {
+             askForFolder(scene, window);
+             press(window, "folder0");
+             QTest::keyClick(&window, Qt::Key_Right);
+             QTest::qWait(500);
+             scene.settle();
+             QTest::keyClick(&window, Qt::Key_Down);
+             QTest::qWait(600);
+         }},
+        {"e-rebuild",
+         [](WindowScene& scene) {
+             scene.fill();
+             scene.home().write("旧归档/2009/a.eml", "Subject: x\n\n");
+             scene.model().destinations().setTransferDestination(scene.home().at("旧归档"));
+             tickSome(scene);
+             scene.settle();
+             scene.window().home()->runOrganizePrimaryAction();
+             scene.settle();
+         }},
         {"e-folder-picker",
          [](WindowScene& scene) {
              openConfirmation(scene);
@@ -578,6 +674,24 @@ const std::vector<State>& placeStates() {
     return all;
 }
 
+void lookAtLibrary(WindowScene& scene, QQuickWindow& window) {
+    go(scene, window, Qt::Key_3);
+    QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier, QPoint(400, 310));
+    QTest::qWait(1500);
+    scene.settle();
+    QTest::qWait(600);
+}
+
+// The five screens over one archive of mail without oddities.
+const std::vector<State>& readmeStates() {
+    static const std::vector<State> all = {
+        {"home", archiveOldMailOnly, tickOldestYear},   {"archived", archiveOldMailOnly, checkArchived},
+        {"library", archiveOldMailOnly, lookAtLibrary}, {"mails", archiveOldMailOnly, lookAtAttachments},
+        {"space", archiveOldMailOnly, lookAtSpace},
+    };
+    return all;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -585,5 +699,5 @@ int main(int argc, char** argv) {
     for (const auto* states :
          {&homeStates(), &confirmationStates(), &runStates(), &overviewStates(), &placeStates()})
         all.insert(all.end(), states->begin(), states->end());
-    return corvane::testing::paintPictures(argc, argv, all);
+    return corvane::testing::paintPictures(argc, argv, all, readmeStates());
 }

@@ -16,7 +16,9 @@ struct PictureState {
     std::function<void(WindowScene&, QQuickWindow&)> inWindow = {};
 };
 
-// The arguments: FOLDER light|dark [STATE...]. The exit status.
-int paintPictures(int argc, char** argv, const std::vector<PictureState>& states);
+// The arguments: FOLDER light|dark [STATE...], or FOLDER readme, which paints the states for it once and
+// small in bytes. The exit status.
+int paintPictures(int argc, char** argv, const std::vector<PictureState>& states,
+                  const std::vector<PictureState>& readmeStates = {});
 
 } // namespace corvane::testing
