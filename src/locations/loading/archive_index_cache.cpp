@@ -228,8 +228,8 @@ std::optional<std::uint64_t> ArchiveIndexCache::rememberedDevice(std::string_vie
 
 bool ArchiveIndexCache::isRootGone(const std::string& root) const {
     platform::FileLayer& files = support_.files();
-    // Folders above may have been deleted with it; the nearest that is there tells which disk this is. What isn't
-    // there of a disk that comes and goes says nothing.
+    // Folders above may have been deleted with it; the nearest that is there tells which disk this is. What
+    // isn't there of a disk that comes and goes says nothing.
     const auto mountPoint = platform_.removableMountPoint(root);
     std::string above = root;
     for (FilePresence presence = filePresence(files, above); presence != FilePresence::present;

@@ -10,8 +10,8 @@ namespace corvane {
 
 bool appendLine(const std::string& path, std::string_view line, MissingFile missing) {
     const int creation = missing == MissingFile::create ? O_CREAT : 0;
-    const platform::FileDescriptor file(
-        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC | O_NONBLOCK | creation, platform::privateFileMode));
+    const platform::FileDescriptor file(::open(
+        path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC | O_NONBLOCK | creation, platform::privateFileMode));
     if (!file) return false;
     std::string whole(line);
     whole += '\n';

@@ -127,7 +127,8 @@ bool RemovalQuestion::isConnected() const {
 }
 
 bool RemovalQuestion::canAccept() const {
-    return step_ == Step::Asking && !listTask_.isRunning() && isConnected() && (onlyCount() == 0 || isTicked_);
+    return step_ == Step::Asking && !listTask_.isRunning() && isConnected() &&
+           (onlyCount() == 0 || isTicked_);
 }
 
 QString RemovalQuestion::title() const {
