@@ -35,8 +35,17 @@ LibraryScreen& look(WindowScene& scene, QQuickWindow& window) {
     return *scene.window().library();
 }
 
+// Repeaters own what they make, so it isn't found as a child object.
+QQuickItem* partOf(QQuickItem* item, const QString& name) {
+    for (QQuickItem* child : item->childItems()) {
+        if (child->objectName() == name) return child;
+        if (QQuickItem* found = partOf(child, name)) return found;
+    }
+    return nullptr;
+}
+
 void press(WindowScene& scene, QQuickWindow& window, const char* name) {
-    auto* item = window.findChild<QQuickItem*>(QString::fromLatin1(name));
+    const QQuickItem* item = partOf(window.contentItem(), QString::fromLatin1(name));
     if (item == nullptr) qFatal("no part %s", name);
     const QPointF centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
     QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier, centre.toPoint());
@@ -60,8 +69,9 @@ void narrow(WindowScene& scene, QQuickWindow& window) {
     openFirstThread(scene, window);
     scene.window().library()->filters()->chooseYears(2020, 2021);
     wait(scene);
-    if (auto* strip = window.findChild<QQuickItem*>(QStringLiteral("stripYear2020")); strip->isVisible())
-        QTest::mouseMove(&window, strip->mapToScene(QPointF(5, 20)).toPoint());
+    const QQuickItem* year = partOf(window.contentItem(), QStringLiteral("stripYear2020"));
+    if (year != nullptr && year->isVisible())
+        QTest::mouseMove(&window, year->mapToScene(QPointF(5, 20)).toPoint());
     wait(scene, 300);
 }
 
@@ -95,9 +105,10 @@ void loseAFile(WindowScene& scene) {
 }
 
 void evict(WindowScene& scene) {
-    fill(scene);
-    scene.platform().onCloudPlaceholder([](const std::string& path) { return path.ends_with("b1.eml"); });
-    scene.model().library().loadEmailArchiveIndex(scene.model().destinations().transferDestination(), true);
+    scene.platform().resourceFolders = {CORVANE_PROGRAMS};
+    const LibraryScene made = fillLibrary(scene);
+    std::filesystem::rename(made.cloudRoot + "/2021/b1.eml", made.cloudRoot + "/2021/.b1.eml.icloud");
+    scene.model().library().loadEmailArchiveIndex(made.cloudRoot, true);
     scene.settle();
 }
 
