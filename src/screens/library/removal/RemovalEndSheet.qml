@@ -53,6 +53,7 @@ Sheet {
     }
     RowLayout {
         Layout.fillWidth: true
+        Layout.topMargin: Theme.section
         AppText {
             Layout.fillWidth: true
             text: sheet.removal.failedCount.toLocaleString(Qt.locale(), "f", 0) + " 封没有删掉"
@@ -64,6 +65,7 @@ Sheet {
     }
     RemovalItems {
         Layout.fillWidth: true
+        Layout.topMargin: Theme.space
         failed: true
         items: sheet.removal.failures
         leftOut: sheet.removal.failedCount - sheet.removal.failures.length

@@ -38,6 +38,7 @@ Sheet {
     Banner {
         objectName: "onlyCopyBanner"
         Layout.fillWidth: true
+        Layout.topMargin: Theme.section
         visible: sheet.removal.onlyTitle.length > 0
         kind: "attention"
         headline: sheet.removal.onlyTitle
