@@ -127,8 +127,7 @@ QVariant LibraryRowModel::value(const LibraryRow& row, int role) const {
     const bool isThread = row.kind == Kind::thread;
     switch (role) {
     case SelectedRole:
-        // Of an open thread the mail itself stands below.
-        return !row.isOpen && shown_.libraryRowSelected(row.entry);
+        return isSelected(row);
     case KindRole:
         return kindName(row.kind);
     case OpenRole:
@@ -160,6 +159,15 @@ QVariant LibraryRowModel::value(const LibraryRow& row, int role) const {
     default:
         return {};
     }
+}
+
+bool LibraryRowModel::isSelected(const LibraryRow& row) const {
+    // The mail of an open thread stands below.
+    if (row.isOpen) return false;
+    if (row.kind != Kind::thread) return shown_.libraryRowSelected(row.entry);
+    const auto members = content_.list->groups.view().entries(group(row));
+    return std::ranges::any_of(members,
+                               [this](EntryPosition member) { return shown_.libraryRowSelected(member); });
 }
 
 QString LibraryRowModel::title(const LibraryRow& row) const {

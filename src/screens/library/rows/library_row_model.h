@@ -73,6 +73,8 @@ class LibraryRowModel : public RowListModel {
 
   private:
     [[nodiscard]] QVariant value(const LibraryRow& row, int role) const;
+    // Of a closed thread: one of its mails is, so that nothing is selected unseen.
+    [[nodiscard]] bool isSelected(const LibraryRow& row) const;
     [[nodiscard]] QString title(const LibraryRow& row) const;
     [[nodiscard]] QString secondLine(const LibraryRow& row) const;
     [[nodiscard]] QVariantList piecesOf(const LibraryRow& row, int role) const;
