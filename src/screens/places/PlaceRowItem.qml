@@ -21,6 +21,7 @@ FocusGroup {
     required property string seenText
     required property string workText
     required property real workShare
+    required property string timeLeftText
     required property bool isWaiting
     required property bool isCounted
     required property string reportKind
@@ -217,6 +218,12 @@ FocusGroup {
             Item {
                 Layout.fillWidth: true
                 visible: row.isWaiting
+            }
+            AppText {
+                objectName: "placeTimeLeft"
+                text: row.timeLeftText
+                role: AppText.Note
+                color: Theme.text2
             }
             AppButton {
                 objectName: "cancelWork"

@@ -103,6 +103,7 @@ PlaceRow placeRow(const PlaceRowInput& input) {
     row.pathText = shownPath(shownLine(input.place.root, pathLimit), input.home);
     if (input.job != nullptr) {
         row.workText = workText(*input.job, input.isWaiting);
+        row.timeLeftText = input.timeLeftText;
         row.isCounted = input.job->all > 0;
         if (row.isCounted)
             row.workShare = static_cast<double>(input.job->done) / static_cast<double>(input.job->all);
@@ -130,6 +131,7 @@ QHash<int, QByteArray> PlaceRowsModel::roleNames() const {
             {SeenTextRole, "seenText"},
             {WorkTextRole, "workText"},
             {WorkShareRole, "workShare"},
+            {TimeLeftTextRole, "timeLeftText"},
             {IsWaitingRole, "isWaiting"},
             {IsCountedRole, "isCounted"},
             {ReportKindRole, "reportKind"},
@@ -176,6 +178,8 @@ QVariant PlaceRowsModel::value(const PlaceRow& row, int role) const {
         return row.workText;
     case WorkShareRole:
         return row.workShare;
+    case TimeLeftTextRole:
+        return row.timeLeftText;
     case IsWaitingRole:
         return row.isWaiting;
     case IsCountedRole:

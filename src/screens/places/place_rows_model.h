@@ -21,6 +21,7 @@ struct PlaceRow {
     QString pathText{};
     QString workText{}; // empty without any
     double workShare = 0;
+    QString timeLeftText{}; // of its work; empty while that can't be told
     bool isWaiting = false; // its work hasn't begun
     bool isCounted = false; // how much work there is is known
     bool isBusy = false;    // a run of the archiver writes somewhere
@@ -52,6 +53,7 @@ class PlaceRowsModel : public RecordListModel<PlaceRow, PlaceRowKey> {
         SeenTextRole,
         WorkTextRole,
         WorkShareRole,
+        TimeLeftTextRole,
         IsWaitingRole,
         IsCountedRole,
         ReportKindRole,
@@ -84,6 +86,7 @@ struct PlaceRowInput {
     const ArchivePlace& place;
     const PlaceJobs::Job* job = nullptr;
     bool isWaiting = false;
+    QString timeLeftText;
     const PlaceJobs::End* end = nullptr;
     bool isBusy = false;
     QString home;

@@ -53,18 +53,36 @@ void PlacesScreen::refreshWhileOpen() {
 void PlacesScreen::updateRows() {
     const PlaceJobs& jobs = model_.placeJobs();
     const QString home = screens::wholeText(model_.context().platform.realUserHomeDirectory());
+    const QString left = timeLeft();
     PlaceRowsModel::Records rows;
     for (const ArchivePlace& place : model_.places().places()) {
         const PlaceJobs::Job* job = jobs.job(place.root);
+        const bool isFirst = job != nullptr && job == &jobs.jobs().front();
         rows.push_back(screens::placeRow({.place = place,
                                           .job = job,
-                                          .isWaiting = job != nullptr && job != &jobs.jobs().front(),
+                                          .isWaiting = job != nullptr && !isFirst,
+                                          .timeLeftText = isFirst ? left : QString(),
                                           .end = jobs.end(place.root),
                                           .isBusy = model_.archiveRun().isArchiving(),
                                           .home = home}));
     }
     rows_.replace(std::move(rows));
     Q_EMIT changed();
+}
+
+// Of the work that is under way.
+QString PlacesScreen::timeLeft() {
+    const auto& jobs = model_.placeJobs().jobs();
+    const auto now = RunPace::Moment::clock::now();
+    const std::string root = jobs.empty() ? std::string() : jobs.front().root;
+    if (root != pacedRoot_) {
+        pacedRoot_ = root;
+        pace_.start(now);
+    }
+    if (jobs.empty() || jobs.front().all == 0) return {};
+    pace_.report(static_cast<std::int64_t>(jobs.front().done), now);
+    const auto left = pace_.timeLeft(static_cast<std::int64_t>(jobs.front().all), now);
+    return left ? screens::shownTimeLeft(left) : QString();
 }
 
 QString PlacesScreen::summary() const {

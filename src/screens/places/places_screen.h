@@ -11,6 +11,7 @@
 
 #include "model/corvane_view_model.h"
 #include "screens/archive/places/folder_picker.h"
+#include "screens/archive/run_pace.h"
 #include "screens/desktop/desktop_actions.h"
 #include "screens/places/place_rows_model.h"
 
@@ -78,6 +79,7 @@ class PlacesScreen : public QObject {
     void wire();
     void refreshWhileOpen();
     void updateRows();
+    QString timeLeft();
     void add(const std::string& path);
     void dropReplaced();
     [[nodiscard]] const ArchivePlace* placeAt(int row) const;
@@ -88,6 +90,8 @@ class PlacesScreen : public QObject {
     PlaceRowsModel rows_;
     FolderPicker picker_;
     bool isOpen_ = false;
+    std::string pacedRoot_; // of the work that `pace_` is of
+    RunPace pace_;
     std::string askedRoot_;    // of the last question whether to forget
     std::string replacedRoot_; // what the next place stands for; empty for none
     std::string replacement_;  // that was added for it, until the library has read it
