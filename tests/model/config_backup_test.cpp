@@ -135,6 +135,11 @@ TEST_F(ConfigBackupTest, AFileThatIsNoBackupIsRefusedWithItsReason) {
     EXPECT_TRUE(import(home_.at("none")).starts_with("无法读取该备份文件："));
     EXPECT_TRUE(import(home_.path()).starts_with("无法读取该备份文件："));
     EXPECT_EQ(knownLocations(run.context.settings), Roots{"/kept"});
+    home_.makeFolder("Library/Mail/V10");
+    flow.exportConfig(home_.at("Library/Mail/V10/mine.corvanebackup"));
+    run.wait();
+    EXPECT_TRUE(flow.hasFailed());
+    EXPECT_FALSE(std::filesystem::exists(home_.at("Library/Mail/V10/mine.corvanebackup")));
     flow.exportConfig(home_.at("mine.corvanebackup"));
     run.wait();
     EXPECT_EQ(flow.resultMessage(),

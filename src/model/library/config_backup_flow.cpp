@@ -1,5 +1,6 @@
 #include "model/library/config_backup_flow.h"
 
+#include <cerrno>
 #include <cstddef>
 #include <map>
 #include <string_view>
@@ -11,6 +12,7 @@
 
 #include "locations/known_locations.h"
 #include "locations/loading/archive_discovery.h"
+#include "locations/places/destination_rules.h"
 #include "locations/places/place_looks.h"
 #include "locations/settings_keys.h"
 #include "platform/files/writing/durable_file.h"
@@ -71,10 +73,24 @@ std::optional<FoundBackup> findBackup(const OfferJob& job, const TaskHandle& tas
 }
 
 struct ExportJob {
+    const platform::Platform& platform;
     platform::FileLayer& files;
     std::string path;
     std::string content;
+    std::string mailRoot;
 };
+
+// Why the file couldn't be written, for the user; empty where it was.
+std::string exportObstacle(const ExportJob& job, const TaskHandle& task) {
+    PlaceLooks looks(job.platform, job.files, task.stopToken());
+    const auto obstacle = looks.ask<std::string>(job.path, [job](PlaceLook& look) {
+        if (const auto refusal = refusalInMail(job.path, job.mailRoot)) return *refusal;
+        look.beginStep();
+        const int error = platform::writeFileAtomically(look.files(), job.path, job.content).value();
+        return error == 0 ? std::string() : systemErrorReason(error);
+    });
+    return obstacle.value_or(systemErrorReason(ETIMEDOUT));
+}
 
 struct ImportJob {
     platform::FileLayer& files;
@@ -135,19 +151,16 @@ void ConfigBackupFlow::offerConfigBackupOnFreshLaunch() {
 
 void ConfigBackupFlow::exportConfig(const std::string& path) {
     begin();
-    fileTask_.start(
-        TaskPriority::userInitiated,
-        ExportJob{context_.support.files(), path, encodeConfigBackup(currentConfigBackup())},
-        [](const ExportJob& job, const TaskHandle&) {
-            return platform::writeFileAtomically(job.files, job.path, job.content).value();
-        },
-        [this, path](int error) {
-            if (error != 0)
-                return end(fmt::format("无法导出配置到「{}」：{}", path, systemErrorReason(error)), true);
-            end(fmt::format("配置已导出到「{}」。\n邮件本体不在此文件中（仍在你的归档位置）。",
-                            platform::lastPathComponent(path)),
-                false);
-        });
+    fileTask_.start(TaskPriority::userInitiated,
+                    ExportJob{context_.platform, context_.support.files(), path,
+                              encodeConfigBackup(currentConfigBackup()), context_.mailRootPath},
+                    &exportObstacle, [this, path](const std::string& obstacle) {
+                        if (!obstacle.empty())
+                            return end(fmt::format("无法导出配置到「{}」：{}", path, obstacle), true);
+                        end(fmt::format("配置已导出到「{}」。\n邮件本体不在此文件中（仍在你的归档位置）。",
+                                        platform::lastPathComponent(path)),
+                            false);
+                    });
 }
 
 void ConfigBackupFlow::importConfig(const std::string& path) {
