@@ -6,6 +6,7 @@
 #include <QSignalSpy>
 
 #include "locations/archive_samples.h"
+#include "locations/known_locations.h"
 #include "model/model_test.h"
 #include "model/published_messages.h"
 #include "platform/files/directory.h"
@@ -133,6 +134,28 @@ TEST_F(WindowModels, TheArchivesAreReadAsTheyAreAtTheStart) {
     window.startUp();
     waitUntilIdle(context_.tasks);
     EXPECT_EQ(model.library().archivedEntries()->size(), 1U);
+}
+
+TEST_F(WindowModels, APlaceThatIsNamedAnewGoesOnlyForTheSameArchive) {
+    const std::string before = writeArchive(home_, "before", sampleIndex(1, {"mid:a"}));
+    const std::string other = writeArchive(home_, "other", sampleIndex(2, {"mid:b"}));
+    model_.destinations().setTransferDestination(before);
+    waitUntilIdle(context_.tasks);
+    std::filesystem::rename(before, home_.at("after"));
+    PlacesScreen& places = *window_.places();
+    places.open();
+    waitUntilIdle(context_.tasks);
+    const auto nameAnew = [&](const std::string& folder) {
+        places.beginChoice(0);
+        places.addFolder(QUrl::fromLocalFile(QString::fromStdString(folder)));
+        waitUntilIdle(context_.tasks);
+        return model_.destinations().transferDestination();
+    };
+    EXPECT_EQ(nameAnew(other), before);
+    EXPECT_NE(model_.library().location(before), nullptr);
+    EXPECT_EQ(nameAnew(home_.at("after")), home_.at("after"));
+    EXPECT_TRUE(forgottenLocations(context_.settings).contains(before));
+    EXPECT_EQ(model_.library().archivedEntries()->size(), 2U);
 }
 
 TEST_F(WindowModels, ClosingWithoutARunWaitsForNothing) {
