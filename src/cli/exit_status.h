@@ -9,7 +9,7 @@ enum ExitStatus : int {
     done = 0,
     failed = 1,
     wrongUsage = 2,
-    doneWithIssues = 3, // done, but not for all: failures, warnings, or an answer that isn't of now
+    doneWithIssues = 3, // done, but not for all: failures or warnings
     interrupted = platform::interruptedStatus,
 };
 

@@ -32,6 +32,7 @@ class MboxTarget final : public ExportTarget {
     void finish() override {
         file_.flush();
         file_.finish();
+        file_.syncFolder();
     }
 
   private:

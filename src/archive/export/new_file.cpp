@@ -102,6 +102,9 @@ void NewFile::finish() {
         fail(error, path_);
     }
     isFinished_ = true;
+}
+
+void NewFile::syncFolder() {
     syncDirectories(files_, {std::string(platform::parentPath(path_))});
 }
 

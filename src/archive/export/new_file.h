@@ -34,6 +34,9 @@ class NewFile {
     // Gives the flushed bytes their name. Throws std::system_error, EEXIST where something has it by now.
     void finish();
 
+    // After finish(): the folder too, as a single file needs it.
+    void syncFolder();
+
     // Where the bytes lie until finish().
     [[nodiscard]] const std::string& unfinishedPath() const { return unfinished_; }
 

@@ -116,6 +116,7 @@ void ZipTarget::finish() {
     file_.flush();
     verify();
     file_.finish();
+    file_.syncFolder();
 }
 
 void ZipTarget::verify() {

@@ -57,11 +57,10 @@ int runPresence(Session& session, bool force, bool json) {
         printJson(*flow.presence());
     else
         printReadable(*flow.presence());
-    if (!flow.questionFailure()) return done;
     // Of an earlier answer there are figures, which could be taken for those of now.
-    if (flow.presence()->checkedAt)
+    if (flow.questionFailure() && flow.presence()->checkedAt)
         messageLine("Mail 没有答复，以上是上次对照的结果：" + *flow.questionFailure());
-    return doneWithIssues;
+    return done;
 }
 
 } // namespace

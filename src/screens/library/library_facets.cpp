@@ -4,6 +4,7 @@
 #include <map>
 #include <unordered_map>
 
+#include "records/archived/counted_bytes.h"
 #include "records/timestamps.h"
 
 namespace corvane {
@@ -26,7 +27,7 @@ void addYears(LibraryFacets& facets, const LibraryList& list) {
         }
         YearOfMail& year = years[localYear(*record.date)];
         ++year.count;
-        year.bytes += record.sizeBytes;
+        year.bytes += countedBytes(record);
     }
     if (years.empty()) return;
     const std::int64_t last = years.rbegin()->first;
@@ -58,7 +59,7 @@ void addMailboxes(LibraryFacets& facets, const LibraryList& list) {
 LibraryFacets LibraryFacets::of(const LibraryList& list) {
     LibraryFacets facets;
     for (const EntryPosition position : list.entries.entries())
-        facets.bytes += list.index().entry(position).record.sizeBytes;
+        facets.bytes += countedBytes(list.index().entry(position).record);
     addYears(facets, list);
     addMailboxes(facets, list);
     return facets;

@@ -8,6 +8,7 @@
 #include <QUrl>
 #include <fmt/format.h>
 
+#include "records/archived/counted_bytes.h"
 #include "records/formatters.h"
 #include "screens/texts/archive_place.h"
 #include "screens/texts/shown_figures.h"
@@ -199,7 +200,7 @@ QString LibraryScreen::awayPlaces() const {
 std::int64_t LibraryScreen::selectedBytes() const {
     const ArchiveLibraryIndex& index = rows_.content().list->index();
     std::int64_t bytes = 0;
-    for (const EntryPosition entry : selection_.entries()) bytes += index.entry(entry).record.sizeBytes;
+    for (const EntryPosition entry : selection_.entries()) bytes += countedBytes(index.entry(entry).record);
     return bytes;
 }
 

@@ -10,6 +10,7 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include "records/archived/counted_bytes.h"
 #include "records/formatters.h"
 #include "screens/texts/shown_text.h"
 
@@ -53,7 +54,7 @@ RemovalList removalList(const LibraryList& list, const std::vector<EntryPosition
             const ArchivedEntry& entry = list.index().entry(position);
             if (statusNow(presence, entry) != status) continue;
             entries->push_back(entry);
-            made.bytes += entry.record.sizeBytes;
+            made.bytes += countedBytes(entry.record);
             if (!roots.contains(entry.locationRootPath.view())) roots.insert(entry.locationRootPath.str());
         }
         if (status == Status::missing) made.missing = entries->size();
@@ -73,7 +74,7 @@ RemovalReport removalReport(const RemovalList& list,
         const ArchivedEntry* entry = failed.at(failure.entryID);
         if (failure.isRecordGone) ++report.recordsGone;
         if (entry == nullptr) continue;
-        report.failedBytes += entry->record.sizeBytes;
+        report.failedBytes += countedBytes(entry->record);
         if (report.root.empty()) report.root = entry->locationRootPath.str();
         lines += screens::wholeText(entry->record.subject) + u'\t' + screens::wholeText(failure.reason);
         if (std::cmp_greater_equal(report.failures.size(), mostRemovalsShown)) continue;
