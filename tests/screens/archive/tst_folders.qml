@@ -33,8 +33,9 @@ WindowUnderTest {
                 mouseClick(part("cancelFolderButton"));
             tryVerify(() => !list || !list.visible);
         }
+        // Of the open sheet: the window has several of them, with the same parts.
         function part(name: string): Item {
-            const found = findChild(root.view, name) ?? findChild(root.overlay, name);
+            const found = findChild(root.overlay, name) ?? findChild(root.view, name);
             verify(found, name);
             return found;
         }
