@@ -12,6 +12,8 @@ SelectableList {
     // Where the view stands: its first row and how far that is scrolled out.
     property int anchorRow: -1
     property real anchorOffset: 0
+    // Untyped: Qt 6.4 compiles what reads an item's place after a test for null into what crashes.
+    property var itemLookedAt: null
 
     signal opened
     signal menuRequested(real x, real y)
@@ -19,8 +21,8 @@ SelectableList {
 
     function rememberPlace() {
         anchorRow = indexAt(10, contentY + 1);
-        const item = itemAtIndex(anchorRow);
-        anchorOffset = item ? contentY - item.y : 0;
+        itemLookedAt = itemAtIndex(anchorRow);
+        anchorOffset = itemLookedAt ? contentY - itemLookedAt.y : 0;
     }
     // Rows that have gone leave the place to the next one that is still there.
     function restorePlace() {
@@ -38,9 +40,9 @@ SelectableList {
     }
     function requestMenu() {
         showCurrent();
-        const row = itemAtIndex(selection.currentRow);
-        if (row)
-            menuRequested(48, row.y - contentY + 40);
+        itemLookedAt = itemAtIndex(selection.currentRow);
+        if (itemLookedAt)
+            menuRequested(48, itemLookedAt.y - contentY + 40);
     }
 
     objectName: "libraryView"
