@@ -25,7 +25,11 @@ foreach(usage bash=corvane-cli.bash zsh=_corvane-cli fish=corvane-cli.fish man=c
         DEPENDS corvane-cli)
     list(APPEND usage_files ${usage_folder}/${file})
 endforeach()
-add_custom_target(corvane-usage ALL DEPENDS ${usage_files})
+# A program for another system can't print them here.
+if(NOT CMAKE_CROSSCOMPILING)
+    set(usage_in_all ALL)
+endif()
+add_custom_target(corvane-usage ${usage_in_all} DEPENDS ${usage_files})
 if(APPLE)
     install(FILES ${usage_files} DESTINATION ${corvane_data}/usage)
 else()

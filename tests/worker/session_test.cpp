@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 
 #include "worker/fake_worker.h"
 #include "worker/worker_session.h"

@@ -30,9 +30,9 @@ QImage inFewColours(const QImage& picture) {
     std::sort(byCount.rbegin(), byCount.rend());
     QList<QRgb> table;
     for (const auto& [count, colour] : byCount) {
-        const auto isNear = [colour = colour](QRgb other) {
-            return std::abs(qRed(colour) - qRed(other)) + std::abs(qGreen(colour) - qGreen(other)) +
-                       std::abs(qBlue(colour) - qBlue(other)) <
+        const auto isNear = [wanted = colour](QRgb other) {
+            return std::abs(qRed(wanted) - qRed(other)) + std::abs(qGreen(wanted) - qGreen(other)) +
+                       std::abs(qBlue(wanted) - qBlue(other)) <
                    12;
         };
         if (table.size() < 256 && std::none_of(table.begin(), table.end(), isNear)) table.append(colour);
