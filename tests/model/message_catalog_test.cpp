@@ -1,6 +1,8 @@
 #include "model/mail/message_catalog.h"
 
 #include "model/corvane_view_model.h"
+#include <filesystem>
+
 #include "model/model_test.h"
 #include "records/stores/scan_cache_store.h"
 #include "support/sample_messages.h"
@@ -28,6 +30,23 @@ TEST_F(Catalog, FilesThatAScanHasSeenAreLookedForAgainOnlyWhenTheListComesBackLa
     EXPECT_EQ(availableAfter(set, MessageCatalog::Files::unknown), 1U);
     EXPECT_EQ(catalog_.messageByID(set->messages->back().id)->subject, "gone");
     EXPECT_EQ(catalog_.messageByID("elsewhere"), nullptr);
+}
+
+TEST_F(Catalog, OnlyAWholeListIsCachedAndOnlyOnceAsItIs) {
+    const MailScanCacheStore store(context_.support);
+    for (const bool isWhole : {false, true}) {
+        auto messages = std::make_shared<const MessageList>(sampleMessages(home_, {{"a"}, {"b"}}));
+        availableAfter(MessageSet::make(std::move(messages), isWhole), MessageCatalog::Files::justSeen);
+        catalog_.saveCacheIfDue({});
+        waitUntilIdle(context_.tasks);
+        EXPECT_EQ(store.load().has_value(), isWhole);
+    }
+    std::filesystem::remove(context_.support.filePath("last-scan-cache.json"));
+    catalog_.refreshAvailabilityCacheAsync(true);
+    waitUntilIdle(context_.tasks);
+    catalog_.saveCacheIfDue({});
+    waitUntilIdle(context_.tasks);
+    EXPECT_FALSE(store.load().has_value()) << "the same state isn't written again";
 }
 
 // Sizes tell whether everything is available, so a cache must not count what isn't in its list.
