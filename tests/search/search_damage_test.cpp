@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include "search/search_fixture.h"
+#include "support/faulty_sqlite_files.h"
 #include "support/unprivileged.h"
 
 namespace corvane::testing {
@@ -151,6 +152,23 @@ TEST_F(DamageTest, Damage_AFolderThatCantBeWrittenToGivesNoIndexOrOneThatReads) 
     }
     fs::permissions(folder, fs::perms(0755));
     EXPECT_EQ(open()->indexedIDs()->size(), 1000U);
+}
+
+TEST_F(DamageTest, Full_ADiskThatFillsUpCountsOnlyTheRowsThatStay) {
+    bool hasFailed = true;
+    for (int operation = 1; hasFailed; ++operation) {
+        FaultySqliteFiles files;
+        const std::size_t before = open()->indexedIDs()->size();
+        std::size_t inserted = 0;
+        {
+            const auto index = open();
+            files.failAt(operation, SqliteFault::full, true);
+            inserted = index->bulkInsert(manyRows(operation * 10, 2));
+            hasFailed = files.hasFailed();
+        }
+        files.heal();
+        EXPECT_EQ(open()->indexedIDs()->size() - before, inserted) << operation;
+    }
 }
 
 TEST_F(DamageTest, Lock_ThatStaysCostsTheWriterItsRowsAndReadersNothing) {
