@@ -86,7 +86,7 @@ FAULTS = (
           "if (input_.forgotten.contains(root) && !hasReturned(root, hasContent)) return;", "", ("locations", "model")),
     Fault("a replaced job is still wanted", "task_slot.h", "        requestStop();\n        job_.reset();",
           "        requestStop();", ("model",)),
-    Fault("the list of a cancelled scan is kept for the next start", "message_catalog.cpp", "if (state_->set->isComplete) {\n        dueCache_",
+    Fault("a list that is not whole is kept for the next start", "message_catalog.cpp", "if (state_->set->isComplete) {\n        dueCache_",
           "if (true) {\n        dueCache_", ("model",)),
     Fault("a run leaves the library as it was", "corvane_view_model.cpp",
           "loadArchiveIndex(true);\n            destinations_.refreshFacts();", "destinations_.refreshFacts();",
@@ -104,7 +104,7 @@ FAULTS = (
           "} else if (archivedIDs.contains(message.id)) {", "} else {", ("listing", "screens_home")),
     # Proof: what may be deleted.
     Fault("archived mail is deletable without a proof", "deletion_safety.h", "local > 0 && proofs.proven == local",
-          "local > 0 && archived == local", ("screens_home", "model")),
+          "local > 0 && archived == local", ("listing", "screens_home", "model")),
     Fault("a reading outlives a change of its copy", "proof_outcome.cpp",
           "copy.reading != nullptr && copy.reading->stamp == copy.stamp ?", "copy.reading != nullptr ?", ("listing",)),
     Fault("a reading outlives a change of its archived file", "proof_outcome.cpp",

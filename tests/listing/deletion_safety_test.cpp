@@ -13,6 +13,20 @@
 namespace corvane::testing {
 namespace {
 
+TEST(DeletionSafety, IsDeletableOnlyWhereAllIsProvenAndNothingIsHeldInPart) {
+    struct {
+        DeletionSafety safety;
+        bool isDeletable;
+    } const cases[] = {
+        {{.local = 2, .archived = 2, .proofs = {.proven = 2}}, true},
+        {{.local = 2, .archived = 2, .proofs = {.proven = 1}}, false}, // the other wasn't looked at
+        {{.local = 2, .archived = 2, .serverOnly = 1, .proofs = {.proven = 2}, .partial = 1}, false},
+        {{}, false},
+    };
+
+    for (const auto& [safety, isDeletable] : cases) EXPECT_EQ(safety.isDeletable(), isDeletable);
+}
+
 TEST(DeletionSafety, CountsOnlyWhatIsLocalAndArchived) {
     const MessageList messages = makeAll({{.id = "1", .identifier = "a"},
                                           {.id = "2", .identifier = "b"},

@@ -112,6 +112,10 @@ TEST(Leftovers, OfALivingProcessStay_AndOfAKilledOneGo) {
     const auto entries = [&] { return listDirectory(folder, HiddenEntries::include)->size(); };
     const UserOfTemporaries user(folder);
     ASSERT_EQ(entries(), 3U);
+    // Also what it began long ago.
+    const auto longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(24 * 60);
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        std::filesystem::last_write_time(entry.path(), longAgo);
     EXPECT_EQ(removeTemporaryFiles(folder) + removeUnfinishedFiles(folder), 0);
     user.kill();
     EXPECT_EQ(removeTemporaryFiles(folder), 2);
