@@ -74,6 +74,7 @@ typedef struct {
 @end
 
 @interface NSString : NSObject
+@property(readonly) NSUInteger length;
 @property(readonly) const char* UTF8String;
 + (NSString*)stringWithUTF8String:(const char*)bytes;
 @end

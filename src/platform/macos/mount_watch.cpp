@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+#include <ctime>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -17,6 +18,10 @@
 namespace corvane::platform::macos {
 
 namespace {
+
+// The folder of a disk stays for a moment after the disk has gone, and the name of one that comes is there a
+// moment after it.
+constexpr timespec settlingTime{.tv_sec = 0, .tv_nsec = 500'000'000};
 
 [[noreturn]] void throwLastError(const char* what) {
     throw std::system_error(errno, std::generic_category(), what);
@@ -49,15 +54,17 @@ class MountWatch final : public MountSubscription {
 
   private:
     void run() {
+        bool isSettling = false;
         while (true) {
             std::array<struct kevent, 2> events{};
-            const int count =
-                ::kevent(queue_.get(), nullptr, 0, events.data(), static_cast<int>(events.size()), nullptr);
+            const int count = ::kevent(queue_.get(), nullptr, 0, events.data(),
+                                       static_cast<int>(events.size()), isSettling ? &settlingTime : nullptr);
             if (count < 0 && errno != EINTR) return;
             for (int i = 0; i < count; ++i) {
                 if (events[static_cast<std::size_t>(i)].filter == EVFILT_READ) return;
             }
-            if (count > 0) notifyChanges();
+            if (count == 0) notifyChanges();
+            if (count >= 0) isSettling = count > 0;
         }
     }
 

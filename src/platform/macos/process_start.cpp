@@ -12,6 +12,7 @@
 #include <spawn.h>
 #include <sys/event.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "platform/macos/desktop_commands.h"
@@ -90,8 +91,20 @@ class SpawnAttributes {
     int error_ = 0;
 };
 
-FileDescriptor closedPipe() {
-    return std::move(makePipe().readEnd);
+// Readable at once; invalid where none can be made.
+FileDescriptor closedPipe() noexcept {
+    try {
+        return std::move(makePipe().readEnd);
+    } catch (const std::system_error&) {
+        return {};
+    }
+}
+
+// Leaves its status to be waited for.
+bool hasEnded(pid_t pid) {
+    siginfo_t status{};
+    const int result = ::waitid(P_PID, static_cast<id_t>(pid), &status, WEXITED | WNOHANG | WNOWAIT);
+    return result == 0 && status.si_pid == pid;
 }
 
 // A queue whose one event is the end of the process. Invalid where the queue can't be made.
@@ -100,9 +113,10 @@ FileDescriptor endOfProcess(pid_t pid) {
     if (!queue) return {};
     struct kevent end{};
     EV_SET(&end, static_cast<uintptr_t>(pid), EVFILT_PROC, EV_ADD, NOTE_EXIT, 0, nullptr);
-    if (::kevent(queue.get(), &end, 1, nullptr, 0, nullptr) == 0) return queue;
-    // It has ended already: a pipe without a writer is readable at once.
-    return errno == ESRCH ? closedPipe() : FileDescriptor();
+    const bool isWatched = ::kevent(queue.get(), &end, 1, nullptr, 0, nullptr) == 0;
+    if (!isWatched && errno != ESRCH) return {};
+    // Of an end before the watch there may be no event.
+    return isWatched && !hasEnded(pid) ? std::move(queue) : closedPipe();
 }
 
 pid_t spawn(const ChildProcessOptions& options) {
