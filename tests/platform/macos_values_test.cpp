@@ -162,6 +162,8 @@ TEST(MacosMenus, WhatTheSystemAddsGoes) {
     for (const auto& kept :
          {item("terminate:"), item("", "服务"), menu("x", {}), menu("x", {"", "copy:", "startSpeaking:"})})
         EXPECT_FALSE(shouldRemove(kept)) << kept.title;
+    EXPECT_EQ(titleOf("terminate:"), "退出 Corvane");
+    EXPECT_EQ(titleOf("performMenuCommand:"), "");
 }
 
 TEST(MacosMenus, SeparatorsStandOnlyBetweenEntries) {

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #import <AppKit/AppKit.h>
@@ -30,6 +31,18 @@ macos::MenuItemFacts factsOf(NSMenuItem* item) {
     facts.isServicesMenu = submenu != nil && submenu == NSApp.servicesMenu;
     for (NSMenuItem* entry in submenu.itemArray) facts.submenuActions.push_back(actionOf(entry));
     return facts;
+}
+
+NSString* textOf(std::string_view utf8Text) {
+    return [NSString stringWithUTF8String:std::string(utf8Text).c_str()];
+}
+
+// Qt translates its entries only in programs that make a menu bar by it.
+void nameItems(NSMenu* applicationMenu) {
+    for (NSMenuItem* item in applicationMenu.itemArray) {
+        const std::string_view title = macos::titleOf(actionOf(item));
+        if (!title.empty() && utf8(item.title) != title) item.title = textOf(title);
+    }
 }
 
 void pruneNoiseItems(NSMenu* menu) {
@@ -124,7 +137,7 @@ void pruneNoiseItems(NSMenu* menu) {
     CorvaneMenuCommand* const target = [[CorvaneMenuCommand alloc] init];
     target->run = command.run;
     NSMenuItem* const item =
-        [[NSMenuItem alloc] initWithTitle:[NSString stringWithUTF8String:command.title.c_str()]
+        [[NSMenuItem alloc] initWithTitle:textOf(command.title)
                                    action:@selector(performMenuCommand:)
                             keyEquivalent:@""];
     item.target = target;
@@ -160,6 +173,7 @@ void pruneNoiseItems(NSMenu* menu) {
 - (void)enforceMenuPolicy {
     [self removeHelpMenu];
     [self insertCommands];
+    nameItems(NSApp.mainMenu.itemArray.firstObject.submenu);
     for (NSMenuItem* item in NSApp.mainMenu.itemArray) [self watch:item.submenu];
     [self watch:NSApp.windowsMenu];
 }

@@ -15,6 +15,17 @@ constexpr std::array<std::string_view, 4> servicesTitles{"服务", "服務", "Se
 constexpr std::array<std::string_view, 4> closeAllTitles{"全部关闭", "全部關閉", "Close All",
                                                          "すべてを閉じる"};
 
+struct NamedAction {
+    std::string_view action;
+    std::string_view title;
+};
+
+constexpr std::array<NamedAction, 5> applicationActions{{{"orderFrontStandardAboutPanel:", "关于 Corvane"},
+                                                         {"hide:", "隐藏 Corvane"},
+                                                         {"hideOtherApplications:", "隐藏其他"},
+                                                         {"unhideAllApplications:", "全部显示"},
+                                                         {"terminate:", "退出 Corvane"}}};
+
 bool contains(const auto& list, std::string_view text) {
     return std::ranges::find(list, text) != list.end();
 }
@@ -28,6 +39,11 @@ bool shouldRemove(const MenuItemFacts& item) {
     const auto first =
         std::ranges::find_if(item.submenuActions, [](const auto& text) { return !text.empty(); });
     return first != item.submenuActions.end() && contains(noiseSelectors, *first);
+}
+
+std::string_view titleOf(std::string_view action) {
+    const auto named = std::ranges::find(applicationActions, action, &NamedAction::action);
+    return named == applicationActions.end() ? std::string_view() : named->title;
 }
 
 std::vector<std::size_t> superfluousSeparators(const std::vector<bool>& isSeparator) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace corvane::platform::macos {
@@ -18,6 +19,9 @@ struct MenuItemFacts {
 // Spelling, substitutions, speech, dictation, closing of all windows, services: whatever the system adds that
 // Corvane has no use for.
 bool shouldRemove(const MenuItemFacts& item);
+
+// The name of an entry that Qt puts into the application's own menu, in English; empty for any other.
+std::string_view titleOf(std::string_view action);
 
 // The separators that lead, trail or follow another one, by their places in the menu, ascending.
 std::vector<std::size_t> superfluousSeparators(const std::vector<bool>& isSeparator);
