@@ -25,6 +25,22 @@ std::string resolvedSoFar(const std::string& path) {
     return path;
 }
 
+// By what the folders are, too: on a disk that doesn't tell cases apart, or by a second way to the same disk,
+// one folder has many names, of which only links can be resolved.
+bool liesIn(const std::string& path, const std::string& folder) {
+    const std::string resolved = resolvedSoFar(path);
+    if (platform::isAtOrBelow(resolved, resolvedSoFar(folder))) return true;
+    const platform::FileLook wanted = platform::lookAtFile(folder);
+    if (wanted.presence != platform::FileLook::Presence::there) return false;
+    for (std::string above = resolved; above.size() > 1; above = platform::parentPath(above)) {
+        const platform::FileLook look = platform::lookAtFile(above);
+        if (look.presence == platform::FileLook::Presence::there && look.device == wanted.device &&
+            look.inode == wanted.inode)
+            return true;
+    }
+    return false;
+}
+
 // Of the nearest folder above the path that holds an index; empty without one.
 std::string archiveAbove(const std::string& path) {
     for (std::string folder(platform::parentPath(path)); folder.size() > 1;
@@ -39,7 +55,7 @@ std::string archiveAbove(const std::string& path) {
 
 std::optional<std::string> refusalInMail(const std::string& path, const std::string& mailRoot) {
     if (mailRoot.empty()) return std::nullopt;
-    if (!platform::isAtOrBelow(resolvedSoFar(path), resolvedSoFar(mailRoot))) return std::nullopt;
+    if (!liesIn(path, mailRoot)) return std::nullopt;
     return fmt::format("“{}”在 Mail 的数据文件夹里，那里从不写入任何东西。请选择别的位置。",
                        platform::lastPathComponent(path));
 }
