@@ -10,9 +10,11 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <openssl/evp.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "platform/files/sha256.h"
+#include "platform/files/writing/storage_flush.h"
 
 namespace {
 
@@ -41,11 +43,11 @@ void copyProven(const std::string& from, const std::string& to) {
     ::close(target);
     const int check = ::open(to.c_str(), O_RDONLY);
     if (check < 0) die("open check");
-    ::posix_fadvise(check, 0, 0, POSIX_FADV_DONTNEED);
+    corvane::platform::dropCachedPages(check);
     const std::vector<char> found = readWhole(check);
     if (found != bytes) die("compare");
-    unsigned char hash[32];
-    if (::EVP_Digest(found.data(), found.size(), hash, nullptr, ::EVP_sha256(), nullptr) != 1) die("hash");
+    const auto hash = corvane::platform::sha256({found.data(), found.size()});
+    if (hash == corvane::platform::Sha256Digest()) die("hash");
     ::close(check);
 }
 
