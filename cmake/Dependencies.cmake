@@ -2,7 +2,11 @@
 find_package(Threads REQUIRED)
 find_package(ICU 70 REQUIRED COMPONENTS uc i18n data)
 find_package(SQLite3 3.34 REQUIRED)
-find_package(simdjson 3 REQUIRED)
+# Its own file of versions takes 3.1 for no match of 3.
+find_package(simdjson REQUIRED)
+if(simdjson_VERSION VERSION_LESS 3)
+    message(FATAL_ERROR "simdjson ${simdjson_VERSION} is too old: 3 or later is needed.")
+endif()
 find_package(fmt 9 REQUIRED)
 find_package(TBB 2021 REQUIRED)
 find_path(RAPIDJSON_INCLUDE_DIR rapidjson/writer.h REQUIRED)

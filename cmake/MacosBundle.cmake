@@ -22,13 +22,20 @@ set_target_properties(corvane PROPERTIES
     MACOSX_BUNDLE_BUNDLE_VERSION ${PROJECT_VERSION}
     MACOSX_BUNDLE_SHORT_VERSION_STRING ${PROJECT_VERSION})
 
+# The program in the bundle looks for them there, also before it is installed.
+set(contents $<TARGET_BUNDLE_CONTENT_DIR:corvane>)
+add_custom_target(corvane_bundle_parts
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${contents}/Resources ${contents}/MacOS
+    COMMAND ${CMAKE_COMMAND} -E copy_if_different ${worker_copy}/mail_worker.py ${contents}/Resources
+    COMMAND ${CMAKE_COMMAND} -E rm -rf ${contents}/Resources/corvane_mail
+    COMMAND ${CMAKE_COMMAND} -E copy_directory ${worker_copy}/corvane_mail ${contents}/Resources/corvane_mail
+    COMMAND ${CMAKE_COMMAND} -E copy_if_different $<TARGET_FILE:corvane-thumbnail> ${contents}/MacOS
+    VERBATIM)
+add_dependencies(corvane_bundle_parts mail_worker_script corvane-thumbnail)
+add_dependencies(corvane corvane_bundle_parts)
+
 install(TARGETS corvane BUNDLE DESTINATION .)
 install(TARGETS corvane-cli corvane-thumbnail RUNTIME DESTINATION Corvane.app/Contents/MacOS)
-# Qt's own texts, which the entries of the application menu are among.
-find_file(qt_chinese qtbase_zh_CN.qm PATHS ${Qt6_DIR}/../../.. PATH_SUFFIXES translations share/qt/translations)
-if(qt_chinese)
-    install(FILES ${qt_chinese} DESTINATION ${corvane_data}/translations)
-endif()
 if(CORVANE_PYTHON_RUNTIME)
     install(DIRECTORY ${CORVANE_PYTHON_RUNTIME}/ DESTINATION ${corvane_data}/PythonRuntime USE_SOURCE_PERMISSIONS)
 else()

@@ -19,7 +19,7 @@ if [ "$(uname)" = Darwin ]; then
     # SQLite, its shell and a Python are the system's; Qt comes whole.
     build=(llvm cmake ninja pkgconf qt icu4c simdjson rapidjson cli11 tbb fmt libarchive)
     window=("")
-    run=(python@3.12)
+    run=(python3) # the newest: only that one is linked under this name
     tests=(googletest)
     checks=("")
     headers=("")
