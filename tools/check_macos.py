@@ -1,15 +1,17 @@
 #!/usr/bin/env python3
-"""Compiles all programs and tests for macOS with warnings as errors, and shows that each has every function of ours
-that it calls. Nothing is linked or run. That is done for Apple's processors; for Intel's only with the sources that a
-processor can make a difference to, unless all is asked for. The headers of macOS come from a package of npm that
-carries them; they are kept outside of the build folder, and so is nothing else. What was compiled stays for the next
-time.
+"""Compiles all programs, tests and measures for macOS with warnings as errors, and shows that each has every function
+of ours that it calls, and that a Mac's platform leaves none out. Nothing is linked or run. That is done for Apple's
+processors; for Intel's only with the sources that a processor can make a difference to, unless all is asked for. Before
+that, two things that take no compiler: which system it is, only the platform, the program's entry and CMake ask; and
+what completes the bundle does so over a made one. The headers of macOS come from a package of npm that carries them;
+they are kept outside of the build folder, and so is nothing else. What was compiled stays for the next time.
   check_macos.py [--whole] [--jobs N]     --whole compiles all for Intel too"""
 
 import argparse
 import base64
 import hashlib
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -28,10 +30,48 @@ HEADERS = "package/lib/libc/include/any-macos-any/"
 LIBRARIES = ["CLI", "GL", "KHR", "archive.h", "archive_entry.h", "fmt", "gmock", "gtest", "oneapi", "rapidjson",
              "simdjson.h", "sqlite3.h", "tbb", "unicode"]
 FRAMEWORKS = ["AppKit", "CoreFoundation", "Foundation"]
+# Which system it is, as a source can ask.
+SYSTEM_QUESTION = re.compile(
+    r"^[ \t]*#[ \t]*(?:el)?if.*\b(?:__APPLE__|__MACH__|__linux__|__gnu_linux__|__GLIBC__|__unix__|TARGET_OS_\w+|Q_OS_\w+)",
+    re.MULTILINE)
+MAY_ASK = ("src/platform/", "src/app/", "tools/macos_check/")
 # Where the system is called, whose types and symbols are others, and Objective-C's BOOL; and where simdjson is, whose
 # parser is written for each processor.
 INTEL_TARGETS = ["corvane_platform", "corvane_records",
                  "src/mailstore/CMakeFiles/corvane_mailstore.dir/sqlite/json_rows.cpp.o"]
+
+
+def system_questions():
+    """Where a source asks which system it is and has no business to."""
+    found = []
+    for folder in ["src", "tests", "benchmarks", "tools"]:
+        for path in sorted((ROOT / folder).rglob("*")):
+            name = str(path.relative_to(ROOT))
+            if path.suffix in {".cpp", ".h", ".mm"} and not name.startswith(MAY_ASK):
+                text = path.read_text(encoding="utf-8")
+                found += [f"{name}:{text.count(chr(10), 0, match.start()) + 1}: 只有 platform、app 和 CMake 可以区分系统"
+                          for match in SYSTEM_QUESTION.finditer(text)]
+    return found
+
+
+def left_out():
+    """Functions of the platform that a Mac's has no answer of its own for."""
+    text = (ROOT / "src/platform/platform.h").read_text(encoding="utf-8")
+    names = re.findall(r"\bvirtual\s+(?!~)[^;{]*?\b(\w+)\(", text)
+    compiled = BUILD / "arm64/src/platform/CMakeFiles/corvane_platform.dir/macos/macos_platform.cpp.o"
+    symbols = subprocess.run(["llvm-nm-19", "--defined-only", str(compiled)], check=True, capture_output=True,
+                             text=True).stdout
+    return [f"macos_platform.cpp: 没有 {name}()" for name in names if f"13MacosPlatform{len(name)}{name}E" not in symbols]
+
+
+def complain(faults):
+    for fault in faults:
+        print(fault, file=sys.stderr)
+    return not faults
+
+
+def completes_bundles():
+    return subprocess.run([sys.executable, str(ROOT / "tools/macos_check/try_bundle.py")]).returncode == 0
 
 
 def cache_folder():
@@ -91,7 +131,7 @@ def configuration(folder, processor, headers, libraries):
             f"-DCORVANE_DARWIN_HEADERS={headers}", f"-DCORVANE_LIBRARY_HEADERS={libraries}",
             "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0", "-DCMAKE_OBJCXX_FLAGS_DEBUG=-O0",
             # A Mac's Qt makes other sources of the QML than this one does.
-            "-DCORVANE_COMPILED_QML=OFF", "-DCORVANE_WERROR=ON",
+            "-DCORVANE_COMPILED_QML=OFF", "-DCORVANE_WERROR=ON", "-DCORVANE_BENCHMARKS=ON",
             *([f"-DCMAKE_CXX_COMPILER_LAUNCHER={launcher}"] if launcher else [])]
 
 
@@ -124,9 +164,12 @@ def main():
     parser.add_argument("--whole", action="store_true")
     parser.add_argument("--jobs", type=int, default=os.cpu_count() or 1)
     options = parser.parse_args()
+    passed = [complain(system_questions()), completes_bundles()]
     headers, libraries = darwin_headers(), library_headers()
-    passed = [compile_for("arm64", headers, libraries, [], options.jobs),
+    passed += [compile_for("arm64", headers, libraries, [], options.jobs),
               compile_for("x86_64", headers, libraries, [] if options.whole else INTEL_TARGETS, options.jobs)]
+    if passed[2]:
+        passed.append(complain(left_out()))
     return 0 if all(passed) else 1
 
 

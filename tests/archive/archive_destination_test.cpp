@@ -11,9 +11,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#if defined(__linux__)
-#include <sys/mount.h>
-#endif
 #include <unistd.h>
 
 #include "archive/archive_error.h"
@@ -201,20 +198,6 @@ TEST_F(Destination, AnotherFolderUnderItsPathIsNotWrittenTo) {
         EXPECT_EQ(result.archivedCount + result.skippedAlreadyArchived, 8);
         expectTrue(result);
     }
-}
-
-TEST_F(Destination, NothingGoesBelowADiskThatIsUnmountedInARun) {
-#if defined(__linux__)
-    fs::create_directory(root);
-    if (::mount("none", root.c_str(), "tmpfs", 0, "size=1m") != 0) GTEST_SKIP() << "mounting isn't permitted";
-    FaultyFileLayer files;
-    beforeWrite(files, 4, [&] { ::umount2(root.c_str(), MNT_DETACH); });
-    EXPECT_THAT(endOfRun(eight(), files), ::testing::EndsWith("：位置不存在或磁盘未连接"));
-    EXPECT_EQ(files.operationCount(FileOperation::write), 4U);
-    EXPECT_EQ(treeOf(root), Tree{});
-#else
-    GTEST_SKIP();
-#endif
 }
 
 TEST_F(Destination, AFolderThatIsSwappedLeadsNothingOutAndCountsNothing) {
