@@ -114,13 +114,6 @@ TEST(Directory, ReadFile_TakesOnlyRegularFilesWithinTheLimit) {
     }
 }
 
-TEST(Directory, ReadFile_ReadsFilesWhoseSizeIsAnnouncedAsZero) {
-    const auto content = readFile("/proc/self/mountinfo");
-    ASSERT_TRUE(content);
-    EXPECT_FALSE(content->empty());
-    EXPECT_FALSE(readFile("/proc/self/mountinfo", 10));
-}
-
 TEST(Directory, Questions_AnswerByTheTargetAndNeverHang) {
     const TemporaryHome home;
     home.write("file", "x");

@@ -1,5 +1,7 @@
-// What only Linux can be asked: what a child was given, and which pages of a file are kept in memory.
+// What only Linux can be asked: what a child was given, which pages of a file are kept in memory, and files
+// that the system makes up.
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <vector>
@@ -18,6 +20,7 @@
 
 #include "platform/files/directory.h"
 #include "platform/files/layers/file_layer.h"
+#include "platform/files/writing/durable_file.h"
 #include "platform/processes/child_process.h"
 #include "platform/processes/peer_user.h"
 #include "support/temporary_home.h"
@@ -54,6 +57,17 @@ TEST(ChildProcess, StandsApartFromThisProcess) {
     EXPECT_EQ(descriptors.output, "0\n1\n2\n3\n") << "3 is the listing's own";
     const std::size_t line = group.output.find('\n');
     EXPECT_EQ(group.output.substr(0, line + 1), group.output.substr(line + 1));
+}
+
+TEST(Directory, ReadFile_ReadsFilesWhoseSizeIsAnnouncedAsZero) {
+    const auto content = readFile("/proc/self/mountinfo");
+    ASSERT_TRUE(content);
+    EXPECT_FALSE(content->empty());
+    EXPECT_FALSE(readFile("/proc/self/mountinfo", 10));
+}
+
+TEST(CreateDirectories, SaysWhyWhereNobodyCanMakeAny) {
+    EXPECT_EQ(createDirectories(posixFileLayer(), "/proc/nothing/here").value(), ENOENT);
 }
 
 // Run by the next test in a process of its own.

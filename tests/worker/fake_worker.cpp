@@ -46,7 +46,7 @@ WorkerError errorOf(const std::function<void()>& call) {
 }
 
 std::size_t openDescriptors() {
-    return platform::listDirectory("/proc/self/fd", platform::HiddenEntries::include)->size();
+    return platform::listDirectory("/dev/fd", platform::HiddenEntries::include)->size();
 }
 
 bool hasChildren() {
