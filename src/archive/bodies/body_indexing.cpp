@@ -2,17 +2,17 @@
 
 #include <algorithm>
 #include <exception>
-#include <filesystem>
 #include <optional>
 #include <span>
-#include <system_error>
 #include <unordered_map>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+#include <sys/stat.h>
 
 #include "archive/archive_root.h"
 #include "archive/bodies/batch_extraction.h"
+#include "platform/files/cloud_content.h"
 #include "platform/paths.h"
 #include "platform/stop_watch.h"
 #include "records/logs/console_log.h"
@@ -69,6 +69,15 @@ SearchIndexRow searchIndexRow(const ArchivedEmailRecord& record, std::string bod
             std::move(body)};
 }
 
+namespace {
+
+bool hasContent(const std::string& path) {
+    struct stat status{};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && !platform::isOnlyInCloud(status);
+}
+
+} // namespace
+
 std::vector<BodyIndexItem> bodyIndexItems(const std::string& archiveRoot,
                                           const std::vector<ArchivedEmailRecord>& records) {
     archive::ArchiveRoot root(archiveRoot);
@@ -79,9 +88,7 @@ std::vector<BodyIndexItem> bodyIndexItems(const std::string& archiveRoot,
         const std::string path = root.at(record.emlRelativePath);
         const auto [folder, isNew] = folders.try_emplace(std::string(platform::parentPath(path)));
         if (isNew) folder->second = root.holdsFolder(folder->first);
-        std::error_code error;
-        if (folder->second && std::filesystem::is_regular_file(std::filesystem::symlink_status(path, error)))
-            items.push_back({record, FileURL(path)});
+        if (folder->second && hasContent(path)) items.push_back({record, FileURL(path)});
     }
     return items;
 }

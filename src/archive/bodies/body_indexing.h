@@ -48,7 +48,7 @@ using BodyIndexProgress = std::function<void(std::int64_t done, std::int64_t tot
 SearchIndexRow searchIndexRow(const ArchivedEmailRecord& record, std::string body);
 
 // Where the files of the records lie, in their order. An index is from outside: a path that leaves the root,
-// by its text or by a link, and anything but a regular file, counts as missing.
+// by its text or by a link, and anything but a regular file that holds its content, counts as missing.
 std::vector<BodyIndexItem> bodyIndexItems(const std::string& archiveRoot,
                                           const std::vector<ArchivedEmailRecord>& records);
 

@@ -9,6 +9,7 @@
 
 #include "archive/archive_error.h"
 #include "archive/destination/durable_write.h"
+#include "platform/files/cloud_content.h"
 #include "platform/files/cloud_placeholder.h"
 #include "platform/files/directory.h"
 #include "platform/files/file_look.h"
@@ -54,6 +55,7 @@ ArchiveReader::File readLimited(platform::FileLayer& files, platform::JobLimit& 
     if (files.stat(path, status) == 0) {
         file.stamp = {status.st_size, platform::modifiedNanoseconds(status)};
         file.identity = {status.st_dev, status.st_ino};
+        if (platform::isOnlyInCloud(status)) return file;
     }
     if (file.stamp.sizeBytes > largestBytes) {
         file.state = ArchiveReader::File::State::tooLarge;

@@ -5,6 +5,7 @@
 
 #include "archive/destination/durable_write.h"
 #include "archive/message_extraction.h"
+#include "platform/files/cloud_content.h"
 #include "platform/files/directory.h"
 #include "platform/files/file_look.h"
 #include "platform/paths.h"
@@ -73,6 +74,8 @@ std::optional<FileReading> ArchivedFileReader::read(std::string_view relativePat
     if (!holdsFolder(std::string(platform::parentPath(path)))) return std::nullopt;
     const FileLook before = platform::lookAtFile(path);
     if (before.presence == FileLook::Presence::absent) return std::nullopt;
+    struct stat status{};
+    if (files_.stat(path, status) == 0 && platform::isOnlyInCloud(status)) return std::nullopt;
     const auto bytes = content(path, onProgress);
     if (!isSameFile(before, platform::lookAtFile(path))) return std::nullopt;
     FileReading reading;

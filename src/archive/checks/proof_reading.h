@@ -26,8 +26,8 @@ class ArchivedFileReader {
     // `files` has to outlive the reader.
     ArchivedFileReader(platform::FileLayer& files, std::string root);
 
-    // Absent as above, and for a path that leads out of the archive or through a link. `onProgress` is called
-    // before each piece.
+    // Absent as above, for a path that leads out of the archive or through a link, and for a file of which a
+    // cloud provider has the content. `onProgress` is called before each piece.
     std::optional<FileReading> read(std::string_view relativePath, const BodyHashNeed& needsBodyHash,
                                     const std::function<void()>& onProgress = {});
 

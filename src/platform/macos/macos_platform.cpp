@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/files/cloud_content.h"
 #include "platform/files/cloud_placeholder.h"
 #include "platform/files/directory.h"
 #include "platform/home_places.h"
@@ -117,7 +118,7 @@ class MacosPlatform final : public Platform {
     // Newer systems keep the file without its content; older ones put a placeholder in its place.
     [[nodiscard]] bool isCloudPlaceholder(const std::string& path) const override {
         struct stat status{};
-        if (::stat(path.c_str(), &status) == 0) return (status.st_flags & SF_DATALESS) != 0;
+        if (::stat(path.c_str(), &status) == 0) return isOnlyInCloud(status);
         return errno == ENOENT && fileExists(cloudPlaceholderPath(path));
     }
 
