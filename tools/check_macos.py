@@ -3,7 +3,7 @@
 of ours that it calls, and that a Mac's platform leaves none out. Nothing is linked or run. That is done for Apple's
 processors; for Intel's only with the sources that a processor can make a difference to, unless all is asked for. Before
 that, two things that take no compiler: which system it is, only the platform, the program's entry and CMake ask; and
-what completes the bundle does so over a made one. The headers of macOS come from a package of npm that carries them;
+what completes the bundle does so over a made one. After it, the QML that only a Mac runs is read by qmllint. The headers of macOS come from a package of npm that carries them;
 they are kept outside of the build folder, and so is nothing else. What was compiled stays for the next time.
   check_macos.py [--whole] [--jobs N]     --whole compiles all for Intel too"""
 
@@ -62,6 +62,22 @@ def left_out():
     symbols = subprocess.run(["llvm-nm-19", "--defined-only", str(compiled)], check=True, capture_output=True,
                              text=True).stdout
     return [f"macos_platform.cpp: 没有 {name}()" for name in names if f"13MacosPlatform{len(name)}{name}E" not in symbols]
+
+
+def qml_for_macos():
+    """What qmllint says of the QML that only a Mac runs: the lines that ask for it, and those that follow."""
+    found = []
+    for path in sorted((ROOT / "src/screens").rglob("*.qml")):
+        lines = path.read_text(encoding="utf-8").splitlines()
+        asking = [number for number, line in enumerate(lines, 1) if "Qt.platform.os" in line]
+        if not asking:
+            continue
+        run = subprocess.run(["/usr/lib/qt6/bin/qmllint", "-I", str(BUILD / "arm64/qml"), str(path)],
+                             capture_output=True, text=True)
+        for number, what in re.findall(rf"^\w+: {re.escape(str(path))}:(\d+):\d+: (.*)", run.stderr, re.MULTILINE):
+            if any(line <= int(number) <= line + 3 for line in asking):
+                found.append(f"{path.relative_to(ROOT)}:{number}: {what}")
+    return found
 
 
 def complain(faults):
@@ -169,7 +185,7 @@ def main():
     passed += [compile_for("arm64", headers, libraries, [], options.jobs),
               compile_for("x86_64", headers, libraries, [] if options.whole else INTEL_TARGETS, options.jobs)]
     if passed[2]:
-        passed.append(complain(left_out()))
+        passed.append(complain(left_out() + qml_for_macos()))
     return 0 if all(passed) else 1
 
 
