@@ -2,6 +2,8 @@
 # The one list of packages, by system and by what needs them: Debian's, and on a Mac Homebrew's. Prints the names for
 # the given groups.
 set -euo pipefail
+. "$(dirname "$0")/usage.sh"
+check_options "" "$@"
 
 build=(g++ cmake ninja-build pkg-config git ca-certificates
     qt6-base-dev libicu-dev libsqlite3-dev libsimdjson-dev rapidjson-dev libcli11-dev libtbb-dev libfmt-dev
