@@ -135,8 +135,8 @@ int main(int argc, char** argv) {
     fmt::print("{{");
     LibraryWalk walk(application, whole);
     walk.measure("load", [&] {
-        whole.model().destinations().setTransferDestination(root);
-        whole.model().library().loadEmailArchiveIndex(root, true);
+        whole.model().archiving().destinations.setTransferDestination(root);
+        whole.model().library().loader.loadEmailArchiveIndex(root, true);
     });
     walk.walk();
     walk.remove();

@@ -157,7 +157,7 @@ std::string measureOurs(int rows) {
     CorvaneViewModel model(context);
     WindowModel windowModel(model);
     const SharedMessageList messages = makeMessages(rows);
-    model.catalog().restore(MessageSet::make(messages, false), {}, allAvailable(*messages));
+    model.mail().catalog.restore(MessageSet::make(messages, false), {}, allAvailable(*messages));
     while (!context.tasks.isIdle() || windowModel.mails()->list()->count() < rows) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }

@@ -142,28 +142,30 @@ void measure(const std::string& command, const std::string& home) {
     double available = 0;
     double published = 0;
     double used = 0;
-    QObject::connect(&model.scanFlow(), &ScanFlow::scanStarted, [&] { scanning = now(); });
-    QObject::connect(&model.catalog(), &MessageCatalog::messagesChanged, [&] { merged = now(); });
-    QObject::connect(&model.catalog(), &MessageCatalog::availabilityPublished, [&] { available = now(); });
-    QObject::connect(&model.visible(), &VisibleMessages::visibleMessagesChanged, [&] {
+    QObject::connect(&model.mail().scanFlow, &ScanFlow::scanStarted, [&] { scanning = now(); });
+    QObject::connect(&model.mail().catalog, &MessageCatalog::messagesChanged, [&] { merged = now(); });
+    QObject::connect(&model.mail().catalog, &MessageCatalog::availabilityPublished,
+                     [&] { available = now(); });
+    QObject::connect(&model.mail().visible, &VisibleMessages::visibleMessagesChanged, [&] {
         published = now();
         used = processorSeconds(RUSAGE_SELF) - usedBefore;
     });
     if (command == "refresh")
-        model.scanFlow().refreshAllMailData();
+        model.mail().scanFlow.refreshAllMailData();
     else
-        model.scanFlow().scan();
+        model.mail().scanFlow.scan();
     waitUntilIdle(context.tasks);
-    if (model.scanFlow().state().kind != MailScanState::Kind::finished) {
-        throw std::runtime_error("the scan failed: " + model.scanFlow().state().text);
+    if (model.mail().scanFlow.state().kind != MailScanState::Kind::finished) {
+        throw std::runtime_error("the scan failed: " + model.mail().scanFlow.state().text);
     }
     const Span query = notedQuery(notes);
     fmt::print(
         R"({{"messages":{},"scanning":{:.3f},"queryBegins":{:.3f},"queryEnds":{:.3f},"merged":{:.3f},)"
         R"("available":{:.3f},"published":{:.3f},"processorSeconds":{:.3f},"shellProcessorSeconds":{:.3f}}})"
         "\n",
-        model.visible().visibleMessages()->size(), scanning - begin, query.begin - begin, query.end - begin,
-        merged - begin, available - begin, published - begin, used, processorSeconds(RUSAGE_CHILDREN));
+        model.mail().visible.visibleMessages()->size(), scanning - begin, query.begin - begin,
+        query.end - begin, merged - begin, available - begin, published - begin, used,
+        processorSeconds(RUSAGE_CHILDREN));
 }
 
 } // namespace

@@ -56,7 +56,7 @@ std::string steps(TimedApplication& application, const std::string& home, const 
     const std::string start = application.takeSummary();
 
     application.step("refresh", [&] { whole.window().refreshAllMailData(); });
-    whole.waitFor([&] { return !model.scanFlow().state().isScanning(); });
+    whole.waitFor([&] { return !model.mail().scanFlow.state().isScanning(); });
     const std::string scan = application.takeSummary();
 
     const auto show = [&](const char* place) {
@@ -83,7 +83,7 @@ std::string steps(TimedApplication& application, const std::string& home, const 
 
     application.step("run", [&] { whole.window().archive()->start(); });
     QTimer::singleShot(runTime, whole.window().archive(), &ArchiveScreen::cancelRun);
-    whole.waitFor([&] { return !model.archiveRun().isArchiving(); });
+    whole.waitFor([&] { return !model.archiving().archiveRun.isArchiving(); });
     const std::string run = application.takeSummary();
     return fmt::format(
         R"("start": {}, "scan": {}, "firstList": {}, "typing": {}, "ticking": {}, "sheet": {}, "run": {})",

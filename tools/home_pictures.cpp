@@ -75,7 +75,7 @@ void makeStoreOf(WindowScene& scene, const QString& messages,
                                             QString::fromStdString(scene.home().path())});
     maker.waitForFinished(-1);
     if (maker.exitCode() != 0) qFatal("no sample store: %s", maker.readAllStandardError().constData());
-    scene.model().accounts().refreshAccountsFromMail();
+    scene.model().mail().accounts.refreshAccountsFromMail();
     scene.settle();
 }
 
@@ -89,7 +89,7 @@ void archiveStore(WindowScene& scene, const QString& option = QStringLiteral("--
     scene.window().home()->scan()->update();
     scene.settle();
     scene.home().makeFolder("Documents/邮件归档");
-    scene.model().destinations().setTransferDestination(scene.home().at("Documents/邮件归档"));
+    scene.model().archiving().destinations.setTransferDestination(scene.home().at("Documents/邮件归档"));
     scene.settle();
     scene.window().home()->runOrganizePrimaryAction();
     scene.settle();
@@ -175,7 +175,7 @@ void scanHalfWay(WindowScene& scene, QQuickWindow&) {
 
 // Behind a whole scan, which can be brought back.
 void cancelHalfWay(WindowScene& scene, QQuickWindow&) {
-    scene.model().scanFlow().scan();
+    scene.model().mail().scanFlow.scan();
     scene.window().home()->access()->cancelScan();
     scene.settle();
     QTest::qWait(1200);
@@ -254,10 +254,10 @@ void askForFolder(WindowScene& scene, QQuickWindow& window) {
 
 // Mail up to 2021 archived by a real run, which proves it.
 void archiveUpTo2021(WindowScene& scene) {
-    scene.model().destinations().setTransferDestination(scene.home().at("Documents/邮件归档"));
-    scene.model().filters().setTransferMaxYear(2021);
+    scene.model().archiving().destinations.setTransferDestination(scene.home().at("Documents/邮件归档"));
+    scene.model().mail().filters.set(&corvane::CandidateFilters::transferMaxYear, 2021);
     scene.settle();
-    scene.model().ticks().selectAllArchiveCandidates();
+    scene.model().archiving().ticks.selectAllArchiveCandidates();
     scene.model().archiveSelectedEmails([](const auto&) {});
     scene.settle();
 }
@@ -268,9 +268,9 @@ void archiveOldMailOnly(WindowScene& scene) {
     scene.window().home()->scan()->update();
     scene.settle();
     archiveUpTo2021(scene);
-    scene.model().filters().setTransferMaxYear(std::nullopt);
+    scene.model().mail().filters.set(&corvane::CandidateFilters::transferMaxYear, std::nullopt);
     scene.platform().runtimes = {"/usr/bin/python3"};
-    scene.model().bodyTexts().rebuildBodyTextIndex(false);
+    scene.model().library().bodyTexts.rebuildBodyTextIndex(false);
     scene.settle();
 }
 
@@ -370,7 +370,7 @@ void makePlaces(WindowScene& scene) {
     std::filesystem::rename(scene.home().at("Volumes/归档盘 B"), scene.home().at("unplugged"));
     std::filesystem::remove(cloud + "/archive-index.json");
     std::filesystem::remove_all(gone);
-    scene.model().library().loadEmailArchiveIndex({}, true);
+    scene.model().library().loader.loadEmailArchiveIndex({}, true);
     scene.settle();
 }
 
@@ -427,7 +427,8 @@ void offerSettings(WindowScene& scene) {
 
 void importSettings(WindowScene& scene, QQuickWindow&) {
     const std::string path = scene.home().write(
-        "a.corvanebackup", corvane::encodeConfigBackup(scene.model().configBackup().currentConfigBackup()));
+        "a.corvanebackup",
+        corvane::encodeConfigBackup(scene.model().library().configBackup.currentConfigBackup()));
     scene.window().settings()->importFrom(QUrl::fromLocalFile(QString::fromStdString(path)));
     scene.settle();
     QTest::qWait(600);
@@ -493,15 +494,15 @@ const std::vector<State>& homeStates() {
         {"a-home-advice",
          [](WindowScene& scene) {
              makeStore(scene);
-             scene.model().filters().setYearCutoff(1990);
-             scene.model().filters().setOnlyBeforeCutoff(true);
-             scene.model().scanFlow().scan();
+             scene.model().mail().filters.set(&corvane::ListFilters::yearCutoff, 1990);
+             scene.model().mail().filters.set(&corvane::ListFilters::onlyBeforeCutoff, true);
+             scene.model().mail().scanFlow.scan();
              scene.settle();
          }},
         {"a-home-nothing-to-do",
          [](WindowScene& scene) {
              scene.fill();
-             scene.model().filters().setTransferMaxYear(1990);
+             scene.model().mail().filters.set(&corvane::CandidateFilters::transferMaxYear, 1990);
              scene.settle();
          }},
         {"h-mail-list", scanStore, lookAtMail},
@@ -546,7 +547,7 @@ const std::vector<State>& confirmationStates() {
          [](WindowScene& scene) {
              openConfirmation(scene);
              std::filesystem::remove_all(scene.home().at("Documents/邮件归档"));
-             scene.model().destinations().refreshFacts();
+             scene.model().archiving().destinations.refreshFacts();
              scene.settle();
          }},
         {"e-archive-empty",
@@ -567,7 +568,7 @@ const std::vector<State>& confirmationStates() {
          [](WindowScene& scene) {
              openConfirmation(scene);
              scene.home().makeFolder("归档");
-             scene.model().destinations().setTransferDestination(scene.home().at("归档"));
+             scene.model().archiving().destinations.setTransferDestination(scene.home().at("归档"));
              scene.settle();
          },
          askForFolder},
@@ -585,7 +586,7 @@ const std::vector<State>& confirmationStates() {
          [](WindowScene& scene) {
              scene.fill();
              scene.home().write("旧归档/2009/a.eml", "Subject: x\n\n");
-             scene.model().destinations().setTransferDestination(scene.home().at("旧归档"));
+             scene.model().archiving().destinations.setTransferDestination(scene.home().at("旧归档"));
              tickSome(scene);
              scene.settle();
              scene.window().home()->runOrganizePrimaryAction();
@@ -597,7 +598,7 @@ const std::vector<State>& confirmationStates() {
              for (const char* folder :
                   {"合同", "2018 旧项目", "2019 旧项目", "图片", "发票与报销", "👪 家庭", "Backups"})
                  scene.home().makeFolder(std::string("Documents/") + folder);
-             scene.model().destinations().setTransferDestination(scene.home().at("Documents"));
+             scene.model().archiving().destinations.setTransferDestination(scene.home().at("Documents"));
              scene.settle();
          },
          askForFolder},

@@ -100,7 +100,7 @@ void loseAFile(WindowScene& scene) {
     scene.platform().resourceFolders = {CORVANE_PROGRAMS};
     const LibraryScene made = fillLibrary(scene);
     std::filesystem::remove(made.cloudRoot + "/2021/b1.eml");
-    scene.model().library().loadEmailArchiveIndex(made.cloudRoot, true);
+    scene.model().library().loader.loadEmailArchiveIndex(made.cloudRoot, true);
     scene.settle();
 }
 
@@ -108,7 +108,7 @@ void evict(WindowScene& scene) {
     scene.platform().resourceFolders = {CORVANE_PROGRAMS};
     const LibraryScene made = fillLibrary(scene);
     std::filesystem::rename(made.cloudRoot + "/2021/b1.eml", made.cloudRoot + "/2021/.b1.eml.icloud");
-    scene.model().library().loadEmailArchiveIndex(made.cloudRoot, true);
+    scene.model().library().loader.loadEmailArchiveIndex(made.cloudRoot, true);
     scene.settle();
 }
 
@@ -116,7 +116,8 @@ void unplug(WindowScene& scene) {
     fill(scene);
     scene.platform().unplug();
     std::filesystem::rename(scene.home().at("Volumes/归档盘 A"), scene.home().at("away"));
-    scene.model().library().loadEmailArchiveIndex(scene.model().destinations().transferDestination(), true);
+    scene.model().library().loader.loadEmailArchiveIndex(
+        scene.model().archiving().destinations.transferDestination(), true);
     scene.settle();
 }
 
@@ -131,7 +132,8 @@ void askToRemove(WindowScene& scene, QQuickWindow& window) {
 void failToRemove(WindowScene& scene, QQuickWindow& window) {
     askToRemove(scene, window);
     auto& question = *scene.window().library()->removal();
-    const std::string folder = scene.model().destinations().transferDestination().value_or("") + "/2021";
+    const std::string folder =
+        scene.model().archiving().destinations.transferDestination().value_or("") + "/2021";
     std::filesystem::rename(folder + "/y1.eml", folder + "/y1");
     std::filesystem::create_directory(folder + "/y1.eml");
     question.setTicked(true);

@@ -16,7 +16,7 @@ namespace {
 
 // A root as the library knows it; a path may be written in other ways.
 std::string rootOf(Session& session, const std::string& location) {
-    const LibraryLoader& library = session.model().library();
+    const LibraryLoader& library = session.model().library().loader;
     if (library.location(location) != nullptr) return location;
     const std::string standard = platform::standardizedPath(location);
     return library.location(standard) != nullptr ? standard : platform::canonicalPath(location);
@@ -24,7 +24,7 @@ std::string rootOf(Session& session, const std::string& location) {
 
 std::shared_ptr<const SharedTextSet> search(Session& session, const std::string& query) {
     auto ids = std::make_shared<SharedTextSet>();
-    session.model().bodyTexts().searchArchive(query, [&](ArchiveSearchResult found) {
+    session.model().library().bodyTexts.searchArchive(query, [&](ArchiveSearchResult found) {
         *ids = std::move(found.ids);
         for (const std::string& root : found.unreadableRoots)
             messageLine(fmt::format("没能搜索这个归档，结果里没有它的邮件：{}", root));
@@ -52,7 +52,7 @@ void LibraryFilterOptions::addQueryTo(CLI::App& command, LibraryFilterOptions& o
 
 SharedLibraryIndex loadLibraryIndex(Session& session) {
     loadLibrary(session);
-    LibraryIndexFlow& flow = session.model().libraryIndex();
+    LibraryIndexFlow& flow = session.model().library().index;
     flow.rebuildLibraryIndexIfNeeded();
     session.waitUntilIdle();
     return flow.index();

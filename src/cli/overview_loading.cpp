@@ -15,17 +15,17 @@ void loadMailAndLibrary(Session& session) {
     CorvaneViewModel& model = session.model();
     bool isLoaded = false;
     const auto loading =
-        QObject::connect(&model.library(), &LibraryLoader::loadFinished, [&] { isLoaded = true; });
+        QObject::connect(&model.library().loader, &LibraryLoader::loadFinished, [&] { isLoaded = true; });
     session.restoreLastScan();
     QObject::disconnect(loading);
     // Where there is no scan, nothing has loaded the archives.
     if (!isLoaded) loadLibrary(session);
-    model.libraryIndex().rebuildLibraryIndexIfNeeded();
+    model.library().index.rebuildLibraryIndexIfNeeded();
     session.waitUntilIdle();
 }
 
 void compareWithMail(Session& session) {
-    PresenceFlow& presence = session.model().presence();
+    PresenceFlow& presence = session.model().library().presence;
     presence.refreshArchivedOriginalPresenceIfNeeded(true);
     session.waitUntilIdle();
     if (const auto& failure = presence.questionFailure()) messageLine(*failure);
@@ -37,12 +37,12 @@ void compareWithMail(Session& session) {
 SharedOverview loadOverview(Session& session, OriginalsCheck check) {
     loadMailAndLibrary(session);
     CorvaneViewModel& model = session.model();
-    model.presence().refreshArchivedOriginalPresenceIfNeeded(false);
+    model.library().presence.refreshArchivedOriginalPresenceIfNeeded(false);
     session.waitUntilIdle();
     if (check == OriginalsCheck::compare) compareWithMail(session);
-    model.overview().refreshArchivedOverviewStats();
+    model.library().overview.refreshArchivedOverviewStats();
     session.waitUntilIdle([] {});
-    return model.overview().overview();
+    return model.library().overview.overview();
 }
 
 std::size_t overviewGroup(const ArchivedOverview& overview, std::string_view key) {

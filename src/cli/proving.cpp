@@ -21,7 +21,7 @@ void warnOfHungPlaces(const ProofFlow& proof) {
 } // namespace
 
 void proveToEnd(Session& session, const ProofScope& scope) {
-    ProofFlow& proof = session.model().proof();
+    ProofFlow& proof = session.model().archiving().proof;
     ProgressLine line;
     const auto shown = QObject::connect(&proof, &ProofFlow::progressChanged, [&] {
         const auto& progress = proof.progress();

@@ -93,16 +93,16 @@ void Session::waitUntilIdle(const std::function<void()>& onInterrupt) {
 }
 
 void Session::restoreLastScan() {
-    model().scanFlow().loadCachedScanIfNeeded(true);
+    model().mail().scanFlow.loadCachedScanIfNeeded(true);
     waitUntilIdle();
-    const MailScanState& state = model().scanFlow().state();
+    const MailScanState& state = model().mail().scanFlow.state();
     if (state.kind == MailScanState::Kind::failed) throw CommandFailure(state.text);
 }
 
 void loadLibrary(Session& session) {
     CorvaneViewModel& model = session.model();
     session.waitUntilIdle();
-    model.library().loadEmailArchiveIndex(model.destinations().transferDestination(), true);
+    model.library().loader.loadEmailArchiveIndex(model.archiving().destinations.transferDestination(), true);
     session.waitUntilIdle();
     session.isLibraryLoaded_ = true;
 }

@@ -12,7 +12,7 @@ class ArchiveRuns : public ModelTest {
     ArchiveRuns() { waitUntilIdle(context_.tasks); }
 
     void publish(const std::vector<MessageSketch>& sketches) {
-        publishMessages(model_.catalog(), sampleMessages(home_, sketches));
+        publishMessages(model_.mail().catalog, sampleMessages(home_, sketches));
         waitUntilIdle(context_.tasks);
     }
 
@@ -23,9 +23,9 @@ class ArchiveRuns : public ModelTest {
 
     ModelContext context_{platform_};
     CorvaneViewModel model_{context_};
-    ArchiveCandidates& candidates_ = model_.candidates();
-    ArchiveTicks& ticks_ = model_.ticks();
-    ArchiveRunFlow& run_ = model_.archiveRun();
+    ArchiveCandidates& candidates_ = model_.archiving().candidates;
+    ArchiveTicks& ticks_ = model_.archiving().ticks;
+    ArchiveRunFlow& run_ = model_.archiving().archiveRun;
 };
 
 SharedTextSet idsOf(const MessageList& messages) {
@@ -49,7 +49,7 @@ TEST_F(ArchiveRuns, CandidatesMadeInTheBackgroundAreThoseOfTheMainThread) {
     EXPECT_EQ(ready, 2);
     EXPECT_EQ(candidates_.archiveCandidates(), made) << "the same list, not an equal one";
 
-    model_.filters().setArchiveFilterYears({2019});
+    model_.mail().filters.set(&CandidateFilters::archiveFilterYears, {2019});
     EXPECT_EQ(candidates_.archiveCandidates()->size(), 1U);
 }
 
@@ -58,7 +58,7 @@ TEST_F(ArchiveRuns, ALateListOfCandidatesIsDropped) {
     int ready = 0;
     QObject::connect(&candidates_, &ArchiveCandidates::archiveCandidatesReady, [&] { ++ready; });
     candidates_.refreshArchiveCandidatesAsync();
-    model_.filters().setArchiveFilterYears({2020});
+    model_.mail().filters.set(&CandidateFilters::archiveFilterYears, {2020});
     waitUntilIdle(context_.tasks);
     EXPECT_EQ(ready, 0);
     ASSERT_EQ(candidates_.archiveCandidates()->size(), 1U);
@@ -111,9 +111,9 @@ TEST_F(ArchiveRuns, AnOfferReplacesAccountsAndYearsUntilItIsTakenBack) {
     model_.applyHomeScope("imap://other", {2019});
     candidates_.setCandidateOffer(std::make_shared<const SharedTextSet>(idsOf({all[0], all[2]})));
     EXPECT_EQ(candidates_.archiveCandidates()->size(), 2U);
-    model_.filters().setMinimumCandidateBytes(1 << 20);
+    model_.mail().filters.set(&CandidateFilters::minimumCandidateBytes, 1 << 20);
     EXPECT_TRUE(candidates_.archiveCandidates()->empty()) << "the smallest size still counts";
-    model_.filters().setMinimumCandidateBytes(0);
+    model_.mail().filters.set(&CandidateFilters::minimumCandidateBytes, 0);
     candidates_.setCandidateOffer(nullptr);
     EXPECT_TRUE(candidates_.archiveCandidates()->empty());
     model_.applyHomeScope(std::nullopt, {});
@@ -143,7 +143,7 @@ TEST_F(ArchiveRuns, WhatIsTickedAfterARunIsPrunedAsWell) {
     publish({{"a"}, {"b"}});
     const MessageList all = *candidates_.archiveCandidates();
     const std::string root = home_.at("归档");
-    model_.destinations().setTransferDestination(root);
+    model_.archiving().destinations.setTransferDestination(root);
     ticks_.selectAllArchiveCandidates();
     archive(root, [&](const auto&) {
         ticks_.setArchiveSelection(SharedTextSet{SharedText("/somewhere/else.emlx"), all[0].id});
@@ -179,15 +179,15 @@ TEST(ArchiveRunAtTheEnd, TheProgramDoesNotWaitForTheWholeRun) {
         std::vector<MessageSketch> sketches;
         for (std::size_t number = 0; number < messages; ++number)
             sketches.push_back({fmt::format("m{}", number)});
-        publishMessages(model.catalog(), sampleMessages(home, sketches));
+        publishMessages(model.mail().catalog, sampleMessages(home, sketches));
         waitUntilIdle(context.tasks);
-        model.ticks().selectAllArchiveCandidates();
+        model.archiving().ticks.selectAllArchiveCandidates();
         QEventLoop untilTheRunIsOnItsWay;
-        QObject::connect(&model.archiveRun(), &ArchiveRunFlow::progressChanged, &untilTheRunIsOnItsWay,
-                         &QEventLoop::quit);
-        model.archiveRun().archiveSelectedEmails(model.candidates().archiveCandidates(),
-                                                 model.ticks().selectedArchiveMessageIDs(), home.at("归档"),
-                                                 [](auto) {});
+        QObject::connect(&model.archiving().archiveRun, &ArchiveRunFlow::progressChanged,
+                         &untilTheRunIsOnItsWay, &QEventLoop::quit);
+        model.archiving().archiveRun.archiveSelectedEmails(
+            model.archiving().candidates.archiveCandidates(),
+            model.archiving().ticks.selectedArchiveMessageIDs(), home.at("归档"), [](auto) {});
         untilTheRunIsOnItsWay.exec();
     }
     const auto index = readArchiveIndex(home.at("归档/archive-index.json"));

@@ -52,9 +52,9 @@ TEST_F(ConfigBackupTest, SettingsTravelWithTheArchivesThatAreThere) {
     const std::string root = writeArchive(home_, "archive", sampleIndex(1, {"mid:a"}));
     ModelRun run(platform_);
     run.context.settings.setTextList(knownLocationsKey, {home_.at("unplugged")});
-    run.model.destinations().setTransferDestination(root);
+    run.model.archiving().destinations.setTransferDestination(root);
     run.wait();
-    run.model.accountRules().setArchiveAccountMergeRules({{"email:a@x", "A"}});
+    run.model.library().accountRules.setArchiveAccountMergeRules({{"email:a@x", "A"}});
     run.wait();
     const auto written = run.backupIn(root);
     ASSERT_TRUE(written) << written.error();
@@ -80,29 +80,30 @@ TEST_F(ConfigBackupTest, AFreshStartIsOfferedTheNewestAndOnlyThen) {
     writeBackup(box + "New/app-backup.json", newest);
     writeBackup(box + "Odd/app-backup.json", {.version = 2, .exportedAt = Date(std::chrono::seconds(99))});
     ModelRun run(platform_);
-    run.model.configBackup().offerConfigBackupOnFreshLaunch();
+    run.model.library().configBackup.offerConfigBackupOnFreshLaunch();
     run.wait();
-    ASSERT_EQ(run.model.configBackup().pendingRestore(), newest);
-    EXPECT_EQ(run.model.configBackup().restoreRoot(), home_.at(box + "New"));
-    EXPECT_EQ(run.model.destinations().transferDestination(), std::nullopt) << "only on the user's word";
+    ASSERT_EQ(run.model.library().configBackup.pendingRestore(), newest);
+    EXPECT_EQ(run.model.library().configBackup.restoreRoot(), home_.at(box + "New"));
+    EXPECT_EQ(run.model.archiving().destinations.transferDestination(), std::nullopt)
+        << "only on the user's word";
 
     markLocationForgotten(run.context.settings, "/a");
-    run.model.applyConfigBackup(*run.model.configBackup().pendingRestore());
+    run.model.applyConfigBackup(*run.model.library().configBackup.pendingRestore());
     run.wait();
-    EXPECT_EQ(run.model.configBackup().resultMessage(), "已从归档里的备份恢复配置。");
-    EXPECT_EQ(run.model.destinations().transferDestination(), home_.at("nowhere/Mail"));
+    EXPECT_EQ(run.model.library().configBackup.resultMessage(), "已从归档里的备份恢复配置。");
+    EXPECT_EQ(run.model.archiving().destinations.transferDestination(), home_.at("nowhere/Mail"));
     EXPECT_FALSE(std::filesystem::exists(home_.at("nowhere"))) << "it may belong on a disk that isn't there";
     const Roots known = knownLocations(run.context.settings);
     EXPECT_EQ(std::ranges::count(known, "/a"), 1);
     EXPECT_TRUE(std::ranges::all_of(known, [](const std::string& root) { return root.starts_with('/'); }));
     EXPECT_FALSE(forgottenLocations(run.context.settings).contains("/a"));
-    EXPECT_EQ(run.model.accounts().selectedAccountPrefixes(), std::set<std::string>{"imap://X"});
-    EXPECT_EQ(run.model.library().archivedEntries()->size(), 3U);
+    EXPECT_EQ(run.model.mail().accounts.selectedAccountPrefixes(), std::set<std::string>{"imap://X"});
+    EXPECT_EQ(run.model.library().loader.archivedEntries()->size(), 3U);
 
     ModelRun next(platform_);
-    next.model.configBackup().offerConfigBackupOnFreshLaunch();
+    next.model.library().configBackup.offerConfigBackupOnFreshLaunch();
     next.wait();
-    EXPECT_FALSE(next.model.configBackup().pendingRestore());
+    EXPECT_FALSE(next.model.library().configBackup.pendingRestore());
 }
 
 TEST_F(ConfigBackupTest, AFileThatIsNoBackupIsRefusedWithItsReason) {
@@ -119,7 +120,7 @@ TEST_F(ConfigBackupTest, AFileThatIsNoBackupIsRefusedWithItsReason) {
     wrongType.replace(wrongType.find("[]"), 2, "[1]");
     ModelRun run(platform_);
     run.context.settings.setTextList(knownLocationsKey, {"/kept"});
-    ConfigBackupFlow& flow = run.model.configBackup();
+    ConfigBackupFlow& flow = run.model.library().configBackup;
     const auto import = [&](const std::string& path) {
         flow.importConfig(path);
         run.wait();
@@ -153,14 +154,15 @@ TEST_F(ConfigBackupTest, AForgottenPlaceComesBackWhenItWasAwayOrIsChosenAgain) {
         writeArchive(home_, "Library/CloudStorage/Box-Box/Mail", sampleIndex(1, {"mid:a"}));
     ModelRun run(platform_);
     const auto isShown = [&] {
-        run.model.library().loadEmailArchiveIndex(run.model.destinations().transferDestination(), true);
+        run.model.library().loader.loadEmailArchiveIndex(
+            run.model.archiving().destinations.transferDestination(), true);
         run.wait();
-        return run.model.library().location(found) != nullptr;
+        return run.model.library().loader.location(found) != nullptr;
     };
     EXPECT_TRUE(isShown());
     EXPECT_FALSE(run.model.forgetLocation("/never/seen"));
     EXPECT_TRUE(run.model.forgetLocation(found + "/"));
-    EXPECT_EQ(run.model.library().location(found), nullptr);
+    EXPECT_EQ(run.model.library().loader.location(found), nullptr);
     run.wait();
     EXPECT_FALSE(isShown()) << "it is found again at once";
     EXPECT_TRUE(std::filesystem::exists(found + "/2019/a/mid:a.eml"));
@@ -169,13 +171,13 @@ TEST_F(ConfigBackupTest, AForgottenPlaceComesBackWhenItWasAwayOrIsChosenAgain) {
     std::filesystem::rename(home_.at("away"), found);
     EXPECT_TRUE(isShown());
 
-    run.model.destinations().setTransferDestination(found);
+    run.model.archiving().destinations.setTransferDestination(found);
     run.wait();
     EXPECT_TRUE(run.model.forgetLocation(found));
     run.wait();
-    EXPECT_EQ(run.model.destinations().transferDestination(), std::nullopt);
+    EXPECT_EQ(run.model.archiving().destinations.transferDestination(), std::nullopt);
     EXPECT_FALSE(isShown());
-    run.model.destinations().setTransferDestination(found);
+    run.model.archiving().destinations.setTransferDestination(found);
     run.wait();
     EXPECT_TRUE(isShown());
 }

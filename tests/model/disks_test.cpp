@@ -35,11 +35,11 @@ class Disks : public ModelTest {
 
     // "-" when the library doesn't list it.
     std::string connection(const std::string& root) {
-        const ArchiveLocation* location = model_.library().location(root);
+        const ArchiveLocation* location = model_.library().loader.location(root);
         return location == nullptr ? "-" : location->isConnected ? "connected" : "away";
     }
 
-    std::size_t entries() { return model_.library().archivedEntries()->size(); }
+    std::size_t entries() { return model_.library().loader.archivedEntries()->size(); }
 
     ModelContext context_{platform_};
     CorvaneViewModel model_{context_};
@@ -54,11 +54,12 @@ TEST_F(Disks, WhatComesAndGoesIsSeenByItself) {
     pull();
     EXPECT_EQ(connection(onStick), "away");
     EXPECT_EQ(entries(), 2U);
-    EXPECT_TRUE(model_.library().archivedFiles()->byRoot.empty()) << "nothing is known of its files now";
+    EXPECT_TRUE(model_.library().loader.archivedFiles()->byRoot.empty())
+        << "nothing is known of its files now";
     plugIn();
     EXPECT_EQ(connection(onStick), "connected");
     std::filesystem::copy(onStick, home_.at("Copy"), std::filesystem::copy_options::recursive);
-    model_.library().loadEmailArchiveIndex(home_.at("Copy"), true);
+    model_.library().loader.loadEmailArchiveIndex(home_.at("Copy"), true);
     waitUntilIdle(context_.tasks);
     EXPECT_EQ(connection(home_.at("Copy")), "connected");
     EXPECT_EQ(connection(onStick), "-") << "one archive seen twice is listed once";

@@ -55,11 +55,11 @@ TEST_F(Catalog, ACacheThatNamesForeignIdsMakesNothingAvailable) {
     const std::vector<SharedText> ids = {messages[0].id, "/elsewhere/1.emlx", "/elsewhere/1.emlx"};
     MailScanCacheStore(context_.support).save(messages, {}, &ids, nullptr, nullptr);
     CorvaneViewModel model(context_);
-    model.scanFlow().loadCachedScanIfNeeded(false);
+    model.mail().scanFlow.loadCachedScanIfNeeded(false);
     waitUntilIdle(context_.tasks);
-    EXPECT_EQ(model.catalog().messages()->size(), 2U);
-    ASSERT_EQ(model.visible().visibleMessages()->size(), 1U);
-    EXPECT_EQ(model.visible().visibleMessages()->front().subject, "a");
+    EXPECT_EQ(model.mail().catalog.messages()->size(), 2U);
+    ASSERT_EQ(model.mail().visible.visibleMessages()->size(), 1U);
+    EXPECT_EQ(model.mail().visible.visibleMessages()->front().subject, "a");
 }
 
 } // namespace

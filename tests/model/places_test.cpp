@@ -33,10 +33,10 @@ class PlacesTest : public ModelTest {
     }
 
     std::map<std::string, ArchivePlace> look() {
-        model_.places().refresh();
+        model_.library().places.refresh();
         wait();
         std::map<std::string, ArchivePlace> places;
-        for (const ArchivePlace& place : model_.places().places()) places[place.root] = place;
+        for (const ArchivePlace& place : model_.library().places.places()) places[place.root] = place;
         return places;
     }
 
@@ -46,7 +46,7 @@ class PlacesTest : public ModelTest {
 
 TEST_F(PlacesTest, EachIsInItsOwnStateAndNoneIsCalledGoneThatMayBeElsewhere) {
     const std::string chosen = add("chosen", 1, {"mid:a", "mid:b"});
-    model_.destinations().setTransferDestination(chosen);
+    model_.archiving().destinations.setTransferDestination(chosen);
     platform_.plugIn("盘");
     const std::string disk = add("Volumes/盘/邮件", 2, {"mid:c"});
     const std::string deleted = add("deleted", 3, {"mid:d"});
@@ -76,8 +76,8 @@ TEST_F(PlacesTest, EachIsInItsOwnStateAndNoneIsCalledGoneThatMayBeElsewhere) {
     EXPECT_EQ(places.at(home_.at("never/there")).state.kind, Kind::unplugged);
     EXPECT_FALSE(places.at(home_.at("never/there")).lastSeen);
     EXPECT_EQ(places.at(lost).state, (ArchivePlaceState{Kind::withoutIndex, 2}));
-    EXPECT_EQ(model_.places().places().front().root, chosen);
-    EXPECT_EQ(model_.places().places().back().root, deleted);
+    EXPECT_EQ(model_.library().places.places().front().root, chosen);
+    EXPECT_EQ(model_.library().places.places().back().root, deleted);
 }
 
 TEST_F(PlacesTest, AVerificationNamesEachFileOnceAndARebuildBringsALostIndexBack) {
@@ -87,7 +87,7 @@ TEST_F(PlacesTest, AVerificationNamesEachFileOnceAndARebuildBringsALostIndexBack
     home_.write("first/2019/a/stray.eml", "Subject: x\n\n");
     const std::string lost = add("lost", 2, {"mid:e"});
     std::filesystem::remove(lost + "/archive-index.json");
-    PlaceJobs& jobs = model_.placeJobs();
+    PlaceJobs& jobs = model_.archiving().placeJobs;
     jobs.load();
     wait();
     jobs.start(first, PlaceJobs::Work::verification);
@@ -105,19 +105,19 @@ TEST_F(PlacesTest, AVerificationNamesEachFileOnceAndARebuildBringsALostIndexBack
                                                            {"2019/a/mid:b.eml", Fault::otherSize},
                                                            {"2019/a/stray.eml", Fault::unrecorded}}));
     CorvaneViewModel later(context_);
-    later.placeJobs().load();
+    later.archiving().placeJobs.load();
     wait();
-    ASSERT_NE(later.placeJobs().end(first), nullptr);
-    EXPECT_EQ(later.placeJobs().end(first)->verdict, end->verdict);
+    ASSERT_NE(later.archiving().placeJobs.end(first), nullptr);
+    EXPECT_EQ(later.archiving().placeJobs.end(first)->verdict, end->verdict);
     ASSERT_NE(jobs.end(lost), nullptr);
     EXPECT_EQ(jobs.end(lost)->adopted, 1);
-    EXPECT_NE(model_.library().location(lost), nullptr) << "the library has read it again";
+    EXPECT_NE(model_.library().loader.location(lost), nullptr) << "the library has read it again";
 }
 
 TEST_F(PlacesTest, WhatIsCancelledLeavesTheEarlierVerdictAndWhatCantBeReadSaysWhy) {
     const std::string root = add("archive", 1, {"mid:a"});
     const std::string other = add("other", 2, {"mid:b"});
-    PlaceJobs& jobs = model_.placeJobs();
+    PlaceJobs& jobs = model_.archiving().placeJobs;
     jobs.start(root, PlaceJobs::Work::verification);
     wait();
     std::filesystem::remove(root + "/2019/a/mid:a.eml");

@@ -28,7 +28,7 @@ class Proofs : public ModelTest {
   protected:
     Proofs() {
         start();
-        model_->destinations().setTransferDestination(home_.at(root_));
+        model_->archiving().destinations.setTransferDestination(home_.at(root_));
         waitUntilIdle(context_->tasks);
         publish({{"a"}, {"b"}, {"c"}});
         archive();
@@ -37,7 +37,7 @@ class Proofs : public ModelTest {
     // What a run on another machine would have left: nothing of it was read here.
     void archive() {
         EmailArchiveIndex index;
-        for (const MailMessageRecord& message : *model_->catalog().messages()) {
+        for (const MailMessageRecord& message : *model_->mail().catalog.messages()) {
             const std::string emlx = readWhole(message.fileURL.path().str());
             const std::string mail(*archive::messageData(emlx));
             ArchivedEmailRecord record;
@@ -71,18 +71,18 @@ class Proofs : public ModelTest {
     // Files that are there already stay as they are.
     void publish(std::vector<MessageSketch> sketches) {
         for (auto& sketch : sketches) sketch.hasFile = !platform::fileExists(original(sketch.name));
-        publishMessages(model_->catalog(), sampleMessages(home_, sketches));
+        publishMessages(model_->mail().catalog, sampleMessages(home_, sketches));
         waitUntilIdle(context_->tasks);
     }
 
     void loadLibrary() {
-        model_->library().loadEmailArchiveIndex(home_.at(root_), true);
+        model_->library().loader.loadEmailArchiveIndex(home_.at(root_), true);
         waitUntilIdle(context_->tasks);
     }
 
     void prove() {
         loadLibrary();
-        model_->proof().prove({});
+        model_->archiving().proof.prove({});
         waitUntilIdle(context_->tasks);
     }
 
@@ -102,12 +102,12 @@ class Proofs : public ModelTest {
     }
 
     ProofOutcome outcomeOf(const std::string& name) {
-        return model_->catalog().proofs()->outcomeOf(original(name));
+        return model_->mail().catalog.availability().proofs->outcomeOf(original(name));
     }
 
     std::string candidates() {
         std::string names;
-        for (const MailMessageRecord& message : *model_->candidates().archiveCandidates())
+        for (const MailMessageRecord& message : *model_->archiving().candidates.archiveCandidates())
             names += message.subject.view();
         return names;
     }
@@ -168,9 +168,9 @@ TEST_F(Proofs, NothingIsReadTwiceAndWhatWasReadOutlivesTheProgram) {
     EXPECT_EQ(model_->deletionSafety({}).proofs.proven, 3);
     replaceByte(original("b"), 'y');
     prove();
-    ASSERT_TRUE(model_->proof().lastEnd());
-    EXPECT_GT(model_->proof().lastEnd()->progress.bytesRead, 0);
-    EXPECT_LT(model_->proof().lastEnd()->progress.bytesRead,
+    ASSERT_TRUE(model_->archiving().proof.lastEnd());
+    EXPECT_GT(model_->archiving().proof.lastEnd()->progress.bytesRead, 0);
+    EXPECT_LT(model_->archiving().proof.lastEnd()->progress.bytesRead,
               4 * static_cast<std::int64_t>(readWhole(original("b")).size()))
         << "the others are known";
     EXPECT_EQ(outcomeOf("a"), ProofOutcome::proven);
@@ -210,10 +210,10 @@ TEST_F(Proofs, ACancelledOneKeepsWhatItHasReadAndGoesOn) {
         if (operation.path.ends_with(".eml") && operation.operation == FileOperation::open && ++opened == 550)
             stop.request_stop();
     });
-    const MessageCatalog& catalog = model_->catalog();
+    const MessageCatalog& catalog = model_->mail().catalog;
     const ProofEnd end = runProof({catalog.messages(),
                                    catalog.state()->availability,
-                                   catalog.proofs()->inputs,
+                                   catalog.availability().proofs->inputs,
                                    {},
                                    CorvaneAppSupport(platform_, files)},
                                   {stop.get_token(), [](const ProofProgress&) {}});
@@ -233,8 +233,8 @@ TEST_F(Proofs, MailThatIsSetAsideIsNeitherCandidateNorArchivedUntilItIsTakenBack
     publish({{"a"}, {"b"}, {"d"}});
     prove();
     ASSERT_EQ(candidates(), "d");
-    const MessageList& messages = *model_->catalog().messages();
-    model_->setAside().set({messages[0], messages[2]}, true);
+    const MessageList& messages = *model_->mail().catalog.messages();
+    model_->archiving().setAside.set({messages[0], messages[2]}, true);
     waitUntilIdle(context_->tasks);
     EXPECT_EQ(candidates(), "");
     EXPECT_EQ(model_->deletionSafety({}).archived, 1);
@@ -243,7 +243,7 @@ TEST_F(Proofs, MailThatIsSetAsideIsNeitherCandidateNorArchivedUntilItIsTakenBack
     publish({{"a"}, {"b"}, {"d"}});
     loadLibrary();
     EXPECT_EQ(candidates(), "") << "also after a restart";
-    model_->setAside().set(*model_->catalog().messages(), false);
+    model_->archiving().setAside.set(*model_->mail().catalog.messages(), false);
     waitUntilIdle(context_->tasks);
     EXPECT_EQ(candidates(), "d");
     EXPECT_EQ(model_->deletionSafety({}).archived, 2);

@@ -121,17 +121,17 @@ class Session {
       : root_(world.root)
       , context_(world.platform, files)
       , model_(context_) {
-        model_.bodyTexts().setAutomaticRepair(false);
+        model_.library().bodyTexts.setAutomaticRepair(false);
         waitUntilIdle(context_.tasks);
-        publishMessages(model_.catalog(), messages);
-        model_.destinations().setTransferDestination(root_);
+        publishMessages(model_.mail().catalog, messages);
+        model_.archiving().destinations.setTransferDestination(root_);
         waitUntilIdle(context_.tasks);
     }
 
     // Whether it had a result.
     bool archive() {
         bool hasResult = false;
-        model_.ticks().selectAllArchiveCandidates();
+        model_.archiving().ticks.selectAllArchiveCandidates();
         waitUntilIdle(context_.tasks);
         model_.archiveSelectedEmails([&](const auto& outcome) { hasResult = outcome.has_value(); });
         waitUntilIdle(context_.tasks);
@@ -141,20 +141,21 @@ class Session {
     // As somebody does whom the window or a message asks for it: what couldn't be read is looked at again.
     void proveAndArchive() {
         archive();
-        model_.proof().prove({});
+        model_.archiving().proof.prove({});
         waitUntilIdle(context_.tasks);
         archive();
     }
 
     // The question.
     void expectItsWordIsTrue() {
-        const MessageCatalog& catalog = model_.catalog();
+        const MessageCatalog& catalog = model_.mail().catalog;
         const std::set<std::string> archived = mailsBelow(root_);
         std::int64_t archivedCount = 0;
         for (const MailMessageRecord& message : *catalog.messages()) {
             const bool isArchived = catalog.archivedMessageIDs()->contains(message.id);
-            const bool isProven = catalog.proofs()->provenIDs->contains(message.id);
-            const bool isListed = isOffered(message) || catalog.troubledIDs()->contains(message.id);
+            const bool isProven = catalog.availability().proofs->provenIDs->contains(message.id);
+            const bool isListed =
+                isOffered(message) || catalog.availability().troubledIDs->contains(message.id);
             archivedCount += isArchived ? 1 : 0;
             if (!isArchived && !isProven && isListed) continue;
             EXPECT_TRUE(holds(archived, message))
@@ -168,12 +169,12 @@ class Session {
     DeletionSafety safety() { return model_.deletionSafety({}); }
 
     [[nodiscard]] bool knows(const std::string& baseID) {
-        return model_.library().archivedEmailBaseIDs()->contains(SharedText(baseID));
+        return model_.library().loader.archivedEmailBaseIDs()->contains(SharedText(baseID));
     }
 
   private:
     bool isOffered(const MailMessageRecord& message) {
-        const SharedMessageList candidates = model_.candidates().archiveCandidates();
+        const SharedMessageList candidates = model_.archiving().candidates.archiveCandidates();
         return std::ranges::find(*candidates, message.id, &MailMessageRecord::id) != candidates->end();
     }
 

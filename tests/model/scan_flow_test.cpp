@@ -37,17 +37,17 @@ class ScanFlowTest : public ModelTest {
         scan_.scan();
         auto listed = std::make_shared<const MessageList>(sampleMessages(home_, sketches));
         MailScanSummary summary = makeSummary(allOf(*listed), 5);
-        model_.catalog().showProgress(MessageSet::passing(std::move(listed)), std::move(summary));
+        model_.mail().catalog.showProgress(MessageSet::passing(std::move(listed)), std::move(summary));
     }
 
-    [[nodiscard]] std::size_t shownMessages() const { return model_.catalog().messages()->size(); }
+    [[nodiscard]] std::size_t shownMessages() const { return model_.mail().catalog.messages()->size(); }
 
-    [[nodiscard]] bool isPartial() const { return model_.catalog().state()->isPartial(); }
+    [[nodiscard]] bool isPartial() const { return model_.mail().catalog.state()->isPartial(); }
 
     ModelContext context_{platform_};
     MailScanCacheStore store_{context_.support};
     mutable CorvaneViewModel model_{context_};
-    ScanFlow& scan_ = model_.scanFlow();
+    ScanFlow& scan_ = model_.mail().scanFlow;
 };
 
 TEST_F(ScanFlowTest, WhatACancelledScanHasShownIsPartialUntilTheNextWholeOne) {
@@ -117,7 +117,8 @@ TEST_F(ScanFlowTest, CancellingWhileAccountsAreReadCancelsTheWholeRefresh) {
     cacheScanOf({{"a"}});
     restore();
     bool isAnswered = false;
-    QObject::connect(&model_.accounts(), &AccountDirectory::fullRefreshFoundNone, [&] { isAnswered = true; });
+    QObject::connect(&model_.mail().accounts, &AccountDirectory::fullRefreshFoundNone,
+                     [&] { isAnswered = true; });
     scan_.refreshAllMailData();
     scan_.cancelScan();
     waitUntilIdle(context_.tasks);
@@ -144,8 +145,8 @@ TEST_F(ScanFlowTest, ASnapshotOfAnotherScanIsNotShown) {
     const auto snapshotsShown = [&] {
         int shown = 0;
         CorvaneViewModel model(context_);
-        QObject::connect(&model.scanFlow(), &ScanFlow::homeSnapshotApplied, [&] { ++shown; });
-        model.scanFlow().loadCachedScanIfNeeded(false);
+        QObject::connect(&model.mail().scanFlow, &ScanFlow::homeSnapshotApplied, [&] { ++shown; });
+        model.mail().scanFlow.loadCachedScanIfNeeded(false);
         waitUntilIdle(context_.tasks);
         return shown;
     };
@@ -161,37 +162,38 @@ TEST_F(ScanFlowTest, ASnapshotOfAnotherScanIsNotShown) {
 TEST_F(ScanFlowTest, OnlyAWholeScanWithoutMessagesReplacesTheCachedOne) {
     cacheScanOf({{"a"}});
     const auto cachedAfter = [&](bool isComplete) {
-        model_.catalog().setMessages(MessageSet::make(std::make_shared<const MessageList>(), isComplete), {});
+        model_.mail().catalog.setMessages(MessageSet::make(std::make_shared<const MessageList>(), isComplete),
+                                          {});
         waitUntilIdle(context_.tasks);
         return store_.load()->messages.size();
     };
     EXPECT_EQ(cachedAfter(false), 1U);
-    model_.catalog().refreshAvailabilityCacheAsync(true);
+    model_.mail().catalog.refreshAvailabilityCacheAsync(true);
     waitUntilIdle(context_.tasks);
     EXPECT_EQ(cachedAfter(true), 0U);
-    EXPECT_TRUE(model_.catalog().cachedLocalYearStats().empty());
+    EXPECT_TRUE(model_.mail().catalog.cachedLocalYearStats().empty());
 }
 
 TEST_F(ScanFlowTest, RowsOfARunningScanLeaveTheCandidateCountAlone) {
     scan_.scan();
-    model_.candidates().setKnownCandidateCount(7);
+    model_.archiving().candidates.setKnownCandidateCount(7);
     auto listed = std::make_shared<const MessageList>(sampleMessages(home_, {{"a"}}));
-    model_.catalog().showProgress(MessageSet::passing(std::move(listed)), {});
-    EXPECT_TRUE(model_.candidates().archiveCandidateCountReady());
-    EXPECT_EQ(model_.candidates().archiveCandidateCount(), 7);
+    model_.mail().catalog.showProgress(MessageSet::passing(std::move(listed)), {});
+    EXPECT_TRUE(model_.archiving().candidates.archiveCandidateCountReady());
+    EXPECT_EQ(model_.archiving().candidates.archiveCandidateCount(), 7);
 }
 
 TEST_F(ScanFlowTest, AYearOrAccountThatHasGoneIsNoFilterAnyMore) {
-    model_.filters().setFilterAccountPrefixes({"imap://A", "imap://gone"});
-    model_.filters().setFilterYears({2019, 1999});
+    model_.mail().filters.setFilterAccountPrefixes({"imap://A", "imap://gone"});
+    model_.mail().filters.set(&ListFilters::filterYears, {2019, 1999});
     cacheScanOf({{"a", 2019, "imap://A"}});
     restore();
-    EXPECT_EQ(model_.filters().filterAccountPrefixes(), std::set<std::string>{"imap://A"});
-    EXPECT_EQ(model_.filters().filterYears(), std::set<std::int64_t>{2019});
-    model_.filters().setFilterAccountPrefixes({"imap://elsewhere"});
-    model_.catalog().refreshAvailabilityCacheAsync(true);
+    EXPECT_EQ(model_.mail().filters.filterAccountPrefixes(), std::set<std::string>{"imap://A"});
+    EXPECT_EQ(model_.mail().filters.list().filterYears, std::set<std::int64_t>{2019});
+    model_.mail().filters.setFilterAccountPrefixes({"imap://elsewhere"});
+    model_.mail().catalog.refreshAvailabilityCacheAsync(true);
     waitUntilIdle(context_.tasks);
-    EXPECT_EQ(model_.filters().filterAccountPrefixes().size(), 1U) << "what is asked for later is meant";
+    EXPECT_EQ(model_.mail().filters.filterAccountPrefixes().size(), 1U) << "what is asked for later is meant";
 }
 
 } // namespace

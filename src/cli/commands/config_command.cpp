@@ -40,7 +40,7 @@ void requireSuccess(const ConfigBackupFlow& flow) {
 }
 
 int runExport(Session& session, const std::string& file, bool json) {
-    ConfigBackupFlow& flow = session.model().configBackup();
+    ConfigBackupFlow& flow = session.model().library().configBackup;
     flow.exportConfig(platform::standardizedPath(file));
     session.waitUntilIdle();
     requireSuccess(flow);
@@ -51,12 +51,12 @@ int apply(Session& session, const CorvaneConfigBackup& backup, bool json) {
     const CorvaneConfigBackup applied = backup;
     session.model().applyConfigBackup(applied);
     session.waitUntilIdle();
-    const auto& message = session.model().configBackup().resultMessage();
+    const auto& message = session.model().library().configBackup.resultMessage();
     return answer(applied, configBackupSummary(applied) + "\n" + message.value_or(""), json);
 }
 
 int runImport(Session& session, const std::string& file, bool json) {
-    ConfigBackupFlow& flow = session.model().configBackup();
+    ConfigBackupFlow& flow = session.model().library().configBackup;
     flow.importConfig(platform::standardizedPath(file));
     session.waitUntilIdle();
     requireSuccess(flow);
@@ -64,7 +64,7 @@ int runImport(Session& session, const std::string& file, bool json) {
 }
 
 int runOffer(Session& session, bool isToBeApplied, bool json) {
-    ConfigBackupFlow& flow = session.model().configBackup();
+    ConfigBackupFlow& flow = session.model().library().configBackup;
     flow.offerConfigBackupOnFreshLaunch();
     session.waitUntilIdle();
     const Backup& offered = flow.pendingRestore();
@@ -90,7 +90,7 @@ int runConfig(Session& session, const ConfigOptions& options, bool json) {
     case Action::shown:
         break;
     }
-    const CorvaneConfigBackup current = session.model().configBackup().currentConfigBackup();
+    const CorvaneConfigBackup current = session.model().library().configBackup.currentConfigBackup();
     return answer(current, configBackupSummary(current), json);
 }
 

@@ -77,7 +77,7 @@ void printExportReadably(const ExportResult& result, const std::string& path) {
 
 ExportResult runFlow(Session& session, ExportSelection selection, ExportFormat format,
                      const std::string& path) {
-    MailExportFlow& flow = session.model().mailExport();
+    MailExportFlow& flow = session.model().library().mailExport;
     ProgressLine line;
     const auto shown = QObject::connect(&flow, &MailExportFlow::changed, [&] {
         const auto& progress = flow.progress();

@@ -61,22 +61,22 @@ std::map<std::string, std::map<std::string, std::int64_t>> withTextKeys(const Co
 
 void printStatsJson(CorvaneViewModel& model, const std::set<std::int64_t>& years) {
     const DeletionSafety safety = model.deletionSafety(years);
-    const MailScanSummary candidates = model.candidates().archiveCandidateSummary();
+    const MailScanSummary candidates = model.archiving().candidates.archiveCandidateSummary();
     JsonDocument document;
     document.object([&] {
-        document.member("summary", model.catalog().summary());
-        document.member("yearStats", model.catalog().yearStats());
-        document.member("localYearStats", model.catalog().cachedLocalYearStats());
-        document.member("accountYearStats", model.catalog().cachedAccountYearStats());
-        document.member("mailAccountYearStats", model.catalog().cachedMailAccountYearStats());
+        document.member("summary", model.mail().catalog.summary());
+        document.member("yearStats", model.mail().catalog.yearStats());
+        document.member("localYearStats", model.mail().catalog.cachedLocalYearStats());
+        document.member("accountYearStats", model.mail().catalog.cachedAccountYearStats());
+        document.member("mailAccountYearStats", model.mail().catalog.cachedMailAccountYearStats());
         document.member("unbackedAccountYearStats",
-                        model.catalog().state()->availability->unbackedAccountYearStats);
-        document.member("indexedYearCounts", withTextKeys(model.counts().indexedYearCounts()));
+                        model.mail().catalog.state()->availability->unbackedAccountYearStats);
+        document.member("indexedYearCounts", withTextKeys(model.mail().counts.indexedYearCounts()));
         document.member("indexedYearCountsByAccount",
-                        withTextKeys(model.counts().indexedYearCountsByAccount()));
+                        withTextKeys(model.mail().counts.indexedYearCountsByAccount()));
         document.member("undownloadedYearCountsByAccount",
-                        withTextKeys(model.counts().undownloadedYearCountsByAccount()));
-        document.member("spaceUsage", *model.space().spaceUsage());
+                        withTextKeys(model.mail().counts.undownloadedYearCountsByAccount()));
+        document.member("spaceUsage", *model.mail().space.spaceUsage());
         document.key("deletionSafety");
         document.object([&] {
             document.member("local", safety.local);
@@ -96,31 +96,31 @@ void printStatsTable(CorvaneViewModel& model, const std::set<std::int64_t>& year
     TextTable table(
         {TextTable::Align::right, TextTable::Align::right, TextTable::Align::right, TextTable::Align::right});
     table.row({"年份", "邮件", "含附件", "大小"});
-    for (const YearStat& stat : model.catalog().yearStats()) {
+    for (const YearStat& stat : model.mail().catalog.yearStats()) {
         table.row({stat.displayYear(), fmt::format("{}", stat.messageCount),
                    fmt::format("{}", stat.withAttachmentCount), formatByteCount(stat.messageBytes)});
     }
     table.print();
     const DeletionSafety safety = model.deletionSafety(years);
-    const MailScanSummary candidates = model.candidates().archiveCandidateSummary();
+    const MailScanSummary candidates = model.archiving().candidates.archiveCandidateSummary();
     printText(fmt::format("本机 {} 封，已归档 {} 封，仅在服务器 {} 封；可归档 {} 封，{}", safety.local,
                           safety.archived, safety.serverOnly, candidates.matchedMessages,
                           formatByteCount(candidates.bytes)));
 }
 
 int runMessages(Session& session, const MessagesOptions& options, bool json) {
-    ModelFilters& filters = session.model().filters();
+    ModelFilters& filters = session.model().mail().filters;
     session.restoreLastScan();
     filters.setFilterAccountPrefixes(asSet(options.accounts));
-    filters.setFilterYears(asSet(options.years));
-    filters.setSearchText(options.query);
-    filters.setMinimumAttachmentCount(options.minimumAttachments);
-    filters.setSortMode(options.sort);
-    filters.setSortAscending(options.ascending);
-    filters.setMigratedFilter(options.filter);
-    session.model().visible().rebuildVisibleMessages();
+    filters.set(&ListFilters::filterYears, asSet(options.years));
+    filters.set(&ListFilters::searchText, options.query);
+    filters.set(&ListFilters::minimumAttachmentCount, options.minimumAttachments);
+    filters.set(&ListFilters::sortMode, options.sort);
+    filters.set(&ListFilters::sortAscending, options.ascending);
+    filters.set(&ListFilters::migratedFilter, options.filter);
+    session.model().mail().visible.rebuildVisibleMessages();
     session.waitUntilIdle();
-    const MessageList& messages = *session.model().visible().visibleMessages();
+    const MessageList& messages = *session.model().mail().visible.visibleMessages();
     if (json) {
         JsonDocument document;
         document.value(messages);
@@ -145,8 +145,8 @@ int runPreview(Session& session, const std::string& file, bool json) {
 
 int runStats(Session& session, const std::vector<std::int64_t>& years, bool json) {
     session.restoreLastScan();
-    session.model().filters().setArchiveFilterYears(asSet(years));
-    session.model().space().refreshSpaceUsage();
+    session.model().mail().filters.set(&CandidateFilters::archiveFilterYears, asSet(years));
+    session.model().mail().space.refreshSpaceUsage();
     session.waitUntilIdle();
     if (json)
         printStatsJson(session.model(), asSet(years));

@@ -11,7 +11,7 @@ namespace {
 
 int runLocations(Session& session, bool json) {
     loadLibrary(session);
-    const auto& locations = session.model().library().archiveLocations();
+    const auto& locations = session.model().library().loader.archiveLocations();
     if (json) {
         JsonDocument document;
         document.value(locations);

@@ -38,7 +38,7 @@ void printRules(const ArchiveAccountMergeRules& rules, bool json) {
 }
 
 int runMerge(Session& session, const MergeOptions& options, bool json) {
-    AccountRules& rules = session.model().accountRules();
+    AccountRules& rules = session.model().library().accountRules;
     session.waitUntilIdle();
     if (options.name &&
         !rules.setArchiveAccountAddressCollection(options.bases, options.addresses, *options.name))

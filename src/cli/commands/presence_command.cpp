@@ -50,7 +50,7 @@ void printReadable(const OriginalPresence& presence) {
 
 int runPresence(Session& session, bool force, bool json) {
     loadLibrary(session);
-    PresenceFlow& flow = session.model().presence();
+    PresenceFlow& flow = session.model().library().presence;
     flow.refreshArchivedOriginalPresenceIfNeeded(force);
     session.waitUntilIdle();
     if (json)

@@ -58,7 +58,7 @@ int runRemove(Session& session, const RemoveOptions& options, bool json) {
     const auto entries =
         std::make_shared<const std::vector<ArchivedEntry>>(namedEntries(session, options.names));
     if (!options.isAgreed && !isAgreed(*entries)) throw CommandFailure("没有删除任何邮件");
-    ArchiveRemovalFlow& removal = session.model().removal();
+    ArchiveRemovalFlow& removal = session.model().library().removal;
     session.waitUntilIdle();
     removal.deleteArchivedEntries(entries);
     session.waitUntilIdle([&] { removal.cancel(); });

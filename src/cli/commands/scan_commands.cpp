@@ -32,7 +32,7 @@ std::string_view stateName(const MailScanState& state) {
 }
 
 void printScanJson(CorvaneViewModel& model, double seconds) {
-    const MailScanState& state = model.scanFlow().state();
+    const MailScanState& state = model.mail().scanFlow.state();
     JsonDocument document;
     document.object([&] {
         document.member("state", stateName(state));
@@ -40,11 +40,11 @@ void printScanJson(CorvaneViewModel& model, double seconds) {
             document.member("message", state.text);
             document.member("error", state.text);
         }
-        document.member("summary", model.catalog().summary());
-        document.member("timingLog", model.scanFlow().scanTimingLog());
-        document.member("messages", static_cast<std::int64_t>(model.catalog().messages()->size()));
+        document.member("summary", model.mail().catalog.summary());
+        document.member("timingLog", model.mail().scanFlow.scanTimingLog());
+        document.member("messages", static_cast<std::int64_t>(model.mail().catalog.messages()->size()));
         document.member("scanSeconds", seconds);
-        if (model.catalog().state()->isPartial()) document.member("complete", false);
+        if (model.mail().catalog.state()->isPartial()) document.member("complete", false);
     });
     document.print();
 }
@@ -53,30 +53,32 @@ void printScanJson(CorvaneViewModel& model, double seconds) {
 int runScanToEnd(Session& session, bool json, const std::function<void()>& start) {
     CorvaneViewModel& model = session.model();
     ProgressLine progress;
-    const auto showState = QObject::connect(&model.scanFlow(), &ScanFlow::stateChanged, [&] {
-        if (model.scanFlow().state().isScanning()) progress.show(model.scanFlow().state().text);
+    const auto showState = QObject::connect(&model.mail().scanFlow, &ScanFlow::stateChanged, [&] {
+        if (model.mail().scanFlow.state().isScanning()) progress.show(model.mail().scanFlow.state().text);
     });
     const auto begin = std::chrono::steady_clock::now();
     auto published = begin;
-    const auto notePublished = QObject::connect(&model.visible(), &VisibleMessages::visibleMessagesChanged,
-                                                [&] { published = std::chrono::steady_clock::now(); });
+    const auto notePublished =
+        QObject::connect(&model.mail().visible, &VisibleMessages::visibleMessagesChanged,
+                         [&] { published = std::chrono::steady_clock::now(); });
     start();
-    session.waitUntilIdle([&] { model.scanFlow().cancelScan(); });
+    session.waitUntilIdle([&] { model.mail().scanFlow.cancelScan(); });
     QObject::disconnect(showState);
     QObject::disconnect(notePublished);
     const double seconds = std::chrono::duration<double>(published - begin).count();
-    if (model.catalog().state()->isPartial())
+    if (model.mail().catalog.state()->isPartial())
         messageLine("扫描没有完成，列出的邮件不是全部；上次的完整结果没有改动。");
     if (wasInterrupted()) throw Interrupted();
-    const MailScanState& state = model.scanFlow().state();
+    const MailScanState& state = model.mail().scanFlow.state();
     const bool isFailure = state.kind == MailScanState::Kind::failed;
     if (json)
         printScanJson(model, seconds);
     else if (isFailure)
         throw CommandFailure(state.text);
     else
-        printText(fmt::format("扫描完成：{} 封邮件，{}，用时 {:.2f} 秒", model.catalog().messages()->size(),
-                              formatByteCount(model.catalog().summary().bytes), seconds));
+        printText(fmt::format("扫描完成：{} 封邮件，{}，用时 {:.2f} 秒",
+                              model.mail().catalog.messages()->size(),
+                              formatByteCount(model.mail().catalog.summary().bytes), seconds));
     return isFailure ? failed : done;
 }
 
@@ -94,7 +96,7 @@ void printAccountsTable(const std::vector<MailAccount>& accounts) {
 }
 
 int runAccounts(Session& session, bool json) {
-    AccountDirectory& accounts = session.model().accounts();
+    AccountDirectory& accounts = session.model().mail().accounts;
     accounts.refreshAccountsFromMail();
     session.waitUntilIdle();
     if (accounts.accountLoadFailureMessage()) throw CommandFailure(*accounts.accountLoadFailureMessage());
@@ -109,33 +111,33 @@ int runAccounts(Session& session, bool json) {
 }
 
 int runRefresh(Session& session, bool json) {
-    return runScanToEnd(session, json, [&] { session.model().scanFlow().refreshAllMailData(); });
+    return runScanToEnd(session, json, [&] { session.model().mail().scanFlow.refreshAllMailData(); });
 }
 
 int runScan(Session& session, std::optional<std::int64_t> maximumYear, bool json) {
     session.waitUntilIdle();
-    ModelFilters& filters = session.model().filters();
+    ModelFilters& filters = session.model().mail().filters;
     if (maximumYear) {
-        filters.setYearCutoff(*maximumYear);
-        filters.setOnlyBeforeCutoff(true);
+        filters.set(&ListFilters::yearCutoff, *maximumYear);
+        filters.set(&ListFilters::onlyBeforeCutoff, true);
     }
-    return runScanToEnd(session, json, [&] { session.model().scanFlow().scan(); });
+    return runScanToEnd(session, json, [&] { session.model().mail().scanFlow.scan(); });
 }
 
 int runDiagnose(Session& session, bool json) {
     CorvaneViewModel& model = session.model();
     session.waitUntilIdle();
-    if (model.accounts().availableAccounts().empty()) model.accounts().refreshAccountsFromMail();
+    if (model.mail().accounts.availableAccounts().empty()) model.mail().accounts.refreshAccountsFromMail();
     session.waitUntilIdle();
     // A home of which no account is selected, as before its first refresh, is looked at as a whole.
-    std::set<std::string> prefixes = model.accounts().selectedAccountPrefixes();
+    std::set<std::string> prefixes = model.mail().accounts.selectedAccountPrefixes();
     if (prefixes.empty()) {
-        for (const MailAccount& account : model.accounts().availableAccounts())
+        for (const MailAccount& account : model.mail().accounts.availableAccounts())
             prefixes.insert(account.urlPrefix);
     }
-    model.diagnostics().write(prefixes);
+    model.mail().diagnostics.write(prefixes);
     session.waitUntilIdle();
-    const std::string path = model.diagnostics().logPath();
+    const std::string path = model.mail().diagnostics.logPath();
     if (json) {
         JsonDocument document;
         document.object([&] { document.member("log", path); });

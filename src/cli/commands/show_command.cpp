@@ -48,7 +48,7 @@ struct FoundMail {
 std::string preparedBody(Session& session, const ArchivedEntry& entry) {
     if (!session.isLibraryLoaded()) loadLibrary(session);
     std::string body;
-    session.model().bodyTexts().prepareIndexedBody(
+    session.model().library().bodyTexts.prepareIndexedBody(
         entry, [&](const auto& prepared) { body = prepared.value_or(""); });
     session.waitUntilIdle();
     return body;

@@ -22,7 +22,7 @@ struct SpaceOptions {
 };
 
 std::vector<SpaceAccountUsage> usageOf(Session& session, const std::string& account) {
-    SpaceUsageFlow& space = session.model().space();
+    SpaceUsageFlow& space = session.model().mail().space;
     space.refreshSpaceUsage();
     session.waitUntilIdle();
     std::vector<SpaceAccountUsage> usages = *space.spaceUsage();
@@ -33,7 +33,7 @@ std::vector<SpaceAccountUsage> usageOf(Session& session, const std::string& acco
 
 // Sorted.
 std::vector<std::string> idsBehind(Session& session, const SpaceOptions& options) {
-    const MessageCatalog& catalog = session.model().catalog();
+    const MessageCatalog& catalog = session.model().mail().catalog;
     const SharedTextSet found = localMessageIDs(*catalog.messages(), *catalog.locallyAvailableIDs(),
                                                 options.account, {options.sender});
     std::vector<std::string> ids;

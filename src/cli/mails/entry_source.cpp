@@ -65,7 +65,7 @@ class LoadedEntries final : public EntrySource {
   public:
     explicit LoadedEntries(Session& session)
       : session_(session)
-      , entries_(session.model().library().archivedEntries())
+      , entries_(session.model().library().loader.archivedEntries())
       , handles_(*entries_) {}
 
     std::vector<ArchivedEntry> find(const std::string& name) override {
@@ -76,7 +76,7 @@ class LoadedEntries final : public EntrySource {
 
     FoundIDs search(const std::string& text) override {
         FoundIDs result;
-        session_.model().bodyTexts().searchArchive(text, [&](const ArchiveSearchResult& found) {
+        session_.model().library().bodyTexts.searchArchive(text, [&](const ArchiveSearchResult& found) {
             result.ids.assign(found.ids.begin(), found.ids.end());
             result.rootsNotAsked = found.unreadableRoots;
         });
@@ -103,7 +103,7 @@ class LoadedEntries final : public EntrySource {
     }
 
     std::optional<std::string> body(const ArchivedEntry& entry) override {
-        for (const auto& [root, index] : *session_.model().library().locationSearchIndexes()) {
+        for (const auto& [root, index] : *session_.model().library().loader.locationSearchIndexes()) {
             if (auto body = index->body(entry.record.id)) return body;
         }
         return std::nullopt;

@@ -9,8 +9,8 @@ namespace corvane {
 namespace {
 
 CandidateRules candidateRulesOf(const ModelFilters& filters) {
-    return {filters.minimumCandidateBytes(), filters.transferMaxYear(), filters.filterAccountPrefixes(),
-            filters.archiveFilterYears()};
+    return {filters.candidates().minimumCandidateBytes, filters.candidates().transferMaxYear,
+            filters.filterAccountPrefixes(), filters.candidates().archiveFilterYears};
 }
 
 struct CandidatesJob {
@@ -40,7 +40,7 @@ CandidateInputs ArchiveCandidates::inputs() const {
             .locallyAvailableIDs = catalog_.locallyAvailableIDs(),
             .archivedMessageIDs = catalog_.archivedMessageIDs(),
             .archivedBaseIDs = nullptr,
-            .withheldIDs = catalog_.withheldIDs(),
+            .withheldIDs = catalog_.availability().withheldIDs,
             .yearByID = catalog_.messageYearByID()};
 }
 

@@ -159,8 +159,8 @@ void MessageCatalog::publishEmpty() {
 
 void MessageCatalog::publish(SharedAvailability availability) {
     const bool isArchivedAnew = archivedMessageIDs() != availability->archivedMessageIDs ||
-                                proofs() != availability->proofs ||
-                                setAsideIDs() != availability->setAsideIDs;
+                                this->availability().proofs != availability->proofs ||
+                                this->availability().setAsideIDs != availability->setAsideIDs;
     CatalogState state = *state_;
     state.availability = std::move(availability);
     state.isAvailabilityKnown = true;

@@ -63,20 +63,8 @@ class MessageCatalog : public QObject {
         return state_->availability->archivedMessageIDs;
     }
 
-    // Never null, as all of these.
-    [[nodiscard]] const SharedProofTable& proofs() const { return state_->availability->proofs; }
-
-    [[nodiscard]] const std::shared_ptr<const SharedTextSet>& setAsideIDs() const {
-        return state_->availability->setAsideIDs;
-    }
-
-    [[nodiscard]] const std::shared_ptr<const SharedTextSet>& withheldIDs() const {
-        return state_->availability->withheldIDs;
-    }
-
-    [[nodiscard]] const std::shared_ptr<const SharedTextSet>& troubledIDs() const {
-        return state_->availability->troubledIDs;
-    }
+    // All that the availability run of the generation has found; of pointers none is null.
+    [[nodiscard]] const AvailabilityResult& availability() const { return *state_->availability; }
 
     // What runs are given from now on, for work that can't wait for one.
     [[nodiscard]] AvailabilityInputs availabilityInputs() const { return inputs_(); }

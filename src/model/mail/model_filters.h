@@ -1,11 +1,13 @@
-// Everything by which the user narrows lists and candidates. Main thread. Every setter that changes a value
-// emits the signals of what depends on it; several values set together emit them once.
+// Everything by which the user narrows lists and candidates. Main thread. Every change of a value emits the
+// signals of what depends on it; several values changed together emit them once.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <set>
 #include <string>
+#include <type_traits>
+#include <utility>
 
 #include <QObject>
 
@@ -13,62 +15,62 @@
 
 namespace corvane {
 
+// What narrows and orders the list of messages.
+struct ListFilters {
+    std::string searchText;
+    std::int64_t minimumAttachmentCount = 0;
+    std::int64_t yearCutoff = 0;
+    bool onlyBeforeCutoff = false;
+    std::set<std::int64_t> filterYears;
+    MigratedFilter migratedFilter = MigratedFilter::all;
+    bool onlyTroubled = false; // mail with a reason why it doesn't count as archived
+    MailSortMode sortMode = MailSortMode::newest;
+    bool sortAscending = false;
+};
+
+// What narrows the candidates.
+struct CandidateFilters {
+    std::set<std::int64_t> archiveFilterYears;
+    TransferSizePreset transferMinimumSize = TransferSizePreset::any;
+    std::int64_t minimumCandidateBytes = 0; // those of the preset, or a size of the user's own
+    std::optional<std::int64_t> transferMaxYear;
+};
+
 class ModelFilters : public QObject {
     Q_OBJECT
 
   public:
+    // The year of the cut-off is a few years before the present one.
     explicit ModelFilters(QObject* parent = nullptr);
 
-    // The list.
-    [[nodiscard]] const std::string& searchText() const { return searchText_; }
+    [[nodiscard]] const ListFilters& list() const { return list_; }
 
-    [[nodiscard]] std::int64_t minimumAttachmentCount() const { return minimumAttachmentCount_; }
+    [[nodiscard]] const CandidateFilters& candidates() const { return candidates_; }
 
-    [[nodiscard]] std::int64_t yearCutoff() const { return yearCutoff_; }
-
-    [[nodiscard]] bool onlyBeforeCutoff() const { return onlyBeforeCutoff_; }
-
-    [[nodiscard]] MailSortMode sortMode() const { return sortMode_; }
-
-    [[nodiscard]] bool sortAscending() const { return sortAscending_; }
-
-    [[nodiscard]] MigratedFilter migratedFilter() const { return migratedFilter_; }
-
-    // Only mail with a reason why it doesn't count as archived.
-    [[nodiscard]] bool onlyTroubled() const { return onlyTroubled_; }
-
-    [[nodiscard]] const std::set<std::int64_t>& filterYears() const { return filterYears_; }
-
-    // The list and the candidates.
+    // Of the list and the candidates.
     [[nodiscard]] const std::set<std::string>& filterAccountPrefixes() const {
         return filterAccountPrefixes_;
     }
 
-    // The candidates.
-    [[nodiscard]] const std::set<std::int64_t>& archiveFilterYears() const { return archiveFilterYears_; }
-
-    [[nodiscard]] TransferSizePreset transferMinimumSize() const { return transferMinimumSize_; }
-
-    // The bytes of `transferMinimumSize`, or a size of the user's own.
-    [[nodiscard]] std::int64_t minimumCandidateBytes() const { return minimumCandidateBytes_; }
-
-    [[nodiscard]] std::optional<std::int64_t> transferMaxYear() const { return transferMaxYear_; }
-
     // Each notifies only of another value than before.
-    void setSearchText(std::string text);
-    void setMinimumAttachmentCount(std::int64_t count);
-    void setYearCutoff(std::int64_t year);
-    void setOnlyBeforeCutoff(bool only);
-    void setSortMode(MailSortMode mode);
-    void setSortAscending(bool ascending);
-    void setMigratedFilter(MigratedFilter filter);
-    void setOnlyTroubled(bool only);
-    void setFilterYears(std::set<std::int64_t> years);
+    template <class Value>
+    void set(Value ListFilters::* field, std::type_identity_t<Value> value) {
+        if (list_.*field == value) return;
+        list_.*field = std::move(value);
+        notifyList();
+    }
+
+    template <class Value>
+    void set(Value CandidateFilters::* field, std::type_identity_t<Value> value) {
+        if (candidates_.*field == value) return;
+        candidates_.*field = std::move(value);
+        notifyCandidates();
+    }
+
     void setFilterAccountPrefixes(std::set<std::string> prefixes);
-    void setArchiveFilterYears(std::set<std::int64_t> years);
+
+    // With its bytes.
     void setTransferMinimumSize(TransferSizePreset preset);
-    void setMinimumCandidateBytes(std::int64_t bytes);
-    void setTransferMaxYear(std::optional<std::int64_t> year);
 
     // Narrows list and candidates to one account (or none in particular) and some years at a stroke.
     void applyHomeScope(const std::optional<std::string>& accountPrefix, const std::set<std::int64_t>& years);
@@ -83,25 +85,12 @@ class ModelFilters : public QObject {
     void candidateFilterChanged();
 
   private:
-    template <class Value>
-    bool assign(Value& field, Value value);
     void notifyList();
     void notifyCandidates();
 
-    std::string searchText_;
-    std::int64_t minimumAttachmentCount_ = 0;
-    std::int64_t yearCutoff_;
-    bool onlyBeforeCutoff_ = false;
-    MailSortMode sortMode_ = MailSortMode::newest;
-    bool sortAscending_ = false;
-    MigratedFilter migratedFilter_ = MigratedFilter::all;
-    bool onlyTroubled_ = false;
-    std::set<std::int64_t> filterYears_;
+    ListFilters list_;
+    CandidateFilters candidates_;
     std::set<std::string> filterAccountPrefixes_;
-    std::set<std::int64_t> archiveFilterYears_;
-    TransferSizePreset transferMinimumSize_ = TransferSizePreset::any;
-    std::int64_t minimumCandidateBytes_ = 0;
-    std::optional<std::int64_t> transferMaxYear_;
     bool isApplyingHomeScope_ = false;
 };
 

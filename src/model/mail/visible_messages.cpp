@@ -50,20 +50,20 @@ void VisibleMessages::setSelectedMessageID(std::optional<std::string> id) {
 
 ListInput VisibleMessages::listInput() const {
     return {catalog_.messages(), catalog_.locallyAvailableIDs(), catalog_.archivedMessageIDs(),
-            catalog_.messageYearByID(), catalog_.troubledIDs()};
+            catalog_.messageYearByID(), catalog_.availability().troubledIDs};
 }
 
 ListRules VisibleMessages::listRules() const {
     ListRules rules;
-    rules.query = text::lowercased(text::trimWhitespaceAndNewlines(filters_.searchText()));
-    rules.minimumAttachmentCount = filters_.minimumAttachmentCount();
-    rules.years = filters_.filterYears();
+    rules.query = text::lowercased(text::trimWhitespaceAndNewlines(filters_.list().searchText));
+    rules.minimumAttachmentCount = filters_.list().minimumAttachmentCount;
+    rules.years = filters_.list().filterYears;
     rules.accountPrefixes = filters_.filterAccountPrefixes();
-    if (filters_.onlyBeforeCutoff()) rules.newestYear = filters_.yearCutoff();
-    rules.migrated = filters_.migratedFilter();
-    rules.onlyTroubled = filters_.onlyTroubled();
-    rules.sortMode = filters_.sortMode();
-    rules.ascending = filters_.sortAscending();
+    if (filters_.list().onlyBeforeCutoff) rules.newestYear = filters_.list().yearCutoff;
+    rules.migrated = filters_.list().migratedFilter;
+    rules.onlyTroubled = filters_.list().onlyTroubled;
+    rules.sortMode = filters_.list().sortMode;
+    rules.ascending = filters_.list().sortAscending;
     return rules;
 }
 

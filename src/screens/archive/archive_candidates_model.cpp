@@ -41,10 +41,10 @@ ArchiveCandidatesModel::ArchiveCandidatesModel(CorvaneViewModel& model, DesktopA
   , sumTask_(model.context().tasks)
   , tickTask_(model.context().tasks)
   , copyTask_(model.context().tasks) {
-    connect(&model.candidates(), &ArchiveCandidates::archiveCandidatesReady, this, [this] {
-        if (isLoading_) show(model_.candidates().archiveCandidates());
+    connect(&model.archiving().candidates, &ArchiveCandidates::archiveCandidatesReady, this, [this] {
+        if (isLoading_) show(model_.archiving().candidates.archiveCandidates());
     });
-    connect(&model.ticks(), &ArchiveTicks::selectionChanged, this, [this] {
+    connect(&model.archiving().ticks, &ArchiveTicks::selectionChanged, this, [this] {
         if (isOwnChange_ || count() == 0) return;
         sumSelection();
         notifyAllRows({TickedRole});
@@ -62,13 +62,13 @@ QHash<int, QByteArray> ArchiveCandidatesModel::roleNames() const {
 }
 
 bool ArchiveCandidatesModel::isTicked(const MailMessageRecord& message) const {
-    return model_.ticks().selectedArchiveMessageIDs().contains(message.id);
+    return model_.archiving().ticks.selectedArchiveMessageIDs().contains(message.id);
 }
 
 void ArchiveCandidatesModel::load() {
     isLoading_ = true;
     Q_EMIT loadingChanged();
-    model_.candidates().refreshArchiveCandidatesAsync();
+    model_.archiving().candidates.refreshArchiveCandidatesAsync();
 }
 
 void ArchiveCandidatesModel::clear() {
@@ -93,10 +93,10 @@ void ArchiveCandidatesModel::show(const SharedMessageList& candidates) {
         Sum sum;
     };
 
-    const ArchiveSelection& ticks = model_.ticks().selectedArchiveMessageIDs();
+    const ArchiveSelection& ticks = model_.archiving().ticks.selectedArchiveMessageIDs();
     compareTask_.start(
         TaskPriority::userInitiated,
-        Lists{records(), {candidates, ticks, model_.ticks().isWholeOfferSelected()}},
+        Lists{records(), {candidates, ticks, model_.archiving().ticks.isWholeOfferSelected()}},
         [](const Lists& lists, const TaskHandle&) {
             return Shown{messageRowChanges(*lists.from, *lists.to.messages), sumOf(lists.to)};
         },
@@ -105,7 +105,7 @@ void ArchiveCandidatesModel::show(const SharedMessageList& candidates) {
             apply(candidates, shown.changes);
             setTroubles(MessageTroubles::known(model_));
             setSum(shown.sum);
-            if (ticks != model_.ticks().selectedArchiveMessageIDs()) sumSelection();
+            if (ticks != model_.archiving().ticks.selectedArchiveMessageIDs()) sumSelection();
             Q_EMIT loadingChanged();
         });
 }
@@ -114,7 +114,7 @@ std::set<std::int64_t> ArchiveCandidatesModel::yearsOfFew() const {
     constexpr int mostLookedAt = 500;
     std::set<std::int64_t> years;
     if (count() > mostLookedAt) return years;
-    const YearByID& known = *model_.catalog().messageYearByID();
+    const YearByID& known = *model_.mail().catalog.messageYearByID();
     for (const MailMessageRecord& message : *records()) {
         const auto year = known.find(message.id);
         if (year == known.end()) return {};
@@ -134,10 +134,11 @@ ArchiveCandidatesModel::Sum ArchiveCandidatesModel::sumOf(const SumJob& job) {
 }
 
 void ArchiveCandidatesModel::sumSelection() {
-    if (model_.ticks().selectedArchiveMessageIDs().empty()) return setSum({});
+    if (model_.archiving().ticks.selectedArchiveMessageIDs().empty()) return setSum({});
     sumTask_.start(
         TaskPriority::userInitiated,
-        SumJob{records(), model_.ticks().selectedArchiveMessageIDs(), model_.ticks().isWholeOfferSelected()},
+        SumJob{records(), model_.archiving().ticks.selectedArchiveMessageIDs(),
+               model_.archiving().ticks.isWholeOfferSelected()},
         [](const SumJob& job, const TaskHandle&) { return sumOf(job); },
         [this](const Sum& sum) { setSum(sum); });
 }
@@ -157,7 +158,7 @@ void ArchiveCandidatesModel::toggleTick(int row) {
     const MailMessageRecord* const message = record(row);
     if (message == nullptr) return;
     isOwnChange_ = true;
-    model_.ticks().toggleArchiveSelection(message->id);
+    model_.archiving().ticks.toggleArchiveSelection(message->id);
     isOwnChange_ = false;
     const std::int64_t sign = isTicked(*message) ? 1 : -1;
     anchor_ = message->id;
@@ -172,9 +173,9 @@ void ArchiveCandidatesModel::toggleTicks(int row) {
     tickTask_.start(TaskPriority::userInitiated,
                     TickJob{{records(), selection()->rows()},
                             !isTicked(*record(row)),
-                            model_.ticks().selectedArchiveMessageIDs()},
+                            model_.archiving().ticks.selectedArchiveMessageIDs()},
                     &ticksOf, [this](ArchiveSelection selection) {
-                        model_.ticks().setArchiveSelection(std::move(selection));
+                        model_.archiving().ticks.setArchiveSelection(std::move(selection));
                     });
 }
 
@@ -182,13 +183,13 @@ void ArchiveCandidatesModel::tickRange(int row) {
     const MailMessageRecord* const message = record(row);
     if (message == nullptr) return;
     if (anchor_.empty()) anchor_ = message->id;
-    model_.ticks().selectArchiveRange(anchor_, message->id);
+    model_.archiving().ticks.selectArchiveRange(anchor_, message->id);
 }
 
 void ArchiveCandidatesModel::setTicksOfAll(bool ticked) {
     if (!ticked) {
         tickTask_.cancel();
-        model_.ticks().selectNoArchiveCandidates();
+        model_.archiving().ticks.selectNoArchiveCandidates();
         return;
     }
     tickTask_.start(
@@ -199,7 +200,7 @@ void ArchiveCandidatesModel::setTicksOfAll(bool ticked) {
             for (const MailMessageRecord& message : *all) ids.insert(message.id);
             return ids;
         },
-        [this](SharedTextSet ids) { model_.ticks().setArchiveSelection(std::move(ids)); });
+        [this](SharedTextSet ids) { model_.archiving().ticks.setArchiveSelection(std::move(ids)); });
 }
 
 void ArchiveCandidatesModel::tickAll() {

@@ -21,8 +21,8 @@ ArchiveScreen::ArchiveScreen(CorvaneViewModel& model, OrganizeData& data, Deskto
   , candidates_(model, desktop)
   , quickDestinations_(model)
   , folderPicker_(model)
-  , rebuildNotice_(model.rebuild())
-  , progress_(model.archiveRun())
+  , rebuildNotice_(model.archiving().rebuild)
+  , progress_(model.archiving().archiveRun)
   , outcome_(desktop)
   , prepareTask_(model.context().tasks) {
     wire();
@@ -34,11 +34,13 @@ void ArchiveScreen::wire() {
         Q_EMIT confirmationChanged();
     };
     // What was said of a run there doesn't hold for another place.
-    connect(&model_.destinations(), &ArchiveDestinations::destinationChanged, this, [this] { setError({}); });
-    connect(&model_.destinations(), &ArchiveDestinations::destinationChanged, this, destinationReplaced);
-    connect(&model_.destinations(), &ArchiveDestinations::factsChanged, this, destinationReplaced);
+    connect(&model_.archiving().destinations, &ArchiveDestinations::destinationChanged, this,
+            [this] { setError({}); });
+    connect(&model_.archiving().destinations, &ArchiveDestinations::destinationChanged, this,
+            destinationReplaced);
+    connect(&model_.archiving().destinations, &ArchiveDestinations::factsChanged, this, destinationReplaced);
     connect(&folderPicker_, &FolderPicker::chosen, this,
-            [this] { model_.destinations().setTransferDestination(folderPicker_.chosenPath()); });
+            [this] { model_.archiving().destinations.setTransferDestination(folderPicker_.chosenPath()); });
     connect(&candidates_, &ArchiveCandidatesModel::selectionSummed, this,
             &ArchiveScreen::confirmationChanged);
     connect(&candidates_, &ArchiveCandidatesModel::loadingChanged, this, &ArchiveScreen::confirmationChanged);
@@ -46,10 +48,10 @@ void ArchiveScreen::wire() {
     const auto reload = [this] {
         if (stage_ == Confirm && !isPreparing_) candidates_.load();
     };
-    connect(&model_.catalog(), &MessageCatalog::availabilityPublished, this, reload);
-    connect(&model_.catalog(), &MessageCatalog::archivedMessagesChanged, this, reload);
-    connect(&model_.filters(), &ModelFilters::candidateFilterChanged, this, reload);
-    connect(&model_.filters(), &ModelFilters::scopeCleared, this, [this] { yearsBefore_.clear(); });
+    connect(&model_.mail().catalog, &MessageCatalog::availabilityPublished, this, reload);
+    connect(&model_.mail().catalog, &MessageCatalog::archivedMessagesChanged, this, reload);
+    connect(&model_.mail().filters, &ModelFilters::candidateFilterChanged, this, reload);
+    connect(&model_.mail().filters, &ModelFilters::scopeCleared, this, [this] { yearsBefore_.clear(); });
 }
 
 void ArchiveScreen::setStage(Stage stage) {
@@ -79,10 +81,10 @@ void ArchiveScreen::open(ArchiveRequest request) {
     setError({});
     isOfChosenMail_ = false;
     isPreparing_ = true;
-    yearsBefore_ = model_.filters().archiveFilterYears();
-    model_.filters().setArchiveFilterYears(std::move(request.years));
+    yearsBefore_ = model_.mail().filters.candidates().archiveFilterYears;
+    model_.mail().filters.set(&CandidateFilters::archiveFilterYears, std::move(request.years));
     quickDestinations_.refreshDetectedDestinations();
-    model_.destinations().refreshFacts();
+    model_.archiving().destinations.refreshFacts();
     setStage(Confirm);
     Q_EMIT confirmationChanged();
     prepareTask_.start(
@@ -95,8 +97,8 @@ void ArchiveScreen::open(ArchiveRequest request) {
 
 void ArchiveScreen::showCandidates(std::shared_ptr<const SharedTextSet> requested) {
     isPreparing_ = false;
-    model_.candidates().setCandidateOffer(std::move(requested));
-    model_.ticks().selectWholeOffer();
+    model_.archiving().candidates.setCandidateOffer(std::move(requested));
+    model_.archiving().ticks.selectWholeOffer();
     candidates_.load();
 }
 
@@ -105,10 +107,10 @@ void ArchiveScreen::endConfirmation() {
     prepareTask_.cancel();
     isPreparing_ = false;
     candidates_.clear();
-    model_.candidates().setCandidateOffer(nullptr);
-    model_.ticks().selectNoArchiveCandidates();
-    model_.filters().setTransferMinimumSize(TransferSizePreset::any);
-    model_.filters().setArchiveFilterYears(yearsBefore_);
+    model_.archiving().candidates.setCandidateOffer(nullptr);
+    model_.archiving().ticks.selectNoArchiveCandidates();
+    model_.mail().filters.setTransferMinimumSize(TransferSizePreset::any);
+    model_.mail().filters.set(&CandidateFilters::archiveFilterYears, yearsBefore_);
 }
 
 void ArchiveScreen::close() {
@@ -125,7 +127,7 @@ void ArchiveScreen::start() {
     setError({});
     isEndUnseen_ = false;
     runCandidates_ = candidates_.records();
-    runSelection_ = model_.ticks().selectedArchiveMessageIDs();
+    runSelection_ = model_.archiving().ticks.selectedArchiveMessageIDs();
     progress_.start(candidates_.selectedCount());
     setStage(Running);
     model_.archiveSelectedEmails([screen = QPointer(this)](ArchiveRunFlow::RunOutcome outcome) {
@@ -140,7 +142,7 @@ void ArchiveScreen::handleRunFailure(const QString& error) {
                        : error + QStringLiteral("\n\n出错前已处理 %1。写好的文件还在归档位置，下次归档会"
                                                 "认出它们，不会重写。")
                                      .arg(screens::shownMessageCount(done)));
-    model_.destinations().refreshFacts();
+    model_.archiving().destinations.refreshFacts();
     stage_ = Confirm;
     candidates_.load();
 }
@@ -178,7 +180,7 @@ QString ArchiveScreen::endTone() const {
 }
 
 QString ArchiveScreen::partialText() const {
-    return screens::partialMailText(model_);
+    return screens::partialMailText(model_.mail());
 }
 
 void ArchiveScreen::showEnd() {
@@ -190,7 +192,7 @@ void ArchiveScreen::showEnd() {
 void ArchiveScreen::cancelRun() {
     if (stage_ != Running) return;
     progress_.setCancelling();
-    model_.archiveRun().cancelEmailArchive();
+    model_.archiving().archiveRun.cancelEmailArchive();
 }
 
 void ArchiveScreen::sendToBackground() {
@@ -240,12 +242,12 @@ void ArchiveScreen::goTo(const QString& place) {
 bool ArchiveScreen::canStart() const {
     const DestinationView destination = destinationView(model_);
     return stage_ == Confirm && !isLoading() && destination.path && destination.facts.connected &&
-           candidates_.selectedCount() > 0 && !model_.archiveRun().isArchiving();
+           candidates_.selectedCount() > 0 && !model_.archiving().archiveRun.isArchiving();
 }
 
 ArchiveConfirmation ArchiveScreen::confirmation() const {
     const DestinationView destination = destinationView(model_);
-    const std::set<std::int64_t>& years = model_.filters().archiveFilterYears();
+    const std::set<std::int64_t>& years = model_.mail().filters.candidates().archiveFilterYears;
     const DeletionSafety safety = data_.deletionSafety(std::nullopt, years);
     const std::int64_t count = candidates_.selectedCount();
     const std::int64_t bytes = candidates_.selectedBytes();
@@ -266,14 +268,14 @@ ArchiveConfirmation ArchiveScreen::confirmation() const {
 }
 
 int ArchiveScreen::minimumSize() const {
-    const auto known =
-        std::find(allSizePresets.begin(), allSizePresets.end(), model_.filters().transferMinimumSize());
+    const auto known = std::find(allSizePresets.begin(), allSizePresets.end(),
+                                 model_.mail().filters.candidates().transferMinimumSize);
     return static_cast<int>(known - allSizePresets.begin());
 }
 
 void ArchiveScreen::setMinimumSize(int preset) {
     if (stage_ != Confirm || preset < 0 || preset >= static_cast<int>(allSizePresets.size())) return;
-    model_.filters().setTransferMinimumSize(allSizePresets[static_cast<std::size_t>(preset)]);
+    model_.mail().filters.setTransferMinimumSize(allSizePresets[static_cast<std::size_t>(preset)]);
     Q_EMIT confirmationChanged();
 }
 

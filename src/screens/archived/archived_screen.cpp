@@ -11,9 +11,9 @@ namespace corvane {
 ArchivedScreen::ArchivedScreen(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
   : QObject(parent)
   , model_(model)
-  , detail_(model)
+  , detail_(model.library().mailOpening)
   , guide_(model, desktop)
-  , access_(model, desktop) {
+  , access_(model.mail(), desktop) {
     wire();
 }
 
@@ -21,16 +21,16 @@ void ArchivedScreen::wire() {
     const auto updates = [this](auto* sender, auto signal) {
         connect(sender, signal, this, &ArchivedScreen::update);
     };
-    updates(&model_.overview(), &OverviewFlow::overviewChanged);
-    updates(&model_.presence(), &PresenceFlow::presenceChanged);
-    updates(&model_.scanFlow(), &ScanFlow::stateChanged);
-    updates(&model_.catalog(), &MessageCatalog::availabilityPublished);
-    updates(&model_.library(), &LibraryLoader::loadFinished);
-    updates(&model_.diskAccess(), &FullDiskAccess::needsFullDiskAccessChanged);
-    updates(&model_.proof(), &ProofFlow::proofEnded);
-    connect(&model_.library(), &LibraryLoader::archivedEntriesChanged, this,
+    updates(&model_.library().overview, &OverviewFlow::overviewChanged);
+    updates(&model_.library().presence, &PresenceFlow::presenceChanged);
+    updates(&model_.mail().scanFlow, &ScanFlow::stateChanged);
+    updates(&model_.mail().catalog, &MessageCatalog::availabilityPublished);
+    updates(&model_.library().loader, &LibraryLoader::loadFinished);
+    updates(&model_.mail().diskAccess, &FullDiskAccess::needsFullDiskAccessChanged);
+    updates(&model_.archiving().proof, &ProofFlow::proofEnded);
+    connect(&model_.library().loader, &LibraryLoader::archivedEntriesChanged, this,
             &ArchivedScreen::showCachedCheck);
-    connect(&model_.proof(), &ProofFlow::progressChanged, this, [this] {
+    connect(&model_.archiving().proof, &ProofFlow::progressChanged, this, [this] {
         Q_EMIT proofChanged();
         guide_.handleProofProgress();
     });
@@ -38,8 +38,8 @@ void ArchivedScreen::wire() {
 
 void ArchivedScreen::open() {
     if (std::exchange(isOpened_, true)) return;
-    model_.libraryIndex().rebuildLibraryIndexIfNeeded();
-    model_.overview().refreshArchivedOverviewStats();
+    model_.library().index.rebuildLibraryIndexIfNeeded();
+    model_.library().overview.refreshArchivedOverviewStats();
     showCachedCheck();
     update();
 }
@@ -47,12 +47,12 @@ void ArchivedScreen::open() {
 // What an earlier check has found of entries that have changed isn't known any more.
 void ArchivedScreen::showCachedCheck() {
     if (!isOpened_) return;
-    model_.presence().refreshArchivedOriginalPresenceIfNeeded(false);
+    model_.library().presence.refreshArchivedOriginalPresenceIfNeeded(false);
 }
 
 void ArchivedScreen::update() {
     if (!isOpened_) return;
-    const SharedOverview& overview = model_.overview().overview();
+    const SharedOverview& overview = model_.library().overview.overview();
     if (overview) {
         const OriginalKnowledge known = knowledge();
         shares_ = screens::archivedShares(*overview);
@@ -65,27 +65,28 @@ void ArchivedScreen::update() {
 }
 
 ArchivedScreen::State ArchivedScreen::state() const {
-    if (!model_.library().archivedEntries()->empty()) return model_.overview().overview() ? Listed : Loading;
-    return model_.library().isLoading() ? Loading : Empty;
+    if (!model_.library().loader.archivedEntries()->empty())
+        return model_.library().overview.overview() ? Listed : Loading;
+    return model_.library().loader.isLoading() ? Loading : Empty;
 }
 
 OriginalKnowledge ArchivedScreen::knowledge() const {
     using enum OriginalKnowledge;
-    const SharedOverview& overview = model_.overview().overview();
+    const SharedOverview& overview = model_.library().overview.overview();
     if (!overview) return loading;
     if (isChecking()) return checking;
-    const OriginalPresence& presence = *model_.presence().presence();
+    const OriginalPresence& presence = *model_.library().presence.presence();
     if (presence.state() == OriginalPresence::State::unavailable) return unavailable;
     if (presence.state() == OriginalPresence::State::unchecked) return unchecked;
-    if (model_.scanFlow().state().isScanning()) return scanning;
+    if (model_.mail().scanFlow.state().isScanning()) return scanning;
     if (overview->inputs.isReady) return known;
-    const CatalogState& mail = *model_.catalog().state();
+    const CatalogState& mail = *model_.mail().catalog.state();
     if (mail.isPartial()) return partial;
-    return mail.set->messages->empty() && !model_.scanFlow().isLastScanAwaited() ? noMail : waiting;
+    return mail.set->messages->empty() && !model_.mail().scanFlow.isLastScanAwaited() ? noMail : waiting;
 }
 
 bool ArchivedScreen::isEarlierCheck() const {
-    const PresenceFlow& presence = model_.presence();
+    const PresenceFlow& presence = model_.library().presence;
     return presence.presence()->isOfEarlierRun || presence.questionFailure().has_value();
 }
 
@@ -94,17 +95,17 @@ bool ArchivedScreen::canCheck() const {
 }
 
 void ArchivedScreen::check() {
-    if (canCheck()) model_.presence().refreshArchivedOriginalPresenceIfNeeded(true);
+    if (canCheck()) model_.library().presence.refreshArchivedOriginalPresenceIfNeeded(true);
 }
 
 OverviewHero ArchivedScreen::hero() const {
-    const OriginalPresence& presence = *model_.presence().presence();
+    const OriginalPresence& presence = *model_.library().presence.presence();
     return screens::overviewHero(
         {.knowledge = knowledge(),
          .shares = shares_,
          .checkedAt = presence.checkedAt,
          .isEarlierCheck = isEarlierCheck(),
-         .failure = screens::wholeText(model_.presence().questionFailure().value_or(""))});
+         .failure = screens::wholeText(model_.library().presence.questionFailure().value_or(""))});
 }
 
 QVariantList ArchivedScreen::holdings() const {
@@ -126,7 +127,7 @@ QString ArchivedScreen::sidebarFigure() const {
 }
 
 QString ArchivedScreen::checkedText() const {
-    return isChecking() ? QString() : screens::checkedText(model_.presence().presence()->checkedAt);
+    return isChecking() ? QString() : screens::checkedText(model_.library().presence.presence()->checkedAt);
 }
 
 void ArchivedScreen::setFilter(int filter) {
@@ -135,13 +136,13 @@ void ArchivedScreen::setFilter(int filter) {
 }
 
 double ArchivedScreen::proofFraction() const {
-    const auto& progress = model_.proof().progress();
+    const auto& progress = model_.archiving().proof.progress();
     if (!progress || progress->total == 0) return 0;
     return static_cast<double>(progress->completed) / static_cast<double>(progress->total);
 }
 
 QString ArchivedScreen::proofCount() const {
-    const auto& progress = model_.proof().progress();
+    const auto& progress = model_.archiving().proof.progress();
     if (!progress) return {};
     return QStringLiteral("%1 / %2 封")
         .arg(screens::shownCount(progress->completed), screens::shownCount(progress->total));

@@ -66,20 +66,22 @@ class ArchivedScreen : public QObject {
 
     [[nodiscard]] QString checkedText() const;
 
-    [[nodiscard]] bool isChecking() const { return model_.presence().archivedOriginalPresenceChecking(); }
+    [[nodiscard]] bool isChecking() const {
+        return model_.library().presence.archivedOriginalPresenceChecking();
+    }
 
     // The originals were looked up in an earlier run of the program.
     [[nodiscard]] bool isEarlierCheck() const;
     [[nodiscard]] bool canCheck() const;
 
-    [[nodiscard]] bool needsAccess() const { return model_.diskAccess().needsFullDiskAccess(); }
+    [[nodiscard]] bool needsAccess() const { return model_.mail().diskAccess.needsFullDiskAccess(); }
 
     // The place in the list of filters.
     [[nodiscard]] int filter() const { return static_cast<int>(filter_); }
 
     void setFilter(int filter);
 
-    [[nodiscard]] bool isProving() const { return model_.proof().isProving(); }
+    [[nodiscard]] bool isProving() const { return model_.archiving().proof.isProving(); }
 
     [[nodiscard]] double proofFraction() const;
     [[nodiscard]] QString proofCount() const;
@@ -96,9 +98,9 @@ class ArchivedScreen : public QObject {
     Q_INVOKABLE void check();
 
     // Compares all originals that are archived and weren't compared yet.
-    Q_INVOKABLE void prove() { model_.proof().prove({}); }
+    Q_INVOKABLE void prove() { model_.archiving().proof.prove({}); }
 
-    Q_INVOKABLE void cancelProof() { model_.proof().cancel(); }
+    Q_INVOKABLE void cancelProof() { model_.archiving().proof.cancel(); }
 
     Q_INVOKABLE void openAccount(int row);
 

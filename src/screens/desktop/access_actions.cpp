@@ -45,19 +45,19 @@ QVariantMap shownObstacle(const platform::PathAccess& access) {
 
 } // namespace
 
-AccessActions::AccessActions(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
+AccessActions::AccessActions(MailComponents& mail, DesktopActions& desktop, QObject* parent)
   : QObject(parent)
-  , model_(model)
+  , mail_(mail)
   , desktop_(desktop) {
-    connect(&model.scanFlow(), &ScanFlow::restorableChanged, this, &AccessActions::restorableChanged);
-    connect(&model.scanFlow(), &ScanFlow::stateChanged, this, &AccessActions::restorableChanged);
-    connect(&model.diskAccess(), &FullDiskAccess::checkStarted, this, &AccessActions::accessChanged);
-    connect(&model.diskAccess(), &FullDiskAccess::checked, this, &AccessActions::handleChecked);
+    connect(&mail.scanFlow, &ScanFlow::restorableChanged, this, &AccessActions::restorableChanged);
+    connect(&mail.scanFlow, &ScanFlow::stateChanged, this, &AccessActions::restorableChanged);
+    connect(&mail.diskAccess, &FullDiskAccess::checkStarted, this, &AccessActions::accessChanged);
+    connect(&mail.diskAccess, &FullDiskAccess::checked, this, &AccessActions::handleChecked);
 }
 
 // Answers also where nothing has changed, or nobody knows whether the press has arrived.
 void AccessActions::handleChecked() {
-    if (std::exchange(isAsked_, false) && model_.diskAccess().needsFullDiskAccess()) {
+    if (std::exchange(isAsked_, false) && mail_.diskAccess.needsFullDiskAccess()) {
         answer_ = QStringLiteral("%1 又检查了一次，仍然不能读取。")
                       .arg(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")));
     }
@@ -65,25 +65,24 @@ void AccessActions::handleChecked() {
 }
 
 QVariantMap AccessActions::obstacle() const {
-    const auto& found = model_.diskAccess().obstacle();
+    const auto& found = mail_.diskAccess.obstacle();
     return found ? shownObstacle(*found) : QVariantMap();
 }
 
 QString AccessActions::summary() const {
-    const auto& found = model_.diskAccess().obstacle();
+    const auto& found = mail_.diskAccess.obstacle();
     if (!found) return QStringLiteral("需要你授权一次，才能读取 Apple Mail 的数据。");
     return missingRightsOf(*found).isEmpty() ? QStringLiteral("还读不到 Apple Mail 的数据。")
                                              : QStringLiteral("缺少一项权限，还读不到 Apple Mail 的数据。");
 }
 
 void AccessActions::copyObstaclePath() {
-    if (const auto& found = model_.diskAccess().obstacle())
-        desktop_.copy(QString::fromStdString(found->path));
+    if (const auto& found = mail_.diskAccess.obstacle()) desktop_.copy(QString::fromStdString(found->path));
 }
 
 void AccessActions::recheckAccess() {
     isAsked_ = true;
-    model_.diskAccess().refreshFullDiskAccessState();
+    mail_.diskAccess.refreshFullDiskAccessState();
 }
 
 void AccessActions::openPrivacySettings() {
@@ -94,17 +93,17 @@ void AccessActions::openPrivacySettings() {
 }
 
 void AccessActions::cancelScan() {
-    model_.scanFlow().cancelScan();
+    mail_.scanFlow.cancelScan();
 }
 
 QString AccessActions::restoreTitle() const {
-    const auto time = model_.scanFlow().restorableScanTime();
+    const auto time = mail_.scanFlow.restorableScanTime();
     if (!time) return {};
     return QStringLiteral("恢复 %1 的完整结果").arg(QString::fromStdString(formatListDate(*time)));
 }
 
 void AccessActions::restoreLastScan() {
-    if (model_.scanFlow().restorableScanTime()) model_.scanFlow().loadCachedScanIfNeeded(false);
+    if (mail_.scanFlow.restorableScanTime()) mail_.scanFlow.loadCachedScanIfNeeded(false);
 }
 
 } // namespace corvane

@@ -6,7 +6,7 @@
 #include <QVariantMap>
 #include <QtQml/qqmlregistration.h>
 
-#include "model/corvane_view_model.h"
+#include "model/components/mail_components.h"
 #include "screens/desktop/desktop_actions.h"
 
 namespace corvane {
@@ -26,7 +26,7 @@ class AccessActions : public QObject {
 
   public:
     // Both must outlive it.
-    AccessActions(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent = nullptr);
+    AccessActions(MailComponents& mail, DesktopActions& desktop, QObject* parent = nullptr);
 
     Q_INVOKABLE void recheckAccess();
 
@@ -37,7 +37,7 @@ class AccessActions : public QObject {
 
     [[nodiscard]] const QString& answer() const { return answer_; }
 
-    [[nodiscard]] bool isChecking() const { return model_.diskAccess().isChecking(); }
+    [[nodiscard]] bool isChecking() const { return mail_.diskAccess.isChecking(); }
 
     Q_INVOKABLE void copyObstaclePath();
 
@@ -48,7 +48,7 @@ class AccessActions : public QObject {
     // Of the button that brings back the last whole scan; empty where the list is whole, or there is none.
     [[nodiscard]] QString restoreTitle() const;
 
-    [[nodiscard]] bool isRestoring() const { return model_.scanFlow().isRestoring(); }
+    [[nodiscard]] bool isRestoring() const { return mail_.scanFlow.isRestoring(); }
 
     // No effect where there is nothing to bring back.
     Q_INVOKABLE void restoreLastScan();
@@ -62,7 +62,7 @@ class AccessActions : public QObject {
   private:
     void handleChecked();
 
-    CorvaneViewModel& model_;
+    MailComponents& mail_;
     DesktopActions& desktop_;
     bool isAsked_ = false; // the look that runs was asked for by the user
     QString answer_;

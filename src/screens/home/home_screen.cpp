@@ -34,9 +34,9 @@ HomeScreen::HomeScreen(CorvaneViewModel& model, OrganizeData& data, ArchiveScree
   , data_(data)
   , archive_(archive)
   , desktop_(desktop)
-  , scan_(model, archive)
+  , scan_(model.mail(), archive)
   , proof_(model)
-  , access_(model, desktop) {
+  , access_(model.mail(), desktop) {
     wire();
     handleOverviewChange();
 }
@@ -50,23 +50,23 @@ void HomeScreen::wire() {
         if (scope_.accountKey) lookedAt.accountPrefixes.insert(*scope_.accountKey);
         proof_.show(safety(), lookedAt, hasFigures());
     });
-    on(&model_.library(), &LibraryLoader::archiveLocationsChanged, &HomeScreen::figuresChanged);
+    on(&model_.library().loader, &LibraryLoader::archiveLocationsChanged, &HomeScreen::figuresChanged);
     on(&data_, &OrganizeData::overviewChanged, &HomeScreen::handleOverviewChange);
     on(&tree_, &OrganizeTreeModel::ticksChanged, &HomeScreen::updateFigures);
-    on(&model_.counts(), &IndexCounts::countsChanged, &HomeScreen::figuresChanged);
-    on(&model_.diskAccess(), &FullDiskAccess::needsFullDiskAccessChanged, &HomeScreen::stateChanged);
-    on(&model_.accounts(), &AccountDirectory::loadFailureChanged, &HomeScreen::stateChanged);
+    on(&model_.mail().counts, &IndexCounts::countsChanged, &HomeScreen::figuresChanged);
+    on(&model_.mail().diskAccess, &FullDiskAccess::needsFullDiskAccessChanged, &HomeScreen::stateChanged);
+    on(&model_.mail().accounts, &AccountDirectory::loadFailureChanged, &HomeScreen::stateChanged);
     for (const auto signal :
          {&HomeScreen::stateChanged, &HomeScreen::figuresChanged, &HomeScreen::selectionChanged}) {
-        on(&model_.scanFlow(), &ScanFlow::stateChanged, signal);
-        on(&model_.scanFlow(), &ScanFlow::restorableChanged, signal);
+        on(&model_.mail().scanFlow, &ScanFlow::stateChanged, signal);
+        on(&model_.mail().scanFlow, &ScanFlow::restorableChanged, signal);
     }
-    on(&model_.filters(), &ModelFilters::scopeCleared, &HomeScreen::handleScopeCleared);
-    on(&model_.scanFlow(), &ScanFlow::scanFinished, &HomeScreen::dropMissingYear);
-    on(&model_.scanFlow(), &ScanFlow::cachedScanRestored, [this] { dropMissingYear(); });
+    on(&model_.mail().filters, &ModelFilters::scopeCleared, &HomeScreen::handleScopeCleared);
+    on(&model_.mail().scanFlow, &ScanFlow::scanFinished, &HomeScreen::dropMissingYear);
+    on(&model_.mail().scanFlow, &ScanFlow::cachedScanRestored, [this] { dropMissingYear(); });
     for (const auto signal : {&HomeScreen::destinationChanged, &HomeScreen::selectionChanged}) {
-        on(&model_.destinations(), &ArchiveDestinations::destinationChanged, signal);
-        on(&model_.destinations(), &ArchiveDestinations::factsChanged, signal);
+        on(&model_.archiving().destinations, &ArchiveDestinations::destinationChanged, signal);
+        on(&model_.archiving().destinations, &ArchiveDestinations::factsChanged, signal);
     }
     for (const auto signal : {&HomeScreen::selectionChanged, &HomeScreen::stateChanged})
         on(&archive_, &ArchiveScreen::stageChanged, signal);
@@ -90,9 +90,9 @@ void HomeScreen::updateFigures() {
 }
 
 HomeScreen::State HomeScreen::state() const {
-    if (model_.diskAccess().needsFullDiskAccess()) return NoAccess;
+    if (model_.mail().diskAccess.needsFullDiskAccess()) return NoAccess;
     if (scan_.isScanning()) return Scanning;
-    const ScanFlow& scan = model_.scanFlow();
+    const ScanFlow& scan = model_.mail().scanFlow;
     const bool hasData = model_.hasScanDisplayData();
     if (isPartial() && (hasData || scan.restorableScanTime())) return Partial;
     if (!hasData) return scan.isLastScanAwaited() ? Loading : FirstUse;
@@ -161,7 +161,7 @@ bool HomeScreen::hasFigures() const {
 SafetyBanner HomeScreen::banner(const DeletionSafety& safety) const {
     if (isPartial()) return screens::partialListBanner(scan_.failureText());
     if (hasFigures())
-        return screens::deletionSafetyBanner(organizeRangeTitle(), safety, model_.counts().isKnown());
+        return screens::deletionSafetyBanner(organizeRangeTitle(), safety, model_.mail().counts.isKnown());
     return screens::unknownSafetyBanner(
         organizeRangeTitle(), state() == Loading ? QStringLiteral("读完之前，这里不说哪些可以删除。")
                                                  : QStringLiteral("正在确认哪些邮件还需要放入归档库。"));
@@ -180,7 +180,7 @@ OrganizeFigures HomeScreen::figures() const {
         seriesSum("archived", QStringLiteral("已归档"), known.archived, figures.isKnown),
         seriesSum("unarchived", QStringLiteral("未归档"), known.local - known.archived, figures.isKnown),
         seriesSum("serverOnly", QStringLiteral("仅在服务器"), known.serverAlone(),
-                  figures.isKnown && model_.counts().isKnown())};
+                  figures.isKnown && model_.mail().counts.isKnown())};
     figures.scopeYear = static_cast<int>(scope_.year.value_or(0));
     figures.isNarrowed = scope_ != OrganizeScope();
     return figures;
@@ -215,7 +215,7 @@ void HomeScreen::handleScopeCleared() {
 
 // By the rule of the model's filters, which have dropped it.
 void HomeScreen::dropMissingYear() {
-    const std::vector<YearStat>& years = model_.catalog().yearStats();
+    const std::vector<YearStat>& years = model_.mail().catalog.yearStats();
     if (!scope_.year || std::ranges::find(years, *scope_.year, &YearStat::year) != years.end()) return;
     setScope({scope_.accountKey, std::nullopt});
     updateFigures();
@@ -256,7 +256,7 @@ QString HomeScreen::organizeSelectionSummary() const {
 
 // Where nothing is left to archive, the archive itself is the next step.
 HomeScreen::HomeAction HomeScreen::effectiveHomeAction() const {
-    return state() == NothingToDo && !model_.library().archivedEntries()->empty()
+    return state() == NothingToDo && !model_.library().loader.archivedEntries()->empty()
                ? HomeAction::openArchiveLibrary
                : HomeAction::organize;
 }
@@ -273,7 +273,7 @@ QString HomeScreen::organizePrimaryTitle() const {
 
 bool HomeScreen::organizePrimaryDisabled() const {
     if (archive_.isRunning() || effectiveHomeAction() == HomeAction::openArchiveLibrary) return false;
-    return state() != List || !destinationView(model_).path || model_.catalog().messages()->empty() ||
+    return state() != List || !destinationView(model_).path || model_.mail().catalog.messages()->empty() ||
            !hasFigures() || (selection_.count == 0 && candidateCountInScope() == 0);
 }
 
@@ -284,12 +284,12 @@ void HomeScreen::runOrganizePrimaryAction() {
         Q_EMIT libraryRequested();
     } else if (!destinationView(model_).path) {
         return; // the location bar asks for it
-    } else if (model_.accounts().availableAccounts().empty() &&
-               model_.accounts().accountLoadFailureMessage()) {
+    } else if (model_.mail().accounts.availableAccounts().empty() &&
+               model_.mail().accounts.accountLoadFailureMessage()) {
         access_.openPrivacySettings();
     } else if (!model_.hasScanDisplayData()) {
-        model_.scanFlow().scan();
-    } else if (!model_.catalog().messages()->empty() && !isPartial()) {
+        model_.mail().scanFlow.scan();
+    } else if (!model_.mail().catalog.messages()->empty() && !isPartial()) {
         openArchive(selection_.count == 0);
     }
 }
@@ -306,12 +306,12 @@ void HomeScreen::openArchive(bool everything) {
 }
 
 void HomeScreen::showTroubled() {
-    ModelFilters& filters = model_.filters();
-    filters.setSearchText({});
-    filters.setMinimumAttachmentCount(0);
-    filters.setOnlyBeforeCutoff(false);
-    filters.setMigratedFilter(MigratedFilter::all);
-    filters.setOnlyTroubled(true);
+    ModelFilters& filters = model_.mail().filters;
+    filters.set(&ListFilters::searchText, {});
+    filters.set(&ListFilters::minimumAttachmentCount, 0);
+    filters.set(&ListFilters::onlyBeforeCutoff, false);
+    filters.set(&ListFilters::migratedFilter, MigratedFilter::all);
+    filters.set(&ListFilters::onlyTroubled, true);
     applyScope();
     Q_EMIT troubledRequested();
 }

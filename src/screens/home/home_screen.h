@@ -124,7 +124,7 @@ class HomeScreen : public QObject {
     void openArchive(bool everything);
     [[nodiscard]] bool hasFigures() const;
 
-    [[nodiscard]] bool isPartial() const { return model_.catalog().state()->isPartial(); }
+    [[nodiscard]] bool isPartial() const { return model_.mail().catalog.state()->isPartial(); }
 
     [[nodiscard]] SafetyBanner banner(const DeletionSafety& safety) const;
     [[nodiscard]] QString organizeRangeTitle() const;

@@ -65,8 +65,8 @@ ProofStatus::ProofStatus(CorvaneViewModel& model, QObject* parent)
   : QObject(parent)
   , model_(model)
   , awayTask_(model.context().tasks) {
-    connect(&model.proof(), &ProofFlow::progressChanged, this, &ProofStatus::changed);
-    connect(&model.proof(), &ProofFlow::proofEnded, this, &ProofStatus::changed);
+    connect(&model.archiving().proof, &ProofFlow::progressChanged, this, &ProofStatus::changed);
+    connect(&model.archiving().proof, &ProofFlow::proofEnded, this, &ProofStatus::changed);
 }
 
 void ProofStatus::show(const DeletionSafety& safety, const ProofScope& scope, bool isKnown) {
@@ -77,9 +77,9 @@ void ProofStatus::show(const DeletionSafety& safety, const ProofScope& scope, bo
 }
 
 void ProofStatus::countAway(const ProofScope& scope) {
-    const MessageCatalog& catalog = model_.catalog();
-    AwayJob job{catalog.messages(), catalog.proofs(), catalog.messageYearByID(),
-                disconnectedRoots(model_.library().archiveLocations()), scope};
+    const MessageCatalog& catalog = model_.mail().catalog;
+    AwayJob job{catalog.messages(), catalog.availability().proofs, catalog.messageYearByID(),
+                disconnectedRoots(model_.library().loader.archiveLocations()), scope};
     if (job.roots.empty()) {
         awayTask_.cancel();
         away_ = {};
@@ -110,13 +110,13 @@ QString ProofStatus::partialText() const {
 }
 
 double ProofStatus::fraction() const {
-    const auto& progress = model_.proof().progress();
+    const auto& progress = model_.archiving().proof.progress();
     if (!progress || progress->total == 0) return 0;
     return static_cast<double>(progress->completed) / static_cast<double>(progress->total);
 }
 
 QString ProofStatus::progressText() const {
-    const auto& progress = model_.proof().progress();
+    const auto& progress = model_.archiving().proof.progress();
     if (!progress) return {};
     const QString counts = QStringLiteral("正在逐字节核对 %1 / %2 封")
                                .arg(shownCount(progress->completed), shownCount(progress->total));

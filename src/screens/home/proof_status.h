@@ -49,15 +49,15 @@ class ProofStatus : public QObject {
     // Of the mail that Mail holds in part; empty without any.
     [[nodiscard]] QString partialText() const;
 
-    [[nodiscard]] bool isProving() const { return model_.proof().isProving(); }
+    [[nodiscard]] bool isProving() const { return model_.archiving().proof.isProving(); }
 
     [[nodiscard]] double fraction() const;
     [[nodiscard]] QString progressText() const;
 
     // Compares everything that is archived and not proven yet, whatever is looked at.
-    Q_INVOKABLE void start() { model_.proof().prove({}); }
+    Q_INVOKABLE void start() { model_.archiving().proof.prove({}); }
 
-    Q_INVOKABLE void cancel() { model_.proof().cancel(); }
+    Q_INVOKABLE void cancel() { model_.archiving().proof.cancel(); }
 
   Q_SIGNALS:
     void changed();

@@ -21,15 +21,15 @@ constexpr std::chrono::days freshness(7);
 
 } // namespace
 
-ScanStatus::ScanStatus(CorvaneViewModel& model, ArchiveScreen& archive, QObject* parent)
+ScanStatus::ScanStatus(MailComponents& mail, ArchiveScreen& archive, QObject* parent)
   : QObject(parent)
-  , model_(model)
+  , mail_(mail)
   , archive_(archive) {
     tick_.setInterval(std::chrono::seconds(1));
     connect(&tick_, &QTimer::timeout, this, &ScanStatus::elapsedChanged);
-    connect(&model_.scanFlow(), &ScanFlow::stateChanged, this, &ScanStatus::refresh);
+    connect(&mail_.scanFlow, &ScanFlow::stateChanged, this, &ScanStatus::refresh);
     connect(&archive_, &ArchiveScreen::stageChanged, this, &ScanStatus::changed);
-    connect(&model_.accounts(), &AccountDirectory::accountsChanged, this, &ScanStatus::accountsChanged);
+    connect(&mail_.accounts, &AccountDirectory::accountsChanged, this, &ScanStatus::accountsChanged);
     refresh();
 }
 
@@ -45,7 +45,7 @@ void ScanStatus::refresh() {
 }
 
 QString ScanStatus::updatedText() const {
-    const auto& date = model_.scanFlow().cacheLoadedAt();
+    const auto& date = mail_.scanFlow.cacheLoadedAt();
     if (!date || isScanning()) return {};
     const QString text = screens::wholeText(formatListDate(*date)) + QStringLiteral(" 更新");
     return currentTimestamp() - *date > freshness ? text + QStringLiteral(" · 建议重新扫描") : text;
@@ -56,7 +56,7 @@ QString ScanStatus::updateTitle() const {
 }
 
 QString ScanStatus::line() const {
-    return isScanning() ? screens::wholeText(model_.scanFlow().state().text) : QString();
+    return isScanning() ? screens::wholeText(mail_.scanFlow.state().text) : QString();
 }
 
 QString ScanStatus::elapsed() const {
@@ -65,7 +65,7 @@ QString ScanStatus::elapsed() const {
 
 QVariantList ScanStatus::accounts() const {
     QVariantList shown;
-    for (const MailAccount& account : model_.accounts().availableAccounts()) {
+    for (const MailAccount& account : mail_.accounts.availableAccounts()) {
         const QString kind =
             account.isLocalStore ? QStringLiteral("本机") : screens::wholeText(account.scheme).toUpper();
         shown << QVariantMap{{QStringLiteral("name"), shownLine(account.distinguishedLabel())},
@@ -79,12 +79,12 @@ QVariantList ScanStatus::accounts() const {
 }
 
 QString ScanStatus::failureText() const {
-    const MailScanState& scan = model_.scanFlow().state();
+    const MailScanState& scan = mail_.scanFlow.state();
     return scan.kind == MailScanState::Kind::failed ? screens::wholeText(scan.text) : QString();
 }
 
 void ScanStatus::update() {
-    if (canUpdate()) model_.scanFlow().refreshAllMailData();
+    if (canUpdate()) mail_.scanFlow.refreshAllMailData();
 }
 
 } // namespace corvane

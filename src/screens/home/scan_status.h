@@ -8,7 +8,7 @@
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 
-#include "model/corvane_view_model.h"
+#include "model/components/mail_components.h"
 #include "screens/archive/archive_screen.h"
 
 namespace corvane {
@@ -29,9 +29,9 @@ class ScanStatus : public QObject {
 
   public:
     // Both must outlive it.
-    ScanStatus(CorvaneViewModel& model, ArchiveScreen& archive, QObject* parent = nullptr);
+    ScanStatus(MailComponents& mail, ArchiveScreen& archive, QObject* parent = nullptr);
 
-    [[nodiscard]] bool isScanning() const { return model_.scanFlow().state().isScanning(); }
+    [[nodiscard]] bool isScanning() const { return mail_.scanFlow.state().isScanning(); }
 
     // A scan would take the messages of a run from below it.
     [[nodiscard]] bool canUpdate() const { return !isScanning() && !archive_.isRunning(); }
@@ -55,7 +55,7 @@ class ScanStatus : public QObject {
     [[nodiscard]] QString failureText() const;
 
     // The failure is no error but says what to choose instead.
-    [[nodiscard]] bool isFailureAdvice() const { return model_.scanFlow().scanFailureIsYearRangeInfo(); }
+    [[nodiscard]] bool isFailureAdvice() const { return mail_.scanFlow.scanFailureIsYearRangeInfo(); }
 
     // Reads all Mail data again, where that is possible.
     Q_INVOKABLE void update();
@@ -68,7 +68,7 @@ class ScanStatus : public QObject {
   private:
     void refresh();
 
-    CorvaneViewModel& model_;
+    MailComponents& mail_;
     ArchiveScreen& archive_;
     QElapsedTimer clock_;
     QTimer tick_;

@@ -51,10 +51,10 @@ LibraryScreen::LibraryScreen(CorvaneViewModel& model, DesktopActions& desktop, Q
   : QObject(parent)
   , model_(model)
   , desktop_(desktop)
-  , texts_(model.context(), model.bodyTexts())
-  , rows_(model, texts_)
-  , selection_(model.libraryList(), rows_)
-  , filters_(model.libraryList())
+  , texts_(model.context(), model.library().bodyTexts)
+  , rows_(model.library(), texts_)
+  , selection_(model.library().list, rows_)
+  , filters_(model.library().list)
   , mail_(model)
   , attachments_(model)
   , removal_(model)
@@ -64,7 +64,7 @@ LibraryScreen::LibraryScreen(CorvaneViewModel& model, DesktopActions& desktop, Q
 }
 
 void LibraryScreen::wire() {
-    LibraryListFlow& flow = model_.libraryList();
+    LibraryListFlow& flow = model_.library().list;
     connect(&flow, &LibraryListFlow::listChanged, this, &LibraryScreen::updateRows);
     connect(&flow, &LibraryListFlow::selectionChanged, this, &LibraryScreen::updateSelection);
     connect(&flow, &LibraryListFlow::filtersChanged, this, [this] {
@@ -72,18 +72,21 @@ void LibraryScreen::wire() {
         updateState();
     });
     connect(&flow, &LibraryListFlow::searchChanged, this, [this] {
-        texts_.setQuery(model_.libraryList().debouncedQuery());
+        texts_.setQuery(model_.library().list.debouncedQuery());
         Q_EMIT searchChanged();
     });
-    connect(&model_.presence(), &PresenceFlow::presenceChanged, this, &LibraryScreen::showMail);
-    connect(&model_.library(), &LibraryLoader::archiveLocationsChanged, &rows_,
+    connect(&model_.library().presence, &PresenceFlow::presenceChanged, this, &LibraryScreen::showMail);
+    connect(&model_.library().loader, &LibraryLoader::archiveLocationsChanged, &rows_,
             &LibraryRowModel::notifyPlaces);
-    connect(&model_.library(), &LibraryLoader::archivedFilesChanged, &rows_, &LibraryRowModel::notifyPlaces);
-    connect(&model_.library(), &LibraryLoader::archiveLocationsChanged, this, &LibraryScreen::updateState);
-    connect(&model_.library(), &LibraryLoader::archivedEntriesChanged, this, &LibraryScreen::updateState);
-    connect(&model_.library(), &LibraryLoader::loadFinished, this, &LibraryScreen::updateState);
-    connect(&model_.bodyTexts(), &BodyTexts::bodyIndexFinished, &texts_, &RowTexts::forget);
-    connect(&model_.mailOpening(), &ArchivedMailOpening::ended, this, &LibraryScreen::handleOpened);
+    connect(&model_.library().loader, &LibraryLoader::archivedFilesChanged, &rows_,
+            &LibraryRowModel::notifyPlaces);
+    connect(&model_.library().loader, &LibraryLoader::archiveLocationsChanged, this,
+            &LibraryScreen::updateState);
+    connect(&model_.library().loader, &LibraryLoader::archivedEntriesChanged, this,
+            &LibraryScreen::updateState);
+    connect(&model_.library().loader, &LibraryLoader::loadFinished, this, &LibraryScreen::updateState);
+    connect(&model_.library().bodyTexts, &BodyTexts::bodyIndexFinished, &texts_, &RowTexts::forget);
+    connect(&model_.library().mailOpening, &ArchivedMailOpening::ended, this, &LibraryScreen::handleOpened);
     connect(&attachments_, &AttachmentTiles::noticed, this, &LibraryScreen::noticed);
     connect(&removal_, &RemovalQuestion::changed, this, &LibraryScreen::summaryChanged);
 }
@@ -91,11 +94,12 @@ void LibraryScreen::wire() {
 void LibraryScreen::appear() {
     if (std::exchange(hasAppeared_, true)) return;
     model_.context().startupLog.mark(fmt::format("ArchiveLibrary onAppear entries={} visible={}",
-                                                 model_.library().archivedEntries()->size(),
+                                                 model_.library().loader.archivedEntries()->size(),
                                                  rows_.content().rows->size()));
-    model_.library().loadEmailArchiveIndex(model_.destinations().transferDestination(), false);
-    model_.presence().refreshArchivedOriginalPresenceIfNeeded(false);
-    model_.libraryIndex().rebuildLibraryIndexIfNeeded();
+    model_.library().loader.loadEmailArchiveIndex(model_.archiving().destinations.transferDestination(),
+                                                  false);
+    model_.library().presence.refreshArchivedOriginalPresenceIfNeeded(false);
+    model_.library().index.rebuildLibraryIndexIfNeeded();
     updateRows();
 }
 
@@ -109,7 +113,7 @@ void LibraryScreen::updateRows() {
     };
 
     rowsTask_.start(
-        TaskPriority::userInitiated, Job{rows_.content(), model_.libraryList().list(), open_},
+        TaskPriority::userInitiated, Job{rows_.content(), model_.library().list.list(), open_},
         [](const Job& job, const TaskHandle&) {
             auto update = std::make_shared<Update>();
             update->content = {job.to, libraryRows(*job.to, job.open)};
@@ -141,9 +145,9 @@ void LibraryScreen::apply(Update& update) {
     // The end of a large list takes longer than a frame.
     model_.context().tasks.discard(std::make_shared<RowsOfList>(std::move(earlier)));
     filters_.setFacets(std::move(update.facets));
-    if (areRowsPresent()) rows_.setShownSelection(model_.libraryList().selection());
+    if (areRowsPresent()) rows_.setShownSelection(model_.library().list.selection());
     selection_.remap(update.changes.newRows, rows_.count());
-    if (areRowsPresent()) model_.libraryList().selectFirstVisibleIfNeeded();
+    if (areRowsPresent()) model_.library().list.selectFirstVisibleIfNeeded();
     updateSelection();
     if (std::exchange(isRearranging_, false)) Q_EMIT listRearranged();
     Q_EMIT summaryChanged();
@@ -151,13 +155,13 @@ void LibraryScreen::apply(Update& update) {
 }
 
 bool LibraryScreen::areRowsPresent() const {
-    return rows_.content().list->inputs.index == model_.libraryList().list()->inputs.index;
+    return rows_.content().list->inputs.index == model_.library().list.list()->inputs.index;
 }
 
 // Positions of another index than that of the rows wait for its rows.
 void LibraryScreen::updateSelection() {
     if (!areRowsPresent()) return;
-    rows_.setShownSelection(model_.libraryList().selection());
+    rows_.setShownSelection(model_.library().list.selection());
     selection_.showSelected();
     showMail();
     Q_EMIT selection_.selectionChanged(0, rows_.count() - 1);
@@ -170,16 +174,16 @@ void LibraryScreen::showMail() {
     const ArchivedEntry* entry = selected && *selected < index.size() ? &index.entry(*selected) : nullptr;
     const auto before = mail_.entry();
     mail_.show(entry, entry == nullptr ? ArchivedOriginalPresenceStatus::unknown
-                                       : model_.presence().statusOfThisRun(*entry));
+                                       : model_.library().presence.statusOfThisRun(*entry));
     if (before != mail_.entry()) attachments_.show(entry, mail_.fileState() == ArchivedMail::FileState::Here);
 }
 
 LibraryScreen::State LibraryScreen::currentState() const {
     if (rows_.count() > 0) return State::Listed;
-    if (model_.library().archivedEntries()->empty())
-        return model_.library().isLoading() ? State::Loading : State::Empty;
-    const bool isWaiting = rowsTask_.isRunning() || !model_.libraryList().isCurrent() ||
-                           !model_.libraryIndex().isCurrent() || isSearching();
+    if (model_.library().loader.archivedEntries()->empty())
+        return model_.library().loader.isLoading() ? State::Loading : State::Empty;
+    const bool isWaiting = rowsTask_.isRunning() || !model_.library().list.isCurrent() ||
+                           !model_.library().index.isCurrent() || isSearching();
     // The answer to a search stays until there is another one.
     return isWaiting && state_ != State::NoMatch ? State::Loading : State::NoMatch;
 }
@@ -191,7 +195,7 @@ void LibraryScreen::updateState() {
 
 QString LibraryScreen::awayPlaces() const {
     QStringList names;
-    for (const ArchiveLocation& location : model_.library().archiveLocations()) {
+    for (const ArchiveLocation& location : model_.library().loader.archiveLocations()) {
         if (!location.isConnected) names += screens::shownLine(location.displayName);
     }
     return names.join(u'、');
@@ -214,17 +218,17 @@ QString LibraryScreen::summaryText() const {
 
 QString LibraryScreen::searchNote() const {
     QStringList names;
-    for (const std::string& root : model_.libraryList().rootsNotSearched())
-        names += screens::archivePlaceName(model_.library(), root);
+    for (const std::string& root : model_.library().list.rootsNotSearched())
+        names += screens::archivePlaceName(model_.library().loader, root);
     return names.isEmpty() ? QString() : QStringLiteral("没有查到这些位置：") + names.join(u'、');
 }
 
 QString LibraryScreen::query() const {
-    return screens::wholeText(model_.libraryList().searchText());
+    return screens::wholeText(model_.library().list.searchText());
 }
 
 void LibraryScreen::setQuery(const QString& query) {
-    model_.libraryList().setSearchText(query.toStdString());
+    model_.library().list.setSearchText(query.toStdString());
 }
 
 void LibraryScreen::toggleThread(int row) {
@@ -308,12 +312,12 @@ void LibraryScreen::openMail() {
         Q_EMIT noticed(mail_.openHelp());
         return;
     }
-    model_.mailOpening().openArchivedEmail(*mail_.entry());
+    model_.library().mailOpening.openArchivedEmail(*mail_.entry());
 }
 
 void LibraryScreen::handleOpened() {
-    const std::string error = model_.mailOpening().openArchiveError();
-    const std::string& text = error.empty() ? model_.mailOpening().openArchiveNote() : error;
+    const std::string error = model_.library().mailOpening.openArchiveError();
+    const std::string& text = error.empty() ? model_.library().mailOpening.openArchiveNote() : error;
     if (!text.empty()) Q_EMIT noticed(screens::shownLine(text));
 }
 
@@ -321,13 +325,13 @@ void LibraryScreen::revealMail() {
     if (!mail_.entry()) return;
     if (mail_.fileState() == ArchivedMail::FileState::Here ||
         mail_.fileState() == ArchivedMail::FileState::Unknown)
-        return model_.mailOpening().revealArchivedEmail(*mail_.entry());
+        return model_.library().mailOpening.revealArchivedEmail(*mail_.entry());
     Q_EMIT noticed(mail_.stateText());
 }
 
 void LibraryScreen::findOriginal() {
     if (!mail_.entry()) return;
-    model_.mailOpening().locateOriginalInMail(
+    model_.library().mailOpening.locateOriginalInMail(
         mail_.entry()->record, [self = QPointer(this)](std::optional<OriginalFailure> failure) {
             if (self && failure) Q_EMIT self->noticed(screens::wholeText(originalFailureText(*failure)));
         });

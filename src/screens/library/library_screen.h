@@ -68,11 +68,11 @@ class LibraryScreen : public QObject {
     [[nodiscard]] QString query() const;
     void setQuery(const QString& query);
 
-    [[nodiscard]] bool isSearching() const { return model_.libraryList().isSearching(); }
+    [[nodiscard]] bool isSearching() const { return model_.library().list.isSearching(); }
 
-    [[nodiscard]] bool isAscending() const { return model_.libraryList().sortAscending(); }
+    [[nodiscard]] bool isAscending() const { return model_.library().list.sortAscending(); }
 
-    void setAscending(bool ascending) { model_.libraryList().setSortAscending(ascending); }
+    void setAscending(bool ascending) { model_.library().list.setSortAscending(ascending); }
 
     // While something is pressed or a menu is open, the rows stay as they are.
     [[nodiscard]] bool isHeld() const { return isHeld_; }
@@ -104,7 +104,7 @@ class LibraryScreen : public QObject {
     Q_INVOKABLE void openMail();
 
     // What is being brought back from a cloud stays there, and nothing is opened.
-    Q_INVOKABLE void cancelOpening() { model_.mailOpening().cancel(); }
+    Q_INVOKABLE void cancelOpening() { model_.library().mailOpening.cancel(); }
 
     Q_INVOKABLE void revealMail();
     Q_INVOKABLE void findOriginal();

@@ -50,7 +50,7 @@ MailListActions::MailListActions(CorvaneViewModel& model, DesktopActions& deskto
   , archiveTask_(model.context().tasks) {}
 
 void MailListActions::setAside(bool isSetAside) {
-    if (const MailMessageRecord* message = current()) model_.setAside().set({*message}, isSetAside);
+    if (const MailMessageRecord* message = current()) model_.archiving().setAside.set({*message}, isSetAside);
 }
 
 const MailMessageRecord* MailListActions::current() const {
@@ -109,9 +109,9 @@ void MailListActions::filterBySender() {
 void MailListActions::filterByYear() {
     const auto* message = current();
     if (message == nullptr) return;
-    const auto& years = *model_.catalog().messageYearByID();
+    const auto& years = *model_.mail().catalog.messageYearByID();
     const auto year = years.find(message->id.view());
-    if (year != years.end()) model_.filters().setFilterYears({year->second});
+    if (year != years.end()) model_.mail().filters.set(&ListFilters::filterYears, {year->second});
 }
 
 void MailListActions::archiveSelection() {

@@ -47,8 +47,9 @@ MailListFilters::MailListFilters(ModelFilters& filters, AccountDirectory& accoun
 
 bool MailListFilters::narrows() const {
     return narrowsYears() || !filters_.filterAccountPrefixes().empty() ||
-           filters_.minimumAttachmentCount() > 0 || filters_.migratedFilter() != MigratedFilter::all ||
-           filters_.onlyTroubled() || !filters_.searchText().empty();
+           filters_.list().minimumAttachmentCount > 0 ||
+           filters_.list().migratedFilter != MigratedFilter::all || filters_.list().onlyTroubled ||
+           !filters_.list().searchText.empty();
 }
 
 void MailListFilters::setQuery(const QString& query) {
@@ -60,32 +61,33 @@ void MailListFilters::setQuery(const QString& query) {
 
 void MailListFilters::applyQuery() {
     pause_.stop();
-    filters_.setSearchText(query_.toStdString());
+    filters_.set(&ListFilters::searchText, query_.toStdString());
 }
 
 void MailListFilters::setMigrated(int filter) {
     const auto last = static_cast<int>(allMigratedFilters.size()) - 1;
-    filters_.setMigratedFilter(allMigratedFilters[static_cast<std::size_t>(std::clamp(filter, 0, last))]);
+    filters_.set(&ListFilters::migratedFilter,
+                 allMigratedFilters[static_cast<std::size_t>(std::clamp(filter, 0, last))]);
 }
 
 void MailListFilters::setSortMode(int mode) {
-    filters_.setSortMode(allSortModes[static_cast<std::size_t>(std::clamp(mode, 0, 1))]);
+    filters_.set(&ListFilters::sortMode, allSortModes[static_cast<std::size_t>(std::clamp(mode, 0, 1))]);
 }
 
 void MailListFilters::setAscending(bool ascending) {
-    filters_.setSortAscending(ascending);
+    filters_.set(&ListFilters::sortAscending, ascending);
 }
 
 void MailListFilters::setMinimumAttachments(int count) {
-    filters_.setMinimumAttachmentCount(std::max(count, 0));
+    filters_.set(&ListFilters::minimumAttachmentCount, std::max(count, 0));
 }
 
 void MailListFilters::setOnlyBeforeCutoff(bool only) {
-    filters_.setOnlyBeforeCutoff(only);
+    filters_.set(&ListFilters::onlyBeforeCutoff, only);
 }
 
 void MailListFilters::setOnlyTroubled(bool only) {
-    filters_.setOnlyTroubled(only);
+    filters_.set(&ListFilters::onlyTroubled, only);
 }
 
 QString MailListFilters::troubledCountText() const {
@@ -102,12 +104,12 @@ void MailListFilters::toggleYear(int row) {
     if (option == nullptr) return;
     std::int64_t year = 0;
     std::from_chars(option->key.data(), option->key.data() + option->key.size(), year);
-    filters_.setFilterYears(toggled(filters_.filterYears(), year));
+    filters_.set(&ListFilters::filterYears, toggled(filters_.list().filterYears, year));
 }
 
 void MailListFilters::clearYears() {
-    filters_.setFilterYears({});
-    filters_.setOnlyBeforeCutoff(false);
+    filters_.set(&ListFilters::filterYears, {});
+    filters_.set(&ListFilters::onlyBeforeCutoff, false);
 }
 
 void MailListFilters::removeChip(int index) {
@@ -122,9 +124,9 @@ void MailListFilters::clear() {
     applyQuery();
     clearYears();
     filters_.setFilterAccountPrefixes({});
-    filters_.setMinimumAttachmentCount(0);
-    filters_.setOnlyTroubled(false);
-    filters_.setMigratedFilter(MigratedFilter::all);
+    filters_.set(&ListFilters::minimumAttachmentCount, 0);
+    filters_.set(&ListFilters::onlyTroubled, false);
+    filters_.set(&ListFilters::migratedFilter, MigratedFilter::all);
 }
 
 void MailListFilters::setCounts(ListedCounts counts) {
@@ -143,7 +145,7 @@ void MailListFilters::update() {
         Q_EMIT chipsChanged();
     }
     // While somebody types, the field holds more than the filter.
-    const QString applied = QString::fromStdString(filters_.searchText());
+    const QString applied = QString::fromStdString(filters_.list().searchText);
     if (!pause_.isActive() && query_ != applied) {
         query_ = applied;
         Q_EMIT queryChanged();
@@ -180,7 +182,7 @@ std::vector<FilterOption> MailListFilters::makeAccountOptions() const {
 }
 
 std::vector<FilterOption> MailListFilters::makeYearOptions() const {
-    const std::set<std::int64_t>& chosen = filters_.filterYears();
+    const std::set<std::int64_t>& chosen = filters_.list().filterYears;
     auto counts = counts_.byYear;
     for (const std::int64_t year : chosen) counts.try_emplace(year, 0);
     std::vector<FilterOption> options;
@@ -202,17 +204,19 @@ std::vector<MailListFilters::Chip> MailListFilters::makeChips() {
     }
     if (minimumAttachments() > 0) {
         chips.push_back({QStringLiteral("至少 %1 个附件").arg(minimumAttachments()),
-                         [this] { filters_.setMinimumAttachmentCount(0); }});
+                         [this] { filters_.set(&ListFilters::minimumAttachmentCount, 0); }});
     }
     if (onlyBeforeCutoff()) {
         chips.push_back({screens::shownYear(cutoffYear()) + QStringLiteral("及以前"),
-                         [this] { filters_.setOnlyBeforeCutoff(false); }});
+                         [this] { filters_.set(&ListFilters::onlyBeforeCutoff, false); }});
     }
     if (onlyTroubled()) {
-        chips.push_back({QStringLiteral("有问题的邮件"), [this] { filters_.setOnlyTroubled(false); }});
+        chips.push_back(
+            {QStringLiteral("有问题的邮件"), [this] { filters_.set(&ListFilters::onlyTroubled, false); }});
     }
-    if (!filters_.filterYears().empty()) {
-        chips.push_back({yearRangesText(filters_.filterYears()), [this] { filters_.setFilterYears({}); }});
+    if (!filters_.list().filterYears.empty()) {
+        chips.push_back({yearRangesText(filters_.list().filterYears),
+                         [this] { filters_.set(&ListFilters::filterYears, {}); }});
     }
     return chips;
 }

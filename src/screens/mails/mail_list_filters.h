@@ -49,27 +49,29 @@ class MailListFilters : public QObject {
 
     [[nodiscard]] const QString& query() const { return query_; }
 
-    [[nodiscard]] int migrated() const { return static_cast<int>(filters_.migratedFilter()); }
+    [[nodiscard]] int migrated() const { return static_cast<int>(filters_.list().migratedFilter); }
 
-    [[nodiscard]] int sortMode() const { return static_cast<int>(filters_.sortMode()); }
+    [[nodiscard]] int sortMode() const { return static_cast<int>(filters_.list().sortMode); }
 
-    [[nodiscard]] bool ascending() const { return filters_.sortAscending(); }
+    [[nodiscard]] bool ascending() const { return filters_.list().sortAscending; }
 
     [[nodiscard]] int minimumAttachments() const {
-        return static_cast<int>(filters_.minimumAttachmentCount());
+        return static_cast<int>(filters_.list().minimumAttachmentCount);
     }
 
-    [[nodiscard]] bool onlyBeforeCutoff() const { return filters_.onlyBeforeCutoff(); }
+    [[nodiscard]] bool onlyBeforeCutoff() const { return filters_.list().onlyBeforeCutoff; }
 
     // Only mail with a reason why it doesn't count as archived.
-    [[nodiscard]] bool onlyTroubled() const { return filters_.onlyTroubled(); }
+    [[nodiscard]] bool onlyTroubled() const { return filters_.list().onlyTroubled; }
 
     // How many those are; empty for none.
     [[nodiscard]] QString troubledCountText() const;
 
-    [[nodiscard]] int cutoffYear() const { return static_cast<int>(filters_.yearCutoff()); }
+    [[nodiscard]] int cutoffYear() const { return static_cast<int>(filters_.list().yearCutoff); }
 
-    [[nodiscard]] bool narrowsYears() const { return onlyBeforeCutoff() || !filters_.filterYears().empty(); }
+    [[nodiscard]] bool narrowsYears() const {
+        return onlyBeforeCutoff() || !filters_.list().filterYears.empty();
+    }
 
     // Something hides messages: then an empty list can be filled by `clear`.
     [[nodiscard]] bool narrows() const;

@@ -41,11 +41,11 @@ struct MailListScreen::Update {
 MailListScreen::MailListScreen(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
   : QObject(parent)
   , model_(model)
-  , filters_(model.filters(), model.accounts())
+  , filters_(model.mail().filters, model.mail().accounts)
   , attachments_(model.context(), desktop, *detail_.attachments())
   , rowPreviews_(model.context(), list_)
   , actions_(model, desktop, list_, filters_)
-  , access_(model, desktop)
+  , access_(model.mail(), desktop)
   , updateTask_(model.context().tasks)
   , countTask_(model.context().tasks) {
     wire();
@@ -56,35 +56,39 @@ MailListScreen::MailListScreen(CorvaneViewModel& model, DesktopActions& desktop,
 }
 
 void MailListScreen::wire() {
-    connect(&model_.visible(), &VisibleMessages::visibleMessagesChanged, this, &MailListScreen::updateList);
-    connect(&model_.visible(), &VisibleMessages::visibleMessagesChanged, this, &MailListScreen::recount);
-    connect(&model_.visible(), &VisibleMessages::selectedMessageChanged, this,
+    connect(&model_.mail().visible, &VisibleMessages::visibleMessagesChanged, this,
+            &MailListScreen::updateList);
+    connect(&model_.mail().visible, &VisibleMessages::visibleMessagesChanged, this, &MailListScreen::recount);
+    connect(&model_.mail().visible, &VisibleMessages::selectedMessageChanged, this,
             &MailListScreen::showSelectedMessage);
-    connect(&model_.catalog(), &MessageCatalog::archivedMessagesChanged, this,
+    connect(&model_.mail().catalog, &MessageCatalog::archivedMessagesChanged, this,
             &MailListScreen::updateArchived);
-    connect(&model_.lastFailures(), &LastFailures::changed, this, &MailListScreen::updateArchived);
-    connect(&model_.library(), &LibraryLoader::archiveLocationsChanged, this, &MailListScreen::showDetail);
-    connect(&model_.counts(), &IndexCounts::countsChanged, this, &MailListScreen::partialChanged);
-    connect(&model_.catalog(), &MessageCatalog::previewReplaced, this, &MailListScreen::updatePreview);
-    connect(&model_.previews(), &PreviewRefresh::nothingFound, &detail_, &MessageDetail::setPreviewMissing);
+    connect(&model_.archiving().lastFailures, &LastFailures::changed, this, &MailListScreen::updateArchived);
+    connect(&model_.library().loader, &LibraryLoader::archiveLocationsChanged, this,
+            &MailListScreen::showDetail);
+    connect(&model_.mail().counts, &IndexCounts::countsChanged, this, &MailListScreen::partialChanged);
+    connect(&model_.mail().catalog, &MessageCatalog::previewReplaced, this, &MailListScreen::updatePreview);
+    connect(&model_.mail().previews, &PreviewRefresh::nothingFound, &detail_,
+            &MessageDetail::setPreviewMissing);
     connect(&detail_, &MessageDetail::messageChanged, &attachments_, &AttachmentActions::look);
-    model_.previews().setPreviewsShown(true);
-    connect(&model_.catalog(), &MessageCatalog::messagesChanged, this, [this] {
+    model_.mail().previews.setPreviewsShown(true);
+    connect(&model_.mail().catalog, &MessageCatalog::messagesChanged, this, [this] {
         list_.forgetPreviews();
         rowPreviews_.forget();
         updateState();
     });
-    connect(&model_.scanFlow(), &ScanFlow::stateChanged, this, &MailListScreen::updateState);
-    connect(&model_.scanFlow(), &ScanFlow::restorableChanged, this, &MailListScreen::updateState);
-    connect(&model_.diskAccess(), &FullDiskAccess::needsFullDiskAccessChanged, this,
+    connect(&model_.mail().scanFlow, &ScanFlow::stateChanged, this, &MailListScreen::updateState);
+    connect(&model_.mail().scanFlow, &ScanFlow::restorableChanged, this, &MailListScreen::updateState);
+    connect(&model_.mail().diskAccess, &FullDiskAccess::needsFullDiskAccessChanged, this,
             &MailListScreen::updateState);
-    connect(&model_.filters(), &ModelFilters::listFilterChanged, this, [this] {
+    connect(&model_.mail().filters, &ModelFilters::listFilterChanged, this, [this] {
         isRearranging_ = true;
         updateState();
     });
-    connect(&model_.archiveRun(), &ArchiveRunFlow::archiveRunStarted, this,
+    connect(&model_.archiving().archiveRun, &ArchiveRunFlow::archiveRunStarted, this,
             &MailListScreen::updateCanArchive);
-    connect(&model_.archiveRun(), &ArchiveRunFlow::archiveRunEnded, this, &MailListScreen::updateCanArchive);
+    connect(&model_.archiving().archiveRun, &ArchiveRunFlow::archiveRunEnded, this,
+            &MailListScreen::updateCanArchive);
     connect(selection(), &ListSelection::currentRowChanged, this, &MailListScreen::handleCurrentRowChange);
     connect(selection(), &ListSelection::selectionChanged, this, [this] {
         Q_EMIT summaryChanged();
@@ -103,7 +107,7 @@ void MailListScreen::updateList() {
     };
 
     updateTask_.start(
-        TaskPriority::userInitiated, Lists{list_.records(), model_.visible().visibleMessages()},
+        TaskPriority::userInitiated, Lists{list_.records(), model_.mail().visible.visibleMessages()},
         [](const Lists& lists, const TaskHandle&) {
             auto update = std::make_shared<Update>();
             update->changes = messageRowChanges(*lists.from, *lists.to);
@@ -139,7 +143,7 @@ void MailListScreen::apply(Update& update) {
     isApplying_ = false;
     // The end of a large list takes longer than a frame.
     model_.context().tasks.discard(std::move(earlier));
-    const ListRules rules = model_.visible().listRules();
+    const ListRules rules = model_.mail().visible.listRules();
     const bool isReordered = rules.query != rules_.query || rules.sortMode != rules_.sortMode ||
                              rules.ascending != rules_.ascending;
     rules_ = rules;
@@ -159,13 +163,13 @@ void MailListScreen::showBeginning() {
 }
 
 QString MailListScreen::partialText() const {
-    return screens::partialMailText(model_);
+    return screens::partialMailText(model_.mail());
 }
 
 // The model says which message is selected; the row follows where it isn't there already.
 void MailListScreen::showSelectedMessage() {
     if (isUpdating_ || isApplying_) return;
-    const auto& id = model_.visible().selectedMessageID();
+    const auto& id = model_.mail().visible.selectedMessageID();
     const MailMessageRecord* present = current();
     if (id && (present == nullptr || present->id != *id)) showMessage(QString::fromStdString(*id));
     // The selected message has gone from the list meanwhile.
@@ -185,7 +189,7 @@ void MailListScreen::handleCurrentRowChange() {
     if (isApplying_) return;
     wasRowChosen_ = isUpdating_;
     if (const MailMessageRecord* message = current())
-        model_.visible().setSelectedMessageID(message->id.str());
+        model_.mail().visible.setSelectedMessageID(message->id.str());
     showDetail();
 }
 
@@ -193,7 +197,7 @@ void MailListScreen::showDetail() {
     const MailMessageRecord* message = current();
     // The catalog's record may know more than the list's: its preview is read again when it was damaged.
     const MailMessageRecord* newest =
-        message == nullptr ? nullptr : model_.catalog().messageByID(message->id);
+        message == nullptr ? nullptr : model_.mail().catalog.messageByID(message->id);
     if (newest == nullptr) newest = message;
     if (newest == nullptr) return detail_.show(nullptr, {});
     detail_.show(newest, {list_.isArchived(*newest), list_.troubleOf(*newest),
@@ -201,13 +205,13 @@ void MailListScreen::showDetail() {
 }
 
 void MailListScreen::updatePreview(const QString& id) {
-    if (const MailMessageRecord* message = model_.catalog().messageByID(id.toStdString()))
+    if (const MailMessageRecord* message = model_.mail().catalog.messageByID(id.toStdString()))
         list_.setPreview(message->id, message->preview);
     showDetail();
 }
 
 void MailListScreen::updateArchived() {
-    const MessageCatalog& catalog = model_.catalog();
+    const MessageCatalog& catalog = model_.mail().catalog;
     list_.setArchivedIDs(catalog.archivedMessageIDs());
     list_.setTroubles(MessageTroubles::known(model_));
     showDetail();
@@ -221,7 +225,7 @@ void MailListScreen::recount() {
     };
 
     countTask_.start(
-        TaskPriority::utility, Job{model_.visible().listInput(), model_.visible().listRules()},
+        TaskPriority::utility, Job{model_.mail().visible.listInput(), model_.mail().visible.listRules()},
         [](const Job& job, const TaskHandle& task) {
             return listedCounts(job.input, job.rules, task.stopToken());
         },
@@ -231,19 +235,20 @@ void MailListScreen::recount() {
 
 MailListScreen::State MailListScreen::currentState() const {
     if (list_.count() > 0) return State::Listed;
-    const ScanFlow& scan = model_.scanFlow();
+    const ScanFlow& scan = model_.mail().scanFlow;
     if (scan.state().isScanning()) return State::Scanning;
     const bool hasFailed = scan.state().kind == MailScanState::Kind::failed;
-    if (model_.catalog().state()->isPartial() && !(hasFailed && model_.catalog().messages()->empty()) &&
+    if (model_.mail().catalog.state()->isPartial() &&
+        !(hasFailed && model_.mail().catalog.messages()->empty()) &&
         (model_.hasScanDisplayData() || scan.restorableScanTime()))
         return State::Partial;
-    if (!model_.catalog().messages()->empty()) {
+    if (!model_.mail().catalog.messages()->empty()) {
         // A list without rows stays as it is until the next one is there.
-        if (isUpdating_ || !model_.visible().isCurrent())
+        if (isUpdating_ || !model_.mail().visible.isCurrent())
             return state_ == State::NoMatch ? State::NoMatch : State::Loading;
         return filters_.narrows() ? State::NoMatch : State::NothingLocal;
     }
-    if (model_.diskAccess().needsFullDiskAccess()) return State::NoAccess;
+    if (model_.mail().diskAccess.needsFullDiskAccess()) return State::NoAccess;
     if (hasFailed) return State::Failed;
     // The small snapshot is there, the messages are being read.
     if (scan.state().kind == MailScanState::Kind::finished) return State::Loading;
@@ -257,7 +262,7 @@ void MailListScreen::updateState() {
 
 QString MailListScreen::stateText() const {
     const bool tellsOfScan = state_ == State::Scanning || state_ == State::Failed || state_ == State::Partial;
-    return tellsOfScan ? screens::wholeText(model_.scanFlow().state().text) : QString();
+    return tellsOfScan ? screens::wholeText(model_.mail().scanFlow.state().text) : QString();
 }
 
 QString MailListScreen::summaryText() const {
@@ -277,11 +282,12 @@ QString MailListScreen::selectionText() const {
 
 // What was set aside, or can't be read whole, is no candidate.
 bool MailListScreen::canBeArchived(const MailMessageRecord& message) const {
-    return !list_.isArchived(message) && !model_.catalog().withheldIDs()->contains(message.id.view());
+    return !list_.isArchived(message) &&
+           !model_.mail().catalog.availability().withheldIDs->contains(message.id.view());
 }
 
 bool MailListScreen::mayArchiveSelection() const {
-    if (model_.archiveRun().isArchiving()) return false;
+    if (model_.archiving().archiveRun.isArchiving()) return false;
     int looked = 0;
     for (const auto& range : list_.selection()->rows().ranges()) {
         for (int row = range.first; row < range.end; ++row) {

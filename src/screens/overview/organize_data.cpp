@@ -15,32 +15,34 @@ OrganizeData::OrganizeData(CorvaneViewModel& model, std::chrono::milliseconds pu
     due_.setSingleShot(true);
     due_.setTimerType(Qt::PreciseTimer); // a coarse one comes early
     connect(&due_, &QTimer::timeout, this, &OrganizeData::refresh);
-    MessageCatalog& catalog = model.catalog();
+    MessageCatalog& catalog = model.mail().catalog;
     connect(&catalog, &MessageCatalog::messagesChanged, this, &OrganizeData::refreshWhenDue);
     connect(&catalog, &MessageCatalog::availabilityPublished, this, &OrganizeData::refreshWhenDue);
     connect(&catalog, &MessageCatalog::archivedMessagesChanged, this, &OrganizeData::refreshWhenDue);
     connect(&catalog, &MessageCatalog::statisticsChanged, this, &OrganizeData::refreshWhenDue);
-    connect(&model.filters(), &ModelFilters::candidateFilterChanged, this, &OrganizeData::refreshWhenDue);
-    connect(&model.accounts(), &AccountDirectory::accountsChanged, this, &OrganizeData::refreshWhenDue);
-    connect(&model.scanFlow(), &ScanFlow::stateChanged, this, &OrganizeData::refreshWhenDue);
+    connect(&model.mail().filters, &ModelFilters::candidateFilterChanged, this,
+            &OrganizeData::refreshWhenDue);
+    connect(&model.mail().accounts, &AccountDirectory::accountsChanged, this, &OrganizeData::refreshWhenDue);
+    connect(&model.mail().scanFlow, &ScanFlow::stateChanged, this, &OrganizeData::refreshWhenDue);
     refresh();
 }
 
 bool OrganizeData::hasOnlyStatistics() const {
-    return model_.catalog().messages()->empty() && !model_.catalog().cachedAccountYearStats().empty();
+    return model_.mail().catalog.messages()->empty() &&
+           !model_.mail().catalog.cachedAccountYearStats().empty();
 }
 
 OrganizeData::Inputs OrganizeData::inputs() const {
-    const MessageCatalog& catalog = model_.catalog();
+    const MessageCatalog& catalog = model_.mail().catalog;
     OrganizeInput input{catalog.messages(),
                         catalog.locallyAvailableIDs(),
                         catalog.archivedMessageIDs(),
                         catalog.messageYearByID(),
-                        model_.filters().transferMaxYear(),
-                        model_.accounts().availableAccounts(),
-                        catalog.setAsideIDs(),
-                        catalog.withheldIDs(),
-                        catalog.proofs()};
+                        model_.mail().filters.candidates().transferMaxYear,
+                        model_.mail().accounts.availableAccounts(),
+                        catalog.availability().setAsideIDs,
+                        catalog.availability().withheldIDs,
+                        catalog.availability().proofs};
     return {std::move(input), catalog.isAvailabilityKnown(),
             hasOnlyStatistics() ? catalog.state()->availability : nullptr};
 }
@@ -60,7 +62,7 @@ void OrganizeData::setHeld(bool held) {
 void OrganizeData::refresh() {
     if (isHeld_) return;
     // A scan shows its own progress; its list is whole when it has ended.
-    if (model_.scanFlow().state().isScanning()) return;
+    if (model_.mail().scanFlow.state().isScanning()) return;
     Inputs current = inputs();
     if (current == (computing_ ? computing_ : published_)) return;
     if (current.statistics) {
@@ -98,9 +100,9 @@ void OrganizeData::publish(SharedOrganizeOverview overview, Inputs of) {
 }
 
 IndexedYears OrganizeData::indexedYears() const {
-    const IndexCounts& counts = model_.counts();
+    const IndexCounts& counts = model_.mail().counts;
     return {counts.indexedYearCounts(), counts.indexedYearCountsByAccount(),
-            model_.accounts().selectedAccountPrefixes(), &counts.partialYearCountsByAccount()};
+            model_.mail().accounts.selectedAccountPrefixes(), &counts.partialYearCountsByAccount()};
 }
 
 DeletionSafety OrganizeData::deletionSafety(const std::optional<std::string>& accountKey,

@@ -20,23 +20,25 @@ PlacesScreen::PlacesScreen(CorvaneViewModel& model, DesktopActions& desktop, QOb
 }
 
 void PlacesScreen::wire() {
-    connect(&model_.places(), &ArchivePlaces::placesChanged, this, &PlacesScreen::updateRows);
-    connect(&model_.placeJobs(), &PlaceJobs::changed, this, &PlacesScreen::updateRows);
-    connect(&model_.archiveRun(), &ArchiveRunFlow::archiveRunStarted, this, &PlacesScreen::updateRows);
-    connect(&model_.archiveRun(), &ArchiveRunFlow::archiveRunEnded, this, &PlacesScreen::updateRows);
+    connect(&model_.library().places, &ArchivePlaces::placesChanged, this, &PlacesScreen::updateRows);
+    connect(&model_.archiving().placeJobs, &PlaceJobs::changed, this, &PlacesScreen::updateRows);
+    connect(&model_.archiving().archiveRun, &ArchiveRunFlow::archiveRunStarted, this,
+            &PlacesScreen::updateRows);
+    connect(&model_.archiving().archiveRun, &ArchiveRunFlow::archiveRunEnded, this,
+            &PlacesScreen::updateRows);
     const auto refreshes = [this](auto* sender, auto signal) {
         connect(sender, signal, this, &PlacesScreen::refreshWhileOpen);
     };
-    refreshes(&model_.library(), &LibraryLoader::loadFinished);
-    refreshes(&model_.library(), &LibraryLoader::archiveLocationsChanged);
-    refreshes(&model_.destinations(), &ArchiveDestinations::destinationChanged);
-    connect(&model_.library(), &LibraryLoader::loadFinished, this, &PlacesScreen::dropReplaced);
+    refreshes(&model_.library().loader, &LibraryLoader::loadFinished);
+    refreshes(&model_.library().loader, &LibraryLoader::archiveLocationsChanged);
+    refreshes(&model_.archiving().destinations, &ArchiveDestinations::destinationChanged);
+    connect(&model_.library().loader, &LibraryLoader::loadFinished, this, &PlacesScreen::dropReplaced);
     connect(&picker_, &FolderPicker::chosen, this, [this] { add(picker_.chosenPath()); });
 }
 
 void PlacesScreen::open() {
     isOpen_ = true;
-    model_.placeJobs().load();
+    model_.archiving().placeJobs.load();
     refreshWhileOpen();
     Q_EMIT changed();
 }
@@ -47,15 +49,15 @@ void PlacesScreen::close() {
 }
 
 void PlacesScreen::refreshWhileOpen() {
-    if (isOpen_) model_.places().refresh();
+    if (isOpen_) model_.library().places.refresh();
 }
 
 void PlacesScreen::updateRows() {
-    const PlaceJobs& jobs = model_.placeJobs();
+    const PlaceJobs& jobs = model_.archiving().placeJobs;
     const QString home = screens::wholeText(model_.context().platform.realUserHomeDirectory());
     const QString left = timeLeft();
     PlaceRowsModel::Records rows;
-    for (const ArchivePlace& place : model_.places().places()) {
+    for (const ArchivePlace& place : model_.library().places.places()) {
         const PlaceJobs::Job* job = jobs.job(place.root);
         const bool isFirst = job != nullptr && job == &jobs.jobs().front();
         rows.push_back(screens::placeRow({.place = place,
@@ -63,7 +65,7 @@ void PlacesScreen::updateRows() {
                                           .isWaiting = job != nullptr && !isFirst,
                                           .timeLeftText = isFirst ? left : QString(),
                                           .end = jobs.end(place.root),
-                                          .isBusy = model_.archiveRun().isArchiving(),
+                                          .isBusy = model_.archiving().archiveRun.isArchiving(),
                                           .home = home}));
     }
     rows_.replace(std::move(rows));
@@ -72,7 +74,7 @@ void PlacesScreen::updateRows() {
 
 // Of the work that is under way.
 QString PlacesScreen::timeLeft() {
-    const auto& jobs = model_.placeJobs().jobs();
+    const auto& jobs = model_.archiving().placeJobs.jobs();
     const auto now = RunPace::Moment::clock::now();
     const std::string root = jobs.empty() ? std::string() : jobs.front().root;
     if (root != pacedRoot_) {
@@ -86,7 +88,7 @@ QString PlacesScreen::timeLeft() {
 }
 
 QString PlacesScreen::summary() const {
-    const auto& places = model_.places().places();
+    const auto& places = model_.library().places.places();
     if (places.empty()) return {};
     std::int64_t count = 0;
     std::int64_t bytes = 0;
@@ -100,8 +102,8 @@ QString PlacesScreen::summary() const {
 }
 
 QString PlacesScreen::emptyText() const {
-    if (!model_.places().hasLooked()) return QStringLiteral("正在查看归档位置…");
-    return model_.places().places().empty() ? QStringLiteral("还没有归档位置") : QString();
+    if (!model_.library().places.hasLooked()) return QStringLiteral("正在查看归档位置…");
+    return model_.library().places.places().empty() ? QStringLiteral("还没有归档位置") : QString();
 }
 
 bool PlacesScreen::canVerifyAll() const {
@@ -119,7 +121,8 @@ const ArchivePlace* PlacesScreen::placeAt(int row) const {
 void PlacesScreen::verify(int row) {
     const ArchivePlace* place = placeAt(row);
     const bool can = rows_.data(rows_.index(row), PlaceRowsModel::CanVerifyRole).toBool();
-    if (place != nullptr && can) model_.placeJobs().start(place->root, PlaceJobs::Work::verification);
+    if (place != nullptr && can)
+        model_.archiving().placeJobs.start(place->root, PlaceJobs::Work::verification);
 }
 
 void PlacesScreen::verifyAll() {
@@ -129,17 +132,17 @@ void PlacesScreen::verifyAll() {
 void PlacesScreen::rebuild(int row) {
     const ArchivePlace* place = placeAt(row);
     const bool can = rows_.data(rows_.index(row), PlaceRowsModel::OffersRebuildRole).toBool();
-    if (place != nullptr && can) model_.placeJobs().start(place->root, PlaceJobs::Work::rebuild);
+    if (place != nullptr && can) model_.archiving().placeJobs.start(place->root, PlaceJobs::Work::rebuild);
 }
 
 void PlacesScreen::cancelWork(int row) {
-    if (const ArchivePlace* place = placeAt(row)) model_.placeJobs().cancel(place->root);
+    if (const ArchivePlace* place = placeAt(row)) model_.archiving().placeJobs.cancel(place->root);
 }
 
 void PlacesScreen::makeDefault(int row) {
     const ArchivePlace* place = placeAt(row);
-    if (place == nullptr || model_.archiveRun().isArchiving()) return;
-    model_.destinations().setTransferDestination(place->root, ArchiveDestinations::Folder::left);
+    if (place == nullptr || model_.archiving().archiveRun.isArchiving()) return;
+    model_.archiving().destinations.setTransferDestination(place->root, ArchiveDestinations::Folder::left);
 }
 
 void PlacesScreen::showFolder(int row) {
@@ -150,7 +153,7 @@ void PlacesScreen::showFolder(int row) {
 
 std::string PlacesScreen::findingPath(int row, int finding) const {
     const ArchivePlace* place = placeAt(row);
-    const PlaceJobs::End* end = place == nullptr ? nullptr : model_.placeJobs().end(place->root);
+    const PlaceJobs::End* end = place == nullptr ? nullptr : model_.archiving().placeJobs.end(place->root);
     const auto at = static_cast<std::size_t>(finding);
     if (end == nullptr || finding < 0) return {};
     if (end->work == PlaceJobs::Work::rebuild)
@@ -169,7 +172,7 @@ void PlacesScreen::showFinding(int row, int finding) {
 
 void PlacesScreen::copyFindings(int row) {
     const ArchivePlace* place = placeAt(row);
-    const PlaceJobs::End* end = place == nullptr ? nullptr : model_.placeJobs().end(place->root);
+    const PlaceJobs::End* end = place == nullptr ? nullptr : model_.archiving().placeJobs.end(place->root);
     if (end == nullptr) return;
     QStringList lines;
     for (const auto& finding : end->verdict.findings)
@@ -189,7 +192,7 @@ QString PlacesScreen::forgetTitle(int row) {
 QString PlacesScreen::forgetLine() const {
     const QString line = QStringLiteral(
         "只是不再显示这个位置，里面的文件一个也不会动。拔下后再接上，或重新添加它，就又会回来。");
-    const bool isDefault = model_.destinations().transferDestination() == askedRoot_;
+    const bool isDefault = model_.archiving().destinations.transferDestination() == askedRoot_;
     return isDefault ? line + QStringLiteral("\n它是默认的归档位置，忘记之后归档前要先选一个。") : line;
 }
 
@@ -219,13 +222,14 @@ void PlacesScreen::dropReplaced() {
     if (replacement_.empty()) return;
     const std::string added = std::exchange(replacement_, {});
     const std::string before = std::exchange(replacedRoot_, {});
-    LibraryLoader& library = model_.library();
+    LibraryLoader& library = model_.library().loader;
     const bool isSame =
         !before.empty() && library.location(before) == nullptr && library.location(added) != nullptr;
     if (!isSame || before == added) return;
-    const bool wasDefault = model_.destinations().transferDestination() == before;
+    const bool wasDefault = model_.archiving().destinations.transferDestination() == before;
     model_.forgetLocation(before);
-    if (wasDefault) model_.destinations().setTransferDestination(added, ArchiveDestinations::Folder::left);
+    if (wasDefault)
+        model_.archiving().destinations.setTransferDestination(added, ArchiveDestinations::Folder::left);
 }
 
 } // namespace corvane

@@ -19,7 +19,7 @@ SettingsTravel::SettingsTravel(CorvaneViewModel& model, DesktopActions& desktop,
   : QObject(parent)
   , model_(model)
   , desktop_(desktop)
-  , flow_(model.configBackup())
+  , flow_(model.library().configBackup)
   , exportPicker_(model, &backupExportChoice)
   , importPicker_(model, &backupImportChoice) {
     connect(&flow_, &ConfigBackupFlow::changed, this, &SettingsTravel::changed);
@@ -28,12 +28,12 @@ SettingsTravel::SettingsTravel(CorvaneViewModel& model, DesktopActions& desktop,
     connect(&importPicker_, &FolderPicker::chosen, this,
             [this] { importFromPath(importPicker_.chosenPath()); });
     // The offer says that the archives' mail is there: they are read first.
-    connect(&model.library(), &LibraryLoader::loadFinished, &flow_,
+    connect(&model.library().loader, &LibraryLoader::loadFinished, &flow_,
             &ConfigBackupFlow::offerConfigBackupOnFreshLaunch,
             // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): a flag joined to a kind
             static_cast<Qt::ConnectionType>(Qt::AutoConnection | Qt::SingleShotConnection));
     // Who chooses a place goes on without the offer.
-    connect(&model.destinations(), &ArchiveDestinations::destinationChanged, this, [this] {
+    connect(&model.archiving().destinations, &ArchiveDestinations::destinationChanged, this, [this] {
         if (step() == Step::Offer) flow_.dismiss();
     });
 }

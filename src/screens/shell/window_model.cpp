@@ -63,22 +63,23 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
     connect(&home_, &HomeScreen::stateChanged, this, &WindowModel::showFigures);
     connect(&archived_, &ArchivedScreen::changed, this, &WindowModel::showFigures);
     connect(&space_, &SpaceScreen::changed, this, &WindowModel::showFigures);
-    connect(&model.catalog(), &MessageCatalog::messagesChanged, this, &WindowModel::showFigures);
-    connect(&model.catalog(), &MessageCatalog::summaryChanged, this, &WindowModel::showFigures);
-    connect(&model.archiveRun(), &ArchiveRunFlow::archiveRunStarted, this, &WindowModel::archivingChanged);
-    connect(&model.archiveRun(), &ArchiveRunFlow::archiveRunEnded, this, [this] {
+    connect(&model.mail().catalog, &MessageCatalog::messagesChanged, this, &WindowModel::showFigures);
+    connect(&model.mail().catalog, &MessageCatalog::summaryChanged, this, &WindowModel::showFigures);
+    connect(&model.archiving().archiveRun, &ArchiveRunFlow::archiveRunStarted, this,
+            &WindowModel::archivingChanged);
+    connect(&model.archiving().archiveRun, &ArchiveRunFlow::archiveRunEnded, this, [this] {
         Q_EMIT archivingChanged();
         if (std::exchange(stopping_, false)) Q_EMIT stopped();
     });
-    connect(&model.library(), &LibraryLoader::archivedEntriesChanged, this, &WindowModel::showFigures);
+    connect(&model.library().loader, &LibraryLoader::archivedEntriesChanged, this, &WindowModel::showFigures);
     connect(library_.filters(), &LibraryFilterMenus::collectionRequested, &collection_,
             &AddressCollection::open);
     connect(&archived_, &ArchivedScreen::collectionRequested, &collection_, &AddressCollection::open);
     connect(mails_.actions(), &MailListActions::archiveRequested, &archive_,
             [this](const std::shared_ptr<const SharedTextSet>& ids) { archive_.open(ids); });
-    connect(&model.destinations(), &ArchiveDestinations::destinationChanged, this,
+    connect(&model.archiving().destinations, &ArchiveDestinations::destinationChanged, this,
             &WindowModel::destinationChanged);
-    connect(&model.destinations(), &ArchiveDestinations::factsChanged, this,
+    connect(&model.archiving().destinations, &ArchiveDestinations::factsChanged, this,
             &WindowModel::destinationChanged);
     showFigures();
 }
@@ -99,15 +100,17 @@ void WindowModel::startUp() {
     if (startedUp_) return;
     startedUp_ = true;
     model_.context().startupLog.mark(fmt::format("ContentView onAppear mode=organize entries={}",
-                                                 model_.library().archivedEntries()->size()));
-    model_.library().loadCachedArchiveLibraryIfNeeded();
-    model_.scanFlow().loadCachedScanIfNeeded(false);
+                                                 model_.library().loader.archivedEntries()->size()));
+    model_.library().loader.loadCachedArchiveLibraryIfNeeded();
+    model_.mail().scanFlow.loadCachedScanIfNeeded(false);
     // The snapshot shows what was; what may be deleted rests on what is there now.
-    model_.library().loadEmailArchiveIndex(model_.destinations().transferDestination(), false);
+    model_.library().loader.loadEmailArchiveIndex(model_.archiving().destinations.transferDestination(),
+                                                  false);
 }
 
 void WindowModel::refreshAllMailData() {
-    if (!archiving() && !model_.scanFlow().state().isScanning()) model_.scanFlow().refreshAllMailData();
+    if (!archiving() && !model_.mail().scanFlow.state().isScanning())
+        model_.mail().scanFlow.refreshAllMailData();
 }
 
 void WindowModel::stopArchiving() {
@@ -116,7 +119,7 @@ void WindowModel::stopArchiving() {
         return;
     }
     stopping_ = true;
-    model_.archiveRun().cancelEmailArchive();
+    model_.archiving().archiveRun.cancelEmailArchive();
 }
 
 void WindowModel::openAddress(const QString& address) {
@@ -145,12 +148,15 @@ void WindowModel::showFigures() {
     sidebar_.setFigure(SidebarPlace::home, home_.organizeSidebarSubtitle());
     sidebar_.setFigure(SidebarPlace::archived, archived_.sidebarFigure());
     sidebar_.setFigure(SidebarPlace::space, space_.totalSize());
-    const auto archived = std::ssize(*model_.library().archivedEntries());
+    const auto archived = std::ssize(*model_.library().loader.archivedEntries());
     sidebar_.setFigure(SidebarPlace::library, archived > 0 ? screens::shownCount(archived) : QString());
-    const std::int64_t listed = static_cast<std::int64_t>(model_.catalog().messages()->size());
+    const std::int64_t listed = static_cast<std::int64_t>(model_.mail().catalog.messages()->size());
     // A part of the mail is no figure for the list, but for the scan that is at it.
-    const bool isCut = model_.catalog().state()->isPartial() && !model_.scanFlow().state().isScanning();
-    const std::int64_t shown = isCut ? 0 : listed > 0 ? listed : model_.catalog().summary().scannedMessages;
+    const bool isCut =
+        model_.mail().catalog.state()->isPartial() && !model_.mail().scanFlow.state().isScanning();
+    const std::int64_t shown = isCut        ? 0
+                               : listed > 0 ? listed
+                                            : model_.mail().catalog.summary().scannedMessages;
     sidebar_.setFigure(SidebarPlace::mails, shown > 0 ? screens::shownCount(shown) : QString());
 }
 

@@ -84,7 +84,7 @@ class WindowModel : public QObject {
 
     [[nodiscard]] AddressCollection* collection() { return &collection_; }
 
-    [[nodiscard]] bool archiving() const { return model_.archiveRun().isArchiving(); }
+    [[nodiscard]] bool archiving() const { return model_.archiving().archiveRun.isArchiving(); }
 
     [[nodiscard]] bool hasChineseFont() const;
 

@@ -37,24 +37,24 @@ SpaceScreen::SpaceScreen(CorvaneViewModel& model, ArchiveScreen& archive, Deskto
     const auto updates = [this](auto* sender, auto signal) {
         connect(sender, signal, this, &SpaceScreen::update);
     };
-    updates(&model.space(), &SpaceUsageFlow::spaceUsageChanged);
-    updates(&model.counts(), &IndexCounts::countsChanged);
-    updates(&model.scanFlow(), &ScanFlow::stateChanged);
-    updates(&model.catalog(), &MessageCatalog::availabilityPublished);
-    updates(&model.catalog(), &MessageCatalog::generationReplaced);
-    updates(&model.diskAccess(), &FullDiskAccess::needsFullDiskAccessChanged);
+    updates(&model.mail().space, &SpaceUsageFlow::spaceUsageChanged);
+    updates(&model.mail().counts, &IndexCounts::countsChanged);
+    updates(&model.mail().scanFlow, &ScanFlow::stateChanged);
+    updates(&model.mail().catalog, &MessageCatalog::availabilityPublished);
+    updates(&model.mail().catalog, &MessageCatalog::generationReplaced);
+    updates(&model.mail().diskAccess, &FullDiskAccess::needsFullDiskAccessChanged);
     updates(&archive, &ArchiveScreen::stageChanged);
 }
 
 void SpaceScreen::open() {
     if (std::exchange(isOpened_, true)) return;
-    model_.space().refreshSpaceUsage();
+    model_.mail().space.refreshSpaceUsage();
     update();
 }
 
 void SpaceScreen::update() {
     if (!isOpened_) return;
-    const auto& usage = *model_.space().spaceUsage();
+    const auto& usage = *model_.mail().space.spaceUsage();
     // Beside the accounts the largest one, as that is what one came for.
     if (account() == nullptr && !wasClosed_)
         chosenKey_ = usage.empty() ? std::string() : usage.front().accountPrefix;
@@ -62,7 +62,7 @@ void SpaceScreen::update() {
         const auto ticks = ticks_.find(each.accountPrefix);
         if (ticks != ticks_.end()) ticks->second.prune(each);
     }
-    accounts_.show(usage, model_.counts(), chosenKey_);
+    accounts_.show(usage, model_.mail().counts, chosenKey_);
     showSenders();
 }
 
@@ -76,16 +76,17 @@ void SpaceScreen::showSenders() {
 }
 
 SpaceScreen::State SpaceScreen::state() const {
-    if (model_.diskAccess().needsFullDiskAccess()) return NoAccess;
-    const ScanFlow& scan = model_.scanFlow();
+    if (model_.mail().diskAccess.needsFullDiskAccess()) return NoAccess;
+    const ScanFlow& scan = model_.mail().scanFlow;
     if (scan.state().isScanning()) return Scanning;
-    if (model_.catalog().state()->isPartial()) return Partial;
-    if (model_.catalog().messages()->empty()) return scan.isLastScanAwaited() ? Loading : NoMail;
-    return model_.space().spaceUsage()->empty() || !model_.catalog().isAvailabilityKnown() ? Loading : Listed;
+    if (model_.mail().catalog.state()->isPartial()) return Partial;
+    if (model_.mail().catalog.messages()->empty()) return scan.isLastScanAwaited() ? Loading : NoMail;
+    return model_.mail().space.spaceUsage()->empty() || !model_.mail().catalog.isAvailabilityKnown() ? Loading
+                                                                                                     : Listed;
 }
 
 const SpaceAccountUsage* SpaceScreen::account() const {
-    const auto& usage = *model_.space().spaceUsage();
+    const auto& usage = *model_.mail().space.spaceUsage();
     const auto found = std::ranges::find(usage, chosenKey_, &SpaceAccountUsage::accountPrefix);
     return found == usage.end() ? nullptr : &*found;
 }
@@ -97,12 +98,12 @@ const SpaceSenderTicks& SpaceScreen::ticks() const {
 }
 
 QString SpaceScreen::totalSize() const {
-    return state() == Listed ? shownSize(model_.space().spaceUsageLocalTotalBytes()) : QString();
+    return state() == Listed ? shownSize(model_.mail().space.spaceUsageLocalTotalBytes()) : QString();
 }
 
 QString SpaceScreen::totalCount() const {
     std::int64_t count = 0;
-    for (const SpaceAccountUsage& each : *model_.space().spaceUsage()) count += each.localCount;
+    for (const SpaceAccountUsage& each : *model_.mail().space.spaceUsage()) count += each.localCount;
     return state() == Listed ? shownMessageCount(count) : QString();
 }
 
@@ -112,7 +113,7 @@ QVariantList SpaceScreen::shares() const {
     std::int64_t restCount = 0;
     QString restLabel;
     int number = 0;
-    for (const SpaceAccountUsage& each : *model_.space().spaceUsage()) {
+    for (const SpaceAccountUsage& each : *model_.mail().space.spaceUsage()) {
         if (++number < lastSeries) {
             parts += part(number, screens::shownLine(each.accountName), each.localBytes);
             continue;
@@ -209,7 +210,7 @@ void SpaceScreen::backUp() {
     if (archive_.isRunning()) return archive_.bringToFront();
     if (!canBackUp()) return;
     archive_.open(ArchiveRequest{
-        [messages = model_.catalog().messages(), local = model_.catalog().locallyAvailableIDs(),
+        [messages = model_.mail().catalog.messages(), local = model_.mail().catalog.locallyAvailableIDs(),
          key = chosenKey_,
          senders = ticks().selected()] { return localMessageIDs(*messages, *local, key, senders); },
         {}});

@@ -6,7 +6,7 @@
 namespace corvane {
 
 DestinationView destinationView(CorvaneViewModel& model) {
-    return {model.destinations().transferDestination(), model.destinations().facts(),
+    return {model.archiving().destinations.transferDestination(), model.archiving().destinations.facts(),
             model.context().platform};
 }
 

@@ -51,9 +51,9 @@ MessageTrouble proofTrouble(const ProofVerdict& verdict) {
 } // namespace
 
 MessageTroubles MessageTroubles::known(CorvaneViewModel& model) {
-    const MessageCatalog& catalog = model.catalog();
-    return {catalog.proofs(), catalog.setAsideIDs(), model.lastFailures().reasons(),
-            catalog.archivedMessageIDs()};
+    const MessageCatalog& catalog = model.mail().catalog;
+    return {catalog.availability().proofs, catalog.availability().setAsideIDs,
+            model.archiving().lastFailures.reasons(), catalog.archivedMessageIDs()};
 }
 
 MessageTrouble MessageTroubles::of(const MailMessageRecord& message) const {
@@ -85,8 +85,8 @@ QString shownDay(Date date) {
 }
 
 QString awayProofText(CorvaneViewModel& model, const MailMessageRecord& message) {
-    const ArchiveRoots away = disconnectedRoots(model.library().archiveLocations());
-    const auto date = awayProofDate(*model.catalog().proofs(), away, message);
+    const ArchiveRoots away = disconnectedRoots(model.library().loader.archiveLocations());
+    const auto date = awayProofDate(*model.mail().catalog.availability().proofs, away, message);
     return date ? QStringLiteral("%1 的比对，归档磁盘未连接").arg(shownDay(*date)) : QString();
 }
 

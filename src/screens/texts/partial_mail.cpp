@@ -12,11 +12,10 @@ QString partialMailText(std::int64_t count) {
     return QStringLiteral("另有 %1在 Mail 里只有一部分，附件没有下载").arg(shownMessageCount(count));
 }
 
-QString partialMailText(CorvaneViewModel& model) {
-    const IndexCounts& counts = model.counts();
+QString partialMailText(MailComponents& mail) {
+    const IndexCounts& counts = mail.counts;
     const IndexedYears indexed{counts.indexedYearCounts(), counts.indexedYearCountsByAccount(),
-                               model.accounts().selectedAccountPrefixes(),
-                               &counts.partialYearCountsByAccount()};
+                               mail.accounts.selectedAccountPrefixes(), &counts.partialYearCountsByAccount()};
     return partialMailText(indexed.partialCount(std::nullopt, {}));
 }
 

@@ -6,7 +6,7 @@
 
 #include <QString>
 
-#include "model/corvane_view_model.h"
+#include "model/components/mail_components.h"
 
 namespace corvane::screens {
 
@@ -14,6 +14,6 @@ namespace corvane::screens {
 QString partialMailText(std::int64_t count);
 
 // Of the selected accounts.
-QString partialMailText(CorvaneViewModel& model);
+QString partialMailText(MailComponents& mail);
 
 } // namespace corvane::screens

@@ -59,8 +59,8 @@ TEST_F(ArchiveSheet, OffersWhatWasTickedAndArchivesWhatStaysTicked) {
     EXPECT_EQ(readArchiveIndex(home_.at("Documents/邮件归档/archive-index.json"))->records.size(), 1U);
     EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("2 封需要放入归档库。"));
     archiveScreen_.close();
-    EXPECT_TRUE(model_.filters().archiveFilterYears().empty());
-    EXPECT_EQ(model_.candidates().archiveCandidates()->size(), 2U);
+    EXPECT_TRUE(model_.mail().filters.candidates().archiveFilterYears.empty());
+    EXPECT_EQ(model_.archiving().candidates.archiveCandidates()->size(), 2U);
 }
 
 TEST_F(ArchiveSheet, OffersToRebuildTheIndexOfAnArchiveThatLostIt) {
@@ -73,7 +73,7 @@ TEST_F(ArchiveSheet, OffersToRebuildTheIndexOfAnArchiveThatLostIt) {
     EXPECT_TRUE(notice.text().contains(QStringLiteral("2 封"))) << notice.text().toStdString();
     notice.start();
     EXPECT_TRUE(notice.isRunning());
-    model_.rebuild().cancel();
+    model_.archiving().rebuild.cancel();
     settle();
     EXPECT_TRUE(notice.canStart()) << "nothing was done";
     notice.start();
@@ -86,7 +86,7 @@ TEST_F(ArchiveSheet, OffersToRebuildTheIndexOfAnArchiveThatLostIt) {
 
 TEST_F(ArchiveSheet, SelectedCandidatesAreTickedTogetherAndCopied) {
     publishThree();
-    archiveScreen_.open(std::make_shared<const SharedTextSet>(*model_.catalog().locallyAvailableIDs()));
+    archiveScreen_.open(std::make_shared<const SharedTextSet>(*model_.mail().catalog.locallyAvailableIDs()));
     settle();
     ASSERT_EQ(candidates_.count(), 3);
     candidates_.selection()->select(2);
@@ -108,7 +108,7 @@ TEST_F(ArchiveSheet, SelectedCandidatesAreTickedTogetherAndCopied) {
 TEST_F(ArchiveSheet, FiltersOfOtherScreensTakeNothingFromWhatWasTicked) {
     publishThree();
     chooseDestination(home_.at("x"));
-    model_.filters().setFilterAccountPrefixes({"imap://B"});
+    model_.mail().filters.setFilterAccountPrefixes({"imap://B"});
     openForYears({1});
     EXPECT_EQ(candidates_.count(), 2);
 }
@@ -116,7 +116,7 @@ TEST_F(ArchiveSheet, FiltersOfOtherScreensTakeNothingFromWhatWasTicked) {
 TEST_F(ArchiveSheet, SaysWhyItCannotStart) {
     publishThree();
     archiveScreen_.open(
-        std::make_shared<const SharedTextSet>(SharedTextSet{model_.catalog().messages()->front().id}));
+        std::make_shared<const SharedTextSet>(SharedTextSet{model_.mail().catalog.messages()->front().id}));
     settle();
     EXPECT_EQ(archiveScreen_.confirmation().archiveButtonTitle, QStringLiteral("先选择位置"));
     EXPECT_FALSE(archiveScreen_.confirmation().canStart);
@@ -127,7 +127,7 @@ TEST_F(ArchiveSheet, SaysWhyItCannotStart) {
     EXPECT_TRUE(archiveScreen_.confirmation().canStart);
     std::filesystem::remove_all(home_.at("Volumes/盘"));
     platform_.unplug();
-    model_.destinations().refreshFacts();
+    model_.archiving().destinations.refreshFacts();
     settle();
     EXPECT_EQ(archiveScreen_.confirmation().archiveButtonTitle, QStringLiteral("位置不可用"));
     EXPECT_TRUE(archiveScreen_.confirmation().footnote.contains(QStringLiteral("未连接")));
@@ -158,7 +158,7 @@ TEST_F(ArchiveSheet, TheSmallestSizeIsOfOneSheetAndLeavesTheHomeAlone) {
     EXPECT_EQ(candidates_.count(), 0);
     EXPECT_EQ(archiveScreen_.confirmation().archiveEmptyTitle, QStringLiteral("没有可归档的邮件"));
     archiveScreen_.close();
-    EXPECT_EQ(model_.filters().transferMinimumSize(), TransferSizePreset::any);
+    EXPECT_EQ(model_.mail().filters.candidates().transferMinimumSize, TransferSizePreset::any);
 }
 
 TEST_F(ArchiveSheet, ARangeTicksWhatIsShownAndNothingElse) {
@@ -171,7 +171,7 @@ TEST_F(ArchiveSheet, ARangeTicksWhatIsShownAndNothingElse) {
     candidates_.tickRange(2);
     settle();
     EXPECT_EQ(candidates_.selectedCount(), 3);
-    EXPECT_EQ(model_.ticks().selectedArchiveMessages().size(), 3U);
+    EXPECT_EQ(model_.archiving().ticks.selectedArchiveMessages().size(), 3U);
 }
 
 TEST_F(ArchiveSheet, FailuresCanBeCopiedAndTriedAgain) {
@@ -253,7 +253,7 @@ TEST_F(ArchiveSheet, CandidatesThatAreArchivedElsewhereLeaveTheSheet) {
     index.records.front().sizeBytes = 12; // as its file has
     writeArchive(home_, "归档", index);
     QSignalSpy resets(&candidates_, &QAbstractItemModel::modelReset);
-    model_.library().loadEmailArchiveIndex(home_.at("归档"), true);
+    model_.library().loader.loadEmailArchiveIndex(home_.at("归档"), true);
     settle();
     EXPECT_EQ(candidates_.count(), 1);
     EXPECT_EQ(archiveScreen_.confirmation().tickedText, QStringLiteral("已勾选 1 封，共 1 封"));
@@ -264,7 +264,7 @@ TEST_F(ArchiveSheet, QuickDestinationsDoNotBeginASecondArchiveBesideOne) {
     home_.makeFolder("Library/CloudStorage/Nutstore-lin@x");
     home_.makeFolder("Library/CloudStorage/Box-b");
     writeArchive(home_, "Library/CloudStorage/Box-b/旧归档", sampleIndex(1, {"old"}));
-    model_.library().loadEmailArchiveIndex(std::nullopt, true);
+    model_.library().loader.loadEmailArchiveIndex(std::nullopt, true);
     publishThree();
     chooseDestination(home_.at("Documents/手选"));
     QuickDestinations& quick = *archiveScreen_.quickDestinations();
@@ -280,10 +280,11 @@ TEST_F(ArchiveSheet, QuickDestinationsDoNotBeginASecondArchiveBesideOne) {
     EXPECT_EQ(text(2, QuickDestinations::DetailRole), "~/Documents");
     EXPECT_EQ(text(2, QuickDestinations::ChosenRole), "true");
     quick.choose(1);
-    EXPECT_EQ(model_.destinations().transferDestination(),
+    EXPECT_EQ(model_.archiving().destinations.transferDestination(),
               home_.at("Library/CloudStorage/Nutstore-lin@x/邮件归档"));
     quick.choose(0);
-    EXPECT_EQ(model_.destinations().transferDestination(), home_.at("Library/CloudStorage/Box-b/旧归档"));
+    EXPECT_EQ(model_.archiving().destinations.transferDestination(),
+              home_.at("Library/CloudStorage/Box-b/旧归档"));
     settle();
 }
 
@@ -304,7 +305,7 @@ TEST_F(ArchiveSheet, AHundredThousandCandidatesAreShownAndTickedWithoutHoldingTh
     known.locallyAvailableIDs = ids;
     auto set = MessageSet::make(std::make_shared<const MessageList>(std::move(messages)), false);
     known.yearByID = std::make_shared<const YearByID>(computeMessageYears(*set->messages));
-    model_.catalog().restore(set, {}, known);
+    model_.mail().catalog.restore(set, {}, known);
     archiveScreen_.open(ids);
     settle();
     ASSERT_EQ(candidates_.count(), 100'000);

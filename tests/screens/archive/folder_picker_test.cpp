@@ -58,7 +58,7 @@ TEST_F(FolderPickers, NamesOfAnyBytesAreShownHarmlesslyAndChosenExactly) {
         EXPECT_FALSE(name.contains(u'\n') || name.contains(QChar(0x202e))) << name.toStdString();
         picker_.choose(row);
         settle();
-        chosen.insert(model_.destinations().transferDestination().value_or(""));
+        chosen.insert(model_.archiving().destinations.transferDestination().value_or(""));
     }
     for (const std::string& name : odd) EXPECT_TRUE(chosen.contains(home_.at("odd/" + name))) << name;
     for (int row = 0; row < 6; ++row) {
@@ -102,7 +102,7 @@ TEST_F(FolderPickers, AFolderWithoutPermissionIsNeitherOpenedNorChosen) {
     ::chmod(home_.path().c_str(), 0755);
     ::chmod(home_.at("open/locked").c_str(), 0);
     goTo(home_.at("open"));
-    const auto before = model_.destinations().transferDestination();
+    const auto before = model_.archiving().destinations.transferDestination();
     {
         const Unprivileged user;
         if (!user.isSo()) GTEST_SKIP() << "neither an ordinary user nor able to become one";
@@ -117,7 +117,7 @@ TEST_F(FolderPickers, AFolderWithoutPermissionIsNeitherOpenedNorChosen) {
         EXPECT_EQ(picker_.errorText(), QStringLiteral("没有权限在这里新建文件夹。"));
     }
     ::chmod(home_.at("open/locked").c_str(), 0755);
-    EXPECT_EQ(model_.destinations().transferDestination(), before);
+    EXPECT_EQ(model_.archiving().destinations.transferDestination(), before);
 }
 
 TEST_F(FolderPickers, ANewFolderIsOpened_AndABadNameIsRefused) {

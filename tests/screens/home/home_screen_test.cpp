@@ -46,9 +46,9 @@ TEST(SafetyBanners, NothingIsSafeBeforeEveryLocalMessageHasACopy) {
 class OrganizeHome : public testing::ScreensTest {
   protected:
     void archiveAndProve(const std::string& root) {
-        model_.destinations().setTransferDestination(root);
+        model_.archiving().destinations.setTransferDestination(root);
         settle();
-        model_.ticks().selectAllArchiveCandidates();
+        model_.archiving().ticks.selectAllArchiveCandidates();
         model_.archiveSelectedEmails([](const auto&) {});
         settle();
         homeScreen_.proof()->start();
@@ -102,12 +102,12 @@ TEST_F(OrganizeHome, TheShieldComesWithTheProofAndGoesWithTheFirstDifference) {
     EXPECT_EQ(homeScreen_.figures().banner.headline,
               QStringLiteral("全部年份：已完成归档 1 封，未归档 1 封"));
     ASSERT_TRUE(homeScreen_.proof()->hasTroubles());
-    model_.filters().setMinimumAttachmentCount(3);
+    model_.mail().filters.set(&ListFilters::minimumAttachmentCount, 3);
     QSignalSpy requested(&homeScreen_, &HomeScreen::troubledRequested);
     homeScreen_.showTroubled();
     EXPECT_EQ(requested.size(), 1);
-    EXPECT_TRUE(model_.filters().onlyTroubled());
-    EXPECT_EQ(model_.filters().minimumAttachmentCount(), 0) << "no other filter hides some of it";
+    EXPECT_TRUE(model_.mail().filters.list().onlyTroubled);
+    EXPECT_EQ(model_.mail().filters.list().minimumAttachmentCount, 0) << "no other filter hides some of it";
 }
 
 TEST_F(OrganizeHome, AProofThatRestsOnAPulledDiskSaysOfWhichDayItIs) {
@@ -115,11 +115,11 @@ TEST_F(OrganizeHome, AProofThatRestsOnAPulledDiskSaysOfWhichDayItIs) {
     platform_.plugIn("盘");
     archiveAndProve(home_.at("Volumes/盘/归档"));
     EXPECT_EQ(proofItem(1), QString());
-    const MailMessageRecord message = model_.catalog().messages()->front();
+    const MailMessageRecord message = model_.mail().catalog.messages()->front();
     EXPECT_EQ(screens::awayProofText(model_, message), QString());
     platform_.unplug();
     std::filesystem::rename(home_.at("Volumes/盘"), home_.at("away"));
-    model_.library().loadEmailArchiveIndex({}, true);
+    model_.library().loader.loadEmailArchiveIndex({}, true);
     settle();
     EXPECT_TRUE(proofItem(1).startsWith(QStringLiteral("其中 2 封是 20"))) << proofItem(1).toStdString();
     EXPECT_TRUE(screens::awayProofText(model_, message).endsWith(QStringLiteral(" 的比对，归档磁盘未连接")));
@@ -129,7 +129,7 @@ TEST_F(OrganizeHome, ACapturedStartShowsStatisticsAndCallsNothingSafe) {
     MailHomeSnapshot snapshot;
     snapshot.summary.scannedMessages = 5;
     snapshot.localAccountYearStats = {{"imap://A", "a@x", {{2020, 5, 5, 5, 900, 1}}, 5, 900}};
-    model_.catalog().applyHomeSnapshot(snapshot);
+    model_.mail().catalog.applyHomeSnapshot(snapshot);
     settle();
     EXPECT_EQ(homeScreen_.state(), State::List);
     EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("5 封需要放入归档库。"));
@@ -144,11 +144,11 @@ TEST_F(OrganizeHome, ACapturedStartShowsStatisticsAndCallsNothingSafe) {
 TEST_F(OrganizeHome, APartialListClaimsNothing) {
     publishTwoAccounts();
     homeScreen_.setScopeYear(2019);
-    model_.scanFlow().scan();
+    model_.mail().scanFlow.scan();
     auto listed =
         std::make_shared<const MessageList>(testing::sampleMessages(home_, {{"a", 2019}, {"d", 2021}}));
-    model_.catalog().showProgress(MessageSet::passing(std::move(listed)), {});
-    model_.scanFlow().cancelScan();
+    model_.mail().catalog.showProgress(MessageSet::passing(std::move(listed)), {});
+    model_.mail().scanFlow.cancelScan();
     settle();
     EXPECT_EQ(homeScreen_.state(), State::Partial);
     EXPECT_EQ(homeScreen_.figures().banner.kind, QStringLiteral("attention"));
@@ -173,7 +173,7 @@ TEST_F(OrganizeHome, NothingIsSaidToBeTheFirstUseBeforeTheLastResultWasLookedFor
     EXPECT_EQ(home.state(), State::Loading);
     testing::waitUntilIdle(context_.tasks);
     EXPECT_EQ(home.state(), State::Loading) << "nobody has looked";
-    model.scanFlow().loadCachedScanIfNeeded(false);
+    model.mail().scanFlow.loadCachedScanIfNeeded(false);
     EXPECT_EQ(home.state(), State::Loading);
     testing::waitUntilIdle(context_.tasks);
     EXPECT_EQ(home.state(), State::FirstUse);
@@ -183,16 +183,16 @@ TEST_F(OrganizeHome, TheNarrowingGoesWithTheFiltersThatItSet) {
     publishTwoAccounts();
     homeScreen_.setScopeYear(2019);
     homeScreen_.chooseAccount(1);
-    model_.filters().clearScope(); // as a full refresh does
+    model_.mail().filters.clearScope(); // as a full refresh does
     EXPECT_FALSE(homeScreen_.figures().isNarrowed);
     EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("3 封需要放入归档库。"));
 
     homeScreen_.setScopeYear(2019);
     homeScreen_.chooseAccount(1);
     publish({{"b", 2020}, {"c", 2020, "imap://B"}});
-    Q_EMIT model_.scanFlow().scanFinished();
+    Q_EMIT model_.mail().scanFlow.scanFinished();
     EXPECT_EQ(homeScreen_.figures().scopeYear, 0) << "a year that has gone";
-    EXPECT_TRUE(model_.filters().filterYears().empty());
+    EXPECT_TRUE(model_.mail().filters.list().filterYears.empty());
 
     homeScreen_.chooseAccount(2);
     publish({{"b", 2020}});
@@ -219,11 +219,11 @@ TEST_F(OrganizeHome, ThePrimaryActionStopsAtTheFirstStepThatActs) {
 }
 
 TEST_F(OrganizeHome, WithoutAccountsThePrimaryActionLeadsToThePermission) {
-    testing::publishMessages(model_.catalog(), testing::sampleMessages(home_, {{"a", 2019}}));
+    testing::publishMessages(model_.mail().catalog, testing::sampleMessages(home_, {{"a", 2019}}));
     chooseDestination(home_.at("归档"));
-    model_.scanFlow().refreshAllMailData();
+    model_.mail().scanFlow.refreshAllMailData();
     settle();
-    ASSERT_TRUE(model_.accounts().availableAccounts().empty());
+    ASSERT_TRUE(model_.mail().accounts.availableAccounts().empty());
     QSignalSpy failed(homeScreen_.access(), &AccessActions::failed);
     homeScreen_.runOrganizePrimaryAction();
     EXPECT_EQ(desktop_.opened.size(), 1);
@@ -245,7 +245,7 @@ TEST_F(OrganizeHome, NarrowingKeepsTicksAndTellsItsScope) {
     homeScreen_.setScopeYear(2020);
     EXPECT_EQ(homeScreen_.figures().organizeRangeTitle, QStringLiteral("2020 年"));
     EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("2 封需要放入归档库。"));
-    EXPECT_EQ(model_.filters().filterYears(), std::set<std::int64_t>{2020});
+    EXPECT_EQ(model_.mail().filters.list().filterYears, std::set<std::int64_t>{2020});
     EXPECT_EQ(rowOf("2019 年"), -1);
     EXPECT_EQ(homeScreen_.selection().line, QStringLiteral("已选 1 封 · 3 KB")) << "ticks outside stay";
     EXPECT_EQ(shownYears().size(), 2U) << "the chart keeps all years to press";
@@ -256,7 +256,7 @@ TEST_F(OrganizeHome, NarrowingKeepsTicksAndTellsItsScope) {
     EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("当前范围暂无邮件。"));
     homeScreen_.clearScope();
     EXPECT_EQ(homeScreen_.tree()->rowCount(), 5);
-    EXPECT_TRUE(model_.filters().filterAccountPrefixes().empty());
+    EXPECT_TRUE(model_.mail().filters.filterAccountPrefixes().empty());
 }
 
 TEST_F(OrganizeHome, FiguresChangeAtMostOnceAnInterval) {
@@ -276,7 +276,7 @@ TEST_F(OrganizeHome, FiguresChangeAtMostOnceAnInterval) {
 TEST_F(OrganizeHome, RowsWaitWhileThePointerIsPressed) {
     publishTwoAccounts();
     homeScreen_.setHeld(true);
-    testing::publishMessages(model_.catalog(), testing::sampleMessages(home_, {{"x", 2019}}));
+    testing::publishMessages(model_.mail().catalog, testing::sampleMessages(home_, {{"x", 2019}}));
     testing::waitUntilIdle(context_.tasks);
     EXPECT_EQ(homeScreen_.organizeSimpleSummary(), QStringLiteral("3 封需要放入归档库。"));
     homeScreen_.setHeld(false);
@@ -288,7 +288,7 @@ TEST_F(OrganizeHome, AfterTheLastMessageTheLibraryIsNext) {
     publish({{"a", 2019}});
     chooseDestination(home_.at("归档"));
     archiveScreen_.open(
-        std::make_shared<const SharedTextSet>(SharedTextSet{model_.catalog().messages()->front().id}));
+        std::make_shared<const SharedTextSet>(SharedTextSet{model_.mail().catalog.messages()->front().id}));
     settle();
     archiveScreen_.start();
     settle();
@@ -301,7 +301,7 @@ TEST_F(OrganizeHome, AfterTheLastMessageTheLibraryIsNext) {
     EXPECT_TRUE(desktop_.opened.isEmpty());
     EXPECT_TRUE(homeScreen_.nothingToDoLine().contains(QStringLiteral("已归档概览")));
     std::filesystem::rename(home_.at("归档"), home_.at("拔掉"));
-    model_.destinations().refreshFacts();
+    model_.archiving().destinations.refreshFacts();
     settle();
     EXPECT_FALSE(homeScreen_.selection().organizePrimaryDisabled)
         << "the library shows what is unplugged, too";
@@ -309,7 +309,7 @@ TEST_F(OrganizeHome, AfterTheLastMessageTheLibraryIsNext) {
 
 TEST_F(OrganizeHome, MailThatHasJustComeInIsNotNothingToDo) {
     settle();
-    testing::publishMessages(model_.catalog(), testing::sampleMessages(home_, {{"a", 2019}}));
+    testing::publishMessages(model_.mail().catalog, testing::sampleMessages(home_, {{"a", 2019}}));
     const auto isUndecided = [this] {
         return homeScreen_.state() == State::List && !homeScreen_.figures().isKnown &&
                homeScreen_.figures().banner.kind == u"info";

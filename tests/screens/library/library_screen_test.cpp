@@ -23,7 +23,7 @@ class LibraryScreenTest : public ModelTest {
         index.records[1].referencedMessageIdentifiers = {SharedText("a")};
         index.records[3].date = dateIn(2015);
         root_ = writeArchive(home_, "Archive", index);
-        model_.library().loadEmailArchiveIndex(root_, true);
+        model_.library().loader.loadEmailArchiveIndex(root_, true);
         settle();
         screen_.appear();
         settle();

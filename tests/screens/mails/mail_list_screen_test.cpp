@@ -30,7 +30,7 @@ class MailListScreenTest : public ModelTest {
     }
 
     void publish(MessageList messages) {
-        model_.catalog().setMessages(
+        model_.mail().catalog.setMessages(
             MessageSet::make(std::make_shared<const MessageList>(std::move(messages)), false), {});
         waitUntilIdle(context_.tasks);
     }
@@ -55,11 +55,11 @@ class MailListScreenTest : public ModelTest {
 
 TEST_F(MailListScreenTest, EveryReasonForAnEmptyListIsToldApart) {
     EXPECT_EQ(screen_.state(), State::Loading) << "the last result hasn't been looked for";
-    model_.scanFlow().loadCachedScanIfNeeded(false);
+    model_.mail().scanFlow.loadCachedScanIfNeeded(false);
     waitUntilIdle(context_.tasks);
     EXPECT_EQ(screen_.state(), State::NeverScanned);
 
-    model_.catalog().setMessages(
+    model_.mail().catalog.setMessages(
         MessageSet::make(std::make_shared<const MessageList>(MessageList{local("a")}), false), {});
     EXPECT_EQ(screen_.state(), State::Loading);
     waitUntilIdle(context_.tasks);
@@ -77,7 +77,7 @@ TEST_F(MailListScreenTest, EveryReasonForAnEmptyListIsToldApart) {
     EXPECT_EQ(screen_.state(), State::NothingLocal);
 
     publish({});
-    model_.scanFlow().scan(); // this home has no Mail index
+    model_.mail().scanFlow.scan(); // this home has no Mail index
     EXPECT_EQ(screen_.state(), State::Scanning);
     EXPECT_EQ(screen_.stateText(), QStringLiteral("正在准备扫描..."));
     waitUntilIdle(context_.tasks);
@@ -95,7 +95,7 @@ TEST_F(MailListScreenTest, DetailFollowsTheRowAndTheModelKnowsIt) {
     EXPECT_EQ(screen_.detail()->shown().subject, QStringLiteral("a"));
     screen_.selection()->select(1);
     EXPECT_EQ(screen_.detail()->shown().subject, QStringLiteral("b"));
-    EXPECT_TRUE(model_.visible().selectedMessageID()->ends_with("/b"));
+    EXPECT_TRUE(model_.mail().visible.selectedMessageID()->ends_with("/b"));
 
     publish({local("a1"), local("a2"), local("b")}); // another generation
     EXPECT_EQ(screen_.detail()->shown().subject, QStringLiteral("b"));
@@ -110,7 +110,7 @@ TEST_F(MailListScreenTest, ARowChosenWhileTheNextListIsMadeStaysChosen) {
     publish({local("a"), local("b"), local("c")});
     screen_.filters()->setAscending(true);
     screen_.filters()->setMinimumAttachments(0);
-    QObject::connect(&model_.visible(), &VisibleMessages::visibleMessagesChanged,
+    QObject::connect(&model_.mail().visible, &VisibleMessages::visibleMessagesChanged,
                      [&] { screen_.selection()->select(2); });
     settle();
     EXPECT_EQ(screen_.detail()->shown().subject, QStringLiteral("c"));
@@ -159,7 +159,7 @@ TEST_F(MailListScreenTest, FiltersShowWhatTheyHoldAndGoBothWays) {
 TEST_F(MailListScreenTest, TypingReachesTheModelWhenItPauses) {
     publish({local("a"), local("b")});
     int told = 0;
-    QObject::connect(&model_.filters(), &ModelFilters::listFilterChanged, [&] { ++told; });
+    QObject::connect(&model_.mail().filters, &ModelFilters::listFilterChanged, [&] { ++told; });
     for (const char* typed : {"b", "bx", "b"}) screen_.filters()->setQuery(QString::fromLatin1(typed));
     // Something else changes meanwhile: the field keeps what was typed.
     screen_.filters()->setAscending(true);
@@ -357,7 +357,7 @@ TEST_F(MailListScreenTest, APreviewThatWasReadAgainShowsInItsRowUntilTheNextScan
                              roles.contains(MessageListModel::PreviewRole))
                              ++told;
                      });
-    model_.catalog().replacePreview(garbled.id, "读出来的正文");
+    model_.mail().catalog.replacePreview(garbled.id, "读出来的正文");
     EXPECT_EQ(third(1), QStringLiteral("读出来的正文"));
     EXPECT_EQ(told, 1);
     EXPECT_NE(third(0), third(1));

@@ -36,7 +36,7 @@ class WindowModels : public ModelTest {
     void publish(int count) {
         std::vector<MessageSketch> sketches;
         for (int number = 0; number < count; ++number) sketches.push_back({"m" + std::to_string(number)});
-        publishMessages(model_.catalog(), sampleMessages(home_, sketches));
+        publishMessages(model_.mail().catalog, sampleMessages(home_, sketches));
         waitUntilIdle(context_.tasks);
     }
 
@@ -48,28 +48,29 @@ class WindowModels : public ModelTest {
 TEST_F(WindowModels, StoppingForTheCloseKeepsWhatWasWrittenAndItsIndex) {
     publish(300);
     const std::string root = home_.at("归档");
-    model_.destinations().setTransferDestination(root);
+    model_.archiving().destinations.setTransferDestination(root);
     waitUntilIdle(context_.tasks);
-    model_.ticks().selectAllArchiveCandidates();
+    model_.archiving().ticks.selectAllArchiveCandidates();
     QSignalSpy stopped(&window_, &WindowModel::stopped);
     bool wasShown = false;
     QObject::connect(window_.activity(), &Activity::changed, [&] {
         wasShown = wasShown || (window_.activity()->running() && window_.activity()->place() == u"home");
     });
-    QObject::connect(&model_.archiveRun(), &ArchiveRunFlow::progressChanged, [&] {
+    QObject::connect(&model_.archiving().archiveRun, &ArchiveRunFlow::progressChanged, [&] {
         // Before it names a message a run may be stopped with nothing written.
-        const auto& progress = model_.archiveRun().emailArchiveProgress();
+        const auto& progress = model_.archiving().archiveRun.emailArchiveProgress();
         if (window_.archiving() && progress && progress->currentSubject) window_.stopArchiving();
     });
-    model_.archiveRun().archiveSelectedEmails(model_.candidates().archiveCandidates(),
-                                              model_.ticks().selectedArchiveMessageIDs(), root, [](auto) {});
+    model_.archiving().archiveRun.archiveSelectedEmails(model_.archiving().candidates.archiveCandidates(),
+                                                        model_.archiving().ticks.selectedArchiveMessageIDs(),
+                                                        root, [](auto) {});
     EXPECT_TRUE(window_.archiving());
     waitUntilIdle(context_.tasks);
     EXPECT_EQ(stopped.count(), 1);
     EXPECT_FALSE(window_.archiving());
     EXPECT_TRUE(wasShown);
     EXPECT_FALSE(window_.activity()->running());
-    const auto entries = model_.library().archivedEntries()->size();
+    const auto entries = model_.library().loader.archivedEntries()->size();
     EXPECT_TRUE(platform::fileExists(root + "/archive-index.json"));
     EXPECT_GT(entries, 0U);
     EXPECT_LT(entries, 300U);
@@ -78,16 +79,17 @@ TEST_F(WindowModels, StoppingForTheCloseKeepsWhatWasWrittenAndItsIndex) {
 TEST_F(WindowModels, TheFootTellsOfARunAndThenOfItsBodyTexts) {
     publish(3);
     const std::string root = home_.at("归档");
-    model_.destinations().setTransferDestination(root);
+    model_.archiving().destinations.setTransferDestination(root);
     waitUntilIdle(context_.tasks);
-    model_.ticks().selectAllArchiveCandidates();
+    model_.archiving().ticks.selectAllArchiveCandidates();
     QStringList titles;
     QObject::connect(window_.activity(), &Activity::changed, [&] {
         if (titles.isEmpty() || titles.last() != window_.activity()->title())
             titles.append(window_.activity()->title());
     });
-    model_.archiveRun().archiveSelectedEmails(model_.candidates().archiveCandidates(),
-                                              model_.ticks().selectedArchiveMessageIDs(), root, [](auto) {});
+    model_.archiving().archiveRun.archiveSelectedEmails(model_.archiving().candidates.archiveCandidates(),
+                                                        model_.archiving().ticks.selectedArchiveMessageIDs(),
+                                                        root, [](auto) {});
     waitUntilIdle(context_.tasks);
     EXPECT_LT(titles.indexOf(QStringLiteral("正在归档")), titles.indexOf(QStringLiteral("正在准备正文预览")));
     EXPECT_TRUE(titles.contains(QStringLiteral("正在归档")));
@@ -97,7 +99,7 @@ TEST_F(WindowModels, TheFootTellsOfARunAndThenOfItsBodyTexts) {
 TEST_F(WindowModels, TheFootTellsOfALibraryThatTakesLongToRead) {
     Activity patient(model_);
     Activity activity(model_, std::chrono::milliseconds(0));
-    model_.library().loadEmailArchiveIndex(home_.makeFolder("归档"), true);
+    model_.library().loader.loadEmailArchiveIndex(home_.makeFolder("归档"), true);
     EXPECT_EQ(activity.title(), QStringLiteral("正在读取归档库"));
     EXPECT_FALSE(patient.running());
     waitUntilIdle(context_.tasks);
@@ -110,36 +112,36 @@ TEST_F(WindowModels, ARunThatFailsEarlyIsToldOfFromItsBeginningToItsEnd) {
     platform_.capacity = 1;
     QSignalSpy changed(&window_, &WindowModel::archivingChanged);
     QSignalSpy stopped(&window_, &WindowModel::stopped);
-    model_.ticks().selectAllArchiveCandidates();
-    model_.archiveRun().archiveSelectedEmails(model_.candidates().archiveCandidates(),
-                                              model_.ticks().selectedArchiveMessageIDs(), home_.at("归档"),
-                                              [](auto) {});
-    EXPECT_EQ(model_.archiveRun().emailArchiveProgress(),
+    model_.archiving().ticks.selectAllArchiveCandidates();
+    model_.archiving().archiveRun.archiveSelectedEmails(model_.archiving().candidates.archiveCandidates(),
+                                                        model_.archiving().ticks.selectedArchiveMessageIDs(),
+                                                        home_.at("归档"), [](auto) {});
+    EXPECT_EQ(model_.archiving().archiveRun.emailArchiveProgress(),
               (EmailArchiveProgress{0, 3, std::nullopt, "准备归档 3 封邮件..."}));
     EXPECT_EQ(changed.count(), 1);
     window_.stopArchiving();
     waitUntilIdle(context_.tasks);
     EXPECT_EQ(stopped.count(), 1);
     EXPECT_EQ(changed.count(), 2);
-    EXPECT_EQ(model_.archiveRun().emailArchiveProgress(), std::nullopt);
+    EXPECT_EQ(model_.archiving().archiveRun.emailArchiveProgress(), std::nullopt);
 }
 
 TEST_F(WindowModels, TheArchivesAreReadAsTheyAreAtTheStart) {
     writeIndex(home_, "归档", {Date(), Date(), {sampleRecord("mid:a")}});
-    model_.destinations().setTransferDestination(home_.at("归档"));
+    model_.archiving().destinations.setTransferDestination(home_.at("归档"));
     CorvaneViewModel model(context_);
     WindowModel window(model);
     waitUntilIdle(context_.tasks);
-    ASSERT_TRUE(model.library().archivedEntries()->empty());
+    ASSERT_TRUE(model.library().loader.archivedEntries()->empty());
     window.startUp();
     waitUntilIdle(context_.tasks);
-    EXPECT_EQ(model.library().archivedEntries()->size(), 1U);
+    EXPECT_EQ(model.library().loader.archivedEntries()->size(), 1U);
 }
 
 TEST_F(WindowModels, APlaceThatIsNamedAnewGoesOnlyForTheSameArchive) {
     const std::string before = writeArchive(home_, "before", sampleIndex(1, {"mid:a"}));
     const std::string other = writeArchive(home_, "other", sampleIndex(2, {"mid:b"}));
-    model_.destinations().setTransferDestination(before);
+    model_.archiving().destinations.setTransferDestination(before);
     waitUntilIdle(context_.tasks);
     std::filesystem::rename(before, home_.at("after"));
     PlacesScreen& places = *window_.places();
@@ -149,13 +151,13 @@ TEST_F(WindowModels, APlaceThatIsNamedAnewGoesOnlyForTheSameArchive) {
         places.beginChoice(0);
         places.addFolder(QUrl::fromLocalFile(QString::fromStdString(folder)));
         waitUntilIdle(context_.tasks);
-        return model_.destinations().transferDestination();
+        return model_.archiving().destinations.transferDestination();
     };
     EXPECT_EQ(nameAnew(other), before);
-    EXPECT_NE(model_.library().location(before), nullptr);
+    EXPECT_NE(model_.library().loader.location(before), nullptr);
     EXPECT_EQ(nameAnew(home_.at("after")), home_.at("after"));
     EXPECT_TRUE(forgottenLocations(context_.settings).contains(before));
-    EXPECT_EQ(model_.library().archivedEntries()->size(), 2U);
+    EXPECT_EQ(model_.library().loader.archivedEntries()->size(), 2U);
 }
 
 TEST_F(WindowModels, ClosingWithoutARunWaitsForNothing) {

@@ -266,10 +266,10 @@ LibraryScene fillLibrary(WindowScene& scene) {
                            emlOf(mail));
     }
     LibraryScene made{writeIndex(scene.home(), cloud, inCloud), writeIndex(scene.home(), disk, onDisk)};
-    scene.model().destinations().setTransferDestination(made.cloudRoot);
-    scene.model().library().loadEmailArchiveIndex(made.cloudRoot, true);
+    scene.model().archiving().destinations.setTransferDestination(made.cloudRoot);
+    scene.model().library().loader.loadEmailArchiveIndex(made.cloudRoot, true);
     scene.settle();
-    scene.model().bodyTexts().rebuildBodyTextIndex(false);
+    scene.model().library().bodyTexts.rebuildBodyTextIndex(false);
     scene.settle();
     return made;
 }

@@ -61,12 +61,12 @@ void QmlScenes::publish(int count, const QString& subject) {
     for (int number = 0; number < count; ++number)
         messages->push_back(numberedMessage(scene().home(), number));
     if (!subject.isEmpty() && count > 0) messages->front().subject = subject.toStdString();
-    scene().model().catalog().setMessages(MessageSet::make(messages, false), {});
+    scene().model().mail().catalog.setMessages(MessageSet::make(messages, false), {});
 }
 
 void QmlScenes::fail() {
-    scene().model().catalog().setMessages(std::make_shared<const MessageSet>(), {});
-    scene().model().scanFlow().scan();
+    scene().model().mail().catalog.setMessages(std::make_shared<const MessageSet>(), {});
+    scene().model().mail().scanFlow.scan();
 }
 
 } // namespace corvane::testing

@@ -20,8 +20,8 @@ namespace corvane::testing {
 class ScreensTest : public ModelTest {
   protected:
     ScreensTest() {
-        model_.scanFlow().loadCachedScanIfNeeded(false); // as every start does
-        model_.counts().setIndexed({});                  // an index without more than what is here
+        model_.mail().scanFlow.loadCachedScanIfNeeded(false); // as every start does
+        model_.mail().counts.setIndexed({});                  // an index without more than what is here
         settle();
     }
 
@@ -38,7 +38,7 @@ class ScreensTest : public ModelTest {
     }
 
     void publish(const std::vector<MessageSketch>& sketches) {
-        publishMessages(model_.catalog(), sampleMessages(home_, sketches));
+        publishMessages(model_.mail().catalog, sampleMessages(home_, sketches));
         settle();
     }
 

@@ -79,7 +79,7 @@ MailMessageRecord makeMessage(const TemporaryHome& home, const Account& account,
 } // namespace
 
 WindowScene::WindowScene() {
-    model_.scanFlow().loadCachedScanIfNeeded(false);
+    model_.mail().scanFlow.loadCachedScanIfNeeded(false);
     settle();
 }
 
@@ -138,20 +138,21 @@ void WindowScene::fill(Destination destination) {
     writeIndex(home_, "Documents/邮件归档", index);
     home_.write("Documents/邮件归档/2009/a.eml", archivedFile);
     if (destination == Destination::chosen)
-        model_.destinations().setTransferDestination(home_.at("Documents/邮件归档"));
+        model_.archiving().destinations.setTransferDestination(home_.at("Documents/邮件归档"));
     auto list = std::make_shared<const MessageList>(std::move(messages));
     known.locallyAvailableIDs = local;
     known.yearByID = std::make_shared<const YearByID>(computeMessageYears(*list));
     MailScanSummary summary = makeSummary(allOf(*list), static_cast<std::int64_t>(list->size()));
-    model_.catalog().restore(MessageSet::make(list, false), std::move(summary), known);
-    model_.accounts().setSelectedAccountPrefixes({});
+    model_.mail().catalog.restore(MessageSet::make(list, false), std::move(summary), known);
+    model_.mail().accounts.setSelectedAccountPrefixes({});
     // Some of what the server has lies here in part.
-    model_.counts().setIndexed({indexed, {}, true, {{"imap://B", {{2024, 31}, {2025, 15}}}}});
+    model_.mail().counts.setIndexed({indexed, {}, true, {{"imap://B", {{2024, 31}, {2025, 15}}}}});
     settle();
 }
 
 void WindowScene::showLatest() {
-    const auto expected = static_cast<std::int64_t>(model_.candidates().archiveCandidates()->size());
+    const auto expected =
+        static_cast<std::int64_t>(model_.archiving().candidates.archiveCandidates()->size());
     QEventLoop loop;
     const auto isShown = [&] {
         return window_.home()->tree()->overview()->candidateCount() == expected &&

@@ -32,7 +32,7 @@ struct ArchiveOptions {
 // An archive run needs a scan; a first run makes it.
 void provideScan(Session& session) {
     session.restoreLastScan();
-    ScanFlow& scan = session.model().scanFlow();
+    ScanFlow& scan = session.model().mail().scanFlow;
     if (scan.state().kind == MailScanState::Kind::finished) return;
     messageLine("还没有扫描结果，先扫描全部邮件。");
     scan.refreshAllMailData();
@@ -42,30 +42,30 @@ void provideScan(Session& session) {
 
 void select(Session& session, const ArchiveOptions& options) {
     CorvaneViewModel& model = session.model();
-    ModelFilters& filters = model.filters();
+    ModelFilters& filters = model.mail().filters;
     filters.setFilterAccountPrefixes({options.accounts.begin(), options.accounts.end()});
-    filters.setArchiveFilterYears({options.years.begin(), options.years.end()});
-    filters.setMinimumCandidateBytes(options.minimumBytes);
-    filters.setTransferMaxYear(options.maximumYear);
-    model.destinations().setTransferDestination(platform::standardizedPath(options.destination));
+    filters.set(&CandidateFilters::archiveFilterYears, {options.years.begin(), options.years.end()});
+    filters.set(&CandidateFilters::minimumCandidateBytes, options.minimumBytes);
+    filters.set(&CandidateFilters::transferMaxYear, options.maximumYear);
+    model.archiving().destinations.setTransferDestination(platform::standardizedPath(options.destination));
     session.waitUntilIdle();
     if (options.limit) {
-        model.ticks().selectFirstArchiveCandidates(static_cast<std::size_t>(*options.limit));
+        model.archiving().ticks.selectFirstArchiveCandidates(static_cast<std::size_t>(*options.limit));
     } else {
-        model.ticks().selectAllArchiveCandidates();
+        model.archiving().ticks.selectAllArchiveCandidates();
     }
 }
 
 EmailArchiveRunResult runToEnd(Session& session) {
     CorvaneViewModel& model = session.model();
     ProgressLine line;
-    const auto shown = QObject::connect(&model.archiveRun(), &ArchiveRunFlow::progressChanged, [&] {
-        const auto& progress = model.archiveRun().emailArchiveProgress();
+    const auto shown = QObject::connect(&model.archiving().archiveRun, &ArchiveRunFlow::progressChanged, [&] {
+        const auto& progress = model.archiving().archiveRun.emailArchiveProgress();
         if (progress) line.show(progress->statusText, progress->fraction());
     });
     std::optional<ArchiveRunFlow::RunOutcome> outcome;
     model.archiveSelectedEmails([&](ArchiveRunFlow::RunOutcome value) { outcome = std::move(value); });
-    session.waitUntilIdle([&] { model.archiveRun().cancelEmailArchive(); });
+    session.waitUntilIdle([&] { model.archiving().archiveRun.cancelEmailArchive(); });
     QObject::disconnect(shown);
     if (!outcome) throw CommandFailure("归档任务没有返回结果。");
     if (!*outcome) throw CommandFailure(outcome->error());
@@ -116,9 +116,9 @@ int runArchive(Session& session, const ArchiveOptions& options, bool json) {
     provideScan(session);
     select(session, options);
     // Here it follows the run, whether or not that archived anything: an earlier one may have been killed.
-    session.model().bodyTexts().setAutomaticRepair(false);
+    session.model().library().bodyTexts.setAutomaticRepair(false);
     EmailArchiveRunResult result;
-    if (session.model().ticks().selectedArchiveMessageIDs().empty()) {
+    if (session.model().archiving().ticks.selectedArchiveMessageIDs().empty()) {
         const std::string root = platform::standardizedPath(options.destination);
         result.indexURL = FileURL(platform::joinPath(root, archiveIndexFileName));
     } else {

@@ -13,7 +13,7 @@
 namespace corvane::cli {
 
 std::int64_t fillBodyIndex(Session& session, BodyIndexRequest request) {
-    BodyTexts& texts = session.model().bodyTexts();
+    BodyTexts& texts = session.model().library().bodyTexts;
     ProgressLine line;
     std::int64_t indexed = 0;
     const auto shown = QObject::connect(&texts, &BodyTexts::bodyIndexProgressChanged, [&] {
@@ -33,7 +33,7 @@ namespace {
 
 int runIndex(Session& session, bool force, bool json) {
     loadLibrary(session);
-    BodyIndexRequest request = session.model().bodyTexts().requestForAllLocations(force);
+    BodyIndexRequest request = session.model().library().bodyTexts.requestForAllLocations(force);
     request.reloadWhenDone = false;
     const std::int64_t indexed = fillBodyIndex(session, std::move(request));
     if (json) {

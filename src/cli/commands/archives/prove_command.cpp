@@ -105,7 +105,7 @@ int runProve(Session& session, const ProveOptions& options, bool json) {
     const ProofScope scope{{options.accounts.begin(), options.accounts.end()},
                            {options.years.begin(), options.years.end()}};
     proveToEnd(session, scope);
-    const ProofAnswer answer = answerOf(session.model().catalog(), scope);
+    const ProofAnswer answer = answerOf(session.model().mail().catalog, scope);
     if (json)
         printJson(answer);
     else

@@ -108,7 +108,7 @@ void ScanFlow::forgetBeforeScan() {
 ScanJob ScanFlow::makeScanJob() const {
     const MailStore store = mailStoreOf(context_);
     ScanJob job{MailDataScanner{store.context, store.rootPath, {}, {}, {}, nullptr}, {}, store};
-    if (filters_.onlyBeforeCutoff()) job.scanner.maximumYear = filters_.yearCutoff();
+    if (filters_.list().onlyBeforeCutoff) job.scanner.maximumYear = filters_.list().yearCutoff;
     mailstore::AccountScope scope = selectedScope();
     job.scanner.accountURLPrefixes = std::move(scope.urlPrefixes);
     job.scanner.accountNamesByPrefix = std::move(scope.namesByPrefix);

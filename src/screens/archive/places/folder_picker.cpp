@@ -119,7 +119,7 @@ int FolderPicker::rowStartingWith(const QString& text, int from) const {
 void FolderPicker::begin() {
     findPlaces();
     const std::string home = model_.context().platform.realUserHomeDirectory();
-    const auto& present = model_.destinations().transferDestination();
+    const auto& present = model_.archiving().destinations.transferDestination();
     const std::string start = present ? std::string(platform::parentPath(*present)) : home;
     list([start, home](PlaceLooks& looks) {
         FolderListing listing = listWithin(looks, start, [start, home](PlaceLook& look) {
@@ -139,7 +139,7 @@ void FolderPicker::open(const std::string& path) {
 }
 
 int FolderPicker::firstRow() const {
-    const auto& present = model_.destinations().transferDestination();
+    const auto& present = model_.archiving().destinations.transferDestination();
     const bool isHere = present && platform::parentPath(*present) == path_;
     const std::string wanted =
         isHere ? std::string(platform::lastPathComponent(*present)) : proposedFolderName;

@@ -26,8 +26,10 @@ QuickDestinations::QuickDestinations(CorvaneViewModel& model, QObject* parent)
   : RecordListModel(parent)
   , model_(model)
   , detectionTask_(model.context().tasks) {
-    connect(&model.destinations(), &ArchiveDestinations::destinationChanged, this, &QuickDestinations::show);
-    connect(&model.destinations(), &ArchiveDestinations::factsChanged, this, &QuickDestinations::show);
+    connect(&model.archiving().destinations, &ArchiveDestinations::destinationChanged, this,
+            &QuickDestinations::show);
+    connect(&model.archiving().destinations, &ArchiveDestinations::factsChanged, this,
+            &QuickDestinations::show);
     show();
 }
 
@@ -58,33 +60,34 @@ QVariant QuickDestinations::value(const QuickDestination& destination, int role)
 
 bool QuickDestinations::hasQuickDestinations() const {
     return !detectedProviders_.empty() || !detectedVolumes_.empty() ||
-           !model_.destinations().facts().rememberedManualDestinations.empty();
+           !model_.archiving().destinations.facts().rememberedManualDestinations.empty();
 }
 
 // The archive that lies there already, so that a press doesn't begin a second one beside it.
 std::string QuickDestinations::archiveFolderIn(const std::string& place) const {
-    const auto& chosen = model_.destinations().transferDestination();
+    const auto& chosen = model_.archiving().destinations.transferDestination();
     if (chosen && platform::isAtOrBelow(*chosen, place)) return *chosen;
-    for (const ArchiveLocation& location : model_.library().archiveLocations()) {
+    for (const ArchiveLocation& location : model_.library().loader.archiveLocations()) {
         if (location.isConnected && platform::isAtOrBelow(location.rootPath, place)) return location.rootPath;
     }
     return platform::joinPath(place, ownFolderName);
 }
 
 QuickDestination QuickDestinations::rowOf(const CloudStorageProvider& place) const {
-    const auto& chosen = model_.destinations().transferDestination();
+    const auto& chosen = model_.archiving().destinations.transferDestination();
     QuickDestination row;
     row.path = archiveFolderIn(place.path);
     row.name = screens::shownLine(place.name);
     row.detail = screens::shownLine(place.detail.value_or("云盘"));
     row.symbol = QString::fromStdString(place.icon);
     row.isChosen = chosen && platform::isAtOrBelow(*chosen, place.path);
-    row.isConnected = place.hasAnswered && (!row.isChosen || model_.destinations().facts().connected);
+    row.isConnected =
+        place.hasAnswered && (!row.isChosen || model_.archiving().destinations.facts().connected);
     return row;
 }
 
 QuickDestination QuickDestinations::rowOfFolder(const std::string& path) const {
-    const ArchiveDestinations& destinations = model_.destinations();
+    const ArchiveDestinations& destinations = model_.archiving().destinations;
     const bool isChosen = destinations.transferDestination() == path;
     const DestinationFacts facts = isChosen ? destinations.facts() : DestinationFacts();
     const std::optional<std::string> folder = path;
@@ -107,8 +110,9 @@ std::vector<QuickDestination> QuickDestinations::makeRows() const {
         const auto isKnown = [&](const QuickDestination& row) { return row.path == path; };
         if (std::none_of(rows.begin(), rows.end(), isKnown)) rows.push_back(rowOfFolder(path));
     };
-    for (const std::string& path : model_.destinations().facts().rememberedManualDestinations) add(path);
-    if (const auto& chosen = model_.destinations().transferDestination()) add(*chosen);
+    for (const std::string& path : model_.archiving().destinations.facts().rememberedManualDestinations)
+        add(path);
+    if (const auto& chosen = model_.archiving().destinations.transferDestination()) add(*chosen);
     return rows;
 }
 
@@ -146,14 +150,14 @@ void QuickDestinations::refreshDetectedDestinations() {
 
 void QuickDestinations::chooseFolder(const QUrl& folder) {
     if (folder.isLocalFile())
-        model_.destinations().setTransferDestination(folder.toLocalFile().toStdString());
+        model_.archiving().destinations.setTransferDestination(folder.toLocalFile().toStdString());
 }
 
 void QuickDestinations::choose(int row) {
     const QuickDestination* const chosen = record(row);
     if (chosen == nullptr || !chosen->isConnected || chosen->isChosen) return;
     // Copied: the rows are replaced when the destination changes.
-    model_.destinations().setTransferDestination(std::string(chosen->path));
+    model_.archiving().destinations.setTransferDestination(std::string(chosen->path));
 }
 
 } // namespace corvane

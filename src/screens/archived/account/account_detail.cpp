@@ -53,9 +53,9 @@ QString yearsLine(const ArchivedOverviewGroup& group, const ArchivedOverviewStat
 
 } // namespace
 
-AccountDetail::AccountDetail(CorvaneViewModel& model, QObject* parent)
+AccountDetail::AccountDetail(ArchivedMailOpening& opening, QObject* parent)
   : QObject(parent)
-  , model_(model) {}
+  , opening_(opening) {}
 
 void AccountDetail::open(const std::string& key) {
     key_ = key;
@@ -115,7 +115,7 @@ QString AccountDetail::awaitingText() const {
 void AccountDetail::locateOriginal(int row) {
     const ArchivedEntry* entry = rows_.entryAt(row);
     if (entry == nullptr) return;
-    model_.mailOpening().locateOriginalInMail(
+    opening_.locateOriginalInMail(
         entry->record, [detail = QPointer(this)](std::optional<OriginalFailure> failure) {
             if (detail && failure) Q_EMIT detail->failed(screens::wholeText(originalFailureText(*failure)));
         });

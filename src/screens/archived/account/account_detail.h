@@ -7,7 +7,7 @@
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
-#include "model/corvane_view_model.h"
+#include "model/library/opening/archived_mail_opening.h"
 #include "screens/archived/account/account_rows_model.h"
 #include "screens/archived/figures/overview_figures.h"
 
@@ -26,8 +26,8 @@ class AccountDetail : public QObject {
     Q_PROPERTY(corvane::AccountRowsModel* rows READ rows CONSTANT)
 
   public:
-    // The model must outlive it.
-    explicit AccountDetail(CorvaneViewModel& model, QObject* parent = nullptr);
+    // `opening` must outlive it.
+    explicit AccountDetail(ArchivedMailOpening& opening, QObject* parent = nullptr);
 
     // Of the group with that key.
     void open(const std::string& key);
@@ -66,7 +66,7 @@ class AccountDetail : public QObject {
   private:
     void find();
 
-    CorvaneViewModel& model_;
+    ArchivedMailOpening& opening_;
     std::string key_;
     SharedOverview overview_;
     OriginalKnowledge knowledge_ = OriginalKnowledge::loading;

@@ -56,7 +56,7 @@ void DeletionGuide::open(const std::string& key, bool asksMail) {
         const ArchivedOverviewStats::Year& year = stats_->years[number];
         if (year.isCleanable || year.awaitsProof) wantedYears_.push_back(group_->years[number].year);
     }
-    if (asksMail) model_.presence().refreshArchivedOriginalPresenceIfNeeded(true);
+    if (asksMail) model_.library().presence.refreshArchivedOriginalPresenceIfNeeded(true);
     findTargets();
     Q_EMIT changed();
     prove();
@@ -93,7 +93,7 @@ void DeletionGuide::find() {
 std::vector<std::string> DeletionGuide::accountNames() const {
     std::vector<std::string> names;
     if (group_->mailAccounts.size() > 1) {
-        for (const MailAccount& account : model_.accounts().availableAccounts()) {
+        for (const MailAccount& account : model_.mail().accounts.availableAccounts()) {
             if (group_->mailAccounts.contains(account.urlPrefix))
                 names.push_back(account.distinguishedLabel());
         }
@@ -118,8 +118,8 @@ void DeletionGuide::findTargets() {
 
 bool DeletionGuide::isComparing() const {
     using enum OriginalKnowledge;
-    return isProving() || model_.presence().archivedOriginalPresenceChecking() || knowledge_ == checking ||
-           knowledge_ == waiting || knowledge_ == scanning;
+    return isProving() || model_.library().presence.archivedOriginalPresenceChecking() ||
+           knowledge_ == checking || knowledge_ == waiting || knowledge_ == scanning;
 }
 
 void DeletionGuide::prove() {
@@ -127,11 +127,12 @@ void DeletionGuide::prove() {
     ProofScope scope;
     scope.accountPrefixes = {group_->mailAccounts.begin(), group_->mailAccounts.end()};
     scope.years = {wantedYears_.begin(), wantedYears_.end()};
-    if (!scope.accountPrefixes.empty() && !scope.years.empty()) model_.proof().prove(std::move(scope));
+    if (!scope.accountPrefixes.empty() && !scope.years.empty())
+        model_.archiving().proof.prove(std::move(scope));
 }
 
 double DeletionGuide::fraction() const {
-    const auto& progress = model_.proof().progress();
+    const auto& progress = model_.archiving().proof.progress();
     if (!progress || progress->total == 0) return 0;
     return static_cast<double>(progress->completed) / static_cast<double>(progress->total);
 }
@@ -146,16 +147,16 @@ QString DeletionGuide::proofLine() const {
     if (isProving()) return QStringLiteral("逐字节对照归档副本，全部一致才给出条件。");
     if (isComparing()) return QStringLiteral("正在对照 Mail 中的原件状态");
     if (targets_.empty()) return QStringLiteral("核对之后有年份可以清理时，这里给出条件。");
-    const auto& checkedAt = model_.presence().presence()->checkedAt;
+    const auto& checkedAt = model_.library().presence.presence()->checkedAt;
     QString line = QStringLiteral("%1 对照 Mail。之后原件有变动时，这里会先再核对。")
                        .arg(wholeText(formatListDate(checkedAt.value_or(Date()))));
-    if (const auto& scannedAt = model_.scanFlow().cacheLoadedAt())
+    if (const auto& scannedAt = model_.mail().scanFlow.cacheLoadedAt())
         line += QStringLiteral("Mail 数据更新于 %1。").arg(wholeText(formatListDate(*scannedAt)));
     return line;
 }
 
 QString DeletionGuide::proofCount() const {
-    const auto& progress = model_.proof().progress();
+    const auto& progress = model_.archiving().proof.progress();
     if (!progress) return {};
     return QStringLiteral("%1 / %2").arg(screens::shownCount(progress->completed),
                                          screens::shownCount(progress->total));

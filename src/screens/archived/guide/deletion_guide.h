@@ -57,7 +57,7 @@ class DeletionGuide : public QObject {
 
     [[nodiscard]] bool isComparing() const;
 
-    [[nodiscard]] bool isProving() const { return model_.proof().isProving(); }
+    [[nodiscard]] bool isProving() const { return model_.archiving().proof.isProving(); }
 
     [[nodiscard]] double fraction() const;
 
@@ -90,7 +90,7 @@ class DeletionGuide : public QObject {
     Q_INVOKABLE void openMail();
     Q_INVOKABLE void prove();
 
-    Q_INVOKABLE void cancelProof() { model_.proof().cancel(); }
+    Q_INVOKABLE void cancelProof() { model_.archiving().proof.cancel(); }
 
   Q_SIGNALS:
     void changed();

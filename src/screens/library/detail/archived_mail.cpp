@@ -63,20 +63,21 @@ ArchivedMail::ArchivedMail(CorvaneViewModel& model, QObject* parent)
   : QObject(parent)
   , model_(model)
   , arrangeTask_(model.context().tasks) {
-    connect(&model.library(), &LibraryLoader::archiveLocationsChanged, this, [this] {
+    connect(&model.library().loader, &LibraryLoader::archiveLocationsChanged, this, [this] {
         Q_EMIT changed();
         Q_EMIT bodyChanged();
     });
-    connect(&model.library(), &LibraryLoader::archivedFilesChanged, this, [this] {
+    connect(&model.library().loader, &LibraryLoader::archivedFilesChanged, this, [this] {
         Q_EMIT changed();
         Q_EMIT bodyChanged();
     });
-    connect(&model.mailOpening(), &ArchivedMailOpening::changed, this, &ArchivedMail::changed);
-    connect(&model.bodyTexts(), &BodyTexts::bodyIndexProgressChanged, this, &ArchivedMail::bodyChanged);
-    connect(&model.bodyTexts(), &BodyTexts::bodyIndexFinished, this, [this] {
+    connect(&model.library().mailOpening, &ArchivedMailOpening::changed, this, &ArchivedMail::changed);
+    connect(&model.library().bodyTexts, &BodyTexts::bodyIndexProgressChanged, this,
+            &ArchivedMail::bodyChanged);
+    connect(&model.library().bodyTexts, &BodyTexts::bodyIndexFinished, this, [this] {
         if (text_ && text_->empty()) load();
     });
-    connect(&model.libraryList(), &LibraryListFlow::searchChanged, this, [this] {
+    connect(&model.library().list, &LibraryListFlow::searchChanged, this, [this] {
         if (text_) arrange();
     });
 }
@@ -107,10 +108,11 @@ void ArchivedMail::load() {
     const auto isWanted = [self = QPointer(this), load = std::weak_ptr(load_)] {
         return self && !load.expired();
     };
-    model_.bodyTexts().prepareIndexedBody(*entry_, [this, isWanted](const std::optional<std::string>& text) {
-        if (isWanted()) handleText(text);
-    });
-    model_.bodyTexts().ccRecipients(*entry_, [this, isWanted](const std::optional<std::string>& cc) {
+    model_.library().bodyTexts.prepareIndexedBody(*entry_,
+                                                  [this, isWanted](const std::optional<std::string>& text) {
+                                                      if (isWanted()) handleText(text);
+                                                  });
+    model_.library().bodyTexts.ccRecipients(*entry_, [this, isWanted](const std::optional<std::string>& cc) {
         if (!isWanted() || !cc) return;
         ccRecipients_ = screens::shownLine(*cc, recipientsLimit);
         Q_EMIT changed();
@@ -152,7 +154,7 @@ void ArchivedMail::showAllRecipients() {
 }
 
 void ArchivedMail::prepareTexts() {
-    model_.bodyTexts().rebuildBodyTextIndex(false);
+    model_.library().bodyTexts.rebuildBodyTextIndex(false);
 }
 
 ArchivedMail::BodyState ArchivedMail::bodyState() const {
@@ -161,7 +163,7 @@ ArchivedMail::BodyState ArchivedMail::bodyState() const {
     const FileState file = fileState();
     if (file == FileState::Gone) return BodyState::Lost;
     if (file == FileState::Unplugged) return isOnDisk() ? BodyState::DiskAway : BodyState::PlaceAway;
-    if (model_.bodyTexts().bodyIndexProgress()) return BodyState::Preparing;
+    if (model_.library().bodyTexts.bodyIndexProgress()) return BodyState::Preparing;
     return file == FileState::Unknown ? BodyState::NotLooked : BodyState::Unavailable;
 }
 
@@ -170,7 +172,7 @@ BodyNote ArchivedMail::bodyNote() const {
 }
 
 const ArchiveLocation* ArchivedMail::place() const {
-    return entry_ ? model_.library().location(entry_->locationRootPath) : nullptr;
+    return entry_ ? model_.library().loader.location(entry_->locationRootPath) : nullptr;
 }
 
 bool ArchivedMail::isOnDisk() const {
@@ -179,7 +181,7 @@ bool ArchivedMail::isOnDisk() const {
 }
 
 ArchivedMail::FileState ArchivedMail::fileState() const {
-    return entry_ ? stateOfFile(model_.library(), *entry_) : FileState::Unknown;
+    return entry_ ? stateOfFile(model_.library().loader, *entry_) : FileState::Unknown;
 }
 
 ArchivedMail::FileState ArchivedMail::stateOfFile(const LibraryLoader& library, const ArchivedEntry& entry) {
@@ -224,7 +226,7 @@ QString ArchivedMail::placeName() const {
     if (!entry_) return {};
     if (const auto provider = cloudProviderName(entry_->locationRootPath))
         return screens::shownLine(*provider);
-    return screens::archivePlaceName(model_.library(), entry_->locationRootPath);
+    return screens::archivePlaceName(model_.library().loader, entry_->locationRootPath);
 }
 
 QString ArchivedMail::placeSymbol() const {
@@ -276,7 +278,7 @@ QString ArchivedMail::stateSymbol() const {
 }
 
 bool ArchivedMail::isOpening() const {
-    return entry_ && model_.mailOpening().openingArchiveID() == entry_->id();
+    return entry_ && model_.library().mailOpening.openingArchiveID() == entry_->id();
 }
 
 QString ArchivedMail::openTitle() const {

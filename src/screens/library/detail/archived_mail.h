@@ -145,7 +145,7 @@ class ArchivedMail : public QObject {
     void arrange();
     [[nodiscard]] bool isOnDisk() const;
 
-    [[nodiscard]] const std::string& query() const { return model_.libraryList().debouncedQuery(); }
+    [[nodiscard]] const std::string& query() const { return model_.library().list.debouncedQuery(); }
 
     [[nodiscard]] const ArchiveLocation* place() const;
 

@@ -43,8 +43,10 @@ AttachmentTiles::AttachmentTiles(CorvaneViewModel& model, QObject* parent)
     prepareDelay_.setSingleShot(true);
     prepareDelay_.setInterval(lookPause);
     connect(&prepareDelay_, &QTimer::timeout, this, &AttachmentTiles::prepareAll);
-    connect(&model.attachments(), &AttachmentFlow::savingChanged, this, &AttachmentTiles::savingChanged);
-    connect(&model.attachments(), &AttachmentFlow::savingEnded, this, &AttachmentTiles::handleSavingEnd);
+    connect(&model.library().attachments, &AttachmentFlow::savingChanged, this,
+            &AttachmentTiles::savingChanged);
+    connect(&model.library().attachments, &AttachmentFlow::savingEnded, this,
+            &AttachmentTiles::handleSavingEnd);
 }
 
 int AttachmentTiles::rowCount(const QModelIndex& parent) const {
@@ -100,7 +102,7 @@ void AttachmentTiles::prepareAll() {
 
 void AttachmentTiles::prepare(int row) {
     setState(row, State::preparing);
-    model_.attachments().prepareAttachment(
+    model_.library().attachments.prepareAttachment(
         tiles_[static_cast<std::size_t>(row)].attachment,
         [self = QPointer(this), row, generation = generation_](const auto& path) {
             if (self && self->isPresent(generation)) self->handlePrepared(row, path);
@@ -111,7 +113,7 @@ void AttachmentTiles::handlePrepared(int row, const std::expected<std::string, s
     Tile& tile = tiles_[static_cast<std::size_t>(row)];
     if (path) {
         tile.path = QString::fromStdString(*path);
-        model_.attachments().makeThumbnail(
+        model_.library().attachments.makeThumbnail(
             *path, pictureEdge,
             [self = QPointer(this), row, generation = generation_](const Thumbnail& made) {
                 if (!self || !self->isPresent(generation)) return;
@@ -127,7 +129,7 @@ void AttachmentTiles::handlePrepared(int row, const std::expected<std::string, s
 void AttachmentTiles::open(int row) {
     if (row < 0 || row >= rowCount() || tiles_[static_cast<std::size_t>(row)].state == State::opening) return;
     setState(row, State::opening);
-    model_.attachments().openAttachment(
+    model_.library().attachments.openAttachment(
         tiles_[static_cast<std::size_t>(row)].attachment,
         [self = QPointer(this), row, generation = generation_](const auto& note) {
             if (!self || !self->isPresent(generation)) return;
@@ -153,7 +155,7 @@ QString AttachmentTiles::fileName(int row) const {
 void AttachmentTiles::save(int row, const QString& folder, const QString& name) {
     if (row < 0 || row >= rowCount()) return;
     const std::string fileName = archive::portableFileName(name.toStdString());
-    model_.attachments().saveAttachment(
+    model_.library().attachments.saveAttachment(
         tiles_[static_cast<std::size_t>(row)].attachment, platform::joinPath(folder.toStdString(), fileName),
         [self = QPointer(this)](const auto& saved) {
             if (self)
@@ -163,11 +165,12 @@ void AttachmentTiles::save(int row, const QString& folder, const QString& name) 
 }
 
 void AttachmentTiles::saveAll(const QString& folder) {
-    if (!all_.empty() && !isSaving()) model_.attachments().saveAttachments(all_, folder.toStdString());
+    if (!all_.empty() && !isSaving())
+        model_.library().attachments.saveAttachments(all_, folder.toStdString());
 }
 
 void AttachmentTiles::handleSavingEnd() {
-    const auto& outcome = model_.attachments().savingOutcome();
+    const auto& outcome = model_.library().attachments.savingOutcome();
     if (!outcome) return;
     if (!*outcome) {
         Q_EMIT noticed(screens::shownLine(outcome->error()));
@@ -184,7 +187,7 @@ void AttachmentTiles::handleSavingEnd() {
 }
 
 QString AttachmentTiles::savingText() const {
-    const auto& progress = model_.attachments().savingProgress();
+    const auto& progress = model_.library().attachments.savingProgress();
     if (!progress) return {};
     return QStringLiteral("正在存储 %1 / %2")
         .arg(screens::shownCount(progress->done), screens::shownCount(progress->total));

@@ -62,9 +62,9 @@ class AttachmentTiles : public QAbstractListModel {
     // The name of its file, as every system takes it; empty for a row that isn't there.
     Q_INVOKABLE [[nodiscard]] QString fileName(int row) const;
 
-    Q_INVOKABLE void cancelSaving() { model_.attachments().cancelSaving(); }
+    Q_INVOKABLE void cancelSaving() { model_.library().attachments.cancelSaving(); }
 
-    [[nodiscard]] bool isSaving() const { return model_.attachments().savingProgress().has_value(); }
+    [[nodiscard]] bool isSaving() const { return model_.library().attachments.savingProgress().has_value(); }
 
     // "正在存储 2 / 5"; empty when nothing is being saved.
     [[nodiscard]] QString savingText() const;

@@ -41,15 +41,16 @@ RemovalQuestion::RemovalQuestion(CorvaneViewModel& model, QObject* parent)
   , model_(model)
   , listTask_(model.context().tasks)
   , reportTask_(model.context().tasks) {
-    connect(&model.removal(), &ArchiveRemovalFlow::removalEnded, this, &RemovalQuestion::handleEnd);
-    connect(&model.presence(), &PresenceFlow::presenceChanged, this, [this] {
+    connect(&model.library().removal, &ArchiveRemovalFlow::removalEnded, this, &RemovalQuestion::handleEnd);
+    connect(&model.library().presence, &PresenceFlow::presenceChanged, this, [this] {
         if (step_ == Step::Asking) makeList();
     });
-    connect(&model.library(), &LibraryLoader::archiveLocationsChanged, this, &RemovalQuestion::changed);
+    connect(&model.library().loader, &LibraryLoader::archiveLocationsChanged, this,
+            &RemovalQuestion::changed);
 }
 
 void RemovalQuestion::ask(SharedLibraryList list, std::vector<EntryPosition> entries) {
-    if (entries.empty() || step_ == Step::Removing || model_.removal().isRemoving()) return;
+    if (entries.empty() || step_ == Step::Removing || model_.library().removal.isRemoving()) return;
     asked_ = {std::move(list), std::move(entries)};
     makeList();
 }
@@ -61,12 +62,12 @@ void RemovalQuestion::makeList() {
     };
 
     listTask_.start(
-        TaskPriority::userInitiated, Job{asked_, model_.presence().presence()},
+        TaskPriority::userInitiated, Job{asked_, model_.library().presence.presence()},
         [](const Job& job, const TaskHandle&) {
             return removalList(*job.asked.list, job.asked.entries, *job.presence);
         },
         [this](RemovalList made) {
-            if (model_.removal().isRemoving()) return;
+            if (model_.library().removal.isRemoving()) return;
             // A tick is for what it was given for.
             const bool isSame = made.missing == list_.missing && made.unknown == list_.unknown;
             isTicked_ = isTicked_ && isSame && step_ == Step::Asking;
@@ -79,7 +80,7 @@ void RemovalQuestion::makeList() {
 
 void RemovalQuestion::accept() {
     if (step_ != Step::Asking || !canAccept()) return;
-    isOurs_ = model_.removal().deleteArchivedEntries(list_.entries);
+    isOurs_ = model_.library().removal.deleteArchivedEntries(list_.entries);
     if (isOurs_) setStep(Step::Removing);
 }
 
@@ -91,7 +92,7 @@ void RemovalQuestion::close() {
 
 void RemovalQuestion::handleEnd() {
     if (!std::exchange(isOurs_, false)) return;
-    const auto& end = model_.removal().lastEnd();
+    const auto& end = model_.library().removal.lastEnd();
     if (!end || end->failures.empty()) return setStep(Step::Closed);
 
     struct Job {
@@ -121,7 +122,7 @@ void RemovalQuestion::setTicked(bool ticked) {
 
 bool RemovalQuestion::isConnected() const {
     return std::ranges::all_of(list_.roots, [&](const std::string& root) {
-        const ArchiveLocation* location = model_.library().location(root);
+        const ArchiveLocation* location = model_.library().loader.location(root);
         return location == nullptr || location->isConnected;
     });
 }
@@ -134,7 +135,7 @@ bool RemovalQuestion::canAccept() const {
 QString RemovalQuestion::title() const {
     if (step_ != Step::Failed)
         return QStringLiteral("从归档里删除 %1 封邮件？").arg(screens::shownCount(count()));
-    const auto& end = *model_.removal().lastEnd();
+    const auto& end = *model_.library().removal.lastEnd();
     return QStringLiteral("删除了 %1 封，%2 封没有删掉")
         .arg(screens::shownCount(std::ssize(end.removedIDs)), screens::shownCount(std::ssize(end.failures)));
 }
@@ -143,7 +144,7 @@ QString RemovalQuestion::line() const {
     if (step_ == Step::Failed) return failedLine();
     QStringList places;
     for (const std::string& root : list_.roots)
-        places += u'「' + screens::archivePlaceName(model_.library(), root) + u'」';
+        places += u'「' + screens::archivePlaceName(model_.library().loader, root) + u'」';
     return QStringLiteral("%1 封，共 %2，在%3里。Mail 里的邮件不会改动。")
         .arg(screens::shownCount(count()), sizeText(list_.bytes), places.join(u'、'));
 }
@@ -205,12 +206,12 @@ QString RemovalQuestion::note() const {
 }
 
 int RemovalQuestion::failedCount() const {
-    const auto& end = model_.removal().lastEnd();
+    const auto& end = model_.library().removal.lastEnd();
     return end ? static_cast<int>(end->failures.size()) : 0;
 }
 
 QVariantList RemovalQuestion::figures() const {
-    const auto& end = model_.removal().lastEnd();
+    const auto& end = model_.library().removal.lastEnd();
     if (step_ != Step::Failed || !end) return {};
     const auto figure = [](const char16_t* label, std::int64_t number, const QString& line,
                            const char16_t* tone) {

@@ -52,9 +52,9 @@ std::vector<std::string> shownAttachments(const ArchivedEmailRecord& record) {
 
 } // namespace
 
-LibraryRowModel::LibraryRowModel(CorvaneViewModel& model, RowTexts& texts, QObject* parent)
+LibraryRowModel::LibraryRowModel(LibraryComponents& library, RowTexts& texts, QObject* parent)
   : RowListModel(parent)
-  , model_(model)
+  , library_(library)
   , texts_(texts)
   , content_{LibraryList::make({ArchiveLibraryIndex::make({})}), std::make_shared<const LibraryRows>()} {
     connect(&texts, &RowTexts::changed, this, [this] {
@@ -184,7 +184,7 @@ QString LibraryRowModel::secondLine(const LibraryRow& row) const {
 }
 
 QVariantList LibraryRowModel::piecesOf(const LibraryRow& row, int role) const {
-    const std::string& query = model_.libraryList().debouncedQuery();
+    const std::string& query = library_.list.debouncedQuery();
     if (query.empty()) return {};
     if (role == TitlePiecesRole) return screens::markedLine(title(row).toStdString(), query);
     const bool isMember = row.kind == Kind::member;
@@ -212,9 +212,9 @@ std::int64_t LibraryRowModel::bytes(const LibraryRow& row) const {
 }
 
 QString LibraryRowModel::placeSymbol(const ArchivedEntry& entry) const {
-    const ArchiveLocation* place = model_.library().location(entry.locationRootPath);
+    const ArchiveLocation* place = library_.loader.location(entry.locationRootPath);
     if (place == nullptr) return {};
-    const FileState state = ArchivedMail::stateOfFile(model_.library(), entry);
+    const FileState state = ArchivedMail::stateOfFile(library_.loader, entry);
     if (state == FileState::Unplugged) return QStringLiteral("externaldrive.badge.questionmark");
     if (state == FileState::Gone) return QStringLiteral("octagon-x");
     if (state == FileState::InCloud) return QStringLiteral("icloud.and.arrow.down");
@@ -222,7 +222,7 @@ QString LibraryRowModel::placeSymbol(const ArchivedEntry& entry) const {
 }
 
 bool LibraryRowModel::isTall(const LibraryRow& row) const {
-    const std::string& query = model_.libraryList().debouncedQuery();
+    const std::string& query = library_.list.debouncedQuery();
     if (query.empty() || row.kind != Kind::single) return false;
     const ArchivedEmailRecord& record = entry(row).record;
     return mime::needsBodySnippet(query, record.subject, record.sender, shownAttachments(record));
@@ -233,7 +233,7 @@ QString LibraryRowModel::spokenName(const LibraryRow& row) const {
     if (row.kind == Kind::thread) {
         parts += screens::shownMessageCount(group(row).count);
         parts += row.isOpen ? QStringLiteral("已展开") : QStringLiteral("已收起");
-    } else if (const FileState state = ArchivedMail::stateOfFile(model_.library(), entry(row));
+    } else if (const FileState state = ArchivedMail::stateOfFile(library_.loader, entry(row));
                state == FileState::Gone) {
         parts += QStringLiteral("归档文件不见了");
     } else if (state == FileState::Unplugged) {

@@ -8,7 +8,7 @@
 #include <QtQml/qqmlregistration.h>
 
 #include "library/library_selection.h"
-#include "model/corvane_view_model.h"
+#include "model/components/library_components.h"
 #include "screens/library/rows/library_rows.h"
 #include "screens/library/rows/row_texts.h"
 #include "screens/lists/row_list_model.h"
@@ -40,7 +40,7 @@ class LibraryRowModel : public RowListModel {
     };
 
     // Both must outlive it.
-    LibraryRowModel(CorvaneViewModel& model, RowTexts& texts, QObject* parent = nullptr);
+    LibraryRowModel(LibraryComponents& library, RowTexts& texts, QObject* parent = nullptr);
 
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
@@ -92,7 +92,7 @@ class LibraryRowModel : public RowListModel {
         return content_.list->groups.view().groups[row.group];
     }
 
-    CorvaneViewModel& model_;
+    LibraryComponents& library_;
     RowTexts& texts_;
     RowsOfList content_;
     LibrarySelection shown_;

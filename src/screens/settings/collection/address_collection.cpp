@@ -41,14 +41,14 @@ void AddressCollection::open(const QString& accountKey) {
     const bool isGroup = key.starts_with(userGroupPrefix);
     formerName_ = isGroup ? key.substr(userGroupPrefix.size()) : std::string();
     const ArchiveAddressCollectionEdit edit =
-        isGroup ? addressCollection(model_.accountRules().archiveAccountMergeRules(), formerName_)
+        isGroup ? addressCollection(model_.library().accountRules.archiveAccountMergeRules(), formerName_)
                 : ArchiveAddressCollectionEdit();
     name_ = screens::wholeText(formerName_);
     baseKeys_ = edit.baseKeys;
     texts_ = edit.addresses;
     if (!isGroup && !key.empty()) {
         baseKeys_ = {key};
-        name_ = screens::wholeText(model_.libraryIndex().index()->accountTitle(key).value_or(""));
+        name_ = screens::wholeText(model_.library().index.index()->accountTitle(key).value_or(""));
     }
     isOpen_ = true;
     preview_.reset();
@@ -107,9 +107,9 @@ void AddressCollection::handleEdit() {
 }
 
 void AddressCollection::count() {
-    CollectionQuestion question{.entries = model_.library().archivedEntries(),
-                                .availableAccounts = model_.accounts().availableAccounts(),
-                                .rules = model_.accountRules().archiveAccountMergeRules(),
+    CollectionQuestion question{.entries = model_.library().loader.archivedEntries(),
+                                .availableAccounts = model_.mail().accounts.availableAccounts(),
+                                .rules = model_.library().accountRules.archiveAccountMergeRules(),
                                 .formerName = formerName_,
                                 .edit = {.id = {}, .title = {}, .baseKeys = baseKeys_, .addresses = texts_}};
     task_.start(
@@ -181,8 +181,9 @@ QVariantList AddressCollection::sources() const {
 
 bool AddressCollection::isNameTaken() const {
     const std::string name = name_.trimmed().toStdString();
-    return name != formerName_ && std::ranges::any_of(model_.accountRules().archiveAccountMergeRules(),
-                                                      [&](const auto& rule) { return rule.second == name; });
+    return name != formerName_ &&
+           std::ranges::any_of(model_.library().accountRules.archiveAccountMergeRules(),
+                               [&](const auto& rule) { return rule.second == name; });
 }
 
 QString AddressCollection::note() const {
@@ -198,14 +199,14 @@ void AddressCollection::save() {
         .id = {}, .title = name_.trimmed().toStdString(), .baseKeys = baseKeys_, .addresses = texts_};
     const std::string former = formerName_;
     close();
-    model_.accountRules().replaceArchiveAccountGroup(former, edit);
+    model_.library().accountRules.replaceArchiveAccountGroup(former, edit);
 }
 
 void AddressCollection::removeGroup() {
     if (!isExisting()) return;
     const std::string former = formerName_;
     close();
-    model_.accountRules().removeArchiveAccountGroup(former);
+    model_.library().accountRules.removeArchiveAccountGroup(former);
 }
 
 } // namespace corvane

@@ -35,14 +35,14 @@ Activity::Activity(CorvaneViewModel& model, std::chrono::milliseconds loadPatien
     pause_.setSingleShot(true);
     pause_.setInterval(changePause);
     connect(&pause_, &QTimer::timeout, this, [this] { show(present()); });
-    connect(&model.scanFlow(), &ScanFlow::stateChanged, this, &Activity::update);
-    connect(&model.catalog(), &MessageCatalog::summaryChanged, this, &Activity::update);
-    connect(&model.archiveRun(), &ArchiveRunFlow::progressChanged, this, &Activity::update);
-    connect(&model.bodyTexts(), &BodyTexts::bodyIndexProgressChanged, this, &Activity::update);
-    connect(&model.proof(), &ProofFlow::progressChanged, this, &Activity::update);
-    connect(&model.placeJobs(), &PlaceJobs::changed, this, &Activity::update);
-    connect(&model.library(), &LibraryLoader::loadStarted, this, &Activity::handleLoadStart);
-    connect(&model.library(), &LibraryLoader::loadFinished, this, &Activity::update);
+    connect(&model.mail().scanFlow, &ScanFlow::stateChanged, this, &Activity::update);
+    connect(&model.mail().catalog, &MessageCatalog::summaryChanged, this, &Activity::update);
+    connect(&model.archiving().archiveRun, &ArchiveRunFlow::progressChanged, this, &Activity::update);
+    connect(&model.library().bodyTexts, &BodyTexts::bodyIndexProgressChanged, this, &Activity::update);
+    connect(&model.archiving().proof, &ProofFlow::progressChanged, this, &Activity::update);
+    connect(&model.archiving().placeJobs, &PlaceJobs::changed, this, &Activity::update);
+    connect(&model.library().loader, &LibraryLoader::loadStarted, this, &Activity::handleLoadStart);
+    connect(&model.library().loader, &LibraryLoader::loadFinished, this, &Activity::update);
     handleLoadStart();
 }
 
@@ -53,7 +53,7 @@ void Activity::handleLoadStart() {
 }
 
 bool Activity::loadLasts() const {
-    return model_.library().isLoading() && loadClock_.elapsed() >= loadPatience_.count();
+    return model_.library().loader.isLoading() && loadClock_.elapsed() >= loadPatience_.count();
 }
 
 Activity::State Activity::placeWork(const PlaceJobs::Job& job) {
@@ -68,22 +68,23 @@ Activity::State Activity::placeWork(const PlaceJobs::Job& job) {
 
 Activity::State Activity::present() const {
     const QString home = screens::textsOf(SidebarPlace::home).key;
-    if (model_.archiveRun().isArchiving()) {
+    if (model_.archiving().archiveRun.isArchiving()) {
         const EmailArchiveProgress progress =
-            model_.archiveRun().emailArchiveProgress().value_or(EmailArchiveProgress());
+            model_.archiving().archiveRun.emailArchiveProgress().value_or(EmailArchiveProgress());
         return {QStringLiteral("正在归档"), figureOf(progress), home, progress.fraction(), false};
     }
-    if (model_.scanFlow().state().isScanning()) {
+    if (model_.mail().scanFlow.state().isScanning()) {
         // Of the first messages nothing is known for a while.
-        const std::int64_t scanned = model_.catalog().summary().scannedMessages;
+        const std::int64_t scanned = model_.mail().catalog.summary().scannedMessages;
         return {QStringLiteral("正在扫描 Mail…"),
                 scanned > 0 ? screens::shownMessageCount(scanned) : QString(), home, 0, true};
     }
-    if (const auto& progress = model_.bodyTexts().bodyIndexProgress())
+    if (const auto& progress = model_.library().bodyTexts.bodyIndexProgress())
         return {QStringLiteral("正在准备正文预览"), figureOf(*progress), home, progress->fraction(), false};
-    if (const auto& progress = model_.proof().progress())
+    if (const auto& progress = model_.archiving().proof.progress())
         return {QStringLiteral("正在逐字节核对"), figureOf(*progress), home, fractionOf(*progress), false};
-    if (!model_.placeJobs().jobs().empty()) return placeWork(model_.placeJobs().jobs().front());
+    if (!model_.archiving().placeJobs.jobs().empty())
+        return placeWork(model_.archiving().placeJobs.jobs().front());
     if (loadLasts()) return {QStringLiteral("正在读取归档库"), {}, home, 0, true};
     return {};
 }
