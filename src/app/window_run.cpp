@@ -1,6 +1,8 @@
 #include "app/window_run.h"
 
+#include <memory>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include <QGuiApplication>
@@ -79,6 +81,44 @@ void raiseWindow(QQuickWindow& window) {
     window.requestActivate();
 }
 
+// Once, when the window has been painted for the first time.
+template <class Reaction>
+void onFirstFrame(QQuickWindow& shown, QObject& receiver, Reaction reaction) {
+    QObject::connect(&shown, &QQuickWindow::frameSwapped, &receiver, std::move(reaction),
+                     // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): a flag joined to a kind
+                     static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+}
+
+// Addresses come from later starts of the program and from the system.
+void connectAddresses(WindowModel& window, QQuickWindow& shown, const SingleInstance& instance,
+                      const OpenRequests& requests) {
+    const auto open = [&window, &shown](const QString& address) {
+        raiseWindow(shown);
+        window.openAddress(address);
+    };
+    QObject::connect(&instance, &SingleInstance::requested, &window, open);
+    QObject::connect(&requests, &OpenRequests::requested, &window, open);
+}
+
+// The window ends, to be opened again over the mail that the user chose.
+void connectOtherMail(WindowModel& window, WindowOutcome& outcome) {
+    const auto reopen = [&outcome](const QString& home) {
+        outcome.reopenHome = home.toStdString();
+        QCoreApplication::quit();
+    };
+    QObject::connect(window.sampleStore(), &SampleStore::ready, &window, reopen);
+    QObject::connect(window.otherMail(), &OtherMail::ready, &window, reopen);
+}
+
+// Nobody is there to be asked: the run at work is ended in good order, then the program.
+void connectQuitSignals(WindowModel& window, const QSocketNotifier& notifier, int quitSignals) {
+    QObject::connect(&notifier, &QSocketNotifier::activated, &window, [&window, quitSignals] {
+        platform::drainQuitSignals(quitSignals);
+        QObject::connect(&window, &WindowModel::stopped, qApp, &QCoreApplication::quit);
+        window.stopArchiving();
+    });
+}
+
 } // namespace
 
 WindowOutcome runWindow(const WindowOptions& options) {
@@ -101,37 +141,19 @@ WindowOutcome runWindow(const WindowOptions& options) {
         loadWindow(engine, QStringLiteral("Main"), {{QStringLiteral("app"), QVariant::fromValue(&window)}});
     if (shown == nullptr) return {EXIT_FAILURE, std::nullopt};
     WindowFrame frame(*shown, context.settings);
-    // Nothing large happens before the first frame.
-    QObject::connect(shown, &QQuickWindow::frameSwapped, &window, &WindowModel::startUp,
-                     // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): a flag joined to a kind
-                     static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
     LeftoverRemoval leftovers(context);
-    QObject::connect(
-        shown, &QQuickWindow::frameSwapped, &window, [&leftovers] { leftovers.start(); },
-        // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): a flag joined to a kind
-        static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+    // Nothing large happens before it.
+    onFirstFrame(*shown, window, [&] {
+        window.startUp();
+        leftovers.start();
+    });
     shown->show();
 
-    const auto openForward = [&](const QString& address) {
-        raiseWindow(*shown);
-        window.openAddress(address);
-    };
-    QObject::connect(&instance, &SingleInstance::requested, &window, openForward);
     const OpenRequests openRequests;
-    QObject::connect(&openRequests, &OpenRequests::requested, &window, openForward);
-    const auto reopen = [&](const QString& home) {
-        outcome.reopenHome = home.toStdString();
-        QCoreApplication::quit();
-    };
-    QObject::connect(window.sampleStore(), &SampleStore::ready, &window, reopen);
-    QObject::connect(window.otherMail(), &OtherMail::ready, &window, reopen);
-    // Nobody is there to be asked: the run at work is ended in good order, then the program.
-    QSocketNotifier quitRequests(options.quitSignals, QSocketNotifier::Read);
-    QObject::connect(&quitRequests, &QSocketNotifier::activated, &window, [&] {
-        platform::drainQuitSignals(options.quitSignals);
-        QObject::connect(&window, &WindowModel::stopped, qApp, &QCoreApplication::quit);
-        window.stopArchiving();
-    });
+    connectAddresses(window, *shown, instance, openRequests);
+    connectOtherMail(window, outcome);
+    const QSocketNotifier quitRequests(options.quitSignals, QSocketNotifier::Read);
+    connectQuitSignals(window, quitRequests, options.quitSignals);
     window.openAddress(QString::fromStdString(options.address));
     outcome.exitStatus = QGuiApplication::exec();
     frame.remember();

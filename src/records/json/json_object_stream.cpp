@@ -61,21 +61,23 @@ void JsonObjectStream::append(std::string_view text) {
 }
 
 void JsonObjectStream::step(char byte) {
-    switch (state_) {
-    case State::inKey:
-        if (byte == '"') {
-            inString_ = false;
-            state_ = State::colon;
-            return;
-        }
-        isEscaped_ = byte == '\\';
-        return append({&byte, 1});
-    case State::inValue:
-    case State::inList:
-        break;
-    default:
-        if (isBlank(byte)) return;
+    if (state_ == State::inKey) return passKey(byte);
+    if (state_ == State::inValue || state_ == State::inList) return passMark(byte);
+    if (!isBlank(byte)) stepOutside(byte);
+}
+
+void JsonObjectStream::passKey(char byte) {
+    if (byte == '"') {
+        inString_ = false;
+        state_ = State::colon;
+        return;
     }
+    isEscaped_ = byte == '\\';
+    append({&byte, 1});
+}
+
+// Outside of keys and values.
+void JsonObjectStream::stepOutside(char byte) {
     switch (state_) {
     case State::start:
         if (byte != '{') fail("JSON: no object");
@@ -98,9 +100,6 @@ void JsonObjectStream::step(char byte) {
         return;
     case State::value:
         return beginValue(byte);
-    case State::inValue:
-    case State::inList:
-        return passMark(byte);
     case State::afterValue:
         if (byte != ',' && byte != '}') fail("JSON: no comma");
         state_ = byte == ',' ? State::key : State::end;

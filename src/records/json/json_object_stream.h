@@ -45,6 +45,8 @@ class JsonObjectStream {
     enum class State { start, firstKey, key, inKey, colon, value, inValue, inList, afterValue, end };
 
     void step(char byte);
+    void stepOutside(char byte);
+    void passKey(char byte);
     void beginValue(char byte);
     void endValue(char byte);
     void passMark(char byte);

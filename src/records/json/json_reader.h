@@ -74,6 +74,12 @@ class JsonReader {
 
     template <class T>
     T readValue(Value& value, TextSharing sharing);
+    template <class List>
+    List readList(Value& value, TextSharing sharing);
+    template <class Map>
+    Map readTextMap(Value& value, TextSharing sharing);
+    template <class Enum>
+    static Enum readEnum(Value& value);
     template <class Record>
     Record readObject(Value& value);
     template <class Record>
@@ -109,6 +115,43 @@ struct IsTextMap<std::map<std::string, T>> : std::true_type {};
 
 } // namespace json_detail
 
+template <class List>
+List JsonReader::readList(Value& value, TextSharing sharing) {
+    List list;
+    simdjson::ondemand::array array;
+    require(value.get_array().get(array));
+    for (auto element : array) {
+        Value item;
+        require(element.get(item));
+        list.push_back(readValue<typename List::value_type>(item, sharing));
+    }
+    return list;
+}
+
+template <class Map>
+Map JsonReader::readTextMap(Value& value, TextSharing sharing) {
+    Map map;
+    simdjson::ondemand::object object;
+    require(value.get_object().get(object));
+    for (auto field : object) {
+        std::string_view key;
+        require(field.unescaped_key().get(key));
+        std::string name(key);
+        Value item = field.value();
+        map.insert_or_assign(std::move(name), readValue<typename Map::mapped_type>(item, sharing));
+    }
+    return map;
+}
+
+template <class Enum>
+Enum JsonReader::readEnum(Value& value) {
+    const std::string_view name = textOf(value);
+    for (const auto& [entry, text] : JsonEnumForm<Enum>::names) {
+        if (text == name) return entry;
+    }
+    fail("unknown value of an enumeration");
+}
+
 template <class T>
 T JsonReader::readValue(Value& value, TextSharing sharing) {
     if constexpr (json_detail::IsOptional<T>::value) {
@@ -117,35 +160,13 @@ T JsonReader::readValue(Value& value, TextSharing sharing) {
         if (isNull) return std::nullopt;
         return readValue<typename T::value_type>(value, sharing);
     } else if constexpr (json_detail::IsVector<T>::value) {
-        T list;
-        simdjson::ondemand::array array;
-        require(value.get_array().get(array));
-        for (auto element : array) {
-            Value item;
-            require(element.get(item));
-            list.push_back(readValue<typename T::value_type>(item, sharing));
-        }
-        return list;
+        return readList<T>(value, sharing);
     } else if constexpr (json_detail::IsTextMap<T>::value) {
-        T map;
-        simdjson::ondemand::object object;
-        require(value.get_object().get(object));
-        for (auto field : object) {
-            std::string_view key;
-            require(field.unescaped_key().get(key));
-            std::string name(key);
-            Value item = field.value();
-            map.insert_or_assign(std::move(name), readValue<typename T::mapped_type>(item, sharing));
-        }
-        return map;
+        return readTextMap<T>(value, sharing);
     } else if constexpr (HasJsonForm<T>) {
         return readObject<T>(value);
     } else if constexpr (HasJsonEnumForm<T>) {
-        const std::string_view name = textOf(value);
-        for (const auto& [entry, text] : JsonEnumForm<T>::names) {
-            if (text == name) return entry;
-        }
-        fail("unknown value of an enumeration");
+        return readEnum<T>(value);
     } else if constexpr (std::is_same_v<T, SharedText>) {
         return sharedTextOf(value, sharing);
     } else if constexpr (std::is_same_v<T, std::string>) {

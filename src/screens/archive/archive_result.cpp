@@ -94,6 +94,33 @@ QString endTextOf(const EmailArchiveRunResult& result, const ArchiveResultFigure
     return QStringLiteral("%1 · %2").arg(title, figure);
 }
 
+void setLooks(ArchiveResultView& view, const EmailArchiveRunResult& result) {
+    view.isSafe = !result.hasIssues() && !result.wasCancelled;
+    const bool isOnlyCancelled = result.wasCancelled && !result.hasIssues();
+    view.tone = view.isSafe       ? QStringLiteral("safe")
+                : isOnlyCancelled ? QString()
+                                  : QStringLiteral("attention");
+    view.symbol = view.isSafe       ? QStringLiteral("checkmark.shield")
+                  : isOnlyCancelled ? QStringLiteral("info")
+                                    : QStringLiteral("exclamationmark.triangle.fill");
+}
+
+void setIssues(ArchiveResultView& view, const EmailArchiveRunResult& result) {
+    for (const std::string& warning : result.archiveWarnings) view.warnings << screens::wholeText(warning);
+    if (result.failedCount > 0) {
+        view.failureTitle = shownMessageCount(result.failedCount) + QStringLiteral("没有归档");
+        view.failureGroups = failureGroupsShown(result.failures);
+        view.retryTitle = QStringLiteral("再试失败的 %1").arg(shownMessageCount(result.failedCount));
+    }
+    const auto variants = static_cast<qsizetype>(result.variantWarnings.size());
+    if (variants == 0) return;
+    view.variantTitle =
+        shownCount(variants) + QStringLiteral(" 封邮件存在内容不一致的多个副本，已全部保留：");
+    for (qsizetype shown = 0; shown < std::min(variants, shownPerGroup); ++shown)
+        view.variants << screens::shownLine(result.variantWarnings[static_cast<std::size_t>(shown)]);
+    if (variants > shownPerGroup) view.variants << moreText(variants - shownPerGroup);
+}
+
 } // namespace
 
 ArchiveResultFigures ArchiveResultFigures::of(const EmailArchiveRunResult& result, std::int64_t chosen) {
@@ -118,29 +145,10 @@ ArchiveResultView ArchiveResultView::of(const EmailArchiveRunResult& result, std
     const bool hasCopies = figures.archived + figures.skipped > 0;
     view.subtitle = hasCopies ? QStringLiteral("完整邮件已只读备份为 .eml，Mail 未被改动。")
                               : QStringLiteral("没有邮件放入归档库，Mail 未被改动。");
-    view.isSafe = !result.hasIssues() && !result.wasCancelled;
-    const bool isOnlyCancelled = result.wasCancelled && !result.hasIssues();
-    view.tone = view.isSafe       ? QStringLiteral("safe")
-                : isOnlyCancelled ? QString()
-                                  : QStringLiteral("attention");
-    view.symbol = view.isSafe       ? QStringLiteral("checkmark.shield")
-                  : isOnlyCancelled ? QStringLiteral("info")
-                                    : QStringLiteral("exclamationmark.triangle.fill");
+    setLooks(view, result);
     view.endText = endTextOf(result, figures);
     view.tiles = tilesOf(figures, result.archivedBytes, result.wasCancelled);
-    for (const std::string& warning : result.archiveWarnings) view.warnings << screens::wholeText(warning);
-    if (result.failedCount > 0) {
-        view.failureTitle = shownMessageCount(result.failedCount) + QStringLiteral("没有归档");
-        view.failureGroups = failureGroupsShown(result.failures);
-        view.retryTitle = QStringLiteral("再试失败的 %1").arg(shownMessageCount(result.failedCount));
-    }
-    if (const auto variants = static_cast<qsizetype>(result.variantWarnings.size()); variants > 0) {
-        view.variantTitle =
-            shownCount(variants) + QStringLiteral(" 封邮件存在内容不一致的多个副本，已全部保留：");
-        for (qsizetype shown = 0; shown < std::min(variants, shownPerGroup); ++shown)
-            view.variants << screens::shownLine(result.variantWarnings[static_cast<std::size_t>(shown)]);
-        if (variants > shownPerGroup) view.variants << moreText(variants - shownPerGroup);
-    }
+    setIssues(view, result);
     if (figures.notTried > 0) {
         view.restTitle = QStringLiteral("继续剩余 %1").arg(shownMessageCount(figures.notTried));
         view.nextStep = QStringLiteral("剩余的 %1还在未归档里，已写好的不会重写。")
