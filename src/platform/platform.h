@@ -98,13 +98,6 @@ class Platform {
     // The page of the system's settings where the user lets this program read Mail's data; false where the
     // system has none.
     [[nodiscard]] virtual bool openPrivacySettings() const { return false; }
-
-    // A PNG of at most `pixels` at its longer side that shows what is in a file, made in `folder`, which is
-    // there. Its path; absent where the system makes none. Takes up to some seconds.
-    [[nodiscard]] virtual std::optional<std::string>
-    makeThumbnail(const std::string& /*path*/, int /*pixels*/, const std::string& /*folder*/) const {
-        return std::nullopt;
-    }
 };
 
 // The platform of this system. `home` replaces the user's home for the whole run (support folder and settings

@@ -48,14 +48,6 @@ constexpr std::int64_t minimumBytes(TransferSizePreset preset) {
     return static_cast<std::int64_t>(preset);
 }
 
-// Absent for a number that is no preset.
-constexpr std::optional<TransferSizePreset> sizePreset(std::int64_t bytes) {
-    for (const auto preset : allSizePresets) {
-        if (minimumBytes(preset) == bytes) return preset;
-    }
-    return std::nullopt;
-}
-
 // State of the scan; `text` is the line of progress or the failure's message for the user.
 struct MailScanState {
     enum class Kind { idle, scanning, finished, failed };

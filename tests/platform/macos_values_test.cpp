@@ -188,7 +188,6 @@ TEST(MacosCommands, NothingIsOpenedThatIsNeitherAPathNorAnAddress) {
     for (const auto* target : {"-a", "", "relative/path", ":x", "1x:y", "a b:c"})
         EXPECT_FALSE(openCommand(target)) << target;
     EXPECT_FALSE(revealCommand("-a"));
-    EXPECT_EQ(thumbnailPath("/a/b.pdf", "/t"), "/t/b.pdf.png");
 }
 
 // The shell of this system stands for the Mac's: both limit in blocks of the standard.

@@ -96,7 +96,6 @@ bool ArchiveRemovalFlow::deleteArchivedEntries(SharedEntryList entries) {
                     lastEnd_ = std::move(end);
                     Q_EMIT removalEnded();
                 });
-    Q_EMIT removalStarted();
     return true;
 }
 

@@ -53,7 +53,6 @@ class ArchiveRemovalFlow : public QObject {
     [[nodiscard]] const std::optional<ArchiveRemovalEnd>& lastEnd() const { return lastEnd_; }
 
   Q_SIGNALS:
-    void removalStarted();
     // Whatever came of it.
     void removalEnded();
 

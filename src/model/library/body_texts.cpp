@@ -192,7 +192,6 @@ void BodyTexts::startNextIndexing() {
 
 void BodyTexts::finishIndexing(std::int64_t indexed) {
     const BodyIndexRequest request = *std::exchange(runningIndexing_, std::nullopt);
-    ++epoch_;
     if (request.force) {
         indexedBodyMemoryCache_.clear();
         cachedBytes_ = 0;

@@ -79,9 +79,6 @@ class BodyTexts : public QObject {
     // Present while indexes are being filled.
     [[nodiscard]] const std::optional<EmailArchiveProgress>& bodyIndexProgress() const { return progress_; }
 
-    // Raised each time an indexing has ended: what had no text before may have one now.
-    [[nodiscard]] std::int64_t bodyIndexEpoch() const { return epoch_; }
-
   Q_SIGNALS:
     void bodyIndexProgressChanged();
     // An indexing has ended, having handled this many messages.
@@ -109,7 +106,6 @@ class BodyTexts : public QObject {
     std::deque<BodyIndexRequest> waitingIndexing_;
     std::optional<BodyIndexRequest> runningIndexing_;
     std::optional<EmailArchiveProgress> progress_;
-    std::int64_t epoch_ = 0;
     bool repairsAutomatically_ = true;
     std::string lastBodyIndexRepairSignature_;
     TaskGroup answerTasks_;

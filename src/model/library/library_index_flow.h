@@ -29,8 +29,6 @@ class LibraryIndexFlow : public QObject {
     // The index is of what is known now.
     [[nodiscard]] bool isCurrent() const { return index_->input() == inputs_(); }
 
-    [[nodiscard]] bool isBuilding() const { return buildTask_.isRunning(); }
-
     // Makes the index where it isn't current; from here on every change of its inputs makes another.
     void rebuildLibraryIndexIfNeeded();
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "platform/paths.h"
-
 namespace corvane::platform::macos {
 
 namespace {
@@ -38,14 +36,6 @@ std::optional<ProgramCommand> revealCommand(std::string_view path) {
 
 ProgramCommand privacySettingsCommand() {
     return {openProgram, {"x-apple.systempreferences:com.apple.preference.security?Privacy_AllFiles"}};
-}
-
-ProgramCommand thumbnailCommand(const std::string& path, int pixels, const std::string& folder) {
-    return {"/usr/bin/qlmanage", {"-t", "-s", std::to_string(pixels), "-o", folder, path}};
-}
-
-std::string thumbnailPath(const std::string& path, const std::string& folder) {
-    return joinPath(folder, std::string(lastPathComponent(path)) + ".png");
 }
 
 ChildProcessOptions withLimitByShell(const ChildProcessOptions& options) {

@@ -21,10 +21,6 @@ std::optional<ProgramCommand> revealCommand(std::string_view path);
 // The page of the system's settings where the user grants full disk access.
 ProgramCommand privacySettingsCommand();
 
-// Quick Look writes a PNG of at most `pixels` at its longer side to thumbnailPath(path, folder).
-ProgramCommand thumbnailCommand(const std::string& path, int pixels, const std::string& folder);
-std::string thumbnailPath(const std::string& path, const std::string& folder);
-
 // Starts the same program by a shell that first limits the size of the files that it may write, for which
 // posix_spawn(2) has no attribute. The limit is rounded up to the shell's blocks. Needs a limit.
 ChildProcessOptions withLimitByShell(const ChildProcessOptions& options);

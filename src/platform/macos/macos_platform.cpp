@@ -149,15 +149,6 @@ class MacosPlatform final : public Platform {
         return runBriefly(macos::privacySettingsCommand(), desktopPatience);
     }
 
-    [[nodiscard]] std::optional<std::string> makeThumbnail(const std::string& path, int pixels,
-                                                           const std::string& folder) const override {
-        if (!path.starts_with('/')) return std::nullopt;
-        const std::string picture = macos::thumbnailPath(path, folder);
-        runBriefly(macos::thumbnailCommand(path, pixels, folder), desktopPatience);
-        // Its exit status is that of success, whatever came of it.
-        return isRegularFile(picture) ? std::optional(picture) : std::nullopt;
-    }
-
   private:
     std::string home_;
     macos::UserPlaces places_;
