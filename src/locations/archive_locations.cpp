@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include <fmt/format.h>
-
 #include "locations/places/cloud_providers.h"
 #include "platform/files/directory.h"
 #include "platform/paths.h"
@@ -28,16 +26,6 @@ bool volumeMounted(const platform::Platform& platform, const std::string& path) 
 bool isLocationConnected(const platform::Platform& platform, const std::string& rootPath) {
     return platform.removableMountPoint(rootPath) ? volumeMounted(platform, rootPath)
                                                   : platform::fileExists(rootPath);
-}
-
-std::string locationDisplayName(const platform::Platform& platform, const std::string& rootPath) {
-    if (const auto mountPoint = platform.removableMountPoint(rootPath)) {
-        return fmt::format("U 盘 · {}", platform::lastPathComponent(*mountPoint));
-    }
-    const std::string_view name = platform::lastPathComponent(rootPath);
-    const auto provider = cloudProviderName(rootPath);
-    if (!provider) return std::string(name);
-    return name.empty() ? *provider : fmt::format("{} · {}", *provider, name);
 }
 
 ArchiveLocation::Kind locationKind(const platform::Platform& platform, const std::string& rootPath,

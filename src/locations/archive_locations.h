@@ -1,5 +1,5 @@
-// Whether an archive's root can be reached, and what is shown of it. Stateless; all but the name touch a disk
-// and belong on a background task.
+// Whether an archive's root can be reached, and on what kind of place it lies. Stateless; touches disks and
+// belongs on a background task.
 #pragma once
 
 #include <string>
@@ -15,9 +15,6 @@ bool volumeMounted(const platform::Platform& platform, const std::string& path);
 
 // The disk is there for a root on a removable disk, the folder itself for any other.
 bool isLocationConnected(const platform::Platform& platform, const std::string& rootPath);
-
-// The name as shown, of the disk or the provider and the folder. Touches no disk.
-std::string locationDisplayName(const platform::Platform& platform, const std::string& rootPath);
 
 // `connected` is what isLocationConnected() gives: the volume of a root that can't be reached isn't asked
 // for.

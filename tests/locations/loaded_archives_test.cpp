@@ -9,6 +9,7 @@
 #include "locations/archive_samples.h"
 #include "locations/loading/archive_index_cache.h"
 #include "locations/loading/archived_files.h"
+#include "locations/place_names.h"
 #include "locations/places/place_looks.h"
 #include "platform/files/directory.h"
 #include "support/faulty_file_layer.h"

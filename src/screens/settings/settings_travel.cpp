@@ -1,6 +1,6 @@
 #include "screens/settings/settings_travel.h"
 
-#include "locations/archive_locations.h"
+#include "locations/place_names.h"
 #include "locations/places/folder_listing.h"
 #include "screens/settings/backup_file_choice.h"
 #include "screens/texts/shown_figures.h"

@@ -1,13 +1,12 @@
 #include "screens/texts/archive_place.h"
 
-#include "platform/paths.h"
+#include "locations/place_names.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane::screens {
 
 QString archivePlaceName(const LibraryLoader& library, std::string_view root) {
-    const ArchiveLocation* location = library.location(root);
-    return shownLine(location == nullptr ? platform::lastPathComponent(root) : location->displayName);
+    return shownLine(listedLocationName(library.location(root), root));
 }
 
 } // namespace corvane::screens

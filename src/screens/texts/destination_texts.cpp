@@ -1,5 +1,6 @@
 #include "screens/texts/destination_texts.h"
 
+#include "locations/place_names.h"
 #include "platform/paths.h"
 #include "records/formatters.h"
 #include "screens/texts/shown_text.h"
@@ -30,11 +31,7 @@ DestinationRemark symlinkRemark() {
 
 QString destinationName(const DestinationView& destination) {
     if (!destination.path) return QStringLiteral("尚未设置");
-    const std::string& path = *destination.path;
-    if (path.find("com~apple~CloudDocs") != std::string::npos) return QStringLiteral("iCloud 云盘");
-    if (const auto mountPoint = destination.platform.removableMountPoint(path))
-        return QStringLiteral("U 盘 · ") + wholeText(platform::lastPathComponent(*mountPoint));
-    return wholeText(platform::lastPathComponent(path));
+    return wholeText(destinationDisplayName(destination.platform, *destination.path));
 }
 
 QString destinationPlace(const DestinationView& destination) {
