@@ -46,6 +46,8 @@ Session::Session(const std::string& home)
     resetLogs(*context_);
     if (const auto& path = context_->settings.setAside())
         messageLine(fmt::format("设置文件无法读取，已按初始设置运行；原来的设置保留在 {}", *path));
+    if (context_->settings.isUnreadable())
+        messageLine("设置文件暂时无法读取，已按初始设置运行；文件没有改动，这次的更改不会保存");
 }
 
 Session::~Session() = default;

@@ -1,5 +1,6 @@
 #include "platform/settings_store.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
@@ -18,6 +19,8 @@
 #include <simdjson.h>
 
 #include "platform/files/directory.h"
+#include "platform/files/layers/layer_descriptor.h"
+#include "platform/files/layers/layer_reading.h"
 #include "platform/files/writing/durable_file.h"
 #include "platform/files/writing/private_files.h"
 #include "platform/paths.h"
@@ -38,7 +41,7 @@ using Value = std::variant<std::string, TextList, TextMap, OtherValue>;
 using Values = std::map<std::string, Value>;
 using Writer = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
 
-constexpr std::int64_t sizeLimitBytes = 16 << 20;
+constexpr std::size_t sizeLimitBytes = 16 << 20;
 constexpr std::chrono::milliseconds lockPatience(1000);
 constexpr std::chrono::milliseconds lockPause(1);
 constexpr std::size_t nestingLimit = 64;
@@ -138,13 +141,48 @@ FileStamp stampOf(FileLayer& files, const std::string& path) {
                       std::filesystem::last_write_time(path, ignored));
 }
 
+enum class FileState {
+    absent,
+    sound,
+    damaged,    // it is there and was read, and is no such file
+    unreadable, // nobody could look
+};
+
+struct FileContent {
+    FileState state = FileState::unreadable;
+    Values values; // of a sound file
+};
+
+// By the errno of a failed open of a regular file.
+FileState stateAfter(int errorNumber) {
+    if (saysAbsent(errorNumber)) return FileState::absent;
+    const bool isNoFile =
+        errorNumber == EISDIR || errorNumber == EINVAL || errorNumber == ENXIO || errorNumber == ELOOP;
+    return isNoFile ? FileState::damaged : FileState::unreadable;
+}
+
+FileContent readSettings(FileLayer& files, const std::string& path) {
+    struct stat status{};
+    const LayerDescriptor file = openRegularFile(files, path, FinalLink::follow, status);
+    if (!file) return {stateAfter(errno), {}};
+    std::string text;
+    const auto take = [&](std::string_view piece) {
+        text += piece;
+        return text.size() <= sizeLimitBytes;
+    };
+    const auto expected = static_cast<std::size_t>(std::min<off_t>(status.st_size, sizeLimitBytes));
+    if (readPieces(files, file.get(), expected, take) != 0) return {};
+    auto values = text.size() > sizeLimitBytes ? std::nullopt : parsedSettings(text);
+    if (!values) return {FileState::damaged, {}};
+    return {FileState::sound, std::move(*values)};
+}
+
 } // namespace
 
 struct SettingsStore::Document {
     Values values;
     FileStamp stamp;
-    // The file is there, but its content couldn't be taken over.
-    bool isDamaged = false;
+    FileState state = FileState::absent;
 
     // Null when there is no value of this type.
     template <class T>
@@ -159,7 +197,7 @@ SettingsStore::SettingsStore(std::string path, FileLayer& files)
   , files_(files)
   , document_(std::make_unique<Document>()) {
     load();
-    if (document_->isDamaged) setAside_ = asidePath();
+    if (document_->state == FileState::damaged) setAside_ = asidePath();
 }
 
 SettingsStore::SettingsStore(SettingsStore&&) noexcept = default;
@@ -170,10 +208,13 @@ SettingsStore::~SettingsStore() = default;
 void SettingsStore::load() {
     narrowToOwner(path_);
     document_->stamp = stampOf(files_, path_);
-    const auto content = readFile(path_, sizeLimitBytes);
-    auto values = content ? parsedSettings(*content) : std::nullopt;
-    document_->isDamaged = !values && document_->stamp;
-    if (values) document_->values = std::move(*values);
+    FileContent content = readSettings(files_, path_);
+    document_->state = content.state;
+    if (content.state == FileState::sound) document_->values = std::move(content.values);
+}
+
+bool SettingsStore::isUnreadable() const {
+    return document_->state == FileState::unreadable;
 }
 
 std::optional<std::string> SettingsStore::text(const std::string& key) const {
@@ -236,7 +277,7 @@ FileDescriptor SettingsStore::lockedFolder() const {
 }
 
 void SettingsStore::reloadIfChanged() {
-    if (stampOf(files_, path_) != document_->stamp) load();
+    if (isUnreadable() || stampOf(files_, path_) != document_->stamp) load();
 }
 
 // People keep their configuration elsewhere and link to it; the link then stays.
@@ -245,10 +286,11 @@ std::string SettingsStore::asidePath() const {
 }
 
 void SettingsStore::save() {
+    if (isUnreadable()) return;
     const std::string target = resolvedPath(path_).value_or(path_);
     if (createDirectories(files_, std::string(parentPath(target)))) return;
-    if (document_->isDamaged && files_.rename(target, asidePath()) != 0) return;
-    document_->isDamaged = false;
+    if (document_->state == FileState::damaged && files_.rename(target, asidePath()) != 0) return;
+    document_->state = FileState::sound;
     std::ignore = writeFileAtomically(files_, target, serialized(document_->values));
     document_->stamp = stampOf(files_, path_);
 }

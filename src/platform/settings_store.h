@@ -1,7 +1,7 @@
 // The settings of the user: named values in one file that a person can read (JSON, UTF-8, indented), written
 // atomically at every change. A file that isn't there, or isn't such a file, counts as empty; a value of
 // another type than asked for counts as absent. A damaged file is kept beside the new one as
-// "<name>.damaged".
+// "<name>.damaged". A file that is there and can't be read is left as it is: until it can, nothing is saved.
 //
 // Single-threaded: it belongs to the main thread. Values of keys that this version doesn't know are kept, and
 // so are those that another process saved meanwhile: a change is made to the file as it then is, while its
@@ -29,6 +29,10 @@ class SettingsStore {
     // Where the bytes of a file that couldn't be taken over at the construction are kept, from the first
     // change on; absent when it could, or wasn't there.
     [[nodiscard]] const std::optional<std::string>& setAside() const { return setAside_; }
+
+    // At the last look the file couldn't be read, so it isn't known what it holds. The file was looked at by
+    // the construction and each change.
+    [[nodiscard]] bool isUnreadable() const;
 
     // The value of a key; absent when there is none of this type.
     [[nodiscard]] std::optional<std::string> text(const std::string& key) const;

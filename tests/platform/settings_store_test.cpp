@@ -98,6 +98,28 @@ TEST(SettingsStore, ADamagedFileCountsAsEmptyAndIsKeptAside) {
     }
 }
 
+TEST(SettingsStore, AFileThatCannotBeReadIsNoDamagedOne) {
+    for (const auto operation : {FileOperation::open, FileOperation::read}) {
+        const TemporaryHome home;
+        const std::string path = home.at("s.conf");
+        SettingsStore(path).setText("a", "old");
+        const std::string before = testing::readWhole(path);
+        FaultyFileLayer files;
+        files.inject({.at = 1, .effect = Effect::fail, .operation = operation, .error = EIO});
+        SettingsStore settings(path, files);
+        EXPECT_TRUE(settings.isUnreadable());
+        EXPECT_FALSE(settings.setAside());
+        files.inject({.at = 1, .effect = Effect::fail, .operation = operation, .error = EACCES});
+        settings.setText("b", "1");
+        EXPECT_EQ(testing::readWhole(path), before);
+        EXPECT_FALSE(fileExists(path + ".damaged"));
+        settings.setText("b", "2");
+        EXPECT_FALSE(settings.isUnreadable());
+        EXPECT_EQ(SettingsStore(path).text("a"), "old") << "what the file held stays";
+        EXPECT_EQ(SettingsStore(path).text("b"), "2");
+    }
+}
+
 TEST(SettingsStore, AFailedSaveLosesNeitherTheFileNorTheNewValue) {
     const TemporaryHome home;
     const std::string path = home.at("folder/s.conf");

@@ -31,10 +31,12 @@ Column {
 
         property bool isRead: false
 
-        visible: notices.app.damagedSettings.length > 0 && !isRead
+        visible: (notices.app.damagedSettings.length > 0 || notices.app.hasUnreadableSettings) && !isRead
         kind: "attention"
         headline: "设置文件无法读取，已按初始设置打开"
-        lines: ["请重新选择归档位置；已归档的邮件不受影响。", "原来的设置保留在 " + notices.app.damagedSettings]
+        lines: notices.app.hasUnreadableSettings
+            ? ["文件没有改动，能够读取之前，这次的更改不会保存。", "请检查设置文件的权限和所在的磁盘，然后重新打开；已归档的邮件不受影响。"]
+            : ["请重新选择归档位置；已归档的邮件不受影响。", "原来的设置保留在 " + notices.app.damagedSettings]
 
         AppButton {
             objectName: "settingsNoticeButton"

@@ -48,6 +48,7 @@ class WindowModel : public QObject {
     Q_PROPERTY(bool archiving READ archiving NOTIFY archivingChanged)
     Q_PROPERTY(bool hasChineseFont READ hasChineseFont CONSTANT)
     Q_PROPERTY(QString damagedSettings READ damagedSettings CONSTANT)
+    Q_PROPERTY(bool hasUnreadableSettings READ hasUnreadableSettings CONSTANT)
 
   public:
     // `model` must outlive the window's model.
@@ -90,6 +91,9 @@ class WindowModel : public QObject {
 
     // Where settings that couldn't be read at the start are kept, as it is shown; empty when they could.
     [[nodiscard]] QString damagedSettings() const;
+
+    // The settings are there and couldn't be read: they stay as they are, and changes of them aren't kept.
+    [[nodiscard]] bool hasUnreadableSettings() const { return model_.context().settings.isUnreadable(); }
 
     // The first frame has been shown: the work of the start that may take longer. Does it once.
     Q_INVOKABLE void startUp();
