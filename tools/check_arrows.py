@@ -54,7 +54,7 @@ SUBFOLDERS = {
     "model": {"tasks": "", ".": "tasks", "mail": ". tasks", "archiving": ". tasks mail", "library": ". tasks mail",
               "components": ". tasks mail archiving library",
               "corvane_view_model": ". tasks mail archiving library components"},
-    "cli": {"console": "", "usage": "", "session": "", "exit_status": "", "command_set": "session",
+    "cli": {"console": "", "usage": "", "session": "", "exit_status": "session", "command_set": "session",
             "mails": "session console", "named_entries": "session mails", "library_options": "session",
             "proving": "console session", "overview_loading": "session proving",
             "commands": "console session exit_status command_set mails named_entries library_options proving "

@@ -71,13 +71,11 @@ class CommandLine {
             return commands_.chosen()();
         } catch (const Interrupted& interruption) {
             messageLine(interruption.what());
-            return interrupted;
-        } catch (const WrongUsage& mistake) {
-            return reportFailure(mistake.what(), wrongUsage);
+            return statusOf(interruption);
         } catch (const std::system_error& error) {
-            return reportFailure(inWordsForUsers(error), failed);
+            return reportFailure(inWordsForUsers(error), statusOf(error));
         } catch (const std::exception& error) {
-            return reportFailure(error.what(), failed);
+            return reportFailure(error.what(), statusOf(error));
         }
     }
 

@@ -1,7 +1,20 @@
-// The exit statuses of corvane-cli.
+// The exit statuses of corvane-cli, and what of each command's end gives which: the one place that decides
+// it.
 #pragma once
 
+#include <exception>
+
 #include "platform/processes/quit_signals.h"
+
+namespace corvane {
+struct ArchiveRebuild;
+struct ArchiveRemovalEnd;
+struct ArchiveVerification;
+struct AttachmentSaving;
+struct EmailArchiveRunResult;
+struct ExportResult;
+struct MailScanState;
+} // namespace corvane
 
 namespace corvane::cli {
 
@@ -12,5 +25,20 @@ enum ExitStatus : int {
     doneWithIssues = 3, // done, but not for all: failures or warnings
     interrupted = platform::interruptedStatus,
 };
+
+// A command that was left by an exception.
+ExitStatus statusOf(const std::exception& error);
+
+// A command that only tells: it has told all of it, unless it was asked to end before.
+ExitStatus statusOfAnswer();
+
+ExitStatus statusOf(const MailScanState& scan);
+ExitStatus statusOf(const EmailArchiveRunResult& run);
+ExitStatus statusOf(const ArchiveVerification& verification);
+ExitStatus statusOf(const ArchiveRebuild& rebuild);
+ExitStatus statusOf(const ArchiveRemovalEnd& removal);
+ExitStatus statusOf(const ExportResult& result);
+ExitStatus statusOf(const AttachmentSaving& saving);
+ExitStatus statusOfProof(bool isAllProven);
 
 } // namespace corvane::cli

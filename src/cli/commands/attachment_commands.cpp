@@ -74,26 +74,16 @@ AttachmentSaving saveAll(Session& session, std::vector<AttachmentRef> attachment
 void printSaving(const AttachmentSaving& saving) {
     JsonDocument document;
     document.object([&] {
-        document.key("saved");
-        document.array([&] {
-            for (const SavedAttachment& saved : saving.saved) {
-                document.object([&] {
-                    document.member("entryID", saved.entryID);
-                    document.member("name", saved.name);
-                    document.member("path", saved.path);
-                    document.member("bytes", saved.bytes);
-                });
-            }
+        document.objects("saved", saving.saved, [&](const SavedAttachment& saved) {
+            document.member("entryID", saved.entryID);
+            document.member("name", saved.name);
+            document.member("path", saved.path);
+            document.member("bytes", saved.bytes);
         });
-        document.key("failures");
-        document.array([&] {
-            for (const AttachmentFailure& failure : saving.failures) {
-                document.object([&] {
-                    document.member("entryID", failure.entryID);
-                    document.member("name", failure.name);
-                    document.member("reason", failure.reason);
-                });
-            }
+        document.objects("failures", saving.failures, [&](const AttachmentFailure& failure) {
+            document.member("entryID", failure.entryID);
+            document.member("name", failure.name);
+            document.member("reason", failure.reason);
         });
     });
     document.print();
@@ -119,8 +109,7 @@ int runAttachments(Session& session, const AttachmentsOptions& options, bool jso
         printSaving(saving);
     else
         printSavingReadably(saving);
-    if (saving.wasCancelled) return interrupted;
-    return saving.failures.empty() ? done : doneWithIssues;
+    return statusOf(saving);
 }
 
 } // namespace

@@ -55,14 +55,9 @@ void printExport(const ExportResult& result) {
     document.object([&] {
         document.member("exported", result.exported);
         document.member("bytes", result.bytes);
-        document.key("failures");
-        document.array([&] {
-            for (const ExportFailure& failure : result.failures) {
-                document.object([&] {
-                    document.member("entryID", failure.entryID);
-                    document.member("reason", failure.reason);
-                });
-            }
+        document.objects("failures", result.failures, [&](const ExportFailure& failure) {
+            document.member("entryID", failure.entryID);
+            document.member("reason", failure.reason);
         });
     });
     document.print();
@@ -100,8 +95,7 @@ int runExport(Session& session, const ExportOptions& options, bool json) {
         printExport(result);
     else
         printExportReadably(result, path);
-    if (result.wasCancelled) return interrupted;
-    return result.failures.empty() ? done : doneWithIssues;
+    return statusOf(result);
 }
 
 } // namespace

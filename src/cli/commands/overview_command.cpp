@@ -199,7 +199,7 @@ int runOverview(Session& session, const OverviewOptions& options, bool json) {
     const SharedOverview overview =
         loadOverview(session, options.check ? OriginalsCheck::compare : OriginalsCheck::known);
     json ? printJson(*overview, options.filter) : printReadable(*overview, options.filter);
-    return wasInterrupted() ? interrupted : done;
+    return statusOfAnswer();
 }
 
 } // namespace

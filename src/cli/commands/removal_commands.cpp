@@ -34,14 +34,9 @@ void printJson(const ArchiveRemovalEnd& end) {
     JsonDocument document;
     document.object([&] {
         document.member("removed", end.removedIDs.size());
-        document.key("failures");
-        document.array([&] {
-            for (const ArchiveRemovalEnd::Failure& failure : end.failures) {
-                document.object([&] {
-                    document.member("entryID", failure.entryID);
-                    document.member("reason", failure.reason);
-                });
-            }
+        document.objects("failures", end.failures, [&](const ArchiveRemovalEnd::Failure& failure) {
+            document.member("entryID", failure.entryID);
+            document.member("reason", failure.reason);
         });
     });
     document.print();
@@ -67,8 +62,7 @@ int runRemove(Session& session, const RemoveOptions& options, bool json) {
         printJson(end);
     else
         printReadable(end);
-    if (wasInterrupted()) return interrupted;
-    return end.failures.empty() ? done : doneWithIssues;
+    return statusOf(end);
 }
 
 int runForget(Session& session, const std::string& root, bool json) {

@@ -79,7 +79,7 @@ int runScanToEnd(Session& session, bool json, const std::function<void()>& start
         printText(fmt::format("扫描完成：{} 封邮件，{}，用时 {:.2f} 秒",
                               model.mail().catalog.messages()->size(),
                               formatByteCount(model.mail().catalog.summary().bytes), seconds));
-    return isFailure ? failed : done;
+    return statusOf(state);
 }
 
 void printAccountsTable(const std::vector<MailAccount>& accounts) {

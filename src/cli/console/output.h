@@ -40,6 +40,20 @@ class JsonDocument {
         value(content);
     }
 
+    // An array with an object for each element; `write` writes its members.
+    template <class List, class Write>
+    void objects(const List& list, Write write) {
+        array([&] {
+            for (const auto& element : list) object([&] { write(element); });
+        });
+    }
+
+    template <class List, class Write>
+    void objects(std::string_view name, const List& list, Write write) {
+        key(name);
+        objects(list, write);
+    }
+
     void null() { writer_.Null(); }
 
     // The members of a record, inside an object that gets further ones.

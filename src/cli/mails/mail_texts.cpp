@@ -22,14 +22,9 @@ std::vector<mime::Segment> openSegments(const mime::BodyParts& parts, bool allRe
 }
 
 void addSegments(JsonDocument& document, const std::vector<mime::Segment>& segments) {
-    document.key("segments");
-    document.array([&] {
-        for (const mime::Segment& segment : segments) {
-            document.object([&] {
-                document.member("style", mime::rawValue(segment.style));
-                document.member("text", segment.text);
-            });
-        }
+    document.objects("segments", segments, [&](const mime::Segment& segment) {
+        document.member("style", mime::rawValue(segment.style));
+        document.member("text", segment.text);
     });
 }
 

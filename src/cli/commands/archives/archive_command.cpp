@@ -83,15 +83,10 @@ void printJson(const EmailArchiveRunResult& result) {
         document.member("wasCancelled", result.wasCancelled);
         document.member("variantWarnings", result.variantWarnings);
         if (!result.archiveWarnings.empty()) document.member("archiveWarnings", result.archiveWarnings);
-        document.key("failures");
-        document.array([&] {
-            for (const EmailArchiveFailure& failure : result.failures) {
-                document.object([&] {
-                    document.member("subject", failure.subject);
-                    document.member("messageFilePath", failure.messageFileURL.path());
-                    document.member("reason", failure.reason);
-                });
-            }
+        document.objects("failures", result.failures, [&](const EmailArchiveFailure& failure) {
+            document.member("subject", failure.subject);
+            document.member("messageFilePath", failure.messageFileURL.path());
+            document.member("reason", failure.reason);
         });
     });
     document.print();
@@ -134,9 +129,7 @@ int runArchive(Session& session, const ArchiveOptions& options, bool json) {
     } else {
         printReadable(result);
     }
-    if (wasInterrupted()) return interrupted;
-    // What is told of the archive itself is no issue of this run.
-    return result.failedCount > 0 || !result.variantWarnings.empty() ? doneWithIssues : done;
+    return statusOf(result);
 }
 
 } // namespace

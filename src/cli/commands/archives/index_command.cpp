@@ -43,7 +43,7 @@ int runIndex(Session& session, bool force, bool json) {
     } else {
         printText(fmt::format("已处理 {} 封邮件的正文索引", indexed));
     }
-    return wasInterrupted() ? interrupted : done;
+    return statusOfAnswer();
 }
 
 } // namespace

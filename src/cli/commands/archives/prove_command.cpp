@@ -99,7 +99,7 @@ void printReadable(const ProofAnswer& answer) {
     table.print();
 }
 
-// Status 3 when some messages aren't proven; interrupted, it answers with what it has kept.
+// Interrupted, it answers with what it has kept.
 int runProve(Session& session, const ProveOptions& options, bool json) {
     session.restoreLastScan();
     const ProofScope scope{{options.accounts.begin(), options.accounts.end()},
@@ -110,8 +110,7 @@ int runProve(Session& session, const ProveOptions& options, bool json) {
         printJson(answer);
     else
         printReadable(answer);
-    if (wasInterrupted()) return interrupted;
-    return answer.unproven.empty() ? done : doneWithIssues;
+    return statusOfProof(answer.unproven.empty());
 }
 
 } // namespace

@@ -34,14 +34,9 @@ void printJson(const ArchiveRebuild& rebuild) {
     document.object([&] {
         document.member("adopted", rebuild.adopted);
         document.member("records", rebuild.records);
-        document.key("failures");
-        document.array([&] {
-            for (const ArchiveRebuild::Failure& failure : rebuild.failures) {
-                document.object([&] {
-                    document.member("path", failure.path);
-                    document.member("reason", failure.reason);
-                });
-            }
+        document.objects("failures", rebuild.failures, [&](const ArchiveRebuild::Failure& failure) {
+            document.member("path", failure.path);
+            document.member("reason", failure.reason);
         });
     });
     document.print();
@@ -87,7 +82,7 @@ int runRebuild(const RebuildCommandOptions& command, const CommonOptions& common
         printJson(rebuild);
     else
         printReadable(rebuild, command.isDryRun);
-    return rebuild.failures.empty() ? done : doneWithIssues;
+    return statusOf(rebuild);
 }
 
 } // namespace

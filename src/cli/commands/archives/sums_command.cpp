@@ -18,14 +18,9 @@ namespace {
 void printJson(const ArchiveSums& sums) {
     JsonDocument document;
     document.object([&] {
-        document.key("sums");
-        document.array([&] {
-            for (const ArchiveSums::Sum& sum : sums.sums) {
-                document.object([&] {
-                    document.member("path", sum.path);
-                    document.member("sha256", sum.sha256);
-                });
-            }
+        document.objects("sums", sums.sums, [&](const ArchiveSums::Sum& sum) {
+            document.member("path", sum.path);
+            document.member("sha256", sum.sha256);
         });
     });
     document.print();

@@ -90,7 +90,7 @@ int runVerify(const VerifyOptions& options, const CommonOptions& common) {
         printJson(verification);
     else
         printReadable(verification);
-    return verification.isClean() ? done : doneWithIssues;
+    return statusOf(verification);
 }
 
 } // namespace
