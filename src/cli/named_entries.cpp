@@ -18,9 +18,8 @@ namespace {
 std::string lineOf(EntrySource& source, const ArchivedEntry& entry) {
     const ArchivedEmailRecord& record = entry.record;
     const std::string line =
-        fmt::format("{}  {}  {}  {}  {}", source.shortestHandle(entry),
-                    record.date ? formatListDate(*record.date) : "日期未知", record.sender.view(),
-                    record.subject.view(), entry.locationRootPath.view());
+        fmt::format("{}  {}  {}  {}  {}", source.shortestHandle(entry), formatMailDate(record.date),
+                    record.sender.view(), record.subject.view(), entry.locationRootPath.view());
     return text::withVisibleSigns(line);
 }
 

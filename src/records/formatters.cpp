@@ -44,6 +44,10 @@ std::string formatListDate(std::chrono::sys_seconds date) {
     return fmt::format("{} {:02}:{:02}", localDay(date), parts.tm_hour, parts.tm_min);
 }
 
+std::string formatMailDate(const std::optional<std::chrono::sys_seconds>& date) {
+    return date ? formatListDate(*date) : "日期未知";
+}
+
 std::string formatByteCount(std::int64_t bytes) {
     struct Unit {
         double size;

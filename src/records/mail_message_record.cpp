@@ -39,7 +39,7 @@ std::size_t MailMessageRecord::duplicateMessageFileCount() const {
 }
 
 std::string MailMessageRecord::formattedDate() const {
-    return date ? formatListDate(*date) : "日期未知";
+    return formatMailDate(date);
 }
 
 std::string MailMessageRecord::ageText() const {

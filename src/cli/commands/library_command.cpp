@@ -26,10 +26,6 @@ struct LibraryCommandOptions {
     bool asMenus = false;
 };
 
-std::string dateOf(const ArchivedEmailRecord& record) {
-    return record.date ? formatListDate(*record.date) : "日期未知";
-}
-
 void printEntriesJson(const LibraryList& list) {
     const ArchiveLibraryIndex& index = list.index();
     JsonDocument document;
@@ -57,7 +53,7 @@ void printEntries(const LibraryList& list) {
     table.row({"编号", "日期", "大小", "发件人", "主题"});
     for (const EntryPosition position : list.entries.entries()) {
         const ArchivedEmailRecord& record = list.index().entry(position).record;
-        table.row({handles.shortest(position), dateOf(record), formatByteCount(record.sizeBytes),
+        table.row({handles.shortest(position), formatMailDate(record.date), formatByteCount(record.sizeBytes),
                    record.sender.str(), record.subject.str()});
     }
     table.print();
@@ -67,21 +63,17 @@ void printGroupsJson(const LibraryList& list) {
     const ArchiveLibraryIndex& index = list.index();
     const GroupsView& view = list.groups.view();
     JsonDocument document;
-    document.array([&] {
-        for (const LibrarySubjectGroup& group : view.groups) {
-            document.object([&] {
-                document.member("key", groupKey(index, group));
-                document.member("subject", groupSubject(index, view, group));
-                document.member("count", std::int64_t{group.count});
-                document.member("bytes", groupBytes(index, view, group));
-                document.member("latest", index.entry(group.latest).id());
-                document.key("entries");
-                document.array([&] {
-                    for (const EntryPosition position : view.entries(group))
-                        document.value(index.entry(position).id());
-                });
-            });
-        }
+    document.objects(view.groups, [&](const LibrarySubjectGroup& group) {
+        document.member("key", groupKey(index, group));
+        document.member("subject", groupSubject(index, view, group));
+        document.member("count", std::int64_t{group.count});
+        document.member("bytes", groupBytes(index, view, group));
+        document.member("latest", index.entry(group.latest).id());
+        document.key("entries");
+        document.array([&] {
+            for (const EntryPosition position : view.entries(group))
+                document.value(index.entry(position).id());
+        });
     });
     document.print();
 }
@@ -94,9 +86,9 @@ void printGroups(const LibraryList& list) {
     table.row({"最新一封", "日期", "封数", "大小", "发件人", "主题"});
     for (const LibrarySubjectGroup& group : view.groups) {
         const ArchivedEmailRecord& latest = list.index().entry(group.latest).record;
-        table.row({handles.shortest(group.latest), dateOf(latest), fmt::format("{}", group.count),
-                   formatByteCount(groupBytes(list.index(), view, group)), latest.sender.str(),
-                   groupSubject(list.index(), view, group).str()});
+        table.row({handles.shortest(group.latest), formatMailDate(latest.date),
+                   fmt::format("{}", group.count), formatByteCount(groupBytes(list.index(), view, group)),
+                   latest.sender.str(), groupSubject(list.index(), view, group).str()});
     }
     table.print();
 }
@@ -107,28 +99,20 @@ void printMenusJson(const LibraryList& list) {
         document.member("signature", list.index().signature());
         document.member("entries", std::ssize(list.index().entries()));
         document.member("totalBytes", list.index().totalBytes());
-        document.key("accountOptions");
-        document.array([&] {
-            for (const LibraryAccountFilterOption& option : list.accountOptions) {
-                document.object([&] {
-                    document.member("key", option.key);
-                    document.member("title", option.title);
-                    document.member("count", option.count);
-                });
-            }
-        });
-        document.key("locationOptions");
-        document.array([&] {
-            for (const LibraryLocationFilterOption& option : list.locationOptions) {
-                document.object([&] {
-                    document.member("rootPath", option.rootPath);
-                    document.member("title", option.title);
-                    document.member("count", option.count);
-                    document.member("systemImage", option.systemImage);
-                    document.member("isConnected", option.isConnected);
-                });
-            }
-        });
+        document.objects("accountOptions", list.accountOptions,
+                         [&](const LibraryAccountFilterOption& option) {
+                             document.member("key", option.key);
+                             document.member("title", option.title);
+                             document.member("count", option.count);
+                         });
+        document.objects("locationOptions", list.locationOptions,
+                         [&](const LibraryLocationFilterOption& option) {
+                             document.member("rootPath", option.rootPath);
+                             document.member("title", option.title);
+                             document.member("count", option.count);
+                             document.member("systemImage", option.systemImage);
+                             document.member("isConnected", option.isConnected);
+                         });
     });
     document.print();
 }
@@ -161,7 +145,7 @@ int runLibrary(Session& session, const LibraryCommandOptions& options, bool json
     inputs.filters = libraryFilters(session, options.filters);
     if (options.ascending) inputs.order = LibraryOrder::oldestFirst;
     print(*LibraryList::make(std::move(inputs)), options, json);
-    return wasInterrupted() ? interrupted : done;
+    return statusOfAnswer();
 }
 
 } // namespace

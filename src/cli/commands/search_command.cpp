@@ -80,17 +80,13 @@ SearchAnswer answerOf(EntrySource& source, const SearchOptions& options, bool wa
 
 void printDetails(const std::vector<FoundMail>& mails) {
     JsonDocument document;
-    document.array([&] {
-        for (const FoundMail& mail : mails) {
-            document.object([&] {
-                document.member("handle", entryHandle(mail.entryID));
-                document.member("entryID", mail.entryID);
-                if (mail.date) document.member("date", *mail.date);
-                document.member("sender", mail.sender);
-                document.member("subject", mail.subject);
-                if (mail.snippet) document.member("snippet", *mail.snippet);
-            });
-        }
+    document.objects(mails, [&](const FoundMail& mail) {
+        document.member("handle", entryHandle(mail.entryID));
+        document.member("entryID", mail.entryID);
+        if (mail.date) document.member("date", *mail.date);
+        document.member("sender", mail.sender);
+        document.member("subject", mail.subject);
+        if (mail.snippet) document.member("snippet", *mail.snippet);
     });
     document.print();
 }
@@ -100,8 +96,8 @@ void printTable(const std::vector<FoundMail>& mails) {
                      TextTable::Align::left, TextTable::Align::left});
     table.row({"编号", "日期", "发件人", "主题", "正文"});
     for (const FoundMail& mail : mails) {
-        table.row({mail.shortestHandle, mail.date ? formatListDate(*mail.date) : "日期未知",
-                   mail.sender.str(), mail.subject.str(), mail.snippet.value_or("")});
+        table.row({mail.shortestHandle, formatMailDate(mail.date), mail.sender.str(), mail.subject.str(),
+                   mail.snippet.value_or("")});
     }
     table.print();
 }

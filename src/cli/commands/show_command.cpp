@@ -114,7 +114,7 @@ void printReadably(const ShownMail& mail, const ShowOptions& options) {
     printText(fmt::format("发件人：{}", record.sender.view()));
     printText(fmt::format("收件人：{}", record.recipients.view()));
     if (!mail.cc.empty()) printText(fmt::format("抄送：{}", mail.cc));
-    printText(fmt::format("日期：{}", record.date ? formatListDate(*record.date) : "日期未知"));
+    printText(fmt::format("日期：{}", formatMailDate(record.date)));
     for (const SharedText& name : record.attachmentNames) printText(fmt::format("附件：{}", name.view()));
     if (mail.file.isGone) printText("注意：归档文件已经不在了");
     if (mail.body.empty())

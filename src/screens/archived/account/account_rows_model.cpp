@@ -231,7 +231,7 @@ QVariant AccountRowsModel::entryValue(const AccountRow& row, int role) const {
     case SenderRole:
         return screens::shownSender(record.sender.view());
     case DateTextRole:
-        return record.date ? screens::wholeText(formatListDate(*record.date)) : QString();
+        return screens::wholeText(formatMailDate(record.date));
     case LineRole:
         return entryLine(presenceOf(row), source_.knowledge);
     case CanLocateRole:

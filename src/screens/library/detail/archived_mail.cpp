@@ -4,9 +4,9 @@
 
 #include <QPointer>
 
+#include "locations/place_names.h"
 #include "locations/places/cloud_providers.h"
 #include "records/formatters.h"
-#include "screens/texts/archive_place.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {
@@ -102,24 +102,25 @@ void ArchivedMail::load() {
     text_.reset();
     body_ = {};
     arrangeTask_.cancel();
-    load_ = std::make_shared<int>();
     Q_EMIT bodyChanged();
     if (!entry_) return;
-    const auto isWanted = [self = QPointer(this), load = std::weak_ptr(load_)] {
-        return self && !load.expired();
+    const auto isShown = [self = QPointer(this), id = entry_->id()] {
+        return self && self->entry_ && self->entry_->id() == id;
     };
-    model_.library().bodyTexts.prepareIndexedBody(*entry_,
-                                                  [this, isWanted](const std::optional<std::string>& text) {
-                                                      if (isWanted()) handleText(text);
-                                                  });
-    model_.library().bodyTexts.ccRecipients(*entry_, [this, isWanted](const std::optional<std::string>& cc) {
-        if (!isWanted() || !cc) return;
+    BodyTexts& texts = model_.library().bodyTexts;
+    texts.prepareIndexedBody(*entry_, [this, isShown](const std::optional<std::string>& text) {
+        if (isShown()) handleText(text);
+    });
+    texts.ccRecipients(*entry_, [this, isShown](const std::optional<std::string>& cc) {
+        if (!isShown() || !cc) return;
         ccRecipients_ = screens::shownLine(*cc, recipientsLimit);
         Q_EMIT changed();
     });
 }
 
+// One may come of an earlier look at the same mail, before it had a text.
 void ArchivedMail::handleText(const std::optional<std::string>& text) {
+    if (text_ && (!text || text->empty())) return;
     text_ = std::make_shared<const std::string>(text.value_or(std::string()));
     if (text_->empty()) {
         Q_EMIT bodyChanged();
@@ -213,9 +214,7 @@ QString ArchivedMail::recipients() const {
 }
 
 QString ArchivedMail::dateText() const {
-    if (!entry_) return {};
-    return entry_->record.date ? screens::wholeText(formatListDate(*entry_->record.date))
-                               : QStringLiteral("没有日期");
+    return entry_ ? screens::wholeText(formatMailDate(entry_->record.date)) : QString();
 }
 
 QString ArchivedMail::sizeText() const {
@@ -224,9 +223,7 @@ QString ArchivedMail::sizeText() const {
 
 QString ArchivedMail::placeName() const {
     if (!entry_) return {};
-    if (const auto provider = cloudProviderName(entry_->locationRootPath))
-        return screens::shownLine(*provider);
-    return screens::archivePlaceName(model_.library().loader, entry_->locationRootPath);
+    return screens::shownLine(mailLocationName(place(), entry_->locationRootPath.view()));
 }
 
 QString ArchivedMail::placeSymbol() const {

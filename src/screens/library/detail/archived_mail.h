@@ -154,7 +154,6 @@ class ArchivedMail : public QObject {
     ArchivedOriginalPresenceStatus status_ = ArchivedOriginalPresenceStatus::unknown;
     QString ccRecipients_;
     std::shared_ptr<const std::string> text_; // null while it is being read; empty when there is none
-    std::shared_ptr<int> load_;               // the one that is wanted
     ShownBody body_;
     bool quotedExpanded_ = false;
     bool quotedRecipientsExpanded_ = false;

@@ -166,8 +166,7 @@ QVariantList RemovalQuestion::items() const {
         shown.append(QVariantMap{
             {QStringLiteral("subject"), screens::shownLine(record.subject)},
             {QStringLiteral("sender"), screens::shownSender(record.sender)},
-            {QStringLiteral("dateText"),
-             record.date ? screens::wholeText(formatListDate(*record.date)) : QString()},
+            {QStringLiteral("dateText"), screens::wholeText(formatMailDate(record.date))},
             {QStringLiteral("sizeText"), sizeText(record.sizeBytes)},
             {QStringLiteral("state"), stateOf(status)},
             {QStringLiteral("only"), status != Status::present},

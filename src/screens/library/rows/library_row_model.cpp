@@ -36,7 +36,7 @@ QString kindName(Kind kind) {
 }
 
 QString dateText(const ArchivedEmailRecord& record) {
-    return record.date ? screens::wholeText(formatListDate(*record.date)) : QStringLiteral("没有日期");
+    return screens::wholeText(formatMailDate(record.date));
 }
 
 QString sizeText(std::int64_t bytes) {
