@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include "listing/scan_deduplication.h"
+#include "mailstore/sqlite/mail_index_query_error.h"
 #include "platform/files/file_look.h"
 #include "platform/threads/parallel.h"
 #include "records/logs/console_log.h"
@@ -131,6 +132,9 @@ FinishedScan finish(const ScanJob& job, ScanProgress& progress) {
 constexpr const char* movedStoreMessage =
     "扫描期间 Mail 数据所在的位置变得不可用。请确认磁盘已连接，再重新扫描。";
 
+// For what has no text for the user.
+constexpr const char* unknownFailureMessage = "读取 Mail 邮件时出错，扫描没有完成。请稍后重试。";
+
 bool isSamePlace(const platform::FileLook& a, const platform::FileLook& b) {
     return a.presence == b.presence && a.device == b.device && a.inode == b.inode;
 }
@@ -150,8 +154,11 @@ std::optional<ScanOutcome> scan(ScanJob& job, const ReportingTask<ScanStep>& tas
                 task.report(std::move(step));
             },
             task.stopToken());
+    } catch (const MailIndexQueryError& error) {
+        return BrokenScan{error.errorDescription().value_or(unknownFailureMessage)};
     } catch (const std::exception& error) {
-        return BrokenScan{error.what()};
+        consoleLine(fmt::format("[Corvane][scan] {}", error.what()));
+        return BrokenScan{unknownFailureMessage};
     }
     if (task.isCancelled()) return std::nullopt;
     if (!isSamePlace(root, platform::lookAtFile(job.store.rootPath))) return BrokenScan{movedStoreMessage};
