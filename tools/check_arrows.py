@@ -66,7 +66,7 @@ SUBFOLDERS = {
                 "archive": "controls texts desktop lists overview", "mails": "controls texts desktop lists",
                 "home": "controls texts desktop lists overview archive",
                  "archived": "controls texts desktop lists", "space": "controls texts desktop lists overview archive",
-                 "library": "controls texts desktop lists mails",
+                 "library": "controls texts desktop lists",
                  "places": "controls texts desktop lists archive", "settings": "controls texts desktop lists archive",
                  "shell": "controls texts desktop lists overview archive mails home archived library space places "
                           "settings"},

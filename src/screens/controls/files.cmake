@@ -30,6 +30,7 @@ set(controls_qml
     panes/Banner.qml
     panes/BottomBar.qml
     panes/CountPill.qml
+    panes/DetailField.qml
     panes/EmptyState.qml
     panes/Notice.qml
     panes/ScreenHead.qml

@@ -11,7 +11,6 @@ set(mails_qml
     detail/AttachmentMenu.qml
     detail/AttachmentRow.qml
     detail/CopiesNote.qml
-    detail/DetailField.qml
     detail/MessageDetailView.qml
     detail/MessageFiles.qml
     detail/MessageView.qml
@@ -25,7 +24,6 @@ set(mails_sources
     row_previews.cpp
     detail/attachment_actions.cpp
     detail/attachment_list_model.cpp
-    detail/attachment_symbol.cpp
     detail/message_detail.cpp
     detail/shown_message.cpp
 )

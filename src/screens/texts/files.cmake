@@ -1,6 +1,7 @@
 # The QML files and the C++ sources of this folder.
 set(texts_sources
     archive_place.cpp
+    attachment_symbol.cpp
     destination_item.cpp
     destination_texts.cpp
     message_trouble.cpp

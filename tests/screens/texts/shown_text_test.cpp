@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "screens/mails/detail/attachment_symbol.h"
+#include "screens/texts/attachment_symbol.h"
 
 namespace corvane::screens {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "archive/portable_names.h"
 #include "platform/paths.h"
-#include "screens/mails/detail/attachment_symbol.h"
+#include "screens/texts/attachment_symbol.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
 

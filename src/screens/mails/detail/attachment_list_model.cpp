@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "records/formatters.h"
-#include "screens/mails/detail/attachment_symbol.h"
+#include "screens/texts/attachment_symbol.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {

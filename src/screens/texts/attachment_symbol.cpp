@@ -1,4 +1,4 @@
-#include "screens/mails/detail/attachment_symbol.h"
+#include "screens/texts/attachment_symbol.h"
 
 #include <unordered_map>
 
