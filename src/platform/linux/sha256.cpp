@@ -43,10 +43,4 @@ Sha256::Sha256(Sha256&&) noexcept = default;
 Sha256& Sha256::operator=(Sha256&&) noexcept = default;
 Sha256::~Sha256() = default;
 
-Sha256Digest sha256(std::string_view bytes) {
-    Sha256 hash;
-    hash.update(bytes);
-    return hash.digest();
-}
-
 } // namespace corvane::platform

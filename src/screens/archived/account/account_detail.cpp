@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -76,13 +77,7 @@ void AccountDetail::show(SharedOverview overview, OriginalKnowledge knowledge) {
 }
 
 void AccountDetail::find() {
-    group_ = nullptr;
-    stats_ = nullptr;
-    for (std::size_t number = 0; overview_ && number < overview_->groups->size(); ++number) {
-        if ((*overview_->groups)[number].key != key_) continue;
-        group_ = &(*overview_->groups)[number];
-        stats_ = &overview_->stats.groups[number];
-    }
+    std::tie(group_, stats_) = screens::groupOfKey(overview_, key_);
     rows_.show(isOpen() ? AccountRowsModel::Source{overview_, group_, stats_, knowledge_}
                         : AccountRowsModel::Source());
     Q_EMIT changed();

@@ -1,5 +1,6 @@
 #include "screens/archived/figures/overview_figures.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -126,6 +127,15 @@ ArchivedShares archivedShares(const ArchivedOverview& overview) {
         all.undated += one.undated;
     }
     return all;
+}
+
+std::pair<const ArchivedOverviewGroup*, const ArchivedOverviewStats::Group*>
+groupOfKey(const SharedOverview& overview, const std::string& key) {
+    if (!overview) return {};
+    const auto found = std::ranges::find(*overview->groups, key, &ArchivedOverviewGroup::key);
+    if (found == overview->groups->end()) return {};
+    const auto number = static_cast<std::size_t>(found - overview->groups->begin());
+    return {&*found, &overview->stats.groups[number]};
 }
 
 OverviewHero overviewHero(const OverviewHeroInput& input) {

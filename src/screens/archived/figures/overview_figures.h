@@ -3,6 +3,8 @@
 #pragma once
 
 #include <optional>
+#include <string>
+#include <utility>
 
 #include <QMetaType>
 #include <QString>
@@ -71,6 +73,10 @@ namespace screens {
 // Of one account, and of all.
 ArchivedShares archivedShares(const ArchivedOverviewGroup& group, const ArchivedOverviewStats::Group& stats);
 ArchivedShares archivedShares(const ArchivedOverview& overview);
+
+// An account of the overview and its figures; null where it has none of this key, or is null itself.
+std::pair<const ArchivedOverviewGroup*, const ArchivedOverviewStats::Group*>
+groupOfKey(const SharedOverview& overview, const std::string& key);
 
 OverviewHero overviewHero(const OverviewHeroInput& input);
 

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cstddef>
 #include <map>
+#include <tuple>
 #include <utility>
 
 #include <QUrl>
 #include <QVariantMap>
 
 #include "records/formatters.h"
+#include "screens/archived/figures/overview_figures.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
 
@@ -80,13 +82,7 @@ void DeletionGuide::handleProofProgress() {
 }
 
 void DeletionGuide::find() {
-    group_ = nullptr;
-    stats_ = nullptr;
-    for (std::size_t number = 0; overview_ && number < overview_->groups->size(); ++number) {
-        if ((*overview_->groups)[number].key != key_) continue;
-        group_ = &(*overview_->groups)[number];
-        stats_ = &overview_->stats.groups[number];
-    }
+    std::tie(group_, stats_) = screens::groupOfKey(overview_, key_);
 }
 
 // A group may gather several accounts, of which Mail knows only their own names.
