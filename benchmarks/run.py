@@ -335,6 +335,28 @@ class Bench:
         self.compare("body of 1 MB split", lambda: printed_seconds([BIN / "measure_library", "split", 1]),
                      lambda: (0.05, 0), "<= 1")
 
+    def presence(self):
+        count = 500000
+        home = self.work / f"presence-{count}"
+        if not home.exists():
+            run([BIN / "measure_presence", "make", count, home])
+        index = home / "Library/Mail/V10/MailData/Envelope Index"
+        query = ("SELECT DISTINCT g.message_id_header AS messageId FROM messages m LEFT JOIN message_global_data g "
+                 "ON g.message_id = m.message_id WHERE g.message_id_header IS NOT NULL AND g.message_id_header != '' "
+                 "AND m.mailbox NOT IN (2);")
+        floor = ["sh", "-c", f"/usr/bin/sqlite3 -readonly -json {shlex.quote(str(index))} {shlex.quote(query)} > "
+                 f"{shlex.quote(str(self.work / 'presence-rows'))}"]
+
+        def ours(mode):
+            def measured():
+                shutil.rmtree(home / ".local", ignore_errors=True)
+                return printed_seconds([BIN / "measure_presence", mode, count, home])
+            return measured
+
+        self.compare(f"presence of {count} entries", ours("wall"), lambda: run(floor)[::2], "<= 1.35", count)
+        self.compare(f"presence of {count} entries, processor", ours("processor"), lambda: processor_seconds(floor), "",
+                     count)
+
     def list(self):
         rows = 100000
 
@@ -383,8 +405,8 @@ class Bench:
 
 
 def main():
-    measures = ["refresh", "archive", "proof", "cache", "index", "search", "commands", "library", "list", "start",
-                "window"]
+    measures = ["refresh", "archive", "proof", "cache", "index", "search", "commands", "library", "presence", "list",
+                "start", "window"]
     if ON_MAC:
         measures.remove("refresh")  # its floor is timed by what only Linux's shell can tell
     parser = argparse.ArgumentParser(description=__doc__)

@@ -1,5 +1,6 @@
 #include "mime/message_identifiers.h"
 
+#include <algorithm>
 #include <unordered_set>
 
 #include <fmt/format.h>
@@ -10,11 +11,27 @@
 
 namespace corvane::mime {
 
+namespace {
+
+bool isLowerCaseAscii(char character) {
+    return static_cast<unsigned char>(character) < 0x80 && (character < 'A' || character > 'Z');
+}
+
+} // namespace
+
 std::optional<std::string> normalizedMessageIdentifier(std::string_view header) {
-    const std::string decoded = decodeHeaderValue(header);
-    const std::string_view trimmed = text::trimCharacters(text::trimWhitespaceAndNewlines(decoded), "<>");
-    if (trimmed.empty()) return std::nullopt;
-    return text::lowercased(trimmed);
+    std::string room;
+    const std::string_view identifier = normalizedMessageIdentifier(header, room);
+    if (identifier.empty()) return std::nullopt;
+    return std::string(identifier);
+}
+
+std::string_view normalizedMessageIdentifier(std::string_view header, std::string& room) {
+    std::string decoded;
+    if (header.find("=?") != std::string_view::npos) header = decoded = decodeHeaderValue(header);
+    const std::string_view trimmed = text::trimCharacters(text::trimWhitespaceAndNewlines(header), "<>");
+    if (decoded.empty() && std::ranges::all_of(trimmed, isLowerCaseAscii)) return trimmed;
+    return room = text::lowercased(trimmed);
 }
 
 std::vector<std::string> normalizedMessageIdentifiers(std::string_view header) {

@@ -11,6 +11,9 @@ namespace corvane::mime {
 // Decoded, without white space and angle brackets at the ends, in lower case; nullopt when that is empty.
 std::optional<std::string> normalizedMessageIdentifier(std::string_view header);
 
+// The same as a view of the header, where it stands there already, or of `room`; empty for none.
+std::string_view normalizedMessageIdentifier(std::string_view header, std::string& room);
+
 // Each identifier in angle brackets once, in order; the whole text as one when there is none;
 // empty for an empty text.
 std::vector<std::string> normalizedMessageIdentifiers(std::string_view header);

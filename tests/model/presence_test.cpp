@@ -150,7 +150,7 @@ TEST(Presence, ALookThatFailsChangesNothingThatWasKnown) {
         // Subjects differ, so a question by content would call what is there missing.
         {"no answer to the question for Message-IDs",
          [&] {
-             store.platform.setShellScript("sql=$(cat); case \"$sql\" in *DISTINCT*) exit 1;; esac; echo "
+             store.platform.setShellScript("sql=$(cat); case \"$sql\" in *messageId*) exit 1;; esac; echo "
                                            "\"$sql\" | /usr/bin/sqlite3 \"$@\"");
          },
          true},

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <system_error>
 
@@ -32,15 +33,20 @@ TEST(PresenceCache, BelongsToOneSignature) {
     const ArchivedOriginalPresenceCacheStore store{CorvaneAppSupport(home.platform())};
     std::vector<ArchivedEntry> entries(2);
     entries[0].locationRootPath = entries[1].locationRootPath = "root";
-    entries[0].record.id = "mid:b";
+    entries[0].record.id = "mid:\"b\"\n";
     entries[1].record.id = "mid:a";
     using enum ArchivedOriginalPresenceStatus;
     const Date day(std::chrono::seconds(7));
     store.save("s", day, entries, {unknown, missing});
     EXPECT_EQ(store.load("s")->cachedAt, day);
     EXPECT_EQ(store.load("s")->statusesByEntryID,
-              (PresenceByEntryID{{"root\x01mid:a", missing}, {"root\x01mid:b", unknown}}));
+              (PresenceByEntryID{{"root\x01mid:a", missing}, {"root\x01mid:\"b\"\n", unknown}}));
     EXPECT_FALSE(store.load("t"));
+    EXPECT_FALSE(store.statuses("t", entries));
+    EXPECT_EQ(store.statuses("s", entries)->byPosition, (std::vector{unknown, missing}));
+    std::ranges::reverse(entries);
+    entries.emplace_back();
+    EXPECT_EQ(store.statuses("s", entries)->byPosition, (std::vector{missing, unknown, unknown}));
     home.write(std::string(supportFolder) + "archived-original-presence-cache.json",
                R"({"cachedAt":"2024-01-01T00:00:00Z","signature":"s","statusesByEntryID":{"a":"gone"}})");
     EXPECT_THROW((void)store.load("s"), JsonError);

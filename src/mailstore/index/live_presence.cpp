@@ -13,9 +13,11 @@
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/index_sql.h"
+#include "mailstore/index/wanted_identifiers.h"
 #include "mailstore/sqlite/shell_queries.h"
-#include "mime/header_decoding.h"
 #include "mime/message_identifiers.h"
+#include "platform/files/writing/temporary_file.h"
+#include "platform/threads/parallel.h"
 #include "text/case.h"
 #include "text/trim.h"
 
@@ -129,29 +131,27 @@ class LiveContents {
 
 } // namespace
 
-std::optional<SharedTextSet> liveMessageIdentifierPresence(const MailStoreContext& context,
-                                                           const std::string& rootPath,
-                                                           const SharedTextSet& targetMessageIdentifiers) {
+std::optional<std::vector<bool>>
+liveMessageIdentifierPresence(const MailStoreContext& context, const std::string& rootPath,
+                              const std::vector<std::string_view>& identifiers) {
     if (!canQueryEnvelopeIndex(context, rootPath)) return std::nullopt;
-    SharedTextSet present;
-    if (targetMessageIdentifiers.empty()) return present;
+    if (std::ranges::all_of(identifiers, [](std::string_view each) { return each.empty(); }))
+        return std::vector<bool>(identifiers.size());
     const std::string index = envelopeIndexPath(rootPath);
     const auto exclusion = exclusionOf(context, index);
     if (!exclusion) return std::nullopt;
     const std::string sql =
-        fmt::format("SELECT DISTINCT g.message_id_header AS messageId\n"
+        fmt::format("SELECT g.message_id_header AS messageId\n"
                     "FROM messages m\n"
                     "LEFT JOIN message_global_data g ON g.message_id = m.message_id\n"
                     "WHERE g.message_id_header IS NOT NULL AND g.message_id_header != '' {};",
                     *exclusion);
-    const bool isWhole = runJSONRows(context, sql, index, [&](JsonRow& row) {
-        const auto identifier = mime::normalizedMessageIdentifier(row.text("messageId").value_or(""));
-        const auto target = identifier ? targetMessageIdentifiers.find(std::string_view(*identifier))
-                                       : targetMessageIdentifiers.end();
-        if (target != targetMessageIdentifiers.end()) present.insert(*target);
-    });
-    if (!isWhole) return std::nullopt;
-    return present;
+    std::optional<platform::TemporaryFile> rows;
+    std::optional<WantedIdentifiers> wanted;
+    platform::parallelCalls([&] { rows = runRowsQuery(context, sql, index); },
+                            [&] { wanted.emplace(identifiers); });
+    if (!rows) return std::nullopt;
+    return wanted->inRows(rows->path());
 }
 
 std::optional<bool> hasMessageIDHeaders(const MailStoreContext& context, const std::string& rootPath) {

@@ -25,11 +25,11 @@ struct ContentPresenceTarget {
 
 namespace mailstore {
 
-// Those of the identifiers, in their normalized form, that a live message has. Nullopt without an index, for
-// one without the identifiers, and after any failure.
-std::optional<SharedTextSet> liveMessageIdentifierPresence(const MailStoreContext& context,
-                                                           const std::string& rootPath,
-                                                           const SharedTextSet& targetMessageIdentifiers);
+// Whether a live message has the identifier, by position; they come in their normalized form, and nothing has
+// an empty one. Nullopt without an index, for one without identifiers, and after any failure.
+std::optional<std::vector<bool>>
+liveMessageIdentifierPresence(const MailStoreContext& context, const std::string& rootPath,
+                              const std::vector<std::string_view>& identifiers);
 
 // Whether the index keeps Message-IDs at all. Nullopt when nobody could look.
 std::optional<bool> hasMessageIDHeaders(const MailStoreContext& context, const std::string& rootPath);

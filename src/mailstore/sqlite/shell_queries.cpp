@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -92,29 +93,35 @@ std::optional<std::string> runLongQuery(const MailStoreContext& context, const s
         context, {.databasePath = databasePath, .sql = sql, .timeLimit = context.longQueryTimeLimit}));
 }
 
-bool runJSONRows(const MailStoreContext& context, const std::string& sql, const std::string& databasePath,
-                 const JsonRowVisitor& visit) {
-    const ShellResult result = runShell(context, {.databasePath = databasePath,
-                                                  .sql = sql,
-                                                  .timeLimit = context.longQueryTimeLimit,
-                                                  .format = ShellQuery::Format::json,
-                                                  .outputExtension = ".json"});
+std::optional<platform::TemporaryFile> runRowsQuery(const MailStoreContext& context, const std::string& sql,
+                                                    const std::string& databasePath) {
+    ShellResult result = runShell(context, {.databasePath = databasePath,
+                                            .sql = sql,
+                                            .timeLimit = context.longQueryTimeLimit,
+                                            .format = ShellQuery::Format::json,
+                                            .outputExtension = ".json"});
     switch (result.kind) {
     case Kind::succeeded:
-        return readJsonRows(result.output->path(), visit);
+        return std::move(result.output);
     case Kind::failed:
         restoredMailDiagnosticLog(context.support, fmt::format("sqlite query failed status={} error={}",
                                                                result.exitStatus, result.detail));
-        return false;
+        return std::nullopt;
     case Kind::timedOut:
         restoredMailDiagnosticLog(context.support, "sqlite query timed out");
-        return false;
+        return std::nullopt;
     case Kind::stopped:
-        return false;
+        return std::nullopt;
     default:
         restoredMailDiagnosticLog(context.support, "sqlite launch failed error=" + result.detail);
-        return false;
+        return std::nullopt;
     }
+}
+
+bool runJSONRows(const MailStoreContext& context, const std::string& sql, const std::string& databasePath,
+                 const JsonRowVisitor& visit) {
+    const auto rows = runRowsQuery(context, sql, databasePath);
+    return rows && readJsonRows(rows->path(), visit);
 }
 
 } // namespace corvane::mailstore

@@ -10,6 +10,7 @@
 #include "mailstore/mail_store_context.h"
 #include "mailstore/sqlite/json_rows.h"
 #include "mailstore/sqlite/sqlite_shell.h"
+#include "platform/files/writing/temporary_file.h"
 
 namespace corvane::mailstore {
 
@@ -31,6 +32,10 @@ std::vector<std::int64_t> runIntSetQuery(const MailStoreContext& context, const 
 // Long. The text of the answer; nullopt after a failure.
 std::optional<std::string> runLongQuery(const MailStoreContext& context, const std::string& sql,
                                         const std::string& databasePath);
+
+// Long. The file of the rows; nullopt for a failure, which is logged.
+std::optional<platform::TemporaryFile> runRowsQuery(const MailStoreContext& context, const std::string& sql,
+                                                    const std::string& databasePath);
 
 // Long. Visits the rows in order; false for a failure, which is logged, and the rows visited before it are
 // then void.

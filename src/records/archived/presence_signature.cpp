@@ -27,7 +27,7 @@ void PresenceSignature::add(const SharedText& root, const ArchivedEmailRecord& r
         rootHash_ = hashed(idSeparator, hashed(root, hashStart));
     }
     const std::uint64_t hash = hashed(fieldSeparator, hashed(record.id, rootHash_));
-    sum_ += hashed(record.messageIdentifier.value_or(SharedText()), hash);
+    sum_ += record.messageIdentifier ? hashed(*record.messageIdentifier, hash) : hash;
     ++count_;
 }
 

@@ -9,34 +9,28 @@
 #include <utility>
 
 #include "platform/files/directory.h"
+#include "records/json/presence_members.h"
 #include "records/json/record_forms.h"
+#include "records/mapped_file.h"
 #include "records/stores/cache_file.h"
 
 namespace corvane {
 
 namespace {
 
-// Written as a map; to find a status in it takes a real one.
-struct ListedStatuses {
-    using mapped_type = ArchivedOriginalPresenceStatus;
-
-    std::vector<std::pair<std::string, mapped_type>> items;
-
-    [[nodiscard]] auto begin() const { return items.begin(); }
-
-    [[nodiscard]] auto end() const { return items.end(); }
-};
-
-template <class Statuses>
 struct CacheFile {
     Date cachedAt{};
     std::string signature;
-    Statuses statusesByEntryID;
+    PresenceByEntryID statusesByEntryID;
 };
 
 constexpr std::string_view fileName = "archived-original-presence-cache.json";
 
 constexpr std::size_t pieceBytes = std::size_t{1} << 18;
+
+constexpr std::string_view opening = R"(,"statusesByEntryID":{)";
+constexpr std::string_view closing = "}}";
+constexpr std::size_t longestHead = 256;
 
 // Passes over the statuses in pieces. What is expected of their text is how save() writes it.
 class StatusLookup {
@@ -108,9 +102,9 @@ class StatusLookup {
 
 } // namespace
 
-template <class Statuses>
-struct JsonForm<CacheFile<Statuses>> {
-    using R = CacheFile<Statuses>;
+template <>
+struct JsonForm<CacheFile> {
+    using R = CacheFile;
     static constexpr auto fields =
         std::tuple{jsonField("cachedAt", &R::cachedAt), jsonField("signature", &R::signature),
                    jsonField("statusesByEntryID", &R::statusesByEntryID)};
@@ -118,9 +112,46 @@ struct JsonForm<CacheFile<Statuses>> {
 
 std::optional<ArchivedOriginalPresenceCache>
 ArchivedOriginalPresenceCacheStore::load(const std::string& signature) const {
-    auto file = readRecordFile<CacheFile<PresenceByEntryID>>(support_.filePath(fileName));
+    auto file = readRecordFile<CacheFile>(support_.filePath(fileName));
     if (!file || file->signature != signature) return std::nullopt;
     return ArchivedOriginalPresenceCache{file->cachedAt, std::move(file->statusesByEntryID)};
+}
+
+std::optional<ArchivedOriginalPresenceCacheStore::Statuses>
+ArchivedOriginalPresenceCacheStore::statuses(const std::string& signature,
+                                             const std::vector<ArchivedEntry>& entries) const {
+    StatusLookup lookup(support_.filePath(fileName));
+    if (lookup.hasOurForm() && !lookup.hasSignature(signature)) return std::nullopt;
+    if (auto inOrder = statusesInOrder(signature, entries)) return inOrder;
+    const auto cache = load(signature);
+    if (!cache || cache->statusesByEntryID.empty()) return std::nullopt;
+    Statuses found{cache->cachedAt, {}};
+    found.byPosition.reserve(entries.size());
+    for (const ArchivedEntry& entry : entries) {
+        const auto known = cache->statusesByEntryID.find(entry.id());
+        const bool isKnown = known != cache->statusesByEntryID.end();
+        found.byPosition.push_back(isKnown ? known->second : ArchivedOriginalPresenceStatus::unknown);
+    }
+    return found;
+}
+
+// Absent also where the cache was written of other entries, or in another order.
+std::optional<ArchivedOriginalPresenceCacheStore::Statuses>
+ArchivedOriginalPresenceCacheStore::statusesInOrder(const std::string& signature,
+                                                    const std::vector<ArchivedEntry>& entries) const {
+    const std::string path = support_.filePath(fileName);
+    if (entries.empty() || !platform::isRegularFile(path)) return std::nullopt;
+    const MappedFile file(path);
+    std::string_view text = file.text();
+    const std::size_t head = text.substr(0, longestHead).find(opening);
+    if (head == std::string_view::npos || !text.ends_with(closing)) return std::nullopt;
+    const std::size_t start = head + opening.size();
+    const auto frame = JsonReader().read<CacheFile>(std::string(text.substr(0, start)).append(closing));
+    if (frame.signature != signature) return std::nullopt;
+    text = text.substr(start, text.size() - start - closing.size());
+    auto members = readPresenceMembers(text, entries);
+    if (!members) return std::nullopt;
+    return Statuses{frame.cachedAt, *std::move(members)};
 }
 
 std::optional<ArchivedOriginalPresenceStatus>
@@ -140,12 +171,13 @@ ArchivedOriginalPresenceCacheStore::status(const std::string& signature, const s
 void ArchivedOriginalPresenceCacheStore::save(
     const std::string& signature, Date checkedAt, const std::vector<ArchivedEntry>& entries,
     const std::vector<ArchivedOriginalPresenceStatus>& statuses) const {
-    CacheFile<ListedStatuses> file{checkedAt, signature, {}};
-    const std::size_t count = std::min(entries.size(), statuses.size());
-    file.statusesByEntryID.items.reserve(count);
-    for (std::size_t at = 0; at < count; ++at)
-        file.statusesByEntryID.items.emplace_back(entries[at].id(), statuses[at]);
-    std::ignore = support_.writeFile(fileName, encodeJson(file));
+    const std::string frame = encodeJson(CacheFile{checkedAt, signature, {}});
+    const std::string_view head = std::string_view(frame).substr(0, frame.size() - closing.size());
+    std::ignore = support_.writeFile(fileName, [&](const platform::ByteSink& sink) {
+        sink(head);
+        writePresenceMembers(entries, statuses, sink);
+        sink(closing);
+    });
 }
 
 } // namespace corvane

@@ -26,6 +26,16 @@ class ArchivedOriginalPresenceCacheStore {
     // Absent when there is no file or its signature differs. Throws std::system_error or JsonError.
     [[nodiscard]] std::optional<ArchivedOriginalPresenceCache> load(const std::string& signature) const;
 
+    struct Statuses {
+        Date cachedAt{};                                        // when Mail was asked
+        std::vector<ArchivedOriginalPresenceStatus> byPosition; // `unknown` for one that the cache lacks
+    };
+
+    // What the cache has of these entries; absent as above, and where it has none at all. Quick for entries
+    // in the order in which they were saved. Throws as above.
+    [[nodiscard]] std::optional<Statuses> statuses(const std::string& signature,
+                                                   const std::vector<ArchivedEntry>& entries) const;
+
     // Of one entry, without keeping the others; absent where the cache has none for it or can't be read.
     [[nodiscard]] std::optional<ArchivedOriginalPresenceStatus> status(const std::string& signature,
                                                                        const std::string& entryID) const;
@@ -35,6 +45,9 @@ class ArchivedOriginalPresenceCacheStore {
               const std::vector<ArchivedOriginalPresenceStatus>& statuses) const;
 
   private:
+    [[nodiscard]] std::optional<Statuses> statusesInOrder(const std::string& signature,
+                                                          const std::vector<ArchivedEntry>& entries) const;
+
     CorvaneAppSupport support_;
 };
 

@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "platform/threads/parallel.h"
 #include "records/archived/presence_signature.h"
 
 namespace corvane {
@@ -14,6 +15,8 @@ namespace corvane {
 namespace {
 
 using Status = ArchivedOriginalPresenceStatus;
+
+constexpr std::size_t entriesPerPart = 4096;
 
 bool haveSameIDs(const std::vector<ArchivedEntry>& a, const std::vector<ArchivedEntry>& b) {
     return std::ranges::equal(a, b, [](const ArchivedEntry& one, const ArchivedEntry& other) {
@@ -38,10 +41,10 @@ std::vector<Status> statusesInOrder(const std::vector<ArchivedEntry>& entries,
 }
 
 // Absent where there is nothing to be had, for whatever reason.
-std::optional<ArchivedOriginalPresenceCache> cached(const ArchivedOriginalPresenceCacheStore& store,
-                                                    const std::string& signature) {
+std::optional<ArchivedOriginalPresenceCacheStore::Statuses>
+cached(const ArchivedOriginalPresenceCacheStore& store, const OriginalPresence& presence) {
     try {
-        return store.load(signature);
+        return store.statuses(presence.signature, *presence.entries);
     } catch (const std::exception&) { // a damaged cache counts as none
         return std::nullopt;
     }
@@ -74,8 +77,15 @@ std::string_view rawValue(OriginalPresence::State state) {
 }
 
 std::string archivedOriginalPresenceSignature(const std::vector<ArchivedEntry>& entries) {
+    std::vector<PresenceSignature> parts((entries.size() + entriesPerPart - 1) / entriesPerPart);
+    platform::parallelFor(0, parts.size(), [&](std::size_t number) {
+        const std::size_t first = number * entriesPerPart;
+        const std::size_t end = std::min(first + entriesPerPart, entries.size());
+        for (std::size_t at = first; at < end; ++at)
+            parts[number].add(entries[at].locationRootPath, entries[at].record);
+    });
     PresenceSignature signature;
-    for (const ArchivedEntry& entry : entries) signature.add(entry.locationRootPath, entry.record);
+    for (const PresenceSignature& part : parts) signature.add(part);
     return signature.text();
 }
 
@@ -94,19 +104,14 @@ SharedPresence presenceOfEntries(SharedEntryList entries, const SharedPresence& 
 
 SharedPresence restoredPresence(const OriginalPresence& presence,
                                 const ArchivedOriginalPresenceCacheStore& store) {
-    const auto cache = cached(store, presence.signature);
-    if (!cache || cache->statusesByEntryID.empty()) return nullptr;
+    auto cache = cached(store, presence);
+    if (!cache) return nullptr;
     auto restored = std::make_shared<OriginalPresence>();
     restored->entries = presence.entries;
     restored->signature = presence.signature;
     restored->checkedAt = cache->cachedAt;
     restored->isOfEarlierRun = true;
-    restored->statuses.reserve(presence.entries->size());
-    for (const ArchivedEntry& entry : *presence.entries) {
-        const auto found = cache->statusesByEntryID.find(entry.id());
-        const bool isKnown = found != cache->statusesByEntryID.end();
-        restored->statuses.push_back(isKnown ? found->second : Status::unknown);
-    }
+    restored->statuses = std::move(cache->byPosition);
     return restored;
 }
 

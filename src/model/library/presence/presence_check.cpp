@@ -1,8 +1,12 @@
 #include "model/library/presence/presence_check.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <stop_token>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -13,6 +17,7 @@
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/live_presence.h"
 #include "mime/message_identifiers.h"
+#include "platform/threads/parallel.h"
 #include "records/stores/presence_cache_store.h"
 #include "records/timestamps.h"
 
@@ -33,16 +38,37 @@ const char* textForUser(std::string_view reason) {
            "只是无法自动判断哪些原件仍在 Mail、可安全删除。";
 }
 
-// By position; an empty text for an entry without an identifier.
-std::vector<SharedText> normalizedIdentifiers(const Entries& entries) {
-    std::vector<SharedText> identifiers(entries.size());
-    for (std::size_t at = 0; at < entries.size(); ++at) {
-        const auto& stored = entries[at].record.messageIdentifier;
-        const auto normalized = stored ? mime::normalizedMessageIdentifier(*stored) : std::nullopt;
-        if (normalized) identifiers[at] = *stored == *normalized ? *stored : SharedText(*normalized);
+// The Message-IDs of entries, which outlive them, in their normalized form.
+class NormalizedIdentifiers {
+  public:
+    explicit NormalizedIdentifiers(const Entries& entries)
+      : views_(entries.size())
+      , made_((entries.size() + entriesPerPart - 1) / entriesPerPart) {
+        platform::parallelFor(0, made_.size(), [&](std::size_t part) {
+            const std::size_t end = std::min((part + 1) * entriesPerPart, entries.size());
+            for (std::size_t at = part * entriesPerPart; at < end; ++at)
+                if (const auto& stored = entries[at].record.messageIdentifier)
+                    views_[at] = normalized(*stored, made_[part]);
+        });
     }
-    return identifiers;
-}
+
+    // By position; empty for an entry without one.
+    [[nodiscard]] const std::vector<std::string_view>& views() const { return views_; }
+
+  private:
+    static constexpr std::size_t entriesPerPart = 4096;
+
+    // Almost all are recorded in that form.
+    static std::string_view normalized(std::string_view stored, std::deque<std::string>& made) {
+        std::string room;
+        const std::string_view identifier = mime::normalizedMessageIdentifier(stored, room);
+        if (room.empty()) return identifier;
+        return made.emplace_back(std::move(room));
+    }
+
+    std::vector<std::string_view> views_;
+    std::vector<std::deque<std::string>> made_;
+};
 
 // One for each entry that can be found so, under the number of its position.
 std::vector<ContentPresenceTarget> contentTargets(const Entries& entries) {
@@ -67,16 +93,15 @@ class PresenceCheck {
     // Absent when Mail gave no answer.
     std::optional<Statuses> compare() {
         const Entries& entries = *known_.entries;
-        const std::vector<SharedText> identifiers = normalizedIdentifiers(entries);
-        SharedTextSet asked(identifiers.begin(), identifiers.end());
-        asked.erase(SharedText());
-        const auto live = mailstore::liveMessageIdentifierPresence(mail_, job_.mailRootPath, asked);
-        if (!live) return compareContent();
+        const NormalizedIdentifiers identifiers(entries);
+        const auto isLive =
+            mailstore::liveMessageIdentifierPresence(mail_, job_.mailRootPath, identifiers.views());
+        if (!isLive) return compareContent();
         Statuses statuses(entries.size());
-        for (std::size_t at = 0; at < entries.size(); ++at)
-            statuses[at] = identifiers[at].empty()
-                               ? known_.statusAt(at)
-                               : (live->contains(identifiers[at]) ? Status::present : Status::missing);
+        for (std::size_t at = 0; at < entries.size(); ++at) {
+            const bool isKnown = !identifiers.views()[at].empty();
+            statuses[at] = !isKnown ? known_.statusAt(at) : (*isLive)[at] ? Status::present : Status::missing;
+        }
         return statuses;
     }
 
