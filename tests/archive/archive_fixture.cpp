@@ -109,8 +109,8 @@ void ArchiveFixture::expectTrue(const EmailArchiveRunResult& result) const {
         EXPECT_TRUE(recorded.contains(file.relativePath)) << file.relativePath;
         EXPECT_EQ(file.reading.hash, platform::sha256(content)) << file.relativePath;
         EXPECT_EQ(file.reading.stamp.sizeBytes, static_cast<std::int64_t>(content.size()));
-        const auto look = platform::lookAtFile(at(file.relativePath));
-        EXPECT_EQ(file.reading.stamp.modifiedNanoseconds, look.modifiedNanoseconds) << file.relativePath;
+        EXPECT_EQ(file.reading.stamp, stampOf(platform::lookAtFile(at(file.relativePath))))
+            << file.relativePath;
     }
 }
 

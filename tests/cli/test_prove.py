@@ -80,6 +80,20 @@ class Prove(CliCase):
         self.assertEqual(self.run_cli(self.home_path, "stats")["deletionSafety"]["archived"], first["proven"])
         self.assertEqual(self.run_cli(self.home_path, "prove", expect=None)["proven"], first["proven"])
 
+    def test_an_original_altered_behind_its_size_and_time_is_read_again(self):
+        first = self.run_cli(self.home_path, "prove", expect=None)
+        against = {message["id"] for message in first["messages"]}
+        message = next(m for m in self.run_cli(self.home_path, "messages", "--filter", "onlyMigrated")
+                       if m["id"] not in against and not m.get("relatedMessageFileURLs"))
+        original = pathlib.Path(urllib.parse.unquote(message["fileURL"].removeprefix("file://")))
+        content, status = bytearray(original.read_bytes()), original.stat()
+        start = content.index(b"\n") + 1
+        content[start + int(content[:start]) - 1] ^= 1
+        original.write_bytes(content)
+        os.utime(original, ns=(status.st_atime_ns, status.st_mtime_ns))
+        second = self.run_cli(self.home_path, "prove", expect=3)
+        self.assertEqual((second["differs"], second["proven"]), (first["differs"] + 1, first["proven"] - 1))
+
     def test_the_scope_limits_what_is_read_and_counted(self):
         years = {m["date"][:4] for m in self.run_cli(self.home_path, "messages") if "date" in m}
         whole = self.run_cli(self.home_path, "prove", "--year", "1", expect=0)

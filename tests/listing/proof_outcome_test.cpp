@@ -16,8 +16,8 @@ namespace {
 using Place = ProofFile::Place;
 using Outcome = FileReading::Outcome;
 
-constexpr FileStamp now{10, 5};
-constexpr FileStamp earlier{10, 4};
+constexpr FileStamp now{10, 5, 7};
+constexpr FileStamp earlier{10, 5, 6}; // altered since, with its modification time set back
 
 platform::Sha256Digest digest(char content) {
     return platform::sha256(std::string(1, content));
@@ -93,7 +93,7 @@ const File withBody{.read = Read{'a', 'x'}};
 const File unreadFile{.read = {}};
 const File changedFile{.read = Read{.stamp = earlier}};
 const File otherFile{.read = Read{'b'}};
-const File otherSize{.read = {}, .stamp = {9, 5}};
+const File otherSize{.read = {}, .stamp = {9, 5, 7}};
 const File gone{.place = Place::gone};
 const File away{.place = Place::outOfReach};
 const File awayUnread{.read = {}, .place = Place::outOfReach};

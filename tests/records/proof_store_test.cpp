@@ -6,6 +6,7 @@
 #include <string>
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 
 #include "platform/files/directory.h"
@@ -17,7 +18,8 @@ namespace {
 constexpr const char* storeFile = ".local/share/Corvane/proof-readings.sqlite";
 
 FileReading sampleReading(char content, bool hasBody) {
-    FileReading reading{.stamp = {7, 1'700'000'000'123'456'789}, .outcome = FileReading::Outcome::complete};
+    FileReading reading{.stamp = {7, 1'700'000'000'123'456'789, 1'700'000'001'000'000'000},
+                        .outcome = FileReading::Outcome::complete};
     reading.hash = platform::sha256(std::string(1, content));
     if (hasBody) reading.bodyHash = platform::sha256("body");
     reading.readAt = Date(std::chrono::seconds(1'700'000'000));
@@ -50,6 +52,26 @@ TEST(ProofStore, KeepsTheLastReadingOfEachFile) {
     struct stat status{};
     ASSERT_EQ(::stat(home.at(storeFile).c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0600U);
+}
+
+TEST(ProofStore, OfTheVersionBeforeKeepsItsReadingsWhichNoFileThatIsThereAgreesWith) {
+    const TemporaryHome home;
+    const CorvaneAppSupport support(home.platform());
+    ReadingBatch batch;
+    batch.archived["/root"] = {{"x.eml", sampleReading('c', true)}};
+    ASSERT_TRUE(ProofStore(support).save(batch));
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(home.at(storeFile).c_str(), &database), SQLITE_OK);
+    EXPECT_EQ(
+        sqlite3_exec(database,
+                     "ALTER TABLE copy_reading DROP COLUMN changed; ALTER TABLE archived_reading DROP COLUMN "
+                     "changed; PRAGMA user_version = 2;",
+                     nullptr, nullptr, nullptr),
+        SQLITE_OK);
+    sqlite3_close(database);
+    FileReading kept = sampleReading('c', true);
+    kept.stamp.changedNanoseconds = -1;
+    EXPECT_EQ(*ProofStore(support).load()->archivedReading("/root", "x.eml"), kept);
 }
 
 TEST(ProofStore, IsMadeAnewWhereItCannotBeUsed) {

@@ -12,7 +12,6 @@
 #include "platform/files/cloud_content.h"
 #include "platform/files/cloud_placeholder.h"
 #include "platform/files/directory.h"
-#include "platform/files/file_look.h"
 #include "platform/paths.h"
 #include "records/stores/archive_index_file.h"
 #include "text/case.h"
@@ -53,7 +52,7 @@ ArchiveReader::File readLimited(platform::FileLayer& files, platform::JobLimit& 
     const std::string path = root.at(relativePath);
     struct stat status{};
     if (files.stat(path, status) == 0) {
-        file.stamp = {status.st_size, platform::modifiedNanoseconds(status)};
+        file.stamp = stampOf(status);
         file.identity = {status.st_dev, status.st_ino};
         if (platform::isOnlyInCloud(status)) return file;
     }

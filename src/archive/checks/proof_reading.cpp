@@ -21,11 +21,6 @@ using platform::FileLook;
 // Real mail never comes near; a lying sparse file must not take all memory.
 constexpr std::int64_t maximumBytes = std::int64_t{4} << 30;
 
-FileStamp stampOf(const FileLook& look) {
-    if (look.presence == FileLook::Presence::unknown) return {-1, -1};
-    return {look.sizeBytes, look.modifiedNanoseconds};
-}
-
 bool isSameFile(const FileLook& a, const FileLook& b) {
     return a.presence == b.presence && stampOf(a) == stampOf(b) && a.device == b.device && a.inode == b.inode;
 }

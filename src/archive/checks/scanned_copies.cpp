@@ -14,8 +14,7 @@ namespace {
 
 bool isAsRead(std::string_view path, const FileStamp& stamp) {
     const platform::FileLook look = platform::lookAtFile(std::string(path));
-    return look.presence == platform::FileLook::Presence::there &&
-           FileStamp{look.sizeBytes, look.modifiedNanoseconds} == stamp;
+    return look.presence == platform::FileLook::Presence::there && stampOf(look) == stamp;
 }
 
 } // namespace

@@ -10,7 +10,6 @@
 
 #include "archive/archive_error.h"
 #include "archive/destination/archive_modes.h"
-#include "platform/files/file_look.h"
 #include "platform/files/layers/layer_descriptor.h"
 #include "platform/files/layers/layer_reading.h"
 #include "platform/files/writing/storage_flush.h"
@@ -98,7 +97,7 @@ bool readUncached(platform::FileLayer& files, const std::string& path, BeforeRea
     if (!file) return false;
     if (before == BeforeReading::flush && files.sync(file.get()) != 0) return false;
     files.bypassCache(file.get());
-    if (stamp != nullptr) *stamp = {status.st_size, platform::modifiedNanoseconds(status)};
+    if (stamp != nullptr) *stamp = stampOf(status);
     const auto size = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0));
     errno = platform::readPieces(files, file.get(), size, take);
     return errno == 0;

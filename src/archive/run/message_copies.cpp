@@ -10,7 +10,6 @@
 #include <fmt/format.h>
 
 #include "archive/message_identity.h"
-#include "platform/files/file_look.h"
 #include "platform/files/layers/layer_reading.h"
 #include "platform/stop_watch.h"
 #include "records/error_reasons.h"
@@ -28,13 +27,9 @@ constexpr std::int64_t maximumBytes = std::int64_t{4} << 30;
 // One .emlx file as it was read.
 struct StoredFile {
     std::string content;
-    FileStamp stamp{-1, -1}; // as long as nobody could look
+    FileStamp stamp = unknownStamp; // as long as nobody could look
     int error = 0;
 };
-
-FileStamp stampOf(const struct stat& status) {
-    return {status.st_size, platform::modifiedNanoseconds(status)};
-}
 
 StoredFile readStored(platform::FileLayer& files, platform::JobLimit& limit, const std::string& path) {
     StoredFile stored;

@@ -42,10 +42,6 @@ constexpr bool isOfferedAgain(ProofOutcome outcome) {
     return outcome == ProofOutcome::differs || outcome == ProofOutcome::fileMissing;
 }
 
-// The stamp of a file that is there while its size and time can't be had. A reading that failed for it holds
-// as long as that stays so.
-inline constexpr FileStamp unknownStamp{-1, -1};
-
 // A copy of the message that is there.
 struct ProofCopy {
     std::string_view path;

@@ -43,12 +43,8 @@ void ProofSources::gatherCopies(const MailMessageRecord& message, ProofSubject& 
         }
         const platform::FileLook look = platform::lookAtFile(path);
         if (look.presence == Presence::absent) continue;
-        const bool isSeen = look.presence == Presence::there;
         subject.copies.push_back(
-            {.path = path,
-             .stamp = isSeen ? FileStamp{look.sizeBytes, look.modifiedNanoseconds} : unknownStamp,
-             .reading = reading,
-             .placeOnDisk = look.inode});
+            {.path = path, .stamp = stampOf(look), .reading = reading, .placeOnDisk = look.inode});
     }
 }
 

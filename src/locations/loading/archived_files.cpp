@@ -11,7 +11,6 @@
 #include "locations/places/place_looks.h"
 #include "platform/files/cloud_placeholder.h"
 #include "platform/files/directory.h"
-#include "platform/files/file_look.h"
 #include "platform/paths.h"
 #include "text/collation.h"
 
@@ -108,8 +107,7 @@ void Listing::addFile(const SharedText& path, const Names& names) {
     struct stat status{};
     const std::string file = platform::joinPath(root_, path);
     if (look_.files().stat(file, status) == 0) {
-        if (S_ISREG(status.st_mode))
-            result.there[path] = {status.st_size, platform::modifiedNanoseconds(status)};
+        if (S_ISREG(status.st_mode)) result.there[path] = stampOf(status);
     } else if (!saysAbsent(errno)) {
         result.unknown.insert(path);
     } else if (isAmong(names.inCloud)) {

@@ -6,6 +6,14 @@
 
 namespace corvane::platform {
 
+namespace {
+
+std::int64_t nanoseconds(const struct timespec& time) noexcept {
+    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
+} // namespace
+
 FileLook lookAtFile(const std::string& path) noexcept {
     struct stat status{};
     if (!isNameable(path) || ::stat(path.c_str(), &status) != 0) {
@@ -15,17 +23,25 @@ FileLook lookAtFile(const std::string& path) noexcept {
     return {.presence = FileLook::Presence::there,
             .sizeBytes = status.st_size,
             .modifiedNanoseconds = modifiedNanoseconds(status),
+            .changedNanoseconds = changedNanoseconds(status),
             .device = static_cast<std::uint64_t>(status.st_dev),
             .inode = static_cast<std::uint64_t>(status.st_ino)};
 }
 
 std::int64_t modifiedNanoseconds(const struct stat& status) noexcept {
 #if defined(__APPLE__)
-    const struct timespec& time = status.st_mtimespec;
+    return nanoseconds(status.st_mtimespec);
 #else
-    const struct timespec& time = status.st_mtim;
+    return nanoseconds(status.st_mtim);
 #endif
-    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
+std::int64_t changedNanoseconds(const struct stat& status) noexcept {
+#if defined(__APPLE__)
+    return nanoseconds(status.st_ctimespec);
+#else
+    return nanoseconds(status.st_ctim);
+#endif
 }
 
 } // namespace corvane::platform

@@ -1,4 +1,4 @@
-// One look at a file: whether it is there, its size and its time. Follows links, never opens. Thread-safe.
+// One look at a file: whether it is there, its size and its times. Follows links, never opens. Thread-safe.
 #pragma once
 
 #include <cstdint>
@@ -19,6 +19,7 @@ struct FileLook {
     // Of a file that is there, else 0.
     std::int64_t sizeBytes = 0;
     std::int64_t modifiedNanoseconds = 0; // since 1970
+    std::int64_t changedNanoseconds = 0;  // the same of the file's last change of any kind
     std::uint64_t device = 0;
     std::uint64_t inode = 0; // files of near numbers tend to lie near each other on the disk
 };
@@ -27,5 +28,8 @@ FileLook lookAtFile(const std::string& path) noexcept;
 
 // Since 1970.
 std::int64_t modifiedNanoseconds(const struct stat& status) noexcept;
+
+// Since 1970, of the last change of content, name or mode. The system keeps it: no program sets it back.
+std::int64_t changedNanoseconds(const struct stat& status) noexcept;
 
 } // namespace corvane::platform

@@ -1,11 +1,14 @@
 // What reading a file has shown: the facts from which a message is proven to be archived. A fact holds as
-// long as the file has the size and the modification time that it had when it was read.
+// long as the file has the size and the times that it had when it was read.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <string>
 
+#include <sys/stat.h>
+
+#include "platform/files/file_look.h"
 #include "platform/files/sha256.h"
 #include "records/values.h"
 
@@ -14,9 +17,21 @@ namespace corvane {
 struct FileStamp {
     std::int64_t sizeBytes = 0;
     std::int64_t modifiedNanoseconds = 0; // since 1970
+    // Since 1970. Whoever alters a file can give it its old modification time again, and not this one.
+    // Negative in what was read before it was kept, which no file has.
+    std::int64_t changedNanoseconds = 0;
 
     friend bool operator==(const FileStamp&, const FileStamp&) = default;
 };
+
+// The stamp of a file that is there while its size and times can't be had. A reading that failed for it holds
+// as long as that stays so.
+inline constexpr FileStamp unknownStamp{-1, -1, -1};
+
+FileStamp stampOf(const struct stat& status) noexcept;
+
+// `unknownStamp` unless it is there.
+FileStamp stampOf(const platform::FileLook& look) noexcept;
 
 struct FileReading {
     enum class Outcome {

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "platform/files/cloud_placeholder.h"
-#include "platform/files/file_look.h"
 #include "platform/files/layers/layer_reading.h"
 #include "records/json/record_forms.h"
 #include "records/stores/archive_index_decoder.h"
@@ -36,9 +35,7 @@ ArchiveIndexReading readingWithoutFile(platform::FileLayer& files, const std::st
 } // namespace
 
 ArchiveIndexVersion ArchiveIndexVersion::of(const struct stat& status) {
-    return {
-        .file = platform::FileIdentity::of(status),
-        .stamp = {.sizeBytes = status.st_size, .modifiedNanoseconds = platform::modifiedNanoseconds(status)}};
+    return {.file = platform::FileIdentity::of(status), .stamp = stampOf(status)};
 }
 
 ArchiveIndexReading readArchiveIndexFile(platform::FileLayer& files, const std::string& path,

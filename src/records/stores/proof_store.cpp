@@ -25,30 +25,40 @@ constexpr int maximumRowBytes = 1 << 20;
 
 // Counted up with every change of the tables; a file with another number is made anew.
 constexpr const char* versionPragma = "PRAGMA user_version;";
-constexpr std::int64_t currentVersion = 2; // 1 had other body hashes
+constexpr std::int64_t currentVersion = 3;        // 1 had other body hashes
+constexpr std::int64_t versionWithoutChanged = 2; // the last one whose rows don't say when a file was changed
 
 constexpr const char* schema = R"(BEGIN IMMEDIATE;
-PRAGMA user_version = 2;
+PRAGMA user_version = 3;
 CREATE TABLE IF NOT EXISTS copy_reading(
     path TEXT PRIMARY KEY, size INTEGER NOT NULL, modified INTEGER NOT NULL, outcome INTEGER NOT NULL,
-    hash BLOB NOT NULL, body_hash BLOB, read_at INTEGER NOT NULL) WITHOUT ROWID;
+    hash BLOB NOT NULL, body_hash BLOB, read_at INTEGER NOT NULL,
+    changed INTEGER NOT NULL DEFAULT -1) WITHOUT ROWID;
 CREATE TABLE IF NOT EXISTS archived_reading(
     root TEXT NOT NULL, path TEXT NOT NULL, size INTEGER NOT NULL, modified INTEGER NOT NULL,
     outcome INTEGER NOT NULL, hash BLOB NOT NULL, body_hash BLOB, read_at INTEGER NOT NULL,
+    changed INTEGER NOT NULL DEFAULT -1,
     PRIMARY KEY(root, path)) WITHOUT ROWID;
 COMMIT;
 )";
 
+// What was read before stays for archives that can't be read now; any file that is there is read again.
+constexpr const char* addChanged = R"(ALTER TABLE copy_reading ADD COLUMN changed INTEGER NOT NULL DEFAULT -1;
+ALTER TABLE archived_reading ADD COLUMN changed INTEGER NOT NULL DEFAULT -1;
+PRAGMA user_version = 3;
+)";
+
 constexpr const char* selectCopies =
-    "SELECT path, size, modified, outcome, hash, body_hash, read_at FROM copy_reading;";
+    "SELECT path, size, modified, outcome, hash, body_hash, read_at, changed FROM copy_reading;";
 constexpr const char* selectArchived =
-    "SELECT path, size, modified, outcome, hash, body_hash, read_at, root FROM archived_reading;";
+    "SELECT path, size, modified, outcome, hash, body_hash, read_at, changed, root FROM archived_reading;";
 // As ReadingTable::set.
-constexpr const char* insertCopy = R"(INSERT INTO copy_reading VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7)
-ON CONFLICT DO UPDATE SET size = ?2, modified = ?3, outcome = ?4, hash = ?5, read_at = ?7,
+constexpr const char* insertCopy = R"(INSERT INTO copy_reading VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)
+ON CONFLICT DO UPDATE SET size = ?2, modified = ?3, outcome = ?4, hash = ?5, read_at = ?7, changed = ?8,
     body_hash = CASE WHEN ?6 IS NULL AND hash = ?5 THEN body_hash ELSE ?6 END;)";
-constexpr const char* insertArchived = R"(INSERT INTO archived_reading VALUES(?8, ?1, ?2, ?3, ?4, ?5, ?6, ?7)
-ON CONFLICT DO UPDATE SET size = ?2, modified = ?3, outcome = ?4, hash = ?5, read_at = ?7,
+constexpr const char* insertArchived =
+    R"(INSERT INTO archived_reading VALUES(?9, ?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)
+ON CONFLICT DO UPDATE SET size = ?2, modified = ?3, outcome = ?4, hash = ?5, read_at = ?7, changed = ?8,
     body_hash = CASE WHEN ?6 IS NULL AND hash = ?5 THEN body_hash ELSE ?6 END;)";
 
 constexpr const char* deleteCopy = "DELETE FROM copy_reading WHERE path = ?1;";
@@ -88,7 +98,7 @@ std::optional<FileReading> readingIn(const SqliteStatement& row) {
     const std::int64_t outcome = row.integer(3);
     const auto hash = digestOf(row.blob(4));
     if (!hash || outcome < 0 || outcome > last) return std::nullopt;
-    return FileReading{.stamp = {row.integer(1), row.integer(2)},
+    return FileReading{.stamp = {row.integer(1), row.integer(2), row.integer(7)},
                        .outcome = static_cast<FileReading::Outcome>(outcome),
                        .hash = *hash,
                        .bodyHash = digestOf(row.blob(5)),
@@ -103,6 +113,7 @@ void bindReading(SqliteStatement& statement, std::string_view path, const FileRe
     statement.bindBlob(5, reading.hash);
     if (reading.bodyHash) statement.bindBlob(6, *reading.bodyHash);
     statement.bindInteger(7, reading.readAt.time_since_epoch().count());
+    statement.bindInteger(8, reading.stamp.changedNanoseconds);
 }
 
 // SQLITE_OK for a statement without rows that went through; it is ready for the next values then.
@@ -130,7 +141,7 @@ int readArchived(sqlite3* database, ProofFacts& facts) {
     while (rows.step()) {
         const auto reading = readingIn(rows);
         if (!reading) continue;
-        const std::string_view rowRoot = rows.text(7).value_or("");
+        const std::string_view rowRoot = rows.text(8).value_or("");
         if (table == nullptr || root != rowRoot) {
             root = rowRoot;
             table = &facts.archived[root];
@@ -152,7 +163,7 @@ int insertAll(sqlite3* database, const ReadingBatch& batch) {
     for (const auto& [root, readings] : batch.archived) {
         for (const ArchivedFileReading& file : readings) {
             bindReading(files, file.relativePath, file.reading);
-            files.bindText(8, root);
+            files.bindText(9, root);
             if ((status = stepOnce(files)) != SQLITE_OK) return status;
         }
     }
@@ -189,13 +200,31 @@ int changeAtOnce(sqlite3* database, const Change& change) {
     return status;
 }
 
-// SQLITE_OK, or the error that kept the tables from being there.
-int provideTables(sqlite3* database) {
+// SQLITE_ROW, or the error.
+int readVersion(sqlite3* database, std::int64_t& known) {
     SqliteStatement version(database, versionPragma);
     if (!version.step()) return version.status();
-    const std::int64_t known = version.integer(0);
-    version.rewind();
+    known = version.integer(0);
+    return SQLITE_ROW;
+}
+
+// Another process may be doing the same.
+int addChangedColumn(sqlite3* database) {
+    return changeAtOnce(database, [&] {
+        std::int64_t known = 0;
+        const int status = readVersion(database, known);
+        if (status != SQLITE_ROW) return status;
+        return known == versionWithoutChanged ? execute(database, addChanged) : SQLITE_OK;
+    });
+}
+
+// SQLITE_OK, or the error that kept the tables from being there.
+int provideTables(sqlite3* database) {
+    std::int64_t known = 0;
+    const int status = readVersion(database, known);
+    if (status != SQLITE_ROW) return status;
     if (known == currentVersion) return SQLITE_OK;
+    if (known == versionWithoutChanged) return addChangedColumn(database);
     // Another process may be making them as well.
     return known == 0 ? execute(database, schema) : SQLITE_NOTADB;
 }
