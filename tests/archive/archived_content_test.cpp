@@ -58,7 +58,7 @@ TEST_F(ArchivedContent, AFileThatMailHasGivenToAnotherMessageIsMissing) {
     EXPECT_EQ(reasons(result),
               std::vector<std::string>{"邮件文件不存在，可能已被 Mail 重新索引，请重新扫描后再试。"});
     EXPECT_TRUE(index().records.empty());
-    EXPECT_TRUE(result.copyReadings.empty());
+    EXPECT_EQ(result.copyReadings.at(0).path, tax.fileURL.path());
 
     // With a copy that is still its own, the rest is archived, and told.
     const std::string own = mailText("tax@x", "tax\n", "Subject: Tax 2019\n");
@@ -68,6 +68,9 @@ TEST_F(ArchivedContent, AFileThatMailHasGivenToAnotherMessageIsMissing) {
     EXPECT_EQ(mixed.failures.at(0).messageFileURL, tax.fileURL);
     EXPECT_TRUE(holds(own));
     EXPECT_FALSE(holds(newsletter));
+    // Both have the hashes by which the proof says that they differ.
+    EXPECT_EQ(mixed.copyReadings.back().reading.hash, platform::sha256(newsletter));
+    EXPECT_TRUE(mixed.copyReadings.back().reading.bodyHash && mixed.archivedReadings.at(0).reading.bodyHash);
     expectTrue(mixed);
 }
 

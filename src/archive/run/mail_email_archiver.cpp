@@ -209,7 +209,7 @@ void ArchiveRun::handleCopies(const MailMessageRecord& message, MessageCopies& c
 void ArchiveRun::handleWithoutCopies(const MailMessageRecord& message, const MessageCopies& copies) {
     if (!copies.unreadable.empty()) {
         fail(message, message.fileURL, unreadableReason);
-    } else if (copies.hasFileOfAnother) {
+    } else if (!copies.ofOthers.empty()) {
         fail(message, message.fileURL, archive::missingFileReason);
     } else if (archiver_->holds(message)) {
         ++result_.skippedAlreadyArchived;
@@ -224,6 +224,7 @@ void ArchiveRun::handleWithoutCopies(const MailMessageRecord& message, const Mes
 void ArchiveRun::handOut(MessageCopies& copies) {
     std::ranges::move(copies.readings, std::back_inserter(result_.copyReadings));
     std::ranges::move(copies.unreadable, std::back_inserter(result_.copyReadings));
+    std::ranges::move(copies.ofOthers, std::back_inserter(result_.copyReadings));
 }
 
 void ArchiveRun::finish() {

@@ -179,14 +179,14 @@ ArchivedEmailRecord MessageArchiver::Work::newRecord(SharedText id, std::string 
     return record;
 }
 
-// Only where a copy's own bytes are in no file: it is held by a file with the same body.
+// Only where a copy's own bytes are in no file: it is held by a file with the same body, or by none.
 void MessageArchiver::Work::addBodyHashes() {
     const auto isHeldWhole = [&](const CopyReading& copy) {
         return std::ranges::any_of(handled_.readings, [&](const ArchivedFileReading& file) {
             return file.reading.hash == copy.reading.hash;
         });
     };
-    if (std::ranges::all_of(copies_.readings, isHeldWhole)) return;
+    if (copies_.ofOthers.empty() && std::ranges::all_of(copies_.readings, isHeldWhole)) return;
     for (std::size_t copy = 0; copy < copies_.readings.size(); ++copy) {
         copies_.readings[copy].reading.bodyHash = platform::sha256(copies_.messages[copy].body());
     }

@@ -103,8 +103,10 @@ void CopyReader::readCopy(std::string path) {
 
 void CopyReader::add(CopyReading copy, MessageBytes message) {
     if (holdsAnotherMessage(ExpectedMessage::of(message_), message.bytes)) {
-        result_.hasFileOfAnother = true;
         result_.problems.push_back({copy.path, missingFileReason});
+        copy.reading.hash = platform::sha256(message.bytes);
+        copy.reading.bodyHash = platform::sha256(message.body());
+        result_.ofOthers.push_back(std::move(copy));
         return;
     }
     if (!isWholeMessage(*message.file, message.bytes)) {

@@ -26,8 +26,10 @@ struct MessageCopies {
     std::vector<CopyReading> readings;
 
     std::vector<CopyReading> unreadable;
+    // Files of other messages, which aren't archived with this one: with the hashes of their bodies, so that
+    // what the archive has of the message isn't taken for them.
+    std::vector<CopyReading> ofOthers;
     std::vector<CopyProblem> problems; // of unreadable and incomplete copies, and of files of other messages
-    bool hasFileOfAnother = false;
     std::chrono::duration<double> reading{};
     std::chrono::duration<double> parsing{};
 };
