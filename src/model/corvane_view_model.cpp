@@ -52,7 +52,7 @@ void CorvaneViewModel::wireScan() {
     connect(&mail_.scanFlow, &ScanFlow::scanFinished, this, [this] {
         archiving_.readings.prune({library_.loader.archivedEntries(), mail_.catalog.messages()});
         pruneFilterYears();
-        mail_.counts.refreshIndexedYearCounts();
+        mail_.counts.refreshIndexedYearCounts(mail_.catalog.messages());
     });
     connect(&mail_.scanFlow, &ScanFlow::scanEnded, this,
             [this] { mail_.diagnostics.write(mail_.accounts.selectedAccountPrefixes()); });
@@ -72,7 +72,7 @@ void CorvaneViewModel::wireScan() {
     connect(&mail_.scanFlow, &ScanFlow::cachedScanRestored, this, [this](bool loadIndex) {
         if (loadIndex) loadArchiveIndex(false);
         pruneFilterYears();
-        mail_.counts.refreshIndexedYearCounts();
+        mail_.counts.refreshIndexedYearCounts(mail_.catalog.messages());
     });
 }
 
@@ -259,6 +259,11 @@ void CorvaneViewModel::wireOverview() {
     const auto refresh = [this] { library_.overview.onInputsChanged(); };
     connect(&library_.index, &LibraryIndexFlow::indexChanged, this, refresh);
     connect(&library_.presence, &PresenceFlow::presenceChanged, this, refresh);
+    // Who asks Mail again asks for all of it.
+    connect(&library_.presence, &PresenceFlow::presenceChanged, this, [this] {
+        if (library_.presence.archivedOriginalPresenceChecking() && mail_.counts.hasFailed())
+            mail_.counts.refreshIndexedYearCounts(mail_.catalog.messages());
+    });
     connect(&mail_.counts, &IndexCounts::countsChanged, this, refresh);
     connect(&mail_.accounts, &AccountDirectory::selectionChanged, this, refresh);
     connect(&mail_.catalog, &MessageCatalog::generationReplaced, this, refresh);

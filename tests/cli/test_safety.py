@@ -70,6 +70,36 @@ class Safety(CliCase):
         self.assertEqual(self.expect_true_word(*(roots or [self.archive])), local)
         self.assertEqual(self.run_cli(self.mail, "prove")["proven"], local)
 
+    def test_guide_gives_no_year_in_which_its_search_finds_mail_that_is_not_proven(self):
+        self.archive_some()
+        overview = self.run_cli(self.mail, "overview", "--check")
+        key, year = next((g["key"], y["year"]) for g in overview["groups"] for y in g["years"]
+                         if y["status"] == "cleanable")
+        account = next(e["record"]["accountIdentifier"] for e in self.run_cli(self.mail, "library", "--account", key))
+        paths = [path_of(m["fileURL"]) for m in self.run_cli(self.mail, "messages", "--account", account)
+                 if m.get("date", "")[:4] not in ("", str(year)) and "relatedMessageFileURLs" not in m
+                 and "rash" not in m["mailbox"] and "Junk" not in m["mailbox"]]
+
+        def guide():
+            return self.run_cli(self.mail, "guide", key, "--year", year)
+
+        self.assertEqual((guide()["years"], "leftOut" in guide()), ([year], False))
+        store = sqlite3.connect(self.mail / INDEX)
+        store.execute("UPDATE messages SET date_received = strftime('%s', ?) WHERE ROWID = ?",
+                      (f"{year}-06-01", int(paths[0].stem)))
+        store.commit()
+        store.close()
+        self.assertEqual(guide()["years"], [year], "received in this year, and proven")
+        sound = paths[0].read_bytes()
+        paths[0].write_bytes(sound.replace(b"\n\n", b"\n\nx", 1))
+        self.assertEqual(guide()["years"], [])
+        paths[0].write_bytes(sound)
+        self.run_cli(self.mail, "prove")
+        self.assertEqual(guide()["years"], [year])
+        paths[0].unlink()
+        alone = guide()
+        self.assertEqual((alone["years"], [each["year"] for each in alone["leftOut"]]), ([], [year]))
+
     def renumber(self):
         """As Mail does when it rebuilds its index: the rows of a mailbox change places, and so do its files."""
         store = sqlite3.connect(self.mail / INDEX)

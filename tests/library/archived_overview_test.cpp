@@ -158,11 +158,38 @@ TEST(ArchivedOverview, OnlyWhollyCleanableYearsFreeAnything) {
     EXPECT_EQ(stats.unknown, (MailSum{1, 50}));
     EXPECT_EQ(stats.groups[0].freeable, stats.freeable);
     EXPECT_EQ(stats.groups[0].years[1].folders[0].presence, (FolderPresence{.present = 1, .unproven = 1}));
-    EXPECT_EQ(overviewCleanableYears(group, stats.groups[0]), std::vector<std::int64_t>{2019});
+    EXPECT_EQ(overviewOfferedYears(group, stats.groups[0]), std::vector<std::int64_t>{2019});
     EXPECT_EQ(stats.groups[0].years[2].status, cleanable); // it frees nothing while a folder is done already
     EXPECT_TRUE(isShown(stats.groups[0].years[2], ArchivedOverviewFilter::cleanable));
     EXPECT_TRUE(isShown(stats.groups[0].years[2], ArchivedOverviewFilter::removed));
     EXPECT_FALSE(isShown(stats.groups[0].years[1], ArchivedOverviewFilter::removed));
+}
+
+TEST(ArchivedOverview, AYearIsOfferedOnlyWhenNothingElseIsFoundByItsSearch) {
+    const auto offered = [](const Overview& overview) {
+        return overviewOfferedYears(overview.groups[0], overview.stats().groups[0]);
+    };
+    const Overview sound = oneFolder({{"p1"}, 0, 0, cleanable, cleanable}, true);
+    EXPECT_EQ(offered(sound), std::vector<std::int64_t>{2020});
+    for (const auto counts :
+         {&ArchivedOverviewFacts::serverAloneByReceipt, &ArchivedOverviewFacts::unlistedByReceipt}) {
+        Overview overview = sound;
+        (overview.facts.*counts)["imap://A"][2020] = 1;
+        EXPECT_TRUE(offered(overview).empty());
+        EXPECT_EQ(leftOutYears(overview.groups[0], overview.stats().groups[0]).at(0).year, 2020);
+        EXPECT_EQ(overview.stats().groups[0].years[0].status, cleanable);
+    }
+    // A group of the user by the name of an account that isn't in it.
+    LibraryIndexInput input{
+        .entries = makeEntries({{.id = "p1"}}),
+        .availableAccounts = {makeAccount("imap://A", "a@x"), makeAccount("imap://B", "b@x")}};
+    input.archiveAccountMergeRules = {{"mail-account:a@x", "b@x"}};
+    Overview named = overviewOf(std::move(input));
+    EXPECT_EQ(named.groups[0].mailNames, std::vector<std::string>{"a@x"});
+    named.groups[0].namesakes = {"imap://B"};
+    EXPECT_EQ(offered(named), std::vector<std::int64_t>{2020});
+    named.facts.unbackedYearCounts["imap://B"][2020] = 1;
+    EXPECT_TRUE(offered(named).empty());
 }
 
 TEST(ArchivedOverview, GroupsMeanTheAccountsThatRecordsLabelsAndRulesLeadTo) {
@@ -181,6 +208,8 @@ TEST(ArchivedOverview, GroupsMeanTheAccountsThatRecordsLabelsAndRulesLeadTo) {
     EXPECT_EQ(overview.groups[0].key, "usergroup:组");
     EXPECT_EQ(overview.groups[0].mailAccounts, (MailAccountKeys{"imap://B", "imap://D"}));
     EXPECT_EQ(overview.groups[1].mailAccounts, (MailAccountKeys{"imap://A", "imap://gone"}));
+    EXPECT_EQ(overview.groups[0].mailNames, (std::vector<std::string>{"b@x", "D@x"}));
+    EXPECT_EQ(overview.groups[0].namesakes, MailAccountKeys());
     EXPECT_EQ(overview.groups[2].mailAccounts, MailAccountKeys());
 
     const auto groups = archiveAccountGroups(*overview.index);
@@ -194,8 +223,10 @@ TEST(ArchivedOverview, GroupsMeanTheAccountsThatRecordsLabelsAndRulesLeadTo) {
 
 TEST(SmartMailboxGuide, SpansOnlyAdjoiningYears) {
     const std::vector<std::int64_t> years = {2022, 2019, 2020, 2019};
-    const auto targets = smartMailboxGuideTargets("a@x", years);
-    ASSERT_EQ(targets, (std::vector<SmartMailboxGuideTarget>{{"a@x", {2019, 2020}}, {"a@x", {2022}}}));
+    const std::vector<std::string> names = {"a@x", "b@x"};
+    const auto targets = smartMailboxGuideTargets(names, years);
+    ASSERT_EQ(targets, (std::vector<SmartMailboxGuideTarget>{
+                           {"a@x", {2019, 2020}}, {"a@x", {2022}}, {"b@x", {2019, 2020}}, {"b@x", {2022}}}));
     EXPECT_EQ(conditionText(targets[0]),
               "「账号」是「a@x」;并「收到日期」在 2019 年 1 月 1 日之后、在 2021 年 1 月 1 日之前。");
     EXPECT_EQ(suggestedName(targets[0]), "可删除·2019–2020");
@@ -205,7 +236,7 @@ TEST(SmartMailboxGuide, SpansOnlyAdjoiningYears) {
               "「账号」是「a@x」;并「收到日期」在 2019 年 1 月 1 日之后、在 2023 年 1 月 1 日之前。");
     EXPECT_EQ(conditionText({"a@x", {}}), "");
     EXPECT_EQ(suggestedName({"a@x", {}}), "可删除");
-    EXPECT_TRUE(smartMailboxGuideTargets("a@x", {}).empty());
+    EXPECT_TRUE(smartMailboxGuideTargets(names, {}).empty());
 }
 
 TEST(SpaceDetail, TicksSumAndGatherTheMessagesOfSenders) {

@@ -170,6 +170,10 @@ TEST(YearCounts, CountMessagesOnceByLocalYearWithoutTrash) {
     store.add({.rowID = 6, .mailbox = 4, .messageID = 14, .date = startOf2024});
     store.add({.rowID = 7, .messageID = 0, .date = startOf2024});
     store.add({.rowID = 8, .messageID = 15, .date = 0});
+    // Shown by one date, and received at another: what is received decides what a search in Mail finds.
+    store.execute("UPDATE messages SET display_date = date_received");
+    store.execute("UPDATE messages SET date_received = strftime('%s', '2025-06-01') WHERE rowid = 1");
+    store.execute("UPDATE messages SET date_received = strftime('%s', '2022-06-01') WHERE rowid IN (3, 4)");
     store.close();
     EXPECT_THAT(indexedYearDistinctCounts(store.context, store.root, {}),
                 Optional(ElementsAre(Pair(2023, 1), Pair(2024, 2))));
@@ -178,6 +182,9 @@ TEST(YearCounts, CountMessagesOnceByLocalYearWithoutTrash) {
         Optional(ElementsAre(Pair(2024, 1))));
     EXPECT_THAT(undownloadedYearCounts(store.context, store.root, {}),
                 Optional(ElementsAre(Pair(2023, 1), Pair(2024, 1))));
+    const auto counts = undownloadedYears(store.context, store.root, {});
+    EXPECT_THAT(counts->aloneByReceipt, ElementsAre(Pair(2022, 1), Pair(2024, 1)));
+    EXPECT_THAT(counts->stored, ElementsAre(::testing::FieldsAre(1, 2025), ::testing::FieldsAre(7, 2024)));
     EXPECT_EQ(queryOldestIndexedYear(store.context, store.root), 2001);
     const auto sample = sampleMessageFilePresence(store.root, url("imap", firstAccount, "INBOX"), {1, 3, 4});
     EXPECT_EQ(sample.present, 1);

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fmt/ranges.h>
@@ -27,18 +28,27 @@ struct GuideOptions {
 struct Guide {
     SmartMailboxGuideTarget whole;
     std::vector<SmartMailboxGuideTarget> mailboxes;
+    std::vector<LeftOutYear> leftOut;
 };
+
+// The account that has the group's own name stands for it; one of another name is there as Mail has it.
+std::vector<std::string> namesOf(const ArchivedOverviewGroup& group) {
+    const bool hasOwn = std::ranges::find(group.mailNames, group.title) != group.mailNames.end();
+    return hasOwn ? std::vector{group.title} : group.mailNames;
+}
 
 Guide guideOf(const ArchivedOverview& overview, const GuideOptions& options) {
     const std::size_t place = overviewGroup(overview, options.account);
     const ArchivedOverviewGroup& group = (*overview.groups)[place];
-    std::vector<std::int64_t> years = overviewCleanableYears(group, overview.stats.groups[place]);
-    if (!options.years.empty()) {
-        std::erase_if(years, [&](std::int64_t year) {
-            return std::ranges::find(options.years, year) == options.years.end();
-        });
-    }
-    return {{group.title, years}, smartMailboxGuideTargets(group.title, years)};
+    const ArchivedOverviewStats::Group& stats = overview.stats.groups[place];
+    const auto isAsked = [&](std::int64_t year) {
+        return options.years.empty() || std::ranges::find(options.years, year) != options.years.end();
+    };
+    std::vector<std::int64_t> years = overviewOfferedYears(group, stats);
+    std::erase_if(years, [&](std::int64_t year) { return !isAsked(year); });
+    std::vector<LeftOutYear> leftOut = leftOutYears(group, stats);
+    std::erase_if(leftOut, [&](const LeftOutYear& each) { return !isAsked(each.year); });
+    return {{group.title, years}, smartMailboxGuideTargets(namesOf(group), years), std::move(leftOut)};
 }
 
 // A line for each of the mailboxes.
@@ -50,6 +60,18 @@ std::string lines(const Guide& guide, const TextOf& textOf) {
     return fmt::format("{}", fmt::join(texts, "\n"));
 }
 
+void writeLeftOut(JsonDocument& document, const std::vector<LeftOutYear>& years) {
+    document.key("leftOut");
+    document.array([&] {
+        for (const LeftOutYear& each : years) {
+            document.object([&] {
+                document.member("year", each.year);
+                document.member("reason", each.reason);
+            });
+        }
+    });
+}
+
 void printJson(const Guide& guide) {
     JsonDocument document;
     document.object([&] {
@@ -57,6 +79,7 @@ void printJson(const Guide& guide) {
         document.member("years", guide.whole.years);
         document.member("suggestedName", lines(guide, &suggestedName));
         document.member("conditionText", lines(guide, &conditionText));
+        if (!guide.leftOut.empty()) writeLeftOut(document, guide.leftOut);
     });
     document.print();
 }
@@ -71,15 +94,23 @@ void printSteps(const SmartMailboxGuideTarget& mailbox) {
     }
 }
 
+void printLeftOut(const std::vector<LeftOutYear>& years) {
+    for (const LeftOutYear& each : years)
+        printText(fmt::format("{} 年没有列入：{}。", each.year, each.reason));
+}
+
 void printReadable(const Guide& guide) {
-    if (guide.mailboxes.empty())
-        return printText(fmt::format("“{}” 还没有可以清理的年份。", guide.whole.accountName));
+    if (guide.mailboxes.empty()) {
+        printText(fmt::format("“{}” 还没有可以清理的年份。", guide.whole.accountName));
+        return printLeftOut(guide.leftOut);
+    }
     printText(smartMailboxGuideTitle);
     printText(smartMailboxGuideLead);
     printText(smartMailboxGuidePromise);
     for (const SmartMailboxGuideTarget& mailbox : guide.mailboxes) printSteps(mailbox);
     printText("");
     printText(smartMailboxGuideClosing);
+    printLeftOut(guide.leftOut);
 }
 
 int runGuide(Session& session, const GuideOptions& options, bool json) {

@@ -121,7 +121,40 @@ std::vector<std::string> groupKeysOf(const MailAccount& account, const ArchiveAc
     return keys;
 }
 
+std::string comparable(std::string_view name) {
+    return text::lowercased(text::trimWhitespaceAndNewlines(name));
+}
+
+// Somebody who looks for this name in Mail may choose the account: by its label, by its address, or by its
+// address with a remark of ours behind it.
+bool mayBeNamed(const MailAccount& account, std::string_view name) {
+    const std::string looked = comparable(name);
+    if (looked == comparable(account.distinguishedLabel())) return true;
+    const std::string address = comparable(account.emailAddress);
+    if (account.isLocalStore || address.empty()) return false;
+    return looked == address || looked.starts_with(address + "（") || looked.starts_with(address + " (");
+}
+
 } // namespace
+
+MailNames mailNamesOf(const LibraryAccountFilterOption& group, const MailAccountKeys& mailAccounts,
+                      const std::vector<MailAccount>& knownAccounts) {
+    MailNames result;
+    for (const MailAccount& account : knownAccounts) {
+        if (!mailAccounts.contains(account.urlPrefix)) continue;
+        std::string label = account.distinguishedLabel();
+        if (ArchiveAccountScope::canonicalKey(label) == group.key) label = group.title;
+        if (std::ranges::find(result.names, label) == result.names.end())
+            result.names.push_back(std::move(label));
+    }
+    if (result.names.empty()) result.names = {group.title};
+    for (const MailAccount& account : knownAccounts) {
+        const bool isNamed = std::ranges::any_of(
+            result.names, [&](const std::string& name) { return mayBeNamed(account, name); });
+        if (isNamed && !mailAccounts.contains(account.urlPrefix)) result.namesakes.insert(account.urlPrefix);
+    }
+    return result;
+}
 
 std::vector<ArchiveAccountGroup> archiveAccountGroups(const ArchiveLibraryIndex& index) {
     const ArchiveAccountScopes scopes(index.input().availableAccounts,

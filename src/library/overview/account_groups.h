@@ -50,4 +50,13 @@ using MailAccountKeys = std::set<std::string, std::less<>>;
 std::vector<MailAccountKeys>
 mailAccountsOfGroups(const ArchiveLibraryIndex& index); // in the order of `accounts()`
 
+// How Mail shows the accounts of a group, for who has to choose one of them there.
+struct MailNames {
+    std::vector<std::string> names; // the group's title where none of its accounts is known
+    MailAccountKeys namesakes;      // known accounts, not of the group, that one of the names may lead to
+};
+
+MailNames mailNamesOf(const LibraryAccountFilterOption& group, const MailAccountKeys& mailAccounts,
+                      const std::vector<MailAccount>& knownAccounts);
+
 } // namespace corvane

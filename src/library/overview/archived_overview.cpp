@@ -4,6 +4,7 @@
 #include <array>
 #include <tuple>
 #include <unordered_map>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -107,6 +108,9 @@ class OverviewCounter {
     [[nodiscard]] FolderPresence count(const FolderRow& folder, ArchivedOverviewStats::Year& year) const;
     [[nodiscard]] Status statusOf(const FolderPresence& presence, const ArchivedOverviewGroup& group,
                                   std::int64_t year) const;
+    // What the search for the year's mail would find that may not be deleted.
+    [[nodiscard]] ArchivedOverviewStats::FoundBesides besides(const ArchivedOverviewGroup& group,
+                                                              std::int64_t year) const;
     // All mail that the group's accounts have of the year is known to be archived.
     [[nodiscard]] bool isArchived(const ArchivedOverviewGroup& group, std::int64_t year) const;
 
@@ -142,6 +146,7 @@ FolderPresence OverviewCounter::count(const FolderRow& folder, ArchivedOverviewS
 
 Status OverviewCounter::statusOf(const FolderPresence& presence, const ArchivedOverviewGroup& group,
                                  std::int64_t year) const {
+    if (facts_.indexUnavailable) return Status::unavailable;
     if (!facts_.isReady) return Status::checking;
     if (facts_.presenceUnavailable) return Status::unavailable;
     // Whether all mail of the year is archived can't be asked of an account that nobody knows.
@@ -187,8 +192,24 @@ ArchivedOverviewStats::Year OverviewCounter::count(const ArchivedOverviewGroup& 
                         std::ranges::all_of(stats.folders, [](const ArchivedOverviewStats::Folder& folder) {
                             return folder.status == Status::cleanable;
                         });
-    if (!stats.isCleanable) stats.freeable = {};
+    if (stats.isCleanable)
+        stats.besides = besides(group, year.year);
+    else
+        stats.freeable = {};
     return stats;
+}
+
+ArchivedOverviewStats::FoundBesides OverviewCounter::besides(const ArchivedOverviewGroup& group,
+                                                             std::int64_t year) const {
+    ArchivedOverviewStats::FoundBesides found;
+    found.serverAlone = countIn(facts_.serverAloneByReceipt, group.mailAccounts, year);
+    found.unlisted = countIn(facts_.unlistedByReceipt, group.mailAccounts, year);
+    for (const auto* counts : {&facts_.unbackedYearCounts, &facts_.unprovenYearCounts,
+                               &facts_.serverAloneByReceipt, &facts_.unlistedByReceipt})
+        found.ofNamesakes += countIn(*counts, group.namesakes, year);
+    found.ofNamesakes += std::ranges::count_if(
+        facts_.unscannedAccounts, [&](const std::string& key) { return group.namesakes.contains(key); });
+    return found;
 }
 
 ArchivedOverviewStats::Group OverviewCounter::count(const ArchivedOverviewGroup& group) const {
@@ -224,6 +245,9 @@ std::vector<ArchivedOverviewGroup> archivedOverviewGroups(const ArchiveLibraryIn
     for (const LibraryAccountFilterOption& option : index.accountOptions()) {
         groups.push_back(groupOf(index, option));
         groups.back().mailAccounts = *accountsByKey.at(option.key);
+        MailNames names = mailNamesOf(option, groups.back().mailAccounts, index.input().availableAccounts);
+        groups.back().mailNames = std::move(names.names);
+        groups.back().namesakes = std::move(names.namesakes);
     }
     return groups;
 }
@@ -254,11 +278,36 @@ ArchivedOverviewRowStatus archivedOverviewStatus(const std::vector<ArchivedOverv
     return Status::checking;
 }
 
-std::vector<std::int64_t> overviewCleanableYears(const ArchivedOverviewGroup& group,
-                                                 const ArchivedOverviewStats::Group& stats) {
+std::vector<std::int64_t> overviewOfferedYears(const ArchivedOverviewGroup& group,
+                                               const ArchivedOverviewStats::Group& stats) {
     std::vector<std::int64_t> years;
     for (std::size_t number = 0; number < group.years.size(); ++number) {
-        if (stats.years[number].isCleanable) years.push_back(group.years[number].year);
+        if (stats.years[number].isOffered()) years.push_back(group.years[number].year);
+    }
+    return years;
+}
+
+std::string reasonText(const ArchivedOverviewStats::FoundBesides& besides) {
+    std::string text;
+    const auto add = [&](std::int64_t count, std::string_view what) {
+        if (count == 0) return;
+        text += text.empty() ? "" : "；";
+        text += fmt::format(fmt::runtime(what), count);
+    };
+    add(besides.serverAlone,
+        "按收到日期选还会选中 {} 封只在服务器上的邮件，删除它就是删除唯一的一份，请先在 Mail 里下载并归档");
+    add(besides.unlisted, "按收到日期选还会选中 {} 封上次扫描之后才有的邮件，请先更新 Mail 数据");
+    add(besides.ofNamesakes, "Mail 里另一个账户也是这个名称，它有 {} 封邮件还没有核对");
+    return text;
+}
+
+std::vector<LeftOutYear> leftOutYears(const ArchivedOverviewGroup& group,
+                                      const ArchivedOverviewStats::Group& stats) {
+    std::vector<LeftOutYear> years;
+    for (std::size_t number = 0; number < group.years.size(); ++number) {
+        const ArchivedOverviewStats::Year& year = stats.years[number];
+        if (year.isCleanable && !year.isOffered())
+            years.push_back({group.years[number].year, reasonText(year.besides)});
     }
     return years;
 }

@@ -81,6 +81,9 @@ struct ArchivedOverviewGroup {
     std::int64_t bytes = 0;
     MailSum undated{};              // stands in no year
     MailAccountKeys mailAccounts{}; // that hold the originals
+    // As Mail names these accounts, for who has to choose one there; that of the group where none is known.
+    std::vector<std::string> mailNames{};
+    MailAccountKeys namesakes{};    // other accounts that one of these names may lead to
     std::vector<YearGroup> years{}; // oldest first
 };
 
@@ -96,12 +99,17 @@ struct ArchivedOverviewFacts {
     bool isReady = false;
     // Mail couldn't be asked, and nothing is known from an earlier time.
     bool presenceUnavailable = false;
+    bool indexUnavailable = false; // nor how much mail it has
     std::function<ArchivedOriginalPresenceStatus(EntryPosition)> presence;
     std::function<bool(EntryPosition)> isProven;
     // Mail on this machine that isn't archived, what Mail holds in part and what was set aside included.
     YearCountsByAccount unbackedYearCounts;
     YearCountsByAccount unprovenYearCounts{};   // archived mail on this machine that isn't proven
     YearCountsByAccount undownloadedYearCounts; // that only the server has
+    // By the year of receipt, which Mail's own search goes by: mail that the server alone has, and mail on
+    // this machine that nobody has listed.
+    YearCountsByAccount serverAloneByReceipt{};
+    YearCountsByAccount unlistedByReceipt{};
     // Accounts of Mail of whose mail nothing is known, since nobody has listed it.
     std::set<std::string> unscannedAccounts{};
 };
@@ -124,9 +132,25 @@ struct ArchivedOverviewStats {
         FolderPresence presence;
     };
 
+    // Mail that the search in Mail for a year's mail would find beside what may be deleted.
+    struct FoundBesides {
+        std::int64_t serverAlone = 0; // with the only copy
+        std::int64_t unlisted = 0;    // not in the last scan
+        std::int64_t ofNamesakes = 0; // unproven, of accounts that Mail shows by the same name
+
+        [[nodiscard]] bool isNothing() const { return *this == FoundBesides(); }
+
+        friend bool operator==(const FoundBesides&, const FoundBesides&) = default;
+    };
+
     struct Year {
         ArchivedOverviewRowStatus status = ArchivedOverviewRowStatus::checking;
         bool isCleanable = false; // every folder is
+        FoundBesides besides;     // of a year that is cleanable
+
+        // Everything that the search finds may be deleted.
+        [[nodiscard]] bool isOffered() const { return isCleanable && besides.isNothing(); }
+
         bool awaitsProof = false; // each folder that is `incomplete` does
         MailSum freeable;         // nothing unless it is cleanable
         MailSum removed;
@@ -155,9 +179,21 @@ ArchivedOverviewStats archivedOverviewStats(const ArchiveLibraryIndex& index,
 // The status of a year by those of its folders; one unsafe folder makes the whole year unsafe.
 ArchivedOverviewRowStatus archivedOverviewStatus(const std::vector<ArchivedOverviewStats::Folder>& folders);
 
-// The years of a group that may be cleaned, in rising order.
-std::vector<std::int64_t> overviewCleanableYears(const ArchivedOverviewGroup& group,
-                                                 const ArchivedOverviewStats::Group& stats);
+// The years of a group that may be cleaned by a search in Mail, in rising order.
+std::vector<std::int64_t> overviewOfferedYears(const ArchivedOverviewGroup& group,
+                                               const ArchivedOverviewStats::Group& stats);
+
+// A year of which every folder may be cleaned, and which no search in Mail is given for.
+struct LeftOutYear {
+    std::int64_t year = 0;
+    std::string reason; // for the user, without a full stop
+};
+
+std::vector<LeftOutYear> leftOutYears(const ArchivedOverviewGroup& group,
+                                      const ArchivedOverviewStats::Group& stats);
+
+// For the user, without a full stop; empty for nothing.
+std::string reasonText(const ArchivedOverviewStats::FoundBesides& besides);
 
 // Whether a year is shown under a filter.
 bool isShown(const ArchivedOverviewStats::Year& year, ArchivedOverviewFilter filter);

@@ -1,6 +1,7 @@
 #include "library/overview/smart_mailbox_guide.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -20,17 +21,20 @@ std::string suggestedName(const SmartMailboxGuideTarget& target) {
                                     : fmt::format("可删除·{}–{}", lowest, highest);
 }
 
-std::vector<SmartMailboxGuideTarget> smartMailboxGuideTargets(std::string_view accountName,
-                                                              std::span<const std::int64_t> cleanableYears) {
-    std::vector<std::int64_t> years(cleanableYears.begin(), cleanableYears.end());
+std::vector<SmartMailboxGuideTarget> smartMailboxGuideTargets(std::span<const std::string> mailNames,
+                                                              std::span<const std::int64_t> offeredYears) {
+    std::vector<std::int64_t> years(offeredYears.begin(), offeredYears.end());
     std::ranges::sort(years);
     const auto repeated = std::ranges::unique(years);
     years.erase(repeated.begin(), repeated.end());
     std::vector<SmartMailboxGuideTarget> targets;
-    for (const std::int64_t year : years) {
-        if (targets.empty() || targets.back().years.back() + 1 != year)
-            targets.push_back({.accountName = std::string(accountName), .years = {}});
-        targets.back().years.push_back(year);
+    for (const std::string& name : mailNames) {
+        bool isFirst = true;
+        for (const std::int64_t year : years) {
+            if (std::exchange(isFirst, false) || targets.back().years.back() + 1 != year)
+                targets.push_back({.accountName = name, .years = {}});
+            targets.back().years.push_back(year);
+        }
     }
     return targets;
 }

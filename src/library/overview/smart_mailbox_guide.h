@@ -22,10 +22,11 @@ std::string conditionText(const SmartMailboxGuideTarget& target);
 
 std::string suggestedName(const SmartMailboxGuideTarget& target);
 
-// One target for each run of adjoining years, so that no guide spans a year that isn't among them. Years may
-// come in any order and repeatedly; without any there is no target.
-std::vector<SmartMailboxGuideTarget> smartMailboxGuideTargets(std::string_view accountName,
-                                                              std::span<const std::int64_t> cleanableYears);
+// One target for each account, by the names that Mail has for them, and run of adjoining years, so that no
+// guide spans a year that isn't among them. Years may come in any order and repeatedly; without any there is
+// no target.
+std::vector<SmartMailboxGuideTarget> smartMailboxGuideTargets(std::span<const std::string> mailNames,
+                                                              std::span<const std::int64_t> offeredYears);
 
 struct SmartMailboxGuideStep {
     std::string title; // empty: the text alone

@@ -20,21 +20,24 @@ namespace corvane::mailstore {
 
 namespace {
 
-std::string localYearColumn() {
-    return fmt::format("CAST(strftime('%Y', datetime({}, 'unixepoch', 'localtime')) AS INTEGER) AS y",
-                       messageDateExpression);
+std::string localYearOf(std::string_view date) {
+    return fmt::format("CAST(strftime('%Y', datetime({}, 'unixepoch', 'localtime')) AS INTEGER)", date);
+}
+
+std::string isCounted() {
+    return fmt::format("{} > 0 AND m.message_id IS NOT NULL AND m.message_id != 0", messageDateExpression);
 }
 
 // From FROM to the end of WHERE; nullopt when the mailboxes couldn't be read.
-std::optional<std::string> countedMessages(const MailStoreContext& context, const std::string& index,
-                                           const std::vector<std::string>& accountURLPrefixes) {
+std::optional<std::string> messagesWhere(const std::string& condition, const MailStoreContext& context,
+                                         const std::string& index,
+                                         const std::vector<std::string>& accountURLPrefixes) {
     const auto trashAndJunk = trashAndJunkMailboxIDs(context, index);
     if (!trashAndJunk) return std::nullopt;
     return fmt::format("FROM messages m\n"
                        "JOIN mailboxes mb ON mb.ROWID = m.mailbox\n"
-                       "WHERE {} > 0 AND m.message_id IS NOT NULL AND m.message_id != 0 {} {}",
-                       messageDateExpression, accountCondition(accountURLPrefixes),
-                       mailboxExclusion(*trashAndJunk));
+                       "WHERE {} {} {}",
+                       condition, accountCondition(accountURLPrefixes), mailboxExclusion(*trashAndJunk));
 }
 
 std::optional<std::int64_t> trimmedInteger(std::string_view text) {
@@ -58,8 +61,7 @@ Copy::Part partOf(MessageFileIndex& files, std::string_view mailboxURL, std::int
 }
 
 // Counts the messages whose first copy has no file.
-UndownloadedYears undownloaded(std::vector<Copy> copies) {
-    UndownloadedYears counts;
+void countUndownloaded(std::vector<Copy> copies, UndownloadedYears& counts) {
     std::ranges::sort(copies);
     const auto isSameMessage = [](const Copy& a, const Copy& b) {
         return a.year == b.year && a.message == b.message;
@@ -70,8 +72,61 @@ UndownloadedYears undownloaded(std::vector<Copy> copies) {
         if (copy.part != Copy::Part::whole) ++counts.all[copy.year];
         if (copy.part == Copy::Part::some) ++counts.partial[copy.year];
     }
-    return counts;
 }
+
+// The same by the year of receipt, where a copy of another year keeps a message from being the server's
+// alone.
+void countByReceipt(std::vector<Copy> copies, UndownloadedYears& counts) {
+    std::ranges::sort(copies, {},
+                      [](const Copy& copy) { return std::tuple(copy.message, copy.part, copy.year); });
+    const Copy* first = nullptr;
+    const Copy* counted = nullptr;
+    for (const Copy& copy : copies) {
+        if (first == nullptr || first->message != copy.message) first = &copy;
+        const bool isRepeated =
+            counted != nullptr && counted->message == copy.message && counted->year == copy.year;
+        if (first->part == Copy::Part::whole || isRepeated) continue;
+        counted = &copy;
+        ++(first->part == Copy::Part::some ? counts.partialByReceipt : counts.aloneByReceipt)[copy.year];
+    }
+}
+
+// Gathers what the rows of the index say.
+class UndownloadedCount {
+  public:
+    explicit UndownloadedCount(const std::string& rootPath)
+      : files_(rootPath) {}
+
+    void add(JsonRow& row) {
+        const auto rowID = row.integer("rid");
+        const auto message = row.integer("mid");
+        const auto url = row.text("url");
+        const auto year = row.integer("y");
+        const auto receivedYear = row.integer("ry");
+        if (!rowID || !url || (!year && !receivedYear)) return;
+        const Copy::Part part = partOf(files_, *url, *rowID);
+        const bool hasMessage = message && *message != 0;
+        if (hasMessage && year) copies_.push_back({.year = *year, .message = *message, .part = part});
+        const std::int64_t found = receivedYear.value_or(year.value_or(0));
+        if (part == Copy::Part::whole) counts_.stored.push_back({*rowID, found});
+        if (hasMessage)
+            byReceipt_.push_back({.year = found, .message = *message, .part = part});
+        else if (part != Copy::Part::whole)
+            ++(part == Copy::Part::some ? counts_.partialByReceipt : counts_.aloneByReceipt)[found];
+    }
+
+    UndownloadedYears result() {
+        countUndownloaded(std::move(copies_), counts_);
+        countByReceipt(std::move(byReceipt_), counts_);
+        return std::move(counts_);
+    }
+
+  private:
+    MessageFileIndex files_;
+    std::vector<Copy> copies_;
+    std::vector<Copy> byReceipt_;
+    UndownloadedYears counts_;
+};
 
 } // namespace
 
@@ -80,11 +135,11 @@ std::optional<YearCounts> indexedYearDistinctCounts(const MailStoreContext& cont
                                                     const std::vector<std::string>& accountURLPrefixes) {
     if (!canQueryEnvelopeIndex(context, rootPath)) return YearCounts();
     const std::string index = envelopeIndexPath(rootPath);
-    const auto messages = countedMessages(context, index, accountURLPrefixes);
+    const auto messages = messagesWhere(isCounted(), context, index, accountURLPrefixes);
     if (!messages) return std::nullopt;
     const std::string sql =
-        fmt::format("SELECT {},\n       COUNT(DISTINCT m.message_id) AS cnt\n{}\nGROUP BY y;",
-                    localYearColumn(), *messages);
+        fmt::format("SELECT {} AS y,\n       COUNT(DISTINCT m.message_id) AS cnt\n{}\nGROUP BY y;",
+                    localYearOf(messageDateExpression), *messages);
     const auto output = runLongQuery(context, sql, index);
     if (!output) return std::nullopt;
     YearCounts counts;
@@ -103,23 +158,17 @@ std::optional<UndownloadedYears> undownloadedYears(const MailStoreContext& conte
                                                    const std::vector<std::string>& accountURLPrefixes) {
     if (!canQueryEnvelopeIndex(context, rootPath)) return UndownloadedYears();
     const std::string index = envelopeIndexPath(rootPath);
-    const auto messages = countedMessages(context, index, accountURLPrefixes);
+    const std::string hasDate = fmt::format("({} > 0 OR m.date_received > 0)", messageDateExpression);
+    const auto messages = messagesWhere(hasDate, context, index, accountURLPrefixes);
     if (!messages) return std::nullopt;
-    const std::string sql =
-        fmt::format("SELECT m.ROWID AS rid, m.message_id AS mid, mb.url AS url,\n       {}\n{};",
-                    localYearColumn(), *messages);
-    std::vector<Copy> copies;
-    MessageFileIndex files(rootPath);
-    const bool isWhole = runJSONRows(context, sql, index, [&](JsonRow& row) {
-        const auto rowID = row.integer("rid");
-        const auto message = row.integer("mid");
-        const auto url = row.text("url");
-        const auto year = row.integer("y");
-        if (!rowID || !message || !url || !year) return;
-        copies.push_back({.year = *year, .message = *message, .part = partOf(files, *url, *rowID)});
-    });
-    if (!isWhole) return std::nullopt;
-    return undownloaded(std::move(copies));
+    const std::string sql = fmt::format("SELECT m.ROWID AS rid, m.message_id AS mid, mb.url AS url,\n"
+                                        "       CASE WHEN {} > 0 THEN {} END AS y,\n       CASE WHEN "
+                                        "m.date_received > 0 THEN {} END AS ry\n{};",
+                                        messageDateExpression, localYearOf(messageDateExpression),
+                                        localYearOf("m.date_received"), *messages);
+    UndownloadedCount count(rootPath);
+    if (!runJSONRows(context, sql, index, [&](JsonRow& row) { count.add(row); })) return std::nullopt;
+    return count.result();
 }
 
 std::optional<YearCounts> undownloadedYearCounts(const MailStoreContext& context, const std::string& rootPath,

@@ -21,12 +21,24 @@ std::optional<YearCounts> indexedYearDistinctCounts(const MailStoreContext& cont
                                                     const std::string& rootPath,
                                                     const std::vector<std::string>& accountURLPrefixes);
 
+// A row with a whole file, and the year in which Mail's own search by the date of receipt finds it. That of a
+// list is the year of the shown date, which may be another.
+struct StoredRow {
+    std::int64_t rowID = 0;
+    std::int64_t receivedYear = 0;
+};
+
 // Messages of which no copy has a file that can be seen, by year, and those of them that Mail holds in part
 // (their first parts are on this machine, their attachments aren't) or that lie in a folder that nobody can
 // look into: neither is known to be on the server alone. Years without any are left out.
 struct UndownloadedYears {
     YearCounts all;
     YearCounts partial;
+    // By the year of receipt: messages of which nothing is on this machine, and the partial ones. Here mail
+    // counts that has no message id as well.
+    YearCounts aloneByReceipt;
+    YearCounts partialByReceipt;
+    std::vector<StoredRow> stored;
 };
 
 // Lists folders of the store.

@@ -1,6 +1,7 @@
 #include "model/mail/index_counts.h"
 
 #include <memory>
+#include <utility>
 
 #include "listing/account_titles.h"
 #include "mailstore/index/year_counts.h"
@@ -12,6 +13,11 @@ struct IndexCounts::CountJob {
     MailStore store;
     std::vector<std::string> selection; // prefixes of the selected accounts
     std::vector<std::string> prefixes;  // of all accounts
+    SharedMessageList messages;
+};
+
+struct IndexCounts::Answer {
+    std::optional<Counts> counts;
 };
 
 IndexCounts::IndexCounts(ModelContext& context, const AccountDirectory& accounts, QObject* parent)
@@ -25,20 +31,31 @@ void IndexCounts::setIndexed(Indexed indexed) {
     counts_.indexedByAccount = std::move(indexed.countsByAccount);
     counts_.partialByAccount = std::move(indexed.partialByAccount);
     isKnown_ = indexed.isKnown;
+    hasFailed_ = false;
     Q_EMIT countsChanged();
 }
 
-void IndexCounts::refreshIndexedYearCounts() {
+void IndexCounts::refreshIndexedYearCounts(SharedMessageList messages) {
     const auto& selected = accounts_.selectedAccountPrefixes();
-    CountJob job{upkeepMailStoreOf(context_), {selected.begin(), selected.end()}, {}};
+    CountJob job{upkeepMailStoreOf(context_), {selected.begin(), selected.end()}, {}, std::move(messages)};
     for (const MailAccount& account : accounts_.availableAccounts())
         job.prefixes.push_back(account.urlPrefix);
-    countTask_.start(TaskPriority::utility, std::move(job), &IndexCounts::readCounts, [this](Counts counts) {
-        counts_ = std::move(counts);
+    countTask_.start(TaskPriority::utility, std::move(job), &IndexCounts::answer,
+                     [this](Answer answer) { publish(std::move(answer)); });
+}
+
+void IndexCounts::publish(Answer answer) {
+    hasFailed_ = !answer.counts;
+    if (answer.counts) {
+        context_.tasks.discard(std::exchange(counts_, std::move(*answer.counts)).selection);
         isKnown_ = true;
-        Q_EMIT countsChanged();
-        Q_EMIT countsRefreshed();
-    });
+    }
+    Q_EMIT countsChanged();
+    if (!hasFailed_) Q_EMIT countsRefreshed();
+}
+
+IndexCounts::Answer IndexCounts::answer(const CountJob& job, const TaskHandle& task) {
+    return {readCounts(job, task)};
 }
 
 std::optional<IndexCounts::Counts> IndexCounts::readCounts(const CountJob& job, const TaskHandle& task) {
@@ -53,12 +70,15 @@ std::optional<IndexCounts::Counts> IndexCounts::readCounts(const CountJob& job, 
         if (!ofAccount) return std::nullopt;
         counts.indexedByAccount[prefix] = *ofAccount;
     }
+    MailSelectionMaker selection(job.messages);
     for (const std::string& prefix : job.prefixes) {
         const auto ofAccount = mailstore::undownloadedYears(store.context, store.rootPath, {prefix});
         if (!ofAccount) return std::nullopt;
         counts.undownloadedByAccount[prefix] = ofAccount->all;
         counts.partialByAccount[prefix] = ofAccount->partial;
+        selection.add(prefix, *ofAccount);
     }
+    counts.selection = std::move(selection).result();
     return counts;
 }
 

@@ -13,6 +13,7 @@
 #include <QObject>
 
 #include "listing/deletion/deletion_safety.h"
+#include "listing/deletion/mail_selection.h"
 #include "model/mail/account_directory.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
@@ -43,6 +44,12 @@ class IndexCounts : public QObject {
     // The counts are those of an index that was asked: until then 0 means nothing.
     [[nodiscard]] bool isKnown() const { return isKnown_; }
 
+    // The index couldn't be asked the last time.
+    [[nodiscard]] bool hasFailed() const { return hasFailed_; }
+
+    // What Mail's own search finds, read with the counts; null before the first time.
+    [[nodiscard]] const SharedMailSelection& selection() const { return counts_.selection; }
+
     struct Indexed {
         CountByYear counts;
         CountByAccountAndYear countsByAccount;
@@ -58,9 +65,9 @@ class IndexCounts : public QObject {
     // Replaces these, without a look at the index.
     void setIndexed(Indexed indexed);
 
-    // Reads the counts from the index in the background; `countsRefreshed` follows. An index that can't be
-    // read leaves its counts empty.
-    void refreshIndexedYearCounts();
+    // Reads the counts from the index in the background, beside this list of it; `countsRefreshed` follows.
+    // An index that can't be read leaves its counts empty, one that couldn't be asked those of before.
+    void refreshIndexedYearCounts(SharedMessageList messages);
 
   Q_SIGNALS:
     void countsChanged();
@@ -73,17 +80,22 @@ class IndexCounts : public QObject {
         CountByAccountAndYear indexedByAccount;
         CountByAccountAndYear undownloadedByAccount;
         CountByAccountAndYear partialByAccount;
+        SharedMailSelection selection;
     };
 
     struct CountJob;
+    struct Answer;
 
+    static Answer answer(const CountJob& job, const TaskHandle& task);
     // Nullopt when the index couldn't be asked for all of them: those that are known stay.
     static std::optional<Counts> readCounts(const CountJob& job, const TaskHandle& task);
+    void publish(Answer answer);
 
     ModelContext& context_;
     const AccountDirectory& accounts_;
     Counts counts_;
     bool isKnown_ = false;
+    bool hasFailed_ = false;
     TaskSlot countTask_;
 };
 

@@ -79,6 +79,7 @@ OriginalKnowledge ArchivedScreen::knowledge() const {
     if (presence.state() == OriginalPresence::State::unavailable) return unavailable;
     if (presence.state() == OriginalPresence::State::unchecked) return unchecked;
     if (model_.mail().scanFlow.state().isScanning()) return scanning;
+    if (overview->inputs.indexHasFailed) return unavailable;
     if (overview->inputs.isReady) return known;
     const CatalogState& mail = *model_.mail().catalog.state();
     if (mail.isPartial()) return partial;

@@ -91,6 +91,11 @@ TEST_F(ArchivedAccounts, TheGuideGivesConditionsForWhatIsProvenAndTakesThemBack)
                          {.year = 2015, .status = Status::serverUnbacked, .rest = {1, 1}},
                          {.year = 2016, .freeable = {1, 1}}}));
     EXPECT_EQ(guide_.spans(), QStringList{QStringLiteral("2012 年")});
+    // Nor is a year given in which the search would find what the server alone has.
+    show(sampleOverview(
+        {{.year = 2012, .freeable = {1, 1}}, {.year = 2013, .freeable = {1, 1}, .serverAlone = 2}}));
+    EXPECT_EQ(guide_.spans(), QStringList{QStringLiteral("2012 年")});
+    EXPECT_TRUE(guide_.leftOut().contains(QStringLiteral("2 封只在服务器上")));
     EXPECT_EQ(guide_.name(), QStringLiteral("可删除·2012"));
     for (const Known known : {Known::checking, Known::waiting, Known::unavailable, Known::partial}) {
         show(sampleOverview({{.year = 2012, .freeable = {1, 1}}}), known);

@@ -20,6 +20,7 @@ struct YearSketch {
     MailSum removed{};
     MailSum unknown{};
     MailSum rest{}; // still in Mail, and not freeable
+    std::int64_t serverAlone = 0;
 };
 
 // Each year has one folder, without its entries.
@@ -27,6 +28,7 @@ inline SharedOverview sampleOverview(const std::vector<YearSketch>& years, MailS
     ArchivedOverviewGroup group;
     group.key = "a";
     group.title = "a@a.example";
+    group.mailNames = {group.title};
     group.undated = undated;
     ArchivedOverviewStats::Group stats;
     MailSum all = undated;
@@ -48,6 +50,7 @@ inline SharedOverview sampleOverview(const std::vector<YearSketch>& years, MailS
         state.status = each.status;
         state.isCleanable = each.status == ArchivedOverviewRowStatus::cleanable && !each.isPartlyGone;
         state.awaitsProof = each.awaitsProof;
+        state.besides.serverAlone = each.serverAlone;
         state.freeable = each.freeable;
         state.removed = each.removed;
         state.unknown = each.unknown;

@@ -12,7 +12,9 @@ namespace {
 bool isReady(const OverviewSources& sources, const ProofInputs& proofs) {
     const CatalogState& mail = *sources.catalog.state();
     const bool isMailKnown = mail.isAvailabilityKnown && !mail.isPartial() && !mail.set->messages->empty();
-    return isMailKnown && mail.availability->proofs->inputs == proofs &&
+    const SharedMailSelection& selection = sources.counts.selection();
+    return isMailKnown && mail.availability->proofs->inputs == proofs && sources.counts.isKnown() &&
+           selection && selection->messages == mail.set->messages &&
            !sources.presence.archivedOriginalPresenceChecking() &&
            sources.presence.presence()->entries == sources.libraryIndex.index()->input().entries;
 }
@@ -31,6 +33,19 @@ std::set<std::string> unscannedAccounts(const std::vector<MailAccount>& accounts
     return unscanned;
 }
 
+// Nor does anybody know what the index has of an account that it wasn't asked for.
+std::set<std::string> unknownAccounts(const OverviewSources& sources, const CatalogState& mail) {
+    const std::vector<MailAccount>& accounts = sources.accounts.availableAccounts();
+    std::set<std::string> unknown = unscannedAccounts(accounts, mail.summary.accountNames);
+    const SharedMailSelection& selection = sources.counts.selection();
+    if (!selection) return unknown;
+    for (const MailAccount& account : accounts) {
+        if (std::ranges::find(selection->accounts, account.urlPrefix) == selection->accounts.end())
+            unknown.insert(account.urlPrefix);
+    }
+    return unknown;
+}
+
 } // namespace
 
 OverviewInputs overviewInputs(const OverviewSources& sources, const ProofInputs& proofs) {
@@ -43,9 +58,10 @@ OverviewInputs overviewInputs(const OverviewSources& sources, const ProofInputs&
             .availability = mail->availability,
             .undownloadedYearCounts = {undownloaded.begin(), undownloaded.end()},
             .partialYearCounts = {partial.begin(), partial.end()},
-            .unscannedAccounts =
-                unscannedAccounts(sources.accounts.availableAccounts(), mail->summary.accountNames),
-            .isReady = isReady(sources, proofs)};
+            .selection = sources.counts.selection(),
+            .unscannedAccounts = unknownAccounts(sources, *mail),
+            .isReady = isReady(sources, proofs),
+            .indexHasFailed = sources.counts.hasFailed()};
 }
 
 } // namespace corvane

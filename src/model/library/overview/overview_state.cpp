@@ -1,5 +1,6 @@
 #include "model/library/overview/overview_state.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -13,9 +14,19 @@ namespace {
 
 using SharedGroups = std::shared_ptr<const std::vector<ArchivedOverviewGroup>>;
 
+YearCountsByAccount yearCounts(const CountByAccountAndYear& counts) {
+    return {counts.begin(), counts.end()};
+}
+
 // Mail of which Mail has only a part isn't archived.
 YearCountsByAccount unbackedYearCounts(const OverviewInputs& inputs) {
     YearCountsByAccount counts = inputs.partialYearCounts;
+    if (inputs.selection) {
+        for (const auto& [account, years] : inputs.selection->partial) {
+            for (const auto& [year, count] : years)
+                counts[account][year] = std::max(counts[account][year], count);
+        }
+    }
     for (const AccountYearStatGroup& account : inputs.availability->unbackedAccountYearStats) {
         YearCounts& years = counts[account.accountPrefix];
         for (const YearStat& year : account.years) years[year.year] += year.messageCount;
@@ -35,6 +46,19 @@ YearCountsByAccount unprovenYearCounts(const MessageList& messages, const Availa
     return counts;
 }
 
+// A message belongs to each account and year in which the user's search in Mail finds a copy of it.
+void addFoundElsewhere(const OverviewInputs& inputs, ArchivedOverviewFacts& facts) {
+    if (!inputs.selection || inputs.selection->elsewhere.empty()) return;
+    const AvailabilityResult& known = *inputs.availability;
+    for (const MailMessageRecord& message : *inputs.messages->messages) {
+        const bool isArchived = known.archivedMessageIDs->contains(message.id);
+        if (isArchived && known.proofs->provenIDs->contains(message.id)) continue;
+        YearCountsByAccount& counts = isArchived ? facts.unprovenYearCounts : facts.unbackedYearCounts;
+        inputs.selection->visitElsewhere(
+            message, [&](const std::string& account, std::int64_t year) { ++counts[account][year]; });
+    }
+}
+
 SharedGroups groupsOf(const SharedLibraryIndex& index, const SharedOverview& earlier) {
     if (earlier && earlier->inputs.index == index) return earlier->groups;
     return std::make_shared<const std::vector<ArchivedOverviewGroup>>(archivedOverviewGroups(*index));
@@ -44,6 +68,7 @@ ArchivedOverviewFacts factsOf(const OverviewInputs& inputs, std::vector<bool> pr
     ArchivedOverviewFacts facts;
     facts.isReady = inputs.isReady;
     facts.presenceUnavailable = inputs.presence->state() == OriginalPresence::State::unavailable;
+    facts.indexUnavailable = inputs.indexHasFailed;
     const bool isOfTheseEntries = inputs.presence->entries == inputs.index->input().entries;
     facts.presence = [presence = inputs.presence, isOfTheseEntries](EntryPosition position) {
         return isOfTheseEntries ? presence->statusAt(position) : ArchivedOriginalPresenceStatus::unknown;
@@ -53,6 +78,11 @@ ArchivedOverviewFacts factsOf(const OverviewInputs& inputs, std::vector<bool> pr
     facts.unprovenYearCounts = unprovenYearCounts(*inputs.messages->messages, *inputs.availability);
     facts.undownloadedYearCounts = inputs.undownloadedYearCounts;
     facts.unscannedAccounts = inputs.unscannedAccounts;
+    addFoundElsewhere(inputs, facts);
+    if (inputs.selection) {
+        facts.serverAloneByReceipt = yearCounts(inputs.selection->serverAlone);
+        facts.unlistedByReceipt = yearCounts(inputs.selection->unlisted);
+    }
     return facts;
 }
 

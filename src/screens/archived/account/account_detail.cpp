@@ -43,8 +43,13 @@ QString yearsLine(const ArchivedOverviewGroup& group, const ArchivedOverviewStat
         return year.status == Status::pendingReview ||
                (year.status == Status::cleanable && !year.isCleanable);
     };
+    const auto isLeftOut = [](const ArchivedOverviewStats::Year& year) {
+        return year.isCleanable && !year.isOffered();
+    };
     QStringList parts;
-    addSpans(parts, overviewCleanableYears(group, stats), QStringLiteral(" 年可以放心清理"));
+    addSpans(parts, overviewOfferedYears(group, stats), QStringLiteral(" 年可以放心清理"));
+    addSpans(parts, yearsThat(group, stats, isLeftOut),
+             QStringLiteral(" 年还有邮件只在服务器上，或没有扫描过"));
     addSpans(parts, yearsThat(group, stats, awaits), QStringLiteral(" 年还没有核对"));
     addSpans(parts, yearsThat(group, stats, isBlocked), QStringLiteral(" 年还有邮件没有归档"));
     addSpans(parts, yearsThat(group, stats, isPending), QStringLiteral(" 年待确认"));

@@ -27,6 +27,7 @@ QString spanText(const SmartMailboxGuideTarget& target) {
 
 // Why a year isn't in the guide.
 QString reasonOf(const ArchivedOverviewStats::Year& year) {
+    if (!year.besides.isNothing()) return wholeText(reasonText(year.besides));
     if (year.awaitsProof) return QStringLiteral("还有原件没有核对");
     switch (year.status) {
     case ArchivedOverviewRowStatus::incomplete:
@@ -85,30 +86,14 @@ void DeletionGuide::find() {
     std::tie(group_, stats_) = screens::groupOfKey(overview_, key_);
 }
 
-// A group may gather several accounts, of which Mail knows only their own names.
-std::vector<std::string> DeletionGuide::accountNames() const {
-    std::vector<std::string> names;
-    if (group_->mailAccounts.size() > 1) {
-        for (const MailAccount& account : model_.mail().accounts.availableAccounts()) {
-            if (group_->mailAccounts.contains(account.urlPrefix))
-                names.push_back(account.distinguishedLabel());
-        }
-    }
-    if (names.size() < 2) names = {group_->title};
-    return names;
-}
-
 void DeletionGuide::findTargets() {
     targets_.clear();
     if (!isOpen_ || group_ == nullptr || knowledge_ != OriginalKnowledge::known) return;
     Years years;
-    for (const std::int64_t year : overviewCleanableYears(*group_, *stats_)) {
+    for (const std::int64_t year : overviewOfferedYears(*group_, *stats_)) {
         if (std::ranges::find(wantedYears_, year) != wantedYears_.end()) years.push_back(year);
     }
-    for (const std::string& name : accountNames()) {
-        for (SmartMailboxGuideTarget& target : smartMailboxGuideTargets(name, years))
-            targets_.push_back(std::move(target));
-    }
+    targets_ = smartMailboxGuideTargets(group_->mailNames, years);
     current_ = std::clamp(current_, 0, std::max(0, static_cast<int>(targets_.size()) - 1));
 }
 
@@ -210,7 +195,7 @@ QString DeletionGuide::leftOut() const {
     for (std::size_t number = 0; number < group_->years.size(); ++number) {
         const bool isWanted =
             std::ranges::find(wantedYears_, group_->years[number].year) != wantedYears_.end();
-        if (isWanted && !stats_->years[number].isCleanable)
+        if (isWanted && !stats_->years[number].isOffered())
             byReason[reasonOf(stats_->years[number])].push_back(group_->years[number].year);
     }
     QStringList parts;

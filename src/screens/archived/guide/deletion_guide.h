@@ -99,7 +99,6 @@ class DeletionGuide : public QObject {
   private:
     void find();
     void findTargets();
-    [[nodiscard]] std::vector<std::string> accountNames() const;
     [[nodiscard]] const SmartMailboxGuideTarget* target() const;
 
     CorvaneViewModel& model_;

@@ -1,0 +1,91 @@
+#include "listing/deletion/mail_selection.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "listing/account_titles.h"
+#include "mailstore/folders/trash_junk_mailboxes.h"
+#include "mailstore/index/year_counts.h"
+#include "records/timestamps.h"
+
+namespace corvane {
+
+namespace {
+
+// By the name of its file; absent for a file that is no row's.
+std::optional<std::int64_t> rowIDOf(const FileURL& url) {
+    const std::string_view name = url.lastPathComponent();
+    std::int64_t row = 0;
+    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), row);
+    if (error != std::errc() || std::string_view(end, name.data() + name.size()) != ".emlx")
+        return std::nullopt;
+    return row;
+}
+
+} // namespace
+
+const MailSelection::Elsewhere* MailSelection::find(const FileURL& url) const {
+    const auto row = rowIDOf(url);
+    if (!row) return nullptr;
+    const auto found = std::ranges::lower_bound(elsewhere, *row, {}, &Elsewhere::rowID);
+    return found != elsewhere.end() && found->rowID == *row ? &*found : nullptr;
+}
+
+MailSelectionMaker::MailSelectionMaker(SharedMessageList messages) {
+    const auto add = [&](const FileURL& url, std::size_t message) {
+        if (const auto row = rowIDOf(url)) listed_.push_back({*row, static_cast<std::uint32_t>(message)});
+    };
+    listed_.reserve(messages->size());
+    for (std::size_t at = 0; at < messages->size(); ++at) {
+        const MailMessageRecord& message = (*messages)[at];
+        add(message.fileURL, at);
+        if (!message.relatedMessageFileURLs) continue;
+        for (const FileURL& url : *message.relatedMessageFileURLs) add(url, at);
+    }
+    std::ranges::sort(listed_);
+    selection_.messages = std::move(messages);
+}
+
+void MailSelectionMaker::add(const std::string& accountPrefix, const mailstore::UndownloadedYears& years) {
+    const auto account = static_cast<std::uint32_t>(selection_.accounts.size());
+    selection_.accounts.push_back(accountPrefix);
+    selection_.serverAlone[accountPrefix] = years.aloneByReceipt;
+    selection_.partial[accountPrefix] = years.partialByReceipt;
+    CountByYear& unlisted = selection_.unlisted[accountPrefix];
+    for (const mailstore::StoredRow& row : years.stored) addStored(account, row, unlisted);
+}
+
+void MailSelectionMaker::addStored(std::uint32_t account, const mailstore::StoredRow& row,
+                                   CountByYear& unlisted) {
+    const auto listed = std::ranges::lower_bound(listed_, row.rowID, {}, &ListedRow::rowID);
+    if (listed == listed_.end() || listed->rowID != row.rowID) {
+        ++unlisted[row.receivedYear];
+        return;
+    }
+    const MailMessageRecord& message = (*selection_.messages)[listed->message];
+    const bool isInItsAccount = accountFilterKey(message) == selection_.accounts[account];
+    const bool isInItsYear = message.date && localYear(*message.date) == row.receivedYear;
+    if (isInItsAccount && isInItsYear && !isInTrash(message)) return;
+    selection_.elsewhere.push_back({row.rowID, account, static_cast<std::int32_t>(row.receivedYear)});
+}
+
+// Statistics leave such a message out with all of its copies.
+bool MailSelectionMaker::isInTrash(const MailMessageRecord& message) {
+    const auto known = trashByMailbox_.find(message.mailbox.view());
+    if (known != trashByMailbox_.end()) return known->second;
+    const bool isTrash =
+        mailstore::trashJunkMailboxNames().contains(mailstore::normalizedMailboxName(message.mailbox));
+    trashByMailbox_.emplace(message.mailbox.view(), isTrash);
+    return isTrash;
+}
+
+SharedMailSelection MailSelectionMaker::result() && {
+    std::ranges::sort(selection_.elsewhere, {}, &MailSelection::Elsewhere::rowID);
+    return std::make_shared<const MailSelection>(std::move(selection_));
+}
+
+} // namespace corvane
