@@ -16,4 +16,10 @@ namespace corvane {
 std::vector<bool> provenEntries(const std::vector<ArchivedEntry>& entries, const MessageList& messages,
                                 const AvailabilityResult& available);
 
+// By position in `entries`, of those that are proven: whether the deletion of an original frees room that no
+// entry before has counted. The same bytes in a second archive free nothing more, and no more entries count
+// than Mail holds copies.
+std::vector<bool> freeingEntries(const std::vector<ArchivedEntry>& entries, const std::vector<bool>& proven,
+                                 const MessageList& messages, const AvailabilityResult& available);
+
 } // namespace corvane

@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include "library/entry_sketch.h"
 #include "listing/message_sketch.h"
+#include "listing/proven_entries.h"
 #include "mailstore/index/year_counts.h"
 
 namespace corvane::testing {
@@ -39,6 +41,23 @@ TEST(MailSelection, KnowsWhatASearchByAccountAndReceiptFindsBesideTheList) {
     EXPECT_EQ(selection->unlisted.at("imap://A"), (CountByYear{{2020, 1}}));
     EXPECT_EQ(selection->partial.at("imap://A"), (CountByYear{{2019, 4}}));
     EXPECT_EQ(selection->serverAlone.at("imap://B"), (CountByYear{{2018, 5}}));
+}
+
+TEST(FreeingEntries, AreNoMoreThanTheOriginalsThatGo) {
+    MessageList messages =
+        makeAll({{.id = "/1.emlx", .identifier = "a"}, {.id = "/2.emlx", .identifier = "b"}});
+    messages[1].relatedMessageFileURLs = {{FileURL("/2.emlx"), FileURL("/3.emlx")}};
+    std::vector<ArchivedEntry> entries = *makeEntries({{.id = "mid:a", .identifier = "a"},
+                                                       {.id = "mid:a", .identifier = "a", .root = "/second"},
+                                                       {.id = "mid:b#v1", .identifier = "b"},
+                                                       {.id = "mid:b#v2", .identifier = "b", .size = 11},
+                                                       {.id = "mid:b#v3", .identifier = "b", .size = 12},
+                                                       {.id = "mid:c", .identifier = "c"}});
+    AvailabilityResult available;
+    available.locallyAvailableIDs =
+        std::make_shared<const SharedTextSet>(SharedTextSet{"/1.emlx", "/2.emlx"});
+    EXPECT_EQ(freeingEntries(entries, {true, true, true, true, true, false}, messages, available),
+              (std::vector<bool>{true, false, true, true, false, false}));
 }
 
 } // namespace

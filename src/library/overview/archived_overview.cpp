@@ -126,7 +126,7 @@ FolderPresence OverviewCounter::count(const FolderRow& folder, ArchivedOverviewS
         case ArchivedOriginalPresenceStatus::present:
             counts.present += 1;
             if (facts_.isProven(position)) {
-                year.freeable.add(bytes);
+                (facts_.freesRoom(position) ? year.freeable : year.repeated).add(bytes);
             } else {
                 counts.unproven += 1;
             }
@@ -195,7 +195,7 @@ ArchivedOverviewStats::Year OverviewCounter::count(const ArchivedOverviewGroup& 
     if (stats.isCleanable)
         stats.besides = besides(group, year.year);
     else
-        stats.freeable = {};
+        stats.freeable = stats.repeated = {};
     return stats;
 }
 

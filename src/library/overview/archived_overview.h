@@ -102,6 +102,9 @@ struct ArchivedOverviewFacts {
     bool indexUnavailable = false; // nor how much mail it has
     std::function<ArchivedOriginalPresenceStatus(EntryPosition)> presence;
     std::function<bool(EntryPosition)> isProven;
+    // Whether a proven original that is deleted frees room of its own: the same mail in a second archive
+    // doesn't.
+    std::function<bool(EntryPosition)> freesRoom = [](EntryPosition) { return true; };
     // Mail on this machine that isn't archived, what Mail holds in part and what was set aside included.
     YearCountsByAccount unbackedYearCounts;
     YearCountsByAccount unprovenYearCounts{};   // archived mail on this machine that isn't proven
@@ -153,6 +156,7 @@ struct ArchivedOverviewStats {
 
         bool awaitsProof = false; // each folder that is `incomplete` does
         MailSum freeable;         // nothing unless it is cleanable
+        MailSum repeated;         // further archived copies of what is freeable
         MailSum removed;
         MailSum unknown;
         std::vector<Folder> folders;

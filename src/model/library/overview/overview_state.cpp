@@ -65,6 +65,8 @@ SharedGroups groupsOf(const SharedLibraryIndex& index, const SharedOverview& ear
 }
 
 ArchivedOverviewFacts factsOf(const OverviewInputs& inputs, std::vector<bool> proven) {
+    std::vector<bool> frees =
+        freeingEntries(inputs.index->entries(), proven, *inputs.messages->messages, *inputs.availability);
     ArchivedOverviewFacts facts;
     facts.isReady = inputs.isReady;
     facts.presenceUnavailable = inputs.presence->state() == OriginalPresence::State::unavailable;
@@ -73,6 +75,7 @@ ArchivedOverviewFacts factsOf(const OverviewInputs& inputs, std::vector<bool> pr
     facts.presence = [presence = inputs.presence, isOfTheseEntries](EntryPosition position) {
         return isOfTheseEntries ? presence->statusAt(position) : ArchivedOriginalPresenceStatus::unknown;
     };
+    facts.freesRoom = [frees = std::move(frees)](EntryPosition position) { return frees[position]; };
     facts.isProven = [proven = std::move(proven)](EntryPosition position) { return proven[position]; };
     facts.unbackedYearCounts = unbackedYearCounts(inputs);
     facts.unprovenYearCounts = unprovenYearCounts(*inputs.messages->messages, *inputs.availability);

@@ -16,9 +16,11 @@ namespace {
 
 void add(ArchivedShares& shares, const ArchivedOverviewGroup::YearGroup& year,
          const ArchivedOverviewStats::Year& stats) {
-    const MailSum present{year.count - stats.freeable.count - stats.removed.count - stats.unknown.count,
-                          year.bytes - stats.freeable.bytes - stats.removed.bytes - stats.unknown.bytes};
+    MailSum others = stats.freeable;
+    for (const MailSum* sum : {&stats.repeated, &stats.removed, &stats.unknown}) others += *sum;
+    const MailSum present{year.count - others.count, year.bytes - others.bytes};
     shares.freeable += stats.freeable;
+    shares.repeated += stats.repeated;
     shares.removed += stats.removed;
     shares.pending += stats.unknown;
     if (stats.awaitsProof) {
@@ -125,6 +127,7 @@ ArchivedShares archivedShares(const ArchivedOverview& overview) {
         all.removed += one.removed;
         all.pending += one.pending;
         all.undated += one.undated;
+        all.repeated += one.repeated;
     }
     return all;
 }
@@ -167,6 +170,8 @@ QVariantList holdingParts(const ArchivedShares& shares, bool isKnown) {
                           part("share2", u"待确认", shares.pending, isKnown)};
     if (isKnown && shares.awaiting.count > 0)
         parts.insert(1, part("share4", u"待核对", shares.awaiting, true));
+    if (isKnown && shares.repeated.count > 0)
+        parts.insert(1, part("share1", u"另一处归档里也有", shares.repeated, true));
     if (isKnown && shares.undated.count > 0) parts += part("share3", u"没有日期", shares.undated, true);
     return parts;
 }

@@ -55,6 +55,7 @@ struct ArchivedShares {
     MailSum removed;
     MailSum pending; // to be confirmed, with what stands in such years
     MailSum undated;
+    MailSum repeated; // the same mail in a further archive
 
     friend bool operator==(const ArchivedShares&, const ArchivedShares&) = default;
 };
