@@ -57,6 +57,10 @@ class Disks(CliCase):
         self.pull()
         self.assertEqual(self.locations(home), {str(root): False})
         self.assertEqual(self.run_cli(home, "library"), listed)
+        for command in ("stats", "overview"):
+            away = self.run_cli(home, command)["awayProofs"]
+            self.assertGreater(away["count"], 0)
+            self.assertEqual(away["oldest"][:2], "20")
         for command in (["open", entry, "--dry-run"], ["export", "--format", "mbox", "--to", self.folder / "x.mbox"]):
             told = self.run_cli(home, *command, expect=1 if command[0] == "open" else 3)
             self.assertNotIn("找不到了", json.dumps(told, ensure_ascii=False), "a disk that is away has lost nothing")

@@ -8,11 +8,14 @@
 
 #include <fmt/ranges.h>
 
+#include "cli/away_days.h"
 #include "cli/commands/commands.h"
 #include "cli/console/output.h"
 #include "cli/exit_status.h"
 #include "cli/overview_loading.h"
 #include "library/overview/smart_mailbox_guide.h"
+#include "listing/account_titles.h"
+#include "records/timestamps.h"
 
 namespace corvane::cli {
 
@@ -29,6 +32,7 @@ struct Guide {
     SmartMailboxGuideTarget whole;
     std::vector<SmartMailboxGuideTarget> mailboxes;
     std::vector<LeftOutYear> leftOut;
+    AwayProofs away; // of the mail that is to be deleted
 };
 
 // The account that has the group's own name stands for it; one of another name is there as Mail has it.
@@ -48,7 +52,15 @@ Guide guideOf(const ArchivedOverview& overview, const GuideOptions& options) {
     std::erase_if(years, [&](std::int64_t year) { return !isAsked(year); });
     std::vector<LeftOutYear> leftOut = leftOutYears(group, stats);
     std::erase_if(leftOut, [&](const LeftOutYear& each) { return !isAsked(each.year); });
-    return {{group.title, years}, smartMailboxGuideTargets(namesOf(group), years), std::move(leftOut)};
+    return {{group.title, years}, smartMailboxGuideTargets(namesOf(group), years), std::move(leftOut), {}};
+}
+
+// Whether the guide is about the message, by the list's account and year.
+bool isInGuide(const MailMessageRecord& message, const ArchivedOverview& overview,
+               const GuideOptions& options, const std::vector<std::int64_t>& years) {
+    const ArchivedOverviewGroup& group = (*overview.groups)[overviewGroup(overview, options.account)];
+    return message.date && group.mailAccounts.contains(accountFilterKey(message)) &&
+           std::ranges::find(years, localYear(*message.date)) != years.end();
 }
 
 // A line for each of the mailboxes.
@@ -80,6 +92,7 @@ void printJson(const Guide& guide) {
         document.member("suggestedName", lines(guide, &suggestedName));
         document.member("conditionText", lines(guide, &conditionText));
         if (!guide.leftOut.empty()) writeLeftOut(document, guide.leftOut);
+        writeAwayProofs(document, guide.away);
     });
     document.print();
 }
@@ -110,12 +123,16 @@ void printReadable(const Guide& guide) {
     for (const SmartMailboxGuideTarget& mailbox : guide.mailboxes) printSteps(mailbox);
     printText("");
     printText(smartMailboxGuideClosing);
+    printAwayProofs(guide.away);
     printLeftOut(guide.leftOut);
 }
 
 int runGuide(Session& session, const GuideOptions& options, bool json) {
     const SharedOverview overview = loadOverview(session, OriginalsCheck::known);
-    const Guide guide = guideOf(*overview, options);
+    Guide guide = guideOf(*overview, options);
+    guide.away = awayProofsOf(session, [&](const MailMessageRecord& message) {
+        return isInGuide(message, *overview, options, guide.whole.years);
+    });
     json ? printJson(guide) : printReadable(guide);
     return done;
 }

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/away_days.h"
 #include "cli/commands/commands.h"
 #include "cli/console/output.h"
 #include "cli/console/text_table.h"
@@ -59,7 +60,7 @@ std::map<std::string, std::map<std::string, std::int64_t>> withTextKeys(const Co
     return keyed;
 }
 
-void printStatsJson(CorvaneViewModel& model, const std::set<std::int64_t>& years) {
+void printStatsJson(CorvaneViewModel& model, const std::set<std::int64_t>& years, const AwayProofs& away) {
     const DeletionSafety safety = model.deletionSafety(years);
     const MailScanSummary candidates = model.archiving().candidates.archiveCandidateSummary();
     JsonDocument document;
@@ -88,11 +89,12 @@ void printStatsJson(CorvaneViewModel& model, const std::set<std::int64_t>& years
             document.member("count", candidates.matchedMessages);
             document.member("bytes", candidates.bytes);
         });
+        writeAwayProofs(document, away);
     });
     document.print();
 }
 
-void printStatsTable(CorvaneViewModel& model, const std::set<std::int64_t>& years) {
+void printStatsTable(CorvaneViewModel& model, const std::set<std::int64_t>& years, const AwayProofs& away) {
     TextTable table(
         {TextTable::Align::right, TextTable::Align::right, TextTable::Align::right, TextTable::Align::right});
     table.row({"年份", "邮件", "含附件", "大小"});
@@ -106,6 +108,7 @@ void printStatsTable(CorvaneViewModel& model, const std::set<std::int64_t>& year
     printText(fmt::format("本机 {} 封，已归档 {} 封，仅在服务器 {} 封；可归档 {} 封，{}", safety.local,
                           safety.archived, safety.serverOnly, candidates.matchedMessages,
                           formatByteCount(candidates.bytes)));
+    printAwayProofs(away);
 }
 
 int runMessages(Session& session, const MessagesOptions& options, bool json) {
@@ -148,10 +151,14 @@ int runStats(Session& session, const std::vector<std::int64_t>& years, bool json
     session.model().mail().filters.set(&CandidateFilters::archiveFilterYears, asSet(years));
     session.model().mail().space.refreshSpaceUsage();
     session.waitUntilIdle();
+    const ProofScope scope{{}, asSet(years)};
+    const AwayProofs away = awayProofsOf(session, [&](const MailMessageRecord& message) {
+        return scope.holds(message, *session.model().catalog().messageYearByID());
+    });
     if (json)
-        printStatsJson(session.model(), asSet(years));
+        printStatsJson(session.model(), asSet(years), away);
     else
-        printStatsTable(session.model(), asSet(years));
+        printStatsTable(session.model(), asSet(years), away);
     return done;
 }
 

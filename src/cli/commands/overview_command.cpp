@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/away_days.h"
 #include "cli/commands/commands.h"
 #include "cli/console/output.h"
 #include "cli/console/text_table.h"
@@ -111,7 +112,7 @@ void writeSum(JsonDocument& document, const char* name, const MailSum& sum) {
     });
 }
 
-void printJson(const ArchivedOverview& overview, ArchivedOverviewFilter filter) {
+void printJson(const ArchivedOverview& overview, ArchivedOverviewFilter filter, const AwayProofs& away) {
     JsonDocument document;
     document.object([&] {
         document.member("presence", rawValue(overview.presenceState()));
@@ -124,6 +125,7 @@ void printJson(const ArchivedOverview& overview, ArchivedOverviewFilter filter) 
         writeSum(document, "freeable", overview.stats.freeable);
         writeSum(document, "removed", overview.stats.removed);
         writeSum(document, "unknown", overview.stats.unknown);
+        writeAwayProofs(document, away);
     });
     document.print();
 }
@@ -132,7 +134,7 @@ std::string sumText(const char* title, const MailSum& sum) {
     return fmt::format("{}：{} 封，{}", title, sum.count, formatByteCount(sum.bytes));
 }
 
-void printSums(const ArchivedOverview& overview) {
+void printSums(const ArchivedOverview& overview, const AwayProofs& away) {
     switch (overview.presenceState()) {
     case OriginalPresence::State::unchecked:
         printText("未检查：加上 --check 对照 Mail 后，这里显示可以安全删除、释放的空间。");
@@ -144,6 +146,7 @@ void printSums(const ArchivedOverview& overview) {
         break;
     }
     printText(sumText("可释放空间", overview.stats.freeable));
+    printAwayProofs(away);
     if (overview.stats.removed.count > 0) printText(sumText("已从 Mail 删除", overview.stats.removed));
     if (overview.stats.unknown.count > 0) printText(sumText("待确认", overview.stats.unknown));
 }
@@ -188,9 +191,9 @@ void printGroup(const Group& group, const Stats::Group& stats, ArchivedOverviewF
         printText(fmt::format("{} 封云端未下载,暂不能清理(在 Mail 里下载后才可备份)", stats.undownloaded));
 }
 
-void printReadable(const ArchivedOverview& overview, ArchivedOverviewFilter filter) {
+void printReadable(const ArchivedOverview& overview, ArchivedOverviewFilter filter, const AwayProofs& away) {
     if (overview.groups->empty()) return printText("还没有归档邮件");
-    printSums(overview);
+    printSums(overview, away);
     forShownGroups(overview, filter,
                    [&](const Group& group, const Stats::Group& stats) { printGroup(group, stats, filter); });
 }
@@ -198,7 +201,8 @@ void printReadable(const ArchivedOverview& overview, ArchivedOverviewFilter filt
 int runOverview(Session& session, const OverviewOptions& options, bool json) {
     const SharedOverview overview =
         loadOverview(session, options.check ? OriginalsCheck::compare : OriginalsCheck::known);
-    json ? printJson(*overview, options.filter) : printReadable(*overview, options.filter);
+    const AwayProofs away = awayProofsOf(session);
+    json ? printJson(*overview, options.filter, away) : printReadable(*overview, options.filter, away);
     return statusOfAnswer();
 }
 

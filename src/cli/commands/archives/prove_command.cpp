@@ -8,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/away_days.h"
 #include "cli/commands/commands.h"
 #include "cli/console/output.h"
 #include "cli/console/text_table.h"
@@ -66,7 +67,7 @@ ProofAnswer answerOf(const MessageCatalog& catalog, const ProofScope& scope) {
     return answer;
 }
 
-void printJson(const ProofAnswer& answer) {
+void printJson(const ProofAnswer& answer, const AwayProofs& away) {
     JsonDocument document;
     document.object([&] {
         for (const ProofOutcome outcome : shownOrder)
@@ -81,16 +82,18 @@ void printJson(const ProofAnswer& answer) {
                 });
             }
         });
+        writeAwayProofs(document, away);
     });
     document.print();
 }
 
-void printReadable(const ProofAnswer& answer) {
+void printReadable(const ProofAnswer& answer, const AwayProofs& away) {
     for (const ProofOutcome outcome : shownOrder) {
         const std::int64_t count = answer.count(outcome);
         if (count > 0 || outcome == ProofOutcome::proven)
             printText(fmt::format("{}：{} 封", titleOf(outcome), count));
     }
+    printAwayProofs(away);
     if (answer.unproven.empty()) return;
     TextTable table({TextTable::Align::left, TextTable::Align::left, TextTable::Align::left});
     table.row({"情况", "主题", "文件"});
@@ -106,10 +109,13 @@ int runProve(Session& session, const ProveOptions& options, bool json) {
                            {options.years.begin(), options.years.end()}};
     proveToEnd(session, scope);
     const ProofAnswer answer = answerOf(session.model().mail().catalog, scope);
+    const AwayProofs away = awayProofsOf(session, [&](const MailMessageRecord& message) {
+        return scope.holds(message, *session.model().mail().catalog.messageYearByID());
+    });
     if (json)
-        printJson(answer);
+        printJson(answer, away);
     else
-        printReadable(answer);
+        printReadable(answer, away);
     return statusOfProof(answer.unproven.empty());
 }
 
