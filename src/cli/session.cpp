@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include "locations/loading/quick_library.h"
+#include "model/unkept_data.h"
 #include "platform/files/directory.h"
 #include "platform/processes/quit_signals.h"
 #include "records/logs/console_log.h"
@@ -50,7 +51,10 @@ Session::Session(const std::string& home)
         messageLine("设置文件暂时无法读取，已按初始设置运行；文件没有改动，这次的更改不会保存");
 }
 
-Session::~Session() = default;
+Session::~Session() {
+    const std::string failure = unkeptText(*context_);
+    if (!failure.empty()) messageLine(failure);
+}
 
 CorvaneViewModel& Session::model() {
     if (!model_) {

@@ -288,10 +288,14 @@ std::string SettingsStore::asidePath() const {
 void SettingsStore::save() {
     if (isUnreadable()) return;
     const std::string target = resolvedPath(path_).value_or(path_);
-    if (createDirectories(files_, std::string(parentPath(target)))) return;
-    if (document_->state == FileState::damaged && files_.rename(target, asidePath()) != 0) return;
+    saveFailure_ = createDirectories(files_, std::string(parentPath(target)));
+    if (saveFailure_) return;
+    if (document_->state == FileState::damaged && files_.rename(target, asidePath()) != 0) {
+        saveFailure_ = {errno, std::generic_category()};
+        return;
+    }
     document_->state = FileState::sound;
-    std::ignore = writeFileAtomically(files_, target, serialized(document_->values));
+    saveFailure_ = writeFileAtomically(files_, target, serialized(document_->values));
     document_->stamp = stampOf(files_, path_);
 }
 

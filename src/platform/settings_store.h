@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "platform/files/file_descriptor.h"
@@ -34,13 +35,18 @@ class SettingsStore {
     // the construction and each change.
     [[nodiscard]] bool isUnreadable() const;
 
+    // Why the last change couldn't be saved; a falsy code when it could.
+    [[nodiscard]] const std::error_code& saveFailure() const { return saveFailure_; }
+
+    [[nodiscard]] const std::string& path() const { return path_; }
+
     // The value of a key; absent when there is none of this type.
     [[nodiscard]] std::optional<std::string> text(const std::string& key) const;
     [[nodiscard]] std::optional<std::vector<std::string>> textList(const std::string& key) const;
     [[nodiscard]] std::optional<std::map<std::string, std::string>> textMap(const std::string& key) const;
 
     // Each saves at once, and waits up to a second for another store's save. Bytes that are no UTF-8 become
-    // U+FFFD. A failure isn't reported: see above.
+    // U+FFFD. `saveFailure` tells how it went.
     void setText(const std::string& key, const std::string& value);
     void setTextList(const std::string& key, const std::vector<std::string>& value);
     void setTextMap(const std::string& key, const std::map<std::string, std::string>& value);
@@ -62,6 +68,7 @@ class SettingsStore {
     FileLayer& files_;
     std::unique_ptr<Document> document_;
     std::optional<std::string> setAside_;
+    std::error_code saveFailure_;
 };
 
 } // namespace corvane::platform

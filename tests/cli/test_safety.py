@@ -100,6 +100,14 @@ class Safety(CliCase):
         alone = guide()
         self.assertEqual((alone["years"], [each["year"] for each in alone["leftOut"]]), ([], [year]))
 
+    def test_what_could_not_be_kept_is_told(self):
+        self.archive_some()
+        support = self.mail / ".local/share/Corvane"
+        shutil.rmtree(support)
+        support.write_text("in the way", encoding="utf-8")
+        done = subprocess.run([CLI, "--home", str(self.mail), "refresh"], capture_output=True, timeout=120, check=True)
+        self.assertEqual(done.stderr.decode().count("没能写入"), 1)
+
     def renumber(self):
         """As Mail does when it rebuilds its index: the rows of a mailbox change places, and so do its files."""
         store = sqlite3.connect(self.mail / INDEX)

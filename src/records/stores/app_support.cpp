@@ -34,7 +34,9 @@ std::string CorvaneAppSupport::baseDirectory(bool createDirectory) const {
 }
 
 std::error_code CorvaneAppSupport::createBaseDirectory() const {
-    return platform::makePrivateFolder(*files_, base_);
+    const std::error_code error = platform::makePrivateFolder(*files_, base_);
+    noteWriteFailure(error.value());
+    return error;
 }
 
 std::string CorvaneAppSupport::filePath(std::string_view name) const {
@@ -49,7 +51,17 @@ std::error_code
 CorvaneAppSupport::writeFile(std::string_view name,
                              const std::function<void(const platform::ByteSink&)>& produce) const {
     if (const auto error = createBaseDirectory()) return error;
-    return platform::writeFileAtomically(*files_, filePath(name), produce);
+    const std::error_code error = platform::writeFileAtomically(*files_, filePath(name), produce);
+    noteWriteFailure(error.value());
+    return error;
+}
+
+std::error_code CorvaneAppSupport::writeFailure() const {
+    return {writeFailure_->load(), std::generic_category()};
+}
+
+void CorvaneAppSupport::noteWriteFailure(int error) const {
+    if (error != 0) *writeFailure_ = error;
 }
 
 void CorvaneAppSupport::removeUnfinishedFiles() const {

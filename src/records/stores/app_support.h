@@ -3,7 +3,9 @@
 // thread.
 #pragma once
 
+#include <atomic>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -40,6 +42,13 @@ class CorvaneAppSupport {
     std::error_code writeFile(std::string_view name,
                               const std::function<void(const platform::ByteSink&)>& produce) const;
 
+    // What could not be kept here by any copy of this object: the error of the last failure. A falsy code as
+    // long as there is none.
+    [[nodiscard]] std::error_code writeFailure() const;
+
+    // For who writes here by other ways. `error` is an errno; 0 has no effect.
+    void noteWriteFailure(int error) const;
+
     // Removes what writes of killed processes left in the folder and in those right below it. Blocks.
     void removeUnfinishedFiles() const;
 
@@ -51,6 +60,7 @@ class CorvaneAppSupport {
   private:
     std::string base_;
     platform::FileLayer* files_;
+    std::shared_ptr<std::atomic<int>> writeFailure_ = std::make_shared<std::atomic<int>>(0);
 };
 
 } // namespace corvane

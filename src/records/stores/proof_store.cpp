@@ -1,6 +1,7 @@
 #include "records/stores/proof_store.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -72,6 +73,19 @@ int execute(sqlite3* database, const char* sql) {
 bool meansDamage(int status) {
     const int primary = status & 0xFF;
     return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB || primary == SQLITE_ERROR;
+}
+
+// The errno that says the same to a user.
+int errorOf(int status) {
+    switch (status & 0xFF) {
+    case SQLITE_FULL:
+        return ENOSPC;
+    case SQLITE_READONLY:
+    case SQLITE_CANTOPEN:
+        return EACCES;
+    default:
+        return EIO;
+    }
 }
 
 platform::SqliteConnection connect(const std::string& path) {
@@ -249,13 +263,14 @@ std::shared_ptr<ProofFacts> ProofStore::load() {
 
 bool ProofStore::save(const ReadingBatch& batch) {
     if (batch.isEmpty()) return true;
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        if (!open()) return false;
-        const int status = changeAtOnce(database_.get(), [&] { return insertAll(database_.get(), batch); });
+    int status = SQLITE_CANTOPEN;
+    for (int attempt = 0; attempt < 2 && open(); ++attempt) {
+        status = changeAtOnce(database_.get(), [&] { return insertAll(database_.get(), batch); });
         if (status == SQLITE_OK) return true;
-        if (!meansDamage(status)) return false;
+        if (!meansDamage(status)) break;
         removeFile();
     }
+    support_.noteWriteFailure(errorOf(status));
     return false;
 }
 

@@ -45,6 +45,23 @@ Column {
         }
     }
     NoticeBanner {
+        id: unkeptNotice
+        objectName: "unkeptNotice"
+
+        property string read
+
+        visible: notices.app.unkept.length > 0 && notices.app.unkept !== read
+        kind: "danger"
+        headline: "有数据没能保存"
+        lines: [notices.app.unkept]
+
+        AppButton {
+            objectName: "unkeptNoticeButton"
+            text: "知道了"
+            onClicked: unkeptNotice.read = notices.app.unkept
+        }
+    }
+    NoticeBanner {
         objectName: "sampleNotice"
         visible: notices.app.sampleStore.offered || notices.app.sampleStore.failure.length > 0
         kind: notices.app.sampleStore.failure.length > 0 ? "danger" : "info"

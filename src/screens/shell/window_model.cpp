@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include "model/mail/scan/sample_mail_maker.h"
+#include "model/unkept_data.h"
 #include "platform/files/directory.h"
 #include "platform/files/file_package.h"
 #include "screens/controls/theme/fonts.h"
@@ -72,6 +73,8 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
         if (std::exchange(stopping_, false)) Q_EMIT stopped();
     });
     connect(&model.library().loader, &LibraryLoader::archivedEntriesChanged, this, &WindowModel::showFigures);
+    // All that is kept is written by jobs.
+    connect(&model.context().tasks, &TaskRunner::idle, this, &WindowModel::lookForUnkept);
     connect(library_.filters(), &LibraryFilterMenus::collectionRequested, &collection_,
             &AddressCollection::open);
     connect(&archived_, &ArchivedScreen::collectionRequested, &collection_, &AddressCollection::open);
@@ -94,6 +97,13 @@ QString WindowModel::damagedSettings() const {
     if (!path) return {};
     return screens::shownPath(screens::wholeText(*path),
                               screens::wholeText(context.platform.realUserHomeDirectory()));
+}
+
+void WindowModel::lookForUnkept() {
+    QString text = screens::wholeText(unkeptText(model_.context()));
+    if (text == unkept_) return;
+    unkept_ = std::move(text);
+    Q_EMIT unkeptChanged();
 }
 
 void WindowModel::startUp() {
@@ -145,6 +155,7 @@ void WindowModel::storeLength(const QString& name, qreal length) {
 }
 
 void WindowModel::showFigures() {
+    lookForUnkept();
     sidebar_.setFigure(SidebarPlace::home, home_.organizeSidebarSubtitle());
     sidebar_.setFigure(SidebarPlace::archived, archived_.sidebarFigure());
     sidebar_.setFigure(SidebarPlace::space, space_.totalSize());

@@ -49,6 +49,7 @@ class WindowModel : public QObject {
     Q_PROPERTY(bool hasChineseFont READ hasChineseFont CONSTANT)
     Q_PROPERTY(QString damagedSettings READ damagedSettings CONSTANT)
     Q_PROPERTY(bool hasUnreadableSettings READ hasUnreadableSettings CONSTANT)
+    Q_PROPERTY(QString unkept READ unkept NOTIFY unkeptChanged)
 
   public:
     // `model` must outlive the window's model.
@@ -95,6 +96,9 @@ class WindowModel : public QObject {
     // The settings are there and couldn't be read: they stay as they are, and changes of them aren't kept.
     [[nodiscard]] bool hasUnreadableSettings() const { return model_.context().settings.isUnreadable(); }
 
+    // What of the program's own data couldn't be kept; empty while everything was.
+    [[nodiscard]] const QString& unkept() const { return unkept_; }
+
     // The first frame has been shown: the work of the start that may take longer. Does it once.
     Q_INVOKABLE void startUp();
 
@@ -124,13 +128,16 @@ class WindowModel : public QObject {
   Q_SIGNALS:
     void archivingChanged();
     void destinationChanged();
+    void unkeptChanged();
     void stopped();
     void requested(corvane::WindowModel::Command command);
 
   private:
     void showFigures();
+    void lookForUnkept();
 
     CorvaneViewModel& model_;
+    QString unkept_;
     DesktopActions desktop_;
     OrganizeData organizeData_;
     ArchiveScreen archive_;

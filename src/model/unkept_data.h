@@ -1,0 +1,14 @@
+// What the program wanted to keep of its own and couldn't: what was compared, the last scan, settings. The
+// next run of the program knows nothing of it.
+#pragma once
+
+#include <string>
+
+#include "model/model_context.h"
+
+namespace corvane {
+
+// For the user, with place and reason; empty while everything was kept. Main thread.
+std::string unkeptText(const ModelContext& context);
+
+} // namespace corvane
