@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <unordered_map>
+#include <utility>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -15,6 +16,7 @@
 #include "platform/files/cloud_content.h"
 #include "platform/paths.h"
 #include "platform/stop_watch.h"
+#include "platform/threads/limited_answer.h"
 #include "records/logs/console_log.h"
 #include "records/preview_placeholders.h"
 #include "records/stores/archive_index_file.h"
@@ -49,6 +51,33 @@ std::vector<ArchivedEmailRecord> unfinishedRecords(const EmailArchiveIndex& arch
     return records;
 }
 
+// A place that doesn't answer has nothing to index.
+std::vector<BodyIndexItem> itemsWithinLimit(const std::string& archiveRoot,
+                                            std::vector<ArchivedEmailRecord> records,
+                                            const std::stop_token& stop) {
+    using Items = std::vector<BodyIndexItem>;
+    auto items = platform::limitedAnswer<Items>(
+        platform::placeLimit,
+        [archiveRoot, records = std::move(records)](platform::JobLimit& limit) {
+            return bodyIndexItems(archiveRoot, records, [&] { limit.restart(); });
+        },
+        stop);
+    if (!items) consoleLine(fmt::format("[index] 没有响应：{}", archiveRoot));
+    return std::move(items).value_or(Items());
+}
+
+std::optional<EmailArchiveIndex> indexWithinLimit(const std::string& archiveRoot,
+                                                  const std::stop_token& stop) {
+    using Index = std::optional<EmailArchiveIndex>;
+    auto index = platform::limitedAnswer<Index>(
+        platform::placeLimit,
+        [archiveRoot](platform::JobLimit&) {
+            return readArchiveIndex(platform::joinPath(archiveRoot, archiveIndexFileName));
+        },
+        stop);
+    return index ? std::move(*index) : std::nullopt;
+}
+
 } // namespace
 
 BodyTextSource workerBodyTexts(const platform::Platform& platform, bool isUpkeep) {
@@ -79,11 +108,13 @@ bool hasContent(const std::string& path) {
 } // namespace
 
 std::vector<BodyIndexItem> bodyIndexItems(const std::string& archiveRoot,
-                                          const std::vector<ArchivedEmailRecord>& records) {
+                                          const std::vector<ArchivedEmailRecord>& records,
+                                          const std::function<void()>& onStep) {
     archive::ArchiveRoot root(archiveRoot);
     std::unordered_map<std::string, bool> folders; // those looked at; true below the root
     std::vector<BodyIndexItem> items;
     for (const ArchivedEmailRecord& record : records) {
+        if (onStep) onStep();
         if (!platform::isSafeRelativePath(record.emlRelativePath)) continue;
         const std::string path = root.at(record.emlRelativePath);
         const auto [folder, isNew] = folders.try_emplace(std::string(platform::parentPath(path)));
@@ -96,7 +127,7 @@ std::vector<BodyIndexItem> bodyIndexItems(const std::string& archiveRoot,
 std::int64_t BodyIndexing::rebuildSearchIndex(const std::string& archiveRoot, bool force,
                                               const BodyIndexProgress& progress,
                                               const std::stop_token& stop) const {
-    const auto archive = readArchiveIndex(platform::joinPath(archiveRoot, archiveIndexFileName));
+    const auto archive = indexWithinLimit(archiveRoot, stop);
     if (!archive) return 0;
     auto index = MailSearchIndex::openOrReset(support_, archiveRoot);
     if (!index) return 0;
@@ -113,7 +144,7 @@ std::optional<std::string> BodyIndexing::prepareBody(const std::string& archiveR
     const auto index = MailSearchIndex::open(support_, archiveRoot);
     if (!index) return std::nullopt;
     if (auto body = index->body(record.id)) return body;
-    const auto items = bodyIndexItems(archiveRoot, {record});
+    const auto items = itemsWithinLimit(archiveRoot, {record}, stop);
     if (items.empty()) return std::nullopt;
     BodyTextByPath texts;
     try {
@@ -133,7 +164,7 @@ std::int64_t BodyIndexing::fill(const std::string& archiveRoot, const EmailArchi
     if (force) index.clear();
     auto finished = force ? SharedTextSet() : finishedIDs(archive, index);
     if (!finished || index.isDamaged()) return 0;
-    const auto items = bodyIndexItems(archiveRoot, unfinishedRecords(archive, std::move(*finished)));
+    const auto items = itemsWithinLimit(archiveRoot, unfinishedRecords(archive, std::move(*finished)), stop);
     if (items.empty()) {
         progress(0, 0);
         return 0;

@@ -48,9 +48,11 @@ using BodyIndexProgress = std::function<void(std::int64_t done, std::int64_t tot
 SearchIndexRow searchIndexRow(const ArchivedEmailRecord& record, std::string body);
 
 // Where the files of the records lie, in their order. An index is from outside: a path that leaves the root,
-// by its text or by a link, and anything but a regular file that holds its content, counts as missing.
+// by its text or by a link, and anything but a regular file that holds its content, counts as missing. `onStep`
+// is called before each look. Looks at the place, without a limit of its own.
 std::vector<BodyIndexItem> bodyIndexItems(const std::string& archiveRoot,
-                                          const std::vector<ArchivedEmailRecord>& records);
+                                          const std::vector<ArchivedEmailRecord>& records,
+                                          const std::function<void()>& onStep = {});
 
 class BodyIndexing {
   public:
@@ -62,8 +64,8 @@ class BodyIndexing {
 
     // Indexes what the index of this archive lacks, and again what has an empty body; with `force`
     // everything, after the index was emptied. A damaged database is begun anew. The number of messages
-    // handed to indexing; 0 when the archive or the database can't be opened. After a stop what was written
-    // stays.
+    // handed to indexing; 0 when the archive or the database can't be opened, or the place doesn't answer.
+    // After a stop what was written stays.
     std::int64_t rebuildSearchIndex(const std::string& archiveRoot, bool force,
                                     const BodyIndexProgress& progress,
                                     const std::stop_token& stop = {}) const;

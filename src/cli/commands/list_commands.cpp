@@ -153,7 +153,7 @@ int runStats(Session& session, const std::vector<std::int64_t>& years, bool json
     session.waitUntilIdle();
     const ProofScope scope{{}, asSet(years)};
     const AwayProofs away = awayProofsOf(session, [&](const MailMessageRecord& message) {
-        return scope.holds(message, *session.model().catalog().messageYearByID());
+        return scope.holds(message, *session.model().mail().catalog.messageYearByID());
     });
     if (json)
         printStatsJson(session.model(), asSet(years), away);

@@ -10,6 +10,7 @@
 #include "model/mail/mail_store.h"
 #include "platform/paths.h"
 #include "platform/safe_opening.h"
+#include "platform/threads/limited_answer.h"
 
 namespace corvane {
 
@@ -102,10 +103,15 @@ void ArchivedMailOpening::cancel() {
 void ArchivedMailOpening::revealArchivedEmail(const ArchivedEntry& entry) {
     lookTasks_.start(
         TaskPriority::userInitiated, RevealJob{context_.platform, entry},
-        [](const RevealJob& job, const TaskHandle&) {
+        [](const RevealJob& job, const TaskHandle& task) {
             const std::string root = job.entry.locationRootPath.str();
             const std::string path = job.entry.record.emlRelativePath.str();
-            const auto state = archive::archivedFileState(job.platform, root, path);
+            const auto state = platform::limitedAnswer<archive::CloudFileState>(
+                platform::placeLimit,
+                [&system = job.platform, root, path](platform::JobLimit&) {
+                    return archive::archivedFileState(system, root, path);
+                },
+                task.stopToken());
             const bool isThere = state == archive::CloudFileState::available;
             return isThere && job.platform.reveal(platform::joinPath(root, path));
         },
