@@ -7,9 +7,20 @@ namespace corvane {
 SpaceUsageFlow::SpaceUsageFlow(ModelContext& context, const AccountDirectory& accounts,
                                const MessageCatalog& catalog, QObject* parent)
   : QObject(parent)
+  , context_(context)
   , accounts_(accounts)
   , catalog_(catalog)
-  , task_(context.tasks) {}
+  , task_(context.tasks) {
+    // A list that has been replaced would be kept until the figures of the next one are wanted.
+    connect(&catalog, &MessageCatalog::generationReplaced, this, [this] {
+        if (startedWith_ != Inputs()) setStartedWith({});
+    });
+}
+
+// The earlier ones may be the last that hold a list.
+void SpaceUsageFlow::setStartedWith(Inputs inputs) {
+    context_.tasks.discard(std::make_shared<Inputs>(std::exchange(startedWith_, std::move(inputs))));
+}
 
 SpaceUsageFlow::Inputs SpaceUsageFlow::inputs() const {
     const SharedCatalogState& state = catalog_.state();
@@ -31,7 +42,7 @@ void SpaceUsageFlow::onInputsChanged() {
     if (!isWanted_) return;
     Inputs wanted = inputs();
     if (wanted == startedWith_) return;
-    startedWith_ = wanted;
+    setStartedWith(wanted);
     task_.start(TaskPriority::userInitiated, std::move(wanted), &SpaceUsageFlow::compute,
                 [this](SharedSpaceUsage usage) {
                     usage_ = std::move(usage);

@@ -54,7 +54,9 @@ class SpaceUsageFlow : public QObject {
 
     static SharedSpaceUsage compute(const Inputs& inputs, const TaskHandle& task);
     [[nodiscard]] Inputs inputs() const;
+    void setStartedWith(Inputs inputs);
 
+    ModelContext& context_;
     const AccountDirectory& accounts_;
     const MessageCatalog& catalog_;
     bool isWanted_ = false;

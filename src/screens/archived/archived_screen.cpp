@@ -122,9 +122,10 @@ QString ArchivedScreen::totalSize() const {
 }
 
 QString ArchivedScreen::sidebarFigure() const {
+    if (state() == Empty) return {};
     const bool frees =
         knowledge() == OriginalKnowledge::known && !isEarlierCheck() && shares_.freeable.count > 0;
-    return frees ? screens::shownSize(shares_.freeable.bytes) : QString();
+    return frees ? screens::shownSize(shares_.freeable.bytes) : QStringLiteral("—");
 }
 
 QString ArchivedScreen::checkedText() const {

@@ -61,7 +61,7 @@ class ArchivedScreen : public QObject {
     [[nodiscard]] QString totalCount() const;
     [[nodiscard]] QString totalSize() const;
 
-    // What can be freed, for the sidebar; empty while that isn't known.
+    // What can be freed, for the sidebar: a dash while that isn't known of now, empty without archived mail.
     [[nodiscard]] QString sidebarFigure() const;
 
     [[nodiscard]] QString checkedText() const;

@@ -1,5 +1,6 @@
 #include "screens/shell/window_model.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -25,6 +26,12 @@ namespace {
 
 std::string lengthKey(const QString& name) {
     return "corvaneLength." + name.toStdString();
+}
+
+// Nothing for none, and a dash as long as nobody knows.
+QString sidebarCount(std::int64_t count, bool isAwaited) {
+    if (count > 0) return screens::shownCount(count);
+    return isAwaited ? QStringLiteral("—") : QString();
 }
 
 struct AddressJob {
@@ -85,6 +92,7 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
     connect(&model.archiving().destinations, &ArchiveDestinations::factsChanged, this,
             &WindowModel::destinationChanged);
     showFigures();
+    sidebar_.publish();
 }
 
 bool WindowModel::hasChineseFont() const {
@@ -158,17 +166,14 @@ void WindowModel::showFigures() {
     lookForUnkept();
     sidebar_.setFigure(SidebarPlace::home, home_.organizeSidebarSubtitle());
     sidebar_.setFigure(SidebarPlace::archived, archived_.sidebarFigure());
-    sidebar_.setFigure(SidebarPlace::space, space_.totalSize());
+    sidebar_.setFigure(SidebarPlace::space, space_.sidebarFigure());
     const auto archived = std::ssize(*model_.library().loader.archivedEntries());
-    sidebar_.setFigure(SidebarPlace::library, archived > 0 ? screens::shownCount(archived) : QString());
+    sidebar_.setFigure(SidebarPlace::library, sidebarCount(archived, model_.library().loader.isLoading()));
     const std::int64_t listed = static_cast<std::int64_t>(model_.mail().catalog.messages()->size());
     // A part of the mail is no figure for the list, but for the scan that is at it.
-    const bool isCut =
-        model_.mail().catalog.state()->isPartial() && !model_.mail().scanFlow.state().isScanning();
-    const std::int64_t shown = isCut        ? 0
-                               : listed > 0 ? listed
-                                            : model_.mail().catalog.summary().scannedMessages;
-    sidebar_.setFigure(SidebarPlace::mails, shown > 0 ? screens::shownCount(shown) : QString());
+    const bool isCut = model_.mail().catalog.state()->isPartial() && !model_.mail().scanFlow.state().isScanning();
+    const std::int64_t shown = isCut ? 0 : listed > 0 ? listed : model_.mail().catalog.summary().scannedMessages;
+    sidebar_.setFigure(SidebarPlace::mails, sidebarCount(shown, model_.mail().scanFlow.isLastScanAwaited()));
 }
 
 } // namespace corvane

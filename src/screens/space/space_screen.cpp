@@ -44,6 +44,9 @@ SpaceScreen::SpaceScreen(CorvaneViewModel& model, ArchiveScreen& archive, Deskto
     updates(&model.mail().catalog, &MessageCatalog::generationReplaced);
     updates(&model.mail().diskAccess, &FullDiskAccess::needsFullDiskAccessChanged);
     updates(&archive, &ArchiveScreen::stageChanged);
+    connect(&model.catalog(), &MessageCatalog::availabilityPublished, this, [this] {
+        if (model_.catalog().isAvailabilityKnown() && !model_.scanFlow().state().isScanning()) open();
+    });
 }
 
 void SpaceScreen::open() {
@@ -99,6 +102,10 @@ const SpaceSenderTicks& SpaceScreen::ticks() const {
 
 QString SpaceScreen::totalSize() const {
     return state() == Listed ? shownSize(model_.mail().space.spaceUsageLocalTotalBytes()) : QString();
+}
+
+QString SpaceScreen::sidebarFigure() const {
+    return state() == Loading ? QStringLiteral("—") : totalSize();
 }
 
 QString SpaceScreen::totalCount() const {

@@ -1,6 +1,7 @@
 // The screen Mail 空间: what each account of Mail occupies on this machine, its largest senders, and the way
-// to archive the mail of some of them. Main thread. The figures are the model's, from the moment that the
-// screen was opened; the ticks are kept by account as long as the program runs.
+// to archive the mail of some of them. Main thread. The figures are the model's, from the moment that it is
+// known what is on this machine or the screen was opened; the ticks are kept by account as long as the
+// program runs.
 #pragma once
 
 #include <functional>
@@ -48,7 +49,7 @@ class SpaceScreen : public QObject {
     SpaceScreen(CorvaneViewModel& model, ArchiveScreen& archive, DesktopActions& desktop,
                 QObject* parent = nullptr);
 
-    // It was looked at: from here on the figures are made.
+    // Makes the figures, now and from here on.
     Q_INVOKABLE void open();
 
     [[nodiscard]] State state() const;
@@ -56,6 +57,9 @@ class SpaceScreen : public QObject {
     // Of the mail on this machine; empty while it isn't known.
     [[nodiscard]] QString totalSize() const;
     [[nodiscard]] QString totalCount() const;
+
+    // The total size, or a dash as long as it is being found out.
+    [[nodiscard]] QString sidebarFigure() const;
 
     // The accounts as parts of a share bar; all beyond the third are one.
     [[nodiscard]] QVariantList shares() const;

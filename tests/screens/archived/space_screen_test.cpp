@@ -14,8 +14,12 @@ class Space : public ScreensTest {
 
 TEST_F(Space, TickedSendersGoIntoTheSheetOfTheArchive) {
     EXPECT_EQ(space_.state(), SpaceScreen::NoMail);
+    EXPECT_TRUE(space_.sidebarFigure().isEmpty());
     publish({{"a", 2019}, {"b", 2020}});
-    EXPECT_TRUE(space_.totalSize().isEmpty()) << "nobody has looked at it";
+    settle();
+    EXPECT_FALSE(space_.totalSize().isEmpty())
+        << "the sidebar shows it before anybody has looked at the screen";
+    EXPECT_EQ(space_.sidebarFigure(), space_.totalSize());
     space_.open();
     settle();
     ASSERT_EQ(space_.state(), SpaceScreen::Listed);

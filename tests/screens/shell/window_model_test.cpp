@@ -4,6 +4,7 @@
 
 #include <QDesktopServices>
 #include <QSignalSpy>
+#include <QTest>
 
 #include "locations/archive_samples.h"
 #include "locations/known_locations.h"
@@ -136,6 +137,31 @@ TEST_F(WindowModels, TheArchivesAreReadAsTheyAreAtTheStart) {
     window.startUp();
     waitUntilIdle(context_.tasks);
     EXPECT_EQ(model.library().loader.archivedEntries()->size(), 1U);
+}
+
+TEST_F(WindowModels, TheSidebarKnowsItsFiguresBeforeAPlaceWasOpened) {
+    const auto figures = [](WindowModel& window) {
+        QStringList all;
+        const SidebarModel& sidebar = *window.sidebar();
+        for (int row = 0; row < sidebar.rowCount(); ++row)
+            all += sidebar.index(row).data(SidebarModel::FigureRole).toString();
+        return all;
+    };
+    const QString dash = QStringLiteral("—");
+    writeIndex(home_, "归档", {Date(), Date(), {sampleRecord("mid:a")}});
+    model_.destinations().setTransferDestination(home_.at("归档"));
+    CorvaneViewModel model(context_);
+    WindowModel window(model);
+    EXPECT_EQ(figures(window).at(3), dash) << "no false zero";
+    EXPECT_EQ(figures(window).at(4), dash);
+    window.startUp();
+    waitUntilIdle(context_.tasks);
+    publishMessages(model.catalog(), sampleMessages(home_, {{"m1"}, {"m2"}}));
+    waitUntilIdle(context_.tasks);
+    QTRY_COMPARE(figures(window).at(3), QStringLiteral("2"));
+    QTRY_VERIFY(figures(window).at(4).endsWith(u'B'));
+    EXPECT_EQ(figures(window).at(1), dash) << "Mail wasn't asked";
+    EXPECT_EQ(figures(window).at(2), QStringLiteral("1"));
 }
 
 TEST_F(WindowModels, APlaceThatIsNamedAnewGoesOnlyForTheSameArchive) {

@@ -86,12 +86,10 @@ FocusGroup {
                 }
             }
         }
-        Rectangle {
+        Line {
             Layout.fillWidth: true
             Layout.topMargin: 10
             visible: foot.activity.running || foot.archive.endText.length > 0
-            implicitHeight: Theme.hairline
-            color: Theme.line
         }
         T.AbstractButton {
             id: work

@@ -29,6 +29,9 @@ class SidebarModel : public QAbstractListModel {
     // What stands beside a place's name; may be empty. No effect for a place that isn't listed.
     void setFigure(SidebarPlace place, const QString& figure);
 
+    // Shows what was set, also where that is sooner than usual.
+    void publish();
+
     // The key of the place that Ctrl and `number` go to; empty where there is none.
     Q_INVOKABLE [[nodiscard]] QString keyOfNumber(int number) const;
 
@@ -38,8 +41,6 @@ class SidebarModel : public QAbstractListModel {
         QString figure;
         QString shownFigure;
     };
-
-    void publish();
 
     std::vector<Row> rows_;
     QTimer pause_;
