@@ -1,7 +1,10 @@
 #include "archive/removal/archive_removal.h"
 
 #include <algorithm>
+#include <atomic>
+#include <cstddef>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -65,7 +68,7 @@ class ArchiveRemovalTest : public ::testing::Test {
 
     ArchiveRemoval remove(const std::vector<RecordToRemove>& records,
                           platform::FileLayer& files = platform::posixFileLayer()) {
-        return removeFromArchive(files, root_, records, {}, {});
+        return removeFromArchive(files, root_, records, {.triedFiles = tried_}, {});
     }
 
     std::optional<ArchiveRemoval> tryToRemove(const std::vector<RecordToRemove>& records,
@@ -79,6 +82,7 @@ class ArchiveRemovalTest : public ::testing::Test {
 
     const testing::TemporaryHome home_;
     const std::string root_ = home_.at("A");
+    const std::shared_ptr<std::atomic<std::size_t>> tried_ = std::make_shared<std::atomic<std::size_t>>();
     const RecordToRemove a_{"mid:a", "2019/a/mid:a.eml"};
     const RecordToRemove b_{"mid:b", "2019/a/mid:b.eml"};
 };
@@ -93,6 +97,7 @@ TEST_F(ArchiveRemovalTest, FileAndRecordGoAndNothingElse) {
     const ArchiveRemoval removal = remove({a_, b_, a_, {"mid:never", "x.eml"}});
     EXPECT_EQ(removal.removed, (Ids{"mid:a", "mid:b", "mid:never"}));
     EXPECT_TRUE(removal.failures.empty());
+    EXPECT_EQ(tried_->load(), 2U) << "one has no record, so no file";
     EXPECT_EQ(ids(), Ids{"mid:c"});
     EXPECT_EQ(files(), expected);
     EXPECT_EQ(index().createdAt, Date(std::chrono::seconds(1)));

@@ -63,6 +63,7 @@ int replacementError(FileLayer& files, int root) {
 struct FilesToRemove {
     std::vector<Target> targets;
     std::stop_token stop;
+    std::shared_ptr<std::atomic<std::size_t>> triedFiles; // may be null
 
     int run(FileLayer& files, const ArchiveFolders& folders, JobLimit& limit);
     void syncFolders(FileLayer& files, const ArchiveFolders& folders, JobLimit& limit) const;
@@ -80,6 +81,7 @@ int FilesToRemove::run(FileLayer& files, const ArchiveFolders& folders, JobLimit
             target.file = {Outcome::failed, ECANCELED};
         else
             target.file = removeArchivedFile(files, folders, target.record.emlRelativePath, target.others);
+        if (triedFiles) triedFiles->fetch_add(1);
         isComplete = isComplete && target.file.isSettled();
     }
     syncFolders(files, folders, limit);
@@ -113,6 +115,7 @@ class Removal {
       , work_(std::make_shared<FilesToRemove>())
       , destination_(files, root, options.timeLimit, stop) {
         work_->stop = stop;
+        work_->triedFiles = options.triedFiles;
         SharedTextSet seen;
         for (const RecordToRemove& record : records)
             if (seen.insert(SharedText(record.id)).second) work_->targets.push_back({.record = record});

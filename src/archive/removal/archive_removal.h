@@ -6,8 +6,11 @@
 // which the library shows as gone and which the next removal takes away.
 #pragma once
 
+#include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <functional>
+#include <memory>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -27,6 +30,8 @@ struct RecordToRemove {
 struct ArchiveRemovalOptions {
     std::chrono::nanoseconds timeLimit = std::chrono::seconds(25); // of each step
     std::function<void(const std::string& path)> markHidden{};
+    // Grows with each file that was tried, so that others can see how far it is; may be null.
+    std::shared_ptr<std::atomic<std::size_t>> triedFiles{};
 };
 
 struct ArchiveRemoval {

@@ -1,5 +1,6 @@
 #include "model/library/archive_removal_flow.h"
 
+#include <chrono>
 #include <exception>
 #include <utility>
 
@@ -12,10 +13,13 @@ namespace {
 
 using RecordsByRoot = std::map<std::string, std::vector<RecordToRemove>>;
 
+constexpr std::chrono::milliseconds progressInterval(200);
+
 struct RemovalJob {
     const platform::Platform& platform;
     CorvaneAppSupport support;
     SharedEntryList entries;
+    std::shared_ptr<std::atomic<std::size_t>> tried;
 };
 
 RecordsByRoot recordsByRoot(const std::vector<ArchivedEntry>& entries) {
@@ -54,6 +58,7 @@ void removeSearchRows(MailSearchIndex& index, const SharedTextSet& indexed, cons
 void removeIn(const RemovalJob& job, const std::string& root, const std::vector<RecordToRemove>& records,
               const TaskHandle& task, ArchiveRemovalEnd& end) {
     ArchiveRemovalOptions options;
+    options.triedFiles = job.tried;
     options.markHidden = [&platform = job.platform](const std::string& path) { platform.markHidden(path); };
     const auto index = MailSearchIndex::open(job.support, root);
     const auto indexed = index ? index->mappedIDs() : std::nullopt;
@@ -85,14 +90,20 @@ ArchiveRemovalEnd removeAll(const RemovalJob& job, const TaskHandle& task) {
 ArchiveRemovalFlow::ArchiveRemovalFlow(ModelContext& context, QObject* parent)
   : QObject(parent)
   , context_(context)
-  , task_(context.tasks) {}
+  , task_(context.tasks) {
+    progressTimer_.setInterval(progressInterval);
+    connect(&progressTimer_, &QTimer::timeout, this, &ArchiveRemovalFlow::progressChanged);
+}
 
 bool ArchiveRemovalFlow::deleteArchivedEntries(SharedEntryList entries) {
     if (isRemoving()) return false;
     lastEnd_.reset();
+    tried_ = std::make_shared<std::atomic<std::size_t>>();
+    progressTimer_.start();
     task_.start(TaskPriority::userInitiated,
-                RemovalJob{context_.platform, context_.support, std::move(entries)}, &removeAll,
+                RemovalJob{context_.platform, context_.support, std::move(entries), tried_}, &removeAll,
                 [this](ArchiveRemovalEnd end) {
+                    progressTimer_.stop();
                     lastEnd_ = std::move(end);
                     Q_EMIT removalEnded();
                 });

@@ -2,7 +2,8 @@
 // such as their texts for searches. One removal at a time, in the background. Main thread.
 #pragma once
 
-#include <cstdint>
+#include <atomic>
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <optional>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include <QObject>
+#include <QTimer>
 
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
@@ -49,16 +51,23 @@ class ArchiveRemovalFlow : public QObject {
 
     [[nodiscard]] bool isRemoving() const { return task_.isRunning(); }
 
+    // How many of the files of the present or the last removal were tried.
+    [[nodiscard]] std::size_t triedFiles() const { return tried_->load(); }
+
     // Of the last removal; absent before the first and while one is under way.
     [[nodiscard]] const std::optional<ArchiveRemovalEnd>& lastEnd() const { return lastEnd_; }
 
   Q_SIGNALS:
+    // `triedFiles` may be another, several times a second while a removal is under way.
+    void progressChanged();
     // Whatever came of it.
     void removalEnded();
 
   private:
     ModelContext& context_;
     std::optional<ArchiveRemovalEnd> lastEnd_;
+    std::shared_ptr<std::atomic<std::size_t>> tried_ = std::make_shared<std::atomic<std::size_t>>();
+    QTimer progressTimer_;
     TaskSlot task_;
 };
 

@@ -9,6 +9,8 @@ Sheet {
 
     required property RemovalQuestion removal
     readonly property bool removing: removal.step === RemovalQuestion.Removing
+    // In a low window the tick stands in sight below them.
+    readonly property int mostItems: parent && parent.height < Theme.lowBelow ? 2 : removal.items.length
     readonly property bool wanted: removal.step === RemovalQuestion.Asking || removing
 
     onWantedChanged: {
@@ -32,8 +34,8 @@ Sheet {
 
     RemovalItems {
         Layout.fillWidth: true
-        items: sheet.wanted ? sheet.removal.items : []
-        leftOut: sheet.removal.itemsLeftOut
+        items: sheet.wanted ? sheet.removal.items.slice(0, sheet.mostItems) : []
+        leftOut: sheet.removal.count - items.length
     }
     Banner {
         objectName: "onlyCopyBanner"
@@ -69,6 +71,15 @@ Sheet {
         ]
     }
     barItems: [
+        AppButton {
+            objectName: "removalStop"
+            implicitHeight: Theme.controlHeightPrimary
+            horizontalPadding: 20
+            visible: sheet.removal.canStop
+            text: "停止"
+            help: "没有删掉的留在归档库里"
+            onClicked: sheet.removal.stop()
+        },
         AppButton {
             id: cancel
             objectName: "removalCancel"

@@ -1,6 +1,7 @@
 #include "screens/library/removal/removal_question.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "records/formatters.h"
@@ -13,6 +14,9 @@ namespace corvane {
 namespace {
 
 using Status = ArchivedOriginalPresenceStatus;
+
+// A key that is pressed twice never stops what its first press began.
+constexpr std::chrono::milliseconds stopPatience(2000);
 
 QString sizeText(std::int64_t bytes) {
     return screens::wholeText(formatByteCount(bytes));
@@ -45,8 +49,9 @@ RemovalQuestion::RemovalQuestion(CorvaneViewModel& model, QObject* parent)
     connect(&model.library().presence, &PresenceFlow::presenceChanged, this, [this] {
         if (step_ == Step::Asking) makeList();
     });
-    connect(&model.library().loader, &LibraryLoader::archiveLocationsChanged, this,
-            &RemovalQuestion::changed);
+    connect(&model.library().loader, &LibraryLoader::archiveLocationsChanged, this, &RemovalQuestion::changed);
+    connect(&model.library().removal, &ArchiveRemovalFlow::progressChanged, this, &RemovalQuestion::progressChanged);
+    connect(this, &RemovalQuestion::changed, this, &RemovalQuestion::progressChanged);
 }
 
 void RemovalQuestion::ask(SharedLibraryList list, std::vector<EntryPosition> entries) {
@@ -71,7 +76,7 @@ void RemovalQuestion::makeList() {
             // A tick is for what it was given for.
             const bool isSame = made.missing == list_.missing && made.unknown == list_.unknown;
             isTicked_ = isTicked_ && isSame && step_ == Step::Asking;
-            list_ = std::move(made);
+            model_.context().tasks.discard(std::exchange(list_, std::move(made)).entries);
             report_ = {};
             setStep(Step::Asking);
         });
@@ -81,7 +86,21 @@ void RemovalQuestion::makeList() {
 void RemovalQuestion::accept() {
     if (step_ != Step::Asking || !canAccept()) return;
     isOurs_ = model_.library().removal.deleteArchivedEntries(list_.entries);
-    if (isOurs_) setStep(Step::Removing);
+    if (!isOurs_) return;
+    isStopping_ = false;
+    begun_.start();
+    setStep(Step::Removing);
+}
+
+void RemovalQuestion::stop() {
+    if (!canStop()) return;
+    isStopping_ = true;
+    model_.library().removal.cancel();
+    Q_EMIT progressChanged();
+}
+
+bool RemovalQuestion::canStop() const {
+    return step_ == Step::Removing && !isStopping_ && begun_.hasExpired(stopPatience.count());
 }
 
 void RemovalQuestion::close() {
@@ -111,6 +130,8 @@ void RemovalQuestion::handleEnd() {
 
 void RemovalQuestion::setStep(Step step) {
     step_ = step;
+    // It would keep the whole index.
+    if (step != Step::Asking) model_.context().tasks.discard(std::exchange(asked_, {}).list);
     Q_EMIT changed();
 }
 
@@ -175,10 +196,6 @@ QVariantList RemovalQuestion::items() const {
     return shown;
 }
 
-int RemovalQuestion::itemsLeftOut() const {
-    return std::max(0, count() - static_cast<int>(mostRemovalsShown));
-}
-
 QString RemovalQuestion::onlyTitle() const {
     if (list_.missing > 0)
         return QStringLiteral("%1 封已不在 Mail 里，这是唯一的一份").arg(shown(list_.missing));
@@ -199,7 +216,11 @@ QString RemovalQuestion::onlyTick() const {
 }
 
 QString RemovalQuestion::note() const {
-    if (step_ == Step::Removing) return QStringLiteral("正在删除 %1 封…").arg(screens::shownCount(count()));
+    if (step_ == Step::Removing) {
+        const auto tried = static_cast<std::int64_t>(model_.removal().triedFiles());
+        return (isStopping_ ? QStringLiteral("正在停止，已处理 %1 / %2") : QStringLiteral("正在删除 %1 / %2"))
+            .arg(screens::shownCount(tried), screens::shownCount(count()));
+    }
     if (!isConnected()) return QStringLiteral("归档位置没有连接");
     return onlyCount() > 0 && !isTicked_ ? QStringLiteral("勾选之后才能删除") : QString();
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
@@ -26,13 +27,13 @@ class RemovalQuestion : public QObject {
     Q_PROPERTY(QString line READ line NOTIFY changed)
     // Maps with `subject`, `sender`, `dateText`, `sizeText`, `state` and `only`; of a long list the first.
     Q_PROPERTY(QVariantList items READ items NOTIFY changed)
-    Q_PROPERTY(int itemsLeftOut READ itemsLeftOut NOTIFY changed)
     Q_PROPERTY(QString onlyTitle READ onlyTitle NOTIFY changed)
     Q_PROPERTY(QString onlyText READ onlyText NOTIFY changed)
     Q_PROPERTY(QString onlyTick READ onlyTick NOTIFY changed)
     Q_PROPERTY(bool ticked READ isTicked WRITE setTicked NOTIFY changed)
     Q_PROPERTY(bool canAccept READ canAccept NOTIFY changed)
-    Q_PROPERTY(QString note READ note NOTIFY changed)
+    Q_PROPERTY(QString note READ note NOTIFY progressChanged)
+    Q_PROPERTY(bool canStop READ canStop NOTIFY progressChanged)
     Q_PROPERTY(int count READ count NOTIFY changed)
     // Maps with `label`, `count`, `line` and `tone`.
     Q_PROPERTY(QVariantList figures READ figures NOTIFY changed)
@@ -53,6 +54,9 @@ class RemovalQuestion : public QObject {
 
     Q_INVOKABLE void accept();
 
+    // What wasn't begun stays, and is told as a failure.
+    Q_INVOKABLE void stop();
+
     // Also of what is told afterwards; no effect while mail is being removed.
     Q_INVOKABLE void close();
 
@@ -67,7 +71,6 @@ class RemovalQuestion : public QObject {
     [[nodiscard]] QString title() const;
     [[nodiscard]] QString line() const;
     [[nodiscard]] QVariantList items() const;
-    [[nodiscard]] int itemsLeftOut() const;
 
     // Empty where every original is known to be in Mail.
     [[nodiscard]] QString onlyTitle() const;
@@ -81,6 +84,9 @@ class RemovalQuestion : public QObject {
     [[nodiscard]] bool canAccept() const;
     [[nodiscard]] QString note() const;
 
+    // Mail is being removed for longer than a moment, and nobody has stopped it.
+    [[nodiscard]] bool canStop() const;
+
     [[nodiscard]] int count() const { return static_cast<int>(list_.entries->size()); }
 
     // Of the last removal.
@@ -91,6 +97,8 @@ class RemovalQuestion : public QObject {
 
   Q_SIGNALS:
     void changed();
+    // Follows `changed` too.
+    void progressChanged();
 
   private:
     struct Asked {
@@ -116,6 +124,8 @@ class RemovalQuestion : public QObject {
     RemovalReport report_;
     bool isTicked_ = false;
     bool isOurs_ = false; // the removal that is under way
+    bool isStopping_ = false;
+    QElapsedTimer begun_;
     TaskSlot listTask_;
     TaskSlot reportTask_;
 };
