@@ -1,10 +1,14 @@
 #include "library/library_selection.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace corvane {
 
 namespace {
+
+// More are put in their order by a table, which is linear: one key selects all of a large list.
+constexpr std::size_t fewEntries = 2'000;
 
 // From one of the two entries to the other, both included; empty when one isn't in the list.
 std::span<const EntryPosition> rangeBetween(std::span<const EntryPosition> list, EntryPosition a,
@@ -79,7 +83,16 @@ LibrarySelection LibrarySelection::movedTo(const ArchiveLibraryIndex& next,
 
 void LibrarySelection::mark(std::span<const EntryPosition> entries) {
     marked_.assign(entries.begin(), entries.end());
-    std::ranges::sort(marked_);
+    if (marked_.size() <= fewEntries) {
+        std::ranges::sort(marked_);
+        return;
+    }
+    std::vector<bool> isMarked(std::size_t{std::ranges::max(entries)} + 1);
+    for (const EntryPosition entry : entries) isMarked[entry] = true;
+    marked_.clear();
+    for (EntryPosition entry = 0; entry < isMarked.size(); ++entry) {
+        if (isMarked[entry]) marked_.push_back(entry);
+    }
 }
 
 void LibrarySelection::toggle(EntryPosition entry) {

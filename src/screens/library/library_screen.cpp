@@ -24,12 +24,22 @@ QString countAndSize(std::int64_t count, std::int64_t bytes) {
                                          screens::wholeText(formatByteCount(bytes)));
 }
 
-struct CopyJob {
+struct SelectedMail {
     SharedLibraryList list;
     std::vector<EntryPosition> entries;
 };
 
-QString copiedLines(const CopyJob& job, const TaskHandle& task) {
+// So many are summed up at once; more take longer than a frame may.
+constexpr std::size_t fewSelected = 2'000;
+
+std::int64_t bytesOf(const SelectedMail& mail, const TaskHandle&) {
+    std::int64_t bytes = 0;
+    for (const EntryPosition entry : mail.entries)
+        bytes += countedBytes(mail.list->index().entry(entry).record);
+    return bytes;
+}
+
+QString copiedLines(const SelectedMail& job, const TaskHandle& task) {
     QStringList lines;
     for (const EntryPosition entry : job.entries) {
         if (task.isCancelled()) return {};
@@ -59,7 +69,8 @@ LibraryScreen::LibraryScreen(CorvaneViewModel& model, DesktopActions& desktop, Q
   , attachments_(model)
   , removal_(model)
   , rowsTask_(model.context().tasks)
-  , copyTask_(model.context().tasks) {
+  , copyTask_(model.context().tasks)
+  , sumTask_(model.context().tasks) {
     wire();
 }
 
@@ -163,6 +174,7 @@ void LibraryScreen::updateSelection() {
     if (!areRowsPresent()) return;
     rows_.setShownSelection(model_.library().list.selection());
     selection_.showSelected();
+    sumUpSelection();
     showMail();
     Q_EMIT selection_.selectionChanged(0, rows_.count() - 1);
     Q_EMIT summaryChanged();
@@ -201,16 +213,26 @@ QString LibraryScreen::awayPlaces() const {
     return names.join(u'、');
 }
 
-std::int64_t LibraryScreen::selectedBytes() const {
-    const ArchiveLibraryIndex& index = rows_.content().list->index();
-    std::int64_t bytes = 0;
-    for (const EntryPosition entry : selection_.entries()) bytes += countedBytes(index.entry(entry).record);
-    return bytes;
+void LibraryScreen::sumUpSelection() {
+    sumTask_.cancel();
+    selectedBytes_.reset();
+    if (selection_.count() <= 1) return;
+    SelectedMail mail{rows_.content().list, selection_.entries()};
+    if (mail.entries.size() <= fewSelected) {
+        selectedBytes_ = bytesOf(mail, TaskHandle({}));
+        return;
+    }
+    sumTask_.start(TaskPriority::userInitiated, std::move(mail), &bytesOf, [this](std::int64_t bytes) {
+        selectedBytes_ = bytes;
+        Q_EMIT summaryChanged();
+    });
 }
 
 QString LibraryScreen::summaryText() const {
-    if (selection_.count() > 1)
-        return QStringLiteral("已选 ") + countAndSize(selection_.count(), selectedBytes());
+    if (selection_.count() > 1) {
+        return QStringLiteral("已选 ") + (selectedBytes_ ? countAndSize(selection_.count(), *selectedBytes_)
+                                                         : screens::shownMessageCount(selection_.count()));
+    }
     const auto entries = std::ssize(rows_.content().list->entries.entries());
     const QString sum = countAndSize(entries, filters_.facets().bytes);
     return rows_.content().list->inputs.filters.matchedIDs ? QStringLiteral("找到 ") + sum : sum;
@@ -338,7 +360,7 @@ void LibraryScreen::findOriginal() {
 }
 
 void LibraryScreen::copyRows() {
-    copyTask_.start(TaskPriority::userInitiated, CopyJob{rows_.content().list, selection_.entries()},
+    copyTask_.start(TaskPriority::userInitiated, SelectedMail{rows_.content().list, selection_.entries()},
                     &copiedLines, [this](const QString& lines) {
                         if (!lines.isEmpty()) desktop_.copy(lines);
                     });

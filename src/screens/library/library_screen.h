@@ -7,7 +7,7 @@
 
 #include <cstdint>
 #include <memory>
-#include <vector>
+#include <optional>
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
@@ -136,6 +136,7 @@ class LibraryScreen : public QObject {
     void applyUnlessHeld(std::shared_ptr<Update> update);
     void apply(Update& update);
     void updateSelection();
+    void sumUpSelection();
     void updateState();
     void showMail();
     void insertMembers(int row);
@@ -144,7 +145,6 @@ class LibraryScreen : public QObject {
     void handleOpened();
     [[nodiscard]] bool areRowsPresent() const;
     [[nodiscard]] State currentState() const;
-    [[nodiscard]] std::int64_t selectedBytes() const;
 
     CorvaneViewModel& model_;
     DesktopActions& desktop_;
@@ -161,8 +161,10 @@ class LibraryScreen : public QObject {
     bool isHeld_ = false;
     bool isRearranging_ = false;
     std::shared_ptr<Update> waiting_;
+    std::optional<std::int64_t> selectedBytes_; // of several mails; absent while they are summed up
     TaskSlot rowsTask_;
     TaskSlot copyTask_;
+    TaskSlot sumTask_;
 };
 
 } // namespace corvane
