@@ -59,12 +59,10 @@ Sheet {
         Layout.topMargin: 10
         text: sheet.progress.isCancelling ? "正在取消…" : sheet.progress.statusText
     }
-    Rectangle {
+    Line {
         Layout.fillWidth: true
         Layout.topMargin: 20
         Layout.bottomMargin: 14
-        implicitHeight: Theme.hairline
-        color: Theme.line
     }
     RowLayout {
         Layout.fillWidth: true

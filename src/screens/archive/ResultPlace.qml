@@ -12,10 +12,8 @@ ColumnLayout {
 
     spacing: 0
 
-    Rectangle {
+    Line {
         Layout.fillWidth: true
-        implicitHeight: Theme.hairline
-        color: Theme.line
     }
     RowLayout {
         Layout.fillWidth: true
@@ -44,10 +42,8 @@ ColumnLayout {
             onClicked: part.archive.openFolder()
         }
     }
-    Rectangle {
+    Line {
         Layout.fillWidth: true
-        implicitHeight: Theme.hairline
-        color: Theme.line
     }
     AppText {
         Layout.topMargin: 14

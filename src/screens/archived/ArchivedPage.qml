@@ -16,7 +16,7 @@ ScreenPage {
     objectName: "archivedPage"
     hasOwnRefresh: true
     onRefreshRequested: screen.check()
-    Component.onCompleted: screen.open()
+    onShown: screen.open()
 
     ColumnLayout {
         anchors.fill: parent
@@ -46,13 +46,11 @@ ScreenPage {
                 onClicked: page.screen.check()
             }
         }
-        Rectangle {
+        Line {
             Layout.fillWidth: true
             Layout.leftMargin: page.margin
             Layout.rightMargin: page.margin
             visible: page.isListed
-            implicitHeight: Theme.hairline
-            color: Theme.line
         }
         Banner {
             objectName: "accessBanner"
@@ -101,13 +99,11 @@ ScreenPage {
                 }
             }
         }
-        Rectangle {
+        Line {
             Layout.fillWidth: true
             Layout.leftMargin: page.margin
             Layout.rightMargin: page.margin
             visible: page.isListed
-            implicitHeight: Theme.hairline
-            color: Theme.line
         }
         FocusGroup {
             Layout.fillWidth: true

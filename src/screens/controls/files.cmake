@@ -46,6 +46,7 @@ set(controls_qml
     sheets/SheetScroller.qml
     theme/AppText.qml
     theme/FocusRing.qml
+    theme/Line.qml
     theme/Swatch.qml
     theme/Theme.qml
 )

@@ -91,10 +91,8 @@ CentredPane {
             Accessible.role: Accessible.AlertMessage
         }
     }
-    Rectangle {
+    Line {
         Layout.fillWidth: true
-        implicitHeight: Theme.hairline
-        color: Theme.line
     }
     RowLayout {
         Layout.fillWidth: true

@@ -40,7 +40,7 @@ ScreenPage {
 
     objectName: "libraryPage"
     searchField: head.searchField
-    Component.onCompleted: screen.appear()
+    onShown: screen.appear()
     onEscaped: screen.filters.clearYears()
 
     LibraryHead {

@@ -1,5 +1,5 @@
 // The frame of the window: the sidebar at the left, the chosen screen beside it. A screen is made when it is first
-// looked at and kept from then on.
+// looked at, or ahead of that in the moments after the start, and kept from then on.
 import QtQuick
 import QtQuick.Window
 import Corvane
@@ -13,6 +13,8 @@ FocusScope {
     // The screen of each place, by the keys of SidebarModel.
     readonly property var pages: ({ home: homePage, archived: archivedPage, library: libraryPage, mails: mailsPage,
                                     space: spacePage })
+    // How many of the screens were made ahead.
+    property int madeAhead: 0
     readonly property bool narrow: width < Theme.narrowBelow
     readonly property bool low: height < Theme.lowBelow
 
@@ -45,6 +47,12 @@ FocusScope {
     onCurrentPageChanged: Qt.callLater(settleKeyboard) // qmllint disable
     Keys.onEscapePressed: if (currentPage) currentPage.escaped()
 
+    Timer {
+        interval: 1000
+        repeat: true
+        running: view.madeAhead < view.app.sidebar.rowCount()
+        onTriggered: ++view.madeAhead
+    }
     Connections {
         target: view.Window.activeFocusItem
         function onVisibleChanged() {
@@ -134,11 +142,13 @@ FocusScope {
             model: view.app.sidebar
             delegate: Loader {
                 id: holder
+                required property int index
                 required property string key
                 readonly property bool current: view.place === key
 
                 anchors.fill: parent
-                active: current || item !== null
+                active: current || item !== null || index < view.madeAhead
+                asynchronous: !current
                 visible: current
                 focus: current
                 sourceComponent: view.pages[key]
@@ -146,8 +156,10 @@ FocusScope {
                 onLoaded: showPage()
 
                 function showPage() {
-                    if (current && item)
-                        view.currentPage = item as ScreenPage;
+                    if (!current || !item)
+                        return;
+                    view.currentPage = item as ScreenPage;
+                    view.currentPage.shown();
                 }
             }
         }

@@ -19,6 +19,8 @@ FocusScope {
     // The screen means something else by the refresh key than new data from Mail.
     property bool hasOwnRefresh: false
 
+    // Somebody looks at the screen, now or again.
+    signal shown
     // The refresh key was pressed.
     signal refreshRequested
     // Escape came and nothing in the screen took it.

@@ -15,7 +15,7 @@ ScreenPage {
 
     objectName: "spacePage"
     onEscaped: screen.closeAccount()
-    Component.onCompleted: screen.open()
+    onShown: screen.open()
 
     ColumnLayout {
         anchors.fill: parent
@@ -28,10 +28,8 @@ ScreenPage {
             low: page.low
             margin: page.margin
         }
-        Rectangle {
+        Line {
             Layout.fillWidth: true
-            implicitHeight: Theme.hairline
-            color: Theme.line
         }
         RowLayout {
             Layout.fillWidth: true
@@ -114,11 +112,9 @@ ScreenPage {
                     }
                 }
             }
-            Rectangle {
+            Line {
                 Layout.fillHeight: true
                 visible: page.screen.hasAccount
-                implicitWidth: Theme.hairline
-                color: Theme.line
             }
             SpaceSenders {
                 Layout.fillWidth: true

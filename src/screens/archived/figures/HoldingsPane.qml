@@ -10,6 +10,7 @@ ColumnLayout {
 
     required property ArchivedScreen screen
     property bool low: false
+    readonly property bool tight: width < 520
     readonly property var parts: screen.holdings
 
     objectName: "holdings"
@@ -52,7 +53,7 @@ ColumnLayout {
     GridLayout {
         Layout.fillWidth: true
         columns: 2
-        columnSpacing: 32
+        columnSpacing: pane.tight ? 16 : 32
         rowSpacing: 2
 
         Repeater {
@@ -62,7 +63,7 @@ ColumnLayout {
                 required property var modelData
                 Layout.fillWidth: true
                 Layout.preferredWidth: 10
-                spacing: 8
+                spacing: pane.tight ? 6 : 8
                 Accessible.role: Accessible.StaticText
                 Accessible.name: modelData.label + "，" + modelData.text + "，" + modelData.size
 
@@ -72,16 +73,18 @@ ColumnLayout {
                 AppText {
                     Layout.fillWidth: true
                     text: entry.modelData.label
+                    role: pane.tight ? AppText.Note : AppText.Body
                     Accessible.ignored: true
                 }
                 AppText {
                     text: entry.modelData.text
+                    role: pane.tight ? AppText.Note : AppText.Body
                     color: Theme.text2
                     horizontalAlignment: Text.AlignRight
                     Accessible.ignored: true
                 }
                 AppText {
-                    Layout.preferredWidth: 76
+                    Layout.preferredWidth: pane.tight ? 60 : 76
                     text: entry.modelData.size
                     font.weight: Theme.strong
                     horizontalAlignment: Text.AlignRight

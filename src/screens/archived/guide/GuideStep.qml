@@ -50,12 +50,11 @@ RowLayout {
                 Accessible.ignored: true
             }
         }
-        Rectangle {
+        Line {
             Layout.alignment: Qt.AlignHCenter
             Layout.fillHeight: true
             Layout.bottomMargin: 4
             visible: !step.isLast
-            implicitWidth: Theme.hairline
             color: Theme.lineStrong
         }
     }

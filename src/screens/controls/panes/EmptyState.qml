@@ -79,13 +79,11 @@ FocusScope {
                 onClicked: empty.secondActivated()
             }
         }
-        Rectangle {
+        Line {
             Layout.fillWidth: true
             Layout.topMargin: 28
             Layout.bottomMargin: 24
             visible: empty.steps.length > 0
-            implicitHeight: Theme.hairline
-            color: Theme.line
         }
         StepList {
             Layout.fillWidth: true

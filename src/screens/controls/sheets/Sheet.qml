@@ -151,9 +151,8 @@ T.Popup {
                 implicitHeight: children.length > 0 ? children[0].implicitHeight : 0
                 visible: !sheet.scrolls
             }
-            Rectangle {
+            Line {
                 Layout.fillWidth: true
-                implicitHeight: Theme.hairline
                 color: Theme.toneLine(sheet.barKind)
             }
             SheetBar {

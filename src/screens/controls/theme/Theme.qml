@@ -95,7 +95,7 @@ QtObject {
     readonly property int radiusLarge: 8
     readonly property int radiusSheet: 10
     readonly property int radiusBar: 2
-    readonly property int hairline: 1
+    readonly property real hairline: Appearance.hairline
     readonly property int ring: 2
     readonly property int selectionEdge: 3
 

@@ -1,5 +1,8 @@
 #include "screens/controls/theme/appearance.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include <QEvent>
 #include <QGuiApplication>
 #include <QJSEngine>
@@ -58,6 +61,11 @@ void Appearance::update() {
     if (dark == dark_) return;
     dark_ = dark;
     Q_EMIT darkChanged();
+}
+
+qreal Appearance::hairline() {
+    const qreal scale = qGuiApp == nullptr ? 1 : qGuiApp->devicePixelRatio();
+    return std::max(1.0, std::floor(scale)) / scale;
 }
 
 } // namespace corvane

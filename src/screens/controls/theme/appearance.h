@@ -22,6 +22,7 @@ class Appearance : public QObject {
     QML_SINGLETON
     Q_PROPERTY(bool dark READ dark NOTIFY darkChanged)
     Q_PROPERTY(bool reducedMotion READ reducedMotion CONSTANT)
+    Q_PROPERTY(qreal hairline READ hairline CONSTANT)
 
   public:
     enum class Scheme { light, dark };
@@ -36,6 +37,10 @@ class Appearance : public QObject {
     [[nodiscard]] bool dark() const { return dark_; }
 
     [[nodiscard]] bool reducedMotion() const { return reducedMotion_; }
+
+    // How thick a line is, in device-independent pixels: always as many whole pixels of the screen, also
+    // where its scale isn't a whole number.
+    [[nodiscard]] static qreal hairline();
 
     // The window's font with all its families, which a control doesn't take from the application by itself.
     Q_INVOKABLE [[nodiscard]] QFont windowFont(int pixels) const;

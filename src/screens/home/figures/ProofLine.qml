@@ -21,9 +21,8 @@ ColumnLayout {
     spacing: 7
     visible: hasContent
 
-    Rectangle {
+    Line {
         Layout.fillWidth: true
-        implicitHeight: Theme.hairline
         color: Theme.toneLine(line.kind)
     }
     RowLayout {

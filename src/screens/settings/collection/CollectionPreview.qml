@@ -78,13 +78,11 @@ ColumnLayout {
         role: AppText.Note
         color: Theme.text3
     }
-    Rectangle {
+    Line {
         Layout.fillWidth: true
         Layout.topMargin: 20
         Layout.bottomMargin: 14
         visible: pane.collection.sources.length > 0
-        implicitHeight: Theme.hairline
-        color: Theme.line
     }
     AppText {
         visible: pane.collection.sources.length > 0

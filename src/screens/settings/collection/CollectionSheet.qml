@@ -113,10 +113,8 @@ Sheet {
                     collection: sheet.collection
                 }
             }
-            Rectangle {
+            Line {
                 Layout.fillHeight: true
-                implicitWidth: Theme.hairline
-                color: Theme.line
             }
             CollectionPreview {
                 Layout.fillHeight: true
