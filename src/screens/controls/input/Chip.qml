@@ -8,9 +8,10 @@ Rectangle {
     property string text: ""
     property string symbol: ""
     property string kind: ""
+    readonly property real textLeft: symbol.length > 0 ? 8 + 13 + Theme.half : 8
     readonly property color ink: kind === "" ? Theme.text2 : Theme.toneText(kind)
 
-    implicitWidth: content.width + 16
+    implicitWidth: Math.ceil(textLeft + label.implicitWidth + 8)
     implicitHeight: Theme.chipHeight
     radius: Theme.radiusInner
     color: kind === "" ? Theme.surface : Theme.toneBackground(kind)
@@ -18,23 +19,22 @@ Rectangle {
     Accessible.role: Accessible.StaticText
     Accessible.name: text
 
-    Row {
-        id: content
-        anchors.centerIn: parent
-        spacing: Theme.half
-
-        Symbol {
-            anchors.verticalCenter: parent.verticalCenter
-            visible: chip.symbol.length > 0
-            size: 13
-            name: chip.symbol
-            color: chip.ink
-        }
-        AppText {
-            text: chip.text
-            role: AppText.Note
-            color: chip.ink
-            Accessible.ignored: true
-        }
+    Symbol {
+        anchors.verticalCenter: parent.verticalCenter
+        x: 8
+        visible: chip.symbol.length > 0
+        size: 13
+        name: chip.symbol
+        color: chip.ink
+    }
+    AppText {
+        id: label
+        anchors.verticalCenter: parent.verticalCenter
+        x: chip.textLeft
+        width: chip.width - x - 8
+        text: chip.text
+        role: AppText.Note
+        color: chip.ink
+        Accessible.ignored: true
     }
 }

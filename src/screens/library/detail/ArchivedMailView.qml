@@ -35,8 +35,7 @@ FocusScope {
             objectName: "archivedState"
             anchors.verticalCenter: parent.verticalCenter
             x: Theme.margin
-            width: Math.min(Math.ceil(implicitWidth), buttons.x - x - Theme.space)
-            clip: true
+            width: Math.min(implicitWidth, buttons.x - x - Theme.space)
             kind: view.mail.stateTone
             symbol: view.mail.stateSymbol
             text: view.mail.stateText

@@ -15,7 +15,7 @@ Banner {
     visible: running
     symbol: "cloud-download"
     headline: "正在从云端取回这封邮件"
-    lines: ["取回后会自动打开，最多等两分钟。已经等了 " + seconds + " 秒。"]
+    lines: ["取回后会自动打开，最多等两分钟。", "已经等了 " + seconds + " 秒。"]
     footer: [
         ProgressTrack {
             width: parent.width
