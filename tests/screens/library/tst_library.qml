@@ -113,6 +113,24 @@ WindowUnderTest {
             compare(root.rows.count, all);
         }
 
+        function test_WhatIsBroughtBackFromACloudCanStayThere() {
+            scenes.evict("b1");
+            query("生日快乐");
+            keyClick(Qt.Key_Down);
+            tryCompare(root.screen.mail, "fileState", ArchivedMail.InCloud);
+            keyClick(Qt.Key_Return);
+            tryVerify(() => part("retrievalBanner").visible);
+            verify(!part("openArchived").enabled);
+            keyClick(Qt.Key_1, Qt.ControlModifier);
+            keyClick(Qt.Key_3, Qt.ControlModifier);
+            verify(part("retrievalBanner").visible);
+            mouseClick(part("cancelRetrieval"));
+            tryVerify(() => !part("retrievalBanner").visible);
+            verify(part("openArchived").enabled);
+            compare(root.screen.mail.fileState, ArchivedMail.InCloud);
+            compare(part("librarySearch").text, "生日快乐");
+        }
+
         function test_RemovingAsksTwiceAndReturnNeverRemoves() {
             const all = root.rows.count;
             root.selection.select(5);

@@ -1,5 +1,7 @@
 #include "screens/support/qml_scenes.h"
 
+#include <filesystem>
+#include <string>
 #include <utility>
 
 #include "screens/support/library_scene.h"
@@ -38,6 +40,14 @@ void QmlScenes::beginLibrary() {
     auto next = std::make_unique<WindowScene>();
     fillLibrary(*next);
     show(std::move(next));
+}
+
+void QmlScenes::evict(const QString& name) {
+    const std::string root = scene().model().destinations().transferDestination().value();
+    const std::string file = name.toStdString() + ".eml";
+    std::filesystem::rename(root + "/2021/" + file, root + "/2021/." + file + ".icloud");
+    scene().model().library().loadEmailArchiveIndex(root, true);
+    scene().settle();
 }
 
 void QmlScenes::show(std::unique_ptr<WindowScene> next) {

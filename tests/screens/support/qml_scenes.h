@@ -23,6 +23,9 @@ class QmlScenes : public QObject {
     // The same over the library of library_scene.h.
     Q_INVOKABLE void beginLibrary();
 
+    // The cloud keeps the file of that mail of 2021 for itself.
+    Q_INVOKABLE void evict(const QString& name);
+
     Q_INVOKABLE void settle() { scene().settle(); }
 
     Q_INVOKABLE [[nodiscard]] bool isIdle() { return scene().model().context().tasks.isIdle(); }
