@@ -1,15 +1,25 @@
 // Steps of the main thread while somebody goes through a large library, painted in software without a screen.
 // Prints one JSON object: the longest steps of each thing that is done.
-//   measure_library_window HOME COUNT      HOME is filled with an archive of that many records, without files
+//   measure_library_window HOME COUNT      HOME is filled with ten archives of so many records in all,
+//   without
+//                                          files; with a COUNT of 0 it is taken as it is
+#include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
+#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <QKeyEvent>
 #include <QQuickItem>
+#include <sys/resource.h>
 
 #include "library_samples.h"
+#include "locations/known_locations.h"
 #include "platform/files/writing/durable_file.h"
 #include "platform/paths.h"
 #include "records/stores/archive_index_file.h"
@@ -23,19 +33,43 @@ using namespace corvane;
 using bench::TimedApplication;
 using bench::WholeWindow;
 
-std::string makeArchive(const std::string& home, std::size_t count) {
-    EmailArchiveIndex index{Date(std::chrono::seconds(1)), Date(std::chrono::seconds(2)), {}};
-    for (ArchivedEntry& entry : bench::makeArchivedEntries(count)) {
-        // Every fortieth answers one mail, which makes a thread of thousands.
-        if (index.records.size() % 40 == 1)
-            entry.record.referencedMessageIdentifiers = {*index.records.front().messageIdentifier};
-        index.records.push_back(std::move(entry.record));
+constexpr std::size_t archiveCount = 10;
+
+// A large thread beside the small ones: mail that answers the first one and nothing else.
+constexpr std::size_t answersTheFirst = 100;
+
+// The folders of the archives.
+std::vector<std::string> makeArchives(const std::string& home, std::size_t count) {
+    std::vector<EmailArchiveIndex> indexes(
+        archiveCount, EmailArchiveIndex{Date(std::chrono::seconds(1)), Date(std::chrono::seconds(2)), {}});
+    std::vector<ArchivedEntry> entries = bench::makeArchivedEntries(count);
+    const SharedText first = *entries.front().record.messageIdentifier;
+    for (std::size_t number = 0; number < count; ++number) {
+        ArchivedEmailRecord& record = entries[number].record;
+        if (number % answersTheFirst == 1)
+            record.referencedMessageIdentifiers = {first};
+        else if (record.referencedMessageIdentifiers)
+            record.referencedMessageIdentifiers->resize(1); // pairs, not one thread of all
+        indexes[number * archiveCount / count].records.push_back(std::move(record));
     }
-    const std::string root = platform::joinPath(home, "Documents/邮件归档");
-    std::filesystem::create_directories(root);
-    platform::writeFileAtomically(platform::posixFileLayer(), platform::joinPath(root, archiveIndexFileName),
-                                  encodeArchiveIndex(index));
-    return root;
+    std::vector<std::string> roots;
+    for (std::size_t number = 0; number < archiveCount; ++number) {
+        // Two archives of one time are taken for one that was copied.
+        indexes[number].createdAt = Date(std::chrono::seconds(1 + number));
+        roots.push_back(platform::joinPath(home, fmt::format("Documents/邮件归档 {}", number)));
+        std::filesystem::create_directories(roots.back());
+        platform::writeFileAtomically(platform::posixFileLayer(),
+                                      platform::joinPath(roots.back(), archiveIndexFileName),
+                                      encodeArchiveIndex(indexes[number]));
+    }
+    return roots;
+}
+
+// Of the process, in megabytes.
+long peakMemory() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss / 1024;
 }
 
 class LibraryWalk {
@@ -73,6 +107,9 @@ class LibraryWalk {
 
     void walk();
     void remove();
+    void scrollSlowly(QQuickItem& view);
+    void openLargestThread();
+    void type(const char* query);
 
   private:
     TimedApplication& application_;
@@ -80,17 +117,25 @@ class LibraryWalk {
     bool isFirst_ = true;
 };
 
-void LibraryWalk::walk() {
-    measure("click to list", [&] { whole_.show("library"); });
-    auto* view = whole_.shown().findChild<QQuickItem*>(QStringLiteral("libraryView"));
-    view->forceActiveFocus(Qt::TabFocusReason);
-    measure("scroll", [&] { view->setProperty("contentY", 40'000); });
-    measure("scroll back", [&] { view->setProperty("contentY", 400); });
-    measure("page down", [&] { key(Qt::Key_PageDown); });
-    measure("end", [&] { key(Qt::Key_End); });
-    measure("home", [&] { key(Qt::Key_Home); });
+// A turn of the wheel a frame.
+void LibraryWalk::scrollSlowly(QQuickItem& view) {
+    bool isPainted = false;
+    const auto painted =
+        QObject::connect(&whole_.shown(), &QQuickWindow::frameSwapped, [&] { isPainted = true; });
+    application_.takeSummary();
+    for (int frame = 1; frame <= 300; ++frame) {
+        isPainted = false;
+        application_.step("scroll", [&] { view.setProperty("contentY", 120 * frame); });
+        while (!isPainted) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    QObject::disconnect(painted);
+    measure("after 300 frames", [] {});
+}
+
+void LibraryWalk::openLargestThread() {
     int largest = 0;
-    for (int row = 0, most = 0; row < screen().list()->rowCount(); ++row) {
+    int most = 0;
+    for (int row = 0; row < screen().list()->rowCount(); ++row) {
         const int count =
             screen().list()->data(screen().list()->index(row), LibraryRowModel::MemberCountRole).toInt();
         if (count > most) largest = row;
@@ -98,15 +143,41 @@ void LibraryWalk::walk() {
     }
     screen().selection()->select(largest);
     settle();
-    measure("open a large thread", [&] { key(Qt::Key_Right); });
+    measure(fmt::format("open a thread of {}", most).c_str(), [&] { key(Qt::Key_Right); });
     measure("close it", [&] { key(Qt::Key_Left); });
-    for (const char* query : {"合", "合同", "合同评审", "zzzz", ""})
-        measure(fmt::format("search {}", query).c_str(),
-                [&] { screen().setQuery(QString::fromUtf8(query)); });
+}
+
+// As fast as one types, then until the answer stands.
+void LibraryWalk::type(const char* query) {
+    const QString whole = QString::fromUtf8(query);
+    measure(fmt::format("search {}", query).c_str(), [&] {
+        for (qsizetype length = 1; length <= whole.size(); ++length) screen().setQuery(whole.first(length));
+        if (whole.isEmpty()) screen().setQuery({});
+    });
+}
+
+void LibraryWalk::walk() {
+    measure("click to list", [&] { whole_.show("library"); });
+    measure("back", [&] { whole_.show("home"); });
+    measure("click to list again", [&] { whole_.show("library"); });
+    auto* view = whole_.shown().findChild<QQuickItem*>(QStringLiteral("libraryView"));
+    view->forceActiveFocus(Qt::TabFocusReason);
+    scrollSlowly(*view);
+    measure("jump", [&] { view->setProperty("contentY", 400'000); });
+    measure("jump back", [&] { view->setProperty("contentY", 400); });
+    measure("page down", [&] { key(Qt::Key_PageDown); });
+    measure("end", [&] { key(Qt::Key_End); });
+    measure("home", [&] { key(Qt::Key_Home); });
+    openLargestThread();
+    for (const char* query : {"合", "合同", "合同评审", "li", "example", "zzzz", ""}) type(query);
     measure("sort", [&] { screen().setAscending(true); });
     measure("account", [&] { screen().filters()->setAccount(1); });
     measure("years", [&] { screen().filters()->chooseYears(2012, 2014); });
     measure("all again", [&] { screen().filters()->clear(); });
+    measure("load again", [&] { whole_.model().library().loader.loadEmailArchiveIndex(std::nullopt, true); });
+    for (const char* place : {"archived", "space", "mails"}) measure(place, [&] { whole_.show(place); });
+    measure("library", [&] { whole_.show("library"); });
+    view->forceActiveFocus(Qt::TabFocusReason);
 }
 
 void LibraryWalk::remove() {
@@ -125,21 +196,21 @@ int main(int argc, char** argv) {
         fmt::print(stderr, "measure_library_window HOME COUNT\n");
         return 2;
     }
-    const std::string root = makeArchive(argv[1], std::strtoul(argv[2], nullptr, 10));
+    const std::size_t count = std::strtoul(argv[2], nullptr, 10);
+    const auto roots = count > 0 ? makeArchives(argv[1], count) : std::vector<std::string>();
     useWindowFonts();
     const Appearance appearance(Appearance::Scheme::light);
     WholeWindow whole(argv[1]);
-    bench::waitForFirstFrame(whole.shown());
-    whole.window().startUp();
-    whole.waitFor([] { return true; });
+    CorvaneViewModel& model = whole.model();
+    for (const std::string& root : roots) rememberLocation(model.context().settings, root);
     fmt::print("{{");
     LibraryWalk walk(application, whole);
-    walk.measure("load", [&] {
-        whole.model().archiving().destinations.setTransferDestination(root);
-        whole.model().library().loader.loadEmailArchiveIndex(root, true);
-    });
+    walk.measure("first frame", [&] { bench::waitForFirstFrame(whole.shown()); });
+    walk.measure("start", [&] { whole.window().startUp(); });
+    walk.measure("load", [&] { model.library().loader.loadEmailArchiveIndex(std::nullopt, true); });
     walk.walk();
     walk.remove();
-    fmt::print("}}\n");
+    fmt::print(",\n \"entries\": {}, \"peak megabytes\": {}}}\n", model.library().loader.archivedEntries()->size(),
+               peakMemory());
     return 0;
 }

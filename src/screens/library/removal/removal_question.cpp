@@ -217,7 +217,7 @@ QString RemovalQuestion::onlyTick() const {
 
 QString RemovalQuestion::note() const {
     if (step_ == Step::Removing) {
-        const auto tried = static_cast<std::int64_t>(model_.removal().triedFiles());
+        const auto tried = static_cast<std::int64_t>(model_.library().removal.triedFiles());
         return (isStopping_ ? QStringLiteral("正在停止，已处理 %1 / %2") : QStringLiteral("正在删除 %1 / %2"))
             .arg(screens::shownCount(tried), screens::shownCount(count()));
     }
