@@ -14,6 +14,10 @@ import unittest
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 CLI = os.environ.get("CORVANE_CLI", str(ROOT / "build/dev/bin/corvane-cli"))
 INDEX = "Library/Mail/V10/MailData/Envelope Index"
+# Where the system keeps what is a program's own, in a home.
+ON_MAC = sys.platform == "darwin"
+SUPPORT = "Library/Application Support/Corvane" if ON_MAC else ".local/share/Corvane"
+SETTINGS = "Library/Preferences/app.corvane.Corvane.json" if ON_MAC else ".config/Corvane.conf"
 
 
 def make_home(path, *options):

@@ -5,7 +5,7 @@ import os
 import sqlite3
 import unittest
 
-from cli_support import CliCase, INDEX
+from cli_support import INDEX, SUPPORT, CliCase
 
 TRASH = "ROWID IN (SELECT ROWID FROM mailboxes WHERE url LIKE '%/Deleted%20Messages' OR url LIKE '%/Trash' " \
         "OR url LIKE '%/Junk' OR url LIKE '%/Deleted%20Items' OR url LIKE '%/Spam')"
@@ -64,14 +64,14 @@ class LibraryCare(CliCase):
         self.assertGreaterEqual(list(second["statuses"].values()).count("missing"), 2)
         os.rename(self.home_path / INDEX, self.home_path / "aside")
         self.assertEqual(self.run_cli(self.home_path, "presence", "--force"), second)
-        (self.home_path / ".local/share/Corvane/archived-original-presence-cache.json").unlink()
+        (self.home_path / SUPPORT / "archived-original-presence-cache.json").unlink()
         unavailable = self.run_cli(self.home_path, "presence", "--force")
         self.assertEqual((unavailable["state"], unavailable["statuses"]), ("unavailable", {}))
         self.assertTrue(unavailable["failureMessage"].startswith("没有完整磁盘访问权限"))
         self.assertEqual(self.run_cli(self.home_path, "presence")["state"], "unchecked")
 
     def search_database(self):
-        database = sqlite3.connect(next((self.home_path / ".local/share/Corvane").glob("search-*.sqlite")))
+        database = sqlite3.connect(next((self.home_path / SUPPORT).glob("search-*.sqlite")))
         self.addCleanup(database.close)
         return database
 

@@ -11,7 +11,7 @@ import unicodedata
 import unittest
 import urllib.parse
 
-from cli_support import CliCase, archive_state, signal, tree_state
+from cli_support import SETTINGS, SUPPORT, CliCase, archive_state, signal, tree_state
 
 
 def composed(names):
@@ -153,10 +153,10 @@ class Interruptions(CliCase):
     def fresh_home(self, number):
         """The scan's cache without the memory of an archive."""
         for name in ("archive-library-snapshot.json", "index-cache"):
-            path = self.mail / ".local/share/Corvane" / name
+            path = self.mail / SUPPORT / name
             if path.is_file():
                 path.unlink()
-        (self.mail / ".config/Corvane.conf").unlink(missing_ok=True)
+        (self.mail / SETTINGS).unlink(missing_ok=True)
         return self.folder / f"killed-{number}"
 
     def test_a_killed_run_is_healed_by_the_next_one(self):

@@ -13,7 +13,7 @@ import time
 import unittest
 import uuid
 
-from cli_support import CLI, INDEX, CliCase
+from cli_support import CLI, INDEX, SUPPORT, CliCase
 
 HIDDEN = re.compile("[\x00-\x1f\x7f-\x9f\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]")
 SUBJECT = "\x1b]0;owned\x07 inv\u202efdp.exe\n失败：\u009b31m\u2066x"
@@ -121,7 +121,7 @@ class Remains(CliCase):
         self.run_cli(home, "refresh")
         unfinished = f".corvane-{str(uuid.uuid4()).upper()}.tmp"
         left = [self.folder / f"corvane-rows-{str(uuid.uuid4()).upper()}.json", self.folder / "archive" / unfinished,
-                home / ".local/share/Corvane" / unfinished, home / ".local/share/Corvane/index-cache" / unfinished]
+                home / SUPPORT / unfinished, home / SUPPORT / "index-cache" / unfinished]
         mine = [path.with_name("corvane-notes.tmp") for path in left]
         for path in left + mine:
             path.parent.mkdir(exist_ok=True)

@@ -6,9 +6,8 @@ import shutil
 import subprocess
 import unittest
 
-from cli_support import CLI, CliCase
+from cli_support import CLI, SUPPORT, CliCase
 
-SUPPORT = ".local/share/Corvane"
 
 
 class Quick(CliCase):

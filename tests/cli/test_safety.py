@@ -11,7 +11,7 @@ import subprocess
 import unittest
 import urllib.parse
 
-from cli_support import CLI, INDEX, CliCase
+from cli_support import CLI, INDEX, SETTINGS, SUPPORT, CliCase
 
 RESCAN = "请重新扫描后再试"
 
@@ -207,8 +207,8 @@ class Safety(CliCase):
         foreign.mkdir(parents=True)
         shutil.copy(own / "archive-index.json", foreign)
         shutil.rmtree(own)
-        shutil.rmtree(self.mail / ".config")
-        for path in (self.mail / ".local/share/Corvane").glob("*archive*"):
+        (self.mail / SETTINGS).unlink()
+        for path in (self.mail / SUPPORT).glob("*archive*"):
             shutil.rmtree(path) if path.is_dir() else path.unlink()
         found = self.run_cli(self.mail, "locations")
         self.assertIn(str(foreign), json.dumps(found, ensure_ascii=False))

@@ -10,9 +10,8 @@ import sqlite3
 import time
 import unittest
 
-from cli_support import CliCase, signal
+from cli_support import SUPPORT, CliCase, signal
 
-SUPPORT = ".local/share/Corvane"
 
 
 def databases(home):

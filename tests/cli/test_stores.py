@@ -8,7 +8,7 @@ import subprocess
 import unicodedata
 import unittest
 
-from cli_support import CLI, CliCase, INDEX, tree_state
+from cli_support import CLI, INDEX, SUPPORT, CliCase, tree_state
 
 NO_MAIL = "没有找到本机 Mail 数据目录"
 NO_INDEX = "没有找到 Mail 索引文件"
@@ -90,7 +90,7 @@ class Stores(CliCase):
 
     def test_diagnostics_are_written_after_a_scan_and_on_demand(self):
         home = self.home("home", "--messages", "100")
-        log = home / ".local/share/Corvane/restore-scan-diagnostic.log"
+        log = home / SUPPORT / "restore-scan-diagnostic.log"
         before = tree_state(home / "Library")
         self.assertEqual(self.run_cli(home, "diagnose"), {"log": str(log)})
         on_demand = log.read_text(encoding="utf-8")
@@ -104,7 +104,7 @@ class Stores(CliCase):
         nothing = self.folder / "nothing"
         nothing.mkdir()
         self.run_cli(nothing, "diagnose")
-        written = (nothing / ".local/share/Corvane/restore-scan-diagnostic.log").read_text(encoding="utf-8")
+        written = (nothing / SUPPORT / "restore-scan-diagnostic.log").read_text(encoding="utf-8")
         self.assertIn("stop reason=no-sqlite-or-envelope-index", written)
 
     def crashing_runtime(self):
@@ -153,7 +153,7 @@ class Stores(CliCase):
 
     def test_logs_of_an_open_window_are_left_alone(self):
         home = self.home("home", "--messages", "60")
-        support = home / ".local/share/Corvane"
+        support = home / SUPPORT
         support.mkdir(parents=True)
         line, logs = "a line of the window", ("performance.log", "archive-library-startup.log")
         for lock, stays in (("window.lock", True), ("other", False)):

@@ -15,7 +15,9 @@
 namespace corvane::testing {
 namespace {
 
-constexpr const char* storeFile = ".local/share/Corvane/proof-readings.sqlite";
+std::string storeFile(const TemporaryHome& home) {
+    return home.platform().applicationSupportDirectory() + "/Corvane/proof-readings.sqlite";
+}
 
 FileReading sampleReading(char content, bool hasBody) {
     FileReading reading{.stamp = {7, 1'700'000'000'123'456'789, 1'700'000'001'000'000'000},
@@ -32,7 +34,7 @@ TEST(ProofStore, KeepsTheLastReadingOfEachFile) {
     const TemporaryHome home;
     const CorvaneAppSupport support(home.platform());
     EXPECT_TRUE(ProofStore(support).load()->isEmpty());
-    EXPECT_FALSE(platform::fileExists(home.at(storeFile))) << "looking makes no file";
+    EXPECT_FALSE(platform::fileExists(storeFile(home))) << "looking makes no file";
     ProofStore store(support);
     ReadingBatch batch;
     batch.copies = {{oddPath, sampleReading('a', false)}, {"/b", sampleReading('b', true)}};
@@ -50,7 +52,7 @@ TEST(ProofStore, KeepsTheLastReadingOfEachFile) {
     EXPECT_EQ(*facts->archivedReading("/other", "2020/x.eml"), sampleReading('d', false));
     EXPECT_EQ(facts->archivedReading("/root", "2020/y.eml"), nullptr);
     struct stat status{};
-    ASSERT_EQ(::stat(home.at(storeFile).c_str(), &status), 0);
+    ASSERT_EQ(::stat(storeFile(home).c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0600U);
 }
 
@@ -81,14 +83,14 @@ TEST(ProofStore, IsMadeAnewWhereItCannotBeUsed) {
     for (int number = 0; number < 400; ++number)
         batch.copies.push_back({"/" + std::to_string(number), sampleReading('a', true)});
     ASSERT_TRUE(ProofStore(support).save(batch));
-    const std::string sound = readWhole(home.at(storeFile));
+    const std::string sound = readWhole(storeFile(home));
     std::string torn = sound;
     std::fill(torn.begin() + 8192, torn.begin() + 20480, '\x7f');
     std::string ofAnotherVersion = sound;
     ofAnotherVersion[63] = 9; // user_version
     for (const std::string& content :
          {std::string("no database"), torn, sound.substr(0, 4096), ofAnotherVersion}) {
-        home.write(storeFile, content);
+        home.write(storeFile(home), content);
         EXPECT_TRUE(ProofStore(support).load()->isEmpty());
         ReadingBatch one;
         one.copies = {{"/b", sampleReading('b', false)}};
@@ -96,8 +98,8 @@ TEST(ProofStore, IsMadeAnewWhereItCannotBeUsed) {
         ASSERT_TRUE(store.save(one));
         EXPECT_EQ(ProofStore(support).load()->copies.size(), 1U);
     }
-    std::filesystem::remove(home.at(storeFile));
-    std::filesystem::create_symlink(home.write("elsewhere", ""), home.at(storeFile));
+    std::filesystem::remove(storeFile(home));
+    std::filesystem::create_symlink(home.write("elsewhere", ""), storeFile(home));
     EXPECT_FALSE(ProofStore(support).save(batch)) << "no link is followed";
     EXPECT_EQ(readWhole(home.at("elsewhere")), "");
 }

@@ -11,7 +11,9 @@
 namespace corvane::testing {
 namespace {
 
-constexpr const char* supportFolder = ".local/share/Corvane/";
+std::string supportFolder(const TemporaryHome& home) {
+    return home.platform().applicationSupportDirectory() + "/Corvane";
+}
 
 TEST(AccountCache, BelongsToOneMailRoot) {
     const TemporaryHome home;
@@ -24,7 +26,7 @@ TEST(AccountCache, BelongsToOneMailRoot) {
     store.save("/a", {account});
     EXPECT_EQ(store.load("/a"), std::vector{account});
     EXPECT_FALSE(store.load("/b"));
-    home.write(std::string(supportFolder) + "mail-account-cache.json", "{\"cachedAt\":1}");
+    home.write(supportFolder(home) + "/mail-account-cache.json", "{\"cachedAt\":1}");
     EXPECT_THROW((void)store.load("/a"), JsonError);
 }
 
@@ -47,7 +49,7 @@ TEST(PresenceCache, BelongsToOneSignature) {
     std::ranges::reverse(entries);
     entries.emplace_back();
     EXPECT_EQ(store.statuses("s", entries)->byPosition, (std::vector{missing, unknown, unknown}));
-    home.write(std::string(supportFolder) + "archived-original-presence-cache.json",
+    home.write(supportFolder(home) + "/archived-original-presence-cache.json",
                R"({"cachedAt":"2024-01-01T00:00:00Z","signature":"s","statusesByEntryID":{"a":"gone"}})");
     EXPECT_THROW((void)store.load("s"), JsonError);
 }
@@ -71,7 +73,7 @@ TEST(LibrarySnapshot, KeepsEntriesAndLocations) {
 
 TEST(Caches, ThatCannotBeWrittenAreIgnored) {
     const TemporaryHome home;
-    home.write(".local/share/Corvane", "a file where the folder should be");
+    home.write(supportFolder(home), "a file where the folder should be");
     const CorvaneAppSupport support(home.platform());
     MailAccountCacheStore(support).save("/a", {});
     EXPECT_THROW(support.baseDirectory(true), std::system_error);
