@@ -210,7 +210,7 @@ int main(int argc, char** argv) {
     walk.measure("load", [&] { model.library().loader.loadEmailArchiveIndex(std::nullopt, true); });
     walk.walk();
     walk.remove();
-    fmt::print(",\n \"entries\": {}, \"peak megabytes\": {}}}\n", model.library().loader.archivedEntries()->size(),
-               peakMemory());
+    fmt::print(",\n \"entries\": {}, \"peak megabytes\": {}}}\n",
+               model.library().loader.archivedEntries()->size(), peakMemory());
     return 0;
 }

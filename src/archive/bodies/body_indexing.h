@@ -48,8 +48,8 @@ using BodyIndexProgress = std::function<void(std::int64_t done, std::int64_t tot
 SearchIndexRow searchIndexRow(const ArchivedEmailRecord& record, std::string body);
 
 // Where the files of the records lie, in their order. An index is from outside: a path that leaves the root,
-// by its text or by a link, and anything but a regular file that holds its content, counts as missing. `onStep`
-// is called before each look. Looks at the place, without a limit of its own.
+// by its text or by a link, and anything but a regular file that holds its content, counts as missing.
+// `onStep` is called before each look. Looks at the place, without a limit of its own.
 std::vector<BodyIndexItem> bodyIndexItems(const std::string& archiveRoot,
                                           const std::vector<ArchivedEmailRecord>& records,
                                           const std::function<void()>& onStep = {});

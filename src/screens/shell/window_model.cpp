@@ -171,8 +171,11 @@ void WindowModel::showFigures() {
     sidebar_.setFigure(SidebarPlace::library, sidebarCount(archived, model_.library().loader.isLoading()));
     const std::int64_t listed = static_cast<std::int64_t>(model_.mail().catalog.messages()->size());
     // A part of the mail is no figure for the list, but for the scan that is at it.
-    const bool isCut = model_.mail().catalog.state()->isPartial() && !model_.mail().scanFlow.state().isScanning();
-    const std::int64_t shown = isCut ? 0 : listed > 0 ? listed : model_.mail().catalog.summary().scannedMessages;
+    const bool isCut =
+        model_.mail().catalog.state()->isPartial() && !model_.mail().scanFlow.state().isScanning();
+    const std::int64_t shown = isCut        ? 0
+                               : listed > 0 ? listed
+                                            : model_.mail().catalog.summary().scannedMessages;
     sidebar_.setFigure(SidebarPlace::mails, sidebarCount(shown, model_.mail().scanFlow.isLastScanAwaited()));
 }
 

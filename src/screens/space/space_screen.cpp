@@ -44,8 +44,9 @@ SpaceScreen::SpaceScreen(CorvaneViewModel& model, ArchiveScreen& archive, Deskto
     updates(&model.mail().catalog, &MessageCatalog::generationReplaced);
     updates(&model.mail().diskAccess, &FullDiskAccess::needsFullDiskAccessChanged);
     updates(&archive, &ArchiveScreen::stageChanged);
-    connect(&model.catalog(), &MessageCatalog::availabilityPublished, this, [this] {
-        if (model_.catalog().isAvailabilityKnown() && !model_.scanFlow().state().isScanning()) open();
+    connect(&model.mail().catalog, &MessageCatalog::availabilityPublished, this, [this] {
+        if (model_.mail().catalog.isAvailabilityKnown() && !model_.mail().scanFlow.state().isScanning())
+            open();
     });
 }
 

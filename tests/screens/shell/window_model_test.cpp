@@ -149,14 +149,14 @@ TEST_F(WindowModels, TheSidebarKnowsItsFiguresBeforeAPlaceWasOpened) {
     };
     const QString dash = QStringLiteral("—");
     writeIndex(home_, "归档", {Date(), Date(), {sampleRecord("mid:a")}});
-    model_.destinations().setTransferDestination(home_.at("归档"));
+    model_.archiving().destinations.setTransferDestination(home_.at("归档"));
     CorvaneViewModel model(context_);
     WindowModel window(model);
     EXPECT_EQ(figures(window).at(3), dash) << "no false zero";
     EXPECT_EQ(figures(window).at(4), dash);
     window.startUp();
     waitUntilIdle(context_.tasks);
-    publishMessages(model.catalog(), sampleMessages(home_, {{"m1"}, {"m2"}}));
+    publishMessages(model.mail().catalog, sampleMessages(home_, {{"m1"}, {"m2"}}));
     waitUntilIdle(context_.tasks);
     QTRY_COMPARE(figures(window).at(3), QStringLiteral("2"));
     QTRY_VERIFY(figures(window).at(4).endsWith(u'B'));

@@ -43,10 +43,10 @@ void QmlScenes::beginLibrary() {
 }
 
 void QmlScenes::evict(const QString& name) {
-    const std::string root = scene().model().destinations().transferDestination().value();
+    const std::string root = scene().model().archiving().destinations.transferDestination().value();
     const std::string file = name.toStdString() + ".eml";
     std::filesystem::rename(root + "/2021/" + file, root + "/2021/." + file + ".icloud");
-    scene().model().library().loadEmailArchiveIndex(root, true);
+    scene().model().library().loader.loadEmailArchiveIndex(root, true);
     scene().settle();
 }
 

@@ -49,8 +49,10 @@ RemovalQuestion::RemovalQuestion(CorvaneViewModel& model, QObject* parent)
     connect(&model.library().presence, &PresenceFlow::presenceChanged, this, [this] {
         if (step_ == Step::Asking) makeList();
     });
-    connect(&model.library().loader, &LibraryLoader::archiveLocationsChanged, this, &RemovalQuestion::changed);
-    connect(&model.library().removal, &ArchiveRemovalFlow::progressChanged, this, &RemovalQuestion::progressChanged);
+    connect(&model.library().loader, &LibraryLoader::archiveLocationsChanged, this,
+            &RemovalQuestion::changed);
+    connect(&model.library().removal, &ArchiveRemovalFlow::progressChanged, this,
+            &RemovalQuestion::progressChanged);
     connect(this, &RemovalQuestion::changed, this, &RemovalQuestion::progressChanged);
 }
 
