@@ -12,7 +12,7 @@ namespace corvane::cli {
 AwayProofs awayProofsOf(Session& session, const std::function<bool(const MailMessageRecord&)>& isLookedAt) {
     CorvaneViewModel& model = session.model();
     const auto isAny = [](const MailMessageRecord&) { return true; };
-    return awayProofs(*model.mail().catalog.proofs(),
+    return awayProofs(*model.mail().catalog.availability().proofs,
                       disconnectedRoots(model.library().loader.archiveLocations()),
                       *model.mail().catalog.messages(), isLookedAt ? isLookedAt : isAny);
 }
