@@ -34,7 +34,7 @@ class ArchivedAccounts : public ModelTest {
     ModelContext context_{platform_};
     CorvaneViewModel model_{context_};
     testing::RecordingDesktop desktop_;
-    AccountDetail detail_{model_};
+    AccountDetail detail_{model_.library().mailOpening};
     DeletionGuide guide_{model_, desktop_};
 };
 
