@@ -34,6 +34,13 @@ const FileReading* validReading(const ProofCopy& copy) {
     return copy.reading != nullptr && copy.reading->stamp == copy.stamp ? copy.reading : nullptr;
 }
 
+// What a reading has shown against a file stands while only something else about it has changed, such as its
+// mode: what would speak for it has to be read again.
+bool mayBeAsRead(const FileReading* reading, const FileStamp& now) {
+    return reading != nullptr && reading->stamp.sizeBytes == now.sizeBytes &&
+           reading->stamp.modifiedNanoseconds == now.modifiedNanoseconds;
+}
+
 std::optional<Digest> recordHash(const ArchivedEmailRecord& record) {
     return record.contentHash ? parseContentHash(*record.contentHash) : std::nullopt;
 }
@@ -59,9 +66,10 @@ FileState stateOf(const ProofFile& file) {
         break;
     }
     if (file.stamp.sizeBytes != record.sizeBytes) return FileState::lost;
-    if (reading == nullptr || reading->stamp != file.stamp) return FileState::unread;
+    if (!mayBeAsRead(reading, file.stamp)) return FileState::unread;
     if (reading->outcome == Outcome::unreadable) return FileState::unreadable;
-    return agrees(*reading, record) ? FileState::confirmed : FileState::lost;
+    if (!agrees(*reading, record)) return FileState::lost;
+    return reading->stamp == file.stamp ? FileState::confirmed : FileState::unread;
 }
 
 KnownFile knownFile(const ProofFile& file) {
@@ -136,15 +144,15 @@ std::string pathOf(const ProofFile& file) {
 
 ProofVerdict verdictOnCopy(const ProofCopy& copy, std::span<const ProofFile> files,
                            std::span<const KnownFile> known) {
-    const FileReading* const reading = validReading(copy);
-    if (reading == nullptr) return {};
+    const FileReading* const reading = copy.reading;
+    if (!mayBeAsRead(reading, copy.stamp)) return {};
     const auto against = [&](ProofOutcome outcome) { return ProofVerdict{outcome, std::string(copy.path)}; };
     if (reading->outcome == Outcome::unreadable) return against(ProofOutcome::unreadable);
     if (reading->outcome == Outcome::incomplete) return against(ProofOutcome::incomplete);
     const Match match = counterpartOf(*reading, known);
     switch (match.counterpart) {
     case Counterpart::found:
-        return {ProofOutcome::proven, {}};
+        return validReading(copy) != nullptr ? ProofVerdict{ProofOutcome::proven, {}} : ProofVerdict();
     case Counterpart::none:
         return against(ProofOutcome::differs);
     case Counterpart::unreadable:
