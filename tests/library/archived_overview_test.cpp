@@ -158,7 +158,7 @@ TEST(ArchivedOverview, OnlyWhollyCleanableYearsFreeAnything) {
     EXPECT_EQ(stats.unknown, (MailSum{1, 50}));
     EXPECT_EQ(stats.groups[0].freeable, stats.freeable);
     EXPECT_EQ(stats.groups[0].years[1].folders[0].presence, (FolderPresence{.present = 1, .unproven = 1}));
-    EXPECT_EQ(overviewOfferedYears(group, stats.groups[0]), std::vector<std::int64_t>{2019});
+    EXPECT_EQ(overviewCleanableYears(group, stats.groups[0]), std::vector<std::int64_t>{2019});
     EXPECT_EQ(stats.groups[0].years[2].status, cleanable); // it frees nothing while a folder is done already
     EXPECT_TRUE(isShown(stats.groups[0].years[2], ArchivedOverviewFilter::cleanable));
     EXPECT_TRUE(isShown(stats.groups[0].years[2], ArchivedOverviewFilter::removed));
@@ -167,7 +167,7 @@ TEST(ArchivedOverview, OnlyWhollyCleanableYearsFreeAnything) {
 
 TEST(ArchivedOverview, AYearIsOfferedOnlyWhenNothingElseIsFoundByItsSearch) {
     const auto offered = [](const Overview& overview) {
-        return overviewOfferedYears(overview.groups[0], overview.stats().groups[0]);
+        return overviewCleanableYears(overview.groups[0], overview.stats().groups[0]);
     };
     const Overview sound = oneFolder({{"p1"}, 0, 0, cleanable, cleanable}, true);
     EXPECT_EQ(offered(sound), std::vector<std::int64_t>{2020});

@@ -48,7 +48,7 @@ Guide guideOf(const ArchivedOverview& overview, const GuideOptions& options) {
     const auto isAsked = [&](std::int64_t year) {
         return options.years.empty() || std::ranges::find(options.years, year) != options.years.end();
     };
-    std::vector<std::int64_t> years = overviewOfferedYears(group, stats);
+    std::vector<std::int64_t> years = overviewCleanableYears(group, stats);
     std::erase_if(years, [&](std::int64_t year) { return !isAsked(year); });
     std::vector<LeftOutYear> leftOut = leftOutYears(group, stats);
     std::erase_if(leftOut, [&](const LeftOutYear& each) { return !isAsked(each.year); });

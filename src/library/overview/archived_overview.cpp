@@ -278,8 +278,8 @@ ArchivedOverviewRowStatus archivedOverviewStatus(const std::vector<ArchivedOverv
     return Status::checking;
 }
 
-std::vector<std::int64_t> overviewOfferedYears(const ArchivedOverviewGroup& group,
-                                               const ArchivedOverviewStats::Group& stats) {
+std::vector<std::int64_t> overviewCleanableYears(const ArchivedOverviewGroup& group,
+                                                 const ArchivedOverviewStats::Group& stats) {
     std::vector<std::int64_t> years;
     for (std::size_t number = 0; number < group.years.size(); ++number) {
         if (stats.years[number].isOffered()) years.push_back(group.years[number].year);

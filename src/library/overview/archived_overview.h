@@ -184,8 +184,8 @@ ArchivedOverviewStats archivedOverviewStats(const ArchiveLibraryIndex& index,
 ArchivedOverviewRowStatus archivedOverviewStatus(const std::vector<ArchivedOverviewStats::Folder>& folders);
 
 // The years of a group that may be cleaned by a search in Mail, in rising order.
-std::vector<std::int64_t> overviewOfferedYears(const ArchivedOverviewGroup& group,
-                                               const ArchivedOverviewStats::Group& stats);
+std::vector<std::int64_t> overviewCleanableYears(const ArchivedOverviewGroup& group,
+                                                 const ArchivedOverviewStats::Group& stats);
 
 // A year of which every folder may be cleaned, and which no search in Mail is given for.
 struct LeftOutYear {

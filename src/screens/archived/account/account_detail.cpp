@@ -47,7 +47,7 @@ QString yearsLine(const ArchivedOverviewGroup& group, const ArchivedOverviewStat
         return year.isCleanable && !year.isOffered();
     };
     QStringList parts;
-    addSpans(parts, overviewOfferedYears(group, stats), QStringLiteral(" 年可以放心清理"));
+    addSpans(parts, overviewCleanableYears(group, stats), QStringLiteral(" 年可以放心清理"));
     addSpans(parts, yearsThat(group, stats, isLeftOut),
              QStringLiteral(" 年还有邮件只在服务器上，或没有扫描过"));
     addSpans(parts, yearsThat(group, stats, awaits), QStringLiteral(" 年还没有核对"));

@@ -90,7 +90,7 @@ void DeletionGuide::findTargets() {
     targets_.clear();
     if (!isOpen_ || group_ == nullptr || knowledge_ != OriginalKnowledge::known) return;
     Years years;
-    for (const std::int64_t year : overviewOfferedYears(*group_, *stats_)) {
+    for (const std::int64_t year : overviewCleanableYears(*group_, *stats_)) {
         if (std::ranges::find(wantedYears_, year) != wantedYears_.end()) years.push_back(year);
     }
     targets_ = smartMailboxGuideTargets(group_->mailNames, years);
