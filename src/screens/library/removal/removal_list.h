@@ -42,7 +42,7 @@ struct RemovalReport {
 
 RemovalReport removalReport(const RemovalList& list, const std::vector<ArchiveRemovalEnd::Failure>& failures);
 
-// Of a long list no more are shown.
-inline constexpr std::size_t mostRemovalsShown = 100;
+// Of a long list no more are shown: each costs about a millisecond when the sheet opens.
+inline constexpr std::size_t mostRemovalsShown = 16;
 
 } // namespace corvane
