@@ -63,7 +63,7 @@ TEST(ProofStore, OfTheVersionBeforeKeepsItsReadingsWhichNoFileThatIsThereAgreesW
     batch.archived["/root"] = {{"x.eml", sampleReading('c', true)}};
     ASSERT_TRUE(ProofStore(support).save(batch));
     sqlite3* database = nullptr;
-    ASSERT_EQ(sqlite3_open(home.at(storeFile).c_str(), &database), SQLITE_OK);
+    ASSERT_EQ(sqlite3_open(storeFile(home).c_str(), &database), SQLITE_OK);
     EXPECT_EQ(
         sqlite3_exec(database,
                      "ALTER TABLE copy_reading DROP COLUMN changed; ALTER TABLE archived_reading DROP COLUMN "
