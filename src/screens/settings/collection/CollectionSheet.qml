@@ -32,6 +32,13 @@ Sheet {
         Qt.callLater(beginAtName); // qmllint disable
     }
 
+    Connections {
+        target: sheet.collection
+        function onChanged() {
+            if (nameField.text !== sheet.collection.name)
+                nameField.text = sheet.collection.name;
+        }
+    }
     function beginAtName() {
         nameField.forceActiveFocus(Qt.TabFocusReason);
         nameField.selectAll();
