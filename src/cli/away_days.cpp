@@ -29,8 +29,8 @@ void writeAwayProofs(JsonDocument& document, const AwayProofs& away) {
 void printAwayProofs(const AwayProofs& away) {
     if (away.count == 0) return;
     constexpr std::size_t dayLength = std::string_view("2026-11-22").size();
-    printText(fmt::format("已逐字节核对的邮件里，{} 封按 {} 的核对计算，归档没有连接。", away.count,
-                          formatListDate(away.oldest).substr(0, dayLength)));
+    printText(fmt::format("已逐字节核对的邮件里，{} 封按归档还连接时的核对计算（最早 {}），现在没有连接。",
+                          away.count, formatListDate(away.oldest).substr(0, dayLength)));
 }
 
 } // namespace corvane::cli

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "cli/proving.h"
+#include "model/library/overview/overview_state.h"
 #include "records/logs/console_log.h"
 
 namespace corvane::cli {
@@ -42,7 +43,9 @@ SharedOverview loadOverview(Session& session, OriginalsCheck check) {
     if (check == OriginalsCheck::compare) compareWithMail(session);
     model.library().overview.refreshArchivedOverviewStats();
     session.waitUntilIdle([] {});
-    return model.library().overview.overview();
+    SharedOverview overview = model.library().overview.overview();
+    if (overview->inputs.indexHasFailed) messageLine(mailIndexFailure);
+    return overview;
 }
 
 std::size_t overviewGroup(const ArchivedOverview& overview, std::string_view key) {

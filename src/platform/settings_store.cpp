@@ -286,7 +286,10 @@ std::string SettingsStore::asidePath() const {
 }
 
 void SettingsStore::save() {
-    if (isUnreadable()) return;
+    if (isUnreadable()) {
+        saveFailure_ = std::make_error_code(std::errc::io_error);
+        return;
+    }
     const std::string target = resolvedPath(path_).value_or(path_);
     saveFailure_ = createDirectories(files_, std::string(parentPath(target)));
     if (saveFailure_) return;

@@ -99,6 +99,8 @@ class Safety(CliCase):
         paths[0].unlink()
         alone = guide()
         self.assertEqual((alone["years"], [each["year"] for each in alone["leftOut"]]), ([], [year]))
+        (self.mail / INDEX).rename(self.mail / "away")
+        self.assertEqual(guide()["years"], [], "nobody knows what the search would find")
 
     def test_what_could_not_be_kept_is_told(self):
         self.archive_some()

@@ -1,5 +1,7 @@
 #include "listing/proof/proof_outcome.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <deque>
 #include <optional>
@@ -154,7 +156,14 @@ TEST(ProofOutcomes, FollowFromWhatWasRead) {
          {same},
          {{.read = brokenBefore}},
          ProofOutcome::unreadable,
-         file},
+         file,
+         "f0"},
+        {"a file that held something else, changed since",
+         {same},
+         {{.read = Read{.content = 'b', .stamp = earlier}}},
+         ProofOutcome::fileMissing,
+         file,
+         "f0"},
         {"a copy that can't be looked at", {unreachable}, {good}, ProofOutcome::unreadable, copy},
         {"a file that can't be read", {same}, {{.read = broken}}, ProofOutcome::unreadable, file},
         {"a file that can't be read, and another", {same}, {{.read = broken}, good}, proven},
@@ -192,8 +201,11 @@ TEST(ProofOutcomes, OnlyWhatIsOutOfReachStaysUnknown) {
                     const bool isUnknown =
                         proofVerdict(subject.copies, subject.files).outcome == ProofOutcome::notLookedAt;
                     const bool isWanted = !wantedReadings(subject.copies, subject.files).isEmpty();
-                    // What stands against a copy that has changed may be withdrawn by reading it again.
-                    EXPECT_TRUE(isUnknown == isWanted || (isWanted && copy && copy->stamp == earlier));
+                    // What stands against a file that has changed may be withdrawn by reading it again.
+                    const bool hasChanged =
+                        std::ranges::any_of(std::array{copy, file, other},
+                                            [](const auto& read) { return read && read->stamp == earlier; });
+                    EXPECT_TRUE(isUnknown == isWanted || (isWanted && hasChanged));
                 }
             }
         }

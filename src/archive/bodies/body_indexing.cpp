@@ -14,6 +14,7 @@
 #include "archive/archive_root.h"
 #include "archive/bodies/batch_extraction.h"
 #include "platform/files/cloud_content.h"
+#include "platform/files/layers/file_layer.h"
 #include "platform/paths.h"
 #include "platform/stop_watch.h"
 #include "platform/threads/limited_answer.h"
@@ -62,7 +63,7 @@ std::vector<BodyIndexItem> itemsWithinLimit(const std::string& archiveRoot,
             return bodyIndexItems(archiveRoot, records, [&] { limit.restart(); });
         },
         stop);
-    if (!items) consoleLine(fmt::format("[index] 没有响应：{}", archiveRoot));
+    if (!items && !stop.stop_requested()) consoleLine(fmt::format("[index] 没有响应：{}", archiveRoot));
     return std::move(items).value_or(Items());
 }
 
@@ -71,10 +72,15 @@ std::optional<EmailArchiveIndex> indexWithinLimit(const std::string& archiveRoot
     using Index = std::optional<EmailArchiveIndex>;
     auto index = platform::limitedAnswer<Index>(
         platform::placeLimit,
-        [archiveRoot](platform::JobLimit&) {
-            return readArchiveIndex(platform::joinPath(archiveRoot, archiveIndexFileName));
+        [archiveRoot](platform::JobLimit& limit) -> Index {
+            ArchiveIndexReading reading = readArchiveIndexFile(
+                platform::posixFileLayer(), platform::joinPath(archiveRoot, archiveIndexFileName),
+                [&limit] { limit.restart(); });
+            if (reading.state != ArchiveIndexReading::State::usable) return std::nullopt;
+            return std::move(reading.index);
         },
         stop);
+    if (!index && !stop.stop_requested()) consoleLine(fmt::format("[index] 没有响应：{}", archiveRoot));
     return index ? std::move(*index) : std::nullopt;
 }
 

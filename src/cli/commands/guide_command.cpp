@@ -134,7 +134,7 @@ int runGuide(Session& session, const GuideOptions& options, bool json) {
         return isInGuide(message, *overview, options, guide.whole.years);
     });
     json ? printJson(guide) : printReadable(guide);
-    return done;
+    return statusOfAnswer();
 }
 
 } // namespace

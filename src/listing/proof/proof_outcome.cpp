@@ -72,6 +72,13 @@ FileState stateOf(const ProofFile& file) {
     return reading->stamp == file.stamp ? FileState::confirmed : FileState::unread;
 }
 
+// Something may have been done to a file that was not what its record says.
+bool mayBeMended(const ProofFile& file) {
+    return file.place == Place::there && file.stamp.sizeBytes == file.entry->record.sizeBytes &&
+           mayBeAsRead(file.reading, file.stamp) && file.reading->stamp != file.stamp &&
+           !agrees(*file.reading, file.entry->record);
+}
+
 KnownFile knownFile(const ProofFile& file) {
     KnownFile known{.state = stateOf(file),
                     .hash = recordHash(file.entry->record),
@@ -233,6 +240,9 @@ ProofVerdict proofVerdict(std::span<const ProofCopy> copies, std::span<const Pro
 WantedReadings wantedReadings(std::span<const ProofCopy> copies, std::span<const ProofFile> files) {
     const std::vector<KnownFile> known = knownFiles(files);
     WantedReadings wanted;
+    for (std::size_t position = 0; position < files.size(); ++position) {
+        if (mayBeMended(files[position])) wanted.files.push_back(position);
+    }
     if (std::ranges::all_of(known, isLost)) return wanted;
     for (std::size_t position = 0; position < copies.size(); ++position) {
         const FileReading* const reading = validReading(copies[position]);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "listing/account_titles.h"
+#include "mailstore/folders/store_location.h"
 #include "mailstore/index/year_counts.h"
 #include "model/mail/mail_store.h"
 
@@ -45,13 +46,14 @@ void IndexCounts::refreshIndexedYearCounts(SharedMessageList messages) {
 }
 
 void IndexCounts::publish(Answer answer) {
-    hasFailed_ = !answer.counts;
+    const bool isRefreshed = answer.counts.has_value();
+    hasFailed_ = !answer.counts || !answer.counts->selection;
     if (answer.counts) {
         context_.tasks.discard(std::exchange(counts_, std::move(*answer.counts)).selection);
         isKnown_ = true;
     }
     Q_EMIT countsChanged();
-    if (!hasFailed_) Q_EMIT countsRefreshed();
+    if (isRefreshed) Q_EMIT countsRefreshed();
 }
 
 IndexCounts::Answer IndexCounts::answer(const CountJob& job, const TaskHandle& task) {
@@ -61,6 +63,8 @@ IndexCounts::Answer IndexCounts::answer(const CountJob& job, const TaskHandle& t
 std::optional<IndexCounts::Counts> IndexCounts::readCounts(const CountJob& job, const TaskHandle& task) {
     MailStore store = job.store;
     store.context.stop = task.stopToken();
+    const auto canBeAsked = [&] { return mailstore::canQueryEnvelopeIndex(store.context, store.rootPath); };
+    const bool couldBeAsked = canBeAsked();
     Counts counts;
     const auto indexed = mailstore::indexedYearDistinctCounts(store.context, store.rootPath, job.selection);
     if (!indexed) return std::nullopt;
@@ -78,7 +82,8 @@ std::optional<IndexCounts::Counts> IndexCounts::readCounts(const CountJob& job, 
         counts.partialByAccount[prefix] = ofAccount->partial;
         selection.add(prefix, *ofAccount);
     }
-    counts.selection = std::move(selection).result();
+    // Without an index all counts are empty, which says nothing of what a search in Mail finds.
+    if (couldBeAsked && canBeAsked()) counts.selection = std::move(selection).result();
     return counts;
 }
 

@@ -44,10 +44,11 @@ class IndexCounts : public QObject {
     // The counts are those of an index that was asked: until then 0 means nothing.
     [[nodiscard]] bool isKnown() const { return isKnown_; }
 
-    // The index couldn't be asked the last time.
+    // The index couldn't be asked the last time, or wasn't there.
     [[nodiscard]] bool hasFailed() const { return hasFailed_; }
 
-    // What Mail's own search finds, read with the counts; null before the first time.
+    // What Mail's own search finds, read with the counts; null before the first time and where there was no
+    // index to ask.
     [[nodiscard]] const SharedMailSelection& selection() const { return counts_.selection; }
 
     struct Indexed {
@@ -66,7 +67,8 @@ class IndexCounts : public QObject {
     void setIndexed(Indexed indexed);
 
     // Reads the counts from the index in the background, beside this list of it; `countsRefreshed` follows.
-    // An index that can't be read leaves its counts empty, one that couldn't be asked those of before.
+    // Where there is no index the counts are empty; one that couldn't be asked leaves those of before, and
+    // `countsRefreshed` doesn't follow.
     void refreshIndexedYearCounts(SharedMessageList messages);
 
   Q_SIGNALS:

@@ -101,12 +101,15 @@ void ArchivedScreen::check() {
 
 OverviewHero ArchivedScreen::hero() const {
     const OriginalPresence& presence = *model_.library().presence.presence();
-    return screens::overviewHero(
-        {.knowledge = knowledge(),
-         .shares = shares_,
-         .checkedAt = presence.checkedAt,
-         .isEarlierCheck = isEarlierCheck(),
-         .failure = screens::wholeText(model_.library().presence.questionFailure().value_or(""))});
+    const SharedOverview& overview = model_.library().overview.overview();
+    const bool indexHasFailed = overview && overview->inputs.indexHasFailed;
+    const std::string failure = model_.library().presence.questionFailure().value_or(
+        indexHasFailed ? std::string(mailIndexFailure) : std::string());
+    return screens::overviewHero({.knowledge = knowledge(),
+                                  .shares = shares_,
+                                  .checkedAt = presence.checkedAt,
+                                  .isEarlierCheck = isEarlierCheck(),
+                                  .failure = screens::wholeText(failure)});
 }
 
 QVariantList ArchivedScreen::holdings() const {

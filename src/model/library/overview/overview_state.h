@@ -6,6 +6,7 @@
 #include <set>
 #include <stop_token>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "library/library_index.h"
@@ -16,6 +17,10 @@
 #include "model/library/presence/original_presence.h"
 
 namespace corvane {
+
+// For the user, where no figure can be given for that reason.
+inline constexpr std::string_view mailIndexFailure =
+    "无法读取 Mail 的索引，不知道删除会涉及哪些邮件。请确认 Mail 数据可以读取后再试。";
 
 // Equal inputs have equal overviews. No pointer is null.
 struct OverviewInputs {
@@ -30,7 +35,7 @@ struct OverviewInputs {
     std::set<std::string> unscannedAccounts{};
     // Messages, their outcomes, the originals and Mail's index are all known, and of what is archived now.
     bool isReady = false;
-    bool indexHasFailed = false; // Mail's index couldn't be asked
+    bool indexHasFailed = false; // Mail's index couldn't be asked, or isn't there
 
     friend bool operator==(const OverviewInputs&, const OverviewInputs&) = default;
 };

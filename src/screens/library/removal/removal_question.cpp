@@ -89,6 +89,7 @@ void RemovalQuestion::accept() {
     if (step_ != Step::Asking || !canAccept()) return;
     isOurs_ = model_.library().removal.deleteArchivedEntries(list_.entries);
     if (!isOurs_) return;
+    listTask_.cancel();
     isStopping_ = false;
     begun_.start();
     setStep(Step::Removing);
