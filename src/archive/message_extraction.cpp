@@ -22,6 +22,21 @@ std::optional<std::int64_t> announcedCount(std::string_view emlx) {
     return count && *count >= 0 ? count : std::nullopt;
 }
 
+// A name of printable characters and a colon (RFC 5322, 2.2), blanks before the colon as old mail has them.
+bool isField(std::string_view line) {
+    const std::size_t colon = line.find(':');
+    if (colon == std::string_view::npos) return false;
+    const std::string_view name = line.substr(0, line.find_last_not_of(" \t", colon - 1) + 1);
+    return colon > 0 && !name.empty() &&
+           std::ranges::all_of(name, [](char c) { return c > ' ' && c < 0x7f; });
+}
+
+// `follows` says that there is a field before it. Of an mbox the first line tells where the mail came from.
+bool isHeaderLine(std::string_view line, bool follows) {
+    if (follows) return line.starts_with(' ') || line.starts_with('\t') || isField(line);
+    return line.starts_with("From ") || line.starts_with(">From ") || isField(line);
+}
+
 } // namespace
 
 std::optional<MessageBytes> MessageBytes::fromEmlx(std::string file) {
@@ -50,10 +65,11 @@ std::size_t bodyStartIndex(std::string_view message) noexcept {
     for (std::size_t line = 0; line < message.size();) {
         const std::size_t end = message.find_first_of("\r\n", line);
         if (end == std::string_view::npos) break;
-        const bool isBlank =
-            message.substr(line, end - line).find_first_not_of(" \t") == std::string_view::npos;
-        line = end + (message.substr(end).starts_with("\r\n") ? 2 : 1);
-        if (isBlank) return line;
+        const std::string_view text = message.substr(line, end - line);
+        const std::size_t next = end + (message.substr(end).starts_with("\r\n") ? 2 : 1);
+        if (text.find_first_not_of(" \t") == std::string_view::npos) return next;
+        if (!isHeaderLine(text, line > 0)) return line;
+        line = next;
     }
     return 0;
 }

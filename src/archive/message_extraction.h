@@ -32,9 +32,9 @@ std::optional<std::string_view> messageData(std::string_view emlx);
 // any byte other than zero.
 bool isWholeMessage(std::string_view emlx, std::string_view message);
 
-// The position behind the first line that is empty or blank, whichever of LF, CR LF and CR ends it. 0 when
-// there is none: where nothing says what is header, all of it counts, for copies whose bodies are equal are
-// taken for one.
+// The position behind the first line that is empty or blank, whichever of LF, CR LF and CR ends it; that of
+// the first line that is no header field nor continues one, where this comes before. 0 when there is neither:
+// where nothing says what is header, all of it counts, for copies whose bodies are equal are taken for one.
 std::size_t bodyStartIndex(std::string_view message) noexcept;
 
 // Copies with equal bodies, as positions among all copies. Headers, which Mail changes from mailbox to

@@ -35,7 +35,7 @@ TEST(MessageData, CutsByTheCountAndGivesNothingWithoutOne) {
         EXPECT_FALSE(messageData(refused)) << refused;
 }
 
-TEST(BodyStartIndex, IsBehindTheFirstBlankLineAndZeroWithoutOne) {
+TEST(BodyStartIndex, IsWhereNothingIsAHeaderAnyMore) {
     struct {
         std::string message;
         std::size_t start;
@@ -47,12 +47,17 @@ TEST(BodyStartIndex, IsBehindTheFirstBlankLineAndZeroWithoutOne) {
         {"\r\n\r\n", 2},
         {"a: b\n\nbody\n\n", 6},
         {"a: b\r\n\r\nbody\n\n", 8},
-        {"a\r\n\nbody", 4},
-        {"a\n\r\nbody\r\n\r\nend", 4},
-        {"a\r\rbody\nend\n", 3},
-        {"a\r\r\nb\r\r\n\r\r\nbody", 4}, // rather too early than too late
-        {"a\n \t\nbody\n\nend", 5},
-        {"a\n\n", 3},
+        {"a:\r\n\nbody", 5},
+        {"a:\n\r\nbody\r\n\r\nend", 5},
+        {"a:\r\rbody\nend\n", 4},
+        {"a:\r\r\nb\r\r\n\r\r\nbody", 5}, // rather too early than too late
+        {"a:\n \t\nbody\n\nend", 6},
+        {"a:\n\n", 4},
+        {"From x\na : b\n c\n\nbody", 17},
+        {"a: b\ntext\n\nbody", 5},
+        {"a: b\n\f\ntext\n\nbody", 5},
+        {" a: b\n\nbody", 0},
+        {"a\n\nbody", 0},
     };
 
     for (const auto& [message, start] : cases) EXPECT_EQ(bodyStartIndex(message), start) << message;
@@ -93,8 +98,8 @@ TEST(GroupByBody, ComparesAllBytesOfTheBodyAndKeepsTheLargestCopy) {
         {"headers play no part", {"a: b\n\nx", "a: bcd\n\nx", "c: de\r\n\r\nx"}, {"c: de\r\n\r\nx"}},
         {"the earliest of equals stays", {"a: 1\n\nx", "a: 2\n\nx"}, {"a: 1\n\nx"}},
         {"order of first appearance",
-         {"h\n\nx", "h\n\ny", "h: long\n\nx", "h\n\nz"},
-         {"h: long\n\nx", "h\n\ny", "h\n\nz"}},
+         {"h:\n\nx", "h:\n\ny", "h: long\n\nx", "h:\n\nz"},
+         {"h: long\n\nx", "h:\n\ny", "h:\n\nz"}},
         {"another length",
          {"\n\n" + start + "1", "\n\n" + start + "12"},
          {"\n\n" + start + "1", "\n\n" + start + "12"}},
