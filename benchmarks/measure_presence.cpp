@@ -21,6 +21,7 @@
 
 #include "library_samples.h"
 #include "model/library/presence/presence_flow.h"
+#include "processor_time.h"
 
 namespace {
 
@@ -41,15 +42,6 @@ INSERT INTO mailboxes VALUES (1, 'imap://00000000-0000-0000-0000-000000000001/IN
   (2, 'imap://00000000-0000-0000-0000-000000000001/Trash');
 BEGIN;
 )";
-
-double processorSeconds(int who) {
-    rusage used{};
-    getrusage(who, &used);
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-    };
-    return seconds(used.ru_utime) + seconds(used.ru_stime);
-}
 
 std::string headerOf(const ArchivedEntry& entry, std::size_t number) {
     if (number % 10 == 0) return fmt::format("<{}@elsewhere.example.org>", number);

@@ -19,6 +19,7 @@
 #include <sys/resource.h>
 
 #include "model/corvane_view_model.h"
+#include "processor_time.h"
 
 namespace {
 
@@ -31,15 +32,6 @@ double secondsOf(Clock::time_point time) {
 
 double now() {
     return secondsOf(Clock::now());
-}
-
-double processorSeconds(int who) {
-    rusage used{};
-    getrusage(who, &used);
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-    };
-    return seconds(used.ru_utime) + seconds(used.ru_stime);
 }
 
 // The real platform with another shell.
