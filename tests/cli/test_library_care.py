@@ -130,6 +130,10 @@ class LibraryCare(CliCase):
         self.run_cli(other, "config", "apply-offer", expect=1)
         self.assertEqual(self.run_cli(other, "config", "import", file)["destinationPath"], str(self.archive))
         self.assertEqual(len(self.run_cli(other, "library")), len(self.records()))
+        pipe = self.folder / "pipe"
+        os.mkfifo(pipe)
+        self.run_cli(self.home_path, "config", "export", pipe, expect=1)
+        self.assertTrue(pipe.is_fifo(), "a device or a pipe isn't replaced")
         file.write_text("[]")
         refused = self.run_cli(other, "config", "import", file, expect=1)
         self.assertTrue(refused["error"].startswith("无法读取该备份文件："))

@@ -80,12 +80,21 @@ struct ExportJob {
     std::string mailRoot;
 };
 
+// A device or a pipe: what is written atomically would take its place.
+bool isNoPlainFile(platform::FileLayer& files, const std::string& path) {
+    struct stat status{};
+    if (files.stat(path, status) != 0) return false;
+    const auto kind = status.st_mode & S_IFMT;
+    return kind == S_IFCHR || kind == S_IFBLK || kind == S_IFIFO || kind == S_IFSOCK;
+}
+
 // Why the file couldn't be written, for the user; empty where it was.
 std::string exportObstacle(const ExportJob& job, const TaskHandle& task) {
     PlaceLooks looks(job.platform, job.files, task.stopToken());
     const auto obstacle = looks.ask<std::string>(job.path, [job](PlaceLook& look) {
         if (const auto refusal = refusalInMail(job.path, job.mailRoot)) return *refusal;
         look.beginStep();
+        if (isNoPlainFile(look.files(), job.path)) return systemErrorReason(EEXIST);
         const int error = platform::writeFileAtomically(look.files(), job.path, job.content).value();
         return error == 0 ? std::string() : systemErrorReason(error);
     });
