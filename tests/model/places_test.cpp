@@ -11,6 +11,7 @@
 #include "model/archiving/place_jobs.h"
 #include "model/corvane_view_model.h"
 #include "model/model_test.h"
+#include "support/faulty_file_layer.h"
 
 namespace corvane::testing {
 namespace {
@@ -40,7 +41,8 @@ class PlacesTest : public ModelTest {
         return places;
     }
 
-    ModelContext context_{platform_};
+    FaultyFileLayer files_;
+    ModelContext context_{platform_, files_};
     CorvaneViewModel model_{context_};
 };
 
@@ -121,11 +123,14 @@ TEST_F(PlacesTest, WhatIsCancelledLeavesTheEarlierVerdictAndWhatCantBeReadSaysWh
     jobs.start(root, PlaceJobs::Work::verification);
     wait();
     std::filesystem::remove(root + "/2019/a/mid:a.eml");
+    files_.inject({.effect = Effect::hang, .operation = FileOperation::open, .path = root});
     jobs.start(root, PlaceJobs::Work::verification);
     jobs.start(other, PlaceJobs::Work::verification);
     jobs.cancel(other); // it waits
     EXPECT_EQ(jobs.jobs().size(), 1U);
+    files_.waitUntilHanging();
     jobs.cancel(root);
+    files_.release();
     wait();
     EXPECT_TRUE(jobs.jobs().empty());
     EXPECT_EQ(jobs.end(other), nullptr);
