@@ -78,7 +78,7 @@ bool writeThumbnail(const QImage& image) {
 int main(int argc, char** argv) {
     const auto edge = argc == 3 ? edgeFrom(argv[2]) : std::nullopt;
     if (!edge) return 2;
-    // Not every system limits all of it; the size of the picture is limited in any case.
+    // Where the system refuses any of it, the size of the picture is limited still.
     corvane::platform::limitThisProcess({memoryBytes, processorTime});
     QImageReader::setAllocationLimit(pictureMebibytes);
     const QCoreApplication application(argc, argv); // knows where the readers of formats lie

@@ -16,7 +16,7 @@ bool limit(Resource resource, std::int64_t most) noexcept {
 } // namespace
 
 bool limitThisProcess(const ProcessLimits& limits) noexcept {
-    const bool isMemoryLimited = limit(RLIMIT_AS, limits.memoryBytes);
+    const bool isMemoryLimited = limitMemory(limits.memoryBytes);
     const bool isTimeLimited = limit(RLIMIT_CPU, limits.processorTime.count());
     const bool isWritingOff = limit(RLIMIT_FSIZE, 0) && limit(RLIMIT_CORE, 0);
     return isMemoryLimited && isTimeLimited && isWritingOff;
