@@ -20,6 +20,17 @@ foreach(language CXX OBJCXX)
         "${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/macos_check/check_symbols.py <TARGET> <OBJECTS> <LINK_LIBRARIES>")
 endforeach()
 
+# Where the objects would tell no more than those of another processor.
+if(CORVANE_ONLY_READ)
+    foreach(language CXX OBJCXX)
+        set(CMAKE_${language}_COMPILE_OBJECT "<CMAKE_${language}_COMPILER> <DEFINES> <INCLUDES> <FLAGS> -fsyntax-only -o <OBJECT> <SOURCE>"
+            "${CMAKE_COMMAND} -E touch <OBJECT>")
+        set(CMAKE_${language}_ARCHIVE_CREATE "${CMAKE_COMMAND} -E touch <TARGET>")
+        set(CMAKE_${language}_ARCHIVE_FINISH "")
+        set(CMAKE_${language}_LINK_EXECUTABLE "${CMAKE_COMMAND} -E touch <TARGET>")
+    endforeach()
+endif()
+
 # What most sources of a target include is read once a target, since most of the time goes to that. That each source
 # names what it needs, the other builds and tools/check_includes.py see.
 function(precompile_more_headers)
