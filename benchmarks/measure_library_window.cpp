@@ -22,7 +22,7 @@
 #include "locations/known_locations.h"
 #include "platform/files/writing/durable_file.h"
 #include "platform/paths.h"
-#include "records/stores/archive_index_file.h"
+#include "records/archive_files/archive_index_file.h"
 #include "screens/controls/theme/appearance.h"
 #include "screens/controls/theme/fonts.h"
 #include "timed_window.h"

@@ -4,8 +4,8 @@
 
 #include "archive/archive_naming.h"
 #include "fuzz_kit.h"
+#include "records/archive_files/archive_index_file.h"
 #include "records/archived/stable_id.h"
-#include "records/stores/archive_index_file.h"
 
 using namespace corvane;
 using fuzz::require;

@@ -16,8 +16,8 @@
 #include "database_damage.h"
 #include "fuzz_kit.h"
 #include "platform/platform.h"
+#include "records/archive_files/archive_index_file.h"
 #include "records/stores/app_support.h"
-#include "records/stores/archive_index_file.h"
 #include "search/mail_search_index.h"
 #include "search/search_index_files.h"
 

@@ -35,7 +35,9 @@ ARROWS = {
 # itself, such as the model's composition above everything.
 SUBFOLDERS = {
     "text": {"charsets": "", ".": "charsets", "dates": ". charsets"},
-    "records": {".": "", "archived": ".", "json": ". archived", "stores": ". archived json", "logs": ". stores"},
+    "records": {"timestamps": "", "texts": "timestamps", ".": "timestamps texts", "archived": ". timestamps texts",
+                "json": ". archived timestamps", "archive_files": ". archived json texts",
+                "stores": ". archived json timestamps", "logs": ". stores timestamps"},
     "archive": {".": "", "destination": ".", "run": ". destination", "removal": ". destination",
                 "checks": ". destination", "bodies": ".", "opening": ". destination", "attachments": ". opening",
                 "export": ". destination opening"},

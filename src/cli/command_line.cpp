@@ -17,8 +17,8 @@
 #include "cli/usage/help_text.h"
 #include "cli/usage/manual_page.h"
 #include "cli/usage/usage_errors.h"
-#include "records/error_reasons.h"
 #include "records/logs/console_log.h"
+#include "records/texts/error_reasons.h"
 
 namespace corvane::cli {
 

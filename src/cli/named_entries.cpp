@@ -7,7 +7,7 @@
 #include <fmt/format.h>
 
 #include "cli/mails/entry_source.h"
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "text/hidden_characters.h"
 
 namespace corvane::cli {

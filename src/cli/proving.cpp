@@ -5,8 +5,8 @@
 #include <fmt/format.h>
 
 #include "cli/console/progress_line.h"
-#include "records/formatters.h"
 #include "records/logs/console_log.h"
+#include "records/texts/formatters.h"
 
 namespace corvane::cli {
 

@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 
 namespace corvane {
 

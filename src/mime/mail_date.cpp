@@ -4,7 +4,7 @@
 #include <charconv>
 #include <system_error>
 
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "text/trim.h"
 
 namespace corvane::mime {

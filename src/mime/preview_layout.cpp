@@ -6,7 +6,7 @@
 
 #include "mime/header_decoding.h"
 #include "mime/signature_search.h"
-#include "records/preview_placeholders.h"
+#include "records/texts/preview_placeholders.h"
 #include "text/case.h"
 #include "text/graphemes.h"
 #include "text/regex.h"

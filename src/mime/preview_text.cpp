@@ -5,7 +5,7 @@
 #include "mime/emlx.h"
 #include "mime/mime_walk.h"
 #include "mime/preview_layout.h"
-#include "records/preview_placeholders.h"
+#include "records/texts/preview_placeholders.h"
 #include "text/graphemes.h"
 
 namespace corvane::mime {

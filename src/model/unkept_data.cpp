@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include "records/error_reasons.h"
+#include "records/texts/error_reasons.h"
 
 namespace corvane {
 

@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 
 #include "platform/files/directory.h"
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "records/timestamps.h"
 
 namespace corvane {

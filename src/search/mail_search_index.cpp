@@ -1,6 +1,6 @@
 #include "search/mail_search_index.h"
 
-#include "records/preview_placeholders.h"
+#include "records/texts/preview_placeholders.h"
 #include "search/search_database.h"
 #include "search/search_index_files.h"
 #include "text/charsets/encoding.h"

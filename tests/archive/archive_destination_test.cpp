@@ -17,7 +17,7 @@
 #include "archive/archive_fixture.h"
 #include "archive/destination/index_records.h"
 #include "platform/threads/time_limited_worker.h"
-#include "records/stores/archive_index_decoder.h"
+#include "records/archive_files/archive_index_decoder.h"
 
 namespace corvane::testing {
 namespace {

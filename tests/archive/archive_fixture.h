@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "archive/run/mail_email_archiver.h"
-#include "records/stores/archive_index_file.h"
+#include "records/archive_files/archive_index_file.h"
 #include "support/faulty_file_layer.h"
 #include "support/temporary_home.h"
 

@@ -10,7 +10,7 @@
 
 #include "archive/bodies/body_indexing.h"
 #include "platform/sqlite.h"
-#include "records/stores/archive_index_file.h"
+#include "records/archive_files/archive_index_file.h"
 #include "search/mail_search_index.h"
 #include "search/search_index_files.h"
 #include "support/faulty_sqlite_files.h"

@@ -11,7 +11,7 @@
 
 #include <gmock/gmock.h>
 
-#include "records/stores/archive_index_file.h"
+#include "records/archive_files/archive_index_file.h"
 #include "search/mail_search_index.h"
 #include "search/search_index_files.h"
 #include "support/temporary_home.h"

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/paths.h"
-#include "records/stores/archive_index_file.h"
+#include "records/archive_files/archive_index_file.h"
 #include "support/temporary_home.h"
 
 namespace corvane::testing {

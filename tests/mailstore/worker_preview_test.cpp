@@ -8,7 +8,7 @@
 #include "mime/emlx.h"
 #include "mime/preview_layout.h"
 #include "mime/preview_text.h"
-#include "records/preview_placeholders.h"
+#include "records/texts/preview_placeholders.h"
 #include "support/scripted_platform.h"
 #include "text/charsets/encoding.h"
 #include "text/graphemes.h"

@@ -11,7 +11,7 @@
 #include "mime/mime_walk.h"
 #include "mime/preview_layout.h"
 #include "mime/signature_search.h"
-#include "records/preview_placeholders.h"
+#include "records/texts/preview_placeholders.h"
 #include "support/repeated_text.h"
 #include "text/charsets/encoding.h"
 #include "text/graphemes.h"

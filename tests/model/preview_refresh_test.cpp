@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "model/model_test.h"
-#include "records/preview_placeholders.h"
+#include "records/texts/preview_placeholders.h"
 
 namespace corvane::testing {
 namespace {

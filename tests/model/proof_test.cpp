@@ -16,9 +16,9 @@
 #include "model/model_test.h"
 #include "model/published_messages.h"
 #include "platform/files/directory.h"
+#include "records/archive_files/archive_index_file.h"
 #include "records/archived/content_hash.h"
 #include "records/archived/stable_id.h"
-#include "records/stores/archive_index_file.h"
 #include "support/faulty_file_layer.h"
 
 namespace corvane::testing {

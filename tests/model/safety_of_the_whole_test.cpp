@@ -21,7 +21,7 @@
 #include "model/corvane_view_model.h"
 #include "model/model_test.h"
 #include "model/published_messages.h"
-#include "records/stores/archive_index_file.h"
+#include "records/archive_files/archive_index_file.h"
 #include "support/faulty_file_layer.h"
 
 namespace corvane::testing {

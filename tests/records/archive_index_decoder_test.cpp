@@ -1,4 +1,4 @@
-#include "records/stores/archive_index_decoder.h"
+#include "records/archive_files/archive_index_decoder.h"
 
 #include <algorithm>
 #include <chrono>
@@ -7,10 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include "records/archive_files/archive_index_file.h"
 #include "records/json/json_reader.h"
 #include "records/json/json_writer.h"
 #include "records/json/record_forms.h"
-#include "records/stores/archive_index_file.h"
 
 namespace corvane {
 namespace {

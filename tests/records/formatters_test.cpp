@@ -1,8 +1,8 @@
 #include <ctime>
 #include <utility>
 
-#include "records/formatters.h"
 #include "records/mail_message_record.h"
+#include "records/texts/formatters.h"
 #include "records/timestamps.h"
 #include "support/temporary_home.h"
 

@@ -1,9 +1,9 @@
+#include "records/archive_files/archive_index_file.h"
 #include "records/archived/stable_id.h"
 #include "records/json/json_reader.h"
 #include "records/json/json_writer.h"
 #include "records/json/record_forms.h"
 #include "records/stable_hash.h"
-#include "records/stores/archive_index_file.h"
 #include "sample_records.h"
 
 namespace corvane::testing {

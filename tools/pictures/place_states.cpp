@@ -9,7 +9,7 @@
 
 #include "locations/archive_samples.h"
 #include "pictures/picture_scenes.h"
-#include "records/stores/config_backup_file.h"
+#include "records/archive_files/config_backup_file.h"
 
 namespace corvane::testing {
 

@@ -11,7 +11,7 @@
 #include "platform/files/directory.h"
 #include "platform/files/writing/durable_file.h"
 #include "platform/paths.h"
-#include "records/error_reasons.h"
+#include "records/texts/error_reasons.h"
 
 namespace corvane {
 

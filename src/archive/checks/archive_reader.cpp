@@ -13,7 +13,7 @@
 #include "platform/files/cloud_placeholder.h"
 #include "platform/files/directory.h"
 #include "platform/paths.h"
-#include "records/stores/archive_index_file.h"
+#include "records/archive_files/archive_index_file.h"
 #include "text/case.h"
 #include "text/collation.h"
 

@@ -20,9 +20,9 @@
 #include "archive/destination/index_records.h"
 #include "archive/header_summary.h"
 #include "platform/paths.h"
+#include "records/archive_files/archive_index_file.h"
 #include "records/archived/content_hash.h"
 #include "records/archived/stable_id.h"
-#include "records/stores/archive_index_file.h"
 #include "records/timestamps.h"
 #include "text/charsets/encoding.h"
 

@@ -10,9 +10,9 @@
 #include "archive/checks/archive_reader.h"
 #include "archive/destination/archive_destination.h"
 #include "archive/message_identity.h"
+#include "records/archive_files/archive_index_file.h"
 #include "records/archived/content_hash.h"
 #include "records/archived/stable_id.h"
-#include "records/stores/archive_index_file.h"
 #include "records/timestamps.h"
 
 namespace corvane {

@@ -16,8 +16,8 @@
 #include "archive/destination/index_records.h"
 #include "platform/files/layers/folder_file_layer.h"
 #include "platform/paths.h"
-#include "records/error_reasons.h"
 #include "records/logs/console_log.h"
+#include "records/texts/error_reasons.h"
 #include "records/timestamps.h"
 
 namespace corvane::archive {

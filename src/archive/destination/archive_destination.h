@@ -24,8 +24,8 @@
 #include "platform/files/layers/file_layer.h"
 #include "platform/files/layers/layer_descriptor.h"
 #include "platform/threads/time_limited_worker.h"
+#include "records/archive_files/archive_index_file.h"
 #include "records/archived/archive_records.h"
-#include "records/stores/archive_index_file.h"
 
 namespace corvane::archive {
 

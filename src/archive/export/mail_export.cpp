@@ -17,9 +17,9 @@
 #include "platform/files/directory.h"
 #include "platform/files/writing/leftovers.h"
 #include "platform/paths.h"
+#include "records/archive_files/archive_index_file.h"
 #include "records/archived/content_hash.h"
-#include "records/error_reasons.h"
-#include "records/stores/archive_index_file.h"
+#include "records/texts/error_reasons.h"
 
 namespace corvane {
 

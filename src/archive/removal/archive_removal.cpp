@@ -17,9 +17,9 @@
 #include "archive/destination/durable_write.h"
 #include "archive/removal/file_removal.h"
 #include "platform/paths.h"
+#include "records/archive_files/archive_index_file.h"
 #include "records/archived/archive_records.h"
-#include "records/error_reasons.h"
-#include "records/stores/archive_index_file.h"
+#include "records/texts/error_reasons.h"
 #include "records/timestamps.h"
 #include "text/shared_text.h"
 

@@ -12,7 +12,7 @@
 #include "archive/message_identity.h"
 #include "platform/files/layers/layer_reading.h"
 #include "platform/stop_watch.h"
-#include "records/error_reasons.h"
+#include "records/texts/error_reasons.h"
 
 namespace corvane::archive {
 

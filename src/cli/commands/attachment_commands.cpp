@@ -12,8 +12,8 @@
 #include "cli/exit_status.h"
 #include "cli/named_entries.h"
 #include "platform/paths.h"
-#include "records/formatters.h"
 #include "records/logs/console_log.h"
+#include "records/texts/formatters.h"
 
 namespace corvane::cli {
 

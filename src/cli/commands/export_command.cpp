@@ -14,8 +14,8 @@
 #include "cli/named_entries.h"
 #include "library/entry_choice.h"
 #include "platform/paths.h"
-#include "records/formatters.h"
 #include "records/logs/console_log.h"
+#include "records/texts/formatters.h"
 
 namespace corvane::cli {
 

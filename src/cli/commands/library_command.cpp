@@ -13,7 +13,7 @@
 #include "cli/library_options.h"
 #include "library/entry_handles.h"
 #include "library/library_list.h"
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 
 namespace corvane::cli {
 

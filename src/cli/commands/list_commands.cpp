@@ -13,8 +13,8 @@
 #include "cli/console/text_table.h"
 #include "cli/exit_status.h"
 #include "model/mail/message_preview.h"
-#include "records/formatters.h"
 #include "records/model_enums.h"
+#include "records/texts/formatters.h"
 
 namespace corvane::cli {
 

@@ -16,7 +16,7 @@
 #include "cli/exit_status.h"
 #include "cli/overview_loading.h"
 #include "library/overview/archived_overview.h"
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 
 namespace corvane::cli {
 

@@ -8,8 +8,8 @@
 #include "cli/commands/commands.h"
 #include "cli/console/output.h"
 #include "cli/exit_status.h"
-#include "records/formatters.h"
 #include "records/logs/console_log.h"
+#include "records/texts/formatters.h"
 
 namespace corvane::cli {
 

@@ -13,8 +13,8 @@
 #include "cli/console/progress_line.h"
 #include "cli/console/text_table.h"
 #include "cli/exit_status.h"
-#include "records/formatters.h"
 #include "records/logs/console_log.h"
+#include "records/texts/formatters.h"
 
 namespace corvane::cli {
 

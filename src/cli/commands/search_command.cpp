@@ -15,8 +15,8 @@
 #include "cli/mails/entry_source.h"
 #include "cli/mails/mail_texts.h"
 #include "library/entry_handles.h"
-#include "records/formatters.h"
 #include "records/logs/console_log.h"
+#include "records/texts/formatters.h"
 
 namespace corvane::cli {
 

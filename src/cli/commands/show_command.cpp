@@ -16,8 +16,8 @@
 #include "cli/named_entries.h"
 #include "locations/places/place_looks.h"
 #include "mime/body/body_snippets.h"
-#include "records/formatters.h"
 #include "records/stores/presence_cache_store.h"
+#include "records/texts/formatters.h"
 
 namespace corvane::cli {
 

@@ -10,7 +10,7 @@
 #include "cli/console/text_table.h"
 #include "cli/exit_status.h"
 #include "listing/space_usage.h"
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 
 namespace corvane::cli {
 

@@ -8,7 +8,7 @@
 
 #include <unistd.h>
 
-#include "records/error_reasons.h"
+#include "records/texts/error_reasons.h"
 #include "text/charsets/utf8_step.h"
 #include "text/hidden_characters.h"
 

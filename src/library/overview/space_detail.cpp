@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 
 namespace corvane {
 

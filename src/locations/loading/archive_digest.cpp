@@ -10,10 +10,10 @@
 #include <utility>
 
 #include "platform/files/file_look.h"
+#include "platform/files/mapped_file.h"
 #include "records/json/json_outline.h"
 #include "records/json/json_reader.h"
 #include "records/json/record_forms.h"
-#include "records/mapped_file.h"
 
 namespace corvane {
 

@@ -11,8 +11,8 @@
 #include "locations/places/destination_detection.h"
 #include "platform/files/directory.h"
 #include "platform/paths.h"
+#include "records/archive_files/archive_index_file.h"
 #include "records/logs/console_log.h"
-#include "records/stores/archive_index_file.h"
 
 namespace corvane {
 

@@ -19,10 +19,10 @@
 #include "platform/files/sha256.h"
 #include "platform/files/writing/durable_file.h"
 #include "platform/paths.h"
+#include "records/archive_files/archive_index_decoder.h"
+#include "records/archive_files/archive_index_file.h"
 #include "records/logs/console_log.h"
 #include "records/stable_hash.h"
-#include "records/stores/archive_index_decoder.h"
-#include "records/stores/archive_index_file.h"
 
 namespace corvane {
 

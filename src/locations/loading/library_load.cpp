@@ -13,7 +13,7 @@
 #include "locations/place_names.h"
 #include "platform/paths.h"
 #include "platform/stop_watch.h"
-#include "records/stores/archive_index_file.h"
+#include "records/archive_files/archive_index_file.h"
 #include "search/mail_search_index.h"
 
 namespace corvane {

@@ -11,7 +11,7 @@
 #include "locations/loading/archived_files.h"
 #include "locations/places/place_looks.h"
 #include "platform/paths.h"
-#include "records/stores/archive_index_file.h"
+#include "records/archive_files/archive_index_file.h"
 
 namespace corvane {
 

@@ -15,7 +15,7 @@
 #include "locations/settings_keys.h"
 #include "platform/files/file_look.h"
 #include "platform/paths.h"
-#include "records/stores/archive_index_file.h"
+#include "records/archive_files/archive_index_file.h"
 #include "search/mail_search_index.h"
 #include "text/trim.h"
 

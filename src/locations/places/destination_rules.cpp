@@ -5,7 +5,7 @@
 #include "platform/files/directory.h"
 #include "platform/files/file_look.h"
 #include "platform/paths.h"
-#include "records/stores/archive_index_file.h"
+#include "records/archive_files/archive_index_file.h"
 
 namespace corvane {
 

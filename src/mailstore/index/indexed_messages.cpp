@@ -7,7 +7,7 @@
 #include "mime/attachment_names.h"
 #include "mime/message_identifiers.h"
 #include "platform/files/directory.h"
-#include "records/preview_placeholders.h"
+#include "records/texts/preview_placeholders.h"
 #include "text/split.h"
 
 namespace corvane::mailstore {

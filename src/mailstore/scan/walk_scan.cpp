@@ -13,7 +13,7 @@
 #include "mime/message_identifiers.h"
 #include "platform/files/directory.h"
 #include "platform/paths.h"
-#include "records/preview_placeholders.h"
+#include "records/texts/preview_placeholders.h"
 #include "records/timestamps.h"
 #include "text/case.h"
 

@@ -17,8 +17,8 @@
 #include "locations/settings_keys.h"
 #include "platform/files/writing/durable_file.h"
 #include "platform/paths.h"
-#include "records/error_reasons.h"
 #include "records/logs/console_log.h"
+#include "records/texts/error_reasons.h"
 #include "records/timestamps.h"
 
 namespace corvane {

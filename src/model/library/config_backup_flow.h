@@ -15,7 +15,7 @@
 
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
-#include "records/stores/config_backup_file.h"
+#include "records/archive_files/config_backup_file.h"
 
 namespace corvane {
 

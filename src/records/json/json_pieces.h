@@ -14,12 +14,12 @@
 #include <vector>
 
 #include "platform/files/directory.h"
+#include "platform/files/mapped_file.h"
 #include "platform/files/writing/durable_file.h"
 #include "platform/threads/parallel.h"
 #include "records/json/json_outline.h"
 #include "records/json/json_reader.h"
 #include "records/json/json_writer.h"
-#include "records/mapped_file.h"
 #include "text/idle_pool.h"
 
 namespace corvane {

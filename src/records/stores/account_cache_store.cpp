@@ -2,8 +2,8 @@
 
 #include <tuple>
 
+#include "records/json/record_file.h"
 #include "records/json/record_forms.h"
-#include "records/stores/cache_file.h"
 
 namespace corvane {
 

@@ -14,7 +14,7 @@
 #include <type_traits>
 
 #include "platform/files/layers/file_layer.h"
-#include "records/mapped_file.h"
+#include "platform/files/mapped_file.h"
 
 namespace corvane {
 

@@ -3,8 +3,8 @@
 #include <string_view>
 #include <tuple>
 
+#include "records/json/record_file.h"
 #include "records/json/record_forms.h"
-#include "records/stores/cache_file.h"
 
 namespace corvane {
 

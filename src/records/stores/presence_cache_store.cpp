@@ -9,10 +9,10 @@
 #include <utility>
 
 #include "platform/files/directory.h"
+#include "platform/files/mapped_file.h"
 #include "records/json/presence_members.h"
+#include "records/json/record_file.h"
 #include "records/json/record_forms.h"
-#include "records/mapped_file.h"
-#include "records/stores/cache_file.h"
 
 namespace corvane {
 

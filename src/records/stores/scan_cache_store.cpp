@@ -3,7 +3,7 @@
 #include <string_view>
 #include <tuple>
 
-#include "records/stores/cache_file.h"
+#include "records/json/record_file.h"
 #include "records/stores/scan_cache_forms.h"
 
 namespace corvane {

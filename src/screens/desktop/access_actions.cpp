@@ -6,7 +6,7 @@
 #include <QTime>
 #include <QUrl>
 
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 
 namespace corvane {
 

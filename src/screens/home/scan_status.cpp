@@ -4,7 +4,7 @@
 
 #include <QVariantMap>
 
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "records/timestamps.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"

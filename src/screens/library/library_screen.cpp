@@ -9,7 +9,7 @@
 #include <fmt/format.h>
 
 #include "records/archived/counted_bytes.h"
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "screens/texts/archive_place.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"

@@ -1,6 +1,6 @@
 #include "screens/lists/message_lines.h"
 
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane::screens {

@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "records/formatters.h"
 #include "records/model_enums.h"
-#include "records/preview_placeholders.h"
+#include "records/texts/formatters.h"
+#include "records/texts/preview_placeholders.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {

@@ -6,7 +6,7 @@
 
 #include <QLocale>
 
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "screens/texts/partial_mail.h"
 #include "screens/texts/shown_text.h"
 

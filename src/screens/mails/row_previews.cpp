@@ -10,7 +10,7 @@
 #include "mime/preview_layout.h"
 #include "mime/preview_text.h"
 #include "platform/files/directory.h"
-#include "records/preview_placeholders.h"
+#include "records/texts/preview_placeholders.h"
 
 namespace corvane {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
 

@@ -2,7 +2,7 @@
 
 #include "locations/place_names.h"
 #include "platform/paths.h"
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane::screens {

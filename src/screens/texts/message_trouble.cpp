@@ -6,7 +6,7 @@
 
 #include "listing/proof/away_proofs.h"
 #include "model/corvane_view_model.h"
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {

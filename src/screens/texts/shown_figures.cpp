@@ -3,7 +3,7 @@
 #include <QLocale>
 #include <fmt/format.h>
 
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 
 namespace corvane::screens {
 

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "locations/archive_samples.h"
-#include "records/stores/archive_index_file.h"
+#include "records/archive_files/archive_index_file.h"
 #include "screens/support/screens_fixture.h"
 
 namespace corvane::testing {

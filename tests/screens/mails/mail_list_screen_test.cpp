@@ -9,7 +9,7 @@
 
 #include "model/model_test.h"
 #include "platform/files/directory.h"
-#include "records/preview_placeholders.h"
+#include "records/texts/preview_placeholders.h"
 #include "screens/support/mail_samples.h"
 #include "screens/support/recording_desktop.h"
 

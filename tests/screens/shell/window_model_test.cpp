@@ -11,7 +11,7 @@
 #include "model/model_test.h"
 #include "model/published_messages.h"
 #include "platform/files/directory.h"
-#include "records/stores/archive_index_file.h"
+#include "records/archive_files/archive_index_file.h"
 
 namespace corvane::testing {
 namespace {

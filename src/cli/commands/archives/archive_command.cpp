@@ -11,9 +11,9 @@
 #include "cli/console/progress_line.h"
 #include "cli/exit_status.h"
 #include "platform/paths.h"
-#include "records/formatters.h"
+#include "records/archive_files/archive_index_file.h"
 #include "records/logs/console_log.h"
-#include "records/stores/archive_index_file.h"
+#include "records/texts/formatters.h"
 
 namespace corvane::cli {
 

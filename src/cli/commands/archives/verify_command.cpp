@@ -16,7 +16,7 @@
 #include "platform/files/layers/file_layer.h"
 #include "platform/paths.h"
 #include "platform/platform.h"
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 
 namespace corvane::cli {
 

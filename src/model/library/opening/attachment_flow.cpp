@@ -9,7 +9,7 @@
 #include "library/displayable_names.h"
 #include "model/library/opening/opening_texts.h"
 #include "platform/safe_opening.h"
-#include "records/error_reasons.h"
+#include "records/texts/error_reasons.h"
 
 namespace corvane {
 

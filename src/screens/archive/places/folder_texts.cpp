@@ -8,7 +8,7 @@
 #include <QCollator>
 #include <QLocale>
 
-#include "records/error_reasons.h"
+#include "records/texts/error_reasons.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane::screens {

@@ -6,7 +6,7 @@
 
 #include <QVariantMap>
 
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
 

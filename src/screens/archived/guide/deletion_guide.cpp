@@ -9,7 +9,7 @@
 #include <QUrl>
 #include <QVariantMap>
 
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "screens/archived/figures/overview_figures.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"

@@ -6,7 +6,7 @@
 
 #include "locations/place_names.h"
 #include "locations/places/cloud_providers.h"
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {

@@ -11,7 +11,7 @@
 #include <QVariantMap>
 
 #include "records/archived/counted_bytes.h"
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {

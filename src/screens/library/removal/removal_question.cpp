@@ -4,7 +4,7 @@
 #include <chrono>
 #include <utility>
 
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "screens/texts/archive_place.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"

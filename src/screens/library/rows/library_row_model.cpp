@@ -6,7 +6,7 @@
 
 #include "library/displayable_names.h"
 #include "mime/body/body_snippets.h"
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "screens/library/detail/archived_mail.h"
 #include "screens/library/rows/marked_text.h"
 #include "screens/texts/shown_figures.h"

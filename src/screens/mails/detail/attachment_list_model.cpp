@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 #include "screens/texts/attachment_symbol.h"
 #include "screens/texts/shown_text.h"
 

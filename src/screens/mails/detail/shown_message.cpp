@@ -1,8 +1,8 @@
 #include "screens/mails/detail/shown_message.h"
 
 #include "platform/paths.h"
-#include "records/formatters.h"
-#include "records/preview_placeholders.h"
+#include "records/texts/formatters.h"
+#include "records/texts/preview_placeholders.h"
 #include "screens/texts/shown_text.h"
 #include "text/case.h"
 #include "text/graphemes.h"

@@ -1,4 +1,4 @@
-#include "records/stores/archive_index_decoder.h"
+#include "records/archive_files/archive_index_decoder.h"
 
 #include <iterator>
 #include <string>

@@ -1,4 +1,4 @@
-#include "records/stores/config_backup_file.h"
+#include "records/archive_files/config_backup_file.h"
 
 #include <cerrno>
 #include <cstddef>
@@ -7,10 +7,10 @@
 #include <sys/stat.h>
 
 #include "platform/files/layers/layer_reading.h"
-#include "records/error_reasons.h"
-#include "records/formatters.h"
 #include "records/json/json_reader.h"
 #include "records/json/json_writer.h"
+#include "records/texts/error_reasons.h"
+#include "records/texts/formatters.h"
 
 namespace corvane {
 

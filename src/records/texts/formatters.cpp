@@ -1,4 +1,4 @@
-#include "records/formatters.h"
+#include "records/texts/formatters.h"
 
 #include <array>
 #include <cmath>

@@ -8,7 +8,6 @@
 #include "platform/files/directory.h"
 #include "records/json/json_reader.h"
 #include "records/json/json_writer.h"
-#include "records/stores/app_support.h"
 
 namespace corvane {
 

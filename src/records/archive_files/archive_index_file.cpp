@@ -1,4 +1,4 @@
-#include "records/stores/archive_index_file.h"
+#include "records/archive_files/archive_index_file.h"
 
 #include <cerrno>
 #include <cstddef>
@@ -6,9 +6,9 @@
 
 #include "platform/files/cloud_placeholder.h"
 #include "platform/files/layers/layer_reading.h"
+#include "records/archive_files/archive_index_decoder.h"
+#include "records/json/record_file.h"
 #include "records/json/record_forms.h"
-#include "records/stores/archive_index_decoder.h"
-#include "records/stores/cache_file.h"
 
 namespace corvane {
 

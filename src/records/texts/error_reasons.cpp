@@ -1,4 +1,4 @@
-#include "records/error_reasons.h"
+#include "records/texts/error_reasons.h"
 
 #include <cerrno>
 #include <system_error>

@@ -1,4 +1,4 @@
-#include "records/mapped_file.h"
+#include "platform/files/mapped_file.h"
 
 #include <cerrno>
 #include <system_error>
