@@ -2,7 +2,7 @@
 #pragma once
 
 #include "cli/session.h"
-#include "model/archiving/proof_job.h"
+#include "model/archiving/proof/proof_job.h"
 
 namespace corvane::cli {
 

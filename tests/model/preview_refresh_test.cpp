@@ -1,4 +1,4 @@
-#include "model/mail/preview_refresh.h"
+#include "model/mail/messages/preview_refresh.h"
 
 #include <atomic>
 #include <future>

@@ -1,6 +1,6 @@
 // Proofs through the whole model, over a home with real files: what is called archived, deletable or a
 // candidate after something has happened to an original or to its archived file.
-#include "model/archiving/proof_flow.h"
+#include "model/archiving/proof/proof_flow.h"
 
 #include <atomic>
 #include <filesystem>

@@ -5,7 +5,7 @@
 #include <memory>
 #include <utility>
 
-#include "model/mail/message_catalog.h"
+#include "model/mail/messages/message_catalog.h"
 #include "support/sample_messages.h"
 
 namespace corvane::testing {

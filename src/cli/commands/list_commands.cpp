@@ -12,7 +12,7 @@
 #include "cli/console/output.h"
 #include "cli/console/text_table.h"
 #include "cli/exit_status.h"
-#include "model/mail/message_preview.h"
+#include "model/mail/messages/message_preview.h"
 #include "records/model_enums.h"
 #include "records/texts/formatters.h"
 

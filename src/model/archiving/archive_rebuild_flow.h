@@ -12,7 +12,7 @@
 
 #include "archive/checks/archive_rebuild.h"
 #include "archive/checks/scanned_copies.h"
-#include "model/archiving/kept_readings.h"
+#include "model/archiving/proof/kept_readings.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
 

@@ -10,7 +10,7 @@
 
 #include <QObject>
 
-#include "model/archiving/archive_selection.h"
+#include "model/archiving/selection/archive_selection.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
 #include "records/archived/archive_records.h"

@@ -5,16 +5,16 @@
 
 #include <functional>
 
-#include "model/archiving/archive_candidates.h"
 #include "model/archiving/archive_rebuild_flow.h"
 #include "model/archiving/archive_run_flow.h"
-#include "model/archiving/archive_ticks.h"
 #include "model/archiving/destinations.h"
-#include "model/archiving/kept_readings.h"
 #include "model/archiving/last_failures.h"
 #include "model/archiving/place_jobs.h"
-#include "model/archiving/proof_flow.h"
-#include "model/archiving/set_aside.h"
+#include "model/archiving/proof/kept_readings.h"
+#include "model/archiving/proof/proof_flow.h"
+#include "model/archiving/selection/archive_candidates.h"
+#include "model/archiving/selection/archive_ticks.h"
+#include "model/archiving/selection/set_aside.h"
 #include "model/components/mail_components.h"
 #include "model/model_context.h"
 

@@ -5,14 +5,14 @@
 
 #include "model/mail/account_directory.h"
 #include "model/mail/index_counts.h"
-#include "model/mail/mail_access.h"
 #include "model/mail/mail_diagnostics.h"
-#include "model/mail/message_catalog.h"
-#include "model/mail/model_filters.h"
-#include "model/mail/preview_refresh.h"
+#include "model/mail/messages/message_catalog.h"
+#include "model/mail/messages/model_filters.h"
+#include "model/mail/messages/preview_refresh.h"
+#include "model/mail/messages/visible_messages.h"
 #include "model/mail/scan/scan_flow.h"
 #include "model/mail/space_usage_flow.h"
-#include "model/mail/visible_messages.h"
+#include "model/mail/store/mail_access.h"
 #include "model/model_context.h"
 
 namespace corvane {

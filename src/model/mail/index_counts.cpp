@@ -6,7 +6,7 @@
 #include "listing/account_titles.h"
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/year_counts.h"
-#include "model/mail/mail_store.h"
+#include "model/mail/store/mail_store.h"
 
 namespace corvane {
 

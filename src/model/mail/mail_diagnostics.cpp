@@ -5,7 +5,7 @@
 
 #include "mailstore/index/restored_mail_diagnostics.h"
 #include "mailstore/reader_logs.h"
-#include "model/mail/mail_store.h"
+#include "model/mail/store/mail_store.h"
 
 namespace corvane {
 

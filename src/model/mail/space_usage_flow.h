@@ -11,7 +11,7 @@
 
 #include "listing/space_usage.h"
 #include "model/mail/account_directory.h"
-#include "model/mail/message_catalog.h"
+#include "model/mail/messages/message_catalog.h"
 #include "model/tasks/task_slot.h"
 #include "records/mail_account.h"
 #include "records/statistics_records.h"

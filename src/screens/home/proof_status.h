@@ -11,7 +11,7 @@
 
 #include "listing/deletion/deletion_safety.h"
 #include "listing/proof/away_proofs.h"
-#include "model/archiving/proof_job.h"
+#include "model/archiving/proof/proof_job.h"
 #include "model/corvane_view_model.h"
 #include "model/tasks/task_slot.h"
 

@@ -16,7 +16,7 @@
 #include <QtQml/qqmlregistration.h>
 
 #include "model/mail/account_directory.h"
-#include "model/mail/model_filters.h"
+#include "model/mail/messages/model_filters.h"
 #include "screens/mails/filter_options.h"
 #include "screens/mails/listed_counts.h"
 

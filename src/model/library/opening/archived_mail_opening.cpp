@@ -7,7 +7,7 @@
 #include "archive/opening/cloud_file.h"
 #include "mailstore/index/live_presence.h"
 #include "mailstore/index/original_address.h"
-#include "model/mail/mail_store.h"
+#include "model/mail/store/mail_store.h"
 #include "platform/paths.h"
 #include "platform/safe_opening.h"
 #include "platform/threads/limited_answer.h"

@@ -7,7 +7,7 @@
 #include "model/library/presence/presence_flow.h"
 #include "model/mail/account_directory.h"
 #include "model/mail/index_counts.h"
-#include "model/mail/message_catalog.h"
+#include "model/mail/messages/message_catalog.h"
 
 namespace corvane {
 

@@ -11,8 +11,8 @@
 
 #include "model/mail/account_directory.h"
 #include "model/mail/index_counts.h"
-#include "model/mail/message_catalog.h"
-#include "model/mail/model_filters.h"
+#include "model/mail/messages/message_catalog.h"
+#include "model/mail/messages/model_filters.h"
 #include "model/mail/scan/scan_restore.h"
 #include "model/tasks/task_slot.h"
 #include "records/model_enums.h"

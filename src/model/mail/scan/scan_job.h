@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "mailstore/scan/mail_data_scanner.h"
-#include "model/mail/mail_access.h"
-#include "model/mail/mail_store.h"
-#include "model/mail/message_catalog.h"
+#include "model/mail/messages/message_catalog.h"
+#include "model/mail/store/mail_access.h"
+#include "model/mail/store/mail_store.h"
 #include "model/tasks/task_slot.h"
 #include "records/statistics_records.h"
 

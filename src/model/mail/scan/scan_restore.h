@@ -7,7 +7,7 @@
 #include <string>
 #include <variant>
 
-#include "model/mail/message_catalog.h"
+#include "model/mail/messages/message_catalog.h"
 #include "model/tasks/task_slot.h"
 #include "platform/stop_watch.h"
 #include "records/logs/performance_log.h"

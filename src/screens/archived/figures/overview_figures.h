@@ -12,7 +12,7 @@
 #include <QtQml/qqmlregistration.h>
 
 #include "library/overview/archived_overview.h"
-#include "model/archiving/proof_job.h"
+#include "model/archiving/proof/proof_job.h"
 #include "model/library/overview/overview_state.h"
 #include "records/values.h"
 #include "screens/archived/figures/year_status.h"

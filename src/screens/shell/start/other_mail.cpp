@@ -6,7 +6,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "model/mail/mail_folder.h"
+#include "model/mail/store/mail_folder.h"
 #include "platform/files/directory.h"
 #include "platform/files/writing/private_files.h"
 #include "platform/paths.h"

@@ -1,4 +1,4 @@
-#include "model/mail/message_preview.h"
+#include "model/mail/messages/message_preview.h"
 
 #include <stdexcept>
 

@@ -7,8 +7,8 @@
 
 #include <QObject>
 
-#include "model/archiving/archive_candidates.h"
-#include "model/archiving/archive_selection.h"
+#include "model/archiving/selection/archive_candidates.h"
+#include "model/archiving/selection/archive_selection.h"
 #include "model/tasks/task_slot.h"
 
 namespace corvane {

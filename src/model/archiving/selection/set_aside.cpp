@@ -1,4 +1,4 @@
-#include "model/archiving/set_aside.h"
+#include "model/archiving/selection/set_aside.h"
 
 #include <algorithm>
 #include <utility>

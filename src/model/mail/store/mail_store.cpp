@@ -1,4 +1,4 @@
-#include "model/mail/mail_store.h"
+#include "model/mail/store/mail_store.h"
 
 namespace corvane {
 

@@ -20,7 +20,7 @@
 #include "listing/availability.h"
 #include "listing/message_set.h"
 #include "listing/message_statistics.h"
-#include "model/mail/catalog_state.h"
+#include "model/mail/messages/catalog_state.h"
 #include "model/mail/scan/scan_cache_writer.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"

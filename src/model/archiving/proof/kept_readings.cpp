@@ -1,4 +1,4 @@
-#include "model/archiving/kept_readings.h"
+#include "model/archiving/proof/kept_readings.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "model/mail/message_catalog.h"
+#include "model/mail/messages/message_catalog.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "model/mail/visible_messages.h"
+#include "model/mail/messages/visible_messages.h"
 
 #include <algorithm>
 #include <utility>

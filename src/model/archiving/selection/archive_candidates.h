@@ -11,8 +11,8 @@
 #include <QObject>
 
 #include "listing/candidates.h"
-#include "model/mail/message_catalog.h"
-#include "model/mail/model_filters.h"
+#include "model/mail/messages/message_catalog.h"
+#include "model/mail/messages/model_filters.h"
 #include "model/tasks/task_slot.h"
 #include "records/statistics_records.h"
 

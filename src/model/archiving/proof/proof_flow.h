@@ -10,8 +10,8 @@
 
 #include <QObject>
 
-#include "model/archiving/kept_readings.h"
-#include "model/archiving/proof_job.h"
+#include "model/archiving/proof/kept_readings.h"
+#include "model/archiving/proof/proof_job.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
 

@@ -1,4 +1,4 @@
-#include "model/mail/mail_folder.h"
+#include "model/mail/store/mail_folder.h"
 
 #include "mailstore/folders/store_location.h"
 #include "platform/files/directory.h"

@@ -1,4 +1,4 @@
-#include "model/archiving/stale_readings.h"
+#include "model/archiving/proof/stale_readings.h"
 
 #include <cerrno>
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "model/mail/model_filters.h"
+#include "model/mail/messages/model_filters.h"
 
 #include "records/timestamps.h"
 

@@ -1,10 +1,10 @@
-#include "model/mail/mail_access.h"
+#include "model/mail/store/mail_access.h"
 
 #include <fmt/format.h>
 
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/year_counts.h"
-#include "model/mail/mail_store.h"
+#include "model/mail/store/mail_store.h"
 #include "platform/files/directory.h"
 #include "platform/files/file_look.h"
 

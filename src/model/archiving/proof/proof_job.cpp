@@ -1,4 +1,4 @@
-#include "model/archiving/proof_job.h"
+#include "model/archiving/proof/proof_job.h"
 
 #include <algorithm>
 #include <chrono>

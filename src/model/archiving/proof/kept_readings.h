@@ -8,7 +8,7 @@
 
 #include <QObject>
 
-#include "model/archiving/stale_readings.h"
+#include "model/archiving/proof/stale_readings.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
 #include "records/archived/proof_facts.h"

@@ -1,4 +1,4 @@
-#include "model/archiving/archive_ticks.h"
+#include "model/archiving/selection/archive_ticks.h"
 
 #include <algorithm>
 #include <optional>

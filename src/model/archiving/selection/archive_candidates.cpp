@@ -1,4 +1,4 @@
-#include "model/archiving/archive_candidates.h"
+#include "model/archiving/selection/archive_candidates.h"
 
 #include <utility>
 

@@ -9,7 +9,7 @@
 
 #include <QObject>
 
-#include "model/mail/message_catalog.h"
+#include "model/mail/messages/message_catalog.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
 

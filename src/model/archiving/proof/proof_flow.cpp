@@ -1,4 +1,4 @@
-#include "model/archiving/proof_flow.h"
+#include "model/archiving/proof/proof_flow.h"
 
 #include <memory>
 #include <utility>
