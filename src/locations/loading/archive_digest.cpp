@@ -144,7 +144,7 @@ void ArchiveDigest::make(platform::FileLayer& layer, const Files& files, const s
               .madeAt = nowNanoseconds(),
               .rootBytes = root.size()};
     try {
-        const MappedFile copy(files.copy);
+        const platform::MappedFile copy(files.copy);
         const IndexContent content = contentOf(copy.text(), SharedText(root));
         head.createdAt = content.createdAt.time_since_epoch().count();
         head.count = content.records.size();

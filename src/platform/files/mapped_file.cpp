@@ -9,10 +9,10 @@
 
 #include "platform/files/file_descriptor.h"
 
-namespace corvane {
+namespace corvane::platform {
 
 MappedFile::MappedFile(const std::string& path) {
-    const platform::FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file) throw std::system_error(errno, std::generic_category(), path);
     struct stat info{};
     if (::fstat(file.get(), &info) != 0) throw std::system_error(errno, std::generic_category(), path);
@@ -28,4 +28,4 @@ MappedFile::~MappedFile() {
     if (size_ > 0) ::munmap(address_, size_);
 }
 
-} // namespace corvane
+} // namespace corvane::platform

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace corvane {
+namespace corvane::platform {
 
 class MappedFile {
   public:
@@ -21,4 +21,4 @@ class MappedFile {
     std::size_t size_ = 0;
 };
 
-} // namespace corvane
+} // namespace corvane::platform

@@ -140,7 +140,7 @@ Record decodeJsonInPieces(std::string_view json) {
 template <class Record>
 std::optional<Record> readRecordFileInPieces(const std::string& path) {
     if (!platform::fileExists(path)) return std::nullopt;
-    const MappedFile file(path);
+    const platform::MappedFile file(path);
     return decodeJsonInPieces<Record>(file.text());
 }
 

@@ -71,14 +71,14 @@ bool isWhole(const std::string& path) {
 
 } // namespace
 
-DerivedFile::DerivedFile(std::unique_ptr<MappedFile> file)
+DerivedFile::DerivedFile(std::unique_ptr<platform::MappedFile> file)
   : file_(std::move(file))
   , content_(file_->text().substr(sizeof(std::uint64_t))) {}
 
 std::optional<DerivedFile> DerivedFile::open(const std::string& path) {
     try {
         if (!isWhole(path)) return std::nullopt;
-        return DerivedFile(std::make_unique<MappedFile>(path));
+        return DerivedFile(std::make_unique<platform::MappedFile>(path));
     } catch (const std::exception&) {
         return std::nullopt;
     }

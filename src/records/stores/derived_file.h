@@ -41,9 +41,9 @@ class DerivedFile {
     [[nodiscard]] std::string_view bytes(std::size_t offset, std::size_t count) const;
 
   private:
-    explicit DerivedFile(std::unique_ptr<MappedFile> file);
+    explicit DerivedFile(std::unique_ptr<platform::MappedFile> file);
 
-    std::unique_ptr<MappedFile> file_;
+    std::unique_ptr<platform::MappedFile> file_;
     std::string_view content_;
 };
 

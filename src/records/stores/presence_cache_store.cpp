@@ -141,7 +141,7 @@ ArchivedOriginalPresenceCacheStore::statusesInOrder(const std::string& signature
                                                     const std::vector<ArchivedEntry>& entries) const {
     const std::string path = support_.filePath(fileName);
     if (entries.empty() || !platform::isRegularFile(path)) return std::nullopt;
-    const MappedFile file(path);
+    const platform::MappedFile file(path);
     std::string_view text = file.text();
     const std::size_t head = text.substr(0, longestHead).find(opening);
     if (head == std::string_view::npos || !text.ends_with(closing)) return std::nullopt;
