@@ -172,7 +172,7 @@ TEST_F(RebuildOfAnArchive, AddsVariantsAndTellsOfCopies) {
 TEST_F(RebuildOfAnArchive, ChangesNothingUnderAForeignLockOrAfterAStop) {
     fs::remove(at("archive-index.json"));
     {
-        archive::ArchiveDestination other(platform::posixFileLayer(), root, std::chrono::seconds(25));
+        archive::ArchiveDestination other(platform::posixFileLayer(), root, platform::placeLimit);
         other.lock();
         EXPECT_THROW(rebuildArchive(root), ArchiveAccessError);
     }

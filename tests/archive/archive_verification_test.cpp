@@ -218,7 +218,7 @@ TEST_F(VerificationOfAnArchive, RecordsTheHashesOfSoundFilesThatReadTheSameTwice
 }
 
 TEST_F(VerificationOfAnArchive, RecordsNothingWhileSomebodyElseWrites) {
-    archive::ArchiveDestination other(platform::posixFileLayer(), root, std::chrono::seconds(25));
+    archive::ArchiveDestination other(platform::posixFileLayer(), root, platform::placeLimit);
     other.lock();
     EXPECT_THROW(recordHashes(), ArchiveAccessError);
     EXPECT_FALSE(index().records[0].contentHash);

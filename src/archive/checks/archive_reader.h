@@ -1,6 +1,6 @@
 // Reads an archive from outside of a run, file by file. Only looks. Each call gives a place that doesn't
-// answer 25 seconds a step and hears a stop. Links aren't followed, and nothing outside of the root is ever
-// opened. Used by one thread, a background one.
+// answer `platform::placeLimit` a step and hears a stop. Links aren't followed, and nothing outside of the
+// root is ever opened. Used by one thread, a background one.
 #pragma once
 
 #include <chrono>
@@ -35,7 +35,7 @@ class ArchiveReader {
   public:
     struct Limits {
         std::stop_token stop{};
-        std::chrono::nanoseconds ofStep = std::chrono::seconds(25);
+        std::chrono::nanoseconds ofStep = platform::placeLimit;
     };
 
     struct File {

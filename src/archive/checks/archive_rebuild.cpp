@@ -20,6 +20,7 @@
 #include "archive/destination/index_records.h"
 #include "archive/header_summary.h"
 #include "platform/paths.h"
+#include "platform/threads/time_limited_worker.h"
 #include "records/archive_files/archive_index_file.h"
 #include "records/archived/content_hash.h"
 #include "records/archived/stable_id.h"
@@ -112,7 +113,7 @@ class Rebuild {
       , root_(root)
       , reader_(files, root, {.stop = stop})
       , scanned_(options.scanned)
-      , destination_(files, root, std::chrono::seconds(25)) {}
+      , destination_(files, root, platform::placeLimit) {}
 
     ArchiveRebuild run();
 

@@ -3,7 +3,7 @@
 // gives, so what was proven by the lost index can be proven by the new one; where Mail knows a message by
 // other words than its header, the last scan has them. A .eml file is never touched, and
 // records that are there stay as they are, but for the path of one whose file has been renamed. Blocks, on a
-// background thread; a place that doesn't answer has 25 seconds a step.
+// background thread; a place that doesn't answer has `platform::placeLimit` a step.
 #pragma once
 
 #include <cstdint>

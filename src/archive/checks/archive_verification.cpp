@@ -10,6 +10,7 @@
 #include "archive/checks/archive_reader.h"
 #include "archive/destination/archive_destination.h"
 #include "archive/message_identity.h"
+#include "platform/threads/time_limited_worker.h"
 #include "records/archive_files/archive_index_file.h"
 #include "records/archived/content_hash.h"
 #include "records/archived/stable_id.h"
@@ -155,7 +156,7 @@ bool ArchiveVerification::isClean() const {
 ArchiveVerification verifyArchive(const std::string& root, const VerificationProgress& progress,
                                   const std::stop_token& stop, platform::FileLayer& files,
                                   const std::optional<HashRecording>& recording) {
-    archive::ArchiveDestination destination(files, root, std::chrono::seconds(25));
+    archive::ArchiveDestination destination(files, root, platform::placeLimit);
     if (recording) destination.lock();
     Verification verification(files, root, stop);
     try {

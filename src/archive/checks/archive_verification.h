@@ -1,7 +1,8 @@
 // Re-reads a whole archive from the storage and compares it with its index. It sees lost, unreadable and
 // changed files; of a record without a hash, as older versions wrote them, it sees a file with another size
 // or of another message, and no single byte. Only reads, unless it is asked to record hashes; blocks, on a
-// background thread. Memory grows with the index alone. A place that doesn't answer has 25 seconds a step.
+// background thread. Memory grows with the index alone. A place that doesn't answer has
+// `platform::placeLimit` a step.
 #pragma once
 
 #include <cstdint>

@@ -32,8 +32,7 @@ struct ProofReadResult {
 class ProofLanes {
   public:
     // `files` has to outlive reads that hung (platform::waitForAbandonedJobs).
-    explicit ProofLanes(platform::FileLayer& files,
-                        std::chrono::nanoseconds limit = std::chrono::seconds(25));
+    explicit ProofLanes(platform::FileLayer& files, std::chrono::nanoseconds limit = platform::placeLimit);
 
     // In the order of the reads, which is the order in which they are begun.
     std::vector<ProofReadResult> read(std::vector<ProofRead> reads, const std::stop_token& stop);

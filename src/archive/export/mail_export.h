@@ -1,6 +1,6 @@
 // Copies archived mail out, byte for byte: as an mbox, a folder or a ZIP. Streams, so that memory doesn't
 // grow with the mail; what was written is read back before it counts. A place that doesn't answer ends it
-// after 25 seconds. Blocks, on a background thread.
+// after `platform::placeLimit`. Blocks, on a background thread.
 #pragma once
 
 #include <cstdint>

@@ -44,8 +44,8 @@ class ArchivedCloudFileOpener {
 
     struct Limits {
         std::chrono::milliseconds betweenLooks{300};
-        int looks = 400;                                            // after the first one
-        std::chrono::nanoseconds ofLook = std::chrono::seconds(25); // a place that doesn't answer
+        int looks = 400;                                        // after the first one
+        std::chrono::nanoseconds ofLook = platform::placeLimit; // a place that doesn't answer
     };
 
     // The platform has to outlive looks that hung (platform::waitForAbandonedJobs).

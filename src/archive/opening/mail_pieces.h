@@ -17,7 +17,7 @@ class MailPieces {
   public:
     // `files` has to outlive reads that hung (platform::waitForAbandonedJobs).
     MailPieces(platform::FileLayer& files, std::stop_token stop,
-               std::chrono::nanoseconds limit = std::chrono::seconds(25));
+               std::chrono::nanoseconds limit = platform::placeLimit);
 
     // Calls `take` on this thread for each piece of a regular file, of at most 1 MiB; a link is refused.
     // Throws ArchiveAccessError when the file can't be read to its end, and OpeningCancelled after a stop.

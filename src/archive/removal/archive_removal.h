@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "platform/files/layers/file_layer.h"
+#include "platform/threads/time_limited_worker.h"
 #include "records/values.h"
 #include "text/shared_text.h"
 
@@ -28,7 +29,7 @@ struct RecordToRemove {
 };
 
 struct ArchiveRemovalOptions {
-    std::chrono::nanoseconds timeLimit = std::chrono::seconds(25); // of each step
+    std::chrono::nanoseconds timeLimit = platform::placeLimit; // of each step
     std::function<void(const std::string& path)> markHidden{};
     // Grows with each file that was tried, so that others can see how far it is; may be null.
     std::shared_ptr<std::atomic<std::size_t>> triedFiles{};

@@ -13,6 +13,7 @@
 #include <string>
 
 #include "platform/files/layers/file_layer.h"
+#include "platform/threads/time_limited_worker.h"
 #include "records/archived/archive_records.h"
 #include "records/mail_message_record.h"
 
@@ -20,7 +21,7 @@ namespace corvane {
 
 struct ArchiverOptions {
     // How long a step of a write may take before its message is given up.
-    std::chrono::nanoseconds timeLimit = std::chrono::seconds(25);
+    std::chrono::nanoseconds timeLimit = platform::placeLimit;
     std::function<std::chrono::steady_clock::time_point()> clock = std::chrono::steady_clock::now;
     std::function<Date()> now;                          // empty: the system's
     std::function<void(const std::string&)> markHidden; // empty: no file is hidden

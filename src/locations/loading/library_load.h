@@ -17,6 +17,7 @@
 #include "locations/loading/loaded_archives.h"
 #include "locations/places/place_looks.h"
 #include "platform/platform.h"
+#include "platform/threads/time_limited_worker.h"
 #include "records/logs/startup_log.h"
 #include "records/stores/app_support.h"
 
@@ -29,7 +30,7 @@ struct LibraryLoadInput {
     std::optional<std::string> currentDestination; // canonical
     std::shared_ptr<const SharedTextSet> publishedBaseIDs;
     SharedArchivedFiles publishedFiles;
-    std::chrono::nanoseconds placeLimit = std::chrono::seconds(25);
+    std::chrono::nanoseconds placeLimit = platform::placeLimit;
 };
 
 // What the entries don't tell of the current destination's index.

@@ -30,8 +30,8 @@ struct ArchivePlaceState {
     friend bool operator==(const ArchivePlaceState&, const ArchivePlaceState&) = default;
 };
 
-// Of each root, in their order. `listed` are those that the library has read. Blocks, with 25 seconds a step
-// for a place that doesn't answer; after a stop the rest are `unanswered`.
+// Of each root, in their order. `listed` are those that the library has read. Blocks, with
+// `platform::placeLimit` a step for a place that doesn't answer; after a stop the rest are `unanswered`.
 std::vector<ArchivePlaceState> lookAtArchivePlaces(const platform::Platform& platform,
                                                    const CorvaneAppSupport& support,
                                                    const std::vector<std::string>& roots,

@@ -1,7 +1,7 @@
 // Looks at places that may not answer, such as a dead network disk or a cloud folder that is offline. A look
-// that makes no step for 25 seconds is given up, and so is one whose result a stop has made needless; what
-// hung goes on by itself and touches nothing any more. A place that hung, with its disk, isn't looked at
-// again in this process. Looks may run side by side.
+// that makes no step for `platform::placeLimit` is given up, and so is one whose result a stop has made
+// needless; what hung goes on by itself and touches nothing any more. A place that hung, with its disk, isn't
+// looked at again in this process. Looks may run side by side.
 #pragma once
 
 #include <chrono>
@@ -16,6 +16,7 @@
 
 #include "platform/files/layers/file_layer.h"
 #include "platform/platform.h"
+#include "platform/threads/time_limited_worker.h"
 
 namespace corvane {
 
@@ -38,7 +39,7 @@ class PlaceLooks {
   public:
     // The platform and `files` have to outlive looks that hung (platform::waitForAbandonedJobs).
     PlaceLooks(const platform::Platform& platform, platform::FileLayer& files, std::stop_token stop,
-               std::chrono::nanoseconds limit = std::chrono::seconds(25));
+               std::chrono::nanoseconds limit = platform::placeLimit);
 
     // Asks on a thread of its own and waits for the answer. Absent when the place can't be looked at, or
     // after a stop. The question owns all that it touches; one that throws gives no answer.

@@ -14,9 +14,6 @@
 
 namespace corvane::platform {
 
-// For places that users name.
-inline constexpr std::chrono::seconds placeLimit{25};
-
 // Absent when a step of the job took longer than `limit`, after a stop, and when the job threw. The job owns
 // all that it touches, and goes on with nobody listening once it is given up.
 template <class Answer>

@@ -13,6 +13,9 @@
 
 namespace corvane::platform {
 
+// How long a step may take at a place that users name, such as a disk or a cloud folder.
+inline constexpr std::chrono::seconds placeLimit{25};
+
 // What a job and the one who waits for it share.
 class JobLimit {
   public:
