@@ -12,8 +12,8 @@ namespace corvane {
 
 struct IndexCounts::CountJob {
     MailStore store;
-    std::vector<std::string> selection; // prefixes of the selected accounts
-    std::vector<std::string> prefixes;  // of all accounts
+    std::vector<std::string> selectedPrefixes;
+    std::vector<std::string> prefixes; // of all accounts
     SharedMessageList messages;
 };
 
@@ -47,9 +47,9 @@ void IndexCounts::refreshIndexedYearCounts(SharedMessageList messages) {
 
 void IndexCounts::publish(Answer answer) {
     const bool isRefreshed = answer.counts.has_value();
-    hasFailed_ = !answer.counts || !answer.counts->selection;
+    hasFailed_ = !answer.counts || !answer.counts->foundByMail;
     if (answer.counts) {
-        context_.tasks.discard(std::exchange(counts_, std::move(*answer.counts)).selection);
+        context_.tasks.discard(std::exchange(counts_, std::move(*answer.counts)).foundByMail);
         isKnown_ = true;
     }
     Q_EMIT countsChanged();
@@ -66,7 +66,8 @@ std::optional<IndexCounts::Counts> IndexCounts::readCounts(const CountJob& job, 
     const auto canBeAsked = [&] { return mailstore::canQueryEnvelopeIndex(store.context, store.rootPath); };
     const bool couldBeAsked = canBeAsked();
     Counts counts;
-    const auto indexed = mailstore::indexedYearDistinctCounts(store.context, store.rootPath, job.selection);
+    const auto indexed =
+        mailstore::indexedYearDistinctCounts(store.context, store.rootPath, job.selectedPrefixes);
     if (!indexed) return std::nullopt;
     counts.indexed = *indexed;
     for (const std::string& prefix : job.prefixes) {
@@ -74,16 +75,16 @@ std::optional<IndexCounts::Counts> IndexCounts::readCounts(const CountJob& job, 
         if (!ofAccount) return std::nullopt;
         counts.indexedByAccount[prefix] = *ofAccount;
     }
-    MailSelectionMaker selection(job.messages);
+    FoundByMailMaker found(job.messages);
     for (const std::string& prefix : job.prefixes) {
         const auto ofAccount = mailstore::undownloadedYears(store.context, store.rootPath, {prefix});
         if (!ofAccount) return std::nullopt;
         counts.undownloadedByAccount[prefix] = ofAccount->all;
         counts.partialByAccount[prefix] = ofAccount->partial;
-        selection.add(prefix, *ofAccount);
+        found.add(prefix, *ofAccount);
     }
     // Without an index all counts are empty, which says nothing of what a search in Mail finds.
-    if (couldBeAsked && canBeAsked()) counts.selection = std::move(selection).result();
+    if (couldBeAsked && canBeAsked()) counts.foundByMail = std::move(found).result();
     return counts;
 }
 

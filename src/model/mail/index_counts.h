@@ -13,7 +13,7 @@
 #include <QObject>
 
 #include "listing/deletion/deletion_safety.h"
-#include "listing/deletion/mail_selection.h"
+#include "listing/deletion/found_by_mail.h"
 #include "model/mail/account_directory.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
@@ -49,7 +49,7 @@ class IndexCounts : public QObject {
 
     // What Mail's own search finds, read with the counts; null before the first time and where there was no
     // index to ask.
-    [[nodiscard]] const SharedMailSelection& selection() const { return counts_.selection; }
+    [[nodiscard]] const SharedFoundByMail& foundByMail() const { return counts_.foundByMail; }
 
     struct Indexed {
         CountByYear counts;
@@ -82,7 +82,7 @@ class IndexCounts : public QObject {
         CountByAccountAndYear indexedByAccount;
         CountByAccountAndYear undownloadedByAccount;
         CountByAccountAndYear partialByAccount;
-        SharedMailSelection selection;
+        SharedFoundByMail foundByMail;
     };
 
     struct CountJob;

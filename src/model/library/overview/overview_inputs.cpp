@@ -12,10 +12,9 @@ namespace {
 bool isReady(const OverviewSources& sources, const ProofInputs& proofs) {
     const CatalogState& mail = *sources.catalog.state();
     const bool isMailKnown = mail.isAvailabilityKnown && !mail.isPartial() && !mail.set->messages->empty();
-    const SharedMailSelection& selection = sources.counts.selection();
-    return isMailKnown && mail.availability->proofs->inputs == proofs && sources.counts.isKnown() &&
-           selection && selection->messages == mail.set->messages &&
-           !sources.presence.archivedOriginalPresenceChecking() &&
+    const SharedFoundByMail& found = sources.counts.foundByMail();
+    return isMailKnown && mail.availability->proofs->inputs == proofs && sources.counts.isKnown() && found &&
+           found->messages == mail.set->messages && !sources.presence.archivedOriginalPresenceChecking() &&
            sources.presence.presence()->entries == sources.libraryIndex.index()->input().entries;
 }
 
@@ -37,10 +36,10 @@ std::set<std::string> unscannedAccounts(const std::vector<MailAccount>& accounts
 std::set<std::string> unknownAccounts(const OverviewSources& sources, const CatalogState& mail) {
     const std::vector<MailAccount>& accounts = sources.accounts.availableAccounts();
     std::set<std::string> unknown = unscannedAccounts(accounts, mail.summary.accountNames);
-    const SharedMailSelection& selection = sources.counts.selection();
-    if (!selection) return unknown;
+    const SharedFoundByMail& found = sources.counts.foundByMail();
+    if (!found) return unknown;
     for (const MailAccount& account : accounts) {
-        if (std::ranges::find(selection->accounts, account.urlPrefix) == selection->accounts.end())
+        if (std::ranges::find(found->accounts, account.urlPrefix) == found->accounts.end())
             unknown.insert(account.urlPrefix);
     }
     return unknown;
@@ -58,7 +57,7 @@ OverviewInputs overviewInputs(const OverviewSources& sources, const ProofInputs&
             .availability = mail->availability,
             .undownloadedYearCounts = {undownloaded.begin(), undownloaded.end()},
             .partialYearCounts = {partial.begin(), partial.end()},
-            .selection = sources.counts.selection(),
+            .foundByMail = sources.counts.foundByMail(),
             .unscannedAccounts = unknownAccounts(sources, *mail),
             .isReady = isReady(sources, proofs),
             .indexHasFailed = sources.counts.hasFailed()};

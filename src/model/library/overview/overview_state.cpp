@@ -21,8 +21,8 @@ YearCountsByAccount yearCounts(const CountByAccountAndYear& counts) {
 // Mail of which Mail has only a part isn't archived.
 YearCountsByAccount unbackedYearCounts(const OverviewInputs& inputs) {
     YearCountsByAccount counts = inputs.partialYearCounts;
-    if (inputs.selection) {
-        for (const auto& [account, years] : inputs.selection->partial) {
+    if (inputs.foundByMail) {
+        for (const auto& [account, years] : inputs.foundByMail->partial) {
             for (const auto& [year, count] : years)
                 counts[account][year] = std::max(counts[account][year], count);
         }
@@ -48,13 +48,13 @@ YearCountsByAccount unprovenYearCounts(const MessageList& messages, const Availa
 
 // A message belongs to each account and year in which the user's search in Mail finds a copy of it.
 void addFoundElsewhere(const OverviewInputs& inputs, ArchivedOverviewFacts& facts) {
-    if (!inputs.selection || inputs.selection->elsewhere.empty()) return;
+    if (!inputs.foundByMail || inputs.foundByMail->elsewhere.empty()) return;
     const AvailabilityResult& known = *inputs.availability;
     for (const MailMessageRecord& message : *inputs.messages->messages) {
         const bool isArchived = known.archivedMessageIDs->contains(message.id);
         if (isArchived && known.proofs->provenIDs->contains(message.id)) continue;
         YearCountsByAccount& counts = isArchived ? facts.unprovenYearCounts : facts.unbackedYearCounts;
-        inputs.selection->visitElsewhere(
+        inputs.foundByMail->visitElsewhere(
             message, [&](const std::string& account, std::int64_t year) { ++counts[account][year]; });
     }
 }
@@ -82,9 +82,9 @@ ArchivedOverviewFacts factsOf(const OverviewInputs& inputs, std::vector<bool> pr
     facts.undownloadedYearCounts = inputs.undownloadedYearCounts;
     facts.unscannedAccounts = inputs.unscannedAccounts;
     addFoundElsewhere(inputs, facts);
-    if (inputs.selection) {
-        facts.serverAloneByReceipt = yearCounts(inputs.selection->serverAlone);
-        facts.unlistedByReceipt = yearCounts(inputs.selection->unlisted);
+    if (inputs.foundByMail) {
+        facts.serverAloneByReceipt = yearCounts(inputs.foundByMail->serverAlone);
+        facts.unlistedByReceipt = yearCounts(inputs.foundByMail->unlisted);
     }
     return facts;
 }

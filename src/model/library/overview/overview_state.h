@@ -12,7 +12,7 @@
 #include "library/library_index.h"
 #include "library/overview/archived_overview.h"
 #include "listing/availability.h"
-#include "listing/deletion/mail_selection.h"
+#include "listing/deletion/found_by_mail.h"
 #include "listing/message_set.h"
 #include "model/library/presence/original_presence.h"
 
@@ -30,7 +30,7 @@ struct OverviewInputs {
     SharedAvailability availability;            // of these messages
     YearCountsByAccount undownloadedYearCounts; // by account
     YearCountsByAccount partialYearCounts{};    // of these, what Mail holds in part
-    SharedMailSelection selection{};            // null before Mail's index was asked
+    SharedFoundByMail foundByMail{};            // null before Mail's index was asked
     // Accounts that the list of messages leaves out: nothing is known of their mail.
     std::set<std::string> unscannedAccounts{};
     // Messages, their outcomes, the originals and Mail's index are all known, and of what is archived now.

@@ -20,7 +20,7 @@ struct StoredRow;
 struct UndownloadedYears;
 } // namespace mailstore
 
-struct MailSelection {
+struct FoundByMail {
     SharedMessageList messages; // what was listed when it was made
 
     // By account and year of receipt.
@@ -61,18 +61,18 @@ struct MailSelection {
     [[nodiscard]] const Elsewhere* find(const FileURL& url) const;
 };
 
-using SharedMailSelection = std::shared_ptr<const MailSelection>;
+using SharedFoundByMail = std::shared_ptr<const FoundByMail>;
 
 // Makes it account by account. Linear in the messages and rows but for a look-up.
-class MailSelectionMaker {
+class FoundByMailMaker {
   public:
     // `messages` isn't null.
-    explicit MailSelectionMaker(SharedMessageList messages);
+    explicit FoundByMailMaker(SharedMessageList messages);
 
     // `years` are what the index says of the account.
     void add(const std::string& accountPrefix, const mailstore::UndownloadedYears& years);
 
-    [[nodiscard]] SharedMailSelection result() &&;
+    [[nodiscard]] SharedFoundByMail result() &&;
 
   private:
     struct ListedRow {
@@ -85,7 +85,7 @@ class MailSelectionMaker {
     void addStored(std::uint32_t account, const mailstore::StoredRow& row, CountByYear& unlisted);
     bool isInTrash(const MailMessageRecord& message);
 
-    MailSelection selection_;
+    FoundByMail found_;
     std::unordered_map<std::string, bool, TextHash, TextEqual> trashByMailbox_;
     std::vector<ListedRow> listed_; // in their order
 };

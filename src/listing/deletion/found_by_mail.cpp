@@ -1,4 +1,4 @@
-#include "listing/deletion/mail_selection.h"
+#include "listing/deletion/found_by_mail.h"
 
 #include <algorithm>
 #include <charconv>
@@ -28,14 +28,14 @@ std::optional<std::int64_t> rowIDOf(const FileURL& url) {
 
 } // namespace
 
-const MailSelection::Elsewhere* MailSelection::find(const FileURL& url) const {
+const FoundByMail::Elsewhere* FoundByMail::find(const FileURL& url) const {
     const auto row = rowIDOf(url);
     if (!row) return nullptr;
     const auto found = std::ranges::lower_bound(elsewhere, *row, {}, &Elsewhere::rowID);
     return found != elsewhere.end() && found->rowID == *row ? &*found : nullptr;
 }
 
-MailSelectionMaker::MailSelectionMaker(SharedMessageList messages) {
+FoundByMailMaker::FoundByMailMaker(SharedMessageList messages) {
     const auto add = [&](const FileURL& url, std::size_t message) {
         if (const auto row = rowIDOf(url)) listed_.push_back({*row, static_cast<std::uint32_t>(message)});
     };
@@ -47,34 +47,34 @@ MailSelectionMaker::MailSelectionMaker(SharedMessageList messages) {
         for (const FileURL& url : *message.relatedMessageFileURLs) add(url, at);
     }
     std::ranges::sort(listed_);
-    selection_.messages = std::move(messages);
+    found_.messages = std::move(messages);
 }
 
-void MailSelectionMaker::add(const std::string& accountPrefix, const mailstore::UndownloadedYears& years) {
-    const auto account = static_cast<std::uint32_t>(selection_.accounts.size());
-    selection_.accounts.push_back(accountPrefix);
-    selection_.serverAlone[accountPrefix] = years.aloneByReceipt;
-    selection_.partial[accountPrefix] = years.partialByReceipt;
-    CountByYear& unlisted = selection_.unlisted[accountPrefix];
+void FoundByMailMaker::add(const std::string& accountPrefix, const mailstore::UndownloadedYears& years) {
+    const auto account = static_cast<std::uint32_t>(found_.accounts.size());
+    found_.accounts.push_back(accountPrefix);
+    found_.serverAlone[accountPrefix] = years.aloneByReceipt;
+    found_.partial[accountPrefix] = years.partialByReceipt;
+    CountByYear& unlisted = found_.unlisted[accountPrefix];
     for (const mailstore::StoredRow& row : years.stored) addStored(account, row, unlisted);
 }
 
-void MailSelectionMaker::addStored(std::uint32_t account, const mailstore::StoredRow& row,
-                                   CountByYear& unlisted) {
+void FoundByMailMaker::addStored(std::uint32_t account, const mailstore::StoredRow& row,
+                                 CountByYear& unlisted) {
     const auto listed = std::ranges::lower_bound(listed_, row.rowID, {}, &ListedRow::rowID);
     if (listed == listed_.end() || listed->rowID != row.rowID) {
         ++unlisted[row.receivedYear];
         return;
     }
-    const MailMessageRecord& message = (*selection_.messages)[listed->message];
-    const bool isInItsAccount = accountFilterKey(message) == selection_.accounts[account];
+    const MailMessageRecord& message = (*found_.messages)[listed->message];
+    const bool isInItsAccount = accountFilterKey(message) == found_.accounts[account];
     const bool isInItsYear = message.date && localYear(*message.date) == row.receivedYear;
     if (isInItsAccount && isInItsYear && !isInTrash(message)) return;
-    selection_.elsewhere.push_back({row.rowID, account, static_cast<std::int32_t>(row.receivedYear)});
+    found_.elsewhere.push_back({row.rowID, account, static_cast<std::int32_t>(row.receivedYear)});
 }
 
 // Statistics leave such a message out with all of its copies.
-bool MailSelectionMaker::isInTrash(const MailMessageRecord& message) {
+bool FoundByMailMaker::isInTrash(const MailMessageRecord& message) {
     const auto known = trashByMailbox_.find(message.mailbox.view());
     if (known != trashByMailbox_.end()) return known->second;
     const bool isTrash =
@@ -83,9 +83,9 @@ bool MailSelectionMaker::isInTrash(const MailMessageRecord& message) {
     return isTrash;
 }
 
-SharedMailSelection MailSelectionMaker::result() && {
-    std::ranges::sort(selection_.elsewhere, {}, &MailSelection::Elsewhere::rowID);
-    return std::make_shared<const MailSelection>(std::move(selection_));
+SharedFoundByMail FoundByMailMaker::result() && {
+    std::ranges::sort(found_.elsewhere, {}, &FoundByMail::Elsewhere::rowID);
+    return std::make_shared<const FoundByMail>(std::move(found_));
 }
 
 } // namespace corvane
