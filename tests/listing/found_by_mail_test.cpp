@@ -8,7 +8,7 @@
 #include "library/entry_sketch.h"
 #include "listing/message_sketch.h"
 #include "listing/proven_entries.h"
-#include "mailstore/index/year_counts.h"
+#include "mailstore/index/downloads_by_year.h"
 
 namespace corvane::testing {
 namespace {
@@ -19,13 +19,13 @@ TEST(FoundByMail, KnowsWhatASearchByAccountAndReceiptFindsBesideTheList) {
     messages[1].relatedMessageFileURLs = {
         {FileURL("/A/2.emlx"), FileURL("/B/7.emlx"), FileURL("/A/odd.emlx")}};
     FoundByMailMaker maker(std::make_shared<const MessageList>(messages));
-    mailstore::UndownloadedYears ofA;
+    mailstore::DownloadsByYear ofA;
     ofA.partialByReceipt = {{2019, 4}};
-    ofA.stored = {{1, 2024}, {2, 2025}, {3, 2024}, {9, 2020}};
+    ofA.storedRows = {{1, 2024}, {2, 2025}, {3, 2024}, {9, 2020}};
     maker.add("imap://A", ofA);
-    mailstore::UndownloadedYears ofB;
+    mailstore::DownloadsByYear ofB;
     ofB.aloneByReceipt = {{2018, 5}};
-    ofB.stored = {{7, 2024}};
+    ofB.storedRows = {{7, 2024}};
     maker.add("imap://B", ofB);
     const SharedFoundByMail found = std::move(maker).result();
     using Elsewhere = std::vector<std::tuple<std::string, std::string, std::int64_t>>;

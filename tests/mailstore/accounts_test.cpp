@@ -9,6 +9,8 @@
 #include "mailstore/accounts/account_identity.h"
 #include "mailstore/accounts/account_queries.h"
 #include "mailstore/accounts/accounts_database.h"
+#include "mailstore/index/downloads_by_year.h"
+#include "mailstore/index/restored_mail_diagnostics.h"
 #include "mailstore/index/year_counts.h"
 #include "mailstore/sample_mail_store.h"
 
@@ -182,9 +184,10 @@ TEST(YearCounts, CountMessagesOnceByLocalYearWithoutTrash) {
         Optional(ElementsAre(Pair(2024, 1))));
     EXPECT_THAT(undownloadedYearCounts(store.context, store.root, {}),
                 Optional(ElementsAre(Pair(2023, 1), Pair(2024, 1))));
-    const auto counts = undownloadedYears(store.context, store.root, {});
-    EXPECT_THAT(counts->aloneByReceipt, ElementsAre(Pair(2022, 1), Pair(2024, 1)));
-    EXPECT_THAT(counts->stored, ElementsAre(::testing::FieldsAre(1, 2025), ::testing::FieldsAre(7, 2024)));
+    const auto downloads = downloadsByYear(store.context, store.root, {});
+    EXPECT_THAT(downloads->aloneByReceipt, ElementsAre(Pair(2022, 1), Pair(2024, 1)));
+    EXPECT_THAT(downloads->storedRows,
+                ElementsAre(::testing::FieldsAre(1, 2025), ::testing::FieldsAre(7, 2024)));
     EXPECT_EQ(queryOldestIndexedYear(store.context, store.root), 2001);
     const auto sample = sampleMessageFilePresence(store.root, url("imap", firstAccount, "INBOX"), {1, 3, 4});
     EXPECT_EQ(sample.present, 1);

@@ -12,10 +12,10 @@
 
 #include "mailstore/accounts/account_discovery.h"
 #include "mailstore/accounts/account_duplication.h"
+#include "mailstore/index/downloads_by_year.h"
 #include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/live_presence.h"
 #include "mailstore/index/restored_mail_diagnostics.h"
-#include "mailstore/index/year_counts.h"
 #include "mailstore/sample_mail_store.h"
 #include "mailstore/sqlite/mail_index_query_error.h"
 #include "mailstore/sqlite/shell_queries.h"

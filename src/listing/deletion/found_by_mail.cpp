@@ -9,7 +9,7 @@
 
 #include "listing/account_titles.h"
 #include "mailstore/folders/trash_junk_mailboxes.h"
-#include "mailstore/index/year_counts.h"
+#include "mailstore/index/downloads_by_year.h"
 #include "records/timestamps.h"
 
 namespace corvane {
@@ -50,13 +50,13 @@ FoundByMailMaker::FoundByMailMaker(SharedMessageList messages) {
     found_.messages = std::move(messages);
 }
 
-void FoundByMailMaker::add(const std::string& accountPrefix, const mailstore::UndownloadedYears& years) {
+void FoundByMailMaker::add(const std::string& accountPrefix, const mailstore::DownloadsByYear& downloads) {
     const auto account = static_cast<std::uint32_t>(found_.accounts.size());
     found_.accounts.push_back(accountPrefix);
-    found_.serverAlone[accountPrefix] = years.aloneByReceipt;
-    found_.partial[accountPrefix] = years.partialByReceipt;
+    found_.serverAlone[accountPrefix] = downloads.aloneByReceipt;
+    found_.partial[accountPrefix] = downloads.partialByReceipt;
     CountByYear& unlisted = found_.unlisted[accountPrefix];
-    for (const mailstore::StoredRow& row : years.stored) addStored(account, row, unlisted);
+    for (const mailstore::StoredRow& row : downloads.storedRows) addStored(account, row, unlisted);
 }
 
 void FoundByMailMaker::addStored(std::uint32_t account, const mailstore::StoredRow& row,

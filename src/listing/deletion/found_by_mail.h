@@ -17,7 +17,7 @@ namespace corvane {
 
 namespace mailstore {
 struct StoredRow;
-struct UndownloadedYears;
+struct DownloadsByYear;
 } // namespace mailstore
 
 struct FoundByMail {
@@ -69,8 +69,8 @@ class FoundByMailMaker {
     // `messages` isn't null.
     explicit FoundByMailMaker(SharedMessageList messages);
 
-    // `years` are what the index says of the account.
-    void add(const std::string& accountPrefix, const mailstore::UndownloadedYears& years);
+    // `downloads` are those of the account.
+    void add(const std::string& accountPrefix, const mailstore::DownloadsByYear& downloads);
 
     [[nodiscard]] SharedFoundByMail result() &&;
 

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "mailstore/folders/trash_junk_mailboxes.h"
+#include "mailstore/index/index_sql.h"
 #include "mailstore/reader_logs.h"
 #include "mailstore/sqlite/quiet_database.h"
 #include "mailstore/sqlite/sqlite_connection.h"
@@ -77,6 +78,17 @@ std::optional<std::set<std::int64_t>> trashAndJunkMailboxIDs(const MailStoreCont
 std::string mailboxExclusion(const std::set<std::int64_t>& mailboxIDs) {
     if (mailboxIDs.empty()) return {};
     return fmt::format("AND m.mailbox NOT IN ({})", fmt::join(mailboxIDs, ","));
+}
+
+std::optional<std::string> messagesWhere(const std::string& condition, const MailStoreContext& context,
+                                         const std::string& envelopeIndexPath,
+                                         const std::vector<std::string>& accountURLPrefixes) {
+    const auto trashAndJunk = trashAndJunkMailboxIDs(context, envelopeIndexPath);
+    if (!trashAndJunk) return std::nullopt;
+    return fmt::format("FROM messages m\n"
+                       "JOIN mailboxes mb ON mb.ROWID = m.mailbox\n"
+                       "WHERE {} {} {}",
+                       condition, accountCondition(accountURLPrefixes), mailboxExclusion(*trashAndJunk));
 }
 
 } // namespace corvane::mailstore

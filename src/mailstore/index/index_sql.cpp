@@ -31,4 +31,8 @@ std::string accountCondition(const std::vector<std::string>& accountURLPrefixes)
     return fmt::format("AND ({})", fmt::join(conditions, " OR "));
 }
 
+std::string localYearOf(std::string_view date) {
+    return fmt::format("CAST(strftime('%Y', datetime({}, 'unixepoch', 'localtime')) AS INTEGER)", date);
+}
+
 } // namespace corvane::mailstore

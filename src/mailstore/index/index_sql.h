@@ -19,4 +19,7 @@ std::string accountCondition(const std::vector<std::string>& accountURLPrefixes)
 inline constexpr std::string_view messageDateExpression =
     "COALESCE(NULLIF(m.display_date,0), NULLIF(m.date_received,0), NULLIF(m.date_sent,0), 0)";
 
+// The local year of a date in seconds.
+std::string localYearOf(std::string_view date);
+
 } // namespace corvane::mailstore

@@ -6,12 +6,13 @@
 #include <fmt/format.h>
 
 #include "mailstore/folders/mailbox_url.h"
+#include "mailstore/folders/message_file_index.h"
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/index_sql.h"
-#include "mailstore/index/year_counts.h"
 #include "mailstore/reader_logs.h"
 #include "mailstore/sqlite/shell_queries.h"
+#include "platform/files/directory.h"
 #include "text/charsets/encoding.h"
 #include "text/split.h"
 
@@ -138,6 +139,19 @@ void logRestoredMailDiagnostics(const MailStoreContext& context, const std::stri
         if (std::ranges::find(selectedPrefixes, account.urlPrefix) != selectedPrefixes.end())
             logAccount(context, rootPath, account, *trashAndJunk);
     }
+}
+
+FilePresenceSample sampleMessageFilePresence(const std::string& rootPath, const std::string& mailboxURL,
+                                             const std::vector<std::int64_t>& rowIDs) {
+    FilePresenceSample sample;
+    MessageFileIndex files(rootPath);
+    for (const std::int64_t rowID : rowIDs) {
+        // A few rows: a look at each file costs less than a listing of their folders.
+        const auto path = files.filePath(mailboxURL, rowID);
+        (path && platform::isRegularFile(*path) ? sample.present : sample.missing) += 1;
+    }
+    sample.checked = sample.present + sample.missing;
+    return sample;
 }
 
 } // namespace corvane::mailstore

@@ -2,6 +2,7 @@
 // disk: for support, when mail was restored into Mail and a scan shows less than was expected.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -15,5 +16,16 @@ namespace corvane::mailstore {
 void logRestoredMailDiagnostics(const MailStoreContext& context, const std::string& rootPath,
                                 const std::vector<MailAccount>& accounts,
                                 const std::vector<std::string>& selectedPrefixes);
+
+// Numbers of rows.
+struct FilePresenceSample {
+    std::int64_t present = 0;
+    std::int64_t missing = 0;
+    std::int64_t checked = 0;
+};
+
+// Looks for the files of some rows of one mailbox.
+FilePresenceSample sampleMessageFilePresence(const std::string& rootPath, const std::string& mailboxURL,
+                                             const std::vector<std::int64_t>& rowIDs);
 
 } // namespace corvane::mailstore

@@ -5,6 +5,7 @@
 
 #include "listing/account_titles.h"
 #include "mailstore/folders/store_location.h"
+#include "mailstore/index/downloads_by_year.h"
 #include "mailstore/index/year_counts.h"
 #include "model/mail/store/mail_store.h"
 
@@ -77,9 +78,9 @@ std::optional<IndexCounts::Counts> IndexCounts::readCounts(const CountJob& job, 
     }
     FoundByMailMaker found(job.messages);
     for (const std::string& prefix : job.prefixes) {
-        const auto ofAccount = mailstore::undownloadedYears(store.context, store.rootPath, {prefix});
+        const auto ofAccount = mailstore::downloadsByYear(store.context, store.rootPath, {prefix});
         if (!ofAccount) return std::nullopt;
-        counts.undownloadedByAccount[prefix] = ofAccount->all;
+        counts.undownloadedByAccount[prefix] = ofAccount->undownloaded;
         counts.partialByAccount[prefix] = ofAccount->partial;
         found.add(prefix, *ofAccount);
     }

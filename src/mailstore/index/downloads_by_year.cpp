@@ -1,0 +1,131 @@
+#include "mailstore/index/downloads_by_year.h"
+
+#include <algorithm>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "mailstore/folders/message_file_index.h"
+#include "mailstore/folders/store_location.h"
+#include "mailstore/index/excluded_mailboxes.h"
+#include "mailstore/index/index_sql.h"
+#include "mailstore/sqlite/shell_queries.h"
+
+namespace corvane::mailstore {
+
+namespace {
+
+struct Copy {
+    std::int64_t year = 0;
+    std::int64_t message = 0;
+    // What is here of it: `some` is a part, or nobody can look. Of the copies of a message the one of which
+    // most is here comes first.
+    enum class Part { whole, some, none } part = Part::none;
+
+    friend auto operator<=>(const Copy&, const Copy&) = default;
+};
+
+Copy::Part partOf(MessageFileIndex& files, std::string_view mailboxURL, std::int64_t rowID) {
+    if (files.existingFilePath(mailboxURL, rowID)) return Copy::Part::whole;
+    const bool mayBeHere = files.hasPartialFile(mailboxURL, rowID) || files.isOutOfSight(mailboxURL, rowID);
+    return mayBeHere ? Copy::Part::some : Copy::Part::none;
+}
+
+// Counts the messages whose first copy has no file.
+void countUndownloaded(std::vector<Copy> copies, DownloadsByYear& downloads) {
+    std::ranges::sort(copies);
+    const auto isSameMessage = [](const Copy& a, const Copy& b) {
+        return a.year == b.year && a.message == b.message;
+    };
+    const auto repeated = std::ranges::unique(copies, isSameMessage);
+    copies.erase(repeated.begin(), repeated.end());
+    for (const Copy& copy : copies) {
+        if (copy.part != Copy::Part::whole) ++downloads.undownloaded[copy.year];
+        if (copy.part == Copy::Part::some) ++downloads.partial[copy.year];
+    }
+}
+
+// The same by the year of receipt, where a copy of another year keeps a message from being the server's
+// alone.
+void countByReceipt(std::vector<Copy> copies, DownloadsByYear& downloads) {
+    std::ranges::sort(copies, {},
+                      [](const Copy& copy) { return std::tuple(copy.message, copy.part, copy.year); });
+    const Copy* first = nullptr;
+    const Copy* counted = nullptr;
+    for (const Copy& copy : copies) {
+        if (first == nullptr || first->message != copy.message) first = &copy;
+        const bool isRepeated =
+            counted != nullptr && counted->message == copy.message && counted->year == copy.year;
+        if (first->part == Copy::Part::whole || isRepeated) continue;
+        counted = &copy;
+        ++(first->part == Copy::Part::some ? downloads.partialByReceipt : downloads.aloneByReceipt)[copy.year];
+    }
+}
+
+// Gathers what the rows of the index say.
+class IndexRows {
+  public:
+    explicit IndexRows(const std::string& rootPath)
+      : files_(rootPath) {}
+
+    void add(JsonRow& row) {
+        const auto rowID = row.integer("rid");
+        const auto message = row.integer("mid");
+        const auto url = row.text("url");
+        const auto year = row.integer("y");
+        const auto receivedYear = row.integer("ry");
+        if (!rowID || !url || (!year && !receivedYear)) return;
+        const Copy::Part part = partOf(files_, *url, *rowID);
+        const bool hasMessage = message && *message != 0;
+        if (hasMessage && year) copies_.push_back({.year = *year, .message = *message, .part = part});
+        const std::int64_t found = receivedYear.value_or(year.value_or(0));
+        if (part == Copy::Part::whole) downloads_.storedRows.push_back({*rowID, found});
+        if (hasMessage)
+            byReceipt_.push_back({.year = found, .message = *message, .part = part});
+        else if (part != Copy::Part::whole)
+            ++(part == Copy::Part::some ? downloads_.partialByReceipt : downloads_.aloneByReceipt)[found];
+    }
+
+    DownloadsByYear result() {
+        countUndownloaded(std::move(copies_), downloads_);
+        countByReceipt(std::move(byReceipt_), downloads_);
+        return std::move(downloads_);
+    }
+
+  private:
+    MessageFileIndex files_;
+    std::vector<Copy> copies_;
+    std::vector<Copy> byReceipt_;
+    DownloadsByYear downloads_;
+};
+
+} // namespace
+
+std::optional<DownloadsByYear> downloadsByYear(const MailStoreContext& context,
+                                                   const std::string& rootPath,
+                                                   const std::vector<std::string>& accountURLPrefixes) {
+    if (!canQueryEnvelopeIndex(context, rootPath)) return DownloadsByYear();
+    const std::string index = envelopeIndexPath(rootPath);
+    const std::string hasDate = fmt::format("({} > 0 OR m.date_received > 0)", messageDateExpression);
+    const auto messages = messagesWhere(hasDate, context, index, accountURLPrefixes);
+    if (!messages) return std::nullopt;
+    const std::string sql = fmt::format("SELECT m.ROWID AS rid, m.message_id AS mid, mb.url AS url,\n"
+                                        "       CASE WHEN {} > 0 THEN {} END AS y,\n       CASE WHEN "
+                                        "m.date_received > 0 THEN {} END AS ry\n{};",
+                                        messageDateExpression, localYearOf(messageDateExpression),
+                                        localYearOf("m.date_received"), *messages);
+    IndexRows rows(rootPath);
+    if (!runJSONRows(context, sql, index, [&](JsonRow& row) { rows.add(row); })) return std::nullopt;
+    return rows.result();
+}
+
+std::optional<YearCounts> undownloadedYearCounts(const MailStoreContext& context, const std::string& rootPath,
+                                                 const std::vector<std::string>& accountURLPrefixes) {
+    auto downloads = downloadsByYear(context, rootPath, accountURLPrefixes);
+    if (!downloads) return std::nullopt;
+    return std::move(downloads->undownloaded);
+}
+
+} // namespace corvane::mailstore
