@@ -5,7 +5,7 @@
 #include <ranges>
 
 #include "listing/account_titles.h"
-#include "mailstore/folders/trash_junk_mailboxes.h"
+#include "listing/trash_or_junk.h"
 #include "records/timestamps.h"
 #include "text/position_table.h"
 
@@ -20,32 +20,6 @@ std::int64_t knownAttachmentBytes(const MailMessageRecord& message) {
     return bytes;
 }
 
-// Mailboxes repeat in nearly every message, so each name is looked at once.
-class TrashTest {
-  public:
-    bool operator()(const SharedText& mailbox) {
-        if (last_ == nullptr || !mailbox.sharesWith(*last_)) {
-            lastIsTrash_ = isTrash(mailbox);
-            last_ = &mailbox;
-        }
-        return lastIsTrash_;
-    }
-
-  private:
-    bool isTrash(const SharedText& mailbox) {
-        const auto [entry, isNew] = known_.try_emplace(mailbox.view(), false);
-        if (isNew) {
-            entry->second =
-                mailstore::trashJunkMailboxNames().contains(mailstore::normalizedMailboxName(mailbox));
-        }
-        return entry->second;
-    }
-
-    std::unordered_map<std::string_view, bool> known_;
-    const SharedText* last_ = nullptr;
-    bool lastIsTrash_ = false;
-};
-
 std::string_view countingKey(const MailMessageRecord& message) {
     const auto& identifier = message.messageIdentifier;
     return identifier && !identifier->empty() ? identifier->view() : message.id.view();
@@ -58,7 +32,7 @@ void forEachCountable(const CountedMessages& messages, Visit visit) {
     for (const CountedMessage& counted : messages) highest = std::max(highest, counted.key);
     std::vector<bool> seen(std::size_t{highest} + 1, false);
     for (const CountedMessage& counted : messages) {
-        if (counted.isTrash || seen[counted.key]) continue;
+        if (counted.isTrashOrJunk || seen[counted.key]) continue;
         seen[counted.key] = true;
         visit(counted);
     }
@@ -102,12 +76,12 @@ CountedMessages countedMessages(const MessageRefs& messages) {
     PositionTable first;
     first.reserve(messages.size());
     const auto keyAt = [&](PositionTable::Position known) { return countingKey(*messages[known]); };
-    TrashTest isTrash;
+    TrashOrJunk trashOrJunk;
     for (const MailMessageRecord* message : messages) {
         const auto position = static_cast<PositionTable::Position>(counted.size());
         const std::uint32_t key = first.insert(countingKey(*message), position, keyAt).first;
         const auto year = message->date ? std::optional(localYear(*message->date)) : std::nullopt;
-        counted.push_back({message, year, key, isTrash(message->mailbox)});
+        counted.push_back({message, year, key, trashOrJunk.holds(message->mailbox)});
     }
     return counted;
 }
@@ -148,7 +122,7 @@ std::vector<AccountYearStatGroup> computeAccountYearStats(const CountedMessages&
         byAccount[accountGroupKey(*counted.message)].push_back(counted);
     std::vector<AccountYearStatGroup> groups;
     const auto add = [&](std::string_view key, const CountedMessages& members) {
-        if (std::ranges::all_of(members, &CountedMessage::isTrash)) return;
+        if (std::ranges::all_of(members, &CountedMessage::isTrashOrJunk)) return;
         groups.push_back(
             makeGroup(std::string(key), accountTitle(key, accounts, *members.front().message), members));
     };

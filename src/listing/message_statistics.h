@@ -26,7 +26,7 @@ struct CountedMessage {
     const MailMessageRecord* message = nullptr;
     std::optional<std::int64_t> year; // local
     std::uint32_t key = 0;            // equal for copies of one message, below the size of the list
-    bool isTrash = false;
+    bool isTrashOrJunk = false;
 };
 
 using CountedMessages = std::vector<CountedMessage>;

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "listing/account_titles.h"
-#include "mailstore/folders/trash_junk_mailboxes.h"
 #include "mailstore/index/downloads_by_year.h"
 #include "records/timestamps.h"
 
@@ -69,18 +68,9 @@ void FoundByMailMaker::addStored(std::uint32_t account, const mailstore::StoredR
     const MailMessageRecord& message = (*found_.messages)[listed->message];
     const bool isInItsAccount = accountFilterKey(message) == found_.accounts[account];
     const bool isInItsYear = message.date && localYear(*message.date) == row.receivedYear;
-    if (isInItsAccount && isInItsYear && !isInTrash(message)) return;
+    // Statistics leave a message whose shown copy is in trash or junk out with all of its copies.
+    if (isInItsAccount && isInItsYear && !trashOrJunk_.holds(message.mailbox)) return;
     found_.elsewhere.push_back({row.rowID, account, static_cast<std::int32_t>(row.receivedYear)});
-}
-
-// Statistics leave such a message out with all of its copies.
-bool FoundByMailMaker::isInTrash(const MailMessageRecord& message) {
-    const auto known = trashByMailbox_.find(message.mailbox.view());
-    if (known != trashByMailbox_.end()) return known->second;
-    const bool isTrash =
-        mailstore::trashJunkMailboxNames().contains(mailstore::normalizedMailboxName(message.mailbox));
-    trashByMailbox_.emplace(message.mailbox.view(), isTrash);
-    return isTrash;
 }
 
 SharedFoundByMail FoundByMailMaker::result() && {

@@ -6,12 +6,11 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "listing/deletion/deletion_safety.h"
+#include "listing/trash_or_junk.h"
 #include "records/mail_message_record.h"
-#include "text/shared_text.h"
 
 namespace corvane {
 
@@ -29,7 +28,7 @@ struct FoundByMail {
     CountByAccountAndYear unlisted;    // that are here, and that the list doesn't have
 
     // Copies of listed messages that are found in another account or year than the message has in the list,
-    // or of which the list shows the copy in the trash, in the order of their rows. Each row stands here
+    // or of which the list shows the copy in trash or junk, in the order of their rows. Each row stands here
     // once.
     struct Elsewhere {
         std::int64_t rowID = 0;
@@ -83,10 +82,9 @@ class FoundByMailMaker {
     };
 
     void addStored(std::uint32_t account, const mailstore::StoredRow& row, CountByYear& unlisted);
-    bool isInTrash(const MailMessageRecord& message);
 
     FoundByMail found_;
-    std::unordered_map<std::string, bool, TextHash, TextEqual> trashByMailbox_;
+    TrashOrJunk trashOrJunk_;
     std::vector<ListedRow> listed_; // in their order
 };
 
