@@ -60,7 +60,8 @@ void countByReceipt(std::vector<Copy> copies, DownloadsByYear& downloads) {
             counted != nullptr && counted->message == copy.message && counted->year == copy.year;
         if (first->part == Copy::Part::whole || isRepeated) continue;
         counted = &copy;
-        ++(first->part == Copy::Part::some ? downloads.partialByReceipt : downloads.aloneByReceipt)[copy.year];
+        ++(first->part == Copy::Part::some ? downloads.partialByReceipt
+                                           : downloads.aloneByReceipt)[copy.year];
     }
 }
 
@@ -103,9 +104,8 @@ class IndexRows {
 
 } // namespace
 
-std::optional<DownloadsByYear> downloadsByYear(const MailStoreContext& context,
-                                                   const std::string& rootPath,
-                                                   const std::vector<std::string>& accountURLPrefixes) {
+std::optional<DownloadsByYear> downloadsByYear(const MailStoreContext& context, const std::string& rootPath,
+                                               const std::vector<std::string>& accountURLPrefixes) {
     if (!canQueryEnvelopeIndex(context, rootPath)) return DownloadsByYear();
     const std::string index = envelopeIndexPath(rootPath);
     const std::string hasDate = fmt::format("({} > 0 OR m.date_received > 0)", messageDateExpression);

@@ -20,8 +20,9 @@ std::optional<std::set<std::int64_t>> trashAndJunkMailboxIDs(const MailStoreCont
 // The condition that leaves these mailboxes out, for the end of a WHERE clause; empty for the empty set.
 std::string mailboxExclusion(const std::set<std::int64_t>& mailboxIDs);
 
-// From FROM to the end of WHERE: the messages `m` with their mailboxes `mb` that fulfil the condition, of some
-// accounts, or of all for no prefixes, without trash and junk. Nullopt when the mailboxes couldn't be read.
+// From FROM to the end of WHERE: the messages `m` with their mailboxes `mb` that fulfil the condition, of
+// some accounts, or of all for no prefixes, without trash and junk. Nullopt when the mailboxes couldn't be
+// read.
 std::optional<std::string> messagesWhere(const std::string& condition, const MailStoreContext& context,
                                          const std::string& envelopeIndexPath,
                                          const std::vector<std::string>& accountURLPrefixes);

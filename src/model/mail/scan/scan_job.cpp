@@ -11,7 +11,7 @@
 
 #include "listing/scan_deduplication.h"
 #include "mailstore/sqlite/mail_index_query_error.h"
-#include "platform/files/file_look.h"
+#include "model/mail/scan/unplugged_disk.h"
 #include "platform/threads/parallel.h"
 #include "records/logs/console_log.h"
 
@@ -128,20 +128,12 @@ FinishedScan finish(const ScanJob& job, ScanProgress& progress) {
     return finished;
 }
 
-// Of a disk that was taken away every folder looks empty, so its mail would be on the server only.
-constexpr const char* movedStoreMessage =
-    "扫描期间 Mail 数据所在的位置变得不可用。请确认磁盘已连接，再重新扫描。";
-
 // For what has no text for the user.
 constexpr const char* unknownFailureMessage = "读取 Mail 邮件时出错，扫描没有完成。请稍后重试。";
 
-bool isSamePlace(const platform::FileLook& a, const platform::FileLook& b) {
-    return a.presence == b.presence && a.device == b.device && a.inode == b.inode;
-}
-
 std::optional<ScanOutcome> scan(ScanJob& job, const ReportingTask<ScanStep>& task) {
-    const platform::FileLook root = platform::lookAtFile(job.store.rootPath);
-    if (root.presence != platform::FileLook::Presence::there) return MissingMailRoot();
+    const ScannedDisk disk(job.store.rootPath);
+    if (!disk.hasStore()) return MissingMailRoot();
     ScanProgress progress(job);
     try {
         job.scanner.scanBatches(
@@ -161,7 +153,7 @@ std::optional<ScanOutcome> scan(ScanJob& job, const ReportingTask<ScanStep>& tas
         return BrokenScan{unknownFailureMessage};
     }
     if (task.isCancelled()) return std::nullopt;
-    if (!isSamePlace(root, platform::lookAtFile(job.store.rootPath))) return BrokenScan{movedStoreMessage};
+    if (disk.wasUnplugged()) return BrokenScan{unpluggedDiskMessage};
     return finish(job, progress);
 }
 
