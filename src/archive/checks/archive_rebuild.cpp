@@ -19,6 +19,7 @@
 #include "archive/destination/archive_destination.h"
 #include "archive/destination/index_records.h"
 #include "archive/header_summary.h"
+#include "archive/largest_mail.h"
 #include "platform/paths.h"
 #include "platform/threads/time_limited_worker.h"
 #include "records/archive_files/archive_index_file.h"
@@ -34,9 +35,6 @@ namespace {
 using archive::ArchiveReader;
 using archive::HeaderSummary;
 using File = ArchiveReader::File;
-
-// Real mail never comes near; a sparse file would be read for hours.
-constexpr std::int64_t largestMailBytes = std::int64_t{4} << 30;
 
 // A file that no record names.
 struct Mail {
@@ -216,7 +214,7 @@ bool Rebuild::isIndexed(const std::string& path) {
 }
 
 void Rebuild::readMail(const std::string& path) {
-    File file = reader_.readFile(path, largestMailBytes);
+    File file = reader_.readFile(path, archive::largestMailBytes);
     switch (file.state) {
     case File::State::absent:
         return fail(path, "不是普通文件");

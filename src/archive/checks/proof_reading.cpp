@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "archive/destination/durable_write.h"
+#include "archive/largest_mail.h"
 #include "archive/message_extraction.h"
 #include "platform/files/cloud_content.h"
 #include "platform/files/directory.h"
@@ -17,9 +18,6 @@ namespace {
 
 using Outcome = FileReading::Outcome;
 using platform::FileLook;
-
-// Real mail never comes near; a lying sparse file must not take all memory.
-constexpr std::int64_t maximumBytes = std::int64_t{4} << 30;
 
 bool isSameFile(const FileLook& a, const FileLook& b) {
     return a.presence == b.presence && stampOf(a) == stampOf(b) && a.device == b.device && a.inode == b.inode;
@@ -49,7 +47,7 @@ FileReading readingOfCopy(const std::optional<std::string>& file, const BodyHash
 std::optional<FileReading> readCopy(const std::string& path, const BodyHashNeed& needsBodyHash) {
     const FileLook before = platform::lookAtFile(path);
     if (before.presence == FileLook::Presence::absent) return std::nullopt;
-    FileReading reading = readingOfCopy(platform::readFile(path, maximumBytes), needsBodyHash);
+    FileReading reading = readingOfCopy(platform::readFile(path, largestMailBytes), needsBodyHash);
     if (!isSameFile(before, platform::lookAtFile(path))) return std::nullopt;
     reading.stamp = stampOf(before);
     reading.readAt = currentTimestamp();
@@ -95,7 +93,7 @@ std::optional<std::string> ArchivedFileReader::content(const std::string& path,
     bool isTooLarge = false;
     const bool wasRead = readUncached(files_, path, BeforeReading::nothing, [&](std::string_view piece) {
         if (onProgress) onProgress();
-        isTooLarge = static_cast<std::int64_t>(bytes.size() + piece.size()) > maximumBytes;
+        isTooLarge = static_cast<std::int64_t>(bytes.size() + piece.size()) > largestMailBytes;
         bytes += piece;
         return !isTooLarge;
     });

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "archive/destination/durable_write.h"
+#include "archive/largest_mail.h"
 #include "platform/files/cloud_placeholder.h"
 #include "platform/files/layers/folder_file_layer.h"
 #include "platform/files/layers/layer_reading.h"
@@ -16,9 +17,6 @@ namespace {
 
 using platform::FolderFileLayer;
 using State = ArchivedFile::State;
-
-// Real mail never comes near; a lying sparse file must not take all memory.
-constexpr std::int64_t maximumBytes = std::int64_t{4} << 30;
 
 // Whether a failed look says that nothing of the archive is there.
 bool saysGone(int error) {
@@ -39,7 +37,7 @@ void readContent(FolderFileLayer& folder, platform::JobLimit& limit, const std::
     const auto take = [&](std::string_view piece) {
         limit.restart();
         bytes += piece;
-        return static_cast<std::int64_t>(bytes.size()) <= maximumBytes;
+        return static_cast<std::int64_t>(bytes.size()) <= largestMailBytes;
     };
     if (!readUncached(folder, name, BeforeReading::nothing, take, &file.stamp)) return;
     if (static_cast<std::int64_t>(bytes.size()) != file.stamp.sizeBytes) return;
@@ -57,7 +55,7 @@ void readIn(FolderFileLayer& folder, platform::JobLimit& limit, const std::strin
         file.state = State::gone;
     } else if (status.st_size != sizeBytes) {
         file.state = State::otherSize;
-    } else if (sizeBytes <= maximumBytes) {
+    } else if (sizeBytes <= largestMailBytes) {
         readContent(folder, limit, name, file);
     }
 }

@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include "archive/largest_mail.h"
 #include "archive/message_identity.h"
 #include "platform/files/layers/layer_reading.h"
 #include "platform/stop_watch.h"
@@ -20,9 +21,6 @@ namespace {
 
 using Outcome = FileReading::Outcome;
 using platform::StopWatch;
-
-// Real mail never comes near; a lying sparse file must not take all memory.
-constexpr std::int64_t maximumBytes = std::int64_t{4} << 30;
 
 // One .emlx file as it was read.
 struct StoredFile {
@@ -44,10 +42,10 @@ StoredFile readStored(platform::FileLayer& files, platform::JobLimit& limit, con
     const auto take = [&](std::string_view piece) {
         limit.restart();
         stored.content += piece;
-        return static_cast<std::int64_t>(stored.content.size()) <= maximumBytes;
+        return static_cast<std::int64_t>(stored.content.size()) <= largestMailBytes;
     };
     stored.error =
-        status.st_size > maximumBytes
+        status.st_size > largestMailBytes
             ? EFBIG
             : platform::readPieces(files, file.get(), static_cast<std::size_t>(status.st_size), take);
     return stored;
