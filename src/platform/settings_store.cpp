@@ -41,7 +41,6 @@ using Value = std::variant<std::string, TextList, TextMap, OtherValue>;
 using Values = std::map<std::string, Value>;
 using Writer = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
 
-constexpr std::size_t sizeLimitBytes = 16 << 20;
 constexpr std::chrono::milliseconds lockPatience(1000);
 constexpr std::chrono::milliseconds lockPause(1);
 constexpr std::size_t nestingLimit = 64;
@@ -168,11 +167,11 @@ FileContent readSettings(FileLayer& files, const std::string& path) {
     std::string text;
     const auto take = [&](std::string_view piece) {
         text += piece;
-        return text.size() <= sizeLimitBytes;
+        return text.size() <= largestSettingsBytes;
     };
-    const auto expected = static_cast<std::size_t>(std::min<off_t>(status.st_size, sizeLimitBytes));
+    const auto expected = static_cast<std::size_t>(std::min<off_t>(status.st_size, largestSettingsBytes));
     if (readPieces(files, file.get(), expected, take) != 0) return {};
-    auto values = text.size() > sizeLimitBytes ? std::nullopt : parsedSettings(text);
+    auto values = text.size() > largestSettingsBytes ? std::nullopt : parsedSettings(text);
     if (!values) return {FileState::damaged, {}};
     return {FileState::sound, std::move(*values)};
 }

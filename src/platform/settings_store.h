@@ -9,6 +9,7 @@
 // change; this object answers with the new value.
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <optional>
@@ -20,6 +21,9 @@
 #include "platform/files/layers/file_layer.h"
 
 namespace corvane::platform {
+
+// A larger file isn't one.
+inline constexpr std::size_t largestSettingsBytes = 16 << 20;
 
 class SettingsStore {
   public:

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include "platform/files/layers/layer_reading.h"
+#include "platform/settings_store.h"
 #include "records/json/json_reader.h"
 #include "records/json/json_writer.h"
 #include "records/texts/error_reasons.h"
@@ -17,7 +18,7 @@ namespace corvane {
 namespace {
 
 constexpr std::int64_t versionOfOurs = 1;
-constexpr std::int64_t largestBytes = 16 << 20; // as much as the settings may be
+constexpr auto largestBytes = static_cast<std::int64_t>(platform::largestSettingsBytes);
 constexpr std::size_t mostRoots = 1'000;
 constexpr std::size_t mostRules = 100'000;
 constexpr std::size_t mostPrefixes = 10'000;
