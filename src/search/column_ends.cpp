@@ -69,9 +69,6 @@ struct KeptEnd {
 
 constexpr std::array<char, 8> keptMagic = {'c', 'r', 'v', 'e', 'n', 'd', 's', '1'};
 
-// A change that follows at once may leave the same time.
-constexpr std::int64_t youngNanoseconds = 3'000'000'000;
-
 std::array<std::int64_t, 3> stateOf(const std::string& path) {
     const platform::FileLook look = platform::lookAtFile(path);
     if (look.sizeBytes == 0) return {};
@@ -85,7 +82,8 @@ DatabaseStamp stampOf(const std::string& path) {
 bool isYoung(const DatabaseStamp& stamp) {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     const auto latest = std::max(stamp.database[1], stamp.log[1]);
-    return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count() < latest + youngNanoseconds;
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count() <
+           latest + platform::youngNanoseconds;
 }
 
 // Gone with the database: its name begins with that one's.

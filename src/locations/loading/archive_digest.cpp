@@ -27,9 +27,6 @@ constexpr std::size_t tableCount = 2;
 
 constexpr std::size_t longestRecordBytes = std::size_t{16} << 20;
 
-// Some disks tell times to two seconds.
-constexpr std::int64_t youngNanoseconds = 3'000'000'000;
-
 std::int64_t nowNanoseconds() {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
@@ -209,7 +206,7 @@ bool ArchiveDigest::isOf(const SourceStamp& index) const {
 }
 
 bool ArchiveDigest::fits(const SourceStamp& index) const {
-    return isOf(index) && index.modifiedNanoseconds + youngNanoseconds < file_.at<Head>(0).madeAt;
+    return isOf(index) && index.modifiedNanoseconds + platform::youngNanoseconds < file_.at<Head>(0).madeAt;
 }
 
 bool ArchiveDigest::isOfUnusableIndex() const {

@@ -24,6 +24,10 @@ struct FileLook {
     std::uint64_t inode = 0; // files of near numbers tend to lie near each other on the disk
 };
 
+// A file that was last changed less long ago than this may change once more and keep its time: some disks
+// tell times to two seconds.
+inline constexpr std::int64_t youngNanoseconds = 3'000'000'000;
+
 FileLook lookAtFile(const std::string& path) noexcept;
 
 // Since 1970.
