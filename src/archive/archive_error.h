@@ -28,6 +28,10 @@ class ArchiveError : public std::runtime_error {
     Case kind_;
 };
 
+// What can't be done with an archive's index, for the errors below.
+inline constexpr std::string_view indexNotRead = "无法读取归档索引";
+inline constexpr std::string_view indexNotSaved = "无法保存归档索引";
+
 // The archive as a whole can't be used: its folder can't be made, its index can't be read or saved.
 class ArchiveAccessError : public std::runtime_error {
   public:

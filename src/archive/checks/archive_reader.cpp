@@ -141,9 +141,9 @@ ArchiveReader::Index ArchiveReader::readIndexIfThere() {
         });
     using State = ArchiveIndexReading::State;
     if (reading.state == State::usable) return {std::move(reading.index), false};
-    if (reading.isInCloud) throw ArchiveAccessError("无法读取归档索引", path, "文件只在云端，尚未下载到本机");
+    if (reading.isInCloud) throw ArchiveAccessError(indexNotRead, path, "文件只在云端，尚未下载到本机");
     if (reading.state == State::couldNotLook) {
-        throw ArchiveAccessError("无法读取归档索引", path, reading.error);
+        throw ArchiveAccessError(indexNotRead, path, reading.error);
     }
     return {std::nullopt, reading.state == State::damaged};
 }

@@ -147,7 +147,7 @@ ArchiveIndexReading ArchiveDestination::broughtIndex(const std::function<bool(co
 LoadedIndex ArchiveDestination::loadIndex(Date now, const std::function<bool(const std::string&)>& bring) {
     ArchiveIndexReading reading = broughtIndex(bring);
     if (reading.state == State::couldNotLook) {
-        throw ArchiveAccessError("无法读取归档索引", indexPath_, reasonOf(reading));
+        throw ArchiveAccessError(indexNotRead, indexPath_, reasonOf(reading));
     }
     loadedVersion_ = reading.version;
     if (reading.state == State::usable) return {.index = std::move(reading.index), .damagedKeptAs = {}};
@@ -157,16 +157,15 @@ LoadedIndex ArchiveDestination::loadIndex(Date now, const std::function<bool(con
 }
 
 EmailArchiveIndex ArchiveDestination::existingIndex() {
-    constexpr const char* what = "无法读取归档索引";
     ArchiveIndexReading reading = readIndex();
     loadedVersion_ = reading.version;
     switch (reading.state) {
     case State::couldNotLook:
-        throw ArchiveAccessError(what, indexPath_, reasonOf(reading));
+        throw ArchiveAccessError(indexNotRead, indexPath_, reasonOf(reading));
     case State::damaged:
-        throw ArchiveAccessError(what, indexPath_, "内容已损坏");
+        throw ArchiveAccessError(indexNotRead, indexPath_, "内容已损坏");
     case State::absent:
-        throw ArchiveAccessError(what, indexPath_, "没有这个文件");
+        throw ArchiveAccessError(indexNotRead, indexPath_, "没有这个文件");
     case State::usable:
         break;
     }
@@ -228,7 +227,7 @@ void ArchiveDestination::saveIndex(EmailArchiveIndex& index,
         if (replaceIndex(index, markHidden, {})) return;
         mergeChangedIndex(index);
     }
-    throw ArchiveAccessError("无法保存归档索引", indexPath_, "别的程序在不断改动它");
+    throw ArchiveAccessError(indexNotSaved, indexPath_, "别的程序在不断改动它");
 }
 
 bool ArchiveDestination::replaceIndex(const EmailArchiveIndex& index,
@@ -250,11 +249,11 @@ bool ArchiveDestination::replaceIndex(const EmailArchiveIndex& index,
 void ArchiveDestination::mergeChangedIndex(EmailArchiveIndex& index) {
     ArchiveIndexReading reading = readIndex();
     if (reading.state == State::couldNotLook) {
-        throw ArchiveAccessError("无法保存归档索引", indexPath_,
+        throw ArchiveAccessError(indexNotSaved, indexPath_,
                                  fmt::format("它刚被别的程序改动，现在无法读取：{}", reasonOf(reading)));
     }
     if (reading.state == State::damaged) {
-        throw ArchiveAccessError("无法保存归档索引", indexPath_, "它刚被别的程序改动，内容已损坏");
+        throw ArchiveAccessError(indexNotSaved, indexPath_, "它刚被别的程序改动，内容已损坏");
     }
     consoleLine(fmt::format("[archive] {}: 归档过程中被别的程序改动，合并两边的记录", indexPath_));
     loadedVersion_ = reading.version;
@@ -262,7 +261,7 @@ void ArchiveDestination::mergeChangedIndex(EmailArchiveIndex& index) {
 }
 
 void ArchiveDestination::failUnsaved(int error) const {
-    throw ArchiveAccessError("无法保存归档索引", indexPath_, error);
+    throw ArchiveAccessError(indexNotSaved, indexPath_, error);
 }
 
 void ArchiveDestination::syncRoot() {

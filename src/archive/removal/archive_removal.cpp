@@ -131,7 +131,7 @@ class Removal {
                                                JobLimit& limit) { return work->run(files, folders, limit); };
             if (destination_.replaceIndex(index, options_.markHidden, before)) return result(index);
         }
-        throw ArchiveAccessError("无法保存归档索引", destination_.indexPath(), "别的程序在不断改动它");
+        throw ArchiveAccessError(indexNotSaved, destination_.indexPath(), "别的程序在不断改动它");
     }
 
   private:
