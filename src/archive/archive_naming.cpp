@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "platform/files/writing/temporary_file.h"
+#include "records/texts/missing_fields.h"
 #include "records/timestamps.h"
 #include "text/collation.h"
 #include "text/graphemes.h"
@@ -73,7 +74,7 @@ std::string datePrefix(const MailMessageRecord& message) {
 std::string subjectFragment(const MailMessageRecord& message) {
     const std::string subject = text::withoutHiddenCharacters(message.subject);
     const std::string_view trimmed = text::trimWhitespaceAndNewlines(subject);
-    if (trimmed.empty()) return "（无主题）";
+    if (trimmed.empty()) return std::string(missingSubjectInName);
     return std::string(text::graphemePrefix(trimmed, subjectCharacters));
 }
 

@@ -8,6 +8,7 @@
 #include "mime/mail_date.h"
 #include "mime/message_identifiers.h"
 #include "records/name_and_address.h"
+#include "records/texts/missing_fields.h"
 #include "text/case.h"
 #include "text/charsets/charset.h"
 #include "text/charsets/encoding.h"
@@ -190,9 +191,9 @@ std::optional<HeaderSummary> headerSummary(std::string_view start) {
         summary.messageIdentifier = SharedText(*identifier);
     summary.referencedMessageIdentifiers = referencesOf(fields);
     const std::string subject = decodedWords(fieldOf(fields, "subject"));
-    summary.subject = subject.empty() ? SharedText("无主题") : SharedText(subject);
+    summary.subject = subject.empty() ? SharedText(missingSubject) : SharedText(subject);
     const std::string sender = shownAddresses(fieldOf(fields, "from"));
-    summary.sender = sender.empty() ? SharedText("发件人未知") : SharedText(sender);
+    summary.sender = sender.empty() ? SharedText(missingSender) : SharedText(sender);
     const std::string to = shownAddresses(fieldOf(fields, "to"));
     const std::string cc = shownAddresses(fieldOf(fields, "cc"));
     summary.recipients = to.empty() || cc.empty() ? to + cc : to + ", " + cc;

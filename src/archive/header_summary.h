@@ -16,8 +16,8 @@ namespace corvane::archive {
 struct HeaderSummary {
     std::optional<SharedText> messageIdentifier; // normalised
     std::optional<std::vector<SharedText>> referencedMessageIdentifiers;
-    SharedText subject; // "无主题" where there is none
-    SharedText sender;  // "发件人未知" where there is none
+    SharedText subject; // `missingSubject` where there is none
+    SharedText sender;  // `missingSender` where there is none
     SharedText recipients;
     std::optional<SharedText> ccRecipients;
     std::optional<Date> date;

@@ -10,6 +10,7 @@
 #include "mime/header_decoding.h"
 #include "mime/mail_date.h"
 #include "mime/message_identifiers.h"
+#include "records/texts/missing_fields.h"
 #include "text/case.h"
 #include "text/charsets/charset.h"
 #include "text/collation.h"
@@ -58,7 +59,7 @@ class Header {
 // What is left of a subject when decoders disagree about blanks and normal forms; empty for one that says
 // nothing.
 std::string comparableSubject(std::string_view subject) {
-    if (subject == "无主题" || subject == "（无主题）") return {};
+    if (isMissingSubject(subject)) return {};
     std::string text = text::lowercased(text::canonicallyComposed(text::repairedUtf8(subject)));
     std::erase_if(text, [](char byte) {
         return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n' || byte == '_';

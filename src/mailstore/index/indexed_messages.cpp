@@ -7,6 +7,7 @@
 #include "mime/attachment_names.h"
 #include "mime/message_identifiers.h"
 #include "platform/files/directory.h"
+#include "records/texts/missing_fields.h"
 #include "records/texts/preview_placeholders.h"
 #include "text/split.h"
 
@@ -70,8 +71,8 @@ void MailboxLabels::applyTo(MailMessageRecord& record) const {
 
 MailMessageRecord recordFromCandidate(const IndexedMessageCandidate& candidate, const FileURL& fileURL,
                                       std::vector<MailAttachmentRecord> attachments, TextInterner& texts) {
-    static const SharedText noSubject("无主题");
-    static const SharedText noSender("发件人未知");
+    static const SharedText noSubject(missingSubject);
+    static const SharedText noSender(missingSender);
     static const SharedText preview(lazyPreviewPlaceholder);
     MailMessageRecord record;
     record.id = fileURL.path();

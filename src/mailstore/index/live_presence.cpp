@@ -18,6 +18,7 @@
 #include "mime/message_identifiers.h"
 #include "platform/files/writing/temporary_file.h"
 #include "platform/threads/parallel.h"
+#include "records/texts/missing_fields.h"
 #include "text/case.h"
 #include "text/trim.h"
 
@@ -36,7 +37,7 @@ std::string loweredAndTrimmed(std::string_view text) {
 // The subject by which messages are compared; empty where there is none.
 std::string comparedSubject(std::string_view subject) {
     std::string compared = loweredAndTrimmed(subject);
-    if (compared == "无主题" || compared == "（无主题）") compared.clear();
+    if (isMissingSubject(compared)) compared.clear();
     return compared;
 }
 

@@ -13,6 +13,7 @@
 #include "mime/message_identifiers.h"
 #include "platform/files/directory.h"
 #include "platform/paths.h"
+#include "records/texts/missing_fields.h"
 #include "records/texts/preview_placeholders.h"
 #include "records/timestamps.h"
 #include "text/case.h"
@@ -42,8 +43,8 @@ std::string decodedField(const mime::HeaderMap& header, std::string_view name, s
 }
 
 void fillFromHeader(MailMessageRecord& record, const mime::HeaderMap& header) {
-    record.subject = decodedField(header, "subject", "无主题");
-    record.sender = decodedField(header, "from", "发件人未知");
+    record.subject = decodedField(header, "subject", missingSubject);
+    record.sender = decodedField(header, "from", missingSender);
     record.recipients = decodedField(header, "to", "");
     if (const auto identifier = mime::normalizedMessageIdentifier(fieldOf(header, "message-id")))
         record.messageIdentifier = SharedText(*identifier);
