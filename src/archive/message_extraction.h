@@ -24,7 +24,7 @@ struct MessageBytes {
 };
 
 // The message in a whole .emlx file: its first line is a decimal count of bytes, which follow the line; a
-// property list behind them is left out. A file that is shorter than its count gives what is there. Nothing
+// property list behind them is left out. A file that is shorter than its count gives what is there. Absent
 // when there is no line, no count or a negative one.
 std::optional<std::string_view> messageData(std::string_view emlx);
 

@@ -37,8 +37,8 @@ class LibrarySelection {
     // Where nothing is shown yet, the latest of the first group; no effect without groups.
     void selectFirstVisibleIfNeeded(const GroupsView& visible);
 
-    // After a search: where what is shown is no longer in the list, the latest of the first group, or
-    // nothing.
+    // After a search: where what is shown is no longer in the list, the latest of the first group is
+    // selected, or none where there are no groups.
     void selectFirstVisibleIfGone(std::span<const EntryPosition> entries, const GroupsView& visible);
 
     [[nodiscard]] bool libraryRowSelected(EntryPosition entry) const;

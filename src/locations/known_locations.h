@@ -27,8 +27,8 @@ bool removeKnownLocation(platform::SettingsStore& settings, std::string_view pat
 // The roots that the user told the program to forget.
 std::set<std::string> forgottenLocations(const platform::SettingsStore& settings);
 
-// Those of them that have been there ever since: to find them again means nothing. One that was away and
-// comes back does.
+// Those of them that have been there ever since: a load that finds them leaves them forgotten. One that was
+// away and comes back is known again.
 std::set<std::string> forgottenPresentLocations(const platform::SettingsStore& settings);
 
 // Adds a root to the forgotten ones, as one that is there.

@@ -84,7 +84,7 @@ class MailSearchIndex {
     // For who looks only until some records were found. It must not outlive this.
     [[nodiscard]] search::RecordTest recordTest(std::string_view text) const;
 
-    // The body as it was stored; nothing when there is none or it counts as empty.
+    // The body as it was stored; absent when there is none or it counts as empty.
     [[nodiscard]] std::optional<std::string> body(std::string_view id) const;
 
     // Removes the row that answers for the id. One that can't be removed whole stays.
@@ -93,14 +93,14 @@ class MailSearchIndex {
     // Removes all rows.
     void clear();
 
-    // Nothing after an error: who takes that for an empty index would add all rows a second time. Reads every
+    // Absent after an error: who takes that for an empty index would add all rows a second time. Reads every
     // row, but no texts.
     [[nodiscard]] std::optional<SharedTextSet> indexedIDs() const;
 
-    // The ids for which a row answers, without reading the rows. Nothing after an error.
+    // The ids for which a row answers, without reading the rows. Absent after an error.
     [[nodiscard]] std::optional<SharedTextSet> mappedIDs() const;
 
-    // Nothing after an error. Reads every row.
+    // Absent after an error. Reads every row.
     [[nodiscard]] std::optional<IndexedBodyStates> bodyStates() const;
 
     [[nodiscard]] SharedTextSet indexedIDsWithNonEmptyBody() const {

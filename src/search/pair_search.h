@@ -32,7 +32,7 @@ class PairStatements {
     explicit PairStatements(sqlite3* database)
       : database_(database) {}
 
-    // Nothing when the index can't be asked, something failed, or it isn't worth it.
+    // Absent when the index can't be asked, something failed, or it isn't worth it.
     std::optional<SharedTextSet> ids(std::string_view pair);
 
   private:

@@ -1,7 +1,7 @@
 // The SQLite side of the search index: how its database is opened, what is in it, and how a damaged one is
 // emptied. The file lies where others may have written it, so nothing in it is trusted: no triggers, no
-// views, no functions from its schema, no writing past the engine. Nothing here throws; failures give
-// nothing.
+// views, no functions from its schema, no writing past the engine. Nothing here throws: a failure is a null
+// connection, false or an error code.
 #pragma once
 
 #include <string>

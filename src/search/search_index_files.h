@@ -18,7 +18,7 @@ std::string normalizedKeyPath(std::string_view archiveRoot);
 // "search-<hash>.sqlite".
 std::string databaseFileName(std::string_view archiveRoot);
 
-// The database of that archive, which need not exist; nothing when the support folder can't be made. Takes
+// The database of that archive, which need not exist; absent when the support folder can't be made. Takes
 // over a database that an older version named after the path with a slash at its end.
 std::optional<FileURL> databaseURL(const CorvaneAppSupport& support, std::string_view archiveRoot);
 

@@ -27,14 +27,14 @@ namespace corvane::search {
 // The pattern of LIKE that means: contains the text.
 std::string likePattern(std::string_view text);
 
-// A query of FTS5's own language for rows that may hold the text; nothing for a text that the index can't be
+// A query of FTS5's own language for rows that may hold the text; absent for a text that the index can't be
 // asked for. It has a bounded number of trigrams, however long the text is.
 std::optional<std::string> trigramQuery(std::string_view text);
 
-// Nothing but U+3400 to U+9FFF. The text has to be well-formed.
+// Whether all of it is in U+3400 to U+9FFF. The text has to be well-formed.
 bool areIdeographs(std::string_view text);
 
-// The record ids of all rows that hold the text. Nothing after an error, whose code `database` then knows.
+// The record ids of all rows that hold the text. Absent after an error, whose code `database` then knows.
 std::optional<SharedTextSet> idsByScan(sqlite3* database, std::string_view text);
 
 // 0 for an empty table, and after an error.
@@ -63,7 +63,7 @@ class RecordTest {
     // False where a record may have several rows, of which only one would be asked, and after an error.
     explicit operator bool() const { return hasOneRowEach_; }
 
-    // False for one that has no row. Nothing after an error.
+    // False for one that has no row. Absent after an error.
     std::optional<bool> holds(std::string_view recordID);
 
   private:
@@ -77,7 +77,7 @@ class RowLookups {
     // `flags` as of sqlite3_prepare_v3.
     explicit RowLookups(sqlite3* database, unsigned flags = 0);
 
-    // The record ids of those rows that hold the text. Nothing after an error.
+    // The record ids of those rows that hold the text. Absent after an error.
     std::optional<SharedTextSet> idsHolding(std::string_view text, const std::vector<std::int64_t>& rows);
 
     // Adds the record ids of the rows. False after an error.
@@ -94,7 +94,7 @@ class TrigramStatements {
     // `flags` as of sqlite3_prepare_v3.
     explicit TrigramStatements(sqlite3* database, unsigned flags = 0);
 
-    // Nothing when the index can't be asked, something failed, or it isn't worth it.
+    // Absent when the index can't be asked, something failed, or it isn't worth it.
     std::optional<SharedTextSet> ids(std::string_view text);
 
   private:

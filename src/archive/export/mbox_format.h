@@ -1,6 +1,5 @@
 // The mbox format in its variant "mboxrd", which gives back every byte: each line of ">"s and "From " gets
-// one
-// ">" more, and loses it when it is read.
+// one ">" more, and loses it when it is read.
 // https://www.loc.gov/preservation/digital/formats/fdd/fdd000385.shtml
 #pragma once
 

@@ -155,7 +155,7 @@ struct ArchivedOverviewStats {
         [[nodiscard]] bool isOffered() const { return isCleanable && besides.isNothing(); }
 
         bool awaitsProof = false; // each folder that is `incomplete` does
-        MailSum freeable;         // nothing unless it is cleanable
+        MailSum freeable;         // zero unless it is cleanable
         MailSum repeated;         // further archived copies of what is freeable
         MailSum removed;
         MailSum unknown;
@@ -196,7 +196,7 @@ struct LeftOutYear {
 std::vector<LeftOutYear> leftOutYears(const ArchivedOverviewGroup& group,
                                       const ArchivedOverviewStats::Group& stats);
 
-// For the user, without a full stop; empty for nothing.
+// For the user, without a full stop; empty where nothing is found besides.
 std::string reasonText(const ArchivedOverviewStats::FoundBesides& besides);
 
 // Whether a year is shown under a filter.

@@ -78,7 +78,7 @@ struct OrganizeInput {
     std::shared_ptr<const SharedTextSet> locallyAvailableIDs;
     std::shared_ptr<const SharedTextSet> archivedMessageIDs;
     std::shared_ptr<const YearByID> yearByID;
-    // The smallest size is none of this: it is a choice for one run.
+    // The smallest size that the user sets isn't applied: it is a choice for one run.
     std::optional<std::int64_t> maximumYear;
     std::vector<MailAccount> accounts;
     std::shared_ptr<const SharedTextSet> setAsideIDs = std::make_shared<const SharedTextSet>();

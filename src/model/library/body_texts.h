@@ -65,8 +65,8 @@ class BodyTexts : public QObject {
     // Begins when earlier requests have ended.
     void rebuildBodyTextIndex(BodyIndexRequest request);
 
-    // After an archive run: what it brought is indexed, when earlier requests have ended. The same signature
-    // as last time needs nothing.
+    // After an archive run: what it brought is indexed, when earlier requests have ended. No effect for the
+    // signature of last time.
     void scheduleBodyTextIndexRepair(const std::vector<std::string>& roots, std::int64_t total,
                                      const std::string& signature);
 

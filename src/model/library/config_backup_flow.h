@@ -44,7 +44,7 @@ class ConfigBackupFlow : public QObject {
 
     [[nodiscard]] const std::optional<CorvaneConfigBackup>& pendingRestore() const { return pendingRestore_; }
 
-    // The archive that `pendingRestore` was found in; means nothing without one.
+    // The archive that `pendingRestore` was found in; not to be asked for without one.
     [[nodiscard]] const std::string& restoreRoot() const { return restoreRoot_; }
 
     // What came of the last export or import, for the user; absent before and while one is under way.

@@ -41,7 +41,7 @@ class IndexCounts : public QObject {
         return counts_.partialByAccount;
     }
 
-    // The counts are those of an index that was asked: until then 0 means nothing.
+    // The counts are those of an index that was asked: until then they are empty, and say nothing of Mail.
     [[nodiscard]] bool isKnown() const { return isKnown_; }
 
     // The index couldn't be asked the last time, or wasn't there.

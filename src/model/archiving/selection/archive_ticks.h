@@ -28,7 +28,7 @@ class ArchiveTicks : public QObject {
     // All of the offer is ticked, known without a look at each.
     [[nodiscard]] bool isWholeOfferSelected() const;
 
-    // Ticks exactly what is offered; nothing without an offer.
+    // Ticks exactly what is offered. Without an offer no tick is left.
     void selectWholeOffer();
 
     // Ticks the message, or takes its tick away; it need not be a candidate.

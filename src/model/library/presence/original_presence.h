@@ -52,7 +52,7 @@ std::string_view rawValue(OriginalPresence::State state);
 std::string archivedOriginalPresenceSignature(const std::vector<ArchivedEntry>& entries);
 
 // What is known of these entries by what was known of earlier ones: the same where the signature is, else
-// nothing.
+// `unchecked`.
 SharedPresence presenceOfEntries(SharedEntryList entries, const SharedPresence& earlier);
 
 // What the cache tells of the entries of `presence`; null where it has nothing for their signature.
