@@ -165,12 +165,12 @@ FileContent readSettings(FileLayer& files, const std::string& path) {
     const LayerDescriptor file = openRegularFile(files, path, FinalLink::follow, status);
     if (!file) return {stateAfter(errno), {}};
     std::string text;
-    const auto take = [&](std::string_view piece) {
+    const auto onPiece = [&](std::string_view piece) {
         text += piece;
         return text.size() <= largestSettingsBytes;
     };
     const auto expected = static_cast<std::size_t>(std::min<off_t>(status.st_size, largestSettingsBytes));
-    if (readPieces(files, file.get(), expected, take) != 0) return {};
+    if (readPieces(files, file.get(), expected, onPiece) != 0) return {};
     auto values = text.size() > largestSettingsBytes ? std::nullopt : parsedSettings(text);
     if (!values) return {FileState::damaged, {}};
     return {FileState::sound, std::move(*values)};

@@ -61,14 +61,14 @@ ArchiveReader::File readLimited(platform::FileLayer& files, platform::JobLimit& 
         return file;
     }
     platform::Sha256 hash;
-    const auto take = [&](std::string_view piece) {
+    const auto onPiece = [&](std::string_view piece) {
         limit.restart();
         file.start.append(piece.substr(0, headerBytes - std::min(headerBytes, file.start.size())));
         file.bytesRead += static_cast<std::int64_t>(piece.size());
         hash.update(piece);
         return true;
     };
-    if (readUncached(files, path, BeforeReading::nothing, take, &file.stamp))
+    if (readUncached(files, path, BeforeReading::nothing, onPiece, &file.stamp))
         file.state = ArchiveReader::File::State::read;
     file.hash = hash.digest();
     return file;

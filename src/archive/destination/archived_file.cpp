@@ -34,12 +34,12 @@ State stateWithoutFile(FolderFileLayer& folder, const std::string& name) {
 void readContent(FolderFileLayer& folder, platform::JobLimit& limit, const std::string& name,
                  ArchivedFile& file) {
     std::string bytes;
-    const auto take = [&](std::string_view piece) {
+    const auto onPiece = [&](std::string_view piece) {
         limit.restart();
         bytes += piece;
         return static_cast<std::int64_t>(bytes.size()) <= largestMailBytes;
     };
-    if (!readUncached(folder, name, BeforeReading::nothing, take, &file.stamp)) return;
+    if (!readUncached(folder, name, BeforeReading::nothing, onPiece, &file.stamp)) return;
     if (static_cast<std::int64_t>(bytes.size()) != file.stamp.sizeBytes) return;
     file.hash = platform::sha256(bytes);
     file.bytes = std::make_shared<const std::string>(std::move(bytes));

@@ -34,7 +34,7 @@ class Comparison {
     explicit Comparison(std::string_view expected)
       : rest_(expected) {}
 
-    bool take(std::string_view piece) {
+    bool add(std::string_view piece) {
         const std::string_view expected = rest_.substr(0, piece.size());
         rest_.remove_prefix(expected.size());
         if (piece == expected) return true;
@@ -91,7 +91,7 @@ void removeFile(platform::FileLayer& files, const std::string& path, const FileI
 }
 
 bool readUncached(platform::FileLayer& files, const std::string& path, BeforeReading before,
-                  const std::function<bool(std::string_view)>& take, FileStamp* stamp) {
+                  const std::function<bool(std::string_view)>& onPiece, FileStamp* stamp) {
     struct stat status{};
     const auto file = platform::openRegularFile(files, path, platform::FinalLink::refuse, status);
     if (!file) return false;
@@ -99,7 +99,7 @@ bool readUncached(platform::FileLayer& files, const std::string& path, BeforeRea
     files.bypassCache(file.get());
     if (stamp != nullptr) *stamp = stampOf(status);
     const auto size = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0));
-    errno = platform::readPieces(files, file.get(), size, take);
+    errno = platform::readPieces(files, file.get(), size, onPiece);
     return errno == 0;
 }
 
@@ -107,11 +107,11 @@ DiskReading contentOnDisk(platform::FileLayer& files, std::string_view bytes, co
                           BeforeReading before, const std::function<void()>& onProgress) {
     Comparison comparison(bytes);
     FileStamp stamp;
-    const auto take = [&](std::string_view piece) {
+    const auto onPiece = [&](std::string_view piece) {
         if (onProgress) onProgress();
-        return comparison.take(piece);
+        return comparison.add(piece);
     };
-    if (!readUncached(files, path, before, take, &stamp)) return {};
+    if (!readUncached(files, path, before, onPiece, &stamp)) return {};
     const DiskContent content = comparison.result();
     return {.content = content, .stamp = content == DiskContent::same ? stamp : FileStamp()};
 }

@@ -23,13 +23,16 @@ platform::FileIdentity writePOSIXBlocking(platform::FileLayer& files, std::strin
 // Removes the file, if it is this one.
 void removeFile(platform::FileLayer& files, const std::string& path, const platform::FileIdentity& file);
 
-// Reads a regular file past the cache in pieces of at most 1 MiB, and links aren't followed. `take` gets each
-// piece and returns whether to go on. False, with errno, when the file can't be read to its end. `flush`
-// forces the file to storage first, and its failure is one too. `stamp` gets size and time of the file that
-// was read.
-enum class BeforeReading { nothing, flush };
+enum class BeforeReading {
+    nothing,
+    flush, // forces the file to the storage; where that fails, the reading has failed
+};
+
+// Reads a regular file past the cache in pieces of at most 1 MiB, and links aren't followed. `onPiece` is
+// called with each piece and returns whether to go on. False, with errno, when the file can't be read to its
+// end. `stamp` is set to size and times of the file that was read; it may be null.
 bool readUncached(platform::FileLayer& files, const std::string& path, BeforeReading before,
-                  const std::function<bool(std::string_view)>& take, FileStamp* stamp = nullptr);
+                  const std::function<bool(std::string_view)>& onPiece, FileStamp* stamp = nullptr);
 
 enum class DiskContent {
     same,       // exactly the bytes

@@ -48,12 +48,12 @@ void FolderTarget::beginFolder(const std::string& folder) {
 bool FolderTarget::holds(const std::string& path, const ExportedMail& mail) {
     std::int64_t bytes = 0;
     platform::Sha256 hash;
-    const auto take = [&](std::string_view piece) {
+    const auto onPiece = [&](std::string_view piece) {
         bytes += std::ssize(piece);
         hash.update(piece);
         return bytes <= mail.bytes;
     };
-    return readUncached(files_, path, BeforeReading::flush, take) && bytes == mail.bytes &&
+    return readUncached(files_, path, BeforeReading::flush, onPiece) && bytes == mail.bytes &&
            hash.digest() == mail.hash;
 }
 

@@ -84,11 +84,11 @@ void NewFile::flush() {
     writeBuffer();
     sync();
     platform::Sha256 hash;
-    const auto take = [&](std::string_view piece) {
+    const auto onPiece = [&](std::string_view piece) {
         hash.update(piece);
         return true;
     };
-    if (!readUncached(files_, unfinished_, BeforeReading::nothing, take)) fail(errno, path_);
+    if (!readUncached(files_, unfinished_, BeforeReading::nothing, onPiece)) fail(errno, path_);
     if (hash.digest() != hash_.digest()) fail(EIO, path_);
 }
 

@@ -49,7 +49,7 @@ MailPieces::MailPieces(platform::FileLayer& files, std::stop_token stop, std::ch
   , stop_(std::move(stop))
   , limit_(limit) {}
 
-void MailPieces::read(const std::string& path, const std::function<void(std::string_view)>& take) {
+void MailPieces::read(const std::string& path, const std::function<void(std::string_view)>& onPiece) {
     const auto reading = std::make_shared<Reading>(files_, path);
     while (!reading->isAtEnd) {
         const auto job = [reading](platform::JobLimit&) {
@@ -63,7 +63,7 @@ void MailPieces::read(const std::string& path, const std::function<void(std::str
         if (stop_.stop_requested()) throw OpeningCancelled();
         if (!hasEnded) throw ArchiveAccessError("无法读取归档邮件", path, ETIMEDOUT);
         if (reading->error != 0) throw ArchiveAccessError("无法读取归档邮件", path, reading->error);
-        take(reading->piece);
+        onPiece(reading->piece);
     }
 }
 

@@ -19,9 +19,9 @@ class MailPieces {
     MailPieces(platform::FileLayer& files, std::stop_token stop,
                std::chrono::nanoseconds limit = platform::placeLimit);
 
-    // Calls `take` on this thread for each piece of a regular file, of at most 1 MiB; a link is refused.
+    // Calls `onPiece` on this thread for each piece of a regular file, of at most 1 MiB; a link is refused.
     // Throws ArchiveAccessError when the file can't be read to its end, and OpeningCancelled after a stop.
-    void read(const std::string& path, const std::function<void(std::string_view)>& take);
+    void read(const std::string& path, const std::function<void(std::string_view)>& onPiece);
 
   private:
     struct Reading;

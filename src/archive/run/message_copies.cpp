@@ -39,7 +39,7 @@ StoredFile readStored(platform::FileLayer& files, platform::JobLimit& limit, con
         return stored;
     }
     stored.stamp = stampOf(status);
-    const auto take = [&](std::string_view piece) {
+    const auto onPiece = [&](std::string_view piece) {
         limit.restart();
         stored.content += piece;
         return static_cast<std::int64_t>(stored.content.size()) <= largestMailBytes;
@@ -47,7 +47,7 @@ StoredFile readStored(platform::FileLayer& files, platform::JobLimit& limit, con
     stored.error =
         status.st_size > largestMailBytes
             ? EFBIG
-            : platform::readPieces(files, file.get(), static_cast<std::size_t>(status.st_size), take);
+            : platform::readPieces(files, file.get(), static_cast<std::size_t>(status.st_size), onPiece);
     return stored;
 }
 

@@ -49,7 +49,7 @@ bool haveSharedIDs(const EmailArchiveIndex& a, const EmailArchiveIndex& b) {
 
 } // namespace
 
-std::vector<bool> archivesThatStay(const std::vector<ArchiveSight>& archives,
+std::vector<bool> archivesThatStay(const std::vector<ComparedArchive>& archives,
                                    const std::function<bool(std::size_t, std::size_t)>& haveSharedIDs) {
     std::vector<bool> stays(archives.size(), true);
     std::multimap<Date, std::size_t> holders;
@@ -69,10 +69,10 @@ std::vector<bool> archivesThatStay(const std::vector<ArchiveSight>& archives,
 }
 
 std::vector<LoadedArchive> dedupeLoadedArchives(std::vector<LoadedArchive> archives) {
-    std::vector<ArchiveSight> sights;
+    std::vector<ComparedArchive> compared;
     for (const LoadedArchive& archive : archives)
-        sights.push_back({archive.index.createdAt, archive.connected});
-    const std::vector<bool> stays = archivesThatStay(sights, [&](std::size_t a, std::size_t b) {
+        compared.push_back({archive.index.createdAt, archive.connected});
+    const std::vector<bool> stays = archivesThatStay(compared, [&](std::size_t a, std::size_t b) {
         return haveSharedIDs(archives[a].index, archives[b].index);
     });
     std::vector<LoadedArchive> kept;

@@ -35,14 +35,14 @@ using SearchIndexTable = std::map<std::string, std::shared_ptr<const MailSearchI
 using SharedSearchIndexes = std::shared_ptr<const SearchIndexTable>;
 
 // An archive as it is compared with others.
-struct ArchiveSight {
+struct ComparedArchive {
     Date createdAt{};
     bool connected = false; // and holds files
 };
 
 // Those that stay of archives of which some may be the same, by position. `haveSharedIDs` is asked of two
 // with one `createdAt` whether the ids of one are among those of the other.
-std::vector<bool> archivesThatStay(const std::vector<ArchiveSight>& archives,
+std::vector<bool> archivesThatStay(const std::vector<ComparedArchive>& archives,
                                    const std::function<bool(std::size_t, std::size_t)>& haveSharedIDs);
 
 // Two folders are the same archive, copied or seen through two paths, when their indexes have the same

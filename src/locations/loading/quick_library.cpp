@@ -130,16 +130,16 @@ bool QuickLibrary::add(const ArchiveIndexCache& cache, const std::string& root, 
 bool QuickLibrary::dropRepeatedArchives(const ArchiveIndexCache& cache, PlaceLooks& looks) {
     std::map<Date, int> numbers;
     for (const Archive& archive : archives_) ++numbers[archive.digest.createdAt()];
-    std::vector<ArchiveSight> sights;
+    std::vector<ComparedArchive> compared;
     for (const Archive& archive : archives_) {
-        sights.push_back({archive.digest.createdAt(), archive.isConnected});
+        compared.push_back({archive.digest.createdAt(), archive.isConnected});
         if (!archive.isConnected || numbers[archive.digest.createdAt()] == 1) continue;
         const auto holds =
             looks.ask<bool>(archive.root, [files = cache.digestFiles(archive.root), root = archive.root](
                                               PlaceLook& look) { return holdsFiles(look, files, root); });
         if (!holds.value_or(false)) return false;
     }
-    const std::vector<bool> stays = archivesThatStay(sights, [this](std::size_t a, std::size_t b) {
+    const std::vector<bool> stays = archivesThatStay(compared, [this](std::size_t a, std::size_t b) {
         return archives_[a].digest.sharesIDsWith(archives_[b].digest);
     });
     std::vector<Archive> kept;

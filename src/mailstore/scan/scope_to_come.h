@@ -22,7 +22,7 @@ struct AccountScope {
 class ScopeToCome {
   public:
     // To be called once.
-    void give(AccountScope scope) {
+    void set(AccountScope scope) {
         const text::MutexLock lock(mutex_);
         scope_ = std::move(scope);
         changed_.notifyAll();

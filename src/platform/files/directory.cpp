@@ -49,7 +49,7 @@ ssize_t readSome(int descriptor, char* bytes, std::size_t count) noexcept {
     return got;
 }
 
-void tell(std::string* error, int number) {
+void setReason(std::string* error, int number) {
     if (error != nullptr) *error = std::generic_category().message(number);
 }
 
@@ -131,7 +131,7 @@ std::optional<std::string> contentOf(int descriptor, std::size_t expected, std::
         number = EFBIG;
     }
     if (number == 0) return content;
-    tell(error, number);
+    setReason(error, number);
     return std::nullopt;
 }
 
@@ -183,7 +183,7 @@ std::optional<std::vector<DirectoryEntry>> listDirectory(const std::string& path
         entries.push_back({entry.d_name, kindOfEntry(directory, entry)});
     });
     if (number != 0) {
-        tell(error, number);
+        setReason(error, number);
         return std::nullopt;
     }
     std::ranges::sort(entries, {}, &DirectoryEntry::name);
@@ -199,14 +199,14 @@ std::optional<std::string> readFile(const std::string& path, std::int64_t limit,
     std::int64_t size = 0;
     const FileDescriptor file = openRegularFile(path, size);
     if (!file || size > limit) {
-        tell(error, file ? EFBIG : errno);
+        setReason(error, file ? EFBIG : errno);
         return std::nullopt;
     }
     // One byte above the limit shows a file that grew past it meanwhile.
     const std::size_t most = limit == INT64_MAX ? INT64_MAX : static_cast<std::size_t>(limit) + 1;
     auto content = contentOf(file.get(), static_cast<std::size_t>(size), most, error);
     if (content && content->size() > static_cast<std::size_t>(limit)) {
-        tell(error, EFBIG);
+        setReason(error, EFBIG);
         return std::nullopt;
     }
     return content;
@@ -216,7 +216,7 @@ std::optional<std::string> readFilePrefix(const std::string& path, std::int64_t 
     std::int64_t size = 0;
     const FileDescriptor file = openRegularFile(path, size);
     if (!file) {
-        tell(error, errno);
+        setReason(error, errno);
         return std::nullopt;
     }
     return contentOf(file.get(), static_cast<std::size_t>(size), static_cast<std::size_t>(limit), error);

@@ -35,7 +35,7 @@ std::string CorvaneAppSupport::baseDirectory(bool createDirectory) const {
 
 std::error_code CorvaneAppSupport::createBaseDirectory() const {
     const std::error_code error = platform::makePrivateFolder(*files_, base_);
-    noteWriteFailure(error.value());
+    setWriteFailure(error.value());
     return error;
 }
 
@@ -52,7 +52,7 @@ CorvaneAppSupport::writeFile(std::string_view name,
                              const std::function<void(const platform::ByteSink&)>& produce) const {
     if (const auto error = createBaseDirectory()) return error;
     const std::error_code error = platform::writeFileAtomically(*files_, filePath(name), produce);
-    noteWriteFailure(error.value());
+    setWriteFailure(error.value());
     return error;
 }
 
@@ -60,7 +60,7 @@ std::error_code CorvaneAppSupport::writeFailure() const {
     return {writeFailure_->load(), std::generic_category()};
 }
 
-void CorvaneAppSupport::noteWriteFailure(int error) const {
+void CorvaneAppSupport::setWriteFailure(int error) const {
     if (error != 0) *writeFailure_ = error;
 }
 

@@ -47,7 +47,7 @@ class CorvaneAppSupport {
     [[nodiscard]] std::error_code writeFailure() const;
 
     // For who writes here by other ways. `error` is an errno; 0 has no effect.
-    void noteWriteFailure(int error) const;
+    void setWriteFailure(int error) const;
 
     // Removes what writes of killed processes left in the folder and in those right below it. Blocks.
     void removeUnfinishedFiles() const;

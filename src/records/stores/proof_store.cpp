@@ -270,7 +270,7 @@ bool ProofStore::save(const ReadingBatch& batch) {
         if (!meansDamage(status)) break;
         removeFile();
     }
-    support_.noteWriteFailure(errorOf(status));
+    support_.setWriteFailure(errorOf(status));
     return false;
 }
 

@@ -50,7 +50,7 @@ void ScanFlow::onFullRefreshAccounts() {
     }
     clearDisplay();
     setState(MailScanState::scanning("正在准备扫描..."));
-    std::exchange(scopeToCome_, nullptr)->give(selectedScope());
+    std::exchange(scopeToCome_, nullptr)->set(selectedScope());
 }
 
 void ScanFlow::setState(MailScanState state) {

@@ -31,7 +31,7 @@ LayerDescriptor openRegularFile(FileLayer& files, const std::string& path, Final
 }
 
 int readPieces(FileLayer& files, int descriptor, std::size_t expected,
-               const std::function<bool(std::string_view)>& take) {
+               const std::function<bool(std::string_view)>& onPiece) {
     // Room for one byte more than expected, so that a file of one piece is read in one go.
     const std::size_t room = std::min(pieceBytes, expected + 1);
     const auto buffer = std::make_unique_for_overwrite<char[]>(room);
@@ -39,7 +39,7 @@ int readPieces(FileLayer& files, int descriptor, std::size_t expected,
         const ssize_t got = files.read(descriptor, buffer.get(), room);
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) return errno;
-        if (got == 0 || !take({buffer.get(), static_cast<std::size_t>(got)})) return 0;
+        if (got == 0 || !onPiece({buffer.get(), static_cast<std::size_t>(got)})) return 0;
     }
 }
 

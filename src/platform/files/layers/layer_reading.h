@@ -25,8 +25,8 @@ LayerDescriptor openRegularFile(FileLayer& files, const std::string& path, Final
                                 struct stat& status);
 
 // The rest of an open file in pieces of at most 1 MiB, the first as large as `expected`, if that is less.
-// `take` returns whether to go on. 0, also when it didn't want to, or the errno of the failed read.
+// `onPiece` returns whether to go on. 0, also when it didn't want to, or the errno of the failed read.
 int readPieces(FileLayer& files, int descriptor, std::size_t expected,
-               const std::function<bool(std::string_view)>& take);
+               const std::function<bool(std::string_view)>& onPiece);
 
 } // namespace corvane::platform
