@@ -1,15 +1,43 @@
 #include "mime/mail_date.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <iterator>
 #include <system_error>
+#include <vector>
 
-#include "records/texts/formatters.h"
+#include "text/dates/date_pattern.h"
 #include "text/trim.h"
 
 namespace corvane::mime {
 
 namespace {
+
+// The forms of date headers, in the order in which they are tried. A numeric zone goes before a named one,
+// and the forms with a zone before those without, so that a looser pattern doesn't read a date with a zone as
+// local time.
+constexpr std::array headerForms = {
+    "EEE, d MMM yyyy HH:mm:ss Z", "EEE, dd MMM yyyy HH:mm:ss Z", "d MMM yyyy HH:mm:ss Z",
+    "dd MMM yyyy HH:mm:ss Z",     "EEE, d MMM yyyy HH:mm:ss z",  "EEE, dd MMM yyyy HH:mm:ss z",
+    "d MMM yyyy HH:mm:ss z",      "dd MMM yyyy HH:mm:ss z",      "EEE, d MMM yyyy HH:mm:ss",
+    "EEE, dd MMM yyyy HH:mm:ss",  "d MMM yyyy HH:mm:ss",         "dd MMM yyyy HH:mm:ss",
+    "EEE, d MMM yyyy HH:mm Z",    "EEE, dd MMM yyyy HH:mm Z",    "d MMM yyyy HH:mm Z",
+    "dd MMM yyyy HH:mm Z",        "EEE, d MMM yy HH:mm:ss Z",    "EEE, dd MMM yy HH:mm:ss Z",
+    "d MMM yy HH:mm:ss Z",        "dd MMM yy HH:mm:ss Z",        "yyyy-MM-dd HH:mm:ss Z",
+    "yyyy-MM-dd HH:mm:ss z",      "yyyy-MM-dd HH:mm:ss",         "yyyy-MM-dd'T'HH:mm:ssZ",
+    "yyyy-MM-dd'T'HH:mm:ss'Z'",   "yyyy-MM-dd'T'HH:mm:ss",
+};
+
+const std::vector<text::DatePattern>& headerPatterns() {
+    static const std::vector<text::DatePattern> patterns = [] {
+        std::vector<text::DatePattern> made;
+        made.reserve(std::size(headerForms));
+        for (const char* pattern : headerForms) made.emplace_back("en_US_POSIX", pattern);
+        return made;
+    }();
+    return patterns;
+}
 
 // Reads a text from its start; after the first part that doesn't fit, every later read fails too.
 class Cursor {
@@ -94,8 +122,8 @@ std::string_view withoutClosingComment(std::string_view text) {
 
 std::optional<std::chrono::sys_seconds> parseMailDate(std::string_view header) {
     const std::string_view text = withoutClosingComment(text::trimBlanks(header));
-    for (const auto& parser : dateParsers()) {
-        if (const auto date = parser.parse(text)) return date;
+    for (const auto& pattern : headerPatterns()) {
+        if (const auto date = pattern.parse(text)) return date;
     }
     return parseInternetDateTime(text);
 }

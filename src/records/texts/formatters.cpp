@@ -12,20 +12,6 @@ namespace corvane {
 
 namespace {
 
-// A numeric zone goes before a named one, and the forms with a zone before those without, so that a looser
-// pattern doesn't read a date with a zone as local time.
-constexpr std::array parserPatterns = {
-    "EEE, d MMM yyyy HH:mm:ss Z", "EEE, dd MMM yyyy HH:mm:ss Z", "d MMM yyyy HH:mm:ss Z",
-    "dd MMM yyyy HH:mm:ss Z",     "EEE, d MMM yyyy HH:mm:ss z",  "EEE, dd MMM yyyy HH:mm:ss z",
-    "d MMM yyyy HH:mm:ss z",      "dd MMM yyyy HH:mm:ss z",      "EEE, d MMM yyyy HH:mm:ss",
-    "EEE, dd MMM yyyy HH:mm:ss",  "d MMM yyyy HH:mm:ss",         "dd MMM yyyy HH:mm:ss",
-    "EEE, d MMM yyyy HH:mm Z",    "EEE, dd MMM yyyy HH:mm Z",    "d MMM yyyy HH:mm Z",
-    "dd MMM yyyy HH:mm Z",        "EEE, d MMM yy HH:mm:ss Z",    "EEE, dd MMM yy HH:mm:ss Z",
-    "d MMM yy HH:mm:ss Z",        "dd MMM yy HH:mm:ss Z",        "yyyy-MM-dd HH:mm:ss Z",
-    "yyyy-MM-dd HH:mm:ss z",      "yyyy-MM-dd HH:mm:ss",         "yyyy-MM-dd'T'HH:mm:ssZ",
-    "yyyy-MM-dd'T'HH:mm:ss'Z'",   "yyyy-MM-dd'T'HH:mm:ss",
-};
-
 // Up to `digits` digits behind the point, without closing zeros.
 std::string shortDecimal(double value, int digits) {
     std::string text = fmt::format("{:.{}f}", value, digits);
@@ -67,16 +53,6 @@ std::string formatByteCount(std::int64_t bytes) {
     double value = static_cast<double>(bytes) / units[index].size;
     if (index == 0 && bytes != 0 && std::abs(value) < 1.0) value = bytes > 0 ? 1.0 : -1.0;
     return fmt::format("{} {}", shortDecimal(value, units[index].digits), units[index].name);
-}
-
-const std::vector<text::DatePattern>& dateParsers() {
-    static const std::vector<text::DatePattern> parsers = [] {
-        std::vector<text::DatePattern> made;
-        made.reserve(std::size(parserPatterns));
-        for (const char* pattern : parserPatterns) made.emplace_back("en_US_POSIX", pattern);
-        return made;
-    }();
-    return parsers;
 }
 
 } // namespace corvane

@@ -1,14 +1,10 @@
-// The only date and size formats of the screens, and the readers of date headers. Thread-safe.
+// The only date and size formats of the screens. Thread-safe.
 #pragma once
 
 #include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
-
-#include "text/dates/date_pattern.h"
 
 namespace corvane {
 
@@ -20,8 +16,5 @@ std::string formatMailDate(const std::optional<std::chrono::sys_seconds>& date);
 
 // Decimal file units from kilobytes to gigabytes: "1 KB", "12.3 MB", "1.25 GB". Never bytes, never terabytes.
 std::string formatByteCount(std::int64_t bytes);
-
-// The patterns for the date headers found in mail, in the order in which they are to be tried.
-const std::vector<text::DatePattern>& dateParsers();
 
 } // namespace corvane

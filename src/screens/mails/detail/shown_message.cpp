@@ -1,5 +1,7 @@
 #include "screens/mails/detail/shown_message.h"
 
+#include <vector>
+
 #include "platform/paths.h"
 #include "records/texts/formatters.h"
 #include "records/texts/preview_placeholders.h"
