@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "library/entry_sketch.h"
+#include "listing/deletion/proven_entries.h"
 #include "listing/message_sketch.h"
-#include "listing/proven_entries.h"
 #include "mailstore/index/downloads_by_year.h"
 
 namespace corvane::testing {

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "listing/account_titles.h"
+#include "listing/deletion/proven_entries.h"
 #include "listing/message_statistics.h"
-#include "listing/proven_entries.h"
 
 namespace corvane {
 

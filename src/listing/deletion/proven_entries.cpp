@@ -1,4 +1,4 @@
-#include "listing/proven_entries.h"
+#include "listing/deletion/proven_entries.h"
 
 #include <cstddef>
 #include <string>
