@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "locations/settings_keys.h"
 #include "platform/paths.h"
+#include "records/stores/settings_keys.h"
 
 namespace corvane {
 

@@ -11,9 +11,9 @@
 
 #include "locations/archive_samples.h"
 #include "locations/known_locations.h"
-#include "locations/settings_keys.h"
 #include "model/corvane_view_model.h"
 #include "model/model_test.h"
+#include "records/stores/settings_keys.h"
 
 namespace corvane {
 namespace {

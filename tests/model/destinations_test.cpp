@@ -3,9 +3,9 @@
 #include <filesystem>
 
 #include "locations/known_locations.h"
-#include "locations/settings_keys.h"
 #include "model/model_test.h"
 #include "platform/files/directory.h"
+#include "records/stores/settings_keys.h"
 
 namespace corvane::testing {
 namespace {

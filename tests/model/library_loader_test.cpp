@@ -6,9 +6,9 @@
 #include <set>
 
 #include "locations/archive_samples.h"
-#include "locations/settings_keys.h"
 #include "model/model_test.h"
 #include "platform/files/directory.h"
+#include "records/stores/settings_keys.h"
 
 namespace corvane::testing {
 namespace {

@@ -7,10 +7,10 @@
 
 #include "locations/archive_samples.h"
 #include "locations/known_locations.h"
-#include "locations/settings_keys.h"
 #include "model/archiving/place_jobs.h"
 #include "model/corvane_view_model.h"
 #include "model/model_test.h"
+#include "records/stores/settings_keys.h"
 #include "support/faulty_file_layer.h"
 
 namespace corvane::testing {

@@ -12,10 +12,10 @@
 #include "locations/loading/archive_index_cache.h"
 #include "locations/loading/archived_files.h"
 #include "locations/loading/loaded_archives.h"
-#include "locations/settings_keys.h"
 #include "platform/files/file_look.h"
 #include "platform/paths.h"
 #include "records/archive_files/archive_index_file.h"
+#include "records/stores/settings_keys.h"
 #include "search/mail_search_index.h"
 #include "text/trim.h"
 

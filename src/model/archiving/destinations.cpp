@@ -7,10 +7,10 @@
 
 #include "locations/known_locations.h"
 #include "locations/places/cloud_providers.h"
-#include "locations/settings_keys.h"
 #include "platform/files/writing/durable_file.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
+#include "records/stores/settings_keys.h"
 
 namespace corvane {
 

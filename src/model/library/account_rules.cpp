@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "locations/settings_keys.h"
+#include "records/stores/settings_keys.h"
 
 namespace corvane {
 

@@ -12,7 +12,7 @@
 #include "locations/archive_locations.h"
 #include "locations/known_locations.h"
 #include "locations/place_names.h"
-#include "locations/settings_keys.h"
+#include "records/stores/settings_keys.h"
 #include "records/timestamps.h"
 
 namespace corvane {

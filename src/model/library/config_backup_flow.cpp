@@ -14,10 +14,10 @@
 #include "locations/loading/archive_discovery.h"
 #include "locations/places/destination_rules.h"
 #include "locations/places/place_looks.h"
-#include "locations/settings_keys.h"
 #include "platform/files/writing/durable_file.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
+#include "records/stores/settings_keys.h"
 #include "records/texts/error_reasons.h"
 #include "records/timestamps.h"
 

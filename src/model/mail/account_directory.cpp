@@ -4,7 +4,6 @@
 #include <map>
 #include <stop_token>
 
-#include "locations/settings_keys.h"
 #include "mailstore/accounts/account_discovery.h"
 #include "mailstore/accounts/account_duplication.h"
 #include "mailstore/accounts/account_queries.h"
@@ -13,6 +12,7 @@
 #include "model/mail/store/mail_access.h"
 #include "model/mail/store/mail_store.h"
 #include "platform/threads/parallel.h"
+#include "records/stores/settings_keys.h"
 
 namespace corvane {
 

@@ -4,8 +4,8 @@
 #include <utility>
 #include <vector>
 
-#include "locations/settings_keys.h"
 #include "records/archived/stable_id.h"
+#include "records/stores/settings_keys.h"
 
 namespace corvane {
 
