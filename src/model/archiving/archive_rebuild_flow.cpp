@@ -1,9 +1,10 @@
 #include "model/archiving/archive_rebuild_flow.h"
 
-#include <chrono>
 #include <exception>
 #include <memory>
 #include <utility>
+
+#include "model/tasks/progress_pace.h"
 
 namespace corvane {
 
@@ -11,8 +12,6 @@ namespace {
 
 using Outcome = ArchiveRebuildFlow::Outcome;
 using Progress = ArchiveRebuildFlow::Progress;
-
-constexpr std::chrono::milliseconds progressInterval{100};
 
 struct LookJob {
     std::string root;
@@ -37,15 +36,12 @@ Found lookFor(const LookJob& job, const TaskHandle& task) {
 }
 
 Outcome rebuild(const RebuildJob& job, const ReportingTask<Progress>& task) {
-    std::chrono::steady_clock::time_point next;
+    ProgressPace pace;
     RebuildOptions options;
     options.scanned = job.scanned;
     options.markHidden = [&job](const std::string& path) { job.platform.markHidden(path); };
     options.progress = [&](std::size_t read, std::size_t all) {
-        const auto now = std::chrono::steady_clock::now();
-        if (now < next && read != all) return;
-        next = now + progressInterval;
-        task.report({read, all});
+        if (pace.isDue(read, all)) task.report({read, all});
     };
     try {
         return rebuildArchive(job.root, options, task.stopToken(), job.files);

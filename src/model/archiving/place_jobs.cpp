@@ -2,18 +2,17 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <exception>
 #include <memory>
 #include <utility>
 
+#include "model/tasks/progress_pace.h"
 #include "records/timestamps.h"
 
 namespace corvane {
 
 namespace {
 
-constexpr std::chrono::milliseconds progressInterval{100};
 // Of more a new verification tells.
 constexpr std::size_t mostFindingsKept = 1000;
 
@@ -133,12 +132,9 @@ void PlaceJobs::startNext() {
 
 PlaceJobs::Outcome PlaceJobs::run(const Input& input, const ReportingTask<Job>& task) {
     Outcome outcome{{.work = input.job.work, .at = currentTimestamp()}};
-    std::chrono::steady_clock::time_point next;
+    ProgressPace pace;
     const auto report = [&](std::size_t done, std::size_t all) {
-        const auto now = std::chrono::steady_clock::now();
-        if (now < next && done != all) return;
-        next = now + progressInterval;
-        task.report({input.job.root, input.job.work, done, all});
+        if (pace.isDue(done, all)) task.report({input.job.root, input.job.work, done, all});
     };
     try {
         if (input.job.work == Work::verification) {

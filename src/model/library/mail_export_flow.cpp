@@ -1,6 +1,5 @@
 #include "model/library/mail_export_flow.h"
 
-#include <chrono>
 #include <exception>
 #include <optional>
 #include <string>
@@ -8,12 +7,11 @@
 
 #include "locations/places/destination_rules.h"
 #include "locations/places/place_looks.h"
+#include "model/tasks/progress_pace.h"
 
 namespace corvane {
 
 namespace {
-
-constexpr std::chrono::milliseconds progressInterval{100};
 
 struct ExportJob {
     MailExport system;
@@ -34,12 +32,9 @@ std::optional<std::string> refusal(const ExportJob& job, const std::stop_token& 
 }
 
 MailExportFlow::Outcome exported(const ExportJob& job, const ReportingTask<MailExportFlow::Progress>& task) {
-    std::chrono::steady_clock::time_point next;
+    ProgressPace pace;
     const auto report = [&](std::int64_t done, std::int64_t total) {
-        const auto now = std::chrono::steady_clock::now();
-        if (now < next && done != total) return;
-        next = now + progressInterval;
-        task.report({done, total});
+        if (pace.isDue(done, total)) task.report({done, total});
     };
     if (auto refused = refusal(job, task.stopToken())) return std::unexpected(std::move(*refused));
     try {
