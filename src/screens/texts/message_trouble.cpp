@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "listing/proof/away_proofs.h"
+#include "listing/proof/outcome_titles.h"
 #include "model/corvane_view_model.h"
 #include "records/texts/formatters.h"
 #include "screens/texts/shown_text.h"
@@ -21,24 +22,25 @@ QString withPath(const QString& text, const std::string& path) {
 MessageTrouble proofTrouble(const ProofVerdict& verdict) {
     const QString severe = QStringLiteral("octagon-x");
     const QString danger = QStringLiteral("danger");
+    const QString title = screens::wholeText(proofOutcomeTitle(verdict.outcome));
     switch (verdict.outcome) {
     case ProofOutcome::differs:
         return {
-            severe, danger, QStringLiteral("与归档不一致"),
+            severe, danger, title,
             withPath(QStringLiteral(
                          "原件的内容不在任何归档副本里，已列入未归档。再归档一次即可，原有副本不会改动。"),
                      verdict.path)};
     case ProofOutcome::fileMissing:
         return {
-            severe, danger, QStringLiteral("归档文件不见了"),
+            severe, danger, title,
             withPath(QStringLiteral("归档里的文件不在了，或者内容已被改动，已列入未归档。再归档一次即可。"),
                      verdict.path)};
     case ProofOutcome::unreadable:
-        return {severe, danger, QStringLiteral("读不出来"),
+        return {severe, danger, title,
                 withPath(QStringLiteral("原件或归档文件读不出来，不能确认两者一致，请不要删除原件。"),
                          verdict.path)};
     case ProofOutcome::incomplete:
-        return {QStringLiteral("triangle-alert"), QStringLiteral("attention"), QStringLiteral("原件不完整"),
+        return {QStringLiteral("triangle-alert"), QStringLiteral("attention"), title,
                 withPath(QStringLiteral("原件比它应有的短，可能没有下载完。归档里保存的是现有的部分。"),
                          verdict.path)};
     case ProofOutcome::notLookedAt:

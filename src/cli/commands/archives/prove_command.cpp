@@ -14,6 +14,7 @@
 #include "cli/console/text_table.h"
 #include "cli/exit_status.h"
 #include "cli/proving.h"
+#include "listing/proof/outcome_titles.h"
 
 namespace corvane::cli {
 
@@ -43,12 +44,6 @@ struct ProofAnswer {
 constexpr std::array shownOrder = {ProofOutcome::proven,     ProofOutcome::differs,
                                    ProofOutcome::unreadable, ProofOutcome::fileMissing,
                                    ProofOutcome::incomplete, ProofOutcome::notLookedAt};
-
-const char* titleOf(ProofOutcome outcome) {
-    constexpr std::array titles = {"还没有核对", "已逐字节核对",   "与归档不一致",
-                                   "读不出来",   "归档文件不见了", "原件不完整"};
-    return titles.at(static_cast<std::size_t>(outcome));
-}
 
 ProofAnswer answerOf(const MessageCatalog& catalog, const ProofScope& scope) {
     const AvailabilityResult& known = *catalog.state()->availability;
@@ -91,14 +86,14 @@ void printReadable(const ProofAnswer& answer, const AwayProofs& away) {
     for (const ProofOutcome outcome : shownOrder) {
         const std::int64_t count = answer.count(outcome);
         if (count > 0 || outcome == ProofOutcome::proven)
-            printText(fmt::format("{}：{} 封", titleOf(outcome), count));
+            printText(fmt::format("{}：{} 封", proofOutcomeTitle(outcome), count));
     }
     printAwayProofs(away);
     if (answer.unproven.empty()) return;
     TextTable table({TextTable::Align::left, TextTable::Align::left, TextTable::Align::left});
     table.row({"情况", "主题", "文件"});
     for (const Unproven& each : answer.unproven)
-        table.row({titleOf(each.outcome), each.message->subject.str(), each.path});
+        table.row({std::string(proofOutcomeTitle(each.outcome)), each.message->subject.str(), each.path});
     table.print();
 }
 
