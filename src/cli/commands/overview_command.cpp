@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -16,6 +15,7 @@
 #include "cli/exit_status.h"
 #include "cli/overview_loading.h"
 #include "library/overview/archived_overview.h"
+#include "library/overview/status_titles.h"
 #include "records/texts/formatters.h"
 
 namespace corvane::cli {
@@ -30,12 +30,8 @@ struct OverviewOptions {
     bool check = false;
 };
 
-const char* titleOf(ArchivedOverviewRowStatus status, bool awaitsProof) {
-    if (awaitsProof) return "待核对";
-    constexpr std::array titles = {"正在对照…",     "未读取 Mail 状态",       "可清理",
-                                   "还有未归档",    "还有未归档（含服务器）", "待确认",
-                                   "已从 Mail 删除"};
-    return titles.at(static_cast<std::size_t>(status));
+std::string titleOf(ArchivedOverviewRowStatus status, bool awaitsProof) {
+    return std::string(overviewStatusTitle(status, awaitsProof));
 }
 
 // Calls `visit(group, stats)` for each group that has something to show, and for all of them without a

@@ -2,8 +2,11 @@
 
 #include <array>
 #include <cstddef>
+#include <string_view>
 
 #include <QStringList>
+
+#include "library/overview/status_titles.h"
 
 namespace corvane::screens {
 
@@ -15,10 +18,19 @@ YearStatus make(const char16_t* key, const char16_t* symbol, const char16_t* lab
             QString::fromUtf16(tone)};
 }
 
+// With the word that everybody uses.
+YearStatus make(const char16_t* key, const char16_t* symbol, ArchivedOverviewRowStatus status,
+                const char16_t* tone = u"", bool awaitsProof = false) {
+    const std::string_view label = overviewStatusTitle(status, awaitsProof);
+    return {QString::fromUtf16(key), QString::fromUtf16(symbol),
+            QString::fromUtf8(label.data(), static_cast<qsizetype>(label.size())), QString::fromUtf16(tone)};
+}
+
 YearStatus unknownStatus(OriginalKnowledge knowledge) {
     if (knowledge == OriginalKnowledge::unavailable)
-        return make(u"unavailable", u"triangle-alert", u"未读取 Mail 状态");
-    if (knowledge == OriginalKnowledge::checking) return make(u"checking", u"loader-circle", u"正在对照…");
+        return make(u"unavailable", u"triangle-alert", ArchivedOverviewRowStatus::unavailable);
+    if (knowledge == OriginalKnowledge::checking)
+        return make(u"checking", u"loader-circle", ArchivedOverviewRowStatus::checking);
     const bool isPassing = knowledge == OriginalKnowledge::loading ||
                            knowledge == OriginalKnowledge::waiting ||
                            knowledge == OriginalKnowledge::scanning;
@@ -34,16 +46,16 @@ YearStatus yearStatus(OriginalKnowledge knowledge, ArchivedOverviewRowStatus sta
     if (knowledge != OriginalKnowledge::known) return unknownStatus(knowledge);
     switch (status) {
     case ArchivedOverviewRowStatus::cleanable:
-        return make(u"cleanable", u"check", u"可清理", u"safe");
+        return make(u"cleanable", u"check", status, u"safe");
     case ArchivedOverviewRowStatus::incomplete:
-        return awaitsProof ? make(u"awaiting", u"search", u"待核对")
-                           : make(u"incomplete", u"triangle-alert", u"还有未归档", u"attention");
+        return awaitsProof ? make(u"awaiting", u"search", status, u"", true)
+                           : make(u"incomplete", u"triangle-alert", status, u"attention");
     case ArchivedOverviewRowStatus::serverUnbacked:
-        return make(u"server", u"cloud", u"还有未归档（含服务器）");
+        return make(u"server", u"cloud", status);
     case ArchivedOverviewRowStatus::pendingReview:
-        return make(u"pending", u"circle-question-mark", u"待确认");
+        return make(u"pending", u"circle-question-mark", status);
     case ArchivedOverviewRowStatus::completed:
-        return make(u"completed", u"minus", u"已从 Mail 删除");
+        return make(u"completed", u"minus", status);
     case ArchivedOverviewRowStatus::unavailable:
         return unknownStatus(OriginalKnowledge::unavailable);
     case ArchivedOverviewRowStatus::checking:
