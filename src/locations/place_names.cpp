@@ -37,7 +37,7 @@ std::string mailLocationName(const ArchiveLocation* listed, std::string_view roo
 }
 
 std::string destinationDisplayName(const platform::Platform& platform, const std::string& path) {
-    if (path.find("com~apple~CloudDocs") != std::string::npos) return "iCloud 云盘";
+    if (path.find(iCloudFolderName) != std::string::npos) return iCloudName;
     if (auto disk = removableDiskName(platform, path)) return *std::move(disk);
     return std::string(platform::lastPathComponent(path));
 }

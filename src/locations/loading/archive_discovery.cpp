@@ -27,8 +27,7 @@ bool holdsArchive(PlaceLook& look, const std::string& folder) {
 }
 
 Roots spots(const platform::Platform& platform) {
-    Roots paths = {
-        platform::joinPath(platform.realUserHomeDirectory(), "Library/Mobile Documents/com~apple~CloudDocs")};
+    Roots paths = {iCloudFolder(platform)};
     std::ranges::copy(cloudStorageFolders(platform), std::back_inserter(paths));
     for (const auto& volume : detectRemovableVolumes(platform)) {
         std::string spot = platform::canonicalPath(volume.path);

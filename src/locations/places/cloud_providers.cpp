@@ -21,7 +21,7 @@ const std::vector<Provider>& providers() {
         {{"BaiduNetdisk", "百度网盘", "baiduyun"}, "百度网盘"},
         {{"aliyundrive", "alipan", "阿里云盘"}, "阿里云盘"},
         {{"Weiyun", "微云"}, "微云"},
-        {{"com~apple~CloudDocs", "Mobile Documents"}, "iCloud 云盘"},
+        {{iCloudFolderName, "Mobile Documents"}, iCloudName},
         {{"CloudStorage/GoogleDrive", "GoogleDrive-"}, "Google Drive"},
         {{"CloudStorage/OneDrive", "OneDrive"}, "OneDrive"},
         {{"Dropbox"}, "Dropbox"},

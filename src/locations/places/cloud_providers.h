@@ -7,6 +7,11 @@
 
 namespace corvane {
 
+inline constexpr const char* iCloudName = "iCloud 云盘";
+
+// The folder's name, by which a path in it is known.
+inline constexpr std::string_view iCloudFolderName = "com~apple~CloudDocs";
+
 // The provider's name as shown; absent for a path of none.
 std::optional<std::string> cloudProviderName(std::string_view path);
 

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 #include <sys/stat.h>
 
+#include "locations/places/cloud_providers.h"
 #include "platform/files/directory.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
@@ -57,18 +58,24 @@ std::vector<std::string> cloudStorageFolders(const platform::Platform& platform)
     return folders;
 }
 
+std::string iCloudFolder(const platform::Platform& platform) {
+    const std::string containers =
+        platform::joinPath(platform.realUserHomeDirectory(), "Library/Mobile Documents");
+    return platform::joinPath(containers, iCloudFolderName);
+}
+
 std::vector<CloudStorageProvider> detectCloudStorage(PlaceLooks& looks, const platform::Platform& platform) {
     traceHang("detect begin");
     std::vector<CloudStorageProvider> found;
     const std::string home = platform.realUserHomeDirectory();
-    const std::string iCloud = platform::joinPath(home, "Library/Mobile Documents/com~apple~CloudDocs");
+    const std::string iCloud = iCloudFolder(platform);
     traceHang("detect stat iCloud");
     const auto isThere = looks.ask<bool>(iCloud, [iCloud](PlaceLook& look) {
         struct stat status{};
         return look.files().stat(iCloud, status) == 0 && S_ISDIR(status.st_mode);
     });
     if (isThere.value_or(true))
-        found.push_back({iCloud, "iCloud 云盘", std::nullopt, iCloud, "icloud.fill", isThere.has_value()});
+        found.push_back({iCloud, iCloudName, std::nullopt, iCloud, "icloud.fill", isThere.has_value()});
     const std::vector<std::string> folders =
         looks
             .ask<std::vector<std::string>>(platform::joinPath(home, "Library/CloudStorage"),

@@ -24,6 +24,9 @@ struct CloudStorageProvider {
     friend bool operator==(const CloudStorageProvider&, const CloudStorageProvider&) = default;
 };
 
+// Where iCloud keeps the user's files; it need not be there.
+std::string iCloudFolder(const platform::Platform& platform);
+
 // iCloud first, then the folders in the order of their names; those that don't answer too.
 std::vector<CloudStorageProvider> detectCloudStorage(PlaceLooks& looks, const platform::Platform& platform);
 
