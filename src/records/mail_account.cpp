@@ -1,10 +1,12 @@
 #include "records/mail_account.h"
 
+#include "records/texts/account_texts.h"
+
 namespace corvane {
 
 std::string MailAccount::distinguishedLabel() const {
     std::string label = linkedAccountEmail.value_or(emailAddress);
-    if (isLocalStore) label += "（Mail 本机归档文件夹）";
+    if (isLocalStore) label += localStoreTitle;
     return label;
 }
 

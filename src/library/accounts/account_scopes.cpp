@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "records/texts/account_texts.h"
 #include "text/case.h"
 #include "text/charsets/encoding.h"
 #include "text/split.h"
@@ -13,8 +14,6 @@
 namespace corvane {
 
 namespace {
-
-constexpr std::string_view localStoreTitle = "（Mail 本机归档文件夹）";
 
 bool hasName(const ArchivedEmailRecord& record) {
     return record.accountName && !record.accountName->empty();
