@@ -10,6 +10,7 @@
 #include "locations/archive_locations.h"
 #include "locations/loading/archive_discovery.h"
 #include "locations/loading/archived_files.h"
+#include "locations/loading/same_archives.h"
 #include "locations/place_names.h"
 #include "platform/paths.h"
 #include "platform/stop_watch.h"

@@ -34,22 +34,6 @@ struct LoadedArchive {
 using SearchIndexTable = std::map<std::string, std::shared_ptr<const MailSearchIndex>, std::less<>>;
 using SharedSearchIndexes = std::shared_ptr<const SearchIndexTable>;
 
-// An archive as it is compared with others.
-struct ComparedArchive {
-    Date createdAt{};
-    bool connected = false; // and holds files
-};
-
-// Those that stay of archives of which some may be the same, by position. `haveSharedIDs` is asked of two
-// with one `createdAt` whether the ids of one are among those of the other.
-std::vector<bool> archivesThatStay(const std::vector<ComparedArchive>& archives,
-                                   const std::function<bool(std::size_t, std::size_t)>& haveSharedIDs);
-
-// Two folders are the same archive, copied or seen through two paths, when their indexes have the same
-// `createdAt` and the ids of one are among those of the other: two runs may begin in one second. The first
-// stays, but one that is connected beats one that isn't. Order is kept.
-std::vector<LoadedArchive> dedupeLoadedArchives(std::vector<LoadedArchive> archives);
-
 // All archived mail with its lookups. Immutable, shared between threads.
 struct ArchivedLibrary {
     SharedEntryList entries = std::make_shared<const std::vector<ArchivedEntry>>();
@@ -58,13 +42,13 @@ struct ArchivedLibrary {
     std::unordered_map<std::string_view, std::size_t> positionByBaseID;
 
     // Entry ids are unique from here on: of repeated record ids of one root, which no sound index has, the
-    // first stays.
-    // A set of base ids that equals `earlierBaseIDs` is that very set, which tells cheaply that nothing
-    // follows.
+    // first stays. A set of base ids that equals `earlierBaseIDs` is that very set: whoever depends on it
+    // sees by the pointer that it hasn't changed.
     static std::shared_ptr<const ArchivedLibrary>
     make(std::vector<ArchivedEntry> entries,
          const std::shared_ptr<const SharedTextSet>& earlierBaseIDs = nullptr);
 
+    // Null for one that isn't in the library.
     [[nodiscard]] const ArchivedEntry* entryByBaseID(std::string_view baseID) const;
 };
 

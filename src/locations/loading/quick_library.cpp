@@ -12,6 +12,7 @@
 #include "locations/loading/archive_index_cache.h"
 #include "locations/loading/archived_files.h"
 #include "locations/loading/loaded_archives.h"
+#include "locations/loading/same_archives.h"
 #include "platform/files/file_look.h"
 #include "platform/paths.h"
 #include "records/archive_files/archive_index_file.h"
