@@ -9,7 +9,7 @@
 #include "mailstore/accounts/account_queries.h"
 #include "mailstore/folders/mailbox_url.h"
 #include "mailstore/sqlite/mail_index_query_error.h"
-#include "model/mail/store/mail_access.h"
+#include "model/mail/scan/empty_scan.h"
 #include "model/mail/store/mail_store.h"
 #include "platform/threads/parallel.h"
 #include "records/stores/settings_keys.h"

@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include "mailstore/scan/scope_to_come.h"
+#include "model/mail/scan/empty_scan.h"
 #include "model/mail/scan/scan_job.h"
 #include "platform/stop_watch.h"
 #include "records/timestamps.h"

@@ -9,7 +9,7 @@
 
 #include "mailstore/scan/mail_data_scanner.h"
 #include "model/mail/messages/message_catalog.h"
-#include "model/mail/store/mail_access.h"
+#include "model/mail/scan/empty_scan.h"
 #include "model/mail/store/mail_store.h"
 #include "model/tasks/task_slot.h"
 #include "records/statistics_records.h"

@@ -1,7 +1,6 @@
-// Whether the Mail store is there and can be read, and the user's text where a scan found nothing.
+// Whether the Mail store is there and can be read, and what the user has to permit where it can't.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -13,8 +12,6 @@
 
 namespace corvane {
 
-struct MailStore;
-
 // A store that isn't there is no lack of permission: a folder on the way that can't be looked into is, and an
 // index that gives no byte.
 bool canReadMailData(const std::string& mailRootPath);
@@ -22,17 +19,6 @@ bool canReadMailData(const std::string& mailRootPath);
 // What can't be read of a store of which canReadMailData() is false: the first folder on the way to its
 // index, or the index.
 platform::PathAccess mailDataObstacle(const std::string& mailRootPath);
-
-struct EmptyScanMessage {
-    std::string text;
-    bool isYearRangeInfo = false; // advice on the year, not an error
-};
-
-// Why a scan found nothing. Any thread; touches the disk and may run a query.
-EmptyScanMessage emptyScanFailureMessage(const MailStore& store, std::optional<std::int64_t> maximumYear);
-
-inline constexpr const char* missingMailRootMessage =
-    "没有找到本机 Mail 数据目录。请先打开 Apple Mail 并完成账户同步。";
 
 // Tests the permission in the background and keeps the answer. Main thread.
 class FullDiskAccess : public QObject {
