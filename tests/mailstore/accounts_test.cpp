@@ -9,6 +9,7 @@
 #include "mailstore/accounts/account_identity.h"
 #include "mailstore/accounts/account_queries.h"
 #include "mailstore/accounts/accounts_database.h"
+#include "mailstore/accounts/accounts_in_mail.h"
 #include "mailstore/index/downloads_by_year.h"
 #include "mailstore/index/restored_mail_diagnostics.h"
 #include "mailstore/index/year_counts.h"
@@ -62,15 +63,28 @@ TEST(Accounts, AreNamedByTheBestSourceThatKnowsThem) {
     for (int i = 1; i <= 3; ++i) store.add({.rowID = i, .mailbox = i, .recipients = {"parent@host.org"}});
     store.add({.rowID = 4, .mailbox = 5, .senderAddress = "nobody", .recipients = {"undisclosed"}});
     store.close();
-    writeAccountsDatabase(store,
-                          fmt::format("(1,'{}','none','x me@first.org|y',7),(7,'p','parent@host.org','',0),"
-                                      "(2,'{}','','',7),(3,NULL,'a@b.cc','',0)",
-                                      "aaaaaaaa-1111-2222-3333-444444444444", secondAccount));
+    writeAccountsDatabase(
+        store,
+        fmt::format("(1,'{}','none','x me@first.org|y',7),(7,'p','parent@host.org','',0),"
+                    "(2,'{}','','',7),(3,NULL,'a@b.cc','',0),(4,'DDDDDDDD-1111-2222-3333-444444444444',"
+                    "'josé@host.org','',0)",
+                    "aaaaaaaa-1111-2222-3333-444444444444", secondAccount));
+    EXPECT_THAT(queryEmailsFromAccountsDB(store.context, {"DDDDDDDD-1111-2222-3333-444444444444"}),
+                ElementsAre(Pair("DDDDDDDD-1111-2222-3333-444444444444", "josé@host.org")));
     const auto accounts = queryAccounts(store.context, store.root);
     EXPECT_THAT(labels(accounts), ElementsAre("A imap me@first.org", "B ews parent@host.org",
                                               "C local Host · 本地归档", "E pop 账户 EEEEEEEE…"));
     EXPECT_EQ(accounts[2].linkedAccountEmail, "parent@host.org");
     EXPECT_EQ(accounts[2].distinguishedLabel(), "parent@host.org（Mail 本机归档文件夹）");
+    const auto inMail = queryAccountsInMail(store.context, store.root);
+    EXPECT_TRUE(inMail->areNamesKnown);
+    EXPECT_THAT(inMail->accounts,
+                ElementsAre(AccountInMail{accounts[0].urlPrefix, "x me@first.org|y", "parent@host.org"},
+                            AccountInMail{accounts[1].urlPrefix, "parent@host.org", "parent@host.org"},
+                            AccountInMail{accounts[2].urlPrefix, "", ""},
+                            AccountInMail{accounts[3].urlPrefix, "", ""}));
+    store.home.write("Library/Accounts/Accounts4.sqlite", std::string(5000, 'x'));
+    EXPECT_FALSE(queryAccountsInMail(store.context, store.root)->areNamesKnown);
     EXPECT_THAT(store.leftovers(), IsEmpty());
 }
 
@@ -194,6 +208,23 @@ TEST(YearCounts, CountMessagesOnceByLocalYearWithoutTrash) {
     EXPECT_EQ(sample.missing, 2);
     EXPECT_EQ(sampleMessageFilePresence(store.root, "imap://gone/INBOX", {1, 2}).missing, 2);
     EXPECT_THAT(store.leftovers(), IsEmpty());
+}
+
+TEST(YearCounts, CountAPartialMessageOnceAYearAndEachRowInOneAccount) {
+    SampleMailStore store;
+    const std::string inbox = std::string(firstAccount) + "/INBOX.mbox/Data";
+    store.addMailbox(url("imap", firstAccount, "INBOX"), inbox);
+    store.addMailbox(url("imap", secondAccount, firstAccount), "");
+    constexpr std::int64_t year = 366 * 86'400;
+    for (int row = 1; row <= 3; ++row)
+        store.add({.rowID = row, .messageID = 7, .date = startOf2024 + row % 2 * year, .hasFile = false});
+    store.add({.rowID = 4, .mailbox = 2, .messageID = 8, .hasFile = false});
+    store.close();
+    for (const char* part : {"1", "2"})
+        store.home.write(fmt::format("Library/Mail/V10/{}/Messages/{}.partial.emlx", inbox, part), "x");
+    const auto counts = downloadsByYear(store.context, store.root, {std::string("imap://") + firstAccount});
+    EXPECT_THAT(counts->partialByReceipt, ElementsAre(Pair(2024, 1), Pair(2025, 1)));
+    EXPECT_THAT(counts->aloneByReceipt, IsEmpty());
 }
 
 TEST(AccountsAndYears, AreEmptyWithoutAnAnswer) {

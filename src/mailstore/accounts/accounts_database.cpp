@@ -1,5 +1,6 @@
 #include "mailstore/accounts/accounts_database.h"
 
+#include <algorithm>
 #include <optional>
 #include <string_view>
 #include <unordered_map>
@@ -17,6 +18,7 @@
 #include "text/case.h"
 #include "text/regex.h"
 #include "text/split.h"
+#include "text/trim.h"
 
 namespace corvane::mailstore {
 
@@ -38,6 +40,16 @@ std::optional<std::string> addressIn(std::string_view text) {
     return std::string(match->group(0, text));
 }
 
+// A user name of other letters than ASCII, which the pattern would take a piece of.
+std::optional<std::string> addressOfUser(std::string_view user) {
+    static const text::Regex pattern("[^\\s@<>()\\[\\],;:\"]+@[^\\s@<>()\\[\\],;:\"]+");
+    const std::string_view name = text::trimWhitespaceAndNewlines(user);
+    const bool isOther = std::ranges::any_of(name, [](char byte) { return (byte & 0x80) != 0; });
+    const auto match = isOther ? pattern.firstMatch(name) : std::nullopt;
+    if (match && match->group(0, name) == name) return std::string(name);
+    return addressIn(user);
+}
+
 struct SystemAccount {
     std::string key;
     std::string parentKey;
@@ -56,7 +68,7 @@ SystemAccounts parseAccounts(std::string_view output) {
         if (columns.size() < 5) continue;
         SystemAccount account{.key = std::string(columns[0]),
                               .parentKey = std::string(columns.back()),
-                              .address = addressIn(columns[2])};
+                              .address = addressOfUser(columns[2])};
         if (!account.address) account.address = addressIn(columns[3]);
         accounts.addressByKey.emplace(account.key, account.address);
         accounts.byIdentifier.emplace(text::asciiUppercased(columns[1]), std::move(account));

@@ -1,17 +1,21 @@
 #include "mailstore/index/downloads_by_year.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 #include <string_view>
 #include <tuple>
 #include <utility>
 
 #include <fmt/format.h>
 
+#include "mailstore/folders/mailbox_url.h"
 #include "mailstore/folders/message_file_index.h"
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/index_sql.h"
 #include "mailstore/sqlite/shell_queries.h"
+#include "text/case.h"
 
 namespace corvane::mailstore {
 
@@ -51,25 +55,27 @@ void countUndownloaded(std::vector<Copy> copies, DownloadsByYear& downloads) {
 // alone.
 void countByReceipt(std::vector<Copy> copies, DownloadsByYear& downloads) {
     std::ranges::sort(copies, {},
-                      [](const Copy& copy) { return std::tuple(copy.message, copy.part, copy.year); });
-    const Copy* first = nullptr;
-    const Copy* counted = nullptr;
-    for (const Copy& copy : copies) {
-        if (first == nullptr || first->message != copy.message) first = &copy;
-        const bool isRepeated =
-            counted != nullptr && counted->message == copy.message && counted->year == copy.year;
-        if (first->part == Copy::Part::whole || isRepeated) continue;
-        counted = &copy;
-        ++(first->part == Copy::Part::some ? downloads.partialByReceipt
-                                           : downloads.aloneByReceipt)[copy.year];
+                      [](const Copy& copy) { return std::tuple(copy.message, copy.year, copy.part); });
+    for (auto first = copies.begin(); first != copies.end();) {
+        const auto end = std::find_if(first, copies.end(),
+                                      [&](const Copy& copy) { return copy.message != first->message; });
+        const Copy::Part most = std::ranges::min(std::ranges::subrange(first, end), {}, &Copy::part).part;
+        auto& years = most == Copy::Part::some ? downloads.partialByReceipt : downloads.aloneByReceipt;
+        for (auto copy = first; copy != end && most != Copy::Part::whole; ++copy) {
+            if (copy == first || std::prev(copy)->year != copy->year) ++years[copy->year];
+        }
+        first = end;
     }
 }
 
 // Gathers what the rows of the index say.
 class IndexRows {
   public:
-    explicit IndexRows(const std::string& rootPath)
-      : files_(rootPath) {}
+    // Without prefixes rows of all accounts count.
+    IndexRows(const std::string& rootPath, const std::vector<std::string>& accountURLPrefixes)
+      : files_(rootPath) {
+        for (const std::string& prefix : accountURLPrefixes) accounts_.push_back(withoutImapScheme(prefix));
+    }
 
     void add(JsonRow& row) {
         const auto rowID = row.integer("rid");
@@ -77,7 +83,7 @@ class IndexRows {
         const auto url = row.text("url");
         const auto year = row.integer("y");
         const auto receivedYear = row.integer("ry");
-        if (!rowID || !url || (!year && !receivedYear)) return;
+        if (!rowID || !url || (!year && !receivedYear) || !isAsked(*url)) return;
         const Copy::Part part = partOf(files_, *url, *rowID);
         const bool hasMessage = message && *message != 0;
         if (hasMessage && year) copies_.push_back({.year = *year, .message = *message, .part = part});
@@ -96,7 +102,20 @@ class IndexRows {
     }
 
   private:
+    static constexpr std::size_t uuidLength = 36;
+
+    // By the part of the url that names an account: a mailbox may be named like another one.
+    [[nodiscard]] bool isAsked(std::string_view url) const {
+        const std::size_t scheme = url.find("://");
+        if (accounts_.empty() || scheme == std::string_view::npos) return true;
+        const std::string_view rest = url.substr(scheme + 3);
+        const std::string_view account = rest.substr(0, rest.find('/'));
+        const auto isIt = [&](const std::string& each) { return text::containsIgnoringCase(account, each); };
+        return account.size() < uuidLength || std::ranges::any_of(accounts_, isIt);
+    }
+
     MessageFileIndex files_;
+    std::vector<std::string> accounts_; // as urls name them
     std::vector<Copy> copies_;
     std::vector<Copy> byReceipt_;
     DownloadsByYear downloads_;
@@ -116,7 +135,7 @@ std::optional<DownloadsByYear> downloadsByYear(const MailStoreContext& context, 
                                         "m.date_received > 0 THEN {} END AS ry\n{};",
                                         messageDateExpression, localYearOf(messageDateExpression),
                                         localYearOf("m.date_received"), *messages);
-    IndexRows rows(rootPath);
+    IndexRows rows(rootPath, accountURLPrefixes);
     if (!runJSONRows(context, sql, index, [&](JsonRow& row) { rows.add(row); })) return std::nullopt;
     return rows.result();
 }
