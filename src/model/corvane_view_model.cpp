@@ -261,8 +261,8 @@ void CorvaneViewModel::wireOverview() {
     connect(&library_.presence, &PresenceFlow::presenceChanged, this, refresh);
     // Who asks Mail again asks for all of it.
     connect(&library_.presence, &PresenceFlow::presenceChanged, this, [this] {
-        if (library_.presence.archivedOriginalPresenceChecking() && mail_.counts.hasFailed())
-            mail_.counts.refreshIndexedYearCounts(mail_.catalog.messages());
+        if (library_.presence.archivedOriginalPresenceChecking())
+            mail_.counts.refreshIfOld(mail_.catalog.messages());
     });
     connect(&mail_.counts, &IndexCounts::countsChanged, this, refresh);
     connect(&mail_.accounts, &AccountDirectory::selectionChanged, this, refresh);

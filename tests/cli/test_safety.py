@@ -84,7 +84,18 @@ class Safety(CliCase):
             return self.run_cli(self.mail, "guide", key, "--year", year)
 
         self.assertEqual((guide()["years"], "leftOut" in guide()), ([year], False))
+        # The user gives the account another name, and Mail gets another account.
+        system = sqlite3.connect(self.mail / "Library/Accounts/Accounts4.sqlite")
+        system.execute("DELETE FROM ZACCOUNT WHERE ZIDENTIFIER = ? COLLATE NOCASE", (account[7:],))
+        system.execute("INSERT INTO ZACCOUNT(ZIDENTIFIER, ZACCOUNTDESCRIPTION) VALUES(?, '改名')", (account[7:],))
+        system.commit()
+        self.assertIn("「账号」是「改名」", guide()["conditionText"])
         store = sqlite3.connect(self.mail / INDEX)
+        store.execute("INSERT INTO mailboxes(ROWID, url) VALUES(9999, 'imap://11111111-2222-4333-8444-555555555555/IN')")
+        store.execute("INSERT INTO messages(ROWID, mailbox) VALUES(999999, 9999)")
+        store.commit()
+        self.assertEqual(guide()["years"], [])
+        store.execute("DELETE FROM messages WHERE ROWID = 999999")
         store.execute("UPDATE messages SET date_received = strftime('%s', ?) WHERE ROWID = ?",
                       (f"{year}-06-01", int(paths[0].stem)))
         store.commit()

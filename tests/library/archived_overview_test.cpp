@@ -185,10 +185,27 @@ TEST(ArchivedOverview, AYearIsOfferedOnlyWhenNothingElseIsFoundByItsSearch) {
         .availableAccounts = {makeAccount("imap://A", "a@x"), makeAccount("imap://B", "b@x")}};
     input.archiveAccountMergeRules = {{"mail-account:a@x", "b@x"}};
     Overview named = overviewOf(std::move(input));
-    EXPECT_EQ(named.groups[0].mailNames, std::vector<std::string>{"a@x"});
-    named.groups[0].namesakes = {"imap://B"};
-    EXPECT_EQ(offered(named), std::vector<std::int64_t>{2020});
+    EXPECT_EQ(named.stats().groups[0].mailNames, (std::vector<MailName>{{"a@x", ""}}));
     named.facts.unbackedYearCounts["imap://B"][2020] = 1;
+    EXPECT_EQ(offered(named), std::vector<std::int64_t>{2020});
+    // By the name that Mail shows, which the user may have changed since the accounts were read.
+    named.facts.inMail.accounts = {{"imap://A", "Work", "a@x"}, {"imap://B", "家", "b@x"}};
+    EXPECT_EQ(named.stats().groups[0].mailNames, (std::vector<MailName>{{"Work", "a@x"}}));
+    EXPECT_EQ(offered(named), std::vector<std::int64_t>{2020});
+    for (const AccountInMail& other : std::vector<AccountInMail>{
+             {"imap://B", "work ", "b@x"}, {"imap://B", "A@x", "b@x"}, {"imap://B", "家", "a@x"}}) {
+        named.facts.inMail.accounts[1] = other;
+        EXPECT_TRUE(offered(named).empty()) << other.shownName;
+    }
+    // One that nobody has listed yet.
+    named.facts.unbackedYearCounts.clear();
+    named.facts.unscannedAccounts = {"imap://new"};
+    using Named = std::pair<const char*, bool>;
+    for (const auto& [name, isOffered] : {Named("Work", false), Named("", false), Named("家", true)}) {
+        named.facts.inMail.accounts[1] = {"imap://new", name, ""};
+        EXPECT_EQ(!offered(named).empty(), isOffered) << name;
+    }
+    named.facts.inMail = {{{"imap://A", "", ""}}, false};
     EXPECT_TRUE(offered(named).empty());
 }
 
@@ -208,8 +225,7 @@ TEST(ArchivedOverview, GroupsMeanTheAccountsThatRecordsLabelsAndRulesLeadTo) {
     EXPECT_EQ(overview.groups[0].key, "usergroup:组");
     EXPECT_EQ(overview.groups[0].mailAccounts, (MailAccountKeys{"imap://B", "imap://D"}));
     EXPECT_EQ(overview.groups[1].mailAccounts, (MailAccountKeys{"imap://A", "imap://gone"}));
-    EXPECT_EQ(overview.groups[0].mailNames, (std::vector<std::string>{"b@x", "D@x"}));
-    EXPECT_EQ(overview.groups[0].namesakes, MailAccountKeys());
+    EXPECT_EQ(overview.stats().groups[0].mailNames, (std::vector<MailName>{{"b@x", ""}, {"D@x", ""}}));
     EXPECT_EQ(overview.groups[2].mailAccounts, MailAccountKeys());
 
     const auto groups = archiveAccountGroups(*overview.index);
@@ -223,7 +239,7 @@ TEST(ArchivedOverview, GroupsMeanTheAccountsThatRecordsLabelsAndRulesLeadTo) {
 
 TEST(SmartMailboxGuide, SpansOnlyAdjoiningYears) {
     const std::vector<std::int64_t> years = {2022, 2019, 2020, 2019};
-    const std::vector<std::string> names = {"a@x", "b@x"};
+    const std::vector<MailName> names = {{"a@x", ""}, {"b@x", ""}};
     const auto targets = smartMailboxGuideTargets(names, years);
     ASSERT_EQ(targets, (std::vector<SmartMailboxGuideTarget>{
                            {"a@x", {2019, 2020}}, {"a@x", {2022}}, {"b@x", {2019, 2020}}, {"b@x", {2022}}}));
@@ -237,6 +253,8 @@ TEST(SmartMailboxGuide, SpansOnlyAdjoiningYears) {
     EXPECT_EQ(conditionText({"a@x", {}}), "");
     EXPECT_EQ(suggestedName({"a@x", {}}), "可删除");
     EXPECT_TRUE(smartMailboxGuideTargets(names, {}).empty());
+    EXPECT_EQ(smartMailboxGuideSteps({"Work", {2019}, "a@x"})[1].lines[1],
+              "「Work」是 Mail 里显示的账户名称,它的地址是 a@x。");
 }
 
 TEST(SpaceDetail, TicksSumAndGatherTheMessagesOfSenders) {

@@ -18,7 +18,7 @@ TEST(FoundByMail, KnowsWhatASearchByAccountAndReceiptFindsBesideTheList) {
         makeAll({{.id = "/A/1.emlx"}, {.id = "/A/2.emlx"}, {.id = "/B/3.emlx", .mailbox = "Trash"}});
     messages[1].relatedMessageFileURLs = {
         {FileURL("/A/2.emlx"), FileURL("/B/7.emlx"), FileURL("/A/odd.emlx")}};
-    FoundByMailMaker maker(std::make_shared<const MessageList>(messages));
+    FoundByMailMaker maker(std::make_shared<const MessageList>(messages), {});
     mailstore::DownloadsByYear ofA;
     ofA.partialByReceipt = {{2019, 4}};
     ofA.storedRows = {{1, 2024}, {2, 2025}, {3, 2024}, {9, 2020}};

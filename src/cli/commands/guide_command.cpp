@@ -35,12 +35,6 @@ struct Guide {
     AwayProofs away; // of the mail that is to be deleted
 };
 
-// The account that has the group's own name stands for it; one of another name is there as Mail has it.
-std::vector<std::string> namesOf(const ArchivedOverviewGroup& group) {
-    const bool hasOwn = std::ranges::find(group.mailNames, group.title) != group.mailNames.end();
-    return hasOwn ? std::vector{group.title} : group.mailNames;
-}
-
 Guide guideOf(const ArchivedOverview& overview, const GuideOptions& options) {
     const std::size_t place = overviewGroup(overview, options.account);
     const ArchivedOverviewGroup& group = (*overview.groups)[place];
@@ -52,7 +46,7 @@ Guide guideOf(const ArchivedOverview& overview, const GuideOptions& options) {
     std::erase_if(years, [&](std::int64_t year) { return !isAsked(year); });
     std::vector<LeftOutYear> leftOut = leftOutYears(group, stats);
     std::erase_if(leftOut, [&](const LeftOutYear& each) { return !isAsked(each.year); });
-    return {{group.title, years}, smartMailboxGuideTargets(namesOf(group), years), std::move(leftOut), {}};
+    return {{group.title, years}, smartMailboxGuideTargets(stats.mailNames, years), std::move(leftOut), {}};
 }
 
 // Whether the guide is about the message, by the list's account and year.
@@ -84,6 +78,25 @@ void writeLeftOut(JsonDocument& document, const std::vector<LeftOutYear>& years)
     });
 }
 
+// Only where Mail shows an account by another name than its address.
+void writeAccountNames(JsonDocument& document, const Guide& guide) {
+    std::vector<MailName> names;
+    for (const SmartMailboxGuideTarget& mailbox : guide.mailboxes) {
+        const MailName name{.shown = mailbox.accountName, .address = mailbox.accountAddress};
+        if (!name.address.empty() && std::ranges::find(names, name) == names.end()) names.push_back(name);
+    }
+    if (names.empty()) return;
+    document.key("accountsInMail");
+    document.array([&] {
+        for (const MailName& name : names) {
+            document.object([&] {
+                document.member("name", name.shown);
+                document.member("address", name.address);
+            });
+        }
+    });
+}
+
 void printJson(const Guide& guide) {
     JsonDocument document;
     document.object([&] {
@@ -91,6 +104,7 @@ void printJson(const Guide& guide) {
         document.member("years", guide.whole.years);
         document.member("suggestedName", lines(guide, &suggestedName));
         document.member("conditionText", lines(guide, &conditionText));
+        writeAccountNames(document, guide);
         if (!guide.leftOut.empty()) writeLeftOut(document, guide.leftOut);
         writeAwayProofs(document, guide.away);
     });

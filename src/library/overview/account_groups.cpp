@@ -8,6 +8,7 @@
 
 #include "records/archived/counted_bytes.h"
 #include "text/case.h"
+#include "text/collation.h"
 #include "text/trim.h"
 
 namespace corvane {
@@ -122,36 +123,95 @@ std::vector<std::string> groupKeysOf(const MailAccount& account, const ArchiveAc
 }
 
 std::string comparable(std::string_view name) {
-    return text::lowercased(text::trimWhitespaceAndNewlines(name));
+    return text::canonicallyComposed(text::lowercased(text::trimWhitespaceAndNewlines(name)));
 }
 
-// Somebody who looks for this name in Mail may choose the account: by its label, by its address, or by its
-// address with a remark of ours behind it.
-bool mayBeNamed(const MailAccount& account, std::string_view name) {
-    const std::string looked = comparable(name);
-    if (looked == comparable(account.distinguishedLabel())) return true;
-    const std::string address = comparable(account.emailAddress);
-    if (account.isLocalStore || address.empty()) return false;
-    return looked == address || looked.starts_with(address + "（") || looked.starts_with(address + " (");
+// An account as it was read with the list, as Mail has it now, or both.
+struct AccountNames {
+    std::string_view key;
+    const MailAccount* known = nullptr;
+    const AccountInMail* inMail = nullptr;
+
+    [[nodiscard]] bool isLocalStore() const { return known != nullptr && known->isLocalStore; }
+
+    // Nothing tells how Mail shows it, so it may be by any name.
+    [[nodiscard]] bool isNameless() const {
+        if (inMail == nullptr || !inMail->shownName.empty()) return false;
+        return known == nullptr || (!known->isLocalStore && !known->emailAddress.contains('@'));
+    }
+};
+
+// The known ones in their order, then those that Mail has had since.
+std::vector<AccountNames> joined(const std::vector<MailAccount>& knownAccounts,
+                                 const std::vector<AccountInMail>& inMail) {
+    std::vector<AccountNames> accounts;
+    for (const MailAccount& account : knownAccounts)
+        accounts.push_back({account.urlPrefix, &account, nullptr});
+    for (const AccountInMail& account : inMail) {
+        const auto known = std::ranges::find(accounts, account.urlPrefix, &AccountNames::key);
+        if (known != accounts.end())
+            known->inMail = &account;
+        else
+            accounts.push_back({account.urlPrefix, nullptr, &account});
+    }
+    return accounts;
+}
+
+MailName nameOf(const AccountNames& account, const ArchiveAccountScope& group) {
+    std::string label = account.known != nullptr ? account.known->distinguishedLabel() : group.title;
+    if (ArchiveAccountScope::canonicalKey(label) == group.key) label = group.title;
+    if (account.inMail == nullptr || account.inMail->shownName.empty() || account.isLocalStore())
+        return {.shown = std::move(label), .address = {}};
+    const AccountInMail& inMail = *account.inMail;
+    std::string address = !inMail.address.empty()         ? inMail.address
+                          : label.find('@') == label.npos ? std::string()
+                                                          : std::move(label);
+    if (comparable(address) == comparable(inMail.shownName)) address.clear();
+    return {.shown = inMail.shownName, .address = std::move(address)};
+}
+
+// Somebody who looks for this text in Mail may choose the account: by what Mail shows, by our label, by its
+// address, or by that with a remark of ours behind it.
+bool mayBeNamed(const AccountNames& account, const std::string& looked) {
+    if (looked.empty()) return false;
+    if (account.isNameless()) return true;
+    std::vector<std::string> addresses;
+    if (account.known != nullptr) {
+        if (looked == comparable(account.known->distinguishedLabel())) return true;
+        addresses.push_back(comparable(account.known->emailAddress));
+    }
+    if (account.isLocalStore()) return false;
+    if (account.inMail != nullptr) {
+        addresses.push_back(comparable(account.inMail->shownName));
+        addresses.push_back(comparable(account.inMail->address));
+    }
+    return std::ranges::any_of(addresses, [&](const std::string& address) {
+        return !address.empty() && (looked == address || looked.starts_with(address + "（") ||
+                                    looked.starts_with(address + " ("));
+    });
 }
 
 } // namespace
 
-MailNames mailNamesOf(const LibraryAccountFilterOption& group, const MailAccountKeys& mailAccounts,
-                      const std::vector<MailAccount>& knownAccounts) {
+MailNames mailNamesOf(const ArchiveAccountScope& group, const MailAccountKeys& mailAccounts,
+                      const std::vector<MailAccount>& knownAccounts,
+                      const std::vector<AccountInMail>& inMail) {
+    const std::vector<AccountNames> accounts = joined(knownAccounts, inMail);
     MailNames result;
-    for (const MailAccount& account : knownAccounts) {
-        if (!mailAccounts.contains(account.urlPrefix)) continue;
-        std::string label = account.distinguishedLabel();
-        if (ArchiveAccountScope::canonicalKey(label) == group.key) label = group.title;
-        if (std::ranges::find(result.names, label) == result.names.end())
-            result.names.push_back(std::move(label));
+    for (const AccountNames& account : accounts) {
+        // Of what Mail has no mail any more there is nothing to choose.
+        if (!mailAccounts.contains(account.key) || (account.inMail == nullptr && !inMail.empty())) continue;
+        MailName name = nameOf(account, group);
+        if (std::ranges::find(result.names, name) == result.names.end())
+            result.names.push_back(std::move(name));
     }
-    if (result.names.empty()) result.names = {group.title};
-    for (const MailAccount& account : knownAccounts) {
-        const bool isNamed = std::ranges::any_of(
-            result.names, [&](const std::string& name) { return mayBeNamed(account, name); });
-        if (isNamed && !mailAccounts.contains(account.urlPrefix)) result.namesakes.insert(account.urlPrefix);
+    if (result.names.empty()) result.names = {{.shown = group.title, .address = {}}};
+    for (const AccountNames& account : accounts) {
+        const bool isNamed = std::ranges::any_of(result.names, [&](const MailName& name) {
+            return mayBeNamed(account, comparable(name.shown)) ||
+                   mayBeNamed(account, comparable(name.address));
+        });
+        if (isNamed && !mailAccounts.contains(account.key)) result.namesakes.emplace(account.key);
     }
     return result;
 }

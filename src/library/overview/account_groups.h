@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "library/library_index.h"
+#include "records/account_in_mail.h"
 
 namespace corvane {
 
@@ -50,13 +51,22 @@ using MailAccountKeys = std::set<std::string, std::less<>>;
 std::vector<MailAccountKeys>
 mailAccountsOfGroups(const ArchiveLibraryIndex& index); // in the order of `accounts()`
 
-// How Mail shows the accounts of a group, for who has to choose one of them there.
-struct MailNames {
-    std::vector<std::string> names; // the group's title where none of its accounts is known
-    MailAccountKeys namesakes;      // known accounts, not of the group, that one of the names may lead to
+// By what somebody finds an account in Mail's own menus.
+struct MailName {
+    std::string shown;   // as Mail shows it; our label of the account where that isn't known
+    std::string address; // empty where it is the same, or isn't known
+
+    friend bool operator==(const MailName&, const MailName&) = default;
 };
 
-MailNames mailNamesOf(const LibraryAccountFilterOption& group, const MailAccountKeys& mailAccounts,
-                      const std::vector<MailAccount>& knownAccounts);
+struct MailNames {
+    std::vector<MailName> names; // of the group's accounts that Mail has; its title where there are none
+    MailAccountKeys namesakes;   // other accounts that one of the names, or its address, may lead to
+};
+
+// `knownAccounts` are those that were read with the list of messages, `inMail` is how Mail has them now.
+MailNames mailNamesOf(const ArchiveAccountScope& group, const MailAccountKeys& mailAccounts,
+                      const std::vector<MailAccount>& knownAccounts,
+                      const std::vector<AccountInMail>& inMail);
 
 } // namespace corvane

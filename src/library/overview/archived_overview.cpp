@@ -102,15 +102,15 @@ class OverviewCounter {
     [[nodiscard]] ArchivedOverviewStats::Group count(const ArchivedOverviewGroup& group) const;
 
   private:
-    [[nodiscard]] ArchivedOverviewStats::Year count(const ArchivedOverviewGroup& group,
-                                                    const YearGroup& year) const;
+    [[nodiscard]] ArchivedOverviewStats::Year count(const ArchivedOverviewGroup& group, const YearGroup& year,
+                                                    const MailAccountKeys& namesakes) const;
     // Adds what would be freed if the year may be cleaned.
     [[nodiscard]] FolderPresence count(const FolderRow& folder, ArchivedOverviewStats::Year& year) const;
     [[nodiscard]] Status statusOf(const FolderPresence& presence, const ArchivedOverviewGroup& group,
                                   std::int64_t year) const;
     // What the search for the year's mail would find that may not be deleted.
-    [[nodiscard]] ArchivedOverviewStats::FoundBesides besides(const ArchivedOverviewGroup& group,
-                                                              std::int64_t year) const;
+    [[nodiscard]] ArchivedOverviewStats::FoundBesides
+    besides(const ArchivedOverviewGroup& group, std::int64_t year, const MailAccountKeys& namesakes) const;
     // All mail that the group's accounts have of the year is known to be archived.
     [[nodiscard]] bool isArchived(const ArchivedOverviewGroup& group, std::int64_t year) const;
 
@@ -173,8 +173,8 @@ bool OverviewCounter::isArchived(const ArchivedOverviewGroup& group, std::int64_
     return isWhollyKnown && countIn(facts_.unbackedYearCounts, group.mailAccounts, year) == 0;
 }
 
-ArchivedOverviewStats::Year OverviewCounter::count(const ArchivedOverviewGroup& group,
-                                                   const YearGroup& year) const {
+ArchivedOverviewStats::Year OverviewCounter::count(const ArchivedOverviewGroup& group, const YearGroup& year,
+                                                   const MailAccountKeys& namesakes) const {
     ArchivedOverviewStats::Year stats;
     for (const FolderRow& folder : year.folders) {
         const FolderPresence presence = count(folder, stats);
@@ -193,30 +193,35 @@ ArchivedOverviewStats::Year OverviewCounter::count(const ArchivedOverviewGroup& 
                             return folder.status == Status::cleanable;
                         });
     if (stats.isCleanable)
-        stats.besides = besides(group, year.year);
+        stats.besides = besides(group, year.year, namesakes);
     else
         stats.freeable = stats.repeated = {};
     return stats;
 }
 
 ArchivedOverviewStats::FoundBesides OverviewCounter::besides(const ArchivedOverviewGroup& group,
-                                                             std::int64_t year) const {
+                                                             std::int64_t year,
+                                                             const MailAccountKeys& namesakes) const {
     ArchivedOverviewStats::FoundBesides found;
     found.serverAlone = countIn(facts_.serverAloneByReceipt, group.mailAccounts, year);
     found.unlisted = countIn(facts_.unlistedByReceipt, group.mailAccounts, year);
     for (const auto* counts : {&facts_.unbackedYearCounts, &facts_.unprovenYearCounts,
                                &facts_.serverAloneByReceipt, &facts_.unlistedByReceipt})
-        found.ofNamesakes += countIn(*counts, group.namesakes, year);
-    found.ofNamesakes += std::ranges::count_if(
-        facts_.unscannedAccounts, [&](const std::string& key) { return group.namesakes.contains(key); });
+        found.ofNamesakes += countIn(*counts, namesakes, year);
+    found.newNamesakes = std::ranges::count_if(
+        facts_.unscannedAccounts, [&](const std::string& key) { return namesakes.contains(key); });
+    found.areNamesUnknown = !facts_.inMail.areNamesKnown;
     return found;
 }
 
 ArchivedOverviewStats::Group OverviewCounter::count(const ArchivedOverviewGroup& group) const {
     ArchivedOverviewStats::Group stats;
     stats.undownloaded = countInAllYears(facts_.undownloadedYearCounts, group.mailAccounts);
+    MailNames names = mailNamesOf({group.key, group.title}, group.mailAccounts,
+                                  index_.input().availableAccounts, facts_.inMail.accounts);
+    stats.mailNames = std::move(names.names);
     for (const YearGroup& year : group.years) {
-        stats.years.push_back(count(group, year));
+        stats.years.push_back(count(group, year, names.namesakes));
         stats.freeable += stats.years.back().freeable;
         stats.removed += stats.years.back().removed;
         stats.unknown += stats.years.back().unknown;
@@ -245,9 +250,6 @@ std::vector<ArchivedOverviewGroup> archivedOverviewGroups(const ArchiveLibraryIn
     for (const LibraryAccountFilterOption& option : index.accountOptions()) {
         groups.push_back(groupOf(index, option));
         groups.back().mailAccounts = *accountsByKey.at(option.key);
-        MailNames names = mailNamesOf(option, groups.back().mailAccounts, index.input().availableAccounts);
-        groups.back().mailNames = std::move(names.names);
-        groups.back().namesakes = std::move(names.namesakes);
     }
     return groups;
 }
@@ -287,6 +289,9 @@ std::vector<std::int64_t> overviewCleanableYears(const ArchivedOverviewGroup& gr
     return years;
 }
 
+namespace {
+
+// Empty for nothing.
 std::string reasonText(const ArchivedOverviewStats::FoundBesides& besides) {
     std::string text;
     const auto add = [&](std::int64_t count, std::string_view what) {
@@ -298,7 +303,27 @@ std::string reasonText(const ArchivedOverviewStats::FoundBesides& besides) {
         "按收到日期选还会选中 {} 封只在服务器上的邮件，删除它就是删除唯一的一份，请先在 Mail 里下载并归档");
     add(besides.unlisted, "按收到日期选还会选中 {} 封上次扫描之后才有的邮件，请先更新 Mail 数据");
     add(besides.ofNamesakes, "Mail 里另一个账户也是这个名称，它有 {} 封邮件还没有核对");
+    add(besides.newNamesakes, "Mail 里另有 {} 个账户也是这个名称，还没有扫描，请先更新 Mail 数据");
+    add(besides.areNamesUnknown ? 1 : 0, "没能读取 Mail 里账户的名称，条件会选中哪个账户不得而知");
     return text;
+}
+
+} // namespace
+
+std::string leftOutReason(const ArchivedOverviewStats::Year& year) {
+    if (!year.besides.isNothing()) return reasonText(year.besides);
+    if (year.awaitsProof) return "还有原件没有核对";
+    switch (year.status) {
+    case Status::incomplete:
+    case Status::serverUnbacked:
+        return "还有邮件没有归档，或与归档不一致";
+    case Status::pendingReview:
+        return "有邮件需要手动确认";
+    case Status::completed:
+        return "原件已经不在 Mail 里";
+    default:
+        return "还没有确认";
+    }
 }
 
 std::vector<LeftOutYear> leftOutYears(const ArchivedOverviewGroup& group,
@@ -306,8 +331,8 @@ std::vector<LeftOutYear> leftOutYears(const ArchivedOverviewGroup& group,
     std::vector<LeftOutYear> years;
     for (std::size_t number = 0; number < group.years.size(); ++number) {
         const ArchivedOverviewStats::Year& year = stats.years[number];
-        if (year.isCleanable && !year.isOffered())
-            years.push_back({group.years[number].year, reasonText(year.besides)});
+        if ((year.isCleanable && !year.isOffered()) || year.awaitsProof)
+            years.push_back({group.years[number].year, leftOutReason(year)});
     }
     return years;
 }

@@ -81,9 +81,6 @@ struct ArchivedOverviewGroup {
     std::int64_t bytes = 0;
     MailSum undated{};              // stands in no year
     MailAccountKeys mailAccounts{}; // that hold the originals
-    // As Mail names these accounts, for who has to choose one there; that of the group where none is known.
-    std::vector<std::string> mailNames{};
-    MailAccountKeys namesakes{};    // other accounts that one of these names may lead to
     std::vector<YearGroup> years{}; // oldest first
 };
 
@@ -115,6 +112,7 @@ struct ArchivedOverviewFacts {
     YearCountsByAccount unlistedByReceipt{};
     // Accounts of Mail of whose mail nothing is known, since nobody has listed it.
     std::set<std::string> unscannedAccounts{};
+    AccountsInMail inMail{}; // how Mail has its accounts now
 };
 
 struct FolderPresence {
@@ -137,9 +135,11 @@ struct ArchivedOverviewStats {
 
     // Mail that the search in Mail for a year's mail would find beside what may be deleted.
     struct FoundBesides {
-        std::int64_t serverAlone = 0; // with the only copy
-        std::int64_t unlisted = 0;    // not in the last scan
-        std::int64_t ofNamesakes = 0; // unproven, of accounts that Mail shows by the same name
+        std::int64_t serverAlone = 0;  // with the only copy
+        std::int64_t unlisted = 0;     // not in the last scan
+        std::int64_t ofNamesakes = 0;  // unproven, of accounts that Mail shows by the same name
+        std::int64_t newNamesakes = 0; // such accounts that nobody has listed
+        bool areNamesUnknown = false;  // nobody could read how Mail names its accounts
 
         [[nodiscard]] bool isNothing() const { return *this == FoundBesides(); }
 
@@ -167,6 +167,7 @@ struct ArchivedOverviewStats {
         MailSum removed;
         MailSum unknown;
         std::int64_t undownloaded = 0;
+        std::vector<MailName> mailNames; // for who has to choose one of its accounts in Mail
         std::vector<Year> years;
     };
 
@@ -187,7 +188,7 @@ ArchivedOverviewRowStatus archivedOverviewStatus(const std::vector<ArchivedOverv
 std::vector<std::int64_t> overviewCleanableYears(const ArchivedOverviewGroup& group,
                                                  const ArchivedOverviewStats::Group& stats);
 
-// A year of which every folder may be cleaned, and which no search in Mail is given for.
+// A year that no search in Mail is given for, though every folder may be cleaned or has only to be compared.
 struct LeftOutYear {
     std::int64_t year = 0;
     std::string reason; // for the user, without a full stop
@@ -196,8 +197,8 @@ struct LeftOutYear {
 std::vector<LeftOutYear> leftOutYears(const ArchivedOverviewGroup& group,
                                       const ArchivedOverviewStats::Group& stats);
 
-// For the user, without a full stop; empty where nothing is found besides.
-std::string reasonText(const ArchivedOverviewStats::FoundBesides& besides);
+// Why a year isn't offered, for the user, without a full stop.
+std::string leftOutReason(const ArchivedOverviewStats::Year& year);
 
 // Whether a year is shown under a filter.
 bool isShown(const ArchivedOverviewStats::Year& year, ArchivedOverviewFilter filter);

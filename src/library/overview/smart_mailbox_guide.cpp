@@ -21,18 +21,18 @@ std::string suggestedName(const SmartMailboxGuideTarget& target) {
                                     : fmt::format("可删除·{}–{}", lowest, highest);
 }
 
-std::vector<SmartMailboxGuideTarget> smartMailboxGuideTargets(std::span<const std::string> mailNames,
+std::vector<SmartMailboxGuideTarget> smartMailboxGuideTargets(std::span<const MailName> mailNames,
                                                               std::span<const std::int64_t> offeredYears) {
     std::vector<std::int64_t> years(offeredYears.begin(), offeredYears.end());
     std::ranges::sort(years);
     const auto repeated = std::ranges::unique(years);
     years.erase(repeated.begin(), repeated.end());
     std::vector<SmartMailboxGuideTarget> targets;
-    for (const std::string& name : mailNames) {
+    for (const MailName& name : mailNames) {
         bool isFirst = true;
         for (const std::int64_t year : years) {
             if (std::exchange(isFirst, false) || targets.back().years.back() + 1 != year)
-                targets.push_back({.accountName = name, .years = {}});
+                targets.push_back({.accountName = name.shown, .years = {}, .accountAddress = name.address});
             targets.back().years.push_back(year);
         }
     }
@@ -40,11 +40,15 @@ std::vector<SmartMailboxGuideTarget> smartMailboxGuideTargets(std::span<const st
 }
 
 std::vector<SmartMailboxGuideStep> smartMailboxGuideSteps(const SmartMailboxGuideTarget& target) {
+    std::vector<std::string> condition = {conditionText(target)};
+    if (!target.accountAddress.empty())
+        condition.push_back(fmt::format("「{}」是 Mail 里显示的账户名称,它的地址是 {}。", target.accountName,
+                                        target.accountAddress));
     return {
         {.title = "新建智能邮箱",
          .lines = {"打开 Apple Mail,顶部菜单栏选「邮箱」→「新建智能邮箱…」。",
                    fmt::format("名字随意,比如「{}」", suggestedName(target))}},
-        {.title = "设置条件(选「符合以下全部条件」)", .lines = {conditionText(target)}},
+        {.title = "设置条件(选「符合以下全部条件」)", .lines = std::move(condition)},
         {.title = "", .lines = {"点「好」后,打开左侧这个智能邮箱 → 按 ⌘A 全选 → 删除。"}},
         {.title = "清空废纸篓,释放空间", .lines = {"菜单「邮箱」→「清除已删除的邮件」,本机空间就释放了。"}}};
 }

@@ -8,11 +8,14 @@
 #include <string_view>
 #include <vector>
 
+#include "library/overview/account_groups.h"
+
 namespace corvane {
 
 struct SmartMailboxGuideTarget {
-    std::string accountName;
+    std::string accountName; // as Mail shows it
     std::vector<std::int64_t> years;
+    std::string accountAddress{}; // told beside the name; empty where there is nothing to tell
 
     friend bool operator==(const SmartMailboxGuideTarget&, const SmartMailboxGuideTarget&) = default;
 };
@@ -25,7 +28,7 @@ std::string suggestedName(const SmartMailboxGuideTarget& target);
 // One target for each account, by the names that Mail has for them, and run of adjoining years, so that no
 // guide spans a year that isn't among them. Years may come in any order and repeatedly; without any there is
 // no target.
-std::vector<SmartMailboxGuideTarget> smartMailboxGuideTargets(std::span<const std::string> mailNames,
+std::vector<SmartMailboxGuideTarget> smartMailboxGuideTargets(std::span<const MailName> mailNames,
                                                               std::span<const std::int64_t> offeredYears);
 
 struct SmartMailboxGuideStep {

@@ -34,7 +34,7 @@ const FoundByMail::Elsewhere* FoundByMail::find(const FileURL& url) const {
     return found != elsewhere.end() && found->rowID == *row ? &*found : nullptr;
 }
 
-FoundByMailMaker::FoundByMailMaker(SharedMessageList messages) {
+FoundByMailMaker::FoundByMailMaker(SharedMessageList messages, AccountsInMail inMail) {
     const auto add = [&](const FileURL& url, std::size_t message) {
         if (const auto row = rowIDOf(url)) listed_.push_back({*row, static_cast<std::uint32_t>(message)});
     };
@@ -47,6 +47,7 @@ FoundByMailMaker::FoundByMailMaker(SharedMessageList messages) {
     }
     std::ranges::sort(listed_);
     found_.messages = std::move(messages);
+    found_.inMail = std::move(inMail);
 }
 
 void FoundByMailMaker::add(const std::string& accountPrefix, const mailstore::DownloadsByYear& downloads) {

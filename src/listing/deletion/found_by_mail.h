@@ -10,6 +10,7 @@
 
 #include "listing/deletion/deletion_safety.h"
 #include "listing/trash_or_junk.h"
+#include "records/account_in_mail.h"
 #include "records/mail_message_record.h"
 
 namespace corvane {
@@ -21,6 +22,7 @@ struct DownloadsByYear;
 
 struct FoundByMail {
     SharedMessageList messages; // what was listed when it was made
+    AccountsInMail inMail;      // all that Mail has at that moment, the ones below among them
 
     // By account and year of receipt.
     CountByAccountAndYear serverAlone; // messages of which nothing is on this machine
@@ -66,7 +68,7 @@ using SharedFoundByMail = std::shared_ptr<const FoundByMail>;
 class FoundByMailMaker {
   public:
     // `messages` isn't null.
-    explicit FoundByMailMaker(SharedMessageList messages);
+    FoundByMailMaker(SharedMessageList messages, AccountsInMail inMail);
 
     // `downloads` are those of the account.
     void add(const std::string& accountPrefix, const mailstore::DownloadsByYear& downloads);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "listing/account_titles.h"
+#include "mailstore/accounts/accounts_in_mail.h"
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/downloads_by_year.h"
 #include "mailstore/index/year_counts.h"
@@ -42,11 +43,25 @@ void IndexCounts::refreshIndexedYearCounts(SharedMessageList messages) {
     CountJob job{upkeepMailStoreOf(context_), {selected.begin(), selected.end()}, {}, std::move(messages)};
     for (const MailAccount& account : accounts_.availableAccounts())
         job.prefixes.push_back(account.urlPrefix);
+    isReading_ = true;
+    readAt_ = std::chrono::steady_clock::now();
     countTask_.start(TaskPriority::utility, std::move(job), &IndexCounts::answer,
                      [this](Answer answer) { publish(std::move(answer)); });
 }
 
+void IndexCounts::refreshIfOld(SharedMessageList messages) {
+    if (isReading_ || !(hasFailed_ || areOld())) return;
+    refreshIndexedYearCounts(std::move(messages));
+    Q_EMIT countsChanged();
+}
+
+bool IndexCounts::areOld() const {
+    constexpr std::chrono::minutes validity{1};
+    return readAt_ && std::chrono::steady_clock::now() - *readAt_ > validity;
+}
+
 void IndexCounts::publish(Answer answer) {
+    isReading_ = false;
     const bool isRefreshed = answer.counts.has_value();
     hasFailed_ = !answer.counts || !answer.counts->foundByMail;
     if (answer.counts) {
@@ -76,7 +91,9 @@ std::optional<IndexCounts::Counts> IndexCounts::readCounts(const CountJob& job, 
         if (!ofAccount) return std::nullopt;
         counts.indexedByAccount[prefix] = *ofAccount;
     }
-    FoundByMailMaker found(job.messages);
+    auto inMail = mailstore::queryAccountsInMail(store.context, store.rootPath);
+    if (!inMail) return std::nullopt;
+    FoundByMailMaker found(job.messages, std::move(*inMail));
     for (const std::string& prefix : job.prefixes) {
         const auto ofAccount = mailstore::downloadsByYear(store.context, store.rootPath, {prefix});
         if (!ofAccount) return std::nullopt;

@@ -2,6 +2,7 @@
 // the queries run in the background.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -47,6 +48,9 @@ class IndexCounts : public QObject {
     // The index couldn't be asked the last time, or wasn't there.
     [[nodiscard]] bool hasFailed() const { return hasFailed_; }
 
+    // They are being read.
+    [[nodiscard]] bool isReading() const { return isReading_; }
+
     // What Mail's own search finds, read with the counts; null before the first time and where there was no
     // index to ask.
     [[nodiscard]] const SharedFoundByMail& foundByMail() const { return counts_.foundByMail; }
@@ -71,6 +75,10 @@ class IndexCounts : public QObject {
     // `countsRefreshed` doesn't follow.
     void refreshIndexedYearCounts(SharedMessageList messages);
 
+    // The same where they are old, or the index couldn't be asked; what rests on them hears at once that they
+    // are being read.
+    void refreshIfOld(SharedMessageList messages);
+
   Q_SIGNALS:
     void countsChanged();
     // Behind countsChanged, when the counts were read from the index anew.
@@ -92,12 +100,16 @@ class IndexCounts : public QObject {
     // Nullopt when the index couldn't be asked for all of them: those that are known stay.
     static std::optional<Counts> readCounts(const CountJob& job, const TaskHandle& task);
     void publish(Answer answer);
+    // Mail may have another account, or name one otherwise, since they were read.
+    [[nodiscard]] bool areOld() const;
 
     ModelContext& context_;
     const AccountDirectory& accounts_;
     Counts counts_;
     bool isKnown_ = false;
     bool hasFailed_ = false;
+    bool isReading_ = false;
+    std::optional<std::chrono::steady_clock::time_point> readAt_; // as its last reading began
     TaskSlot countTask_;
 };
 

@@ -28,9 +28,9 @@ inline SharedOverview sampleOverview(const std::vector<YearSketch>& years, MailS
     ArchivedOverviewGroup group;
     group.key = "a";
     group.title = "a@a.example";
-    group.mailNames = {group.title};
     group.undated = undated;
     ArchivedOverviewStats::Group stats;
+    stats.mailNames = {{group.title, {}}};
     MailSum all = undated;
     for (const YearSketch& each : years) {
         MailSum whole = each.freeable;

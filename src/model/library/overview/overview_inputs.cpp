@@ -13,8 +13,9 @@ bool isReady(const OverviewSources& sources, const ProofInputs& proofs) {
     const CatalogState& mail = *sources.catalog.state();
     const bool isMailKnown = mail.isAvailabilityKnown && !mail.isPartial() && !mail.set->messages->empty();
     const SharedFoundByMail& found = sources.counts.foundByMail();
-    return isMailKnown && mail.availability->proofs->inputs == proofs && sources.counts.isKnown() && found &&
-           found->messages == mail.set->messages && !sources.presence.archivedOriginalPresenceChecking() &&
+    return isMailKnown && mail.availability->proofs->inputs == proofs && sources.counts.isKnown() &&
+           !sources.counts.isReading() && found && found->messages == mail.set->messages &&
+           !sources.presence.archivedOriginalPresenceChecking() &&
            sources.presence.presence()->entries == sources.libraryIndex.index()->input().entries;
 }
 
@@ -40,6 +41,11 @@ std::set<std::string> unknownAccounts(const OverviewSources& sources, const Cata
     if (!found) return unknown;
     for (const MailAccount& account : accounts) {
         if (std::ranges::find(found->accounts, account.urlPrefix) == found->accounts.end())
+            unknown.insert(account.urlPrefix);
+    }
+    // One that Mail has had since the accounts were read.
+    for (const AccountInMail& account : found->inMail.accounts) {
+        if (std::ranges::find(accounts, account.urlPrefix, &MailAccount::urlPrefix) == accounts.end())
             unknown.insert(account.urlPrefix);
     }
     return unknown;

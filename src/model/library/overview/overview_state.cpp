@@ -85,6 +85,7 @@ ArchivedOverviewFacts factsOf(const OverviewInputs& inputs, std::vector<bool> pr
     if (inputs.foundByMail) {
         facts.serverAloneByReceipt = yearCounts(inputs.foundByMail->serverAlone);
         facts.unlistedByReceipt = yearCounts(inputs.foundByMail->unlisted);
+        facts.inMail = inputs.foundByMail->inMail;
     }
     return facts;
 }

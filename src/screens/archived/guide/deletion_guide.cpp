@@ -25,23 +25,6 @@ QString spanText(const SmartMailboxGuideTarget& target) {
     return screens::yearSpans(target.years) + QStringLiteral(" 年");
 }
 
-// Why a year isn't in the guide.
-QString reasonOf(const ArchivedOverviewStats::Year& year) {
-    if (!year.besides.isNothing()) return wholeText(reasonText(year.besides));
-    if (year.awaitsProof) return QStringLiteral("还有原件没有核对");
-    switch (year.status) {
-    case ArchivedOverviewRowStatus::incomplete:
-    case ArchivedOverviewRowStatus::serverUnbacked:
-        return QStringLiteral("还有邮件没有归档，或与归档不一致");
-    case ArchivedOverviewRowStatus::pendingReview:
-        return QStringLiteral("有邮件需要手动确认");
-    case ArchivedOverviewRowStatus::completed:
-        return QStringLiteral("原件已经不在 Mail 里");
-    default:
-        return QStringLiteral("还没有确认");
-    }
-}
-
 } // namespace
 
 DeletionGuide::DeletionGuide(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
@@ -60,6 +43,8 @@ void DeletionGuide::open(const std::string& key, bool asksMail) {
         if (year.isCleanable || year.awaitsProof) wantedYears_.push_back(group_->years[number].year);
     }
     if (asksMail) model_.library().presence.refreshArchivedOriginalPresenceIfNeeded(true);
+    // An account may have come, or have another name, since the window was opened.
+    model_.mail().counts.refreshIfOld(model_.mail().catalog.messages());
     findTargets();
     Q_EMIT changed();
     prove();
@@ -93,14 +78,15 @@ void DeletionGuide::findTargets() {
     for (const std::int64_t year : overviewCleanableYears(*group_, *stats_)) {
         if (std::ranges::find(wantedYears_, year) != wantedYears_.end()) years.push_back(year);
     }
-    targets_ = smartMailboxGuideTargets(group_->mailNames, years);
+    targets_ = smartMailboxGuideTargets(stats_->mailNames, years);
     current_ = std::clamp(current_, 0, std::max(0, static_cast<int>(targets_.size()) - 1));
 }
 
 bool DeletionGuide::isComparing() const {
     using enum OriginalKnowledge;
-    return isProving() || model_.library().presence.archivedOriginalPresenceChecking() ||
-           knowledge_ == checking || knowledge_ == waiting || knowledge_ == scanning;
+    return isProving() || model_.mail().counts.isReading() ||
+           model_.library().presence.archivedOriginalPresenceChecking() || knowledge_ == checking ||
+           knowledge_ == waiting || knowledge_ == scanning;
 }
 
 void DeletionGuide::prove() {
@@ -196,7 +182,7 @@ QString DeletionGuide::leftOut() const {
         const bool isWanted =
             std::ranges::find(wantedYears_, group_->years[number].year) != wantedYears_.end();
         if (isWanted && !stats_->years[number].isOffered())
-            byReason[reasonOf(stats_->years[number])].push_back(group_->years[number].year);
+            byReason[wholeText(leftOutReason(stats_->years[number]))].push_back(group_->years[number].year);
     }
     QStringList parts;
     for (const auto& [reason, years] : byReason)
