@@ -1,5 +1,5 @@
-// Of which day the proofs are that rest on archives which aren't connected now: a command that rests on them
-// says so.
+// Of which day the proofs are that rest on archives which aren't connected now, or on files that are in a
+// cloud only: a command that rests on them says so.
 #pragma once
 
 #include <functional>
@@ -14,10 +14,10 @@ namespace corvane::cli {
 AwayProofs awayProofsOf(Session& session,
                         const std::function<bool(const MailMessageRecord&)>& isLookedAt = {});
 
-// The member "awayProofs"; none where every archive is there.
+// The member "awayProofs"; none where all of it is there.
 void writeAwayProofs(JsonDocument& document, const AwayProofs& away);
 
-// A line; none where every archive is there.
+// A line; none where all of it is there.
 void printAwayProofs(const AwayProofs& away);
 
 } // namespace corvane::cli

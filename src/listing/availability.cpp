@@ -175,11 +175,14 @@ void setRecorded(AvailabilityResult& result, const MessageList& messages, const 
 std::shared_ptr<const SharedTextSet> archivedIDs(const AvailabilityResult& result) {
     const SharedTextSet& setAside = *result.setAsideIDs;
     const SharedTextSet& ambiguous = *result.ambiguousIDs;
+    const SharedTextSet& unmatched = *result.proofs->unmatchedIDs;
     const auto& against = result.proofs->against;
-    if (setAside.empty() && ambiguous.empty() && against.empty()) return result.recordedMessageIDs;
+    if (setAside.empty() && ambiguous.empty() && unmatched.empty() && against.empty())
+        return result.recordedMessageIDs;
     SharedTextSet archived = *result.recordedMessageIDs;
     for (const auto& [id, verdict] : against) archived.erase(id);
     for (const SharedText& id : setAside) archived.erase(id);
+    for (const SharedText& id : unmatched) archived.erase(id);
     for (const SharedText& id : ambiguous) {
         if (!result.proofs->provenIDs->contains(id)) archived.erase(id);
     }

@@ -80,7 +80,7 @@ std::shared_ptr<const SharedTextSet> messageIDsOf(const MessageList& messages,
 // Finds out what is recorded, and what of that is ambiguous.
 void setRecorded(AvailabilityResult& result, const MessageList& messages, const SharedTextSet& baseIDs);
 
-// What follows from what is recorded, ambiguous, proven and set aside.
+// What follows from what is recorded, ambiguous, unmatched, proven and set aside.
 std::shared_ptr<const SharedTextSet> archivedIDs(const AvailabilityResult& result);
 
 } // namespace corvane

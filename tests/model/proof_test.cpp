@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "archive/message_extraction.h"
+#include "listing/proof/away_proofs.h"
 #include "model/corvane_view_model.h"
 #include "model/model_test.h"
 #include "model/published_messages.h"
@@ -196,6 +197,37 @@ TEST_F(Proofs, OfAPulledDiskStandAndThoseOfAFolderThatHasGoneDoNot) {
     prove();
     EXPECT_EQ(outcomeOf("a"), ProofOutcome::differs) << "its hash is known";
     EXPECT_EQ(model_->deletionSafety({}).proofs.proven, 2);
+}
+
+TEST_F(Proofs, ByAFileThatIsInACloudOnlyHaveTheirDay) {
+    prove();
+    const auto away = [&] {
+        return awayProofs(*model_->mail().catalog.availability().proofs, {},
+                          *model_->mail().catalog.messages(), [](const MailMessageRecord&) { return true; });
+    };
+    EXPECT_EQ(away().count, 0);
+    std::filesystem::rename(archived("a"), home_.at(root_ + "/2020/a/.a.eml.icloud"));
+    loadLibrary();
+    EXPECT_EQ(outcomeOf("a"), ProofOutcome::proven);
+    EXPECT_EQ(away().count, 1);
+    EXPECT_EQ(away().inCloud, 1);
+}
+
+TEST_F(Proofs, OfMailWithoutAnIdNothingIsSaidOfWhatCameBehindTheArchivedOne) {
+    const auto publishUnnamed = [&](const std::string& file) {
+        MessageList messages = sampleMessages(home_, {{file}});
+        messages.front().messageIdentifier.reset();
+        messages.front().subject = "a";
+        publishMessages(model_->mail().catalog, std::move(messages));
+        waitUntilIdle(context_->tasks);
+    };
+    publishUnnamed("a");
+    archive();
+    EXPECT_EQ(model_->deletionSafety({}).archived, 1) << "of neither side anything is known";
+    prove();
+    publishUnnamed("later");
+    EXPECT_EQ(model_->deletionSafety({}).archived, 0);
+    EXPECT_EQ(candidates(), "a");
 }
 
 TEST_F(Proofs, ACancelledOneKeepsWhatItHasReadAndGoesOn) {

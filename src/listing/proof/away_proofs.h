@@ -1,5 +1,6 @@
-// Proofs that rest on archives which aren't connected now: they stand, and whoever shows them says from which
-// day they are. Pure functions, no look at a disk, any thread.
+// Proofs that rest on archives which aren't connected now, or on files of which only a cloud provider's
+// placeholder is here: they stand, and whoever shows them says from which day they are. Pure functions, no
+// look at a disk, any thread.
 #pragma once
 
 #include <cstdint>
@@ -20,14 +21,21 @@ using ArchiveRoots = std::set<std::string, std::less<>>;
 
 ArchiveRoots disconnectedRoots(const std::vector<ArchiveLocation>& locations);
 
-// When the archived file was read that the proof of this message rests on; absent for a message that isn't
-// proven, and for one whose bytes are also in an archive outside of `awayRoots`.
-std::optional<Date> awayProofDate(const ProofTable& proofs, const ArchiveRoots& awayRoots,
-                                  const MailMessageRecord& message);
+struct AwayProof {
+    Date readAt{};          // when the archived file was read that the proof rests on
+    bool isInCloud = false; // its archive is connected, the file itself isn't here
+
+    friend bool operator==(const AwayProof&, const AwayProof&) = default;
+};
+
+// Absent for a message that isn't proven, and for one whose bytes are also in a file that is here.
+std::optional<AwayProof> awayProof(const ProofTable& proofs, const ArchiveRoots& awayRoots,
+                                   const MailMessageRecord& message);
 
 struct AwayProofs {
     std::int64_t count = 0;
-    Date oldest{}; // of a count above 0
+    std::int64_t inCloud = 0; // of them
+    Date oldest{};            // of a count above 0
 
     friend bool operator==(const AwayProofs&, const AwayProofs&) = default;
 };

@@ -18,7 +18,18 @@ constexpr std::size_t messagesAtATime = 512;
 struct Chunk {
     std::vector<SharedText> proven;
     std::vector<std::pair<SharedText, ProofVerdict>> against;
+    std::vector<SharedText> unmatched;
 };
+
+bool isUnmatched(const MailMessageRecord& message, const ProofSubject& subject) {
+    if (message.messageIdentifier && !message.messageIdentifier->empty()) return false;
+    const auto wasRead = [](const auto& file) { return file.reading != nullptr; };
+    if (std::ranges::all_of(subject.copies, wasRead)) return false;
+    const auto isOther = [&](const ProofFile& file) {
+        return file.entry->record.id != subject.files.front().entry->record.id;
+    };
+    return std::ranges::any_of(subject.files, wasRead) || std::ranges::any_of(subject.files, isOther);
+}
 
 class TableMaker {
   public:
@@ -43,6 +54,8 @@ class TableMaker {
                 chunk.proven.push_back(message.id);
             else if (verdict.outcome != ProofOutcome::notLookedAt)
                 chunk.against.emplace_back(message.id, std::move(verdict));
+            else if (isUnmatched(message, subject))
+                chunk.unmatched.push_back(message.id);
         }
         return chunk;
     }
@@ -60,11 +73,14 @@ void fill(ProofTable& table, std::vector<Chunk> chunks) {
     for (const Chunk& chunk : chunks) provenCount += chunk.proven.size();
     auto proven = std::make_shared<SharedTextSet>();
     proven->reserve(provenCount);
+    auto unmatched = std::make_shared<SharedTextSet>();
     for (Chunk& chunk : chunks) {
         for (SharedText& id : chunk.proven) proven->insert(std::move(id));
+        for (SharedText& id : chunk.unmatched) unmatched->insert(std::move(id));
         for (auto& [id, verdict] : chunk.against) table.against.emplace(std::move(id), std::move(verdict));
     }
     table.provenIDs = std::move(proven);
+    table.unmatchedIDs = std::move(unmatched);
 }
 
 SharedArchivedRecords recordsOf(const SharedEntryList& entries, const SharedProofTable& earlier) {

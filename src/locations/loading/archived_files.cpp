@@ -158,6 +158,10 @@ RootFiles listArchivedFiles(PlaceLook& look, const EmailArchiveIndex& index, con
     return std::move(listing.result);
 }
 
+bool hasFilesInCloud(const ArchivedFiles& files) {
+    return std::ranges::any_of(files.byRoot, [](const auto& root) { return !root.second->inCloud.empty(); });
+}
+
 bool allArchivedEmlGone(const RootFiles& files, const EmailArchiveIndex& index) {
     return !index.records.empty() && files.there.empty() && files.inCloud.empty() && files.unknown.empty();
 }

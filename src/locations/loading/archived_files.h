@@ -59,6 +59,8 @@ struct ArchivedFiles {
 
 using SharedArchivedFiles = std::shared_ptr<const ArchivedFiles>;
 
+bool hasFilesInCloud(const ArchivedFiles& files);
+
 // Lists each folder that the index names once.
 RootFiles listArchivedFiles(PlaceLook& look, const EmailArchiveIndex& index, const std::string& root);
 

@@ -5,6 +5,7 @@
 
 #include <QVariantMap>
 
+#include "locations/loading/all_files_here.h"
 #include "screens/texts/message_trouble.h"
 #include "screens/texts/partial_mail.h"
 #include "screens/texts/shown_figures.h"
@@ -47,7 +48,8 @@ QVariantList itemsOf(const DeletionSafety& safety, const AwayProofs& away) {
     const ProofCounts& proofs = safety.proofs;
     addItem(items, "circle-check", "safe", QStringLiteral("已逐字节核对 %1 封"), proofs.proven);
     addItem(items, "unplug", "",
-            QStringLiteral("其中 %1 封是 %2 的比对，归档磁盘未连接")
+            (away.inCloud == 0 ? QStringLiteral("其中 %1 封是 %2 的比对，归档磁盘未连接")
+                               : QStringLiteral("其中 %1 封是 %2 的比对，归档文件现在不在本机"))
                 .arg(QStringLiteral("%1"), screens::shownDay(away.oldest)),
             away.count);
     addItem(items, "search", "", QStringLiteral("还没核对 %1 封"), safety.notLookedAt());
@@ -80,7 +82,8 @@ void ProofStatus::countAway(const ProofScope& scope) {
     const MessageCatalog& catalog = model_.mail().catalog;
     AwayJob job{catalog.messages(), catalog.availability().proofs, catalog.messageYearByID(),
                 disconnectedRoots(model_.library().loader.archiveLocations()), scope};
-    if (job.roots.empty()) {
+    const LibraryLoader& library = model_.library().loader;
+    if (job.roots.empty() && areAllFilesHere(*library.archivedFiles(), library.archiveLocations())) {
         awayTask_.cancel();
         away_ = {};
         return;

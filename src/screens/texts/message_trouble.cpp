@@ -88,8 +88,11 @@ QString shownDay(Date date) {
 
 QString awayProofText(CorvaneViewModel& model, const MailMessageRecord& message) {
     const ArchiveRoots away = disconnectedRoots(model.library().loader.archiveLocations());
-    const auto date = awayProofDate(*model.mail().catalog.availability().proofs, away, message);
-    return date ? QStringLiteral("%1 的比对，归档磁盘未连接").arg(shownDay(*date)) : QString();
+    const auto proof = awayProof(*model.mail().catalog.availability().proofs, away, message);
+    if (!proof) return {};
+    const QString text = proof->isInCloud ? QStringLiteral("%1 的比对，归档文件现在只在云端")
+                                          : QStringLiteral("%1 的比对，归档磁盘未连接");
+    return text.arg(shownDay(proof->readAt));
 }
 
 } // namespace screens
