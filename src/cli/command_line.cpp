@@ -92,7 +92,8 @@ class CommandLine {
         try {
             document.print();
         } catch (const std::exception& error) {
-            messageLine(error.what());
+            // Where that is what the command has failed by, it was told.
+            if (error.what() != message) messageLine(error.what());
         }
     }
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -15,6 +16,7 @@
 #include "cli/exit_status.h"
 #include "cli/proving.h"
 #include "listing/proof/outcome_titles.h"
+#include "records/logs/console_log.h"
 
 namespace corvane::cli {
 
@@ -97,6 +99,30 @@ void printReadable(const ProofAnswer& answer, const AwayProofs& away) {
     table.print();
 }
 
+// Why a proof had nothing to look at.
+struct NothingToProve {
+    std::string reason;     // for the user
+    bool isTrouble = false; // something is missing that was there once, or nobody could look
+};
+
+NothingToProve nothingToProve(CorvaneViewModel& model) {
+    const MessageCatalog& catalog = model.mail().catalog;
+    if (catalog.messages()->empty())
+        return {"没有可以核对的邮件：还没有扫描过 Mail，或者上次的扫描结果没能保存（corvane-cli refresh "
+                "重新扫描）。",
+                true};
+    if (model.library().loader.archivedEntries()->empty()) {
+        const bool isKnown = !model.library().loader.archiveLocations().empty();
+        return {isKnown ? "没有可以核对的邮件：归档里没有读到任何记录。"
+                        : "没有可以核对的邮件：没有已知的归档（还没有归档过，或归档已移出列表）。",
+                isKnown};
+    }
+    const AvailabilityResult& known = *catalog.state()->availability;
+    if (!known.recordedMessageIDs->empty() && known.locallyAvailableIDs->empty())
+        return {"没有可以核对的邮件：在本机看不到任何邮件文件，它们已不在，或所在的文件夹无法读取。", true};
+    return {"没有可以核对的邮件：上次扫描到的邮件里，没有一封在这个范围内并且已归档。", false};
+}
+
 // Interrupted, it answers with what it has kept.
 int runProve(Session& session, const ProveOptions& options, bool json) {
     session.restoreLastScan();
@@ -111,7 +137,10 @@ int runProve(Session& session, const ProveOptions& options, bool json) {
         printJson(answer, away);
     else
         printReadable(answer, away);
-    return statusOfProof(answer.unproven.empty());
+    const bool hasLooked = std::ranges::any_of(answer.counts, [](std::int64_t count) { return count > 0; });
+    const NothingToProve nothing = hasLooked ? NothingToProve() : nothingToProve(session.model());
+    if (!hasLooked && !wasInterrupted()) messageLine(nothing.reason);
+    return statusOfProof(answer.unproven.empty() && !nothing.isTrouble);
 }
 
 } // namespace
