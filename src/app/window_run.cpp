@@ -17,6 +17,7 @@
 #include "model/corvane_view_model.h"
 #include "model/leftover_removal.h"
 #include "model/model_context.h"
+#include "model/owned_platform.h"
 #include "platform/platform.h"
 #include "platform/processes/quit_signals.h"
 #include "platform/system_menus.h"
@@ -122,7 +123,7 @@ void connectQuitSignals(WindowModel& window, const QSocketNotifier& notifier, in
 } // namespace
 
 WindowOutcome runWindow(const WindowOptions& options) {
-    const std::unique_ptr<platform::Platform> system = platform::makePlatform(options.home);
+    const OwnedPlatform system = makeOwnedPlatform(options.home);
     ModelContext context(*system);
     WindowModel* openWindow = nullptr;
     const auto menuPolicy = platform::enforceMenuPolicy(menuCommands(openWindow));

@@ -42,7 +42,7 @@ bool wasInterrupted() {
 }
 
 Session::Session(const std::string& home)
-  : platform_(platform::makePlatform(home))
+  : platform_(makeOwnedPlatform(home))
   , context_(std::make_unique<ModelContext>(*platform_)) {
     resetLogs(*context_);
     if (const auto& path = context_->settings.setAside())

@@ -10,6 +10,7 @@
 #include "model/corvane_view_model.h"
 #include "model/leftover_removal.h"
 #include "model/model_context.h"
+#include "model/owned_platform.h"
 #include "platform/platform.h"
 
 namespace corvane {
@@ -66,7 +67,7 @@ class Session {
   private:
     friend void loadLibrary(Session& session);
 
-    std::unique_ptr<platform::Platform> platform_;
+    OwnedPlatform platform_;
     std::unique_ptr<ModelContext> context_;
     std::optional<LeftoverRemoval> leftovers_;
     std::unique_ptr<CorvaneViewModel> model_;

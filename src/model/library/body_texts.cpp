@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "archive/bodies/cc_line.h"
+#include "platform/threads/limited_answer.h"
 #include "search/mail_search_index.h"
 
 namespace corvane {
@@ -137,8 +138,15 @@ void BodyTexts::ccRecipients(const ArchivedEntry& entry, TextAnswer answer) {
         return answer(known->second.empty() ? std::nullopt : std::optional(known->second));
     answerTasks_.start(
         TaskPriority::userInitiated, CcQuestion{context_.platform, entry},
-        [](const CcQuestion& asked, const TaskHandle&) {
-            return FoundText{ccLineOfFile(asked.platform, asked.entry)};
+        [](const CcQuestion& asked, const TaskHandle& task) {
+            using Line = std::optional<std::string>;
+            auto line = platform::limitedAnswer<Line>(
+                platform::placeLimit,
+                [entry = asked.entry, &platform = asked.platform](platform::JobLimit&) {
+                    return ccLineOfFile(platform, entry);
+                },
+                task.stopToken());
+            return FoundText{std::move(line).value_or(std::nullopt)};
         },
         [this, id = entry.record.id, answer = std::move(answer)](const FoundText& cc) {
             // A file that couldn't be read is asked again.

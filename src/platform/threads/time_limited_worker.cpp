@@ -10,6 +10,7 @@
 #include <pthread.h>
 #include <signal.h>
 
+#include "platform/threads/abandoned_jobs.h"
 #include "text/mutex.h"
 
 namespace corvane::platform {
@@ -146,6 +147,12 @@ bool AbandonableFileLayer::permits() noexcept {
     if (!limit_.isAbandoned()) return true;
     errno = ECANCELED;
     return false;
+}
+
+bool hasAbandonedJobs() noexcept {
+    AbandonedJobs& jobs = AbandonedJobs::ofProcess();
+    const text::MutexLock lock(jobs.mutex);
+    return jobs.count > 0;
 }
 
 void waitForAbandonedJobs() {

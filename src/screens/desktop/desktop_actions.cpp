@@ -2,7 +2,6 @@
 
 #include <QClipboard>
 #include <QDesktopServices>
-#include <QFileInfo>
 #include <QGuiApplication>
 
 namespace corvane {
@@ -12,7 +11,8 @@ bool DesktopActions::open(const QUrl& url) {
 }
 
 bool DesktopActions::reveal(const QString& path) {
-    return open(QUrl::fromLocalFile(QFileInfo(path).absolutePath()));
+    // By its text: the place may not answer, and this is the main thread.
+    return open(QUrl::fromLocalFile(path.left(path.lastIndexOf(u'/') + 1)));
 }
 
 void DesktopActions::copy(const QString& text) {

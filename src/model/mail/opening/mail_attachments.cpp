@@ -13,6 +13,7 @@
 #include "platform/files/directory.h"
 #include "platform/files/writing/durable_file.h"
 #include "platform/paths.h"
+#include "platform/threads/limited_answer.h"
 #include "worker/mail_worker_client.h"
 #include "worker/worker_session.h"
 
@@ -72,7 +73,9 @@ std::vector<MailAttachment> mailAttachments(const MailMessageRecord& message, st
     return attachments;
 }
 
-AttachmentPlace placeOf(const MailAttachment& attachment) {
+namespace {
+
+AttachmentPlace placeFound(const MailAttachment& attachment) {
     if (platform::isRegularFile(attachment.knownFile))
         return {.path = attachment.knownFile,
                 .isOwnFile = true,
@@ -86,19 +89,37 @@ AttachmentPlace placeOf(const MailAttachment& attachment) {
     return inMessage;
 }
 
+// The first that is there; empty for none, and where nobody answers in time.
+std::string firstFile(const std::vector<std::string>& files, const std::stop_token& stop) {
+    const auto found = platform::limitedAnswer<std::string>(
+        platform::placeLimit,
+        [files](platform::JobLimit&) {
+            const auto file = std::ranges::find_if(files, &platform::isRegularFile);
+            return file == files.end() ? std::string() : *file;
+        },
+        stop);
+    return found.value_or("");
+}
+
+} // namespace
+
+std::optional<AttachmentPlace> placeOf(const MailAttachment& attachment, const std::stop_token& stop) {
+    return platform::limitedAnswer<AttachmentPlace>(
+        platform::placeLimit, [attachment](platform::JobLimit&) { return placeFound(attachment); }, stop);
+}
+
 std::vector<std::optional<std::int64_t>> attachmentSizes(const platform::Platform& platform,
                                                          const std::vector<MailAttachment>& attachments,
                                                          const std::stop_token& stop) {
     std::vector<std::optional<std::int64_t>> sizes(attachments.size());
     if (attachments.empty()) return sizes;
-    const auto& files = attachments.front().messageFiles;
-    const auto file = std::ranges::find_if(files, &platform::isRegularFile);
-    if (file == files.end()) return sizes;
+    const std::string file = firstFile(attachments.front().messageFiles, stop);
+    if (file.empty()) return sizes;
     try {
         const MailWorkerClient client(platform);
         MailWorkerClient::Session session(client);
         std::unordered_map<std::string, std::vector<std::optional<std::int64_t>>> byName;
-        for (const auto& item : session.attachments(FileURL(*file), bytesForSizes, stop)) {
+        for (const auto& item : session.attachments(FileURL(file), bytesForSizes, stop)) {
             if (const auto record = mailstore::attachmentFromName(item.fileName, {}))
                 byName[record->fileName.str()].push_back(item.estimatedSize);
         }
@@ -115,8 +136,10 @@ std::vector<std::optional<std::int64_t>> attachmentSizes(const platform::Platfor
 
 std::string copyAttachment(const platform::Platform& platform, const MailAttachment& attachment,
                            const std::string& folder, const std::stop_token& stop) {
-    const AttachmentPlace place = placeOf(attachment);
-    if (place.path.empty()) throw std::system_error(ENOENT, std::generic_category(), attachment.name);
+    const auto found = placeOf(attachment, stop);
+    if (!found || found->path.empty())
+        throw std::system_error(found ? ENOENT : ETIMEDOUT, std::generic_category(), attachment.name);
+    const AttachmentPlace& place = *found;
     const auto data = dataIn(platform, attachment, place, stop);
     const std::string name = archive::portableFileName(
         place.isOwnFile ? platform::lastPathComponent(place.path) : std::string_view(attachment.name));

@@ -33,7 +33,8 @@ struct AttachmentPlace {
     std::optional<std::int64_t> bytes{}; // of its own file
 };
 
-AttachmentPlace placeOf(const MailAttachment& attachment);
+// Nullopt where a file's place doesn't answer within the limit of every look, and after a stop.
+std::optional<AttachmentPlace> placeOf(const MailAttachment& attachment, const std::stop_token& stop = {});
 
 // In bytes, of attachments of one message; nullopt where it can't be told. An estimate where the message is
 // too large to be read as a whole. Starts the mail worker.

@@ -38,8 +38,12 @@ std::vector<AttachmentPlace> placesOf(const LookJob& job, const TaskHandle& task
     std::vector<AttachmentPlace> places;
     for (const MailAttachment& attachment : job.attachments) {
         if (task.isCancelled()) break;
-        places.push_back(placeOf(attachment));
+        const auto place = placeOf(attachment, task.stopToken());
+        // Its neighbours lie in the same place.
+        if (!place) break;
+        places.push_back(*place);
     }
+    if (!task.isCancelled()) places.resize(job.attachments.size());
     return places;
 }
 
