@@ -4,6 +4,7 @@
 
 #include "archive/attachments/attachment_cache.h"
 #include "platform/files/writing/leftovers.h"
+#include "platform/paths.h"
 
 namespace corvane {
 
@@ -11,11 +12,13 @@ namespace {
 
 struct LeftoverPlaces {
     CorvaneAppSupport support;
+    std::string settingsFolder;
     std::string temporaryFolder;
 };
 
 void removeLeftovers(const LeftoverPlaces& places, const TaskHandle& task) {
     places.support.removeUnfinishedFiles();
+    platform::removeUnfinishedFiles(places.settingsFolder);
     if (task.isCancelled()) return;
     platform::removeTemporaryFiles(places.temporaryFolder);
     archive::AttachmentCache::removeLeftovers(places.temporaryFolder);
@@ -25,7 +28,9 @@ void removeLeftovers(const LeftoverPlaces& places, const TaskHandle& task) {
 
 void LeftoverRemoval::start() {
     task_.start(TaskPriority::utility,
-                LeftoverPlaces{context_.support, context_.platform.temporaryDirectory()}, &removeLeftovers);
+                LeftoverPlaces{context_.support, std::string(platform::parentPath(context_.settings.path())),
+                               context_.platform.temporaryDirectory()},
+                &removeLeftovers);
 }
 
 } // namespace corvane

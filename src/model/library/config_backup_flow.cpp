@@ -15,6 +15,7 @@
 #include "locations/places/destination_rules.h"
 #include "locations/places/place_looks.h"
 #include "platform/files/writing/durable_file.h"
+#include "platform/files/writing/leftovers.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
 #include "records/stores/settings_keys.h"
@@ -95,6 +96,7 @@ std::string exportObstacle(const ExportJob& job, const TaskHandle& task) {
         if (const auto refusal = refusalInMail(job.path, job.mailRoot)) return *refusal;
         look.beginStep();
         if (isNoPlainFile(look.files(), job.path)) return systemErrorReason(EEXIST);
+        platform::removeUnfinishedFiles(std::string(platform::parentPath(job.path)));
         const int error = platform::writeFileAtomically(look.files(), job.path, job.content).value();
         return error == 0 ? std::string() : systemErrorReason(error);
     });

@@ -83,6 +83,9 @@ int errorOf(int status) {
     case SQLITE_READONLY:
     case SQLITE_CANTOPEN:
         return EACCES;
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return EBUSY;
     default:
         return EIO;
     }

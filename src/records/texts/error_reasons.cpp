@@ -32,6 +32,8 @@ std::string systemErrorReason(int errorNumber) {
         return "该位置是指向别处的链接";
     case ETIMEDOUT:
         return "目标位置无响应";
+    case EBUSY:
+        return "正被另一个程序使用";
     case EFBIG:
         return "文件过大";
     case EIO:
