@@ -20,13 +20,10 @@ foreach(language CXX OBJCXX)
         "${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/macos_check/check_symbols.py <TARGET> <OBJECTS> <LINK_LIBRARIES>")
 endforeach()
 
-# Where the objects would tell no more than those of another processor.
+# There is nothing in the objects then.
 if(CORVANE_ONLY_READ)
     foreach(language CXX OBJCXX)
-        set(CMAKE_${language}_COMPILE_OBJECT "<CMAKE_${language}_COMPILER> <DEFINES> <INCLUDES> <FLAGS> -fsyntax-only -o <OBJECT> <SOURCE>"
-            "${CMAKE_COMMAND} -E touch <OBJECT>")
-        set(CMAKE_${language}_ARCHIVE_CREATE "${CMAKE_COMMAND} -E touch <TARGET>")
-        set(CMAKE_${language}_ARCHIVE_FINISH "")
+        set(CMAKE_${language}_COMPILER_LAUNCHER ${PROJECT_SOURCE_DIR}/tools/macos_check/only_read.sh)
         set(CMAKE_${language}_LINK_EXECUTABLE "${CMAKE_COMMAND} -E touch <TARGET>")
     endforeach()
 endif()
