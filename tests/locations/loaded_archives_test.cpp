@@ -9,6 +9,7 @@
 #include "locations/archive_samples.h"
 #include "locations/loading/archive_index_cache.h"
 #include "locations/loading/archived_files.h"
+#include "locations/loading/same_archives.h"
 #include "locations/place_names.h"
 #include "locations/places/place_looks.h"
 #include "platform/files/directory.h"
