@@ -128,6 +128,13 @@ FAULTS = (
     # Library: what is grouped, and what may be deleted.
     Fault("an unproven original frees space", "archived_overview.cpp", "if (facts_.isProven(position)) {", "if (true) {",
           ("library",)),
+    Fault("an account's name of an earlier day is given", "account_groups.cpp",
+          "if (account.inMail == nullptr || account.inMail->shownName.empty() || account.isLocalStore())", "if (true)",
+          ("library",)),
+    Fault("mail behind its archived twin is archived", "availability.cpp",
+          "for (const SharedText& id : unmatched) archived.erase(id);", "", ("model",)),
+    Fault("mail in junk is gone", "presence_check.cpp", "if ((*isJunk)[at]) statuses[at] = Status::unknown;", "",
+          ("model",)),
     Fault("a group that nobody knows is cleanable", "archived_overview.cpp", "if (group.mailAccounts.empty())",
           "if (false)", ("library",)),
     Fault("one unsafe folder doesn't hold its year back", "archived_overview.cpp",
