@@ -6,7 +6,7 @@ import pathlib
 import unittest
 import urllib.parse
 
-from cli_support import CliCase, signal
+from cli_support import SUPPORT, CliCase, signal
 
 
 class Prove(CliCase):
@@ -101,6 +101,8 @@ class Prove(CliCase):
         counted = sum(self.run_cli(self.home_path, "prove", "--year", year, expect=None)["proven"]
                       for year in sorted(years))
         self.assertEqual(self.run_cli(self.home_path, "prove", expect=None)["proven"], counted)
+        (self.home_path / SUPPORT / "last-scan-cache.json").unlink()
+        self.assertEqual(self.run_cli(self.home_path, "prove", expect=3)["proven"], 0, "nothing is known of any mail")
 
     def test_an_interrupted_proof_answers_with_what_it_has(self):
         process = self.start_cli(self.home_path, "prove")
