@@ -153,6 +153,7 @@ std::optional<SharedTextSet> MailSearchIndex::searchIfReadable(std::string_view 
     if (text.empty()) return SharedTextSet();
     if (hasTrigrams_) {
         if (auto ids = idsByIndex(text)) return ids;
+        if (auto ids = search::idsByScan(database_.get(), text, search::ScannedTable::content)) return ids;
     }
     return search::idsByScan(database_.get(), text);
 }

@@ -35,6 +35,13 @@ constexpr const char* scanStatement = R"(SELECT record_id FROM email_fts WHERE
   body LIKE ?1 ESCAPE '\';
 )";
 
+// The same rows, past the module of the full-text table, which copies each column that it hands out.
+constexpr const char* contentScanStatement = R"(SELECT c0 FROM email_fts_content WHERE
+  c1 LIKE ?1 ESCAPE '\' OR c2 LIKE ?1 ESCAPE '\' OR
+  c3 LIKE ?1 ESCAPE '\' OR c4 LIKE ?1 ESCAPE '\' OR
+  c5 LIKE ?1 ESCAPE '\';
+)";
+
 constexpr const char* testStatement = R"(SELECT record_id FROM email_fts WHERE rowid = ?1 AND (
   subject LIKE ?2 ESCAPE '\' OR sender LIKE ?2 ESCAPE '\' OR
   recipients LIKE ?2 ESCAPE '\' OR attachments LIKE ?2 ESCAPE '\' OR
@@ -127,8 +134,8 @@ bool areIdeographs(std::string_view text) {
     return are;
 }
 
-std::optional<SharedTextSet> idsByScan(sqlite3* database, std::string_view text) {
-    SqliteStatement scan(database, scanStatement);
+std::optional<SharedTextSet> idsByScan(sqlite3* database, std::string_view text, ScannedTable table) {
+    SqliteStatement scan(database, table == ScannedTable::content ? contentScanStatement : scanStatement);
     if (!scan) return std::nullopt;
     scan.bindText(1, likePattern(text));
     SharedTextSet ids;

@@ -34,8 +34,14 @@ std::optional<std::string> trigramQuery(std::string_view text);
 // Whether all of it is in U+3400 to U+9FFF. The text has to be well-formed.
 bool areIdeographs(std::string_view text);
 
+enum class ScannedTable {
+    fullText,
+    content, // of the full-text table, where that one is ours: the same rows in less time
+};
+
 // The record ids of all rows that hold the text. Absent after an error, whose code `database` then knows.
-std::optional<SharedTextSet> idsByScan(sqlite3* database, std::string_view text);
+std::optional<SharedTextSet> idsByScan(sqlite3* database, std::string_view text,
+                                       ScannedTable table = ScannedTable::fullText);
 
 // 0 for an empty table, and after an error.
 std::int64_t highestRowID(sqlite3* database);
