@@ -11,6 +11,7 @@ set(controls_qml
     buttons/MenuButton.qml
     buttons/PlainButton.qml
     buttons/PrimaryButton.qml
+    buttons/ToolTips.qml
     charts/ChartLegend.qml
     charts/ProgressTrack.qml
     charts/ReadOut.qml

@@ -42,6 +42,7 @@ ListRow {
         color: Theme.line
     }
     DisclosureArrow {
+        id: arrow
         x: row.indent
         anchors.verticalCenter: parent.verticalCenter
         visible: row.expandable
@@ -51,10 +52,8 @@ ListRow {
         HoverHandler {
             id: arrowPointer
         }
-        AppToolTip {
-            shown: arrowPointer.hovered
-            text: row.help ?? ""
-        }
+        readonly property string explanation: arrowPointer.hovered ? row.help ?? "" : ""
+        onExplanationChanged: ToolTips.explain(arrow, explanation)
     }
     Symbol {
         x: row.indent + 22

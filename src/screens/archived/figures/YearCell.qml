@@ -67,10 +67,8 @@ Item {
         HoverHandler {
             id: pointer
         }
-        AppToolTip {
-            shown: pointer.hovered && cell.help.length > 0
-            text: cell.help
-        }
+        readonly property string explanation: pointer.hovered ? cell.help : ""
+        onExplanationChanged: ToolTips.explain(box, explanation)
     }
     AppText {
         y: 24

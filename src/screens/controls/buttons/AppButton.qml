@@ -11,6 +11,7 @@ T.Button {
     property int symbolSize: 16
     // Says more than the label; shown as a tooltip.
     property string help: ""
+    readonly property string explanation: hovered ? help : ""
     property bool showHovered: hovered
     property bool showFocus: activeFocus && KeyboardFocus.inUse
     property color fill: down ? Theme.pressed : showHovered ? Theme.controlHover : Theme.control
@@ -30,6 +31,7 @@ T.Button {
     hoverEnabled: true
     Accessible.name: text.length > 0 ? text : help
     Accessible.description: help
+    onExplanationChanged: ToolTips.explain(button, explanation)
     onPressed: if (!KeyboardFocus.inUse) OpenSheets.notePress(button)
 
     // A key that is held down would go on through the sheets that the first press opens, up to their "取消".
@@ -83,16 +85,6 @@ T.Button {
         }
         FocusRing {
             shown: button.showFocus
-        }
-    }
-    // A Loader of Qt 6.4 takes no bound components.
-    // qmllint disable unqualified
-    Loader {
-        active: button.hovered && button.help.length > 0
-        sourceComponent: AppToolTip {
-            parent: button
-            text: button.help
-            shown: true
         }
     }
 }

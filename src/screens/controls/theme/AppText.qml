@@ -18,6 +18,7 @@ Text {
     property string wholeText: text
     // The tooltip is about to be shown, or is.
     readonly property bool explained: pointer.hovered && truncated
+    readonly property string explanation: explained ? wholeText : ""
 
     textFormat: Text.PlainText
     color: Theme.text1
@@ -31,19 +32,10 @@ Text {
     verticalAlignment: Text.AlignVCenter
     Accessible.role: Accessible.StaticText
     Accessible.name: text
+    onExplanationChanged: ToolTips.explain(label, explanation)
 
     HoverHandler {
         id: pointer
         enabled: label.truncated
-    }
-    // A Loader of Qt 6.4 takes no bound components.
-    // qmllint disable unqualified
-    Loader {
-        active: label.explained
-        sourceComponent: AppToolTip {
-            parent: label
-            text: label.wholeText
-            shown: true
-        }
     }
 }

@@ -19,10 +19,8 @@ TableHead {
         name: head.tree.tickHelp
         onClicked: head.tree.toggleAllTicks()
 
-        AppToolTip {
-            shown: all.hovered
-            text: head.tree.tickHelp
-        }
+        readonly property string explanation: hovered ? head.tree.tickHelp : ""
+        onExplanationChanged: ToolTips.explain(all, explanation)
     }
     AppText {
         x: 58

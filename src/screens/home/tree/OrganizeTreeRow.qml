@@ -59,12 +59,11 @@ ListRow {
         name: row.title + "，" + row.tickHelp
         onClicked: row.tickPressed()
 
-        AppToolTip {
-            shown: box.hovered
-            text: row.tickHelp
-        }
+        readonly property string explanation: hovered ? row.tickHelp : ""
+        onExplanationChanged: ToolTips.explain(box, explanation)
     }
     DisclosureArrow {
+        id: arrow
         objectName: "arrow"
         x: row.indent + 24
         anchors.verticalCenter: parent.verticalCenter
@@ -75,10 +74,8 @@ ListRow {
         HoverHandler {
             id: arrowPointer
         }
-        AppToolTip {
-            shown: arrowPointer.hovered
-            text: row.expandHelp
-        }
+        readonly property string explanation: arrowPointer.hovered ? row.expandHelp : ""
+        onExplanationChanged: ToolTips.explain(arrow, explanation)
     }
     AppText {
         x: row.indent + 50
