@@ -122,13 +122,14 @@ FocusScope {
             }
         }
         Repeater {
-            model: strip.years
+            // By number: columns stay while their figures change.
+            model: strip.count
             delegate: Item {
                 id: column
                 required property int index
-                required property var modelData
+                readonly property var figures: strip.years[index] ?? ({ year: 0, count: 0 })
                 readonly property bool chosen: index >= strip.chosenFirst && index <= strip.chosenLast
-                objectName: "stripYear" + modelData.year
+                objectName: "stripYear" + figures.year
                 x: index * strip.columnWidth
                 width: strip.columnWidth
                 height: plot.height
@@ -137,7 +138,7 @@ FocusScope {
                     anchors.horizontalCenter: parent.horizontalCenter
                     y: 56 - height
                     width: Math.max(2, Math.min(16, strip.columnWidth - 4))
-                    height: column.modelData.count === 0 ? 0 : Math.max(2, 50 * column.modelData.count / strip.most)
+                    height: column.figures.count === 0 ? 0 : Math.max(2, 50 * column.figures.count / strip.most)
                     color: Theme.seriesArchived
                     opacity: strip.chosenFirst >= 0 && !column.chosen ? 0.55 : 1
                 }
@@ -145,7 +146,7 @@ FocusScope {
                     anchors.horizontalCenter: parent.horizontalCenter
                     y: 60
                     visible: (strip.count - 1 - column.index) % strip.labelEvery === 0
-                    text: ("0" + column.modelData.year % 100).slice(-2)
+                    text: ("0" + column.figures.year % 100).slice(-2)
                     role: AppText.Note
                     font.weight: column.chosen ? Theme.strong : Theme.regular
                     color: column.chosen ? Theme.accent : Theme.text3

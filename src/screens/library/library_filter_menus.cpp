@@ -29,36 +29,62 @@ std::optional<std::string> filterOf(int row, const Options& options, Key key) {
     return options[static_cast<std::size_t>(row - 1)].*key;
 }
 
+QVariantList yearMaps(const std::vector<YearOfMail>& years) {
+    QVariantList list;
+    for (const YearOfMail& each : years) {
+        list.append(QVariantMap{
+            {QStringLiteral("year"), static_cast<int>(each.year)},
+            {QStringLiteral("count"), static_cast<qlonglong>(each.count)},
+            {QStringLiteral("text"),
+             QStringLiteral("%1 · %2 · %3")
+                 .arg(screens::shownYear(each.year), screens::shownMessageCount(each.count),
+                      screens::shownSize(each.bytes))},
+        });
+    }
+    return list;
+}
+
+QString undatedLine(std::int64_t count) {
+    if (count == 0) return {};
+    return QStringLiteral("另有 %1没有日期").arg(screens::shownMessageCount(count));
+}
+
 } // namespace
 
 LibraryFilterMenus::LibraryFilterMenus(LibraryListFlow& flow, QObject* parent)
   : QObject(parent)
-  , flow_(flow) {
+  , flow_(flow)
+  , offer_(makeOffer()) {
     connect(&flow, &LibraryListFlow::filtersChanged, this, &LibraryFilterMenus::changed);
-    connect(&flow, &LibraryListFlow::listChanged, this, &LibraryFilterMenus::changed);
+    connect(&flow, &LibraryListFlow::listChanged, this, &LibraryFilterMenus::update);
 }
 
-QStringList LibraryFilterMenus::locations() const {
-    QStringList texts = {QStringLiteral("全部位置")};
+LibraryFilterMenus::Offer LibraryFilterMenus::makeOffer() const {
+    Offer offer;
+    offer.locations = {QStringLiteral("全部位置")};
     for (const auto& each : flow_.list()->locationOptions) {
         const QString title = screens::shownLine(each.title);
-        texts += option(each.isConnected ? title : title + QStringLiteral("，未连接"), each.count);
+        offer.locations += option(each.isConnected ? title : title + QStringLiteral("，未连接"), each.count);
     }
-    return texts;
-}
-
-QStringList LibraryFilterMenus::accounts() const {
-    QStringList texts = {QStringLiteral("全部邮箱")};
+    offer.accounts = {QStringLiteral("全部邮箱")};
     for (const auto& each : flow_.list()->accountOptions)
-        texts += option(screens::shownLine(each.title), each.count);
-    return texts << QStringLiteral("地址合集…");
+        offer.accounts += option(screens::shownLine(each.title), each.count);
+    offer.accounts += QStringLiteral("地址合集…");
+    offer.mailboxes = {QStringLiteral("全部文件夹")};
+    for (const MailboxOption& each : facets_.mailboxes)
+        offer.mailboxes += option(screens::shownLine(mailboxDisplayName(each.mailbox)), each.count);
+    offer.years = yearMaps(facets_.years);
+    offer.undated = undatedLine(facets_.undated);
+    return offer;
 }
 
-QStringList LibraryFilterMenus::mailboxes() const {
-    QStringList texts = {QStringLiteral("全部文件夹")};
-    for (const MailboxOption& each : facets_.mailboxes)
-        texts += option(screens::shownLine(mailboxDisplayName(each.mailbox)), each.count);
-    return texts;
+void LibraryFilterMenus::update() {
+    Offer offer = makeOffer();
+    if (offer != offer_) {
+        offer_ = std::move(offer);
+        Q_EMIT offerChanged();
+    }
+    Q_EMIT changed();
 }
 
 int LibraryFilterMenus::location() const {
@@ -93,26 +119,6 @@ void LibraryFilterMenus::setMailbox(int row) {
     flow_.setLibraryMailboxFilter(filterOf(row, facets_.mailboxes, &MailboxOption::mailbox));
 }
 
-QVariantList LibraryFilterMenus::years() const {
-    QVariantList list;
-    for (const YearOfMail& each : facets_.years) {
-        list.append(QVariantMap{
-            {QStringLiteral("year"), static_cast<int>(each.year)},
-            {QStringLiteral("count"), static_cast<qlonglong>(each.count)},
-            {QStringLiteral("text"),
-             QStringLiteral("%1 · %2 · %3")
-                 .arg(screens::shownYear(each.year), screens::shownMessageCount(each.count),
-                      screens::shownSize(each.bytes))},
-        });
-    }
-    return list;
-}
-
-QString LibraryFilterMenus::undatedText() const {
-    if (facets_.undated == 0) return {};
-    return QStringLiteral("另有 %1没有日期").arg(screens::shownMessageCount(facets_.undated));
-}
-
 int LibraryFilterMenus::firstYear() const {
     return flow_.filters().years ? static_cast<int>(flow_.filters().years->first) : -1;
 }
@@ -142,7 +148,7 @@ void LibraryFilterMenus::clear() {
 
 void LibraryFilterMenus::setFacets(LibraryFacets facets) {
     facets_ = std::move(facets);
-    Q_EMIT changed();
+    update();
 }
 
 } // namespace corvane

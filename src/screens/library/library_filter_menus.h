@@ -17,15 +17,15 @@ class LibraryFilterMenus : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("belongs to the library")
     // The first of each is for all; the last account leads to the sheet of address collections.
-    Q_PROPERTY(QStringList locations READ locations NOTIFY changed)
-    Q_PROPERTY(QStringList accounts READ accounts NOTIFY changed)
-    Q_PROPERTY(QStringList mailboxes READ mailboxes NOTIFY changed)
+    Q_PROPERTY(QStringList locations READ locations NOTIFY offerChanged)
+    Q_PROPERTY(QStringList accounts READ accounts NOTIFY offerChanged)
+    Q_PROPERTY(QStringList mailboxes READ mailboxes NOTIFY offerChanged)
     Q_PROPERTY(int location READ location WRITE setLocation NOTIFY changed)
     Q_PROPERTY(int account READ account WRITE setAccount NOTIFY changed)
     Q_PROPERTY(int mailbox READ mailbox WRITE setMailbox NOTIFY changed)
     // Maps with `year`, `count` and `text`, the year's figures.
-    Q_PROPERTY(QVariantList years READ years NOTIFY changed)
-    Q_PROPERTY(QString undatedText READ undatedText NOTIFY changed)
+    Q_PROPERTY(QVariantList years READ years NOTIFY offerChanged)
+    Q_PROPERTY(QString undatedText READ undatedText NOTIFY offerChanged)
     // The chosen years; -1 without a span.
     Q_PROPERTY(int firstYear READ firstYear NOTIFY changed)
     Q_PROPERTY(int lastYear READ lastYear NOTIFY changed)
@@ -36,9 +36,11 @@ class LibraryFilterMenus : public QObject {
     // `flow` must outlive it.
     explicit LibraryFilterMenus(LibraryListFlow& flow, QObject* parent = nullptr);
 
-    [[nodiscard]] QStringList locations() const;
-    [[nodiscard]] QStringList accounts() const;
-    [[nodiscard]] QStringList mailboxes() const;
+    [[nodiscard]] const QStringList& locations() const { return offer_.locations; }
+
+    [[nodiscard]] const QStringList& accounts() const { return offer_.accounts; }
+
+    [[nodiscard]] const QStringList& mailboxes() const { return offer_.mailboxes; }
 
     // 0 for all; -1 for one that has no mail any more.
     [[nodiscard]] int location() const;
@@ -49,10 +51,10 @@ class LibraryFilterMenus : public QObject {
     void setAccount(int row);
     void setMailbox(int row);
 
-    [[nodiscard]] QVariantList years() const;
+    [[nodiscard]] const QVariantList& years() const { return offer_.years; }
 
     // "另有 12 封没有日期"; empty without any.
-    [[nodiscard]] QString undatedText() const;
+    [[nodiscard]] const QString& undatedText() const { return offer_.undated; }
 
     [[nodiscard]] int firstYear() const;
     [[nodiscard]] int lastYear() const;
@@ -75,13 +77,30 @@ class LibraryFilterMenus : public QObject {
     [[nodiscard]] const LibraryFacets& facets() const { return facets_; }
 
   Q_SIGNALS:
+    // What is chosen.
     void changed();
+    // What there is to choose from. The views make their parts anew for it.
+    void offerChanged();
     // Accounts and addresses are to be put together, beginning with the one that is chosen; empty for none.
     void collectionRequested(const QString& accountKey);
 
   private:
+    struct Offer {
+        QStringList locations;
+        QStringList accounts;
+        QStringList mailboxes;
+        QVariantList years;
+        QString undated;
+
+        friend bool operator==(const Offer&, const Offer&) = default;
+    };
+
+    void update();
+    [[nodiscard]] Offer makeOffer() const;
+
     LibraryListFlow& flow_;
     LibraryFacets facets_;
+    Offer offer_;
 };
 
 } // namespace corvane

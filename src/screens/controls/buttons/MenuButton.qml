@@ -74,7 +74,8 @@ T.ComboBox {
 
         contentItem: ListView {
             id: rows
-            model: button.delegateModel
+            // A closed one has no rows: choices that change make them anew.
+            model: button.popup.visible ? button.delegateModel : null
             currentIndex: button.highlightedIndex
             clip: contentHeight > height
             T.ScrollBar.vertical: AppScrollBar {}
