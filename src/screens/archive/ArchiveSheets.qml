@@ -7,13 +7,23 @@ Item {
 
     required property ArchiveScreen archive
 
-    ArchiveConfirmSheet {
-        archive: sheets.archive
+    component ArchiveSheet: OnDemand {
+        required property int stage
+
+        properties: ({ archive: sheets.archive })
+        wanted: sheets.archive.isShown && sheets.archive.stage === stage
     }
-    ArchiveRunningSheet {
-        archive: sheets.archive
+
+    ArchiveSheet {
+        source: Qt.resolvedUrl("ArchiveConfirmSheet.qml")
+        stage: ArchiveScreen.Confirm
     }
-    ArchiveResultSheet {
-        archive: sheets.archive
+    ArchiveSheet {
+        source: Qt.resolvedUrl("ArchiveRunningSheet.qml")
+        stage: ArchiveScreen.Running
+    }
+    ArchiveSheet {
+        source: Qt.resolvedUrl("ArchiveResultSheet.qml")
+        stage: ArchiveScreen.Result
     }
 }

@@ -11,8 +11,6 @@ ScreenPage {
     readonly property ArchivedScreen screen: app.archived
     readonly property bool isListed: screen.state === ArchivedScreen.Listed
 
-    signal homeRequested
-
     objectName: "archivedPage"
     hasOwnRefresh: true
     onRefreshRequested: screen.check()
@@ -198,7 +196,7 @@ ScreenPage {
             title: isLoading ? "正在读取归档库…" : "还没有归档邮件"
             line: isLoading ? "" : "去「归档邮件」把邮件放入归档库后，这里会按邮箱、文件夹和年份显示。"
             buttonText: isLoading ? "" : "去归档邮件"
-            onActivated: page.homeRequested()
+            onActivated: page.placeRequested("home")
         }
         YearCellLegend {
             Layout.fillWidth: true
@@ -216,10 +214,14 @@ ScreenPage {
             notice.show(text);
         }
     }
-    AccountDetailSheet {
-        screen: page.screen
+    OnDemand {
+        source: Qt.resolvedUrl("account/AccountDetailSheet.qml")
+        properties: ({ screen: page.screen })
+        wanted: page.screen.detail.isOpen
     }
-    GuideSheet {
-        guide: page.screen.guide
+    OnDemand {
+        source: Qt.resolvedUrl("guide/GuideSheet.qml")
+        properties: ({ guide: page.screen.guide })
+        wanted: page.screen.guide.isOpen
     }
 }

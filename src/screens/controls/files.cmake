@@ -38,6 +38,7 @@ set(controls_qml
     panes/Splitter.qml
     panes/StepList.qml
     sheets/ConfirmSheet.qml
+    sheets/OnDemand.qml
     sheets/OpenSheets.qml
     sheets/PartialMailHelp.qml
     sheets/Sheet.qml

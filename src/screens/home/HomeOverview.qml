@@ -19,8 +19,9 @@ FocusScope {
     objectName: "overview"
     focus: true
 
-    PartialMailHelp {
+    OnDemand {
         id: partialHelp
+        source: Qt.resolvedUrl("../controls/sheets/PartialMailHelp.qml")
     }
     ColumnLayout {
         anchors.fill: parent
@@ -46,7 +47,7 @@ FocusScope {
                 proof: overview.home.proof
                 kind: bannerPart.kind
                 onTroublesRequested: overview.home.showTroubled()
-                onPartialMailRequested: partialHelp.open()
+                onPartialMailRequested: (partialHelp.made() as PartialMailHelp).open()
             }
         }
         HomeChart {

@@ -69,9 +69,10 @@ ScreenPage {
         }
     }
 
-    OtherMailSheet {
+    OnDemand {
         id: otherMail
-        otherMail: page.app.otherMail
+        source: Qt.resolvedUrl("OtherMailSheet.qml")
+        properties: ({ otherMail: page.app.otherMail })
     }
     Notice {
         id: notice
@@ -98,7 +99,7 @@ ScreenPage {
         id: folderAccess
         HomeFolderAccess {
             home: page.home
-            onOtherMailRequested: otherMail.ask()
+            onOtherMailRequested: (otherMail.made() as OtherMailSheet).ask()
         }
     }
     Component {
@@ -111,7 +112,7 @@ ScreenPage {
         id: firstUse
         HomeFirstUse {
             home: page.home
-            onOtherMailRequested: otherMail.ask()
+            onOtherMailRequested: (otherMail.made() as OtherMailSheet).ask()
         }
     }
     Component {

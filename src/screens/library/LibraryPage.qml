@@ -19,8 +19,6 @@ ScreenPage {
     readonly property int listWidth: Math.max(leastListWidth,
         Math.min(page.narrow ? Math.min(wantedListWidth, 360) : wantedListWidth, roomForList))
 
-    signal archiveRequested
-
     function keepListWidth(width: real) {
         wantedListWidth = width;
         app.storeLength("libraryList", width);
@@ -75,7 +73,7 @@ ScreenPage {
             focus: true
             low: page.low
             screen: page.screen
-            onMenuRequested: (x, y) => menu.popup(list, x, y)
+            onMenuRequested: (x, y) => (menu.made() as LibraryMenu).popup(list, x, y)
             onPageRequested: forward => detail.turnPage(forward)
         }
         ArchivedMailView {
@@ -86,8 +84,8 @@ ScreenPage {
             height: parent.height
             screen: page.screen
             low: page.low
-            onMenuRequested: button => menu.popup(button, 0, button.height + Theme.half)
-            onSaveRequested: row => saving.ask(row)
+            onMenuRequested: button => (menu.made() as LibraryMenu).popup(button, 0, button.height + Theme.half)
+            onSaveRequested: row => (saving.made() as SaveSheet).ask(row)
         }
         Splitter {
             id: splitter
@@ -109,30 +107,44 @@ ScreenPage {
         visible: !page.showsPanes
         onVisibleChanged: page.handKeyboardTo(reason)
         screen: page.screen
-        onArchiveRequested: page.archiveRequested()
+        onArchiveRequested: page.placeRequested("home")
     }
 
-    LibraryMenu {
+    OnDemand {
         id: menu
-        screen: page.screen
+        source: Qt.resolvedUrl("LibraryMenu.qml")
+        properties: ({ screen: page.screen })
     }
-    SaveSheet {
+    OnDemand {
         id: saving
-        attachments: page.screen.attachments
+        source: Qt.resolvedUrl("detail/SaveSheet.qml")
+        properties: ({ attachments: page.screen.attachments })
     }
-    RemovalSheet {
-        removal: page.screen.removal
+    OnDemand {
+        source: Qt.resolvedUrl("removal/RemovalSheet.qml")
+        properties: ({ removal: page.screen.removal })
+        wanted: page.screen.removal.step !== RemovalQuestion.Closed
     }
-    RemovalEndSheet {
-        removal: page.screen.removal
-        onCopyRequested: page.screen.copyFailures()
-        onFolderRequested: page.screen.openFailureFolder()
+    OnDemand {
+        id: end
+        source: Qt.resolvedUrl("removal/RemovalEndSheet.qml")
+        properties: ({ removal: page.screen.removal })
+        wanted: page.screen.removal.step === RemovalQuestion.Failed
+    }
+    Connections {
+        target: end.item
+        function onCopyRequested() {
+            page.screen.copyFailures();
+        }
+        function onFolderRequested() {
+            page.screen.openFailureFolder();
+        }
     }
 
     Binding {
         target: page.screen
         property: "held"
-        value: list.pressed || menu.opened
+        value: list.pressed || (menu.item?.opened ?? false)
     }
     Connections {
         target: page.screen

@@ -103,7 +103,7 @@ ScreenPage {
             screen: page.screen
             showsFilterButton: !page.showsFilters
             onFiltersRequested: button => filterPopup.openAt(button)
-            onMenuRequested: (x, y) => menu.popup(list, x, y)
+            onMenuRequested: (x, y) => (menu.made() as MessageMenu).popup(list, x, y)
             onPageRequested: forward => detail.turnPage(forward)
         }
         MessageDetailView {
@@ -114,7 +114,7 @@ ScreenPage {
             height: parent.height
             screen: page.screen
             low: page.low
-            onMenuRequested: button => menu.popup(button, 0, button.height + Theme.half)
+            onMenuRequested: button => (menu.made() as MessageMenu).popup(button, 0, button.height + Theme.half)
         }
         Splitter {
             id: splitter
@@ -142,9 +142,10 @@ ScreenPage {
         onUpdateRequested: page.app.refreshAllMailData()
     }
 
-    MessageMenu {
+    OnDemand {
         id: menu
-        screen: page.screen
+        source: Qt.resolvedUrl("MessageMenu.qml")
+        properties: ({ screen: page.screen })
     }
     T.Popup {
         id: filterPopup
@@ -185,7 +186,7 @@ ScreenPage {
     Binding {
         target: page.screen
         property: "held"
-        value: list.pressed || menu.opened
+        value: list.pressed || (menu.item?.opened ?? false)
     }
     Connections {
         target: page.screen.actions

@@ -10,9 +10,13 @@ FocusScope {
     required property WindowModel app
     property string place: "home"
     property ScreenPage currentPage: null
-    // The screen of each place, by the keys of SidebarModel.
-    readonly property var pages: ({ home: homePage, archived: archivedPage, library: libraryPage, mails: mailsPage,
-                                    space: spacePage })
+    // The screen of each place, by the keys of SidebarModel. Files, so that the first frame waits for the types of one
+    // screen alone.
+    readonly property var pages: ({ home: Qt.resolvedUrl("../home/HomePage.qml"),
+                                    archived: Qt.resolvedUrl("../archived/ArchivedPage.qml"),
+                                    library: Qt.resolvedUrl("../library/LibraryPage.qml"),
+                                    mails: Qt.resolvedUrl("../mails/MailListPage.qml"),
+                                    space: Qt.resolvedUrl("../space/SpacePage.qml") })
     // How many of the screens were made ahead.
     property int madeAhead: 0
     readonly property bool narrow: width < Theme.narrowBelow
@@ -35,6 +39,9 @@ FocusScope {
     function settleKeyboard() {
         if (currentPage && !OpenSheets.shown && !KeyboardFocus.isHeldIn(view))
             enterPage();
+    }
+    function showPlaces() {
+        (places.made() as PlacesSheet).show();
     }
     function find() {
         const field = currentPage?.searchField as SearchField;
@@ -94,26 +101,29 @@ FocusScope {
         place: view.place
         low: view.low
         onPlaceChosen: key => view.go(key)
-        onPlacesRequested: places.show()
+        onPlacesRequested: view.showPlaces()
         onImportRequested: settings.importSettings()
         onExportRequested: settings.exportSettings()
     }
-    PlacesSheet {
+    OnDemand {
         id: places
-        screen: view.app.places
+        source: Qt.resolvedUrl("../places/PlacesSheet.qml")
+        properties: ({ screen: view.app.places })
     }
     SettingsSheets {
         id: settings
         travel: view.app.settings
     }
-    CollectionSheet {
-        collection: view.app.collection
+    OnDemand {
+        source: Qt.resolvedUrl("../settings/collection/CollectionSheet.qml")
+        properties: ({ collection: view.app.collection })
+        wanted: view.app.collection.isOpen
     }
     Connections {
         target: view.app
         function onRequested(command: int) {
             if (command === WindowModel.Places)
-                places.show();
+                view.showPlaces();
             else if (command === WindowModel.ExportSettings)
                 settings.exportSettings();
             else
@@ -136,8 +146,6 @@ FocusScope {
         anchors.bottom: parent.bottom
         focus: true
 
-        // A Loader of Qt 6.4 takes no bound components.
-        // qmllint disable unqualified
         Repeater {
             model: view.app.sidebar
             delegate: Loader {
@@ -145,57 +153,32 @@ FocusScope {
                 required property int index
                 required property string key
                 readonly property bool current: view.place === key
+                readonly property bool isAhead: index < view.madeAhead
 
                 anchors.fill: parent
-                active: current || item !== null || index < view.madeAhead
-                asynchronous: !current
                 visible: current
                 focus: current
-                sourceComponent: view.pages[key]
                 onCurrentChanged: showPage()
-                onLoaded: showPage()
+                onIsAheadChanged: if (status === Loader.Null) make(true)
+                onLoaded: {
+                    (item as ScreenPage).placeRequested.connect(view.goByKey);
+                    showPage();
+                }
+                Component.onCompleted: showPage()
 
+                function make(ahead: bool) {
+                    asynchronous = ahead;
+                    setSource(view.pages[key], { app: view.app });
+                }
                 function showPage() {
-                    if (!current || !item)
+                    if (!current)
                         return;
+                    if (status !== Loader.Ready)
+                        return make(false);
                     view.currentPage = item as ScreenPage;
                     view.currentPage.shown();
                 }
             }
-        }
-    }
-
-    Component {
-        id: homePage
-        HomePage {
-            app: view.app
-        }
-    }
-    Component {
-        id: archivedPage
-        ArchivedPage {
-            app: view.app
-            onHomeRequested: view.goByKey("home")
-        }
-    }
-    Component {
-        id: spacePage
-        SpacePage {
-            app: view.app
-            onHomeRequested: view.goByKey("home")
-        }
-    }
-    Component {
-        id: libraryPage
-        LibraryPage {
-            app: view.app
-            onArchiveRequested: view.goByKey("home")
-        }
-    }
-    Component {
-        id: mailsPage
-        MailListPage {
-            app: view.app
         }
     }
 

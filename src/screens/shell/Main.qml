@@ -23,7 +23,7 @@ Window {
     onClosing: close => {
         if (app.archiving && !endsForGood) {
             close.accepted = false;
-            question.open();
+            (question.made() as CloseQuestion).open();
         }
     }
 
@@ -32,10 +32,14 @@ Window {
         focus: true
         app: root.app
     }
-    CloseQuestion {
+    OnDemand {
         id: question
-        app: root.app
-        onDone: {
+        source: Qt.resolvedUrl("CloseQuestion.qml")
+        properties: ({ app: root.app })
+    }
+    Connections {
+        target: question.item
+        function onDone() {
             root.endsForGood = true;
             root.close();
         }

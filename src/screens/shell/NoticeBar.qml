@@ -1,6 +1,4 @@
 // What concerns the whole program, above every screen: samples for a computer without Mail, a missing font.
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import Corvane
 
@@ -9,72 +7,79 @@ Column {
 
     required property WindowModel app
     property int margin: Theme.margin
+    property bool isSettingsNoticeRead: false
+    property string readUnkept
 
     spacing: Theme.space
 
-    component NoticeBanner: Banner {
+    // Of each one there is nothing but this until it has something to say.
+    component Notice: Loader {
         x: notices.margin
         width: notices.width - 2 * notices.margin
+        visible: active
     }
 
-    NoticeBanner {
-        objectName: "fontNotice"
-        visible: !notices.app.hasChineseFont
-        kind: "attention"
-        // In the letters that every system has.
-        headline: "No font for Chinese was found"
-        lines: ["Install one (Debian and Ubuntu: fonts-noto-cjk) and start Corvane again."]
-    }
-    NoticeBanner {
-        id: settingsNotice
-        objectName: "settingsNotice"
-
-        property bool isRead: false
-
-        visible: (notices.app.damagedSettings.length > 0 || notices.app.hasUnreadableSettings) && !isRead
-        kind: "attention"
-        headline: "设置文件无法读取，已按初始设置打开"
-        lines: notices.app.hasUnreadableSettings
-            ? ["文件没有改动，能够读取之前，这次的更改不会保存。", "请检查设置文件的权限和所在的磁盘，然后重新打开；已归档的邮件不受影响。"]
-            : ["请重新选择归档位置；已归档的邮件不受影响。", "原来的设置保留在 " + notices.app.damagedSettings]
-
-        AppButton {
-            objectName: "settingsNoticeButton"
-            text: "知道了"
-            onClicked: settingsNotice.isRead = true
+    // A Loader of Qt 6.4 takes no bound components.
+    // qmllint disable unqualified
+    Notice {
+        active: !notices.app.hasChineseFont
+        sourceComponent: Banner {
+            objectName: "fontNotice"
+            kind: "attention"
+            // In the letters that every system has.
+            headline: "No font for Chinese was found"
+            lines: ["Install one (Debian and Ubuntu: fonts-noto-cjk) and start Corvane again."]
         }
     }
-    NoticeBanner {
-        id: unkeptNotice
-        objectName: "unkeptNotice"
+    Notice {
+        active: (notices.app.damagedSettings.length > 0 || notices.app.hasUnreadableSettings)
+            && !notices.isSettingsNoticeRead
+        sourceComponent: Banner {
+            objectName: "settingsNotice"
+            kind: "attention"
+            headline: "设置文件无法读取，已按初始设置打开"
+            lines: notices.app.hasUnreadableSettings
+                ? ["文件没有改动，能够读取之前，这次的更改不会保存。", "请检查设置文件的权限和所在的磁盘，然后重新打开；已归档的邮件不受影响。"]
+                : ["请重新选择归档位置；已归档的邮件不受影响。", "原来的设置保留在 " + notices.app.damagedSettings]
 
-        property string read
-
-        visible: notices.app.unkept.length > 0 && notices.app.unkept !== read
-        kind: "danger"
-        headline: "有数据没能保存"
-        lines: [notices.app.unkept]
-
-        AppButton {
-            objectName: "unkeptNoticeButton"
-            text: "知道了"
-            onClicked: unkeptNotice.read = notices.app.unkept
+            AppButton {
+                objectName: "settingsNoticeButton"
+                text: "知道了"
+                onClicked: notices.isSettingsNoticeRead = true
+            }
         }
     }
-    NoticeBanner {
-        objectName: "sampleNotice"
-        visible: notices.app.sampleStore.offered || notices.app.sampleStore.failure.length > 0
-        kind: notices.app.sampleStore.failure.length > 0 ? "danger" : "info"
-        headline: notices.app.sampleStore.failure.length > 0 ? notices.app.sampleStore.failure
-            : "这个主目录里没有 Apple Mail 的邮件"
-        lines: ["可以先用示例邮件试用。示例另存在应用数据里，不会碰到其它文件。"]
+    Notice {
+        active: notices.app.unkept.length > 0 && notices.app.unkept !== notices.readUnkept
+        sourceComponent: Banner {
+            objectName: "unkeptNotice"
+            kind: "danger"
+            headline: "有数据没能保存"
+            lines: [notices.app.unkept]
 
-        AppButton {
-            objectName: "sampleButton"
-            visible: notices.app.sampleStore.offered
-            enabled: !notices.app.sampleStore.busy
-            text: notices.app.sampleStore.busy ? "正在生成示例…" : "用示例邮件试用"
-            onClicked: notices.app.sampleStore.make()
+            AppButton {
+                objectName: "unkeptNoticeButton"
+                text: "知道了"
+                onClicked: notices.readUnkept = notices.app.unkept
+            }
+        }
+    }
+    Notice {
+        active: notices.app.sampleStore.offered || notices.app.sampleStore.failure.length > 0
+        sourceComponent: Banner {
+            objectName: "sampleNotice"
+            kind: notices.app.sampleStore.failure.length > 0 ? "danger" : "info"
+            headline: notices.app.sampleStore.failure.length > 0 ? notices.app.sampleStore.failure
+                : "这个主目录里没有 Apple Mail 的邮件"
+            lines: ["可以先用示例邮件试用。示例另存在应用数据里，不会碰到其它文件。"]
+
+            AppButton {
+                objectName: "sampleButton"
+                visible: notices.app.sampleStore.offered
+                enabled: !notices.app.sampleStore.busy
+                text: notices.app.sampleStore.busy ? "正在生成示例…" : "用示例邮件试用"
+                onClicked: notices.app.sampleStore.make()
+            }
         }
     }
 }

@@ -25,6 +25,8 @@ FocusScope {
     signal refreshRequested
     // Escape came and nothing in the screen took it.
     signal escaped
+    // The way leads to another place, by its key in SidebarModel.
+    signal placeRequested(string key)
 
     focus: true
     onRefreshRequested: if (!hasOwnRefresh) app.refreshAllMailData()

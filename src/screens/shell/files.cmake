@@ -6,6 +6,7 @@ set(shell_qml
     Main.qml
     NoticeBar.qml
     ScreenPage.qml
+    sidebar/SettingsMenu.qml
     sidebar/Sidebar.qml
     sidebar/SidebarFoot.qml
     sidebar/SidebarItem.qml

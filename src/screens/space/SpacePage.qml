@@ -11,8 +11,6 @@ ScreenPage {
     readonly property SpaceScreen screen: app.space
     readonly property bool isListed: screen.state === SpaceScreen.Listed
 
-    signal homeRequested
-
     objectName: "spacePage"
     onEscaped: screen.closeAccount()
     onShown: screen.open()
@@ -166,7 +164,7 @@ ScreenPage {
                 : kind === SpaceScreen.Partial ? "继续更新" : ""
             onActivated: {
                 if (kind === SpaceScreen.NoAccess)
-                    page.homeRequested();
+                    page.placeRequested("home");
                 else
                     page.app.refreshAllMailData();
             }

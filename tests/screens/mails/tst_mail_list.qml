@@ -91,11 +91,11 @@ Item {
         }
 
         function test_TheMenuIsForAllThatIsSelected_AndRowsWaitWhileItIsOpen() {
-            const menu = findChild(page, "messageMenu");
             clickRow(1, Qt.NoModifier);
             clickRow(3, Qt.ShiftModifier);
             mouseClick(view, 100, view.itemAtIndex(2).y - view.contentY + 30, Qt.RightButton);
-            tryVerify(() => menu.opened);
+            tryVerify(() => findChild(page, "messageMenu")?.opened ?? false);
+            const menu = findChild(page, "messageMenu");
             compare(selection.count, 3);
             screen.filters.minimumAttachments = 1;
             wait(0);

@@ -10,7 +10,7 @@ Item {
     required property FolderPicker picker
     // At which the system's picker begins.
     property url folder
-    property alias title: own.title
+    property string title: "选择附件转移位置"
 
     // What was chosen in the system's picker; our own tells the one that it is given.
     signal folderChosen(url folder)
@@ -19,12 +19,13 @@ Item {
         if (Qt.platform.os === "osx")
             systemPicker.active = true;
         else
-            own.ask();
+            (own.made() as FolderSheet).ask();
     }
 
-    FolderSheet {
+    OnDemand {
         id: own
-        picker: chooser.picker
+        source: Qt.resolvedUrl("FolderSheet.qml")
+        properties: ({ picker: chooser.picker, title: chooser.title })
     }
     // A Loader of Qt 6.4 takes no bound components.
     // qmllint disable unqualified
@@ -33,7 +34,7 @@ Item {
         active: false
         onLoaded: (item as FolderDialog).open()
         sourceComponent: FolderDialog {
-            title: own.title
+            title: chooser.title
             acceptLabel: "使用此位置"
             currentFolder: chooser.folder
             onAccepted: {

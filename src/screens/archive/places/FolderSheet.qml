@@ -13,7 +13,6 @@ Sheet {
     property bool hasBegun: false
 
     objectName: "folderSheet"
-    title: "选择附件转移位置"
     subtitle: "归档会直接放进所选文件夹，建议新建一个专用空文件夹（例如坚果云同步目录里的一个文件夹）。"
     wantedWidth: 720
     wantedHeight: 620

@@ -199,7 +199,7 @@ FocusScope {
                     }
                     TextMarks {
                         area: body.textDocument
-                        query: view.screen.list.query
+                        query: view.screen !== null ? view.screen.list.query : ""
                         color: Theme.searchMark
                     }
                     TextLines {

@@ -52,7 +52,10 @@ FocusGroup {
                 bare: true
                 symbol: "ellipsis"
                 help: "归档位置与配置备份"
-                onClicked: menu.popup(more, 0, -menu.implicitHeight - Theme.half)
+                onClicked: {
+                    const rows = menu.made() as SettingsMenu;
+                    rows.popup(more, 0, -rows.implicitHeight - Theme.half);
+                }
             }
         }
         RowLayout {
@@ -168,24 +171,20 @@ FocusGroup {
             }
         }
     }
-    AppMenu {
+    OnDemand {
         id: menu
-        objectName: "settingsMenu"
-
-        AppMenuRow {
-            objectName: "placesRow"
-            text: "归档位置…"
-            onTriggered: foot.placesRequested()
+        source: Qt.resolvedUrl("SettingsMenu.qml")
+    }
+    Connections {
+        target: menu.item
+        function onPlacesRequested() {
+            foot.placesRequested();
         }
-        AppMenuRow {
-            objectName: "importRow"
-            text: "导入配置备份…"
-            onTriggered: foot.importRequested()
+        function onImportRequested() {
+            foot.importRequested();
         }
-        AppMenuRow {
-            objectName: "exportRow"
-            text: "导出配置备份…"
-            onTriggered: foot.exportRequested()
+        function onExportRequested() {
+            foot.exportRequested();
         }
     }
 }
