@@ -110,7 +110,7 @@ class LibraryWalk {
     LibraryScreen& screen() { return *whole_.window().library(); }
 
     void settle() {
-        whole_.waitFor([&] { return !screen().isSearching(); });
+        whole_.waitFor([&] { return !screen().search()->isBusy(); });
         const auto end = bench::Clock::now() + std::chrono::milliseconds(150);
         while (bench::Clock::now() < end) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     }
@@ -161,8 +161,9 @@ void LibraryWalk::openLargestThread() {
 void LibraryWalk::type(const char* query) {
     const QString whole = QString::fromUtf8(query);
     measure(fmt::format("search {}", query).c_str(), [&] {
-        for (qsizetype length = 1; length <= whole.size(); ++length) screen().setQuery(whole.first(length));
-        if (whole.isEmpty()) screen().setQuery({});
+        for (qsizetype length = 1; length <= whole.size(); ++length)
+            screen().search()->setQuery(whole.first(length));
+        if (whole.isEmpty()) screen().search()->setQuery({});
     });
 }
 

@@ -51,9 +51,9 @@ ScreenHead {
         objectName: "librarySearch"
         implicitWidth: head.narrow ? 240 : 320
         placeholderText: "搜索主题、发件人、正文、附件名"
-        busy: head.screen.searching
-        text: head.screen.query
-        onTextChanged: head.screen.query = text
+        busy: head.screen.search.busy
+        text: head.screen.search.query
+        onTextChanged: head.screen.search.query = text
         onListRequested: head.listRequested()
         onLeaving: head.listRequested()
     }

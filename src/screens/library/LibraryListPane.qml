@@ -77,7 +77,7 @@ FocusScope {
         width: parent.width - 2 * x
         height: visible ? Theme.rowDense : 0
         visible: text.length > 0
-        text: pane.screen.searchNote
+        text: pane.screen.search.note
         role: AppText.Note
         color: Theme.attention
     }
@@ -88,7 +88,7 @@ FocusScope {
         width: parent.width
         focus: true
         screen: pane.screen
-        onOpened: pane.screen.openMail()
+        onOpened: pane.screen.actions.openMail()
         onMenuRequested: (x, y) => pane.menuRequested(x, rows.y + y)
         onPageRequested: forward => pane.pageRequested(forward)
     }

@@ -16,34 +16,34 @@ AppMenu {
         text: "打开归档邮件"
         keys: "↩"
         enabled: menu.hasFile
-        onTriggered: menu.screen.openMail()
+        onTriggered: menu.screen.actions.openMail()
     }
     AppMenuRow {
         text: "在文件管理器中显示"
         enabled: menu.hasFile
-        onTriggered: menu.screen.revealMail()
+        onTriggered: menu.screen.actions.revealMail()
     }
     AppMenuRow {
         objectName: "findOriginalRow"
         text: "在 Mail 中查找原件"
-        onTriggered: menu.screen.findOriginal()
+        onTriggered: menu.screen.actions.findOriginal()
     }
     AppMenuLine {}
     AppMenuRow {
         text: menu.selected > 1 ? "拷贝选中的 " + menu.selected + " 行" : "拷贝这一行"
         keys: Qt.platform.os === "osx" ? "⌘C" : "Ctrl+C"
-        onTriggered: menu.screen.copyRows()
+        onTriggered: menu.screen.actions.copyRows()
     }
     AppMenuRow {
         text: "拷贝为文本"
-        onTriggered: menu.screen.copyMail()
+        onTriggered: menu.screen.actions.copyMail()
     }
     AppMenuLine {}
     AppMenuRow {
         objectName: "removeRow"
         text: menu.selected > 1 ? "从归档库移除选中的 " + menu.selected + " 封…" : "从归档库移除…"
         keys: Qt.platform.os === "osx" ? "⌘⌫" : "Del"
-        enabled: menu.screen.canRemove
-        onTriggered: menu.screen.removeSelected()
+        enabled: menu.screen.actions.canRemove
+        onTriggered: menu.screen.actions.removeSelected()
     }
 }

@@ -134,10 +134,10 @@ ScreenPage {
     Connections {
         target: end.item
         function onCopyRequested() {
-            page.screen.copyFailures();
+            page.screen.actions.copyFailures();
         }
         function onFolderRequested() {
-            page.screen.openFailureFolder();
+            page.screen.actions.openFailureFolder();
         }
     }
 
@@ -147,7 +147,13 @@ ScreenPage {
         value: list.pressed || (menu.item?.opened ?? false)
     }
     Connections {
-        target: page.screen
+        target: page.screen.attachments
+        function onNoticed(text: string) {
+            notice.show(text);
+        }
+    }
+    Connections {
+        target: page.screen.actions
         function onNoticed(text: string) {
             notice.show(text);
         }

@@ -22,9 +22,12 @@ set(library_qml
     rows/MarkedText.qml
 )
 set(library_sources
+    library_actions.cpp
     library_facets.cpp
     library_filter_menus.cpp
     library_screen.cpp
+    library_search.cpp
+    detail/archived_body.cpp
     detail/archived_mail.cpp
     detail/attachment_tiles.cpp
     detail/body_layout.cpp

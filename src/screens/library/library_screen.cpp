@@ -5,13 +5,10 @@
 #include <utility>
 #include <vector>
 
-#include <QPointer>
-#include <QUrl>
 #include <fmt/format.h>
 
 #include "records/archived/counted_bytes.h"
 #include "records/texts/formatters.h"
-#include "screens/texts/archive_place.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
 
@@ -40,15 +37,6 @@ std::int64_t bytesOf(const SelectedMail& mail, const TaskHandle&) {
     return bytes;
 }
 
-QString copiedLines(const SelectedMail& job, const TaskHandle& task) {
-    QStringList lines;
-    for (const EntryPosition entry : job.entries) {
-        if (task.isCancelled()) return {};
-        lines += LibraryRowModel::copiedLine(job.list->index().entry(entry).record);
-    }
-    return lines.join(u'\n');
-}
-
 } // namespace
 
 // The next rows, with what was found out about them in the background.
@@ -61,16 +49,16 @@ struct LibraryScreen::Update {
 LibraryScreen::LibraryScreen(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
   : QObject(parent)
   , model_(model)
-  , desktop_(desktop)
   , texts_(model.context(), model.library().bodyTexts)
   , rows_(model.library(), texts_)
   , selection_(model.library().list, rows_)
   , filters_(model.library().list)
+  , search_(model.library())
   , mail_(model)
   , attachments_(model)
   , removal_(model)
+  , actions_(model, desktop, rows_, selection_, mail_, removal_)
   , rowsTask_(model.context().tasks)
-  , copyTask_(model.context().tasks)
   , sumTask_(model.context().tasks) {
     wire();
 }
@@ -83,10 +71,8 @@ void LibraryScreen::wire() {
         isRearranging_ = true;
         updateState();
     });
-    connect(&flow, &LibraryListFlow::searchChanged, this, [this] {
-        texts_.setQuery(model_.library().list.debouncedQuery());
-        Q_EMIT searchChanged();
-    });
+    connect(&flow, &LibraryListFlow::searchChanged, this,
+            [this] { texts_.setQuery(model_.library().list.debouncedQuery()); });
     connect(&model_.library().presence, &PresenceFlow::presenceChanged, this, &LibraryScreen::showMail);
     connect(&model_.library().loader, &LibraryLoader::archiveLocationsChanged, &rows_,
             &LibraryRowModel::notifyPlaces);
@@ -98,9 +84,6 @@ void LibraryScreen::wire() {
             &LibraryScreen::updateState);
     connect(&model_.library().loader, &LibraryLoader::loadFinished, this, &LibraryScreen::updateState);
     connect(&model_.library().bodyTexts, &BodyTexts::bodyIndexFinished, &texts_, &RowTexts::forget);
-    connect(&model_.library().mailOpening, &ArchivedMailOpening::ended, this, &LibraryScreen::handleOpened);
-    connect(&attachments_, &AttachmentTiles::noticed, this, &LibraryScreen::noticed);
-    connect(&removal_, &RemovalQuestion::changed, this, &LibraryScreen::summaryChanged);
 }
 
 void LibraryScreen::appear() {
@@ -157,22 +140,18 @@ void LibraryScreen::apply(Update& update) {
     // The end of a large list takes longer than a frame.
     model_.context().tasks.discard(std::make_shared<RowsOfList>(std::move(earlier)));
     filters_.setFacets(std::move(update.facets));
-    if (areRowsPresent()) rows_.setShownSelection(model_.library().list.selection());
+    if (rows_.isOfPresentIndex()) rows_.setShownSelection(model_.library().list.selection());
     selection_.remap(update.changes.newRows, rows_.count());
-    if (areRowsPresent()) model_.library().list.selectFirstVisibleIfNeeded();
+    if (rows_.isOfPresentIndex()) model_.library().list.selectFirstVisibleIfNeeded();
     updateSelection();
     if (std::exchange(isRearranging_, false)) Q_EMIT listRearranged();
     Q_EMIT summaryChanged();
     updateState();
 }
 
-bool LibraryScreen::areRowsPresent() const {
-    return rows_.content().list->inputs.index == model_.library().list.list()->inputs.index;
-}
-
 // Positions of another index than that of the rows wait for its rows.
 void LibraryScreen::updateSelection() {
-    if (!areRowsPresent()) return;
+    if (!rows_.isOfPresentIndex()) return;
     rows_.setShownSelection(model_.library().list.selection());
     selection_.showSelected();
     sumUpSelection();
@@ -196,7 +175,7 @@ LibraryScreen::State LibraryScreen::currentState() const {
     if (model_.library().loader.archivedEntries()->empty())
         return model_.library().loader.isLoading() ? State::Loading : State::Empty;
     const bool isWaiting = rowsTask_.isRunning() || !model_.library().list.isCurrent() ||
-                           !model_.library().index.isCurrent() || isSearching();
+                           !model_.library().index.isCurrent() || search_.isBusy();
     // The answer to a search stays until there is another one.
     return isWaiting && state_ != State::NoMatch ? State::Loading : State::NoMatch;
 }
@@ -237,21 +216,6 @@ QString LibraryScreen::summaryText() const {
     const auto entries = std::ssize(rows_.content().list->entries.entries());
     const QString sum = countAndSize(entries, filters_.facets().bytes);
     return rows_.content().list->inputs.filters.matchedIDs ? QStringLiteral("找到 ") + sum : sum;
-}
-
-QString LibraryScreen::searchNote() const {
-    QStringList names;
-    for (const std::string& root : model_.library().list.rootsNotSearched())
-        names += screens::archivePlaceName(model_.library().loader, root);
-    return names.isEmpty() ? QString() : QStringLiteral("没有查到这些位置：") + names.join(u'、');
-}
-
-QString LibraryScreen::query() const {
-    return screens::wholeText(model_.library().list.searchText());
-}
-
-void LibraryScreen::setQuery(const QString& query) {
-    model_.library().list.setSearchText(query.toStdString());
 }
 
 void LibraryScreen::toggleThread(int row) {
@@ -327,64 +291,6 @@ void LibraryScreen::openThread(int row) {
         selection_.select(row + 1);
     else
         toggleThread(row);
-}
-
-void LibraryScreen::openMail() {
-    if (!mail_.entry()) return;
-    if (mail_.fileState() == ArchivedMail::FileState::Unplugged) {
-        Q_EMIT noticed(mail_.openHelp());
-        return;
-    }
-    model_.library().mailOpening.openArchivedEmail(*mail_.entry());
-}
-
-void LibraryScreen::handleOpened() {
-    const std::string error = model_.library().mailOpening.openArchiveError();
-    const std::string& text = error.empty() ? model_.library().mailOpening.openArchiveNote() : error;
-    if (!text.empty()) Q_EMIT noticed(screens::shownLine(text));
-}
-
-void LibraryScreen::revealMail() {
-    if (!mail_.entry()) return;
-    if (mail_.fileState() == ArchivedMail::FileState::Here ||
-        mail_.fileState() == ArchivedMail::FileState::Unknown)
-        return model_.library().mailOpening.revealArchivedEmail(*mail_.entry());
-    Q_EMIT noticed(mail_.stateText());
-}
-
-void LibraryScreen::findOriginal() {
-    if (!mail_.entry()) return;
-    model_.library().mailOpening.locateOriginalInMail(
-        mail_.entry()->record, [self = QPointer(this)](std::optional<OriginalFailure> failure) {
-            if (self && failure) Q_EMIT self->noticed(screens::wholeText(originalFailureText(*failure)));
-        });
-}
-
-void LibraryScreen::copyRows() {
-    copyTask_.start(TaskPriority::userInitiated, SelectedMail{rows_.content().list, selection_.entries()},
-                    &copiedLines, [this](const QString& lines) {
-                        if (!lines.isEmpty()) desktop_.copy(lines);
-                    });
-}
-
-void LibraryScreen::copyMail() {
-    if (mail_.hasMail()) desktop_.copy(mail_.wholeMail());
-}
-
-bool LibraryScreen::canRemove() const {
-    return selection_.count() > 0 && removal_.step() != RemovalQuestion::Step::Removing;
-}
-
-void LibraryScreen::removeSelected() {
-    // Rows of an index that has been replaced may name what isn't there any more.
-    if (!canRemove() || !areRowsPresent()) return;
-    removal_.ask(rows_.content().list, selection_.entries());
-}
-
-void LibraryScreen::openFailureFolder() {
-    const QString folder = screens::wholeText(removal_.failureRoot());
-    if (folder.isEmpty() || !desktop_.open(QUrl::fromLocalFile(folder)))
-        Q_EMIT noticed(QStringLiteral("打不开这个归档的文件夹。"));
 }
 
 } // namespace corvane

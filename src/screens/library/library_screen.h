@@ -16,7 +16,9 @@
 #include "screens/desktop/desktop_actions.h"
 #include "screens/library/detail/archived_mail.h"
 #include "screens/library/detail/attachment_tiles.h"
+#include "screens/library/library_actions.h"
 #include "screens/library/library_filter_menus.h"
+#include "screens/library/library_search.h"
 #include "screens/library/removal/removal_question.h"
 #include "screens/library/rows/library_row_model.h"
 #include "screens/library/rows/library_row_selection.h"
@@ -31,18 +33,16 @@ class LibraryScreen : public QObject {
     Q_PROPERTY(State state READ state NOTIFY stateChanged)
     Q_PROPERTY(QString awayPlaces READ awayPlaces NOTIFY stateChanged)
     Q_PROPERTY(QString summaryText READ summaryText NOTIFY summaryChanged)
-    Q_PROPERTY(QString searchNote READ searchNote NOTIFY searchChanged)
-    Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY searchChanged)
-    Q_PROPERTY(bool searching READ isSearching NOTIFY searchChanged)
     Q_PROPERTY(bool ascending READ isAscending WRITE setAscending NOTIFY summaryChanged)
     Q_PROPERTY(bool held READ isHeld WRITE setHeld NOTIFY heldChanged)
-    Q_PROPERTY(bool canRemove READ canRemove NOTIFY summaryChanged)
     Q_PROPERTY(corvane::LibraryRowModel* list READ list CONSTANT)
     Q_PROPERTY(corvane::LibraryRowSelection* selection READ selection CONSTANT)
     Q_PROPERTY(corvane::LibraryFilterMenus* filters READ filters CONSTANT)
+    Q_PROPERTY(corvane::LibrarySearch* search READ search CONSTANT)
     Q_PROPERTY(corvane::ArchivedMail* mail READ mail CONSTANT)
     Q_PROPERTY(corvane::AttachmentTiles* attachments READ attachments CONSTANT)
     Q_PROPERTY(corvane::RemovalQuestion* removal READ removal CONSTANT)
+    Q_PROPERTY(corvane::LibraryActions* actions READ actions CONSTANT)
 
   public:
     enum class State { Listed, Loading, NoMatch, Empty };
@@ -62,14 +62,6 @@ class LibraryScreen : public QObject {
     // Count and size of what is selected where it is more than one mail, else of the list.
     [[nodiscard]] QString summaryText() const;
 
-    // Which archives the search couldn't ask; empty without any.
-    [[nodiscard]] QString searchNote() const;
-
-    [[nodiscard]] QString query() const;
-    void setQuery(const QString& query);
-
-    [[nodiscard]] bool isSearching() const { return model_.library().list.isSearching(); }
-
     [[nodiscard]] bool isAscending() const { return model_.library().list.sortAscending(); }
 
     void setAscending(bool ascending) { model_.library().list.setSortAscending(ascending); }
@@ -79,20 +71,21 @@ class LibraryScreen : public QObject {
 
     void setHeld(bool held);
 
-    // Something is selected, and no removal is under way.
-    [[nodiscard]] bool canRemove() const;
-
     [[nodiscard]] LibraryRowModel* list() { return &rows_; }
 
     [[nodiscard]] LibraryRowSelection* selection() { return &selection_; }
 
     [[nodiscard]] LibraryFilterMenus* filters() { return &filters_; }
 
+    [[nodiscard]] LibrarySearch* search() { return &search_; }
+
     [[nodiscard]] ArchivedMail* mail() { return &mail_; }
 
     [[nodiscard]] AttachmentTiles* attachments() { return &attachments_; }
 
     [[nodiscard]] RemovalQuestion* removal() { return &removal_; }
+
+    [[nodiscard]] LibraryActions* actions() { return &actions_; }
 
     // Opens or closes the thread of a row; no effect on other rows.
     Q_INVOKABLE void toggleThread(int row);
@@ -101,30 +94,10 @@ class LibraryScreen : public QObject {
     Q_INVOKABLE void closeThread(int row);
     Q_INVOKABLE void openThread(int row);
 
-    Q_INVOKABLE void openMail();
-
-    // What is being brought back from a cloud stays there, and nothing is opened.
-    Q_INVOKABLE void cancelOpening() { model_.library().mailOpening.cancel(); }
-
-    Q_INVOKABLE void revealMail();
-    Q_INVOKABLE void findOriginal();
-    Q_INVOKABLE void copyRows();
-    Q_INVOKABLE void copyMail();
-    Q_INVOKABLE void removeSelected();
-
-    // What the last removal left, as lines.
-    Q_INVOKABLE void copyFailures() { desktop_.copy(removal_.failureLines()); }
-
-    // The archive of the first one that stayed.
-    Q_INVOKABLE void openFailureFolder();
-
   Q_SIGNALS:
     void stateChanged();
     void summaryChanged();
-    void searchChanged();
     void heldChanged();
-    // What an action has to say.
-    void noticed(const QString& text);
     // The list is another one because filters or order are others: the view shows the current row.
     void listRearranged();
 
@@ -142,19 +115,18 @@ class LibraryScreen : public QObject {
     void insertMembers(int row);
     void removeMembers(int row);
     void applyRows(LibraryRows rows, RowChanges changes);
-    void handleOpened();
-    [[nodiscard]] bool areRowsPresent() const;
     [[nodiscard]] State currentState() const;
 
     CorvaneViewModel& model_;
-    DesktopActions& desktop_;
     RowTexts texts_;
     LibraryRowModel rows_;
     LibraryRowSelection selection_;
     LibraryFilterMenus filters_;
+    LibrarySearch search_;
     ArchivedMail mail_;
     AttachmentTiles attachments_;
     RemovalQuestion removal_;
+    LibraryActions actions_;
     OpenThreads open_;
     State state_ = State::Loading;
     bool hasAppeared_ = false;
@@ -163,7 +135,6 @@ class LibraryScreen : public QObject {
     std::shared_ptr<Update> waiting_;
     std::optional<std::int64_t> selectedBytes_; // of several mails; absent while they are summed up
     TaskSlot rowsTask_;
-    TaskSlot copyTask_;
     TaskSlot sumTask_;
 };
 

@@ -82,13 +82,13 @@ TEST_F(LibraryScreenTest, AYearNarrowsTheList_AndTheStripStaysWhole) {
     screen_.filters()->chooseYears(2015, 2015);
     settle();
     EXPECT_EQ(rows().size(), 3) << "the same again gives all back";
-    screen_.setQuery(QStringLiteral("不在任何邮件里"));
+    screen_.search()->setQuery(QStringLiteral("不在任何邮件里"));
     QTRY_COMPARE(screen_.state(), State::NoMatch);
 }
 
 TEST_F(LibraryScreenTest, WhatMayBeTheOnlyCopyNeedsASecondAct_AndTheNextRowIsSelected) {
     screen_.selection()->select(0);
-    screen_.removeSelected();
+    screen_.actions()->removeSelected();
     settle();
     RemovalQuestion& question = *screen_.removal();
     EXPECT_EQ(question.step(), Step::Asking);

@@ -50,7 +50,7 @@ WindowUnderTest {
             keyClick(Qt.Key_F, Qt.ControlModifier);
             verify(part("librarySearch").activeFocus);
             part("librarySearch").text = text;
-            tryVerify(() => !root.screen.searching);
+            tryVerify(() => !root.screen.search.busy);
             settle();
         }
 

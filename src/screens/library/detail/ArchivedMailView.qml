@@ -56,7 +56,7 @@ FocusScope {
                 text: view.mail.openTitle
                 help: view.mail.openHelp
                 enabled: !view.mail.opening && view.mail.fileState !== ArchivedMail.Unplugged
-                onClicked: view.screen.openMail()
+                onClicked: view.screen.actions.openMail()
             }
             AppButton {
                 objectName: "findOriginal"
@@ -65,7 +65,7 @@ FocusScope {
                 symbolSize: 14
                 text: view.tight ? "" : "在 Mail 中查找原件"
                 help: view.tight ? "在 Mail 中查找原件" : ""
-                onClicked: view.screen.findOriginal()
+                onClicked: view.screen.actions.findOriginal()
             }
             IconButton {
                 id: moreButton
@@ -115,7 +115,7 @@ FocusScope {
                     objectName: "retrievalBanner"
                     width: parent.width
                     running: view.mail.retrieving
-                    onCancelled: view.screen.cancelOpening()
+                    onCancelled: view.screen.actions.cancelOpening()
                 }
                 Banner {
                     objectName: "goneBanner"
@@ -129,8 +129,8 @@ FocusScope {
                     id: body
                     objectName: "archivedBody"
                     width: Math.min(parent.width, Theme.messageMeasure)
-                    visible: view.mail.bodyState === ArchivedMail.Text
-                    mail: view.mail
+                    visible: view.mail.body.state === ArchivedBody.Text
+                    content: view.mail.body
                     onPageRequested: forward => view.turnPage(forward)
                     onFirstMarkAt: y => {
                         if (y >= 0 && y + body.y + page.y > scroller.height - Theme.messageLine)
@@ -138,25 +138,25 @@ FocusScope {
                     }
                 }
                 AppText {
-                    visible: body.visible && view.mail.isCut
+                    visible: body.visible && view.mail.body.isCut
                     text: "正文很长，这里只显示开头。打开归档邮件可以看到全部。"
                     role: AppText.Note
                     color: Theme.text3
                 }
                 AppButton {
                     objectName: "quotedToggle"
-                    visible: body.visible && view.mail.canCollapse
-                    symbol: view.mail.quotedExpanded ? "chevron-down" : "chevron-right"
+                    visible: body.visible && view.mail.body.canCollapse
+                    symbol: view.mail.body.quotedExpanded ? "chevron-down" : "chevron-right"
                     symbolSize: 14
-                    text: view.mail.quotedExpanded ? "收起引用的历史邮件" : "展开引用的历史邮件（含收件人等）"
-                    onClicked: view.mail.quotedExpanded = !view.mail.quotedExpanded
+                    text: view.mail.body.quotedExpanded ? "收起引用的历史邮件" : "展开引用的历史邮件（含收件人等）"
+                    onClicked: view.mail.body.quotedExpanded = !view.mail.body.quotedExpanded
                 }
                 PlainButton {
                     objectName: "allRecipients"
-                    visible: body.visible && view.mail.hidesRecipients
+                    visible: body.visible && view.mail.body.hidesRecipients
                     x: -horizontalPadding
                     text: "显示完整收件人"
-                    onClicked: view.mail.showAllRecipients()
+                    onClicked: view.mail.body.showAllRecipients()
                 }
                 Item {
                     width: parent.width
@@ -165,16 +165,16 @@ FocusScope {
 
                     EmptyState {
                         objectName: "bodyState"
-                        readonly property int kind: view.mail.bodyState
+                        readonly property int kind: view.mail.body.state
                         anchors.centerIn: parent
                         width: parent.width
                         symbolSize: 32
-                        quiet: kind === ArchivedMail.Loading
-                        symbol: view.mail.bodyNote.symbol
-                        title: view.mail.bodyNote.title
-                        line: view.mail.bodyNote.line
-                        buttonText: kind === ArchivedMail.Unavailable ? "准备正文预览" : ""
-                        onActivated: view.mail.prepareTexts()
+                        quiet: kind === ArchivedBody.Loading
+                        symbol: view.mail.body.note.symbol
+                        title: view.mail.body.note.title
+                        line: view.mail.body.note.line
+                        buttonText: kind === ArchivedBody.Unavailable ? "准备正文预览" : ""
+                        onActivated: view.mail.body.prepareTexts()
                     }
                 }
             }
@@ -188,7 +188,7 @@ FocusScope {
         visible: view.mail.hasMail && attachments.count > 0
         attachments: view.screen.attachments
         // A search wants the room for the places it has found.
-        compact: view.low || view.screen.query.length > 0
+        compact: view.low || view.screen.search.query.length > 0
         onSaveRequested: row => view.saveRequested(row)
     }
     EmptyState {

@@ -5,7 +5,7 @@ import Corvane
 TextEdit {
     id: body
 
-    required property ArchivedMail mail
+    required property ArchivedBody content
 
     signal pageRequested(bool forward)
     // The first place of the search, from the top of the text; negative without one.
@@ -29,7 +29,7 @@ TextEdit {
     BodyLayout {
         id: layout
         document: body.textDocument
-        mail: body.mail
+        body: body.content
         lineHeight: Theme.messageLine
         bodySize: Theme.bodySize
         noteSize: Theme.noteSize

@@ -23,16 +23,16 @@ BodyLayout::BodyLayout(QObject* parent)
     connect(this, &BodyLayout::inputChanged, this, &BodyLayout::layOut, Qt::QueuedConnection);
 }
 
-void BodyLayout::setMail(ArchivedMail* mail) {
-    if (mail_ == mail) return;
-    if (mail_) mail_->disconnect(this);
-    mail_ = mail;
-    if (mail_) connect(mail_, &ArchivedMail::bodyChanged, this, &BodyLayout::layOut);
+void BodyLayout::setBody(ArchivedBody* body) {
+    if (body_ == body) return;
+    if (body_) body_->disconnect(this);
+    body_ = body;
+    if (body_) connect(body_, &ArchivedBody::changed, this, &BodyLayout::layOut);
     Q_EMIT inputChanged();
 }
 
 void BodyLayout::layOut() {
-    if (!document_ || !mail_) return;
+    if (!document_ || !body_) return;
     QTextDocument* document = document_->textDocument();
     document->setUndoRedoEnabled(false);
     QTextCursor cursor(document);
@@ -40,7 +40,7 @@ void BodyLayout::layOut() {
     cursor.select(QTextCursor::Document);
     cursor.removeSelectedText();
     firstMark_ = -1;
-    for (const BodyPiece& piece : mail_->pieces()) insert(cursor, piece);
+    for (const BodyPiece& piece : body_->pieces()) insert(cursor, piece);
     cursor.endEditBlock();
     Q_EMIT laidOut();
 }

@@ -11,7 +11,7 @@
 #include <QTextCursor>
 #include <QtQml/qqmlregistration.h>
 
-#include "screens/library/detail/archived_mail.h"
+#include "screens/library/detail/archived_body.h"
 
 namespace corvane {
 
@@ -19,7 +19,7 @@ class BodyLayout : public QObject {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QQuickTextDocument* document MEMBER document_ NOTIFY inputChanged)
-    Q_PROPERTY(corvane::ArchivedMail* mail READ mail WRITE setMail NOTIFY inputChanged)
+    Q_PROPERTY(corvane::ArchivedBody* body READ body WRITE setBody NOTIFY inputChanged)
     Q_PROPERTY(qreal lineHeight MEMBER lineHeight_ NOTIFY inputChanged)
     Q_PROPERTY(int bodySize MEMBER bodySize_ NOTIFY inputChanged)
     Q_PROPERTY(int noteSize MEMBER noteSize_ NOTIFY inputChanged)
@@ -33,9 +33,9 @@ class BodyLayout : public QObject {
   public:
     explicit BodyLayout(QObject* parent = nullptr);
 
-    [[nodiscard]] ArchivedMail* mail() const { return mail_; }
+    [[nodiscard]] ArchivedBody* body() const { return body_; }
 
-    void setMail(ArchivedMail* mail);
+    void setBody(ArchivedBody* body);
 
     [[nodiscard]] int firstMark() const { return firstMark_; }
 
@@ -49,7 +49,7 @@ class BodyLayout : public QObject {
     void mark(const QTextCursor& behind, const BodyPiece& piece);
 
     QPointer<QQuickTextDocument> document_;
-    QPointer<ArchivedMail> mail_;
+    QPointer<ArchivedBody> body_;
     qreal lineHeight_ = 22;
     int bodySize_ = 13;
     int noteSize_ = 11;

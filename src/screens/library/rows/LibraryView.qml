@@ -69,13 +69,13 @@ SelectableList {
         else if (event.key === Qt.Key_Return || event.key === Qt.Key_Enter)
             opened();
         else if (deletes && !event.isAutoRepeat)
-            screen.removeSelected();
+            screen.actions.removeSelected();
         else if (event.key === Qt.Key_Menu || (event.key === Qt.Key_F10 && event.modifiers & Qt.ShiftModifier))
             requestMenu();
         else if (event.matches(StandardKey.SelectAll))
             selection.selectAll();
         else if (event.matches(StandardKey.Copy))
-            screen.copyRows();
+            screen.actions.copyRows();
         else
             event.accepted = false;
     }

@@ -47,6 +47,11 @@ class LibraryRowModel : public RowListModel {
 
     [[nodiscard]] const RowsOfList& content() const { return content_; }
 
+    // The model's list isn't one of another index already, of which the rows are being made.
+    [[nodiscard]] bool isOfPresentIndex() const {
+        return content_.list->inputs.index == library_.list.list()->inputs.index;
+    }
+
     // Null for a row that isn't there.
     [[nodiscard]] const LibraryRow* rowAt(int row) const;
 
