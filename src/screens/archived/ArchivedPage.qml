@@ -13,7 +13,7 @@ ScreenPage {
 
     objectName: "archivedPage"
     hasOwnRefresh: true
-    onRefreshRequested: screen.check()
+    onRefreshRequested: screen.check.run()
     onShown: screen.open()
 
     ColumnLayout {
@@ -30,18 +30,18 @@ ScreenPage {
             AppText {
                 objectName: "checkedText"
                 visible: !page.narrow && text.length > 0
-                text: page.screen.checkedText
+                text: page.screen.check.doneText
                 role: AppText.Note
                 color: Theme.text3
             }
             AppButton {
                 objectName: "checkButton"
                 visible: page.isListed
-                enabled: page.screen.canCheck
+                enabled: page.screen.check.canRun
                 symbol: "refresh-cw"
-                text: page.screen.isChecking ? "正在检查…" : "重新检查"
+                text: page.screen.check.isRunning ? "正在检查…" : "重新检查"
                 help: "重新对照 Mail，更新“在 Mail / 已删 / 待确认”状态。"
-                onClicked: page.screen.check()
+                onClicked: page.screen.check.run()
             }
         }
         Line {
@@ -166,7 +166,7 @@ ScreenPage {
                     objectName: "archivedAccount" + index
                     width: list.width
                     margin: page.margin
-                    muted: page.screen.isEarlierCheck
+                    muted: page.screen.check.isEarlier
                     current: list.keyRow === index
                     listFocused: list.focused
                     onClicked: modifiers => {

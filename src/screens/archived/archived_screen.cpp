@@ -11,6 +11,8 @@ namespace corvane {
 ArchivedScreen::ArchivedScreen(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
   : QObject(parent)
   , model_(model)
+  , check_(model)
+  , proof_(model.archiving().proof)
   , detail_(model.library().mailOpening)
   , guide_(model, desktop)
   , access_(model.mail(), desktop) {
@@ -31,7 +33,7 @@ void ArchivedScreen::wire() {
     connect(&model_.library().loader, &LibraryLoader::archivedEntriesChanged, this,
             &ArchivedScreen::showCachedCheck);
     connect(&model_.archiving().proof, &ProofFlow::progressChanged, this, [this] {
-        Q_EMIT proofChanged();
+        Q_EMIT proof_.changed();
         guide_.handleProofProgress();
     });
 }
@@ -61,7 +63,8 @@ void ArchivedScreen::update() {
         guide_.show(overview, known);
     }
     Q_EMIT changed();
-    Q_EMIT proofChanged();
+    Q_EMIT check_.changed();
+    Q_EMIT proof_.changed();
 }
 
 ArchivedScreen::State ArchivedScreen::state() const {
@@ -74,7 +77,7 @@ OriginalKnowledge ArchivedScreen::knowledge() const {
     using enum OriginalKnowledge;
     const SharedOverview& overview = model_.library().overview.overview();
     if (!overview) return loading;
-    if (isChecking()) return checking;
+    if (check_.isRunning()) return checking;
     const OriginalPresence& presence = *model_.library().presence.presence();
     if (presence.state() == OriginalPresence::State::unavailable) return unavailable;
     if (presence.state() == OriginalPresence::State::unchecked) return unchecked;
@@ -86,19 +89,6 @@ OriginalKnowledge ArchivedScreen::knowledge() const {
     return mail.set->messages->empty() && !model_.mail().scanFlow.isLastScanAwaited() ? noMail : waiting;
 }
 
-bool ArchivedScreen::isEarlierCheck() const {
-    const PresenceFlow& presence = model_.library().presence;
-    return presence.presence()->isOfEarlierRun || presence.questionFailure().has_value();
-}
-
-bool ArchivedScreen::canCheck() const {
-    return state() == Listed && !isChecking();
-}
-
-void ArchivedScreen::check() {
-    if (canCheck()) model_.library().presence.refreshArchivedOriginalPresenceIfNeeded(true);
-}
-
 OverviewHero ArchivedScreen::hero() const {
     const OriginalPresence& presence = *model_.library().presence.presence();
     const SharedOverview& overview = model_.library().overview.overview();
@@ -108,7 +98,7 @@ OverviewHero ArchivedScreen::hero() const {
     return screens::overviewHero({.knowledge = knowledge(),
                                   .shares = shares_,
                                   .checkedAt = presence.checkedAt,
-                                  .isEarlierCheck = isEarlierCheck(),
+                                  .isEarlierCheck = check_.isEarlier(),
                                   .failure = screens::wholeText(failure)});
 }
 
@@ -127,30 +117,13 @@ QString ArchivedScreen::totalSize() const {
 QString ArchivedScreen::sidebarFigure() const {
     if (state() == Empty) return {};
     const bool frees =
-        knowledge() == OriginalKnowledge::known && !isEarlierCheck() && shares_.freeable.count > 0;
+        knowledge() == OriginalKnowledge::known && !check_.isEarlier() && shares_.freeable.count > 0;
     return frees ? screens::shownSize(shares_.freeable.bytes) : QStringLiteral("—");
-}
-
-QString ArchivedScreen::checkedText() const {
-    return isChecking() ? QString() : screens::checkedText(model_.library().presence.presence()->checkedAt);
 }
 
 void ArchivedScreen::setFilter(int filter) {
     filter_ = static_cast<ArchivedOverviewFilter>(filter);
     update();
-}
-
-double ArchivedScreen::proofFraction() const {
-    const auto& progress = model_.archiving().proof.progress();
-    if (!progress || progress->total == 0) return 0;
-    return static_cast<double>(progress->completed) / static_cast<double>(progress->total);
-}
-
-QString ArchivedScreen::proofCount() const {
-    const auto& progress = model_.archiving().proof.progress();
-    if (!progress) return {};
-    return QStringLiteral("%1 / %2 封")
-        .arg(screens::shownCount(progress->completed), screens::shownCount(progress->total));
 }
 
 void ArchivedScreen::openAccount(int row) {
@@ -162,7 +135,7 @@ void ArchivedScreen::collect() {
 }
 
 void ArchivedScreen::openGuide() {
-    if (detail_.isOpen()) guide_.open(detail_.key(), isEarlierCheck());
+    if (detail_.isOpen()) guide_.open(detail_.key(), check_.isEarlier());
 }
 
 } // namespace corvane

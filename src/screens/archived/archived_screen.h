@@ -14,6 +14,8 @@
 #include "screens/archived/figures/archived_accounts_model.h"
 #include "screens/archived/figures/overview_figures.h"
 #include "screens/archived/guide/deletion_guide.h"
+#include "screens/archived/original_check.h"
+#include "screens/archived/overview_proof.h"
 #include "screens/desktop/access_actions.h"
 #include "screens/desktop/desktop_actions.h"
 
@@ -28,15 +30,10 @@ class ArchivedScreen : public QObject {
     Q_PROPERTY(QVariantList holdings READ holdings NOTIFY changed)
     Q_PROPERTY(QString totalCount READ totalCount NOTIFY changed)
     Q_PROPERTY(QString totalSize READ totalSize NOTIFY changed)
-    Q_PROPERTY(QString checkedText READ checkedText NOTIFY changed)
-    Q_PROPERTY(bool isChecking READ isChecking NOTIFY changed)
-    Q_PROPERTY(bool isEarlierCheck READ isEarlierCheck NOTIFY changed)
-    Q_PROPERTY(bool canCheck READ canCheck NOTIFY changed)
     Q_PROPERTY(bool needsAccess READ needsAccess NOTIFY changed)
     Q_PROPERTY(int filter READ filter WRITE setFilter NOTIFY changed)
-    Q_PROPERTY(bool isProving READ isProving NOTIFY proofChanged)
-    Q_PROPERTY(double proofFraction READ proofFraction NOTIFY proofChanged)
-    Q_PROPERTY(QString proofCount READ proofCount NOTIFY proofChanged)
+    Q_PROPERTY(corvane::OriginalCheck* check READ check CONSTANT)
+    Q_PROPERTY(corvane::OverviewProof* proof READ proof CONSTANT)
     Q_PROPERTY(corvane::ArchivedAccountsModel* accounts READ accounts CONSTANT)
     Q_PROPERTY(corvane::AccountDetail* detail READ detail CONSTANT)
     Q_PROPERTY(corvane::DeletionGuide* guide READ guide CONSTANT)
@@ -64,16 +61,6 @@ class ArchivedScreen : public QObject {
     // What can be freed, for the sidebar: a dash while that isn't known of now, empty without archived mail.
     [[nodiscard]] QString sidebarFigure() const;
 
-    [[nodiscard]] QString checkedText() const;
-
-    [[nodiscard]] bool isChecking() const {
-        return model_.library().presence.archivedOriginalPresenceChecking();
-    }
-
-    // The originals were looked up in an earlier run of the program.
-    [[nodiscard]] bool isEarlierCheck() const;
-    [[nodiscard]] bool canCheck() const;
-
     [[nodiscard]] bool needsAccess() const { return model_.mail().diskAccess.needsFullDiskAccess(); }
 
     // The place in the list of filters.
@@ -81,10 +68,9 @@ class ArchivedScreen : public QObject {
 
     void setFilter(int filter);
 
-    [[nodiscard]] bool isProving() const { return model_.archiving().proof.isProving(); }
+    [[nodiscard]] OriginalCheck* check() { return &check_; }
 
-    [[nodiscard]] double proofFraction() const;
-    [[nodiscard]] QString proofCount() const;
+    [[nodiscard]] OverviewProof* proof() { return &proof_; }
 
     [[nodiscard]] ArchivedAccountsModel* accounts() { return &accounts_; }
 
@@ -93,14 +79,6 @@ class ArchivedScreen : public QObject {
     [[nodiscard]] DeletionGuide* guide() { return &guide_; }
 
     [[nodiscard]] AccessActions* access() { return &access_; }
-
-    // Asks Mail which originals are there. No effect while it is being asked.
-    Q_INVOKABLE void check();
-
-    // Compares all originals that are archived and weren't compared yet.
-    Q_INVOKABLE void prove() { model_.archiving().proof.prove({}); }
-
-    Q_INVOKABLE void cancelProof() { model_.archiving().proof.cancel(); }
 
     Q_INVOKABLE void openAccount(int row);
 
@@ -112,7 +90,6 @@ class ArchivedScreen : public QObject {
 
   Q_SIGNALS:
     void changed();
-    void proofChanged();
     // Empty for a new group.
     void collectionRequested(const QString& accountKey);
 
@@ -122,7 +99,8 @@ class ArchivedScreen : public QObject {
     void showCachedCheck();
 
     CorvaneViewModel& model_;
-
+    OriginalCheck check_;
+    OverviewProof proof_;
     bool isOpened_ = false;
     ArchivedOverviewFilter filter_ = ArchivedOverviewFilter::all;
     ArchivedShares shares_;

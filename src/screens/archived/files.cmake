@@ -13,6 +13,8 @@ set(archived_qml
 )
 set(archived_sources
     archived_screen.cpp
+    original_check.cpp
+    overview_proof.cpp
     account/account_detail.cpp
     account/account_rows_model.cpp
     figures/archived_accounts_model.cpp

@@ -42,7 +42,7 @@ WindowUnderTest {
             // There is no index that could be asked.
             mouseClick(part("checkButton"));
             scenes.settle();
-            tryCompare(screen, "isChecking", false);
+            tryCompare(screen.check, "isRunning", false);
             compare(part("heroFigure").text, "未检查");
             tryVerify(() => part("heroNote").text.length > 0);
         }

@@ -17,12 +17,12 @@ Sheet {
     subtitle: detail.subtitle
     figure: detail.freeable
     figureCaption: "可释放空间"
-    figureKind: screen.isEarlierCheck ? "" : "safe"
+    figureKind: screen.check.isEarlier ? "" : "safe"
     wantedWidth: 860
     wantedHeight: 792
     scrolls: false
     bodyGap: 0
-    barKind: detail.hasGuide && !screen.isEarlierCheck ? "safe" : ""
+    barKind: detail.hasGuide && !screen.check.isEarlier ? "safe" : ""
     note: detail.hasGuide ? "想一次删掉这些已备份的邮件?" : awaits ? "还有 " + detail.awaitingText + "没有核对" : ""
     noteLine: detail.hasGuide ? "建一个智能邮箱把它们集中起来,在 Mail 里全选删除、释放空间。"
         : awaits ? "与归档副本逐字节核对之后，才知道哪些可以删除。" : ""
@@ -164,10 +164,10 @@ Sheet {
             id: guideButton
             objectName: "guideButton"
             visible: sheet.detail.hasGuide || sheet.awaits
-            enabled: sheet.detail.hasGuide || !sheet.screen.isProving
-            text: sheet.detail.hasGuide ? "建立智能邮箱" : sheet.screen.isProving ? "正在核对 " + sheet.screen.proofCount
+            enabled: sheet.detail.hasGuide || !sheet.screen.proof.isRunning
+            text: sheet.detail.hasGuide ? "建立智能邮箱" : sheet.screen.proof.isRunning ? "正在核对 " + sheet.screen.proof.count
                 : "开始核对"
-            onClicked: sheet.detail.hasGuide ? sheet.screen.openGuide() : sheet.screen.prove()
+            onClicked: sheet.detail.hasGuide ? sheet.screen.openGuide() : sheet.screen.proof.start()
         }
     ]
 }

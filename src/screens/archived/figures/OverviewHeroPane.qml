@@ -17,7 +17,7 @@ ColumnLayout {
 
     RowLayout {
         Layout.fillWidth: true
-        visible: !pane.screen.isProving
+        visible: !pane.screen.proof.isRunning
         spacing: 6
 
         Symbol {
@@ -34,7 +34,7 @@ ColumnLayout {
     RowLayout {
         Layout.fillWidth: true
         Layout.topMargin: 2
-        visible: !pane.screen.isProving
+        visible: !pane.screen.proof.isRunning
         spacing: 10
 
         AppText {
@@ -56,12 +56,12 @@ ColumnLayout {
             visible: text.length > 0
             implicitHeight: Theme.controlHeight
             text: pane.hero.actionTitle
-            onClicked: pane.hero.action === "prove" ? pane.screen.prove() : pane.updateRequested()
+            onClicked: pane.hero.action === "prove" ? pane.screen.proof.start() : pane.updateRequested()
         }
     }
     RowLayout {
         Layout.fillWidth: true
-        visible: pane.screen.isProving
+        visible: pane.screen.proof.isRunning
 
         AppText {
             Layout.fillWidth: true
@@ -69,32 +69,32 @@ ColumnLayout {
         }
         AppText {
             objectName: "heroProofCount"
-            text: pane.screen.proofCount
+            text: pane.screen.proof.count
             color: Theme.text2
         }
     }
     RowLayout {
         Layout.fillWidth: true
         Layout.topMargin: 6
-        visible: pane.screen.isProving
+        visible: pane.screen.proof.isRunning
         spacing: 12
 
         ProgressTrack {
             Layout.fillWidth: true
-            value: pane.screen.proofFraction
+            value: pane.screen.proof.fraction
             name: "逐字节核对"
         }
         AppButton {
             objectName: "cancelOverviewProof"
             text: "取消核对"
-            onClicked: pane.screen.cancelProof()
+            onClicked: pane.screen.proof.cancel()
         }
     }
     AppText {
         objectName: "heroLine"
         Layout.fillWidth: true
         Layout.topMargin: 2
-        text: pane.screen.isProving ? "取消后，核对过的不用再来。" : pane.hero.line
+        text: pane.screen.proof.isRunning ? "取消后，核对过的不用再来。" : pane.hero.line
         wrapMode: Text.Wrap
         maximumLineCount: 3
         color: Theme.text2
@@ -102,14 +102,14 @@ ColumnLayout {
     ProgressTrack {
         Layout.fillWidth: true
         Layout.topMargin: 8
-        visible: pane.screen.isChecking && !pane.screen.isProving
+        visible: pane.screen.check.isRunning && !pane.screen.proof.isRunning
         indeterminate: visible
         name: "正在对照 Mail 中的原件状态"
     }
     AppText {
         objectName: "heroNote"
         Layout.fillWidth: true
-        visible: text.length > 0 && !pane.screen.isProving
+        visible: text.length > 0 && !pane.screen.proof.isRunning
         text: pane.hero.note
         role: AppText.Note
         wrapMode: Text.Wrap
