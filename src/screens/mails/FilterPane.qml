@@ -112,20 +112,20 @@ FocusGroup {
                     anchors.rightMargin: -horizontalPadding
                     anchors.verticalCenter: parent.verticalCenter
                     implicitHeight: Theme.minimumTarget
-                    visible: pane.filters.narrowsYears
+                    visible: pane.filters.years.narrows
                     labelRole: AppText.Note
                     text: "清除"
                     help: "不按年份筛选"
-                    onClicked: pane.filters.clearYears()
+                    onClicked: pane.filters.years.clear()
                 }
             }
             FilterTickRow {
                 objectName: "cutoffFilter"
                 width: parent.width
-                title: "只看 " + pane.filters.cutoffYear + " 年及以前"
+                title: "只看 " + pane.filters.years.cutoff + " 年及以前"
                 countText: ""
-                ticked: pane.filters.onlyBeforeCutoff
-                onClicked: pane.filters.onlyBeforeCutoff = !ticked
+                ticked: pane.filters.years.onlyBeforeCutoff
+                onClicked: pane.filters.years.onlyBeforeCutoff = !ticked
             }
             Item {
                 width: parent.width
@@ -139,12 +139,12 @@ FocusGroup {
                 }
             }
             Repeater {
-                model: pane.filters.years
+                model: pane.filters.years.options
                 delegate: FilterTickRow {
                     required property int index
                     objectName: "yearFilter" + index
                     width: sections.width
-                    onClicked: pane.filters.toggleYear(index)
+                    onClicked: pane.filters.years.toggle(index)
                 }
             }
         }

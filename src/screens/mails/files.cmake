@@ -21,6 +21,7 @@ set(mails_sources
     mail_list_actions.cpp
     mail_list_filters.cpp
     mail_list_screen.cpp
+    mail_year_filters.cpp
     row_previews.cpp
     detail/attachment_actions.cpp
     detail/attachment_list_model.cpp

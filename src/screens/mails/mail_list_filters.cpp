@@ -1,7 +1,6 @@
 #include "screens/mails/mail_list_filters.h"
 
 #include <algorithm>
-#include <charconv>
 #include <iterator>
 #include <utility>
 
@@ -36,7 +35,8 @@ QString yearRangesText(const std::set<std::int64_t>& years) {
 MailListFilters::MailListFilters(ModelFilters& filters, AccountDirectory& accounts, QObject* parent)
   : QObject(parent)
   , filters_(filters)
-  , directory_(accounts) {
+  , directory_(accounts)
+  , years_(filters) {
     pause_.setSingleShot(true);
     pause_.setInterval(queryPause);
     connect(&pause_, &QTimer::timeout, this, &MailListFilters::applyQuery);
@@ -46,7 +46,7 @@ MailListFilters::MailListFilters(ModelFilters& filters, AccountDirectory& accoun
 }
 
 bool MailListFilters::narrows() const {
-    return narrowsYears() || !filters_.filterAccountPrefixes().empty() ||
+    return years_.narrows() || !filters_.filterAccountPrefixes().empty() ||
            filters_.list().minimumAttachmentCount > 0 ||
            filters_.list().migratedFilter != MigratedFilter::all || filters_.list().onlyTroubled ||
            !filters_.list().searchText.empty();
@@ -82,10 +82,6 @@ void MailListFilters::setMinimumAttachments(int count) {
     filters_.set(&ListFilters::minimumAttachmentCount, std::max(count, 0));
 }
 
-void MailListFilters::setOnlyBeforeCutoff(bool only) {
-    filters_.set(&ListFilters::onlyBeforeCutoff, only);
-}
-
 void MailListFilters::setOnlyTroubled(bool only) {
     filters_.set(&ListFilters::onlyTroubled, only);
 }
@@ -99,19 +95,6 @@ void MailListFilters::toggleAccount(int row) {
         filters_.setFilterAccountPrefixes(toggled(filters_.filterAccountPrefixes(), option->key));
 }
 
-void MailListFilters::toggleYear(int row) {
-    const FilterOption* const option = yearOptions_.record(row);
-    if (option == nullptr) return;
-    std::int64_t year = 0;
-    std::from_chars(option->key.data(), option->key.data() + option->key.size(), year);
-    filters_.set(&ListFilters::filterYears, toggled(filters_.list().filterYears, year));
-}
-
-void MailListFilters::clearYears() {
-    filters_.set(&ListFilters::filterYears, {});
-    filters_.set(&ListFilters::onlyBeforeCutoff, false);
-}
-
 void MailListFilters::removeChip(int index) {
     if (index < 0 || index >= static_cast<int>(chipList_.size())) return;
     // Copied: removing it replaces the list that holds it.
@@ -122,7 +105,7 @@ void MailListFilters::removeChip(int index) {
 void MailListFilters::clear() {
     setQuery({});
     applyQuery();
-    clearYears();
+    years_.clear();
     filters_.setFilterAccountPrefixes({});
     filters_.set(&ListFilters::minimumAttachmentCount, 0);
     filters_.set(&ListFilters::onlyTroubled, false);
@@ -136,7 +119,7 @@ void MailListFilters::setCounts(ListedCounts counts) {
 
 void MailListFilters::update() {
     accountOptions_.replace(makeAccountOptions());
-    yearOptions_.replace(makeYearOptions());
+    years_.show(counts_.byYear);
     chipList_ = makeChips();
     QStringList chips;
     for (const Chip& chip : chipList_) chips += chip.text;
@@ -181,19 +164,6 @@ std::vector<FilterOption> MailListFilters::makeAccountOptions() const {
     return options;
 }
 
-std::vector<FilterOption> MailListFilters::makeYearOptions() const {
-    const std::set<std::int64_t>& chosen = filters_.list().filterYears;
-    auto counts = counts_.byYear;
-    for (const std::int64_t year : chosen) counts.try_emplace(year, 0);
-    std::vector<FilterOption> options;
-    options.reserve(counts.size());
-    for (auto each = counts.rbegin(); each != counts.rend(); ++each) {
-        options.push_back({std::to_string(each->first), screens::shownYear(each->first), each->second,
-                           chosen.contains(each->first)});
-    }
-    return options;
-}
-
 std::vector<MailListFilters::Chip> MailListFilters::makeChips() {
     std::vector<Chip> chips;
     const auto& accounts = filters_.filterAccountPrefixes();
@@ -206,8 +176,8 @@ std::vector<MailListFilters::Chip> MailListFilters::makeChips() {
         chips.push_back({QStringLiteral("至少 %1 个附件").arg(minimumAttachments()),
                          [this] { filters_.set(&ListFilters::minimumAttachmentCount, 0); }});
     }
-    if (onlyBeforeCutoff()) {
-        chips.push_back({screens::shownYear(cutoffYear()) + QStringLiteral("及以前"),
+    if (years_.onlyBeforeCutoff()) {
+        chips.push_back({screens::shownYear(years_.cutoff()) + QStringLiteral("及以前"),
                          [this] { filters_.set(&ListFilters::onlyBeforeCutoff, false); }});
     }
     if (onlyTroubled()) {

@@ -19,6 +19,7 @@
 #include "model/mail/messages/model_filters.h"
 #include "screens/mails/filter_options.h"
 #include "screens/mails/listed_counts.h"
+#include "screens/mails/mail_year_filters.h"
 
 namespace corvane {
 
@@ -34,15 +35,12 @@ class MailListFilters : public QObject {
     Q_PROPERTY(int sortMode READ sortMode WRITE setSortMode NOTIFY changed)
     Q_PROPERTY(bool ascending READ ascending WRITE setAscending NOTIFY changed)
     Q_PROPERTY(int minimumAttachments READ minimumAttachments WRITE setMinimumAttachments NOTIFY changed)
-    Q_PROPERTY(bool onlyBeforeCutoff READ onlyBeforeCutoff WRITE setOnlyBeforeCutoff NOTIFY changed)
     Q_PROPERTY(bool onlyTroubled READ onlyTroubled WRITE setOnlyTroubled NOTIFY changed)
     Q_PROPERTY(QString troubledCountText READ troubledCountText NOTIFY changed)
-    Q_PROPERTY(int cutoffYear READ cutoffYear NOTIFY changed)
-    Q_PROPERTY(bool narrowsYears READ narrowsYears NOTIFY changed)
     Q_PROPERTY(bool narrows READ narrows NOTIFY changed)
     Q_PROPERTY(QStringList chips READ chips NOTIFY chipsChanged)
     Q_PROPERTY(corvane::FilterOptions* accounts READ accounts CONSTANT)
-    Q_PROPERTY(corvane::FilterOptions* years READ years CONSTANT)
+    Q_PROPERTY(corvane::MailYearFilters* years READ years CONSTANT)
 
   public:
     MailListFilters(ModelFilters& filters, AccountDirectory& accounts, QObject* parent = nullptr);
@@ -59,19 +57,11 @@ class MailListFilters : public QObject {
         return static_cast<int>(filters_.list().minimumAttachmentCount);
     }
 
-    [[nodiscard]] bool onlyBeforeCutoff() const { return filters_.list().onlyBeforeCutoff; }
-
     // Only mail with a reason why it doesn't count as archived.
     [[nodiscard]] bool onlyTroubled() const { return filters_.list().onlyTroubled; }
 
     // How many those are; empty for none.
     [[nodiscard]] QString troubledCountText() const;
-
-    [[nodiscard]] int cutoffYear() const { return static_cast<int>(filters_.list().yearCutoff); }
-
-    [[nodiscard]] bool narrowsYears() const {
-        return onlyBeforeCutoff() || !filters_.list().filterYears.empty();
-    }
 
     // Something hides messages: then an empty list can be filled by `clear`.
     [[nodiscard]] bool narrows() const;
@@ -80,22 +70,19 @@ class MailListFilters : public QObject {
 
     [[nodiscard]] FilterOptions* accounts() { return &accountOptions_; }
 
-    [[nodiscard]] FilterOptions* years() { return &yearOptions_; }
+    [[nodiscard]] MailYearFilters* years() { return &years_; }
 
     void setQuery(const QString& query);
     void setMigrated(int filter);
     void setSortMode(int mode);
     void setAscending(bool ascending);
     void setMinimumAttachments(int count);
-    void setOnlyBeforeCutoff(bool only);
     void setOnlyTroubled(bool only);
 
     // Without waiting for the pause.
     Q_INVOKABLE void applyQuery();
 
     Q_INVOKABLE void toggleAccount(int row);
-    Q_INVOKABLE void toggleYear(int row);
-    Q_INVOKABLE void clearYears();
     Q_INVOKABLE void removeChip(int index);
 
     // Everything that hides messages, the query too; not the order.
@@ -117,14 +104,13 @@ class MailListFilters : public QObject {
     void update();
     [[nodiscard]] QString accountTitle(const std::string& key) const;
     [[nodiscard]] std::vector<FilterOption> makeAccountOptions() const;
-    [[nodiscard]] std::vector<FilterOption> makeYearOptions() const;
     [[nodiscard]] std::vector<Chip> makeChips();
 
     ModelFilters& filters_;
     AccountDirectory& directory_;
     ListedCounts counts_;
     FilterOptions accountOptions_;
-    FilterOptions yearOptions_;
+    MailYearFilters years_;
     std::vector<Chip> chipList_;
     QStringList chips_;
     QString query_;

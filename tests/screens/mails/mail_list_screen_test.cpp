@@ -132,12 +132,13 @@ TEST_F(MailListScreenTest, FiltersShowWhatTheyHoldAndGoBothWays) {
     ASSERT_EQ(accounts.size(), 3U);
     EXPECT_EQ(accounts[0], (FilterOption{"imap://A", QStringLiteral("a@a.example"), 2, false}));
     EXPECT_EQ(accounts[2], (FilterOption{"legacy-unclassified", QStringLiteral("未识别邮箱"), 1, false}));
-    ASSERT_EQ(filters.years()->count(), 3);
-    EXPECT_EQ(filters.years()->records()->at(0), (FilterOption{"2021", QStringLiteral("2021 年"), 2, false}));
+    ASSERT_EQ(filters.years()->options()->count(), 3);
+    EXPECT_EQ(filters.years()->options()->records()->at(0),
+              (FilterOption{"2021", QStringLiteral("2021 年"), 2, false}));
 
     filters.toggleAccount(0);
-    filters.toggleYear(0);
-    filters.toggleYear(1);
+    filters.years()->toggle(0);
+    filters.years()->toggle(1);
     settle();
     EXPECT_EQ(subjects(), texts({"b", "a"}));
     EXPECT_EQ(filters.chips(), texts({"a@a.example", "2020–2021 年"}));

@@ -109,12 +109,12 @@ Item {
             view.contentY = view.originY + 50 * Theme.rowFull + 31;
             clickRow(52, Qt.NoModifier);
             const before = [subjectAt(0), subjectAt(400)];
-            screen.filters.toggleYear(1); // without the five of 2022
+            screen.filters.years.toggle(1); // without the five of 2022
             tryCompare(view, "count", total - 5);
             compare([subjectAt(0), subjectAt(400)], before);
             compare((view.contentY - view.originY) % Theme.rowFull, 31);
             compare(selection.currentRow, 47);
-            screen.filters.clearYears();
+            screen.filters.years.clear();
             tryCompare(view, "count", total);
             compare([subjectAt(0), subjectAt(400)], before);
         }
