@@ -15,13 +15,14 @@ ScreenPage {
     readonly property int leastDetailWidth: 400
     readonly property int roomForList: Math.max(leastListWidth, Math.min(mostListWidth, width - leastDetailWidth))
     // What the user wants, and what there is room for.
-    property real wantedListWidth: app.storedLength("libraryList", usualListWidth, leastListWidth, mostListWidth)
+    property real wantedListWidth: app.lengths.stored("libraryList", usualListWidth, leastListWidth,
+        mostListWidth)
     readonly property int listWidth: Math.max(leastListWidth,
         Math.min(page.narrow ? Math.min(wantedListWidth, 360) : wantedListWidth, roomForList))
 
     function keepListWidth(width: real) {
         wantedListWidth = width;
-        app.storeLength("libraryList", width);
+        app.lengths.store("libraryList", width);
     }
     // The first list takes the keyboard from a head that had it for want of anything else.
     property bool awaitsList: true

@@ -21,12 +21,12 @@ ScreenPage {
     readonly property bool showsFilters: width - filterWidth - leastListWidth >= leastDetailWidth
     readonly property int roomForList: width - (showsFilters ? filterWidth : 0) - leastDetailWidth
     // What the user wants, and what there is room for.
-    property real wantedListWidth: app.storedLength("mailList", usualListWidth, leastListWidth, mostListWidth)
+    property real wantedListWidth: app.lengths.stored("mailList", usualListWidth, leastListWidth, mostListWidth)
     readonly property int listWidth: Math.max(leastListWidth, Math.min(wantedListWidth, roomForList))
 
     function keepListWidth(width: real) {
         wantedListWidth = width;
-        app.storeLength("mailList", width);
+        app.lengths.store("mailList", width);
     }
 
     // One of both has gone, the other come; who is typing in the head goes on.

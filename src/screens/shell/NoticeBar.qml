@@ -22,7 +22,7 @@ Column {
     // A Loader of Qt 6.4 takes no bound components.
     // qmllint disable unqualified
     Notice {
-        active: !notices.app.hasChineseFont
+        active: !notices.app.notices.hasChineseFont
         sourceComponent: Banner {
             objectName: "fontNotice"
             kind: "attention"
@@ -32,15 +32,15 @@ Column {
         }
     }
     Notice {
-        active: (notices.app.damagedSettings.length > 0 || notices.app.hasUnreadableSettings)
+        active: (notices.app.notices.damagedSettings.length > 0 || notices.app.notices.hasUnreadableSettings)
             && !notices.isSettingsNoticeRead
         sourceComponent: Banner {
             objectName: "settingsNotice"
             kind: "attention"
             headline: "设置文件无法读取，已按初始设置打开"
-            lines: notices.app.hasUnreadableSettings
+            lines: notices.app.notices.hasUnreadableSettings
                 ? ["文件没有改动，能够读取之前，这次的更改不会保存。", "请检查设置文件的权限和所在的磁盘，然后重新打开；已归档的邮件不受影响。"]
-                : ["请重新选择归档位置；已归档的邮件不受影响。", "原来的设置保留在 " + notices.app.damagedSettings]
+                : ["请重新选择归档位置；已归档的邮件不受影响。", "原来的设置保留在 " + notices.app.notices.damagedSettings]
 
             AppButton {
                 objectName: "settingsNoticeButton"
@@ -50,17 +50,17 @@ Column {
         }
     }
     Notice {
-        active: notices.app.unkept.length > 0 && notices.app.unkept !== notices.readUnkept
+        active: notices.app.notices.unkept.length > 0 && notices.app.notices.unkept !== notices.readUnkept
         sourceComponent: Banner {
             objectName: "unkeptNotice"
             kind: "danger"
             headline: "有数据没能保存"
-            lines: [notices.app.unkept]
+            lines: [notices.app.notices.unkept]
 
             AppButton {
                 objectName: "unkeptNoticeButton"
                 text: "知道了"
-                onClicked: notices.readUnkept = notices.app.unkept
+                onClicked: notices.readUnkept = notices.app.notices.unkept
             }
         }
     }

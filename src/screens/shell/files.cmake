@@ -13,7 +13,9 @@ set(shell_qml
 )
 set(shell_sources
     window_frame.cpp
+    window_lengths.cpp
     window_model.cpp
+    window_notices.cpp
     sidebar/activity.cpp
     sidebar/sidebar_model.cpp
     start/blocked_start.cpp

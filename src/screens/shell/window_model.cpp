@@ -12,10 +12,8 @@
 #include <fmt/format.h>
 
 #include "model/mail/scan/sample_mail_maker.h"
-#include "model/unkept_data.h"
 #include "platform/files/directory.h"
 #include "platform/files/file_package.h"
-#include "screens/controls/theme/fonts.h"
 #include "screens/shell/start/corvane_url.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
@@ -23,10 +21,6 @@
 namespace corvane {
 
 namespace {
-
-std::string lengthKey(const QString& name) {
-    return "corvaneLength." + name.toStdString();
-}
 
 // Nothing for none, and a dash as long as nobody knows.
 QString sidebarCount(std::int64_t count, bool isAwaited) {
@@ -53,6 +47,8 @@ std::optional<std::string> folderToOpen(const AddressJob& job, const TaskHandle&
 WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figuresInterval, QObject* parent)
   : QObject(parent)
   , model_(model)
+  , notices_(model.context())
+  , lengths_(model.context().settings)
   , organizeData_(model, figuresInterval)
   , archive_(model, organizeData_, desktop_)
   , home_(model, organizeData_, archive_, desktop_)
@@ -80,8 +76,6 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
         if (std::exchange(stopping_, false)) Q_EMIT stopped();
     });
     connect(&model.library().loader, &LibraryLoader::archivedEntriesChanged, this, &WindowModel::showFigures);
-    // All that is kept is written by jobs.
-    connect(&model.context().tasks, &TaskRunner::idle, this, &WindowModel::lookForUnkept);
     connect(library_.filters(), &LibraryFilterMenus::collectionRequested, &collection_,
             &AddressCollection::open);
     connect(&archived_, &ArchivedScreen::collectionRequested, &collection_, &AddressCollection::open);
@@ -93,25 +87,6 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
             &WindowModel::destinationChanged);
     showFigures();
     sidebar_.publish();
-}
-
-bool WindowModel::hasChineseFont() const {
-    return corvane::hasChineseFont();
-}
-
-QString WindowModel::damagedSettings() const {
-    const ModelContext& context = model_.context();
-    const auto& path = context.settings.setAside();
-    if (!path) return {};
-    return screens::shownPath(screens::wholeText(*path),
-                              screens::wholeText(context.platform.realUserHomeDirectory()));
-}
-
-void WindowModel::lookForUnkept() {
-    QString text = screens::wholeText(unkeptText(model_.context()));
-    if (text == unkept_) return;
-    unkept_ = std::move(text);
-    Q_EMIT unkeptChanged();
 }
 
 void WindowModel::startUp() {
@@ -150,20 +125,8 @@ void WindowModel::openAddress(const QString& address) {
                        });
 }
 
-qreal WindowModel::storedLength(const QString& name, qreal fallback, qreal minimum, qreal maximum) const {
-    const std::optional<std::string> text = model_.context().settings.text(lengthKey(name));
-    if (!text) return fallback;
-    bool isNumber = false;
-    const qreal length = QString::fromStdString(*text).toDouble(&isNumber);
-    return isNumber && length >= minimum && length <= maximum ? length : fallback;
-}
-
-void WindowModel::storeLength(const QString& name, qreal length) {
-    model_.context().settings.setText(lengthKey(name), QString::number(length, 'f', 0).toStdString());
-}
-
 void WindowModel::showFigures() {
-    lookForUnkept();
+    notices_.update();
     sidebar_.setFigure(SidebarPlace::home, home_.organizeSidebarSubtitle());
     sidebar_.setFigure(SidebarPlace::archived, archived_.sidebarFigure());
     sidebar_.setFigure(SidebarPlace::space, space_.sidebarFigure());

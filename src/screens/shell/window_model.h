@@ -22,6 +22,8 @@
 #include "screens/shell/sidebar/sidebar_model.h"
 #include "screens/shell/start/other_mail.h"
 #include "screens/shell/start/sample_store.h"
+#include "screens/shell/window_lengths.h"
+#include "screens/shell/window_notices.h"
 #include "screens/space/space_screen.h"
 #include "screens/texts/destination_item.h"
 
@@ -46,10 +48,8 @@ class WindowModel : public QObject {
     Q_PROPERTY(corvane::SettingsTravel* settings READ settings CONSTANT)
     Q_PROPERTY(corvane::AddressCollection* collection READ collection CONSTANT)
     Q_PROPERTY(bool archiving READ archiving NOTIFY archivingChanged)
-    Q_PROPERTY(bool hasChineseFont READ hasChineseFont CONSTANT)
-    Q_PROPERTY(QString damagedSettings READ damagedSettings CONSTANT)
-    Q_PROPERTY(bool hasUnreadableSettings READ hasUnreadableSettings CONSTANT)
-    Q_PROPERTY(QString unkept READ unkept NOTIFY unkeptChanged)
+    Q_PROPERTY(corvane::WindowNotices* notices READ notices CONSTANT)
+    Q_PROPERTY(corvane::WindowLengths* lengths READ lengths CONSTANT)
 
   public:
     // `model` must outlive the window's model.
@@ -88,16 +88,9 @@ class WindowModel : public QObject {
 
     [[nodiscard]] bool archiving() const { return model_.archiving().archiveRun.isArchiving(); }
 
-    [[nodiscard]] bool hasChineseFont() const;
+    [[nodiscard]] WindowNotices* notices() { return &notices_; }
 
-    // Where settings that couldn't be read at the start are kept, as it is shown; empty when they could.
-    [[nodiscard]] QString damagedSettings() const;
-
-    // The settings are there and couldn't be read: they stay as they are, and changes of them aren't kept.
-    [[nodiscard]] bool hasUnreadableSettings() const { return model_.context().settings.isUnreadable(); }
-
-    // What of the program's own data couldn't be kept; empty while everything was.
-    [[nodiscard]] const QString& unkept() const { return unkept_; }
+    [[nodiscard]] WindowLengths* lengths() { return &lengths_; }
 
     // The first frame has been shown: the work of the start that may take longer. Does it once.
     Q_INVOKABLE void startUp();
@@ -119,25 +112,18 @@ class WindowModel : public QObject {
     // other.
     Q_INVOKABLE void openAddress(const QString& address);
 
-    // A length that the user has set, such as a pane's width; `fallback` where there is none, or none between
-    // the limits. And how it is kept.
-    Q_INVOKABLE [[nodiscard]] qreal storedLength(const QString& name, qreal fallback, qreal minimum,
-                                                 qreal maximum) const;
-    Q_INVOKABLE void storeLength(const QString& name, qreal length);
-
   Q_SIGNALS:
     void archivingChanged();
     void destinationChanged();
-    void unkeptChanged();
     void stopped();
     void requested(corvane::WindowModel::Command command);
 
   private:
     void showFigures();
-    void lookForUnkept();
 
     CorvaneViewModel& model_;
-    QString unkept_;
+    WindowNotices notices_;
+    WindowLengths lengths_;
     DesktopActions desktop_;
     OrganizeData organizeData_;
     ArchiveScreen archive_;

@@ -211,12 +211,12 @@ TEST_F(WindowModels, AddressOpensAFolderAndNothingElse) {
 
 TEST_F(WindowModels, LengthsComeBackOnlyWithinTheirLimits) {
     const QString name = QStringLiteral("pane");
-    EXPECT_EQ(window_.storedLength(name, 372, 352, 400), 372);
-    window_.storeLength(name, 390);
-    EXPECT_EQ(window_.storedLength(name, 372, 352, 400), 390);
-    EXPECT_EQ(window_.storedLength(name, 300, 200, 350), 300);
+    EXPECT_EQ(window_.lengths()->stored(name, 372, 352, 400), 372);
+    window_.lengths()->store(name, 390);
+    EXPECT_EQ(window_.lengths()->stored(name, 372, 352, 400), 390);
+    EXPECT_EQ(window_.lengths()->stored(name, 300, 200, 350), 300);
     context_.settings.setText("corvaneLength.pane", "wide");
-    EXPECT_EQ(window_.storedLength(name, 372, 352, 400), 372);
+    EXPECT_EQ(window_.lengths()->stored(name, 372, 352, 400), 372);
 }
 
 } // namespace
