@@ -80,10 +80,10 @@ ColumnLayout {
         FolderList {
             id: folders
             x: places.width + 1
-            // Clear of the round corners.
-            y: Theme.half
+            // Clear of the round corners, and of the folder that would be made.
+            y: Theme.half + proposedHeight
             width: parent.width - x - 1
-            height: parent.height - 2 * y
+            height: parent.height - Theme.half - y
             picker: browser.picker
         }
     }

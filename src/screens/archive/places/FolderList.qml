@@ -11,11 +11,12 @@ ListView {
 
     required property FolderPicker picker
     property string typed: ""
-    // Above the rows, as another one: the folder that would be made here.
+    // Above the list, as another row of it: the folder that would be made here.
     readonly property string proposal: picker.choice.proposal
     // It stays while another row is selected, and until the next folder is listed.
     property string kept: ""
     onProposalChanged: if (proposal.length > 0) kept = proposal
+    readonly property real proposedHeight: proposed.visible ? proposed.height : 0
     onCurrentIndexChanged: picker.select(currentIndex)
     readonly property bool isFocused: activeFocus && Window.active
 
@@ -127,13 +128,13 @@ ListView {
             Accessible.ignored: true
         }
     }
-    topMargin: proposed.visible ? proposed.height : 0
-    onTopMarginChanged: if (contentY <= originY) contentY = originY - topMargin
 
     ListRow {
         id: proposed
         objectName: "proposedFolder"
-        y: list.originY - height
+        parent: list.parent
+        x: list.x
+        y: list.y - height
         width: list.width
         visible: list.kept.length > 0
         selected: list.currentIndex < 0

@@ -30,15 +30,11 @@ Sheet {
     }
 
     onOpened: {
+        // It may have been known before the sheet stood.
+        if (hasBegun)
+            return;
         folders.forceActiveFocus(Qt.OtherFocusReason);
         beginAtUse();
-    }
-    onChoiceChanged: beginAtUse()
-    Connections {
-        target: sheet.picker
-        function onBusyChanged() {
-            sheet.beginAtUse();
-        }
     }
 
     // As soon as it is known what would be used.
@@ -152,10 +148,10 @@ Sheet {
             FolderList {
                 id: folders
                 x: places.width + 1
-                // Clear of the round corners.
-                y: Theme.half
+                // Clear of the round corners, and of the folder that would be made.
+                y: Theme.half + proposedHeight
                 width: parent.width - x - 1
-                height: parent.height - 2 * y
+                height: parent.height - Theme.half - y
                 picker: sheet.picker
             }
         }
@@ -182,6 +178,7 @@ Sheet {
             objectName: "useFolderButton"
             enabled: sheet.choice.canUse && !sheet.makesFolder && !sheet.picker.busy
             text: sheet.choice.useText
+            onEnabledChanged: sheet.beginAtUse()
             onClicked: sheet.picker.use()
         }
     ]

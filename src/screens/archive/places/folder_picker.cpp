@@ -118,6 +118,8 @@ int FolderPicker::rowStartingWith(const QString& text, int from) const {
 
 void FolderPicker::begin() {
     findPlaces();
+    // What was found out when the folders were last shown doesn't hold any more.
+    setChoice(awaitedChoice(question()));
     const std::string home = model_.context().platform.realUserHomeDirectory();
     const auto& present = model_.archiving().destinations.transferDestination();
     const std::string start = present ? std::string(platform::parentPath(*present)) : home;
