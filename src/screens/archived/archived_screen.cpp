@@ -116,6 +116,7 @@ QString ArchivedScreen::totalSize() const {
 
 QString ArchivedScreen::sidebarFigure() const {
     if (state() == Empty) return {};
+    if (knowledge() == OriginalKnowledge::unchecked) return QStringLiteral("未检查");
     const bool frees =
         knowledge() == OriginalKnowledge::known && !check_.isEarlier() && shares_.freeable.count > 0;
     return frees ? screens::shownSize(shares_.freeable.bytes) : QStringLiteral("—");

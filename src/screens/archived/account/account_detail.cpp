@@ -49,7 +49,7 @@ QString yearsLine(const ArchivedOverviewGroup& group, const ArchivedOverviewStat
     QStringList parts;
     addSpans(parts, overviewCleanableYears(group, stats), QStringLiteral(" 年可以放心清理"));
     addSpans(parts, yearsThat(group, stats, isLeftOut),
-             QStringLiteral(" 年还有邮件只在服务器上，或没有扫描过"));
+             QStringLiteral(" 年按日期选会带上只在服务器上或没有扫描过的邮件，没有列入步骤"));
     addSpans(parts, yearsThat(group, stats, awaits), QStringLiteral(" 年还没有核对"));
     addSpans(parts, yearsThat(group, stats, isBlocked), QStringLiteral(" 年还有邮件没有归档"));
     addSpans(parts, yearsThat(group, stats, isPending), QStringLiteral(" 年待确认"));

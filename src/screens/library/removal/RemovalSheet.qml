@@ -9,8 +9,9 @@ Sheet {
 
     required property RemovalQuestion removal
     readonly property bool removing: removal.step === RemovalQuestion.Removing
-    // In a low window the tick stands in sight below them.
-    readonly property int mostItems: parent && parent.height < Theme.lowBelow ? 2 : removal.items.length
+    // The tick stands in sight below them: all but the items takes 360, an item 56.
+    readonly property int mostItems: removal.onlyTitle.length > 0 && parent
+        ? Math.max(2, Math.floor((parent.height - 360) / 56)) : removal.items.length
     readonly property bool wanted: removal.step === RemovalQuestion.Asking || removing
 
     onWantedChanged: {
@@ -94,7 +95,7 @@ Sheet {
             implicitHeight: Theme.controlHeightPrimary
             horizontalPadding: 20
             enabled: sheet.removal.canAccept
-            text: "删除 " + sheet.removal.count + " 封"
+            text: "删除 " + sheet.removal.count.toLocaleString(Qt.locale("en_US"), "f", 0) + " 封"
             fill: down ? Theme.dangerLine : Theme.dangerBackground
             edge: Theme.dangerLine
             labelColor: Theme.danger
