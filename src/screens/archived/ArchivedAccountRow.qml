@@ -22,6 +22,7 @@ ListRow {
     implicitHeight: 78 + cellFlow.implicitHeight
     Accessible.role: Accessible.ListItem
     Accessible.name: spokenName
+    Accessible.selectable: true
     Accessible.selected: selected
     Accessible.onPressAction: clicked(Qt.NoModifier)
 

@@ -3,7 +3,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Corvane
 
-T.AbstractButton {
+T.CheckBox {
     id: row
 
     required property string title
@@ -12,13 +12,13 @@ T.AbstractButton {
     // Nothing of it is left by the other filters.
     readonly property bool isEmpty: countText === "0"
 
+    checkState: ticked ? Qt.Checked : Qt.Unchecked
+    nextCheckState: () => checkState
     implicitHeight: Theme.minimumTarget
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
-    Accessible.role: Accessible.CheckBox
     Accessible.name: countText.length > 0 ? title + "，" + countText + " 封" : title
-    Accessible.checkable: true
-    Accessible.checked: ticked
+    Accessible.onToggleAction: clicked()
 
     TickBox {
         id: box

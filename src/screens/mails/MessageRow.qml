@@ -37,6 +37,7 @@ ListRow {
     separated: true
     Accessible.role: Accessible.ListItem
     Accessible.name: spokenName
+    Accessible.selectable: true
     Accessible.selected: selected
 
     Symbol {

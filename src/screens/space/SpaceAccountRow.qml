@@ -27,6 +27,7 @@ ListRow {
     selected: chosen
     Accessible.role: Accessible.ListItem
     Accessible.name: spokenName
+    Accessible.selectable: true
     Accessible.selected: chosen
     Accessible.onPressAction: clicked(Qt.NoModifier)
 

@@ -56,6 +56,7 @@ T.Control {
                 height: control.availableHeight
                 Accessible.role: Accessible.PageTab
                 Accessible.name: modelData
+                Accessible.selectable: true
                 Accessible.selected: chosen
                 Accessible.onPressAction: control.choose(index)
 

@@ -4,7 +4,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Corvane
 
-T.AbstractButton {
+T.CheckBox {
     id: box
 
     property int tick: 0
@@ -14,6 +14,10 @@ T.AbstractButton {
 
     implicitWidth: Theme.tickBoxSize
     implicitHeight: Theme.tickBoxSize
+    // The template tells a screen reader its role and whether it is ticked: what is attached here is overruled by it.
+    tristate: true
+    checkState: tick === 1 ? Qt.Checked : tick === 2 ? Qt.PartiallyChecked : Qt.Unchecked
+    nextCheckState: () => checkState
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
     // The box is small, what takes the pointer isn't.
@@ -23,11 +27,9 @@ T.AbstractButton {
         width: Theme.minimumTarget
         height: Theme.minimumTarget
     }
-    Accessible.role: Accessible.CheckBox
     Accessible.name: name
-    Accessible.checkable: true
-    Accessible.checked: tick === 1
     Accessible.checkStateMixed: tick === 2
+    Accessible.onToggleAction: clicked()
 
     background: Rectangle {
         radius: Theme.radiusInner

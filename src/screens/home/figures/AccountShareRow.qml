@@ -19,6 +19,7 @@ Item {
     implicitHeight: 67
     Accessible.role: Accessible.ListItem
     Accessible.name: title + "，" + line + "，" + size
+    Accessible.selectable: true
     Accessible.selected: chosen
     Accessible.onPressAction: clicked()
 

@@ -34,6 +34,7 @@ ListRow {
     Accessible.name: accessibleText
     Accessible.checkable: true
     Accessible.checked: tick === OrganizeTreeModel.Ticked
+    Accessible.checkStateMixed: tick === OrganizeTreeModel.Mixed
     Accessible.onToggleAction: tickPressed()
 
     Rectangle {

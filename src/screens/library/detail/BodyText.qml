@@ -20,6 +20,9 @@ TextEdit {
     selectionColor: Theme.accentFill
     selectedTextColor: Theme.textOnAccent
     font.pixelSize: Theme.bodySize
+    Accessible.role: Accessible.EditableText
+    Accessible.readOnly: true
+    Accessible.multiLine: true
     Accessible.name: "正文"
     Keys.onSpacePressed: event => pageRequested(!(event.modifiers & Qt.ShiftModifier))
 

@@ -191,6 +191,9 @@ FocusScope {
                     selectionColor: Theme.accentFill
                     selectedTextColor: Theme.textOnAccent
                     font.pixelSize: Theme.bodySize
+                    Accessible.role: Accessible.EditableText
+                    Accessible.readOnly: true
+                    Accessible.multiLine: true
                     Accessible.name: "正文预览"
                     Keys.onSpacePressed: event => view.turnPage(!(event.modifiers & Qt.ShiftModifier))
 

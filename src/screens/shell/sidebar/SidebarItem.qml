@@ -3,7 +3,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Corvane
 
-T.AbstractButton {
+T.TabButton {
     id: item
 
     property string symbol: ""
@@ -14,11 +14,13 @@ T.AbstractButton {
     property bool showFocus: activeFocus && KeyboardFocus.inUse
 
     implicitHeight: Theme.sidebarItemHeight
+    checkable: false
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
-    Accessible.role: Accessible.PageTab
     Accessible.name: figure.length > 0 ? text + "，" + figure : text
+    Accessible.selectable: true
     Accessible.selected: chosen
+    Accessible.onPressAction: clicked()
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
 
