@@ -108,7 +108,7 @@ void setLooks(ArchiveResultView& view, const EmailArchiveRunResult& result) {
 void setIssues(ArchiveResultView& view, const EmailArchiveRunResult& result) {
     for (const std::string& warning : result.archiveWarnings) view.warnings << screens::wholeText(warning);
     if (result.failedCount > 0) {
-        view.failureTitle = shownMessageCount(result.failedCount) + QStringLiteral("没有归档");
+        view.failureTitle = shownMessageCount(result.failedCount) + QStringLiteral("没有完整归档");
         view.failureGroups = failureGroupsShown(result.failures);
         view.retryTitle = QStringLiteral("再试失败的 %1").arg(shownMessageCount(result.failedCount));
     }
