@@ -37,7 +37,11 @@ LibraryListFlow::LibraryListFlow(ModelContext& context, LibraryIndexFlow& index,
     searchDelay_.setSingleShot(true);
     searchDelay_.setInterval(typingPause);
     connect(&searchDelay_, &QTimer::timeout, this, &LibraryListFlow::startSearch);
-    connect(&index, &LibraryIndexFlow::indexChanged, this, &LibraryListFlow::refresh);
+    connect(&index, &LibraryIndexFlow::indexChanged, this, [this] {
+        refresh();
+        repeatSearch();
+    });
+    connect(&texts, &BodyTexts::bodyIndexFinished, this, &LibraryListFlow::repeatSearch);
 }
 
 template <class Value>
@@ -98,6 +102,12 @@ void LibraryListFlow::setSearchText(std::string text) {
     setMatches(nullptr);
 }
 
+void LibraryListFlow::repeatSearch() {
+    if (debouncedQuery_.empty() || searchDelay_.isActive()) return;
+    searchDelay_.start();
+    Q_EMIT searchChanged();
+}
+
 void LibraryListFlow::startSearch() {
     debouncedQuery_ = text::trimWhitespaceAndNewlines(searchText_);
     asked_ = std::make_shared<const std::string>(debouncedQuery_);
@@ -112,6 +122,7 @@ void LibraryListFlow::applySearch(ArchiveSearchResult found) {
     asked_.reset();
     rootsNotSearched_ = std::move(found.unreadableRoots);
     Q_EMIT searchChanged();
+    if (filters_.matchedIDs && *filters_.matchedIDs == found.ids) return;
     setMatches(std::make_shared<const SharedTextSet>(std::move(found.ids)));
 }
 

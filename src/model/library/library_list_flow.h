@@ -85,6 +85,8 @@ class LibraryListFlow : public QObject {
 
     template <class Value>
     void assign(Value& field, Value value);
+    // Mail or texts have come since the answer: what it let through isn't all any more.
+    void repeatSearch();
     void startSearch();
     void applySearch(ArchiveSearchResult found);
     void setMatches(std::shared_ptr<const SharedTextSet> ids);
