@@ -67,6 +67,10 @@ TEST(MacosMounts, AVolumeIsWhatTheSystemTellsOfItAndAServersIsNeverAsked) {
     const VolumeProperties internalDisk{"Macintosh HD", false, false, true, true};
     const VolumeProperties stick{"NO NAME", true, true, false, true};
     const VolumeProperties image{"Installer", false, true, std::nullopt, true};
+    // Recorded (github.com/Hammerspoon/hammerspoon, issues 1740 and 2885): a disk on a cable is neither
+    // removable nor ejectable, only not internal; a card in a Mac's own slot is internal.
+    const VolumeProperties cableDisk{"Plutonium TM", false, false, false, true};
+    const VolumeProperties card{std::nullopt, true, true, true, true};
 
     struct {
         std::string point;
@@ -80,6 +84,8 @@ TEST(MacosMounts, AVolumeIsWhatTheSystemTellsOfItAndAServersIsNeverAsked) {
         {"/System/Volumes/Data", {}, true, "Data", {}, {}, {}, false},
         {"/Volumes/NO NAME", stick, true, "NO NAME", true, true, false, true},
         {"/Volumes/归档 (1)", {}, true, "归档 (1)", {}, {}, {}, true},
+        {"/Volumes/归档 (1)", cableDisk, true, "Plutonium TM", false, false, false, true},
+        {"/Volumes/NO NAME", card, true, "NO NAME", true, true, true, true},
         {"/Volumes/Installer", image, true, "Installer", false, true, {}, true},
         {"/Volumes/mail", {}, false, "mail", false, true, false, true},
         {"/net", {}, false, "net", false, true, false, false},
@@ -96,6 +102,29 @@ TEST(MacosMounts, AVolumeIsWhatTheSystemTellsOfItAndAServersIsNeverAsked) {
         EXPECT_EQ(volume.ejectable, expected.ejectable) << expected.point;
         EXPECT_EQ(volume.internal, expected.internal) << expected.point;
         EXPECT_EQ(volume.browsable, expected.browsable) << expected.point;
+    }
+}
+
+// As people's Macs printed it: macOS 11 with macFUSE (github.com/libyal/libfsapfs, issue 47), 10.13 started
+// from a second volume (github.com/yujitach/MenuMeters, issue 63).
+TEST(MacosMounts, RecordedListsShowWhatPeopleSee) {
+    struct {
+        std::string_view row;
+        bool isAsked, isBrowsable;
+    } const rows[] = {
+        {"/dev/disk1s5s1 on / (apfs, sealed, local, read-only, journaled)", true, true},
+        {"devfs on /dev (devfs, local, nobrowse)", true, false},
+        {"/dev/disk1s1 on /System/Volumes/Data (apfs, local, journaled, nobrowse)", true, false},
+        {"map auto_home on /System/Volumes/Data/home (autofs, automounted, nobrowse)", false, false},
+        {"fsapfsmount@macfuse0 on /Volumes/Test (macfuse, synchronous)", false, true},
+        {"/dev/disk2s4 on /private/var/vm (apfs, local, noexec, journaled, noatime, nobrowse)", true, false},
+        {"/dev/disk1 on /Volumes/SierraStartup (hfs, local, journaled)", true, true},
+        {"map -hosts on /net (autofs, nosuid, automounted, nobrowse)", false, false},
+    };
+
+    for (const auto& [row, isAsked, isBrowsable] : rows) {
+        EXPECT_EQ(isOnThisMachine(mountOfRow(row)), isAsked) << row;
+        EXPECT_EQ(volumeOfMount(mountOfRow(row), {}).browsable, isBrowsable) << row;
     }
 }
 
