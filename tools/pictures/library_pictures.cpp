@@ -60,7 +60,7 @@ void openFirstThread(WindowScene& scene, QQuickWindow& window) {
 }
 
 void search(WindowScene& scene, QQuickWindow& window, const QString& query) {
-    look(scene, window).setQuery(query);
+    look(scene, window).search()->setQuery(query);
     wait(scene, 800);
     wait(scene, 1200);
 }
@@ -77,7 +77,7 @@ void narrow(WindowScene& scene, QQuickWindow& window) {
 
 void expandHistory(WindowScene& scene, QQuickWindow& window) {
     openFirstThread(scene, window);
-    scene.window().library()->mail()->setQuotedExpanded(true);
+    scene.window().library()->mail()->body()->setQuotedExpanded(true);
     wait(scene);
 }
 
@@ -125,7 +125,7 @@ void askToRemove(WindowScene& scene, QQuickWindow& window) {
     select(scene, window, "生日快乐！");
     scene.window().library()->selection()->extendTo(
         rowOf(*scene.window().library(), QStringLiteral("预订确认：6 月 15 日入住 2 晚")));
-    scene.window().library()->removeSelected();
+    scene.window().library()->actions()->removeSelected();
     wait(scene);
 }
 
@@ -143,7 +143,7 @@ void failToRemove(WindowScene& scene, QQuickWindow& window) {
 
 void retrieve(WindowScene& scene, QQuickWindow& window) {
     select(scene, window, "生日快乐！");
-    scene.window().library()->openMail();
+    scene.window().library()->actions()->openMail();
     QTest::qWait(2300);
 }
 

@@ -133,7 +133,7 @@ void lookAtArchived(WindowScene& scene, QQuickWindow& window) {
 void checkArchived(WindowScene& scene, QQuickWindow& window) {
     deleteOriginals(scene);
     lookAtArchived(scene, window);
-    scene.window().archived()->check();
+    scene.window().archived()->check()->run();
     scene.settle();
     QTest::qWait(1200);
 }
