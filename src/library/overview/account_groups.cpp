@@ -197,10 +197,18 @@ MailNames mailNamesOf(const ArchiveAccountScope& group, const MailAccountKeys& m
                       const std::vector<MailAccount>& knownAccounts,
                       const std::vector<AccountInMail>& inMail) {
     const std::vector<AccountNames> accounts = joined(knownAccounts, inMail);
+    // Of what Mail has no mail any more there is nothing to choose.
+    const auto isThere = [&](const AccountNames& account) {
+        return mailAccounts.contains(account.key) && (account.inMail != nullptr || inMail.empty());
+    };
+    const auto isOwn = [&](const AccountNames& account) {
+        return isThere(account) && account.known != nullptr &&
+               ArchiveAccountScope::canonicalKey(account.known->distinguishedLabel()) == group.key;
+    };
+    const bool hasOwn = std::ranges::any_of(accounts, isOwn);
     MailNames result;
     for (const AccountNames& account : accounts) {
-        // Of what Mail has no mail any more there is nothing to choose.
-        if (!mailAccounts.contains(account.key) || (account.inMail == nullptr && !inMail.empty())) continue;
+        if (hasOwn ? !isOwn(account) : !isThere(account)) continue;
         MailName name = nameOf(account, group);
         if (std::ranges::find(result.names, name) == result.names.end())
             result.names.push_back(std::move(name));

@@ -60,8 +60,9 @@ struct MailName {
 };
 
 struct MailNames {
-    std::vector<MailName> names; // of the group's accounts that Mail has; its title where there are none
-    MailAccountKeys namesakes;   // other accounts that one of the names, or its address, may lead to
+    // Of the account that the group is called by, else of all that Mail has; the title where there are none.
+    std::vector<MailName> names;
+    MailAccountKeys namesakes; // other accounts that one of the names, or its address, may lead to
 };
 
 // `knownAccounts` are those that were read with the list of messages, `inMail` is how Mail has them now.
