@@ -159,6 +159,25 @@ TEST_F(ScanFlowTest, ASnapshotOfAnotherScanIsNotShown) {
     EXPECT_EQ(snapshotsShown(), 0);
 }
 
+TEST_F(ScanFlowTest, ACacheThatHoldsWhatIsKnownIsNotWrittenAgain) {
+    cacheScanOf({{"a"}, {"b"}});
+    const auto isWrittenByAStart = [&] {
+        const FileStamp before = store_.stamp();
+        store_.saveHomeSnapshot(*store_.cachedScanTime(), {}, {}, {});
+        CorvaneViewModel model(context_);
+        model.mail().scanFlow.loadCachedScanIfNeeded(false);
+        waitUntilIdle(context_.tasks);
+        EXPECT_FALSE(store_.loadHomeSnapshot()->localYearStats.empty());
+        return store_.stamp() != before;
+    };
+    EXPECT_TRUE(isWrittenByAStart()) << "it has no statistics by account";
+    EXPECT_FALSE(isWrittenByAStart());
+    std::filesystem::remove(store_.load()->messages.front().fileURL.path().str());
+    EXPECT_FALSE(isWrittenByAStart()) << "files aren't looked for at a start";
+    store_.save(store_.load()->messages, {}, nullptr, nullptr, nullptr);
+    EXPECT_TRUE(isWrittenByAStart());
+}
+
 TEST_F(ScanFlowTest, OnlyAWholeScanWithoutMessagesReplacesTheCachedOne) {
     cacheScanOf({{"a"}});
     const auto cachedAfter = [&](bool isComplete) {

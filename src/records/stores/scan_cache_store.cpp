@@ -3,6 +3,7 @@
 #include <string_view>
 #include <tuple>
 
+#include "platform/files/file_look.h"
 #include "records/json/record_file.h"
 #include "records/stores/scan_cache_forms.h"
 
@@ -61,6 +62,10 @@ void MailScanCacheStore::saveHomeSnapshot(
 
 std::optional<Date> MailScanCacheStore::cachedScanTime() const {
     return readScanTime(support_.filePath(cacheFileName));
+}
+
+FileStamp MailScanCacheStore::stamp() const {
+    return stampOf(platform::lookAtFile(support_.filePath(cacheFileName)));
 }
 
 std::optional<MailScanCache> MailScanCacheStore::load() const {

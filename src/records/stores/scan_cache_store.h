@@ -5,6 +5,7 @@
 #include <system_error>
 #include <vector>
 
+#include "records/archived/file_readings.h"
 #include "records/stores/app_support.h"
 #include "records/stores/scan_cache_file.h"
 
@@ -32,6 +33,9 @@ class MailScanCacheStore {
     // When the cached scan was written, by the first bytes of its file; absent when there is none, or they
     // can't be read.
     [[nodiscard]] std::optional<Date> cachedScanTime() const;
+
+    // Of the scan cache; `unknownStamp` when there is none.
+    [[nodiscard]] FileStamp stamp() const;
 
     // Absent when there is no file. Throws std::system_error or JsonError.
     [[nodiscard]] std::optional<MailScanCache> load() const;

@@ -51,6 +51,7 @@ void MessageCatalog::replacePreview(std::string_view id, SharedText preview) {
 void MessageCatalog::setGeneration(CatalogState state, Files files) {
     availabilityRefreshTask_.cancel(); // its result is of the generation before
     files_ = files;
+    readCache_.reset();
     savedCache_.reset();
     withNewPreview_.clear();
     setState(std::move(state));
@@ -92,7 +93,7 @@ void MessageCatalog::showProgress(SharedMessageSet set, MailScanSummary summary)
 }
 
 void MessageCatalog::restore(SharedMessageSet set, MailScanSummary summary,
-                             std::optional<AvailabilityResult> known) {
+                             std::optional<AvailabilityResult> known, std::optional<ScanCacheWrite> cached) {
     SharedAvailability availability = statisticsOf(*state_->availability);
     if (known) {
         known->mailAccountYearStats = availability->mailAccountYearStats;
@@ -105,6 +106,7 @@ void MessageCatalog::restore(SharedMessageSet set, MailScanSummary summary,
                    .availability = std::move(availability),
                    .isAvailabilityKnown = known.has_value()},
                   Files::unknown);
+    readCache_ = std::move(cached);
     if (known) Q_EMIT statisticsChanged();
     Q_EMIT messagesChanged();
     if (known) Q_EMIT availabilityPublished();
@@ -181,7 +183,8 @@ void MessageCatalog::saveCacheIfDue(const std::optional<Date>& scannedAt) {
     due.scannedAt = scannedAt;
     if (savedCache_ == due) return;
     savedCache_ = due;
-    cacheWriter_.save(std::move(due));
+    const FileStamp held = readCache_ && readCache_->state == due ? readCache_->held : unknownStamp;
+    cacheWriter_.save({std::move(due), held});
 }
 
 } // namespace corvane

@@ -100,8 +100,10 @@ class MessageCatalog : public QObject {
     // The growing list of a running scan, without any reaction.
     void showProgress(SharedMessageSet set, MailScanSummary summary);
 
-    // A generation from the cache. With the available ids and statistics everything is valid at once.
-    void restore(SharedMessageSet set, MailScanSummary summary, std::optional<AvailabilityResult> known);
+    // A generation from the cache. With the available ids and statistics everything is valid at once. What
+    // the file holds, where that is known, isn't written to it again.
+    void restore(SharedMessageSet set, MailScanSummary summary, std::optional<AvailabilityResult> known,
+                 std::optional<ScanCacheWrite> cached = {});
 
     // The statistics of a home snapshot, before its messages are there.
     void applyHomeSnapshot(const MailHomeSnapshot& snapshot);
@@ -143,7 +145,8 @@ class MessageCatalog : public QObject {
     Files files_ = Files::unknown; // of the generation
     std::unordered_map<SharedText, MailMessageRecord, TextHash, TextEqual> withNewPreview_; // by id
     std::optional<ScanCacheState> dueCache_;
-    std::optional<ScanCacheState> savedCache_; // of this generation
+    std::optional<ScanCacheWrite> readCache_;  // of this generation
+    std::optional<ScanCacheState> savedCache_; // likewise
     ScanCacheWriter cacheWriter_;
     TaskSlot availabilityRefreshTask_;
 };

@@ -22,7 +22,13 @@ std::vector<SharedText> orderedIDs(const ScanCacheState& state) {
 
 } // namespace
 
-void WriteScanCache::operator()(const ScanCacheState& state) const {
+void WriteScanCache::operator()(const ScanCacheWrite& write) const {
+    const ScanCacheState& state = write.state;
+    if (state.scannedAt && write.held != unknownStamp && write.held == store.stamp()) {
+        store.saveHomeSnapshot(*state.scannedAt, state.summary, state.localYearStats,
+                               state.localAccountYearStats);
+        return;
+    }
     const std::vector<SharedText> ids = orderedIDs(state);
     std::ignore = store.save(*state.messages, state.summary, &ids, &state.localYearStats,
                              &state.localAccountYearStats, state.scannedAt);

@@ -1,4 +1,5 @@
-// Keeps the scan cache up to date. A failed write is ignored: a later start is slower, no more.
+// Keeps the scan cache up to date. A failed write is ignored: a later start is slower, no more. What the file
+// holds already isn't written again, since each start would.
 #pragma once
 
 #include <memory>
@@ -7,6 +8,7 @@
 
 #include "model/model_context.h"
 #include "model/tasks/latest_state_writer.h"
+#include "records/archived/file_readings.h"
 #include "records/mail_message_record.h"
 #include "records/statistics_records.h"
 #include "records/stores/scan_cache_store.h"
@@ -25,13 +27,20 @@ struct ScanCacheState {
     friend bool operator==(const ScanCacheState&, const ScanCacheState&) = default;
 };
 
+struct ScanCacheWrite {
+    ScanCacheState state;
+    // Of the scan cache that holds just this, as it was read; `unknownStamp` where none is known.
+    FileStamp held = unknownStamp;
+};
+
+// The home snapshot, which is small and may be of another state, is written in any case.
 struct WriteScanCache {
     MailScanCacheStore store;
 
-    void operator()(const ScanCacheState& state) const;
+    void operator()(const ScanCacheWrite& write) const;
 };
 
-class ScanCacheWriter : public LatestStateWriter<ScanCacheState, WriteScanCache> {
+class ScanCacheWriter : public LatestStateWriter<ScanCacheWrite, WriteScanCache> {
   public:
     explicit ScanCacheWriter(ModelContext& context);
 };

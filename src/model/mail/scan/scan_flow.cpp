@@ -254,7 +254,8 @@ void ScanFlow::applySnapshot(const MailHomeSnapshot& snapshot) {
 void ScanFlow::applyRestored(RestoredScan restored, bool loadArchiveIndex) {
     const platform::StopWatch watch;
     const std::size_t messages = restored.set->messages->size();
-    catalog_.restore(std::move(restored.set), std::move(restored.summary), std::move(restored.known));
+    catalog_.restore(std::move(restored.set), std::move(restored.summary), std::move(restored.known),
+                     std::move(restored.cached));
     cacheLoadedAt_ = restored.scannedAt;
     setState(MailScanState::finished());
     Q_EMIT cachedScanRestored(loadArchiveIndex);

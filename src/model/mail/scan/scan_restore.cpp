@@ -71,8 +71,19 @@ struct LocalStats {
     std::optional<std::vector<AccountYearStatGroup>> byAccount;
 };
 
+// Names in the cache that aren't in its list aren't written again, so a cache with such is another one.
+std::optional<ScanCacheWrite> contentOf(const RestoredScan& restored, MailScanCache& cache, FileStamp stamp) {
+    if (!restored.known || !cache.localYearStats || !cache.localAccountYearStats) return std::nullopt;
+    const auto& available = restored.known->locallyAvailableIDs;
+    if (available->size() != cache.locallyAvailableMessageIDs->size()) return std::nullopt;
+    return ScanCacheWrite{{restored.set->messages, restored.summary, available,
+                           *std::move(cache.localYearStats), *std::move(cache.localAccountYearStats),
+                           restored.scannedAt},
+                          stamp};
+}
+
 // Throws JsonError for a repeated id: such a cache is damaged.
-RestoredScan makeRestored(const RestoreJob& job, MailScanCache cache, LocalStats& stats) {
+RestoredScan makeRestored(const RestoreJob& job, MailScanCache cache, FileStamp stamp, LocalStats& stats) {
     RestoredScan restored;
     restored.summary = std::move(cache.summary);
     restored.scannedAt = cache.scannedAt;
@@ -86,6 +97,7 @@ RestoredScan makeRestored(const RestoreJob& job, MailScanCache cache, LocalStats
         restored.known = knownAvailability(*restored.set->messages, *cache.locallyAvailableMessageIDs,
                                            job.inputs, counted);
         stats = {restored.known->localYearStats, restored.known->accountYearStats};
+        restored.cached = contentOf(restored, cache, stamp);
     } else {
         stats = {std::move(cache.localYearStats), std::move(cache.localAccountYearStats)};
     }
@@ -106,13 +118,14 @@ bool reportSnapshot(const RestoreJob& job, const ReportingTask<MailHomeSnapshot>
 
 RestoreOutcome restoreCache(const RestoreJob& job, LocalStats& stats) {
     try {
+        const FileStamp stamp = job.store.stamp();
         auto cache = job.store.load();
         if (!cache) {
             mark(job, "loadCachedScan cache empty");
             return NoCachedScan();
         }
         mark(job, fmt::format("loadCachedScan cache decoded messages={}", cache->messages.size()));
-        return makeRestored(job, std::move(*cache), stats);
+        return makeRestored(job, std::move(*cache), stamp, stats);
     } catch (const std::exception& error) {
         return UnreadableCache{fmt::format("读取上次扫描结果失败：{}", error.what())};
     }

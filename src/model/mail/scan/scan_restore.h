@@ -37,6 +37,8 @@ struct RestoredScan {
     MailScanSummary summary;
     Date scannedAt{};
     std::optional<AvailabilityResult> known; // absent: the cache doesn't say which messages are available
+    // What the cache holds, with its stamp; absent where it lacks something of it.
+    std::optional<ScanCacheWrite> cached;
     // Of the local statistics, for the log.
     std::size_t localStatCount = 0;
     std::size_t accountStatCount = 0;
