@@ -22,24 +22,10 @@ std::string normalizedMailboxName(std::string_view name) {
     return std::string(text::trimWhitespaceAndNewlines(normalized));
 }
 
-namespace {
-
-std::string normalizedNameOf(std::string_view mailboxURL) {
+bool isTrashOrJunkMailbox(std::string_view mailboxURL) {
     const std::string decoded = text::percentDecoded(mailboxURL).value_or(std::string(mailboxURL));
     const auto parts = text::splitNonEmpty(decoded, '/');
-    return parts.empty() ? std::string() : normalizedMailboxName(parts.back());
-}
-
-} // namespace
-
-bool isTrashOrJunkMailbox(std::string_view mailboxURL) {
-    return trashJunkMailboxNames().contains(normalizedNameOf(mailboxURL));
-}
-
-bool isJunkMailbox(std::string_view mailboxURL) {
-    static const std::set<std::string, std::less<>> names = {"junk", "junk e-mail", "spam", "bulk mail",
-                                                             "垃圾邮件"};
-    return names.contains(normalizedNameOf(mailboxURL));
+    return !parts.empty() && trashJunkMailboxNames().contains(normalizedMailboxName(parts.back()));
 }
 
 } // namespace corvane::mailstore

@@ -18,7 +18,4 @@ std::string normalizedMailboxName(std::string_view name);
 // By the last component of the url: a folder inside the trash isn't trash.
 bool isTrashOrJunkMailbox(std::string_view mailboxURL);
 
-// Of the two: what lies there was sorted out, and nobody has deleted it.
-bool isJunkMailbox(std::string_view mailboxURL);
-
 } // namespace corvane::mailstore

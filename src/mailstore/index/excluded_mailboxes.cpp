@@ -19,17 +19,15 @@ namespace {
 // Far above what anybody has, and few enough for one statement.
 constexpr std::size_t mostExcluded = 20'000;
 
-using MailboxTest = bool (*)(std::string_view url);
-
-std::set<std::int64_t> readMailboxes(const MailStoreContext& context, MailboxTest isWanted,
-                                     const std::string& name, ReadOnlyConnection::NameKind kind) {
+std::set<std::int64_t> readTrashAndJunk(const MailStoreContext& context, const std::string& name,
+                                        ReadOnlyConnection::NameKind kind) {
     const ReadLimit limit{std::chrono::steady_clock::now() + context.longQueryTimeLimit, context.stop};
     const ReadOnlyConnection connection(name, kind, limit);
     Statement mailboxes(connection, "SELECT ROWID, url FROM mailboxes;");
     std::set<std::int64_t> ids;
     while (mailboxes.step()) {
         const auto url = mailboxes.text(1);
-        if (url && isWanted(*url)) ids.insert(mailboxes.integer(0));
+        if (url && isTrashOrJunkMailbox(*url)) ids.insert(mailboxes.integer(0));
         if (ids.size() > mostExcluded)
             throw SqliteError(SqliteError::Step::read, SQLITE_TOOBIG, "too many mailboxes");
     }
@@ -39,17 +37,16 @@ std::set<std::int64_t> readMailboxes(const MailStoreContext& context, MailboxTes
     return ids;
 }
 
-std::set<std::int64_t> readMailboxesQuietly(const MailStoreContext& context, MailboxTest isWanted,
-                                            const std::string& path) {
+std::set<std::int64_t> readTrashAndJunkQuietly(const MailStoreContext& context, const std::string& path) {
     using NameKind = ReadOnlyConnection::NameKind;
     if (!consistsOfFiles(path)) throw SqliteError(SqliteError::Step::open, SQLITE_CANTOPEN, noDatabaseFile);
     const QuietDatabase database(path, context.platform.temporaryDirectory());
     if (database.isURI()) {
-        auto ids = readMailboxes(context, isWanted, database.name(), NameKind::uri);
+        auto ids = readTrashAndJunk(context, database.name(), NameKind::uri);
         if (!database.wasDisturbed()) return ids;
-        return readMailboxes(context, isWanted, path, NameKind::path);
+        return readTrashAndJunk(context, path, NameKind::path);
     }
-    return readMailboxes(context, isWanted, database.name(), NameKind::path);
+    return readTrashAndJunk(context, database.name(), NameKind::path);
 }
 
 std::string_view functionOf(SqliteError::Step step) {
@@ -64,29 +61,18 @@ std::string_view functionOf(SqliteError::Step step) {
     return "step";
 }
 
-// `log` is the name of the question there.
-std::optional<std::set<std::int64_t>> mailboxIDs(const MailStoreContext& context, MailboxTest isWanted,
-                                                 const std::string& envelopeIndexPath, std::string_view log) {
-    try {
-        return readMailboxesQuietly(context, isWanted, envelopeIndexPath);
-    } catch (const SqliteError& error) {
-        debugLog(context.support,
-                 fmt::format("{} sqlite3_{} failed error={}", log, functionOf(error.step()), error.what()));
-        if (error.isOfTheMoment()) return std::nullopt;
-        return std::set<std::int64_t>();
-    }
-}
-
 } // namespace
 
 std::optional<std::set<std::int64_t>> trashAndJunkMailboxIDs(const MailStoreContext& context,
                                                              const std::string& envelopeIndexPath) {
-    return mailboxIDs(context, &isTrashOrJunkMailbox, envelopeIndexPath, "trashAndJunkMailboxIDs");
-}
-
-std::optional<std::set<std::int64_t>> junkMailboxIDs(const MailStoreContext& context,
-                                                     const std::string& envelopeIndexPath) {
-    return mailboxIDs(context, &isJunkMailbox, envelopeIndexPath, "junkMailboxIDs");
+    try {
+        return readTrashAndJunkQuietly(context, envelopeIndexPath);
+    } catch (const SqliteError& error) {
+        debugLog(context.support, fmt::format("trashAndJunkMailboxIDs sqlite3_{} failed error={}",
+                                              functionOf(error.step()), error.what()));
+        if (error.isOfTheMoment()) return std::nullopt;
+        return std::set<std::int64_t>();
+    }
 }
 
 std::string mailboxExclusion(const std::set<std::int64_t>& mailboxIDs) {

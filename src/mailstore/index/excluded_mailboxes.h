@@ -17,10 +17,6 @@ namespace corvane::mailstore {
 std::optional<std::set<std::int64_t>> trashAndJunkMailboxIDs(const MailStoreContext& context,
                                                              const std::string& envelopeIndexPath);
 
-// Those of junk alone, in the same way.
-std::optional<std::set<std::int64_t>> junkMailboxIDs(const MailStoreContext& context,
-                                                     const std::string& envelopeIndexPath);
-
 // The condition that leaves these mailboxes out, for the end of a WHERE clause; empty for the empty set.
 std::string mailboxExclusion(const std::set<std::int64_t>& mailboxIDs);
 

@@ -9,7 +9,6 @@
 #include <unordered_map>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include "mailstore/folders/store_location.h"
 #include "mailstore/index/excluded_mailboxes.h"
@@ -49,15 +48,6 @@ std::optional<std::string> exclusionOf(const MailStoreContext& context, const st
     return mailboxExclusion(*trashAndJunk);
 }
 
-// The condition for such mail; nullopt when the mailboxes couldn't be read, and "AND 0" where none can be.
-std::optional<std::string> conditionFor(MailPart part, const MailStoreContext& context,
-                                        const std::string& index) {
-    if (part == MailPart::live) return exclusionOf(context, index);
-    const auto junk = junkMailboxIDs(context, index);
-    if (!junk) return std::nullopt;
-    return junk->empty() ? "AND 0" : fmt::format("AND m.mailbox IN ({})", fmt::join(*junk, ","));
-}
-
 // What the shell's answer shows of an address: it ends at a NUL.
 std::string_view shownPart(std::string_view address) {
     return address.substr(0, address.find('\0'));
@@ -80,7 +70,7 @@ std::vector<std::string> senderLists(const std::vector<ContentPresenceTarget>& t
     return lists;
 }
 
-std::string contentQuery(const std::string& senderList, const std::string& condition) {
+std::string contentQuery(const std::string& senderList, const std::string& exclusion) {
     return fmt::format("SELECT LOWER(a.address) AS sender,\n"
                        "       {0} AS d,\n"
                        "       COALESCE(m.subject_prefix,'') || COALESCE(s.subject,'') AS subject\n"
@@ -89,7 +79,7 @@ std::string contentQuery(const std::string& senderList, const std::string& condi
                        "LEFT JOIN subjects s ON s.ROWID = m.subject\n"
                        "LEFT JOIN addresses a ON a.ROWID = m.sender\n"
                        "WHERE {0} > 0 AND LOWER(a.address) IN ({1}) {2};",
-                       messageDateExpression, senderList, condition);
+                       messageDateExpression, senderList, exclusion);
 }
 
 // The number that a text begins with, whatever the user's locale. Not by std::from_chars, which some standard
@@ -144,19 +134,19 @@ class LiveContents {
 
 std::optional<std::vector<bool>>
 liveMessageIdentifierPresence(const MailStoreContext& context, const std::string& rootPath,
-                              const std::vector<std::string_view>& identifiers, MailPart part) {
+                              const std::vector<std::string_view>& identifiers) {
     if (!canQueryEnvelopeIndex(context, rootPath)) return std::nullopt;
     if (std::ranges::all_of(identifiers, [](std::string_view each) { return each.empty(); }))
         return std::vector<bool>(identifiers.size());
     const std::string index = envelopeIndexPath(rootPath);
-    const auto condition = conditionFor(part, context, index);
-    if (!condition) return std::nullopt;
+    const auto exclusion = exclusionOf(context, index);
+    if (!exclusion) return std::nullopt;
     const std::string sql =
         fmt::format("SELECT g.message_id_header AS messageId\n"
                     "FROM messages m\n"
                     "LEFT JOIN message_global_data g ON g.message_id = m.message_id\n"
                     "WHERE g.message_id_header IS NOT NULL AND g.message_id_header != '' {};",
-                    *condition);
+                    *exclusion);
     std::optional<platform::TemporaryFile> rows;
     std::optional<WantedIdentifiers> wanted;
     platform::parallelCalls([&] { rows = runRowsQuery(context, sql, index); },
@@ -179,15 +169,14 @@ std::optional<bool> hasMessageIDHeaders(const MailStoreContext& context, const s
 
 std::optional<SharedTextSet> liveMessagePresenceByContent(const MailStoreContext& context,
                                                           const std::string& rootPath,
-                                                          const std::vector<ContentPresenceTarget>& targets,
-                                                          MailPart part) {
+                                                          const std::vector<ContentPresenceTarget>& targets) {
     if (!canQueryEnvelopeIndex(context, rootPath)) return std::nullopt;
     const std::string index = envelopeIndexPath(rootPath);
-    const auto condition = conditionFor(part, context, index);
-    if (!condition) return std::nullopt;
+    const auto exclusion = exclusionOf(context, index);
+    if (!exclusion) return std::nullopt;
     LiveContents contents;
     for (const std::string& list : senderLists(targets)) {
-        if (!runJSONRows(context, contentQuery(list, *condition), index,
+        if (!runJSONRows(context, contentQuery(list, *exclusion), index,
                          [&](JsonRow& row) { contents.add(row); }))
             return std::nullopt;
     }

@@ -25,26 +25,21 @@ struct ContentPresenceTarget {
 
 namespace mailstore {
 
-// Which mail is asked for: what isn't in trash or junk, or what is in junk alone, which nobody has deleted.
-enum class MailPart { live, junk };
-
-// Whether such a message has the identifier, by position; they come in their normalized form, and nothing has
+// Whether a live message has the identifier, by position; they come in their normalized form, and nothing has
 // an empty one. Nullopt without an index, for one without identifiers, and after any failure.
 std::optional<std::vector<bool>>
 liveMessageIdentifierPresence(const MailStoreContext& context, const std::string& rootPath,
-                              const std::vector<std::string_view>& identifiers,
-                              MailPart part = MailPart::live);
+                              const std::vector<std::string_view>& identifiers);
 
 // Whether the index keeps Message-IDs at all. Nullopt when nobody could look.
 std::optional<bool> hasMessageIDHeaders(const MailStoreContext& context, const std::string& rootPath);
 
-// The keys of the targets that such a message matches: same sender and subject without regard to case, and
+// The keys of the targets that a live message matches: same sender and subject without regard to case, and
 // dates at most two days apart. An absent subject and the texts that stand for one are the same subject.
 // Nullopt without an index and after any failure.
 std::optional<SharedTextSet> liveMessagePresenceByContent(const MailStoreContext& context,
                                                           const std::string& rootPath,
-                                                          const std::vector<ContentPresenceTarget>& targets,
-                                                          MailPart part = MailPart::live);
+                                                          const std::vector<ContentPresenceTarget>& targets);
 
 enum class NoOriginal { notThere, noAnswer };
 

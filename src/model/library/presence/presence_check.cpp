@@ -1,7 +1,6 @@
 #include "model/library/presence/presence_check.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <deque>
 #include <memory>
@@ -16,10 +15,8 @@
 
 #include "library/accounts/account_merge_rules.h"
 #include "mailstore/folders/store_location.h"
-#include "mailstore/index/excluded_mailboxes.h"
 #include "mailstore/index/live_presence.h"
 #include "mime/message_identifiers.h"
-#include "platform/files/file_look.h"
 #include "platform/threads/parallel.h"
 #include "records/stores/presence_cache_store.h"
 #include "records/timestamps.h"
@@ -34,15 +31,8 @@ using Statuses = std::vector<Status>;
 
 constexpr const char* noFullDiskAccess = "no-full-disk-access";
 constexpr const char* schemaUnsupported = "index-schema-unsupported";
-constexpr const char* noIndex = "no-index";
-constexpr const char* noAnswerYet = "index-busy";
 
 const char* textForUser(std::string_view reason) {
-    if (reason == noIndex)
-        return "没有完整磁盘访问权限，或者 Mail 还没有建立索引，无法读取 Mail 当前索引。请先打开 Apple Mail，"
-               "或授权后返回 App。";
-    if (reason == noAnswerYet)
-        return "Mail 的索引暂时没有回答，可能正被 Mail 锁定。归档邮件已安全备份；请稍后再对照。";
     if (reason == noFullDiskAccess) return "没有完整磁盘访问权限，无法读取 Mail 当前索引。请授权后返回 App。";
     return "当前 macOS 版本的 Mail 索引已变更，暂时无法按 Message-ID 自动对照。归档邮件已安全备份；"
            "只是无法自动判断哪些原件仍在 Mail、可安全删除。";
@@ -112,24 +102,10 @@ class PresenceCheck {
             const bool isKnown = !identifiers.views()[at].empty();
             statuses[at] = !isKnown ? known_.statusAt(at) : (*isLive)[at] ? Status::present : Status::missing;
         }
-        return withoutJunk(std::move(statuses), identifiers.views());
-    }
-
-  private:
-    // Mail in junk isn't gone: nobody has deleted it, and a search in Mail doesn't find it.
-    std::optional<Statuses> withoutJunk(Statuses statuses,
-                                        const std::vector<std::string_view>& identifiers) const {
-        std::vector<std::string_view> missing(identifiers.size());
-        for (std::size_t at = 0; at < statuses.size(); ++at)
-            if (statuses[at] == Status::missing) missing[at] = identifiers[at];
-        const auto isJunk = mailstore::liveMessageIdentifierPresence(mail_, job_.mailRootPath, missing,
-                                                                     mailstore::MailPart::junk);
-        if (!isJunk) return std::nullopt;
-        for (std::size_t at = 0; at < statuses.size(); ++at)
-            if ((*isJunk)[at]) statuses[at] = Status::unknown;
         return statuses;
     }
 
+  private:
     // Only of an index that surely has no identifiers: one that couldn't be read may know better.
     std::optional<Statuses> compareContent() {
         const std::string& root = job_.mailRootPath;
@@ -137,15 +113,12 @@ class PresenceCheck {
         const auto targets = contentTargets(*known_.entries);
         if (targets.empty()) return std::nullopt;
         const auto found = mailstore::liveMessagePresenceByContent(mail_, root, targets);
-        const auto junk =
-            mailstore::liveMessagePresenceByContent(mail_, root, targets, mailstore::MailPart::junk);
-        if (!found || !junk) return std::nullopt;
+        if (!found) return std::nullopt;
         Statuses statuses = known_.statuses;
         statuses.resize(known_.entries->size(), Status::unknown);
         for (const ContentPresenceTarget& target : targets)
-            statuses[std::stoul(target.key.str())] = found->contains(target.key)  ? Status::present
-                                                     : junk->contains(target.key) ? Status::unknown
-                                                                                  : Status::missing;
+            statuses[std::stoul(target.key.str())] =
+                found->contains(target.key) ? Status::present : Status::missing;
         job_.log.mark(fmt::format("archived-original-presence content-match fallback entries={} matchable={}",
                                   statuses.size(), targets.size()));
         return statuses;
@@ -165,20 +138,9 @@ SharedPresence answered(const OriginalPresence& known, Statuses statuses) {
     return presence;
 }
 
-const char* reasonOf(const PresenceJob& job, const std::stop_token& stop) {
-    using Presence = platform::FileLook::Presence;
-    const std::string index = mailstore::envelopeIndexPath(job.mailRootPath);
-    if (platform::lookAtFile(index).presence == Presence::absent) return noIndex;
-    if (!mailstore::canReadEnvelopeIndex(job.mailRootPath)) return noFullDiskAccess;
-    // It was waited for already.
-    constexpr std::chrono::seconds patience{1};
-    const MailStoreContext mail{
-        .platform = job.platform, .support = job.support, .longQueryTimeLimit = patience, .stop = stop};
-    return mailstore::trashAndJunkMailboxIDs(mail, index) ? schemaUnsupported : noAnswerYet;
-}
-
-PresenceEnd withoutAnswer(const PresenceJob& job, const SharedPresence& known, const std::stop_token& stop) {
-    const char* const reason = reasonOf(job, stop);
+PresenceEnd withoutAnswer(const PresenceJob& job, const SharedPresence& known) {
+    const bool isReadable = mailstore::canReadEnvelopeIndex(job.mailRootPath);
+    const char* const reason = isReadable ? schemaUnsupported : noFullDiskAccess;
     job.log.mark(fmt::format("archived-original-presence failed reason={} entries={} targets={}", reason,
                              known->entries->size(), contentTargets(*known->entries).size()));
     std::string failure = textForUser(reason);
@@ -206,7 +168,7 @@ PresenceEnd runPresenceJob(const PresenceJob& job, const ReportingTask<SharedPre
     if (!job.asksMail || task.isCancelled()) return {known, std::nullopt};
     auto statuses = PresenceCheck(job, known, task.stopToken()).compare();
     if (task.isCancelled()) return {known, std::nullopt};
-    if (!statuses) return withoutAnswer(job, known, task.stopToken());
+    if (!statuses) return withoutAnswer(job, known);
     SharedPresence presence = answered(*known, std::move(*statuses));
     store.save(presence->signature, *presence->checkedAt, *presence->entries, presence->statuses);
     return {presence, std::nullopt};

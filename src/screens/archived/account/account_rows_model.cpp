@@ -43,8 +43,7 @@ QVariantMap line(const char16_t* symbol, const char16_t* text, const char16_t* t
             {QStringLiteral("tone"), QString::fromUtf16(tone)}};
 }
 
-QVariantMap entryLine(ArchivedOriginalPresenceStatus presence, OriginalKnowledge knowledge,
-                      const ArchivedEmailRecord& record) {
+QVariantMap entryLine(ArchivedOriginalPresenceStatus presence, OriginalKnowledge knowledge) {
     if (knowledge != OriginalKnowledge::known)
         return line(u"search", u"归档副本仍在；还没有对照 Mail，不知道原件是否还在。");
     switch (presence) {
@@ -56,10 +55,6 @@ QVariantMap entryLine(ArchivedOriginalPresenceStatus presence, OriginalKnowledge
     case ArchivedOriginalPresenceStatus::unknown:
         break;
     }
-    if (record.messageIdentifier && !record.messageIdentifier->empty())
-        return line(u"circle-question-mark",
-                    u"归档副本仍在；这封原件在 Mail 的垃圾邮件里，或还没有对照过，需要在 Mail 里手动确认。",
-                    u"attention");
     return line(u"circle-question-mark",
                 u"归档副本仍在；这封邮件缺少可自动对照 Mail 的邮件标识，需要按主题、发件人和日期手动确认。",
                 u"attention");
@@ -239,7 +234,7 @@ QVariant AccountRowsModel::entryValue(const AccountRow& row, int role) const {
     case DateTextRole:
         return screens::wholeText(formatMailDate(record.date));
     case LineRole:
-        return entryLine(presenceOf(row), source_.knowledge, record);
+        return entryLine(presenceOf(row), source_.knowledge);
     case CanLocateRole:
         return presenceOf(row) != ArchivedOriginalPresenceStatus::missing;
     default:
