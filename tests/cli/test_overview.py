@@ -13,8 +13,7 @@ from urllib.parse import unquote
 from cli_support import INDEX, CliCase
 
 YEAR_ORDER = ["serverUnbacked", "incomplete", "pendingReview", "cleanable", "completed"]
-TRASH = ("Deleted Messages", "已删除邮件", "Deleted Items")
-JUNK = ("Junk", "垃圾邮件", "Junk E-mail")
+TRASH = ("Deleted Messages", "Junk", "已删除邮件", "垃圾邮件", "Deleted Items", "Junk E-mail")
 
 
 def year_of(date):
@@ -42,13 +41,10 @@ class Overview(CliCase):
         store.close()
         return rows
 
-    def identifiers(self):
-        """Those of mail that is in Mail, and those of mail in junk, which nobody has deleted."""
+    def live_identifiers(self):
         rows = self.ask_store(("SELECT b.url, g.message_id_header FROM messages m JOIN mailboxes b ON b.ROWID = m.mailbox "
                                "JOIN message_global_data g ON g.message_id = m.message_id",))
-        known = [(unquote(url), header.strip("<> ").lower()) for url, header in rows if header]
-        return ({header for url, header in known if not url.endswith(TRASH + JUNK)},
-                {header for url, header in known if url.endswith(JUNK)})
+        return {header.strip("<> ").lower() for url, header in rows if header and not unquote(url).endswith(TRASH)}
 
     def rows_of(self, entry):
         rows = self.ask_store(("SELECT m.ROWID FROM messages m JOIN message_global_data g ON g.message_id = m.message_id "
@@ -67,12 +63,11 @@ class Overview(CliCase):
         archived = {message["id"] for message in self.run_cli(self.mail, "messages", "--filter", "onlyMigrated")}
         proven = {f"mid:{message['messageIdentifier']}" for message in self.run_cli(self.mail, "messages")
                   if "messageIdentifier" in message and message["id"] in archived - unproven}
-        (live, junk), accounts = self.identifiers(), collections.defaultdict(set)
+        live, accounts = self.live_identifiers(), collections.defaultdict(set)
         for entry in entries:
             entry["proven"] = re.sub(r"#v\d+$", "", entry["id"]) in proven
             known = entry.get("messageIdentifier")
-            entry["presence"] = ("present" if known in live else "missing") if known and known not in junk - live else \
-                "unknown"
+            entry["presence"] = "unknown" if not known else "present" if known in live else "missing"
             accounts[entry["accountKey"]].add(entry.get("accountIdentifier"))
         for account in self.run_cli(self.mail, "accounts"):
             label = account.get("linkedAccountEmail") or account["emailAddress"]

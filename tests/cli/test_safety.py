@@ -89,7 +89,7 @@ class Safety(CliCase):
         system.execute("DELETE FROM ZACCOUNT WHERE ZIDENTIFIER = ? COLLATE NOCASE", (account[7:],))
         system.execute("INSERT INTO ZACCOUNT(ZIDENTIFIER, ZACCOUNTDESCRIPTION) VALUES(?, '改名')", (account[7:],))
         system.commit()
-        self.assertIn("「账号」是「改名」", guide()["conditionText"])
+        self.assertEqual([each["shownAs"] for each in guide()["accountsInMail"]], ["改名"])
         store = sqlite3.connect(self.mail / INDEX)
         store.execute("INSERT INTO mailboxes(ROWID, url) VALUES(9999, 'imap://11111111-2222-4333-8444-555555555555/IN')")
         store.execute("INSERT INTO messages(ROWID, mailbox) VALUES(999999, 9999)")

@@ -190,7 +190,7 @@ TEST(ArchivedOverview, AYearIsOfferedOnlyWhenNothingElseIsFoundByItsSearch) {
     EXPECT_EQ(offered(named), std::vector<std::int64_t>{2020});
     // By the name that Mail shows, which the user may have changed since the accounts were read.
     named.facts.inMail.accounts = {{"imap://A", "Work", "a@x"}, {"imap://B", "家", "b@x"}};
-    EXPECT_EQ(named.stats().groups[0].mailNames, (std::vector<MailName>{{"Work", "a@x"}}));
+    EXPECT_EQ(named.stats().groups[0].mailNames, (std::vector<MailName>{{"a@x", "Work"}}));
     EXPECT_EQ(offered(named), std::vector<std::int64_t>{2020});
     for (const AccountInMail& other : std::vector<AccountInMail>{
              {"imap://B", "work ", "b@x"}, {"imap://B", "A@x", "b@x"}, {"imap://B", "家", "a@x"}}) {

@@ -78,20 +78,20 @@ void writeLeftOut(JsonDocument& document, const std::vector<LeftOutYear>& years)
     });
 }
 
-// Only where Mail shows an account by another name than its address.
+// Only where Mail shows an account by another name than its label.
 void writeAccountNames(JsonDocument& document, const Guide& guide) {
     std::vector<MailName> names;
     for (const SmartMailboxGuideTarget& mailbox : guide.mailboxes) {
-        const MailName name{.shown = mailbox.accountName, .address = mailbox.accountAddress};
-        if (!name.address.empty() && std::ranges::find(names, name) == names.end()) names.push_back(name);
+        const MailName name{.label = mailbox.accountName, .inMail = mailbox.nameInMail};
+        if (!name.inMail.empty() && std::ranges::find(names, name) == names.end()) names.push_back(name);
     }
     if (names.empty()) return;
     document.key("accountsInMail");
     document.array([&] {
         for (const MailName& name : names) {
             document.object([&] {
-                document.member("name", name.shown);
-                document.member("address", name.address);
+                document.member("account", name.label);
+                document.member("shownAs", name.inMail);
             });
         }
     });

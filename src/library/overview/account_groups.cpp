@@ -160,14 +160,10 @@ std::vector<AccountNames> joined(const std::vector<MailAccount>& knownAccounts,
 MailName nameOf(const AccountNames& account, const ArchiveAccountScope& group) {
     std::string label = account.known != nullptr ? account.known->distinguishedLabel() : group.title;
     if (ArchiveAccountScope::canonicalKey(label) == group.key) label = group.title;
-    if (account.inMail == nullptr || account.inMail->shownName.empty() || account.isLocalStore())
-        return {.shown = std::move(label), .address = {}};
-    const AccountInMail& inMail = *account.inMail;
-    std::string address = !inMail.address.empty()         ? inMail.address
-                          : label.find('@') == label.npos ? std::string()
-                                                          : std::move(label);
-    if (comparable(address) == comparable(inMail.shownName)) address.clear();
-    return {.shown = inMail.shownName, .address = std::move(address)};
+    const bool isShownOtherwise = account.inMail != nullptr && !account.isLocalStore() &&
+                                  comparable(account.inMail->shownName) != comparable(label);
+    return {.label = std::move(label),
+            .inMail = isShownOtherwise ? account.inMail->shownName : std::string()};
 }
 
 // Somebody who looks for this text in Mail may choose the account: by what Mail shows, by our label, by its
@@ -213,11 +209,11 @@ MailNames mailNamesOf(const ArchiveAccountScope& group, const MailAccountKeys& m
         if (std::ranges::find(result.names, name) == result.names.end())
             result.names.push_back(std::move(name));
     }
-    if (result.names.empty()) result.names = {{.shown = group.title, .address = {}}};
+    if (result.names.empty()) result.names = {{.label = group.title, .inMail = {}}};
     for (const AccountNames& account : accounts) {
         const bool isNamed = std::ranges::any_of(result.names, [&](const MailName& name) {
-            return mayBeNamed(account, comparable(name.shown)) ||
-                   mayBeNamed(account, comparable(name.address));
+            return mayBeNamed(account, comparable(name.label)) ||
+                   mayBeNamed(account, comparable(name.inMail));
         });
         if (isNamed && !mailAccounts.contains(account.key)) result.namesakes.emplace(account.key);
     }

@@ -53,8 +53,8 @@ mailAccountsOfGroups(const ArchiveLibraryIndex& index); // in the order of `acco
 
 // By what somebody finds an account in Mail's own menus.
 struct MailName {
-    std::string shown;   // as Mail shows it; our label of the account where that isn't known
-    std::string address; // empty where it is the same, or isn't known
+    std::string label;  // ours: its address, or the title of its group
+    std::string inMail; // as Mail shows it; empty where that is the same, or isn't known
 
     friend bool operator==(const MailName&, const MailName&) = default;
 };
@@ -62,7 +62,7 @@ struct MailName {
 struct MailNames {
     // Of the account that the group is called by, else of all that Mail has; the title where there are none.
     std::vector<MailName> names;
-    MailAccountKeys namesakes; // other accounts that one of the names, or its address, may lead to
+    MailAccountKeys namesakes; // other accounts that one of the names, as either says, may lead to
 };
 
 // `knownAccounts` are those that were read with the list of messages, `inMail` is how Mail has them now.

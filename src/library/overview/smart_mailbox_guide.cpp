@@ -32,7 +32,7 @@ std::vector<SmartMailboxGuideTarget> smartMailboxGuideTargets(std::span<const Ma
         bool isFirst = true;
         for (const std::int64_t year : years) {
             if (std::exchange(isFirst, false) || targets.back().years.back() + 1 != year)
-                targets.push_back({.accountName = name.shown, .years = {}, .accountAddress = name.address});
+                targets.push_back({.accountName = name.label, .years = {}, .nameInMail = name.inMail});
             targets.back().years.push_back(year);
         }
     }
@@ -41,9 +41,8 @@ std::vector<SmartMailboxGuideTarget> smartMailboxGuideTargets(std::span<const Ma
 
 std::vector<SmartMailboxGuideStep> smartMailboxGuideSteps(const SmartMailboxGuideTarget& target) {
     std::vector<std::string> condition = {conditionText(target)};
-    if (!target.accountAddress.empty())
-        condition.push_back(fmt::format("「{}」是 Mail 里显示的账户名称,它的地址是 {}。", target.accountName,
-                                        target.accountAddress));
+    if (!target.nameInMail.empty())
+        condition.push_back(fmt::format("这个账户在 Mail 的菜单里显示为「{}」,请选它。", target.nameInMail));
     return {
         {.title = "新建智能邮箱",
          .lines = {"打开 Apple Mail,顶部菜单栏选「邮箱」→「新建智能邮箱…」。",

@@ -13,9 +13,9 @@
 namespace corvane {
 
 struct SmartMailboxGuideTarget {
-    std::string accountName; // as Mail shows it
+    std::string accountName; // its label
     std::vector<std::int64_t> years;
-    std::string accountAddress{}; // told beside the name; empty where there is nothing to tell
+    std::string nameInMail{}; // told beside the label; empty where there is nothing to tell
 
     friend bool operator==(const SmartMailboxGuideTarget&, const SmartMailboxGuideTarget&) = default;
 };

@@ -138,14 +138,15 @@ Sheet {
             required property var modelData
             Layout.fillWidth: true
             number: index + 2
-            isOpen: sheet.guide.isReady
+            // Rows outlive the guide by a moment when the window goes.
+            isOpen: sheet.guide !== null && sheet.guide.isReady
             isLast: index === 3
             title: modelData.title
             lines: modelData.lines
 
             CopyButton {
                 objectName: "copyNameButton"
-                visible: step.index === 0 && sheet.guide.isReady
+                visible: step.index === 0 && step.isOpen
                 implicitHeight: Theme.bodyLine
                 fill: "transparent"
                 edge: "transparent"

@@ -86,7 +86,7 @@ SelectableList {
         // Rows outlive the screen by a moment when the window goes.
         current: view.selection !== null && view.selection.currentRow === index
         listFocused: view.focused
-        query: view.screen !== null ? view.screen.list.query : ""
+        query: view.screen?.list?.query ?? ""
         onPressed: (modifiers, button) => {
             // A menu is for all that is selected when it opens on one of them.
             if (button !== Qt.RightButton || !selected)
