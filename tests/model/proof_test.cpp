@@ -214,18 +214,20 @@ TEST_F(Proofs, ByAFileThatIsInACloudOnlyHaveTheirDay) {
 }
 
 TEST_F(Proofs, OfMailWithoutAnIdNothingIsSaidOfWhatCameBehindTheArchivedOne) {
-    const auto publishUnnamed = [&](const std::string& file) {
-        MessageList messages = sampleMessages(home_, {{file}});
-        messages.front().messageIdentifier.reset();
-        messages.front().subject = "a";
+    const auto publishUnnamed = [&](const std::vector<MessageSketch>& sketches) {
+        MessageList messages = sampleMessages(home_, sketches);
+        for (MailMessageRecord& message : messages) {
+            message.messageIdentifier.reset();
+            message.subject = "a";
+        }
         publishMessages(model_->mail().catalog, std::move(messages));
         waitUntilIdle(context_->tasks);
     };
-    publishUnnamed("a");
+    publishUnnamed({{"a"}, {"b"}});
     archive();
-    EXPECT_EQ(model_->deletionSafety({}).archived, 1) << "of neither side anything is known";
     prove();
-    publishUnnamed("later");
+    EXPECT_EQ(model_->deletionSafety({}).archived, 2);
+    publishUnnamed({{"later"}});
     EXPECT_EQ(model_->deletionSafety({}).archived, 0);
     EXPECT_EQ(candidates(), "a");
 }

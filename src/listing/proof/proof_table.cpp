@@ -25,10 +25,9 @@ bool isUnmatched(const MailMessageRecord& message, const ProofSubject& subject) 
     if (message.messageIdentifier && !message.messageIdentifier->empty()) return false;
     const auto wasRead = [](const auto& file) { return file.reading != nullptr; };
     if (std::ranges::all_of(subject.copies, wasRead)) return false;
-    const auto isOther = [&](const ProofFile& file) {
+    return std::ranges::any_of(subject.files, [&](const ProofFile& file) {
         return file.entry->record.id != subject.files.front().entry->record.id;
-    };
-    return std::ranges::any_of(subject.files, wasRead) || std::ranges::any_of(subject.files, isOther);
+    });
 }
 
 class TableMaker {

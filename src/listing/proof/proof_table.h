@@ -22,8 +22,8 @@ struct ProofTable {
     std::shared_ptr<const SharedTextSet> provenIDs = std::make_shared<const SharedTextSet>();
     // By message id, those of which something is known against them.
     std::unordered_map<SharedText, ProofVerdict, TextHash, TextEqual> against;
-    // Message ids of mail without a Message-ID of which a copy was never read, while an archived file of its
-    // header was, or several files have it: it may have come since, and be in no archive. Never null.
+    // Message ids of mail without a Message-ID of which a copy was never read, while several archived files
+    // have its header: it may have come since, and be in no archive. Never null.
     std::shared_ptr<const SharedTextSet> unmatchedIDs = std::make_shared<const SharedTextSet>();
     // Of `inputs.entries`; null while nothing was looked up in them.
     SharedArchivedRecords records;
