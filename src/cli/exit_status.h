@@ -1,6 +1,5 @@
 // The exit statuses of corvane-cli. Where a command can come to its end in several ways, it is decided here
-// which of them it is; a command that does all it was asked for, or is left by an exception, returns `done`
-// itself.
+// which of them it is; a command that does all it was asked for returns `done` itself.
 #pragma once
 
 #include <exception>

@@ -253,8 +253,8 @@ TEST(SmartMailboxGuide, SpansOnlyAdjoiningYears) {
     EXPECT_EQ(conditionText({"a@x", {}}), "");
     EXPECT_EQ(suggestedName({"a@x", {}}), "可删除");
     EXPECT_TRUE(smartMailboxGuideTargets(names, {}).empty());
-    EXPECT_EQ(smartMailboxGuideSteps({"Work", {2019}, "a@x"})[1].lines[1],
-              "「Work」是 Mail 里显示的账户名称,它的地址是 a@x。");
+    EXPECT_EQ(smartMailboxGuideSteps({"a@x", {2019}, "Work"})[1].lines[1],
+              "这个账户在 Mail 的菜单里显示为「Work」,请选它。");
 }
 
 TEST(SpaceDetail, TicksSumAndGatherTheMessagesOfSenders) {

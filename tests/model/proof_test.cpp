@@ -39,13 +39,18 @@ class Proofs : public ModelTest {
     void archive() {
         EmailArchiveIndex index;
         for (const MailMessageRecord& message : *model_->mail().catalog.messages()) {
-            const std::string emlx = readWhole(message.fileURL.path().str());
+            const std::filesystem::path original(message.fileURL.path().str());
+            const std::string emlx = readWhole(original.string());
             const std::string mail(*archive::messageData(emlx));
             ArchivedEmailRecord record;
-            record.id = stableID(message);
+            const SharedText id = stableID(message);
+            record.id =
+                index.records.empty() || index.records.back().id != id ? id : SharedText(id.str() + "#v2");
             record.messageIdentifier = message.messageIdentifier;
             record.subject = message.subject;
-            record.emlRelativePath = fmt::format("2020/a/{}.eml", message.subject);
+            record.sender = message.sender;
+            record.date = message.date;
+            record.emlRelativePath = fmt::format("2020/a/{}.eml", original.stem().string());
             record.sizeBytes = static_cast<std::int64_t>(mail.size());
             record.contentHash = contentHashText(platform::sha256(mail));
             home_.write(fmt::format("{}/{}", root_, record.emlRelativePath), mail);

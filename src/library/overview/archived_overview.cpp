@@ -302,9 +302,11 @@ std::string reasonText(const ArchivedOverviewStats::FoundBesides& besides) {
     add(besides.serverAlone,
         "按收到日期选还会选中 {} 封只在服务器上的邮件，删除它就是删除唯一的一份，请先在 Mail 里下载并归档");
     add(besides.unlisted, "按收到日期选还会选中 {} 封上次扫描之后才有的邮件，请先更新 Mail 数据");
-    add(besides.ofNamesakes, "Mail 里另一个账户也是这个名称，它有 {} 封邮件还没有核对");
+    add(besides.ofNamesakes, "Mail 里另有账户也是这个名称，其中 {} 封邮件还没有核对");
     add(besides.newNamesakes, "Mail 里另有 {} 个账户也是这个名称，还没有扫描，请先更新 Mail 数据");
-    add(besides.areNamesUnknown ? 1 : 0, "没能读取 Mail 里账户的名称，条件会选中哪个账户不得而知");
+    if (besides.areNamesUnknown)
+        text += std::string(text.empty() ? "" : "；") +
+                "没能读取 Mail 里账户的名称，条件会选中哪个账户不得而知，请确认完整磁盘访问权限后再对照";
     return text;
 }
 

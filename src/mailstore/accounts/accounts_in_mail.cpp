@@ -50,10 +50,10 @@ void addName(SystemNames& names, JsonRow& row) {
 
 // Whether it is a database without accounts, and not one that can't be read.
 bool hasNoAccounts(const MailStoreContext& context, const std::string& database) {
-    bool isKnown = false;
     bool hasTable = false;
-    isKnown = runJSONRows(context, "SELECT COUNT(*) AS held FROM sqlite_master WHERE name = 'ZACCOUNT';",
-                          database, [&](JsonRow& row) { hasTable = row.integer("held").value_or(1) > 0; });
+    const bool isKnown =
+        runJSONRows(context, "SELECT COUNT(*) AS held FROM sqlite_master WHERE name = 'ZACCOUNT';", database,
+                    [&](JsonRow& row) { hasTable = row.integer("held").value_or(1) > 0; });
     return isKnown && !hasTable;
 }
 
@@ -112,8 +112,8 @@ std::optional<AccountsInMail> queryAccountsInMail(const MailStoreContext& contex
     if (!isWhole) return std::nullopt;
     const auto names = systemNames(context);
     AccountsInMail found{.accounts = {}, .areNamesKnown = names.has_value()};
-    for (const std::string& uuid : uuids)
-        found.accounts.push_back(namedAccount(uuid, names.value_or(SystemNames())));
+    const SystemNames known = names.value_or(SystemNames());
+    for (const std::string& uuid : uuids) found.accounts.push_back(namedAccount(uuid, known));
     return found;
 }
 

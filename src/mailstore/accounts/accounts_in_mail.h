@@ -1,6 +1,6 @@
 // Which accounts Mail has mail of now, and what its own menus call them: the description that the user sees
 // and may change at any time in the system's settings, which need not be the account's address. Background
-// work, three short queries; any thread.
+// work, a few short queries; any thread.
 #pragma once
 
 #include <optional>

@@ -96,10 +96,15 @@ std::string exportObstacle(const ExportJob& job, const TaskHandle& task) {
         if (const auto refusal = refusalInMail(job.path, job.mailRoot)) return *refusal;
         look.beginStep();
         if (isNoPlainFile(look.files(), job.path)) return systemErrorReason(EEXIST);
-        platform::removeUnfinishedFiles(std::string(platform::parentPath(job.path)));
         const int error = platform::writeFileAtomically(look.files(), job.path, job.content).value();
         return error == 0 ? std::string() : systemErrorReason(error);
     });
+    // What killed exports left; that it is slow, or fails, is no obstacle.
+    if (obstacle == std::string())
+        looks.ask<bool>(job.path, [folder = std::string(platform::parentPath(job.path))](PlaceLook&) {
+            platform::removeUnfinishedFiles(folder);
+            return true;
+        });
     return obstacle.value_or(systemErrorReason(ETIMEDOUT));
 }
 

@@ -122,7 +122,6 @@ void LibraryListFlow::applySearch(ArchiveSearchResult found) {
     asked_.reset();
     rootsNotSearched_ = std::move(found.unreadableRoots);
     Q_EMIT searchChanged();
-    if (filters_.matchedIDs && *filters_.matchedIDs == found.ids) return;
     setMatches(std::make_shared<const SharedTextSet>(std::move(found.ids)));
 }
 

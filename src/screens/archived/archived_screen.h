@@ -58,7 +58,7 @@ class ArchivedScreen : public QObject {
     [[nodiscard]] QString totalCount() const;
     [[nodiscard]] QString totalSize() const;
 
-    // What can be freed, for the sidebar: a dash while that isn't known of now, empty without archived mail.
+    // What can be freed, for the sidebar: words for what isn't known of now, empty without archived mail.
     [[nodiscard]] QString sidebarFigure() const;
 
     [[nodiscard]] bool needsAccess() const { return model_.mail().diskAccess.needsFullDiskAccess(); }

@@ -24,7 +24,7 @@ CentredPane {
         line: pane.home.scan.failureText.length > 0 ? pane.home.scan.failureText
             : "更新后这里会按邮箱和年份列出待归档邮件，展开年份可查看文件夹。"
         buttonText: pane.hasFailed ? "再试一次" : "更新 Mail 数据"
-        secondText: "Mail 在别处…"
+        secondText: "选择别处的 Mail…"
         steps: [
             { title: "更新 Mail 数据", line: "读出每个邮箱、每一年的邮件。只读取，不改动 Mail 里的任何内容。" },
             { title: "选择归档位置，放入归档库", line: "每封邮件存成标准的 .eml 文件，写好后从磁盘重新读出核对。" },

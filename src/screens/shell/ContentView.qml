@@ -173,10 +173,15 @@ FocusScope {
                 function showPage() {
                     if (!current)
                         return;
-                    if (status !== Loader.Ready)
-                        return make(false);
-                    view.currentPage = item as ScreenPage;
-                    view.currentPage.shown();
+                    if (status === Loader.Ready) {
+                        view.currentPage = item as ScreenPage;
+                        view.currentPage.shown();
+                        return;
+                    }
+                    // What was begun ahead is let go: to hurry it would lose its properties.
+                    if (status === Loader.Loading)
+                        source = "";
+                    make(false);
                 }
             }
         }

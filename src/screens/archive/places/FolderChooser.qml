@@ -25,7 +25,7 @@ Item {
     OnDemand {
         id: own
         source: Qt.resolvedUrl("FolderSheet.qml")
-        properties: ({ picker: chooser.picker, title: chooser.title })
+        properties: ({ picker: chooser.picker, title: Qt.binding(() => chooser.title) })
     }
     // A Loader of Qt 6.4 takes no bound components.
     // qmllint disable unqualified

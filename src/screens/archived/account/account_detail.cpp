@@ -1,7 +1,9 @@
 #include "screens/archived/account/account_detail.h"
 
 #include <cstddef>
+#include <map>
 #include <optional>
+#include <string>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -33,6 +35,18 @@ void addSpans(QStringList& parts, const Years& years, const QString& text) {
     if (!years.empty()) parts += screens::yearSpans(years) + text;
 }
 
+// Years that may be cleaned and that no condition is given for.
+std::map<std::string, Years> leftOutByReason(const ArchivedOverviewGroup& group,
+                                             const ArchivedOverviewStats::Group& stats) {
+    std::map<std::string, Years> years;
+    for (std::size_t number = 0; number < group.years.size(); ++number) {
+        const ArchivedOverviewStats::Year& year = stats.years[number];
+        if (year.isCleanable && !year.isOffered())
+            years[leftOutReason(year)].push_back(group.years[number].year);
+    }
+    return years;
+}
+
 QString yearsLine(const ArchivedOverviewGroup& group, const ArchivedOverviewStats::Group& stats) {
     const auto isBlocked = [](const ArchivedOverviewStats::Year& year) {
         return (year.status == Status::incomplete && !year.awaitsProof) ||
@@ -43,13 +57,10 @@ QString yearsLine(const ArchivedOverviewGroup& group, const ArchivedOverviewStat
         return year.status == Status::pendingReview ||
                (year.status == Status::cleanable && !year.isCleanable);
     };
-    const auto isLeftOut = [](const ArchivedOverviewStats::Year& year) {
-        return year.isCleanable && !year.isOffered();
-    };
     QStringList parts;
     addSpans(parts, overviewCleanableYears(group, stats), QStringLiteral(" 年可以放心清理"));
-    addSpans(parts, yearsThat(group, stats, isLeftOut),
-             QStringLiteral(" 年按日期选会带上只在服务器上或没有扫描过的邮件，没有列入步骤"));
+    for (const auto& [reason, years] : leftOutByReason(group, stats))
+        addSpans(parts, years, QStringLiteral(" 年没有列入步骤（%1）").arg(screens::wholeText(reason)));
     addSpans(parts, yearsThat(group, stats, awaits), QStringLiteral(" 年还没有核对"));
     addSpans(parts, yearsThat(group, stats, isBlocked), QStringLiteral(" 年还有邮件没有归档"));
     addSpans(parts, yearsThat(group, stats, isPending), QStringLiteral(" 年待确认"));

@@ -63,7 +63,7 @@ ArchivedBody::ArchivedBody(CorvaneViewModel& model, QObject* parent)
         if (text_ && text_->empty()) load();
     });
     connect(&model.library().list, &LibraryListFlow::searchChanged, this, [this] {
-        if (text_) arrange();
+        if (text_ && query() != arrangedQuery_) arrange();
     });
 }
 
@@ -79,6 +79,7 @@ void ArchivedBody::load() {
     body_ = {};
     arrangeTask_.cancel();
     Q_EMIT changed();
+    Q_EMIT piecesChanged();
     if (!entry_) return;
     model_.library().bodyTexts.prepareIndexedBody(
         *entry_, [self = QPointer(this), id = entry_->id()](const std::optional<std::string>& text) {
@@ -99,11 +100,13 @@ void ArchivedBody::handleText(const std::optional<std::string>& text) {
 
 void ArchivedBody::arrange() {
     if (!text_ || text_->empty()) return;
+    arrangedQuery_ = query();
     arrangeTask_.start(TaskPriority::userInitiated,
-                       ArrangeJob{text_, {false, quotedRecipientsExpanded_}, quotedExpanded_, query()},
+                       ArrangeJob{text_, {false, quotedRecipientsExpanded_}, quotedExpanded_, arrangedQuery_},
                        &arranged, [this](ShownBody body) {
                            body_ = std::move(body);
                            Q_EMIT changed();
+                           Q_EMIT piecesChanged();
                        });
 }
 

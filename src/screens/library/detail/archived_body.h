@@ -84,6 +84,8 @@ class ArchivedBody : public QObject {
 
   Q_SIGNALS:
     void changed();
+    // After `changed`, when `pieces` are others.
+    void piecesChanged();
 
   private:
     void load();
@@ -97,6 +99,7 @@ class ArchivedBody : public QObject {
     std::optional<ArchivedEntry> entry_;
     std::shared_ptr<const std::string> text_; // null while it is being read; empty when there is none
     ShownBody body_;
+    std::string arrangedQuery_; // for which `body_` was made, or is being made
     bool quotedExpanded_ = false;
     bool quotedRecipientsExpanded_ = false;
     TaskSlot arrangeTask_;

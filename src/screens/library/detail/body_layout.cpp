@@ -27,7 +27,7 @@ void BodyLayout::setBody(ArchivedBody* body) {
     if (body_ == body) return;
     if (body_) body_->disconnect(this);
     body_ = body;
-    if (body_) connect(body_, &ArchivedBody::changed, this, &BodyLayout::layOut);
+    if (body_) connect(body_, &ArchivedBody::piecesChanged, this, &BodyLayout::layOut);
     Q_EMIT inputChanged();
 }
 
