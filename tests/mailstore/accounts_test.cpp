@@ -219,12 +219,22 @@ TEST(YearCounts, CountAPartialMessageOnceAYearAndEachRowInOneAccount) {
     for (int row = 1; row <= 3; ++row)
         store.add({.rowID = row, .messageID = 7, .date = startOf2024 + row % 2 * year, .hasFile = false});
     store.add({.rowID = 4, .mailbox = 2, .messageID = 8, .hasFile = false});
+    // In no place of a server's: Mail's search finds it.
+    store.addMailbox(url("imap", firstAccount, "Projects/Trash"), "");
+    store.addMailbox(url("imap", firstAccount, "INBOX/Trash"), "");
+    for (int mailbox : {3, 4})
+        store.add({.rowID = mailbox + 2,
+                   .mailbox = mailbox,
+                   .messageID = mailbox + 6,
+                   .date = startOf2024,
+                   .hasFile = false});
     store.close();
     for (const char* part : {"1", "2"})
         store.home.write(fmt::format("Library/Mail/V10/{}/Messages/{}.partial.emlx", inbox, part), "x");
     const auto counts = downloadsByYear(store.context, store.root, {std::string("imap://") + firstAccount});
     EXPECT_THAT(counts->partialByReceipt, ElementsAre(Pair(2024, 1), Pair(2025, 1)));
-    EXPECT_THAT(counts->aloneByReceipt, IsEmpty());
+    EXPECT_THAT(counts->aloneByReceipt, ElementsAre(Pair(2024, 1)));
+    EXPECT_THAT(counts->undownloaded, ElementsAre(Pair(2024, 1), Pair(2025, 1)));
 }
 
 TEST(AccountsAndYears, AreEmptyWithoutAnAnswer) {

@@ -28,4 +28,14 @@ bool isTrashOrJunkMailbox(std::string_view mailboxURL) {
     return !parts.empty() && trashJunkMailboxNames().contains(normalizedMailboxName(parts.back()));
 }
 
+bool isServersTrashOrJunk(std::string_view mailboxURL) {
+    if (!isTrashOrJunkMailbox(mailboxURL)) return false;
+    const std::string decoded = text::percentDecoded(mailboxURL).value_or(std::string(mailboxURL));
+    const auto parts = text::splitNonEmpty(decoded, '/');
+    // Scheme, account and name.
+    if (parts.size() <= 3) return true;
+    const std::string above = normalizedMailboxName(parts[2]);
+    return parts.size() == 4 && (above == "inbox" || above == "[gmail]" || above == "[google mail]");
+}
+
 } // namespace corvane::mailstore

@@ -18,4 +18,8 @@ std::string normalizedMailboxName(std::string_view name);
 // By the last component of the url: a folder inside the trash isn't trash.
 bool isTrashOrJunkMailbox(std::string_view mailboxURL);
 
+// One of them that lies where servers have theirs: in no other mailbox, or in "INBOX" or "[Gmail]". Of
+// another one a person may be the maker, and Mail's search finds what is in it.
+bool isServersTrashOrJunk(std::string_view mailboxURL);
+
 } // namespace corvane::mailstore

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <string_view>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 
 #include <fmt/format.h>
@@ -12,7 +13,7 @@
 #include "mailstore/folders/mailbox_url.h"
 #include "mailstore/folders/message_file_index.h"
 #include "mailstore/folders/store_location.h"
-#include "mailstore/index/excluded_mailboxes.h"
+#include "mailstore/folders/trash_junk_mailboxes.h"
 #include "mailstore/index/index_sql.h"
 #include "mailstore/sqlite/shell_queries.h"
 #include "text/case.h"
@@ -83,10 +84,13 @@ class IndexRows {
         const auto url = row.text("url");
         const auto year = row.integer("y");
         const auto receivedYear = row.integer("ry");
-        if (!rowID || !url || (!year && !receivedYear) || !isAsked(*url)) return;
+        if (!rowID || !url || (!year && !receivedYear)) return;
+        const Counts counts = countsOf(*url);
+        if (counts == Counts::none) return;
         const Copy::Part part = partOf(files_, *url, *rowID);
         const bool hasMessage = message && *message != 0;
-        if (hasMessage && year) copies_.push_back({.year = *year, .message = *message, .part = part});
+        if (hasMessage && year && counts == Counts::all)
+            copies_.push_back({.year = *year, .message = *message, .part = part});
         const std::int64_t found = receivedYear.value_or(year.value_or(0));
         if (part == Copy::Part::whole) downloads_.storedRows.push_back({*rowID, found});
         if (hasMessage)
@@ -104,6 +108,16 @@ class IndexRows {
   private:
     static constexpr std::size_t uuidLength = 36;
 
+    // Of what a mailbox counts.
+    enum class Counts { none, byReceipt, all };
+
+    Counts countsOf(std::string_view url) {
+        const auto [known, isNew] = counts_.try_emplace(std::string(url), Counts::none);
+        if (isNew && isAsked(url) && !isServersTrashOrJunk(url))
+            known->second = isTrashOrJunkMailbox(url) ? Counts::byReceipt : Counts::all;
+        return known->second;
+    }
+
     // By the part of the url that names an account: a mailbox may be named like another one.
     [[nodiscard]] bool isAsked(std::string_view url) const {
         const std::size_t scheme = url.find("://");
@@ -116,6 +130,7 @@ class IndexRows {
 
     MessageFileIndex files_;
     std::vector<std::string> accounts_; // as urls name them
+    std::unordered_map<std::string, Counts> counts_;
     std::vector<Copy> copies_;
     std::vector<Copy> byReceipt_;
     DownloadsByYear downloads_;
@@ -128,13 +143,13 @@ std::optional<DownloadsByYear> downloadsByYear(const MailStoreContext& context, 
     if (!canQueryEnvelopeIndex(context, rootPath)) return DownloadsByYear();
     const std::string index = envelopeIndexPath(rootPath);
     const std::string hasDate = fmt::format("({} > 0 OR m.date_received > 0)", messageDateExpression);
-    const auto messages = messagesWhere(hasDate, context, index, accountURLPrefixes);
-    if (!messages) return std::nullopt;
-    const std::string sql = fmt::format("SELECT m.ROWID AS rid, m.message_id AS mid, mb.url AS url,\n"
-                                        "       CASE WHEN {} > 0 THEN {} END AS y,\n       CASE WHEN "
-                                        "m.date_received > 0 THEN {} END AS ry\n{};",
-                                        messageDateExpression, localYearOf(messageDateExpression),
-                                        localYearOf("m.date_received"), *messages);
+    const std::string sql =
+        fmt::format("SELECT m.ROWID AS rid, m.message_id AS mid, mb.url AS url,\n"
+                    "       CASE WHEN {} > 0 THEN {} END AS y,\n       CASE WHEN "
+                    "m.date_received > 0 THEN {} END AS ry\n"
+                    "FROM messages m\nJOIN mailboxes mb ON mb.ROWID = m.mailbox\nWHERE {} {};",
+                    messageDateExpression, localYearOf(messageDateExpression), localYearOf("m.date_received"),
+                    hasDate, accountCondition(accountURLPrefixes));
     IndexRows rows(rootPath, accountURLPrefixes);
     if (!runJSONRows(context, sql, index, [&](JsonRow& row) { rows.add(row); })) return std::nullopt;
     return rows.result();

@@ -1,5 +1,6 @@
 // What of the mail that the index knows has files on this machine, by year: what Mail has downloaded, what it
-// holds in part, and what is on the server alone. Without trash and junk. Years are local years. Without a
+// holds in part, and what is on the server alone. Without trash and junk; by receipt without those of servers
+// alone. Years are local years. Without a
 // usable index there is none; nullopt says that the index couldn't be asked. Background work, a long query
 // and a listing of the store's folders; any thread.
 #pragma once

@@ -31,17 +31,21 @@ struct FoldersJob {
     platform::FileLayer& files;
     std::vector<std::string> roots;
     std::string content;
+    std::string mailRoot;
 };
 
 void writeToFolders(const FoldersJob& job, const TaskHandle& task) {
     PlaceLooks looks(job.platform, job.files, task.stopToken());
-    looks.askAll<bool>(job.roots, [content = job.content](PlaceLook& look, const std::string& root) {
+    looks.askAll<bool>(job.roots, [job](PlaceLook& look, const std::string& root) {
+        // Somebody else's settings may name anything as an archive.
+        if (refusalInMail(root, job.mailRoot)) return false;
+        look.beginStep();
         consoleLine(fmt::format("[HangTrace] configBackup write probe(bg) {}", root));
         struct stat status{};
         if (look.files().stat(root, status) != 0 || !S_ISDIR(status.st_mode)) return false;
         look.beginStep();
         const std::string path = platform::joinPath(root, configBackupFileName);
-        return !platform::writeFileAtomically(look.files(), path, content);
+        return !platform::writeFileAtomically(look.files(), path, job.content);
     });
     consoleLine("[HangTrace] configBackup writes done(bg)");
 }
@@ -149,7 +153,7 @@ void ConfigBackupFlow::writeConfigBackupToArchiveFolders() {
     configBackupTask_.start(TaskPriority::utility,
                             FoldersJob{context_.platform, context_.support.files(),
                                        knownLocations(context_.settings),
-                                       encodeConfigBackup(currentConfigBackup())},
+                                       encodeConfigBackup(currentConfigBackup()), context_.mailRootPath},
                             &writeToFolders);
 }
 

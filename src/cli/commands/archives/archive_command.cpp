@@ -139,7 +139,13 @@ void addArchiveCommand(CommandSet& commands) {
     CLI::App& archive = commands.add("archive", "把候选邮件归档到一个文件夹",
                                      {{{"archive --to /Volumes/归档/邮件", "归档全部候选邮件"},
                                        {"archive --to ~/邮件归档 --year 2014", "只归档 2014 年的邮件"}}});
-    archive.add_option("--to", options->destination, "归档文件夹")->required()->type_name("DIR");
+    // As a variable that wasn't set: it would be the working folder.
+    const CLI::Validator isNamed(
+        [](std::string& path) { return std::string(path.empty() ? "没有写明文件夹" : ""); }, "");
+    archive.add_option("--to", options->destination, "归档文件夹")
+        ->required()
+        ->check(isNamed)
+        ->type_name("DIR");
     archive.add_option("--account", options->accounts, "账户前缀")->allow_extra_args(false);
     archive.add_option("--year", options->years, "年份")->allow_extra_args(false);
     archive.add_option("--min-size", options->minimumBytes, "最小字节数")->check(notNegative());
