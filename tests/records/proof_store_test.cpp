@@ -88,8 +88,10 @@ TEST(ProofStore, IsMadeAnewWhereItCannotBeUsed) {
     std::fill(torn.begin() + 8192, torn.begin() + 20480, '\x7f');
     std::string ofAnotherVersion = sound;
     ofAnotherVersion[63] = 9; // user_version
+    std::string disordered = sound;
+    disordered.replace(disordered.find("/250"), 4, "/0zz"); // what is saved as /0zz would lie beside it
     for (const std::string& content :
-         {std::string("no database"), torn, sound.substr(0, 4096), ofAnotherVersion}) {
+         {std::string("no database"), torn, sound.substr(0, 4096), ofAnotherVersion, disordered}) {
         home.write(storeFile(home), content);
         EXPECT_TRUE(ProofStore(support).load()->isEmpty());
         ReadingBatch one;

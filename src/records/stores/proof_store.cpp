@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include <fcntl.h>
@@ -49,10 +50,13 @@ ALTER TABLE archived_reading ADD COLUMN changed INTEGER NOT NULL DEFAULT -1;
 PRAGMA user_version = 3;
 )";
 
+// Both in the order in which the rows lie.
 constexpr const char* selectCopies =
-    "SELECT path, size, modified, outcome, hash, body_hash, read_at, changed FROM copy_reading;";
+    "SELECT path, size, modified, outcome, hash, body_hash, read_at, changed FROM copy_reading "
+    "ORDER BY path;";
 constexpr const char* selectArchived =
-    "SELECT path, size, modified, outcome, hash, body_hash, read_at, changed, root FROM archived_reading;";
+    "SELECT path, size, modified, outcome, hash, body_hash, read_at, changed, root FROM archived_reading "
+    "ORDER BY root, path;";
 // As ReadingTable::set.
 constexpr const char* insertCopy = R"(INSERT INTO copy_reading VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)
 ON CONFLICT DO UPDATE SET size = ?2, modified = ?3, outcome = ?4, hash = ?5, read_at = ?7, changed = ?8,
@@ -141,29 +145,53 @@ int stepOnce(SqliteStatement& statement) {
     return status == SQLITE_DONE ? SQLITE_OK : status;
 }
 
+// Says of rows that are read whether each lies behind the one before. One that doesn't isn't found by its
+// key: what is saved under it would lie beside it.
+class RowOrder {
+  public:
+    bool isKeptBy(std::string_view root, std::string_view path) {
+        if (!isFirst_ && std::tie(root, path) <= std::tie(root_, path_)) return false;
+        isFirst_ = false;
+        root_ = root;
+        path_ = path;
+        return true;
+    }
+
+  private:
+    bool isFirst_ = true;
+    std::string root_;
+    std::string path_;
+};
+
 // The status with which the rows ended.
 int readCopies(sqlite3* database, ReadingTable& table) {
     SqliteStatement rows(database, selectCopies);
+    RowOrder order;
     while (rows.step()) {
+        const std::string_view path = rows.text(0).value_or("");
+        if (!order.isKeptBy("", path)) return SQLITE_CORRUPT;
         const auto reading = readingIn(rows);
-        if (reading) table.set(rows.text(0).value_or(""), *reading);
+        if (reading) table.set(path, *reading);
     }
     return rows.status();
 }
 
 int readArchived(sqlite3* database, ProofFacts& facts) {
     SqliteStatement rows(database, selectArchived);
+    RowOrder order;
     ReadingTable* table = nullptr;
     std::string root;
     while (rows.step()) {
+        const std::string_view rowRoot = rows.text(8).value_or("");
+        const std::string_view path = rows.text(0).value_or("");
+        if (!order.isKeptBy(rowRoot, path)) return SQLITE_CORRUPT;
         const auto reading = readingIn(rows);
         if (!reading) continue;
-        const std::string_view rowRoot = rows.text(8).value_or("");
         if (table == nullptr || root != rowRoot) {
             root = rowRoot;
             table = &facts.archived[root];
         }
-        table->set(rows.text(0).value_or(""), *reading);
+        table->set(path, *reading);
     }
     return rows.status();
 }
