@@ -63,7 +63,7 @@ void removeRun(const std::string& base, const std::vector<platform::DirectoryEnt
 
 } // namespace
 
-AttachmentCache::AttachmentCache(std::string temporaryFolder, const Limits& limits)
+AttachmentCache::AttachmentCache(const std::string& temporaryFolder, const Limits& limits)
   : base_(baseFolder(temporaryFolder))
   , run_(digitsOf(platform::randomUuid(), runDigits))
   , limits_(limits) {}

@@ -12,7 +12,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "archive/portable_names.h"
 #include "platform/files/file_descriptor.h"
@@ -36,10 +35,10 @@ class AttachmentCache {
         friend auto operator<=>(const Key&, const Key&) = default;
     };
 
-    explicit AttachmentCache(std::string temporaryFolder)
-      : AttachmentCache(std::move(temporaryFolder), Limits()) {}
+    explicit AttachmentCache(const std::string& temporaryFolder)
+      : AttachmentCache(temporaryFolder, Limits()) {}
 
-    AttachmentCache(std::string temporaryFolder, const Limits& limits);
+    AttachmentCache(const std::string& temporaryFolder, const Limits& limits);
 
     // The folder for the attachments of a mail. It need not exist.
     [[nodiscard]] std::string cacheFolder(std::string_view mailPath) const;

@@ -5,7 +5,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
@@ -33,7 +32,7 @@ class DerivedFile {
     [[nodiscard]] T at(std::size_t offset) const {
         static_assert(std::is_trivially_copyable_v<T>);
         T value;
-        std::memcpy(&value, bytes(offset, sizeof value).data(), sizeof value);
+        bytes(offset, sizeof value).copy(reinterpret_cast<char*>(&value), sizeof value);
         return value;
     }
 

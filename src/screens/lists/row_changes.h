@@ -59,7 +59,7 @@ void addRow(std::vector<RowRun>& runs, int row);
 // By which a key is looked up. Keys themselves are compared first as they are: texts that are shared are
 // equal at once.
 template <class Key>
-const Key& hashable(const Key& key) {
+const Key& hashable(const Key& key) { // NOLINTNEXTLINE(bugprone-return-const-ref-from-parameter): not kept
     return key;
 }
 
