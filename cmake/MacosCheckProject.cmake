@@ -20,6 +20,14 @@ foreach(language CXX OBJCXX)
         "${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/macos_check/check_symbols.py <TARGET> <OBJECTS> <LINK_LIBRARIES>")
 endforeach()
 
+# There is nothing in the objects then.
+if(CORVANE_ONLY_READ)
+    foreach(language CXX OBJCXX)
+        set(CMAKE_${language}_COMPILER_LAUNCHER ${PROJECT_SOURCE_DIR}/tools/macos_check/only_read.sh)
+        set(CMAKE_${language}_LINK_EXECUTABLE "${CMAKE_COMMAND} -E touch <TARGET>")
+    endforeach()
+endif()
+
 # What most sources of a target include is read once a target, since most of the time goes to that. That each source
 # names what it needs, the other builds and tools/check_includes.py see.
 function(precompile_more_headers)
