@@ -100,13 +100,17 @@ int main(int argc, char** argv) {
     const QStringList arguments = QCoreApplication::arguments();
     const QString mode = arguments.value(1);
     const std::string home = arguments.value(2).toStdString();
+    const auto printFirstFrame = [entry](QQuickWindow& window) {
+        bench::waitForFirstFrame(window);
+        fmt::print("{:.6f}\n", std::chrono::duration<double>(Clock::now() - entry).count());
+    };
     if (mode == QLatin1String("empty")) {
         QQmlApplicationEngine engine;
         engine.loadData("import QtQuick; Window { width: 1240; height: 840; Text { text: \"邮件\" } }");
-        bench::waitForFirstFrame(*qobject_cast<QQuickWindow*>(engine.rootObjects().first()));
-    } else {
-        useWindowFonts();
+        printFirstFrame(*qobject_cast<QQuickWindow*>(engine.rootObjects().first()));
+        return 0;
     }
+    useWindowFonts();
     const Appearance appearance(Appearance::Scheme::light);
     if (mode == QLatin1String("steps") && arguments.size() == 4) {
         fmt::print("{{{}}}\n", steps(application, home, arguments[3].toStdString()));
@@ -114,11 +118,9 @@ int main(int argc, char** argv) {
     }
     if (mode == QLatin1String("start") && arguments.size() == 3) {
         WholeWindow whole(home);
-        bench::waitForFirstFrame(whole.shown());
-    } else if (mode != QLatin1String("empty")) {
-        fmt::print(stderr, "measure_window steps HOME ARCHIVE | start HOME | empty\n");
-        return 2;
+        printFirstFrame(whole.shown());
+        return 0;
     }
-    fmt::print("{:.6f}\n", std::chrono::duration<double>(Clock::now() - entry).count());
-    return 0;
+    fmt::print(stderr, "measure_window steps HOME ARCHIVE | start HOME | empty\n");
+    return 2;
 }
