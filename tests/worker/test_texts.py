@@ -44,7 +44,7 @@ class Charsets(unittest.TestCase):
 
     def test_form_of_the_text(self):
         for data, expected in ((b"a\r\nb\rc\nd \t\ne", "a\nb\nc\nd\ne"), (b"a\0b\x07c\x7f", "abc"),
-                               ("e\u0301 \u1100\u1161".encode(), "é 가"), ("a\u00a0b".encode(), "a b"),
+                               ("e\u0301 \u1100\u1161".encode(), "é 가"), (("x" + "\u1100\u1161" * 999).encode(), "x" + "가" * 999), ("a\u00a0b".encode(), "a b"),
                                ("x \uf0f1QUOTE\uf0f1 y".encode(), "x QUOTE y"), ("\ufeffbom".encode(), "bom"),
                                ("请查收".encode("utf-8").decode("latin-1").encode("utf-8"), "请查收")):
             self.assertEqual(body(mail(part(data))), expected)

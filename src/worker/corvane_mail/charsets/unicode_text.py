@@ -36,13 +36,14 @@ def nfc(text):
     """Normal form C in linear time: endless runs of combining marks, which cost their square, are cut."""
     if text.isascii():
         return text
-    from unicodedata import normalize
+    from unicodedata import category, normalize
     if max(map(len, text.split("\n"))) <= 500:
         return normalize("NFC", text)
     pieces, start = [], 0
     while start < len(text):
         end = start + 400
-        while end < min(len(text), start + 500) and not (text[end] < "\u0300" or "\u3400" <= text[end] <= "\u9fff"):
+        # Marks, and vowels and finals of Hangul, are composed with what stands in front of them.
+        while end < min(len(text), start + 500) and (category(text[end])[0] == "M" or "\u1160" <= text[end] <= "\u11ff"):
             end += 1
         pieces.append(normalize("NFC", text[start:end]))
         start = end
