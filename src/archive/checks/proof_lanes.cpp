@@ -87,7 +87,7 @@ std::vector<ProofReadResult> ProofLanes::read(std::vector<ProofRead> reads, cons
         if (share->hasHung) hungPlaces_.insert(share->reads.front().root);
         const std::size_t done = share->done.load(std::memory_order_acquire);
         for (std::size_t position = 0; position < share->results.size(); ++position)
-            results.push_back(position < done ? std::move(share->results[position]) : ProofReadResult());
+            results.push_back(position < done ? share->results[position] : ProofReadResult());
     }
     return results;
 }

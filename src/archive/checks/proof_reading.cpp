@@ -93,7 +93,7 @@ std::optional<std::string> ArchivedFileReader::content(const std::string& path,
     bool isTooLarge = false;
     const bool wasRead = readUncached(files_, path, BeforeReading::nothing, [&](std::string_view piece) {
         if (onProgress) onProgress();
-        isTooLarge = static_cast<std::int64_t>(bytes.size() + piece.size()) > largestMailBytes;
+        isTooLarge = std::cmp_greater(bytes.size() + piece.size(), largestMailBytes);
         bytes += piece;
         return !isTooLarge;
     });
