@@ -1,10 +1,13 @@
 #include "cli/command_line.h"
 
+#include <algorithm>
 #include <exception>
+#include <span>
 #include <sstream>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -34,6 +37,22 @@ std::string inWordsForUsers(const std::system_error& error) {
     return text.replace(text.size() - reason.size(), reason.size(), systemErrorReason(error.code().value()));
 }
 
+// Last first, as the parser reads them. It gives an option that ends in "=" the next argument, so an empty
+// value becomes an argument of its own.
+std::vector<std::string> reversedArguments(int argc, char** argv) {
+    std::vector<std::string> arguments;
+    bool mayBeOption = true;
+    for (const std::string_view argument : std::span(argv, static_cast<std::size_t>(argc)).subspan(1)) {
+        mayBeOption = mayBeOption && argument != "--";
+        const bool lacksValue =
+            mayBeOption && argument.starts_with("--") && argument.find('=') == argument.size() - 1;
+        arguments.emplace_back(lacksValue ? argument.substr(0, argument.size() - 1) : argument);
+        if (lacksValue) arguments.emplace_back();
+    }
+    std::ranges::reverse(arguments);
+    return arguments;
+}
+
 class CommandLine {
   public:
     CommandLine()
@@ -47,7 +66,7 @@ class CommandLine {
         // For the build, which installs what is printed.
         if (argc == 3 && argv[1] == std::string_view("--print")) return print(argv[2]);
         try {
-            parser_.parse(argc, argv);
+            parser_.parse(reversedArguments(argc, argv));
         } catch (const CLI::CallForHelp&) {
             printRaw(parser_.help());
             return done;
