@@ -100,6 +100,13 @@ std::string_view graphemePrefixWithinBytes(std::string_view text, std::size_t by
     return text.substr(0, clusterPrefix(text, unlimited, bytes).bytes);
 }
 
+bool beginsWithMark(std::string_view text) noexcept {
+    if (text.empty() || isAscii(text.substr(0, 1))) return false;
+    std::size_t at = 0;
+    const UChar32 first = nextScalar(text, at);
+    return first >= 0 && u_hasBinaryProperty(first, UCHAR_GRAPHEME_EXTEND) != 0;
+}
+
 std::size_t displayWidth(std::string_view text) {
     std::size_t width = 0;
     for (std::size_t at = 0; at < text.size();) width += columnsOf(nextScalar(text, at));

@@ -17,6 +17,10 @@ std::string_view graphemeSuffix(std::string_view text, std::size_t count);
 // The longest prefix of whole clusters that has at most `bytes` bytes.
 std::string_view graphemePrefixWithinBytes(std::string_view text, std::size_t bytes);
 
+// Whether the text begins with what belongs to the character before it, such as an accent or the frame of a
+// keycap.
+bool beginsWithMark(std::string_view text) noexcept;
+
 // Columns of a terminal that the text takes: two for a wide character (East Asian Width W and F), none for a
 // mark.
 std::size_t displayWidth(std::string_view text);

@@ -27,6 +27,7 @@ TEST(SubjectKeys, StripPrefixesAndMakeShortNumbersAlike) {
         {"单号 12345678", "单号 #"},
         {"单号 123456789", "单号 123456789"},
         {"１２ 3", "１２ #"},
+        {"3 1\uFE0F\u20E3 12\u20E3", "# 1\uFE0F\u20E3 #2\u20E3"}, // keycaps
         {"", "∅id"},
         {" \u3000", "∅id"},
         {"RE: 转发：", "∅id"},

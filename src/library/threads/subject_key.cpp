@@ -6,6 +6,7 @@
 
 #include "text/case.h"
 #include "text/charsets/ascii.h"
+#include "text/graphemes.h"
 #include "text/trim.h"
 
 namespace corvane {
@@ -31,6 +32,15 @@ std::string_view withoutReplyPrefixes(std::string_view subject) {
     }
 }
 
+// The end of the number that begins at `start`. A digit with a mark on it, as in the emoji of a keycap,
+// belongs to none.
+std::size_t endOfNumber(std::string_view text, std::size_t start) {
+    std::size_t end = start;
+    while (end < text.size() && text::isAsciiDigit(text[end])) ++end;
+    if (end > start && text::beginsWithMark(text.substr(end))) --end;
+    return end;
+}
+
 } // namespace
 
 std::string fuzzeSubjectNumbers(std::string_view text) {
@@ -38,7 +48,7 @@ std::string fuzzeSubjectNumbers(std::string_view text) {
     fuzzed.reserve(text.size());
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t start = at;
-        while (at < text.size() && text::isAsciiDigit(text[at])) ++at;
+        at = endOfNumber(text, start);
         if (at - start > longestFuzzedNumber) {
             fuzzed.append(text.substr(start, at - start));
         } else if (at > start) {
