@@ -25,7 +25,7 @@ struct FoundByMail {
     AccountsInMail inMail;      // all that Mail has at that moment, the ones below among them
 
     // By account and year of receipt.
-    CountByAccountAndYear serverAlone; // messages of which nothing is on this machine
+    CountByAccountAndYear serverAlone; // messages of which a copy isn't on this machine
     CountByAccountAndYear partial;     // of which Mail holds a part
     CountByAccountAndYear unlisted;    // that are here, and that the list doesn't have
 

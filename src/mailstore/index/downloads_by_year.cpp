@@ -52,8 +52,9 @@ void countUndownloaded(std::vector<Copy> copies, DownloadsByYear& downloads) {
     }
 }
 
-// The same by the year of receipt, where a copy of another year keeps a message from being the server's
-// alone.
+// The same by the year of receipt, where a part of a message in any year makes all of its years partial. A
+// whole copy stands for none of the others: what the server has under the same id may be another text, such
+// as that of a mailing list.
 void countByReceipt(std::vector<Copy> copies, DownloadsByYear& downloads) {
     std::ranges::sort(copies, {},
                       [](const Copy& copy) { return std::tuple(copy.message, copy.year, copy.part); });
@@ -62,8 +63,10 @@ void countByReceipt(std::vector<Copy> copies, DownloadsByYear& downloads) {
                                       [&](const Copy& copy) { return copy.message != first->message; });
         const Copy::Part most = std::ranges::min(std::ranges::subrange(first, end), {}, &Copy::part).part;
         auto& years = most == Copy::Part::some ? downloads.partialByReceipt : downloads.aloneByReceipt;
-        for (auto copy = first; copy != end && most != Copy::Part::whole; ++copy) {
-            if (copy == first || std::prev(copy)->year != copy->year) ++years[copy->year];
+        for (auto copy = first; copy != end; ++copy) {
+            const auto next = std::next(copy);
+            const bool isLastOfYear = next == end || next->year != copy->year;
+            if (isLastOfYear && copy->part != Copy::Part::whole) ++years[copy->year];
         }
         first = end;
     }

@@ -29,8 +29,9 @@ struct DownloadsByYear {
     // Those of them that Mail holds in part (their first parts are on this machine, their attachments aren't)
     // or that lie in a folder that nobody can look into: neither is known to be on the server alone.
     YearCounts partial;
-    // By the year of receipt: messages of which nothing is on this machine, and the partial ones. Here mail
-    // counts that has no message id as well.
+    // By the year of receipt: messages of which a copy isn't on this machine, and the partial ones. Here mail
+    // counts that has no message id as well, and a copy whatever other copies are here: no one knows whether
+    // it is the same mail.
     YearCounts aloneByReceipt;
     YearCounts partialByReceipt;
     std::vector<StoredRow> storedRows;
