@@ -121,6 +121,11 @@ std::shared_ptr<const SharedTextSet> troubledIDs(const AvailabilityJob& job,
                                                  const AvailabilityResult& result) {
     SharedTextSet troubled = *result.setAsideIDs;
     for (const auto& [id, verdict] : result.proofs->against) troubled.insert(id);
+    for (const auto* ids : {result.proofs->unmatchedIDs.get(), result.ambiguousIDs.get()}) {
+        for (const SharedText& id : *ids) {
+            if (!result.archivedMessageIDs->contains(id)) troubled.insert(id);
+        }
+    }
     const SharedTextSet& failedPaths = *job.inputs.failedPaths;
     if (!failedPaths.empty()) {
         for (const MailMessageRecord& message : *job.set->messages) {

@@ -48,8 +48,8 @@ struct AvailabilityResult {
     // Those, and the ones that are recorded while their files can't be read whole: no candidates, and not
     // archived.
     std::shared_ptr<const SharedTextSet> withheldIDs = std::make_shared<const SharedTextSet>();
-    // The messages with a reason why they don't count as archived: what a proof has found, the last run's
-    // failures, and what was set aside.
+    // The messages with a reason why they don't count as archived: what a proof has found or has
+    // still to find out, the last run's failures, and what was set aside.
     std::shared_ptr<const SharedTextSet> troubledIDs = std::make_shared<const SharedTextSet>();
     std::shared_ptr<const SharedTextSet> archivedBaseIDs = std::make_shared<const SharedTextSet>();
     std::vector<YearStat> localYearStats;

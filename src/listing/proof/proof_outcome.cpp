@@ -237,6 +237,17 @@ ProofVerdict proofVerdict(std::span<const ProofCopy> copies, std::span<const Pro
     return gravest;
 }
 
+bool lacksRecord(std::span<const ProofCopy> copies, std::span<const ProofFile> files) {
+    const std::vector<KnownFile> known = knownFiles(files);
+    return std::ranges::any_of(copies, [&](const ProofCopy& copy) {
+        const FileReading* const reading = copy.reading;
+        if (!mayBeAsRead(reading, copy.stamp) || reading->outcome != Outcome::complete) return false;
+        const auto isOther = [&](const KnownFile& file) { return file.hash && *file.hash != reading->hash; };
+        return std::ranges::all_of(known, isOther) &&
+               counterpartOf(*reading, known).counterpart == Counterpart::notLookedAt;
+    });
+}
+
 WantedReadings wantedReadings(std::span<const ProofCopy> copies, std::span<const ProofFile> files) {
     const std::vector<KnownFile> known = knownFiles(files);
     WantedReadings wanted;

@@ -75,6 +75,10 @@ struct ProofVerdict {
 // Of a message with copies and records; `notLookedAt` where there are none of either.
 ProofVerdict proofVerdict(std::span<const ProofCopy> copies, std::span<const ProofFile> files);
 
+// Whether a copy that was read has bytes of which no record tells, though nobody has compared the bodies: a
+// file with its body may be there, or was taken out of the archive.
+bool lacksRecord(std::span<const ProofCopy> copies, std::span<const ProofFile> files);
+
 // What has to be read next to come nearer to a verdict, as positions. Copies come first: when there are any,
 // no file is named, since which files are needed depends on them. Empty when reading can't change anything.
 struct WantedReadings {

@@ -22,6 +22,7 @@ struct Chunk {
 };
 
 bool isUnmatched(const MailMessageRecord& message, const ProofSubject& subject) {
+    if (lacksRecord(subject.copies, subject.files)) return true;
     if (message.messageIdentifier && !message.messageIdentifier->empty()) return false;
     const auto wasRead = [](const auto& file) { return file.reading != nullptr; };
     if (std::ranges::all_of(subject.copies, wasRead)) return false;

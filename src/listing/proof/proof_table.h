@@ -22,8 +22,9 @@ struct ProofTable {
     std::shared_ptr<const SharedTextSet> provenIDs = std::make_shared<const SharedTextSet>();
     // By message id, those of which something is known against them.
     std::unordered_map<SharedText, ProofVerdict, TextHash, TextEqual> against;
-    // Message ids of mail without a Message-ID of which a copy was never read, while several archived files
-    // have its header: it may have come since, and be in no archive. Never null.
+    // Message ids of mail that may be in no archive though one has its id: a copy that was read has the bytes
+    // of no record; or, without a Message-ID, a copy was never read while several archived files have its
+    // header, and it may have come since. Never null.
     std::shared_ptr<const SharedTextSet> unmatchedIDs = std::make_shared<const SharedTextSet>();
     // Of `inputs.entries`; null while nothing was looked up in them.
     SharedArchivedRecords records;

@@ -55,7 +55,8 @@ MessageTrouble proofTrouble(const ProofVerdict& verdict) {
 MessageTroubles MessageTroubles::known(CorvaneViewModel& model) {
     const MessageCatalog& catalog = model.mail().catalog;
     return {catalog.availability().proofs, catalog.availability().setAsideIDs,
-            model.archiving().lastFailures.reasons(), catalog.archivedMessageIDs()};
+            model.archiving().lastFailures.reasons(), catalog.archivedMessageIDs(),
+            catalog.availability().ambiguousIDs};
 }
 
 MessageTrouble MessageTroubles::of(const MailMessageRecord& message) const {
@@ -76,7 +77,15 @@ MessageTrouble MessageTroubles::of(const MailMessageRecord& message) const {
     }
     const ProofVerdict* const verdict =
         proofs->against.empty() ? nullptr : proofs->verdictAgainst(message.id);
-    return verdict == nullptr ? MessageTrouble() : proofTrouble(*verdict);
+    if (verdict != nullptr) return proofTrouble(*verdict);
+    const bool mayBeArchived =
+        proofs->unmatchedIDs->contains(message.id) || ambiguousIDs->contains(message.id);
+    if (mayBeArchived && !archivedIDs->contains(message.id)) {
+        return {QStringLiteral("triangle-alert"), QStringLiteral("attention"), QStringLiteral("还没有核对"),
+                QStringLiteral("归档里有编号或标题相同的邮件，还不能确定其中有这一封的内容，已列入未归档。"
+                               "核对一次，或再归档一次即可。")};
+    }
+    return {};
 }
 
 namespace screens {

@@ -35,6 +35,8 @@ struct MessageTroubles {
     std::shared_ptr<const SharedTextSet> setAsideIDs = std::make_shared<const SharedTextSet>();
     std::shared_ptr<const FailureReasons> failures = std::make_shared<const FailureReasons>();
     std::shared_ptr<const SharedTextSet> archivedIDs = std::make_shared<const SharedTextSet>();
+    // Of messages that share the id of archived mail with others.
+    std::shared_ptr<const SharedTextSet> ambiguousIDs = std::make_shared<const SharedTextSet>();
 
     static MessageTroubles known(CorvaneViewModel& model);
 
