@@ -103,14 +103,15 @@ class OverviewCounter {
 
   private:
     [[nodiscard]] ArchivedOverviewStats::Year count(const ArchivedOverviewGroup& group, const YearGroup& year,
-                                                    const MailAccountKeys& namesakes) const;
-    // Adds what would be freed if the year may be cleaned.
-    [[nodiscard]] FolderPresence count(const FolderRow& folder, ArchivedOverviewStats::Year& year) const;
+                                                    const MailNames& names) const;
+    // Adds what would be freed if the year may be cleaned: nothing of accounts that the steps don't name.
+    [[nodiscard]] FolderPresence count(const FolderRow& folder, const MailAccountKeys& unnamed,
+                                       ArchivedOverviewStats::Year& year) const;
     [[nodiscard]] Status statusOf(const FolderPresence& presence, const ArchivedOverviewGroup& group,
                                   std::int64_t year) const;
     // What the search for the year's mail would find that may not be deleted.
     [[nodiscard]] ArchivedOverviewStats::FoundBesides
-    besides(const ArchivedOverviewGroup& group, std::int64_t year, const MailAccountKeys& namesakes) const;
+    besides(const ArchivedOverviewGroup& group, std::int64_t year, const MailNames& names) const;
     // All mail that the group's accounts have of the year is known to be archived.
     [[nodiscard]] bool isArchived(const ArchivedOverviewGroup& group, std::int64_t year) const;
 
@@ -118,14 +119,17 @@ class OverviewCounter {
     const ArchivedOverviewFacts& facts_;
 };
 
-FolderPresence OverviewCounter::count(const FolderRow& folder, ArchivedOverviewStats::Year& year) const {
+FolderPresence OverviewCounter::count(const FolderRow& folder, const MailAccountKeys& unnamed,
+                                      ArchivedOverviewStats::Year& year) const {
     FolderPresence counts;
     for (const EntryPosition position : folder.entries) {
-        const std::int64_t bytes = countedBytes(index_.entry(position).record);
+        const ArchivedEmailRecord& record = index_.entry(position).record;
+        const std::int64_t bytes = countedBytes(record);
         switch (facts_.presence(position)) {
         case ArchivedOriginalPresenceStatus::present:
             counts.present += 1;
             if (facts_.isProven(position)) {
+                if (record.accountIdentifier && unnamed.contains(record.accountIdentifier->view())) break;
                 (facts_.freesRoom(position) ? year.freeable : year.repeated).add(bytes);
             } else {
                 counts.unproven += 1;
@@ -174,10 +178,10 @@ bool OverviewCounter::isArchived(const ArchivedOverviewGroup& group, std::int64_
 }
 
 ArchivedOverviewStats::Year OverviewCounter::count(const ArchivedOverviewGroup& group, const YearGroup& year,
-                                                   const MailAccountKeys& namesakes) const {
+                                                   const MailNames& names) const {
     ArchivedOverviewStats::Year stats;
     for (const FolderRow& folder : year.folders) {
-        const FolderPresence presence = count(folder, stats);
+        const FolderPresence presence = count(folder, names.unnamed, stats);
         const Status status = statusOf(presence, group, year.year);
         stats.folders.push_back({.status = status,
                                  .awaitsProof = status == Status::incomplete && isArchived(group, year.year),
@@ -193,7 +197,7 @@ ArchivedOverviewStats::Year OverviewCounter::count(const ArchivedOverviewGroup& 
                             return folder.status == Status::cleanable;
                         });
     if (stats.isCleanable)
-        stats.besides = besides(group, year.year, namesakes);
+        stats.besides = besides(group, year.year, names);
     else
         stats.freeable = stats.repeated = {};
     return stats;
@@ -201,16 +205,16 @@ ArchivedOverviewStats::Year OverviewCounter::count(const ArchivedOverviewGroup& 
 
 ArchivedOverviewStats::FoundBesides OverviewCounter::besides(const ArchivedOverviewGroup& group,
                                                              std::int64_t year,
-                                                             const MailAccountKeys& namesakes) const {
+                                                             const MailNames& names) const {
     ArchivedOverviewStats::FoundBesides found;
     found.serverAlone = countIn(facts_.serverAloneByReceipt, group.mailAccounts, year);
     found.unlisted = countIn(facts_.unlistedByReceipt, group.mailAccounts, year);
     for (const auto* counts : {&facts_.unbackedYearCounts, &facts_.unprovenYearCounts,
                                &facts_.serverAloneByReceipt, &facts_.unlistedByReceipt})
-        found.ofNamesakes += countIn(*counts, namesakes, year);
+        found.ofNamesakes += countIn(*counts, names.namesakes, year);
     found.newNamesakes = std::ranges::count_if(
-        facts_.unscannedAccounts, [&](const std::string& key) { return namesakes.contains(key); });
-    found.areNamesUnknown = !facts_.inMail.areNamesKnown;
+        facts_.unscannedAccounts, [&](const std::string& key) { return names.namesakes.contains(key); });
+    found.areNamesUnknown = !facts_.inMail.areNamesKnown || names.isNameUnknown;
     return found;
 }
 
@@ -219,13 +223,13 @@ ArchivedOverviewStats::Group OverviewCounter::count(const ArchivedOverviewGroup&
     stats.undownloaded = countInAllYears(facts_.undownloadedYearCounts, group.mailAccounts);
     MailNames names = mailNamesOf({group.key, group.title}, group.mailAccounts,
                                   index_.input().availableAccounts, facts_.inMail.accounts);
-    stats.mailNames = std::move(names.names);
     for (const YearGroup& year : group.years) {
-        stats.years.push_back(count(group, year, names.namesakes));
+        stats.years.push_back(count(group, year, names));
         stats.freeable += stats.years.back().freeable;
         stats.removed += stats.years.back().removed;
         stats.unknown += stats.years.back().unknown;
     }
+    stats.mailNames = std::move(names.names);
     return stats;
 }
 
