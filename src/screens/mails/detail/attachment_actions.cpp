@@ -34,17 +34,24 @@ struct SizeJob {
     std::vector<MailAttachment> attachments;
 };
 
-std::vector<AttachmentPlace> placesOf(const LookJob& job, const TaskHandle& task) {
+struct Looked {
     std::vector<AttachmentPlace> places;
+    bool isWhole = true; // false: nobody answered in time, which says of no attachment that it isn't there
+};
+
+Looked placesOf(const LookJob& job, const TaskHandle& task) {
+    Looked looked;
+    std::vector<AttachmentPlace>& places = looked.places;
     for (const MailAttachment& attachment : job.attachments) {
         if (task.isCancelled()) break;
         const auto place = placeOf(attachment, task.stopToken());
         // Its neighbours lie in the same place.
+        looked.isWhole = place.has_value();
         if (!place) break;
         places.push_back(*place);
     }
     if (!task.isCancelled()) places.resize(job.attachments.size());
-    return places;
+    return looked;
 }
 
 } // namespace
@@ -84,8 +91,10 @@ void AttachmentActions::look() {
     sizeTask_.cancel();
     sizeDelay_.stop();
     lookTask_.start(TaskPriority::userInitiated, LookJob{list_.attachments()}, &placesOf,
-                    [this](const std::vector<AttachmentPlace>& places) {
-                        list_.setPlaces(places);
+                    [this](const Looked& looked) {
+                        list_.setPlaces(looked.places);
+                        if (!looked.isWhole)
+                            Q_EMIT said(QStringLiteral("附件所在的位置没有响应，没能查看附件在不在。"));
                         if (list_.lacksSizes()) sizeDelay_.start();
                     });
 }
@@ -110,8 +119,9 @@ AttachmentActions::Copied AttachmentActions::copyOf(const CopyJob& job, const Ta
                            job.folder.empty() ? copied.temporary->path() : job.folder, task.stopToken());
         copied.isDocument = platform::isDocumentFile(copied.path);
         if (copied.place.empty()) copied.place = copied.path;
-    } catch (const std::system_error&) {
+    } catch (const std::system_error& error) {
         copied.path.clear();
+        if (error.code() == std::errc::timed_out) copied.failure = "附件所在的位置没有响应，请稍后再试。";
     } catch (const std::exception& error) {
         copied.failure = error.what();
     }
