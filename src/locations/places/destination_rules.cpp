@@ -60,8 +60,12 @@ std::optional<std::string> refusalInMail(const std::string& path, const std::str
                        platform::lastPathComponent(path));
 }
 
-std::optional<std::string> refusalOfArchive(const std::string& path, const std::string& mailRoot) {
+std::optional<std::string> refusalOfArchive(const std::string& path, const std::string& mailRoot,
+                                            const std::string& ownFolder) {
     if (auto inMail = refusalInMail(path, mailRoot)) return inMail;
+    if (!ownFolder.empty() && liesIn(path, ownFolder))
+        return fmt::format("“{}”在 Corvane 自己的数据文件夹里，那里的文件随时可能被重建。请选择别的位置。",
+                           platform::lastPathComponent(path));
     const std::string around = archiveAbove(resolvedSoFar(path));
     if (around.empty()) return std::nullopt;
     return fmt::format("“{}”在另一个归档“{}”里面，两个归档不能套在一起。请选择别的位置。",

@@ -10,8 +10,9 @@ namespace corvane {
 // where it doesn't. A path that isn't there yet is judged by the nearest folder above it that is.
 std::optional<std::string> refusalInMail(const std::string& path, const std::string& mailRoot);
 
-// Why no archive may be begun or continued at the path, for the user: as above, and inside of another
-// archive.
-std::optional<std::string> refusalOfArchive(const std::string& path, const std::string& mailRoot);
+// Why no archive may be begun or continued at the path, for the user: as above, inside of another archive,
+// and in `ownFolder`, which is the program's.
+std::optional<std::string> refusalOfArchive(const std::string& path, const std::string& mailRoot,
+                                            const std::string& ownFolder);
 
 } // namespace corvane

@@ -27,6 +27,7 @@ struct RunJob {
     const platform::Platform& platform;
     platform::FileLayer& files;
     std::string mailRoot;
+    std::string ownFolder;
 };
 
 struct EndedRun {
@@ -65,8 +66,8 @@ std::optional<std::string> refusal(const RunJob& job, const std::stop_token& sto
     using Answer = std::optional<std::string>;
     PlaceLooks looks(job.platform, job.files, stop);
     return looks
-        .ask<Answer>(job.destination, [place = job.destination, mailRoot = job.mailRoot](
-                                          PlaceLook&) { return refusalOfArchive(place, mailRoot); })
+        .ask<Answer>(job.destination, [place = job.destination, mailRoot = job.mailRoot, own = job.ownFolder](
+                                          PlaceLook&) { return refusalOfArchive(place, mailRoot, own); })
         .value_or(std::nullopt);
 }
 
@@ -146,7 +147,7 @@ void ArchiveRunFlow::archiveSelectedEmails(SharedMessageList candidates, Archive
     runTask_.startReporting<EmailArchiveProgress>(
         TaskPriority::userInitiated,
         RunJob{std::move(candidates), std::move(selection), *destination, context_.platform,
-               context_.support.files(), context_.mailRootPath},
+               context_.support.files(), context_.mailRootPath, context_.support.baseDirectory(false)},
         &runArchive, [this](EmailArchiveProgress progress) { setProgress(std::move(progress)); },
         [this, root = *destination](EndedRun ended) {
             finishRun(std::move(ended.outcome), root, ended.signature, ended.readings);
