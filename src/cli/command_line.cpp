@@ -70,6 +70,9 @@ class CommandLine {
         } catch (const CLI::CallForHelp&) {
             printRaw(parser_.help());
             return done;
+        } catch (const CLI::CallForVersion& version) {
+            printText(version.what());
+            return done;
         } catch (const CLI::ParseError& error) {
             messageLine(usageError(error, parser_));
             return wrongUsage;

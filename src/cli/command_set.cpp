@@ -15,6 +15,7 @@ namespace corvane::cli {
 CommandSet::CommandSet(CLI::App& parser)
   : parser_(parser) {
     parser_.set_help_flag("-h,--help", "显示帮助");
+    parser_.set_version_flag("--version", "Corvane " CORVANE_VERSION, "显示版本");
     parser_.require_subcommand(1);
     parser_.fallthrough();
     parser_.add_option("--home", common_.home, "本次运行使用的用户主目录")->check(existingFolder());

@@ -2,9 +2,14 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
@@ -56,6 +61,21 @@ SharedLibraryIndex loadLibraryIndex(Session& session) {
     flow.rebuildLibraryIndexIfNeeded();
     session.waitUntilIdle();
     return flow.index();
+}
+
+void requireKnown(const ArchiveLibraryIndex& index, const LibraryFilterOptions& options) {
+    const auto require = [](const std::optional<std::string>& asked, const std::set<std::string>& known,
+                            std::string_view what) {
+        if (!asked || asked->empty() || known.contains(*asked)) return;
+        throw CommandFailure(
+            fmt::format("归档里没有这个{}：{}。有的是：{}", what, *asked, fmt::join(known, "、")));
+    };
+    std::set<std::string> accounts;
+    for (const LibraryAccountFilterOption& option : index.accountOptions()) accounts.insert(option.key);
+    require(options.account, accounts, "账户");
+    std::set<std::string> mailboxes;
+    for (const ArchivedEntry& entry : index.entries()) mailboxes.insert(entry.record.mailbox.str());
+    require(options.mailbox, mailboxes, "邮箱");
 }
 
 LibraryFilters libraryFilters(Session& session, const LibraryFilterOptions& options) {

@@ -27,6 +27,10 @@ struct LibraryFilterOptions {
 // Makes a live load of the library, and its index.
 SharedLibraryIndex loadLibraryIndex(Session& session);
 
+// Throws CommandFailure, with the known ones, for an account or a mailbox that no archived mail is of: an
+// empty list would look as if there were no mail in it.
+void requireKnown(const ArchiveLibraryIndex& index, const LibraryFilterOptions& options);
+
 // The filters of these options, after a search where they have a query. The library must be loaded. Archives
 // that couldn't be searched are named on standard error.
 LibraryFilters libraryFilters(Session& session, const LibraryFilterOptions& options);

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "cli/proving.h"
+#include "cli/unreadable_archives.h"
 #include "model/library/overview/overview_state.h"
 #include "records/logs/console_log.h"
 
@@ -37,6 +38,7 @@ void compareWithMail(Session& session) {
 
 SharedOverview loadOverview(Session& session, OriginalsCheck check) {
     loadMailAndLibrary(session);
+    tellUnreadableArchives(session);
     CorvaneViewModel& model = session.model();
     model.library().presence.refreshArchivedOriginalPresenceIfNeeded(false);
     session.waitUntilIdle();

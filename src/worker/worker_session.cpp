@@ -13,6 +13,7 @@
 #include "platform/processes/child_process.h"
 #include "platform/processes/timed_pipe.h"
 #include "records/json/json_writer.h"
+#include "records/texts/error_reasons.h"
 #include "worker/worker_error.h"
 #include "worker/worker_forms.h"
 
@@ -103,7 +104,8 @@ class MailWorkerClient::Session::Process {
         try {
             outcome = platform::receiveSome(output_.get(), received_, nextDeadline(), stop);
         } catch (const std::system_error& error) {
-            throw WorkerError(Kind::invalidResponse, "读取 worker 输出失败：" + error.code().message());
+            throw WorkerError(Kind::invalidResponse,
+                              "读取 worker 输出失败：" + systemErrorReason(error.code().value()));
         }
         requireInTime(outcome);
         if (outcome == PipeOutcome::ended) throw WorkerError(Kind::invalidResponse, "worker 没有返回数据");

@@ -142,6 +142,8 @@ void print(const LibraryList& list, const LibraryCommandOptions& options, bool j
 
 int runLibrary(Session& session, const LibraryCommandOptions& options, bool json) {
     LibraryListInputs inputs{.index = loadLibraryIndex(session)};
+    // For a script an empty list says the same.
+    if (!json) requireKnown(*inputs.index, options.filters);
     inputs.filters = libraryFilters(session, options.filters);
     if (options.ascending) inputs.order = LibraryOrder::oldestFirst;
     print(*LibraryList::make(std::move(inputs)), options, json);

@@ -132,7 +132,8 @@ void addSearchCommand(CommandSet& commands) {
                      {{{"search 合同 --limit 20", "提到合同的邮件中最新的 20 封"},
                        {"search --json --details \"annual report\"", "找到的邮件，给脚本用"}}});
     search.add_option("text", options->text, "要找的文字")->required();
-    search.add_option("--limit", options->limit, "最多几封，新邮件在前")->check(notNegative());
+    search.add_option("--limit", options->limit, "最多几封，新邮件在前；0 是一封也不列")
+        ->check(notNegative());
     search.add_flag("--details", options->withDetails, "JSON 中给出编号、日期、发件人、主题和正文片段");
     commands.setRun(search,
                     [options](Session& session, bool json) { return runSearch(session, *options, json); });

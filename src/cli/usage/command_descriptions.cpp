@@ -8,7 +8,8 @@ namespace corvane::cli {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, std::string_view>, 7> valueWords{{{"TEXT", "文字"},
+constexpr std::array<std::pair<std::string_view, std::string_view>, 8> valueWords{{{"TEXT", "文字"},
+                                                                                   {"YEAR", "年份"},
                                                                                    {"INT", "数字"},
                                                                                    {"UINT", "数字"},
                                                                                    {"ENUM", "名称"},

@@ -1,7 +1,6 @@
 #include "records/texts/error_reasons.h"
 
 #include <cerrno>
-#include <system_error>
 
 #include <fmt/format.h>
 
@@ -38,8 +37,32 @@ std::string systemErrorReason(int errorNumber) {
         return "文件过大";
     case EIO:
         return "磁盘读写出错";
+    case EMFILE:
+    case ENFILE:
+        return "打开的文件太多";
+    case EINVAL:
+    case ENOTSUP:
+        return "这个位置不支持这样的操作";
+    case EILSEQ:
+        return "名称含有这个磁盘不接受的字符";
+    case ENOMEM:
+        return "内存不足";
+    case ESTALE:
+    case ENOTCONN:
+    case EHOSTDOWN:
+    case ENETDOWN:
+    case EHOSTUNREACH:
+    case ENETUNREACH:
+        return "网络位置已断开";
+    case ENOTEMPTY:
+        return "文件夹不是空的";
+    case EXDEV:
+        return "两个位置不在同一个磁盘上";
+    case EPIPE:
+    case ECONNRESET:
+        return "对方已经关闭";
     default:
-        return fmt::format("系统错误（{}）", std::generic_category().message(errorNumber));
+        return fmt::format("系统错误 {}", errorNumber);
     }
 }
 

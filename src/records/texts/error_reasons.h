@@ -6,7 +6,7 @@
 namespace corvane {
 
 // The reason for an errno of a file operation, as a part of a sentence without a full stop; one that users
-// don't meet gets the system's own text.
+// don't meet is told by its number.
 std::string systemErrorReason(int errorNumber);
 
 } // namespace corvane

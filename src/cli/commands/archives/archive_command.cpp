@@ -141,7 +141,12 @@ void addArchiveCommand(CommandSet& commands) {
                                        {"archive --to ~/邮件归档 --year 2014", "只归档 2014 年的邮件"}}});
     // As a variable that wasn't set: it would be the working folder.
     const CLI::Validator isNamed(
-        [](std::string& path) { return std::string(path.empty() ? "没有写明文件夹" : ""); }, "");
+        [](std::string& path) {
+            if (path.empty()) return std::string("没有写明文件夹");
+            const bool isQuotedHome = path == "~" || path.starts_with("~/");
+            return std::string(isQuotedHome ? "引号里的“~”不代表主文件夹，请写出完整的路径" : "");
+        },
+        "");
     archive.add_option("--to", options->destination, "归档文件夹")
         ->required()
         ->check(isNamed)

@@ -15,6 +15,7 @@
 #include "cli/console/text_table.h"
 #include "cli/exit_status.h"
 #include "cli/proving.h"
+#include "cli/unreadable_archives.h"
 #include "listing/proof/outcome_titles.h"
 #include "records/logs/console_log.h"
 
@@ -138,9 +139,10 @@ int runProve(Session& session, const ProveOptions& options, bool json) {
     else
         printReadable(answer, away);
     const bool hasLooked = std::ranges::any_of(answer.counts, [](std::int64_t count) { return count > 0; });
+    const bool isAnyUnreadable = tellUnreadableArchives(session);
     const NothingToProve nothing = hasLooked ? NothingToProve() : nothingToProve(session.model());
-    if (!hasLooked && !wasInterrupted()) messageLine(nothing.reason);
-    return statusOfProof(answer.unproven.empty() && !nothing.isTrouble);
+    if (!hasLooked && !isAnyUnreadable && !wasInterrupted()) messageLine(nothing.reason);
+    return statusOfProof(answer.unproven.empty() && !nothing.isTrouble && !isAnyUnreadable);
 }
 
 } // namespace

@@ -1,0 +1,51 @@
+#include "cli/unreadable_archives.h"
+
+#include <optional>
+#include <string>
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+
+#include "locations/known_locations.h"
+#include "platform/files/layers/file_layer.h"
+#include "platform/paths.h"
+#include "platform/threads/limited_answer.h"
+#include "records/archive_files/archive_index_file.h"
+#include "records/logs/console_log.h"
+#include "records/texts/error_reasons.h"
+
+namespace corvane::cli {
+
+namespace {
+
+// Empty for a sound index, and for one that isn't there.
+std::string reasonAgainst(const std::string& index) {
+    platform::FileLayer& files = platform::posixFileLayer();
+    struct stat status{};
+    if (files.stat(index, status) == 0 && !S_ISREG(status.st_mode)) return "它不是普通的文件";
+    const ArchiveIndexReading reading = readArchiveIndexFile(files, index);
+    using enum ArchiveIndexReading::State;
+    if (reading.state == damaged) return "内容已损坏，corvane-cli rebuild 可以重建它";
+    if (reading.state != couldNotLook) return {};
+    return reading.isInCloud ? "它还在云端" : systemErrorReason(reading.error);
+}
+
+} // namespace
+
+bool tellUnreadableArchives(Session& session) {
+    const LibraryLoader& loader = session.model().library().loader;
+    bool isAny = false;
+    for (const std::string& root : knownLocations(session.context().settings)) {
+        if (loader.location(root) != nullptr) continue;
+        const std::string index = platform::joinPath(root, archiveIndexFileName);
+        const auto reason = platform::limitedAnswer<std::string>(
+            platform::placeLimit, [index](platform::JobLimit&) { return reasonAgainst(index); });
+        const std::string text = reason.value_or("没有响应");
+        if (text.empty()) continue;
+        messageLine(fmt::format("归档的索引读不了（{}），没有算上它的邮件：{}", text, index));
+        isAny = true;
+    }
+    return isAny;
+}
+
+} // namespace corvane::cli

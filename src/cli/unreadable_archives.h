@@ -1,0 +1,13 @@
+// Archives that are known and there while their index can't be read. Without a word of them a command that
+// answers from the archives would say that there are none.
+#pragma once
+
+#include "cli/session.h"
+
+namespace corvane::cli {
+
+// After the library was loaded: a line on standard error for each of them, with the cause. Whether there is
+// one. Each place has the limit of every look.
+bool tellUnreadableArchives(Session& session);
+
+} // namespace corvane::cli
