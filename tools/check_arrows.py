@@ -59,9 +59,10 @@ SUBFOLDERS = {
               "corvane_view_model": ". tasks mail archiving library components"},
     "cli": {"console": "", "usage": "", "session": "", "exit_status": "session", "command_set": "session",
             "mails": "session console", "named_entries": "session mails", "library_options": "session",
-            "proving": "console session", "overview_loading": "session proving", "away_days": "console session",
+            "proving": "console session", "unreadable_archives": "session",
+            "overview_loading": "session proving unreadable_archives", "away_days": "console session",
             "commands": "console session exit_status command_set mails named_entries library_options proving "
-                        "overview_loading away_days",
+                        "overview_loading unreadable_archives away_days",
             "command_line": "console usage session exit_status command_set commands",
             ".": "session command_line"},
     "screens": {"controls": "", "texts": "", "desktop": "", "lists": "texts",
