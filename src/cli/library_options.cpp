@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <ranges>
 #include <set>
 #include <string>
 #include <string_view>
@@ -18,6 +19,8 @@
 namespace corvane::cli {
 
 namespace {
+
+constexpr std::size_t mostNamed = 20;
 
 // A root as the library knows it; a path may be written in other ways.
 std::string rootOf(Session& session, const std::string& location) {
@@ -67,8 +70,10 @@ void requireKnown(const ArchiveLibraryIndex& index, const LibraryFilterOptions& 
     const auto require = [](const std::optional<std::string>& asked, const std::set<std::string>& known,
                             std::string_view what) {
         if (!asked || asked->empty() || known.contains(*asked)) return;
-        throw CommandFailure(
-            fmt::format("归档里没有这个{}：{}。有的是：{}", what, *asked, fmt::join(known, "、")));
+        const auto first = known | std::views::take(mostNamed);
+        throw CommandFailure(fmt::format("归档里没有这个{}：{}。有的是：{}{}", what, *asked,
+                                         fmt::join(first.begin(), first.end(), "、"),
+                                         known.size() > mostNamed ? "等" : ""));
     };
     std::set<std::string> accounts;
     for (const LibraryAccountFilterOption& option : index.accountOptions()) accounts.insert(option.key);

@@ -213,14 +213,6 @@ TEST(ArchivedOverview, AYearIsOfferedOnlyWhenNothingElseIsFoundByItsSearch) {
     EXPECT_EQ(offered(nameless), std::vector<std::int64_t>{2020});
     nameless.facts.inMail.accounts = {{"imap://A", "", ""}};
     EXPECT_TRUE(offered(nameless).empty());
-    // What the steps don't name isn't freed by them.
-    Overview called =
-        overviewOf({.entries = makeEntries({{.id = "p1"}, {.id = "p2", .accountIdentifier = "imap://B"}}),
-                    .availableAccounts = {makeAccount("imap://A", "a@x"), makeAccount("imap://B", "b@x")}});
-    called.facts.inMail.accounts = {{"imap://A", "a@x", "a@x"}};
-    EXPECT_EQ(called.stats().freeable.count, 2);
-    called.facts.inMail.accounts.push_back({"imap://B", "b@x", "b@x"});
-    EXPECT_EQ(called.stats().freeable.count, 1);
 }
 
 TEST(ArchivedOverview, GroupsMeanTheAccountsThatRecordsLabelsAndRulesLeadTo) {

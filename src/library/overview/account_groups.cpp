@@ -204,10 +204,7 @@ MailNames mailNamesOf(const ArchiveAccountScope& group, const MailAccountKeys& m
     const bool hasOwn = std::ranges::any_of(accounts, isOwn);
     MailNames result;
     for (const AccountNames& account : accounts) {
-        if (hasOwn ? !isOwn(account) : !isThere(account)) {
-            if (isThere(account)) result.unnamed.emplace(account.key);
-            continue;
-        }
+        if (hasOwn ? !isOwn(account) : !isThere(account)) continue;
         result.isNameUnknown = result.isNameUnknown || account.isNameless();
         MailName name = nameOf(account, group);
         if (std::ranges::find(result.names, name) == result.names.end())

@@ -63,7 +63,6 @@ struct MailNames {
     // Of the account that the group is called by, else of all that Mail has; the title where there are none.
     std::vector<MailName> names;
     MailAccountKeys namesakes;  // other accounts that one of the names, as either says, may lead to
-    MailAccountKeys unnamed;    // accounts of the group that Mail has and that none of the names leads to
     bool isNameUnknown = false; // nothing tells how Mail shows one of the named
 };
 

@@ -104,9 +104,8 @@ class OverviewCounter {
   private:
     [[nodiscard]] ArchivedOverviewStats::Year count(const ArchivedOverviewGroup& group, const YearGroup& year,
                                                     const MailNames& names) const;
-    // Adds what would be freed if the year may be cleaned: nothing of accounts that the steps don't name.
-    [[nodiscard]] FolderPresence count(const FolderRow& folder, const MailAccountKeys& unnamed,
-                                       ArchivedOverviewStats::Year& year) const;
+    // Adds what would be freed if the year may be cleaned.
+    [[nodiscard]] FolderPresence count(const FolderRow& folder, ArchivedOverviewStats::Year& year) const;
     [[nodiscard]] Status statusOf(const FolderPresence& presence, const ArchivedOverviewGroup& group,
                                   std::int64_t year) const;
     // What the search for the year's mail would find that may not be deleted.
@@ -119,17 +118,14 @@ class OverviewCounter {
     const ArchivedOverviewFacts& facts_;
 };
 
-FolderPresence OverviewCounter::count(const FolderRow& folder, const MailAccountKeys& unnamed,
-                                      ArchivedOverviewStats::Year& year) const {
+FolderPresence OverviewCounter::count(const FolderRow& folder, ArchivedOverviewStats::Year& year) const {
     FolderPresence counts;
     for (const EntryPosition position : folder.entries) {
-        const ArchivedEmailRecord& record = index_.entry(position).record;
-        const std::int64_t bytes = countedBytes(record);
+        const std::int64_t bytes = countedBytes(index_.entry(position).record);
         switch (facts_.presence(position)) {
         case ArchivedOriginalPresenceStatus::present:
             counts.present += 1;
             if (facts_.isProven(position)) {
-                if (record.accountIdentifier && unnamed.contains(record.accountIdentifier->view())) break;
                 (facts_.freesRoom(position) ? year.freeable : year.repeated).add(bytes);
             } else {
                 counts.unproven += 1;
@@ -181,7 +177,7 @@ ArchivedOverviewStats::Year OverviewCounter::count(const ArchivedOverviewGroup& 
                                                    const MailNames& names) const {
     ArchivedOverviewStats::Year stats;
     for (const FolderRow& folder : year.folders) {
-        const FolderPresence presence = count(folder, names.unnamed, stats);
+        const FolderPresence presence = count(folder, stats);
         const Status status = statusOf(presence, group, year.year);
         stats.folders.push_back({.status = status,
                                  .awaitsProof = status == Status::incomplete && isArchived(group, year.year),
