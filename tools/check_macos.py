@@ -42,7 +42,7 @@ MAY_ASK = ("src/platform/", "src/app/", "tools/macos_check/")
 def system_questions():
     """Where a source asks which system it is and has no business to."""
     found = []
-    for folder in ["src", "tests", "benchmarks", "tools"]:
+    for folder in ["src", "tests", "benchmarks", "fuzz", "tools"]:
         for path in sorted((ROOT / folder).rglob("*")):
             name = str(path.relative_to(ROOT))
             if path.suffix in {".cpp", ".h", ".mm"} and not name.startswith(MAY_ASK):
