@@ -1,5 +1,5 @@
-// The programs of a Mac that open, show and picture files, as they are started. Plain values, built and
-// tested on every system. Thread-safe.
+// The programs of a Mac that open and show files, and the shell that limits others, as they are started.
+// Plain values, built and tested on every system. Thread-safe.
 #pragma once
 
 #include <optional>
