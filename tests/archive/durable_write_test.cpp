@@ -11,6 +11,7 @@
 
 #include "archive/archive_error.h"
 #include "platform/files/directory.h"
+#include "platform/files/layers/forwarding_file_layer.h"
 #include "support/faulty_file_layer.h"
 #include "support/temporary_home.h"
 
@@ -77,6 +78,36 @@ TEST_F(DurableWrite, Write_FailsWhenAnyOperationBeforeTheCloseFails) {
                   files.operationCount(FileOperation::close) + (operation == FileOperation::open ? 1 : 0));
         EXPECT_FALSE(platform::fileExists(path_)) << "what the failed write has made";
     }
+}
+
+// As a Mac's driver of FAT does: a file has the number of its first cluster, and an empty one a fixed number.
+class NumberedByPlace final : public platform::ForwardingFileLayer {
+  public:
+    using ForwardingFileLayer::ForwardingFileLayer;
+
+    int statOpen(int descriptor, struct stat& result) override {
+        return numbered(ForwardingFileLayer::statOpen(descriptor, result), result);
+    }
+
+    int stat(const std::string& path, struct stat& result) override {
+        return numbered(ForwardingFileLayer::stat(path, result), result);
+    }
+
+  private:
+    static int numbered(int outcome, struct stat& result) {
+        if (outcome == 0 && result.st_size == 0) result.st_ino = 999'999'999;
+        return outcome;
+    }
+};
+
+TEST_F(DurableWrite, Write_KnowsItsFileWhereTheFirstBytesGiveItANewNumber) {
+    FaultyFileLayer faulty;
+    NumberedByPlace files(faulty);
+    removeFile(files, path_, writePOSIXBlocking(files, "bytes", path_));
+    EXPECT_FALSE(platform::fileExists(path_));
+    faulty.inject({.at = 1, .effect = Effect::fail, .operation = FileOperation::sync, .error = EIO});
+    EXPECT_EQ(writeError(files, "bytes", path_), ArchiveError::Case::writeFailed);
+    EXPECT_FALSE(platform::fileExists(path_)) << "what the failed write has made";
 }
 
 TEST_F(DurableWrite, ContentOnDisk_TellsWhatAnInterruptedWriteLeavesFromAnythingElse) {

@@ -75,9 +75,12 @@ FileIdentity writePOSIXBlocking(platform::FileLayer& files, std::string_view byt
     struct stat status{};
     // Without its identity nobody could tell it from another file later, so it isn't removed either.
     if (files.statOpen(file.get(), status) != 0) failWrite("stat", path, errno);
+    const char* const step = failedStep(files, file.get(), bytes);
+    const int error = errno;
+    // Anew: FAT on a Mac numbers a file by where its bytes lie, and all empty ones alike.
+    files.statOpen(file.get(), status);
     const auto identity = FileIdentity::of(status);
-    if (const char* step = failedStep(files, file.get(), bytes)) {
-        const int error = errno;
+    if (step != nullptr) {
         file.reset();
         removeFile(files, path, identity);
         failWrite(step, path, error);
