@@ -173,6 +173,12 @@ TEST_F(DurableWrite, SyncDirectories_GoesOnPastWhatIsGoneAndFallsBackToFsync) {
     EXPECT_EQ(files.operationCount(FileOperation::fullSync), 3U);
     EXPECT_EQ(files.operationCount(FileOperation::sync), 1U);
     EXPECT_EQ(files.operationCount(FileOperation::close), 3U);
+    const int folder = files.open(home_.at("a"), O_RDONLY | O_DIRECTORY, 0);
+    for (const auto& [error, outcome] : {std::pair{ENOTSUP, 0}, std::pair{EIO, EIO}}) {
+        files.inject({.at = 1, .effect = Effect::fail, .operation = FileOperation::fullSync, .error = error});
+        EXPECT_EQ(syncDirectory(files, folder), outcome);
+    }
+    files.close(folder);
 }
 
 } // namespace

@@ -134,7 +134,11 @@ void syncDirectories(platform::FileLayer& files, const std::set<std::string>& pa
 }
 
 int syncDirectory(platform::FileLayer& files, int folder) {
-    return files.fullSync(folder) == 0 || files.sync(folder) == 0 ? 0 : errno;
+    if (files.fullSync(folder) == 0) return 0;
+    const int error = errno;
+    const int weaker = files.sync(folder) == 0 ? 0 : errno;
+    // A device's failure is told once: what comes after it succeeds without having stored anything.
+    return error == EIO ? error : weaker;
 }
 
 bool staysInCache(platform::FileLayer& files, int folder, const std::string& relativePath) {

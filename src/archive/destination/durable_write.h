@@ -59,7 +59,7 @@ bool verifyOnDisk(platform::FileLayer& files, std::string_view bytes, const std:
 void syncDirectories(platform::FileLayer& files, const std::set<std::string>& paths,
                      const std::function<void()>& onProgress = {});
 
-// The same for an open folder. 0, or the errno of the failure.
+// The same for an open folder. 0, or the errno of the failure; EIO also when only the weaker flush succeeded.
 int syncDirectory(platform::FileLayer& files, int folder);
 
 // Whether the file that lies there is served from memory whatever is done to read past the cache: to read it
