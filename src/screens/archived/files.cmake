@@ -21,4 +21,5 @@ set(archived_sources
     figures/overview_figures.cpp
     figures/year_status.cpp
     guide/deletion_guide.cpp
+    guide/guide_proof.cpp
 )

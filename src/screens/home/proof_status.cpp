@@ -8,6 +8,7 @@
 #include "locations/loading/all_files_here.h"
 #include "screens/texts/message_trouble.h"
 #include "screens/texts/partial_mail.h"
+#include "screens/texts/proof_figures.h"
 #include "screens/texts/shown_figures.h"
 
 namespace corvane {
@@ -73,9 +74,10 @@ ProofStatus::ProofStatus(CorvaneViewModel& model, QObject* parent)
 
 void ProofStatus::show(const DeletionSafety& safety, const ProofScope& scope, bool isKnown) {
     safety_ = safety;
-    isKnown_ = isKnown;
+    const bool hadFigures = std::exchange(isKnown_, isKnown);
     countAway(scope);
     updateItems();
+    if (hadFigures != isKnown) Q_EMIT changed();
 }
 
 void ProofStatus::countAway(const ProofScope& scope) {
@@ -108,21 +110,22 @@ void ProofStatus::updateItems() {
     Q_EMIT changed();
 }
 
+bool ProofStatus::isAwaited() const {
+    return !isKnown_ && !model_.library().loader.archivedEntries()->empty();
+}
+
 QString ProofStatus::partialText() const {
     return screens::partialMailText(partial_);
 }
 
 double ProofStatus::fraction() const {
-    const auto& progress = model_.archiving().proof.progress();
-    if (!progress || progress->total == 0) return 0;
-    return static_cast<double>(progress->completed) / static_cast<double>(progress->total);
+    return screens::proofFraction(model_.archiving().proof.progress());
 }
 
 QString ProofStatus::progressText() const {
     const auto& progress = model_.archiving().proof.progress();
     if (!progress) return {};
-    const QString counts = QStringLiteral("正在逐字节核对 %1 / %2 封")
-                               .arg(shownCount(progress->completed), shownCount(progress->total));
+    const QString counts = QStringLiteral("正在逐字节核对 %1 封").arg(screens::proofCount(progress));
     return progress->bytesRead == 0 ? counts
                                     : counts + QStringLiteral("，已读 ") + shownSize(progress->bytesRead);
 }

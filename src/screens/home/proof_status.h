@@ -25,6 +25,7 @@ class ProofStatus : public QObject {
     Q_PROPERTY(bool canStart READ canStart NOTIFY changed)
     Q_PROPERTY(bool hasTroubles READ hasTroubles NOTIFY changed)
     Q_PROPERTY(QString partialText READ partialText NOTIFY changed)
+    Q_PROPERTY(bool isAwaited READ isAwaited NOTIFY changed)
     Q_PROPERTY(bool isProving READ isProving NOTIFY changed)
     Q_PROPERTY(double fraction READ fraction NOTIFY changed)
     Q_PROPERTY(QString progressText READ progressText NOTIFY changed)
@@ -45,6 +46,9 @@ class ProofStatus : public QObject {
 
     // Some of what is looked at has a reason why it doesn't count as archived.
     [[nodiscard]] bool hasTroubles() const { return hasTroubles_; }
+
+    // There are archived mails, and their figures aren't known yet: the line keeps its room for them.
+    [[nodiscard]] bool isAwaited() const;
 
     // Of the mail that Mail holds in part; empty without any.
     [[nodiscard]] QString partialText() const;

@@ -45,8 +45,7 @@ QVariantList yearMaps(const std::vector<YearOfMail>& years) {
 }
 
 QString undatedLine(std::int64_t count) {
-    if (count == 0) return {};
-    return QStringLiteral("另有 %1没有日期").arg(screens::shownMessageCount(count));
+    return count == 0 ? QString() : screens::undatedRemark(count);
 }
 
 } // namespace

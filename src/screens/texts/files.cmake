@@ -6,6 +6,7 @@ set(texts_sources
     destination_texts.cpp
     message_trouble.cpp
     partial_mail.cpp
+    proof_figures.cpp
     shown_figures.cpp
     shown_text.cpp
     text_lines.cpp

@@ -15,6 +15,14 @@ QString shownMessageCount(std::int64_t count) {
     return shownCount(count) + QStringLiteral(" 封");
 }
 
+QString undatedTitle() {
+    return QStringLiteral("没有日期");
+}
+
+QString undatedRemark(std::int64_t count) {
+    return QStringLiteral("另有 %1").arg(shownMessageCount(count)) + undatedTitle();
+}
+
 QString shownYear(std::int64_t year) {
     return QStringLiteral("%1 年").arg(year);
 }

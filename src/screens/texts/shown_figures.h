@@ -13,6 +13,12 @@ QString shownCount(std::int64_t count);
 // "12,406 封".
 QString shownMessageCount(std::int64_t count);
 
+// The heading of mail without a date, beside years.
+QString undatedTitle();
+
+// "另有 12 封没有日期".
+QString undatedRemark(std::int64_t count);
+
 // "2019 年".
 QString shownYear(std::int64_t year);
 

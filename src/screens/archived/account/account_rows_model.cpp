@@ -273,8 +273,9 @@ QVariant AccountRowsModel::value(const AccountRow& row, int role) const {
     }
     if (role != TitleRole && role != SpokenNameRole) return {};
     const MailSum& undated = source_.group->undated;
-    return QStringLiteral("另有 %1没有日期（%2），不算在任何年份里，可以在归档库里查看。")
-        .arg(screens::shownMessageCount(undated.count), screens::shownSize(undated.bytes));
+    return screens::undatedRemark(undated.count) +
+           QStringLiteral("（%1），不算在任何年份里，可以在归档库里查看。")
+               .arg(screens::shownSize(undated.bytes));
 }
 
 } // namespace corvane

@@ -96,10 +96,10 @@ OverviewHero freeableHero(const OverviewHeroInput& input) {
     return hero;
 }
 
-QVariantMap part(const char* series, const char16_t* label, const MailSum& sum, bool isKnown) {
+QVariantMap part(const char* series, const QString& label, const MailSum& sum, bool isKnown) {
     const QString none = QStringLiteral("—");
     return {{QStringLiteral("series"), QString::fromLatin1(series)},
-            {QStringLiteral("label"), QString::fromUtf16(label)},
+            {QStringLiteral("label"), label},
             {QStringLiteral("value"), isKnown ? static_cast<double>(sum.bytes) : 0.0},
             {QStringLiteral("text"), isKnown ? shownMessageCount(sum.count) : none},
             {QStringLiteral("size"), isKnown ? shownSize(sum.bytes) : none}};
@@ -164,15 +164,16 @@ OverviewHero overviewHero(const OverviewHeroInput& input) {
 }
 
 QVariantList holdingParts(const ArchivedShares& shares, bool isKnown) {
-    QVariantList parts = {part("archived", u"可释放", shares.freeable, isKnown),
-                          part("unarchived", u"同年还有未归档", shares.blocked, isKnown),
-                          part("serverOnly", u"已从 Mail 删除", shares.removed, isKnown),
-                          part("share2", u"待确认", shares.pending, isKnown)};
+    QVariantList parts = {part("archived", QStringLiteral("可释放"), shares.freeable, isKnown),
+                          part("unarchived", QStringLiteral("同年还有未归档"), shares.blocked, isKnown),
+                          part("serverOnly", QStringLiteral("已从 Mail 删除"), shares.removed, isKnown),
+                          part("share2", QStringLiteral("待确认"), shares.pending, isKnown)};
     if (isKnown && shares.awaiting.count > 0)
-        parts.insert(1, part("share4", u"待核对", shares.awaiting, true));
+        parts.insert(1, part("share4", QStringLiteral("待核对"), shares.awaiting, true));
     if (isKnown && shares.repeated.count > 0)
-        parts.insert(1, part("share1", u"另一处归档里也有", shares.repeated, true));
-    if (isKnown && shares.undated.count > 0) parts += part("share3", u"没有日期", shares.undated, true);
+        parts.insert(1, part("share1", QStringLiteral("另一处归档里也有"), shares.repeated, true));
+    if (isKnown && shares.undated.count > 0)
+        parts += part("share3", screens::undatedTitle(), shares.undated, true);
     return parts;
 }
 

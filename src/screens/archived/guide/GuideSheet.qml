@@ -87,39 +87,39 @@ Sheet {
         Layout.topMargin: 18
         number: 1
         isDone: sheet.guide.isReady
-        title: sheet.guide.proofTitle
-        lines: [sheet.guide.proofLine]
+        title: sheet.guide.proof.title
+        lines: [sheet.guide.proof.line]
 
         RowLayout {
             Layout.fillWidth: true
             Layout.topMargin: 6
-            visible: sheet.guide.isComparing
+            visible: sheet.guide.proof.isComparing
             spacing: 12
 
             ProgressTrack {
                 Layout.fillWidth: true
-                value: sheet.guide.fraction
-                indeterminate: !sheet.guide.isProving && visible
+                value: sheet.guide.proof.fraction
+                indeterminate: !sheet.guide.proof.isRunning && visible
                 name: "逐字节核对"
             }
             AppText {
                 visible: text.length > 0
-                text: sheet.guide.proofCount
+                text: sheet.guide.proof.count
                 color: Theme.text2
             }
             AppButton {
                 objectName: "cancelGuideProof"
-                visible: sheet.guide.isProving
+                visible: sheet.guide.proof.isRunning
                 text: "取消核对"
-                onClicked: sheet.guide.cancelProof()
+                onClicked: sheet.guide.proof.cancel()
             }
         }
         AppButton {
             objectName: "startGuideProof"
             Layout.topMargin: 6
-            visible: !sheet.guide.isComparing && !sheet.guide.isReady
+            visible: !sheet.guide.proof.isComparing && !sheet.guide.isReady
             text: "再核对一次"
-            onClicked: sheet.guide.prove()
+            onClicked: sheet.guide.proof.start()
         }
         AppText {
             objectName: "guideLeftOut"

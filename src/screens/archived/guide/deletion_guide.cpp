@@ -3,15 +3,14 @@
 #include <algorithm>
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <tuple>
 #include <utility>
 
 #include <QUrl>
 #include <QVariantMap>
 
-#include "records/texts/formatters.h"
 #include "screens/archived/figures/overview_figures.h"
-#include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {
@@ -30,7 +29,8 @@ QString spanText(const SmartMailboxGuideTarget& target) {
 DeletionGuide::DeletionGuide(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
   : QObject(parent)
   , model_(model)
-  , desktop_(desktop) {}
+  , desktop_(desktop)
+  , proof_(model) {}
 
 void DeletionGuide::open(const std::string& key, bool asksMail) {
     key_ = key;
@@ -45,9 +45,10 @@ void DeletionGuide::open(const std::string& key, bool asksMail) {
     if (asksMail) model_.library().presence.refreshArchivedOriginalPresenceIfNeeded(true);
     // An account may have come, or have another name, since the window was opened.
     model_.mail().counts.refreshIfOld(model_.mail().catalog.messages());
+    setProofScope();
     findTargets();
     Q_EMIT changed();
-    prove();
+    proof_.start();
 }
 
 void DeletionGuide::close() {
@@ -64,7 +65,16 @@ void DeletionGuide::show(SharedOverview overview, OriginalKnowledge knowledge) {
 }
 
 void DeletionGuide::handleProofProgress() {
-    if (isOpen_) Q_EMIT changed();
+    if (!isOpen_) return;
+    Q_EMIT proof_.changed();
+    Q_EMIT changed();
+}
+
+void DeletionGuide::setProofScope() {
+    ProofScope scope;
+    if (group_ != nullptr) scope.accountPrefixes = {group_->mailAccounts.begin(), group_->mailAccounts.end()};
+    scope.years = {wantedYears_.begin(), wantedYears_.end()};
+    proof_.setScope(std::move(scope));
 }
 
 void DeletionGuide::find() {
@@ -73,6 +83,11 @@ void DeletionGuide::find() {
 
 void DeletionGuide::findTargets() {
     targets_.clear();
+    addTargets();
+    proof_.show(knowledge_, targets_.empty() ? std::nullopt : std::optional(stats_->freeable.count));
+}
+
+void DeletionGuide::addTargets() {
     if (!isOpen_ || group_ == nullptr || knowledge_ != OriginalKnowledge::known) return;
     Years years;
     for (const std::int64_t year : overviewCleanableYears(*group_, *stats_)) {
@@ -80,53 +95,6 @@ void DeletionGuide::findTargets() {
     }
     targets_ = smartMailboxGuideTargets(stats_->mailNames, years);
     current_ = std::clamp(current_, 0, std::max(0, static_cast<int>(targets_.size()) - 1));
-}
-
-bool DeletionGuide::isComparing() const {
-    using enum OriginalKnowledge;
-    return isProving() || model_.mail().counts.isReading() ||
-           model_.library().presence.archivedOriginalPresenceChecking() || knowledge_ == checking ||
-           knowledge_ == waiting || knowledge_ == scanning;
-}
-
-void DeletionGuide::prove() {
-    if (group_ == nullptr) return;
-    ProofScope scope;
-    scope.accountPrefixes = {group_->mailAccounts.begin(), group_->mailAccounts.end()};
-    scope.years = {wantedYears_.begin(), wantedYears_.end()};
-    if (!scope.accountPrefixes.empty() && !scope.years.empty())
-        model_.archiving().proof.prove(std::move(scope));
-}
-
-double DeletionGuide::fraction() const {
-    const auto& progress = model_.archiving().proof.progress();
-    if (!progress || progress->total == 0) return 0;
-    return static_cast<double>(progress->completed) / static_cast<double>(progress->total);
-}
-
-QString DeletionGuide::proofTitle() const {
-    if (isComparing()) return QStringLiteral("核对要删除的原件");
-    if (targets_.empty()) return QStringLiteral("现在没有可以清理的年份");
-    return QStringLiteral("%1原件与归档副本一致").arg(screens::shownMessageCount(stats_->freeable.count));
-}
-
-QString DeletionGuide::proofLine() const {
-    if (isProving()) return QStringLiteral("逐字节对照归档副本，全部一致才给出条件。");
-    if (isComparing()) return QStringLiteral("正在对照 Mail 中的原件状态");
-    if (targets_.empty()) return QStringLiteral("核对之后有年份可以清理时，这里给出条件。");
-    const auto& checkedAt = model_.library().presence.presence()->checkedAt;
-    QString line = QStringLiteral("%1 对照 Mail。之后原件有变动时，这里会先再核对。")
-                       .arg(wholeText(formatListDate(checkedAt.value_or(Date()))));
-    if (const auto& scannedAt = model_.mail().scanFlow.cacheLoadedAt())
-        line += QStringLiteral("Mail 数据更新于 %1。").arg(wholeText(formatListDate(*scannedAt)));
-    return line;
-}
-
-QString DeletionGuide::proofCount() const {
-    const auto& progress = model_.archiving().proof.progress();
-    if (!progress) return {};
-    return QStringLiteral("%1 / %2").arg(screens::shownCount(progress->completed),
-                                         screens::shownCount(progress->total));
 }
 
 QStringList DeletionGuide::spans() const {
@@ -176,7 +144,7 @@ QVariantList DeletionGuide::steps() const {
 }
 
 QString DeletionGuide::leftOut() const {
-    if (!isOpen_ || group_ == nullptr || isComparing()) return {};
+    if (!isOpen_ || group_ == nullptr || proof_.isComparing()) return {};
     std::map<QString, Years> byReason;
     for (std::size_t number = 0; number < group_->years.size(); ++number) {
         const bool isWanted =

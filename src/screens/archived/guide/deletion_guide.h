@@ -15,6 +15,7 @@
 #include "library/overview/smart_mailbox_guide.h"
 #include "model/corvane_view_model.h"
 #include "screens/archived/figures/year_status.h"
+#include "screens/archived/guide/guide_proof.h"
 #include "screens/desktop/desktop_actions.h"
 
 namespace corvane {
@@ -25,12 +26,7 @@ class DeletionGuide : public QObject {
     QML_UNCREATABLE("belongs to the archived overview")
     Q_PROPERTY(bool isOpen READ isOpen NOTIFY changed)
     Q_PROPERTY(bool isReady READ isReady NOTIFY changed)
-    Q_PROPERTY(bool isComparing READ isComparing NOTIFY changed)
-    Q_PROPERTY(bool isProving READ isProving NOTIFY changed)
-    Q_PROPERTY(double fraction READ fraction NOTIFY changed)
-    Q_PROPERTY(QString proofTitle READ proofTitle NOTIFY changed)
-    Q_PROPERTY(QString proofLine READ proofLine NOTIFY changed)
-    Q_PROPERTY(QString proofCount READ proofCount NOTIFY changed)
+    Q_PROPERTY(corvane::GuideProof* proof READ proof CONSTANT)
     Q_PROPERTY(QStringList spans READ spans NOTIFY changed)
     Q_PROPERTY(int current READ current WRITE setCurrent NOTIFY changed)
     Q_PROPERTY(QString condition READ condition NOTIFY changed)
@@ -53,18 +49,9 @@ class DeletionGuide : public QObject {
     [[nodiscard]] bool isOpen() const { return isOpen_; }
 
     // There is a year to be cleaned, and nothing of it is being looked at.
-    [[nodiscard]] bool isReady() const { return isOpen_ && !isComparing() && !targets_.empty(); }
+    [[nodiscard]] bool isReady() const { return isOpen_ && !proof_.isComparing() && !targets_.empty(); }
 
-    [[nodiscard]] bool isComparing() const;
-
-    [[nodiscard]] bool isProving() const { return model_.archiving().proof.isProving(); }
-
-    [[nodiscard]] double fraction() const;
-
-    // The first step: what was compared, or is being compared.
-    [[nodiscard]] QString proofTitle() const;
-    [[nodiscard]] QString proofLine() const;
-    [[nodiscard]] QString proofCount() const;
+    [[nodiscard]] GuideProof* proof() { return &proof_; }
 
     // One a guide: runs of adjoining years, by account where the group stands for several.
     [[nodiscard]] QStringList spans() const;
@@ -88,9 +75,6 @@ class DeletionGuide : public QObject {
 
     // `failed` follows where the system has no Apple Mail.
     Q_INVOKABLE void openMail();
-    Q_INVOKABLE void prove();
-
-    Q_INVOKABLE void cancelProof() { model_.archiving().proof.cancel(); }
 
   Q_SIGNALS:
     void changed();
@@ -99,10 +83,13 @@ class DeletionGuide : public QObject {
   private:
     void find();
     void findTargets();
+    void addTargets();
+    void setProofScope();
     [[nodiscard]] const SmartMailboxGuideTarget* target() const;
 
     CorvaneViewModel& model_;
     DesktopActions& desktop_;
+    GuideProof proof_;
     bool isOpen_ = false;
     std::string key_;
     std::vector<std::int64_t> wantedYears_; // when it was opened

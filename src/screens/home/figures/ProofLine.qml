@@ -11,7 +11,7 @@ ColumnLayout {
 
     required property ProofStatus proof
     property string kind: "info"
-    readonly property bool hasContent: proof.isProving || hasItems || proof.partialText.length > 0
+    readonly property bool hasContent: proof.isProving || proof.isAwaited || hasItems || proof.partialText.length > 0
     readonly property bool hasItems: proof.items.length > 0
 
     signal troublesRequested
@@ -46,6 +46,12 @@ ColumnLayout {
             help: "核对过的不用再来"
             onClicked: line.proof.cancel()
         }
+    }
+    AppText {
+        objectName: "proofAwaited"
+        visible: line.proof.isAwaited && !line.proof.isProving && !line.hasItems
+        text: "正在统计逐字节核对的结果…"
+        color: Theme.text2
     }
     Flow {
         Layout.fillWidth: true

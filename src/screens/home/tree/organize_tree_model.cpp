@@ -17,7 +17,7 @@ using screens::shownMessageCount;
 using screens::shownSize;
 
 QString yearTitle(std::int64_t year) {
-    return year == undatedYear ? QStringLiteral("没有日期") : screens::shownYear(year);
+    return year == undatedYear ? screens::undatedTitle() : screens::shownYear(year);
 }
 
 QString folderTitle(const std::string& mailbox) {

@@ -1,0 +1,55 @@
+#include "screens/archived/guide/guide_proof.h"
+
+#include "records/texts/formatters.h"
+#include "screens/texts/proof_figures.h"
+#include "screens/texts/shown_figures.h"
+#include "screens/texts/shown_text.h"
+
+namespace corvane {
+
+using screens::wholeText;
+
+void GuideProof::show(OriginalKnowledge knowledge, std::optional<std::int64_t> freeable) {
+    knowledge_ = knowledge;
+    freeable_ = freeable;
+    Q_EMIT changed();
+}
+
+bool GuideProof::isComparing() const {
+    using enum OriginalKnowledge;
+    return isRunning() || model_.mail().counts.isReading() ||
+           model_.library().presence.archivedOriginalPresenceChecking() || knowledge_ == checking ||
+           knowledge_ == waiting || knowledge_ == scanning;
+}
+
+void GuideProof::start() {
+    if (!scope_.accountPrefixes.empty() && !scope_.years.empty()) model_.archiving().proof.prove(scope_);
+}
+
+double GuideProof::fraction() const {
+    return screens::proofFraction(model_.archiving().proof.progress());
+}
+
+QString GuideProof::title() const {
+    if (isComparing()) return QStringLiteral("核对要删除的原件");
+    if (!freeable_) return QStringLiteral("现在没有可以清理的年份");
+    return QStringLiteral("%1原件与归档副本一致").arg(screens::shownMessageCount(*freeable_));
+}
+
+QString GuideProof::line() const {
+    if (isRunning()) return QStringLiteral("逐字节对照归档副本，全部一致才给出条件。");
+    if (isComparing()) return QStringLiteral("正在对照 Mail 中的原件状态");
+    if (!freeable_) return QStringLiteral("核对之后有年份可以清理时，这里给出条件。");
+    const auto& checkedAt = model_.library().presence.presence()->checkedAt;
+    QString line = QStringLiteral("%1 对照 Mail。之后原件有变动时，这里会先再核对。")
+                       .arg(wholeText(formatListDate(checkedAt.value_or(Date()))));
+    if (const auto& scannedAt = model_.mail().scanFlow.cacheLoadedAt())
+        line += QStringLiteral("Mail 数据更新于 %1。").arg(wholeText(formatListDate(*scannedAt)));
+    return line;
+}
+
+QString GuideProof::count() const {
+    return screens::proofCount(model_.archiving().proof.progress());
+}
+
+} // namespace corvane
