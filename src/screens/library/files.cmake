@@ -33,6 +33,7 @@ set(library_sources
     detail/body_layout.cpp
     detail/body_pieces.cpp
     detail/tile_picture.cpp
+    removal/only_copy_warning.cpp
     removal/removal_list.cpp
     removal/removal_question.cpp
     rows/library_row_model.cpp

@@ -96,7 +96,7 @@ TEST_F(LibraryScreenTest, WhatMayBeTheOnlyCopyNeedsASecondAct_AndTheNextRowIsSel
     question.accept();
     settle();
     EXPECT_EQ(rows().size(), 3);
-    question.setTicked(true);
+    question.onlyCopy()->setTicked(true);
     question.accept();
     EXPECT_EQ(question.step(), Step::Removing);
     question.close();

@@ -10,7 +10,7 @@ Sheet {
     required property RemovalQuestion removal
     readonly property bool removing: removal.step === RemovalQuestion.Removing
     // The tick stands in sight below them: all but the items takes 360, an item 56.
-    readonly property int mostItems: removal.onlyTitle.length > 0 && parent
+    readonly property int mostItems: removal.onlyCopy.title.length > 0 && parent
         ? Math.max(2, Math.floor((parent.height - 360) / 56)) : removal.items.length
     readonly property bool wanted: removal.step === RemovalQuestion.Asking || removing
 
@@ -42,10 +42,10 @@ Sheet {
         objectName: "onlyCopyBanner"
         Layout.fillWidth: true
         Layout.topMargin: Theme.section
-        visible: sheet.removal.onlyTitle.length > 0
+        visible: sheet.removal.onlyCopy.title.length > 0
         kind: "attention"
-        headline: sheet.removal.onlyTitle
-        lines: [sheet.removal.onlyText]
+        headline: sheet.removal.onlyCopy.title
+        lines: [sheet.removal.onlyCopy.line]
         footer: [
             RowLayout {
                 spacing: Theme.space
@@ -55,17 +55,17 @@ Sheet {
                     id: tick
                     objectName: "onlyCopyTick"
                     enabled: !sheet.removing
-                    name: sheet.removal.onlyTick
-                    tick: sheet.removal.ticked ? 1 : 0
-                    onClicked: sheet.removal.ticked = !sheet.removal.ticked
+                    name: sheet.removal.onlyCopy.tickTitle
+                    tick: sheet.removal.onlyCopy.ticked ? 1 : 0
+                    onClicked: sheet.removal.onlyCopy.ticked = !sheet.removal.onlyCopy.ticked
                 }
                 AppText {
                     Layout.fillWidth: true
-                    text: sheet.removal.onlyTick
+                    text: sheet.removal.onlyCopy.tickTitle
                     Accessible.ignored: true
                     TapHandler {
                         enabled: !sheet.removing
-                        onTapped: sheet.removal.ticked = !sheet.removal.ticked
+                        onTapped: sheet.removal.onlyCopy.ticked = !sheet.removal.onlyCopy.ticked
                     }
                 }
             }

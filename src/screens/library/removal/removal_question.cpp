@@ -22,10 +22,6 @@ QString sizeText(std::int64_t bytes) {
     return screens::wholeText(formatByteCount(bytes));
 }
 
-QString shown(std::size_t count) {
-    return screens::shownCount(static_cast<std::int64_t>(count));
-}
-
 QString stateOf(Status status) {
     switch (status) {
     case Status::missing:
@@ -53,6 +49,7 @@ RemovalQuestion::RemovalQuestion(CorvaneViewModel& model, QObject* parent)
             &RemovalQuestion::changed);
     connect(&model.library().removal, &ArchiveRemovalFlow::progressChanged, this,
             &RemovalQuestion::progressChanged);
+    connect(&onlyCopy_, &OnlyCopyWarning::changed, this, &RemovalQuestion::changed);
     connect(this, &RemovalQuestion::changed, this, &RemovalQuestion::progressChanged);
 }
 
@@ -75,10 +72,9 @@ void RemovalQuestion::makeList() {
         },
         [this](RemovalList made) {
             if (model_.library().removal.isRemoving()) return;
-            // A tick is for what it was given for.
-            const bool isSame = made.missing == list_.missing && made.unknown == list_.unknown;
-            isTicked_ = isTicked_ && isSame && step_ == Step::Asking;
+            if (step_ != Step::Asking) onlyCopy_.takeBackTick();
             model_.context().tasks.discard(std::exchange(list_, std::move(made)).entries);
+            onlyCopy_.show(list_.missing, list_.unknown);
             report_ = {};
             setStep(Step::Asking);
         });
@@ -138,12 +134,6 @@ void RemovalQuestion::setStep(Step step) {
     Q_EMIT changed();
 }
 
-void RemovalQuestion::setTicked(bool ticked) {
-    if (step_ != Step::Asking || isTicked_ == ticked) return;
-    isTicked_ = ticked;
-    Q_EMIT changed();
-}
-
 bool RemovalQuestion::isConnected() const {
     return std::ranges::all_of(list_.roots, [&](const std::string& root) {
         const ArchiveLocation* location = model_.library().loader.location(root);
@@ -152,8 +142,7 @@ bool RemovalQuestion::isConnected() const {
 }
 
 bool RemovalQuestion::canAccept() const {
-    return step_ == Step::Asking && !listTask_.isRunning() && isConnected() &&
-           (onlyCount() == 0 || isTicked_);
+    return step_ == Step::Asking && !listTask_.isRunning() && isConnected() && onlyCopy_.isAnswered();
 }
 
 QString RemovalQuestion::title() const {
@@ -199,25 +188,6 @@ QVariantList RemovalQuestion::items() const {
     return shown;
 }
 
-QString RemovalQuestion::onlyTitle() const {
-    if (list_.missing > 0)
-        return QStringLiteral("%1 封已不在 Mail 里，这是唯一的一份").arg(shown(list_.missing));
-    if (list_.unknown > 0)
-        return QStringLiteral("%1 封没有对照过 Mail，也可能是唯一的一份").arg(shown(list_.unknown));
-    return {};
-}
-
-QString RemovalQuestion::onlyText() const {
-    if (list_.missing > 0 && list_.unknown > 0)
-        return QStringLiteral("另有 %1 封没有对照过 Mail，也可能是唯一的一份。删除之后，哪里都找不回来。")
-            .arg(shown(list_.unknown));
-    return QStringLiteral("删除之后，哪里都找不回来。");
-}
-
-QString RemovalQuestion::onlyTick() const {
-    return QStringLiteral("我知道，这 %1 封也要删除").arg(screens::shownCount(onlyCount()));
-}
-
 QString RemovalQuestion::note() const {
     if (step_ == Step::Removing) {
         const auto tried = static_cast<std::int64_t>(model_.library().removal.triedFiles());
@@ -225,7 +195,7 @@ QString RemovalQuestion::note() const {
             .arg(screens::shownCount(tried), screens::shownCount(count()));
     }
     if (!isConnected()) return QStringLiteral("归档位置没有连接");
-    return onlyCount() > 0 && !isTicked_ ? QStringLiteral("勾选之后才能删除") : QString();
+    return onlyCopy_.isAnswered() ? QString() : QStringLiteral("勾选之后才能删除");
 }
 
 int RemovalQuestion::failedCount() const {

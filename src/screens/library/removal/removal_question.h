@@ -14,6 +14,7 @@
 
 #include "model/corvane_view_model.h"
 #include "model/tasks/task_slot.h"
+#include "screens/library/removal/only_copy_warning.h"
 #include "screens/library/removal/removal_list.h"
 
 namespace corvane {
@@ -27,10 +28,7 @@ class RemovalQuestion : public QObject {
     Q_PROPERTY(QString line READ line NOTIFY changed)
     // Maps with `subject`, `sender`, `dateText`, `sizeText`, `state` and `only`; of a long list the first.
     Q_PROPERTY(QVariantList items READ items NOTIFY changed)
-    Q_PROPERTY(QString onlyTitle READ onlyTitle NOTIFY changed)
-    Q_PROPERTY(QString onlyText READ onlyText NOTIFY changed)
-    Q_PROPERTY(QString onlyTick READ onlyTick NOTIFY changed)
-    Q_PROPERTY(bool ticked READ isTicked WRITE setTicked NOTIFY changed)
+    Q_PROPERTY(corvane::OnlyCopyWarning* onlyCopy READ onlyCopy CONSTANT)
     Q_PROPERTY(bool canAccept READ canAccept NOTIFY changed)
     Q_PROPERTY(QString note READ note NOTIFY progressChanged)
     Q_PROPERTY(bool canStop READ canStop NOTIFY progressChanged)
@@ -72,14 +70,7 @@ class RemovalQuestion : public QObject {
     [[nodiscard]] QString line() const;
     [[nodiscard]] QVariantList items() const;
 
-    // Empty where every original is known to be in Mail.
-    [[nodiscard]] QString onlyTitle() const;
-    [[nodiscard]] QString onlyText() const;
-    [[nodiscard]] QString onlyTick() const;
-
-    [[nodiscard]] bool isTicked() const { return isTicked_; }
-
-    void setTicked(bool ticked);
+    [[nodiscard]] OnlyCopyWarning* onlyCopy() { return &onlyCopy_; }
 
     [[nodiscard]] bool canAccept() const;
     [[nodiscard]] QString note() const;
@@ -112,17 +103,12 @@ class RemovalQuestion : public QObject {
     [[nodiscard]] bool isConnected() const;
     [[nodiscard]] QString failedLine() const;
 
-    // Mail that may be the only copy.
-    [[nodiscard]] std::int64_t onlyCount() const {
-        return static_cast<std::int64_t>(list_.missing + list_.unknown);
-    }
-
     CorvaneViewModel& model_;
     Step step_ = Step::Closed;
     Asked asked_;
     RemovalList list_;
     RemovalReport report_;
-    bool isTicked_ = false;
+    OnlyCopyWarning onlyCopy_;
     bool isOurs_ = false; // the removal that is under way
     bool isStopping_ = false;
     QElapsedTimer begun_;
