@@ -1,6 +1,7 @@
 #include "screens/places/place_rows_model.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 
 #include "records/texts/formatters.h"
@@ -118,101 +119,77 @@ PlaceRow placeRow(const PlaceRowInput& input) {
 
 } // namespace screens
 
+namespace {
+
+bool isAtWork(const PlaceRow& row) {
+    return !row.workText.isEmpty();
+}
+
+struct Column {
+    PlaceRowsModel::Role role;
+    const char* name;
+    QVariant (*value)(const PlaceRow& row);
+};
+
+using Row = const PlaceRow&;
+using Model = PlaceRowsModel;
+
+const auto columns = std::to_array<Column>({
+    {Model::NameRole, "name", [](Row row) { return QVariant(screens::shownLine(row.place.name)); }},
+    {Model::PathRole, "path", [](Row row) { return QVariant(row.pathText); }},
+    {Model::SymbolRole, "symbol", [](Row row) { return QVariant(symbolOf(row.place)); }},
+    {Model::IsDefaultRole, "isDefault", [](Row row) { return QVariant(row.place.isDefault); }},
+    {Model::StateTextRole, "stateText",
+     [](Row row) { return QVariant(QString::fromUtf16(textsOf(row.place).text)); }},
+    {Model::StateKindRole, "stateKind",
+     [](Row row) { return QVariant(QString::fromUtf16(textsOf(row.place).kind)); }},
+    {Model::StateSymbolRole, "stateSymbol",
+     [](Row row) { return QVariant(QString::fromUtf16(textsOf(row.place).symbol)); }},
+    {Model::CountTextRole, "countText", [](Row row) { return QVariant(countText(row.place)); }},
+    {Model::SizeTextRole, "sizeText", [](Row row) { return QVariant(screens::shownSize(row.place.bytes)); }},
+    {Model::SeenTextRole, "seenText", [](Row row) { return QVariant(seenText(row.place)); }},
+    {Model::WorkTextRole, "workText", [](Row row) { return QVariant(row.workText); }},
+    {Model::WorkShareRole, "workShare", [](Row row) { return QVariant(row.workShare); }},
+    {Model::TimeLeftTextRole, "timeLeftText", [](Row row) { return QVariant(row.timeLeftText); }},
+    {Model::IsWaitingRole, "isWaiting", [](Row row) { return QVariant(row.isWaiting); }},
+    {Model::IsCountedRole, "isCounted", [](Row row) { return QVariant(row.isCounted); }},
+    {Model::ReportKindRole, "reportKind", [](Row row) { return QVariant(row.report.kind); }},
+    {Model::ReportTitleRole, "reportTitle", [](Row row) { return QVariant(row.report.title); }},
+    {Model::ReportLineRole, "reportLine", [](Row row) { return QVariant(row.report.line); }},
+    {Model::ReportDateRole, "reportDate", [](Row row) { return QVariant(row.report.dateText); }},
+    {Model::FindingsRole, "findings", [](Row row) { return QVariant(row.report.findings); }},
+    {Model::FindingsLeftOutRole, "findingsLeftOut",
+     [](Row row) { return QVariant(row.report.findingsLeftOut); }},
+    {Model::OffersRebuildRole, "offersRebuild",
+     [](Row row) { return QVariant(row.report.offersRebuild && !row.isBusy); }},
+    {Model::CanVerifyRole, "canVerify",
+     [](Row row) {
+         return QVariant(row.place.state.kind == Kind::connected && !isAtWork(row) && !row.isBusy);
+     }},
+    {Model::CanBeDefaultRole, "canBeDefault",
+     [](Row row) {
+         return QVariant(!row.place.isDefault && screens::isReachable(row.place) && !row.isBusy);
+     }},
+    {Model::CanShowRole, "canShow", [](Row row) { return QVariant(screens::isReachable(row.place)); }},
+    {Model::CanForgetRole, "canForget",
+     [](Row row) { return QVariant(!isAtWork(row) && !(row.isBusy && row.place.isDefault)); }},
+    {Model::CanReplaceRole, "canReplace",
+     [](Row row) { return QVariant(row.place.state.kind == Kind::gone && !row.isBusy); }},
+    {Model::SpokenNameRole, "spokenName", [](Row row) { return QVariant(spokenName(row)); }},
+});
+
+} // namespace
+
 QHash<int, QByteArray> PlaceRowsModel::roleNames() const {
-    return {{NameRole, "name"},
-            {PathRole, "path"},
-            {SymbolRole, "symbol"},
-            {IsDefaultRole, "isDefault"},
-            {StateTextRole, "stateText"},
-            {StateKindRole, "stateKind"},
-            {StateSymbolRole, "stateSymbol"},
-            {CountTextRole, "countText"},
-            {SizeTextRole, "sizeText"},
-            {SeenTextRole, "seenText"},
-            {WorkTextRole, "workText"},
-            {WorkShareRole, "workShare"},
-            {TimeLeftTextRole, "timeLeftText"},
-            {IsWaitingRole, "isWaiting"},
-            {IsCountedRole, "isCounted"},
-            {ReportKindRole, "reportKind"},
-            {ReportTitleRole, "reportTitle"},
-            {ReportLineRole, "reportLine"},
-            {ReportDateRole, "reportDate"},
-            {FindingsRole, "findings"},
-            {FindingsLeftOutRole, "findingsLeftOut"},
-            {OffersRebuildRole, "offersRebuild"},
-            {CanVerifyRole, "canVerify"},
-            {CanBeDefaultRole, "canBeDefault"},
-            {CanShowRole, "canShow"},
-            {CanForgetRole, "canForget"},
-            {CanReplaceRole, "canReplace"},
-            {SpokenNameRole, "spokenName"}};
+    QHash<int, QByteArray> names;
+    for (const Column& column : columns) names.insert(column.role, column.name);
+    return names;
 }
 
 QVariant PlaceRowsModel::value(const PlaceRow& row, int role) const {
-    const ArchivePlace& place = row.place;
-    const StateTexts state = textsOf(place);
-    const bool isAtWork = !row.workText.isEmpty();
-    switch (role) {
-    case NameRole:
-        return screens::shownLine(place.name);
-    case PathRole:
-        return row.pathText;
-    case SymbolRole:
-        return symbolOf(place);
-    case IsDefaultRole:
-        return place.isDefault;
-    case StateTextRole:
-        return QString::fromUtf16(state.text);
-    case StateKindRole:
-        return QString::fromUtf16(state.kind);
-    case StateSymbolRole:
-        return QString::fromUtf16(state.symbol);
-    case CountTextRole:
-        return countText(place);
-    case SizeTextRole:
-        return screens::shownSize(place.bytes);
-    case SeenTextRole:
-        return seenText(place);
-    case WorkTextRole:
-        return row.workText;
-    case WorkShareRole:
-        return row.workShare;
-    case TimeLeftTextRole:
-        return row.timeLeftText;
-    case IsWaitingRole:
-        return row.isWaiting;
-    case IsCountedRole:
-        return row.isCounted;
-    case ReportKindRole:
-        return row.report.kind;
-    case ReportTitleRole:
-        return row.report.title;
-    case ReportLineRole:
-        return row.report.line;
-    case ReportDateRole:
-        return row.report.dateText;
-    case FindingsRole:
-        return row.report.findings;
-    case FindingsLeftOutRole:
-        return row.report.findingsLeftOut;
-    case OffersRebuildRole:
-        return row.report.offersRebuild && !row.isBusy;
-    case CanVerifyRole:
-        return place.state.kind == Kind::connected && !isAtWork && !row.isBusy;
-    case CanBeDefaultRole:
-        return !place.isDefault && screens::isReachable(place) && !row.isBusy;
-    case CanShowRole:
-        return screens::isReachable(place);
-    case CanForgetRole:
-        return !isAtWork && !(row.isBusy && place.isDefault);
-    case CanReplaceRole:
-        return place.state.kind == Kind::gone && !row.isBusy;
-    case SpokenNameRole:
-        return spokenName(row);
-    default:
-        return {};
-    }
+    const auto isOfRole = [role](const Column& each) { return each.role == role; };
+    const auto* const found = std::ranges::find_if(columns, isOfRole);
+    return found == columns.end() ? QVariant() : found->value(row);
 }
 
 } // namespace corvane
