@@ -66,6 +66,16 @@ Sheet {
             lines: sheet.hasError ? sheet.archive.errorText.split("\n\n") : [sheet.remark.text]
             lineMeasure: Theme.bodyMeasure
         }
+        Banner {
+            objectName: "refusalBanner"
+            Layout.fillWidth: true
+            Layout.topMargin: 12
+            visible: sheet.archive.quickDestinations.refusal.length > 0
+            kind: "danger"
+            headline: "不能归档到这里，位置没有改"
+            lines: [sheet.archive.quickDestinations.refusal]
+            lineMeasure: Theme.bodyMeasure
+        }
         RebuildBanner {
             Layout.fillWidth: true
             Layout.topMargin: visible ? 12 : 0

@@ -27,6 +27,7 @@ set(archive_sources
     archive_screen.cpp
     archive_texts.cpp
     run_pace.cpp
+    places/folder_obstacle.cpp
     places/folder_texts.cpp
     places/folder_choice.cpp
     places/folder_picker.cpp

@@ -14,7 +14,10 @@ BottomBar {
     readonly property var destination: home.destination
     readonly property var selection: home.selection
     readonly property var remark: destination.locationBarRemark
-    readonly property color remarkColor: Theme.toneText(remark.kind)
+    readonly property string refusal: archive.quickDestinations.refusal
+    readonly property color remarkColor: Theme.toneText(refusal.length > 0 ? "danger" : remark.kind)
+    readonly property string remarkText: refusal.length > 0 ? "位置没有改。" + refusal
+        : remark.title.length > 0 ? remark.title + "。" + remark.text : remark.text
 
     objectName: "locationBar"
     implicitHeight: Math.max(Theme.bottomBarHeight, place.implicitHeight + 22)
@@ -29,11 +32,11 @@ BottomBar {
             spacing: 12
 
             Symbol {
-                Layout.alignment: bar.remark.text.length > 0 ? Qt.AlignTop : Qt.AlignVCenter
-                Layout.topMargin: bar.remark.text.length > 0 ? 2 : 0
+                Layout.alignment: bar.remarkText.length > 0 ? Qt.AlignTop : Qt.AlignVCenter
+                Layout.topMargin: bar.remarkText.length > 0 ? 2 : 0
                 size: 20
                 name: bar.destination.isChosen ? bar.destination.symbol : "externaldrive"
-                color: bar.remark.kind.length > 0 ? bar.remarkColor : Theme.text2
+                color: bar.refusal.length > 0 || bar.remark.kind.length > 0 ? bar.remarkColor : Theme.text2
             }
             ColumnLayout {
                 Layout.fillWidth: true
@@ -79,7 +82,7 @@ BottomBar {
                     Layout.fillWidth: true
                     Layout.maximumWidth: Theme.noteMeasure
                     visible: text.length > 0
-                    text: bar.remark.title.length > 0 ? bar.remark.title + "。" + bar.remark.text : bar.remark.text
+                    text: bar.remarkText
                     role: AppText.Note
                     wrapMode: Text.Wrap
                     maximumLineCount: 3

@@ -280,12 +280,19 @@ TEST_F(ArchiveSheet, QuickDestinationsDoNotBeginASecondArchiveBesideOne) {
     EXPECT_EQ(text(2, QuickDestinations::DetailRole), "~/Documents");
     EXPECT_EQ(text(2, QuickDestinations::ChosenRole), "true");
     quick.choose(1);
+    settle();
     EXPECT_EQ(model_.archiving().destinations.transferDestination(),
               home_.at("Library/CloudStorage/Nutstore-lin@x/邮件归档"));
     quick.choose(0);
+    settle();
     EXPECT_EQ(model_.archiving().destinations.transferDestination(),
               home_.at("Library/CloudStorage/Box-b/旧归档"));
+    home_.write("一个文件", "x");
+    quick.chooseFolder(QUrl::fromLocalFile(QString::fromStdString(home_.at("一个文件/归档"))));
     settle();
+    EXPECT_FALSE(quick.refusal().isEmpty());
+    EXPECT_EQ(model_.archiving().destinations.transferDestination(),
+              home_.at("Library/CloudStorage/Box-b/旧归档"));
 }
 
 TEST_F(ArchiveSheet, AHundredThousandCandidatesAreShownAndTickedWithoutHoldingTheWindow) {

@@ -8,6 +8,7 @@
 #include "locations/places/destination_detection.h"
 #include "locations/places/folder_facts.h"
 #include "platform/paths.h"
+#include "screens/archive/places/folder_obstacle.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {
@@ -39,18 +40,6 @@ struct TakeJob {
     std::string path;
     bool makes = false;
 };
-
-// Why an archive can't lie there, in the user's words; empty where it can. Makes the folder where that is
-// wanted.
-QString takingObstacle(const TakeJob& job, PlaceLook& look) {
-    if (job.makes) {
-        const FolderListing made =
-            corvane::makeFolder(std::string(platform::parentPath(job.path)),
-                                std::string(platform::lastPathComponent(job.path)), look);
-        if (made.error) return screens::folderErrorText(made.error, screens::FolderAction::make);
-    }
-    return screens::folderErrorText(writingObstacle(job.path), screens::FolderAction::write);
-}
 
 QString shownFolderPath(const std::string& path) {
     return screens::shownLine(path, pathLimit);
@@ -274,10 +263,7 @@ void FolderPicker::takeFolder(std::string path, bool makes) {
         LookJob<TakeJob>{model_.context().platform, model_.context().support.files(), {path, makes}},
         [](const LookJob<TakeJob>& job, const TaskHandle& task) {
             PlaceLooks looks(job.platform, job.files, task.stopToken());
-            const auto obstacle = looks.ask<QString>(
-                job.about.path, [about = job.about](PlaceLook& look) { return takingObstacle(about, look); });
-            return obstacle.value_or(screens::folderErrorText(std::make_error_code(std::errc::timed_out),
-                                                              screens::FolderAction::write));
+            return screens::archiveFolderObstacle(job.about.path, job.about.makes, looks);
         },
         [this, path](const QString& obstacle) {
             setBusy(false);

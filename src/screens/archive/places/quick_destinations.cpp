@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "locations/places/place_looks.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
+#include "screens/archive/places/folder_obstacle.h"
 #include "screens/texts/destination_texts.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
@@ -25,9 +27,14 @@ QString shownFolder(const std::string& path, const std::string& home) {
 QuickDestinations::QuickDestinations(CorvaneViewModel& model, QObject* parent)
   : RecordListModel(parent)
   , model_(model)
-  , detectionTask_(model.context().tasks) {
-    connect(&model.archiving().destinations, &ArchiveDestinations::destinationChanged, this,
-            &QuickDestinations::show);
+  , detectionTask_(model.context().tasks)
+  , useTask_(model.context().tasks) {
+    connect(&model.archiving().destinations, &ArchiveDestinations::destinationChanged, this, [this] {
+        // What was asked for another place doesn't matter any more.
+        useTask_.cancel();
+        setRefusal({});
+        show();
+    });
     connect(&model.archiving().destinations, &ArchiveDestinations::factsChanged, this,
             &QuickDestinations::show);
     show();
@@ -149,15 +156,41 @@ void QuickDestinations::refreshDetectedDestinations() {
 }
 
 void QuickDestinations::chooseFolder(const QUrl& folder) {
-    if (folder.isLocalFile())
-        model_.archiving().destinations.setTransferDestination(folder.toLocalFile().toStdString());
+    if (folder.isLocalFile()) use(folder.toLocalFile().toStdString());
+}
+
+void QuickDestinations::use(const std::string& path) {
+    struct Job {
+        const platform::Platform& platform;
+        platform::FileLayer& files;
+        std::string path;
+    };
+
+    setRefusal({});
+    useTask_.start(
+        TaskPriority::userInitiated, Job{model_.context().platform, model_.context().support.files(), path},
+        [](const Job& job, const TaskHandle& task) {
+            PlaceLooks looks(job.platform, job.files, task.stopToken());
+            return screens::archiveFolderObstacle(job.path, true, looks);
+        },
+        [this, path](const QString& obstacle) {
+            if (obstacle.isEmpty()) return model_.archiving().destinations.setTransferDestination(path);
+            setRefusal(QStringLiteral("「%1」：")
+                           .arg(screens::shownLine(std::string(platform::lastPathComponent(path)))) +
+                       obstacle);
+        });
+}
+
+void QuickDestinations::setRefusal(const QString& text) {
+    if (refusal_ == text) return;
+    refusal_ = text;
+    Q_EMIT refusalChanged();
 }
 
 void QuickDestinations::choose(int row) {
     const QuickDestination* const chosen = record(row);
     if (chosen == nullptr || !chosen->isConnected || chosen->isChosen) return;
-    // Copied: the rows are replaced when the destination changes.
-    model_.archiving().destinations.setTransferDestination(std::string(chosen->path));
+    use(chosen->path);
 }
 
 } // namespace corvane

@@ -37,6 +37,7 @@ class QuickDestinations : public RecordListModel<QuickDestination, QuickDestinat
     QML_ELEMENT
     QML_UNCREATABLE("part of the archive sheet")
     Q_PROPERTY(bool hasQuickDestinations READ hasQuickDestinations NOTIFY placesChanged)
+    Q_PROPERTY(QString refusal READ refusal NOTIFY refusalChanged)
 
   public:
     enum Role { NameRole = FirstRole, DetailRole, SymbolRole, ChosenRole, ConnectedRole };
@@ -47,8 +48,13 @@ class QuickDestinations : public RecordListModel<QuickDestination, QuickDestinat
 
     [[nodiscard]] bool hasQuickDestinations() const;
 
+    // Why the place that was pressed last can't be had: the destination stayed as it was. Empty otherwise.
+    [[nodiscard]] const QString& refusal() const { return refusal_; }
+
     void refreshDetectedDestinations();
 
+    // Both make the folder where there is none. It becomes the destination once it was seen that an archive
+    // can lie there; else `refusal` says why not.
     Q_INVOKABLE void choose(int row);
 
     // No effect for an address that is no local file.
@@ -56,6 +62,7 @@ class QuickDestinations : public RecordListModel<QuickDestination, QuickDestinat
 
   Q_SIGNALS:
     void placesChanged();
+    void refusalChanged();
 
   protected:
     [[nodiscard]] QVariant value(const QuickDestination& destination, int role) const override;
@@ -66,11 +73,15 @@ class QuickDestinations : public RecordListModel<QuickDestination, QuickDestinat
     [[nodiscard]] std::string archiveFolderIn(const std::string& place) const;
     [[nodiscard]] QuickDestination rowOfFolder(const std::string& path) const;
     void show();
+    void use(const std::string& path);
+    void setRefusal(const QString& text);
 
     CorvaneViewModel& model_;
     std::vector<CloudStorageProvider> detectedProviders_;
     std::vector<CloudStorageProvider> detectedVolumes_;
+    QString refusal_;
     TaskSlot detectionTask_;
+    TaskSlot useTask_;
 };
 
 } // namespace corvane
