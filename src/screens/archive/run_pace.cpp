@@ -33,7 +33,7 @@ std::chrono::seconds RunPace::elapsed(Moment now) const {
 }
 
 std::optional<double> RunPace::rate() const {
-    if (reports_.size() < 2) return std::nullopt;
+    if (reports_.size() < 2 || reports_.back().completed == 0) return std::nullopt;
     const std::chrono::duration<double> passed = reports_.back().moment - reports_.front().moment;
     if (passed.count() <= 0) return std::nullopt;
     return static_cast<double>(reports_.back().completed - reports_.front().completed) / passed.count();

@@ -22,7 +22,7 @@ class RunPace {
 
     [[nodiscard]] std::chrono::seconds elapsed(Moment now) const;
 
-    // Messages a second; absent before the second report.
+    // Messages a second; absent before the second report, and while no message is done.
     [[nodiscard]] std::optional<double> rate() const;
 
     // Absent in the first three seconds, and while no message is done.

@@ -17,7 +17,8 @@ TEST(RunPaces, NothingIsForecastInTheFirstThreeSeconds) {
     pace.start(at(0));
     EXPECT_EQ(pace.rate(), std::nullopt);
     pace.report(0, at(0));
-    EXPECT_EQ(pace.rate(), std::nullopt);
+    pace.report(0, at(500));
+    EXPECT_EQ(pace.rate(), std::nullopt) << "nothing is done yet";
     pace.report(40, at(1000));
     EXPECT_DOUBLE_EQ(pace.rate().value(), 40);
     EXPECT_EQ(pace.timeLeft(400, at(2999)), std::nullopt);
