@@ -1,4 +1,5 @@
-// A tooltip. `shown` opens it after the usual wait.
+// A tooltip. `shown` opens it after the usual wait, and not before the pointer has moved: what comes under a resting one
+// explains nothing.
 import QtQuick
 import QtQuick.Templates as T
 import Corvane
@@ -7,11 +8,16 @@ T.ToolTip {
     id: tip
 
     property bool shown: false
+    property bool pointed: false
     // Somebody acts: it would stand in the way, until the pointer has been elsewhere.
     property bool dismissed: false
 
-    visible: shown && !dismissed
-    onShownChanged: if (!shown) dismissed = false
+    visible: shown && pointed && !dismissed
+    onShownChanged: {
+        pointed = shown && KeyboardFocus.pointerMovedLately();
+        if (!shown)
+            dismissed = false;
+    }
     delay: Theme.tooltipDelay
     y: parent ? parent.height + Theme.half : 0
     x: 0
@@ -26,6 +32,9 @@ T.ToolTip {
         target: KeyboardFocus
         function onPressed() {
             tip.dismissed = tip.shown;
+        }
+        function onPointerMoved() {
+            tip.pointed = tip.shown;
         }
     }
     contentItem: Text {

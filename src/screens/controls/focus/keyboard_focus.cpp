@@ -27,6 +27,8 @@ bool moveBetweenGroups(const QQuickWindow& window, bool forward) {
     return true;
 }
 
+constexpr qint64 pointerRest = 250; // milliseconds
+
 } // namespace
 
 KeyboardFocus::KeyboardFocus(QObject* parent)
@@ -74,8 +76,10 @@ bool KeyboardFocus::holdsBack(const QKeyEvent& press) {
 // it.
 bool KeyboardFocus::eventFilter(QObject* watched, QEvent* event) {
     const bool isKey = event->type() == QEvent::KeyPress;
+    if (event->type() == QEvent::MouseMove && watched->isWindowType()) restartPointerRest();
     if (!isKey && event->type() != QEvent::MouseButtonPress) return false;
     setInUse(isKey);
+    pointerMove_.invalidate();
     if (watched->isWindowType()) Q_EMIT pressed();
     if (!isKey) return false;
     const auto* window = qobject_cast<QQuickWindow*>(watched);
@@ -85,6 +89,16 @@ bool KeyboardFocus::eventFilter(QObject* watched, QEvent* event) {
     if (press->key() == Qt::Key_Tab) return moveBetweenGroups(*window, true);
     if (press->key() == Qt::Key_Backtab) return moveBetweenGroups(*window, false);
     return false;
+}
+
+bool KeyboardFocus::pointerMovedLately() const {
+    return pointerMove_.isValid() && pointerMove_.elapsed() < pointerRest;
+}
+
+void KeyboardFocus::restartPointerRest() {
+    const bool rested = !pointerMovedLately();
+    pointerMove_.start();
+    if (rested) Q_EMIT pointerMoved();
 }
 
 void KeyboardFocus::setInUse(bool inUse) {

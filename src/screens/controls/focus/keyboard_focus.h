@@ -1,5 +1,6 @@
 // The keyboard over the whole program: whether it is what the user works with, which decides where a focus
-// ring is shown, and Tab, which goes from group to group (see focus_group.h). Main thread.
+// ring is shown, and Tab, which goes from group to group (see focus_group.h); and whether the pointer moves,
+// which decides about tooltips. Main thread.
 #pragma once
 
 #include <QElapsedTimer>
@@ -37,6 +38,9 @@ class KeyboardFocus : public QObject {
     // Return and Space are held back at this moment.
     [[nodiscard]] bool awaitsFreshKey() const;
 
+    // The pointer was moved a moment ago, and nothing was pressed since: what it is over now it was led to.
+    Q_INVOKABLE [[nodiscard]] bool pointerMovedLately() const;
+
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   Q_SIGNALS:
@@ -44,15 +48,19 @@ class KeyboardFocus : public QObject {
     void freshKeyPauseChanged();
     // A key or a button of the pointer was pressed, whatever comes of it.
     void pressed();
+    // After a rest; not for each step of a movement.
+    void pointerMoved();
 
   private:
     void setInUse(bool inUse);
+    void restartPointerRest();
     bool holdsBack(const QKeyEvent& press);
 
     bool inUse_ = false;
     int freshKeyPause_ = 500;
     bool ignoresHeldKey_ = false;
     QElapsedTimer awaitedSince_;
+    QElapsedTimer pointerMove_; // since the last movement
 };
 
 } // namespace corvane
