@@ -11,6 +11,8 @@ T.ComboBox {
     property string symbol: ""
     property string name: ""
     property bool showHovered: hovered
+    // Of the choices, as far down as anybody looks at first; known while they are shown.
+    property real widestChoice: 0
     property bool showFocus: activeFocus && KeyboardFocus.inUse
 
     implicitWidth: leftPadding + label.implicitWidth + rightPadding
@@ -20,6 +22,19 @@ T.ComboBox {
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
     Accessible.name: name.length > 0 ? name + "：" + displayText : displayText
+
+    TextMetrics {
+        id: metrics
+        font: label.font
+    }
+    function measureChoices() {
+        let widest = 0;
+        for (let i = 0; i < Math.min(count, 200); ++i) {
+            metrics.text = textAt(i);
+            widest = Math.max(widest, metrics.advanceWidth);
+        }
+        widestChoice = Math.ceil(widest);
+    }
 
     contentItem: Item {
         implicitWidth: label.implicitWidth
@@ -67,10 +82,11 @@ T.ComboBox {
     }
     popup: T.Popup {
         y: button.height + 2
-        width: Math.max(button.width, 160)
+        width: Math.max(button.width, 160, Math.min(button.widestChoice + 48, 360))
         height: Math.min(rows.contentHeight + 2 * verticalPadding, 360)
         verticalPadding: Theme.half
         margins: Theme.space
+        onAboutToShow: button.measureChoices()
 
         contentItem: ListView {
             id: rows
