@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <utility>
 
+#include <QGuiApplication>
+
 #include "platform/paths.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
@@ -32,6 +34,9 @@ void PlacesScreen::wire() {
     refreshes(&model_.library().loader, &LibraryLoader::loadFinished);
     refreshes(&model_.library().loader, &LibraryLoader::archiveLocationsChanged);
     refreshes(&model_.archiving().destinations, &ArchiveDestinations::destinationChanged);
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive) refreshWhileOpen();
+    });
     connect(&model_.library().loader, &LibraryLoader::loadFinished, this, &PlacesScreen::dropReplaced);
     connect(&picker_, &FolderPicker::chosen, this, [this] { add(picker_.chosenPath()); });
 }

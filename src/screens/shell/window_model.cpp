@@ -8,6 +8,7 @@
 #include <tuple>
 #include <utility>
 
+#include <QGuiApplication>
 #include <QUrl>
 #include <fmt/format.h>
 
@@ -85,6 +86,13 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
             &WindowModel::destinationChanged);
     connect(&model.archiving().destinations, &ArchiveDestinations::factsChanged, this,
             &WindowModel::destinationChanged);
+    // Not every system tells of a folder that was renamed or taken away; somebody who comes back may have
+    // done so.
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state != Qt::ApplicationActive || !startedUp_) return;
+        model_.library().loader.refreshArchiveLocationConnectionStates();
+        model_.archiving().destinations.refreshFacts();
+    });
     showFigures();
     sidebar_.publish();
 }
