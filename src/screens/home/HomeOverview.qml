@@ -47,7 +47,7 @@ FocusScope {
                 proof: overview.home.proof
                 kind: bannerPart.kind
                 onTroublesRequested: overview.home.showTroubled()
-                onPartialMailRequested: (partialHelp.made() as PartialMailHelp).open()
+                onPartialMailRequested: (partialHelp.made() as PartialMailHelp)?.open()
             }
         }
         HomeChart {

@@ -99,7 +99,7 @@ ScreenPage {
         id: folderAccess
         HomeFolderAccess {
             home: page.home
-            onOtherMailRequested: (otherMail.made() as OtherMailSheet).ask()
+            onOtherMailRequested: (otherMail.made() as OtherMailSheet)?.ask()
         }
     }
     Component {
@@ -112,7 +112,7 @@ ScreenPage {
         id: firstUse
         HomeFirstUse {
             home: page.home
-            onOtherMailRequested: (otherMail.made() as OtherMailSheet).ask()
+            onOtherMailRequested: (otherMail.made() as OtherMailSheet)?.ask()
         }
     }
     Component {

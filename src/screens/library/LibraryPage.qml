@@ -74,7 +74,7 @@ ScreenPage {
             focus: true
             low: page.low
             screen: page.screen
-            onMenuRequested: (x, y) => (menu.made() as LibraryMenu).popup(list, x, y)
+            onMenuRequested: (x, y) => (menu.made() as LibraryMenu)?.popup(list, x, y)
             onPageRequested: forward => detail.turnPage(forward)
         }
         ArchivedMailView {
@@ -85,8 +85,8 @@ ScreenPage {
             height: parent.height
             screen: page.screen
             low: page.low
-            onMenuRequested: button => (menu.made() as LibraryMenu).popup(button, 0, button.height + Theme.half)
-            onSaveRequested: row => (saving.made() as SaveSheet).ask(row)
+            onMenuRequested: button => (menu.made() as LibraryMenu)?.popup(button, 0, button.height + Theme.half)
+            onSaveRequested: row => (saving.made() as SaveSheet)?.ask(row)
         }
         Splitter {
             id: splitter

@@ -103,7 +103,7 @@ ScreenPage {
             screen: page.screen
             showsFilterButton: !page.showsFilters
             onFiltersRequested: button => filterPopup.openAt(button)
-            onMenuRequested: (x, y) => (menu.made() as MessageMenu).popup(list, x, y)
+            onMenuRequested: (x, y) => (menu.made() as MessageMenu)?.popup(list, x, y)
             onPageRequested: forward => detail.turnPage(forward)
         }
         MessageDetailView {
@@ -114,7 +114,7 @@ ScreenPage {
             height: parent.height
             screen: page.screen
             low: page.low
-            onMenuRequested: button => (menu.made() as MessageMenu).popup(button, 0, button.height + Theme.half)
+            onMenuRequested: button => (menu.made() as MessageMenu)?.popup(button, 0, button.height + Theme.half)
         }
         Splitter {
             id: splitter

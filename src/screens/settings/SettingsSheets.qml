@@ -16,13 +16,13 @@ Item {
         if (hasSystemDialogs)
             exportDialog.active = true;
         else
-            (exportSheet.made() as BackupFolderSheet).ask();
+            (exportSheet.made() as BackupFolderSheet)?.ask();
     }
     function importSettings() {
         if (hasSystemDialogs)
             importDialog.active = true;
         else
-            (importSheet.made() as BackupFolderSheet).ask();
+            (importSheet.made() as BackupFolderSheet)?.ask();
     }
 
     OnDemand {

@@ -41,7 +41,7 @@ FocusScope {
             enterPage();
     }
     function showPlaces() {
-        (places.made() as PlacesSheet).show();
+        (places.made() as PlacesSheet)?.show();
     }
     function find() {
         const field = currentPage?.searchField as SearchField;

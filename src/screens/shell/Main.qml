@@ -10,6 +10,8 @@ Window {
 
     required property WindowModel app
     property bool endsForGood: false
+    // The question couldn't be shown: the run is stopped as if it had been answered so.
+    property bool endAfterRun: false
     // Asked here so that it watches the keys from the first one on.
     readonly property bool keyboardInUse: KeyboardFocus.inUse
 
@@ -23,7 +25,11 @@ Window {
     onClosing: close => {
         if (app.archiving && !endsForGood) {
             close.accepted = false;
-            (question.made() as CloseQuestion).open();
+            const asked = question.made() as CloseQuestion;
+            if (asked)
+                asked.open();
+            else
+                endAfterRun = true;
         }
     }
 
@@ -36,6 +42,17 @@ Window {
         id: question
         source: Qt.resolvedUrl("CloseQuestion.qml")
         properties: ({ app: root.app })
+    }
+    onEndAfterRunChanged: app.stopArchiving()
+
+    Connections {
+        target: root.app
+        function onStopped() {
+            if (!root.endAfterRun)
+                return;
+            root.endsForGood = true;
+            root.close();
+        }
     }
     Connections {
         target: question.item

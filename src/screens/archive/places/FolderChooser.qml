@@ -19,7 +19,7 @@ Item {
         if (Qt.platform.os === "osx")
             systemPicker.active = true;
         else
-            (own.made() as FolderSheet).ask();
+            (own.made() as FolderSheet)?.ask();
     }
 
     OnDemand {

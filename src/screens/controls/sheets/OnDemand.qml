@@ -13,10 +13,12 @@ Item {
     // Null until it is made.
     property var item: null
 
+    // Null where the file can't be made, which is logged.
     function made(): var {
         if (!item) {
             const component = Qt.createComponent(source);
-            item = component.createObject(holder, properties);
+            if (component.status === Component.Ready)
+                item = component.createObject(holder, properties);
             if (!item)
                 console.error(component.errorString());
         }
