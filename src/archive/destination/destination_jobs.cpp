@@ -86,13 +86,18 @@ class IndexGuard final : public platform::ForwardingFileLayer {
     bool hasChanged_ = false;
 };
 
-// False when the folder isn't there any more, or its entries can't be forced to the storage.
-bool syncWritten(FileLayer& files, const ArchiveFolders& folders, const WrittenFolder& folder) {
+enum class FolderSync {
+    stored,
+    notStored, // a device tells this once: asked again, it may say that all is well
+    notSeen,   // isn't there any more, or nobody could look
+};
+
+FolderSync syncWritten(FileLayer& files, const ArchiveFolders& folders, const WrittenFolder& folder) {
     const auto descriptor = folders.open(files, folder.relativePath);
     struct stat status{};
-    if (!descriptor || files.statOpen(descriptor.get(), status) != 0) return false;
-    return platform::FileIdentity::of(status) == folder.identity &&
-           syncDirectory(files, descriptor.get()) != EIO;
+    if (!descriptor || files.statOpen(descriptor.get(), status) != 0) return FolderSync::notSeen;
+    if (platform::FileIdentity::of(status) != folder.identity) return FolderSync::notSeen;
+    return syncDirectory(files, descriptor.get()) == EIO ? FolderSync::notStored : FolderSync::stored;
 }
 
 } // namespace
@@ -156,10 +161,10 @@ void FolderSyncing::run(FileLayer& files, JobLimit& limit) {
     std::set<std::string> above{""};
     for (const WrittenFolder& folder : touched) {
         limit.restart();
+        FolderSync outcome = syncWritten(files, *folders, folder);
         // A second look before the mails of a whole folder fail for a moment's failure.
-        if (!syncWritten(files, *folders, folder) && !syncWritten(files, *folders, folder)) {
-            lost.insert(folder);
-        }
+        if (outcome == FolderSync::notSeen) outcome = syncWritten(files, *folders, folder);
+        if (outcome != FolderSync::stored) lost.insert(folder);
         for (std::string_view path = folder.relativePath; !path.empty();) {
             path = platform::parentPath(path);
             above.emplace(path);
