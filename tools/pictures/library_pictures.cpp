@@ -136,7 +136,7 @@ void failToRemove(WindowScene& scene, QQuickWindow& window) {
         scene.model().archiving().destinations.transferDestination().value_or("") + "/2021";
     std::filesystem::rename(folder + "/y1.eml", folder + "/y1");
     std::filesystem::create_directory(folder + "/y1.eml");
-    question.setTicked(true);
+    question.onlyCopy()->setTicked(true);
     question.accept();
     wait(scene, 1500);
 }
