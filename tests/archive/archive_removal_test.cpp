@@ -88,16 +88,17 @@ class ArchiveRemovalTest : public ::testing::Test {
 };
 
 TEST_F(ArchiveRemovalTest, FileAndRecordGoAndNothingElse) {
-    makeArchive();
+    makeArchive({recordAt("mid:long", std::string(251, 'x') + ".eml")});
     const Date before = index().updatedAt;
     Tree expected = files();
     expected.erase("2019/a/mid:a.eml");
     expected.erase("2019/a/mid:b.eml");
     fs::remove(root_ + "/2019/a/mid:b.eml"); // gone already
-    const ArchiveRemoval removal = remove({a_, b_, a_, {"mid:never", "x.eml"}});
-    EXPECT_EQ(removal.removed, (Ids{"mid:a", "mid:b", "mid:never"}));
+    const RecordToRemove unnameable{"mid:long", std::string(251, 'x') + ".eml"};
+    const ArchiveRemoval removal = remove({a_, b_, a_, unnameable, {"mid:never", "x.eml"}});
+    EXPECT_EQ(removal.removed, (Ids{"mid:a", "mid:b", "mid:long", "mid:never"}));
     EXPECT_TRUE(removal.failures.empty());
-    EXPECT_EQ(tried_->load(), 2U) << "one has no record, so no file";
+    EXPECT_EQ(tried_->load(), 3U) << "one has no record, so no file";
     EXPECT_EQ(ids(), Ids{"mid:c"});
     EXPECT_EQ(files(), expected);
     EXPECT_EQ(index().createdAt, Date(std::chrono::seconds(1)));
@@ -109,7 +110,7 @@ TEST_F(ArchiveRemovalTest, ARecordOfSomethingElseLosesItselfAndNoFile) {
     for (const std::string path :
          {"../outside.eml", "2019/../../outside.eml", "OUTSIDE", "", ".", "2019", "2019/a",
           "archive-index.json", "2019/a/note.txt", "2019/a/link.eml", "linked/outside.eml", "near/mid:a.eml",
-          "2019/side/orphan.eml", "2019/folder.eml", "2019/a/mid:a.eml/x.eml"}) {
+          "2019/side/orphan.eml", "2019/folder.eml", "2019/a/mid:a.eml/x.eml", "2019/own/2020/mid:a.eml"}) {
         SCOPED_TRACE(path);
         const std::string told = path == "OUTSIDE" ? home_.at("outside.eml") : path;
         makeArchive({recordAt("mid:odd", told)});
@@ -119,6 +120,8 @@ TEST_F(ArchiveRemovalTest, ARecordOfSomethingElseLosesItselfAndNoFile) {
         fs::create_directory_symlink("a", root_ + "/2019/side");
         home_.write("A/2019/a/orphan.eml", "of no record");
         fs::create_directory(root_ + "/2019/folder.eml");
+        home_.write("A/2019/own/archive-index.json", "{}");
+        home_.write("A/2019/own/2020/mid:a.eml", "of another archive");
         const Tree before = files();
         const ArchiveRemoval removal = remove({{"mid:odd", told}});
         EXPECT_TRUE(removal.removed.empty());

@@ -18,11 +18,6 @@ namespace {
 using platform::FolderFileLayer;
 using State = ArchivedFile::State;
 
-// Whether a failed look says that nothing of the archive is there.
-bool saysGone(int error) {
-    return platform::saysAbsent(error) || error == ELOOP || error == ENAMETOOLONG;
-}
-
 // After a look that found nothing of this name; a placeholder may stand for it.
 State stateWithoutFile(FolderFileLayer& folder, const std::string& name) {
     if (!saysGone(errno)) return State::couldNotLook;
@@ -61,6 +56,10 @@ void readIn(FolderFileLayer& folder, platform::JobLimit& limit, const std::strin
 }
 
 } // namespace
+
+bool saysGone(int error) {
+    return platform::saysAbsent(error) || error == ELOOP || error == ENAMETOOLONG;
+}
 
 bool isPlaceOfMail(std::string_view relativePath) {
     return platform::isSafeRelativePath(relativePath) &&

@@ -31,6 +31,9 @@ struct ArchivedFile {
     WrittenFolder folder;
 };
 
+// Whether the errno of a failed look says that nothing of the archive is there.
+bool saysGone(int error);
+
 // Whether a path of an index may be written to: below the root, and that of a mail.
 bool isPlaceOfMail(std::string_view relativePath);
 

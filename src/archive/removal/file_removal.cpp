@@ -9,6 +9,7 @@
 #include "platform/files/file_identity.h"
 #include "platform/files/layers/layer_reading.h"
 #include "platform/paths.h"
+#include "records/archive_files/archive_index_file.h"
 #include "text/case.h"
 #include "text/charsets/charset.h"
 #include "text/collation.h"
@@ -35,11 +36,26 @@ std::string nameOf(const std::string& relativePath) {
 
 // After a look that found nothing of this name.
 FileRemoval withoutFile(FileLayer& files, int folder, const std::string& name) {
-    if (!platform::saysAbsent(errno)) return failure(errno);
+    if (!saysGone(errno)) return failure(errno);
     struct stat status{};
     if (files.statAt(folder, platform::cloudPlaceholderPath(name), status) == 0)
         return {Outcome::failed, 0, true};
-    return platform::saysAbsent(errno) ? FileRemoval{Outcome::gone} : failure(errno);
+    return saysGone(errno) ? FileRemoval{Outcome::gone} : failure(errno);
+}
+
+// `otherKind` where the folder, or one between it and the root, is an archive of its own: another index names
+// what lies there.
+FileRemoval lookForOtherArchive(FileLayer& files, const ArchiveFolders& folders,
+                                const std::string& relativeFolder) {
+    std::string folder;
+    for (const std::string& name : componentsOf(relativeFolder)) {
+        folder = platform::joinPath(folder, name);
+        struct stat status{};
+        if (files.statAt(folders.root(), platform::joinPath(folder, archiveIndexFileName), status) == 0)
+            return {Outcome::otherKind};
+        if (!saysGone(errno)) return failure(errno);
+    }
+    return {Outcome::gone};
 }
 
 // `shared` where the other path leads to this file too, `gone` where it doesn't.
@@ -49,8 +65,7 @@ FileRemoval lookAtOther(FileLayer& files, const ArchiveFolders& folders, const s
     struct stat status{};
     if (folder && files.statAt(folder.get(), nameOf(other), status) == 0)
         return {FileIdentity::of(status) == file ? Outcome::shared : Outcome::gone};
-    const bool isNoneOfOurs = platform::saysAbsent(errno) || errno == ELOOP || errno == ENAMETOOLONG;
-    return isNoneOfOurs ? FileRemoval{Outcome::gone} : failure(errno);
+    return saysGone(errno) ? FileRemoval{Outcome::gone} : failure(errno);
 }
 
 // `gone` where no other path leads to this file.
@@ -74,8 +89,10 @@ FileRemoval removeArchivedFile(FileLayer& files, const ArchiveFolders& folders,
     const auto folder = folders.open(files, folderOf(relativePath), ArchiveFolders::Links::none);
     if (!folder) {
         if (errno == ELOOP || errno == ENOTDIR) return {Outcome::otherKind};
-        return platform::saysAbsent(errno) ? FileRemoval{Outcome::gone} : failure(errno);
+        return saysGone(errno) ? FileRemoval{Outcome::gone} : failure(errno);
     }
+    const FileRemoval around = lookForOtherArchive(files, folders, folderOf(relativePath));
+    if (around.outcome != Outcome::gone) return around;
     const std::string name = nameOf(relativePath);
     struct stat status{};
     if (files.statAt(folder.get(), name, status) != 0) return withoutFile(files, folder.get(), name);
