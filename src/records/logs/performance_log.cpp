@@ -21,7 +21,7 @@ void appendMark(const CorvaneAppSupport& support, const std::string& line) {
 }
 
 void emptyLog(const CorvaneAppSupport& support) {
-    if (const auto error = support.writeFile(fileName, ""))
+    if (const auto error = emptyLogFile(support, fileName))
         systemLogLine(fmt::format("[CorvanePerf] reset failed: {}", error.message()));
 }
 

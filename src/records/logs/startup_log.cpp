@@ -25,7 +25,7 @@ void ArchiveLibraryStartupLog::mark(std::string_view message) const {
 }
 
 void ArchiveLibraryStartupLog::reset() const {
-    if (const auto error = support_.writeFile(fileName, ""))
+    if (const auto error = emptyLogFile(support_, fileName))
         systemLogLine(fmt::format("[ArchiveLibraryStartup] reset failed: {}", error.message()));
 }
 
