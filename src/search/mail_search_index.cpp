@@ -152,26 +152,24 @@ std::optional<SharedTextSet> MailSearchIndex::searchIfReadable(std::string_view 
     const std::string_view text = text::trimWhitespaceAndNewlines(query);
     if (text.empty()) return SharedTextSet();
     if (hasTrigrams_) {
-        if (auto ids = idsByIndex(text)) return ids;
+        if (auto ids = searchWithoutScan(text)) return ids;
         if (auto ids = search::idsByScan(database_.get(), text, search::ScannedTable::content)) return ids;
     }
     return search::idsByScan(database_.get(), text);
 }
 
-bool MailSearchIndex::needsScan(std::string_view query) const {
-    return !hasTrigrams_ || !idsByIndex(text::trimWhitespaceAndNewlines(query));
-}
-
-search::RecordTest MailSearchIndex::recordTest(std::string_view text) const {
-    return {database_.get(), text};
-}
-
-std::optional<SharedTextSet> MailSearchIndex::idsByIndex(std::string_view text) const {
+std::optional<SharedTextSet> MailSearchIndex::searchWithoutScan(std::string_view query) const {
+    if (!hasTrigrams_) return std::nullopt;
+    const std::string_view text = text::trimWhitespaceAndNewlines(query);
     if (search::isPair(text)) {
         const text::MutexLock lock(searchingPairs_);
         return pairs_.ids(text);
     }
     return trigramStatements()->ids(text);
+}
+
+search::RecordTest MailSearchIndex::recordTest(std::string_view text) const {
+    return {database_.get(), text};
 }
 
 text::IdlePool<search::TrigramStatements>::Lease MailSearchIndex::trigramStatements() const {

@@ -78,8 +78,8 @@ class MailSearchIndex {
     // be looked for.
     [[nodiscard]] std::optional<SharedTextSet> searchIfReadable(std::string_view query) const;
 
-    // Whether search() would have to read every row, as far as that can be told quickly.
-    [[nodiscard]] bool needsScan(std::string_view query) const;
+    // The same where that takes no reading of every row; absent for any other text.
+    [[nodiscard]] std::optional<SharedTextSet> searchWithoutScan(std::string_view query) const;
 
     // For who looks only until some records were found. It must not outlive this.
     [[nodiscard]] search::RecordTest recordTest(std::string_view text) const;
@@ -150,7 +150,6 @@ class MailSearchIndex {
     bool insertRow(const SearchIndexRow& row, platform::SqliteStatement& insert) const;
     bool mapRow(std::string_view id, platform::SqliteStatement& map) const;
     bool runOnce(platform::SqliteStatement& statement) const;
-    [[nodiscard]] std::optional<SharedTextSet> idsByIndex(std::string_view text) const;
     text::IdlePool<BodyLookup>::Lease bodyLookup() const;
     text::IdlePool<search::TrigramStatements>::Lease trigramStatements() const;
     std::optional<std::int64_t> rowIDOf(std::string_view recordID, BodyLookup& lookup) const;

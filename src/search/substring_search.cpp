@@ -26,6 +26,11 @@ constexpr std::int64_t rowsOfTableForOneTest = 16;
 constexpr std::int64_t rowsOfTableForOneLookup = 5; // where LIKE isn't asked
 constexpr std::int64_t fewestLookups = 64;
 
+constexpr std::size_t ideographBytes = 3; // in UTF-8, where they compare as bytes do
+
+// To which a character folds that isn't ASCII.
+constexpr std::string_view lettersWithOthers = "kKsS";
+
 // Hashing tens of thousands of ids again and again takes as long as finding them does.
 constexpr std::size_t usualIDsOfScan = 32768;
 
@@ -42,10 +47,12 @@ constexpr const char* contentScanStatement = R"(SELECT c0 FROM email_fts_content
   c5 LIKE ?1 ESCAPE '\';
 )";
 
-constexpr const char* testStatement = R"(SELECT record_id FROM email_fts WHERE rowid = ?1 AND (
-  subject LIKE ?2 ESCAPE '\' OR sender LIKE ?2 ESCAPE '\' OR
-  recipients LIKE ?2 ESCAPE '\' OR attachments LIKE ?2 ESCAPE '\' OR
-  body LIKE ?2 ESCAPE '\');
+constexpr const char* idStatement = "SELECT c0 FROM email_fts_content WHERE id = ?1;";
+
+constexpr const char* testStatement = R"(SELECT c0 FROM email_fts_content WHERE id = ?1 AND (
+  c1 LIKE ?2 ESCAPE '\' OR c2 LIKE ?2 ESCAPE '\' OR
+  c3 LIKE ?2 ESCAPE '\' OR c4 LIKE ?2 ESCAPE '\' OR
+  c5 LIKE ?2 ESCAPE '\');
 )";
 
 constexpr const char* recordTestStatement = R"(SELECT 1 FROM email_fts WHERE
@@ -97,6 +104,21 @@ bool addAnswers(SqliteStatement& statement, const std::vector<std::int64_t>& row
     return isSound;
 }
 
+// Whether the index names no row too many. Of other characters only the Kelvin sign and the long s fold to an
+// ASCII one, to "k" and "s".
+bool isFoundByIndexAlone(std::string_view text) {
+    std::size_t characters = 0;
+    for (std::size_t i = 0; i < text.size(); ++characters) {
+        const bool isAscii = static_cast<unsigned char>(text[i]) < 0x80;
+        const std::string_view character = text.substr(i, isAscii ? 1 : ideographBytes);
+        const bool isSole =
+            isAscii ? lettersWithOthers.find(text[i]) == std::string_view::npos : areIdeographs(character);
+        if (!isSole) return false;
+        i += character.size();
+    }
+    return characters <= charactersOfWholePhrase;
+}
+
 } // namespace
 
 std::string likePattern(std::string_view text) {
@@ -125,10 +147,9 @@ std::optional<std::string> trigramQuery(std::string_view text) {
 }
 
 bool areIdeographs(std::string_view text) {
-    constexpr std::size_t size = 3; // in UTF-8, where they compare as bytes do
     bool are = true;
-    for (std::size_t i = 0; are && i < text.size(); i += size) {
-        const std::string_view character = text.substr(i, size);
+    for (std::size_t i = 0; are && i < text.size(); i += ideographBytes) {
+        const std::string_view character = text.substr(i, ideographBytes);
         are = character >= "\xE3\x90\x80" && character <= "\xE9\xBF\xBF";
     }
     return are;
@@ -166,7 +187,7 @@ std::optional<bool> RecordTest::holds(std::string_view recordID) {
 }
 
 RowLookups::RowLookups(sqlite3* database, unsigned flags)
-  : id_(database, "SELECT record_id FROM email_fts WHERE rowid = ?1;", flags)
+  : id_(database, idStatement, flags)
   , test_(database, testStatement, flags) {}
 
 std::optional<SharedTextSet> RowLookups::idsHolding(std::string_view text,
@@ -194,7 +215,7 @@ std::optional<SharedTextSet> TrigramStatements::ids(std::string_view text) {
     if (!query || !candidates_) return std::nullopt;
     const Snapshot snapshot(database_);
     if (!snapshot) return std::nullopt;
-    const bool isCertain = areIdeographs(text) && text.size() <= 3 * charactersOfWholePhrase;
+    const bool isCertain = isFoundByIndexAlone(text);
     candidates_.bindText(1, *query);
     const auto rows = candidateRows(isCertain ? rowsOfTableForOneLookup : rowsOfTableForOneTest);
     candidates_.reset();

@@ -6,8 +6,9 @@
 // - both read a text's bytes as the same characters, ill-formed ones too, and both stop at U+0000;
 // - the tokenizer folds one character to one, and folds the ASCII letters as LIKE does, so characters that
 //   are equal for LIKE have equal folds, and what LIKE finds in a column is in its sequence of trigrams.
-// Ideographs have no case, and nothing else folds to one: of a text of nothing else the index names no row
-// too many, and LIKE isn't asked again. That makes common words worth looking up. A text is left to LIKE
+// Ideographs have no case, nothing else folds to one, and to ASCII only what folds to "k" and "s": of a short
+// text of nothing else the index names no row too many, and LIKE isn't asked again. That makes common words
+// worth looking up. A text is left to LIKE
 // alone when it has fewer than three characters (but see pair_search.h), holds U+0000 (where LIKE takes the
 // pattern to end) or isn't UTF-8, when the table isn't ours, when the index names so many rows that looking
 // them up takes longer than reading all, and whenever anything fails.

@@ -247,7 +247,12 @@ std::vector<search::RecordTest> QuickLibrary::testsOf(std::string_view text) con
     for (const std::string& root : rootsByName()) {
         const MailSearchIndex* const index = searchIndex(root);
         if (index == nullptr) continue;
-        if (tests.empty() && !index->needsScan(text)) return {};
+        if (tests.empty()) {
+            if (auto ids = index->searchWithoutScan(text)) {
+                answer_ = {std::string(text), root, std::move(*ids)};
+                return {};
+            }
+        }
         tests.push_back(index->recordTest(text));
         if (!tests.back()) return {};
     }
@@ -303,13 +308,20 @@ std::vector<std::string> QuickLibrary::rootsByName() const {
     return roots;
 }
 
-QuickLibrary::Search QuickLibrary::search(std::string_view text) const {
+std::optional<SharedTextSet> QuickLibrary::searchIn(const MailSearchIndex& index, const std::string& root,
+                                                    std::string_view text) const {
+    if (answer_ && answer_->root == root && answer_->text == text) return answer_->ids;
+    return index.searchIfReadable(text);
+}
+
+QuickLibrary::Search QuickLibrary::search(std::string_view query) const {
+    const std::string_view text = text::trimWhitespaceAndNewlines(query);
     Search result;
     for (const std::string& root : rootsByName()) {
         // Not kept: what it read for this it doesn't need again.
         const auto index = MailSearchIndex::open(support_, root);
         if (index == nullptr) continue;
-        if (const auto ids = index->searchIfReadable(text)) {
+        if (const auto ids = searchIn(*index, root, text)) {
             result.ids.insert(result.ids.end(), ids->begin(), ids->end());
         } else {
             result.unreadableRoots.push_back(root);

@@ -76,7 +76,7 @@ class QuickLibrary {
     [[nodiscard]] std::string shortestHandle(std::string_view entryID) const;
 
     // The records that hold the text, of all archives.
-    [[nodiscard]] Search search(std::string_view text) const;
+    [[nodiscard]] Search search(std::string_view query) const;
 
     // The body of a record as the first index that has it tells; absent when none has.
     [[nodiscard]] std::optional<std::string> body(std::string_view recordID) const;
@@ -112,15 +112,26 @@ class QuickLibrary {
 
     [[nodiscard]] std::size_t size() const;
 
+    // What one index has found already, while it was asked whether it can.
+    struct Answer {
+        std::string text;
+        std::string root;
+        SharedTextSet ids;
+    };
+
     // For the indexes of all archives that have one.
     [[nodiscard]] std::vector<search::RecordTest> testsOf(std::string_view text) const;
 
     // Null for one that can't be opened.
     [[nodiscard]] const MailSearchIndex* searchIndex(const std::string& root) const;
 
+    [[nodiscard]] std::optional<SharedTextSet> searchIn(const MailSearchIndex& index, const std::string& root,
+                                                        std::string_view text) const;
+
     CorvaneAppSupport support_;
     std::vector<Archive> archives_; // in the order of the library
     mutable std::map<std::string, std::shared_ptr<const MailSearchIndex>> searchIndexes_; // that were asked
+    mutable std::optional<Answer> answer_;
 };
 
 } // namespace corvane
