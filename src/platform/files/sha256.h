@@ -12,7 +12,7 @@ using Sha256Digest = std::array<std::uint8_t, 32>;
 
 class Sha256 {
   public:
-    // Throws std::runtime_error when the library has no SHA-256 to give, as where a policy forbids it.
+    // Throws std::runtime_error when the library has no SHA-256 to give.
     Sha256();
     Sha256(Sha256&&) noexcept;
     Sha256& operator=(Sha256&&) noexcept;

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include <openssl/crypto.h>
 #include <openssl/evp.h>
 
 namespace corvane::platform {
@@ -12,9 +13,18 @@ void require(int success) {
     if (success != 1) throw std::runtime_error("libcrypto can't make a SHA-256");
 }
 
+// Nothing else here uses libcrypto, and making it ready for all that it can do takes longer than a quick
+// command otherwise does.
+const EVP_MD* findAlgorithm() {
+    OPENSSL_init_crypto(OPENSSL_INIT_NO_ADD_ALL_CIPHERS | OPENSSL_INIT_NO_ADD_ALL_DIGESTS |
+                            OPENSSL_INIT_NO_LOAD_CONFIG,
+                        nullptr);
+    return EVP_MD_fetch(nullptr, "SHA256", nullptr);
+}
+
 // Null when there is none. Looked up once: that takes as long as hashing some hundred bytes.
 const EVP_MD* algorithm() {
-    static const EVP_MD* const found = EVP_MD_fetch(nullptr, "SHA256", nullptr);
+    static const EVP_MD* const found = findAlgorithm();
     return found;
 }
 
