@@ -34,6 +34,7 @@ void JsonDocument::object(const std::function<void()>& members) {
     writer_.StartObject();
     members();
     writer_.EndObject();
+    if (buffer_.GetSize() >= pieceBytes) writeGathered();
 }
 
 void JsonDocument::array(const std::function<void()>& elements) {
@@ -46,15 +47,20 @@ void JsonDocument::key(std::string_view name) {
     writer_.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
 }
 
-void JsonDocument::print() const {
+void JsonDocument::writeGathered() {
     std::string_view rest(buffer_.GetString(), buffer_.GetSize());
     while (!rest.empty()) {
         std::size_t count = std::min(rest.size(), pieceBytes);
         while (count < rest.size() && text::continuesCharacter(rest[count])) ++count;
-        const char* const end = count == rest.size() ? "\n" : "";
-        writeWhole(text::withHiddenEscaped(rest.substr(0, count)) + end);
+        writeWhole(text::withHiddenEscaped(rest.substr(0, count)));
         rest.remove_prefix(count);
     }
+    buffer_.Clear();
+}
+
+void JsonDocument::print() {
+    writeGathered();
+    writeWhole("\n");
 }
 
 void printText(std::string_view text) {

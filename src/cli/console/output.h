@@ -17,7 +17,8 @@
 
 namespace corvane::cli {
 
-// Builds one JSON document; values of records take their JSON forms.
+// Builds one JSON document; values of records take their JSON forms. A long one is written while it is built,
+// so what can fail comes before.
 class JsonDocument {
   public:
     using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
@@ -62,11 +63,13 @@ class JsonDocument {
         json_detail::writeFields<KeyOrder::table>(writer_, record);
     }
 
-    // Writes the document and a line feed to standard output, with controls and marks of direction as
-    // "\u202E". As all printing here throws std::runtime_error, for the user, when it can't.
-    void print() const;
+    // Ends the document with a line feed. Controls and marks of direction are written as "\u202E". As all
+    // printing here throws std::runtime_error, for the user, when it can't.
+    void print();
 
   private:
+    void writeGathered();
+
     rapidjson::StringBuffer buffer_;
     Writer writer_;
 };
