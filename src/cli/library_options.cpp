@@ -3,15 +3,14 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
-#include <ranges>
 #include <set>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
+#include "cli/known_accounts.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
 #include "text/trim.h"
@@ -19,8 +18,6 @@
 namespace corvane::cli {
 
 namespace {
-
-constexpr std::size_t mostNamed = 20;
 
 // A root as the library knows it; a path may be written in other ways.
 std::string rootOf(Session& session, const std::string& location) {
@@ -70,17 +67,14 @@ void requireKnown(const ArchiveLibraryIndex& index, const LibraryFilterOptions& 
     const auto require = [](const std::optional<std::string>& asked, const std::set<std::string>& known,
                             std::string_view what) {
         if (!asked || asked->empty() || known.contains(*asked)) return;
-        const auto first = known | std::views::take(mostNamed);
-        throw CommandFailure(fmt::format("归档里没有这个{}：{}。有的是：{}{}", what, *asked,
-                                         fmt::join(first.begin(), first.end(), "、"),
-                                         known.size() > mostNamed ? "等" : ""));
+        throw CommandFailure(unknownNameText(what, *asked, known));
     };
     std::set<std::string> accounts;
     for (const LibraryAccountFilterOption& option : index.accountOptions()) accounts.insert(option.key);
-    require(options.account, accounts, "账户");
+    require(options.account, accounts, "归档里没有这个账户");
     std::set<std::string> mailboxes;
     for (const ArchivedEntry& entry : index.entries()) mailboxes.insert(entry.record.mailbox.str());
-    require(options.mailbox, mailboxes, "邮箱");
+    require(options.mailbox, mailboxes, "归档里没有这个邮箱");
 }
 
 LibraryFilters libraryFilters(Session& session, const LibraryFilterOptions& options) {

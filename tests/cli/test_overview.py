@@ -7,10 +7,11 @@ import json
 import re
 import shutil
 import sqlite3
+import subprocess
 import unittest
 from urllib.parse import unquote
 
-from cli_support import INDEX, CliCase
+from cli_support import CLI, INDEX, CliCase
 
 YEAR_ORDER = ["serverUnbacked", "incomplete", "pendingReview", "cleanable", "completed"]
 TRASH = ("Deleted Messages", "Junk", "已删除邮件", "垃圾邮件", "Deleted Items", "Junk E-mail")
@@ -179,6 +180,14 @@ class Overview(CliCase):
         sender = account["topSenders"][0]
         ids = self.run_cli(self.mail, "space", "--account", account["accountPrefix"], "--sender", sender["senderKey"])
         self.assertGreaterEqual(len(ids), sender["messageCount"])
+
+        # An account that isn't there: a person is told which ones are, a script gets its answer and a warning.
+        typed = "--account=" + account["accountPrefix"] + "x"
+        for command in (["messages"], ["space"], ["prove"], ["archive", f"--to={self.folder}/new"]):
+            for mode, status in (([], 1), (["--json"], 0)):
+                done = subprocess.run([CLI, "--home", self.mail, *mode, *command, typed], capture_output=True, text=True)
+                self.assertRegex(done.stderr, f"有的是：.*{re.escape(account['accountPrefix'])}[、\n]", command)
+                self.assertEqual(done.returncode, status, command)
 
 
 if __name__ == "__main__":

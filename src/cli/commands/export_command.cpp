@@ -40,6 +40,7 @@ std::vector<EntryPosition> namedPositions(Session& session, const ArchiveLibrary
 
 ExportSelection select(Session& session, const ExportOptions& options) {
     const SharedLibraryIndex index = loadLibraryIndex(session);
+    requireKnown(*index, options.filters);
     const bool isNamed = !options.entries.empty();
     std::vector<EntryPosition> named;
     if (isNamed) named = namedPositions(session, *index, options.entries);
@@ -113,10 +114,15 @@ void addExportCommand(CommandSet& commands) {
     LibraryFilterOptions::addTo(mails, options->filters);
     LibraryFilterOptions::addQueryTo(mails, options->filters);
     mails.add_flag("--thread", options->wholeThreads, "连同它们的整个对话");
-    mails.add_option("--format", options->format, "导出为一个 mbox 文件、一个文件夹或一个 ZIP 文件")
+    mails
+        .add_option(
+            "--format", options->format,
+            "mbox：一个供 Mail 导入的文件；eml：一个按年份存放 .eml 的文件夹；zip：同样的内容，一个 ZIP 文件")
         ->required()
         ->transform(oneOf(formats));
-    mails.add_option("--to", options->target, "新文件；eml 为文件夹")->required()->type_name("FILE");
+    mails.add_option("--to", options->target, "新文件（mbox、zip）或新文件夹（eml）")
+        ->required()
+        ->type_name("FILE");
     commands.setRun(mails,
                     [options](Session& session, bool json) { return runExport(session, *options, json); });
 }

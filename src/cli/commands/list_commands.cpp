@@ -12,6 +12,7 @@
 #include "cli/console/output.h"
 #include "cli/console/text_table.h"
 #include "cli/exit_status.h"
+#include "cli/known_accounts.h"
 #include "model/mail/messages/message_preview.h"
 #include "records/model_enums.h"
 #include "records/texts/formatters.h"
@@ -114,6 +115,7 @@ void printStatsTable(CorvaneViewModel& model, const std::set<std::int64_t>& year
 int runMessages(Session& session, const MessagesOptions& options, bool json) {
     ModelFilters& filters = session.model().mail().filters;
     session.restoreLastScan();
+    requireAccounts(options.accounts, accountsOfMail(session), json);
     filters.setFilterAccountPrefixes(asSet(options.accounts));
     filters.set(&ListFilters::filterYears, asSet(options.years));
     filters.set(&ListFilters::searchText, options.query);

@@ -9,6 +9,7 @@
 #include "cli/console/output.h"
 #include "cli/console/text_table.h"
 #include "cli/exit_status.h"
+#include "cli/known_accounts.h"
 #include "listing/space_usage.h"
 #include "records/texts/formatters.h"
 
@@ -74,6 +75,7 @@ void printDocument(const T& value) {
 
 int runSpace(Session& session, const SpaceOptions& options, bool json) {
     session.restoreLastScan();
+    if (!options.account.empty()) requireAccounts({options.account}, accountsOfMail(session), json);
     if (!options.sender.empty()) {
         const std::vector<std::string> ids = idsBehind(session, options);
         if (json) {

@@ -10,6 +10,7 @@
 #include "cli/console/output.h"
 #include "cli/console/progress_line.h"
 #include "cli/exit_status.h"
+#include "cli/known_accounts.h"
 #include "platform/paths.h"
 #include "records/archive_files/archive_index_file.h"
 #include "records/logs/console_log.h"
@@ -109,6 +110,7 @@ void printReadable(const EmailArchiveRunResult& result) {
 
 int runArchive(Session& session, const ArchiveOptions& options, bool json) {
     provideScan(session);
+    requireAccounts(options.accounts, accountsOfMail(session), json);
     select(session, options);
     // Here it follows the run, whether or not that archived anything: an earlier one may have been killed.
     session.model().library().bodyTexts.setAutomaticRepair(false);

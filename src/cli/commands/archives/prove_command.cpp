@@ -14,6 +14,7 @@
 #include "cli/console/output.h"
 #include "cli/console/text_table.h"
 #include "cli/exit_status.h"
+#include "cli/known_accounts.h"
 #include "cli/proving.h"
 #include "cli/unreadable_archives.h"
 #include "listing/proof/outcome_titles.h"
@@ -127,6 +128,7 @@ NothingToProve nothingToProve(CorvaneViewModel& model) {
 // Interrupted, it answers with what it has kept.
 int runProve(Session& session, const ProveOptions& options, bool json) {
     session.restoreLastScan();
+    requireAccounts(options.accounts, accountsOfMail(session), json);
     const ProofScope scope{{options.accounts.begin(), options.accounts.end()},
                            {options.years.begin(), options.years.end()}};
     proveToEnd(session, scope);
