@@ -15,15 +15,6 @@ namespace {
 
 constexpr std::size_t mostNamed = 20;
 
-} // namespace
-
-std::string unknownNameText(std::string_view what, const std::string& asked,
-                            const std::set<std::string>& known) {
-    const auto first = known | std::views::take(mostNamed);
-    return fmt::format("{}：{}。有的是：{}{}", what, asked, fmt::join(first.begin(), first.end(), "、"),
-                       known.size() > mostNamed ? "等" : "");
-}
-
 std::set<std::string> accountsOfMail(Session& session) {
     std::set<std::string> known;
     for (const MailAccount& account : session.model().mail().accounts.availableAccounts())
@@ -36,7 +27,18 @@ std::set<std::string> accountsOfMail(Session& session) {
     return known;
 }
 
-void requireAccounts(const std::vector<std::string>& asked, const std::set<std::string>& known, bool json) {
+} // namespace
+
+std::string unknownNameText(std::string_view what, const std::string& asked,
+                            const std::set<std::string>& known) {
+    const auto first = known | std::views::take(mostNamed);
+    return fmt::format("{}：{}。有的是：{}{}", what, asked, fmt::join(first.begin(), first.end(), "、"),
+                       known.size() > mostNamed ? "等" : "");
+}
+
+void requireAccounts(Session& session, const std::vector<std::string>& asked, bool json) {
+    if (asked.empty()) return;
+    const std::set<std::string> known = accountsOfMail(session);
     if (known.empty()) return;
     for (const std::string& account : asked) {
         if (known.contains(account)) continue;

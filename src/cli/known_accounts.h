@@ -14,12 +14,9 @@ namespace corvane::cli {
 std::string unknownNameText(std::string_view what, const std::string& asked,
                             const std::set<std::string>& known);
 
-// The keys of the accounts that Mail has or that a message of the last scan is of.
-std::set<std::string> accountsOfMail(Session& session);
-
-// An empty list would look as if the account had no mail: throws CommandFailure for an account that isn't
-// among the known ones. For a script, whose answer stays the same, that is a warning. Where nothing is known,
-// every account passes.
-void requireAccounts(const std::vector<std::string>& asked, const std::set<std::string>& known, bool json);
+// An empty list would look as if the account had no mail: throws CommandFailure for an account that neither
+// Mail has nor a message of the last scan is of. For a script, whose answer stays the same, that is a warning.
+// Where no account is known, every one passes.
+void requireAccounts(Session& session, const std::vector<std::string>& asked, bool json);
 
 } // namespace corvane::cli

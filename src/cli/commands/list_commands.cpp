@@ -115,7 +115,7 @@ void printStatsTable(CorvaneViewModel& model, const std::set<std::int64_t>& year
 int runMessages(Session& session, const MessagesOptions& options, bool json) {
     ModelFilters& filters = session.model().mail().filters;
     session.restoreLastScan();
-    requireAccounts(options.accounts, accountsOfMail(session), json);
+    requireAccounts(session, options.accounts, json);
     filters.setFilterAccountPrefixes(asSet(options.accounts));
     filters.set(&ListFilters::filterYears, asSet(options.years));
     filters.set(&ListFilters::searchText, options.query);

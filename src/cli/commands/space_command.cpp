@@ -75,7 +75,7 @@ void printDocument(const T& value) {
 
 int runSpace(Session& session, const SpaceOptions& options, bool json) {
     session.restoreLastScan();
-    if (!options.account.empty()) requireAccounts({options.account}, accountsOfMail(session), json);
+    if (!options.account.empty()) requireAccounts(session, {options.account}, json);
     if (!options.sender.empty()) {
         const std::vector<std::string> ids = idsBehind(session, options);
         if (json) {

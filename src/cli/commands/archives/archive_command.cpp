@@ -110,7 +110,7 @@ void printReadable(const EmailArchiveRunResult& result) {
 
 int runArchive(Session& session, const ArchiveOptions& options, bool json) {
     provideScan(session);
-    requireAccounts(options.accounts, accountsOfMail(session), json);
+    requireAccounts(session, options.accounts, json);
     select(session, options);
     // Here it follows the run, whether or not that archived anything: an earlier one may have been killed.
     session.model().library().bodyTexts.setAutomaticRepair(false);

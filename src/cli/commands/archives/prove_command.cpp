@@ -128,7 +128,7 @@ NothingToProve nothingToProve(CorvaneViewModel& model) {
 // Interrupted, it answers with what it has kept.
 int runProve(Session& session, const ProveOptions& options, bool json) {
     session.restoreLastScan();
-    requireAccounts(options.accounts, accountsOfMail(session), json);
+    requireAccounts(session, options.accounts, json);
     const ProofScope scope{{options.accounts.begin(), options.accounts.end()},
                            {options.years.begin(), options.years.end()}};
     proveToEnd(session, scope);
