@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <map>
 #include <memory>
 #include <stop_token>
 #include <string>
@@ -13,6 +14,7 @@
 
 #include "archive/message_extraction.h"
 #include "listing/proof/away_proofs.h"
+#include "model/archiving/proof/stale_readings.h"
 #include "model/corvane_view_model.h"
 #include "model/model_test.h"
 #include "model/published_messages.h"
@@ -20,6 +22,7 @@
 #include "records/archive_files/archive_index_file.h"
 #include "records/archived/content_hash.h"
 #include "records/archived/stable_id.h"
+#include "records/timestamps.h"
 #include "support/faulty_file_layer.h"
 
 namespace corvane::testing {
@@ -286,6 +289,33 @@ TEST_F(Proofs, MailThatIsSetAsideIsNeitherCandidateNorArchivedUntilItIsTakenBack
     waitUntilIdle(context_->tasks);
     EXPECT_EQ(candidates(), "d");
     EXPECT_EQ(model_->deletionSafety({}).archived, 2);
+}
+
+TEST_F(Proofs, ReadingsOfLongAgoAreForgottenWhereNothingNamesTheFileAnyMore) {
+    const Date now = currentTimestamp();
+    const auto readAt = [&](int days) {
+        FileReading reading;
+        reading.readAt = now - std::chrono::days(days);
+        return reading;
+    };
+    const std::string kept = home_.write("kept.emlx", "1\na");
+    ProofFacts facts;
+    facts.add(
+        {.copies = {{"/listed", readAt(40)}, {kept, readAt(40)}, {"/old", readAt(40)}, {"/new", readAt(1)}},
+         .archived = {{"/a", {{"listed", readAt(40)}, {"old", readAt(40)}, {"new", readAt(1)}}},
+                      {"/away", {{"old", readAt(40)}}}}});
+    MailMessageRecord message;
+    message.fileURL = FileURL("/listed");
+    ArchivedEntry entry;
+    entry.record.emlRelativePath = "listed";
+    entry.locationRootPath = "/a";
+    const ReadingOwners owners{.entries =
+                                   std::make_shared<const std::vector<ArchivedEntry>>(std::vector{entry}),
+                               .messages = std::make_shared<const MessageList>(MessageList{message})};
+    const ReadingPaths stale = staleReadings(context_->support.files(), facts, owners, now);
+    EXPECT_EQ(stale.copies, std::vector<std::string>{"/old"});
+    using Paths = std::map<std::string, std::vector<std::string>>;
+    EXPECT_EQ(stale.archived, (Paths{{"/a", {"old"}}})) << "nothing is known of an archive that is away";
 }
 
 } // namespace

@@ -24,32 +24,52 @@ bool isSurelyGone(platform::FileLayer& files, const std::string& path) {
     return files.stat(path, status) != 0 && platform::saysAbsent(errno);
 }
 
+using OldPaths = std::unordered_set<std::string_view>;
+
+// Most often there are none, and then no owner is looked at.
+OldPaths oldPaths(const ReadingTable& table, Date before) {
+    OldPaths old;
+    table.forEach([&](std::string_view path, const FileReading& reading) {
+        if (reading.readAt < before) old.insert(path);
+    });
+    return old;
+}
+
 void addStaleCopies(platform::FileLayer& files, const ProofFacts& facts, const MessageList& messages,
                     Date before, ReadingPaths& stale) {
-    std::unordered_set<std::string> named;
+    OldPaths old = oldPaths(facts.copies, before);
+    if (old.empty()) return;
     for (const MailMessageRecord& message : messages) {
-        for (const FileURL& file : message.allMessageFileURLs()) named.insert(std::string(file.path()));
+        for (const FileURL& file : message.allMessageFileURLs()) old.erase(file.path().view());
     }
-    facts.copies.forEach([&](std::string_view path, const FileReading& reading) {
+    for (const std::string_view path : old) {
         std::string copy(path);
-        if (reading.readAt < before && !named.contains(copy) && isSurelyGone(files, copy))
-            stale.copies.push_back(std::move(copy));
-    });
+        if (isSurelyGone(files, copy)) stale.copies.push_back(std::move(copy));
+    }
 }
 
 // Nothing is said of an archive that the library doesn't hold: it may be out of reach.
 void addStaleFiles(const ProofFacts& facts, const std::vector<ArchivedEntry>& entries, Date before,
                    ReadingPaths& stale) {
-    std::map<std::string_view, std::unordered_set<std::string_view>> named;
-    for (const ArchivedEntry& entry : entries)
-        named[entry.locationRootPath.view()].insert(entry.record.emlRelativePath.view());
+    struct OldFiles {
+        OldPaths paths;
+        bool isHeld = false;
+    };
+
+    std::map<std::string_view, OldFiles> old;
     for (const auto& [root, table] : facts.archived) {
-        const auto paths = named.find(root);
-        if (paths == named.end()) continue;
-        table.forEach([&](std::string_view path, const FileReading& reading) {
-            if (reading.readAt < before && !paths->second.contains(path))
-                stale.archived[root].emplace_back(path);
-        });
+        if (auto paths = oldPaths(table, before); !paths.empty()) old[root].paths = std::move(paths);
+    }
+    if (old.empty()) return;
+    for (const ArchivedEntry& entry : entries) {
+        const auto files = old.find(entry.locationRootPath.view());
+        if (files == old.end()) continue;
+        files->second.isHeld = true;
+        files->second.paths.erase(entry.record.emlRelativePath.view());
+    }
+    for (const auto& [root, files] : old) {
+        if (files.isHeld && !files.paths.empty())
+            stale.archived[std::string(root)].assign(files.paths.begin(), files.paths.end());
     }
 }
 
