@@ -9,23 +9,6 @@
 
 namespace corvane {
 
-namespace {
-
-// The regular files in a folder and one level below.
-void collectFiles(const std::string& folder, int levelsBelow, std::vector<StoredAttachment>& files) {
-    const auto entries = platform::listDirectory(folder, platform::HiddenEntries::skip);
-    if (!entries) return;
-    for (const auto& [name, kind] : *entries) {
-        const std::string inside = platform::joinPath(folder, name);
-        if (kind == platform::EntryKind::regularFile)
-            files.push_back({.url = FileURL(SharedText(inside)), .size = platform::fileSize(inside)});
-        if (kind == platform::EntryKind::directory && levelsBelow > 0)
-            collectFiles(inside, levelsBelow - 1, files);
-    }
-}
-
-} // namespace
-
 AttachmentRoot::AttachmentRoot(std::string path)
   : path_(std::move(path)) {
     auto entries = platform::listDirectory(path_, platform::HiddenEntries::skip);
@@ -58,7 +41,8 @@ std::vector<StoredAttachment> AttachmentRoot::files(std::string_view baseName) c
 
 std::vector<StoredAttachment> AttachmentRoot::read(const MessageFolder& folder) const {
     std::vector<StoredAttachment> files;
-    collectFiles(platform::joinPath(path_, folder.name), 1, files);
+    for (const auto& [path, size] : platform::listFiles(platform::joinPath(path_, folder.name), 1))
+        files.push_back({.url = FileURL(SharedText(path)), .size = size});
     std::ranges::stable_sort(files, [](const StoredAttachment& a, const StoredAttachment& b) {
         return text::naturalCompare(a.url.lastPathComponent(), b.url.lastPathComponent()) < 0;
     });

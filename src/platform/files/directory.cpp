@@ -16,6 +16,7 @@
 #include "platform/files/file_descriptor.h"
 #include "platform/files/layers/transfer_limit.h"
 #include "platform/files/nameable_path.h"
+#include "platform/paths.h"
 
 namespace corvane::platform {
 
@@ -74,16 +75,52 @@ EntryKind kindOfEntry(int directory, const dirent& entry) noexcept {
 
 // Calls `visit` for each entry but "." and ".."; 0, or the errno of the failure.
 template <typename Visit>
-int forEachEntry(const std::string& path, const Visit& visit) {
-    if (!isNameable(path)) return errno;
-    const DirectoryStream stream(::opendir(path.c_str()));
-    if (!stream) return errno;
-    const int descriptor = ::dirfd(stream.get());
+int forEachEntry(DIR* stream, const Visit& visit) {
+    const int descriptor = ::dirfd(stream);
     while (true) {
         errno = 0;
-        const dirent* entry = ::readdir(stream.get());
+        const dirent* entry = ::readdir(stream);
         if (entry == nullptr) return errno;
         if (!isDotOrDotDot(entry->d_name)) visit(descriptor, *entry);
+    }
+}
+
+// Null and errno when it can't be opened.
+DirectoryStream openFolder(const std::string& path) {
+    return DirectoryStream(isNameable(path) ? ::opendir(path.c_str()) : nullptr);
+}
+
+DirectoryStream openFolder(int above, const char* name) {
+    const int descriptor = ::openat(above, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK);
+    DirectoryStream stream(descriptor < 0 ? nullptr : ::fdopendir(descriptor));
+    if (!stream && descriptor >= 0) ::close(descriptor);
+    return stream;
+}
+
+// Ascending by name; 0, or the errno of the failure.
+int collectEntries(DIR* folder, HiddenEntries hidden, std::vector<DirectoryEntry>& entries) {
+    const int number = forEachEntry(folder, [&](int descriptor, const dirent& entry) {
+        if (hidden == HiddenEntries::skip && entry.d_name[0] == '.') return;
+        entries.push_back({entry.d_name, kindOfEntry(descriptor, entry)});
+    });
+    std::ranges::sort(entries, {}, &DirectoryEntry::name);
+    return number;
+}
+
+void addFiles(DIR* folder, const std::string& path, int levelsBelow, std::vector<SizedFile>& files) {
+    const int descriptor = ::dirfd(folder);
+    std::vector<DirectoryEntry> entries;
+    if (collectEntries(folder, HiddenEntries::skip, entries) != 0) return;
+    for (const auto& [name, kind] : entries) {
+        if (kind == EntryKind::regularFile) {
+            struct stat status{};
+            const bool isThere =
+                ::fstatat(descriptor, name.c_str(), &status, 0) == 0 && S_ISREG(status.st_mode);
+            files.push_back({joinPath(path, name), isThere ? std::optional(status.st_size) : std::nullopt});
+        }
+        if (kind != EntryKind::directory || levelsBelow == 0) continue;
+        if (const auto below = openFolder(descriptor, name.c_str()))
+            addFiles(below.get(), joinPath(path, name), levelsBelow - 1, files);
     }
 }
 
@@ -178,21 +215,24 @@ std::optional<std::string> resolvedPath(const std::string& path) {
 std::optional<std::vector<DirectoryEntry>> listDirectory(const std::string& path, HiddenEntries hidden,
                                                          std::string* error) {
     std::vector<DirectoryEntry> entries;
-    const int number = forEachEntry(path, [&](int directory, const dirent& entry) {
-        if (hidden == HiddenEntries::skip && entry.d_name[0] == '.') return;
-        entries.push_back({entry.d_name, kindOfEntry(directory, entry)});
-    });
-    if (number != 0) {
-        setReason(error, number);
-        return std::nullopt;
-    }
-    std::ranges::sort(entries, {}, &DirectoryEntry::name);
-    return entries;
+    const DirectoryStream folder = openFolder(path);
+    const int number = folder ? collectEntries(folder.get(), hidden, entries) : errno;
+    if (number == 0) return entries;
+    setReason(error, number);
+    return std::nullopt;
 }
 
 bool visitDirectory(const std::string& path,
                     const std::function<void(std::string_view name, unsigned char dType)>& visit) {
-    return forEachEntry(path, [&](int, const dirent& entry) { visit(entry.d_name, entry.d_type); }) == 0;
+    const DirectoryStream folder = openFolder(path);
+    return folder && forEachEntry(folder.get(),
+                                  [&](int, const dirent& entry) { visit(entry.d_name, entry.d_type); }) == 0;
+}
+
+std::vector<SizedFile> listFiles(const std::string& path, int levelsBelow) {
+    std::vector<SizedFile> files;
+    if (const DirectoryStream folder = openFolder(path)) addFiles(folder.get(), path, levelsBelow, files);
+    return files;
 }
 
 std::optional<std::string> readFile(const std::string& path, std::int64_t limit, std::string* error) {
