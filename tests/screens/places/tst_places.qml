@@ -60,6 +60,7 @@ WindowUnderTest {
             scenes.settle();
             tryVerify(() => part("useBackupFolder").enabled);
             keyClick(Qt.Key_Escape);
+            tryVerify(() => part("settingsMenuButton").activeFocus);
             const travel = scenes.app.settings;
             const file = "file://" + scenes.makeFolders("出", 1) + "/a.corvanebackup";
             travel.exportTo(file);

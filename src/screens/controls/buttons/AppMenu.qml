@@ -10,12 +10,16 @@ T.Menu {
 
     property Item returnTo: null
 
-    onAboutToShow: returnTo = parent.Window.activeFocusItem
+    onAboutToShow: {
+        returnTo = parent.Window.activeFocusItem;
+        OpenSheets.behindMenu = returnTo;
+    }
     onOpened: if (KeyboardFocus.inUse && currentIndex < 0) currentIndex = firstEnabled()
     onClosed: {
         if (returnTo)
             returnTo.forceActiveFocus(KeyboardFocus.inUse ? Qt.TabFocusReason : Qt.OtherFocusReason);
         returnTo = null;
+        OpenSheets.behindMenu = null;
     }
 
     implicitWidth: Math.max(160, rows.widestRow)

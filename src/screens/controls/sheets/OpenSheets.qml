@@ -12,6 +12,8 @@ QtObject {
     property var sheets: []
     readonly property var shown: sheets.find(sheet => sheet.urgent) ?? sheets[sheets.length - 1] ?? null
     property Item returnTo: null
+    // What an open menu gives the keyboard back to: the sheet that one of its rows opens does the same.
+    property Item behindMenu: null
     property int returnReason: Qt.OtherFocusReason
     // The button that the pointer pressed last. A press doesn't give it the keyboard, but what it opens comes back to it.
     property Item pressed: null
@@ -26,7 +28,7 @@ QtObject {
         // One that was destroyed while it was open has not left.
         const others = sheets.filter(other => other && other.visible && other !== sheet);
         if (others.length === 0)
-            returnTo = pressed && Date.now() - pressedAt < 1000 ? pressed : holder;
+            returnTo = behindMenu ?? (pressed && Date.now() - pressedAt < 1000 ? pressed : holder);
         sheets = others.concat([sheet]);
         Qt.callLater(passKeyboard);
     }
