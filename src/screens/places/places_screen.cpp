@@ -1,6 +1,7 @@
 #include "screens/places/places_screen.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -13,6 +14,12 @@
 
 namespace corvane {
 
+namespace {
+
+constexpr std::chrono::seconds betweenLooks(5);
+
+} // namespace
+
 PlacesScreen::PlacesScreen(CorvaneViewModel& model, DesktopActions& desktop, QObject* parent)
   : QObject(parent)
   , model_(model)
@@ -23,6 +30,12 @@ PlacesScreen::PlacesScreen(CorvaneViewModel& model, DesktopActions& desktop, QOb
 
 void PlacesScreen::wire() {
     connect(&model_.library().places, &ArchivePlaces::placesChanged, this, &PlacesScreen::updateRows);
+    // From the end of a look, as one at a disk that sleeps takes long.
+    connect(&model_.library().places, &ArchivePlaces::placesChanged, this, [this] {
+        if (isOpen_) nextLook_.start(betweenLooks);
+    });
+    nextLook_.setSingleShot(true);
+    connect(&nextLook_, &QTimer::timeout, this, &PlacesScreen::refreshWhileOpen);
     connect(&model_.archiving().placeJobs, &PlaceJobs::changed, this, &PlacesScreen::updateRows);
     connect(&model_.archiving().archiveRun, &ArchiveRunFlow::archiveRunStarted, this,
             &PlacesScreen::updateRows);

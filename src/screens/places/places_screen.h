@@ -1,11 +1,13 @@
 // The sheet of archive places: all that are known with their state, and what can be done about each. Main
 // thread. It looks at the places when it is opened and whenever something about them changes while it is
-// open; nothing in an archive is changed but the index that is made anew where somebody asks for that.
+// open, and every few seconds; nothing in an archive is changed but the index that is made anew where
+// somebody asks for that.
 #pragma once
 
 #include <string>
 
 #include <QObject>
+#include <QTimer>
 #include <QUrl>
 #include <QtQml/qqmlregistration.h>
 
@@ -90,6 +92,7 @@ class PlacesScreen : public QObject {
     PlaceRowsModel rows_;
     FolderPicker picker_;
     bool isOpen_ = false;
+    QTimer nextLook_;       // not every system tells of a folder that is renamed
     std::string pacedRoot_; // of the work that `pace_` is of
     RunPace pace_;
     std::string askedRoot_;    // of the last question whether to forget
