@@ -25,11 +25,14 @@ ColumnLayout {
             text: "归档库里的邮件"
             color: Theme.text2
         }
+        // Without a least width the layout of Qt 6.4 may keep that of earlier texts.
         AppText {
+            Layout.minimumWidth: implicitWidth
             text: pane.screen.totalCount + " · "
             color: Theme.text2
         }
         AppText {
+            Layout.minimumWidth: implicitWidth
             text: pane.screen.totalSize
             font.weight: Theme.strong
         }
