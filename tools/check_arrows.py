@@ -59,11 +59,11 @@ SUBFOLDERS = {
               "corvane_view_model": ". tasks mail archiving library components"},
     "cli": {"console": "", "usage": "", "session": "", "exit_status": "session", "command_set": "session",
             "mails": "session console", "named_entries": "session mails", "known_accounts": "session",
-            "library_options": "session known_accounts",
-            "proving": "console session", "unreadable_archives": "session",
+            "unreadable_archives": "session", "library_options": "session known_accounts unreadable_archives",
+            "proving": "console session",
             "overview_loading": "session proving unreadable_archives", "away_days": "console session",
-            "commands": "console session exit_status command_set mails named_entries known_accounts library_options proving "
-                        "overview_loading unreadable_archives away_days",
+            "commands": "console session exit_status command_set mails named_entries known_accounts library_options "
+                        "proving overview_loading unreadable_archives away_days",
             "command_line": "console usage session exit_status command_set commands",
             ".": "session command_line"},
     "screens": {"controls": "", "texts": "", "desktop": "", "lists": "texts",

@@ -37,6 +37,10 @@ ArchiveError::ArchiveError(Case kind, int errorNumber)
   : std::runtime_error(textOf(kind, errorNumber))
   , kind_(kind) {}
 
+std::string fileErrorReason(bool isInCloud, int errorNumber) {
+    return isInCloud ? "文件还在云端，没有下载到本机" : systemErrorReason(errorNumber);
+}
+
 ArchiveAccessError::ArchiveAccessError(std::string_view what, std::string_view path, std::string_view reason)
   : std::runtime_error(fmt::format("{}“{}”：{}", what, path, reason)) {}
 

@@ -32,6 +32,9 @@ class ArchiveError : public std::runtime_error {
 inline constexpr std::string_view indexNotRead = "无法读取归档索引";
 inline constexpr std::string_view indexNotSaved = "无法保存归档索引";
 
+// Why a file of an archive couldn't be had, in the words of systemErrorReason.
+std::string fileErrorReason(bool isInCloud, int errorNumber);
+
 // The archive as a whole can't be used: its folder can't be made, its index can't be read or saved.
 class ArchiveAccessError : public std::runtime_error {
   public:

@@ -11,8 +11,8 @@
 #include <fmt/format.h>
 
 #include "cli/known_accounts.h"
+#include "cli/unreadable_archives.h"
 #include "platform/paths.h"
-#include "records/logs/console_log.h"
 #include "text/trim.h"
 
 namespace corvane::cli {
@@ -31,8 +31,7 @@ std::shared_ptr<const SharedTextSet> search(Session& session, const std::string&
     auto ids = std::make_shared<SharedTextSet>();
     session.model().library().bodyTexts.searchArchive(query, [&](ArchiveSearchResult found) {
         *ids = std::move(found.ids);
-        for (const std::string& root : found.unreadableRoots)
-            messageLine(fmt::format("没能搜索这个归档，结果里没有它的邮件：{}", root));
+        tellUnsearchedArchives(found.unreadableRoots);
     });
     session.waitUntilIdle();
     return ids;

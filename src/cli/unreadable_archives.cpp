@@ -48,4 +48,9 @@ bool tellUnreadableArchives(Session& session) {
     return isAny;
 }
 
+void tellUnsearchedArchives(const std::vector<std::string>& roots) {
+    for (const std::string& root : roots)
+        messageLine(fmt::format("没能搜索这个归档，结果里没有它的邮件：{}", root));
+}
+
 } // namespace corvane::cli

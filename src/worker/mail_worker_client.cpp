@@ -77,7 +77,7 @@ class OneShotRun {
     [[nodiscard]] std::string answer() const {
         // The system lets no file grow beyond the limit, so one that has reached it isn't whole.
         if (platform::fileSize(output_.path()).value_or(0) >= answerLimit_)
-            throw WorkerError(Kind::invalidResponse, "worker 返回的数据超过上限");
+            throw WorkerError(Kind::invalidResponse, answerTooLong);
         return platform::readFile(output_.path()).value_or("");
     }
 

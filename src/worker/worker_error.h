@@ -6,6 +6,9 @@
 
 namespace corvane {
 
+// The detail of an invalidResponse that is longer than a worker may answer.
+inline constexpr const char* answerTooLong = "worker 返回的数据超过上限";
+
 class WorkerError : public std::runtime_error {
   public:
     enum class Kind { launchFailed, invalidResponse, workerFailed, workerNotFound, pythonNotFound };

@@ -94,7 +94,7 @@ class MailWorkerClient::Session::Process {
             if (end != std::string::npos) return takeLine(end);
             searched = received_.size();
             if (static_cast<std::int64_t>(searched) > limits_.sessionAnswerBytes)
-                throw WorkerLost(Kind::invalidResponse, "worker 返回的数据超过上限");
+                throw WorkerLost(Kind::invalidResponse, answerTooLong);
             readMore(stop);
         }
     }

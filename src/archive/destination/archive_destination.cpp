@@ -17,7 +17,6 @@
 #include "platform/files/layers/folder_file_layer.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
-#include "records/texts/error_reasons.h"
 #include "records/timestamps.h"
 
 namespace corvane::archive {
@@ -38,10 +37,6 @@ constexpr auto lookAgainAfter = std::chrono::milliseconds(200);
 // A large file on a slow stick takes its time: one second more for each MiB.
 std::chrono::nanoseconds limitForSize(std::chrono::nanoseconds limit, std::size_t bytes) {
     return limit + std::chrono::seconds(bytes >> 20);
-}
-
-std::string reasonOf(const ArchiveIndexReading& reading) {
-    return reading.isInCloud ? "文件还在云端，没有下载到本机" : systemErrorReason(reading.error);
 }
 
 } // namespace
@@ -147,7 +142,7 @@ ArchiveIndexReading ArchiveDestination::broughtIndex(const std::function<bool(co
 LoadedIndex ArchiveDestination::loadIndex(Date now, const std::function<bool(const std::string&)>& bring) {
     ArchiveIndexReading reading = broughtIndex(bring);
     if (reading.state == State::couldNotLook) {
-        throw ArchiveAccessError(indexNotRead, indexPath_, reasonOf(reading));
+        throw ArchiveAccessError(indexNotRead, indexPath_, fileErrorReason(reading.isInCloud, reading.error));
     }
     loadedVersion_ = reading.version;
     if (reading.state == State::usable) return {.index = std::move(reading.index), .damagedKeptAs = {}};
@@ -161,7 +156,7 @@ EmailArchiveIndex ArchiveDestination::existingIndex() {
     loadedVersion_ = reading.version;
     switch (reading.state) {
     case State::couldNotLook:
-        throw ArchiveAccessError(indexNotRead, indexPath_, reasonOf(reading));
+        throw ArchiveAccessError(indexNotRead, indexPath_, fileErrorReason(reading.isInCloud, reading.error));
     case State::damaged:
         throw ArchiveAccessError(indexNotRead, indexPath_, "内容已损坏");
     case State::absent:
@@ -250,7 +245,8 @@ void ArchiveDestination::mergeChangedIndex(EmailArchiveIndex& index) {
     ArchiveIndexReading reading = readIndex();
     if (reading.state == State::couldNotLook) {
         throw ArchiveAccessError(indexNotSaved, indexPath_,
-                                 fmt::format("它刚被别的程序改动，现在无法读取：{}", reasonOf(reading)));
+                                 fmt::format("它刚被别的程序改动，现在无法读取：{}",
+                                             fileErrorReason(reading.isInCloud, reading.error)));
     }
     if (reading.state == State::damaged) {
         throw ArchiveAccessError(indexNotSaved, indexPath_, "它刚被别的程序改动，内容已损坏");

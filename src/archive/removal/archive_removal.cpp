@@ -19,7 +19,6 @@
 #include "platform/paths.h"
 #include "records/archive_files/archive_index_file.h"
 #include "records/archived/archive_records.h"
-#include "records/texts/error_reasons.h"
 #include "records/timestamps.h"
 #include "text/shared_text.h"
 
@@ -103,8 +102,8 @@ void FilesToRemove::syncFolders(FileLayer& files, const ArchiveFolders& folders,
 }
 
 std::string reasonOf(const FileRemoval& file) {
-    if (file.isInCloud) return "文件还在云端，没有下载到本机";
-    return file.error == ECANCELED ? "已中断" : systemErrorReason(file.error);
+    if (!file.isInCloud && file.error == ECANCELED) return "已中断";
+    return fileErrorReason(file.isInCloud, file.error);
 }
 
 class Removal {

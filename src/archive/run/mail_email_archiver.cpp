@@ -20,6 +20,7 @@
 #include "platform/stop_watch.h"
 #include "platform/threads/time_limited_worker.h"
 #include "records/logs/console_log.h"
+#include "records/texts/progress_texts.h"
 #include "records/timestamps.h"
 
 namespace corvane {
@@ -71,8 +72,7 @@ class ArchiveRun {
         destination_.lock();
         loadIndex();
         report(0, std::nullopt,
-               messages_.empty() ? "没有要归档的邮件"
-                                 : fmt::format("准备归档 {} 封邮件...", messages_.size()));
+               messages_.empty() ? "没有要归档的邮件" : preparingText(std::ssize(messages_)));
         archiveMessages();
         finish();
         return std::move(result_);

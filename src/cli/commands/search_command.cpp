@@ -6,14 +6,13 @@
 #include <utility>
 #include <vector>
 
-#include <fmt/format.h>
-
 #include "cli/commands/commands.h"
 #include "cli/console/output.h"
 #include "cli/console/text_table.h"
 #include "cli/exit_status.h"
 #include "cli/mails/entry_source.h"
 #include "cli/mails/mail_texts.h"
+#include "cli/unreadable_archives.h"
 #include "library/entry_handles.h"
 #include "records/logs/console_log.h"
 #include "records/texts/formatters.h"
@@ -106,8 +105,7 @@ int runSearch(Session& session, const SearchOptions& options, bool json) {
     const bool wantsMails = options.withDetails || !json;
     const SearchAnswer answer =
         askEntries(session, [&](EntrySource& source) { return answerOf(source, options, wantsMails); });
-    for (const std::string& root : answer.found.rootsNotAsked)
-        messageLine(fmt::format("没能搜索这个归档，结果里没有它的邮件：{}", root));
+    tellUnsearchedArchives(answer.found.rootsNotAsked);
     if (!json) {
         if (answer.mails.empty())
             messageLine("没有找到。");

@@ -15,6 +15,7 @@
 #include "locations/places/place_looks.h"
 #include "platform/paths.h"
 #include "records/stable_hash.h"
+#include "records/texts/progress_texts.h"
 
 namespace corvane {
 
@@ -142,7 +143,7 @@ void ArchiveRunFlow::archiveSelectedEmails(SharedMessageList candidates, Archive
         return;
     }
     completion_ = std::move(completion);
-    setProgress(EmailArchiveProgress{0, count, std::nullopt, fmt::format("准备归档 {} 封邮件...", count)});
+    setProgress(EmailArchiveProgress{0, count, std::nullopt, preparingText(count)});
     Q_EMIT archiveRunStarted();
     runTask_.startReporting<EmailArchiveProgress>(
         TaskPriority::userInitiated,

@@ -4,8 +4,7 @@
 #include <cmath>
 #include <optional>
 
-#include <fmt/format.h>
-
+#include "records/texts/progress_texts.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
 
@@ -28,7 +27,7 @@ ArchiveProgress::ArchiveProgress(ArchiveRunFlow& archive, QObject* parent)
 }
 
 void ArchiveProgress::start(std::int64_t total) {
-    progress_ = {0, total, std::nullopt, fmt::format("准备归档 {} 封邮件...", total)};
+    progress_ = {0, total, std::nullopt, preparingText(total)};
     isCancelling_ = false;
     pace_.start(now());
     tick_.start();
