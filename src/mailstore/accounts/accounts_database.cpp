@@ -76,9 +76,8 @@ SystemAccounts parseAccounts(std::string_view output) {
     return accounts;
 }
 
-SystemAccounts readAccounts(const MailStoreContext& context, const std::string& home) {
-    for (const char* name : {"Accounts4.sqlite", "Accounts3.sqlite"}) {
-        const std::string path = platform::joinPath(home, fmt::format("Library/Accounts/{}", name));
+SystemAccounts readAccounts(const MailStoreContext& context) {
+    for (const std::string& path : systemAccountsDatabases(context)) {
         if (!platform::fileExists(path)) continue;
         const auto output = runLongQuery(context, accountsQuery, path);
         logDatabase(fmt::format("{}: {}", path, output ? "已读取" : "读取失败"));
@@ -117,11 +116,17 @@ std::optional<std::string> addressFromMailboxes(const std::string& home, const s
 
 } // namespace
 
+std::vector<std::string> systemAccountsDatabases(const MailStoreContext& context) {
+    const std::string folder =
+        platform::joinPath(context.platform.realUserHomeDirectory(), "Library/Accounts");
+    return {platform::joinPath(folder, "Accounts4.sqlite"), platform::joinPath(folder, "Accounts3.sqlite")};
+}
+
 std::map<std::string, std::string> queryEmailsFromAccountsDB(const MailStoreContext& context,
                                                              const std::vector<std::string>& uuids) {
     std::map<std::string, std::string> emails;
     const std::string home = context.platform.realUserHomeDirectory();
-    const SystemAccounts accounts = readAccounts(context, home);
+    const SystemAccounts accounts = readAccounts(context);
     logDatabase(fmt::format("账户行数: {}", accounts.byIdentifier.size()));
     for (const std::string& uuid : uuids) {
         auto address = addressOf(accounts, uuid);

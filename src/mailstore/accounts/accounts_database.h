@@ -9,6 +9,9 @@
 
 namespace corvane::mailstore {
 
+// Where the system may keep its accounts, in the order to ask: the first database with accounts counts.
+std::vector<std::string> systemAccountsDatabases(const MailStoreContext& context);
+
 // Addresses by UUID from the system's accounts database, else from property lists of the mailboxes. An
 // account that neither knows, or whose source can't be read, is left out.
 std::map<std::string, std::string> queryEmailsFromAccountsDB(const MailStoreContext& context,

@@ -9,10 +9,10 @@
 #include <utility>
 
 #include "mailstore/accounts/account_queries.h"
+#include "mailstore/accounts/accounts_database.h"
 #include "mailstore/folders/store_location.h"
 #include "mailstore/sqlite/shell_queries.h"
 #include "platform/files/file_look.h"
-#include "platform/paths.h"
 #include "text/case.h"
 #include "text/trim.h"
 
@@ -70,10 +70,7 @@ std::optional<SystemNames> readNames(const MailStoreContext& context, const std:
 }
 
 std::optional<SystemNames> systemNames(const MailStoreContext& context) {
-    const std::string folder =
-        platform::joinPath(context.platform.realUserHomeDirectory(), "Library/Accounts");
-    for (const char* name : {"Accounts4.sqlite", "Accounts3.sqlite"}) {
-        const std::string database = platform::joinPath(folder, name);
+    for (const std::string& database : systemAccountsDatabases(context)) {
         const Presence presence = platform::lookAtFile(database).presence;
         if (presence == Presence::unknown) return std::nullopt;
         if (presence == Presence::absent) continue;
