@@ -7,8 +7,8 @@ AppMenu {
 
     required property LibraryScreen screen
     readonly property int selected: screen.selection.count
-    readonly property bool hasFile: screen.mail.fileState !== ArchivedMail.Gone
-        && screen.mail.fileState !== ArchivedMail.Unplugged
+    readonly property bool hasFile: screen.mail.fileState !== ArchivedFile.Gone
+        && screen.mail.fileState !== ArchivedFile.Unplugged
 
     objectName: "libraryMenu"
 

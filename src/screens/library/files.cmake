@@ -28,6 +28,7 @@ set(library_sources
     library_screen.cpp
     library_search.cpp
     detail/archived_body.cpp
+    detail/archived_file_state.cpp
     detail/archived_mail.cpp
     detail/attachment_tiles.cpp
     detail/body_layout.cpp

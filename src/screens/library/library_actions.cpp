@@ -49,7 +49,7 @@ LibraryActions::LibraryActions(CorvaneViewModel& model, DesktopActions& desktop,
 
 void LibraryActions::openMail() {
     if (!mail_.entry()) return;
-    if (mail_.fileState() == ArchivedMail::FileState::Unplugged) {
+    if (mail_.fileState() == archived_file::State::Unplugged) {
         Q_EMIT noticed(mail_.openHelp());
         return;
     }
@@ -64,10 +64,9 @@ void LibraryActions::handleOpened() {
 
 void LibraryActions::revealMail() {
     if (!mail_.entry()) return;
-    if (mail_.fileState() == ArchivedMail::FileState::Here ||
-        mail_.fileState() == ArchivedMail::FileState::Unknown)
+    if (mail_.fileState() == archived_file::State::Here || mail_.fileState() == archived_file::State::Unknown)
         return model_.library().mailOpening.revealArchivedEmail(*mail_.entry());
-    Q_EMIT noticed(mail_.stateText());
+    Q_EMIT noticed(mail_.state().text);
 }
 
 void LibraryActions::findOriginal() {

@@ -167,7 +167,7 @@ void LibraryScreen::showMail() {
     const auto before = mail_.entry();
     mail_.show(entry, entry == nullptr ? ArchivedOriginalPresenceStatus::unknown
                                        : model_.library().presence.statusOfThisRun(*entry));
-    if (before != mail_.entry()) attachments_.show(entry, mail_.fileState() == ArchivedMail::FileState::Here);
+    if (before != mail_.entry()) attachments_.show(entry, mail_.fileState() == archived_file::State::Here);
 }
 
 LibraryScreen::State LibraryScreen::currentState() const {

@@ -117,7 +117,7 @@ WindowUnderTest {
             scenes.evict("b1");
             query("生日快乐");
             keyClick(Qt.Key_Down);
-            tryCompare(root.screen.mail, "fileState", ArchivedMail.InCloud);
+            tryCompare(root.screen.mail, "fileState", ArchivedFile.InCloud);
             keyClick(Qt.Key_Return);
             tryVerify(() => part("retrievalBanner").visible);
             verify(!part("openArchived").enabled);
@@ -127,7 +127,7 @@ WindowUnderTest {
             mouseClick(part("cancelRetrieval"));
             tryVerify(() => !part("retrievalBanner").visible);
             verify(part("openArchived").enabled);
-            compare(root.screen.mail.fileState, ArchivedMail.InCloud);
+            compare(root.screen.mail.fileState, ArchivedFile.InCloud);
             compare(part("librarySearch").text, "生日快乐");
         }
 

@@ -36,9 +36,9 @@ FocusScope {
             anchors.verticalCenter: parent.verticalCenter
             x: Theme.margin
             width: Math.min(implicitWidth, buttons.x - x - Theme.space)
-            kind: view.mail.stateTone
-            symbol: view.mail.stateSymbol
-            text: view.mail.stateText
+            kind: view.mail.state.tone
+            symbol: view.mail.state.symbol
+            text: view.mail.state.text
         }
         Row {
             id: buttons
@@ -51,11 +51,11 @@ FocusScope {
                 objectName: "openArchived"
                 implicitHeight: Theme.controlHeightPane
                 horizontalPadding: 12
-                symbol: view.mail.fileState === ArchivedMail.InCloud ? "icloud.and.arrow.down" : "mail-open"
+                symbol: view.mail.fileState === ArchivedFile.InCloud ? "icloud.and.arrow.down" : "mail-open"
                 symbolSize: 14
                 text: view.mail.openTitle
                 help: view.mail.openHelp
-                enabled: !view.mail.opening && view.mail.fileState !== ArchivedMail.Unplugged
+                enabled: !view.mail.opening && view.mail.fileState !== ArchivedFile.Unplugged
                 onClicked: view.screen.actions.openMail()
             }
             AppButton {
@@ -120,7 +120,7 @@ FocusScope {
                 Banner {
                     objectName: "goneBanner"
                     width: parent.width
-                    visible: view.mail.fileState === ArchivedMail.Gone
+                    visible: view.mail.fileState === ArchivedFile.Gone
                     kind: "danger"
                     headline: "归档文件不见了"
                     lines: ["它可能被删除或移动了，已不在你的归档备份里。" + (body.visible ? "下面的文字来自搜索索引。" : "")]

@@ -4,7 +4,7 @@
 
 #include <QPointer>
 
-#include "screens/library/detail/archived_mail.h"
+#include "screens/library/detail/archived_file_state.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {
@@ -130,11 +130,11 @@ void ArchivedBody::prepareTexts() {
 }
 
 ArchivedBody::State ArchivedBody::state() const {
-    using FileState = ArchivedMail::FileState;
+    using FileState = archived_file::State;
     if (!body_.pieces.empty()) return State::Text;
     if (!text_ || !text_->empty()) return State::Loading;
     const FileState file =
-        entry_ ? ArchivedMail::stateOfFile(model_.library().loader, *entry_) : FileState::Unknown;
+        entry_ ? archived_file::stateOf(model_.library().loader, *entry_) : FileState::Unknown;
     if (file == FileState::Gone) return State::Lost;
     if (file == FileState::Unplugged) return isOnDisk() ? State::DiskAway : State::PlaceAway;
     if (model_.library().bodyTexts.bodyIndexProgress()) return State::Preparing;

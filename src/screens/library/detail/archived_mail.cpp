@@ -11,12 +11,55 @@
 
 namespace corvane {
 
+using FileState = archived_file::State;
+
 namespace {
 
 using Status = ArchivedOriginalPresenceStatus;
 
 constexpr qsizetype recipientsLimit = 4'000;
 constexpr qsizetype subjectLimit = 1'000;
+
+QString textOf(FileState file, Status status) {
+    if (file == FileState::Gone) return QStringLiteral("归档文件不见了");
+    const QString archived = file == FileState::Unplugged ? QStringLiteral("归档位置未连接")
+                             : file == FileState::InCloud ? QStringLiteral("已归档到云端")
+                             : file == FileState::Unknown ? QStringLiteral("还没有查看归档文件")
+                                                          : QStringLiteral("已归档");
+    switch (status) {
+    case Status::present:
+        return archived + QStringLiteral(" · 原件仍在 Mail");
+    case Status::missing:
+        return archived + QStringLiteral(" · 已从 Mail 删除");
+    case Status::unknown:
+        break;
+    }
+    return archived + QStringLiteral(" · 未对照 Mail");
+}
+
+// Green is only what is there and was compared.
+QString toneOf(FileState file, Status status) {
+    if (file == FileState::Gone) return QStringLiteral("danger");
+    if (file == FileState::Unplugged) return QStringLiteral("attention");
+    const bool isKnown = file == FileState::Here && status != Status::unknown;
+    return isKnown ? QStringLiteral("safe") : QString();
+}
+
+QString symbolOf(FileState file, Status status) {
+    switch (file) {
+    case FileState::Gone:
+        return QStringLiteral("octagon-x");
+    case FileState::Unplugged:
+        return QStringLiteral("unplug");
+    case FileState::InCloud:
+        return QStringLiteral("cloud");
+    case FileState::Unknown:
+        return QStringLiteral("circle-question-mark");
+    case FileState::Here:
+        break;
+    }
+    return status == Status::unknown ? QStringLiteral("archive") : QStringLiteral("circle-check");
+}
 
 } // namespace
 
@@ -62,24 +105,8 @@ const ArchiveLocation* ArchivedMail::place() const {
     return entry_ ? model_.library().loader.location(entry_->locationRootPath) : nullptr;
 }
 
-ArchivedMail::FileState ArchivedMail::fileState() const {
-    return entry_ ? stateOfFile(model_.library().loader, *entry_) : FileState::Unknown;
-}
-
-ArchivedMail::FileState ArchivedMail::stateOfFile(const LibraryLoader& library, const ArchivedEntry& entry) {
-    const ArchiveLocation* location = library.location(entry.locationRootPath);
-    if (location != nullptr && !location->isConnected) return FileState::Unplugged;
-    switch (library.archivedFiles()->presence(entry.locationRootPath, entry.record.emlRelativePath)) {
-    case ArchivedFilePresence::there:
-        return FileState::Here;
-    case ArchivedFilePresence::inCloud:
-        return FileState::InCloud;
-    case ArchivedFilePresence::gone:
-        return FileState::Gone;
-    case ArchivedFilePresence::unknown:
-        break;
-    }
-    return FileState::Unknown;
+FileState ArchivedMail::fileState() const {
+    return entry_ ? archived_file::stateOf(model_.library().loader, *entry_) : FileState::Unknown;
 }
 
 QString ArchivedMail::subject() const {
@@ -114,45 +141,9 @@ QString ArchivedMail::placeSymbol() const {
                                  : QStringLiteral("externaldrive.badge.questionmark");
 }
 
-QString ArchivedMail::stateText() const {
-    if (fileState() == FileState::Gone) return QStringLiteral("归档文件不见了");
-    const QString archived = fileState() == FileState::Unplugged ? QStringLiteral("归档位置未连接")
-                             : fileState() == FileState::InCloud ? QStringLiteral("已归档到云端")
-                             : fileState() == FileState::Unknown ? QStringLiteral("还没有查看归档文件")
-                                                                 : QStringLiteral("已归档");
-    switch (status_) {
-    case Status::present:
-        return archived + QStringLiteral(" · 原件仍在 Mail");
-    case Status::missing:
-        return archived + QStringLiteral(" · 已从 Mail 删除");
-    case Status::unknown:
-        break;
-    }
-    return archived + QStringLiteral(" · 未对照 Mail");
-}
-
-// Green is only what is there and was compared.
-QString ArchivedMail::stateTone() const {
-    if (fileState() == FileState::Gone) return QStringLiteral("danger");
-    if (fileState() == FileState::Unplugged) return QStringLiteral("attention");
-    const bool isKnown = fileState() == FileState::Here && status_ != Status::unknown;
-    return isKnown ? QStringLiteral("safe") : QString();
-}
-
-QString ArchivedMail::stateSymbol() const {
-    switch (fileState()) {
-    case FileState::Gone:
-        return QStringLiteral("octagon-x");
-    case FileState::Unplugged:
-        return QStringLiteral("unplug");
-    case FileState::InCloud:
-        return QStringLiteral("cloud");
-    case FileState::Unknown:
-        return QStringLiteral("circle-question-mark");
-    case FileState::Here:
-        break;
-    }
-    return status_ == Status::unknown ? QStringLiteral("archive") : QStringLiteral("circle-check");
+ArchivedMailState ArchivedMail::state() const {
+    const FileState file = fileState();
+    return {textOf(file, status_), toneOf(file, status_), symbolOf(file, status_)};
 }
 
 bool ArchivedMail::isOpening() const {

@@ -9,8 +9,23 @@
 
 #include "model/corvane_view_model.h"
 #include "screens/library/detail/archived_body.h"
+#include "screens/library/detail/archived_file_state.h"
 
 namespace corvane {
+
+// Whether a mail is archived and its original still in Mail, as far as that is known.
+struct ArchivedMailState {
+    Q_GADGET
+    QML_VALUE_TYPE(archivedMailState)
+    Q_PROPERTY(QString text MEMBER text CONSTANT)
+    Q_PROPERTY(QString tone MEMBER tone CONSTANT)
+    Q_PROPERTY(QString symbol MEMBER symbol CONSTANT)
+
+  public:
+    QString text;
+    QString tone; // as controls have them
+    QString symbol;
+};
 
 class ArchivedMail : public QObject {
     Q_OBJECT
@@ -25,10 +40,8 @@ class ArchivedMail : public QObject {
     Q_PROPERTY(QString sizeText READ sizeText NOTIFY changed)
     Q_PROPERTY(QString placeName READ placeName NOTIFY changed)
     Q_PROPERTY(QString placeSymbol READ placeSymbol NOTIFY changed)
-    Q_PROPERTY(FileState fileState READ fileState NOTIFY changed)
-    Q_PROPERTY(QString stateText READ stateText NOTIFY changed)
-    Q_PROPERTY(QString stateTone READ stateTone NOTIFY changed)
-    Q_PROPERTY(QString stateSymbol READ stateSymbol NOTIFY changed)
+    Q_PROPERTY(corvane::archived_file::State fileState READ fileState NOTIFY changed)
+    Q_PROPERTY(corvane::ArchivedMailState state READ state NOTIFY changed)
     Q_PROPERTY(QString openTitle READ openTitle NOTIFY changed)
     Q_PROPERTY(QString openHelp READ openHelp NOTIFY changed)
     Q_PROPERTY(bool opening READ isOpening NOTIFY changed)
@@ -36,9 +49,6 @@ class ArchivedMail : public QObject {
     Q_PROPERTY(corvane::ArchivedBody* body READ body CONSTANT)
 
   public:
-    enum class FileState { Here, Unknown, Unplugged, InCloud, Gone };
-    Q_ENUM(FileState)
-
     // `model` must outlive it.
     explicit ArchivedMail(CorvaneViewModel& model, QObject* parent = nullptr);
 
@@ -60,22 +70,18 @@ class ArchivedMail : public QObject {
     [[nodiscard]] QString sizeText() const;
     [[nodiscard]] QString placeName() const;
     [[nodiscard]] QString placeSymbol() const;
-    [[nodiscard]] FileState fileState() const;
-
-    // The one rule for all that is said of an archived file.
-    static FileState stateOfFile(const LibraryLoader& library, const ArchivedEntry& entry);
-
-    // Whether it is archived and its original still in Mail, as far as that is known.
-    [[nodiscard]] QString stateText() const;
-    [[nodiscard]] QString stateTone() const;
-    [[nodiscard]] QString stateSymbol() const;
+    // Unknown without a mail.
+    [[nodiscard]] archived_file::State fileState() const;
+    [[nodiscard]] ArchivedMailState state() const;
 
     [[nodiscard]] QString openTitle() const;
     [[nodiscard]] QString openHelp() const;
     [[nodiscard]] bool isOpening() const;
 
     // It is being opened, and its file is still with a cloud.
-    [[nodiscard]] bool isRetrieving() const { return isOpening() && fileState() == FileState::InCloud; }
+    [[nodiscard]] bool isRetrieving() const {
+        return isOpening() && fileState() == archived_file::State::InCloud;
+    }
 
     [[nodiscard]] ArchivedBody* body() { return &body_; }
 

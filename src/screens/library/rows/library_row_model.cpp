@@ -7,7 +7,7 @@
 #include "library/displayable_names.h"
 #include "mime/body/body_snippets.h"
 #include "records/texts/formatters.h"
-#include "screens/library/detail/archived_mail.h"
+#include "screens/library/detail/archived_file_state.h"
 #include "screens/library/rows/marked_text.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
@@ -17,7 +17,7 @@ namespace corvane {
 namespace {
 
 using Kind = LibraryRow::Kind;
-using FileState = ArchivedMail::FileState;
+using FileState = archived_file::State;
 
 // Of a long thread nobody reads more names than fit.
 constexpr std::size_t mostSendersLookedAt = 50;
@@ -214,7 +214,7 @@ std::int64_t LibraryRowModel::bytes(const LibraryRow& row) const {
 QString LibraryRowModel::placeSymbol(const ArchivedEntry& entry) const {
     const ArchiveLocation* place = library_.loader.location(entry.locationRootPath);
     if (place == nullptr) return {};
-    const FileState state = ArchivedMail::stateOfFile(library_.loader, entry);
+    const FileState state = archived_file::stateOf(library_.loader, entry);
     if (state == FileState::Unplugged) return QStringLiteral("externaldrive.badge.questionmark");
     if (state == FileState::Gone) return QStringLiteral("octagon-x");
     if (state == FileState::InCloud) return QStringLiteral("icloud.and.arrow.down");
@@ -233,7 +233,7 @@ QString LibraryRowModel::spokenName(const LibraryRow& row) const {
     if (row.kind == Kind::thread) {
         parts += screens::shownMessageCount(group(row).count);
         parts += row.isOpen ? QStringLiteral("已展开") : QStringLiteral("已收起");
-    } else if (const FileState state = ArchivedMail::stateOfFile(library_.loader, entry(row));
+    } else if (const FileState state = archived_file::stateOf(library_.loader, entry(row));
                state == FileState::Gone) {
         parts += QStringLiteral("归档文件不见了");
     } else if (state == FileState::Unplugged) {
