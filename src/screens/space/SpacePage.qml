@@ -37,7 +37,7 @@ ScreenPage {
 
             FocusGroup {
                 Layout.preferredWidth: page.narrow ? 372 : 472
-                Layout.fillWidth: !page.screen.hasAccount
+                Layout.fillWidth: !page.screen.chosen.isThere
                 Layout.fillHeight: true
                 focus: page.isListed
                 horizontal: false
@@ -112,12 +112,12 @@ ScreenPage {
             }
             Line {
                 Layout.fillHeight: true
-                visible: page.screen.hasAccount
+                visible: page.screen.chosen.isThere
             }
             SpaceSenders {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                visible: page.screen.hasAccount
+                visible: page.screen.chosen.isThere
                 screen: page.screen
                 narrow: page.narrow
                 margin: page.margin

@@ -33,7 +33,7 @@ Item {
                 AppText {
                     objectName: "spaceAccountTitle"
                     Layout.fillWidth: true
-                    text: pane.screen.accountTitle
+                    text: pane.screen.chosen.title
                     role: AppText.Heading
                     elide: Text.ElideMiddle
                     Accessible.role: Accessible.Heading
@@ -52,7 +52,7 @@ Item {
             AppText {
                 objectName: "spaceCountLine"
                 Layout.fillWidth: true
-                text: pane.screen.countLine
+                text: pane.screen.chosen.countLine
                 color: Theme.text2
             }
             AppText {
@@ -138,7 +138,7 @@ Item {
             TickBox {
                 objectName: "tickAllSenders"
                 visible: list.count > 0
-                tick: pane.screen.tickState
+                tick: pane.screen.chosen.tickState
                 name: tick === 1 ? "取消选择全部发件人" : "选择全部发件人"
                 onClicked: pane.screen.setAllTicks(tick !== 1)
             }
@@ -149,13 +149,13 @@ Item {
                 AppText {
                     objectName: "tickedTitle"
                     Layout.fillWidth: true
-                    text: pane.screen.tickedTitle
+                    text: pane.screen.chosen.tickedTitle
                     font.weight: Theme.strong
                 }
                 AppText {
                     objectName: "tickedLine"
                     Layout.fillWidth: true
-                    text: pane.screen.tickedLine
+                    text: pane.screen.chosen.tickedLine
                     role: AppText.Note
                     color: Theme.text2
                 }

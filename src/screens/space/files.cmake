@@ -7,6 +7,7 @@ set(space_qml
 )
 set(space_sources
     space_accounts_model.cpp
+    space_chosen_account.h
     space_screen.cpp
     space_senders_model.cpp
 )

@@ -1,6 +1,8 @@
 #include "screens/space/space_screen.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <utility>
 
 #include <QVariantMap>
@@ -25,6 +27,21 @@ QVariantMap part(int number, const QString& label, std::int64_t bytes) {
 }
 
 constexpr int lastSeries = 4;
+
+QString tickedTitle(const SpaceSenderTicks::Sum& sum) {
+    return sum.senders == 0 ? QStringLiteral("尚未勾选")
+                            : QStringLiteral("已选 %1 个发件人").arg(shownCount(sum.senders));
+}
+
+QString tickedLine(const SpaceSenderTicks::Sum& sum) {
+    return sum.senders == 0 ? QStringLiteral("勾选发件人，把他们的邮件放进归档库。")
+                            : shownMessageCount(sum.messages) + QStringLiteral(" · ") + shownSize(sum.bytes);
+}
+
+int tickState(const SpaceSenderTicks::Sum& sum, std::size_t senders) {
+    if (sum.senders == 0) return 0;
+    return static_cast<std::size_t>(sum.senders) == senders ? 1 : 2;
+}
 
 } // namespace
 
@@ -134,41 +151,25 @@ QVariantList SpaceScreen::shares() const {
     return parts;
 }
 
-QString SpaceScreen::accountTitle() const {
-    return hasAccount() ? screens::shownLine(account()->accountName) : QString();
-}
-
-QString SpaceScreen::countLine() const {
-    return hasAccount() ? screens::wholeText(spaceDetailCountLine(*account())) : QString();
+SpaceChosenAccount SpaceScreen::chosen() const {
+    const SpaceAccountUsage* const shown = account();
+    if (shown == nullptr) return {};
+    const SpaceSenderTicks::Sum sum = ticks().sumIn(*shown);
+    return {.isThere = true,
+            .title = screens::shownLine(shown->accountName),
+            .countLine = screens::wholeText(spaceDetailCountLine(*shown)),
+            .tickedTitle = tickedTitle(sum),
+            .tickedLine = tickedLine(sum),
+            .tickState = tickState(sum, shown->topSenders.size())};
 }
 
 QString SpaceScreen::note() const {
     return screens::wholeText(spaceDetailNote);
 }
 
-QString SpaceScreen::tickedTitle() const {
-    if (!hasAccount()) return {};
-    const std::int64_t senders = ticks().sumIn(*account()).senders;
-    return senders == 0 ? QStringLiteral("尚未勾选")
-                        : QStringLiteral("已选 %1 个发件人").arg(shownCount(senders));
-}
-
-QString SpaceScreen::tickedLine() const {
-    if (!hasAccount()) return {};
-    const SpaceSenderTicks::Sum sum = ticks().sumIn(*account());
-    return sum.senders == 0 ? QStringLiteral("勾选发件人，把他们的邮件放进归档库。")
-                            : shownMessageCount(sum.messages) + QStringLiteral(" · ") + shownSize(sum.bytes);
-}
-
-int SpaceScreen::tickState() const {
-    if (!hasAccount()) return 0;
-    const auto ticked = static_cast<std::size_t>(ticks().sumIn(*account()).senders);
-    return ticked == 0 ? 0 : ticked == account()->topSenders.size() ? 1 : 2;
-}
-
 bool SpaceScreen::canBackUp() const {
     if (archive_.isRunning()) return true;
-    return state() == Listed && tickState() != 0;
+    return state() == Listed && chosen().tickState != 0;
 }
 
 QString SpaceScreen::backUpTitle() const {

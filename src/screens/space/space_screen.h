@@ -17,6 +17,7 @@
 #include "screens/archive/archive_screen.h"
 #include "screens/desktop/desktop_actions.h"
 #include "screens/space/space_accounts_model.h"
+#include "screens/space/space_chosen_account.h"
 #include "screens/space/space_senders_model.h"
 
 namespace corvane {
@@ -29,13 +30,8 @@ class SpaceScreen : public QObject {
     Q_PROPERTY(QString totalSize READ totalSize NOTIFY changed)
     Q_PROPERTY(QString totalCount READ totalCount NOTIFY changed)
     Q_PROPERTY(QVariantList shares READ shares NOTIFY changed)
-    Q_PROPERTY(bool hasAccount READ hasAccount NOTIFY changed)
-    Q_PROPERTY(QString accountTitle READ accountTitle NOTIFY changed)
-    Q_PROPERTY(QString countLine READ countLine NOTIFY changed)
+    Q_PROPERTY(corvane::SpaceChosenAccount chosen READ chosen NOTIFY changed)
     Q_PROPERTY(QString note READ note CONSTANT)
-    Q_PROPERTY(QString tickedTitle READ tickedTitle NOTIFY changed)
-    Q_PROPERTY(QString tickedLine READ tickedLine NOTIFY changed)
-    Q_PROPERTY(int tickState READ tickState NOTIFY changed)
     Q_PROPERTY(bool canBackUp READ canBackUp NOTIFY changed)
     Q_PROPERTY(QString backUpTitle READ backUpTitle NOTIFY changed)
     Q_PROPERTY(corvane::SpaceAccountsModel* accounts READ accounts CONSTANT)
@@ -64,16 +60,8 @@ class SpaceScreen : public QObject {
     // The accounts as parts of a share bar; all beyond the third are one.
     [[nodiscard]] QVariantList shares() const;
 
-    [[nodiscard]] bool hasAccount() const { return account() != nullptr; }
-
-    [[nodiscard]] QString accountTitle() const;
-    [[nodiscard]] QString countLine() const;
+    [[nodiscard]] SpaceChosenAccount chosen() const;
     [[nodiscard]] QString note() const;
-    [[nodiscard]] QString tickedTitle() const;
-    [[nodiscard]] QString tickedLine() const;
-
-    // Of all senders, as the tick box of the controls has it.
-    [[nodiscard]] int tickState() const;
 
     // Something is ticked, it is known what is on this machine, and no run is under way.
     [[nodiscard]] bool canBackUp() const;

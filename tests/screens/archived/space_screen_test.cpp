@@ -24,18 +24,19 @@ TEST_F(Space, TickedSendersGoIntoTheSheetOfTheArchive) {
     settle();
     ASSERT_EQ(space_.state(), SpaceScreen::Listed);
     EXPECT_EQ(space_.totalCount(), QStringLiteral("2 封"));
-    ASSERT_TRUE(space_.hasAccount());
+    ASSERT_TRUE(space_.chosen().isThere);
     ASSERT_GT(space_.senders()->count(), 0);
     EXPECT_FALSE(space_.canBackUp());
     space_.setAllTicks(true);
-    EXPECT_EQ(space_.tickState(), 1);
-    EXPECT_TRUE(space_.tickedLine().startsWith(QStringLiteral("2 封"))) << space_.tickedLine().toStdString();
+    EXPECT_EQ(space_.chosen().tickState, 1);
+    EXPECT_TRUE(space_.chosen().tickedLine.startsWith(QStringLiteral("2 封")))
+        << space_.chosen().tickedLine.toStdString();
 
     space_.closeAccount();
-    EXPECT_FALSE(space_.hasAccount());
+    EXPECT_FALSE(space_.chosen().isThere);
     EXPECT_FALSE(space_.canBackUp());
     space_.openAccount(0);
-    EXPECT_EQ(space_.tickState(), 1) << "ticks are kept";
+    EXPECT_EQ(space_.chosen().tickState, 1) << "ticks are kept";
     space_.backUp();
     settle();
     EXPECT_EQ(archiveScreen_.stage(), ArchiveScreen::Confirm);

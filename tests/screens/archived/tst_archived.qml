@@ -68,12 +68,12 @@ WindowUnderTest {
             list.forceActiveFocus(Qt.TabFocusReason);
             keyClick(Qt.Key_Home);
             keyClick(Qt.Key_Space);
-            compare(screen.tickedTitle, "已选 1 个发件人");
+            compare(screen.chosen.tickedTitle, "已选 1 个发件人");
             keyClick(Qt.Key_A, Qt.ControlModifier);
-            compare(screen.tickState, 1);
+            compare(screen.chosen.tickState, 1);
             go(1);
             go(5);
-            compare(screen.tickState, 1);
+            compare(screen.chosen.tickState, 1);
             mouseClick(part("backUpButton"));
             scenes.settle();
             tryCompare(root.archive, "stage", ArchiveScreen.Confirm);
