@@ -160,6 +160,9 @@ TEST(ArchivedOverview, OnlyWhollyCleanableYearsFreeAnything) {
     EXPECT_EQ(stats.groups[0].years[1].folders[0].presence, (FolderPresence{.present = 1, .unproven = 1}));
     EXPECT_EQ(overviewCleanableYears(group, stats.groups[0]), std::vector<std::int64_t>{2019});
     EXPECT_EQ(stats.groups[0].years[2].status, cleanable); // it frees nothing while a folder is done already
+    ASSERT_EQ(leftOutYears(group, stats.groups[0]).size(), 2U)
+        << "that year, and the one with an unproven original";
+    EXPECT_EQ(leftOutYears(group, stats.groups[0]).back().year, group.years[2].year);
     EXPECT_TRUE(isShown(stats.groups[0].years[2], ArchivedOverviewFilter::cleanable));
     EXPECT_TRUE(isShown(stats.groups[0].years[2], ArchivedOverviewFilter::removed));
     EXPECT_FALSE(isShown(stats.groups[0].years[1], ArchivedOverviewFilter::removed));

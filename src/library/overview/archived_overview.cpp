@@ -319,6 +319,8 @@ std::string leftOutReason(const ArchivedOverviewStats::Year& year) {
     case Status::incomplete:
     case Status::serverUnbacked:
         return "还有邮件没有归档，或与归档不一致";
+    case Status::cleanable:
+        return "有的邮箱里已经没有原件，剩下的请在 Mail 里逐个邮箱删除";
     case Status::pendingReview:
         return "有邮件需要手动确认";
     case Status::completed:
@@ -333,7 +335,7 @@ std::vector<LeftOutYear> leftOutYears(const ArchivedOverviewGroup& group,
     std::vector<LeftOutYear> years;
     for (std::size_t number = 0; number < group.years.size(); ++number) {
         const ArchivedOverviewStats::Year& year = stats.years[number];
-        if ((year.isCleanable && !year.isOffered()) || year.awaitsProof)
+        if (year.isLeftOut() || year.awaitsProof)
             years.push_back({group.years[number].year, leftOutReason(year)});
     }
     return years;

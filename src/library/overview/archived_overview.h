@@ -154,6 +154,11 @@ struct ArchivedOverviewStats {
         // Everything that the search finds may be deleted.
         [[nodiscard]] bool isOffered() const { return isCleanable && besides.isNothing(); }
 
+        // It is called cleanable, and no search in Mail is given for it.
+        [[nodiscard]] bool isLeftOut() const {
+            return status == ArchivedOverviewRowStatus::cleanable && !isOffered();
+        }
+
         bool awaitsProof = false; // each folder that is `incomplete` does
         MailSum freeable;         // zero unless it is cleanable
         MailSum repeated;         // further archived copies of what is freeable
@@ -188,7 +193,7 @@ ArchivedOverviewRowStatus archivedOverviewStatus(const std::vector<ArchivedOverv
 std::vector<std::int64_t> overviewCleanableYears(const ArchivedOverviewGroup& group,
                                                  const ArchivedOverviewStats::Group& stats);
 
-// A year that no search in Mail is given for, though every folder may be cleaned or has only to be compared.
+// A year that no search in Mail is given for, though it is called cleanable or has only to be compared.
 struct LeftOutYear {
     std::int64_t year = 0;
     std::string reason; // for the user, without a full stop

@@ -35,14 +35,13 @@ void addSpans(QStringList& parts, const Years& years, const QString& text) {
     if (!years.empty()) parts += screens::yearSpans(years) + text;
 }
 
-// Years that may be cleaned and that no condition is given for.
+// Years that are called cleanable and that no condition is given for.
 std::map<std::string, Years> leftOutByReason(const ArchivedOverviewGroup& group,
                                              const ArchivedOverviewStats::Group& stats) {
     std::map<std::string, Years> years;
     for (std::size_t number = 0; number < group.years.size(); ++number) {
         const ArchivedOverviewStats::Year& year = stats.years[number];
-        if (year.isCleanable && !year.isOffered())
-            years[leftOutReason(year)].push_back(group.years[number].year);
+        if (year.isLeftOut()) years[leftOutReason(year)].push_back(group.years[number].year);
     }
     return years;
 }
@@ -54,8 +53,7 @@ QString yearsLine(const ArchivedOverviewGroup& group, const ArchivedOverviewStat
     };
     const auto awaits = [](const ArchivedOverviewStats::Year& year) { return year.awaitsProof; };
     const auto isPending = [](const ArchivedOverviewStats::Year& year) {
-        return year.status == Status::pendingReview ||
-               (year.status == Status::cleanable && !year.isCleanable);
+        return year.status == Status::pendingReview;
     };
     QStringList parts;
     addSpans(parts, overviewCleanableYears(group, stats), QStringLiteral(" 年可以放心清理"));
