@@ -19,7 +19,7 @@ Item {
         stage: ArchiveScreen.Confirm
     }
     ArchiveSheet {
-        source: Qt.resolvedUrl("ArchiveRunningSheet.qml")
+        source: Qt.resolvedUrl("run/ArchiveRunningSheet.qml")
         stage: ArchiveScreen.Running
     }
     ArchiveSheet {

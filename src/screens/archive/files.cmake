@@ -2,7 +2,6 @@
 set(archive_qml
     ArchiveConfirmSheet.qml
     ArchiveResultSheet.qml
-    ArchiveRunningSheet.qml
     ArchiveSheets.qml
     CandidateList.qml
     CandidateRow.qml
@@ -17,20 +16,21 @@ set(archive_qml
     places/FolderSheet.qml
     places/NewFolderRow.qml
     places/RebuildBanner.qml
+    run/ArchiveRunningSheet.qml
 )
 set(archive_sources
     archive_candidates_model.cpp
     archive_confirmation.h
     archive_outcome.cpp
-    archive_progress.cpp
     archive_result.cpp
     archive_screen.cpp
     archive_texts.cpp
-    run_pace.cpp
     places/folder_obstacle.cpp
     places/folder_texts.cpp
     places/folder_choice.cpp
     places/folder_picker.cpp
     places/quick_destinations.cpp
     places/rebuild_notice.cpp
+    run/archive_progress.cpp
+    run/run_pace.cpp
 )

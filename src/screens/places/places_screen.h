@@ -13,7 +13,7 @@
 
 #include "model/corvane_view_model.h"
 #include "screens/archive/places/folder_picker.h"
-#include "screens/archive/run_pace.h"
+#include "screens/archive/run/run_pace.h"
 #include "screens/desktop/desktop_actions.h"
 #include "screens/places/place_rows_model.h"
 

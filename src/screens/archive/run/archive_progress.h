@@ -10,7 +10,7 @@
 #include <QtQml/qqmlregistration.h>
 
 #include "model/archiving/archive_run_flow.h"
-#include "screens/archive/run_pace.h"
+#include "screens/archive/run/run_pace.h"
 
 namespace corvane {
 

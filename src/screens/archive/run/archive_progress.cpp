@@ -1,4 +1,4 @@
-#include "screens/archive/archive_progress.h"
+#include "screens/archive/run/archive_progress.h"
 
 #include <chrono>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "screens/archive/run_pace.h"
+#include "screens/archive/run/run_pace.h"
 
 #include <algorithm>
 #include <cmath>
