@@ -73,7 +73,7 @@ std::string steps(TimedApplication& application, const std::string& home, const 
     const std::string ticking = application.takeSummary();
 
     application.step("destination", [&] {
-        whole.window().archive()->quickDestinations()->chooseFolder(
+        whole.window().archive()->place()->quickDestinations()->chooseFolder(
             QUrl::fromLocalFile(QString::fromStdString(archive)));
     });
     whole.waitFor([] { return true; });

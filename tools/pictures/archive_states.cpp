@@ -21,7 +21,7 @@ void startHeldRun(WindowScene& scene) {
 
 void endInBackground(WindowScene& scene) {
     startHeldRun(scene);
-    scene.window().archive()->sendToBackground();
+    scene.window().archive()->background()->send();
     scene.release();
     scene.settle();
 }

@@ -8,7 +8,7 @@ Sheet {
 
     required property ArchiveScreen archive
     readonly property bool wanted: archive.isShown && archive.stage === ArchiveScreen.Confirm
-    readonly property var remark: archive.destination.archiveRemark
+    readonly property var remark: archive.place.destination.archiveRemark
     readonly property var confirmation: archive.confirmation
     readonly property bool hasError: archive.errorText.length > 0
 
@@ -54,7 +54,7 @@ Sheet {
             Layout.fillWidth: true
             Layout.topMargin: visible ? 8 : 0
             visible: count > 0
-            destinations: sheet.archive.quickDestinations
+            destinations: sheet.archive.place.quickDestinations
         }
         Banner {
             objectName: "remarkBanner"
@@ -70,16 +70,16 @@ Sheet {
             objectName: "refusalBanner"
             Layout.fillWidth: true
             Layout.topMargin: 12
-            visible: sheet.archive.quickDestinations.refusal.length > 0
+            visible: sheet.archive.place.quickDestinations.refusal.length > 0
             kind: "danger"
             headline: "不能归档到这里，位置没有改"
-            lines: [sheet.archive.quickDestinations.refusal]
+            lines: [sheet.archive.place.quickDestinations.refusal]
             lineMeasure: Theme.bodyMeasure
         }
         RebuildBanner {
             Layout.fillWidth: true
             Layout.topMargin: visible ? 12 : 0
-            notice: sheet.archive.rebuildNotice
+            notice: sheet.archive.place.rebuildNotice
         }
         RowLayout {
             Layout.fillWidth: true
@@ -135,8 +135,8 @@ Sheet {
 
     FolderChooser {
         id: chooser
-        picker: sheet.archive.folderPicker
-        folder: sheet.archive.destination.folder
-        onFolderChosen: folder => sheet.archive.quickDestinations.chooseFolder(folder)
+        picker: sheet.archive.place.folderPicker
+        folder: sheet.archive.place.destination.folder
+        onFolderChosen: folder => sheet.archive.place.quickDestinations.chooseFolder(folder)
     }
 }

@@ -23,13 +23,13 @@ ColumnLayout {
 
         Symbol {
             size: 18
-            name: part.archive.destination.symbol
+            name: part.archive.place.destination.symbol
             color: Theme.text2
         }
         AppText {
             Layout.fillWidth: true
-            text: part.archive.destination.place
-            wholeText: part.archive.destination.fullPath
+            text: part.archive.place.destination.place
+            wholeText: part.archive.place.destination.fullPath
             elide: Text.ElideMiddle
         }
         AppButton {
@@ -38,8 +38,8 @@ ColumnLayout {
             symbol: "folder-open"
             symbolSize: 14
             text: "打开文件夹"
-            enabled: !part.archive.destination.isMissing
-            onClicked: part.archive.openFolder()
+            enabled: !part.archive.place.destination.isMissing
+            onClicked: part.archive.place.openFolder()
         }
     }
     Line {

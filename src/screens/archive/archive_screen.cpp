@@ -12,16 +12,17 @@
 
 namespace corvane {
 
+ArchiveRequest ArchiveRequest::of(std::shared_ptr<const SharedTextSet> ids) {
+    return {[ids = std::move(ids)] { return *ids; }, {}, true};
+}
+
 ArchiveScreen::ArchiveScreen(CorvaneViewModel& model, OrganizeData& data, DesktopActions& desktop,
                              QObject* parent)
   : QObject(parent)
   , model_(model)
   , data_(data)
-  , desktop_(desktop)
   , candidates_(model, desktop)
-  , quickDestinations_(model)
-  , folderPicker_(model)
-  , rebuildNotice_(model.archiving().rebuild)
+  , place_(model, desktop)
   , progress_(model.archiving().archiveRun)
   , outcome_(desktop)
   , prepareTask_(model.context().tasks) {
@@ -29,18 +30,12 @@ ArchiveScreen::ArchiveScreen(CorvaneViewModel& model, OrganizeData& data, Deskto
 }
 
 void ArchiveScreen::wire() {
-    const auto destinationReplaced = [this] {
-        Q_EMIT destinationChanged();
-        Q_EMIT confirmationChanged();
-    };
     // What was said of a run there doesn't hold for another place.
     connect(&model_.archiving().destinations, &ArchiveDestinations::destinationChanged, this,
             [this] { setError({}); });
-    connect(&model_.archiving().destinations, &ArchiveDestinations::destinationChanged, this,
-            destinationReplaced);
-    connect(&model_.archiving().destinations, &ArchiveDestinations::factsChanged, this, destinationReplaced);
-    connect(&folderPicker_, &FolderPicker::chosen, this,
-            [this] { model_.archiving().destinations.setTransferDestination(folderPicker_.chosenPath()); });
+    connect(&place_, &DestinationChoice::changed, this, &ArchiveScreen::confirmationChanged);
+    connect(&background_, &BackgroundRun::changed, this, &ArchiveScreen::stageChanged);
+    connect(&background_, &BackgroundRun::endWanted, this, &ArchiveScreen::showEnd);
     connect(&candidates_, &ArchiveCandidatesModel::selectionSummed, this,
             &ArchiveScreen::confirmationChanged);
     connect(&candidates_, &ArchiveCandidatesModel::loadingChanged, this, &ArchiveScreen::confirmationChanged);
@@ -56,7 +51,7 @@ void ArchiveScreen::wire() {
 
 void ArchiveScreen::setStage(Stage stage) {
     stage_ = stage;
-    isInBackground_ = false;
+    background_.comeToFront();
     Q_EMIT stageChanged();
 }
 
@@ -66,25 +61,19 @@ void ArchiveScreen::setError(const QString& text) {
     Q_EMIT errorChanged();
 }
 
-void ArchiveScreen::open(const std::shared_ptr<const SharedTextSet>& ids) {
-    open(ArchiveRequest{[ids] { return *ids; }, {}});
-    isOfChosenMail_ = true;
-}
-
 void ArchiveScreen::open(ArchiveRequest request) {
     if (stage_ == Running) {
-        bringToFront();
+        background_.bringToFront();
         return;
     }
-    if (stage_ == Confirm) isEndUnseen_ = false;
+    if (stage_ == Confirm) background_.forgetEnd();
     close();
     setError({});
-    isOfChosenMail_ = false;
+    isOfChosenMail_ = request.isOfChosenMail;
     isPreparing_ = true;
     yearsBefore_ = model_.mail().filters.candidates().archiveFilterYears;
     model_.mail().filters.set(&CandidateFilters::archiveFilterYears, std::move(request.years));
-    quickDestinations_.refreshDetectedDestinations();
-    model_.archiving().destinations.refreshFacts();
+    place_.refresh();
     setStage(Confirm);
     Q_EMIT confirmationChanged();
     prepareTask_.start(
@@ -125,11 +114,11 @@ void ArchiveScreen::close() {
 void ArchiveScreen::start() {
     if (!canStart()) return;
     setError({});
-    isEndUnseen_ = false;
     runCandidates_ = candidates_.records();
     runSelection_ = model_.archiving().ticks.selectedArchiveMessageIDs();
     progress_.start(candidates_.selectedCount());
     setStage(Running);
+    background_.begin();
     model_.archiveSelectedEmails([screen = QPointer(this)](ArchiveRunFlow::RunOutcome outcome) {
         if (screen) screen->handleRunEnd(std::move(outcome));
     });
@@ -143,22 +132,20 @@ void ArchiveScreen::handleRunFailure(const QString& error) {
                                                 "认出它们，不会重写。")
                                      .arg(screens::shownMessageCount(done)));
     model_.archiving().destinations.refreshFacts();
+    background_.finish({QStringLiteral("归档没有完成"), QStringLiteral("danger")});
     stage_ = Confirm;
     candidates_.load();
+    Q_EMIT stageChanged();
 }
 
-// A run that was sent to the background ends there: nobody's work is covered, nor their keyboard taken.
 void ArchiveScreen::handleRunEnd(ArchiveRunFlow::RunOutcome outcome) {
     progress_.stop();
-    isEndUnseen_ = isInBackground_;
-    if (!outcome) {
-        handleRunFailure(screens::wholeText(outcome.error()));
-        Q_EMIT stageChanged();
-        return;
-    }
+    if (!outcome) return handleRunFailure(screens::wholeText(outcome.error()));
+    const bool isBehind = background_.isBehind();
     outcome_.set(std::move(*outcome), progress_.total());
     if (outcome_.view().restTitle.isEmpty()) forgetRun();
-    setStage(isEndUnseen_ ? Closed : Result);
+    background_.finish({outcome_.view().endText, outcome_.view().tone});
+    setStage(isBehind ? Closed : Result);
     endConfirmation();
     Q_EMIT archiveFinished();
 }
@@ -169,24 +156,15 @@ void ArchiveScreen::forgetRun() {
     if (runCandidates_) model_.context().tasks.discard(std::exchange(runCandidates_, nullptr));
 }
 
-QString ArchiveScreen::endText() const {
-    if (!isEndUnseen_) return {};
-    return stage_ == Confirm ? QStringLiteral("归档没有完成") : outcome_.view().endText;
-}
-
-QString ArchiveScreen::endTone() const {
-    if (!isEndUnseen_) return {};
-    return stage_ == Confirm ? QStringLiteral("danger") : outcome_.view().tone;
-}
-
 QString ArchiveScreen::partialText() const {
     return screens::partialMailText(model_.mail());
 }
 
+// The result, or the confirmation with what went wrong.
 void ArchiveScreen::showEnd() {
-    if (!isEndUnseen_) return;
-    isEndUnseen_ = false;
-    setStage(stage_ == Confirm ? Confirm : Result);
+    if (background_.isBehind()) return setStage(Confirm);
+    close();
+    setStage(Result);
 }
 
 void ArchiveScreen::cancelRun() {
@@ -195,22 +173,10 @@ void ArchiveScreen::cancelRun() {
     model_.archiving().archiveRun.cancelEmailArchive();
 }
 
-void ArchiveScreen::sendToBackground() {
-    if (stage_ != Running || isInBackground_) return;
-    isInBackground_ = true;
-    Q_EMIT stageChanged();
-}
-
-void ArchiveScreen::bringToFront() {
-    if (!isInBackground_) return;
-    isInBackground_ = false;
-    Q_EMIT stageChanged();
-}
-
 void ArchiveScreen::retryFailed() {
     if (stage_ != Result) return;
-    const auto ids = std::make_shared<const SharedTextSet>(outcome_.failedIDs());
-    if (!ids->empty()) open(ids);
+    auto ids = std::make_shared<const SharedTextSet>(outcome_.failedIDs());
+    if (!ids->empty()) open(ArchiveRequest::of(std::move(ids)));
 }
 
 // What was archived meanwhile is no candidate any more.
@@ -224,14 +190,7 @@ void ArchiveScreen::continueRest() {
         }
         return ids;
     };
-    open(ArchiveRequest{rest, {}});
-    isOfChosenMail_ = true;
-}
-
-void ArchiveScreen::openFolder() {
-    const DestinationView destination = destinationView(model_);
-    if (destination.path && destination.facts.connected)
-        desktop_.open(QUrl::fromLocalFile(screens::wholeText(*destination.path)));
+    open(ArchiveRequest{rest, {}, true});
 }
 
 void ArchiveScreen::goTo(const QString& place) {

@@ -17,13 +17,11 @@
 #include "screens/archive/archive_candidates_model.h"
 #include "screens/archive/archive_confirmation.h"
 #include "screens/archive/archive_outcome.h"
-#include "screens/archive/places/folder_picker.h"
-#include "screens/archive/places/quick_destinations.h"
-#include "screens/archive/places/rebuild_notice.h"
+#include "screens/archive/places/destination_choice.h"
 #include "screens/archive/run/archive_progress.h"
+#include "screens/archive/run/background_run.h"
 #include "screens/desktop/desktop_actions.h"
 #include "screens/overview/organize_data.h"
-#include "screens/texts/destination_item.h"
 
 namespace corvane {
 
@@ -31,6 +29,9 @@ namespace corvane {
 struct ArchiveRequest {
     std::function<SharedTextSet()> makeIDs;
     std::set<std::int64_t> years; // empty: of all years
+    bool isOfChosenMail = false;  // single messages were asked for, not years
+
+    static ArchiveRequest of(std::shared_ptr<const SharedTextSet> ids);
 };
 
 class ArchiveScreen : public QObject {
@@ -40,17 +41,13 @@ class ArchiveScreen : public QObject {
     Q_PROPERTY(Stage stage READ stage NOTIFY stageChanged)
     Q_PROPERTY(bool isShown READ isShown NOTIFY stageChanged)
     Q_PROPERTY(bool isRunning READ isRunning NOTIFY stageChanged)
-    Q_PROPERTY(QString endText READ endText NOTIFY stageChanged)
-    Q_PROPERTY(QString endTone READ endTone NOTIFY stageChanged)
     Q_PROPERTY(QString partialText READ partialText NOTIFY stageChanged)
-    Q_PROPERTY(corvane::DestinationItem destination READ destination NOTIFY destinationChanged)
     Q_PROPERTY(corvane::ArchiveConfirmation confirmation READ confirmation NOTIFY confirmationChanged)
     Q_PROPERTY(int minimumSize READ minimumSize WRITE setMinimumSize NOTIFY confirmationChanged)
     Q_PROPERTY(QString errorText READ errorText NOTIFY errorChanged)
     Q_PROPERTY(corvane::ArchiveCandidatesModel* candidates READ candidates CONSTANT)
-    Q_PROPERTY(corvane::QuickDestinations* quickDestinations READ quickDestinations CONSTANT)
-    Q_PROPERTY(corvane::RebuildNotice* rebuildNotice READ rebuildNotice CONSTANT)
-    Q_PROPERTY(corvane::FolderPicker* folderPicker READ folderPicker CONSTANT)
+    Q_PROPERTY(corvane::DestinationChoice* place READ place CONSTANT)
+    Q_PROPERTY(corvane::BackgroundRun* background READ background CONSTANT)
     Q_PROPERTY(corvane::ArchiveProgress* progress READ progress CONSTANT)
     Q_PROPERTY(corvane::ArchiveOutcome* outcome READ outcome CONSTANT)
 
@@ -65,25 +62,15 @@ class ArchiveScreen : public QObject {
     [[nodiscard]] Stage stage() const { return stage_; }
 
     // A run may go on behind any screen.
-    [[nodiscard]] bool isShown() const { return stage_ != Closed && !isInBackground_; }
+    [[nodiscard]] bool isShown() const { return stage_ != Closed && !background_.isBehind(); }
 
     [[nodiscard]] bool isRunning() const { return stage_ == Running; }
-
-    // How the last run ended that was sent to the background, until somebody looks at it or the next one
-    // starts; else empty. And its tone, as controls have them.
-    [[nodiscard]] QString endText() const;
-    [[nodiscard]] QString endTone() const;
 
     // Of the mail that Mail holds in part; empty without any.
     [[nodiscard]] QString partialText() const;
 
     // Opens the sheet with these messages, all of them ticked; during a run brings that to the front.
     void open(ArchiveRequest request);
-
-    // The same for ids that are there already.
-    void open(const std::shared_ptr<const SharedTextSet>& ids);
-
-    [[nodiscard]] DestinationItem destination() const { return DestinationItem::of(model_); }
 
     [[nodiscard]] ArchiveConfirmation confirmation() const;
 
@@ -95,11 +82,9 @@ class ArchiveScreen : public QObject {
 
     [[nodiscard]] ArchiveCandidatesModel* candidates() { return &candidates_; }
 
-    [[nodiscard]] QuickDestinations* quickDestinations() { return &quickDestinations_; }
+    [[nodiscard]] DestinationChoice* place() { return &place_; }
 
-    [[nodiscard]] FolderPicker* folderPicker() { return &folderPicker_; }
-
-    [[nodiscard]] RebuildNotice* rebuildNotice() { return &rebuildNotice_; }
+    [[nodiscard]] BackgroundRun* background() { return &background_; }
 
     [[nodiscard]] ArchiveProgress* progress() { return &progress_; }
 
@@ -108,19 +93,10 @@ class ArchiveScreen : public QObject {
     Q_INVOKABLE void start();
     Q_INVOKABLE void cancelRun();
 
-    // The run goes on without its sheet; `bringToFront` shows it again.
-    Q_INVOKABLE void sendToBackground();
-    Q_INVOKABLE void bringToFront();
-
-    // What `endText` is about: the result, or the confirmation with what went wrong.
-    Q_INVOKABLE void showEnd();
     Q_INVOKABLE void retryFailed();
 
     // Opens the sheet with what a cancelled run didn't come to.
     Q_INVOKABLE void continueRest();
-
-    // The archive's folder in the file manager; no effect while it is out of reach.
-    Q_INVOKABLE void openFolder();
 
     // Closes the sheet; `placeRequested` follows.
     Q_INVOKABLE void goTo(const QString& place);
@@ -130,7 +106,6 @@ class ArchiveScreen : public QObject {
 
   Q_SIGNALS:
     void stageChanged();
-    void destinationChanged();
     void confirmationChanged();
     void errorChanged();
     // A run has ended and its result stands in the sheet.
@@ -145,6 +120,7 @@ class ArchiveScreen : public QObject {
     void showCandidates(std::shared_ptr<const SharedTextSet> requested);
     void forgetRun();
     void handleRunFailure(const QString& error);
+    void showEnd();
     void handleRunEnd(ArchiveRunFlow::RunOutcome outcome);
     void endConfirmation();
     [[nodiscard]] bool canStart() const;
@@ -153,17 +129,13 @@ class ArchiveScreen : public QObject {
 
     CorvaneViewModel& model_;
     OrganizeData& data_;
-    DesktopActions& desktop_;
     ArchiveCandidatesModel candidates_;
-    QuickDestinations quickDestinations_;
-    FolderPicker folderPicker_;
-    RebuildNotice rebuildNotice_;
+    DestinationChoice place_;
+    BackgroundRun background_;
     ArchiveProgress progress_;
     ArchiveOutcome outcome_;
     Stage stage_ = Closed;
-    bool isInBackground_ = false;
-    bool isEndUnseen_ = false;      // of a run in the background
-    bool isOfChosenMail_ = false;   // ids were asked for, not years
+    bool isOfChosenMail_ = false;   // of the open request
     ArchiveSelection runSelection_; // of the last run, with the list it ticks
     SharedMessageList runCandidates_;
     bool isPreparing_ = false;

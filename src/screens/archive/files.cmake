@@ -25,6 +25,7 @@ set(archive_sources
     archive_result.cpp
     archive_screen.cpp
     archive_texts.cpp
+    places/destination_choice.cpp
     places/folder_obstacle.cpp
     places/folder_texts.cpp
     places/folder_choice.cpp
@@ -32,5 +33,6 @@ set(archive_sources
     places/quick_destinations.cpp
     places/rebuild_notice.cpp
     run/archive_progress.cpp
+    run/background_run.cpp
     run/run_pace.cpp
 )

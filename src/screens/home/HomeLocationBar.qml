@@ -14,7 +14,7 @@ BottomBar {
     readonly property var destination: home.destination
     readonly property var selection: home.selection
     readonly property var remark: destination.locationBarRemark
-    readonly property string refusal: archive.quickDestinations.refusal
+    readonly property string refusal: archive.place.quickDestinations.refusal
     readonly property color remarkColor: Theme.toneText(refusal.length > 0 ? "danger" : remark.kind)
     readonly property string remarkText: refusal.length > 0 ? "位置没有改。" + refusal
         : remark.title.length > 0 ? remark.title + "。" + remark.text : remark.text
@@ -133,8 +133,8 @@ BottomBar {
     }
     FolderChooser {
         id: chooser
-        picker: bar.archive.folderPicker
-        folder: bar.archive.destination.folder
-        onFolderChosen: folder => bar.archive.quickDestinations.chooseFolder(folder)
+        picker: bar.archive.place.folderPicker
+        folder: bar.archive.place.destination.folder
+        onFolderChosen: folder => bar.archive.place.quickDestinations.chooseFolder(folder)
     }
 }

@@ -279,7 +279,7 @@ bool HomeScreen::organizePrimaryDisabled() const {
 
 void HomeScreen::runOrganizePrimaryAction() {
     if (archive_.isRunning()) {
-        archive_.bringToFront();
+        archive_.background()->bringToFront();
     } else if (effectiveHomeAction() == HomeAction::openArchiveLibrary) {
         Q_EMIT libraryRequested();
     } else if (!destinationView(model_).path) {

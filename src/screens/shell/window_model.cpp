@@ -80,8 +80,9 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
     connect(library_.filters(), &LibraryFilterMenus::collectionRequested, &collection_,
             &AddressCollection::open);
     connect(&archived_, &ArchivedScreen::collectionRequested, &collection_, &AddressCollection::open);
-    connect(mails_.actions(), &MailListActions::archiveRequested, &archive_,
-            [this](const std::shared_ptr<const SharedTextSet>& ids) { archive_.open(ids); });
+    connect(
+        mails_.actions(), &MailListActions::archiveRequested, &archive_,
+        [this](const std::shared_ptr<const SharedTextSet>& ids) { archive_.open(ArchiveRequest::of(ids)); });
     connect(&model.archiving().destinations, &ArchiveDestinations::destinationChanged, this,
             &WindowModel::destinationChanged);
     connect(&model.archiving().destinations, &ArchiveDestinations::factsChanged, this,

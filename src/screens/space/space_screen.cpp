@@ -216,7 +216,7 @@ void SpaceScreen::setAllTicks(bool ticked) {
 }
 
 void SpaceScreen::backUp() {
-    if (archive_.isRunning()) return archive_.bringToFront();
+    if (archive_.isRunning()) return archive_.background()->bringToFront();
     if (!canBackUp()) return;
     archive_.open(ArchiveRequest{
         [messages = model_.mail().catalog.messages(), local = model_.mail().catalog.locallyAvailableIDs(),

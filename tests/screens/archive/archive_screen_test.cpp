@@ -67,7 +67,7 @@ TEST_F(ArchiveSheet, OffersToRebuildTheIndexOfAnArchiveThatLostIt) {
     home_.write("Archive/2020/a/x.eml", "From: a\nMessage-ID: <m>\n\nbody");
     home_.write("Archive/2020/a/y.eml", "");
     chooseDestination(home_.at("Archive"));
-    RebuildNotice& notice = *archiveScreen_.rebuildNotice();
+    RebuildNotice& notice = *archiveScreen_.place()->rebuildNotice();
     ASSERT_TRUE(notice.canStart());
     EXPECT_EQ(notice.title(), QStringLiteral("这个归档没有索引"));
     EXPECT_TRUE(notice.text().contains(QStringLiteral("2 封"))) << notice.text().toStdString();
@@ -86,7 +86,8 @@ TEST_F(ArchiveSheet, OffersToRebuildTheIndexOfAnArchiveThatLostIt) {
 
 TEST_F(ArchiveSheet, SelectedCandidatesAreTickedTogetherAndCopied) {
     publishThree();
-    archiveScreen_.open(std::make_shared<const SharedTextSet>(*model_.mail().catalog.locallyAvailableIDs()));
+    archiveScreen_.open(ArchiveRequest::of(
+        std::make_shared<const SharedTextSet>(*model_.mail().catalog.locallyAvailableIDs())));
     settle();
     ASSERT_EQ(candidates_.count(), 3);
     candidates_.selection()->select(2);
@@ -115,8 +116,8 @@ TEST_F(ArchiveSheet, FiltersOfOtherScreensTakeNothingFromWhatWasTicked) {
 
 TEST_F(ArchiveSheet, SaysWhyItCannotStart) {
     publishThree();
-    archiveScreen_.open(
-        std::make_shared<const SharedTextSet>(SharedTextSet{model_.mail().catalog.messages()->front().id}));
+    archiveScreen_.open(ArchiveRequest::of(
+        std::make_shared<const SharedTextSet>(SharedTextSet{model_.mail().catalog.messages()->front().id})));
     settle();
     EXPECT_EQ(archiveScreen_.confirmation().archiveButtonTitle, QStringLiteral("先选择位置"));
     EXPECT_FALSE(archiveScreen_.confirmation().canStart);
@@ -226,20 +227,20 @@ TEST_F(ArchiveSheet, ARunGoesOnInTheBackgroundAndEndsInItsResult) {
     archiveScreen_.start();
     archiveScreen_.close();
     EXPECT_EQ(archiveScreen_.stage(), Stage::Running) << "a run is cancelled, not closed";
-    archiveScreen_.sendToBackground();
+    archiveScreen_.background()->send();
     EXPECT_FALSE(archiveScreen_.isShown());
     EXPECT_EQ(homeScreen_.selection().organizePrimaryTitle, QStringLiteral("查看归档进度"));
     homeScreen_.runOrganizePrimaryAction();
     EXPECT_TRUE(archiveScreen_.isShown());
-    archiveScreen_.sendToBackground();
+    archiveScreen_.background()->send();
     archiveScreen_.cancelRun();
     EXPECT_TRUE(archiveScreen_.progress()->isCancelling());
     settle();
     EXPECT_FALSE(archiveScreen_.isShown()) << "over other work";
-    EXPECT_TRUE(archiveScreen_.endText().startsWith(QStringLiteral("归档已取消")));
-    archiveScreen_.showEnd();
+    EXPECT_TRUE(archiveScreen_.background()->endText().startsWith(QStringLiteral("归档已取消")));
+    archiveScreen_.background()->showEnd();
     EXPECT_EQ(archiveScreen_.stage(), Stage::Result);
-    EXPECT_TRUE(archiveScreen_.endText().isEmpty());
+    EXPECT_TRUE(archiveScreen_.background()->endText().isEmpty());
     EXPECT_EQ(archiveScreen_.outcome()->view().title, QStringLiteral("归档已取消"));
     const ArchiveResultView& result = archiveScreen_.outcome()->view();
     EXPECT_EQ(tile(static_cast<int>(result.tiles.size()) - 1), QStringLiteral("合计 200"));
@@ -267,7 +268,7 @@ TEST_F(ArchiveSheet, QuickDestinationsDoNotBeginASecondArchiveBesideOne) {
     model_.library().loader.loadEmailArchiveIndex(std::nullopt, true);
     publishThree();
     chooseDestination(home_.at("Documents/手选"));
-    QuickDestinations& quick = *archiveScreen_.quickDestinations();
+    QuickDestinations& quick = *archiveScreen_.place()->quickDestinations();
     openForYears({1});
     ASSERT_EQ(quick.rowCount(), 3);
     EXPECT_TRUE(quick.hasQuickDestinations());
@@ -313,7 +314,7 @@ TEST_F(ArchiveSheet, AHundredThousandCandidatesAreShownAndTickedWithoutHoldingTh
     auto set = MessageSet::make(std::make_shared<const MessageList>(std::move(messages)), false);
     known.yearByID = std::make_shared<const YearByID>(computeMessageYears(*set->messages));
     model_.mail().catalog.restore(set, {}, known);
-    archiveScreen_.open(ids);
+    archiveScreen_.open(ArchiveRequest::of(ids));
     settle();
     ASSERT_EQ(candidates_.count(), 100'000);
     EXPECT_EQ(candidates_.selectedCount(), 100'000);

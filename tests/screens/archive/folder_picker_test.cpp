@@ -26,7 +26,7 @@ class FolderPickers : public ScreensTest {
         return names;
     }
 
-    FolderPicker& picker_ = *archiveScreen_.folderPicker();
+    FolderPicker& picker_ = *archiveScreen_.place()->folderPicker();
 };
 
 TEST_F(FolderPickers, OnlyFoldersAreListed_InTheOrderThatPeopleExpect) {

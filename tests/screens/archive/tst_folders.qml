@@ -20,7 +20,7 @@ WindowUnderTest {
             root.begin(true);
             base = scenes.makeFolders("Documents/places", 30);
             scenes.makeFolders("Documents/places/f1", 2);
-            picker = root.archive.folderPicker;
+            picker = root.archive.place.folderPicker;
             mouseClick(part("changeLocationButton"));
             tryVerify(() => picker.pathText.length > 0 && !picker.busy);
             list = part("folderList");
@@ -78,13 +78,13 @@ WindowUnderTest {
             mouseClick(part("useFolderButton"));
             settled();
             tryVerify(() => !list.visible);
-            compare(root.archive.destination.folder.toString(), "file://" + base + "/f0");
+            compare(root.archive.place.destination.folder.toString(), "file://" + base + "/f0");
         }
         function test_WithoutARowReturnMakesTheProposedFolder_EscapeTakesNothing() {
-            const before = root.archive.destination.folder.toString();
+            const before = root.archive.place.destination.folder.toString();
             keyClick(Qt.Key_Escape);
             tryVerify(() => !list.visible);
-            compare(root.archive.destination.folder.toString(), before);
+            compare(root.archive.place.destination.folder.toString(), before);
 
             mouseClick(part("changeLocationButton"));
             settled();
@@ -94,7 +94,7 @@ WindowUnderTest {
             keyClick(Qt.Key_Return);
             settled();
             tryVerify(() => !list.visible);
-            compare(root.archive.destination.folder.toString(), "file://" + base + "/邮件归档");
+            compare(root.archive.place.destination.folder.toString(), "file://" + base + "/邮件归档");
         }
         // A full folder is taken by a second, deliberate press only; a name that is being typed holds everything.
         function test_AFullFolderIsWarnedOf_AndAnUnfinishedNameIsNotThrownAway() {
@@ -113,7 +113,7 @@ WindowUnderTest {
             mouseClick(part("useAnywayButton"));
             settled();
             tryVerify(() => !list.visible);
-            compare(root.archive.destination.folder.toString(), "file://" + base + "/f1");
+            compare(root.archive.place.destination.folder.toString(), "file://" + base + "/f1");
         }
         // A field keeps the arrows to itself: what stands beside it needs Tab.
         function test_TabComesToEveryControl() {

@@ -287,8 +287,8 @@ TEST_F(OrganizeHome, RowsWaitWhileThePointerIsPressed) {
 TEST_F(OrganizeHome, AfterTheLastMessageTheLibraryIsNext) {
     publish({{"a", 2019}});
     chooseDestination(home_.at("归档"));
-    archiveScreen_.open(
-        std::make_shared<const SharedTextSet>(SharedTextSet{model_.mail().catalog.messages()->front().id}));
+    archiveScreen_.open(ArchiveRequest::of(
+        std::make_shared<const SharedTextSet>(SharedTextSet{model_.mail().catalog.messages()->front().id})));
     settle();
     archiveScreen_.start();
     settle();

@@ -12,8 +12,8 @@ Sheet {
 
     objectName: "runningSheet"
     title: "正在归档"
-    subtitle: archive.destination.place
-    subtitleSymbol: archive.destination.symbol
+    subtitle: archive.place.destination.place
+    subtitleSymbol: archive.place.destination.symbol
     wantedWidth: 580
     dismissable: false
     holdsKeyboard: true
@@ -98,7 +98,7 @@ Sheet {
             horizontalPadding: 20
             text: "在后台继续"
             help: "归档继续进行，可以先看别的；点边栏下方的进度可以回来"
-            onClicked: sheet.archive.sendToBackground()
+            onClicked: sheet.archive.background.send()
         },
         AppButton {
             objectName: "cancelRunButton"

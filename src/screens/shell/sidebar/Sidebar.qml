@@ -71,7 +71,7 @@ Rectangle {
             // Work over whole archives is shown in their sheet, not on a screen.
             if (key === "places")
                 return sidebar.placesRequested();
-            sidebar.app.archive.bringToFront();
+            sidebar.app.archive.background.bringToFront();
             sidebar.placeChosen(key);
         }
     }

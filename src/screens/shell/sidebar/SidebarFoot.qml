@@ -92,7 +92,7 @@ FocusGroup {
         Line {
             Layout.fillWidth: true
             Layout.topMargin: 10
-            visible: foot.activity.running || foot.archive.endText.length > 0
+            visible: foot.activity.running || foot.archive.background.endText.length > 0
         }
         T.AbstractButton {
             id: work
@@ -143,21 +143,21 @@ FocusGroup {
             objectName: "runEnd"
             Layout.fillWidth: true
             Layout.topMargin: 8
-            visible: foot.archive.endText.length > 0
+            visible: foot.archive.background.endText.length > 0
             spacing: 6
             Accessible.role: Accessible.AlertMessage
-            Accessible.name: foot.archive.endText
+            Accessible.name: foot.archive.background.endText
 
             Symbol {
                 size: 14
-                name: foot.archive.endTone === "safe" ? "circle-check" : foot.archive.endTone === "danger" ? "octagon-x"
-                    : foot.archive.endTone === "attention" ? "triangle-alert" : "info"
-                color: foot.archive.endTone.length > 0 ? Theme.toneText(foot.archive.endTone) : Theme.text2
+                name: foot.archive.background.endTone === "safe" ? "circle-check" : foot.archive.background.endTone === "danger" ? "octagon-x"
+                    : foot.archive.background.endTone === "attention" ? "triangle-alert" : "info"
+                color: foot.archive.background.endTone.length > 0 ? Theme.toneText(foot.archive.background.endTone) : Theme.text2
             }
             AppText {
                 objectName: "runEndText"
                 Layout.fillWidth: true
-                text: foot.archive.endText
+                text: foot.archive.background.endText
                 role: AppText.Note
                 Accessible.ignored: true
             }
@@ -167,7 +167,7 @@ FocusGroup {
                 implicitHeight: Theme.minimumTarget
                 labelRole: AppText.Note
                 text: "查看"
-                onClicked: foot.archive.showEnd()
+                onClicked: foot.archive.background.showEnd()
             }
         }
     }
