@@ -78,29 +78,34 @@ void Session::dropQuickLibrary() {
 }
 
 void Session::waitUntilIdle(const std::function<void()>& onInterrupt) {
+    waitUntil(&TaskRunner::isIdle, onInterrupt);
+}
+
+void Session::waitUntil(bool (TaskRunner::*isReached)() const, const std::function<void()>& onInterrupt) {
     bool handled = false;
     const auto lookForInterrupt = [&] {
         platform::drainQuitSignals(interruptReadEnd);
         if (!wasInterrupted() || handled) return;
         handled = true;
         if (onInterrupt) onInterrupt();
+        isReached = &TaskRunner::isQuiet; // what goes on aside isn't waited for any more
     };
     QSocketNotifier notifier(interruptReadEnd, QSocketNotifier::Read);
     QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, lookForInterrupt);
     lookForInterrupt();
     // The notifications of the library may queue steps that aren't jobs, so the queue is emptied once more at
     // the end.
+    const auto isThere = [&] { return (context_->tasks.*isReached)(); };
     do {
         if (handled && !onInterrupt) throw Interrupted();
-        QCoreApplication::processEvents(context_->tasks.isIdle() ? QEventLoop::AllEvents
-                                                                 : QEventLoop::WaitForMoreEvents);
-        if (context_->tasks.isIdle()) QCoreApplication::processEvents();
-    } while (!context_->tasks.isIdle());
+        QCoreApplication::processEvents(isThere() ? QEventLoop::AllEvents : QEventLoop::WaitForMoreEvents);
+        if (isThere()) QCoreApplication::processEvents();
+    } while (!isThere());
 }
 
-void Session::restoreLastScan() {
+void Session::restoreLastScan(Restored restored) {
     model().mail().scanFlow.loadCachedScanIfNeeded(true);
-    waitUntilIdle();
+    waitUntil(restored == Restored::whole ? &TaskRunner::isIdle : &TaskRunner::isQuiet, {});
     const MailScanState& state = model().mail().scanFlow.state();
     if (state.kind == MailScanState::Kind::failed) throw CommandFailure(state.text);
 }

@@ -60,11 +60,19 @@ class Session {
     // SIGTERM; without one the wait ends there with an Interrupted.
     void waitUntilIdle(const std::function<void()>& onInterrupt = {});
 
+    // How far the last scan has to be restored.
+    enum class Restored {
+        whole,
+        withoutCounts, // those of Mail's index are read beside what comes next
+    };
+
     // Restores the last scan with what is archived, and waits for it. Throws CommandFailure when the cache
     // can't be read.
-    void restoreLastScan();
+    void restoreLastScan(Restored restored = Restored::whole);
 
   private:
+    void waitUntil(bool (TaskRunner::*isReached)() const, const std::function<void()>& onInterrupt);
+
     friend void loadLibrary(Session& session);
 
     OwnedPlatform platform_;

@@ -96,6 +96,17 @@ TEST_F(TaskRunners, PublishWhatAJobMadeUntilItWasAskedToStop) {
     EXPECT_FALSE(slot.isRunning());
 }
 
+TEST_F(TaskRunners, AreQuietWhileAJobGoesOnAside) {
+    TaskSlot slot(runner_);
+    slot.start(TaskPriority::aside, gates_,
+               [](const SharedGates& gates, const TaskHandle&) { gates->mayGoOn.acquire(); });
+    EXPECT_TRUE(runner_.isQuiet());
+    EXPECT_FALSE(runner_.isIdle());
+    gates_->mayGoOn.release();
+    waitUntilIdle(runner_);
+    EXPECT_TRUE(runner_.isIdle());
+}
+
 TEST_F(TaskRunners, OutliveTheComponentThatStartedAJob) {
     {
         TaskSlot slot(runner_);

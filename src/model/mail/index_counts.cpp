@@ -45,7 +45,7 @@ void IndexCounts::refreshIndexedYearCounts(SharedMessageList messages) {
         job.prefixes.push_back(account.urlPrefix);
     isReading_ = true;
     readAt_ = std::chrono::steady_clock::now();
-    countTask_.start(TaskPriority::utility, std::move(job), &IndexCounts::answer,
+    countTask_.start(TaskPriority::aside, std::move(job), &IndexCounts::answer,
                      [this](Answer answer) { publish(std::move(answer)); });
 }
 

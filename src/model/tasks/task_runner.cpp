@@ -26,33 +26,35 @@ TaskRunner::~TaskRunner() {
 }
 
 void TaskRunner::run(TaskPriority priority, std::stop_source stop, std::function<void()> job) {
-    begin();
+    std::atomic<int>& count = countOf(priority);
+    ++count;
     QThreadPool& pool = priority == TaskPriority::userInitiated ? userPool_ : utilityPool_;
-    pool.start([this, stop = std::move(stop), job = std::move(job)]() mutable {
+    pool.start([this, &count, stop = std::move(stop), job = std::move(job)]() mutable {
         {
             const std::stop_callback stopAtShutdown(shutdown_.get_token(), [&stop] { stop.request_stop(); });
             job();
             // What the job captured is released before the runner may become idle.
             job = nullptr;
         }
-        end();
+        end(count);
     });
 }
 
 void TaskRunner::postToMain(std::function<void()> step) {
-    begin();
+    ++pending_;
     QMetaObject::invokeMethod(
         this,
         [this, step = std::move(step)]() mutable {
             step();
             step = nullptr;
-            end();
+            end(pending_);
         },
         Qt::QueuedConnection);
 }
 
-void TaskRunner::end() {
-    if (pending_.fetch_sub(1) != 1) return;
+// Whoever waits for either count looks again.
+void TaskRunner::end(std::atomic<int>& count) {
+    if (count.fetch_sub(1) != 1) return;
     QMetaObject::invokeMethod(
         this,
         [this] {

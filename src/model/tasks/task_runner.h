@@ -19,6 +19,7 @@ namespace corvane {
 enum class TaskPriority {
     userInitiated, // the user waits for it
     utility,       // upkeep
+    aside,         // upkeep of which nothing else needs the result
 };
 
 // Lives on the main thread, before and after everything that uses it.
@@ -45,18 +46,24 @@ class TaskRunner : public QObject {
     void postToMain(std::function<void()> step);
 
     // No job runs and no step is queued. On the main thread.
-    [[nodiscard]] bool isIdle() const { return pending_.load() == 0; }
+    [[nodiscard]] bool isIdle() const { return isQuiet() && aside_.load() == 0; }
+
+    // The same but for jobs that go on aside.
+    [[nodiscard]] bool isQuiet() const { return pending_.load() == 0; }
 
   Q_SIGNALS:
     // On the main thread, whenever the last job or step has ended.
     void idle();
 
   private:
-    void begin() { pending_.fetch_add(1); }
+    std::atomic<int>& countOf(TaskPriority priority) {
+        return priority == TaskPriority::aside ? aside_ : pending_;
+    }
 
-    void end();
+    void end(std::atomic<int>& count);
 
     std::atomic<int> pending_{0};
+    std::atomic<int> aside_{0};
     std::stop_source shutdown_;
     QThreadPool userPool_;
     QThreadPool utilityPool_;

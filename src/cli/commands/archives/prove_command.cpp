@@ -127,7 +127,7 @@ NothingToProve nothingToProve(CorvaneViewModel& model) {
 
 // Interrupted, it answers with what it has kept.
 int runProve(Session& session, const ProveOptions& options, bool json) {
-    session.restoreLastScan();
+    session.restoreLastScan(Session::Restored::withoutCounts);
     requireAccounts(session, options.accounts, json);
     const ProofScope scope{{options.accounts.begin(), options.accounts.end()},
                            {options.years.begin(), options.years.end()}};
