@@ -24,7 +24,7 @@ TEST(ProofLanes, APlaceThatHangsIsGivenUpAloneAndWhatItHadAnsweredIsKept) {
     }
     FaultyFileLayer files;
     files.inject({.at = 1, .effect = Effect::hang, .operation = FileOperation::open, .path = "hung/2"});
-    ProofLanes lanes(files, std::chrono::seconds(1));
+    ProofLanes lanes(files, std::chrono::seconds(1), 4);
     const auto results = lanes.read(reads, {});
     EXPECT_TRUE(results[0].reading);
     EXPECT_FALSE(results[1].wasTried);

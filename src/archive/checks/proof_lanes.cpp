@@ -11,8 +11,6 @@ namespace corvane::archive {
 
 namespace {
 
-constexpr std::size_t laneCount = 4;
-
 // Neighbours on the disk are read by one lane.
 constexpr std::size_t readsAtATime = 32;
 
@@ -28,7 +26,7 @@ struct ProofLanes::Share {
     bool hasHung = false; // of the lane, not of the job
 };
 
-ProofLanes::ProofLanes(platform::FileLayer& files, std::chrono::nanoseconds limit)
+ProofLanes::ProofLanes(platform::FileLayer& files, std::chrono::nanoseconds limit, std::size_t laneCount)
   : files_(files)
   , limit_(limit) {
     for (std::size_t lane = 0; lane < laneCount; ++lane)
@@ -79,7 +77,7 @@ std::vector<ProofReadResult> ProofLanes::read(std::vector<ProofRead> reads, cons
     };
     {
         std::vector<std::jthread> lanes;
-        for (std::size_t number = 0; number < std::min(laneCount, shares.size()); ++number)
+        for (std::size_t number = 0; number < std::min(workers_.size(), shares.size()); ++number)
             lanes.emplace_back([&lane, &worker = *workers_[number]] { lane(worker); });
     }
     std::vector<ProofReadResult> results;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <set>
@@ -32,7 +33,7 @@ struct ProofReadResult {
 class ProofLanes {
   public:
     // `files` has to outlive reads that hung (platform::waitForAbandonedJobs).
-    explicit ProofLanes(platform::FileLayer& files, std::chrono::nanoseconds limit = platform::placeLimit);
+    ProofLanes(platform::FileLayer& files, std::chrono::nanoseconds limit, std::size_t laneCount);
 
     // In the order of the reads, which is the order in which they are begun.
     std::vector<ProofReadResult> read(std::vector<ProofRead> reads, const std::stop_token& stop);
