@@ -100,6 +100,7 @@ TEST_F(ArchiveRuns, IdsOfNoCandidateAreNeverArchived) {
     ticks_.setArchiveSelection(SharedTextSet{SharedText("/somewhere/else.emlx")});
     std::optional<ArchiveRunFlow::RunOutcome> outcome;
     archive(home_.at("归档"), [&](auto result) { outcome = std::move(result); });
+    waitUntilIdle(context_.tasks);
     ASSERT_TRUE(outcome);
     EXPECT_FALSE(*outcome);
     EXPECT_FALSE(platform::fileExists(home_.at("归档")));

@@ -21,6 +21,8 @@ namespace corvane {
 
 namespace {
 
+constexpr const char* nothingTicked = "文件不存在：没有选择要归档的邮件。";
+
 struct RunJob {
     SharedMessageList candidates;
     ArchiveSelection selection;
@@ -74,6 +76,7 @@ std::optional<std::string> refusal(const RunJob& job, const std::stop_token& sto
 
 ArchiveRunFlow::RunOutcome archived(const RunJob& job, const MessageList& messages,
                                     const ReportingTask<EmailArchiveProgress>& task) {
+    if (messages.empty()) return std::unexpected(nothingTicked);
     if (auto refused = refusal(job, task.stopToken())) return std::unexpected(std::move(*refused));
     if (auto shortfall = archiveCapacityShortfall(messages, availableBytes(job, task.stopToken())))
         return std::unexpected(std::move(*shortfall));
@@ -136,10 +139,10 @@ void ArchiveRunFlow::archiveSelectedEmails(SharedMessageList candidates, Archive
         completion(std::unexpected("您没有将文件存储到该位置的权限：请先选择归档位置。"));
         return;
     }
-    const auto count = std::ranges::count_if(
-        *candidates, [&](const auto& message) { return selection.contains(message.id); });
+    // Which of the ticked ones are candidates takes a look at each, which is the job's.
+    const auto count = static_cast<std::int64_t>(std::min(selection.size(), candidates->size()));
     if (count == 0) {
-        completion(std::unexpected("文件不存在：没有选择要归档的邮件。"));
+        completion(std::unexpected(nothingTicked));
         return;
     }
     completion_ = std::move(completion);

@@ -21,7 +21,7 @@ ArchiveSelection ticksOf(TickJob job, const TaskHandle&) {
         const SharedText& id = (*job.rows.messages)[static_cast<std::size_t>(row)].id;
         if (job.selection.contains(id) != job.ticked) job.selection.toggle(id);
     });
-    return std::move(job.selection);
+    return job.selection.joined();
 }
 
 } // namespace

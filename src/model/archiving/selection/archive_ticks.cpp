@@ -52,6 +52,7 @@ std::optional<ChangedTicks> withRange(const RangeJob& job, const TaskHandle& tas
     for (auto message = low; message <= high; ++message) {
         if (!job.selection.contains(message->id)) extended.selection->toggle(message->id);
     }
+    extended.selection = extended.selection->joined();
     return extended;
 }
 
