@@ -36,8 +36,13 @@ class LoadOfTheLibrary : public ::testing::Test {
     }
 
     std::optional<LibraryLoadResult> load(std::initializer_list<std::string> roots,
-                                          std::chrono::nanoseconds limit = 10s) {
+                                          std::chrono::nanoseconds limit = 10s,
+                                          const LibraryLoadResult* earlier = nullptr) {
         LibraryLoadInput input;
+        if (earlier != nullptr) {
+            input.publishedLibrary = earlier->library;
+            input.publishedIndexes = earlier->indexes;
+        }
         for (const std::string& root : roots) input.candidates.add(root);
         input.placeLimit = limit;
         return LibraryLoad(platform_, support_, log_, std::move(input)).run(stop_.get_token());
@@ -72,6 +77,37 @@ TEST_F(LoadOfTheLibrary, APlaceThatHangsCostsOneLimitAndShowsItsCopy) {
     EXPECT_LT(std::chrono::steady_clock::now() - again, 10s);
     EXPECT_EQ(found->files->presence(dead, "2019/a/mid:a.eml"), ArchivedFilePresence::unknown);
     EXPECT_EQ(found->files->presence(fine, "2019/a/mid:b.eml"), ArchivedFilePresence::there);
+}
+
+TEST_F(LoadOfTheLibrary, RecordsShareTheirTexts_AndAnIndexOfTheKnownStateIsNotReadAgain) {
+    const std::string root = writeArchive(home_, "a", sampleIndex(1, {"mid:a", "mid:b", "mid:c"}));
+    const std::string other = writeArchive(home_, "b", sampleIndex(2, {"mid:d"}));
+    for (const std::string& each : {root, other}) {
+        const std::filesystem::path file = each + "/archive-index.json";
+        std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) - 1h);
+    }
+    const auto first = load({root, other});
+    const std::size_t reads = files_.operationCount(FileOperation::read);
+    const auto again = load({root, other}, 10s, &*first);
+    EXPECT_NE(again->library, first->library) << "what follows from a load follows again";
+    EXPECT_EQ(*again->library->entries, *first->library->entries);
+    EXPECT_EQ(files_.operationCount(FileOperation::read), reads);
+
+    writeArchive(home_, "a", sampleIndex(1, {"mid:a", "mid:c", "mid:new"}));
+    const auto changed = load({root, other}, 10s, &*again);
+    EXPECT_EQ(*changed->library->baseIDs, (SharedTextSet{"mid:a", "mid:c", "mid:new", "mid:d"}));
+    const auto shares = [&](std::size_t now, std::size_t before) {
+        return (*changed->library->entries)[now].record.emlRelativePath.sharesWith(
+            (*first->library->entries)[before].record.emlRelativePath);
+    };
+    EXPECT_TRUE(shares(0, 0));
+    EXPECT_TRUE(shares(1, 2));
+    EXPECT_TRUE(shares(3, 3));
+
+    // Of one size, and too young for its time to tell.
+    writeArchive(home_, "a", sampleIndex(1, {"mid:a", "mid:c", "mid:wen"}));
+    const auto rewritten = load({root, other}, 10s, &*changed);
+    EXPECT_TRUE(rewritten->library->baseIDs->contains("mid:wen"));
 }
 
 TEST_F(LoadOfTheLibrary, AStopDoesNotWaitForAPlaceThatHangs) {

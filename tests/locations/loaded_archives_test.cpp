@@ -95,8 +95,13 @@ TEST_F(LoadedArchives, EntriesAreUniqueAndVariantsAreOneMessage) {
     EXPECT_EQ(locations[0].count, 3);
     EXPECT_EQ(locations[1].count, 0);
 
-    EXPECT_EQ(ArchivedLibrary::make({{sampleRecord("mid:c"), "/x"}}, library->baseIDs)->baseIDs->size(), 1U);
-    EXPECT_EQ(ArchivedLibrary::make(*library->entries, library->baseIDs)->baseIDs, library->baseIDs);
+    EXPECT_EQ(ArchivedLibrary::make({{sampleRecord("mid:c"), "/x"}}, library)->baseIDs->size(), 1U);
+    EXPECT_EQ(ArchivedLibrary::make(*library->entries, library)->baseIDs, library->baseIDs);
+    std::vector<ArchivedEntry> changed = *library->entries;
+    changed.back().record.subject = "another";
+    const auto other = ArchivedLibrary::make(changed, library);
+    EXPECT_EQ(*other->entries, changed);
+    EXPECT_EQ(other->baseIDs, library->baseIDs);
 }
 
 TEST_F(LoadedArchives, LocationsHaveTheNamesAndKindsOfTheirDisks) {

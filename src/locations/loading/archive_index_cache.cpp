@@ -80,8 +80,8 @@ bool readIndexText(platform::FileLayer& files, const std::string& path, const On
 }
 
 std::optional<EmailArchiveIndex> decodedFile(platform::FileLayer& files, const std::string& path,
-                                             const OnPiece& onPiece) {
-    ArchiveIndexDecoder decoder;
+                                             const OnPiece& onPiece, const KnownRecords& known) {
+    ArchiveIndexDecoder decoder(known);
     const bool wasRead =
         readIndexText(files, path, onPiece, [&](std::string_view piece) { decoder.add(piece); });
     return wasRead ? decoder.finish() : std::nullopt;
@@ -129,25 +129,40 @@ bool copyIndex(platform::FileLayer& files, const std::string& from, const std::s
 
 } // namespace
 
-std::optional<EmailArchiveIndex>
-ArchiveIndexCache::loadIndexWithCache(const std::string& archiveRoot, std::string_view key, bool connected,
-                                      const std::function<void()>& onPiece) const {
-    if (!connected) return loadCopy(archiveRoot, key, onPiece);
+std::optional<EmailArchiveIndex> ArchiveIndexCache::loadIndexWithCache(const std::string& archiveRoot,
+                                                                       std::string_view key, bool connected,
+                                                                       const std::function<void()>& onPiece,
+                                                                       const KnownIndex& known) const {
+    if (!connected) return loadCopy(archiveRoot, key, onPiece, known.records);
     const std::string indexPath = platform::joinPath(archiveRoot, archiveIndexFileName);
     const FilePresence presence = filePresence(support_.files(), indexPath);
-    if (presence == FilePresence::present) return loadConnected(archiveRoot, key, onPiece);
+    if (presence == FilePresence::present) return loadConnected(archiveRoot, key, onPiece, known);
     // Asked again, since a disk pulled a moment ago answers like a deleted folder.
     if (presence == FilePresence::absent && volumeMounted(platform_, archiveRoot)) remove(key);
     return std::nullopt;
 }
 
+// By the digest, which holds for one state of the index and of its copy.
+bool ArchiveIndexCache::isAsKnown(const std::string& root, const KnownIndex& known) const {
+    if (!known.stamp) return false;
+    const ArchiveDigest::Files files = digestFiles(root);
+    struct stat status{};
+    if (support_.files().stat(files.index, status) != 0 || SourceStamp::of(status) != *known.stamp)
+        return false;
+    const auto digest = ArchiveDigest::open(files, root);
+    return digest && digest->fits(*known.stamp) && !digest->isOfUnusableIndex();
+}
+
 // An index seldom changes from one load to the next, and a durable write of a large one is dear.
-std::optional<EmailArchiveIndex>
-ArchiveIndexCache::loadConnected(const std::string& root, std::string_view key,
-                                 const std::function<void()>& onPiece) const {
+std::optional<EmailArchiveIndex> ArchiveIndexCache::loadConnected(const std::string& root,
+                                                                  std::string_view key,
+                                                                  const std::function<void()>& onPiece,
+                                                                  const KnownIndex& known) const {
+    if (isAsKnown(root, known))
+        return EmailArchiveIndex{known.createdAt, known.updatedAt, known.records.all()};
     const std::string indexPath = platform::joinPath(root, archiveIndexFileName);
     const std::string copyPath = indexCachePath(key);
-    ArchiveIndexDecoder decoder;
+    ArchiveIndexDecoder decoder(known.records);
     TextComparison copy(copyPath);
     platform::Sha256 hash;
     struct stat before{};
@@ -174,12 +189,13 @@ ArchiveIndexCache::loadConnected(const std::string& root, std::string_view key,
 
 // The digest is that of no index, unless it was made while the archive was there.
 std::optional<EmailArchiveIndex> ArchiveIndexCache::loadCopy(const std::string& root, std::string_view key,
-                                                             const std::function<void()>& onPiece) const {
-    auto index = decodedFile(support_.files(), indexCachePath(key), onPiece);
+                                                             const std::function<void()>& onPiece,
+                                                             const KnownRecords& known) const {
+    auto index = decodedFile(support_.files(), indexCachePath(key), onPiece, known);
     if (!index) return index;
     const ArchiveDigest::Files files = digestFiles(root);
-    const auto known = ArchiveDigest::open(files, root);
-    if (!known || known->isOfUnusableIndex())
+    const auto digest = ArchiveDigest::open(files, root);
+    if (!digest || digest->isOfUnusableIndex())
         ArchiveDigest::make(support_.files(), files, root, SourceStamp());
     return index;
 }

@@ -10,10 +10,20 @@
 
 #include "locations/loading/archive_digest.h"
 #include "platform/platform.h"
+#include "records/archive_files/archive_index_decoder.h"
 #include "records/archived/archive_records.h"
 #include "records/stores/app_support.h"
 
 namespace corvane {
+
+// What an earlier load of this process has read of one archive.
+struct KnownIndex {
+    std::optional<SourceStamp>
+        stamp{}; // of the index whose records these are, all of them; absent: not known
+    Date createdAt{};
+    Date updatedAt{};
+    KnownRecords records{};
+};
 
 class ArchiveIndexCache {
   public:
@@ -23,10 +33,12 @@ class ArchiveIndexCache {
 
     // The index of a connected archive, copied into the cache; the copy of one that isn't connected. Absent
     // when there is none, it can't be read or is larger than an index may be: a connected archive with a
-    // broken index has no other. `key` is the root. `onPiece` is called before each piece that is read.
+    // broken index has no other. `key` is the root. `onPiece` is called before each piece that is read. Of
+    // what is known already, the text isn't read where its file and the copy are as they were, and else the
+    // records share their texts.
     [[nodiscard]] std::optional<EmailArchiveIndex>
     loadIndexWithCache(const std::string& archiveRoot, std::string_view key, bool connected,
-                       const std::function<void()>& onPiece = {}) const;
+                       const std::function<void()>& onPiece = {}, const KnownIndex& known = {}) const;
 
     // The file of the copy; it need not exist.
     [[nodiscard]] std::string indexCachePath(std::string_view key) const;
@@ -48,10 +60,14 @@ class ArchiveIndexCache {
     void remove(std::string_view key) const;
 
   private:
-    [[nodiscard]] std::optional<EmailArchiveIndex>
-    loadConnected(const std::string& root, std::string_view key, const std::function<void()>& onPiece) const;
+    [[nodiscard]] std::optional<EmailArchiveIndex> loadConnected(const std::string& root,
+                                                                 std::string_view key,
+                                                                 const std::function<void()>& onPiece,
+                                                                 const KnownIndex& known) const;
+    [[nodiscard]] bool isAsKnown(const std::string& root, const KnownIndex& known) const;
     [[nodiscard]] std::optional<EmailArchiveIndex> loadCopy(const std::string& root, std::string_view key,
-                                                            const std::function<void()>& onPiece) const;
+                                                            const std::function<void()>& onPiece,
+                                                            const KnownRecords& known) const;
     void provideDigest(const std::string& root, const SourceStamp& index, bool isUsable) const;
     [[nodiscard]] std::string devicePath(std::string_view key) const;
 

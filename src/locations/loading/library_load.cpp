@@ -19,10 +19,22 @@
 
 namespace corvane {
 
+namespace {
+
+// Absent when nobody can look.
+std::optional<SourceStamp> indexStamp(platform::FileLayer& files, const std::string& root) {
+    struct stat status{};
+    if (files.stat(platform::joinPath(root, archiveIndexFileName), status) != 0) return std::nullopt;
+    return SourceStamp::of(status);
+}
+
+} // namespace
+
 // What is found at one root while its place answers.
 struct LibraryLoad::RootLook {
     bool connected = false;
     std::optional<EmailArchiveIndex> index;
+    std::optional<SourceStamp> stamp;       // of the index while it was read
     std::shared_ptr<const RootFiles> files; // null when they couldn't be looked at
     ArchiveLocation::Kind kind = ArchiveLocation::Kind::local;
     double seconds = 0;
@@ -38,10 +50,12 @@ std::optional<LibraryLoadResult> LibraryLoad::run(const std::stop_token& stop) {
     PlaceLooks looks(platform_, files_, stop, input_.placeLimit);
     addDiscoveredRoots(looks);
     findAway(looks);
+    findKnown();
     const std::vector<std::string>& roots = input_.candidates.roots();
-    auto found =
-        looks.askAll<RootLook>(roots, [&platform = platform_](PlaceLook& look, const std::string& root) {
-            return lookAtRoot(look, platform, root);
+    auto found = looks.askAll<RootLook>(
+        roots, [&platform = platform_, known = known_](PlaceLook& look, const std::string& root) {
+            const auto ofRoot = known.find(root);
+            return lookAtRoot(look, platform, root, ofRoot == known.end() ? KnownIndex() : ofRoot->second);
         });
     for (std::size_t i = 0; i < roots.size(); ++i) {
         if (stop.stop_requested()) return std::nullopt;
@@ -66,8 +80,26 @@ void LibraryLoad::findAway(PlaceLooks& looks) {
     result_.away = rootsWithoutIndex(looks, input_.forgottenPresent);
 }
 
+// Entries of one archive stand together. Some that its index has may not be in the library, where they are
+// those of another archive.
+void LibraryLoad::findKnown() {
+    if (!input_.publishedLibrary) return;
+    const SharedEntryList& entries = input_.publishedLibrary->entries;
+    for (std::size_t first = 0, end = 0; first < entries->size(); first = end) {
+        const SharedText& root = (*entries)[first].locationRootPath;
+        while (end < entries->size() && (*entries)[end].locationRootPath == root) ++end;
+        KnownIndex& index = known_[root.str()];
+        index.records = {entries, first, end - first};
+        const auto state = input_.publishedIndexes.find(root);
+        if (state == input_.publishedIndexes.end() || state->second.count != end - first) continue;
+        index.stamp = state->second.stamp;
+        index.createdAt = state->second.createdAt;
+        index.updatedAt = state->second.updatedAt;
+    }
+}
+
 LibraryLoad::RootLook LibraryLoad::lookAtRoot(PlaceLook& look, const platform::Platform& platform,
-                                              const std::string& root) {
+                                              const std::string& root, const KnownIndex& known) {
     const platform::StopWatch watch;
     const ArchiveIndexCache cache(platform, CorvaneAppSupport(platform, look.files()));
     struct stat status{};
@@ -75,7 +107,9 @@ LibraryLoad::RootLook LibraryLoad::lookAtRoot(PlaceLook& look, const platform::P
     RootLook found;
     if (look.isGivenUp()) return found;
     found.connected = isLocationConnected(platform, root);
-    found.index = cache.loadIndexWithCache(root, root, found.connected, [&look] { look.beginStep(); });
+    const auto before = indexStamp(look.files(), root);
+    found.index = cache.loadIndexWithCache(root, root, found.connected, [&look] { look.beginStep(); }, known);
+    if (found.connected && before && before == indexStamp(look.files(), root)) found.stamp = before;
     if (look.isGivenUp() || !found.hasRecords()) return found;
     if (found.connected) {
         if (isThere) cache.rememberDevice(root, static_cast<std::uint64_t>(status.st_dev));
@@ -91,7 +125,7 @@ LibraryLoad::RootLook LibraryLoad::lookAtRoot(PlaceLook& look, const platform::P
 
 void LibraryLoad::addRoot(const std::string& root, std::optional<RootLook> look) {
     if (!look) {
-        look.emplace().index = cache_.loadIndexWithCache(root, root, false);
+        look.emplace().index = cache_.loadIndexWithCache(root, root, false, {}, known_[root]);
         look->kind = locationKind(platform_, root, false);
         log_.mark(fmt::format("liveIndex root not answering path={}", root));
     }
@@ -105,6 +139,10 @@ void LibraryLoad::addRoot(const std::string& root, std::optional<RootLook> look)
     if (input_.forgotten.contains(root) && !hasReturned(root, hasContent)) return;
     log_.mark(fmt::format("liveIndex root done records={} connected={} contentGone={} elapsed={:.3f}s",
                           look->index->records.size(), look->connected, contentGone, look->seconds));
+    if (look->stamp) {
+        result_.indexes[root] = {*look->stamp, look->index->createdAt, look->index->updatedAt,
+                                 look->index->records.size()};
+    }
     // The databases are local, so this goes for a disk that isn't there, too.
     archives_.push_back({root, hasContent, std::move(*look->index), MailSearchIndex::open(support_, root),
                          std::move(look->files), look->kind});
@@ -145,7 +183,7 @@ void LibraryLoad::fill(std::vector<LoadedArchive> archives) {
             entries.push_back({std::move(record), root});
         archive.index.records = {};
     }
-    result_.library = ArchivedLibrary::make(std::move(entries), input_.publishedBaseIDs);
+    result_.library = ArchivedLibrary::make(std::move(entries), input_.publishedLibrary);
     result_.searchIndexes = std::move(searchIndexes);
     result_.files = publishedFiles(std::move(files), input_.publishedFiles);
     countEntries(result_.locations, *result_.library);

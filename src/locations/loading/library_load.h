@@ -4,6 +4,9 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
+#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -23,12 +26,23 @@
 
 namespace corvane {
 
+// The index of each archive, as a load has read it: for the next one.
+struct IndexState {
+    SourceStamp stamp;
+    Date createdAt{};
+    Date updatedAt{};
+    std::size_t count = 0; // of its records
+};
+
+using IndexStates = std::map<std::string, IndexState, std::less<>>; // by root
+
 struct LibraryLoadInput {
     RootList candidates;
     std::set<std::string> forgotten;               // canonical
     std::set<std::string> forgottenPresent;        // those that haven't been away since; canonical
     std::optional<std::string> currentDestination; // canonical
-    std::shared_ptr<const SharedTextSet> publishedBaseIDs;
+    SharedLibrary publishedLibrary;                // null for none
+    IndexStates publishedIndexes;                  // of which its entries are
     SharedArchivedFiles publishedFiles;
     std::chrono::nanoseconds placeLimit = platform::placeLimit;
 };
@@ -45,7 +59,8 @@ struct LibraryLoadResult {
     std::set<std::string> removed;     // forgotten ones that didn't come back
     std::set<std::string> broughtBack; // forgotten ones that are there again with their files
     std::set<std::string> away;        // forgotten ones that were there until now
-    SharedLibrary library;
+    SharedLibrary library;             // another one each time, also where nothing has changed
+    IndexStates indexes;
     std::vector<ArchiveLocation> locations;
     std::optional<DestinationIndex> destination; // when it is among the locations
     SharedSearchIndexes searchIndexes;
@@ -69,10 +84,12 @@ class LibraryLoad {
 
   private:
     struct RootLook;
+    using KnownIndexes = std::map<std::string, KnownIndex, std::less<>>; // by root
 
     void addDiscoveredRoots(PlaceLooks& looks);
     [[nodiscard]] static RootLook lookAtRoot(PlaceLook& look, const platform::Platform& platform,
-                                             const std::string& root);
+                                             const std::string& root, const KnownIndex& known);
+    void findKnown();
     void addRoot(const std::string& root, std::optional<RootLook> look);
 
     void findAway(PlaceLooks& looks);
@@ -87,6 +104,7 @@ class LibraryLoad {
     const ArchiveLibraryStartupLog& log_;
     ArchiveIndexCache cache_;
     LibraryLoadInput input_;
+    KnownIndexes known_;
     std::vector<LoadedArchive> archives_;
     LibraryLoadResult result_;
 };

@@ -37,8 +37,7 @@ SharedText sharedBaseID(const ArchivedEmailRecord& record, std::string_view base
 
 } // namespace
 
-SharedLibrary ArchivedLibrary::make(std::vector<ArchivedEntry> entries,
-                                    const std::shared_ptr<const SharedTextSet>& earlierBaseIDs) {
+SharedLibrary ArchivedLibrary::make(std::vector<ArchivedEntry> entries, const SharedLibrary& earlier) {
     dropRepeatedEntries(entries);
     auto library = std::make_shared<ArchivedLibrary>();
     auto baseIDs = std::make_shared<SharedTextSet>();
@@ -50,8 +49,8 @@ SharedLibrary ArchivedLibrary::make(std::vector<ArchivedEntry> entries,
         if (!baseIDs->contains(base)) baseIDs->insert(sharedBaseID(entries[i].record, base));
     }
     library->entries = std::make_shared<const std::vector<ArchivedEntry>>(std::move(entries));
-    const bool isEqual = earlierBaseIDs && *earlierBaseIDs == *baseIDs;
-    library->baseIDs = isEqual ? earlierBaseIDs : std::move(baseIDs);
+    const bool areEqual = earlier && *earlier->baseIDs == *baseIDs;
+    library->baseIDs = areEqual ? earlier->baseIDs : std::move(baseIDs);
     return library;
 }
 

@@ -42,11 +42,10 @@ struct ArchivedLibrary {
     std::unordered_map<std::string_view, std::size_t> positionByBaseID;
 
     // Entry ids are unique from here on: of repeated record ids of one root, which no sound index has, the
-    // first stays. A set of base ids that equals `earlierBaseIDs` is that very set: whoever depends on it
-    // sees by the pointer that it hasn't changed.
+    // first stays. A set of base ids that equals that of the earlier library is that very set: whoever
+    // depends on it sees by the pointer that it hasn't changed.
     static std::shared_ptr<const ArchivedLibrary>
-    make(std::vector<ArchivedEntry> entries,
-         const std::shared_ptr<const SharedTextSet>& earlierBaseIDs = nullptr);
+    make(std::vector<ArchivedEntry> entries, const std::shared_ptr<const ArchivedLibrary>& earlier = nullptr);
 
     // Null for one that isn't in the library.
     [[nodiscard]] const ArchivedEntry* entryByBaseID(std::string_view baseID) const;

@@ -86,7 +86,8 @@ void LibraryLoader::loadEmailArchiveIndex(const std::optional<std::string>& curr
     if (!force && isLoadNeedless(input.candidates.roots())) return;
     input.forgotten = forgottenLocations(context_.settings);
     input.forgottenPresent = forgottenPresentLocations(context_.settings);
-    input.publishedBaseIDs = library_->baseIDs;
+    input.publishedLibrary = library_;
+    input.publishedIndexes = indexes_;
     input.publishedFiles = files_;
     startLoad(std::move(input));
 }
@@ -124,6 +125,7 @@ void LibraryLoader::applyLoadedArchiveIndex(LibraryLoadResult result, double sec
     lastArchiveIndexLoadFinishedAt_ = clock_();
     adoptLocations(result);
     destination_ = result.destination;
+    indexes_ = std::move(result.indexes);
     snapshotWriter_.save({result.library, result.locations});
     publish(std::move(result.library), std::move(result.locations), std::move(result.searchIndexes),
             std::move(result.files));

@@ -108,6 +108,7 @@ class LibraryLoader : public QObject {
     std::vector<ArchiveLocation> locations_;
     SharedSearchIndexes searchIndexes_ = std::make_shared<const SearchIndexTable>();
     SharedArchivedFiles files_ = std::make_shared<const ArchivedFiles>();
+    IndexStates indexes_; // of which the library's entries are
     std::optional<DestinationIndex> destination_;
     bool testConnectionsAfterLoad_ = false;
     std::vector<std::string> loadingRoots_; // what the last load to be started was asked for

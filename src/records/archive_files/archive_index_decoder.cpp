@@ -1,6 +1,6 @@
 #include "records/archive_files/archive_index_decoder.h"
 
-#include <iterator>
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,9 +16,38 @@ namespace {
 constexpr std::string_view recordsKey = "records";
 constexpr std::size_t largestRestBytes = std::size_t{1} << 20;
 
+// So many records in a row may have gone since without the next ones being missed.
+constexpr std::size_t mostSkipped = 32;
+
+// Looks for records among known ones, which are in the same order but for those that came or went.
+class KnownOnes {
+  public:
+    explicit KnownOnes(KnownRecords known)
+      : known_(std::move(known)) {}
+
+    // The known one where there is an equal one, else the record itself.
+    ArchivedEmailRecord shared(ArchivedEmailRecord record) {
+        const std::size_t end = std::min(known_.count, next_ + mostSkipped);
+        for (std::size_t i = next_; i < end; ++i) {
+            if (known_.at(i).id != record.id) continue;
+            next_ = i + 1;
+            if (known_.at(i) == record) return known_.at(i);
+            break;
+        }
+        return record;
+    }
+
+  private:
+    KnownRecords known_;
+    std::size_t next_ = 0;
+};
+
 } // namespace
 
 struct ArchiveIndexDecoder::State final : JsonObjectStream::Receiver {
+    explicit State(KnownRecords earlier)
+      : known(std::move(earlier)) {}
+
     JsonObjectStream::Wanted wanted(std::string_view key) override {
         if (key == recordsKey) return JsonObjectStream::Wanted::elements;
         const bool isDate = key == "createdAt" || key == "updatedAt";
@@ -33,8 +62,8 @@ struct ArchiveIndexDecoder::State final : JsonObjectStream::Receiver {
     }
 
     void addElements(std::string_view elements) override {
-        auto piece = reader.readElements<ArchivedEmailRecord>(elements);
-        std::move(piece.begin(), piece.end(), std::back_inserter(records));
+        for (ArchivedEmailRecord& record : reader.readElements<ArchivedEmailRecord>(elements))
+            records.push_back(known.shared(std::move(record)));
     }
 
     void addMember(std::string_view key, std::string_view value) override {
@@ -53,13 +82,21 @@ struct ArchiveIndexDecoder::State final : JsonObjectStream::Receiver {
 
     JsonObjectStream stream{*this};
     JsonReader reader;
+    KnownOnes known;
     std::vector<ArchivedEmailRecord> records;
     std::string rest = "{"; // all but the records
     bool isBroken = false;
 };
 
-ArchiveIndexDecoder::ArchiveIndexDecoder()
-  : state_(std::make_unique<State>()) {}
+std::vector<ArchivedEmailRecord> KnownRecords::all() const {
+    std::vector<ArchivedEmailRecord> records;
+    records.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) records.push_back(at(i));
+    return records;
+}
+
+ArchiveIndexDecoder::ArchiveIndexDecoder(KnownRecords known)
+  : state_(std::make_unique<State>(std::move(known))) {}
 
 ArchiveIndexDecoder::ArchiveIndexDecoder(ArchiveIndexDecoder&&) noexcept = default;
 ArchiveIndexDecoder& ArchiveIndexDecoder::operator=(ArchiveIndexDecoder&&) noexcept = default;

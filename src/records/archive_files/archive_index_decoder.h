@@ -2,10 +2,12 @@
 // records and not into the text. Used by one thread.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "records/archived/archive_records.h"
 
@@ -15,9 +17,21 @@ namespace corvane {
 // thousand records.
 inline constexpr std::int64_t largestArchiveIndexBytes = std::int64_t{256} << 20;
 
+// The records that one archive has in a list of entries, where they stand together.
+struct KnownRecords {
+    SharedEntryList entries{}; // null for none
+    std::size_t first = 0;
+    std::size_t count = 0;
+
+    [[nodiscard]] const ArchivedEmailRecord& at(std::size_t i) const { return (*entries)[first + i].record; }
+
+    [[nodiscard]] std::vector<ArchivedEmailRecord> all() const;
+};
+
 class ArchiveIndexDecoder {
   public:
-    ArchiveIndexDecoder();
+    // Records that equal known ones share their texts: an index that is read again takes little memory.
+    explicit ArchiveIndexDecoder(KnownRecords known = {});
     ArchiveIndexDecoder(ArchiveIndexDecoder&&) noexcept;
     ArchiveIndexDecoder& operator=(ArchiveIndexDecoder&&) noexcept;
     ~ArchiveIndexDecoder();
