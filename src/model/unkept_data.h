@@ -5,10 +5,14 @@
 #include <string>
 
 #include "model/model_context.h"
+#include "records/stores/app_support.h"
 
 namespace corvane {
 
 // For the user, with place and reason; empty while everything was kept. Main thread.
 std::string unkeptText(const ModelContext& context);
+
+// The same of the application's folder alone. Any thread.
+std::string unkeptText(const CorvaneAppSupport& support);
 
 } // namespace corvane

@@ -68,7 +68,9 @@ class Prove(CliCase):
         sound, status = damaged.read_bytes(), damaged.stat()
         damaged.write_bytes(sound[:-1] + bytes([sound[-1] ^ 1]))
         os.utime(damaged, ns=(status.st_atime_ns, status.st_mtime_ns))
-        verified = self.run_cli(self.home_path, "verify", self.archive, expect=3)
+        link = self.home_path.parent / "archive by another name"
+        link.symlink_to(self.archive)
+        verified = self.run_cli(self.home_path, "verify", link, expect=3)
         self.assertEqual(verified["altered"], [record["emlRelativePath"]])
         second = self.run_cli(self.home_path, "prove", expect=3)
         self.assertEqual((second["fileMissing"], second["proven"]), (first["fileMissing"] + 1, first["proven"] - 1))

@@ -1,6 +1,7 @@
 #include "records/stores/proof_store.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <string>
@@ -10,6 +11,8 @@
 #include <sys/stat.h>
 
 #include "platform/files/directory.h"
+#include "support/faulty_file_layer.h"
+#include "support/faulty_sqlite_files.h"
 #include "support/temporary_home.h"
 
 namespace corvane::testing {
@@ -104,6 +107,46 @@ TEST(ProofStore, IsMadeAnewWhereItCannotBeUsed) {
     std::filesystem::create_symlink(home.write("elsewhere", ""), storeFile(home));
     EXPECT_FALSE(ProofStore(support).save(batch)) << "no link is followed";
     EXPECT_EQ(readWhole(home.at("elsewhere")), "");
+}
+
+TEST(ProofStore, WhatCannotBeKeptLeavesNothingThatItContradicts) {
+    struct Row {
+        SqliteFault fault;
+        char content; // of what is read later
+        bool canBeRemoved;
+        bool stays;
+    };
+
+    for (const Row& row :
+         {Row{SqliteFault::full, 'c', true, true}, Row{SqliteFault::full, 'd', true, false},
+          Row{SqliteFault::error, 'd', true, false}, Row{SqliteFault::lockLost, 'd', true, false},
+          Row{SqliteFault::full, 'c', false, true}, Row{SqliteFault::full, 'd', false, true}}) {
+        const TemporaryHome home;
+        FaultySqliteFiles sqlite;
+        FaultyFileLayer files;
+        const CorvaneAppSupport support(home.platform(), files);
+        ReadingBatch batch;
+        batch.archived["/root"] = {{"x.eml", sampleReading('c', true)}};
+        ASSERT_TRUE(ProofStore(support).save(batch));
+        sqlite.failAt(1, row.fault, true);
+        if (!row.canBeRemoved) {
+            files.inject({.effect = Effect::failFromHere,
+                          .operation = FileOperation::unlink,
+                          .error = EROFS,
+                          .path = "proof-readings"});
+        }
+        ReadingBatch later;
+        later.archived["/root"] = {{"x.eml", sampleReading(row.content, true)},
+                                   {"y.eml", sampleReading('e', true)}};
+        EXPECT_FALSE(ProofStore(support).save(later));
+        EXPECT_TRUE(support.writeFailure());
+        EXPECT_EQ(support.hasOutdatedReadings(), row.content == 'd' && !row.canBeRemoved);
+        sqlite.heal();
+        const auto facts = ProofStore(support).load();
+        EXPECT_EQ(facts->archivedReading("/root", "x.eml") != nullptr, row.stays)
+            << row.content << row.canBeRemoved;
+        EXPECT_EQ(facts->archivedReading("/root", "y.eml"), nullptr);
+    }
 }
 
 } // namespace

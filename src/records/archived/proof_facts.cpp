@@ -1,5 +1,6 @@
 #include "records/archived/proof_facts.h"
 
+#include <algorithm>
 #include <iterator>
 #include <optional>
 #include <unordered_set>
@@ -12,6 +13,11 @@ namespace {
 template <class List>
 void moveAll(List& from, List& to) {
     to.insert(to.end(), std::make_move_iterator(from.begin()), std::make_move_iterator(from.end()));
+}
+
+bool contradicts(const FileReading& later, const FileReading* known) {
+    return known != nullptr && known->stamp == later.stamp &&
+           (known->outcome != later.outcome || known->hash != later.hash);
 }
 
 } // namespace
@@ -83,6 +89,18 @@ void ProofFacts::remove(const ReadingPaths& paths) {
         table->second.remove(removed);
         if (table->second.size() == 0) archived.erase(table);
     }
+}
+
+bool ProofFacts::areContradictedBy(const ReadingBatch& batch) const {
+    const auto contradictsCopy = [this](const CopyReading& copy) {
+        return contradicts(copy.reading, copies.find(copy.path));
+    };
+    if (std::ranges::any_of(batch.copies, contradictsCopy)) return true;
+    return std::ranges::any_of(batch.archived, [this](const auto& ofRoot) {
+        return std::ranges::any_of(ofRoot.second, [&](const ArchivedFileReading& file) {
+            return contradicts(file.reading, archivedReading(ofRoot.first, file.relativePath));
+        });
+    });
 }
 
 } // namespace corvane

@@ -89,6 +89,10 @@ struct ProofFacts {
     void add(const ReadingBatch& batch);
     void remove(const ReadingPaths& paths);
 
+    // Whether a file of the batch isn't what is known here of it, although its size and times are the same:
+    // nothing but the batch tells of that.
+    [[nodiscard]] bool areContradictedBy(const ReadingBatch& batch) const;
+
     [[nodiscard]] bool isEmpty() const { return copies.size() == 0 && archived.empty(); }
 };
 

@@ -49,6 +49,12 @@ class CorvaneAppSupport {
     // For who writes here by other ways. `error` is an errno; 0 has no effect.
     void setWriteFailure(int error) const;
 
+    // What was kept of files that were read for proofs counts again when the program next starts, although
+    // some of it was found to be wrong: it could neither be replaced nor removed.
+    [[nodiscard]] bool hasOutdatedReadings() const { return *hasOutdatedReadings_; }
+
+    void setOutdatedReadings() const { *hasOutdatedReadings_ = true; }
+
     // Removes what writes of killed processes left in the folder and in those right below it. Blocks.
     void removeUnfinishedFiles() const;
 
@@ -61,6 +67,7 @@ class CorvaneAppSupport {
     std::string base_;
     platform::FileLayer* files_;
     std::shared_ptr<std::atomic<int>> writeFailure_ = std::make_shared<std::atomic<int>>(0);
+    std::shared_ptr<std::atomic<bool>> hasOutdatedReadings_ = std::make_shared<std::atomic<bool>>(false);
 };
 
 } // namespace corvane

@@ -281,54 +281,69 @@ ProofStore::ProofStore(CorvaneAppSupport support)
   , path_(support_.filePath("proof-readings.sqlite")) {}
 
 std::shared_ptr<ProofFacts> ProofStore::load() {
+    auto facts = read();
+    return facts ? facts : std::make_shared<ProofFacts>();
+}
+
+// Null where there is a file that can't be read. What was read before some damage isn't to be trusted either.
+std::shared_ptr<ProofFacts> ProofStore::read() {
     auto facts = std::make_shared<ProofFacts>();
     struct stat status{};
-    if (support_.files().stat(path_, status) != 0 || !open()) return facts;
+    if (support_.files().stat(path_, status) != 0 && errno == ENOENT) return facts;
+    if (open() != SQLITE_OK) return nullptr;
     int ended = readCopies(database_.get(), facts->copies);
     if (ended == SQLITE_DONE) ended = readArchived(database_.get(), *facts);
     if (ended == SQLITE_DONE) return facts;
     if (meansDamage(ended)) removeFile();
-    // What was read before the damage isn't to be trusted either.
-    return std::make_shared<ProofFacts>();
+    return nullptr;
 }
 
 bool ProofStore::save(const ReadingBatch& batch) {
     if (batch.isEmpty()) return true;
-    int status = SQLITE_CANTOPEN;
-    for (int attempt = 0; attempt < 2 && open(); ++attempt) {
+    int status = SQLITE_OK;
+    for (int attempt = 0; attempt < 2 && (status = open()) == SQLITE_OK; ++attempt) {
         status = changeAtOnce(database_.get(), [&] { return insertAll(database_.get(), batch); });
         if (status == SQLITE_OK) return true;
         if (!meansDamage(status)) break;
         removeFile();
     }
     support_.setWriteFailure(errorOf(status));
+    takeBack(batch);
     return false;
+}
+
+// A file that can't be written can mostly be removed: what is read again costs time, what is believed wrongly
+// costs mail.
+void ProofStore::takeBack(const ReadingBatch& batch) {
+    const auto known = read();
+    if ((!known || known->areContradictedBy(batch)) && !removeFile()) support_.setOutdatedReadings();
 }
 
 void ProofStore::remove(const ReadingPaths& paths) {
     struct stat status{};
-    if (paths.isEmpty() || support_.files().stat(path_, status) != 0 || !open()) return;
+    if (paths.isEmpty() || support_.files().stat(path_, status) != 0 || open() != SQLITE_OK) return;
     const int ended = changeAtOnce(database_.get(), [&] { return deleteAll(database_.get(), paths); });
     if (meansDamage(ended)) removeFile();
 }
 
-// Leaves `database_` with its tables, or null.
-bool ProofStore::open() {
+// SQLITE_OK with `database_` and its tables, or the error without.
+int ProofStore::open() {
+    int status = SQLITE_OK;
     for (int attempt = 0; attempt < 2 && !database_; ++attempt) {
-        if (!makeFile()) return false;
+        if (!makeFile()) return SQLITE_CANTOPEN;
         platform::SqliteConnection database = connect(path_);
-        if (!database) return false;
-        const int status = provideTables(database.get());
+        if (!database) return SQLITE_CANTOPEN;
+        status = provideTables(database.get());
         if (status == SQLITE_OK) {
             database_ = std::move(database);
         } else if (meansDamage(status)) {
             database.reset();
             removeFile();
         } else {
-            return false;
+            return status;
         }
     }
-    return database_ != nullptr;
+    return status;
 }
 
 // Made before SQLite does, with the mode that its journal takes over.
@@ -341,9 +356,13 @@ bool ProofStore::makeFile() {
     return true;
 }
 
-void ProofStore::removeFile() {
+// Whether it has gone.
+bool ProofStore::removeFile() {
     database_.reset();
-    for (const char* suffix : {"", "-journal", "-wal", "-shm"}) support_.files().unlink(path_ + suffix);
+    platform::FileLayer& files = support_.files();
+    const bool hasGone = files.unlink(path_) == 0 || errno == ENOENT;
+    for (const char* suffix : {"-journal", "-wal", "-shm"}) files.unlink(path_ + suffix);
+    return hasGone;
 }
 
 } // namespace corvane

@@ -21,7 +21,8 @@ class ProofStore {
     [[nodiscard]] std::shared_ptr<ProofFacts> load();
 
     // Adds the readings in one step, each in the place of an earlier one of its file. False when they
-    // couldn't be kept: they will be made again.
+    // couldn't be kept: they will be made again. Where they contradict what was kept, nothing of that stays;
+    // the application's folder is told if it has to (CorvaneAppSupport::setOutdatedReadings).
     bool save(const ReadingBatch& batch);
 
     // Takes the readings of these files away in one step. Without effect when that can't be done: they say
@@ -29,9 +30,11 @@ class ProofStore {
     void remove(const ReadingPaths& paths);
 
   private:
-    bool open();
+    std::shared_ptr<ProofFacts> read();
+    void takeBack(const ReadingBatch& batch);
+    int open();
     bool makeFile();
-    void removeFile();
+    bool removeFile();
 
     CorvaneAppSupport support_;
     std::string path_;

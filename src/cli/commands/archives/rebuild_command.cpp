@@ -13,6 +13,7 @@
 #include "cli/console/output.h"
 #include "cli/console/progress_line.h"
 #include "cli/exit_status.h"
+#include "model/owned_platform.h"
 #include "platform/paths.h"
 #include "platform/platform.h"
 #include "records/logs/console_log.h"
@@ -65,7 +66,7 @@ archive::ScannedMail lastScan(const platform::Platform& system) {
 int runRebuild(const RebuildCommandOptions& command, const CommonOptions& common) {
     ProgressLine line;
     std::stop_source stop;
-    const auto system = platform::makePlatform(common.home);
+    const OwnedPlatform system = makeOwnedPlatform(common.home);
     RebuildOptions options;
     options.isDryRun = command.isDryRun;
     options.scanned = lastScan(*system);

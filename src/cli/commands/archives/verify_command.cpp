@@ -13,6 +13,7 @@
 #include "cli/console/output.h"
 #include "cli/console/progress_line.h"
 #include "cli/exit_status.h"
+#include "model/owned_platform.h"
 #include "platform/files/layers/file_layer.h"
 #include "platform/paths.h"
 #include "platform/platform.h"
@@ -78,7 +79,7 @@ int runVerify(const VerifyOptions& options, const CommonOptions& common) {
                   all == 0 ? 1.0 : double(checked) / double(all));
     };
     std::optional<HashRecording> recording;
-    const auto system = platform::makePlatform(common.home);
+    const OwnedPlatform system = makeOwnedPlatform(common.home);
     if (options.recordsHashes) {
         recording = HashRecording{[&](const std::string& path) { system->markHidden(path); }};
     }
