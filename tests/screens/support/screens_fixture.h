@@ -43,7 +43,8 @@ class ScreensTest : public ModelTest {
     }
 
     void chooseDestination(const std::string& folder) {
-        archiveScreen_.place()->quickDestinations()->chooseFolder(QUrl::fromLocalFile(QString::fromStdString(folder)));
+        archiveScreen_.place()->quickDestinations()->chooseFolder(
+            QUrl::fromLocalFile(QString::fromStdString(folder)));
         settle();
     }
 
