@@ -21,7 +21,8 @@ const char* consequence(const CorvaneAppSupport& support) {
 std::string unkeptText(const CorvaneAppSupport& support) {
     const std::error_code error = support.writeFailure();
     if (!error) return {};
-    return fmt::format("没能写入 {}（{}）。", support.baseDirectory(false), systemErrorReason(error.value())) +
+    return fmt::format("没能写入 {}（{}）。", support.baseDirectory(false),
+                       systemErrorReason(error.value())) +
            consequence(support);
 }
 
