@@ -105,6 +105,7 @@ class KeyboardWalk(WindowCase):
         window.press("Escape")
         window.wait_for_part("moreActions", lambda button: button["focus"] and button["showsFocus"])
         window.tab_to("messageScroller")
+        window.wait_for_part("detailPreview")
         window.press_to("detailPreview", "Down")
         window.press("space", "shift+space")
         window.picture(PICTURES / "keys-4-detail.png")
