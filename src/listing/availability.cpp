@@ -23,9 +23,12 @@ std::shared_ptr<const SharedTextSet> findAvailable(const AvailabilityJob& job, c
     auto available = std::make_shared<SharedTextSet>();
     available->reserve(messages.size());
     FileExistence files;
+    const auto isThere = [&](const MailMessageRecord& message) {
+        return isOfMailVersion(message, job.mailVersion) && files.isLocallyAvailable(message);
+    };
     for (const MailMessageRecord& message : messages) {
         if (stop.stop_requested()) return nullptr;
-        if (job.filesWereSeen || files.isLocallyAvailable(message)) available->insert(message.id);
+        if (job.filesWereSeen || isThere(message)) available->insert(message.id);
     }
     return available;
 }
@@ -160,6 +163,10 @@ bool judge(const AvailabilityJob& job, AvailabilityResult& result, const std::st
 }
 
 } // namespace
+
+bool isOfMailVersion(const MailMessageRecord& message, const std::string& version) {
+    return version.empty() || message.fileURL.path().view().contains("/" + version + "/");
+}
 
 std::shared_ptr<const SharedTextSet> messageIDsOf(const MessageList& messages,
                                                   const SharedTextSet& stableIDs) {

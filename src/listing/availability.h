@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <stop_token>
+#include <string>
 #include <vector>
 
 #include "listing/candidates.h"
@@ -67,7 +68,12 @@ struct AvailabilityJob {
     AvailabilityInputs inputs;
     SharedAvailability known; // of the same set by an earlier run; null when the files have to be looked for
     bool filesWereSeen = false; // by the scan that has just listed them: all are there
+    std::string mailVersion{};  // as isOfMailVersion takes it
 };
+
+// Whether the message's file lies in that version folder of Mail's store, such as "V10": what an earlier
+// version of Mail has left is none of its mail. Empty for any.
+bool isOfMailVersion(const MailMessageRecord& message, const std::string& version);
 
 // A file that can't be looked at counts as absent. Absent when stopped.
 std::optional<AvailabilityResult> computeAvailability(const AvailabilityJob& job,

@@ -97,6 +97,10 @@ TEST_F(Candidates, AreCountedByTheStatisticsButForTrashAndTheUndated) {
     for (const YearStat& stat : result->localYearStats)
         years += fmt::format("{}:{} ", stat.year, stat.messageCount);
     EXPECT_EQ(years, "2021:1 2020:1 2019:1 ");
+
+    AvailabilityJob ofAnotherVersion = job;
+    ofAnotherVersion.mailVersion = "V11";
+    EXPECT_TRUE(computeAvailability(ofAnotherVersion)->locallyAvailableIDs->empty());
 }
 
 } // namespace

@@ -1,6 +1,10 @@
 #include "model/mail/messages/message_catalog.h"
 
+#include <string>
 #include <utility>
+
+#include "model/mail/store/mail_folder.h"
+#include "model/mail/store/mail_store.h"
 
 namespace corvane {
 
@@ -22,6 +26,11 @@ SharedAvailability statisticsOf(const AvailabilityResult& earlier) {
     kept.archivedBaseIDs = nothingKnown.archivedBaseIDs;
     return std::make_shared<const AvailabilityResult>(std::move(kept));
 }
+
+struct AvailabilityRefresh {
+    AvailabilityJob job;
+    std::string mailRootPath;
+};
 
 } // namespace
 
@@ -130,12 +139,15 @@ void MessageCatalog::applyHomeSnapshot(const MailHomeSnapshot& snapshot) {
 void MessageCatalog::refreshAvailabilityCacheAsync(bool force) {
     if (!force && (isAvailabilityKnown() || availabilityRefreshTask_.isRunning())) return;
     if (state_->set->messages->empty()) return publishEmpty();
-    AvailabilityJob job{state_->set, inputs_(), nullptr, files_ == Files::justSeen};
-    if (isAvailabilityKnown() && !locallyAvailableIDs()->empty()) job.known = state_->availability;
+    AvailabilityRefresh refresh{{state_->set, inputs_(), nullptr, files_ == Files::justSeen},
+                                mailStoreOf(context_).rootPath};
+    if (isAvailabilityKnown() && !locallyAvailableIDs()->empty()) refresh.job.known = state_->availability;
     availabilityRefreshTask_.start(
-        TaskPriority::utility, std::move(job),
-        [](const AvailabilityJob& given, const TaskHandle& task) {
-            return computeAvailability(given, task.stopToken());
+        TaskPriority::utility, std::move(refresh),
+        [](const AvailabilityRefresh& given, const TaskHandle& task) {
+            AvailabilityJob job = given.job;
+            job.mailVersion = mailVersionIn(given.mailRootPath);
+            return computeAvailability(job, task.stopToken());
         },
         [this](AvailabilityResult result) {
             publish(std::make_shared<const AvailabilityResult>(std::move(result)));

@@ -219,7 +219,7 @@ void ScanFlow::loadCachedScanIfNeeded(bool loadArchiveIndex) {
     restoreTask_.startReporting<MailHomeSnapshot>(
         TaskPriority::userInitiated,
         RestoreJob{context_.startupLog, context_.performanceLog, MailScanCacheStore(context_.support),
-                   catalog_.availabilityInputs()},
+                   catalog_.availabilityInputs(), context_.mailRootPath},
         &restoreScan,
         [this](const MailHomeSnapshot& snapshot) {
             if (mayRestore()) applySnapshot(snapshot);

@@ -8,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include "model/mail/store/mail_folder.h"
 #include "platform/stop_watch.h"
 #include "records/json/json_form.h"
 
@@ -41,14 +42,16 @@ void sumLocal(AvailabilityResult& result) {
 }
 
 AvailabilityResult knownAvailability(const MessageList& messages, const std::vector<SharedText>& ids,
-                                     const AvailabilityInputs& inputs, std::size_t& counted) {
+                                     const RestoreJob& job, std::size_t& counted) {
+    const AvailabilityInputs& inputs = job.inputs;
+    const std::string version = mailVersionIn(job.mailRootPath);
     AvailabilityResult result;
     const SharedTextSet told(ids.begin(), ids.end()); // by a file: it may name what isn't in the list
     auto available = std::make_shared<SharedTextSet>();
     available->reserve(told.size());
     MessageRefs local;
     for (const MailMessageRecord& message : messages) {
-        if (!told.contains(message.id)) continue;
+        if (!told.contains(message.id) || !isOfMailVersion(message, version)) continue;
         available->insert(message.id);
         if (!message.attachments.empty()) local.push_back(&message);
     }
@@ -94,8 +97,8 @@ RestoredScan makeRestored(const RestoreJob& job, MailScanCache cache, FileStamp 
     }
     std::size_t counted = 0;
     if (cache.locallyAvailableMessageIDs) {
-        restored.known = knownAvailability(*restored.set->messages, *cache.locallyAvailableMessageIDs,
-                                           job.inputs, counted);
+        restored.known =
+            knownAvailability(*restored.set->messages, *cache.locallyAvailableMessageIDs, job, counted);
         stats = {restored.known->localYearStats, restored.known->accountYearStats};
         restored.cached = contentOf(restored, cache, stamp);
     } else {

@@ -22,6 +22,7 @@ struct RestoreJob {
     MailPerformanceLog& performanceLog;
     MailScanCacheStore store;
     AvailabilityInputs inputs;
+    std::string mailRootPath;
     platform::StopWatch watch{};
 };
 

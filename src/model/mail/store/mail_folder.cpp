@@ -2,11 +2,17 @@
 
 #include "mailstore/folders/store_location.h"
 #include "platform/files/directory.h"
+#include "platform/paths.h"
 
 namespace corvane {
 
 bool holdsMailStore(const std::string& folder) {
-    return platform::isDirectory(mailstore::latestMailVersionDirectory(folder));
+    return !mailVersionIn(folder).empty();
+}
+
+std::string mailVersionIn(const std::string& folder) {
+    std::string name = mailstore::latestMailVersionDirectoryName(folder);
+    return platform::isDirectory(platform::joinPath(folder, name)) ? name : std::string();
 }
 
 } // namespace corvane
