@@ -5,7 +5,6 @@
 #include <fmt/format.h>
 
 #include "cli/proving.h"
-#include "cli/unreadable_archives.h"
 #include "model/library/overview/overview_state.h"
 #include "records/logs/console_log.h"
 
@@ -38,7 +37,6 @@ void compareWithMail(Session& session) {
 
 SharedOverview loadOverview(Session& session, OriginalsCheck check) {
     loadMailAndLibrary(session);
-    tellUnreadableArchives(session);
     CorvaneViewModel& model = session.model();
     model.library().presence.refreshArchivedOriginalPresenceIfNeeded(false);
     session.waitUntilIdle();

@@ -7,6 +7,7 @@
 #include <QSocketNotifier>
 #include <fmt/format.h>
 
+#include "cli/unreadable_archives.h"
 #include "locations/loading/quick_library.h"
 #include "model/unkept_data.h"
 #include "platform/files/directory.h"
@@ -101,6 +102,13 @@ void Session::waitUntil(bool (TaskRunner::*isReached)() const, const std::functi
         QCoreApplication::processEvents(isThere() ? QEventLoop::AllEvents : QEventLoop::WaitForMoreEvents);
         if (isThere()) QCoreApplication::processEvents();
     } while (!isThere());
+    if (model_ && !handled) tellUnreadable(model_->library().loader.unreadableRoots());
+}
+
+void Session::tellUnreadable(const std::vector<std::string>& roots) {
+    for (const std::string& root : roots) {
+        if (toldRoots_.insert(root).second) tellUnreadableArchive(root);
+    }
 }
 
 void Session::restoreLastScan(Restored restored) {

@@ -4,8 +4,10 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "model/corvane_view_model.h"
 #include "model/leftover_removal.h"
@@ -60,6 +62,10 @@ class Session {
     // SIGTERM; without one the wait ends there with an Interrupted.
     void waitUntilIdle(const std::function<void()>& onInterrupt = {});
 
+    // Warns of archives that no answer counts, since their index can't be read; once of each. Those of a live
+    // load are told when it was waited for.
+    void tellUnreadable(const std::vector<std::string>& roots);
+
     // How far the last scan has to be restored.
     enum class Restored {
         whole,
@@ -80,6 +86,7 @@ class Session {
     std::optional<LeftoverRemoval> leftovers_;
     std::unique_ptr<CorvaneViewModel> model_;
     bool isLibraryLoaded_ = false;
+    std::set<std::string> toldRoots_; // that can't be read
     bool isQuickLibraryKnown_ = false;
     std::unique_ptr<const QuickLibrary> quickLibrary_;
 };

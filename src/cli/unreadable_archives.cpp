@@ -6,7 +6,6 @@
 #include <fmt/format.h>
 #include <sys/stat.h>
 
-#include "locations/known_locations.h"
 #include "platform/files/layers/file_layer.h"
 #include "platform/paths.h"
 #include "platform/threads/limited_answer.h"
@@ -18,7 +17,6 @@ namespace corvane::cli {
 
 namespace {
 
-// Empty for a sound index, and for one that isn't there.
 std::string reasonAgainst(const std::string& index) {
     platform::FileLayer& files = platform::posixFileLayer();
     struct stat status{};
@@ -26,26 +24,18 @@ std::string reasonAgainst(const std::string& index) {
     const ArchiveIndexReading reading = readArchiveIndexFile(files, index);
     using enum ArchiveIndexReading::State;
     if (reading.state == damaged) return "内容已损坏，corvane-cli rebuild 可以重建它";
-    if (reading.state != couldNotLook) return {};
+    if (reading.state != couldNotLook) return "刚才没能读出";
     return reading.isInCloud ? "它还在云端" : systemErrorReason(reading.error);
 }
 
 } // namespace
 
-bool tellUnreadableArchives(Session& session) {
-    const LibraryLoader& loader = session.model().library().loader;
-    bool isAny = false;
-    for (const std::string& root : knownLocations(session.context().settings)) {
-        if (loader.location(root) != nullptr) continue;
-        const std::string index = platform::joinPath(root, archiveIndexFileName);
-        const auto reason = platform::limitedAnswer<std::string>(
-            platform::placeLimit, [index](platform::JobLimit&) { return reasonAgainst(index); });
-        const std::string text = reason.value_or("没有响应");
-        if (text.empty()) continue;
-        messageLine(fmt::format("归档的索引读不了（{}），没有算上它的邮件：{}", text, index));
-        isAny = true;
-    }
-    return isAny;
+void tellUnreadableArchive(const std::string& root) {
+    const std::string index = platform::joinPath(root, archiveIndexFileName);
+    const auto reason = platform::limitedAnswer<std::string>(
+        platform::placeLimit, [index](platform::JobLimit&) { return reasonAgainst(index); });
+    messageLine(
+        fmt::format("归档的索引读不了（{}），没有算上它的邮件：{}", reason.value_or("没有响应"), index));
 }
 
 void tellUnsearchedArchives(const std::vector<std::string>& roots) {

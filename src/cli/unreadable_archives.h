@@ -1,17 +1,15 @@
-// Archives that are known and there while their index can't be read, and those that a search couldn't ask.
+// Archives that are there while their index can't be read, and those that a search couldn't ask.
 // Without a word of them a command that answers from the archives would say that there are none.
 #pragma once
 
 #include <string>
 #include <vector>
 
-#include "cli/session.h"
-
 namespace corvane::cli {
 
-// After the library was loaded: a line on standard error for each of them, with the cause. Whether there is
-// one. Each place has the limit of every look.
-bool tellUnreadableArchives(Session& session);
+// A line on standard error for the archive with that root, with the cause. The look for it has the limit of
+// every look.
+void tellUnreadableArchive(const std::string& root);
 
 // A line on standard error for each archive that a search couldn't ask.
 void tellUnsearchedArchives(const std::vector<std::string>& roots);

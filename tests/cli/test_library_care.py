@@ -108,6 +108,11 @@ class LibraryCare(CliCase):
         files = sorted(self.archive.rglob("*.eml"))
         self.run_cli(self.home_path, "remove", self.entry_id(index["records"][1]), expect=1)
         self.assertEqual(sorted(self.archive.rglob("*.eml")), files)
+        for command in ("locations", "library", "stats", "search body", "presence --force", "overview", "prove"):
+            process = self.start_cli(self.home_path, *command.split())
+            told = process.communicate(timeout=120)[1].decode()
+            self.assertEqual(told.count("归档的索引读不了（内容已损坏"), 1, f"{command}: {told}")
+            self.assertEqual(process.returncode, 3 if command == "prove" else 0, command)
 
     def test_a_forgotten_place_is_gone_from_the_library_and_untouched(self):
         files = sorted(self.archive.rglob("*.eml"))

@@ -34,6 +34,7 @@ void printJson(const OriginalPresence& presence) {
 
 void printReadable(const OriginalPresence& presence) {
     if (presence.failureMessage) return printText(*presence.failureMessage);
+    if (presence.entries->empty()) return printText("还没有归档邮件");
     if (!presence.checkedAt) return printText("还没有与 Mail 对照过（presence --force 现在对照）");
     std::int64_t present = 0;
     std::int64_t missing = 0;

@@ -14,6 +14,7 @@
 #include "cli/mails/mail_texts.h"
 #include "cli/unreadable_archives.h"
 #include "library/entry_handles.h"
+#include "locations/loading/quick_library.h"
 #include "records/logs/console_log.h"
 #include "records/texts/formatters.h"
 
@@ -105,6 +106,7 @@ int runSearch(Session& session, const SearchOptions& options, bool json) {
     const bool wantsMails = options.withDetails || !json;
     const SearchAnswer answer =
         askEntries(session, [&](EntrySource& source) { return answerOf(source, options, wantsMails); });
+    if (!session.isLibraryLoaded()) session.tellUnreadable(session.quickLibrary()->unreadableRoots());
     tellUnsearchedArchives(answer.found.rootsNotAsked);
     if (!json) {
         if (answer.mails.empty())

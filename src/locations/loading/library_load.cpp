@@ -34,6 +34,7 @@ std::optional<SourceStamp> indexStamp(platform::FileLayer& files, const std::str
 struct LibraryLoad::RootLook {
     bool connected = false;
     std::optional<EmailArchiveIndex> index;
+    bool isIndexUnreadable = false;         // it may be there
     std::optional<SourceStamp> stamp;       // of the index while it was read
     std::shared_ptr<const RootFiles> files; // null when they couldn't be looked at
     ArchiveLocation::Kind kind = ArchiveLocation::Kind::local;
@@ -110,6 +111,10 @@ LibraryLoad::RootLook LibraryLoad::lookAtRoot(PlaceLook& look, const platform::P
     const auto before = indexStamp(look.files(), root);
     found.index = cache.loadIndexWithCache(root, root, found.connected, [&look] { look.beginStep(); }, known);
     if (found.connected && before && before == indexStamp(look.files(), root)) found.stamp = before;
+    if (found.connected && !found.index) {
+        const std::string path = platform::joinPath(root, archiveIndexFileName);
+        found.isIndexUnreadable = filePresence(look.files(), path) != FilePresence::absent;
+    }
     if (look.isGivenUp() || !found.hasRecords()) return found;
     if (found.connected) {
         if (isThere) cache.rememberDevice(root, static_cast<std::uint64_t>(status.st_dev));
@@ -126,9 +131,11 @@ LibraryLoad::RootLook LibraryLoad::lookAtRoot(PlaceLook& look, const platform::P
 void LibraryLoad::addRoot(const std::string& root, std::optional<RootLook> look) {
     if (!look) {
         look.emplace().index = cache_.loadIndexWithCache(root, root, false, {}, known_[root]);
+        look->isIndexUnreadable = !look->index;
         look->kind = locationKind(platform_, root, false);
         log_.mark(fmt::format("liveIndex root not answering path={}", root));
     }
+    if (look->isIndexUnreadable && !input_.forgotten.contains(root)) result_.unreadableRoots.push_back(root);
     if (!look->hasRecords()) {
         log_.mark(fmt::format("liveIndex root skipped connected={} hasIndex={} path={}", look->connected,
                               look->index.has_value(), root));

@@ -64,7 +64,8 @@ struct LibraryLoadResult {
     std::vector<ArchiveLocation> locations;
     std::optional<DestinationIndex> destination; // when it is among the locations
     SharedSearchIndexes searchIndexes;
-    SharedArchivedFiles files; // the published ones where nothing has changed
+    SharedArchivedFiles files;                // the published ones where nothing has changed
+    std::vector<std::string> unreadableRoots; // of archives whose index is there and couldn't be read
 };
 
 class LibraryLoad {

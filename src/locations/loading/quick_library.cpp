@@ -102,7 +102,8 @@ std::optional<QuickLibrary> QuickLibrary::open(const platform::Platform& platfor
     QuickLibrary library(support);
     for (std::size_t i = 0; i < states.size(); ++i) {
         const std::string& root = roots.roots()[i];
-        RootState state = std::move(states[i]).value_or(RootState());
+        // Of a place that doesn't answer nobody knows the index.
+        RootState state = std::move(states[i]).value_or(RootState{.isIndexUnusable = true});
         if (forgotten.contains(root)) {
             const bool mayHaveReturned = state.isConnected && !state.isIndexAbsent;
             if (mayHaveReturned && !forgottenPresent.contains(root)) return std::nullopt;
@@ -115,14 +116,19 @@ std::optional<QuickLibrary> QuickLibrary::open(const platform::Platform& platfor
 }
 
 bool QuickLibrary::add(const ArchiveIndexCache& cache, const std::string& root, RootState state) {
-    if (state.isConnected && (state.isIndexAbsent || state.isIndexUnusable)) return true;
+    const auto leaveOut = [&] {
+        unreadableRoots_.push_back(root);
+        return true;
+    };
+    if (state.isConnected && state.isIndexAbsent) return true;
+    if (state.isConnected && state.isIndexUnusable) return leaveOut();
     const ArchiveDigest::Files files = cache.digestFiles(root);
     const bool hasCopy = platform::lookAtFile(files.copy).presence != platform::FileLook::Presence::absent;
-    if (!state.isConnected && !hasCopy) return true;
+    if (!state.isConnected && !hasCopy) return !state.isIndexUnusable || leaveOut();
     // A place that doesn't answer has said nothing of its digest either.
     if (!state.isConnected && !state.digest) state.digest = ArchiveDigest::open(files, root);
     if (!state.digest) return false;
-    if (state.digest->isOfUnusableIndex()) return state.isConnected;
+    if (state.digest->isOfUnusableIndex()) return state.isConnected && leaveOut();
     if (state.digest->count() == 0) return true;
     archives_.push_back({root, std::move(*state.digest), state.isConnected});
     return true;

@@ -51,6 +51,9 @@ class QuickLibrary {
                                             const CorvaneAppSupport& support,
                                             const platform::SettingsStore& settings, PlaceLooks& looks);
 
+    // Of archives that aren't in it, since their index can't be read.
+    [[nodiscard]] const std::vector<std::string>& unreadableRoots() const { return unreadableRoots_; }
+
     // The mails that the name fits: of an entry id, else of a record id, else of a handle. Throws
     // DigestMisfit, as all below do.
     [[nodiscard]] std::vector<Found> find(std::string_view name) const;
@@ -130,6 +133,7 @@ class QuickLibrary {
 
     CorvaneAppSupport support_;
     std::vector<Archive> archives_; // in the order of the library
+    std::vector<std::string> unreadableRoots_;
     mutable std::map<std::string, std::shared_ptr<const MailSearchIndex>> searchIndexes_; // that were asked
     mutable std::optional<Answer> answer_;
 };

@@ -61,6 +61,9 @@ class LibraryLoader : public QObject {
     // archive that has been disconnected since isn't in it.
     [[nodiscard]] const SharedArchivedFiles& archivedFiles() const { return files_; }
 
+    // Of archives that aren't in the library, since the last live load couldn't read their index.
+    [[nodiscard]] const std::vector<std::string>& unreadableRoots() const { return unreadableRoots_; }
+
     // The first location with that root; null when there is none.
     [[nodiscard]] const ArchiveLocation* location(std::string_view rootPath) const;
 
@@ -108,6 +111,7 @@ class LibraryLoader : public QObject {
     std::vector<ArchiveLocation> locations_;
     SharedSearchIndexes searchIndexes_ = std::make_shared<const SearchIndexTable>();
     SharedArchivedFiles files_ = std::make_shared<const ArchivedFiles>();
+    std::vector<std::string> unreadableRoots_;
     IndexStates indexes_; // of which the library's entries are
     std::optional<DestinationIndex> destination_;
     bool testConnectionsAfterLoad_ = false;

@@ -16,7 +16,6 @@
 #include "cli/exit_status.h"
 #include "cli/known_accounts.h"
 #include "cli/proving.h"
-#include "cli/unreadable_archives.h"
 #include "listing/proof/outcome_titles.h"
 #include "records/logs/console_log.h"
 
@@ -141,7 +140,7 @@ int runProve(Session& session, const ProveOptions& options, bool json) {
     else
         printReadable(answer, away);
     const bool hasLooked = std::ranges::any_of(answer.counts, [](std::int64_t count) { return count > 0; });
-    const bool isAnyUnreadable = tellUnreadableArchives(session);
+    const bool isAnyUnreadable = !session.model().library().loader.unreadableRoots().empty();
     const NothingToProve nothing = hasLooked ? NothingToProve() : nothingToProve(session.model());
     if (!hasLooked && !isAnyUnreadable && !wasInterrupted()) messageLine(nothing.reason);
     return statusOfProof(answer.unproven.empty() && !nothing.isTrouble && !isAnyUnreadable);
