@@ -54,7 +54,7 @@ Session::Session(const std::string& home)
 
 Session::~Session() {
     const std::string failure = unkeptText(*context_);
-    if (!failure.empty()) messageLine(failure);
+    if (failure != toldFailure_) messageLine(failure);
 }
 
 CorvaneViewModel& Session::model() {
@@ -109,6 +109,11 @@ void Session::tellUnreadable(const std::vector<std::string>& roots) {
     for (const std::string& root : roots) {
         if (toldRoots_.insert(root).second) tellUnreadableArchive(root);
     }
+}
+
+void Session::requireKept(std::string unkept) {
+    toldFailure_ = std::move(unkept);
+    if (!toldFailure_.empty()) throw CommandFailure(toldFailure_);
 }
 
 void Session::restoreLastScan(Restored restored) {

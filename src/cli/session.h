@@ -66,6 +66,10 @@ class Session {
     // load are told when it was waited for.
     void tellUnreadable(const std::vector<std::string>& roots);
 
+    // For a command that was to keep just this: throws CommandFailure with the text of what couldn't be kept,
+    // unless that is empty.
+    void requireKept(std::string unkept);
+
     // How far the last scan has to be restored.
     enum class Restored {
         whole,
@@ -87,6 +91,7 @@ class Session {
     std::unique_ptr<CorvaneViewModel> model_;
     bool isLibraryLoaded_ = false;
     std::set<std::string> toldRoots_; // that can't be read
+    std::string toldFailure_;         // to keep something
     bool isQuickLibraryKnown_ = false;
     std::unique_ptr<const QuickLibrary> quickLibrary_;
 };

@@ -18,7 +18,7 @@ const char* consequence(const CorvaneAppSupport& support) {
 
 } // namespace
 
-std::string unkeptText(const CorvaneAppSupport& support) {
+std::string unkeptResultsText(const CorvaneAppSupport& support) {
     const std::error_code error = support.writeFailure();
     if (!error) return {};
     return fmt::format("没能写入 {}（{}）。", support.baseDirectory(false),
@@ -26,13 +26,16 @@ std::string unkeptText(const CorvaneAppSupport& support) {
            consequence(support);
 }
 
+std::string unkeptSettingsText(const platform::SettingsStore& settings) {
+    const std::error_code& error = settings.saveFailure();
+    if (!error) return {};
+    return fmt::format("没能写入 {}（{}）。改动的设置没有保存。", settings.path(),
+                       systemErrorReason(error.value()));
+}
+
 std::string unkeptText(const ModelContext& context) {
-    std::string text = unkeptText(context.support);
-    if (!text.empty()) return text;
-    if (const std::error_code& error = context.settings.saveFailure())
-        return fmt::format("没能写入 {}（{}）。改动的设置没有保存。", context.settings.path(),
-                           systemErrorReason(error.value()));
-    return {};
+    std::string results = unkeptResultsText(context.support);
+    return results.empty() ? unkeptSettingsText(context.settings) : results;
 }
 
 } // namespace corvane

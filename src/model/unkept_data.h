@@ -5,6 +5,7 @@
 #include <string>
 
 #include "model/model_context.h"
+#include "platform/settings_store.h"
 #include "records/stores/app_support.h"
 
 namespace corvane {
@@ -12,7 +13,10 @@ namespace corvane {
 // For the user, with place and reason; empty while everything was kept. Main thread.
 std::string unkeptText(const ModelContext& context);
 
-// The same of the application's folder alone. Any thread.
-std::string unkeptText(const CorvaneAppSupport& support);
+// The same of results alone; any thread.
+std::string unkeptResultsText(const CorvaneAppSupport& support);
+
+// And of settings.
+std::string unkeptSettingsText(const platform::SettingsStore& settings);
 
 } // namespace corvane

@@ -5,7 +5,7 @@ import os
 import sqlite3
 import unittest
 
-from cli_support import INDEX, SUPPORT, CliCase
+from cli_support import INDEX, SETTINGS, SUPPORT, CliCase
 
 TRASH = "ROWID IN (SELECT ROWID FROM mailboxes WHERE url LIKE '%/Deleted%20Messages' OR url LIKE '%/Trash' " \
         "OR url LIKE '%/Junk' OR url LIKE '%/Deleted%20Items' OR url LIKE '%/Spam')"
@@ -121,6 +121,23 @@ class LibraryCare(CliCase):
         self.assertEqual(self.run_cli(self.home_path, "locations"), [])
         self.assertEqual(sorted(self.archive.rglob("*.eml")), files)
         self.assertNotIn("destinationPath", self.run_cli(self.home_path, "config", "show"))
+
+    def test_a_setting_that_cannot_be_kept_is_no_success(self):
+        backup = self.folder / "mine.corvanebackup"
+        self.run_cli(self.home_path, "config", "export", backup)
+        for name, commands in ((SETTINGS, (["merge", "--name", "N", "--address", "a@x.example"],
+                                           ["config", "import", backup])),
+                               (SUPPORT, (["diagnose"],))):
+            folder = (self.home_path / name).parent
+            folder.rename(self.folder / "aside")
+            folder.touch()
+            for command in commands:
+                process = self.start_cli(self.home_path, *command)
+                output, told = (text.decode() for text in process.communicate(timeout=120))
+                self.assertEqual((process.returncode, told.count("没能写入")), (1, 1), f"{command}: {told}")
+                self.assertIn("没能写入", json.loads(output)["error"])
+            folder.unlink()
+            (self.folder / "aside").rename(folder)
 
     def test_settings_travel(self):
         shown = self.run_cli(self.home_path, "config", "show")

@@ -6,6 +6,7 @@
 #include "cli/commands/commands.h"
 #include "cli/console/output.h"
 #include "cli/exit_status.h"
+#include "model/unkept_data.h"
 #include "platform/paths.h"
 
 namespace corvane::cli {
@@ -51,6 +52,7 @@ int apply(Session& session, const CorvaneConfigBackup& backup, bool json) {
     const CorvaneConfigBackup applied = backup;
     session.model().applyConfigBackup(applied);
     session.waitUntilIdle();
+    session.requireKept(unkeptSettingsText(session.context().settings));
     const auto& message = session.model().library().configBackup.resultMessage();
     return answer(applied, configBackupSummary(applied) + "\n" + message.value_or(""), json);
 }

@@ -7,6 +7,7 @@
 #include "cli/console/output.h"
 #include "cli/console/text_table.h"
 #include "cli/exit_status.h"
+#include "model/unkept_data.h"
 
 namespace corvane::cli {
 
@@ -45,6 +46,8 @@ int runMerge(Session& session, const MergeOptions& options, bool json) {
         throw WrongUsage("分组的名称不能是空的。");
     if (options.removed) rules.removeArchiveAccountGroup(*options.removed);
     session.waitUntilIdle();
+    const bool isChanged = options.name || options.removed;
+    if (isChanged) session.requireKept(unkeptSettingsText(session.context().settings));
     printRules(rules.archiveAccountMergeRules(), json);
     return done;
 }

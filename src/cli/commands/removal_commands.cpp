@@ -10,6 +10,7 @@
 #include "cli/console/output.h"
 #include "cli/exit_status.h"
 #include "cli/named_entries.h"
+#include "model/unkept_data.h"
 #include "records/logs/console_log.h"
 
 namespace corvane::cli {
@@ -70,6 +71,7 @@ int runForget(Session& session, const std::string& root, bool json) {
     if (!session.model().forgetLocation(root))
         throw CommandFailure(fmt::format("没有这个归档位置：{}", root));
     session.waitUntilIdle();
+    session.requireKept(unkeptSettingsText(session.context().settings));
     if (!json) {
         printText("已忘记这个归档位置，其中的文件都还在");
         return done;

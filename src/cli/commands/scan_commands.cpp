@@ -13,6 +13,7 @@
 #include "cli/console/progress_line.h"
 #include "cli/console/text_table.h"
 #include "cli/exit_status.h"
+#include "model/unkept_data.h"
 #include "records/logs/console_log.h"
 #include "records/texts/formatters.h"
 
@@ -137,6 +138,7 @@ int runDiagnose(Session& session, bool json) {
     }
     model.mail().diagnostics.write(prefixes);
     session.waitUntilIdle();
+    session.requireKept(unkeptResultsText(session.context().support));
     const std::string path = model.mail().diagnostics.logPath();
     if (json) {
         JsonDocument document;

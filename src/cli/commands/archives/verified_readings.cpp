@@ -60,7 +60,7 @@ void keepReadings(const platform::Platform& system, const std::string& root,
         batch.archived[std::move(name)] = readings;
     batch.archived[known] = std::move(readings);
     store.save(batch);
-    const std::string failure = unkeptText(support);
+    const std::string failure = unkeptResultsText(support);
     if (!failure.empty()) messageLine(failure);
 }
 
