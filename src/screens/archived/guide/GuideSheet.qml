@@ -22,7 +22,6 @@ Sheet {
 
     AppText {
         Layout.fillWidth: true
-        Layout.topMargin: -6
         text: "App 不会替你删邮件,删除由你在 Mail 里确认。"
         font.weight: Theme.medium
     }
