@@ -53,7 +53,8 @@ T.Popup {
         sheet: sheet
     }
 
-    modal: true
+    // In Qt 6.4 a modal popup takes the wheel from those above it.
+    modal: !waits
     focus: true
     closePolicy: dismissable ? T.Popup.CloseOnEscape : T.Popup.NoAutoClose
     parent: T.Overlay.overlay
