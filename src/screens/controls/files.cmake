@@ -36,6 +36,7 @@ set(controls_qml
     panes/Notice.qml
     panes/ScreenHead.qml
     panes/Splitter.qml
+    panes/FocusScroller.qml
     panes/StepList.qml
     sheets/ConfirmSheet.qml
     sheets/OnDemand.qml
@@ -45,7 +46,6 @@ set(controls_qml
     sheets/SheetBar.qml
     sheets/SheetHead.qml
     sheets/SheetKeyboard.qml
-    sheets/SheetScroller.qml
     theme/AppText.qml
     theme/FocusRing.qml
     theme/Line.qml

@@ -3,7 +3,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Templates as T
+import QtQuick.Layouts
 import Corvane
 
 FocusGroup {
@@ -11,7 +11,7 @@ FocusGroup {
 
     required property MailListFilters filters
     readonly property var attachmentSteps: [0, 1, 3, 5]
-    readonly property real contentHeight: sections.implicitHeight + 2 * sections.y
+    readonly property real contentHeight: scroller.contentHeight
 
     horizontal: false
 
@@ -34,19 +34,16 @@ FocusGroup {
         }
     }
 
-    Flickable {
+    FocusScroller {
         id: scroller
         anchors.fill: parent
-        contentHeight: pane.contentHeight
-        boundsBehavior: Flickable.StopAtBounds
-        clip: true
-        T.ScrollBar.vertical: AppScrollBar {}
+        marginRight: Theme.section
+        gap: 12
 
         Column {
             id: sections
-            x: Theme.margin
-            y: 12
-            width: scroller.width - x - Theme.section
+            Layout.fillWidth: true
+            Layout.topMargin: 12
 
             FilterTickRow {
                 objectName: "troubledFilter"

@@ -115,8 +115,6 @@ T.Popup {
         Keys.onReturnPressed: event => event.accepted = event.isAutoRepeat || sheet.pressPrimary()
         Keys.onEnterPressed: event => event.accepted = event.isAutoRepeat || sheet.pressPrimary()
         Keys.onPressed: event => event.accepted = sheet.scrolls && scroller.scrollBy(event.key)
-        readonly property Item holder: Window.activeFocusItem
-        onHolderChanged: scroller.show(holder)
 
         ColumnLayout {
             id: frame
@@ -135,7 +133,7 @@ T.Popup {
                 figureCaption: sheet.figureCaption
                 figureKind: sheet.figureKind
             }
-            SheetScroller {
+            FocusScroller {
                 id: scroller
                 Layout.fillWidth: true
                 Layout.fillHeight: true

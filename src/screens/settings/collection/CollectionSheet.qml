@@ -3,7 +3,6 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Layouts
-import QtQuick.Window
 import Corvane
 
 Sheet {
@@ -72,9 +71,8 @@ Sheet {
             anchors.fill: parent
             spacing: 24
 
-            SheetScroller {
+            FocusScroller {
                 id: left
-                readonly property Item holder: Window.activeFocusItem
 
                 // The bar stands beside the frames.
                 Layout.leftMargin: -12
@@ -83,7 +81,6 @@ Sheet {
                 Layout.fillHeight: true
                 margin: 12
                 gap: 0
-                onHolderChanged: show(holder)
 
                 AppText {
                     Layout.bottomMargin: 4

@@ -1,18 +1,20 @@
-// The body of a sheet that scrolls: a column that is moved by the keys, and to whatever in it has the keyboard.
+// A column that scrolls, by itself to whatever in it has the keyboard.
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import QtQuick.Window
 import Corvane
 
 Flickable {
     id: flick
 
-    // At both sides.
     property int margin: 24
+    property int marginRight: margin
     // Below the last item.
     property int gap: 20
     default property alias items: column.data
     readonly property real lowest: Math.max(0, contentHeight - height)
+    readonly property Item holder: Window.activeFocusItem
 
     function moveTo(position: real) {
         contentY = Math.max(0, Math.min(lowest, position));
@@ -39,6 +41,7 @@ Flickable {
         moveTo(Math.min(top - Theme.space, Math.max(contentY, top + item.height + Theme.space - height)));
     }
 
+    onHolderChanged: show(holder)
     implicitHeight: column.implicitHeight + gap
     contentHeight: implicitHeight
     clip: contentHeight > height
@@ -49,7 +52,7 @@ Flickable {
     ColumnLayout {
         id: column
         x: flick.margin
-        width: flick.width - 2 * x
+        width: flick.width - x - flick.marginRight
         spacing: 0
     }
 }
