@@ -169,6 +169,9 @@ TEST_F(Proofs, WhatIsDeletableCandidateAndArchivedFollowsFromThem) {
         EXPECT_EQ(safety.proofs.proven, safety.archived) << each.name;
         EXPECT_EQ(safety.isDeletable(), each.outcome == ProofOutcome::proven) << each.name;
     }
+    replaceByte(original("a"), 'y');
+    prove();
+    EXPECT_EQ(outcomeOf("a"), ProofOutcome::differs) << "without a new start";
 }
 
 TEST_F(Proofs, NothingIsReadTwiceAndWhatWasReadOutlivesTheProgram) {

@@ -26,8 +26,9 @@ class ProofFlow : public QObject {
 
     ProofFlow(ModelContext& context, KeptReadings& readings, JobProvider job, QObject* parent = nullptr);
 
-    // Reads both sides of every message in the scope that is archived by its id and not proven yet; what is
-    // unreadable is tried again. No effect while one is under way. `proofEnded` follows.
+    // Reads both sides of every message in the scope that is archived by its id and not proven yet, or whose
+    // originals have changed since; what is unreadable is tried again. No effect while one is under way.
+    // `proofEnded` follows.
     void prove(ProofScope scope);
 
     // The proof stops at the next file and reports its end.

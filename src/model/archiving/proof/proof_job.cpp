@@ -17,6 +17,7 @@
 #include "archive/checks/proof_lanes.h"
 #include "listing/account_titles.h"
 #include "listing/message_statistics.h"
+#include "listing/proof/proof_outcome.h"
 #include "platform/threads/parallel.h"
 #include "records/stores/proof_store.h"
 #include "text/mutex.h"
@@ -115,6 +116,7 @@ class Proof {
 
   private:
     static SharedArchivedRecords recordsOf(const ProofJob& job);
+    [[nodiscard]] bool stands(const MailMessageRecord& message) const;
     std::vector<const MailMessageRecord*> unprovenMessages();
     void save();
     bool isSaveDue();
@@ -169,6 +171,13 @@ SharedArchivedRecords Proof::recordsOf(const ProofJob& job) {
                                                            : ArchivedRecords::make(job.inputs.entries);
 }
 
+// Whether its files are still those of the proof.
+bool Proof::stands(const MailMessageRecord& message) const {
+    ProofSubject subject;
+    sources_.gather(message, subject);
+    return proofVerdict(subject.copies, subject.files).outcome == ProofOutcome::proven;
+}
+
 // In the order of their files. Counts the others as completed.
 std::vector<const MailMessageRecord*> Proof::unprovenMessages() {
     const AvailabilityResult& known = *job_.availability;
@@ -179,7 +188,7 @@ std::vector<const MailMessageRecord*> Proof::unprovenMessages() {
             !known.locallyAvailableIDs->contains(message.id) || !job_.scope.holds(message, *known.yearByID))
             continue;
         ++progress.total;
-        if (known.proofs->provenIDs->contains(message.id))
+        if (known.proofs->provenIDs->contains(message.id) && stands(message))
             ++progress.completed;
         else
             unproven.push_back(&message);
