@@ -27,21 +27,3 @@ if(CORVANE_ONLY_READ)
         set(CMAKE_${language}_LINK_EXECUTABLE "${CMAKE_COMMAND} -E touch <TARGET>")
     endforeach()
 endif()
-
-# What most sources of a target include is read once a target, since most of the time goes to that. That each source
-# names what it needs, the other builds and tools/check_includes.py see.
-function(precompile_more_headers)
-    set(of_records <records/mail_message_record.h> <records/archived/archive_records.h>)
-    set(of_model <QObject> <model/corvane_view_model.h>)
-    foreach(target mailstore archive listing library locations)
-        target_precompile_headers(corvane_${target} PRIVATE ${of_records})
-    endforeach()
-    target_precompile_headers(corvane_model PRIVATE <QObject> <model/model_context.h> <model/tasks/task_slot.h>)
-    foreach(target corvane_screens corvane_app corvane_cli test_model test_screens_shell test_screens_home
-            test_screens_archive test_screens_mails)
-        if(TARGET ${target})
-            target_precompile_headers(${target} PRIVATE ${of_model})
-        endif()
-    endforeach()
-endfunction()
-cmake_language(DEFER DIRECTORY ${PROJECT_SOURCE_DIR} CALL precompile_more_headers)

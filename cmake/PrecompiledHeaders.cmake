@@ -1,0 +1,22 @@
+# What most sources of a target include, beside the standard headers, is read once a target: most of a build's time goes
+# to that. That each source names what it needs, tools/check_includes.py and scripts/check-clang see.
+function(precompile_more_headers)
+    set(of_records <records/mail_message_record.h> <records/archived/archive_records.h>)
+    set(of_model <QObject> <model/corvane_view_model.h>)
+    foreach(target mailstore archive listing library locations)
+        target_precompile_headers(corvane_${target} PRIVATE ${of_records})
+    endforeach()
+    target_precompile_headers(corvane_model PRIVATE <QObject> <model/model_context.h> <model/tasks/task_slot.h>)
+    foreach(target corvane_app corvane_cli test_model)
+        if(TARGET ${target})
+            target_precompile_headers(${target} PRIVATE ${of_model})
+        endif()
+    endforeach()
+    foreach(target corvane_screens window_scene home_pictures test_screens_shell test_screens_home test_screens_archive
+            test_screens_archived test_screens_library test_screens_mails)
+        if(TARGET ${target})
+            target_precompile_headers(${target} PRIVATE ${of_model} <QAbstractListModel> <QtQml/qqmlregistration.h>)
+        endif()
+    endforeach()
+endfunction()
+cmake_language(DEFER DIRECTORY ${PROJECT_SOURCE_DIR} CALL precompile_more_headers)
