@@ -33,10 +33,10 @@ set(controls_qml
     panes/CountPill.qml
     panes/DetailField.qml
     panes/EmptyState.qml
+    panes/FocusScroller.qml
     panes/Notice.qml
     panes/ScreenHead.qml
     panes/Splitter.qml
-    panes/FocusScroller.qml
     panes/StepList.qml
     sheets/ConfirmSheet.qml
     sheets/OnDemand.qml
