@@ -3,8 +3,11 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -79,17 +82,27 @@ TEST_F(VerificationOfAnArchive, OfAnArchiveAsWrittenFindsNothing) {
     home.write("Archive/app-backup.json", "{}");
     home.write("Archive/2020/工作/._2020-09-13 一.eml", "AppleDouble");
     home.write("Archive/.Trash/x.eml", "hidden");
-    const ArchiveVerification found = verifyArchive(root);
+    std::vector<ArchivedFileReading> readings;
+    const auto keep = [&](std::vector<ArchivedFileReading> made) { readings = std::move(made); };
+    FaultyFileLayer files;
+    const ArchiveVerification found = verifyArchive(root, {}, {}, files, std::nullopt, keep);
     EXPECT_TRUE(found.isClean());
     EXPECT_EQ(found.checked, 5);
     std::int64_t bytes = 0;
     for (const ArchivedEmailRecord& record : index().records) bytes += record.sizeBytes;
     EXPECT_EQ(found.bytes, bytes);
     EXPECT_EQ(found.unchecked, 5);
-    ASSERT_EQ(found.readings.size(), 5U);
-    EXPECT_EQ(found.readings[0].relativePath, first);
-    EXPECT_EQ(found.readings[0].reading.hash, platform::sha256(readWhole(at(first))));
-    EXPECT_EQ(found.readings[0].reading.stamp.sizeBytes, std::int64_t(readWhole(at(first)).size()));
+    ASSERT_EQ(readings.size(), 5U);
+    EXPECT_EQ(readings[0].relativePath, first);
+    EXPECT_EQ(readings[0].reading.hash, platform::sha256(readWhole(at(first))));
+    EXPECT_EQ(readings[0].reading.stamp.sizeBytes, std::int64_t(readWhole(at(first)).size()));
+
+    std::filesystem::remove(at(first));
+    readings.clear();
+    files.inject({.effect = Effect::failFromHere, .operation = FileOperation::rename, .error = EIO});
+    EXPECT_THROW(verifyArchive(root, {}, {}, files, HashRecording{}, keep), std::exception);
+    ASSERT_EQ(readings.size(), 5U) << "whatever becomes of the index";
+    EXPECT_EQ(readings[0].reading.outcome, FileReading::Outcome::unreadable);
 }
 
 TEST_F(VerificationOfAnArchive, NamesExactlyTheDamage) {

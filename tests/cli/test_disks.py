@@ -83,6 +83,36 @@ class Disks(CliCase):
         self.pull()
         self.assertNotIn(str(root), self.locations(home), "an archive that was deleted doesn't come back with its disk away")
 
+    def test_verify_takes_back_what_would_count_while_the_disk_is_away(self):
+        home = self.home("home", "--messages", "80")
+        root = self.stick / "Mail"
+        self.run_cli(home, "refresh")
+        self.run_cli(home, "archive", "--to", root, "--no-index", expect=3)
+
+        def proven_while_away():
+            self.pull()
+            self.stick = root.parent
+            count = self.run_cli(home, "stats")["awayProofs"]["count"]
+            self.plug_in()
+            return count
+
+        first = proven_while_away()
+        records = json.loads((root / "archive-index.json").read_text(encoding="utf-8"))["records"]
+        lost, altered = [record["emlRelativePath"] for record in records
+                         if "#v" not in record["id"] and "（" not in record["emlRelativePath"]][:2]
+        (root / lost).unlink()
+        self.run_cli(home, "verify", root, expect=3)
+        self.assertEqual(proven_while_away(), first - 1)
+
+        self.pull()
+        self.stick = root.parent.with_name(root.parent.name + "-1")
+        self.addCleanup(run, "umount", self.stick)
+        self.plug_in()
+        there = self.stick / "Mail" / altered
+        there.write_bytes(there.read_bytes()[:-1] + b"?")
+        self.run_cli(home, "verify", self.stick / "Mail", expect=3)
+        self.assertEqual(proven_while_away(), first - 2, "the disk has had another name")
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -115,12 +115,14 @@ TEST(ProofStore, WhatCannotBeKeptLeavesNothingThatItContradicts) {
         char content; // of what is read later
         bool canBeRemoved;
         bool stays;
+        std::int64_t laterByNanoseconds = 0;
     };
 
     for (const Row& row :
          {Row{SqliteFault::full, 'c', true, true}, Row{SqliteFault::full, 'd', true, false},
           Row{SqliteFault::error, 'd', true, false}, Row{SqliteFault::lockLost, 'd', true, false},
-          Row{SqliteFault::full, 'c', false, true}, Row{SqliteFault::full, 'd', false, true}}) {
+          Row{SqliteFault::full, 'c', false, true}, Row{SqliteFault::full, 'd', false, true},
+          Row{SqliteFault::full, 'd', true, false, 1}}) {
         const TemporaryHome home;
         FaultySqliteFiles sqlite;
         FaultyFileLayer files;
@@ -138,6 +140,7 @@ TEST(ProofStore, WhatCannotBeKeptLeavesNothingThatItContradicts) {
         ReadingBatch later;
         later.archived["/root"] = {{"x.eml", sampleReading(row.content, true)},
                                    {"y.eml", sampleReading('e', true)}};
+        later.archived["/root"].front().reading.stamp.modifiedNanoseconds += row.laterByNanoseconds;
         EXPECT_FALSE(ProofStore(support).save(later));
         EXPECT_TRUE(support.writeFailure());
         EXPECT_EQ(support.hasOutdatedReadings(), row.content == 'd' && !row.canBeRemoved);

@@ -52,6 +52,7 @@ class Verification {
     bool addHashes(std::vector<ArchivedEmailRecord>& records);
 
     ArchiveVerification result;
+    std::vector<ArchivedFileReading> readings;
 
   private:
     void compare(const ArchivedEmailRecord& record, const File& file, bool& isWrongMessage);
@@ -85,7 +86,7 @@ void Verification::check(const ArchivedEmailRecord& record) {
     }
     if (file.identity != decltype(file.identity)() && !indexedFiles_.insert(file.identity).second)
         isNamedBefore = true;
-    if (file.state != File::State::absent && !isNamedBefore) addReading(path, file);
+    if (!isNamedBefore) addReading(path, file);
     if (isNamedBefore && duplicates_.insert(path).second) result.duplicatePaths.push_back(path);
     if (isWrongMessage) result.identityMismatch.push_back(path);
 }
@@ -107,7 +108,7 @@ void Verification::compare(const ArchivedEmailRecord& record, const File& file, 
 
 void Verification::addReading(const std::string& path, const File& file) {
     const bool wasRead = file.state == File::State::read;
-    result.readings.push_back(
+    readings.push_back(
         {path,
          {.stamp = file.stamp,
           .outcome = wasRead ? FileReading::Outcome::complete : FileReading::Outcome::unreadable,
@@ -155,10 +156,14 @@ bool ArchiveVerification::isClean() const {
 
 ArchiveVerification verifyArchive(const std::string& root, const VerificationProgress& progress,
                                   const std::stop_token& stop, platform::FileLayer& files,
-                                  const std::optional<HashRecording>& recording) {
+                                  const std::optional<HashRecording>& recording,
+                                  const ReadingsKeeper& keepReadings) {
     archive::ArchiveDestination destination(files, root, platform::placeLimit);
     if (recording) destination.lock();
     Verification verification(files, root, stop);
+    const auto keep = [&] {
+        if (keepReadings) keepReadings(std::exchange(verification.readings, {}));
+    };
     try {
         EmailArchiveIndex index = verification.readIndex();
         if (recording) index = destination.loadIndex(currentTimestamp()).index;
@@ -175,7 +180,11 @@ ArchiveVerification verifyArchive(const std::string& root, const VerificationPro
             destination.syncRoot();
         }
     } catch (const archive::ReadingStopped&) { // told below
+    } catch (...) {
+        keep();
+        throw;
     }
+    keep();
     verification.result.wasCancelled = stop.stop_requested();
     return std::move(verification.result);
 }

@@ -36,8 +36,6 @@ struct ArchiveVerification {
     std::vector<std::string> unreadable;
     std::int64_t unchecked = 0; // files that were read and have no hash in the index
     std::int64_t recorded = 0;  // hashes that were added to the index
-    // Of every file that is there, as it was read.
-    std::vector<ArchivedFileReading> readings;
     bool wasCancelled = false;
 
     [[nodiscard]] bool isClean() const;
@@ -53,11 +51,16 @@ struct HashRecording {
 // Gets the numbers of records checked and of all.
 using VerificationProgress = std::function<void(std::size_t, std::size_t)>;
 
-// A stop ends it at once. Throws ArchiveAccessError when there is no index, it can't be used or saved, the
-// place doesn't answer, or somebody else has the lock.
+// Gets a reading for each record that was checked, a failed one also for a file that isn't there: what was
+// known of that file holds no longer.
+using ReadingsKeeper = std::function<void(std::vector<ArchivedFileReading>)>;
+
+// A stop ends it at once. `keepReadings` is called once, whatever the end. Throws ArchiveAccessError when
+// there is no index, it can't be used or saved, the place doesn't answer, or somebody else has the lock.
 ArchiveVerification verifyArchive(const std::string& root, const VerificationProgress& progress = {},
                                   const std::stop_token& stop = {},
                                   platform::FileLayer& files = platform::posixFileLayer(),
-                                  const std::optional<HashRecording>& recording = std::nullopt);
+                                  const std::optional<HashRecording>& recording = std::nullopt,
+                                  const ReadingsKeeper& keepReadings = {});
 
 } // namespace corvane

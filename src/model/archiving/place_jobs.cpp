@@ -4,6 +4,7 @@
 #include <array>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "model/tasks/progress_pace.h"
@@ -138,10 +139,13 @@ PlaceJobs::Outcome PlaceJobs::run(const Input& input, const ReportingTask<Job>& 
     };
     try {
         if (input.job.work == Work::verification) {
-            ArchiveVerification found = verifyArchive(input.job.root, report, task.stopToken(), input.files);
+            const auto keep = [&](std::vector<ArchivedFileReading> readings) {
+                outcome.readings = std::move(readings);
+            };
+            const ArchiveVerification found =
+                verifyArchive(input.job.root, report, task.stopToken(), input.files, std::nullopt, keep);
             outcome.wasCancelled = found.wasCancelled;
             outcome.end.verdict = verdictOf(found);
-            outcome.readings = std::move(found.readings);
             return outcome;
         }
         RebuildOptions options;

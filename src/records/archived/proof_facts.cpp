@@ -16,8 +16,7 @@ void moveAll(List& from, List& to) {
 }
 
 bool contradicts(const FileReading& later, const FileReading* known) {
-    return known != nullptr && known->stamp == later.stamp &&
-           (known->outcome != later.outcome || known->hash != later.hash);
+    return known != nullptr && (known->outcome != later.outcome || known->hash != later.hash);
 }
 
 } // namespace
@@ -93,7 +92,8 @@ void ProofFacts::remove(const ReadingPaths& paths) {
 
 bool ProofFacts::areContradictedBy(const ReadingBatch& batch) const {
     const auto contradictsCopy = [this](const CopyReading& copy) {
-        return contradicts(copy.reading, copies.find(copy.path));
+        const FileReading* const known = copies.find(copy.path);
+        return contradicts(copy.reading, known) && known->stamp == copy.reading.stamp;
     };
     if (std::ranges::any_of(batch.copies, contradictsCopy)) return true;
     return std::ranges::any_of(batch.archived, [this](const auto& ofRoot) {

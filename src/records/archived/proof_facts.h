@@ -89,8 +89,9 @@ struct ProofFacts {
     void add(const ReadingBatch& batch);
     void remove(const ReadingPaths& paths);
 
-    // Whether a file of the batch isn't what is known here of it, although its size and times are the same:
-    // nothing but the batch tells of that.
+    // Whether what is known here of a file of the batch is other than that and would be believed: of an
+    // original while its size and times are the same, of an archived file whatever they are, since its disk
+    // may be away.
     [[nodiscard]] bool areContradictedBy(const ReadingBatch& batch) const;
 
     [[nodiscard]] bool isEmpty() const { return copies.size() == 0 && archived.empty(); }

@@ -10,8 +10,8 @@
 namespace corvane::cli {
 
 // Adds the readings to those of the home that `system` stands for, in the place of earlier ones of the same
-// files, under whichever names of the archive's folder these were kept. Readings that can't be kept are told,
-// and made again by the next proof.
+// files, under every name of the archive (underEveryName). Readings that can't be kept are told, and made
+// again by the next proof.
 void keepReadings(const platform::Platform& system, const std::string& root,
                   std::vector<ArchivedFileReading> readings);
 

@@ -83,9 +83,12 @@ int runVerify(const VerifyOptions& options, const CommonOptions& common) {
     if (options.recordsHashes) {
         recording = HashRecording{[&](const std::string& path) { system->markHidden(path); }};
     }
-    ArchiveVerification verification = verifyArchive(platform::standardizedPath(options.root), showProgress,
-                                                     stop.get_token(), platform::posixFileLayer(), recording);
-    keepReadings(*system, options.root, std::move(verification.readings));
+    const auto keep = [&](std::vector<ArchivedFileReading> readings) {
+        keepReadings(*system, options.root, std::move(readings));
+    };
+    const ArchiveVerification verification =
+        verifyArchive(platform::standardizedPath(options.root), showProgress, stop.get_token(),
+                      platform::posixFileLayer(), recording, keep);
     if (verification.wasCancelled) throw Interrupted();
     if (common.json)
         printJson(verification);
