@@ -285,6 +285,11 @@ std::shared_ptr<ProofFacts> ProofStore::load() {
     return facts ? facts : std::make_shared<ProofFacts>();
 }
 
+FileStamp ProofStore::stamp() const {
+    struct stat status{};
+    return support_.files().stat(path_, status) == 0 ? stampOf(status) : unknownStamp;
+}
+
 // Null where there is a file that can't be read. What was read before some damage isn't to be trusted either.
 std::shared_ptr<ProofFacts> ProofStore::read() {
     auto facts = std::make_shared<ProofFacts>();
@@ -315,6 +320,7 @@ bool ProofStore::save(const ReadingBatch& batch) {
 // A file that can't be written can mostly be removed: what is read again costs time, what is believed wrongly
 // costs mail.
 void ProofStore::takeBack(const ReadingBatch& batch) {
+    database_.reset(); // another process may have put a new file in the place of this one
     const auto known = read();
     if ((!known || known->areContradictedBy(batch)) && !removeFile()) support_.setOutdatedReadings();
 }

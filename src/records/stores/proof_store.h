@@ -20,6 +20,9 @@ class ProofStore {
     // All readings. Empty where there is no file, or where it can't be used. Never null.
     [[nodiscard]] std::shared_ptr<ProofFacts> load();
 
+    // Of the file, which another process may have changed as well; `unknownStamp` without one.
+    [[nodiscard]] FileStamp stamp() const;
+
     // Adds the readings in one step, each in the place of an earlier one of its file. False when they
     // couldn't be kept: they will be made again. Where they contradict what was kept, nothing of that stays;
     // the application's folder is told if it has to (CorvaneAppSupport::setOutdatedReadings).

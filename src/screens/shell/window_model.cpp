@@ -88,11 +88,12 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
     connect(&model.archiving().destinations, &ArchiveDestinations::factsChanged, this,
             &WindowModel::destinationChanged);
     // Not every system tells of a folder that was renamed or taken away; somebody who comes back may have
-    // done so.
+    // done so, or have verified an archive by the command line.
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
         if (state != Qt::ApplicationActive || !startedUp_) return;
         model_.library().loader.refreshArchiveLocationConnectionStates();
         model_.archiving().destinations.refreshFacts();
+        model_.archiving().readings.load();
     });
     showFigures();
     sidebar_.publish();

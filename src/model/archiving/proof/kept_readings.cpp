@@ -2,14 +2,17 @@
 
 #include <utility>
 
+#include "locations/places/place_looks.h"
+#include "model/archiving/proof/readings_by_name.h"
 #include "records/stores/proof_store.h"
 #include "records/timestamps.h"
 
 namespace corvane {
 
 struct KeptReadings::Job {
+    const platform::Platform& platform;
     CorvaneAppSupport support;
-    SharedProofFacts facts;
+    Kept known;
     std::vector<Addition> additions;
     ReadingPaths forgotten;
     std::optional<ReadingOwners> owners;
@@ -21,14 +24,8 @@ KeptReadings::KeptReadings(ModelContext& context, QObject* parent)
   , task_(context.tasks) {}
 
 void KeptReadings::load() {
-    if (isLoadStarted_) return;
-    isLoadStarted_ = true;
-    task_.start(
-        TaskPriority::userInitiated, context_.support,
-        [](const CorvaneAppSupport& support, const TaskHandle&) -> SharedProofFacts {
-            return ProofStore(support).load();
-        },
-        [this](SharedProofFacts facts) { publish(std::move(facts)); });
+    isLoadWanted_ = true;
+    startIfIdle();
 }
 
 void KeptReadings::add(SharedReadings readings, Store store) {
@@ -50,39 +47,52 @@ void KeptReadings::prune(ReadingOwners owners) {
 }
 
 void KeptReadings::startIfIdle() {
-    load();
     if (!task_.isRunning()) startNext();
 }
 
-// The same facts where nothing has changed.
-SharedProofFacts KeptReadings::changedFacts(const Job& job, const TaskHandle&) {
+KeptReadings::Kept KeptReadings::changed(const Job& job, const TaskHandle& task) {
     ProofStore store(job.support);
+    Kept kept = job.known;
+    if (const FileStamp stamp = store.stamp(); kept.stamp != stamp) {
+        const auto facts = store.load();
+        facts->add(*kept.unsaved);
+        kept.facts = facts;
+        kept.stamp = stamp;
+    }
     ReadingPaths gone = job.forgotten;
     if (job.owners)
-        gone.append(staleReadings(job.support.files(), *job.facts, *job.owners, currentTimestamp()));
-    if (job.additions.empty() && gone.isEmpty()) return job.facts;
-    auto facts = std::make_shared<ProofFacts>(*job.facts);
+        gone.append(staleReadings(job.support.files(), *kept.facts, *job.owners, currentTimestamp()));
+    if (job.additions.empty() && gone.isEmpty()) return kept;
+    auto facts = std::make_shared<ProofFacts>(*kept.facts);
     store.remove(gone);
     facts->remove(gone);
+    ReadingBatch unsaved = *kept.unsaved;
+    PlaceLooks looks(job.platform, job.support.files(), task.stopToken());
     for (const Addition& addition : job.additions) {
+        if (addition.store == Store::hasThem) {
+            facts->add(*addition.readings);
+            continue;
+        }
+        ReadingBatch named = underEveryName(*addition.readings, *facts, looks);
+        facts->add(named);
         // What can't be kept is known until the end, and read again after it.
-        if (addition.store == Store::needsThem) store.save(*addition.readings);
-        facts->add(*addition.readings);
+        if (!store.save(named)) unsaved.append(std::move(named));
     }
-    return facts;
+    return {std::move(facts), store.stamp(), std::make_shared<const ReadingBatch>(std::move(unsaved))};
 }
 
 void KeptReadings::startNext() {
-    if (waiting_.empty() && forgotten_.isEmpty() && !owners_) return;
-    task_.start(TaskPriority::utility,
-                Job{context_.support, facts_, std::exchange(waiting_, {}), std::exchange(forgotten_, {}),
-                    std::exchange(owners_, std::nullopt)},
-                &changedFacts, [this](SharedProofFacts facts) { publish(std::move(facts)); });
+    if (!isLoadWanted_ && waiting_.empty() && forgotten_.isEmpty() && !owners_) return;
+    isLoadWanted_ = false;
+    task_.start(kept_.stamp ? TaskPriority::utility : TaskPriority::userInitiated,
+                Job{context_.platform, context_.support, kept_, std::exchange(waiting_, {}),
+                    std::exchange(forgotten_, {}), std::exchange(owners_, std::nullopt)},
+                &changed, [this](Kept kept) { publish(std::move(kept)); });
 }
 
-void KeptReadings::publish(SharedProofFacts facts) {
-    const bool isChanged = facts != facts_ && (!facts->isEmpty() || !facts_->isEmpty());
-    context_.tasks.discard(std::exchange(facts_, std::move(facts)));
+void KeptReadings::publish(Kept kept) {
+    const bool isChanged = kept.facts != kept_.facts && (!kept.facts->isEmpty() || !kept_.facts->isEmpty());
+    context_.tasks.discard(std::exchange(kept_, std::move(kept)).facts);
     if (isChanged) Q_EMIT factsChanged();
     startNext();
 }

@@ -23,11 +23,12 @@ class KeptReadings : public QObject {
   public:
     explicit KeptReadings(ModelContext& context, QObject* parent = nullptr);
 
-    // Loads what was kept, once, in the background; `factsChanged` follows where there is any.
+    // Loads in the background what was kept, and later what another program has kept or taken back since;
+    // `factsChanged` follows where there is any.
     void load();
 
     // Never null; empty until they are loaded.
-    [[nodiscard]] const SharedProofFacts& facts() const { return facts_; }
+    [[nodiscard]] const SharedProofFacts& facts() const { return kept_.facts; }
 
     enum class Store { hasThem, needsThem };
 
@@ -50,20 +51,26 @@ class KeptReadings : public QObject {
         Store store = Store::needsThem;
     };
 
+    struct Kept {
+        SharedProofFacts facts = std::make_shared<const ProofFacts>();
+        std::optional<FileStamp> stamp; // of the store as it was read or written; absent before that
+        SharedReadings unsaved = std::make_shared<const ReadingBatch>(); // are in `facts` alone
+    };
+
     struct Job;
 
-    static SharedProofFacts changedFacts(const Job& job, const TaskHandle& task);
+    static Kept changed(const Job& job, const TaskHandle& task);
     void startIfIdle();
     void startNext();
-    void publish(SharedProofFacts facts);
+    void publish(Kept kept);
 
     ModelContext& context_;
-    SharedProofFacts facts_ = std::make_shared<const ProofFacts>();
+    Kept kept_;
     std::vector<Addition> waiting_;
     ReadingPaths forgotten_;
     std::optional<ReadingOwners> owners_; // of the pruning that waits
     bool isPruned_ = false;
-    bool isLoadStarted_ = false;
+    bool isLoadWanted_ = true; // before everything else
     TaskSlot task_;
 };
 
