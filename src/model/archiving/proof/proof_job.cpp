@@ -117,6 +117,7 @@ class Proof {
   private:
     static SharedArchivedRecords recordsOf(const ProofJob& job);
     [[nodiscard]] bool stands(const MailMessageRecord& message) const;
+    [[nodiscard]] std::vector<const MailMessageRecord*> messagesInScope() const;
     std::vector<const MailMessageRecord*> unprovenMessages();
     void save();
     bool isSaveDue();
@@ -128,7 +129,7 @@ class Proof {
     ProofSources sources_;
     std::vector<const MailMessageRecord*> unproven_;
 
-    // Held while what is known is saved, and before `mutex_`: the last reading of a file is saved last.
+    // Held while what is known is saved, and before `mutex_`: what was added last is saved last.
     text::Mutex storeMutex_;
     ProofStore store_ GUARDED_BY(storeMutex_);
 
@@ -178,21 +179,35 @@ bool Proof::stands(const MailMessageRecord& message) const {
     return proofVerdict(subject.copies, subject.files).outcome == ProofOutcome::proven;
 }
 
+// Those that are to be proven, or have been.
+std::vector<const MailMessageRecord*> Proof::messagesInScope() const {
+    const AvailabilityResult& known = *job_.availability;
+    std::vector<const MailMessageRecord*> messages;
+    for (const MailMessageRecord& message : *job_.messages) {
+        if (known.recordedMessageIDs->contains(message.id) &&
+            known.locallyAvailableIDs->contains(message.id) && job_.scope.holds(message, *known.yearByID))
+            messages.push_back(&message);
+    }
+    return messages;
+}
+
 // In the order of their files. Counts the others as completed.
 std::vector<const MailMessageRecord*> Proof::unprovenMessages() {
-    const AvailabilityResult& known = *job_.availability;
-    std::vector<const MailMessageRecord*> unproven;
+    std::vector<const MailMessageRecord*> unproven = messagesInScope();
     ProofProgress progress;
-    for (const MailMessageRecord& message : *job_.messages) {
-        if (!known.recordedMessageIDs->contains(message.id) ||
-            !known.locallyAvailableIDs->contains(message.id) || !job_.scope.holds(message, *known.yearByID))
-            continue;
-        ++progress.total;
-        if (known.proofs->provenIDs->contains(message.id) && stands(message))
-            ++progress.completed;
-        else
-            unproven.push_back(&message);
+    progress.total = static_cast<std::int64_t>(unproven.size());
+    std::vector<char> isProven(unproven.size());
+    platform::parallelFor(0, unproven.size(), [&](std::size_t number) {
+        const MailMessageRecord& message = *unproven[number];
+        isProven[number] = !task_.isCancelled() &&
+                           job_.availability->proofs->provenIDs->contains(message.id) && stands(message);
+    });
+    std::size_t kept = 0;
+    for (std::size_t number = 0; number < unproven.size(); ++number) {
+        if (!isProven[number]) unproven[kept++] = unproven[number];
     }
+    unproven.resize(kept);
+    progress.completed = progress.total - static_cast<std::int64_t>(kept);
     std::ranges::sort(unproven, {}, [](const MailMessageRecord* message) { return message->id.view(); });
     const text::MutexLock lock(mutex_);
     end_.progress = progress;
