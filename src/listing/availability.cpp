@@ -6,6 +6,7 @@
 #include <optional>
 #include <stop_token>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 
@@ -162,10 +163,25 @@ bool judge(const AvailabilityJob& job, AvailabilityResult& result, const std::st
     return true;
 }
 
+// "V10", as Mail names the folders of its versions.
+bool isVersionName(std::string_view name) {
+    return name.size() > 1 && name.front() == 'V' &&
+           std::ranges::all_of(name.substr(1), [](char sign) { return sign >= '0' && sign <= '9'; });
+}
+
 } // namespace
 
 bool isOfMailVersion(const MailMessageRecord& message, const std::string& version) {
-    return version.empty() || message.fileURL.path().view().contains("/" + version + "/");
+    if (version.empty()) return true;
+    const auto path = message.fileURL.path();
+    std::string_view rest = path.view();
+    // The innermost folder of such a name: the disk may have one as well.
+    for (auto end = rest.rfind('/'); end != std::string_view::npos; end = rest.rfind('/')) {
+        const std::string_view name = rest.substr(end + 1);
+        if (isVersionName(name)) return name == version;
+        rest = rest.substr(0, end);
+    }
+    return false;
 }
 
 std::shared_ptr<const SharedTextSet> messageIDsOf(const MessageList& messages,

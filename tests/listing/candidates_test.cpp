@@ -101,6 +101,10 @@ TEST_F(Candidates, AreCountedByTheStatisticsButForTrashAndTheUndated) {
     AvailabilityJob ofAnotherVersion = job;
     ofAnotherVersion.mailVersion = "V11";
     EXPECT_TRUE(computeAvailability(ofAnotherVersion)->locallyAvailableIDs->empty());
+    MailMessageRecord message;
+    message.fileURL = FileURL(SharedText("/Volumes/V11/Mail/V10/1.emlx"));
+    EXPECT_TRUE(isOfMailVersion(message, "V10"));
+    EXPECT_FALSE(isOfMailVersion(message, "V11"));
 }
 
 } // namespace
