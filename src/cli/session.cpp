@@ -54,7 +54,7 @@ Session::Session(const std::string& home)
 
 Session::~Session() {
     const std::string failure = unkeptText(*context_);
-    if (failure != toldFailure_) messageLine(failure);
+    if (!failure.empty() && failure != toldFailure_) messageLine(failure);
 }
 
 CorvaneViewModel& Session::model() {
@@ -70,6 +70,7 @@ const QuickLibrary* Session::quickLibrary() {
         PlaceLooks looks(*platform_, context_->support.files(), {});
         if (auto library = QuickLibrary::open(*platform_, context_->support, context_->settings, looks))
             quickLibrary_ = std::make_unique<const QuickLibrary>(std::move(*library));
+        if (quickLibrary_) tellUnreadable(quickLibrary_->unreadableRoots());
     }
     return quickLibrary_.get();
 }

@@ -106,7 +106,6 @@ int runSearch(Session& session, const SearchOptions& options, bool json) {
     const bool wantsMails = options.withDetails || !json;
     const SearchAnswer answer =
         askEntries(session, [&](EntrySource& source) { return answerOf(source, options, wantsMails); });
-    if (!session.isLibraryLoaded()) session.tellUnreadable(session.quickLibrary()->unreadableRoots());
     tellUnsearchedArchives(answer.found.rootsNotAsked);
     if (!json) {
         if (answer.mails.empty())
