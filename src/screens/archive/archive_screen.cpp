@@ -117,8 +117,8 @@ void ArchiveScreen::start() {
     runCandidates_ = candidates_.records();
     runSelection_ = model_.archiving().ticks.selectedArchiveMessageIDs();
     progress_.start(candidates_.selectedCount());
-    setStage(Running);
     background_.begin();
+    setStage(Running);
     model_.archiveSelectedEmails([screen = QPointer(this)](ArchiveRunFlow::RunOutcome outcome) {
         if (screen) screen->handleRunEnd(std::move(outcome));
     });

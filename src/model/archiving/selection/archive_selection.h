@@ -46,6 +46,7 @@ class ArchiveSelection {
 
     // The same ticks as one shared set: what a job gives back that has changed many.
     [[nodiscard]] ArchiveSelection joined() const {
+        if (toggled_.empty()) return *this;
         SharedTextSet ids;
         ids.reserve(size_);
         for (const SharedText& id : *base_) {
