@@ -22,6 +22,7 @@
 #include "records/archive_files/archive_index_file.h"
 #include "records/archived/content_hash.h"
 #include "records/archived/stable_id.h"
+#include "records/stores/proof_store.h"
 #include "records/timestamps.h"
 #include "support/faulty_file_layer.h"
 
@@ -187,6 +188,17 @@ TEST_F(Proofs, NothingIsReadTwiceAndWhatWasReadOutlivesTheProgram) {
         << "the others are known";
     EXPECT_EQ(outcomeOf("a"), ProofOutcome::proven);
     EXPECT_EQ(outcomeOf("b"), ProofOutcome::differs);
+
+    // As a verification by the command line beside this program.
+    const auto& [root, readings] = *model_->archiving().readings.facts()->archived.begin();
+    ReadingBatch found;
+    found.archived[root] = {{"2020/a/a.eml", *readings.find("2020/a/a.eml")}};
+    found.archived[root].front().reading.outcome = FileReading::Outcome::unreadable;
+    ASSERT_TRUE(ProofStore(context_->support).save(found));
+    model_->archiving().readings.load();
+    waitUntilIdle(context_->tasks);
+    EXPECT_EQ(outcomeOf("a"), ProofOutcome::unreadable);
+    EXPECT_EQ(outcomeOf("c"), ProofOutcome::proven);
 }
 
 TEST_F(Proofs, OfAPulledDiskStandAndThoseOfAFolderThatHasGoneDoNot) {
