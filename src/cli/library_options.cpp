@@ -31,7 +31,7 @@ std::shared_ptr<const SharedTextSet> search(Session& session, const std::string&
     auto ids = std::make_shared<SharedTextSet>();
     session.model().library().bodyTexts.searchArchive(query, [&](ArchiveSearchResult found) {
         *ids = std::move(found.ids);
-        tellUnsearchedArchives(found.unreadableRoots);
+        tellUnsearchedArchives(found.unreadableRoots, found.unpreparedRoots);
     });
     session.waitUntilIdle();
     return ids;

@@ -38,9 +38,13 @@ void tellUnreadableArchive(const std::string& root) {
         fmt::format("归档的索引读不了（{}），没有算上它的邮件：{}", reason.value_or("没有响应"), index));
 }
 
-void tellUnsearchedArchives(const std::vector<std::string>& roots) {
-    for (const std::string& root : roots)
+void tellUnsearchedArchives(const std::vector<std::string>& unreadable,
+                            const std::vector<std::string>& unprepared) {
+    for (const std::string& root : unreadable)
         messageLine(fmt::format("没能搜索这个归档，结果里没有它的邮件：{}", root));
+    for (const std::string& root : unprepared)
+        messageLine(
+            fmt::format("这个归档的邮件还搜索不到，运行 corvane-cli index 为它建立搜索索引：{}", root));
 }
 
 } // namespace corvane::cli

@@ -239,6 +239,13 @@ std::optional<SharedTextSet> MailSearchIndex::indexedIDs() const {
     return idsBy("SELECT record_id FROM email_fts;");
 }
 
+bool MailSearchIndex::isEmpty() const {
+    SqliteStatement query(database_.get(), "SELECT 1 FROM record_map LIMIT 1;");
+    const bool hasRow = query.step();
+    recordStatus(query.status());
+    return !hasRow && query.status() == SQLITE_DONE;
+}
+
 std::optional<SharedTextSet> MailSearchIndex::mappedIDs() const {
     return idsBy("SELECT record_id FROM record_map;");
 }

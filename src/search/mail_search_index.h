@@ -97,6 +97,9 @@ class MailSearchIndex {
     // row, but no texts.
     [[nodiscard]] std::optional<SharedTextSet> indexedIDs() const;
 
+    // No row answers for any id: the archive's mail was never prepared for searching. False after an error.
+    [[nodiscard]] bool isEmpty() const;
+
     // The ids for which a row answers, without reading the rows. Absent after an error.
     [[nodiscard]] std::optional<SharedTextSet> mappedIDs() const;
 

@@ -7,10 +7,11 @@ import random
 import re
 import shutil
 import sqlite3
+import subprocess
 import time
 import unittest
 
-from cli_support import SUPPORT, CliCase, signal
+from cli_support import CLI, SUPPORT, CliCase, signal
 
 
 
@@ -58,6 +59,11 @@ class SearchCase(CliCase):
         self.mail = self.home("home", "--messages", "500")
         self.run_cli(self.mail, "refresh")
         self.archive = self.folder / "archive"
+
+    def told(self, *arguments):
+        """What the command says besides its answer."""
+        done = subprocess.run([CLI, "--home", str(self.mail), "--json", *arguments], capture_output=True, check=True)
+        return done.stderr.decode()
 
     def state(self):
         """Bodies by id; a repeated id would be a repeated row."""
@@ -114,10 +120,12 @@ class Searching(SearchCase):
         self.run_cli(self.mail, "archive", "--to", self.archive, "--no-index", expect=3)
         self.assertEqual(self.state(), {})
         self.assertEqual(self.run_cli(self.mail, "search", "会议"), [])
+        self.assertIn(f"为它建立搜索索引：{self.archive}", self.told("search", "会议"))
         listed = records(self.archive)
         self.assertEqual(self.run_cli(self.mail, "index")["indexed"], len(listed))
         empty = sum(1 for body in self.state().values() if not body.strip())
         self.assertEqual(self.run_cli(self.mail, "index")["indexed"], empty, "only what has no text is tried again")
+        self.assertEqual(self.told("search", "会议"), "")
 
 
 class Damage(SearchCase):

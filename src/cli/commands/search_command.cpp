@@ -106,7 +106,7 @@ int runSearch(Session& session, const SearchOptions& options, bool json) {
     const bool wantsMails = options.withDetails || !json;
     const SearchAnswer answer =
         askEntries(session, [&](EntrySource& source) { return answerOf(source, options, wantsMails); });
-    tellUnsearchedArchives(answer.found.rootsNotAsked);
+    tellUnsearchedArchives(answer.found.rootsNotAsked, answer.found.rootsNotPrepared);
     if (!json) {
         if (answer.mails.empty())
             messageLine("没有找到。");

@@ -28,7 +28,7 @@ class QuickEntries final : public EntrySource {
 
     FoundIDs search(const std::string& text) override {
         QuickLibrary::Search found = library_.search(text);
-        return {std::move(found.ids), std::move(found.unreadableRoots)};
+        return {std::move(found.ids), std::move(found.unreadableRoots), std::move(found.unpreparedRoots)};
     }
 
     void visitNewest(const std::vector<SharedText>& recordIDs, std::optional<std::int64_t> limit,
@@ -79,6 +79,7 @@ class LoadedEntries final : public EntrySource {
         session_.model().library().bodyTexts.searchArchive(text, [&](const ArchiveSearchResult& found) {
             result.ids.assign(found.ids.begin(), found.ids.end());
             result.rootsNotAsked = found.unreadableRoots;
+            result.rootsNotPrepared = found.unpreparedRoots;
         });
         session_.waitUntilIdle();
         std::ranges::sort(result.ids);

@@ -19,8 +19,9 @@ namespace corvane::cli {
 class EntrySource {
   public:
     struct FoundIDs {
-        std::vector<SharedText> ids;            // of records, sorted, each once
-        std::vector<std::string> rootsNotAsked; // of archives that couldn't be searched
+        std::vector<SharedText> ids;               // of records, sorted, each once
+        std::vector<std::string> rootsNotAsked;    // of archives that couldn't be searched
+        std::vector<std::string> rootsNotPrepared; // of those whose mail isn't in their index yet
     };
 
     virtual ~EntrySource() = default;

@@ -13,6 +13,7 @@ namespace corvane {
 struct ArchiveSearchResult {
     SharedTextSet ids;                        // of the records that hold the text
     std::vector<std::string> unreadableRoots; // of archives whose index couldn't be asked
+    std::vector<std::string> unpreparedRoots; // of those whose mail isn't in their index yet
 };
 
 ArchiveSearchResult searchIndexes(const SearchIndexTable& indexes, std::string_view query);

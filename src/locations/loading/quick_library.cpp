@@ -253,6 +253,7 @@ std::vector<search::RecordTest> QuickLibrary::testsOf(std::string_view text) con
     for (const std::string& root : rootsByName()) {
         const MailSearchIndex* const index = searchIndex(root);
         if (index == nullptr) continue;
+        if (index->isEmpty()) return {}; // which the search tells
         if (tests.empty()) {
             if (auto ids = index->searchWithoutScan(text)) {
                 answer_ = {std::string(text), root, std::move(*ids)};
@@ -327,7 +328,9 @@ QuickLibrary::Search QuickLibrary::search(std::string_view query) const {
         // Not kept: what it read for this it doesn't need again.
         const auto index = MailSearchIndex::open(support_, root);
         if (index == nullptr) continue;
-        if (const auto ids = searchIn(*index, root, text)) {
+        if (index->isEmpty()) {
+            result.unpreparedRoots.push_back(root);
+        } else if (const auto ids = searchIn(*index, root, text)) {
             result.ids.insert(result.ids.end(), ids->begin(), ids->end());
         } else {
             result.unreadableRoots.push_back(root);

@@ -43,6 +43,7 @@ class QuickLibrary {
     struct Search {
         std::vector<SharedText> ids;              // of records, sorted, each once
         std::vector<std::string> unreadableRoots; // of archives that couldn't be asked
+        std::vector<std::string> unpreparedRoots; // of those whose mail isn't in their index yet
     };
 
     // Looks at the places that a load would look at. Absent where only a load can tell what is in the

@@ -98,6 +98,7 @@ void LibraryListFlow::setSearchText(std::string text) {
     searchDelay_.stop();
     debouncedQuery_.clear();
     rootsNotSearched_.clear();
+    rootsNotPrepared_.clear();
     Q_EMIT searchChanged();
     setMatches(nullptr);
 }
@@ -121,6 +122,7 @@ void LibraryListFlow::startSearch() {
 void LibraryListFlow::applySearch(ArchiveSearchResult found) {
     asked_.reset();
     rootsNotSearched_ = std::move(found.unreadableRoots);
+    rootsNotPrepared_ = std::move(found.unpreparedRoots);
     Q_EMIT searchChanged();
     setMatches(std::make_shared<const SharedTextSet>(std::move(found.ids)));
 }

@@ -67,6 +67,9 @@ class LibraryListFlow : public QObject {
     // Archives that the last search couldn't ask: nothing is known of their mail.
     [[nodiscard]] const std::vector<std::string>& rootsNotSearched() const { return rootsNotSearched_; }
 
+    // Of archives whose mail the last search couldn't find, since it isn't in their search index yet.
+    [[nodiscard]] const std::vector<std::string>& rootsNotPrepared() const { return rootsNotPrepared_; }
+
     [[nodiscard]] const LibrarySelection& selection() const { return selection_; }
 
     // A row of the list that was clicked.
@@ -104,6 +107,7 @@ class LibraryListFlow : public QObject {
     std::string searchText_;
     std::string debouncedQuery_;
     std::vector<std::string> rootsNotSearched_;
+    std::vector<std::string> rootsNotPrepared_;
     std::shared_ptr<const std::string> asked_; // the search whose answer is wanted; null without one
     QTimer searchDelay_;
     TaskSlot listTask_;

@@ -70,16 +70,28 @@ FocusScope {
         visible: !pane.low && count > 1
         filters: pane.screen.filters
     }
-    AppText {
+    RowLayout {
         id: searchNote
         anchors.top: strip.bottom
         x: Theme.section
         width: parent.width - 2 * x
         height: visible ? Theme.rowDense : 0
-        visible: text.length > 0
-        text: pane.screen.search.note
-        role: AppText.Note
-        color: Theme.attention
+        visible: noteText.text.length > 0
+
+        AppText {
+            id: noteText
+            objectName: "searchNote"
+            Layout.fillWidth: true
+            text: pane.screen.search.note
+            role: AppText.Note
+            color: Theme.attention
+        }
+        PlainButton {
+            objectName: "prepareSearch"
+            visible: pane.screen.search.canPrepare
+            text: "建立搜索索引"
+            onClicked: pane.screen.search.prepare()
+        }
     }
     LibraryView {
         id: rows

@@ -11,6 +11,7 @@ LibrarySearch::LibrarySearch(LibraryComponents& library, QObject* parent)
   : QObject(parent)
   , library_(library) {
     connect(&library.list, &LibraryListFlow::searchChanged, this, &LibrarySearch::changed);
+    connect(&library.bodyTexts, &BodyTexts::bodyIndexProgressChanged, this, &LibrarySearch::changed);
 }
 
 QString LibrarySearch::query() const {
@@ -21,11 +22,27 @@ void LibrarySearch::setQuery(const QString& query) {
     library_.list.setSearchText(query.toStdString());
 }
 
-QString LibrarySearch::note() const {
+QString LibrarySearch::placeNames(const std::vector<std::string>& roots) const {
     QStringList names;
-    for (const std::string& root : library_.list.rootsNotSearched())
-        names += screens::archivePlaceName(library_.loader, root);
-    return names.isEmpty() ? QString() : QStringLiteral("没有查到这些位置：") + names.join(u'、');
+    for (const std::string& root : roots) names += screens::archivePlaceName(library_.loader, root);
+    return names.join(u'、');
+}
+
+QString LibrarySearch::note() const {
+    QStringList notes;
+    if (!library_.list.rootsNotSearched().empty())
+        notes += QStringLiteral("没有查到这些位置：") + placeNames(library_.list.rootsNotSearched());
+    if (!library_.list.rootsNotPrepared().empty())
+        notes += QStringLiteral("这些位置的邮件还搜索不到：") + placeNames(library_.list.rootsNotPrepared());
+    return notes.join(u"；");
+}
+
+bool LibrarySearch::canPrepare() const {
+    return !library_.list.rootsNotPrepared().empty() && !library_.bodyTexts.bodyIndexProgress();
+}
+
+void LibrarySearch::prepare() {
+    if (canPrepare()) library_.bodyTexts.rebuildBodyTextIndex(false);
 }
 
 } // namespace corvane

@@ -1,6 +1,9 @@
 // The search of the library as its head shows it. Main thread.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
@@ -15,6 +18,7 @@ class LibrarySearch : public QObject {
     Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY changed)
     Q_PROPERTY(bool busy READ isBusy NOTIFY changed)
     Q_PROPERTY(QString note READ note NOTIFY changed)
+    Q_PROPERTY(bool canPrepare READ canPrepare NOTIFY changed)
 
   public:
     // `library` must outlive it.
@@ -26,13 +30,21 @@ class LibrarySearch : public QObject {
 
     [[nodiscard]] bool isBusy() const { return library_.list.isSearching(); }
 
-    // Which archives the search couldn't ask; empty without any.
+    // Which archives the search couldn't ask, and whose mail isn't prepared for it; empty without any.
     [[nodiscard]] QString note() const;
+
+    // There are such whose mail isn't prepared, and nothing is being prepared.
+    [[nodiscard]] bool canPrepare() const;
+
+    // Prepares the mail of all archives in the background; the search is repeated at the end.
+    Q_INVOKABLE void prepare();
 
   Q_SIGNALS:
     void changed();
 
   private:
+    [[nodiscard]] QString placeNames(const std::vector<std::string>& roots) const;
+
     LibraryComponents& library_;
 };
 
