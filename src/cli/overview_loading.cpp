@@ -49,9 +49,14 @@ SharedOverview loadOverview(Session& session, OriginalsCheck check) {
 }
 
 std::size_t overviewGroup(const ArchivedOverview& overview, std::string_view key) {
-    const auto group = std::ranges::find(*overview.groups, key, &ArchivedOverviewGroup::key);
-    if (group == overview.groups->end()) throw CommandFailure(fmt::format("归档库中没有这个账户：{}", key));
-    return static_cast<std::size_t>(group - overview.groups->begin());
+    const auto& groups = *overview.groups;
+    auto group = std::ranges::find(groups, key, &ArchivedOverviewGroup::key);
+    // By the name that a person reads, where no other group has it.
+    if (group == groups.end() && std::ranges::count(groups, key, &ArchivedOverviewGroup::title) == 1)
+        group = std::ranges::find(groups, key, &ArchivedOverviewGroup::title);
+    if (group == groups.end())
+        throw CommandFailure(fmt::format("归档库中没有这个账户：{}（overview 列出有哪些）", key));
+    return static_cast<std::size_t>(group - groups.begin());
 }
 
 } // namespace corvane::cli

@@ -135,7 +135,7 @@ class Overview(CliCase):
         guide = self.run_cli(self.mail, "guide", clean[0]["key"], "--year", clean[1]["year"])
         self.assertEqual(guide["suggestedName"], f"可删除·{clean[1]['year']}")
         self.assertIn(f"{clean[1]['year']} 年 1 月 1 日之后、在 {clean[1]['year'] + 1} 年", guide["conditionText"])
-        self.assertEqual(self.run_cli(self.mail, "guide", clean[0]["key"], "--year", 1971)["suggestedName"], "可删除")
+        self.assertEqual(self.run_cli(self.mail, "guide", clean[0]["title"], "--year", 1971)["suggestedName"], "可删除")
         self.run_cli(self.mail, "guide", "mail-account:nobody", expect=1)
 
         rows = [row for entry in self.library("--account", clean[0]["key"])

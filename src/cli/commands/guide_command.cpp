@@ -155,11 +155,12 @@ int runGuide(Session& session, const GuideOptions& options, bool json) {
 
 void addGuideCommand(CommandSet& commands) {
     auto options = std::make_shared<GuideOptions>();
-    CLI::App& guide =
-        commands.add("guide", "在 Apple Mail 里批量删除已备份邮件的步骤",
-                     {{{"guide mail-account:me@example.com", "一个账户所有可以清理的年份"},
-                       {"guide mail-account:me@example.com --year 2014 --year 2015", "只看两年"}}});
-    guide.add_option("account", options->account, "账户，overview 给出的 key")->required()->type_name("KEY");
+    CLI::App& guide = commands.add("guide", "在 Apple Mail 里批量删除已备份邮件的步骤",
+                                   {{{"guide me@example.com", "一个账户所有可以清理的年份"},
+                                     {"guide me@example.com --year 2014 --year 2015", "只看两年"}}});
+    guide.add_option("account", options->account, "账户，overview 给出的名称或 key")
+        ->required()
+        ->type_name("KEY");
     guide.add_option("--year", options->years, "限定年份")->allow_extra_args(false)->type_name("YEAR");
     commands.setRun(guide,
                     [options](Session& session, bool json) { return runGuide(session, *options, json); });
