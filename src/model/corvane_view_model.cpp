@@ -155,6 +155,7 @@ void CorvaneViewModel::wireProof() {
     connect(&library_.loader, &LibraryLoader::archivedFilesChanged, this, [this] {
         if (looks_) renewFileLooks();
     });
+    connect(&library_.loader, &LibraryLoader::loadWanted, this, [this] { loadArchiveIndex(true); });
     connect(&archiving_.readings, &KeptReadings::factsChanged, this, &CorvaneViewModel::proveAnew);
     connect(&archiving_.setAside, &SetAside::changed, this,
             [this] { mail_.catalog.refreshAvailabilityCacheAsync(true); });
@@ -185,8 +186,10 @@ ProofInputs CorvaneViewModel::proofInputs() const {
 
 void CorvaneViewModel::renewFileLooks() {
     // Equal looks stay the same ones: others cost a pass over all messages.
-    if (!looks_ || looks_->files() != library_.loader.archivedFiles())
+    if (!looks_ || looks_->files() != library_.loader.archivedFiles()) {
         looks_ = std::make_shared<const LibraryFileLooks>(library_.loader.archivedFiles());
+        library_.overview.onInputsChanged(); // what it says of originals rests on the earlier ones
+    }
     proveAnew();
 }
 
@@ -323,6 +326,12 @@ void CorvaneViewModel::lookForRebuild() {
 
 void CorvaneViewModel::loadArchiveIndex(bool force) {
     library_.loader.loadEmailArchiveIndex(archiving_.destinations.transferDestination(), force);
+}
+
+void CorvaneViewModel::lookAtArchives() {
+    library_.loader.refreshArchiveLocationConnectionStates();
+    archiving_.destinations.refreshFacts();
+    archiving_.readings.load();
 }
 
 // A filter on a year that no longer exists would hide all the mail.

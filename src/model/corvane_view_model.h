@@ -50,6 +50,10 @@ class CorvaneViewModel : public QObject {
     // Adds a place to those that are known, and reads what archive there is. It isn't forgotten any more.
     void addLocation(const std::string& path);
 
+    // Looks at the archives anew, as somebody may have changed them: which are connected, which of their
+    // files are there, what other programs have read of them. What follows is published as it is found.
+    void lookAtArchives();
+
     // Takes over what a backup holds: its places are added to the known ones, the rest replaces what was.
     void applyConfigBackup(const CorvaneConfigBackup& backup);
 

@@ -28,8 +28,14 @@ class LoadedArchives : public ::testing::Test {
 
     [[nodiscard]] RootFiles filesOf(const EmailArchiveIndex& index, const std::string& root) {
         PlaceLooks looks(platform_, files_, {});
-        return *looks.ask<RootFiles>(root,
-                                     [=](PlaceLook& look) { return listArchivedFiles(look, index, root); });
+        return *looks.ask<RootFiles>(
+            root, [=](PlaceLook& look) { return listArchivedFiles(look, pathsOf(index), root); });
+    }
+
+    static std::vector<SharedText> pathsOf(const EmailArchiveIndex& index) {
+        std::vector<SharedText> paths;
+        for (const ArchivedEmailRecord& record : index.records) paths.push_back(record.emlRelativePath);
+        return paths;
     }
 
     TemporaryHome home_;

@@ -222,6 +222,31 @@ TEST_F(Proofs, OfAPulledDiskStandAndThoseOfAFolderThatHasGoneDoNot) {
     EXPECT_EQ(model_->deletionSafety({}).proofs.proven, 2);
 }
 
+TEST_F(Proofs, FallWithAChangeToTheArchiveAtTheNextLookAtIt) {
+    const auto look = [&] {
+        model_->lookAtArchives();
+        waitUntilIdle(context_->tasks);
+    };
+    prove();
+    look();
+    ASSERT_EQ(model_->deletionSafety({}).proofs.proven, 3);
+    std::filesystem::remove(archived("a"));
+    replaceByte(archived("b"), 'y');
+    look();
+    EXPECT_EQ(outcomeOf("a"), ProofOutcome::fileMissing);
+    EXPECT_EQ(outcomeOf("b"), ProofOutcome::notLookedAt);
+    EXPECT_EQ(candidates(), "a");
+    std::filesystem::rename(home_.at(root_), home_.at("elsewhere"));
+    look();
+    EXPECT_EQ(candidates(), "abc");
+    std::filesystem::rename(home_.at("elsewhere"), home_.at(root_));
+    look();
+    EXPECT_EQ(outcomeOf("c"), ProofOutcome::proven) << "it is where it was proven";
+    home_.write(root_ + "/" + std::string(archiveIndexFileName), encodeArchiveIndex({}));
+    look();
+    EXPECT_EQ(model_->library().loader.archivedEntries()->size(), 0U) << "another program has removed them";
+}
+
 TEST_F(Proofs, ByAFileThatIsInACloudOnlyHaveTheirDay) {
     prove();
     const auto away = [&] {

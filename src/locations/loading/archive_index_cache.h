@@ -2,8 +2,10 @@
 // connected. A value; touches disks, so it belongs on a background task.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,6 +26,16 @@ struct KnownIndex {
     Date updatedAt{};
     KnownRecords records{};
 };
+
+// The index of each archive, as a load has read it: for the next one.
+struct IndexState {
+    SourceStamp stamp;
+    Date createdAt{};
+    Date updatedAt{};
+    std::size_t count = 0; // of its records
+};
+
+using IndexStates = std::map<std::string, IndexState, std::less<>>; // by root
 
 class ArchiveIndexCache {
   public:

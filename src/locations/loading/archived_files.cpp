@@ -18,7 +18,7 @@ namespace corvane {
 
 namespace {
 
-using Records = std::vector<const ArchivedEmailRecord*>;
+using Paths = std::vector<const SharedText*>;
 
 // No file can have a name that is too long; the placeholder's is longer than the file's.
 bool saysAbsent(int error) {
@@ -38,7 +38,7 @@ class Listing {
       : look_(look)
       , root_(root) {}
 
-    void addFolder(const std::string& folder, const Records& records);
+    void addFolder(const std::string& folder, const Paths& paths);
 
     RootFiles result;
 
@@ -60,7 +60,7 @@ class Listing {
     std::optional<std::string> resolvedRoot_;
 };
 
-void Listing::addFolder(const std::string& folder, const Records& records) {
+void Listing::addFolder(const std::string& folder, const Paths& paths) {
     const std::string path = platform::joinPath(root_, folder);
     look_.beginStep();
     const FilePresence presence = filePresence(look_.files(), path);
@@ -69,11 +69,11 @@ void Listing::addFolder(const std::string& folder, const Records& records) {
     if (held == false) return; // what lies behind a link out of the archive isn't in it
     Names names;
     const bool wasListed = held && listNames(path, names);
-    for (const ArchivedEmailRecord* record : records) {
+    for (const SharedText* file : paths) {
         if (wasListed)
-            addFile(record->emlRelativePath, names);
+            addFile(*file, names);
         else
-            result.unknown.insert(record->emlRelativePath);
+            result.unknown.insert(*file);
     }
 }
 
@@ -147,14 +147,13 @@ bool isArchiveFileGone(platform::FileLayer& files, const std::string& path) {
            filePresence(files, platform::cloudPlaceholderPath(path)) == FilePresence::absent;
 }
 
-RootFiles listArchivedFiles(PlaceLook& look, const EmailArchiveIndex& index, const std::string& root) {
-    std::map<std::string_view, Records> folders;
-    for (const ArchivedEmailRecord& record : index.records) {
-        if (platform::isSafeRelativePath(record.emlRelativePath))
-            folders[platform::parentPath(record.emlRelativePath)].push_back(&record);
+RootFiles listArchivedFiles(PlaceLook& look, const std::vector<SharedText>& paths, const std::string& root) {
+    std::map<std::string_view, Paths> folders;
+    for (const SharedText& path : paths) {
+        if (platform::isSafeRelativePath(path)) folders[platform::parentPath(path)].push_back(&path);
     }
     Listing listing(look, root);
-    for (const auto& [folder, records] : folders) listing.addFolder(std::string(folder), records);
+    for (const auto& [folder, files] : folders) listing.addFolder(std::string(folder), files);
     return std::move(listing.result);
 }
 
@@ -163,7 +162,7 @@ bool hasFilesInCloud(const ArchivedFiles& files) {
 }
 
 bool allArchivedEmlGone(const RootFiles& files, const EmailArchiveIndex& index) {
-    return !index.records.empty() && files.there.empty() && files.inCloud.empty() && files.unknown.empty();
+    return !index.records.empty() && files.areAllGone();
 }
 
 bool archiveLocationContentMissing(platform::FileLayer& files, const std::vector<ArchivedEntry>& entries,

@@ -43,6 +43,8 @@ struct RootFiles {
 
     [[nodiscard]] ArchivedFilePresence presence(std::string_view relativePath) const;
 
+    [[nodiscard]] bool areAllGone() const { return there.empty() && inCloud.empty() && unknown.empty(); }
+
     friend bool operator==(const RootFiles&, const RootFiles&) = default;
 };
 
@@ -61,8 +63,8 @@ using SharedArchivedFiles = std::shared_ptr<const ArchivedFiles>;
 
 bool hasFilesInCloud(const ArchivedFiles& files);
 
-// Lists each folder that the index names once.
-RootFiles listArchivedFiles(PlaceLook& look, const EmailArchiveIndex& index, const std::string& root);
+// By their paths in records. Lists each folder that they name once.
+RootFiles listArchivedFiles(PlaceLook& look, const std::vector<SharedText>& paths, const std::string& root);
 
 // All files of an archive that has records are known to be gone.
 bool allArchivedEmlGone(const RootFiles& files, const EmailArchiveIndex& index);

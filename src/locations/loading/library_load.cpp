@@ -9,6 +9,7 @@
 
 #include "locations/archive_locations.h"
 #include "locations/loading/archive_discovery.h"
+#include "locations/loading/archive_looks.h"
 #include "locations/loading/archived_files.h"
 #include "locations/loading/same_archives.h"
 #include "locations/place_names.h"
@@ -18,17 +19,6 @@
 #include "search/mail_search_index.h"
 
 namespace corvane {
-
-namespace {
-
-// Absent when nobody can look.
-std::optional<SourceStamp> indexStamp(platform::FileLayer& files, const std::string& root) {
-    struct stat status{};
-    if (files.stat(platform::joinPath(root, archiveIndexFileName), status) != 0) return std::nullopt;
-    return SourceStamp::of(status);
-}
-
-} // namespace
 
 // What is found at one root while its place answers.
 struct LibraryLoad::RootLook {
@@ -81,18 +71,15 @@ void LibraryLoad::findAway(PlaceLooks& looks) {
     result_.away = rootsWithoutIndex(looks, input_.forgottenPresent);
 }
 
-// Entries of one archive stand together. Some that its index has may not be in the library, where they are
-// those of another archive.
+// Some that an index has may not be in the library, where they are those of another archive.
 void LibraryLoad::findKnown() {
     if (!input_.publishedLibrary) return;
     const SharedEntryList& entries = input_.publishedLibrary->entries;
-    for (std::size_t first = 0, end = 0; first < entries->size(); first = end) {
-        const SharedText& root = (*entries)[first].locationRootPath;
-        while (end < entries->size() && (*entries)[end].locationRootPath == root) ++end;
-        KnownIndex& index = known_[root.str()];
-        index.records = {entries, first, end - first};
+    for (const auto& [root, ofRoot] : entriesByRoot(*entries)) {
+        KnownIndex& index = known_[std::string(root)];
+        index.records = {entries, static_cast<std::size_t>(ofRoot.data() - entries->data()), ofRoot.size()};
         const auto state = input_.publishedIndexes.find(root);
-        if (state == input_.publishedIndexes.end() || state->second.count != end - first) continue;
+        if (state == input_.publishedIndexes.end() || state->second.count != ofRoot.size()) continue;
         index.stamp = state->second.stamp;
         index.createdAt = state->second.createdAt;
         index.updatedAt = state->second.updatedAt;
@@ -108,20 +95,18 @@ LibraryLoad::RootLook LibraryLoad::lookAtRoot(PlaceLook& look, const platform::P
     RootLook found;
     if (look.isGivenUp()) return found;
     found.connected = isLocationConnected(platform, root);
-    const auto before = indexStamp(look.files(), root);
+    const auto before = archiveIndexStamp(look.files(), root);
     found.index = cache.loadIndexWithCache(root, root, found.connected, [&look] { look.beginStep(); }, known);
-    if (found.connected && before && before == indexStamp(look.files(), root)) found.stamp = before;
+    if (found.connected && before && before == archiveIndexStamp(look.files(), root)) found.stamp = before;
     if (found.connected && !found.index) {
         const std::string path = platform::joinPath(root, archiveIndexFileName);
         found.isIndexUnreadable = filePresence(look.files(), path) != FilePresence::absent;
     }
     if (look.isGivenUp() || !found.hasRecords()) return found;
-    if (found.connected) {
-        if (isThere) cache.rememberDevice(root, static_cast<std::uint64_t>(status.st_dev));
-        found.files = std::make_shared<const RootFiles>(listArchivedFiles(look, *found.index, root));
-    } else if (cache.isRootGone(root)) {
-        found.files = std::make_shared<const RootFiles>();
-    }
+    if (found.connected && isThere) cache.rememberDevice(root, static_cast<std::uint64_t>(status.st_dev));
+    std::vector<SharedText> paths;
+    for (const ArchivedEmailRecord& record : found.index->records) paths.push_back(record.emlRelativePath);
+    found.files = archivedFilesAt(look, cache, root, paths, found.connected);
     if (look.isGivenUp()) return found;
     found.kind = locationKind(platform, root, found.connected && !found.isContentGone());
     found.seconds = watch.seconds();

@@ -26,16 +26,6 @@
 
 namespace corvane {
 
-// The index of each archive, as a load has read it: for the next one.
-struct IndexState {
-    SourceStamp stamp;
-    Date createdAt{};
-    Date updatedAt{};
-    std::size_t count = 0; // of its records
-};
-
-using IndexStates = std::map<std::string, IndexState, std::less<>>; // by root
-
 struct LibraryLoadInput {
     RootList candidates;
     std::set<std::string> forgotten;               // canonical

@@ -59,6 +59,17 @@ const ArchivedEntry* ArchivedLibrary::entryByBaseID(std::string_view baseID) con
     return found == positionByBaseID.end() ? nullptr : &(*entries)[found->second];
 }
 
+std::map<std::string_view, std::span<const ArchivedEntry>>
+entriesByRoot(const std::vector<ArchivedEntry>& entries) {
+    std::map<std::string_view, std::span<const ArchivedEntry>> ranges;
+    for (std::size_t first = 0, end = 0; first < entries.size(); first = end) {
+        const SharedText& root = entries[first].locationRootPath;
+        while (end < entries.size() && entries[end].locationRootPath == root) ++end;
+        ranges[root] = std::span(entries).subspan(first, end - first);
+    }
+    return ranges;
+}
+
 void countEntries(std::vector<ArchiveLocation>& locations, const ArchivedLibrary& library) {
     std::unordered_map<std::string_view, std::int64_t> counts;
     for (const ArchivedEntry& entry : *library.entries) ++counts[entry.locationRootPath];

@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -52,6 +53,10 @@ struct ArchivedLibrary {
 };
 
 using SharedLibrary = std::shared_ptr<const ArchivedLibrary>;
+
+// Where the entries of each archive stand, by root. Those of one archive stand together.
+std::map<std::string_view, std::span<const ArchivedEntry>>
+entriesByRoot(const std::vector<ArchivedEntry>& entries);
 
 // Sets each location's count to the entries that it has in the library.
 void countEntries(std::vector<ArchiveLocation>& locations, const ArchivedLibrary& library);

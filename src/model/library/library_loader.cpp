@@ -22,33 +22,16 @@ using namespace std::chrono_literals;
 
 constexpr auto recently = 2.0s;
 
-struct ConnectionJob {
+struct LookJob {
     const platform::Platform& platform;
-    platform::FileLayer& files;
-    std::vector<ArchiveLocation> locations;
+    CorvaneAppSupport support;
+    ArchiveLooksInput input;
 };
 
 struct ForgetJob {
     ArchiveIndexCache cache;
     std::string root;
 };
-
-// Absent when cancelled. A place that doesn't answer isn't connected.
-std::optional<std::map<std::string, bool>> testConnections(const ConnectionJob& job, const TaskHandle& task) {
-    std::vector<std::string> roots;
-    for (const ArchiveLocation& location : job.locations) roots.push_back(location.rootPath);
-    PlaceLooks looks(job.platform, job.files, task.stopToken());
-    const auto answers =
-        looks.askAll<bool>(roots, [&platform = job.platform](PlaceLook& look, const std::string& root) {
-            struct stat status{};
-            look.files().stat(root, status);
-            return !look.isGivenUp() && isLocationConnected(platform, root);
-        });
-    if (task.isCancelled()) return std::nullopt;
-    std::map<std::string, bool> states;
-    for (std::size_t i = 0; i < roots.size(); ++i) states[roots[i]] = answers[i].value_or(false);
-    return states;
-}
 
 } // namespace
 
@@ -58,7 +41,7 @@ LibraryLoader::LibraryLoader(ModelContext& context, QObject* parent, Clock clock
   , clock_(std::move(clock))
   , snapshotWriter_(context)
   , archiveIndexLoadTask_(context.tasks)
-  , connectionTask_(context.tasks)
+  , lookTask_(context.tasks)
   , pruneTask_(context.tasks)
   , forgetTask_(context.tasks) {}
 
@@ -134,7 +117,7 @@ void LibraryLoader::applyLoadedArchiveIndex(LibraryLoadResult result, double sec
     context_.startupLog.mark(fmt::format("live index load finish entries={} locations={} unindexed=deferred",
                                          library_->entries->size(), locations_.size()));
     context_.performanceLog.mark(fmt::format("[Perf] loadEmailArchiveIndex {:.3f}s", seconds));
-    if (std::exchange(testConnectionsAfterLoad_, false)) refreshArchiveLocationConnectionStates();
+    if (std::exchange(looksAfterLoad_, false)) refreshArchiveLocationConnectionStates();
     Q_EMIT loadFinished();
 }
 
@@ -226,39 +209,48 @@ void LibraryLoader::dropLocation(const std::string& root) {
 }
 
 void LibraryLoader::refreshArchiveLocationConnectionStates() {
-    // The running load may have tested before what this test is about.
-    testConnectionsAfterLoad_ = isLoading();
+    // The running load may have looked before what this look is about.
+    looksAfterLoad_ = isLoading();
     if (locations_.empty()) return;
-    connectionTask_.start(
-        TaskPriority::utility, ConnectionJob{context_.platform, context_.support.files(), locations_},
-        &testConnections, [this](const ConnectionStates& states) { applyConnectionStates(states); });
+    ArchiveLooksInput input{.roots = {}, .entries = library_->entries, .indexes = indexes_, .files = nullptr};
+    for (const ArchiveLocation& location : locations_) input.roots.push_back(location.rootPath);
+    if (lastArchiveIndexLoadFinishedAt_) input.files = files_;
+    lookTask_.start(
+        TaskPriority::utility, LookJob{context_.platform, context_.support, std::move(input)},
+        [](const LookJob& job, const TaskHandle& task) {
+            return lookAtArchives(job.platform, job.support, job.input, task.stopToken());
+        },
+        [this](ArchiveLooks looks) { applyLooks(std::move(looks)); });
 }
 
-// What was seen on a disk that has been pulled since says nothing about now.
-void LibraryLoader::dropFilesOfDisconnected() {
-    auto files = std::make_shared<ArchivedFiles>(*files_);
-    for (const ArchiveLocation& location : locations_) {
-        if (!location.isConnected) files->byRoot.erase(location.rootPath);
+void LibraryLoader::applyLooks(ArchiveLooks looks) {
+    const bool areConnectionsOther = applyConnections(looks.connected);
+    // A load that came in between has seen the files of its entries.
+    const bool areFilesOther = looks.files && looks.entries == library_->entries && looks.files != files_;
+    if (areFilesOther) {
+        files_.swap(looks.files);
+        context_.tasks.discard(std::move(looks.files));
+        Q_EMIT archivedFilesChanged();
     }
-    if (files->byRoot.size() == files_->byRoot.size()) return;
-    files_ = std::move(files);
-    Q_EMIT archivedFilesChanged();
+    if (areConnectionsOther) Q_EMIT archiveLocationsChanged();
+    Q_EMIT looksEnded();
+    if (looks.areIndexesOther) Q_EMIT loadWanted();
 }
 
-void LibraryLoader::applyConnectionStates(const ConnectionStates& states) {
-    bool changed = false;
+// Whether that changes anything.
+bool LibraryLoader::applyConnections(const std::map<std::string, bool>& connected) {
+    bool hasChanged = false;
     for (ArchiveLocation& location : locations_) {
-        const auto found = states.find(location.rootPath);
-        if (found == states.end() || found->second == location.isConnected) continue;
+        const auto found = connected.find(location.rootPath);
+        if (found == connected.end() || found->second == location.isConnected) continue;
         location.isConnected = found->second;
-        changed = true;
+        hasChanged = true;
     }
-    if (!changed) return;
-    dropFilesOfDisconnected();
-    Q_EMIT archiveLocationsChanged();
+    if (!hasChanged) return false;
     snapshotWriter_.save({library_, locations_});
     context_.startupLog.mark(
         fmt::format("archive location connection states refreshed locations={}", locations_.size()));
+    return true;
 }
 
 } // namespace corvane

@@ -18,6 +18,7 @@
 
 #include <QObject>
 
+#include "locations/loading/archive_looks.h"
 #include "locations/loading/library_load.h"
 #include "locations/loading/loaded_archives.h"
 #include "model/library/library_snapshot_writer.h"
@@ -57,8 +58,8 @@ class LibraryLoader : public QObject {
     // Of the archives of the last live load; never null, and empty before it.
     [[nodiscard]] const SharedSearchIndexes& locationSearchIndexes() const { return searchIndexes_; }
 
-    // Which archived files are there, as the last live load found them; never null, and empty before it. An
-    // archive that has been disconnected since isn't in it.
+    // Which archived files are there, as the last live load or look found them; never null, and empty before
+    // the first load. An archive that nobody could look at isn't in it.
     [[nodiscard]] const SharedArchivedFiles& archivedFiles() const { return files_; }
 
     // Of archives that aren't in the library, since the last live load couldn't read their index.
@@ -79,8 +80,12 @@ class LibraryLoader : public QObject {
     // Shows a location no longer, and removes the copy of its index. Its mail goes with the next load.
     void dropLocation(const std::string& root);
 
-    // Tests again which locations are connected.
+    // Looks again which locations are connected and, once a live load has been published, which of their
+    // files are there. `looksEnded` follows where there are locations; after a live load that is under way,
+    // once more.
     void refreshArchiveLocationConnectionStates();
+
+    [[nodiscard]] bool isLooking() const { return lookTask_.isRunning(); }
 
   Q_SIGNALS:
     void archivedEntriesChanged();
@@ -90,10 +95,12 @@ class LibraryLoader : public QObject {
     void loadStarted();
     // A live load has been published.
     void loadFinished();
+    // What a look has found is published.
+    void looksEnded();
+    // The index of an archive isn't the one that was read.
+    void loadWanted();
 
   private:
-    using ConnectionStates = std::map<std::string, bool>; // by root
-
     [[nodiscard]] bool isLoadNeedless(const std::vector<std::string>& roots) const;
     void startLoad(LibraryLoadInput input);
     void applyLoadedArchiveIndex(LibraryLoadResult result, double seconds);
@@ -102,8 +109,8 @@ class LibraryLoader : public QObject {
     void publish(SharedLibrary library, std::vector<ArchiveLocation> locations,
                  SharedSearchIndexes searchIndexes, SharedArchivedFiles files);
     void pruneSearchIndexes();
-    void dropFilesOfDisconnected();
-    void applyConnectionStates(const ConnectionStates& states);
+    void applyLooks(ArchiveLooks looks);
+    bool applyConnections(const std::map<std::string, bool>& connected);
 
     ModelContext& context_;
     Clock clock_;
@@ -114,13 +121,13 @@ class LibraryLoader : public QObject {
     std::vector<std::string> unreadableRoots_;
     IndexStates indexes_; // of which the library's entries are
     std::optional<DestinationIndex> destination_;
-    bool testConnectionsAfterLoad_ = false;
+    bool looksAfterLoad_ = false;
     std::vector<std::string> loadingRoots_; // what the last load to be started was asked for
     std::vector<std::string> lastLoadedRoots_;
     std::optional<std::chrono::steady_clock::time_point> lastArchiveIndexLoadFinishedAt_;
     LibrarySnapshotWriter snapshotWriter_;
     TaskSlot archiveIndexLoadTask_;
-    TaskSlot connectionTask_;
+    TaskSlot lookTask_;
     TaskSlot pruneTask_;
     TaskGroup forgetTask_;
 };
