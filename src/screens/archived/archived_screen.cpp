@@ -28,6 +28,8 @@ void ArchivedScreen::wire() {
     updates(&model_.mail().scanFlow, &ScanFlow::stateChanged);
     updates(&model_.mail().catalog, &MessageCatalog::availabilityPublished);
     updates(&model_.library().loader, &LibraryLoader::loadFinished);
+    updates(&model_.library().loader, &LibraryLoader::archivedFilesChanged);
+    updates(&model_.library().loader, &LibraryLoader::looksEnded);
     updates(&model_.mail().diskAccess, &FullDiskAccess::needsFullDiskAccessChanged);
     updates(&model_.archiving().proof, &ProofFlow::proofEnded);
     connect(&model_.library().loader, &LibraryLoader::archivedEntriesChanged, this,
@@ -83,7 +85,7 @@ OriginalKnowledge ArchivedScreen::knowledge() const {
     if (presence.state() == OriginalPresence::State::unchecked) return unchecked;
     if (model_.mail().scanFlow.state().isScanning()) return scanning;
     if (overview->inputs.indexHasFailed) return unavailable;
-    if (overview->inputs.isReady) return known;
+    if (overview->inputs.isReady) return model_.library().overview.isCurrent() ? known : waiting;
     const CatalogState& mail = *model_.mail().catalog.state();
     if (mail.isPartial()) return partial;
     return mail.set->messages->empty() && !model_.mail().scanFlow.isLastScanAwaited() ? noMail : waiting;

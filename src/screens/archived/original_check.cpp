@@ -1,8 +1,18 @@
 #include "screens/archived/original_check.h"
 
+#include <utility>
+
 #include "screens/archived/figures/overview_figures.h"
 
 namespace corvane {
+
+OriginalCheck::OriginalCheck(CorvaneViewModel& model, QObject* parent)
+  : QObject(parent)
+  , model_(model) {
+    connect(&model.library().loader, &LibraryLoader::looksEnded, this, [this] {
+        if (std::exchange(looksAtArchives_, false)) Q_EMIT changed();
+    });
+}
 
 QString OriginalCheck::doneText() const {
     return isRunning() ? QString() : screens::checkedText(model_.library().presence.presence()->checkedAt);
@@ -19,7 +29,10 @@ bool OriginalCheck::canRun() const {
 }
 
 void OriginalCheck::run() {
-    if (canRun()) model_.library().presence.refreshArchivedOriginalPresenceIfNeeded(true);
+    if (!canRun()) return;
+    model_.lookAtArchives();
+    looksAtArchives_ = model_.library().loader.isLooking();
+    model_.library().presence.refreshArchivedOriginalPresenceIfNeeded(true);
 }
 
 } // namespace corvane

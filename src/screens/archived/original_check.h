@@ -1,5 +1,5 @@
-// The look for the originals in Mail, as the overview shows and starts it. Main thread; the figures are the
-// model's.
+// The look for the originals in Mail and for their archived copies, as the overview shows and starts it. Main
+// thread; the figures are the model's.
 #pragma once
 
 #include <QObject>
@@ -20,15 +20,13 @@ class OriginalCheck : public QObject {
 
   public:
     // `model` must outlive it.
-    explicit OriginalCheck(CorvaneViewModel& model, QObject* parent = nullptr)
-      : QObject(parent)
-      , model_(model) {}
+    explicit OriginalCheck(CorvaneViewModel& model, QObject* parent = nullptr);
 
     // When the last one was; empty while one runs.
     [[nodiscard]] QString doneText() const;
 
     [[nodiscard]] bool isRunning() const {
-        return model_.library().presence.archivedOriginalPresenceChecking();
+        return looksAtArchives_ || model_.library().presence.archivedOriginalPresenceChecking();
     }
 
     // What is known comes from an earlier run of the program, or couldn't be asked anew.
@@ -37,7 +35,7 @@ class OriginalCheck : public QObject {
     // There is an overview of archived mail, and no check runs.
     [[nodiscard]] bool canRun() const;
 
-    // Asks Mail which originals are there. No effect while it is being asked.
+    // Asks Mail which originals are there, and looks at the archives anew. No effect while it does.
     Q_INVOKABLE void run();
 
   Q_SIGNALS:
@@ -45,6 +43,7 @@ class OriginalCheck : public QObject {
 
   private:
     CorvaneViewModel& model_;
+    bool looksAtArchives_ = false;
 };
 
 } // namespace corvane

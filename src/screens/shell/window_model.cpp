@@ -90,11 +90,11 @@ WindowModel::WindowModel(CorvaneViewModel& model, std::chrono::milliseconds figu
     // Not every system tells of a folder that was renamed or taken away; somebody who comes back may have
     // done so, or have verified an archive by the command line.
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
-        if (state != Qt::ApplicationActive || !startedUp_) return;
-        model_.library().loader.refreshArchiveLocationConnectionStates();
-        model_.archiving().destinations.refreshFacts();
-        model_.archiving().readings.load();
+        if (state == Qt::ApplicationActive && startedUp_) model_.lookAtArchives();
     });
+    // Who wants Mail's side anew wants a true answer to what may be deleted; a long proof is old at its end.
+    connect(&model.mail().scanFlow, &ScanFlow::scanStarted, &model, &CorvaneViewModel::lookAtArchives);
+    connect(&model.archiving().proof, &ProofFlow::proofEnded, &model, &CorvaneViewModel::lookAtArchives);
     showFigures();
     sidebar_.publish();
 }

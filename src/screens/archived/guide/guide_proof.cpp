@@ -1,5 +1,7 @@
 #include "screens/archived/guide/guide_proof.h"
 
+#include <utility>
+
 #include "records/texts/formatters.h"
 #include "screens/texts/proof_figures.h"
 #include "screens/texts/shown_figures.h"
@@ -9,6 +11,12 @@ namespace corvane {
 
 using screens::wholeText;
 
+GuideProof::GuideProof(CorvaneViewModel& model, QObject* parent)
+  : QObject(parent)
+  , model_(model) {
+    connect(&model.library().loader, &LibraryLoader::looksEnded, this, &GuideProof::compare);
+}
+
 void GuideProof::show(OriginalKnowledge knowledge, std::optional<std::int64_t> freeable) {
     knowledge_ = knowledge;
     freeable_ = freeable;
@@ -17,13 +25,20 @@ void GuideProof::show(OriginalKnowledge knowledge, std::optional<std::int64_t> f
 
 bool GuideProof::isComparing() const {
     using enum OriginalKnowledge;
-    return isRunning() || model_.mail().counts.isReading() ||
+    return looksAtArchives_ || isRunning() || model_.mail().counts.isReading() ||
            model_.library().presence.archivedOriginalPresenceChecking() || knowledge_ == checking ||
            knowledge_ == waiting || knowledge_ == scanning;
 }
 
 void GuideProof::start() {
-    if (!scope_.accountPrefixes.empty() && !scope_.years.empty()) model_.archiving().proof.prove(scope_);
+    if (scope_.accountPrefixes.empty() || scope_.years.empty()) return;
+    looksAtArchives_ = true;
+    model_.lookAtArchives();
+    if (!model_.library().loader.isLooking()) compare();
+}
+
+void GuideProof::compare() {
+    if (std::exchange(looksAtArchives_, false)) model_.archiving().proof.prove(scope_);
 }
 
 double GuideProof::fraction() const {

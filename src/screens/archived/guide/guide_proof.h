@@ -1,4 +1,5 @@
-// The first step of the guide: the originals that are to be deleted, compared with their archived copies.
+// The first step of the guide: the archived copies looked at, and the originals that are to be deleted
+// compared with them.
 // What it says rests on what the guide found last. Main thread.
 #pragma once
 
@@ -27,9 +28,7 @@ class GuideProof : public QObject {
 
   public:
     // `model` must outlive it.
-    explicit GuideProof(CorvaneViewModel& model, QObject* parent = nullptr)
-      : QObject(parent)
-      , model_(model) {}
+    explicit GuideProof(CorvaneViewModel& model, QObject* parent = nullptr);
 
     // What `start` compares.
     void setScope(ProofScope scope) { scope_ = std::move(scope); }
@@ -53,7 +52,7 @@ class GuideProof : public QObject {
     // "12 / 340"; empty while none runs.
     [[nodiscard]] QString count() const;
 
-    // No effect for an empty scope.
+    // Looks at the archives, then compares. No effect for an empty scope.
     Q_INVOKABLE void start();
 
     Q_INVOKABLE void cancel() { model_.archiving().proof.cancel(); }
@@ -62,7 +61,10 @@ class GuideProof : public QObject {
     void changed();
 
   private:
+    void compare();
+
     CorvaneViewModel& model_;
+    bool looksAtArchives_ = false;
     ProofScope scope_;
     OriginalKnowledge knowledge_ = OriginalKnowledge::loading;
     std::optional<std::int64_t> freeable_;
