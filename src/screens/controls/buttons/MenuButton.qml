@@ -20,7 +20,7 @@ T.ComboBox {
     leftPadding: symbol.length > 0 ? 28 : 10
     rightPadding: 28
     hoverEnabled: true
-    focusPolicy: Qt.TabFocus
+    focusPolicy: Qt.StrongFocus
     Accessible.name: name.length > 0 ? name + "：" + displayText : displayText
 
     TextMetrics {
