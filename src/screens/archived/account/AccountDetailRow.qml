@@ -88,7 +88,7 @@ ListRow {
             required property int index
             readonly property var figure: index === 0 ? row.present : index === 1 ? row.removed : row.freeable
             x: row.width - (index === 0 ? 232 : index === 1 ? 128 : 16) - width
-            anchors.verticalCenter: parent.verticalCenter
+            y: (row.height - height) / 2
             text: figure ?? ""
             font.weight: index === 2 && row.isYear && text !== "—" ? Theme.strong : Theme.regular
             color: text === "—" ? Theme.text3 : index === 1 ? Theme.text2 : Theme.text1

@@ -80,6 +80,7 @@ ColumnLayout {
                     Accessible.ignored: true
                 }
                 AppText {
+                    Layout.minimumWidth: implicitWidth
                     text: entry.modelData.text
                     role: pane.tight ? AppText.Note : AppText.Body
                     color: Theme.text2
@@ -88,6 +89,7 @@ ColumnLayout {
                 }
                 AppText {
                     Layout.preferredWidth: pane.tight ? 60 : 76
+                    Layout.minimumWidth: Math.min(implicitWidth, Layout.preferredWidth)
                     text: entry.modelData.size
                     font.weight: Theme.strong
                     horizontalAlignment: Text.AlignRight

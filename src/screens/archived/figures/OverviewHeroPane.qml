@@ -39,6 +39,7 @@ ColumnLayout {
 
         AppText {
             objectName: "heroFigure"
+            Layout.minimumWidth: implicitWidth
             text: pane.hero.figure
             role: AppText.Hero
         }
