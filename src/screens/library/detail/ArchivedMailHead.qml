@@ -75,7 +75,7 @@ Column {
                 }
                 AppText {
                     id: placeLabel
-                    width: Math.min(implicitWidth, 160)
+                    width: Math.min(implicitWidth, 160, head.width / 4)
                     text: head.mail.placeName
                     color: Theme.text2
                 }
