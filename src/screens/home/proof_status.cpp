@@ -55,7 +55,7 @@ QVariantList itemsOf(const DeletionSafety& safety, const AwayProofs& away) {
             away.count);
     addItem(items, "search", "", QStringLiteral("还没核对 %1 封"), safety.notLookedAt());
     addItem(items, "octagon-x", "danger", QStringLiteral("与归档不一致 %1 封，已列入未归档"), proofs.differs);
-    addItem(items, "octagon-x", "danger", QStringLiteral("归档文件不见了 %1 封"), proofs.fileMissing);
+    addItem(items, "octagon-x", "danger", QStringLiteral("归档文件不见了或有改动 %1 封"), proofs.fileMissing);
     addItem(items, "octagon-x", "danger", QStringLiteral("读不出来 %1 封"), proofs.unreadable);
     addItem(items, "triangle-alert", "attention", QStringLiteral("原件不完整 %1 封"), proofs.incomplete);
     addItem(items, "minus", "", QStringLiteral("先放一边 %1 封"), safety.setAside);
