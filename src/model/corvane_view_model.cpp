@@ -330,6 +330,8 @@ void CorvaneViewModel::loadArchiveIndex(bool force) {
 
 void CorvaneViewModel::lookAtArchives() {
     library_.loader.refreshArchiveLocationConnectionStates();
+    // Of an archive that the library doesn't list no look tells that it can be read again.
+    if (!library_.loader.unreadableRoots().empty()) loadArchiveIndex(false);
     archiving_.destinations.refreshFacts();
     archiving_.readings.load();
 }

@@ -16,20 +16,29 @@ PICTURES = pathlib.Path(os.environ.get("CORVANE_PICTURES", str(ROOT / "build/pic
 
 class WindowCase(unittest.TestCase):
     messages = 400
+    options = ()  # of the maker of samples
 
     @classmethod
     def setUpClass(cls):
         cls.display = cls.enterClassContext(Display(1240, 840))
         cls.home = pathlib.Path(cls.enterClassContext(tempfile.TemporaryDirectory())) / "home"
         subprocess.run([sys.executable, "-B", str(ROOT / "tools/make_sample_store.py"), "--quiet", "--messages",
-                        str(cls.messages), str(cls.home)], check=True)
+                        str(cls.messages), *cls.options, str(cls.home)], check=True)
         cls.cloud = cls.home / "Library/CloudStorage/Nutstore-lin@mail.example"
         cls.cloud.mkdir(parents=True)
         cls.root = cls.cloud / "邮件归档"
 
     @classmethod
+    def run_cli(cls, *arguments, expect=0):
+        """Exit status must be `expect`; gives the JSON document."""
+        done = subprocess.run([CLI, "--home", str(cls.home), "--json", *map(str, arguments)], capture_output=True)
+        if done.returncode != expect:
+            raise RuntimeError(f"{arguments}: {done.returncode} {done.stderr.decode()}")
+        return json.loads(done.stdout) if done.stdout else None
+
+    @classmethod
     def refresh(cls):
-        subprocess.run([CLI, "--home", str(cls.home), "refresh"], check=True, capture_output=True)
+        cls.run_cli("refresh")
 
     def assert_quiet_end(self, window):
         """The program ends well when it is asked to, and none of its QML complained."""
@@ -45,9 +54,7 @@ class WindowCase(unittest.TestCase):
 
     def assert_verified(self, count):
         """The archive holds that many messages, as recorded, and nothing besides."""
-        done = subprocess.run([CLI, "--home", str(self.home), "--json", "verify", str(self.root)],
-                              capture_output=True, text=True)
-        found = json.loads(done.stdout)
+        found = self.run_cli("verify", self.root)
         self.assertEqual(found["checked"], count)
         for trouble in ("missing", "sizeMismatch", "unindexed", "identityMismatch", "duplicatePaths"):
             self.assertEqual(found[trouble], [], trouble)
