@@ -24,7 +24,7 @@ struct RowRun {
 };
 
 struct RowChanges {
-    // There are no runs: the list is to be shown anew (RowChangeRules).
+    // There are no runs: all rows that stay show others (RowChangeRules).
     bool isReset = false;
     std::vector<RowRun> removed;  // rows of the earlier list, in order
     std::vector<RowRun> inserted; // rows of the next list, in order

@@ -29,10 +29,7 @@ void RowListModel::applyChanges(const RowChanges& changes, int nextCount,
     Q_EMIT aboutToChange();
     newRows_ = changes.newRows;
     if (changes.isReset) {
-        beginResetModel();
-        replace();
-        count_ = nextCount;
-        endResetModel();
+        replaceAllRows(nextCount, replace);
     } else {
         removeRuns(changes.removed);
         replace();
@@ -46,6 +43,18 @@ void RowListModel::applyChanges(const RowChanges& changes, int nextCount,
     Q_EMIT changed();
     newRows_ = {};
     if (earlierCount != count_) Q_EMIT countChanged();
+}
+
+// A view makes all its items anew for a reset. Items that stay and show other rows cost it a tenth of that.
+void RowListModel::replaceAllRows(int nextCount, const std::function<void()>& replace) {
+    const int staying = std::min(count_, nextCount);
+    if (staying < count_) removeRuns({{staying, count_ - staying}});
+    replace();
+    if (staying < nextCount)
+        insertRuns({{staying, nextCount - staying}}, nextCount);
+    else
+        insertRuns({}, nextCount);
+    notifyRows(0, staying - 1);
 }
 
 // From the end on, so that the rows named still stand where they are named.

@@ -63,6 +63,7 @@ class RowListModel : public QAbstractListModel {
     [[nodiscard]] virtual QList<int> rolesOfChange() const { return {}; }
 
   private:
+    void replaceAllRows(int nextCount, const std::function<void()>& replace);
     void removeRuns(const std::vector<RowRun>& runs);
     void insertRuns(const std::vector<RowRun>& runs, int nextCount);
 

@@ -24,11 +24,6 @@ class Mirror {
         QObject::connect(&model, &QAbstractItemModel::rowsRemoved, [this](const auto&, int first, int last) {
             subjects_.remove(first, last - first + 1);
         });
-        QObject::connect(&model, &QAbstractItemModel::modelReset, [this] {
-            ++resets;
-            subjects_.clear();
-            for (int row = 0; row < model_.rowCount(); ++row) subjects_ += subjectAt(row);
-        });
         QObject::connect(&model, &QAbstractItemModel::dataChanged,
                          [this](const auto& first, const auto& last) {
                              for (int row = first.row(); row <= last.row(); ++row)
@@ -37,8 +32,6 @@ class Mirror {
     }
 
     [[nodiscard]] const QStringList& subjects() const { return subjects_; }
-
-    int resets = 0;
 
   private:
     [[nodiscard]] QString subjectAt(int row) const {
@@ -124,8 +117,6 @@ TEST(MessageList, AViewThatHearsOnlyTheSignalsHoldsTheSameRows) {
         become(model, messagesOf(letters), {.mostRuns = 8, .resetsOnNewOrder = round % 20 == 0});
         ASSERT_EQ(mirror.subjects(), subjectsOf(*model.records())) << letters;
     }
-    EXPECT_GT(mirror.resets, 0);
-    EXPECT_LT(mirror.resets, 300);
 }
 
 TEST(MessageList, SelectionAndCurrentRowFollowTheirMessages) {

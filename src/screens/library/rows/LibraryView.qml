@@ -24,7 +24,7 @@ SelectableList {
         itemLookedAt = itemAtIndex(anchorRow);
         anchorOffset = itemLookedAt ? contentY - itemLookedAt.y : 0;
     }
-    // Rows that have gone leave the place to the next one that is still there.
+    // Rows that have gone leave the place to the next one that is still there; another list begins at its top.
     function restorePlace() {
         forceLayout();
         for (let row = anchorRow; row >= 0 && row < anchorRow + 50; ++row) {
@@ -34,9 +34,10 @@ SelectableList {
             positionViewAtIndex(next, ListView.Beginning);
             if (row === anchorRow)
                 contentY += anchorOffset;
-            break;
+            returnToBounds();
+            return;
         }
-        returnToBounds();
+        positionViewAtBeginning();
     }
     function requestMenu() {
         showCurrent();

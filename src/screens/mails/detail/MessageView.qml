@@ -25,7 +25,7 @@ SelectableList {
         anchorRow = firstRow();
         anchorOffset = contentY - originY - anchorRow * Theme.rowFull;
     }
-    // Rows that have gone leave the place to the next one that is still there.
+    // Rows that have gone leave the place to the next one that is still there; another list begins at its top.
     function restorePlace() {
         forceLayout();
         for (let row = anchorRow; row >= 0 && row < anchorRow + 50; ++row) {
@@ -33,9 +33,10 @@ SelectableList {
             if (next < 0)
                 continue;
             contentY = originY + next * Theme.rowFull + (row === anchorRow ? anchorOffset : 0);
-            break;
+            returnToBounds();
+            return;
         }
-        returnToBounds();
+        positionViewAtBeginning();
     }
     // Rows in view show how their messages begin.
     function lookAtRows() {
