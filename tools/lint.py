@@ -72,7 +72,9 @@ def main():
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("sources", nargs="*")
     options = parser.parse_args()
-    sources = options.sources or output_of(["git", "ls-files", "src/*.cpp"]).split()
+    built = {str(Path(file).resolve()) for file in compile_commands()}
+    sources = options.sources or [source for source in output_of(["git", "ls-files", "src/*.cpp"]).split()
+                                  if str(Path(source).resolve()) in built]  # without those of other systems
 
     known = set(CLEAN.read_text().split()) if CLEAN.exists() else set()
     changed = {source: key for source, key in keys(sources) if key not in known}
