@@ -125,7 +125,7 @@ ArchiveIndexReading ArchiveDestination::readIndex() {
                 readArchiveIndexFile(folder, std::string(archiveIndexFileName), [&] { limit.restart(); });
         });
     if (hasEnded) return std::move(*reading);
-    return {.state = State::couldNotLook, .index = {}, .version = {}, .error = ETIMEDOUT};
+    return {.state = State::couldNotLook, .index = {}, .stamp = {}, .error = ETIMEDOUT};
 }
 
 ArchiveIndexReading ArchiveDestination::broughtIndex(const std::function<bool(const std::string&)>& bring) {
@@ -144,7 +144,7 @@ LoadedIndex ArchiveDestination::loadIndex(Date now, const std::function<bool(con
     if (reading.state == State::couldNotLook) {
         throw ArchiveAccessError(indexNotRead, indexPath_, fileErrorReason(reading.isInCloud, reading.error));
     }
-    loadedVersion_ = reading.version;
+    loadedStamp_ = reading.stamp;
     if (reading.state == State::usable) return {.index = std::move(reading.index), .damagedKeptAs = {}};
     LoadedIndex loaded{.index = {.createdAt = now, .updatedAt = now, .records = {}}, .damagedKeptAs = {}};
     if (reading.state == State::damaged) loaded.damagedKeptAs = keepDamagedIndex(now);
@@ -153,7 +153,7 @@ LoadedIndex ArchiveDestination::loadIndex(Date now, const std::function<bool(con
 
 EmailArchiveIndex ArchiveDestination::existingIndex() {
     ArchiveIndexReading reading = readIndex();
-    loadedVersion_ = reading.version;
+    loadedStamp_ = reading.stamp;
     switch (reading.state) {
     case State::couldNotLook:
         throw ArchiveAccessError(indexNotRead, indexPath_, fileErrorReason(reading.isInCloud, reading.error));
@@ -174,7 +174,7 @@ std::string ArchiveDestination::keepDamagedIndex(Date now) {
     const bool hasEnded = runLimited(limit_, [keeping](FileLayer& files, JobLimit&) { keeping->run(files); });
     const int error = hasEnded ? keeping->error : ETIMEDOUT;
     if (error != 0) throw ArchiveAccessError("归档索引已损坏，且无法另存", indexPath_, error);
-    loadedVersion_.reset();
+    loadedStamp_.reset();
     return keeping->name;
 }
 
@@ -229,7 +229,7 @@ bool ArchiveDestination::replaceIndex(const EmailArchiveIndex& index,
                                       const std::function<void(const std::string&)>& markHidden,
                                       BeforeReplacing before) {
     const auto replacing = std::make_shared<IndexReplacing>(folders(), indexPath_, encodeArchiveIndex(index),
-                                                            loadedVersion_, markHidden, std::move(before));
+                                                            loadedStamp_, markHidden, std::move(before));
     const std::size_t bytes = replacing->content.size();
     const bool hasEnded = runLimited(
         limitForSize(limit_, bytes),
@@ -252,7 +252,7 @@ void ArchiveDestination::mergeChangedIndex(EmailArchiveIndex& index) {
         throw ArchiveAccessError(indexNotSaved, indexPath_, "它刚被别的程序改动，内容已损坏");
     }
     consoleLine(fmt::format("[archive] {}: 归档过程中被别的程序改动，合并两边的记录", indexPath_));
-    loadedVersion_ = reading.version;
+    loadedStamp_ = reading.stamp;
     if (reading.state == State::usable) index = mergedIndexes(index, std::move(reading.index));
 }
 

@@ -119,7 +119,7 @@ class ArchiveDestination {
     // A second descriptor of the locked root, for the jobs: one that hangs keeps it, but not the lock.
     std::shared_ptr<const platform::LayerDescriptor> opened_;
     std::shared_ptr<ArchiveFolders> folders_; // of the jobs, given up with one that hung
-    std::optional<ArchiveIndexVersion> loadedVersion_;
+    std::optional<ArchiveIndexStamp> loadedStamp_;
     std::set<WrittenFolder> touchedFolders_;
     std::set<std::string> foldersAbove_; // in which something was made on the way to the root
 };

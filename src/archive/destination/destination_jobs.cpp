@@ -49,8 +49,7 @@ std::string movedAside(FileLayer& folder, const std::string& stamp) {
 // Looks at the index again right before it is replaced.
 class IndexGuard final : public platform::ForwardingFileLayer {
   public:
-    IndexGuard(FileLayer& folder, const std::optional<ArchiveIndexVersion>& loaded,
-               std::function<int()> before)
+    IndexGuard(FileLayer& folder, const std::optional<ArchiveIndexStamp>& loaded, std::function<int()> before)
       : ForwardingFileLayer(folder)
       , loaded_(loaded)
       , before_(std::move(before)) {}
@@ -70,9 +69,9 @@ class IndexGuard final : public platform::ForwardingFileLayer {
     // False, with errno, when it isn't, or nobody could look.
     bool isLoaded(const std::string& path) {
         struct stat status{};
-        std::optional<ArchiveIndexVersion> present;
+        std::optional<ArchiveIndexStamp> present;
         if (stat(path, status) == 0) {
-            present = ArchiveIndexVersion::of(status);
+            present = ArchiveIndexStamp::of(status);
         } else if (errno != ENOENT) {
             return false;
         }
@@ -81,7 +80,7 @@ class IndexGuard final : public platform::ForwardingFileLayer {
         return !hasChanged_;
     }
 
-    const std::optional<ArchiveIndexVersion>& loaded_;
+    const std::optional<ArchiveIndexStamp>& loaded_;
     std::function<int()> before_;
     bool hasChanged_ = false;
 };

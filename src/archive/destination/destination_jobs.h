@@ -86,7 +86,7 @@ struct IndexReplacing {
     std::shared_ptr<ArchiveFolders> folders;
     std::string indexPath;
     std::string content;
-    std::optional<ArchiveIndexVersion> loaded; // absent: there was none
+    std::optional<ArchiveIndexStamp> loaded; // absent: there was none
     std::function<void(const std::string&)> markHidden;
     BeforeReplacing before{};
     int error = 0;

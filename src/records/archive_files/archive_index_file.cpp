@@ -17,7 +17,7 @@ namespace {
 using State = ArchiveIndexReading::State;
 
 ArchiveIndexReading failedLook(int error) {
-    return {.state = State::couldNotLook, .index = {}, .version = {}, .error = error};
+    return {.state = State::couldNotLook, .index = {}, .stamp = {}, .error = error};
 }
 
 // There is no file of the index's name; one of a cloud provider may stand for it.
@@ -29,12 +29,12 @@ ArchiveIndexReading readingWithoutFile(platform::FileLayer& files, const std::st
         return inCloud;
     }
     if (!platform::saysAbsent(errno)) return failedLook(errno);
-    return {.state = State::absent, .index = {}, .version = {}};
+    return {.state = State::absent, .index = {}, .stamp = {}};
 }
 
 } // namespace
 
-ArchiveIndexVersion ArchiveIndexVersion::of(const struct stat& status) {
+ArchiveIndexStamp ArchiveIndexStamp::of(const struct stat& status) {
     return {.file = platform::FileIdentity::of(status), .stamp = stampOf(status)};
 }
 
@@ -52,8 +52,8 @@ ArchiveIndexReading readArchiveIndexFile(platform::FileLayer& files, const std::
             return true;
         });
     if (error != 0) return failedLook(error);
-    ArchiveIndexReading reading{.state = State::damaged, .index = {}, .version = {}};
-    reading.version = ArchiveIndexVersion::of(status);
+    ArchiveIndexReading reading{.state = State::damaged, .index = {}, .stamp = {}};
+    reading.stamp = ArchiveIndexStamp::of(status);
     if (auto index = decoder.finish()) {
         reading.state = State::usable;
         reading.index = std::move(*index);

@@ -20,13 +20,13 @@ inline constexpr std::string_view archiveIndexFileName = "archive-index.json";
 std::optional<EmailArchiveIndex> readArchiveIndex(const std::string& path);
 
 // Which state of an index was read: one that was replaced or changed since then is another one.
-struct ArchiveIndexVersion {
+struct ArchiveIndexStamp {
     platform::FileIdentity file;
     FileStamp stamp;
 
-    static ArchiveIndexVersion of(const struct stat& status);
+    static ArchiveIndexStamp of(const struct stat& status);
 
-    friend bool operator==(const ArchiveIndexVersion&, const ArchiveIndexVersion&) = default;
+    friend bool operator==(const ArchiveIndexStamp&, const ArchiveIndexStamp&) = default;
 };
 
 struct ArchiveIndexReading {
@@ -38,9 +38,9 @@ struct ArchiveIndexReading {
     };
 
     State state = State::couldNotLook;
-    EmailArchiveIndex index;                    // of a usable one, else empty
-    std::optional<ArchiveIndexVersion> version; // of a usable or damaged one
-    int error = 0;                              // why nobody could look, as errno
+    EmailArchiveIndex index;                // of a usable one, else empty
+    std::optional<ArchiveIndexStamp> stamp; // of a usable or damaged one
+    int error = 0;                          // why nobody could look, as errno
     // A cloud provider has it elsewhere, and only its placeholder is here.
     bool isInCloud = false;
 };

@@ -7,13 +7,13 @@ set(mails_qml
     MailListState.qml
     MessageMenu.qml
     MessageRow.qml
+    MessageView.qml
     detail/AttachmentBox.qml
     detail/AttachmentMenu.qml
     detail/AttachmentRow.qml
     detail/CopiesNote.qml
     detail/MessageDetailView.qml
     detail/MessageFiles.qml
-    detail/MessageView.qml
 )
 set(mails_sources
     filter_options.cpp
