@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <map>
 #include <optional>
 #include <tuple>
 #include <utility>
@@ -145,12 +144,15 @@ QVariantList DeletionGuide::steps() const {
 
 QString DeletionGuide::leftOut() const {
     if (!isOpen_ || group_ == nullptr || proof_.isComparing()) return {};
-    std::map<QString, Years> byReason;
+    std::vector<std::pair<QString, Years>> byReason; // in the order of the years
     for (std::size_t number = 0; number < group_->years.size(); ++number) {
         const bool isWanted =
             std::ranges::find(wantedYears_, group_->years[number].year) != wantedYears_.end();
-        if (isWanted && !stats_->years[number].isOffered())
-            byReason[wholeText(leftOutReason(stats_->years[number]))].push_back(group_->years[number].year);
+        if (!isWanted || stats_->years[number].isOffered()) continue;
+        const QString reason = wholeText(leftOutReason(stats_->years[number]));
+        auto known = std::ranges::find(byReason, reason, &std::pair<QString, Years>::first);
+        if (known == byReason.end()) known = byReason.insert(known, {reason, {}});
+        known->second.push_back(group_->years[number].year);
     }
     QStringList parts;
     for (const auto& [reason, years] : byReason)
