@@ -179,7 +179,7 @@ ArchiveVerification verifyArchive(const std::string& root, const VerificationPro
             destination.saveIndex(index, recording->markHidden);
             destination.syncRoot();
         }
-    } catch (const archive::ReadingStopped&) { // told below
+    } catch (const archive::ReadingStopped&) { // NOLINT(bugprone-empty-catch): told below
     } catch (...) {
         keep();
         throw;

@@ -74,7 +74,8 @@ class MessageArchiver::Work {
     std::pair<SharedText, std::string> nextName();
     PlacedFile placeNew(const MessageBytes& chosen, std::string_view suffix, std::string& path);
     void addFile(std::string relativePath, std::size_t copy, const PlacedFile& placed);
-    [[nodiscard]] ArchivedEmailRecord newRecord(SharedText id, std::string path, std::size_t chosen) const;
+    [[nodiscard]] ArchivedEmailRecord newRecord(SharedText id, const std::string& path,
+                                                std::size_t chosen) const;
     [[nodiscard]] const Sha256Digest& hashOf(std::size_t copy) const;
 
     MessageArchiver& archiver_;
@@ -163,7 +164,7 @@ void MessageArchiver::Work::addFile(std::string relativePath, std::size_t copy, 
     bodies_.push_back(message.body());
 }
 
-ArchivedEmailRecord MessageArchiver::Work::newRecord(SharedText id, std::string path,
+ArchivedEmailRecord MessageArchiver::Work::newRecord(SharedText id, const std::string& path,
                                                      std::size_t chosen) const {
     const std::string_view bytes = copies_.messages[chosen].bytes;
     ArchivedEmailRecord record;
@@ -171,7 +172,7 @@ ArchivedEmailRecord MessageArchiver::Work::newRecord(SharedText id, std::string 
     record.id = std::move(id);
     if (auto cc = mime::decodedHeaderField("cc", bytes)) record.ccRecipients = SharedText(*cc);
     record.sizeBytes = static_cast<std::int64_t>(bytes.size());
-    record.emlRelativePath = std::move(path);
+    record.emlRelativePath = path;
     record.archivedAt = archiver_.now_();
     record.sourceCopyCount = static_cast<std::int64_t>(copies_.messages.size());
     record.sourceCopiesIdentical = groups_.size() == 1;

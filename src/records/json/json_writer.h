@@ -61,13 +61,13 @@ void writeText(Writer& writer, std::string_view text) {
     }
 }
 
-template <KeyOrder Order, class Writer, class Record>
+template <KeyOrder order, class Writer, class Record>
 void writeObject(Writer& writer, const Record& record);
 
-template <KeyOrder Order, class Writer, class T>
+template <KeyOrder order, class Writer, class T>
 void writeValue(Writer& writer, const T& value) {
     if constexpr (HasJsonForm<T>) {
-        writeObject<Order>(writer, value);
+        writeObject<order>(writer, value);
     } else if constexpr (HasJsonEnumForm<T>) {
         for (const auto& [entry, text] : JsonEnumForm<T>::names) {
             if (entry == value) writeText(writer, text);
@@ -91,12 +91,12 @@ void writeValue(Writer& writer, const T& value) {
         for (const auto& [key, item] : value) {
             const std::string name = text::repairedUtf8(key);
             writer.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
-            writeValue<Order>(writer, item);
+            writeValue<order>(writer, item);
         }
         writer.EndObject();
     } else {
         writer.StartArray();
-        for (const auto& item : value) writeValue<Order>(writer, item);
+        for (const auto& item : value) writeValue<order>(writer, item);
         writer.EndArray();
     }
 }
@@ -111,35 +111,35 @@ void ifPresent(const Member& member, const Use& use) {
     }
 }
 
-template <KeyOrder Order, class Writer, class Record, class Member>
+template <KeyOrder order, class Writer, class Record, class Member>
 void writeField(Writer& writer, const Record& record, const JsonField<Record, Member>& field) {
     ifPresent(record.*(field.member), [&](const auto& value) {
         writer.Key(field.name.data(), static_cast<rapidjson::SizeType>(field.name.size()));
-        writeValue<Order>(writer, value);
+        writeValue<order>(writer, value);
     });
 }
 
 // The fields of the object without its braces, for objects that get further keys.
-template <KeyOrder Order, class Writer, class Record>
+template <KeyOrder order, class Writer, class Record>
 void writeFields(Writer& writer, const Record& record) {
     constexpr auto& fields = JsonForm<Record>::fields;
-    if constexpr (Order == KeyOrder::table) {
-        std::apply([&](const auto&... field) { (writeField<Order>(writer, record, field), ...); }, fields);
+    if constexpr (order == KeyOrder::table) {
+        std::apply([&](const auto&... field) { (writeField<order>(writer, record, field), ...); }, fields);
     } else {
-        static const auto positions = fieldOrder<Record>(Order);
+        static const auto positions = fieldOrder<Record>(order);
         for (const std::size_t position : positions) {
             [&]<std::size_t... Index>(std::index_sequence<Index...>) {
-                ((Index == position ? writeField<Order>(writer, record, std::get<Index>(fields)) : void()),
+                ((Index == position ? writeField<order>(writer, record, std::get<Index>(fields)) : void()),
                  ...);
             }(std::make_index_sequence<std::tuple_size_v<std::remove_cvref_t<decltype(fields)>>>());
         }
     }
 }
 
-template <KeyOrder Order, class Writer, class Record>
+template <KeyOrder order, class Writer, class Record>
 void writeObject(Writer& writer, const Record& record) {
     writer.StartObject();
-    writeFields<Order>(writer, record);
+    writeFields<order>(writer, record);
     writer.EndObject();
 }
 
