@@ -252,8 +252,7 @@ std::vector<search::RecordTest> QuickLibrary::testsOf(std::string_view text) con
     std::vector<search::RecordTest> tests;
     for (const std::string& root : rootsByName()) {
         const MailSearchIndex* const index = searchIndex(root);
-        if (index == nullptr) continue;
-        if (index->isEmpty()) return {}; // which the search tells
+        if (index == nullptr || index->isEmpty()) return {}; // which the search tells
         if (tests.empty()) {
             if (auto ids = index->searchWithoutScan(text)) {
                 answer_ = {std::string(text), root, std::move(*ids)};
@@ -327,8 +326,9 @@ QuickLibrary::Search QuickLibrary::search(std::string_view query) const {
     for (const std::string& root : rootsByName()) {
         // Not kept: what it read for this it doesn't need again.
         const auto index = MailSearchIndex::open(support_, root);
-        if (index == nullptr) continue;
-        if (index->isEmpty()) {
+        if (index == nullptr) {
+            result.unreadableRoots.push_back(root);
+        } else if (index->isEmpty()) {
             result.unpreparedRoots.push_back(root);
         } else if (const auto ids = searchIn(*index, root, text)) {
             result.ids.insert(result.ids.end(), ids->begin(), ids->end());

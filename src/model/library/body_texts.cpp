@@ -45,6 +45,7 @@ struct CcQuestion {
 
 struct SearchQuestion {
     SharedSearchIndexes indexes;
+    std::vector<std::string> rootsWithout; // one that can be opened
     std::string query;
 };
 
@@ -156,11 +157,18 @@ void BodyTexts::ccRecipients(const ArchivedEntry& entry, TextAnswer answer) {
 }
 
 void BodyTexts::searchArchive(std::string query, SearchAnswer answer) {
-    if (library_.locationSearchIndexes()->empty()) return answer({});
+    SearchQuestion question{library_.locationSearchIndexes(), {}, std::move(query)};
+    for (const ArchiveLocation& location : library_.archiveLocations()) {
+        if (!question.indexes->contains(location.rootPath))
+            question.rootsWithout.push_back(location.rootPath);
+    }
     answerTasks_.start(
-        TaskPriority::userInitiated, SearchQuestion{library_.locationSearchIndexes(), std::move(query)},
+        TaskPriority::userInitiated, std::move(question),
         [](const SearchQuestion& asked, const TaskHandle&) {
-            return searchIndexes(*asked.indexes, asked.query);
+            ArchiveSearchResult found = searchIndexes(*asked.indexes, asked.query);
+            found.unreadableRoots.insert(found.unreadableRoots.end(), asked.rootsWithout.begin(),
+                                         asked.rootsWithout.end());
+            return found;
         },
         std::move(answer));
 }
