@@ -190,6 +190,8 @@ void CorvaneViewModel::renewFileLooks() {
         looks_ = std::make_shared<const LibraryFileLooks>(library_.loader.archivedFiles());
         library_.overview.onInputsChanged(); // what it says of originals rests on the earlier ones
     }
+    archiving_.readings.compareWith({library_.loader.archivedEntries(), library_.loader.archivedFiles(),
+                                     library_.loader.goneWithoutIndex()});
     proveAnew();
 }
 

@@ -102,7 +102,7 @@ TEST_F(VerificationOfAnArchive, OfAnArchiveAsWrittenFindsNothing) {
     files.inject({.effect = Effect::failFromHere, .operation = FileOperation::rename, .error = EIO});
     EXPECT_THROW(verifyArchive(root, {}, {}, files, HashRecording{}, keep), std::exception);
     ASSERT_EQ(readings.size(), 5U) << "whatever becomes of the index";
-    EXPECT_EQ(readings[0].reading.outcome, FileReading::Outcome::unreadable);
+    EXPECT_EQ(readings[0].reading.outcome, FileReading::Outcome::gone);
 }
 
 TEST_F(VerificationOfAnArchive, NamesExactlyTheDamage) {

@@ -80,6 +80,7 @@ struct Subject {
 
 const Read broken{.outcome = Outcome::unreadable};
 const Read brokenBefore{.stamp = earlier, .outcome = Outcome::unreadable};
+const Read lost{.stamp = unknownStamp, .outcome = Outcome::gone};
 const Read cut{.outcome = Outcome::incomplete};
 
 const Copy same;
@@ -140,7 +141,17 @@ TEST(ProofOutcomes, FollowFromWhatWasRead) {
         {"out of reach, read before", {same}, {away}, proven},
         {"out of reach, never read", {same}, {awayUnread}, notLookedAt},
         {"out of reach, with another hash", {unhashed}, {awayUnread}, differs, copy},
-        {"out of reach with other bytes", {same}, {{'a', Read{'b'}, Place::outOfReach}}, notLookedAt},
+        {"out of reach with other bytes", {same}, {{'a', Read{'b'}, Place::outOfReach}}, fileMissing, file},
+        {"out of reach, gone before",
+         {same},
+         {{.read = lost, .place = Place::outOfReach}},
+         fileMissing,
+         file},
+        {"out of reach, unreadable before",
+         {same},
+         {{.read = broken, .place = Place::outOfReach}},
+         notLookedAt},
+        {"there again", {same}, {{.read = lost}}, notLookedAt, "", "f0"},
         {"gone here, out of reach there", {same}, {gone, awayUnread}, notLookedAt},
         {"a record without a hash", {same}, {noHash}, proven},
         {"a record without a hash, not read", {same}, {noHashUnread}, notLookedAt, "", "f0"},

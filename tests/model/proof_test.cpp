@@ -241,10 +241,35 @@ TEST_F(Proofs, FallWithAChangeToTheArchiveAtTheNextLookAtIt) {
     EXPECT_EQ(candidates(), "abc");
     std::filesystem::rename(home_.at("elsewhere"), home_.at(root_));
     look();
-    EXPECT_EQ(outcomeOf("c"), ProofOutcome::proven) << "it is where it was proven";
+    EXPECT_EQ(candidates(), "a");
+    EXPECT_EQ(outcomeOf("c"), ProofOutcome::notLookedAt) << "nobody knows where it was meanwhile";
     home_.write(root_ + "/" + std::string(archiveIndexFileName), encodeArchiveIndex({}));
     look();
     EXPECT_EQ(model_->library().loader.archivedEntries()->size(), 0U) << "another program has removed them";
+}
+
+TEST_F(Proofs, OfAFileThatWasGoneWhenItsDiskWasLastThereAreTakenBack) {
+    std::filesystem::remove_all(home_.at(root_));
+    platform_.plugIn("盘");
+    root_ = "Volumes/盘/归档";
+    archive();
+    prove();
+    ASSERT_EQ(model_->deletionSafety({}).proofs.proven, 3);
+    std::filesystem::remove(archived("a"));
+    replaceByte(archived("b"), 'y');
+    loadLibrary();
+    platform_.unplug();
+    std::filesystem::rename(home_.at("Volumes/盘"), home_.at("away"));
+    const auto expectTakenBack = [&] {
+        loadLibrary();
+        EXPECT_EQ(outcomeOf("a"), ProofOutcome::fileMissing);
+        EXPECT_EQ(outcomeOf("b"), ProofOutcome::notLookedAt);
+        EXPECT_EQ(outcomeOf("c"), ProofOutcome::proven);
+        EXPECT_EQ(candidates(), "a");
+    };
+    expectTakenBack();
+    restart();
+    expectTakenBack();
 }
 
 TEST_F(Proofs, ByAFileThatIsInACloudOnlyHaveTheirDay) {

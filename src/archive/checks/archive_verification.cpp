@@ -107,13 +107,15 @@ void Verification::compare(const ArchivedEmailRecord& record, const File& file, 
 }
 
 void Verification::addReading(const std::string& path, const File& file) {
+    using Outcome = FileReading::Outcome;
     const bool wasRead = file.state == File::State::read;
-    readings.push_back(
-        {path,
-         {.stamp = file.stamp,
-          .outcome = wasRead ? FileReading::Outcome::complete : FileReading::Outcome::unreadable,
-          .hash = wasRead ? file.hash : platform::Sha256Digest{},
-          .readAt = currentTimestamp()}});
+    readings.push_back({path,
+                        {.stamp = file.stamp,
+                         .outcome = wasRead                             ? Outcome::complete
+                                    : file.state == File::State::absent ? Outcome::gone
+                                                                        : Outcome::unreadable,
+                         .hash = wasRead ? file.hash : platform::Sha256Digest{},
+                         .readAt = currentTimestamp()}});
 }
 
 void Verification::findUnindexed() {

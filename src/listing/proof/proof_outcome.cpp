@@ -18,8 +18,8 @@ enum class FileState {
     confirmed,  // read back with its record's bytes
     unread,     // there, and not read as it is now
     unreadable, // reading it, or looking at it, has failed
-    lost,       // not there, or with other bytes than its record's
-    unknown,    // out of reach, and never read with its record's bytes
+    lost,       // not there, or with other bytes than its record's, or so when it was last in reach
+    unknown,    // out of reach, and never read
 };
 
 struct KnownFile {
@@ -61,7 +61,12 @@ FileState stateOf(const ProofFile& file) {
     case Place::unseen:
         return FileState::unreadable;
     case Place::outOfReach:
-        return reading != nullptr && agrees(*reading, record) ? FileState::confirmed : FileState::unknown;
+        // What the last look at it has found, good or bad.
+        if (reading == nullptr) return FileState::unknown;
+        if (agrees(*reading, record)) return FileState::confirmed;
+        return reading->outcome == Outcome::complete || reading->outcome == Outcome::gone
+                   ? FileState::lost
+                   : FileState::unknown;
     case Place::there:
         break;
     }

@@ -93,7 +93,15 @@ std::optional<SourceStamp> archiveIndexStamp(platform::FileLayer& files, const s
 std::shared_ptr<const RootFiles> archivedFilesAt(PlaceLook& look, const ArchiveIndexCache& cache,
                                                  const std::string& root,
                                                  const std::vector<SharedText>& paths, bool isConnected) {
-    if (isConnected) return std::make_shared<const RootFiles>(listArchivedFiles(look, paths, root));
+    if (isConnected) {
+        struct stat before{};
+        struct stat after{};
+        const bool wasThere = look.files().stat(root, before) == 0;
+        auto files = std::make_shared<const RootFiles>(listArchivedFiles(look, paths, root));
+        // The files of a disk that was pulled meanwhile seem to be gone.
+        const bool isHere = look.files().stat(root, after) == 0 && after.st_dev == before.st_dev;
+        return wasThere && !isHere ? nullptr : files;
+    }
     return cache.isRootGone(root) ? std::make_shared<const RootFiles>() : nullptr;
 }
 

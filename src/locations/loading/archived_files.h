@@ -59,6 +59,9 @@ struct ArchivedFiles {
     [[nodiscard]] const FileStamp* stamp(std::string_view root, std::string_view relativePath) const;
 };
 
+// Files that are known to be gone, by the roots of their archives.
+using GonePaths = std::map<std::string, std::vector<SharedText>>;
+
 using SharedArchivedFiles = std::shared_ptr<const ArchivedFiles>;
 
 bool hasFilesInCloud(const ArchivedFiles& files);

@@ -20,6 +20,29 @@
 
 namespace corvane {
 
+namespace {
+
+std::vector<SharedText> pathsOf(const EmailArchiveIndex& index) {
+    std::vector<SharedText> paths;
+    paths.reserve(index.records.size());
+    for (const ArchivedEmailRecord& record : index.records) paths.push_back(record.emlRelativePath);
+    return paths;
+}
+
+// The files that aren't there of an archive that is there without the index that was copied.
+std::vector<SharedText> goneOfCopy(PlaceLook& look, const ArchiveIndexCache& cache, const std::string& root) {
+    const auto copy = cache.loadIndexWithCache(root, root, false, [&look] { look.beginStep(); });
+    if (!copy) return {};
+    std::vector<SharedText> paths = pathsOf(*copy);
+    const auto files = archivedFilesAt(look, cache, root, paths, true);
+    if (!files || look.isGivenUp()) return {};
+    std::erase_if(
+        paths, [&](const SharedText& path) { return files->presence(path) != ArchivedFilePresence::gone; });
+    return paths;
+}
+
+} // namespace
+
 // What is found at one root while its place answers.
 struct LibraryLoad::RootLook {
     bool connected = false;
@@ -27,6 +50,7 @@ struct LibraryLoad::RootLook {
     bool isIndexUnreadable = false;         // it may be there
     std::optional<SourceStamp> stamp;       // of the index while it was read
     std::shared_ptr<const RootFiles> files; // null when they couldn't be looked at
+    std::vector<SharedText> gone;           // of the copy of an index that isn't there any more
     ArchiveLocation::Kind kind = ArchiveLocation::Kind::local;
     double seconds = 0;
 
@@ -101,12 +125,11 @@ LibraryLoad::RootLook LibraryLoad::lookAtRoot(PlaceLook& look, const platform::P
     if (found.connected && !found.index) {
         const std::string path = platform::joinPath(root, archiveIndexFileName);
         found.isIndexUnreadable = filePresence(look.files(), path) != FilePresence::absent;
+        found.gone = goneOfCopy(look, cache, root);
     }
     if (look.isGivenUp() || !found.hasRecords()) return found;
     if (found.connected && isThere) cache.rememberDevice(root, static_cast<std::uint64_t>(status.st_dev));
-    std::vector<SharedText> paths;
-    for (const ArchivedEmailRecord& record : found.index->records) paths.push_back(record.emlRelativePath);
-    found.files = archivedFilesAt(look, cache, root, paths, found.connected);
+    found.files = archivedFilesAt(look, cache, root, pathsOf(*found.index), found.connected);
     if (look.isGivenUp()) return found;
     found.kind = locationKind(platform, root, found.connected && !found.isContentGone());
     found.seconds = watch.seconds();
@@ -120,6 +143,7 @@ void LibraryLoad::addRoot(const std::string& root, std::optional<RootLook> look)
         look->kind = locationKind(platform_, root, false);
         log_.mark(fmt::format("liveIndex root not answering path={}", root));
     }
+    if (!look->gone.empty()) result_.goneWithoutIndex[root] = std::move(look->gone);
     if (look->isIndexUnreadable && !input_.forgotten.contains(root)) result_.unreadableRoots.push_back(root);
     if (!look->hasRecords()) {
         log_.mark(fmt::format("liveIndex root skipped connected={} hasIndex={} path={}", look->connected,

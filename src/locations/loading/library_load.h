@@ -55,6 +55,7 @@ struct LibraryLoadResult {
     std::optional<DestinationIndex> destination; // when it is among the locations
     SharedSearchIndexes searchIndexes;
     SharedArchivedFiles files;                // the published ones where nothing has changed
+    GonePaths goneWithoutIndex;               // of archives that are there and whose index isn't
     std::vector<std::string> unreadableRoots; // of archives whose index is there and couldn't be read
 };
 

@@ -109,6 +109,7 @@ void LibraryLoader::applyLoadedArchiveIndex(LibraryLoadResult result, double sec
     adoptLocations(result);
     destination_ = result.destination;
     indexes_ = std::move(result.indexes);
+    goneWithoutIndex_ = std::move(result.goneWithoutIndex);
     unreadableRoots_ = std::move(result.unreadableRoots);
     snapshotWriter_.save({result.library, result.locations});
     publish(std::move(result.library), std::move(result.locations), std::move(result.searchIndexes),

@@ -62,6 +62,10 @@ class LibraryLoader : public QObject {
     // the first load. An archive that nobody could look at isn't in it.
     [[nodiscard]] const SharedArchivedFiles& archivedFiles() const { return files_; }
 
+    // The files that have gone from archives that are there without their index, as the last live load found
+    // them.
+    [[nodiscard]] const GonePaths& goneWithoutIndex() const { return goneWithoutIndex_; }
+
     // Of archives that aren't in the library, since the last live load couldn't read their index.
     [[nodiscard]] const std::vector<std::string>& unreadableRoots() const { return unreadableRoots_; }
 
@@ -118,6 +122,7 @@ class LibraryLoader : public QObject {
     std::vector<ArchiveLocation> locations_;
     SharedSearchIndexes searchIndexes_ = std::make_shared<const SearchIndexTable>();
     SharedArchivedFiles files_ = std::make_shared<const ArchivedFiles>();
+    GonePaths goneWithoutIndex_;
     std::vector<std::string> unreadableRoots_;
     IndexStates indexes_; // of which the library's entries are
     std::optional<DestinationIndex> destination_;

@@ -38,12 +38,13 @@ struct FileReading {
         complete,
         incomplete, // an .emlx that is shorter than its count, or holds no byte of a message
         unreadable, // it is there, and can't be read or cut
+        gone,       // an archived file that isn't there, or not with its record's size
     };
 
     FileStamp stamp;
     Outcome outcome = Outcome::complete;
     // Of the message: of all bytes of an .eml, of those that a run cuts out of an .emlx. All zeros where the
-    // file is unreadable.
+    // file is unreadable or gone.
     platform::Sha256Digest hash{};
     // Of the message behind its header (archive::bodyStartIndex); absent where nobody needed it.
     std::optional<platform::Sha256Digest> bodyHash{};

@@ -115,7 +115,7 @@ std::optional<Sha256Digest> digestOf(std::span<const std::uint8_t> bytes) {
 
 // Absent for a row that no version of ours has written.
 std::optional<FileReading> readingIn(const SqliteStatement& row) {
-    constexpr auto last = static_cast<std::int64_t>(FileReading::Outcome::unreadable);
+    constexpr auto last = static_cast<std::int64_t>(FileReading::Outcome::gone);
     const std::int64_t outcome = row.integer(3);
     const auto hash = digestOf(row.blob(4));
     if (!hash || outcome < 0 || outcome > last) return std::nullopt;

@@ -15,6 +15,7 @@ struct KeptReadings::Job {
     Kept known;
     std::vector<Addition> additions;
     ReadingPaths forgotten;
+    std::optional<SeenFiles> seen;
     std::optional<ReadingOwners> owners;
 };
 
@@ -40,6 +41,11 @@ void KeptReadings::forget(ReadingPaths paths) {
     startIfIdle();
 }
 
+void KeptReadings::compareWith(SeenFiles seen) {
+    seen_ = std::move(seen);
+    startIfIdle();
+}
+
 void KeptReadings::prune(ReadingOwners owners) {
     if (std::exchange(isPruned_, true)) return;
     owners_ = std::move(owners);
@@ -62,13 +68,20 @@ KeptReadings::Kept KeptReadings::changed(const Job& job, const TaskHandle& task)
     ReadingPaths gone = job.forgotten;
     if (job.owners)
         gone.append(staleReadings(job.support.files(), *kept.facts, *job.owners, currentTimestamp()));
-    if (job.additions.empty() && gone.isEmpty()) return kept;
+    std::vector<Addition> additions = job.additions;
+    if (job.seen) {
+        TakenBack back = readingsTakenBackBy(*job.seen, *kept.facts);
+        gone.append(std::move(back.outdated));
+        if (!back.lost.isEmpty())
+            additions.insert(additions.begin(), {std::make_shared<const ReadingBatch>(std::move(back.lost))});
+    }
+    if (additions.empty() && gone.isEmpty()) return kept;
     auto facts = std::make_shared<ProofFacts>(*kept.facts);
     store.remove(gone);
     facts->remove(gone);
     ReadingBatch unsaved = *kept.unsaved;
     PlaceLooks looks(job.platform, job.support.files(), task.stopToken());
-    for (const Addition& addition : job.additions) {
+    for (const Addition& addition : additions) {
         if (addition.store == Store::hasThem) {
             facts->add(*addition.readings);
             continue;
@@ -82,11 +95,12 @@ KeptReadings::Kept KeptReadings::changed(const Job& job, const TaskHandle& task)
 }
 
 void KeptReadings::startNext() {
-    if (!isLoadWanted_ && waiting_.empty() && forgotten_.isEmpty() && !owners_) return;
+    if (!isLoadWanted_ && waiting_.empty() && forgotten_.isEmpty() && !seen_ && !owners_) return;
     isLoadWanted_ = false;
     task_.start(kept_.stamp ? TaskPriority::utility : TaskPriority::userInitiated,
                 Job{context_.platform, context_.support, kept_, std::exchange(waiting_, {}),
-                    std::exchange(forgotten_, {}), std::exchange(owners_, std::nullopt)},
+                    std::exchange(forgotten_, {}), std::exchange(seen_, std::nullopt),
+                    std::exchange(owners_, std::nullopt)},
                 &changed, [this](Kept kept) { publish(std::move(kept)); });
 }
 

@@ -8,6 +8,7 @@
 
 #include <QObject>
 
+#include "model/archiving/proof/seen_files.h"
 #include "model/archiving/proof/stale_readings.h"
 #include "model/model_context.h"
 #include "model/tasks/task_slot.h"
@@ -35,6 +36,10 @@ class KeptReadings : public QObject {
     // Adds readings in the background, behind what was kept; `factsChanged` follows unless there are none.
     // Never null.
     void add(SharedReadings readings, Store store);
+
+    // Takes back, in the background, what was read of archived files that aren't as they were read: when
+    // their disk is away this look is the last word on them.
+    void compareWith(SeenFiles seen);
 
     // Takes readings away in the background, behind what is being added.
     void forget(ReadingPaths paths);
@@ -68,6 +73,7 @@ class KeptReadings : public QObject {
     Kept kept_;
     std::vector<Addition> waiting_;
     ReadingPaths forgotten_;
+    std::optional<SeenFiles> seen_;       // the last ones that wait
     std::optional<ReadingOwners> owners_; // of the pruning that waits
     bool isPruned_ = false;
     bool isLoadWanted_ = true; // before everything else
