@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include <QCoreApplication>
+
 #include "screens/support/library_scene.h"
 #include "screens/support/mail_samples.h"
 
@@ -22,6 +24,11 @@ MailMessageRecord numberedMessage(const TemporaryHome& home, int number) {
     return message;
 }
 
+// A view that was told to go stays until the loop runs, and would still be bound to the scene that goes.
+void deleteWhatGoes() {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 } // namespace
 
 WindowScene& QmlScenes::scene() {
@@ -30,6 +37,7 @@ WindowScene& QmlScenes::scene() {
 }
 
 void QmlScenes::begin(bool withDestination) {
+    deleteWhatGoes();
     auto next = std::make_unique<WindowScene>();
     next->fill(withDestination ? WindowScene::Destination::chosen : WindowScene::Destination::none);
     next->showLatest();
@@ -37,6 +45,7 @@ void QmlScenes::begin(bool withDestination) {
 }
 
 void QmlScenes::beginLibrary() {
+    deleteWhatGoes();
     auto next = std::make_unique<WindowScene>();
     fillLibrary(*next);
     show(std::move(next));
