@@ -4,6 +4,8 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -11,6 +13,7 @@
 #include <unistd.h>
 
 #include "platform/files/directory.h"
+#include "platform/files/layers/forwarding_file_layer.h"
 #include "platform/files/writing/durable_file.h"
 #include "platform/files/writing/temporary_file.h"
 #include "platform/paths.h"
@@ -121,6 +124,33 @@ TEST(Leftovers, OfALivingProcessStay_AndOfAKilledOneGo) {
     EXPECT_EQ(removeTemporaryFiles(folder), 2);
     EXPECT_EQ(removeUnfinishedFiles(folder), 1);
     EXPECT_EQ(entries(), 0U);
+}
+
+// Another program starts just before a file gets its name.
+class StartBeforeRenaming final : public ForwardingFileLayer {
+  public:
+    explicit StartBeforeRenaming(std::string folder)
+      : ForwardingFileLayer(posixFileLayer())
+      , folder_(std::move(folder)) {}
+
+    int rename(const std::string& from, const std::string& to) override {
+        removed += removeUnfinishedFiles(folder_);
+        return ForwardingFileLayer::rename(from, to);
+    }
+
+    int removed = 0;
+
+  private:
+    std::string folder_;
+};
+
+TEST(Leftovers, AFileStaysClaimedUntilItHasItsName) {
+    const TemporaryHome home;
+    StartBeforeRenaming files(home.path());
+    EXPECT_FALSE(writeFileAtomically(files, home.at("settings"), "x"));
+    EXPECT_EQ(files.removed, 0);
+    EXPECT_TRUE(fileExists(home.at("settings")));
+    EXPECT_EQ(removeUnfinishedFiles(home.path()), 0);
 }
 
 } // namespace

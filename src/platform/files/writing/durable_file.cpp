@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 
+#include "platform/files/file_descriptor.h"
 #include "platform/files/writing/file_claim.h"
 #include "platform/files/writing/temporary_file.h"
 #include "platform/paths.h"
@@ -90,6 +91,8 @@ class Replacement {
 
     std::error_code commit() {
         if (!error_ && retried([&] { return files_.sync(descriptor_); }) != 0) error_ = lastError();
+        // Another start would take a file that nobody claims for a remnant until it has its name.
+        const FileDescriptor claim(descriptor_ < 0 ? -1 : ::fcntl(descriptor_, F_DUPFD_CLOEXEC, 0));
         if (!error_ && !closed()) error_ = lastError();
         if (!error_ && retried([&] { return files_.rename(temporary_, target_); }) != 0) error_ = lastError();
         if (error_) return error_;
