@@ -106,6 +106,11 @@ TEST_F(Exporting, WhatIsNotTheArchivedMailAnyMoreFailsByItself) {
     EXPECT_EQ(run(ExportFormat::eml, folder).exported, 2);
     EXPECT_EQ(filesIn("out1"), (std::vector<std::string>{"large.eml", "whole-2.eml", "whole.eml"}));
     EXPECT_EQ(readWhole(home_.at("out1/未知年份/whole.eml")), "another one's");
+    fs::remove_all(home_.at("Archive/2014"));
+    for (const auto format : {ExportFormat::mbox, ExportFormat::zip, ExportFormat::eml}) {
+        const std::string path = home_.at("none" + std::to_string(static_cast<int>(format)));
+        EXPECT_EQ(run(format, path).failures.size(), entries_.size());
+    }
     home_.write("Archive/archive-index.json", "{}");
     EXPECT_THROW((void)run(ExportFormat::eml, home_.at("Archive/2014/a")), ExportError);
 }
