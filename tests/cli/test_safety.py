@@ -11,7 +11,7 @@ import subprocess
 import unittest
 import urllib.parse
 
-from cli_support import CLI, INDEX, SETTINGS, SUPPORT, CliCase
+from cli_support import CLI, INDEX, SETTINGS, SUPPORT, CliCase, tree_state
 
 RESCAN = "请重新扫描后再试"
 
@@ -112,6 +112,19 @@ class Safety(CliCase):
         self.assertEqual((alone["years"], [each["year"] for each in alone["leftOut"]]), ([], [year]))
         (self.mail / INDEX).rename(self.mail / "away")
         self.assertEqual(guide()["years"], [], "nobody knows what the search would find")
+
+    def test_a_forbidden_place_is_neither_made_nor_kept(self):
+        self.archive_some()
+        before = tree_state(self.mail / "Library")
+        for place in ("Library/Mail/V10/归档", SUPPORT + "/归档"):
+            refused = self.run_cli(self.mail, "archive", "--to", self.mail / place, expect=1)["error"]
+            self.assertIn("请选择别的位置", refused)
+            self.assertFalse((self.mail / place).exists())
+        self.assertIn("套在一起",
+                      self.run_cli(self.mail, "archive", "--to", self.archive / "2014/in", expect=1)["error"])
+        self.assertEqual(tree_state(self.mail / "Library"), before)
+        self.assertEqual([each["rootPath"] for each in self.run_cli(self.mail, "locations")], [str(self.archive)])
+        self.expect_true_word(self.archive)
 
     def test_what_could_not_be_kept_is_told(self):
         self.archive_some()

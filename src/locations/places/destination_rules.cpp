@@ -72,4 +72,11 @@ std::optional<std::string> refusalOfArchive(const std::string& path, const std::
                        platform::lastPathComponent(path), platform::lastPathComponent(around));
 }
 
+std::optional<std::string> refusalOfArchive(PlaceLooks& looks, const std::string& path,
+                                            const std::string& mailRoot, const std::string& ownFolder) {
+    using Answer = std::optional<std::string>;
+    return looks.ask<Answer>(path, [=](PlaceLook&) { return refusalOfArchive(path, mailRoot, ownFolder); })
+        .value_or(std::nullopt);
+}
+
 } // namespace corvane

@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "locations/places/place_looks.h"
+
 namespace corvane {
 
 // Why nothing may be written at the path, for the user: it lies in Mail's folder, links resolved. Absent
@@ -14,5 +16,10 @@ std::optional<std::string> refusalInMail(const std::string& path, const std::str
 // and in `ownFolder`, which is the program's.
 std::optional<std::string> refusalOfArchive(const std::string& path, const std::string& mailRoot,
                                             const std::string& ownFolder);
+
+// The same within the limits of a look. Absent also for a place that doesn't answer, which whoever writes
+// there meets himself.
+std::optional<std::string> refusalOfArchive(PlaceLooks& looks, const std::string& path,
+                                            const std::string& mailRoot, const std::string& ownFolder);
 
 } // namespace corvane

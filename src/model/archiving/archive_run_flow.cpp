@@ -55,30 +55,21 @@ std::string runSignature(const MessageList& messages, const std::string& destina
 }
 
 // Absent also for a place that doesn't answer, which the run then meets itself.
-std::optional<std::int64_t> availableBytes(const RunJob& job, const std::stop_token& stop) {
+std::optional<std::int64_t> availableBytes(const RunJob& job, PlaceLooks& looks) {
     using Answer = std::optional<std::int64_t>;
-    PlaceLooks looks(job.platform, job.files, stop);
     return looks
         .ask<Answer>(job.destination, [&platform = job.platform, place = job.destination](
                                           PlaceLook&) { return platform.availableCapacity(place); })
         .value_or(std::nullopt);
 }
 
-// The same.
-std::optional<std::string> refusal(const RunJob& job, const std::stop_token& stop) {
-    using Answer = std::optional<std::string>;
-    PlaceLooks looks(job.platform, job.files, stop);
-    return looks
-        .ask<Answer>(job.destination, [place = job.destination, mailRoot = job.mailRoot, own = job.ownFolder](
-                                          PlaceLook&) { return refusalOfArchive(place, mailRoot, own); })
-        .value_or(std::nullopt);
-}
-
 ArchiveRunFlow::RunOutcome archived(const RunJob& job, const MessageList& messages,
                                     const ReportingTask<EmailArchiveProgress>& task) {
     if (messages.empty()) return std::unexpected(nothingTicked);
-    if (auto refused = refusal(job, task.stopToken())) return std::unexpected(std::move(*refused));
-    if (auto shortfall = archiveCapacityShortfall(messages, availableBytes(job, task.stopToken())))
+    PlaceLooks looks(job.platform, job.files, task.stopToken());
+    if (auto refused = refusalOfArchive(looks, job.destination, job.mailRoot, job.ownFolder))
+        return std::unexpected(std::move(*refused));
+    if (auto shortfall = archiveCapacityShortfall(messages, availableBytes(job, looks)))
         return std::unexpected(std::move(*shortfall));
     try {
         ArchiverOptions options;

@@ -7,6 +7,7 @@
 
 #include "locations/known_locations.h"
 #include "locations/places/cloud_providers.h"
+#include "locations/places/destination_rules.h"
 #include "platform/files/writing/durable_file.h"
 #include "platform/paths.h"
 #include "records/logs/console_log.h"
@@ -23,6 +24,7 @@ struct PrepareJob {
     platform::FileLayer& files;
     std::string root;
     ArchiveDestinations::Folder folder;
+    std::string mailRoot;
 };
 
 void makeFolder(const PrepareJob& job, const TaskHandle& task) {
@@ -30,7 +32,8 @@ void makeFolder(const PrepareJob& job, const TaskHandle& task) {
     consoleLine("[HangTrace] setTransferDestination createDirectory begin(bg)");
     PlaceLooks looks(job.platform, job.files, task.stopToken());
     // A folder that can't be made shows in its facts and in the run.
-    looks.ask<std::error_code>(job.root, [root = job.root](PlaceLook& look) {
+    looks.ask<std::error_code>(job.root, [root = job.root, mailRoot = job.mailRoot](PlaceLook& look) {
+        if (refusalInMail(root, mailRoot)) return std::make_error_code(std::errc::operation_not_permitted);
         return platform::createDirectories(look.files(), root);
     });
     consoleLine("[HangTrace] setTransferDestination createDirectory end(bg)");
@@ -78,12 +81,13 @@ void ArchiveDestinations::setTransferDestination(const std::string& path, Folder
     known.cloudName = cloudProviderName(root);
     known.rememberedManualDestinations = facts_.rememberedManualDestinations;
     factsTask_.cancel();
-    prepareTask_.start(TaskPriority::userInitiated,
-                       PrepareJob{context_.platform, context_.support.files(), root, folder}, &makeFolder,
-                       [this] {
-                           refreshFacts();
-                           Q_EMIT destinationPrepared();
-                       });
+    prepareTask_.start(
+        TaskPriority::userInitiated,
+        PrepareJob{context_.platform, context_.support.files(), root, folder, context_.mailRootPath},
+        &makeFolder, [this] {
+            refreshFacts();
+            Q_EMIT destinationPrepared();
+        });
     Q_EMIT destinationChanged();
     setFacts(std::move(known));
     consoleLine("[HangTrace] setTransferDestination end(main)");

@@ -30,7 +30,7 @@ class ArchiveDestinations : public QObject {
     };
 
     // Publishes and stores the choice at once and makes the folder in the background; `destinationPrepared`
-    // follows. A place that was forgotten is known again.
+    // follows. None is made in Mail's folder. A place that was forgotten is known again.
     void setTransferDestination(const std::string& path, Folder folder = Folder::made);
 
     // There is no destination any more; what lies in the folder stays.

@@ -11,6 +11,7 @@
 #include "cli/console/progress_line.h"
 #include "cli/exit_status.h"
 #include "cli/known_accounts.h"
+#include "locations/places/destination_rules.h"
 #include "platform/paths.h"
 #include "records/archive_files/archive_index_file.h"
 #include "records/logs/console_log.h"
@@ -39,6 +40,15 @@ void provideScan(Session& session) {
     scan.refreshAllMailData();
     session.waitUntilIdle();
     if (scan.state().kind == MailScanState::Kind::failed) throw CommandFailure(scan.state().text);
+}
+
+// Before it is chosen: the choice would be kept, and its folder made.
+void requireAllowed(Session& session, const std::string& folder) {
+    const ModelContext& context = session.context();
+    PlaceLooks looks(context.platform, context.support.files(), {});
+    if (const auto refusal = refusalOfArchive(looks, platform::canonicalPath(folder), context.mailRootPath,
+                                              context.support.baseDirectory(false)))
+        throw CommandFailure(*refusal);
 }
 
 void select(Session& session, const ArchiveOptions& options) {
@@ -109,6 +119,7 @@ void printReadable(const EmailArchiveRunResult& result) {
 }
 
 int runArchive(Session& session, const ArchiveOptions& options, bool json) {
+    requireAllowed(session, options.destination);
     provideScan(session);
     requireAccounts(session, options.accounts, json);
     select(session, options);
