@@ -16,6 +16,7 @@
 #include "archive/destination/index_records.h"
 #include "platform/files/layers/folder_file_layer.h"
 #include "platform/paths.h"
+#include "records/archive_files/archive_index_decoder.h"
 #include "records/logs/console_log.h"
 #include "records/timestamps.h"
 
@@ -231,6 +232,7 @@ bool ArchiveDestination::replaceIndex(const EmailArchiveIndex& index,
     const auto replacing = std::make_shared<IndexReplacing>(folders(), indexPath_, encodeArchiveIndex(index),
                                                             loadedStamp_, markHidden, std::move(before));
     const std::size_t bytes = replacing->content.size();
+    if (std::cmp_greater(bytes, largestArchiveIndexBytes)) failUnsaved(EFBIG);
     const bool hasEnded = runLimited(
         limitForSize(limit_, bytes),
         [replacing](FileLayer& files, JobLimit& limit) { replacing->run(files, limit); },

@@ -13,9 +13,9 @@
 
 namespace corvane {
 
-// An index comes from outside, and decoding takes memory: a larger file isn't read. Room for several hundred
-// thousand records.
-inline constexpr std::int64_t largestArchiveIndexBytes = std::int64_t{256} << 20;
+// An index comes from outside, and decoding takes memory: a larger file isn't read, and none is written. Room
+// for more than a million records.
+inline constexpr std::int64_t largestArchiveIndexBytes = std::int64_t{1} << 30;
 
 // The records that one archive has in a list of entries, where they stand together.
 struct KnownRecords {
