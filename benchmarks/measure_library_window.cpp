@@ -95,8 +95,8 @@ class LibraryWalk {
         application_.step(name, act);
         settle();
         const double seconds = std::chrono::duration<double>(bench::Clock::now() - start).count();
-        fmt::print("{}\"{}\": {{\"seconds\": {:.3f}, \"steps\": {}}}", isFirst_ ? "" : ",\n ", name, seconds,
-                   application_.takeSummary());
+        fmt::print("{}\"{}\": {{\"seconds\": {:.3f}, \"peak megabytes\": {}, \"steps\": {}}}",
+                   isFirst_ ? "" : ",\n ", name, seconds, peakMemory(), application_.takeSummary());
         isFirst_ = false;
     }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <thread>
 #include <utility>
 
 #include <fmt/format.h>
@@ -174,10 +175,17 @@ void LibraryLoader::loadCachedArchiveLibraryIfNeeded() {
         return;
     }
     const platform::StopWatch watch;
-    auto snapshot = readSnapshot();
+    std::optional<ArchiveLibrarySnapshot> snapshot;
+    SharedLibrary library;
+    // A thread has a heap of its own: in the main thread's, which would wait for it, what was read here goes
+    // slowly as soon as a live load has taken its place.
+    std::thread([&] {
+        snapshot = readSnapshot();
+        if (!snapshot) return;
+        library = ArchivedLibrary::make(std::move(snapshot->entries));
+        countEntries(snapshot->locations, *library);
+    }).join();
     if (!snapshot) return;
-    SharedLibrary library = ArchivedLibrary::make(std::move(snapshot->entries));
-    countEntries(snapshot->locations, *library);
     // Search, and what is said of files, wait for the live load.
     publish(std::move(library), std::move(snapshot->locations), std::make_shared<const SearchIndexTable>(),
             files_);

@@ -78,7 +78,7 @@ class LibraryLoader : public QObject {
 
     [[nodiscard]] bool isLoading() const { return archiveIndexLoadTask_.isRunning(); }
 
-    // Shows the snapshot of the last run while nothing else is there. Reads it on the calling thread.
+    // Shows the snapshot of the last run while nothing else is there. Waits until it is read.
     void loadCachedArchiveLibraryIfNeeded();
 
     // Shows a location no longer, and removes the copy of its index. Its mail goes with the next load.
