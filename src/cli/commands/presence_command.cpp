@@ -1,6 +1,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include <fmt/format.h>
@@ -17,7 +19,8 @@ namespace {
 
 using Status = ArchivedOriginalPresenceStatus;
 
-void printJson(const OriginalPresence& presence) {
+// The failure of a question after which an earlier answer stands is none of that answer.
+void printJson(const OriginalPresence& presence, const std::optional<std::string>& questionFailure) {
     const std::vector<ArchivedEntry>& entries = *presence.entries;
     JsonDocument document;
     document.object([&] {
@@ -27,7 +30,8 @@ void printJson(const OriginalPresence& presence) {
             for (std::size_t at = 0; at < presence.statuses.size(); ++at)
                 document.member(entries[at].id(), presence.statuses[at]);
         });
-        if (presence.failureMessage) document.member("failureMessage", *presence.failureMessage);
+        const auto& failure = presence.failureMessage ? presence.failureMessage : questionFailure;
+        if (failure) document.member("failureMessage", *failure);
     });
     document.print();
 }
@@ -55,7 +59,7 @@ int runPresence(Session& session, bool force, bool json) {
     flow.refreshArchivedOriginalPresenceIfNeeded(force);
     session.waitUntilIdle();
     if (json)
-        printJson(*flow.presence());
+        printJson(*flow.presence(), flow.questionFailure());
     else
         printReadable(*flow.presence());
     // Of an earlier answer there are figures, which could be taken for those of now.
