@@ -44,7 +44,7 @@ void tellUnsearchedArchives(const std::vector<std::string>& unreadable,
         messageLine(fmt::format("没能搜索这个归档，结果里没有它的邮件：{}", root));
     for (const std::string& root : unprepared)
         messageLine(
-            fmt::format("这个归档的邮件还搜索不到，运行 corvane-cli index 为它建立搜索索引：{}", root));
+            fmt::format("这个归档的邮件大多还搜索不到，运行 corvane-cli index 为它建立搜索索引：{}", root));
 }
 
 } // namespace corvane::cli

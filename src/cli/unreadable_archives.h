@@ -11,8 +11,8 @@ namespace corvane::cli {
 // every look.
 void tellUnreadableArchive(const std::string& root);
 
-// A line on standard error for each archive that a search couldn't ask, and for each whose mail isn't
-// prepared for searching.
+// A line on standard error for each archive that a search couldn't ask, and for each most of whose mail
+// isn't prepared for searching.
 void tellUnsearchedArchives(const std::vector<std::string>& unreadable,
                             const std::vector<std::string>& unprepared);
 

@@ -1,5 +1,7 @@
 #include "search/mail_search_index.h"
 
+#include <utility>
+
 #include "records/texts/preview_placeholders.h"
 #include "search/search_database.h"
 #include "search/search_index_files.h"
@@ -239,11 +241,12 @@ std::optional<SharedTextSet> MailSearchIndex::indexedIDs() const {
     return idsBy("SELECT record_id FROM email_fts;");
 }
 
-bool MailSearchIndex::isEmpty() const {
-    SqliteStatement query(database_.get(), "SELECT 1 FROM record_map LIMIT 1;");
-    const bool hasRow = query.step();
+bool MailSearchIndex::lacksMostOf(std::size_t records) const {
+    // Never less than the number of rows.
+    SqliteStatement query(database_.get(), "SELECT max(rowid) FROM record_map;");
+    const bool hasAnswer = query.step();
     recordStatus(query.status());
-    return !hasRow && query.status() == SQLITE_DONE;
+    return hasAnswer && std::cmp_less(query.integer(0), (records + 1) / 2);
 }
 
 std::optional<SharedTextSet> MailSearchIndex::mappedIDs() const {

@@ -13,6 +13,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -97,8 +98,9 @@ class MailSearchIndex {
     // row, but no texts.
     [[nodiscard]] std::optional<SharedTextSet> indexedIDs() const;
 
-    // No row answers for any id: the archive's mail was never prepared for searching. False after an error.
-    [[nodiscard]] bool isEmpty() const;
+    // Rows were never made for even half of so many records: most of the archive's mail wasn't prepared for
+    // searching. False after an error. Reads no rows.
+    [[nodiscard]] bool lacksMostOf(std::size_t records) const;
 
     // The ids for which a row answers, without reading the rows. Absent after an error.
     [[nodiscard]] std::optional<SharedTextSet> mappedIDs() const;

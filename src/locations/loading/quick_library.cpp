@@ -250,12 +250,13 @@ std::vector<QuickLibrary::Found> QuickLibrary::newestOfAll(std::size_t count) co
 // Empty where an index is asked more quickly, or can't be.
 std::vector<search::RecordTest> QuickLibrary::testsOf(std::string_view text) const {
     std::vector<search::RecordTest> tests;
-    for (const std::string& root : rootsByName()) {
-        const MailSearchIndex* const index = searchIndex(root);
-        if (index == nullptr || index->isEmpty()) return {}; // which the search tells
+    for (const Archive* archive : archivesByName()) {
+        const MailSearchIndex* const index = searchIndex(archive->root);
+        // Which the search tells.
+        if (index == nullptr || index->lacksMostOf(archive->digest.count())) return {};
         if (tests.empty()) {
             if (auto ids = index->searchWithoutScan(text)) {
-                answer_ = {std::string(text), root, std::move(*ids)};
+                answer_ = {std::string(text), archive->root, std::move(*ids)};
                 return {};
             }
         }
@@ -307,11 +308,11 @@ const MailSearchIndex* QuickLibrary::searchIndex(const std::string& root) const 
     return searchIndexes_.emplace(root, MailSearchIndex::open(support_, root)).first->second.get();
 }
 
-std::vector<std::string> QuickLibrary::rootsByName() const {
-    std::vector<std::string> roots;
-    for (const Archive& archive : archives_) roots.push_back(archive.root);
-    std::ranges::sort(roots);
-    return roots;
+std::vector<const QuickLibrary::Archive*> QuickLibrary::archivesByName() const {
+    std::vector<const Archive*> archives;
+    for (const Archive& archive : archives_) archives.push_back(&archive);
+    std::ranges::sort(archives, {}, &Archive::root);
+    return archives;
 }
 
 std::optional<SharedTextSet> QuickLibrary::searchIn(const MailSearchIndex& index, const std::string& root,
@@ -323,18 +324,16 @@ std::optional<SharedTextSet> QuickLibrary::searchIn(const MailSearchIndex& index
 QuickLibrary::Search QuickLibrary::search(std::string_view query) const {
     const std::string_view text = text::trimWhitespaceAndNewlines(query);
     Search result;
-    for (const std::string& root : rootsByName()) {
+    for (const Archive* archive : archivesByName()) {
         // Not kept: what it read for this it doesn't need again.
-        const auto index = MailSearchIndex::open(support_, root);
-        if (index == nullptr) {
-            result.unreadableRoots.push_back(root);
-        } else if (index->isEmpty()) {
-            result.unpreparedRoots.push_back(root);
-        } else if (const auto ids = searchIn(*index, root, text)) {
-            result.ids.insert(result.ids.end(), ids->begin(), ids->end());
-        } else {
-            result.unreadableRoots.push_back(root);
+        const auto index = MailSearchIndex::open(support_, archive->root);
+        const auto ids = index == nullptr ? std::nullopt : searchIn(*index, archive->root, text);
+        if (!ids) {
+            result.unreadableRoots.push_back(archive->root);
+            continue;
         }
+        result.ids.insert(result.ids.end(), ids->begin(), ids->end());
+        if (index->lacksMostOf(archive->digest.count())) result.unpreparedRoots.push_back(archive->root);
     }
     std::ranges::sort(result.ids);
     result.ids.erase(std::ranges::unique(result.ids).begin(), result.ids.end());
@@ -342,8 +341,8 @@ QuickLibrary::Search QuickLibrary::search(std::string_view query) const {
 }
 
 std::optional<std::string> QuickLibrary::body(std::string_view recordID) const {
-    for (const std::string& root : rootsByName()) {
-        const MailSearchIndex* const index = searchIndex(root);
+    for (const Archive* archive : archivesByName()) {
+        const MailSearchIndex* const index = searchIndex(archive->root);
         if (index == nullptr) continue;
         if (auto body = index->body(recordID)) return body;
     }

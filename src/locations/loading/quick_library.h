@@ -43,7 +43,7 @@ class QuickLibrary {
     struct Search {
         std::vector<SharedText> ids;              // of records, sorted, each once
         std::vector<std::string> unreadableRoots; // of archives that couldn't be asked
-        std::vector<std::string> unpreparedRoots; // of those whose mail isn't in their index yet
+        std::vector<std::string> unpreparedRoots; // of those most of whose mail isn't in their index yet
     };
 
     // Looks at the places that a load would look at. Absent where only a load can tell what is in the
@@ -109,7 +109,7 @@ class QuickLibrary {
     bool dropRepeatedArchives(const ArchiveIndexCache& cache, PlaceLooks& looks);
 
     // The order in which they are asked.
-    [[nodiscard]] std::vector<std::string> rootsByName() const;
+    [[nodiscard]] std::vector<const Archive*> archivesByName() const;
 
     // The newest `count` of all, in that order.
     [[nodiscard]] std::vector<Found> newestOfAll(std::size_t count) const;

@@ -1,6 +1,7 @@
 #include "model/library/body_texts.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 #include <fmt/format.h>
@@ -45,7 +46,8 @@ struct CcQuestion {
 
 struct SearchQuestion {
     SharedSearchIndexes indexes;
-    std::vector<std::string> rootsWithout; // one that can be opened
+    std::map<std::string, std::int64_t> counts; // of mail, by root
+    std::vector<std::string> rootsWithout;      // one that can be opened
     std::string query;
 };
 
@@ -157,15 +159,16 @@ void BodyTexts::ccRecipients(const ArchivedEntry& entry, TextAnswer answer) {
 }
 
 void BodyTexts::searchArchive(std::string query, SearchAnswer answer) {
-    SearchQuestion question{library_.locationSearchIndexes(), {}, std::move(query)};
+    SearchQuestion question{library_.locationSearchIndexes(), {}, {}, std::move(query)};
     for (const ArchiveLocation& location : library_.archiveLocations()) {
+        question.counts.emplace(location.rootPath, location.count);
         if (!question.indexes->contains(location.rootPath))
             question.rootsWithout.push_back(location.rootPath);
     }
     answerTasks_.start(
         TaskPriority::userInitiated, std::move(question),
         [](const SearchQuestion& asked, const TaskHandle&) {
-            ArchiveSearchResult found = searchIndexes(*asked.indexes, asked.query);
+            ArchiveSearchResult found = searchIndexes(*asked.indexes, asked.counts, asked.query);
             found.unreadableRoots.insert(found.unreadableRoots.end(), asked.rootsWithout.begin(),
                                          asked.rootsWithout.end());
             return found;

@@ -33,7 +33,8 @@ QString LibrarySearch::note() const {
     if (!library_.list.rootsNotSearched().empty())
         notes += QStringLiteral("没有查到这些位置：") + placeNames(library_.list.rootsNotSearched());
     if (!library_.list.rootsNotPrepared().empty())
-        notes += QStringLiteral("这些位置的邮件还搜索不到：") + placeNames(library_.list.rootsNotPrepared());
+        notes +=
+            QStringLiteral("这些位置的邮件大多还搜索不到：") + placeNames(library_.list.rootsNotPrepared());
     return notes.join(u"；");
 }
 
