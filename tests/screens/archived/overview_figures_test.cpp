@@ -125,7 +125,7 @@ TEST(OverviewFigures, YearsAreSaidAsSpans) {
     EXPECT_EQ(screens::yearSpans(std::vector<std::int64_t>{2012, 2013, 2014, 2016}),
               QStringLiteral("2012 – 2014、2016"));
     EXPECT_EQ(screens::yearSpans(std::vector<std::int64_t>{1, 3, 5, 7, 9}),
-              QStringLiteral("1、3、5、7 等 5 个年份"));
+              QStringLiteral("1、3、5、7 等 5 个"));
 }
 
 } // namespace

@@ -81,7 +81,7 @@ QString yearSpans(std::span<const std::int64_t> years) {
         first = last + 1;
     }
     if (static_cast<std::size_t>(spans.size()) <= mostSpans) return spans.join(u'、');
-    return spans.mid(0, mostSpans).join(u'、') + QStringLiteral(" 等 %1 个年份").arg(years.size());
+    return spans.mid(0, mostSpans).join(u'、') + QStringLiteral(" 等 %1 个").arg(years.size());
 }
 
 } // namespace corvane::screens

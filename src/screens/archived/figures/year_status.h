@@ -43,7 +43,7 @@ YearStatus yearStatus(OriginalKnowledge knowledge, ArchivedOverviewRowStatus sta
 // state.
 YearStatus yearStatus(OriginalKnowledge knowledge, const ArchivedOverviewStats::Year& year);
 
-// "2012 – 2017、2019" for years in rising order; more than four spans end in "等 9 个年份".
+// "2012 – 2017、2019" for years in rising order; more than four spans end in "等 9 个".
 QString yearSpans(std::span<const std::int64_t> years);
 
 } // namespace screens
