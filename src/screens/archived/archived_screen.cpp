@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "records/timestamps.h"
+#include "screens/texts/message_trouble.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
 
@@ -13,6 +14,7 @@ ArchivedScreen::ArchivedScreen(CorvaneViewModel& model, DesktopActions& desktop,
   , model_(model)
   , check_(model)
   , proof_(model.archiving().proof)
+  , away_(model.context(), model.mail().catalog)
   , detail_(model.library().mailOpening)
   , guide_(model, desktop)
   , access_(model.mail(), desktop) {
@@ -34,6 +36,7 @@ void ArchivedScreen::wire() {
     updates(&model_.archiving().proof, &ProofFlow::proofEnded);
     connect(&model_.library().loader, &LibraryLoader::archivedEntriesChanged, this,
             &ArchivedScreen::showCachedCheck);
+    connect(&away_, &AwayProofCount::changed, this, &ArchivedScreen::changed);
     connect(&model_.archiving().proof, &ProofFlow::progressChanged, this, [this] {
         Q_EMIT proof_.changed();
         guide_.handleProofProgress();
@@ -63,6 +66,8 @@ void ArchivedScreen::update() {
         accounts_.show(*overview, known, filter_);
         detail_.show(overview, known);
         guide_.show(overview, known);
+        const LibraryLoader& library = model_.library().loader;
+        away_.count({}, library.archiveLocations(), *library.archivedFiles());
     }
     Q_EMIT changed();
     Q_EMIT check_.changed();
@@ -101,7 +106,8 @@ OverviewHero ArchivedScreen::hero() const {
                                   .shares = shares_,
                                   .checkedAt = presence.checkedAt,
                                   .isEarlierCheck = check_.isEarlier(),
-                                  .failure = screens::wholeText(failure)});
+                                  .failure = screens::wholeText(failure),
+                                  .away = screens::awayProofsSentence(away_.found())});
 }
 
 QVariantList ArchivedScreen::holdings() const {

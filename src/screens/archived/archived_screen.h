@@ -9,6 +9,7 @@
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
+#include "model/archiving/proof/away_proof_count.h"
 #include "model/corvane_view_model.h"
 #include "screens/archived/account/account_detail.h"
 #include "screens/archived/figures/archived_accounts_model.h"
@@ -101,6 +102,7 @@ class ArchivedScreen : public QObject {
     CorvaneViewModel& model_;
     OriginalCheck check_;
     OverviewProof proof_;
+    AwayProofCount away_;
     bool isOpened_ = false;
     ArchivedOverviewFilter filter_ = ArchivedOverviewFilter::all;
     ArchivedShares shares_;

@@ -1,11 +1,9 @@
 #include "screens/home/proof_status.h"
 
-#include <memory>
 #include <utility>
 
 #include <QVariantMap>
 
-#include "locations/loading/all_files_here.h"
 #include "screens/texts/message_trouble.h"
 #include "screens/texts/partial_mail.h"
 #include "screens/texts/proof_figures.h"
@@ -31,28 +29,11 @@ bool isAnyInTrouble(const DeletionSafety& safety) {
     return proofs.differs + proofs.fileMissing + proofs.unreadable + proofs.incomplete + safety.setAside > 0;
 }
 
-struct AwayJob {
-    SharedMessageList messages;
-    SharedProofTable proofs;
-    std::shared_ptr<const YearByID> years;
-    ArchiveRoots roots;
-    ProofScope scope;
-};
-
-AwayProofs awayProofsOf(const AwayJob& job, const TaskHandle&) {
-    return awayProofs(*job.proofs, job.roots, *job.messages,
-                      [&](const MailMessageRecord& message) { return job.scope.holds(message, *job.years); });
-}
-
 QVariantList itemsOf(const DeletionSafety& safety, const AwayProofs& away) {
     QVariantList items;
     const ProofCounts& proofs = safety.proofs;
     addItem(items, "circle-check", "safe", QStringLiteral("已逐字节核对 %1 封"), proofs.proven);
-    addItem(items, "unplug", "",
-            (away.inCloud == 0 ? QStringLiteral("其中 %1 封是 %2 的比对，归档磁盘未连接")
-                               : QStringLiteral("其中 %1 封是 %2 的比对，归档文件现在不在本机"))
-                .arg(QStringLiteral("%1"), screens::shownDay(away.oldest)),
-            away.count);
+    addItem(items, "unplug", "", QStringLiteral("其中 ") + screens::awayProofsText(away), away.count);
     addItem(items, "search", "", QStringLiteral("还没核对 %1 封"), safety.notLookedAt());
     addItem(items, "octagon-x", "danger", QStringLiteral("与归档不一致 %1 封，已列入未归档"), proofs.differs);
     addItem(items, "octagon-x", "danger", QStringLiteral("归档文件不见了或有改动 %1 封"), proofs.fileMissing);
@@ -67,7 +48,8 @@ QVariantList itemsOf(const DeletionSafety& safety, const AwayProofs& away) {
 ProofStatus::ProofStatus(CorvaneViewModel& model, QObject* parent)
   : QObject(parent)
   , model_(model)
-  , awayTask_(model.context().tasks) {
+  , away_(model.context(), model.mail().catalog) {
+    connect(&away_, &AwayProofCount::changed, this, &ProofStatus::updateItems);
     connect(&model.archiving().proof, &ProofFlow::progressChanged, this, &ProofStatus::changed);
     connect(&model.archiving().proof, &ProofFlow::proofEnded, this, &ProofStatus::changed);
 }
@@ -75,29 +57,14 @@ ProofStatus::ProofStatus(CorvaneViewModel& model, QObject* parent)
 void ProofStatus::show(const DeletionSafety& safety, const ProofScope& scope, bool isKnown) {
     safety_ = safety;
     const bool hadFigures = std::exchange(isKnown_, isKnown);
-    countAway(scope);
+    const LibraryLoader& library = model_.library().loader;
+    away_.count(scope, library.archiveLocations(), *library.archivedFiles());
     updateItems();
     if (hadFigures != isKnown) Q_EMIT changed();
 }
 
-void ProofStatus::countAway(const ProofScope& scope) {
-    const MessageCatalog& catalog = model_.mail().catalog;
-    AwayJob job{catalog.messages(), catalog.availability().proofs, catalog.messageYearByID(),
-                disconnectedRoots(model_.library().loader.archiveLocations()), scope};
-    const LibraryLoader& library = model_.library().loader;
-    if (job.roots.empty() && areAllFilesHere(*library.archivedFiles(), library.archiveLocations())) {
-        awayTask_.cancel();
-        away_ = {};
-        return;
-    }
-    awayTask_.start(TaskPriority::utility, std::move(job), &awayProofsOf, [this](const AwayProofs& away) {
-        away_ = away;
-        updateItems();
-    });
-}
-
 void ProofStatus::updateItems() {
-    QVariantList items = isKnown_ ? itemsOf(safety_, away_) : QVariantList();
+    QVariantList items = isKnown_ ? itemsOf(safety_, away_.found()) : QVariantList();
     const std::int64_t notLookedAt = isKnown_ ? safety_.notLookedAt() : 0;
     const bool troubled = isKnown_ && isAnyInTrouble(safety_);
     const std::int64_t partial = isKnown_ ? safety_.partial : 0;

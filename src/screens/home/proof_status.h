@@ -10,10 +10,9 @@
 #include <QtQml/qqmlregistration.h>
 
 #include "listing/deletion/deletion_safety.h"
-#include "listing/proof/away_proofs.h"
+#include "model/archiving/proof/away_proof_count.h"
 #include "model/archiving/proof/proof_job.h"
 #include "model/corvane_view_model.h"
-#include "model/tasks/task_slot.h"
 
 namespace corvane {
 
@@ -67,18 +66,16 @@ class ProofStatus : public QObject {
     void changed();
 
   private:
-    void countAway(const ProofScope& scope);
     void updateItems();
 
     CorvaneViewModel& model_;
     DeletionSafety safety_;
     bool isKnown_ = false;
-    AwayProofs away_; // of what is looked at
     QVariantList items_;
     std::int64_t notLookedAt_ = 0;
     std::int64_t partial_ = 0;
     bool hasTroubles_ = false;
-    TaskSlot awayTask_;
+    AwayProofCount away_; // of what is looked at
 };
 
 } // namespace corvane

@@ -8,11 +8,17 @@
 #include "listing/proof/outcome_titles.h"
 #include "model/corvane_view_model.h"
 #include "records/texts/formatters.h"
+#include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
 
 namespace corvane {
 
 namespace {
+
+QString shownDay(Date date) {
+    constexpr std::size_t dayLength = std::string_view("2026-11-22").size();
+    return screens::wholeText(formatListDate(date).substr(0, dayLength));
+}
 
 // The file that a verdict is about, on a line of its own.
 QString withPath(const QString& text, const std::string& path) {
@@ -90,11 +96,6 @@ MessageTrouble MessageTroubles::of(const MailMessageRecord& message) const {
 
 namespace screens {
 
-QString shownDay(Date date) {
-    constexpr std::size_t dayLength = std::string_view("2026-11-22").size();
-    return wholeText(formatListDate(date).substr(0, dayLength));
-}
-
 QString awayProofText(CorvaneViewModel& model, const MailMessageRecord& message) {
     const ArchiveRoots away = disconnectedRoots(model.library().loader.archiveLocations());
     const auto proof = awayProof(*model.mail().catalog.availability().proofs, away, message);
@@ -102,6 +103,18 @@ QString awayProofText(CorvaneViewModel& model, const MailMessageRecord& message)
     const QString text = proof->isInCloud ? QStringLiteral("%1 的比对，归档文件现在只在云端")
                                           : QStringLiteral("%1 的比对，归档磁盘未连接");
     return text.arg(shownDay(proof->readAt));
+}
+
+QString awayProofsText(const AwayProofs& away) {
+    return (away.inCloud == 0 ? QStringLiteral("%1 封是 %2 的比对，归档磁盘未连接")
+                              : QStringLiteral("%1 封是 %2 的比对，归档文件现在不在本机"))
+        .arg(QStringLiteral("%1"), shownDay(away.oldest));
+}
+
+QString awayProofsSentence(const AwayProofs& away) {
+    if (away.count == 0) return {};
+    return QStringLiteral("已逐字节核对的邮件里，") + awayProofsText(away).arg(shownCount(away.count)) +
+           u'。';
 }
 
 } // namespace screens

@@ -13,6 +13,8 @@
 
 namespace corvane {
 
+struct AwayProofs;
+
 class CorvaneViewModel;
 
 // All empty for a message without trouble.
@@ -49,8 +51,11 @@ namespace screens {
 // "2026-11-22 的比对，归档磁盘未连接": of a proof that rests on an archive which isn't connected; else empty.
 QString awayProofText(CorvaneViewModel& model, const MailMessageRecord& message);
 
-// That day, as the window writes it.
-QString shownDay(Date date);
+// The same of several, with the number of them as "%1" for who has it: "%1 封是 2026-11-22 的比对，…".
+QString awayProofsText(const AwayProofs& away);
+
+// In a sentence of its own; empty where there are none.
+QString awayProofsSentence(const AwayProofs& away);
 
 } // namespace screens
 

@@ -86,6 +86,11 @@ TEST(OverviewFigures, NothingIsGreenBeforeItWasCheckedAndCompared) {
         EXPECT_EQ(hero.action, QString::fromUtf8(each.action)) << number;
         EXPECT_EQ(hero.note.contains(QStringLiteral("2025-11-20")), each.isDated) << number;
     }
+    const QString away = QStringLiteral("2 封是 2020-01-01 的比对");
+    for (const auto known : {Known::unchecked, Known::known}) {
+        const OverviewHero hero = screens::overviewHero({.knowledge = known, .shares = all, .away = away});
+        EXPECT_EQ(hero.note.endsWith(away), known == Known::known) << "it is part of what is claimed";
+    }
     for (int known = 0; known < static_cast<int>(Known::known); ++known) {
         const YearStatus status = screens::yearStatus(static_cast<Known>(known), Status::cleanable, false);
         EXPECT_TRUE(status.tone.isEmpty() && status.key != u"cleanable") << known;

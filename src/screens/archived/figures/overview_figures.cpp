@@ -160,6 +160,8 @@ OverviewHero overviewHero(const OverviewHeroInput& input) {
         hero = unknownHero(QStringLiteral("—"), QStringLiteral("现在没有可以从 Mail 里删除的邮件。"));
         hero.note = checkedText(input.checkedAt);
     }
+    if (!input.away.isEmpty())
+        hero.note += (hero.note.isEmpty() ? QString() : QStringLiteral("\n")) + input.away;
     return awaiting.count > 0 ? withAction(std::move(hero), u"prove", u"开始核对") : hero;
 }
 

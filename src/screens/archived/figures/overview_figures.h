@@ -67,6 +67,7 @@ struct OverviewHeroInput {
     std::optional<Date> checkedAt{};
     bool isEarlierCheck = false; // of an earlier run of the program, or asked again in vain
     QString failure{};           // why Mail couldn't be asked
+    QString away{};              // what is proven by archived files that aren't here
 };
 
 namespace screens {

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "records/texts/formatters.h"
+#include "screens/texts/message_trouble.h"
 #include "screens/texts/proof_figures.h"
 #include "screens/texts/shown_figures.h"
 #include "screens/texts/shown_text.h"
@@ -13,13 +14,17 @@ using screens::wholeText;
 
 GuideProof::GuideProof(CorvaneViewModel& model, QObject* parent)
   : QObject(parent)
-  , model_(model) {
+  , model_(model)
+  , away_(model.context(), model.mail().catalog) {
+    connect(&away_, &AwayProofCount::changed, this, &GuideProof::changed);
     connect(&model.library().loader, &LibraryLoader::looksEnded, this, &GuideProof::compare);
 }
 
 void GuideProof::show(OriginalKnowledge knowledge, std::optional<std::int64_t> freeable) {
     knowledge_ = knowledge;
     freeable_ = freeable;
+    const LibraryLoader& library = model_.library().loader;
+    if (freeable_) away_.count(scope_, library.archiveLocations(), *library.archivedFiles());
     Q_EMIT changed();
 }
 
@@ -60,7 +65,7 @@ QString GuideProof::line() const {
                        .arg(wholeText(formatListDate(checkedAt.value_or(Date()))));
     if (const auto& scannedAt = model_.mail().scanFlow.cacheLoadedAt())
         line += QStringLiteral("Mail 数据更新于 %1。").arg(wholeText(formatListDate(*scannedAt)));
-    return line;
+    return line + screens::awayProofsSentence(away_.found());
 }
 
 QString GuideProof::count() const {

@@ -10,6 +10,7 @@
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
+#include "model/archiving/proof/away_proof_count.h"
 #include "model/corvane_view_model.h"
 #include "screens/archived/figures/year_status.h"
 
@@ -68,6 +69,7 @@ class GuideProof : public QObject {
     ProofScope scope_;
     OriginalKnowledge knowledge_ = OriginalKnowledge::loading;
     std::optional<std::int64_t> freeable_;
+    AwayProofCount away_; // of the scope
 };
 
 } // namespace corvane
