@@ -92,6 +92,20 @@ std::string mimeTypeGuess(std::string_view name, std::string_view contentType) {
     return written.empty() ? "附件" : text::uppercased(written);
 }
 
+bool mayContainEmbeddedAttachment(std::string_view mimeText) {
+    static constexpr std::array<std::string_view, 7> marks = {
+        "content-disposition: attachment",
+        "filename=",
+        "filename*=",
+        "filename*0*=",
+        " name=",
+        "\nname=",
+        "x-apple-part-url"}; // "\r\nname=" has "\nname=" in it
+    const std::string lowered = text::asciiLowercased(mimeText);
+    return std::ranges::any_of(
+        marks, [&](std::string_view mark) { return lowered.find(mark) != std::string::npos; });
+}
+
 bool hasImageExtension(std::string_view name) {
     const std::string extension = text::lowercased(platform::pathExtension(name));
     return std::ranges::find(imageExtensions, extension) != imageExtensions.end();

@@ -20,6 +20,9 @@ std::string mimeTypeGuess(std::string_view name, std::string_view contentType);
 // alone.
 bool hasImageExtension(std::string_view name);
 
+// Whether a message's text has any mark of an attachment.
+bool mayContainEmbeddedAttachment(std::string_view mimeText);
+
 // Bytes from which a stored picture counts as an attachment: smaller ones are signatures and inline logos.
 inline constexpr std::int64_t smallestImageAttachmentBytes = 500'000;
 

@@ -51,6 +51,18 @@ class ArchiveCare(CliCase):
                           sorted(rebuilt.values(), key=lambda record: record["emlRelativePath"])],
                          [{key: record.get(key) for key in record if key not in unknown} for record in
                           sorted(records.values(), key=lambda record: record["emlRelativePath"])])
+        # On another machine, where the mail alone can tell.
+        (self.root / "archive-index.json").unlink()
+        elsewhere = self.folder / "elsewhere"
+        elsewhere.mkdir()
+        self.assertEqual(len(self.run_cli(elsewhere, "rebuild", self.root, expect=3)["failures"]), 1)
+        names, alone = ({record["emlRelativePath"]: record["attachmentNames"] for record in each.values()}
+                        for each in (records, archive_state(self.root)[1]))
+        # Mail's index has some names in other words, and those of files that a copy lacks.
+        others = {path: (names[path], found) for path, found in alone.items() if found != names[path]}
+        self.assertLess(len(others), 10, others)
+        self.assertEqual([path for path, found in alone.items() if names[path] and not found], [])
+        self.assertGreater(sum(map(bool, alone.values())), 50)
 
 
 if __name__ == "__main__":

@@ -11,6 +11,7 @@
 #include "mailstore/sample_mail_store.h"
 #include "mailstore/scan/attachment_resolution.h"
 #include "mailstore/scan/mail_data_scanner.h"
+#include "mime/attachment_names.h"
 #include "mime/emlx.h"
 
 namespace corvane::mailstore {
@@ -277,9 +278,9 @@ TEST(Attachments, AreFoundInAText) {
     }
     for (const char* mark : {"CONTENT-DISPOSITION: Attachment", "Filename=", "filename*=", "filename*0*=",
                              " NAME=", "\nname=", "\r\nName=", "X-Apple-Part-URL"})
-        EXPECT_TRUE(mayContainEmbeddedAttachment(fmt::format("x{}y", mark))) << mark;
+        EXPECT_TRUE(mime::mayContainEmbeddedAttachment(fmt::format("x{}y", mark))) << mark;
     for (const char* none : {"", "name=", "xname=y", "file name", "content-disposition:attachment"})
-        EXPECT_FALSE(mayContainEmbeddedAttachment(none)) << none;
+        EXPECT_FALSE(mime::mayContainEmbeddedAttachment(none)) << none;
 }
 
 TEST(Attachments, TheFirstSourceThatHasAnyDecides) {

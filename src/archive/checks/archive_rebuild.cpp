@@ -20,6 +20,7 @@
 #include "archive/destination/index_records.h"
 #include "archive/header_summary.h"
 #include "archive/largest_mail.h"
+#include "mime/attachment_names.h"
 #include "platform/paths.h"
 #include "platform/threads/time_limited_worker.h"
 #include "records/archive_files/archive_index_file.h"
@@ -45,6 +46,7 @@ struct Mail {
     FileStamp stamp;
     HeaderSummary header;                       // empty where there is none; then a message is known
     const MailMessageRecord* message = nullptr; // of the last scan
+    std::vector<SharedText> attachmentNames{};  // unless there is such a message
 };
 
 // The number in a name that ends in "（变体N）", or in that and the number of a repeated name.
@@ -83,6 +85,7 @@ ArchivedEmailRecord recordOf(const Mail& mail, Date now) {
     record.ccRecipients = mail.header.ccRecipients;
     record.date = mail.header.date;
     record.accountName = accountOf(mail.path);
+    record.attachmentNames = mail.attachmentNames;
     if (mail.message != nullptr) archive::setMessageFields(record, *mail.message);
     record.sizeBytes = mail.sizeBytes;
     record.emlRelativePath = mail.path;
@@ -120,6 +123,7 @@ class Rebuild {
     void readMails();
     [[nodiscard]] bool isIndexed(const std::string& path);
     void readMail(const std::string& path);
+    [[nodiscard]] std::vector<SharedText> attachmentNamesOf(const std::string& path, const File& file) const;
     void adopt();
     void adoptMessage(std::string_view base, const std::vector<const Mail*>& mails);
     bool isKnownContent(const Mail& mail, const std::vector<std::size_t>& records);
@@ -230,6 +234,14 @@ void Rebuild::readMail(const std::string& path) {
     if (!header && message == nullptr) return fail(path, "没有邮件头，不是邮件");
     mails_.push_back({path, variantOf(path), file.bytesRead, file.hash, file.stamp,
                       std::move(header).value_or(HeaderSummary()), message});
+    if (message == nullptr) mails_.back().attachmentNames = attachmentNamesOf(path, file);
+}
+
+std::vector<SharedText> Rebuild::attachmentNamesOf(const std::string& path, const File& file) const {
+    if (!options_.attachmentNames || options_.isDryRun) return {};
+    const bool isWholeHere = file.bytesRead == std::ssize(file.start);
+    if (isWholeHere && !mime::mayContainEmbeddedAttachment(file.start)) return {};
+    return options_.attachmentNames(platform::joinPath(root_, path), stop_);
 }
 
 void Rebuild::adopt() {

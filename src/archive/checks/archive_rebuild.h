@@ -1,9 +1,9 @@
 // The way back for an archive whose index is lost, damaged or doesn't name all of its files: takes .eml files
-// that no record names into the index, from their own headers. The ids are those that a scan of the same mail
-// gives, so what was proven by the lost index can be proven by the new one; where Mail knows a message by
-// other words than its header, the last scan has them. A .eml file is never touched, and records that are
-// there stay as they are, but for the path of one whose file has been renamed. Blocks, on a background
-// thread; a place that doesn't answer has `platform::placeLimit` a step.
+// that no record names into the index, from their own headers, and with the attachments that are in them. The
+// ids are those that a scan of the same mail gives, so what was proven by the lost index can be proven by the
+// new one; where Mail knows a message by other words than its header, the last scan has them. A .eml file is
+// never touched, and records that are there stay as they are, but for the path of one whose file has been
+// renamed. Blocks, on a background thread; a place that doesn't answer has `platform::placeLimit` a step.
 #pragma once
 
 #include <cstdint>
@@ -41,6 +41,8 @@ struct RebuildOptions {
     std::function<void(std::size_t, std::size_t)> progress{};
     std::function<void(const std::string&)> markHidden{}; // empty: no file is hidden
     std::function<Date()> now{};                          // empty: the system's
+    // Of the mail in the file with this path; empty: records get none but those of the scan.
+    std::function<std::vector<SharedText>(const std::string&, const std::stop_token&)> attachmentNames{};
     archive::ScannedMail scanned{};
 };
 

@@ -99,7 +99,7 @@ std::vector<MailAttachmentRecord> resolvedAttachments(const FileURL& messageFile
     if (sources.indexedNames != nullptr) found = fromIndexedNames(*sources.indexedNames);
     if (found.empty()) found = fromStoredFiles(messageFile, sources.index, timing);
     if (!found.empty()) return found;
-    if (!mayContainEmbeddedAttachment(mimeText)) {
+    if (!mime::mayContainEmbeddedAttachment(mimeText)) {
         ++timing.markerSkippedMessages;
         return {};
     }
@@ -109,20 +109,6 @@ std::vector<MailAttachmentRecord> resolvedAttachments(const FileURL& messageFile
     }
     const SecondsCounter elapsed(timing.nativeAttachmentExtractSeconds);
     return extractAttachments(mimeText);
-}
-
-bool mayContainEmbeddedAttachment(std::string_view mimeText) {
-    static constexpr std::array<std::string_view, 7> marks = {
-        "content-disposition: attachment",
-        "filename=",
-        "filename*=",
-        "filename*0*=",
-        " name=",
-        "\nname=",
-        "x-apple-part-url"}; // "\r\nname=" has "\nname=" in it
-    const std::string lowered = text::asciiLowercased(mimeText);
-    return std::ranges::any_of(
-        marks, [&](std::string_view mark) { return lowered.find(mark) != std::string::npos; });
 }
 
 std::vector<MailAttachmentRecord> extractAttachments(std::string_view mimeText) {

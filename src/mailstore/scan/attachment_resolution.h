@@ -34,9 +34,6 @@ std::vector<MailAttachmentRecord> resolvedAttachments(const FileURL& messageFile
 // The names in a message's text (RFC 2183, RFC 2045), each once. Pure, linear.
 std::vector<MailAttachmentRecord> extractAttachments(std::string_view mimeText);
 
-// Whether a message's text has any mark of an attachment. Pure.
-bool mayContainEmbeddedAttachment(std::string_view mimeText);
-
 // A record by a name alone; nullopt for an empty name and for pictures. `contentType` is empty when unknown.
 std::optional<MailAttachmentRecord> attachmentFromName(std::string_view writtenName,
                                                        std::string_view contentType);

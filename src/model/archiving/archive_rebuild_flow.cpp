@@ -4,6 +4,7 @@
 #include <memory>
 #include <utility>
 
+#include "archive/attachments/listed_names.h"
 #include "model/tasks/progress_pace.h"
 
 namespace corvane {
@@ -39,6 +40,7 @@ Outcome rebuild(const RebuildJob& job, const ReportingTask<Progress>& task) {
     ProgressPace pace;
     RebuildOptions options;
     options.scanned = job.scanned;
+    options.attachmentNames = archive::workerListedNames(job.platform);
     options.markHidden = [&job](const std::string& path) { job.platform.markHidden(path); };
     options.progress = [&](std::size_t read, std::size_t all) {
         if (pace.isDue(read, all)) task.report({read, all});

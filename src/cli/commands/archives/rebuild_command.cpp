@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "archive/attachments/listed_names.h"
 #include "archive/checks/archive_rebuild.h"
 #include "archive/checks/scanned_copies.h"
 #include "cli/commands/archives/verified_readings.h"
@@ -70,6 +71,7 @@ int runRebuild(const RebuildCommandOptions& command, const CommonOptions& common
     RebuildOptions options;
     options.isDryRun = command.isDryRun;
     options.scanned = lastScan(*system);
+    options.attachmentNames = archive::workerListedNames(*system);
     options.markHidden = [&](const std::string& path) { system->markHidden(path); };
     options.progress = [&](std::size_t read, std::size_t all) {
         if (wasInterrupted()) stop.request_stop();
