@@ -193,6 +193,9 @@ class Safety(CliCase):
                     if record.get("messageIdentifier") == message["messageIdentifier"]]
         self.assertEqual(len(variants), 2)
         shutil.rmtree(self.archive)
+        away = subprocess.run([CLI, "--home", str(self.mail), "archive", "--to", self.archive, "--limit", "0"],
+                              capture_output=True, timeout=120, check=True)
+        self.assertIn("磁盘可能没有连接", away.stderr.decode())
         variants[1].mkdir(parents=True)
         self.archive_some()
         self.expect_true_word(self.archive)

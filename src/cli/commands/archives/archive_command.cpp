@@ -51,6 +51,16 @@ void requireAllowed(Session& session, const std::string& folder) {
         throw CommandFailure(*refusal);
 }
 
+// A new archive would be begun in the way of the old one, on another disk.
+void tellOfArchiveThatIsAway(Session& session, const std::string& folder) {
+    const std::string root = platform::canonicalPath(folder);
+    const ArchiveLocation* const known = session.model().library().loader.location(root);
+    if (known == nullptr || known->isConnected || known->count == 0) return;
+    messageLine(fmt::format(
+        "这里以前的归档（{} 封）现在不在，它的磁盘可能没有连接；新归档的邮件会写到现在的磁盘上：{}",
+        known->count, root));
+}
+
 void select(Session& session, const ArchiveOptions& options) {
     CorvaneViewModel& model = session.model();
     ModelFilters& filters = model.mail().filters;
@@ -122,6 +132,7 @@ int runArchive(Session& session, const ArchiveOptions& options, bool json) {
     requireAllowed(session, options.destination);
     provideScan(session);
     requireAccounts(session, options.accounts, json);
+    tellOfArchiveThatIsAway(session, options.destination);
     select(session, options);
     // Here it follows the run, whether or not that archived anything: an earlier one may have been killed.
     session.model().library().bodyTexts.setAutomaticRepair(false);
