@@ -111,6 +111,8 @@ TEST_F(Exporting, WhatIsNotTheArchivedMailAnyMoreFailsByItself) {
         const std::string path = home_.at("none" + std::to_string(static_cast<int>(format)));
         EXPECT_EQ(run(format, path).failures.size(), entries_.size());
     }
+    fs::rename(home_.at("Archive"), home_.at("away"));
+    EXPECT_EQ(run(ExportFormat::mbox, home_.at("none")).failures.front().reason, "归档位置没有连接");
     home_.write("Archive/archive-index.json", "{}");
     EXPECT_THROW((void)run(ExportFormat::eml, home_.at("Archive/2014/a")), ExportError);
 }

@@ -1,9 +1,11 @@
 #include "archive/export/mail_export.h"
 
 #include <cerrno>
+#include <chrono>
 #include <exception>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <system_error>
 
 #include <fmt/format.h>
@@ -15,8 +17,10 @@
 #include "archive/export/zip_target.h"
 #include "archive/opening/mail_pieces.h"
 #include "platform/files/directory.h"
+#include "platform/files/file_look.h"
 #include "platform/files/writing/leftovers.h"
 #include "platform/paths.h"
+#include "platform/threads/limited_answer.h"
 #include "records/archive_files/archive_index_file.h"
 #include "records/archived/content_hash.h"
 #include "records/texts/error_reasons.h"
@@ -88,10 +92,20 @@ void expectRecorded(const Content& content, const ArchivedEmailRecord& record) {
     if (isOther) throw std::runtime_error("归档文件的内容与归档时不一致");
 }
 
+bool isAway(const std::string& root, std::chrono::nanoseconds limit) {
+    return platform::limitedAnswer<bool>(limit,
+                                         [root](platform::JobLimit&) {
+                                             using Presence = platform::FileLook::Presence;
+                                             return platform::lookAtFile(root).presence == Presence::absent;
+                                         })
+        .value_or(false);
+}
+
 class Export {
   public:
     Export(const MailExport& system, archive::TimeLimitedTarget& target, const std::stop_token& stop)
-      : opener_(system.platform, system.limits)
+      : limitOfLook_(system.limits.ofLook)
+      , opener_(system.platform, system.limits)
       , pieces_(system.files, stop, system.limits.ofLook)
       , target_(target)
       , stop_(stop) {}
@@ -99,7 +113,7 @@ class Export {
     // Returns its bytes. Throws std::exception for a failure of this mail alone, and ExportError for one of
     // all.
     std::int64_t add(const ArchivedEntry& entry) {
-        const std::string path = opener_.ensureLocal(entry, stop_);
+        const std::string path = localPathOf(entry);
         const Content content = readContent(pieces_, path);
         expectRecorded(content, entry.record);
         const ExportedMail mail{entry.record, content.bytes, content.hash};
@@ -114,6 +128,19 @@ class Export {
     }
 
   private:
+    // A disk that isn't there brings nothing back by waiting.
+    std::string localPathOf(const ArchivedEntry& entry) {
+        using OpenError = ArchivedCloudFileOpener::OpenError;
+        try {
+            return opener_.ensureLocal(entry, stop_);
+        } catch (const OpenError& error) {
+            const bool mayBeAway = error.kind() == OpenError::Kind::unavailable;
+            if (mayBeAway && isAway(entry.locationRootPath.str(), limitOfLook_))
+                throw std::runtime_error("归档位置没有连接");
+            throw;
+        }
+    }
+
     void write(const ExportedMail& mail, const Content& content, const std::string& path) {
         if (!target_.begin(mail)) return;
         if (content.kept) {
@@ -129,6 +156,7 @@ class Export {
         target_.end();
     }
 
+    std::chrono::nanoseconds limitOfLook_;
     ArchivedCloudFileOpener opener_;
     archive::MailPieces pieces_;
     archive::TimeLimitedTarget& target_;
