@@ -190,6 +190,8 @@ class OneMail(SearchCase):
         target.write_bytes(b"mine")
         self.run_cli(self.mail, "attachment", entry["entryID"], part.get_filename(), "--to", target, expect=1)
         self.assertEqual(target.read_bytes(), b"mine")
+        wrong = self.run_cli(self.mail, "attachment", entry["entryID"], "nothing", "--to", self.folder, expect=1)
+        self.assertIn("这封邮件的附件是：" + "、".join(entry["record"]["attachmentNames"]), wrong["error"])
         link = self.folder / "link"
         link.symlink_to(self.folder / "elsewhere")
         self.run_cli(self.mail, "attachment", entry["entryID"], part.get_filename(), "--to", link, expect=1)

@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <expected>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <fmt/format.h>
@@ -30,15 +32,24 @@ struct AttachmentsOptions {
     std::string folder;
 };
 
+// With the names that there are, for who has mistaken one.
+std::string failureText(const std::string& failure, const std::vector<SharedText>& names,
+                        std::string_view asked) {
+    const bool isAmongThem = std::ranges::find(names, asked, &SharedText::view) != names.end();
+    if (names.empty() || isAmongThem) return failure;
+    return fmt::format("{}。这封邮件的附件是：{}", failure, fmt::join(names, "、"));
+}
+
 int runAttachment(Session& session, const AttachmentOptions& options, bool json) {
     AttachmentRef attachment{namedEntry(session, options.entry), options.name};
+    const auto names = attachment.entry.record.attachmentNames;
     std::optional<std::expected<SavedAttachment, std::string>> outcome;
     AttachmentFlow flow(session.context());
     flow.saveAttachment(std::move(attachment), platform::standardizedPath(options.target),
                         [&](const auto& saved) { outcome = saved; });
     session.waitUntilIdle();
     if (!outcome) throw Interrupted();
-    if (!*outcome) throw CommandFailure(outcome->error());
+    if (!*outcome) throw CommandFailure(failureText(outcome->error(), names, options.name));
     const SavedAttachment& saved = **outcome;
     if (!json) {
         printText(fmt::format("{}（{}）", saved.path, formatByteCount(saved.bytes)));

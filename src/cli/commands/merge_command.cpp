@@ -1,13 +1,17 @@
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include <fmt/format.h>
 
 #include "cli/commands/commands.h"
 #include "cli/console/output.h"
 #include "cli/console/text_table.h"
 #include "cli/exit_status.h"
 #include "model/unkept_data.h"
+#include "records/logs/console_log.h"
 
 namespace corvane::cli {
 
@@ -38,13 +42,20 @@ void printRules(const ArchiveAccountMergeRules& rules, bool json) {
     table.print();
 }
 
+void removeGroup(AccountRules& rules, const std::string& name) {
+    const bool isThere = std::ranges::any_of(rules.archiveAccountMergeRules(),
+                                             [&](const auto& rule) { return rule.second == name; });
+    if (!isThere) messageLine(fmt::format("没有名为“{}”的分组。", name));
+    rules.removeArchiveAccountGroup(name);
+}
+
 int runMerge(Session& session, const MergeOptions& options, bool json) {
     AccountRules& rules = session.model().library().accountRules;
     session.waitUntilIdle();
     if (options.name &&
         !rules.setArchiveAccountAddressCollection(options.bases, options.addresses, *options.name))
         throw WrongUsage("分组的名称不能是空的。");
-    if (options.removed) rules.removeArchiveAccountGroup(*options.removed);
+    if (options.removed) removeGroup(rules, *options.removed);
     session.waitUntilIdle();
     const bool isChanged = options.name || options.removed;
     if (isChanged) session.requireKept(unkeptSettingsText(session.context().settings));
