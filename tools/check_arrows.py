@@ -39,7 +39,7 @@ SUBFOLDERS = {
                 "json": ". archived timestamps", "archive_files": ". archived json texts",
                 "stores": ". archived json timestamps", "logs": ". stores timestamps"},
     "archive": {".": "", "destination": ".", "run": ". destination", "removal": ". destination",
-                "checks": ". destination", "bodies": ".", "opening": ". destination", "attachments": ". opening",
+                "opening": ". destination", "attachments": ". opening", "checks": ". destination attachments", "bodies": ".",
                 "export": ". destination opening"},
     "platform": {"paths": "", "platform": "", "system_menus": "", "home_places": "paths", "files": "paths platform",
                  "processes": "paths platform files", "threads": "files",

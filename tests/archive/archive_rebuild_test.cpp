@@ -151,6 +151,24 @@ TEST_F(RebuildOfAnArchive, TakesHostileFilesForFailures) {
                                                   {"broken.eml", "无法读取文件"}}));
 }
 
+TEST_F(RebuildOfAnArchive, ListsWhatIsInTheMailAndCountsThoseNobodyCouldLookThrough) {
+    const std::string parts = "Content-Type: multipart/mixed; boundary=b\r\nMIME-Version: 1.0\r\n";
+    for (const char* name : {"good", "lost"})
+        home.write(std::string("Archive/") + name + ".eml",
+                   parts + fullMail(name, name, "--b\r\nContent-Disposition: attachment"));
+    RebuildOptions options;
+    options.attachmentNames = [](const std::string& path,
+                                 const std::stop_token&) -> std::optional<std::vector<SharedText>> {
+        if (path.ends_with("lost.eml")) return std::nullopt;
+        return std::vector<SharedText>{"一.pdf"};
+    };
+    EXPECT_EQ(rebuildArchive(root, options).withUnknownAttachments, 1);
+    const auto records = index().records;
+    ASSERT_EQ(records.size(), 7U);
+    EXPECT_EQ(records[5].attachmentNames, std::vector<SharedText>{"一.pdf"});
+    EXPECT_TRUE(records[6].attachmentNames.empty());
+}
+
 TEST_F(RebuildOfAnArchive, AddsVariantsAndTellsOfCopies) {
     const std::string second = original.records[1].emlRelativePath.str();
     home.write("Archive/copy of a.eml", readWhole(at(first)));

@@ -1,5 +1,6 @@
 """What keeps an archive whole: verify with hashes, sums, and the way back from a lost index."""
 
+import os
 import shutil
 import subprocess
 import unittest
@@ -63,6 +64,17 @@ class ArchiveCare(CliCase):
         self.assertLess(len(others), 10, others)
         self.assertEqual([path for path, found in alone.items() if names[path] and not found], [])
         self.assertGreater(sum(map(bool, alone.values())), 50)
+        # There the first worker dies: the next mail has its own.
+        (self.root / "archive-index.json").unlink()
+        python = self.folder / "python"
+        python.write_text(f"#!/bin/sh\nmkdir '{self.folder}/began' 2>&- && exit 1\nexec python3 \"$@\"\n")
+        python.chmod(0o700)
+        told = subprocess.run([CLI, "--home", elsewhere, "rebuild", self.root], capture_output=True, text=True,
+                              env={**os.environ, "CORVANE_PYTHON": str(python)})
+        self.assertIn("1 封邮件的附件名称没能读出，附件仍在邮件里。", told.stderr)
+        unlike = [record for record in archive_state(self.root)[1].values()
+                  if record["attachmentNames"] != alone[record["emlRelativePath"]]]
+        self.assertLessEqual(len(unlike), 1)
 
 
 if __name__ == "__main__":

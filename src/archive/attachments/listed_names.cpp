@@ -3,8 +3,9 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
-#include <utility>
+#include <vector>
 
 #include "mime/attachment_names.h"
 #include "worker/mail_worker_client.h"
@@ -22,6 +23,8 @@ struct Worker {
         client.setUpkeep(true);
     }
 
+    std::vector<SharedText> names(const std::string& path, const std::stop_token& stop);
+
     MailWorkerClient client;
     std::optional<MailWorkerClient::Session> session{};
 };
@@ -32,21 +35,28 @@ bool isLittlePicture(std::string_view name, const MailWorkerClient::Attachment& 
            attachment.estimatedSize.value_or(0) < mime::smallestImageAttachmentBytes;
 }
 
+std::vector<SharedText> Worker::names(const std::string& path, const std::stop_token& stop) {
+    if (!session) session.emplace(client);
+    std::vector<SharedText> names;
+    for (const auto& each : session->attachments(FileURL(path), bytesForWorker, stop)) {
+        const std::string name = mime::cleanAttachmentName(each.fileName);
+        if (!name.empty() && !isLittlePicture(name, each)) names.emplace_back(name);
+    }
+    return names;
+}
+
 } // namespace
 
 ListedNames workerListedNames(const platform::Platform& platform) {
     return
-        [worker = std::make_shared<Worker>(platform)](const std::string& path, const std::stop_token& stop) {
-            std::vector<SharedText> names;
+        [worker = std::make_shared<Worker>(platform)](
+            const std::string& path, const std::stop_token& stop) -> std::optional<std::vector<SharedText>> {
             try {
-                if (!worker->session) worker->session.emplace(worker->client);
-                for (const auto& each : worker->session->attachments(FileURL(path), bytesForWorker, stop)) {
-                    const std::string name = mime::cleanAttachmentName(each.fileName);
-                    if (!name.empty() && !isLittlePicture(name, each)) names.emplace_back(name);
-                }
-            } catch (const WorkerError&) { // NOLINT(bugprone-empty-catch): the mail is there without them
+                return worker->names(path, stop);
+            } catch (const WorkerError&) {
+                worker->session.reset(); // one that ended by itself would answer nothing more
+                return std::nullopt;
             }
-            return names;
         };
 }
 

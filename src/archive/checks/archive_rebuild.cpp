@@ -46,7 +46,8 @@ struct Mail {
     FileStamp stamp;
     HeaderSummary header;                       // empty where there is none; then a message is known
     const MailMessageRecord* message = nullptr; // of the last scan
-    std::vector<SharedText> attachmentNames{};  // unless there is such a message
+    // Unless there is such a message; absent when the mail couldn't be looked through.
+    std::optional<std::vector<SharedText>> attachmentNames{};
 };
 
 // The number in a name that ends in "（变体N）", or in that and the number of a repeated name.
@@ -85,7 +86,7 @@ ArchivedEmailRecord recordOf(const Mail& mail, Date now) {
     record.ccRecipients = mail.header.ccRecipients;
     record.date = mail.header.date;
     record.accountName = accountOf(mail.path);
-    record.attachmentNames = mail.attachmentNames;
+    record.attachmentNames = mail.attachmentNames.value_or(std::vector<SharedText>());
     if (mail.message != nullptr) archive::setMessageFields(record, *mail.message);
     record.sizeBytes = mail.sizeBytes;
     record.emlRelativePath = mail.path;
@@ -123,7 +124,8 @@ class Rebuild {
     void readMails();
     [[nodiscard]] bool isIndexed(const std::string& path);
     void readMail(const std::string& path);
-    [[nodiscard]] std::vector<SharedText> attachmentNamesOf(const std::string& path, const File& file) const;
+    [[nodiscard]] std::optional<std::vector<SharedText>> attachmentNamesOf(const std::string& path,
+                                                                           const File& file) const;
     void adopt();
     void adoptMessage(std::string_view base, const std::vector<const Mail*>& mails);
     bool isKnownContent(const Mail& mail, const std::vector<std::size_t>& records);
@@ -237,10 +239,12 @@ void Rebuild::readMail(const std::string& path) {
     if (message == nullptr) mails_.back().attachmentNames = attachmentNamesOf(path, file);
 }
 
-std::vector<SharedText> Rebuild::attachmentNamesOf(const std::string& path, const File& file) const {
-    if (!options_.attachmentNames || options_.isDryRun) return {};
+std::optional<std::vector<SharedText>> Rebuild::attachmentNamesOf(const std::string& path,
+                                                                  const File& file) const {
+    const std::vector<SharedText> none;
+    if (!options_.attachmentNames || options_.isDryRun) return none;
     const bool isWholeHere = file.bytesRead == std::ssize(file.start);
-    if (isWholeHere && !mime::mayContainEmbeddedAttachment(file.start)) return {};
+    if (isWholeHere && !mime::mayContainEmbeddedAttachment(file.start)) return none;
     return options_.attachmentNames(platform::joinPath(root_, path), stop_);
 }
 
@@ -275,6 +279,7 @@ void Rebuild::adoptMessage(std::string_view base, const std::vector<const Mail*>
         records.push_back(index_.records.size());
         index_.records.push_back(std::move(record));
         count(*mail);
+        if (mail->message == nullptr && !mail->attachmentNames) ++result_.withUnknownAttachments;
     }
     for (const std::size_t position : adopted)
         index_.records[position].sourceCopiesIdentical = records.size() == 1;

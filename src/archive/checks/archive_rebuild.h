@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "archive/attachments/listed_names.h"
 #include "archive/checks/scanned_copies.h"
 #include "platform/files/layers/file_layer.h"
 #include "records/archived/archive_records.h"
@@ -28,6 +29,8 @@ struct ArchiveRebuild {
 
     std::int64_t adopted = 0; // files
     std::int64_t records = 0; // of the index as it is now, or would be
+    // Adopted mails whose records list no attachments because nobody could look through the mail.
+    std::int64_t withUnknownAttachments = 0;
     // Files and folders that couldn't be taken in, and files that hold the same mail as another one.
     std::vector<Failure> failures;
     // Of every adopted file, as it was read.
@@ -41,8 +44,7 @@ struct RebuildOptions {
     std::function<void(std::size_t, std::size_t)> progress{};
     std::function<void(const std::string&)> markHidden{}; // empty: no file is hidden
     std::function<Date()> now{};                          // empty: the system's
-    // Of the mail in the file with this path; empty: records get none but those of the scan.
-    std::function<std::vector<SharedText>(const std::string&, const std::stop_token&)> attachmentNames{};
+    archive::ListedNames attachmentNames{};               // empty: records get none but those of the scan
     archive::ScannedMail scanned{};
 };
 

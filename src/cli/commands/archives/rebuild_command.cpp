@@ -81,6 +81,9 @@ int runRebuild(const RebuildCommandOptions& command, const CommonOptions& common
         rebuildArchive(platform::standardizedPath(command.root), options, stop.get_token());
     if (rebuild.wasCancelled) throw Interrupted();
     if (!command.isDryRun) keepReadings(*system, command.root, std::move(rebuild.readings));
+    if (rebuild.withUnknownAttachments > 0)
+        messageLine(
+            fmt::format("{} 封邮件的附件名称没能读出，附件仍在邮件里。", rebuild.withUnknownAttachments));
     if (common.json)
         printJson(rebuild);
     else

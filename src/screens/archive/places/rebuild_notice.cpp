@@ -55,7 +55,10 @@ QString RebuildNotice::text() const {
 QString RebuildNotice::resultText() const {
     if (!rebuild_.outcome() || !*rebuild_.outcome()) return {};
     const ArchiveRebuild& result = **rebuild_.outcome();
-    const QString adopted = QStringLiteral("已收入 %1。").arg(shownMessageCount(result.adopted));
+    QString adopted = QStringLiteral("已收入 %1。").arg(shownMessageCount(result.adopted));
+    if (result.withUnknownAttachments > 0)
+        adopted += QStringLiteral("%1的附件名称没能读出，附件仍在邮件里。")
+                       .arg(shownMessageCount(result.withUnknownAttachments));
     if (result.failures.empty()) return adopted;
     const ArchiveRebuild::Failure& first = result.failures.front();
     return adopted + QStringLiteral("%1 个文件没有收入，如“%2”：%3。")
