@@ -30,10 +30,6 @@ struct OverviewOptions {
     bool check = false;
 };
 
-std::string titleOf(ArchivedOverviewRowStatus status, bool awaitsProof) {
-    return std::string(overviewStatusTitle(status, awaitsProof));
-}
-
 // Calls `visit(group, stats)` for each group that has something to show, and for all of them without a
 // filter.
 template <class Visit>
@@ -161,12 +157,12 @@ std::string presenceText(const FolderPresence& presence) {
 }
 
 void addYear(TextTable& table, const Group::YearGroup& year, const Stats::Year& stats) {
-    table.row({fmt::format("{}", year.year), titleOf(stats.status, stats.awaitsProof),
+    table.row({fmt::format("{}", year.year), std::string(overviewYearTitle(stats)),
                fmt::format("{}", year.count), formatByteCount(year.bytes), ""});
     for (std::size_t number = 0; number < year.folders.size(); ++number) {
         const Group::FolderRow& folder = year.folders[number];
         const Stats::Folder& state = stats.folders[number];
-        table.row({"  " + folder.mailbox, titleOf(state.status, state.awaitsProof),
+        table.row({"  " + folder.mailbox, std::string(overviewStatusTitle(state.status, state.awaitsProof)),
                    fmt::format("{}", folder.count), formatByteCount(folder.bytes),
                    presenceText(state.presence)});
     }

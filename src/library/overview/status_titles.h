@@ -9,6 +9,10 @@
 
 namespace corvane {
 
+constexpr bool isPartlyRemoved(const ArchivedOverviewStats::Year& year) {
+    return year.status == ArchivedOverviewRowStatus::cleanable && !year.isCleanable;
+}
+
 // `awaitsProof`: incomplete for no other reason than that originals still have to be compared.
 constexpr std::string_view overviewStatusTitle(ArchivedOverviewRowStatus status, bool awaitsProof) {
     if (awaitsProof) return "待核对";
@@ -16,6 +20,12 @@ constexpr std::string_view overviewStatusTitle(ArchivedOverviewRowStatus status,
                                                         "还有未归档",    "还有未归档（含服务器）", "待确认",
                                                         "已从 Mail 删除"};
     return titles.at(static_cast<std::size_t>(status));
+}
+
+// Of a year: where a mailbox has no original left, the others are still to be emptied one by one.
+constexpr std::string_view overviewYearTitle(const ArchivedOverviewStats::Year& year) {
+    if (isPartlyRemoved(year)) return "部分已从 Mail 删除";
+    return overviewStatusTitle(year.status, year.awaitsProof);
 }
 
 } // namespace corvane

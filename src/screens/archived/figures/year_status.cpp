@@ -18,12 +18,19 @@ YearStatus make(const char16_t* key, const char16_t* symbol, const char16_t* lab
             QString::fromUtf16(tone)};
 }
 
+YearStatus make(const char16_t* key, const char16_t* symbol, std::string_view label) {
+    return {QString::fromUtf16(key),
+            QString::fromUtf16(symbol),
+            QString::fromUtf8(label.data(), static_cast<qsizetype>(label.size())),
+            {}};
+}
+
 // With the word that everybody uses.
 YearStatus make(const char16_t* key, const char16_t* symbol, ArchivedOverviewRowStatus status,
                 const char16_t* tone = u"", bool awaitsProof = false) {
-    const std::string_view label = overviewStatusTitle(status, awaitsProof);
-    return {QString::fromUtf16(key), QString::fromUtf16(symbol),
-            QString::fromUtf8(label.data(), static_cast<qsizetype>(label.size())), QString::fromUtf16(tone)};
+    YearStatus made = make(key, symbol, overviewStatusTitle(status, awaitsProof));
+    made.tone = QString::fromUtf16(tone);
+    return made;
 }
 
 YearStatus unknownStatus(OriginalKnowledge knowledge) {
@@ -65,9 +72,8 @@ YearStatus yearStatus(OriginalKnowledge knowledge, ArchivedOverviewRowStatus sta
 }
 
 YearStatus yearStatus(OriginalKnowledge knowledge, const ArchivedOverviewStats::Year& year) {
-    const bool isPartlyGone = year.status == ArchivedOverviewRowStatus::cleanable && !year.isCleanable;
-    if (knowledge == OriginalKnowledge::known && isPartlyGone)
-        return make(u"pending", u"circle-question-mark", u"部分已从 Mail 删除");
+    if (knowledge == OriginalKnowledge::known && isPartlyRemoved(year))
+        return make(u"pending", u"circle-question-mark", overviewYearTitle(year));
     return yearStatus(knowledge, year.status, year.awaitsProof);
 }
 
