@@ -1,6 +1,7 @@
 #include "cli/library_options.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <set>
@@ -13,6 +14,7 @@
 #include "cli/known_accounts.h"
 #include "cli/unreadable_archives.h"
 #include "platform/paths.h"
+#include "text/charsets/encoding.h"
 #include "text/trim.h"
 
 namespace corvane::cli {
@@ -37,6 +39,15 @@ std::shared_ptr<const SharedTextSet> search(Session& session, const std::string&
     return ids;
 }
 
+// "2014" or "2012-2014"; absent for other texts.
+std::optional<YearSpan> yearSpan(std::string_view text) {
+    const std::size_t dash = text.find('-');
+    const auto first = text::parseInteger(text.substr(0, dash));
+    const auto last = dash == std::string_view::npos ? first : text::parseInteger(text.substr(dash + 1));
+    if (!first || !last || *first < 1 || *last < *first) return std::nullopt;
+    return YearSpan{*first, *last};
+}
+
 } // namespace
 
 void LibraryFilterOptions::addTo(CLI::App& command, LibraryFilterOptions& options) {
@@ -48,6 +59,12 @@ void LibraryFilterOptions::addTo(CLI::App& command, LibraryFilterOptions& option
     add("--account", options.account, "账户，library --options 给出的 key")->type_name("KEY");
     add("--location", options.location, "归档位置")->type_name("DIR");
     add("--mailbox", options.mailbox, "邮箱名称")->type_name("NAME");
+    command
+        .add_option_function<std::string>(
+            "--year", [&](const std::string& given) { options.years = yearSpan(given); },
+            "一年，或几年：2012-2014")
+        ->check([](const std::string& given) { return yearSpan(given) ? "" : "不是年份：" + given; }, "")
+        ->type_name("YEAR");
 }
 
 void LibraryFilterOptions::addQueryTo(CLI::App& command, LibraryFilterOptions& options) {
@@ -80,6 +97,7 @@ LibraryFilters libraryFilters(Session& session, const LibraryFilterOptions& opti
     LibraryFilters filters;
     filters.libraryAccountFilter = options.account;
     filters.libraryMailboxFilter = options.mailbox;
+    filters.years = options.years;
     if (options.location) filters.libraryLocationFilter = rootOf(session, *options.location);
     const std::string query(text::trimWhitespaceAndNewlines(options.query));
     if (!query.empty()) filters.matchedIDs = search(session, query);

@@ -17,9 +17,10 @@ struct LibraryFilterOptions {
     std::optional<std::string> account; // its key
     std::optional<std::string> location;
     std::optional<std::string> mailbox;
+    std::optional<YearSpan> years;
     std::string query;
 
-    // The account, the location and the mailbox. The query is a search; see libraryFilters().
+    // The account, the location, the mailbox and the years. The query is a search; see libraryFilters().
     static void addTo(CLI::App& command, LibraryFilterOptions& options);
     static void addQueryTo(CLI::App& command, LibraryFilterOptions& options);
 };

@@ -80,8 +80,12 @@ class GettingBack(CliCase):
         one = self.entries[3]["entryID"]
         name = self.entries[3]["record"]["mailbox"]
         of_mailbox = [e for e in self.entries if e["record"]["mailbox"] == name]
+        dated = [e["record"]["date"][:4] for e in self.entries if "date" in e["record"]]
+        year = dated[0]
+        of_year = [each for each in dated if each == year]
         for number, (arguments, expected) in enumerate((
                 ([one], 1), (["--mailbox", name], len(of_mailbox)), ([one, "--mailbox", name], 1),
+                (["--year", year], len(of_year)), (["--year", "1-3000"], len(dated)),
                 (["--location", str(self.archive)], len(self.entries)))):
             answer = self.run_cli(self.mail, "export", *arguments, "--format", "eml", "--to", self.folder / str(number))
             self.assertEqual(answer["exported"], expected, arguments)

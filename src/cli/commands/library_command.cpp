@@ -154,9 +154,10 @@ int runLibrary(Session& session, const LibraryCommandOptions& options, bool json
 
 void addLibraryCommand(CommandSet& commands) {
     auto options = std::make_shared<LibraryCommandOptions>();
-    CLI::App& library = commands.add("library", "已归档的邮件",
-                                     {{{"library --mailbox INBOX", "一个邮箱的已归档邮件，新邮件在前"},
-                                       {"library --groups --query 合同", "提到合同的邮件，按会话列出"}}});
+    CLI::App& library =
+        commands.add("library", "已归档的邮件",
+                     {{{"library --mailbox INBOX", "一个邮箱的已归档邮件，新邮件在前"},
+                       {"library --groups --year 2014 --query 合同", "2014 年提到合同的邮件，按会话列出"}}});
     LibraryFilterOptions::addTo(library, options->filters);
     LibraryFilterOptions::addQueryTo(library, options->filters);
     library.add_flag("--ascending", options->ascending, "旧邮件在前");
