@@ -1,4 +1,4 @@
-#include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,6 +10,7 @@
 #include "cli/console/output.h"
 #include "cli/console/text_table.h"
 #include "cli/exit_status.h"
+#include "cli/library_options.h"
 #include "model/unkept_data.h"
 #include "records/logs/console_log.h"
 
@@ -43,22 +44,31 @@ void printRules(const ArchiveAccountMergeRules& rules, bool json) {
 }
 
 void removeGroup(AccountRules& rules, const std::string& name) {
-    const bool isThere = std::ranges::any_of(rules.archiveAccountMergeRules(),
-                                             [&](const auto& rule) { return rule.second == name; });
-    if (!isThere) messageLine(fmt::format("没有名为“{}”的分组。", name));
-    rules.removeArchiveAccountGroup(name);
+    if (rules.removeArchiveAccountGroup(name) == 0) messageLine(fmt::format("没有名为“{}”的分组。", name));
+}
+
+// One whose accounts or addresses were mistyped collects nothing.
+void tellCollected(Session& session, const std::string& groupKey, const std::string& name) {
+    std::int64_t count = 0;
+    for (const LibraryAccountFilterOption& option : loadLibraryIndex(session)->accountOptions()) {
+        if (option.key == groupKey) count = option.count;
+    }
+    messageLine(fmt::format("分组“{}”现在有 {} 封已归档的邮件。", name, count));
 }
 
 int runMerge(Session& session, const MergeOptions& options, bool json) {
     AccountRules& rules = session.model().library().accountRules;
     session.waitUntilIdle();
-    if (options.name &&
-        !rules.setArchiveAccountAddressCollection(options.bases, options.addresses, *options.name))
-        throw WrongUsage("分组的名称不能是空的。");
+    std::optional<std::string> made;
+    if (options.name) {
+        made = rules.setArchiveAccountAddressCollection(options.bases, options.addresses, *options.name);
+        if (!made) throw WrongUsage("分组的名称不能是空的。");
+    }
     if (options.removed) removeGroup(rules, *options.removed);
     session.waitUntilIdle();
     const bool isChanged = options.name || options.removed;
     if (isChanged) session.requireKept(unkeptSettingsText(session.context().settings));
+    if (made) tellCollected(session, *made, *options.name);
     printRules(rules.archiveAccountMergeRules(), json);
     return done;
 }
